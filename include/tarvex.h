@@ -1,0 +1,190 @@
+/* tarvex.h -- the public interface of the Tarvex Optimizer
+ *
+ * A flat C interface. Every function returns 0 or an error code unless it says otherwise; the text of the last
+ * error is kept in the environment (TVXgeterrormsg). Arrays are 0-based; arrays handed in are copied, results
+ * are copied out. One thread per model at a time; TVXterminate may be called from any thread.
+ */
+#ifndef TARVEX_H
+#define TARVEX_H
+
+#include <stdio.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#define TVX_API __attribute__((visibility("default")))
+#define TVX_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#else
+#define TVX_API
+#define TVX_PRINTF(format, first)
+#endif
+
+typedef struct TVXenv TVXenv;
+typedef struct TVXmodel TVXmodel;
+
+#define TVX_INFINITY 1e100 /* a bound of this magnitude, or of 1e20 and more, is no bound */
+
+/* Error codes */
+#define TVX_ERROR_OUT_OF_MEMORY 10001
+#define TVX_ERROR_NULL_ARGUMENT 10002
+#define TVX_ERROR_INVALID_ARGUMENT 10003
+#define TVX_ERROR_UNKNOWN_ATTRIBUTE 10004
+#define TVX_ERROR_DATA_NOT_AVAILABLE 10005
+#define TVX_ERROR_INDEX_OUT_OF_RANGE 10006
+#define TVX_ERROR_UNKNOWN_PARAMETER 10007
+#define TVX_ERROR_VALUE_OUT_OF_RANGE 10008
+#define TVX_ERROR_PROCESSOR 10009
+#define TVX_ERROR_CALLBACK 10011
+#define TVX_ERROR_FILE_READ 10012
+#define TVX_ERROR_FILE_WRITE 10013
+#define TVX_ERROR_NUMERIC 10014
+#define TVX_ERROR_IIS_NOT_INFEASIBLE 10015
+#define TVX_ERROR_NOT_FOR_MIP 10016
+#define TVX_ERROR_OPTIMIZATION_IN_PROGRESS 10017
+#define TVX_ERROR_DUPLICATES 10018
+#define TVX_ERROR_NODEFILE 10019
+
+/* Values of the Status attribute */
+#define TVX_LOADED 1
+#define TVX_OPTIMAL 2
+#define TVX_INFEASIBLE 3
+#define TVX_INF_OR_UNBD 4
+#define TVX_UNBOUNDED 5
+#define TVX_CUTOFF 6
+#define TVX_ITERATION_LIMIT 7
+#define TVX_NODE_LIMIT 8
+#define TVX_TIME_LIMIT 9
+#define TVX_SOLUTION_LIMIT 10
+#define TVX_INTERRUPTED 11
+#define TVX_NUMERIC 12
+#define TVX_SUBOPTIMAL 13
+
+/* Values of VBasis and CBasis */
+#define TVX_BASIC 0
+#define TVX_NONBASIC_LOWER (-1)
+#define TVX_NONBASIC_UPPER (-2)
+#define TVX_SUPERBASIC (-3)
+
+/* ---- Environment, errors, log, version ---- */
+TVX_API int TVXloadenv(TVXenv **env_out, const char *log_file_name);
+TVX_API void TVXfreeenv(TVXenv *env);
+TVX_API TVXenv *TVXgetenv(TVXmodel *model);
+TVX_API const char *TVXgeterrormsg(TVXenv *env);
+TVX_API const char *TVXgetmerrormsg(TVXmodel *model);
+TVX_API int TVXcheckmodel(TVXmodel *model);
+TVX_API void TVXmsg(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
+TVX_API int TVXsetlogfile(TVXenv *env, FILE *stream);
+TVX_API int TVXgetlogfile(TVXenv *env, FILE **stream_out);
+TVX_API void TVXversion(int *major, int *minor, int *technical);
+TVX_API const char *TVXplatform(void);
+TVX_API const char *TVXsvnrevision(void);
+
+/* ---- Parameters ---- */
+TVX_API int TVXgetintparam(TVXenv *env, const char *name, int *value_out);
+TVX_API int TVXgetdblparam(TVXenv *env, const char *name, double *value_out);
+TVX_API int TVXgetstrparam(TVXenv *env, const char *name, char *value_out);
+TVX_API int TVXsetintparam(TVXenv *env, const char *name, int value);
+TVX_API int TVXsetdblparam(TVXenv *env, const char *name, double value);
+TVX_API int TVXsetstrparam(TVXenv *env, const char *name, const char *value);
+TVX_API int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum, int *maximum,
+                               int *default_value);
+TVX_API int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current, double *minimum,
+                               double *maximum, double *default_value);
+TVX_API int TVXgetstrparaminfo(TVXenv *env, const char *name, char *current, char *default_value);
+TVX_API int TVXgetparamtype(TVXenv *env, const char *name);
+TVX_API int TVXgetnumparams(TVXenv *env);
+TVX_API int TVXgetparamname(TVXenv *env, int index, char **name_out);
+TVX_API int TVXresetparams(TVXenv *env);
+TVX_API int TVXreadparams(TVXenv *env, const char *file_name);
+TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
+
+/* ---- Building and querying models ---- */
+TVX_API int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars, const double *obj,
+                        const double *lb, const double *ub, const char *vtype, char **varnames);
+TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars, int numconstrs,
+                         int objsense, double objcon, const double *obj, const char *sense, const double *rhs,
+                         const int *vbeg, const int *vlen, const int *vind, const double *vval,
+                         const double *lb, const double *ub, const char *vtype, char **varnames,
+                         char **constrnames);
+TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
+TVX_API int TVXfreemodel(TVXmodel *model);
+TVX_API int TVXupdatemodel(TVXmodel *model);
+TVX_API int TVXresetmodel(TVXmodel *model);
+TVX_API int TVXaddvar(TVXmodel *model, int numnz, const int *vind, const double *vval, double obj, double lb,
+                      double ub, char vtype, const char *varname);
+TVX_API int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg, const int *vind,
+                       const double *vval, const double *obj, const double *lb, const double *ub,
+                       const char *vtype, char **varnames);
+TVX_API int TVXaddconstr(TVXmodel *model, int numnz, const int *cind, const double *cval, char sense,
+                         double rhs, const char *constrname);
+TVX_API int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg, const int *cind,
+                          const double *cval, const char *sense, const double *rhs, char **constrnames);
+TVX_API int TVXaddrangeconstr(TVXmodel *model, int numnz, const int *cind, const double *cval, double lower,
+                              double upper, const char *constrname);
+TVX_API int TVXaddrangeconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg, const int *cind,
+                               const double *cval, const double *lower, const double *upper,
+                               char **constrnames);
+TVX_API int TVXaddsos(TVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
+                      const int *ind, const double *weight);
+TVX_API int TVXdelvars(TVXmodel *model, int numdel, const int *ind);
+TVX_API int TVXdelconstrs(TVXmodel *model, int numdel, const int *ind);
+TVX_API int TVXdelsos(TVXmodel *model, int numdel, const int *ind);
+TVX_API int TVXchgcoeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind, const double *val);
+TVX_API int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out);
+TVX_API int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval, int start, int len);
+TVX_API int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind, double *cval, int start,
+                          int len);
+TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind, double *weight,
+                      int start, int len);
+
+/* ---- Attributes ---- */
+TVX_API int TVXgetattrinfo(TVXmodel *model, const char *name, int *datatype_out, int *size_out,
+                           int *settable_out);
+TVX_API int TVXgetintattr(TVXmodel *model, const char *name, int *value_out);
+TVX_API int TVXgetdblattr(TVXmodel *model, const char *name, double *value_out);
+TVX_API int TVXgetstrattr(TVXmodel *model, const char *name, char **value_out);
+TVX_API int TVXsetintattr(TVXmodel *model, const char *name, int value);
+TVX_API int TVXsetdblattr(TVXmodel *model, const char *name, double value);
+TVX_API int TVXsetstrattr(TVXmodel *model, const char *name, const char *value);
+TVX_API int TVXgetintattrelement(TVXmodel *model, const char *name, int index, int *value_out);
+TVX_API int TVXgetdblattrelement(TVXmodel *model, const char *name, int index, double *value_out);
+TVX_API int TVXgetcharattrelement(TVXmodel *model, const char *name, int index, char *value_out);
+TVX_API int TVXgetstrattrelement(TVXmodel *model, const char *name, int index, char **value_out);
+TVX_API int TVXsetintattrelement(TVXmodel *model, const char *name, int index, int value);
+TVX_API int TVXsetdblattrelement(TVXmodel *model, const char *name, int index, double value);
+TVX_API int TVXsetcharattrelement(TVXmodel *model, const char *name, int index, char value);
+TVX_API int TVXsetstrattrelement(TVXmodel *model, const char *name, int index, const char *value);
+TVX_API int TVXgetintattrarray(TVXmodel *model, const char *name, int start, int len, int *values);
+TVX_API int TVXgetdblattrarray(TVXmodel *model, const char *name, int start, int len, double *values);
+TVX_API int TVXgetcharattrarray(TVXmodel *model, const char *name, int start, int len, char *values);
+TVX_API int TVXgetstrattrarray(TVXmodel *model, const char *name, int start, int len, char **values);
+TVX_API int TVXsetintattrarray(TVXmodel *model, const char *name, int start, int len, const int *values);
+TVX_API int TVXsetdblattrarray(TVXmodel *model, const char *name, int start, int len, const double *values);
+TVX_API int TVXsetcharattrarray(TVXmodel *model, const char *name, int start, int len, const char *values);
+TVX_API int TVXsetstrattrarray(TVXmodel *model, const char *name, int start, int len, char **values);
+TVX_API int TVXgetintattrlist(TVXmodel *model, const char *name, int len, const int *ind, int *values);
+TVX_API int TVXgetdblattrlist(TVXmodel *model, const char *name, int len, const int *ind, double *values);
+TVX_API int TVXgetcharattrlist(TVXmodel *model, const char *name, int len, const int *ind, char *values);
+TVX_API int TVXgetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind, char **values);
+TVX_API int TVXsetintattrlist(TVXmodel *model, const char *name, int len, const int *ind, const int *values);
+TVX_API int TVXsetdblattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              const double *values);
+TVX_API int TVXsetcharattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                               const char *values);
+TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind, char **values);
+
+/* ---- Solving ---- */
+TVX_API int TVXoptimize(TVXmodel *model);
+TVX_API void TVXterminate(TVXmodel *model);
+
+/* ---- Files ---- */
+TVX_API int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out);
+TVX_API int TVXread(TVXmodel *model, const char *filename);
+TVX_API int TVXwrite(TVXmodel *model, const char *filename);
+
+#ifdef __cplusplus
+}
+#endif
+#endif

@@ -1,0 +1,80 @@
+// env.h -- TVXenv, the environment: parameter values, the error buffer, the log, the stop flag
+//
+// States   alive   magic == ENV_MAGIC, from TVXloadenv (or env_copy) to TVXfreeenv (or env_free)
+//          dead    magic == 0
+// A master (is_master) owns errmsg, params and cb_record. A copy, made for each model, is a byte copy that shares
+// errmsg, params and master with it and has parameter values, log stream and stop flag of its own.
+#pragma once
+#include "frame/parameter_table.h"
+#include "frame/runtime/array.h"
+#include "frame/runtime/thread.h"
+#include "tarvex.h"
+#include <cstdint>
+#include <cstdio>
+
+static constexpr uint32_t ENV_MAGIC = 0x129e2d82;
+static constexpr int MESSAGE_LENGTH = 512; // characters of an error text, a log line slot, a string value
+static constexpr double INFINITE_VALUE = 1e20; // a caller's bound of this magnitude or more is infinite
+static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is stored
+static constexpr double UNDEFINED_VALUE = 1e100; // no incumbent; an infinite bound as attributes report it
+
+struct ParameterTable; // parameters.h
+struct CallbackRecord; // callbacks are installed here once they exist
+
+// Copied as bytes: plain words and pointers only.
+struct TVXenv {
+    uint32_t magic;           // ENV_MAGIC while alive, 0 after
+    int32_t terminate;        // non-zero asks the running solve to stop; flag_load and flag_store only
+    int32_t *terminate_ptr;   // the flag that solver loops poll
+    double optimize_start;    // WallClock at the start of the current TVXoptimize
+    const char *version_text; // constant
+    TVXenv *master;           // owner of the parameter table; itself in a master
+    int model_copies;         // copies taken from this environment; only non-zero matters
+    char *errmsg;             // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
+    int errcode;              // last code recorded with a text
+    int err_hold;             // non-zero: errmsg and errcode are frozen
+    ParameterTable *params;   // owned by the master
+    int is_master;            // 1 when made by TVXloadenv
+    FILE *log_file;           // own stream, or null
+    int quiet_solve;          // the model is solved as an inner step: no closing lines
+    void *cb_active;          // the caller's callback function, or null
+    CallbackRecord *cb_record; // owned by the master
+    void *hook[3];            // inner solve reports to the outer: function and two arguments
+
+    // One field per parameter, named like it.
+#define FIELD_INT(name, minimum, maximum, value) int name;
+#define FIELD_DBL(name, minimum, maximum, value) double name;
+#define FIELD_STR(name, value) char name[MESSAGE_LENGTH + 1];
+    PUBLIC_PARAMETERS(FIELD_INT, FIELD_DBL, FIELD_STR)
+    HIDDEN_PARAMETERS(FIELD_INT, FIELD_DBL, FIELD_STR)
+#undef FIELD_INT
+#undef FIELD_DBL
+#undef FIELD_STR
+};
+
+enum class LogReopen { NO, YES };
+// A private copy for a model; with YES an open log of the source is opened again for the copy. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
+void env_free(TVXenv *env); // a copy or a master; null is ignored
+int env_check(TVXenv *env); // 0, or the code of the first failed test; clears nothing
+// Opens `name` as this environment's log, or closes the log for an empty name. 0 or TVX_ERROR_FILE_WRITE.
+int env_open_log(TVXenv *env, const char *name);
+
+// A solver loop asks whether it has to stop.
+inline bool env_stop_requested(const TVXenv *env) { return flag_load(env->terminate_ptr) != 0; }
+
+// ---- Errors (error.cpp) ----
+// The first specific text of a failing call survives to its end; FORCE replaces it.
+enum class Report { KEEP_FIRST, FORCE };
+// Records code and text and returns code; code 0 does nothing.
+int fail(TVXenv *env, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
+int fail_model(TVXmodel *model, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
+// The end of every exported function: completes the message for `code` and returns it.
+int finish(TVXenv *env, int code);
+int finish_model(TVXmodel *model, int code);
+// NaN and infinities in data from a caller. 0 or TVX_ERROR_INVALID_ARGUMENT; a null array or n < 1 passes.
+int check_value(TVXenv *env, double value);
+int check_values(TVXenv *env, int64_t n, const double *values);
+
+// Diagnostics of the engine: the single point through which such lines pass. Prints nothing.
+void message_debug(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);

@@ -1,0 +1,38 @@
+// thread.h -- threads, locks, the words threads share, and processor counts
+#pragma once
+#include <atomic>
+#include <cstdint>
+
+using ThreadFunction = void (*)(void *argument);
+
+// Starts function(argument) on a thread of its own. Non-zero handle, or 0 when it cannot be started; the caller
+// then goes on without it.
+[[nodiscard]] uintptr_t ThreadStart(ThreadFunction function, void *argument);
+// Reclaims a handle. The thread has signalled its end through a flag before, so this does not wait long.
+void ThreadJoin(uintptr_t handle);
+// Gives up the processor. `round` counts the polls of one wait: later rounds sleep longer, up to about 1 ms, so
+// that an idle waiter costs next to nothing.
+void ThreadPause(int round);
+
+struct Lock;
+[[nodiscard]] Lock *LockCreate(); // null when out of memory
+void LockFree(Lock *lock);        // null is ignored
+void LockEnter(Lock *lock);
+void LockLeave(Lock *lock);
+
+// Processors for this process: the smallest of NUMBER_OF_PROCESSORS (1 to 1023, else ignored), the system's
+// count, the affinity mask and the cgroup CPU quota (rounded up); at least 1.
+int ProcessorCount();
+// The same, also bounded by the number of physical cores.
+int CoreCount();
+
+// One word that one side stores and another polls. The field itself stays a plain word, so that records which
+// hold it can be copied as bytes.
+inline int32_t flag_load(int32_t *word)
+{
+    return std::atomic_ref<int32_t>(*word).load(std::memory_order_acquire);
+}
+inline void flag_store(int32_t *word, int32_t value)
+{
+    std::atomic_ref<int32_t>(*word).store(value, std::memory_order_release);
+}

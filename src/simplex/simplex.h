@@ -1,0 +1,39 @@
+// simplex.h -- the face of the simplex subsystem
+//
+// The model body is read only here: scaling, sign flips of columns and the row copy live in the record `sopt`
+// that a model owns in TVXmodel::simplex. Everything handed out is in the body's own units and signs.
+#pragma once
+#include "frame/model.h"
+
+enum SimplexMethod { METHOD_AUTO = -1, METHOD_PRIMAL = 0, METHOD_DUAL = 1 };
+
+// Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
+// scratch, in this order. The result is model->status and the record model->simplex.
+//   vstat_cols [n], vstat_rows [m]   start basis, or both null
+//   x_start [n], slack_start [m]     start point that classifies nonbasics, or null
+// 0 (limits and infeasibility too), OUT_OF_MEMORY, or TVX_ERROR_NUMERIC.
+[[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols, const int *vstat_rows,
+                                  const double *x_start, const double *slack_start);
+void simplex_free(sopt *s); // null is ignored
+
+// Results of the last run; any out pointer may be null. None can fail.
+void simplex_get_primal(const sopt *s, double *x);              // [n]
+void simplex_get_dual(const sopt *s, double *pi, double *rc);   // [m] and [n], for the body's minimisation
+void simplex_get_basis(const sopt *s, int *statuses);           // [n + m] as in WarmStart
+double simplex_objective(const sopt *s);                        // minimisation form, constant included
+double simplex_iterations(const sopt *s);
+double simplex_work_units(const sopt *s);
+int simplex_factorizations(const sopt *s);
+int simplex_status(const sopt *s);                              // status of its last run
+double simplex_markowitz_tol(const sopt *s);                    // in force at the end of the last run
+// Scale factors: scaled column j = col[j] * column, scaled row i = row[i] * row; null when unscaled.
+void simplex_get_scaling(const sopt *s, const double **row, const double **col, double *obj);
+// Pricing norms held: 0 none, 1 dual, 2 primal kind; norms [n + m] may be null.
+int simplex_get_norms(const sopt *s, double *norms);
+
+// Refactors a finished record so that later calls find a fresh factor. 0 or a code.
+[[nodiscard]] int simplex_refactor(TVXmodel *model);
+
+// A bound of structural j changed in the body. Moves the live record along and returns true, or returns false
+// when the record cannot follow (the variable becomes or stops being free): the caller then drops it.
+[[nodiscard]] bool simplex_change_bound(sopt *s, int j, double lb, double ub);
