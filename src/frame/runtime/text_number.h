@@ -1,0 +1,29 @@
+// text_number.h -- numbers to text and back, the same in every locale
+#pragma once
+#include <cstdarg>
+#include <cstddef>
+
+static constexpr int NUMBER_LENGTH =
+    32; // room for any text written by the number_ routines, with its end
+
+// The number at the start of text (no white space is skipped): optional sign '+' or '-', decimal digits with an
+// optional point, optional exponent after e, E, d or D; or inf, infinity, nan in any case. Correctly rounded; too large
+// a number is infinite, too small a one zero. 0; or 1 when no number stands there, *value then unchanged and
+// *end == text. end may be null.
+int text_to_double(const char *text, const char **end, double *value);
+// A decimal integer, likewise. 1 also when it does not fit an int.
+int text_to_int(const char *text, const char **end, int *value);
+
+// Writes value into buffer (NUMBER_LENGTH characters) and returns the length.
+int number_general(char *buffer, double value,
+                   int digits); // like %.<digits>g, digits 1..17
+int number_scientific(char *buffer, double value,
+                      int digits); // like %.<digits>e, digits 0..17
+int number_shortest(char *buffer,
+                    double value); // fewest digits that read back as the same number
+
+// snprintf and fprintf as in the "C" locale, whatever the process has set. A null text prints as (null).
+int text_format(char *buffer, size_t size, const char *format, ...)
+    __attribute__((format(printf, 3, 4)));
+int text_format_v(char *buffer, size_t size, const char *format, va_list arguments)
+    __attribute__((format(printf, 3, 0)));
