@@ -15,10 +15,10 @@ extern "C" {
 
 #if defined(__GNUC__)
 #define TVX_API __attribute__((visibility("default")))
-#define TVX_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#define TVX_PRINTF(text, first) __attribute__((format(printf, text, first)))
 #else
 #define TVX_API
-#define TVX_PRINTF(format, first)
+#define TVX_PRINTF(text, first)
 #endif
 
 typedef struct TVXenv TVXenv;
