@@ -1,0 +1,57 @@
+// lp_check.h -- the one checker that decides whether a solution of an LP is optimal
+//
+// Problem     Given the test's own copy of a model and what a solver reports (X, Pi, RC, Slack, basis, ObjVal): is
+//             it an optimal basic solution?
+// Method      The optimality conditions, each by itself, sums in long double:
+//               primal    bounds and rows hold
+//               dual      sense*Pi <= 0 in '<' rows, >= 0 in '>' rows; RC = obj - Pi A; sense*RC >= 0 unless the
+//                         variable is at its upper bound, <= 0 unless at its lower bound
+//               gap       primal value = dual value, and Pi*Slack, RC*distance to the bound are small
+//               reports   Slack = rhs - a x, ObjVal = objcon + obj x, nothing is NaN
+//               basis     as many basics as rows, nonbasics at their bounds, the basis matrix is regular
+// Tolerances  A solver guarantees its tolerance in its scaled space: rows divided by their largest entry, then
+//             columns by theirs. A violation passes when it is small in that space (SCALE_SLACK times the
+//             tolerance, since a solver's factors are rounded), or small relative to the bound or rhs itself.
+// Out         LpReport: the measures and one line of text per fault; no faults means optimal.
+#pragma once
+#include "support/lp_model.h"
+#include <string>
+#include <vector>
+
+struct LpSolution {
+    int status = 0;                // Status attribute
+    double objval = 0;             // ObjVal
+    double iterations = 0;         // IterCount
+    std::vector<double> x, rc;     // [n]
+    std::vector<double> pi, slack; // [m]
+    bool has_basis = false;
+    std::vector<int> vbasis, cbasis; // [n], [m]: 0 basic, -1 lower, -2 upper, -3 superbasic
+};
+
+struct LpTolerances {
+    double primal = 1e-6; // FeasibilityTol of the run
+    double dual = 1e-6;   // OptimalityTol of the run
+    double gap = 1e-6;    // relative to 1 + |value| + the largest term of the objective
+    double report = 1e-9; // Slack, RC and ObjVal, relative to the largest term of their sum
+};
+
+struct LpReport {
+    long double bound_vio = 0, row_vio = 0; // largest unscaled violations
+    long double dual_vio = 0;               // largest wrong sign of Pi or RC, unscaled
+    long double primal_value = 0, dual_value = 0;
+    std::vector<std::string> faults;
+    bool ok() const { return faults.empty(); }
+    std::string text() const; // all faults, one per line
+};
+
+LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
+                          const LpTolerances &tolerances);
+// The basis alone: count, nonbasics at existing bounds, regular matrix. Appends to *faults.
+void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
+                    std::vector<std::string> *faults);
+
+// Largest violation of a bound or a row by a plain point, unscaled.
+struct PointReport {
+    long double bound_vio = 0, row_vio = 0, value = 0;
+};
+PointReport lp_check_point(const LpModel *lp, const std::vector<double> &x);

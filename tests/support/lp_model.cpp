@@ -1,0 +1,181 @@
+// lp_model.cpp -- building, changing and printing the test's own copy of an LP
+#include "support/lp_model.h"
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <sstream>
+
+int LpModel::num_entries() const
+{
+    size_t count = 0;
+    for (const std::vector<LpEntry> &col : cols) count += col.size();
+    return static_cast<int>(count);
+}
+
+int lp_add_var(LpModel *lp, double obj, double lb, double ub)
+{
+    lp->obj.push_back(obj);
+    lp->lb.push_back(lb);
+    lp->ub.push_back(ub);
+    lp->cols.emplace_back();
+    return lp->num_vars() - 1;
+}
+
+int lp_add_row(LpModel *lp, char sense, double rhs)
+{
+    lp->senses.push_back(sense);
+    lp->rhs.push_back(rhs);
+    return lp->num_rows() - 1;
+}
+
+int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &entries,
+                       char sense, double rhs)
+{
+    const int row = lp_add_row(lp, sense, rhs);
+    std::map<int, double> sums;
+    for (const auto &[col, value] : entries) sums[col] += value;
+    for (const auto &[col, value] : sums)
+        if (value != 0) lp->cols[static_cast<size_t>(col)].push_back({row, value});
+    return row;
+}
+
+void lp_set_entry(LpModel *lp, int row, int col, double value)
+{
+    std::vector<LpEntry> *entries = &lp->cols[static_cast<size_t>(col)];
+    std::erase_if(*entries, [row](const LpEntry &e) { return e.row == row; });
+    if (value != 0) entries->push_back({row, value});
+}
+
+double lp_get_entry(const LpModel *lp, int row, int col)
+{
+    for (const LpEntry &e : lp->cols[static_cast<size_t>(col)])
+        if (e.row == row) return e.value;
+    return 0;
+}
+
+void lp_delete_row(LpModel *lp, int row)
+{
+    lp->senses.erase(lp->senses.begin() + row);
+    lp->rhs.erase(lp->rhs.begin() + row);
+    for (std::vector<LpEntry> &col : lp->cols) {
+        std::erase_if(col, [row](const LpEntry &e) { return e.row == row; });
+        for (LpEntry &e : col)
+            if (e.row > row) e.row--;
+    }
+}
+
+void lp_delete_var(LpModel *lp, int col)
+{
+    lp->obj.erase(lp->obj.begin() + col);
+    lp->lb.erase(lp->lb.begin() + col);
+    lp->ub.erase(lp->ub.begin() + col);
+    lp->cols.erase(lp->cols.begin() + col);
+}
+
+static bool same_bound(double a, double b)
+{
+    return a == b || (lp_is_infinite(a) && lp_is_infinite(b) && (a > 0) == (b > 0));
+}
+
+static bool same_column(std::vector<LpEntry> a, std::vector<LpEntry> b)
+{
+    if (a.size() != b.size()) return false;
+    const auto by_row = [](const LpEntry &p, const LpEntry &q) { return p.row < q.row; };
+    std::sort(a.begin(), a.end(), by_row);
+    std::sort(b.begin(), b.end(), by_row);
+    for (size_t k = 0; k < a.size(); k++)
+        if (a[k].row != b[k].row || a[k].value != b[k].value) return false;
+    return true;
+}
+
+bool lp_same(const LpModel *a, const LpModel *b)
+{
+    if (a->sense != b->sense || a->objcon != b->objcon || a->obj != b->obj) return false;
+    if (a->senses != b->senses || a->rhs != b->rhs) return false;
+    for (size_t j = 0; j < a->obj.size(); j++) {
+        if (!same_bound(a->lb[j], b->lb[j]) || !same_bound(a->ub[j], b->ub[j]))
+            return false;
+        if (!same_column(a->cols[j], b->cols[j])) return false;
+    }
+    return true;
+}
+
+std::vector<long double> lp_activity(const LpModel *lp, const std::vector<double> &x)
+{
+    std::vector<long double> activity(lp->rhs.size(), 0);
+    for (size_t j = 0; j < lp->cols.size(); j++)
+        for (const LpEntry &e : lp->cols[j])
+            activity[static_cast<size_t>(e.row)] +=
+                static_cast<long double>(e.value) * x[j];
+    return activity;
+}
+
+long double lp_objective(const LpModel *lp, const std::vector<double> &x)
+{
+    long double value = lp->objcon;
+    for (size_t j = 0; j < lp->obj.size(); j++)
+        value += static_cast<long double>(lp->obj[j]) * x[j];
+    return value;
+}
+
+static std::string number(double value)
+{
+    char text[40];
+    snprintf(text, sizeof text, "%.17g", value);
+    char brief[40];
+    snprintf(brief, sizeof brief, "%g", value);
+    return strtod(brief, nullptr) == value ? brief : text;
+}
+
+static void print_bounds(const LpModel *lp, std::ostringstream *out)
+{
+    *out << "BOUNDS\n";
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const double lb = lp->lb[j], ub = lp->ub[j];
+        const auto card = [&](const char *kind, const std::string &value) {
+            *out << " " << kind << " BND C" << j << (value.empty() ? "" : " ") << value
+                 << "\n";
+        };
+        if (lb == ub) {
+            card("FX", number(lb));
+            continue;
+        }
+        if (lp_is_infinite(lb) && lp_is_infinite(ub)) {
+            card("FR", "");
+            continue;
+        }
+        if (lp_is_infinite(lb)) card("MI", "");
+        if (!lp_is_infinite(lb) && (lb != 0 || ub < 0)) card("LO", number(lb));
+        if (!lp_is_infinite(ub)) card("UP", number(ub));
+    }
+}
+
+std::string lp_to_mps(const LpModel *lp, const std::string &comment)
+{
+    std::ostringstream out;
+    std::istringstream lines(comment);
+    for (std::string line; std::getline(lines, line);) out << "* " << line << "\n";
+    out << "NAME TEST\n";
+    if (lp->sense < 0) out << "OBJSENSE\n    MAX\n";
+    out << "ROWS\n N OBJ\n";
+    for (size_t i = 0; i < lp->rhs.size(); i++)
+        out << " "
+            << (lp->senses[i] == '<'   ? 'L'
+                : lp->senses[i] == '>' ? 'G'
+                                       : 'E')
+            << " R" << i << "\n";
+    out << "COLUMNS\n";
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        if (lp->obj[j] != 0 || lp->cols[j].empty())
+            out << " C" << j << " OBJ " << number(lp->obj[j]) << "\n";
+        for (const LpEntry &e : lp->cols[j])
+            out << " C" << j << " R" << e.row << " " << number(e.value) << "\n";
+    }
+    out << "RHS\n";
+    if (lp->objcon != 0) out << " RHS OBJ " << number(-lp->objcon) << "\n";
+    for (size_t i = 0; i < lp->rhs.size(); i++)
+        if (lp->rhs[i] != 0) out << " RHS R" << i << " " << number(lp->rhs[i]) << "\n";
+    print_bounds(lp, &out);
+    out << "ENDATA\n";
+    return out.str();
+}

@@ -1,0 +1,15 @@
+// model_gen.h -- random tiny LPs, every odd shape on purpose
+//
+// Small integers, so that the exact judge is quick and no verdict hangs on a tolerance. The shapes mix freely:
+// all senses and bound patterns, empty rows and columns, no rows, no columns, duplicates, parallel and
+// contradicting rows, degenerate vertices, planted points and duals so that all three verdicts are common.
+#pragma once
+#include "support/dice.h"
+#include "support/lp_model.h"
+
+struct TinyLimits {
+    int max_vars = 8;
+    int max_rows = 8;
+    int scaled_percent = 5; // models whose rows and columns are multiplied by powers of two
+};
+LpModel gen_tiny(Dice *dice, const TinyLimits &limits);
