@@ -203,14 +203,30 @@ int number_shortest(char *buffer, double value)
     return number_finish(buffer, std::to_chars(buffer, buffer + NUMBER_LENGTH - 1, value));
 }
 
+// ---- Formats under the "C" locale of the calling thread ----
+
+struct PlainLocale {
+    locale_t Plain; // a constant of the C library, which allocates nothing
+    locale_t Previous;
+};
+
+static PlainLocale locale_enter()
+{
+    const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return {plain, uselocale(plain)};
+}
+
+static void locale_leave(PlainLocale entered)
+{
+    uselocale(entered.Previous);
+    freelocale(entered.Plain);
+}
+
 int text_format_v(char *buffer, size_t size, const char *format, va_list arguments)
 {
-    const locale_t plain = newlocale(
-        LC_ALL_MASK, "C", nullptr); // a constant of the C library: allocates nothing
-    const locale_t previous = uselocale(plain);
+    const PlainLocale entered = locale_enter();
     const int length = vsnprintf(buffer, size, format, arguments);
-    uselocale(previous);
-    freelocale(plain);
+    locale_leave(entered);
     return length;
 }
 
@@ -219,6 +235,23 @@ int text_format(char *buffer, size_t size, const char *format, ...)
     va_list arguments;
     va_start(arguments, format);
     const int length = text_format_v(buffer, size, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+int text_print_v(FILE *stream, const char *format, va_list arguments)
+{
+    const PlainLocale entered = locale_enter();
+    const int length = vfprintf(stream, format, arguments);
+    locale_leave(entered);
+    return length;
+}
+
+int text_print(FILE *stream, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = text_print_v(stream, format, arguments);
     va_end(arguments);
     return length;
 }

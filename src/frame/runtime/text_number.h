@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdarg>
 #include <cstddef>
+#include <cstdio>
 
 static constexpr int NUMBER_LENGTH =
     32; // room for any text written by the number_ routines, with its end
@@ -22,8 +23,12 @@ int number_scientific(char *buffer, double value,
 int number_shortest(char *buffer,
                     double value); // fewest digits that read back as the same number
 
-// snprintf and fprintf as in the "C" locale, whatever the process has set. A null text prints as (null).
+// snprintf, vsnprintf, fprintf and vfprintf as in the "C" locale, whatever the process has set. A null text prints as
+// (null).
 int text_format(char *buffer, size_t size, const char *format, ...)
     __attribute__((format(printf, 3, 4)));
 int text_format_v(char *buffer, size_t size, const char *format, va_list arguments)
     __attribute__((format(printf, 3, 0)));
+int text_print(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
+int text_print_v(FILE *stream, const char *format, va_list arguments)
+    __attribute__((format(printf, 2, 0)));
