@@ -1,9 +1,10 @@
 // env.h -- TVXenv, the environment: parameter values, the error buffer, the log, the stop flag
 //
 // States   alive   magic == ENV_MAGIC, from TVXloadenv (or env_copy) to TVXfreeenv (or env_free)
-//          dead    magic == 0
-// A master (is_master) owns errmsg, params and cb_record. A copy, made for each model, is a byte copy that shares
-// errmsg, params and master with it and has parameter values, log stream and stop flag of its own.
+//          dead    magic == 0: every call refuses it. The record of a dead master stays until its last copy is
+//                  freed, so that a copy can always look whether its master lives.
+// A master (is_master) owns errmsg and params. A copy, made for each model, is a byte copy that shares errmsg, params
+// and master with it and has parameter values, log stream, callback record and stop flag of its own.
 #pragma once
 #include "frame/parameter_table.h"
 #include "frame/runtime/array.h"
@@ -21,15 +22,18 @@ static constexpr double UNDEFINED_VALUE = 1e100; // no incumbent; an infinite bo
 struct ParameterTable; // parameters.h
 struct CallbackRecord; // callbacks are installed here once they exist
 
-// Copied as bytes: plain words and pointers only.
+// Copied as bytes from terminate_ptr on: plain words and pointers only.
 struct TVXenv {
     uint32_t magic;           // ENV_MAGIC while alive, 0 after
-    int32_t terminate;        // non-zero asks the running solve to stop; flag_load and flag_store only
+    int32_t terminate;        // non-zero asks the running solve to stop
+    int32_t model_copies;     // non-zero once a copy was taken from this environment
+    int32_t holders;          // in a master: itself while alive, and every copy
+    int32_t message_lock;     // in a master: 1 while a thread writes errmsg
+    // The four words above may be touched by several threads, so atomically only, and are not copied as bytes.
     int32_t *terminate_ptr;   // the flag that solver loops poll
     double optimize_start;    // WallClock at the start of the current TVXoptimize
     const char *version_text; // constant
     TVXenv *master;           // owner of the parameter table; itself in a master
-    int model_copies;         // copies taken from this environment; only non-zero matters
     char *errmsg;             // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
     int errcode;              // last code recorded with a text
     int err_hold;             // non-zero: errmsg and errcode are frozen
@@ -38,7 +42,7 @@ struct TVXenv {
     FILE *log_file;           // own stream, or null
     int quiet_solve;          // the model is solved as an inner step: no closing lines
     void *cb_active;          // the caller's callback function, or null
-    CallbackRecord *cb_record; // owned by the master
+    CallbackRecord *cb_record; // one block, owned; its first word is set to 0 before it is freed
     void *hook[3];            // inner solve reports to the outer: function and two arguments
 
     // One field per parameter, named like it.
@@ -53,10 +57,13 @@ struct TVXenv {
 };
 
 enum class LogReopen { NO, YES };
-// A private copy for a model; with YES an open log of the source is opened again for the copy. 0 or OUT_OF_MEMORY.
+// A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
+// warning). terminate_ptr stays that of the source until the solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
 void env_free(TVXenv *env); // a copy or a master; null is ignored
+bool env_alive(const TVXenv *env); // not null, alive, and its master too; prints nothing
 int env_check(TVXenv *env); // 0, or the code of the first failed test; clears nothing
+int env_enter(TVXenv *env); // env_check, and on success forgets the last error: the start of an exported function
 // Opens `name` as this environment's log, or closes the log for an empty name. 0 or TVX_ERROR_FILE_WRITE.
 int env_open_log(TVXenv *env, const char *name);
 
@@ -76,5 +83,12 @@ int finish_model(TVXmodel *model, int code);
 int check_value(TVXenv *env, double value);
 int check_values(TVXenv *env, int64_t n, const double *values);
 
+void error_clear(TVXenv *env); // forgets the last error, unless err_hold; env is alive
+
+// ---- Log (log.cpp; TVXmsg is the routine for lines) ----
+// For conditions met before or outside the log: standard output only, nothing unless OutputFlag > 0.
+void message_stdout(const TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
+void log_started(TVXenv *env, FILE *stream);  // the line that opens a log
+void warn_dead_master(const TVXenv *env);     // on standard output; safe in a signal handler
 // Diagnostics of the engine: the single point through which such lines pass. Prints nothing.
 void message_debug(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
