@@ -20,5 +20,6 @@ install(FILES ${PROJECT_BINARY_DIR}/tarvex-config.cmake ${PROJECT_BINARY_DIR}/ta
 
 # Found from the file's own place, so that an installed tree can be moved.
 file(RELATIVE_PATH PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" PC_PREFIX "${PC_PREFIX}")
 configure_file(cmake/tarvex.pc.in ${PROJECT_BINARY_DIR}/tarvex.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tarvex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,25 @@
+// arguments.h -- the command line as text
+#pragma once
+#include <string>
+#include <vector>
+
+// What the caller asked for.
+struct Arguments {
+    std::vector<std::string> words;       // Name=Value and model files, in the order given
+    std::vector<std::string> param_files; // --params, in order
+    std::string start;                    // --start, or empty
+    bool solution = false;                // --solution
+    bool list_parameters = false;         // --parameters
+};
+
+enum class Parsed { OK, DONE, WRONG };
+// DONE: --help or --version was answered. WRONG: the reason stands in *error.
+Parsed arguments_parse(int argc, char **argv, Arguments *arguments, std::string *error);
+
+// One word split at its first '='; false when it cannot be a parameter: no '=', nothing before it, or a slash
+// before it, so that ./a=b.mps is always a file.
+bool split_setting(const std::string &word, std::string *name, std::string *value);
+
+// What a file name says by its suffix, a compression suffix left aside.
+enum class FileKind { MODEL, START, RESULT_ONLY, UNKNOWN };
+FileKind file_kind(const std::string &name);

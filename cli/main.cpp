@@ -1,0 +1,178 @@
+// main.cpp -- the command `tarvex`
+//
+// In order: the command line; an environment (which reads tarvex.env); OutputFlag, so that silence holds from
+// here; parameter files; the other parameters; each model in turn. What is wrong with the command line itself is
+// found before the first model is read and gives exit code 2; a model that fails does not keep the next from
+// being solved.
+#include "arguments.h"
+#include "parameters.h"
+#include "report.h"
+#include "solve.h"
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <memory>
+
+struct FreeEnv {
+    void operator()(TVXenv *env) const { TVXfreeenv(env); }
+};
+using OwnedEnv = std::unique_ptr<TVXenv, FreeEnv>;
+
+struct Setting {
+    std::string name, value;
+};
+
+// The words of the command line, sorted out.
+struct Work {
+    std::vector<Setting> settings;
+    std::vector<std::string> models;
+    SolveRequest request;
+};
+
+static ExitCode usage(const std::string &text)
+{
+    report_error(text);
+    return EXIT_USAGE;
+}
+
+// Parameter names are the same without regard to case and inner underscores.
+static std::string name_key(const std::string &name)
+{
+    std::string key;
+    for (const char c : name)
+        if (c != '_' || key.find_first_not_of('_') == std::string::npos)
+            key += static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
+    return key;
+}
+
+// A word with '=' is a parameter if the library knows one of that name, else a file if there is one.
+static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
+{
+    for (const std::string &word : arguments.words) {
+        Setting setting;
+        if (!split_setting(word, &setting.name, &setting.value))
+            work->models.push_back(word);
+        else if (name_key(setting.name) == "resultfile")
+            work->request.results.push_back(setting.value);
+        else if (TVXgetparamtype(env, setting.name.c_str()) > 0)
+            work->settings.push_back(setting);
+        else if (std::error_code ignored; std::filesystem::exists(word, ignored))
+            work->models.push_back(word);
+        else
+            return usage(
+                "there is no parameter '" + setting.name +
+                "'; tarvex --parameters lists them, and a file of that name is written ./" +
+                word);
+    }
+    work->request.start = arguments.start;
+    work->request.solution = arguments.solution;
+    return EXIT_SOLVED;
+}
+
+// Whether a result file could be written after the solve: better known before it.
+static ExitCode check_result(const std::string &file)
+{
+    if (file_kind(file) == FileKind::UNKNOWN)
+        return usage("ResultFile='" + file +
+                     "': end the name in .sol, .bas, .mst, .mps or .lp");
+    const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+    if (std::error_code ignored;
+        !folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
+        report_error("ResultFile='" + file + "': there is no folder '" + folder.string() +
+                     "'; make it first");
+        return EXIT_ERROR;
+    }
+    return EXIT_SOLVED;
+}
+
+static ExitCode check_work(const Work &work)
+{
+    if (work.models.empty()) return usage("no model file given; see tarvex --help");
+    if (!work.request.start.empty() && file_kind(work.request.start) != FileKind::START)
+        return usage("--start '" + work.request.start +
+                     "': a start is a basis (.bas) or a MIP start (.mst)");
+    if (!work.request.results.empty() && work.models.size() > 1)
+        return usage("ResultFile would be overwritten by each of several models: solve "
+                     "them one at a time");
+    for (const std::string &file : work.request.results)
+        if (const ExitCode code = check_result(file)) return code;
+    return EXIT_SOLVED;
+}
+
+static ExitCode apply_settings(TVXenv *env, const Work &work, bool output_flag)
+{
+    for (const Setting &setting : work.settings) {
+        if ((name_key(setting.name) == "outputflag") != output_flag) continue;
+        std::string error;
+        const ExitCode code = parameter_set(env, setting.name, setting.value, &error);
+        if (code == EXIT_SOLVED) continue;
+        report_error(setting.name + "=" + setting.value + ": " + error);
+        return code;
+    }
+    return EXIT_SOLVED;
+}
+
+static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &work)
+{
+    if (const ExitCode code = apply_settings(env, work, true)) return code;
+    for (const std::string &file : arguments.param_files)
+        if (const int code = TVXreadparams(env, file.c_str())) {
+            report_error("--params '" + file +
+                         "': " + describe_failure(code, TVXgeterrormsg(env)));
+            return EXIT_ERROR;
+        }
+    if (const ExitCode code = apply_settings(env, work, true))
+        return code; // wins over a file that sets it too
+    return apply_settings(env, work, false);
+}
+
+static ExitCode run(const Arguments &arguments)
+{
+    TVXenv *loaded = nullptr;
+    if (const int code = TVXloadenv(&loaded, nullptr)) {
+        report_error("cannot start: " + describe_failure(code, nullptr));
+        return EXIT_ERROR;
+    }
+    const OwnedEnv env(loaded);
+    if (arguments.list_parameters) {
+        parameters_list(env.get());
+        return EXIT_SOLVED;
+    }
+    Work work;
+    if (const ExitCode code = sort_words(env.get(), arguments, &work)) return code;
+    if (const ExitCode code = check_work(work)) return code;
+    if (const ExitCode code = configure(env.get(), arguments, work)) return code;
+
+    ExitCode worst = EXIT_SOLVED;
+    for (const std::string &model : work.models) {
+        const ExitCode code = solve_file(env.get(), model, work.request);
+        if (code == EXIT_INTERRUPTED) return code;
+        if (code != EXIT_SOLVED) worst = code;
+    }
+    return worst;
+}
+
+int main(int argc, char **argv)
+{
+    try {
+        Arguments arguments;
+        std::string error;
+        switch (arguments_parse(argc, argv, &arguments, &error)) {
+        case Parsed::DONE:
+            return EXIT_SOLVED;
+        case Parsed::WRONG:
+            return usage(error + "; see tarvex --help");
+        case Parsed::OK:
+            break;
+        }
+        const ExitCode code = run(arguments);
+        if (fflush(stdout) != 0 || ferror(stdout)) {
+            report_error("standard output could not be written; check the free space");
+            return EXIT_ERROR;
+        }
+        return code;
+    } catch (const std::exception &e) {
+        fprintf(stderr, "tarvex: %s; give the process more memory\n", e.what());
+        return EXIT_ERROR;
+    }
+}

@@ -1,0 +1,11 @@
+// report.h -- errors of the command, and its exit codes
+#pragma once
+#include <string>
+
+enum ExitCode { EXIT_SOLVED = 0, EXIT_ERROR = 1, EXIT_USAGE = 2, EXIT_INTERRUPTED = 130 };
+
+// Writes "tarvex: <text>" to standard error as one line, whatever `text` holds, after what the log has written.
+void report_error(const std::string &text);
+
+// The library's own words for a failed call, or "error <code>" when it has none; then what to do about it.
+std::string describe_failure(int code, const char *message);
