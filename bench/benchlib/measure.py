@@ -1,0 +1,85 @@
+"""One run of one program on one model, measured by the kernel's account of the child."""
+
+import json
+import os
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+
+GRACE = 1.5  # a program is killed after this many time limits, plus GRACE_SECONDS
+GRACE_SECONDS = 20
+LOG_LIMIT = 1 << 20  # bytes of a log that are looked at, from its end
+
+# Libraries below a peer must not start threads of their own.
+ONE_THREAD = {name: "1" for name in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS")}
+
+
+def run(command, threads, time_limit):
+    """user, sys, wall (seconds), memory (MB), exit code or minus the signal, whether killed, and the log's text."""
+    processors = sorted(os.sched_getaffinity(0))[:threads]
+    killed = threading.Event()
+    with tempfile.TemporaryFile() as log:
+        start = time.perf_counter()
+        child = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
+                                 env={**os.environ, **ONE_THREAD}, start_new_session=True,
+                                 preexec_fn=lambda: os.sched_setaffinity(0, processors))
+
+        def kill():
+            killed.set()
+            os.killpg(child.pid, signal.SIGKILL)
+
+        timer = threading.Timer(time_limit * GRACE + GRACE_SECONDS, kill)
+        timer.start()
+        _, state, usage = os.wait4(child.pid, 0)
+        wall = time.perf_counter() - start
+        timer.cancel()
+        child.returncode = os.waitstatus_to_exitcode(state)
+        size = log.seek(0, os.SEEK_END)
+        log.seek(max(0, size - LOG_LIMIT))
+        text = log.read().decode(errors="replace")
+    return {"user": usage.ru_utime, "sys": usage.ru_stime, "wall": wall, "memory": usage.ru_maxrss / 1024,
+            "exit": child.returncode, "killed": killed.is_set()}, text
+
+
+def solve(solver, model, options):
+    """The record of one run, ready to be written as a line of JSON; None when the solver does not take the model."""
+    command = solver.command(model, options)
+    if command is None:
+        return None
+    record = {"type": "run", "model": model.name, "class": model.kind, "solver": solver.label}
+    times, text = run(command, options.threads, options.time_limit)
+    record.update(times)
+    if times["killed"]:
+        record["status"] = "limit"
+    elif times["exit"] < 0:
+        record["status"] = "crash"
+    else:
+        try:
+            record.update(solver.parse(text))
+        except (ValueError, json.JSONDecodeError):
+            record["status"] = "error"
+    if record["status"] in ("error", "crash"):
+        record["last_words"] = text[-300:]
+    record["verdict"] = judge(record, model, options)
+    return record
+
+
+def judge(record, model, options):
+    """right, wrong, unchecked (no reference), or the status of a run that gave no answer."""
+    status = record["status"]
+    if status not in ("optimal", "infeasible", "unbounded", "inf_or_unbd"):
+        return status
+    known = model.reference
+    if not known or known["status"] not in ("optimal", "infeasible", "unbounded"):
+        return "unchecked"
+    if known["status"] != "optimal":
+        return "right" if status in (known["status"], "inf_or_unbd") else "wrong"
+    if status != "optimal" or record.get("objective") is None:
+        return "wrong"
+    if not known["objective"]:
+        return "unchecked"
+    truth = float(known["objective"])
+    allowed = options.tolerance + (options.gap if model.kind == "mip" else 0)
+    return "right" if abs(record["objective"] - truth) <= allowed * max(1.0, abs(truth)) else "wrong"
