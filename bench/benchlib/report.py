@@ -1,9 +1,9 @@
 """From JSON lines to figures: shifted geometric means, solved counts, wrong answers, ratios.
 
 The time of a model is the median over its repeats. A model that a solver did not answer rightly counts with the
-time limit; one whose form a solver does not know is left out. A model is small when every solver compared took less than SMALL seconds; the shift is SHIFT_SMALL for
-small models and SHIFT_LARGE for the others. The ratio over all is the geometric mean of the shifted ratios, each
-with the shift of its own class.
+time limit; one whose form a solver does not know is left out. A model is small when every solver compared took
+less than SMALL seconds; the shift is SHIFT_SMALL for small models and SHIFT_LARGE for the others. The ratio over
+all is the geometric mean of the shifted ratios, each with the shift of its own class.
 """
 
 from math import exp, log

@@ -1,0 +1,99 @@
+// work_probe.cpp -- solve one model and tell what it cost, as a line of JSON behind the log
+//
+//   tarvex_probe [Name=Value ...] MODEL
+//
+// Iterations, factorisations and work units are counts that do not depend on the machine: two builds can be
+// compared by them while the machine is busy. The solve time is that of the Runtime attribute, finer than the
+// log's. Exit code 0, or 1 with a line on standard error.
+#include "frame/model.h"
+#include "simplex/simplex.h"
+#include "tarvex.h"
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+static constexpr int INT_TYPE = 1, DOUBLE_TYPE = 2;
+
+static int set_parameter(TVXenv *env, char *word, char *equals)
+{
+    *equals = 0;
+    const char *value = equals + 1;
+    switch (TVXgetparamtype(env, word)) {
+    case INT_TYPE:
+        return TVXsetintparam(env, word, atoi(value));
+    case DOUBLE_TYPE:
+        return TVXsetdblparam(env, word, strtod(value, nullptr));
+    default:
+        return TVXsetstrparam(env, word, value);
+    }
+}
+
+static const char *status_name(int status)
+{
+    switch (status) {
+    case TVX_OPTIMAL:
+        return "optimal";
+    case TVX_INFEASIBLE:
+        return "infeasible";
+    case TVX_INF_OR_UNBD:
+        return "inf_or_unbd";
+    case TVX_UNBOUNDED:
+        return "unbounded";
+    case TVX_NUMERIC:
+        return "error";
+    default:
+        return "limit";
+    }
+}
+
+static void print_result(TVXmodel *model)
+{
+    int status = 0;
+    double objective = NAN, iterations = 0, seconds = 0;
+    TVXgetintattr(model, "Status", &status);
+    TVXgetdblattr(model, "IterCount", &iterations);
+    TVXgetdblattr(model, "Runtime", &seconds);
+    printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f",
+           status_name(status), iterations, seconds);
+    if (status == TVX_OPTIMAL && TVXgetdblattr(model, "ObjVal", &objective) == 0)
+        printf(", \"objective\": %.17g", objective);
+    if (const sopt *s = model->simplex)
+        printf(", \"factorizations\": %d, \"work\": %.0f", simplex_factorizations(s),
+               simplex_work_units(s));
+    printf("}\n");
+}
+
+int main(int argc, char **argv)
+{
+    TVXenv *env = nullptr;
+    TVXmodel *model = nullptr;
+    const char *file = nullptr;
+    int error = TVXloadenv(&env, nullptr);
+    for (int k = 1; k < argc && !error; k++) {
+        if (char *equals = strchr(argv[k], '='))
+            error = set_parameter(env, argv[k], equals);
+        else
+            file = argv[k];
+    }
+    if (argc == 2 && !strcmp(argv[1], "--version")) {
+        int major = 0, minor = 0, technical = 0;
+        TVXversion(&major, &minor, &technical);
+        printf("Tarvex probe %d.%d.%d\n", major, minor, technical);
+        TVXfreeenv(env);
+        return 0;
+    }
+    if (!error && !file) {
+        fprintf(stderr, "usage: tarvex_probe [Name=Value ...] MODEL\n");
+        error = TVX_ERROR_NULL_ARGUMENT;
+    }
+    if (!error) error = TVXreadmodel(env, file, &model);
+    if (!error) error = TVXoptimize(model);
+    if (!error)
+        print_result(model);
+    else
+        fprintf(stderr, "tarvex_probe: error %d: %s\n", error, TVXgeterrormsg(env));
+    TVXfreemodel(model);
+    TVXfreeenv(env);
+    return error != 0;
+}
