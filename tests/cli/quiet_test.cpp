@@ -1,0 +1,72 @@
+// quiet_test.cpp -- silence under OutputFlag=0, and no thread under Threads=1
+#include "cli/command.h"
+#include <csignal>
+
+namespace
+{
+
+class CliQuiet : public Command
+{
+};
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+static constexpr bool SANITIZED = true; // the sanitizers start threads of their own
+#else
+static constexpr bool SANITIZED = false;
+#endif
+
+TEST_F(CliQuiet, OutputFlagZeroIsSilentOnBothStreams)
+{
+    write("plan.mps", PLAN_MODEL);
+    write("never.mps", INFEASIBLE_MODEL);
+    write("set.prm", "Presolve 0\n");
+    write("plan.bas", "NAME plan\nENDATA\n");
+    const std::vector<std::vector<std::string>> calls = {
+        {"plan.mps", "never.mps"},
+        {"LPMethod=0", "Presolve=0", "plan.mps"},
+        {"LogFile=run.log", "ResultFile=plan.sol", "plan.mps"},
+        {"--params", "set.prm", "--start", "plan.bas", "plan.mps"},
+    };
+    for (std::vector<std::string> call : calls) {
+        call.insert(call.begin(), "OutputFlag=0");
+        const Outcome outcome = run(call);
+        EXPECT_EQ(outcome.exit_code, 0);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "");
+    }
+}
+
+TEST_F(CliQuiet, ErrorsAreToldEvenUnderOutputFlagZero)
+{
+    write("broken.mps", "ROWS\n what is this\n");
+    for (const char *model : {"broken.mps", "absent.mps"}) {
+        const Outcome outcome = run({"OutputFlag=0", model});
+        EXPECT_EQ(outcome.exit_code, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_TRUE(is_one_line(outcome.err));
+    }
+}
+
+TEST_F(CliQuiet, OneThreadMeansNoOther)
+{
+    if (SANITIZED) GTEST_SKIP() << "sanitizers start threads of their own";
+    write("plan.mps", PLAN_MODEL);
+    write("never.mps", INFEASIBLE_MODEL);
+    for (const char *method : {"LPMethod=0", "LPMethod=1"})
+        for (const char *presolve : {"Presolve=-1", "Presolve=0"}) {
+            const Outcome outcome =
+                run({"Threads=1", method, presolve, "plan.mps", "never.mps"},
+                    Confine::ONE_THREAD);
+            EXPECT_NE(outcome.exit_code, -SIGSYS) << "a thread or process was started";
+            EXPECT_EQ(outcome.exit_code, 0);
+        }
+}
+
+TEST_F(CliQuiet, TheGuardAgainstThreadsWorks)
+{
+    if (SANITIZED) GTEST_SKIP() << "sanitizers start threads of their own";
+    write("plan.mps.gz", "not compressed at all"); // reading it starts gzip
+    EXPECT_EQ(run({"plan.mps.gz"}, Confine::ONE_THREAD).exit_code, -SIGSYS);
+}
+
+} // namespace

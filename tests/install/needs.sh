@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# The library throws nothing, calls nothing that throws, and allocates through the C library only: of the C++
+# run-time library it needs number conversion and no more. The shared library depends on the C library alone.
+#   needs.sh STATIC-LIBRARY SHARED-LIBRARY
+set -euo pipefail
+allowed='^_ZSt(10from_chars|8to_chars)'
+wanted=$(nm -u "$1" 2>/dev/null | awk '$1 == "U" && $2 ~ /^(_Z|__cxa)/ {print $2}' | sort -u)
+defined=$(nm --defined-only "$1" 2>/dev/null | awk 'NF == 3 {print $3}' | sort -u)
+runtime=$(comm -23 <(echo "$wanted") <(echo "$defined") | grep -Ev "$allowed" || true)
+[ -z "$runtime" ] || echo "needs of the C++ run-time library:" $(c++filt <<<"$runtime")
+libraries=$(objdump -p "$2" | awk '$1 == "NEEDED" {print $2}' | grep -Ev '^(libc|libm|libpthread|ld-linux.*)\.so' || true)
+[ -z "$libraries" ] || echo "depends on:" $libraries
+[ -z "$runtime$libraries" ]
