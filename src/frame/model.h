@@ -61,6 +61,8 @@ struct ModelBody {
     int next_constr_name = 0;             // next number for a default name
     int next_var_name = 0;
     TextPool *name_pool = nullptr;        // owns all name texts; made on first use
+    int64_t name_bytes = 0;               // handed out by name_pool, texts no longer in use included
+    int64_t name_limit = 0;               // name_bytes at which an update looks for dead texts
 };
 
 enum WarmStartKind { WARM_NONE = 0, WARM_UNCHECKED = 1, WARM_CHECKED = 2, WARM_CARRIED = 3 };
@@ -161,8 +163,13 @@ enum class EnvUse { PRIVATE_COPY, SHARED };
 [[nodiscard]] int model_create(TVXenv *env, EnvUse use, const ModelData *data, TVXmodel **model_out);
 void model_free(TVXmodel *model);         // any state, half-built too; null is ignored
 void model_free_results(TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
+void presolve_free(PresolveResult *presolve); // of the presolve subsystem; null is ignored
 int model_check(TVXmodel *model);         // as TVXcheckmodel but keeps the error state
 bool model_is_mip(const TVXmodel *model); // integers, semi-continuous variables or SOS
+
+// ---- model_update.cpp ----
+// Makes pending changes real: TVXupdatemodel without its checks and closing report. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int model_update(TVXmodel *model);
 
 // ---- model_rows.cpp, model_names.cpp ----
 [[nodiscard]] int body_build_rows(ModelBody *body); // row-wise copy if not there; 0 or OUT_OF_MEMORY

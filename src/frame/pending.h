@@ -1,18 +1,19 @@
 // pending.h -- PendingChanges, what callers asked for and the next update makes real
 //
-// Every add, delete and set of a caller lands here; the body is untouched until TVXupdatemodel. Each routine costs no
-// more than its own entries (arrays grow geometrically, per-element arrays are made on first use), and leaves the record
-// as it was when it fails.
+// Every add, delete and set of a caller lands here; the body is untouched until
+// TVXupdatemodel. A routine costs no more than its own entries (arrays grow geometrically,
+// per-element arrays are made on first use), and leaves the record as it was when it fails.
 //
 // States   absent   model->pending == nullptr: nothing was ever asked for
-//          empty    pending_is_empty(): kept from an earlier update for its memory
-//          filled   something waits; pending_clear() (end of update) or pending_free() leave this state
-// Invariant: the per-element arrays are empty or have one entry per element of the body; `mark` is all zero and
-//            `flags` is non-zero exactly for the elements in `touched`, between calls.
+//          empty    !model_has_pending(): kept from an earlier update for its memory
+//          filled   something waits; pending_clear (end of update) or pending_free end it
+// Invariant   a per-element array is empty or has at least one entry per element of the body;
+//             between calls `flags` is non-zero exactly for the elements in `touched`.
 #pragma once
 #include "frame/model.h"
 
-// The elements that one call addresses: ind[0..len-1], or start .. start + len - 1 when ind is null.
+// The elements that one call addresses: ind[0..len-1], or with a null ind the len elements
+// from start on.
 struct ElementRange {
     int start = 0;
     int len = 0;
@@ -31,21 +32,23 @@ enum PendingFlag {
     PENDING_NAME = 8
 };
 
-// Changes of existing variables (or of existing constraints), one slot per element, valid where its flag says so.
+// Changes of existing variables (or of existing constraints), one slot per element, valid
+// where its flag says so.
 struct ElementChanges {
     Array<int> flags;         // [elements] PendingFlag bits
     Array<int> touched;       // elements with a flag, each once, in order of first touch
     Array<double> value;      // [elements] new Obj (or RHS) in the caller's sign
     Array<char> type;         // [elements] new VType (or Sense)
     Array<const char *> name; // [elements] new name, owned by the body's pool
-    Array<int> mark;   // [elements] scratch for duplicate tests, all zero between calls
+    Array<int> mark;   // [elements] met in the vector number `stamp` of a duplicate test
+    int stamp = 0;     // last number used; 0 in `mark` means never met
     int n_deleted = 0; // elements with each flag
     int n_type = 0;
     int n_value = 0;
     int n_name = 0;
 };
 
-// Vectors to be added, in the form of compressed columns (or rows). Indices refer to elements of the body.
+// Vectors to be added, as compressed columns (or rows). Indices refer to elements of the body.
 struct PendingVectors {
     int count = 0;
     Array<int> beg;            // [count + 1] starts, or empty when count is 0
@@ -64,11 +67,10 @@ struct PendingVars {
 
 struct PendingConstrs {
     PendingVectors rows;
-    int n_ranges = 0;  // rows among them with a range
-    Array<char> sense; // [count]
-    Array<double> rhs; // [count] in the caller's sign
-    Array<double>
-        lower; // [count] lower side of a range row, -1e100 for a row without range
+    int n_ranges = 0;    // rows among them with a range
+    Array<char> sense;   // [count]
+    Array<double> rhs;   // [count] in the caller's sign
+    Array<double> lower; // [count] lower side of a range row, or NO_RANGE
 };
 
 // Coefficient changes in call order; a later one to the same place wins.
@@ -77,7 +79,8 @@ struct PendingCoefs {
     Array<double> val;
 };
 
-// At most one lower and one upper entry per variable: a later change of the same bound overwrites in place.
+// At most one lower and one upper entry per variable: a later change of the same bound
+// overwrites in place.
 struct PendingBounds {
     Array<int> lower_pos, upper_pos; // [numvars] position of the entry in who, or -1
     Array<int> who;    // variable j for an upper bound, -j - 1 for a lower bound
@@ -93,11 +96,12 @@ struct PendingSos {
     int n_deleted = 0;
 };
 
-static constexpr double NO_CHANGE = 1e100; // new_objcon: nothing asked for; lower: no range
+static constexpr double NO_RANGE = -1e100; // `lower` of a row without range
 
 struct PendingChanges {
     int new_sense = 0;                   // 0: no change, else +1 or -1
-    double new_objcon = NO_CHANGE;       // in the caller's sign
+    int has_objcon = 0;                  // new_objcon is asked for
+    double new_objcon = 0;               // in the caller's sign
     const char *new_modelname = nullptr; // in the body's pool, or null
     ElementChanges vars;
     ElementChanges constrs;
@@ -109,17 +113,19 @@ struct PendingChanges {
 };
 
 bool model_has_pending(const TVXmodel *model); // something waits for an update
-[[nodiscard]] int
-pending_get(TVXmodel *model); // makes model->pending if absent; 0 or OUT_OF_MEMORY
-void pending_clear(
-    PendingChanges *pending); // empty again, memory kept; cost: what was queued
+// Makes model->pending if absent. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int pending_get(TVXmodel *model);
+// Empty again, memory kept. Cost: what was queued.
+void pending_clear(PendingChanges *pending);
 void pending_free(PendingChanges *pending); // null is ignored
 
 // ---- Queueing (the setters of attributes) ----
-// Indices are in range and values are not NaN or infinite (checked by the caller); null names or "" ask for the default
-// name of the index. `values` has range.len entries. Bounds of magnitude 1e20 and more become infinite here, sense letters
-// (L, G, E) and lower-case types are normalised here. Results show after the next update.
-// 0, OUT_OF_MEMORY, or for types TVX_ERROR_INVALID_ARGUMENT with its message; nothing is queued on failure.
+// Indices are in range and values are not NaN or infinite (the caller has checked); `values`
+// has range.len entries; a later entry for the same element wins. Null names and "" ask for
+// the default name of the index. Bounds of magnitude 1e20 and more become infinite, sense
+// letters (L, G, E) and lower-case types are normalised. Reads show it after the next update.
+// 0, OUT_OF_MEMORY, or for types TVX_ERROR_INVALID_ARGUMENT with its message; nothing is
+// queued on failure.
 enum class BoundSide { LOWER, UPPER };
 [[nodiscard]] int pending_set_bounds(TVXmodel *model, BoundSide side, ElementRange range,
                                      const double *values);

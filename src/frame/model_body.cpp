@@ -1,0 +1,116 @@
+// model_body.cpp -- rules that hold for every body, whichever way it was built
+#include "frame/model_store.h"
+#include <algorithm>
+#include <cmath>
+
+// How far a caller's bound of an integer variable may lie beyond an integer and still mean it.
+static constexpr double INTEGER_BOUND_TOL = 1e-5;
+
+char normal_sense(char sense)
+{
+    switch (sense) {
+    case 'L':
+    case 'l':
+        return '<';
+    case 'G':
+    case 'g':
+        return '>';
+    case 'E':
+    case 'e':
+        return '=';
+    default:
+        return sense;
+    }
+}
+
+char normal_vtype(char vtype)
+{
+    switch (vtype) {
+    case 'C':
+    case 'c':
+        return 'C';
+    case 'B':
+    case 'b':
+        return 'B';
+    case 'I':
+    case 'i':
+        return 'I';
+    case 'S':
+    case 's':
+        return 'S';
+    case 'N':
+    case 'n':
+        return 'N';
+    default:
+        return 0;
+    }
+}
+
+int check_vtype(TVXenv *env, char vtype, int j)
+{
+    if (normal_vtype(vtype)) return 0;
+    return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
+                "Variable %d has an unknown type (character code %d)", j,
+                static_cast<int>(static_cast<unsigned char>(vtype)));
+}
+
+void round_bounds(char vtype, double *lb, double *ub)
+{
+    if (vtype == 'C' || vtype == 'S') return;
+    *lb = std::ceil(*lb - INTEGER_BOUND_TOL);
+    *ub = std::floor(*ub + INTEGER_BOUND_TOL);
+    if (vtype == 'B') {
+        *lb = std::max(*lb, 0.0);
+        *ub = std::min(*ub, 1.0);
+    }
+}
+
+void body_free(ModelBody *body)
+{
+    if (!body) return;
+    PoolFree(&body->name_pool);
+    record_free(body);
+}
+
+void body_negate_rows(ModelBody *body, const char *marked)
+{
+    const int *__restrict ind = body->vind.data;
+    double *__restrict val = body->vval.data;
+    for (int p = 0; p < body->numnz; p++)
+        if (marked[ind[p]]) val[p] = -val[p];
+}
+
+void body_count_types(ModelBody *body)
+{
+    body->numintvars = body->numbinvars = 0;
+    for (const char vtype : body->vtypes) {
+        body->numintvars += vtype != 'C';
+        body->numbinvars += vtype == 'B';
+    }
+}
+
+void body_find_flipped(ModelBody *body)
+{
+    const bool any =
+        std::find(body->senses.begin(), body->senses.end(), '>') != body->senses.end();
+    body->row_flipped = any ? 1 : -1;
+}
+
+void body_drop_rows(ModelBody *body)
+{
+    array_free(&body->row_beg);
+    array_free(&body->row_ind);
+    array_free(&body->row_val);
+}
+
+void model_estimate_size(TVXmodel *model)
+{
+    const ModelBody *body = model->body;
+    model->size_estimate = 13 * int64_t{body->numvars} + 7 * int64_t{body->numconstrs} +
+                           23 * int64_t{body->numnz};
+}
+
+bool model_is_mip(const TVXmodel *model)
+{
+    return model->body->numintvars > 0 || model->body->numsos > 0;
+}

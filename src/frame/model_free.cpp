@@ -1,0 +1,50 @@
+// model_free.cpp -- letting go of a model, or of what solves left in it
+#include "frame/attributes.h"
+#include "frame/model_store.h"
+#include "frame/warm_start.h"
+#include "simplex/simplex.h"
+
+// The result records but for the presolved model.
+static void free_own_results(TVXmodel *model)
+{
+    record_free(model->lp_result);
+    model->lp_result = nullptr;
+    record_free(model->mip_result);
+    model->mip_result = nullptr;
+    presolve_free(model->presolve);
+    model->presolve = nullptr;
+}
+
+void model_free_results(TVXmodel *model)
+{
+    model_free(model->presolved);
+    model->presolved = nullptr;
+    free_own_results(model);
+    attributes_clear_solution(model);
+}
+
+void model_free(TVXmodel *model)
+{
+    while (model) { // a presolved model may hold a presolved one of its own
+        TVXmodel *presolved = model->presolved;
+        free_own_results(model);
+        simplex_free(model->simplex);
+        pending_free(model->pending);
+        warm_start_free(model->warm_start);
+        attributes_free(model->attributes);
+        body_free(model->body);
+        if (model->env_owned) env_free(model->env);
+        model->magic = 0;
+        record_free(model);
+        model = presolved;
+    }
+}
+
+int TVXfreemodel(TVXmodel *model)
+{
+    if (!model) return 0;
+    if (const int error = TVXcheckmodel(model)) return finish_model(model, error);
+    if (model->busy) return finish_model(model, TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+    model_free(model);
+    return 0;
+}
