@@ -118,6 +118,8 @@ struct MipResult {
     Quality quality;
 };
 
+static constexpr double START_UNSET = 1e101; // entry of `mip_start` that nobody has set
+
 struct TVXmodel {
     uint32_t magic = 0;
     int busy = 0;            // TVXoptimize is running
@@ -139,7 +141,7 @@ struct TVXmodel {
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;
-    Array<double> mip_start; // [numvars] Start attribute, 1e101 where undefined; empty when none
+    Array<double> mip_start; // [numvars] Start attribute, START_UNSET where undefined; empty when none
 };
 
 // ---- model_create.cpp ----

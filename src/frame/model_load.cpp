@@ -17,6 +17,7 @@ int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name,
 {
     if (model_out) *model_out = nullptr;
     if (const int error = env_check(env)) return error;
+    error_clear(env);
     const ModelData data = {.name = name,
                             .numvars = numvars,
                             .obj = obj,
@@ -43,6 +44,7 @@ int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name,
 {
     if (model_out) *model_out = nullptr;
     if (const int error = env_check(env)) return error;
+    error_clear(env);
     const ModelData data = {.name = name,
                             .numvars = numvars,
                             .numconstrs = numconstrs,

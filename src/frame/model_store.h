@@ -108,6 +108,8 @@ void body_drop_rows(ModelBody *body);    // the row-wise copy
 void model_estimate_size(TVXmodel *model); // size_estimate
 
 #ifdef TVX_DEBUG
-// Counts broken invariants of a body and says where (body_check.cpp); 0 for a sound one.
-int body_check(const ModelBody *body, double infinite, TVXenv *env);
+// Counts broken invariants of a body (body_check.cpp); 0 for a sound one. The first one is described
+// in where, which has BODY_CHECK_LENGTH characters.
+static constexpr int BODY_CHECK_LENGTH = 100;
+int body_check(const ModelBody *body, double infinite, char *where);
 #endif

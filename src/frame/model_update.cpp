@@ -56,6 +56,17 @@ static void apply(TVXmodel *model, UpdatePlan *plan)
     model_estimate_size(model);
 }
 
+#ifdef TVX_DEBUG
+static constexpr int64_t CHECKED_SIZE =
+    20000; // larger bodies are not checked at each update
+static bool is_sound(const TVXmodel *model)
+{
+    char where[BODY_CHECK_LENGTH];
+    return model->size_estimate > CHECKED_SIZE ||
+           body_check(model->body, model->env->TARV_PAR_INFBOUND, where) == 0;
+}
+#endif
+
 static int apply_pending(TVXmodel *model)
 {
     TRY(reserve_names(model->body, model->pending));
@@ -67,6 +78,9 @@ static int apply_pending(TVXmodel *model)
         if (!error) apply(model, &plan);
         update_plan_free(&plan);
         TRY(error);
+#ifdef TVX_DEBUG
+        assert(is_sound(model));
+#endif
     }
     pending_clear(model->pending);
     body_compact_names(model->body);

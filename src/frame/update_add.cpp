@@ -8,8 +8,6 @@
 #include "frame/update.h"
 #include <cstring>
 
-static constexpr double START_UNDEFINED = 1e101; // mip_start of a variable without a value
-
 // ---- New variables ----
 
 static void begin_column(TVXmodel *model, const UpdatePlan *plan, const char *name)
@@ -17,7 +15,7 @@ static void begin_column(TVXmodel *model, const UpdatePlan *plan, const char *na
     ModelBody *body = model->body;
     array_push(&body->vlen, 0);
     if (plan->has_varnames) array_push(&body->varnames, name);
-    if (model->mip_start.size) array_push(&model->mip_start, START_UNDEFINED);
+    if (model->mip_start.size) array_push(&model->mip_start, START_UNSET);
     body->numvars++;
 }
 
