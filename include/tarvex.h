@@ -67,37 +67,130 @@ typedef struct TVXmodel TVXmodel;
 #define TVX_NONBASIC_UPPER (-2)
 #define TVX_SUPERBASIC (-3)
 
-/* ---- Environment, errors, log, version ---- */
+/* ---- Environment, errors, log, version ----
+ *
+ * An environment holds parameter values, the text of the last error and the log. Every model works on a private
+ * copy of the environment it was created on (TVXgetenv), so that parameters set later on one do not reach the other.
+ *
+ * Every function that takes an environment returns 10002 for a null one and 10003 for one that was freed, and writes
+ * no error text then. In the descriptions, "in" arguments are read, "out" arguments written.
+ */
+
+/* Creates an environment.
+ *   env_out        out   the environment; null when the call fails
+ *   log_file_name  in    file to which the log is appended, or null for none; when it cannot be opened there is a
+ *                        warning on standard output, and no log file
+ * The parameter file "tarvex.env" of the current directory is read if there is one (see TVXreadparams).
+ * Returns 0; 10001 out of memory; 10002 when env_out is null. Free with TVXfreeenv. */
 TVX_API int TVXloadenv(TVXenv **env_out, const char *log_file_name);
+
+/* Frees an environment made by TVXloadenv and closes its log. Null is ignored, and so is the environment of a model,
+ * which goes with its model. Free the models first: those that are left refuse all further calls with 10003 and a
+ * warning. */
 TVX_API void TVXfreeenv(TVXenv *env);
+
+/* The environment that belongs to a model: parameters set on it act on this model only. It lives as long as the
+ * model. Returns null when the model is not valid or is being solved by another thread. */
 TVX_API TVXenv *TVXgetenv(TVXmodel *model);
+
+/* The text of the last error of a call on this environment or its models, at most 512 characters; empty after
+ * success, or when the handle is not valid. The text stays in place until the next call. */
 TVX_API const char *TVXgeterrormsg(TVXenv *env);
 TVX_API const char *TVXgetmerrormsg(TVXmodel *model);
+
+/* Is this a model that can be used now? On success the text of the last error is forgotten.
+ * Returns 0; 10002 null; 10003 no live model, or its environment was freed; 10017 it is being solved, and the call does
+ * not come from its callback. */
 TVX_API int TVXcheckmodel(TVXmodel *model);
+
+/* Prints a message as the solver prints its own: to standard output and to the log file, each flushed at once.
+ *   format  in  as of printf; numbers print with a decimal point whatever the locale
+ * Parameter read: OutputFlag (0: nothing is printed). An environment that is not valid prints nothing. */
 TVX_API void TVXmsg(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
+
+/* Makes an open stream the log of this environment, in place of the present one, which is closed.
+ *   stream  in  open for writing; null detaches. The environment closes it in the end, unless it is stdout or stderr.
+ * Sets the parameter LogFile to empty. Models made later get no log file from it.
+ * Returns 0, or the code of the environment check. */
 TVX_API int TVXsetlogfile(TVXenv *env, FILE *stream);
+
+/* The stream of the log.
+ *   stream_out  out  null when there is none
+ * Returns 0; 10002 when stream_out is null. */
 TVX_API int TVXgetlogfile(TVXenv *env, FILE **stream_out);
+
+/* Version numbers of the library, 3.0.3. Each argument is out, one int, and may be null. */
 TVX_API void TVXversion(int *major, int *minor, int *technical);
+/* One word for the platform the library was built for, such as "linux64". */
 TVX_API const char *TVXplatform(void);
+/* The revision of the sources, as digits. */
 TVX_API const char *TVXsvnrevision(void);
 
-/* ---- Parameters ---- */
+/* ---- Parameters ----
+ *
+ * A parameter is of type 1 (int), 2 (double) or 3 (string). Names ignore case and, behind the first other character,
+ * underscores: "TimeLimit" and "time_limit" are one. Functions that take a name return 10002 when it is null, and 10007
+ * for an unknown name ("Unknown parameter: ...") or another type ("Wrong type for parameter: ...").
+ * To set a parameter for one model, use its own environment, TVXgetenv(model).
+ */
+
+#define TVX_PARAM_LENGTH 512 /* characters of a string parameter, without the end */
+
+/* The value of a parameter.
+ *   value_out  out  one number; for a string, room for TVX_PARAM_LENGTH + 1 characters
+ * Returns 0; 10002 null argument; 10007. */
 TVX_API int TVXgetintparam(TVXenv *env, const char *name, int *value_out);
 TVX_API int TVXgetdblparam(TVXenv *env, const char *name, double *value_out);
 TVX_API int TVXgetstrparam(TVXenv *env, const char *name, char *value_out);
+
+/* Sets a parameter.
+ *   value  in  a number within the parameter's range. Ints beyond 2e9 in magnitude count as 2e9, doubles beyond 1e100 as
+ *              1e100. Of a string the first TVX_PARAM_LENGTH characters are kept.
+ * Setting LogFile opens that file for appending, or closes the log for an empty name. Setting Dummy to a text such as
+ * "Presolve 2" sets the named int or double parameter.
+ * On an environment from which models were made, a warning says once that they are not affected.
+ * Returns 0; 10002 null argument; 10007; 10008 value outside the range; 10013 log file cannot be opened. After an error
+ * the parameter has its old value. */
 TVX_API int TVXsetintparam(TVXenv *env, const char *name, int value);
 TVX_API int TVXsetdblparam(TVXenv *env, const char *name, double value);
 TVX_API int TVXsetstrparam(TVXenv *env, const char *name, const char *value);
+
+/* Present value, range and default of a parameter. All arguments behind the name are out and may be null; strings need
+ * room for TVX_PARAM_LENGTH + 1 characters.
+ * Returns 0; 10002 when name is null; 10007. */
 TVX_API int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum, int *maximum,
                                int *default_value);
 TVX_API int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current, double *minimum,
                                double *maximum, double *default_value);
 TVX_API int TVXgetstrparaminfo(TVXenv *env, const char *name, char *current, char *default_value);
+
+/* The type of a parameter: 1 int, 2 double, 3 string; -1 when there is no such parameter or on any other failure. */
 TVX_API int TVXgetparamtype(TVXenv *env, const char *name);
+
+/* How many parameters can be listed with TVXgetparamname; 0 for an environment that is not valid. */
 TVX_API int TVXgetnumparams(TVXenv *env);
+
+/* The name of a parameter.
+ *   index     in   0 .. TVXgetnumparams(env) - 1
+ *   name_out  out  constant text, not to be changed or freed; null on failure
+ * Returns 0; 10002 when name_out is null; 10003 index out of range. */
 TVX_API int TVXgetparamname(TVXenv *env, int index, char **name_out);
+
+/* Gives every int and double parameter its default; strings keep their values. Returns 0. */
 TVX_API int TVXresetparams(TVXenv *env);
+
+/* Sets parameters from a file. Each line holds a name and a value; lines that start with # are comments. What each line
+ * did is told in the log. Unknown names and bad values do not end the reading. Lines longer than 159 characters are
+ * taken apart there.
+ *   file_name  in  names ending in .gz and .bz2 are decompressed
+ * Returns 0, also after warnings; 10002 null argument; 10003 the file cannot be opened; 10012 it cannot be read to its
+ * end (what was read before is set). */
 TVX_API int TVXreadparams(TVXenv *env, const char *file_name);
+
+/* Writes the int and double parameters that differ from their defaults, one "name  value" a line, in a form that
+ * TVXreadparams takes; doubles with six digits.
+ *   file_name  in  is replaced; names ending in .gz and .bz2 are compressed
+ * Returns 0; 10002 null argument; 10003 the file cannot be opened; 10013 it could not be written completely. */
 TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
 
 /* ---- Building and querying models ---- */
@@ -177,6 +270,10 @@ TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const 
 
 /* ---- Solving ---- */
 TVX_API int TVXoptimize(TVXmodel *model);
+
+/* Asks the solve that runs on this model to stop soon; TVXoptimize then returns 0 with Status 11 (interrupted), unless
+ * it ends by itself first. Returns at once. May be called from any thread and from a signal handler. Without a running
+ * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
 /* ---- Files ---- */
