@@ -158,11 +158,12 @@ TVX_API int TVXsetstrparam(TVXenv *env, const char *name, const char *value);
 /* Present value, range and default of a parameter. All arguments behind the name are out and may be null; strings need
  * room for TVX_PARAM_LENGTH + 1 characters.
  * Returns 0; 10002 when name is null; 10007. */
-TVX_API int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum, int *maximum,
-                               int *default_value);
-TVX_API int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current, double *minimum,
-                               double *maximum, double *default_value);
-TVX_API int TVXgetstrparaminfo(TVXenv *env, const char *name, char *current, char *default_value);
+TVX_API int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum,
+                               int *maximum, int *default_value);
+TVX_API int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current,
+                               double *minimum, double *maximum, double *default_value);
+TVX_API int TVXgetstrparaminfo(TVXenv *env, const char *name, char *current,
+                               char *default_value);
 
 /* The type of a parameter: 1 int, 2 double, 3 string; -1 when there is no such parameter or on any other failure. */
 TVX_API int TVXgetparamtype(TVXenv *env, const char *name);

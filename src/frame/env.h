@@ -14,36 +14,41 @@
 #include <cstdio>
 
 static constexpr uint32_t ENV_MAGIC = 0x129e2d82;
-static constexpr int MESSAGE_LENGTH = 512; // characters of an error text, a log line slot, a string value
-static constexpr double INFINITE_VALUE = 1e20; // a caller's bound of this magnitude or more is infinite
+static constexpr int MESSAGE_LENGTH =
+    512; // characters of an error text, a log line slot, a string value
+static constexpr double INFINITE_VALUE =
+    1e20; // a caller's bound of this magnitude or more is infinite
 static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is stored
-static constexpr double UNDEFINED_VALUE = 1e100; // no incumbent; an infinite bound as attributes report it
+static constexpr double UNDEFINED_VALUE =
+    1e100; // no incumbent; an infinite bound as attributes report it
 
 struct ParameterTable; // parameters.h
 struct CallbackRecord; // callbacks are installed here once they exist
 
 // Copied as bytes from terminate_ptr on: plain words and pointers only.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand in table order
 struct TVXenv {
-    uint32_t magic;           // ENV_MAGIC while alive, 0 after
-    int32_t terminate;        // non-zero asks the running solve to stop
-    int32_t model_copies;     // non-zero once a copy was taken from this environment
-    int32_t holders;          // in a master: itself while alive, and every copy
-    int32_t message_lock;     // in a master: 1 while a thread writes errmsg
+    uint32_t magic;       // ENV_MAGIC while alive, 0 after
+    int32_t terminate;    // non-zero asks the running solve to stop
+    int32_t model_copies; // non-zero once a copy was taken from this environment
+    int32_t holders;      // in a master: itself while alive, and every copy
+    int32_t message_lock; // in a master: 1 while a thread writes errmsg
     // The four words above may be touched by several threads, so atomically only, and are not copied as bytes.
     int32_t *terminate_ptr;   // the flag that solver loops poll
     double optimize_start;    // WallClock at the start of the current TVXoptimize
     const char *version_text; // constant
     TVXenv *master;           // owner of the parameter table; itself in a master
-    char *errmsg;             // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
-    int errcode;              // last code recorded with a text
-    int err_hold;             // non-zero: errmsg and errcode are frozen
-    ParameterTable *params;   // owned by the master
-    int is_master;            // 1 when made by TVXloadenv
-    FILE *log_file;           // own stream, or null
-    int quiet_solve;          // the model is solved as an inner step: no closing lines
-    void *cb_active;          // the caller's callback function, or null
-    CallbackRecord *cb_record; // one block, owned; its first word is set to 0 before it is freed
-    void *hook[3];            // inner solve reports to the outer: function and two arguments
+    char *errmsg; // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
+    int errcode;  // last code recorded with a text
+    int err_hold; // non-zero: errmsg and errcode are frozen
+    ParameterTable *params; // owned by the master
+    int is_master;          // 1 when made by TVXloadenv
+    FILE *log_file;         // own stream, or null
+    int quiet_solve;        // the model is solved as an inner step: no closing lines
+    void *cb_active;        // the caller's callback function, or null
+    CallbackRecord
+        *cb_record; // one block, owned; its first word is set to 0 before it is freed
+    void *hook[3];  // inner solve reports to the outer: function and two arguments
 
     // One field per parameter, named like it.
 #define FIELD_INT(name, minimum, maximum, value) int name;
@@ -60,22 +65,28 @@ enum class LogReopen { NO, YES };
 // A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
 // warning). terminate_ptr stays that of the source until the solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
-void env_free(TVXenv *env); // a copy or a master; null is ignored
+void env_free(TVXenv *env);        // a copy or a master; null is ignored
 bool env_alive(const TVXenv *env); // not null, alive, and its master too; prints nothing
 int env_check(TVXenv *env); // 0, or the code of the first failed test; clears nothing
-int env_enter(TVXenv *env); // env_check, and on success forgets the last error: the start of an exported function
+int env_enter(
+    TVXenv *
+        env); // env_check, and on success forgets the last error: the start of an exported function
 // Opens `name` as this environment's log, or closes the log for an empty name. 0 or TVX_ERROR_FILE_WRITE.
 int env_open_log(TVXenv *env, const char *name);
 
 // A solver loop asks whether it has to stop.
-inline bool env_stop_requested(const TVXenv *env) { return flag_load(env->terminate_ptr) != 0; }
+inline bool env_stop_requested(const TVXenv *env)
+{
+    return flag_load(env->terminate_ptr) != 0;
+}
 
 // ---- Errors (error.cpp) ----
 // The first specific text of a failing call survives to its end; FORCE replaces it.
 enum class Report { KEEP_FIRST, FORCE };
 // Records code and text and returns code; code 0 does nothing.
 int fail(TVXenv *env, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
-int fail_model(TVXmodel *model, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
+int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)
+    TVX_PRINTF(4, 5);
 // The end of every exported function: completes the message for `code` and returns it.
 int finish(TVXenv *env, int code);
 int finish_model(TVXmodel *model, int code);
@@ -88,7 +99,7 @@ void error_clear(TVXenv *env); // forgets the last error, unless err_hold; env i
 // ---- Log (log.cpp; TVXmsg is the routine for lines) ----
 // For conditions met before or outside the log: standard output only, nothing unless OutputFlag > 0.
 void message_stdout(const TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
-void log_started(TVXenv *env, FILE *stream);  // the line that opens a log
-void warn_dead_master(const TVXenv *env);     // on standard output; safe in a signal handler
+void log_started(TVXenv *env, FILE *stream); // the line that opens a log
+void warn_dead_master(const TVXenv *env);    // on standard output; safe in a signal handler
 // Diagnostics of the engine: the single point through which such lines pass. Prints nothing.
 void message_debug(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);

@@ -123,7 +123,7 @@ int finish(TVXenv *env, int code)
     else if (code != TVX_ERROR_OUT_OF_MEMORY && !message_is_free(env))
         ; // the specific text stands
     else if (text)
-        strcpy(env->errmsg, text);
+        text_format(env->errmsg, MESSAGE_LENGTH + 1, "%s", text);
     else
         text_format(env->errmsg, MESSAGE_LENGTH + 1, "Error number %d", code);
     message_unlock(env);

@@ -25,21 +25,25 @@ static constexpr double DBL_LIMIT = 1e100; // likewise
     {#name, offsetof(TVXenv, name), minimum, maximum, value, "", PARAMETER_DBL, false},
 #define ROW_STR(name, value)                                                               \
     {#name, offsetof(TVXenv, name), 0, 0, 0, value, PARAMETER_STR, false},
-#define COUNT_ROW(...) +1
 
-static const ParameterRow static_rows[] = {
+static constexpr ParameterRow static_rows[] = {
     PUBLIC_PARAMETERS(ROW_INT, ROW_DBL, ROW_STR) //
     {"EndPublic", 0, 0, 0, 0, "", PARAMETER_DIVIDER, false},
     HIDDEN_PARAMETERS(ROW_INT, ROW_DBL, ROW_STR) //
 };
 static constexpr int N_ROWS = static_cast<int>(std::size(static_rows));
-static constexpr int N_PUBLIC = 0 PUBLIC_PARAMETERS(COUNT_ROW, COUNT_ROW, COUNT_ROW);
+static constexpr int divider_row()
+{
+    int k = 0;
+    while (static_rows[k].type != PARAMETER_DIVIDER) k++;
+    return k;
+}
 
 // ---- The table ----
 
 static int table_fill(ParameterTable *table)
 {
-    table->n_public = N_PUBLIC;
+    table->n_public = divider_row();
     TRY(array_copy(&table->rows, static_rows, N_ROWS));
     table->index = name_index_create(INDEX_BUCKETS, NameGrowth::FIXED);
     if (!table->index) return OUT_OF_MEMORY;
@@ -71,6 +75,14 @@ void parameters_free(ParameterTable **table)
     *table = nullptr;
 }
 
+// At most MESSAGE_LENGTH characters, into a buffer that has room for them. source may be target.
+static void copy_text(char *target, const char *source)
+{
+    const size_t length = strnlen(source, MESSAGE_LENGTH);
+    memmove(target, source, length);
+    target[length] = '\0';
+}
+
 static void reset_numbers(TVXenv *env)
 {
     for (const ParameterRow &row : env->params->rows) {
@@ -86,7 +98,7 @@ void parameters_set_defaults(TVXenv *env)
     reset_numbers(env);
     for (const ParameterRow &row : env->params->rows)
         if (row.type == PARAMETER_STR && !*parameter_text(env, &row))
-            strcpy(parameter_text(env, &row), row.default_text);
+            copy_text(parameter_text(env, &row), row.default_text);
 }
 
 const ParameterRow *parameter_find(const TVXenv *env, const char *name)
@@ -97,23 +109,21 @@ const ParameterRow *parameter_find(const TVXenv *env, const char *name)
     return k < 0 ? nullptr : &env->params->rows[k];
 }
 
-// The row of a name, with the messages that callers see. TYPE_ANY: whatever has a value.
+// The row of a name; or null with *error set, and the message that callers see. TYPE_ANY: whatever has a value.
 static constexpr int TYPE_ANY = 0;
-static int find_row(TVXenv *env, const char *name, int type, const ParameterRow **row_out)
+static const ParameterRow *find_row(TVXenv *env, const char *name, int type, int *error)
 {
-    if (!name) return TVX_ERROR_NULL_ARGUMENT;
+    *error = TVX_ERROR_NULL_ARGUMENT;
+    if (!name) return nullptr;
+    *error = TVX_ERROR_UNKNOWN_PARAMETER;
     const ParameterRow *row = parameter_find(env, name);
-    if (!row)
-        return fail(env, TVX_ERROR_UNKNOWN_PARAMETER, Report::FORCE,
-                    "Unknown parameter: %s", name);
-    if (type != TYPE_ANY && row->type != type)
-        return fail(env, TVX_ERROR_UNKNOWN_PARAMETER, Report::FORCE,
-                    "Wrong type for parameter: %s", name);
-    if (row->field == 0)
-        return fail(env, TVX_ERROR_UNKNOWN_PARAMETER, Report::KEEP_FIRST,
-                    "Unknown parameter: %s", name);
-    *row_out = row;
-    return 0;
+    if (row && type != TYPE_ANY && row->type != type)
+        fail(env, *error, Report::FORCE, "Wrong type for parameter: %s", name);
+    else if (!row || row->field == 0)
+        fail(env, *error, Report::FORCE, "Unknown parameter: %s", name);
+    else
+        *error = 0;
+    return *error ? nullptr : row;
 }
 
 // ---- Setting ----
@@ -167,8 +177,9 @@ static int set_by_text(TVXenv *env, const char *value)
     ParameterLine line{};
     parameter_line_scan(value, &line);
     if (!line.numeric) return TVX_ERROR_UNKNOWN_PARAMETER;
-    const ParameterRow *row = nullptr;
-    TRY(find_row(env, line.name, TYPE_ANY, &row));
+    int error = 0;
+    const ParameterRow *row = find_row(env, line.name, TYPE_ANY, &error);
+    if (!row) return error;
     if (row->type == PARAMETER_INT) return parameter_set_int(env, row, line.number);
     if (row->type == PARAMETER_DBL) return parameter_set_dbl(env, row, line.number);
     return TVX_ERROR_UNKNOWN_PARAMETER;
@@ -179,9 +190,7 @@ int parameter_set_text(TVXenv *env, const ParameterRow *row, const char *value)
     warn_master(env);
     if (row->field == offsetof(TVXenv, LogFile)) return env_open_log(env, value);
     if (row->field == offsetof(TVXenv, Dummy)) return set_by_text(env, value);
-    const size_t length = strnlen(value, MESSAGE_LENGTH);
-    memmove(parameter_text(env, row), value, length); // the value may be the field itself
-    parameter_text(env, row)[length] = '\0';
+    copy_text(parameter_text(env, row), value);
     return 0;
 }
 
@@ -190,58 +199,57 @@ int parameter_set_text(TVXenv *env, const ParameterRow *row, const char *value)
 int TVXsetintparam(TVXenv *env, const char *name, int value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_INT, &row);
-    if (!error) error = parameter_set_int(env, row, value);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_INT, &error);
+    if (row) error = parameter_set_int(env, row, value);
     return finish(env, error);
 }
 
 int TVXsetdblparam(TVXenv *env, const char *name, double value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_DBL, &row);
-    if (!error) error = parameter_set_dbl(env, row, value);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_DBL, &error);
+    if (row) error = parameter_set_dbl(env, row, value);
     return finish(env, error);
 }
 
 int TVXsetstrparam(TVXenv *env, const char *name, const char *value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_STR, &row);
-    if (!error)
-        error = value ? parameter_set_text(env, row, value) : TVX_ERROR_NULL_ARGUMENT;
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_STR, &error);
+    if (row) error = value ? parameter_set_text(env, row, value) : TVX_ERROR_NULL_ARGUMENT;
     return finish(env, error);
 }
 
 int TVXgetintparam(TVXenv *env, const char *name, int *value_out)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_INT, &row);
-    if (!error && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
-    if (!error) *value_out = *parameter_int(env, row);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_INT, &error);
+    if (row && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
+    if (row && value_out) *value_out = *parameter_int(env, row);
     return finish(env, error);
 }
 
 int TVXgetdblparam(TVXenv *env, const char *name, double *value_out)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_DBL, &row);
-    if (!error && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
-    if (!error) *value_out = *parameter_dbl(env, row);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_DBL, &error);
+    if (row && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
+    if (row && value_out) *value_out = *parameter_dbl(env, row);
     return finish(env, error);
 }
 
 int TVXgetstrparam(TVXenv *env, const char *name, char *value_out)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    int error = find_row(env, name, PARAMETER_STR, &row);
-    if (!error && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
-    if (!error) strcpy(value_out, parameter_text(env, row));
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_STR, &error);
+    if (row && !value_out) error = TVX_ERROR_NULL_ARGUMENT;
+    if (row && value_out) copy_text(value_out, parameter_text(env, row));
     return finish(env, error);
 }
 
@@ -249,9 +257,9 @@ int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum
                        int *maximum, int *default_value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    const int error = find_row(env, name, PARAMETER_INT, &row);
-    if (error) return finish(env, error);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_INT, &error);
+    if (!row) return finish(env, error);
     if (current) *current = *parameter_int(env, row);
     if (minimum) *minimum = static_cast<int>(row->minimum);
     if (maximum) *maximum = static_cast<int>(row->maximum);
@@ -263,9 +271,9 @@ int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current, double *m
                        double *maximum, double *default_value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    const int error = find_row(env, name, PARAMETER_DBL, &row);
-    if (error) return finish(env, error);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_DBL, &error);
+    if (!row) return finish(env, error);
     if (current) *current = *parameter_dbl(env, row);
     if (minimum) *minimum = row->minimum;
     if (maximum) *maximum = row->maximum;
@@ -276,19 +284,21 @@ int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current, double *m
 int TVXgetstrparaminfo(TVXenv *env, const char *name, char *current, char *default_value)
 {
     TRY(env_enter(env));
-    const ParameterRow *row = nullptr;
-    const int error = find_row(env, name, PARAMETER_STR, &row);
-    if (error) return finish(env, error);
-    if (current) strcpy(current, parameter_text(env, row));
-    if (default_value) strcpy(default_value, row->default_text);
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, PARAMETER_STR, &error);
+    if (!row) return finish(env, error);
+    if (current) copy_text(current, parameter_text(env, row));
+    if (default_value) copy_text(default_value, row->default_text);
     return finish(env, 0);
 }
 
 int TVXgetparamtype(TVXenv *env, const char *name)
 {
     if (env_enter(env)) return -1;
-    const ParameterRow *row = nullptr;
-    return finish(env, find_row(env, name, TYPE_ANY, &row)) ? -1 : row->type;
+    int error = 0;
+    const ParameterRow *row = find_row(env, name, TYPE_ANY, &error);
+    finish(env, error);
+    return row ? row->type : -1;
 }
 
 int TVXgetnumparams(TVXenv *env)

@@ -9,9 +9,9 @@
 static constexpr int OUT_OF_MEMORY = 10001; // the code every failed allocation turns into
 
 // TRY(step) is short for: if (int error = step) return error;   the only control flow hidden in a macro
-#define TRY(call)                                                                            \
-    do {                                                                                     \
-        if (const int error_ = (call)) return error_;                                        \
+#define TRY(call)                                                                          \
+    do {                                                                                   \
+        if (const int error_ = (call)) return error_;                                      \
     } while (0)
 
 // Owns its block; can be moved, not copied. All zero is a valid empty array.
@@ -59,7 +59,10 @@ template<class T> struct Array {
     const T *end() const { return data + size; }
 };
 
-template<class T> void array_free(Array<T> *a) { *a = Array<T>{}; }
+template<class T> void array_free(Array<T> *a)
+{
+    *a = Array<T>{};
+}
 
 // Room for at least `room` entries; size and content stay. 0 or OUT_OF_MEMORY; *a is unchanged on failure.
 template<class T> [[nodiscard]] int array_reserve(Array<T> *a, int64_t room)

@@ -9,9 +9,6 @@
 // Invariant   Every descriptor is closed on exec and numbered 3 or above, also in a process without standard
 //             streams: a file can never take the place of standard output.
 // Cost        One process per compressed file.
-#ifndef _GNU_SOURCE
-#define _GNU_SOURCE
-#endif
 #include "frame/runtime/file.h"
 #include <cerrno>
 #include <csignal>
@@ -23,8 +20,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char **environ;
 
 static constexpr int FIRST_DESCRIPTOR = 3; // above the standard streams
 static constexpr mode_t NEW_FILE_MODE = 0666;
@@ -63,11 +58,9 @@ static const char *command_for(const char *name)
 // default SIGPIPE and an empty signal mask, whatever the caller's process uses.
 static pid_t command_start(const char *command, char mode, int input, int output)
 {
-    char name[8];
-    char option[8];
-    strcpy(name, command);
-    strcpy(option, mode == 'r' ? "-dc" : "-c");
-    char *arguments[] = {name, option, nullptr};
+    const char *option = mode == 'r' ? "-dc" : "-c";
+    char *arguments[] = {const_cast<char *>(command), const_cast<char *>(option),
+                         nullptr}; // not written to
 
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
@@ -93,7 +86,7 @@ static pid_t command_start(const char *command, char mode, int input, int output
                                                  O_WRONLY, 0);
     pid_t child = 0;
     if (!error)
-        error = posix_spawnp(&child, name, &actions, &attributes, arguments, environ);
+        error = posix_spawnp(&child, command, &actions, &attributes, arguments, environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return error ? 0 : child;
@@ -139,6 +132,7 @@ static FILE *socket_stream(int descriptor)
     cookie_io_functions_t functions{};
     functions.write = socket_write;
     functions.close = socket_close;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the cookie is the number itself
     return fopencookie(reinterpret_cast<void *>(static_cast<intptr_t>(descriptor)), "w",
                        functions);
 }

@@ -18,4 +18,5 @@ struct FileHandle {
 // Flushes and closes; a handle without stream is ignored. 0; or 1 when data could not be written, or the
 // command behind a pipe failed (for reading only when the stream was read to its end).
 int FileClose(FileHandle *file);
-bool FileCanRead(const char *name); // it opens as a plain file for reading, and is not a directory
+bool FileCanRead(
+    const char *name); // it opens as a plain file for reading, and is not a directory

@@ -12,7 +12,8 @@ struct IndexSet {
     Array<int> Items; // [Capacity] members, in no order
     Array<int> Where; // [Capacity] place in Items, or -1
 };
-[[nodiscard]] int index_set_alloc(IndexSet *set, int first, int capacity); // 0 or OUT_OF_MEMORY
+[[nodiscard]] int index_set_alloc(IndexSet *set, int first,
+                                  int capacity); // 0 or OUT_OF_MEMORY
 void index_set_free(IndexSet *set);
 void index_set_insert(IndexSet *set, int value); // a member already in stays
 void index_set_remove(IndexSet *set, int value); // a value not in is ignored

@@ -10,11 +10,14 @@
 #ifdef TVX_DEBUG
 #include <atomic>
 
+// Test builds only, and of the process: what is counted is the process's heap.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 static std::atomic<int64_t> fault_countdown{
     0}; // requests until the first refusal, plus one; 0: disarmed
 static std::atomic<int64_t> fault_hits{0}; // requests refused since arming
 static std::atomic<int64_t> requests{0};   // since process start
 static std::atomic<int64_t> held{0};       // blocks allocated and not freed
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 // Counts a request; true when it has to be refused. Once refusing, the countdown stays at 1.
 static bool request_refused()
@@ -67,7 +70,8 @@ void *MemAlloc(size_t bytes)
 
 void *MemAllocZero(size_t count, size_t size)
 {
-    if (count == 0 || size == 0 || request_refused()) return nullptr;
+    if (count == 0 || size == 0 || count > SIZE_MAX / size || request_refused())
+        return nullptr;
     void *block = calloc(count, size);
     if (block) count_block(1);
     return block;

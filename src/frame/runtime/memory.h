@@ -9,10 +9,11 @@
 // All return null when memory is exhausted. A request of 0 bytes returns null and is not a failure: callers
 // test for an empty request first.
 [[nodiscard]] void *MemAlloc(size_t bytes);
-[[nodiscard]] void *MemAllocZero(size_t count, size_t size); // null too when count * size overflows
-[[nodiscard]] void *MemRealloc(void *block, size_t bytes);   // on failure the old block stays
-void MemFree(void *block);                                   // null is ignored
-void HeapTuning();                                           // asks the platform for its best heap mode; may do nothing
+[[nodiscard]] void *MemAllocZero(size_t count,
+                                 size_t size); // null too when count * size overflows
+[[nodiscard]] void *MemRealloc(void *block, size_t bytes); // on failure the old block stays
+void MemFree(void *block);                                 // null is ignored
+void HeapTuning(); // asks the platform for its best heap mode; may do nothing
 
 #ifdef TVX_DEBUG
 // Test hooks, process wide. fail_at = k > 0: the k-th request from now, and all after it, return null;

@@ -16,7 +16,8 @@ enum class NameGrowth { FIXED, ALLOWED };
 void name_index_free(NameIndex **index); // nulls the pointer; null is ignored
 // Puts a new entry at the head of its chain, hiding an older one of the same text. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int name_index_insert(NameIndex *index, const char *text, int value);
-[[nodiscard]] int name_index_insert_n(NameIndex *index, const char *text, size_t length, int value);
+[[nodiscard]] int name_index_insert_n(NameIndex *index, const char *text, size_t length,
+                                      int value);
 // The value, or -1.
 int name_index_find(const NameIndex *index, const char *text);
 int name_index_find_n(const NameIndex *index, const char *text, size_t length);

@@ -75,7 +75,7 @@ static int hierarchy_limit(const char *root, const char *mount, const char *name
     char group[PATH_LENGTH];
     const int top = snprintf(group, sizeof group, "%s%s", root, mount);
     if (top < 0 || static_cast<size_t>(top) + strlen(name) >= sizeof group) return INT_MAX;
-    strcpy(group + top, name);
+    memcpy(group + top, name, strlen(name) + 1);
     int limit = INT_MAX;
     while (true) {
         limit = std::min(limit, group_limit(group));

@@ -7,7 +7,10 @@ static constexpr int32_t RANDOM_MAX = 2147483647; // largest value returned
 struct Random {
     uint64_t State = 0;
 };
-inline void random_seed(Random *random, uint64_t seed) { random->State = seed; }
+inline void random_seed(Random *random, uint64_t seed)
+{
+    random->State = seed;
+}
 // Uniform in 0 .. RANDOM_MAX. SplitMix64 (Steele, Lea, Flood, OOPSLA 2014): any seed gives a good stream.
 inline int32_t random_next(Random *random)
 {

@@ -7,9 +7,6 @@
 //             rounds correctly (Clinger); everything else goes to the standard library's exact conversion.
 //             Output uses the standard conversions; general formats run under a "C" locale of the calling thread.
 // Literature  W. D. Clinger, "How to read floating point numbers accurately", PLDI 1990.
-#ifndef _GNU_SOURCE
-#define _GNU_SOURCE
-#endif
 #include "frame/runtime/text_number.h"
 #include <charconv>
 #include <climits>

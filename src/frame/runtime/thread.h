@@ -28,6 +28,7 @@ int CoreCount();
 
 // One word that one side stores and another polls. The field itself stays a plain word, so that records which
 // hold it can be copied as bytes.
+// NOLINTBEGIN(readability-non-const-parameter): atomic_ref takes no reference to const
 inline int32_t flag_load(int32_t *word)
 {
     return std::atomic_ref<int32_t>(*word).load(std::memory_order_acquire);
@@ -36,3 +37,4 @@ inline void flag_store(int32_t *word, int32_t value)
 {
     std::atomic_ref<int32_t>(*word).store(value, std::memory_order_release);
 }
+// NOLINTEND(readability-non-const-parameter)
