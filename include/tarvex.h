@@ -233,43 +233,126 @@ TVX_API int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind,
 TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind, double *weight,
                       int start, int len);
 
-/* ---- Attributes ---- */
+/* ---- Attributes ----
+ *
+ * Everything about a model is read, and most of it set, by the name of an attribute. An attribute
+ * has a type (char, int, double or string) and a kind: it belongs to the model as a whole, or
+ * has one value for each variable, each constraint or each SOS constraint. docs/attributes.md
+ * lists all of them. Case, and underscores inside a name, do not matter: "num_vars" is NumVars.
+ *
+ * The calls form four families of one shape, for each type:
+ *   TVX get|set TYPE attr           value of the model            (name, value)
+ *   TVX get|set TYPE attrelement    value of one element          (name, index, value)
+ *   TVX get|set TYPE attrarray      values of consecutive ones    (name, start, len, values)
+ *   TVX get|set TYPE attrlist       values of elements by index   (name, len, ind, values)
+ * with TYPE int, dbl, char or str; there is no char attribute of the model. Arguments:
+ *   model    in       not busy with a solve, but for calls from inside its callback
+ *   name     in       name of the attribute, of the type of the call
+ *   index    in       0 to the number of elements less 1
+ *   start    in       first element; ignored when len is negative
+ *   len      in       number of elements; for arrays negative means all of them
+ *   ind      in       [len] indices of elements, each in range; null means the first len ones
+ *   values   out, in  [len] one value per element (value_out, value: one value)
+ * Texts read belong to the model: those of default names stay valid until the next update, the
+ * others until the model is freed.
+ *
+ * A set queues the value: it shows after TVXupdatemodel or TVXoptimize. Only Start, VBasis, CBasis,
+ * VDualNorm and CDualNorm are taken over at once, as the start of the next solve. A set whose
+ * arguments are refused changes nothing.
+ *
+ * Codes: 0; TVX_ERROR_NULL_ARGUMENT for a null model, name or value; TVX_ERROR_INVALID_ARGUMENT for
+ * a bad model, a negative len of a list, a value that is NaN or infinite (an infinite bound is
+ * one of magnitude 1e20 and more), or a character or basis code with no meaning;
+ * TVX_ERROR_UNKNOWN_ATTRIBUTE for an unknown name, another type, another kind than the call's, or an
+ * attribute that may not be set; TVX_ERROR_INDEX_OUT_OF_RANGE; TVX_ERROR_DATA_NOT_AVAILABLE when
+ * nothing stands behind the attribute at present, for example X without a solution;
+ * TVX_ERROR_OPTIMIZATION_IN_PROGRESS; TVX_ERROR_OUT_OF_MEMORY. On failure output values are
+ * unspecified, but for those of TVXget*attr, which are set to 0 before anything else.
+ */
+
+/* Describes an attribute. Every out pointer may be null; each is -1 after a failure.
+ *   datatype_out   0 char, 1 int, 2 double, 3 string
+ *   size_out       0 one value for the model, 1 one per variable, 2 per constraint, 3 per SOS
+ *   settable_out   1 if a caller may set it, else 0
+ * Codes: those of an unknown name and a bad model above. */
 TVX_API int TVXgetattrinfo(TVXmodel *model, const char *name, int *datatype_out, int *size_out,
                            int *settable_out);
+
+/* Values of the model. TVXsetstrattr copies its text. */
 TVX_API int TVXgetintattr(TVXmodel *model, const char *name, int *value_out);
 TVX_API int TVXgetdblattr(TVXmodel *model, const char *name, double *value_out);
 TVX_API int TVXgetstrattr(TVXmodel *model, const char *name, char **value_out);
 TVX_API int TVXsetintattr(TVXmodel *model, const char *name, int value);
 TVX_API int TVXsetdblattr(TVXmodel *model, const char *name, double value);
 TVX_API int TVXsetstrattr(TVXmodel *model, const char *name, const char *value);
+
+/* Values of one element. Texts given are copied; a null or empty name asks for the default one. */
 TVX_API int TVXgetintattrelement(TVXmodel *model, const char *name, int index, int *value_out);
-TVX_API int TVXgetdblattrelement(TVXmodel *model, const char *name, int index, double *value_out);
-TVX_API int TVXgetcharattrelement(TVXmodel *model, const char *name, int index, char *value_out);
-TVX_API int TVXgetstrattrelement(TVXmodel *model, const char *name, int index, char **value_out);
+TVX_API int TVXgetdblattrelement(TVXmodel *model, const char *name, int index,
+                                 double *value_out);
+TVX_API int TVXgetcharattrelement(TVXmodel *model, const char *name, int index,
+                                  char *value_out);
+TVX_API int TVXgetstrattrelement(TVXmodel *model, const char *name, int index,
+                                 char **value_out);
 TVX_API int TVXsetintattrelement(TVXmodel *model, const char *name, int index, int value);
 TVX_API int TVXsetdblattrelement(TVXmodel *model, const char *name, int index, double value);
 TVX_API int TVXsetcharattrelement(TVXmodel *model, const char *name, int index, char value);
-TVX_API int TVXsetstrattrelement(TVXmodel *model, const char *name, int index, const char *value);
-TVX_API int TVXgetintattrarray(TVXmodel *model, const char *name, int start, int len, int *values);
-TVX_API int TVXgetdblattrarray(TVXmodel *model, const char *name, int start, int len, double *values);
-TVX_API int TVXgetcharattrarray(TVXmodel *model, const char *name, int start, int len, char *values);
-TVX_API int TVXgetstrattrarray(TVXmodel *model, const char *name, int start, int len, char **values);
-TVX_API int TVXsetintattrarray(TVXmodel *model, const char *name, int start, int len, const int *values);
-TVX_API int TVXsetdblattrarray(TVXmodel *model, const char *name, int start, int len, const double *values);
-TVX_API int TVXsetcharattrarray(TVXmodel *model, const char *name, int start, int len, const char *values);
-TVX_API int TVXsetstrattrarray(TVXmodel *model, const char *name, int start, int len, char **values);
-TVX_API int TVXgetintattrlist(TVXmodel *model, const char *name, int len, const int *ind, int *values);
-TVX_API int TVXgetdblattrlist(TVXmodel *model, const char *name, int len, const int *ind, double *values);
-TVX_API int TVXgetcharattrlist(TVXmodel *model, const char *name, int len, const int *ind, char *values);
-TVX_API int TVXgetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind, char **values);
-TVX_API int TVXsetintattrlist(TVXmodel *model, const char *name, int len, const int *ind, const int *values);
+TVX_API int TVXsetstrattrelement(TVXmodel *model, const char *name, int index,
+                                 const char *value);
+
+/* Values of the elements start to start + len - 1, or of all. */
+TVX_API int TVXgetintattrarray(TVXmodel *model, const char *name, int start, int len,
+                               int *values);
+TVX_API int TVXgetdblattrarray(TVXmodel *model, const char *name, int start, int len,
+                               double *values);
+TVX_API int TVXgetcharattrarray(TVXmodel *model, const char *name, int start, int len,
+                                char *values);
+TVX_API int TVXgetstrattrarray(TVXmodel *model, const char *name, int start, int len,
+                               char **values);
+TVX_API int TVXsetintattrarray(TVXmodel *model, const char *name, int start, int len,
+                               const int *values);
+TVX_API int TVXsetdblattrarray(TVXmodel *model, const char *name, int start, int len,
+                               const double *values);
+TVX_API int TVXsetcharattrarray(TVXmodel *model, const char *name, int start, int len,
+                                const char *values);
+TVX_API int TVXsetstrattrarray(TVXmodel *model, const char *name, int start, int len,
+                               char **values);
+
+/* Values of the elements ind[0] to ind[len - 1]; one may be named twice, a later value then wins. */
+TVX_API int TVXgetintattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              int *values);
+TVX_API int TVXgetdblattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              double *values);
+TVX_API int TVXgetcharattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                               char *values);
+TVX_API int TVXgetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              char **values);
+TVX_API int TVXsetintattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              const int *values);
 TVX_API int TVXsetdblattrlist(TVXmodel *model, const char *name, int len, const int *ind,
                               const double *values);
 TVX_API int TVXsetcharattrlist(TVXmodel *model, const char *name, int len, const int *ind,
                                const char *values);
-TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind, char **values);
+TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const int *ind,
+                              char **values);
 
 /* ---- Solving ---- */
+
+/* Updates and solves the model. Infeasible and unbounded models, limits and interruptions are ends
+ * like any other: the call returns 0 and the Status attribute tells. A linear program is solved by
+ * the method of LPMethod; solved again without a change it is not solved anew, and after a limit
+ * or an interruption it goes on from where it stopped. A basis set through VBasis and CBasis
+ * since the last solve is its start.
+ *   model   in, out
+ * Codes: 0; TVX_ERROR_NOT_FOR_MIP for a model with integer or semi-continuous variables or SOS
+ *   constraints; TVX_ERROR_OPTIMIZATION_IN_PROGRESS also when called from inside a callback;
+ *   TVX_ERROR_OUT_OF_MEMORY, with "Optimization exhausted available memory" when nothing more
+ *   specific is known: Status is then TVX_LOADED and the model as usable as before; any code that
+ *   a callback returned.
+ * Parameters read: all; those of limits, tolerances and LPMethod matter most. With ResultFile set,
+ *   the model or its result is written under that name after a solve; failing to do so is
+ *   told in the log and does not change the code.
+ * Sets: the attributes of results, see docs/attributes.md. */
 TVX_API int TVXoptimize(TVXmodel *model);
 
 /* Asks the solve that runs on this model to stop soon; TVXoptimize then returns 0 with Status 11 (interrupted), unless

@@ -1,0 +1,129 @@
+// lp_driver.cpp -- the route of a linear program: what to start from, which method, what to publish
+//
+// Method      1  A model that is solved and unchanged is not solved again; only its closing lines are.
+//             2  After a limit or an interruption the live simplex record continues.
+//             3  Else the start is the caller's basis if one was set since the last solve, the live
+//                record, the basis that an update carried over, or nothing.
+//             4  The simplex solves the model itself: no reduction and no dual form stands between
+//                the model and the solver. This is where they would come in.
+//             5  Results are published as lp_result, and the closing lines say how it ended.
+// Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. On error the
+//             status is TVX_LOADED and no result is published.
+#include "frame/attributes.h"
+#include "frame/optimize.h"
+#include "frame/optimize_log.h"
+#include "frame/runtime/clock.h"
+#include "frame/signs.h"
+#include "frame/warm_start.h"
+#include "simplex/simplex.h"
+
+static bool already_solved(const TVXmodel *model)
+{
+    if (!model->simplex || !model->lp_result) return false;
+    const int status = model->status;
+    return status >= TVX_OPTIMAL && status <= TVX_UNBOUNDED &&
+           status == simplex_status(model->simplex);
+}
+
+static void drop_simplex(TVXmodel *model)
+{
+    simplex_free(model->simplex);
+    model->simplex = nullptr;
+}
+
+// The start that counts is the most recent one: after each solve the warm start is dropped, so that
+// one which a caller has set stands only when it is newer than the simplex record.
+static void choose_start(TVXmodel *model)
+{
+    if (!model->simplex)
+        return; // the warm start, if there is one, is loaded by the simplex
+    const WarmStart *given = warm_start_usable(model);
+    if (given && given->kind == WARM_CHECKED)
+        drop_simplex(model);
+    else
+        warm_start_drop(model);
+}
+
+// An empty result in place of any earlier one. 0 or OUT_OF_MEMORY.
+static int open_result(TVXmodel *model)
+{
+    attributes_clear_solution(model);
+    model->status = TVX_LOADED;
+    if (!model->lp_result)
+        model->lp_result = static_cast<LpResult *>(MemAllocZero(1, sizeof(LpResult)));
+    if (!model->lp_result) return OUT_OF_MEMORY;
+    *model->lp_result = LpResult{};
+    return 0;
+}
+
+static int choose_method(TVXenv *env)
+{
+    if (env->LPMethod < 2) return env->LPMethod;
+    TVXmsg(env, "Warning: barrier is not available, using dual simplex\n");
+    return METHOD_DUAL;
+}
+
+// The simplex, which from its first run on may also repair a solution that violates the tolerances
+// only after unscaling.
+static int run_simplex(TVXmodel *model)
+{
+    TVXenv *env = model->env;
+    const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
+    if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
+    const int code =
+        SimplexOptimize(model, choose_method(env), nullptr, nullptr, nullptr, nullptr);
+    env->TARV_PAR_UNSCALEDVIO = unscaled_check;
+    if (code != TVX_ERROR_NUMERIC) return code;
+    model->status = TVX_NUMERIC; // an outcome, not an error
+    return 0;
+}
+
+static void publish(TVXmodel *model, double start)
+{
+    LpResult *result = model->lp_result;
+    const sopt *simplex = model->simplex;
+    result->runtime = WallClock() - start;
+    attributes_clear_solution(model); // what a callback has asked for during the solve
+    if (!simplex) return;
+    result->objval = turned(model->body->sense, simplex_objective(simplex));
+    result->itercount = simplex_iterations(simplex);
+    model->node_count = simplex_work_units(simplex);
+}
+
+static int solve(TVXmodel *model, double start)
+{
+    TRY(open_result(model));
+    choose_start(model);
+    TRY(run_simplex(model));
+    publish(model, start);
+    if (model->simplex) warm_start_drop(model);
+    if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))
+        model->status = TVX_INFEASIBLE;
+    return 0;
+}
+
+// A fresh factor for queries to come. That the old one cannot be replaced costs only speed.
+static int refresh_factor(TVXmodel *model)
+{
+    if (!model->env->TARV_PAR_SIMPLEXENDFAC) return 0;
+    return simplex_refactor(model) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
+}
+
+static void abandon(TVXmodel *model)
+{
+    attributes_clear_solution(model);
+    model->status = TVX_LOADED;
+    model_free_results(model);
+}
+
+int lp_driver(TVXmodel *model)
+{
+    const double start = WallClock();
+    int code = already_solved(model) ? refresh_factor(model) : solve(model, start);
+    const double iterations = model->lp_result ? model->lp_result->itercount : 0;
+    if (code) abandon(model);
+    if (model->env->quiet_solve) return code;
+    log_lp_effort(model, iterations, start);
+    if (code == OUT_OF_MEMORY) TVXmsg(model->env, "Out of memory\n");
+    return code ? code : log_lp_outcome(model);
+}

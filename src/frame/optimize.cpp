@@ -1,0 +1,89 @@
+// optimize.cpp -- TVXoptimize: one solve from the caller's call to the last line of the log
+//
+// Method      Opening (clock, stop flag, busy flag), the driver, the closing lines, the result file.
+//             Between opening and closing the model is busy: other calls on it are refused, but for
+//             those made from inside a callback.
+// Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
+//             survives the closing lines (err_hold).
+#include "frame/optimize.h"
+#include "frame/optimize_log.h"
+#include "frame/runtime/clock.h"
+
+// Writes model and parameters as they are about to be solved, for a bug report. Failing to do so does
+// not stop the solve.
+static void dump(TVXmodel *model)
+{
+    const int busy = flag_load(&model->busy);
+    flag_store(&model->busy, 0); // the writers are exported calls
+    (void)TVXwrite(model, "tarvex.rew");
+    (void)TVXwriteparams(model->env, "tarvex.prm");
+    (void)finish_model(model, 0); // a failure leaves no text
+    flag_store(&model->busy, busy);
+}
+
+int optimize_run(TVXmodel *model)
+{
+    const double start = WallClock();
+    TRY(model_update(model));
+    log_model_size(model);
+    model->start_time = start;
+    model->run_time = 0;
+    if (model->env->TARV_PAR_DUMP) dump(model);
+    const int code = model_is_mip(model) ? mip_driver(model) : lp_driver(model);
+    model->run_time = WallClock() - start;
+    return code;
+}
+
+static void open_run(TVXmodel *model, double now)
+{
+    TVXenv *env = model->env;
+    env->terminate_ptr = &env->terminate;
+    flag_store(env->terminate_ptr, 0);
+    env->optimize_start = now;
+    flag_store(&model->busy, 1);
+}
+
+// The closing lines and the text of an error; the code of the whole call.
+static int close_run(TVXmodel *model, int code)
+{
+    TVXenv *env = model->env;
+    if (code) env->err_hold = 1;
+    if (model->mip_result) {
+        const int epilogue = log_mip_epilogue(model, code);
+        if (!code) code = epilogue;
+    }
+    env->err_hold = 0;
+    flag_store(&model->busy, 0);
+    if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out
+        return fail_model(model, code, Report::KEEP_FIRST,
+                          "Optimization exhausted available memory");
+    return finish_model(model, code);
+}
+
+static void write_result_file(TVXmodel *model)
+{
+    TVXenv *env = model->env;
+    if (!env->ResultFile[0]) return;
+    const int code = TVXwrite(model, env->ResultFile);
+    TVXmsg(env, "\n");
+    if (code)
+        TVXmsg(env, "WARNING: unable to write requested result file '%s'\n",
+               env->ResultFile);
+    else
+        TVXmsg(env, "Wrote requested result file '%s'\n", env->ResultFile);
+    TVXmsg(env, "\n");
+    (void)finish_model(model, 0); // the solve went well: its call leaves no text
+}
+
+int TVXoptimize(TVXmodel *model)
+{
+    const double now = WallClock();
+    int code = TVXcheckmodel(model);
+    if (!code && flag_load(&model->busy)) // called from a callback of this very solve
+        code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
+    if (code) return finish_model(model, code);
+    open_run(model, now);
+    code = close_run(model, optimize_run(model));
+    if (!code) write_result_file(model);
+    return code;
+}

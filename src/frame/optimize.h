@@ -1,0 +1,30 @@
+// optimize.h -- the drivers behind TVXoptimize
+//
+// optimize_run -> lp_driver or mip_driver -> the solvers. Drivers decide and call; they are the only
+// code that knows every solver. A limit or an infeasible model is an end like any other: the
+// code is 0 and the model's status tells.
+#pragma once
+#include "frame/model.h"
+
+// Updates and solves the model, without opening and closing steps of TVXoptimize: also the entry for
+// a solve nested in another one. 0 or a code; after OUT_OF_MEMORY the status is TVX_LOADED.
+[[nodiscard]] int optimize_run(TVXmodel *model);
+// Solves a model without integers, semi-continuous variables and SOS constraints.
+[[nodiscard]] int lp_driver(TVXmodel *model);
+// Solves a model with them.
+[[nodiscard]] int mip_driver(TVXmodel *model);
+
+// ---- mip_focus.cpp ----
+// Parameters that MIPFocus presets for one solve, as they were before.
+static constexpr int FOCUS_INTS = 6, FOCUS_DOUBLES = 3;
+struct MipFocusSaved {
+    int ints[FOCUS_INTS];
+    double doubles[FOCUS_DOUBLES];
+};
+MipFocusSaved mip_focus_apply(TVXenv *env);
+void mip_focus_restore(TVXenv *env, const MipFocusSaved &saved);
+
+// ---- lp_bounded.cpp ----
+// No objective value can run away within the bounds alone: a model that is infeasible or unbounded
+// is then infeasible.
+bool objective_is_bounded(const TVXenv *env, const ModelBody *body);
