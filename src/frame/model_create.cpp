@@ -99,19 +99,24 @@ static int check_entries(TVXenv *env, const ModelData *data)
     return 0;
 }
 
-static int model_data_check(TVXenv *env, const ModelData *data, int64_t *numnz)
+static int check_arrays(TVXenv *env, const ModelData *data)
 {
-    TRY(check_counts(env, data));
     TRY(check_value(env, data->objcon));
     TRY(check_values(env, data->numvars, data->obj));
     TRY(check_values(env, data->numvars, data->lb));
     TRY(check_values(env, data->numvars, data->ub));
     TRY(check_values(env, data->numconstrs, data->rhs));
-    TRY(check_columns(env, data, numnz));
-    if (*numnz > 0) TRY(check_entries(env, data));
     for (int j = 0; data->vtype && j < data->numvars; j++)
         TRY(check_vtype(env, data->vtype[j], j));
     return 0;
+}
+
+static int model_data_check(TVXenv *env, const ModelData *data, int64_t *numnz)
+{
+    TRY(check_counts(env, data));
+    TRY(check_arrays(env, data));
+    TRY(check_columns(env, data, numnz));
+    return *numnz > 0 ? check_entries(env, data) : 0;
 }
 
 // ---- Filling ----

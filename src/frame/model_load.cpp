@@ -10,8 +10,8 @@ static int new_model(TVXenv *env, TVXmodel **model_out, const ModelData *data)
     return model_create(env, EnvUse::PRIVATE_COPY, data, model_out);
 }
 
-int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name,
-                int numvars, // NOLINT(readability-function-size): fixed interface
+// NOLINTNEXTLINE(readability-function-size): the interface is fixed
+int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
                 const double *obj, const double *lb, const double *ub, const char *vtype,
                 char **varnames)
 {
@@ -35,8 +35,8 @@ static bool lacks_array(const ModelData *data)
     return data->numconstrs > 0 && !(data->senses && data->rhs);
 }
 
-int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name,
-                 int numvars, // NOLINT(readability-function-size): fixed interface
+// NOLINTNEXTLINE(readability-function-size): the interface is fixed
+int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
                  int numconstrs, int objsense, double objcon, const double *obj,
                  const char *sense, const double *rhs, const int *vbeg, const int *vlen,
                  const int *vind, const double *vval, const double *lb, const double *ub,

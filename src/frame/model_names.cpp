@@ -7,8 +7,8 @@
 #include "frame/model_store.h"
 #include <algorithm>
 
-static constexpr size_t NAME_CHUNK = 4096;         // bytes; a few hundred names
-static constexpr int64_t DEAD_NAMES = 1024 * 1024; // bytes of dead texts never worth a move
+static constexpr size_t NAME_CHUNK = 4096;     // bytes; a few hundred names
+static constexpr int64_t DEAD_NAMES = 1 << 20; // bytes of dead texts never worth a move
 
 // Writes letter and number; returns the length.
 static size_t format_name(char letter, int number, char *buffer)
@@ -53,11 +53,11 @@ static char *name_block(ModelBody *body, size_t bytes)
 int body_join_name(ModelBody *body, const char *head, const char *tail, const char **stored)
 {
     const size_t head_length = strlen(head);
-    const size_t tail_bytes = strlen(tail) + 1;
-    char *block = name_block(body, head_length + tail_bytes);
+    const size_t tail_length = strlen(tail);
+    char *block = name_block(body, head_length + tail_length + 1);
     if (!block) return OUT_OF_MEMORY;
-    memcpy(block, head, head_length);
-    memcpy(block + head_length, tail, tail_bytes);
+    std::copy_n(head, head_length, block);
+    std::copy_n(tail, tail_length + 1, block + head_length);
     *stored = block;
     return 0;
 }

@@ -75,6 +75,7 @@ static int read_vars(TVXmodel *model, const VectorsOut *out, int start, int len)
     return 0;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): written through VectorsOut
 int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval,
                int start, int len)
 {
@@ -103,6 +104,7 @@ static int read_constrs(TVXmodel *model, const VectorsOut *out, int start, int l
     return 0;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): written through VectorsOut
 int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind, double *cval,
                   int start, int len)
 {
@@ -124,6 +126,7 @@ static int read_sos(TVXmodel *model, int *types, const VectorsOut *out, int star
     return 0;
 }
 
+// NOLINTBEGIN(readability-non-const-parameter): written through VectorsOut
 int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind,
               double *weight, int start, int len)
 {
@@ -134,3 +137,4 @@ int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *i
     fail_model(model, error, Report::KEEP_FIRST, "Failed to retrieve SOS constraints");
     return finish_model(model, error);
 }
+// NOLINTEND(readability-non-const-parameter)

@@ -115,7 +115,18 @@ static bool adds_type(const PendingVars *vars)
     return false;
 }
 
-static int reserve_vars(TVXmodel *model, UpdatePlan *plan)
+static int reserve_vars(ModelBody *body, int64_t n)
+{
+    TRY(array_grow(&body->obj, n));
+    TRY(array_grow(&body->lb, n));
+    TRY(array_grow(&body->ub, n));
+    TRY(array_grow(&body->bound_kind, n));
+    TRY(array_grow(&body->vbeg, n + 1));
+    return array_grow(&body->vlen, n);
+}
+
+// Arrays that may be absent: types, names, start. All 'C' or no names say the same as no array.
+static int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingChanges *p = model->pending;
@@ -123,18 +134,15 @@ static int reserve_vars(TVXmodel *model, UpdatePlan *plan)
     plan->has_vtypes =
         body->vtypes.size > 0 || p->vars.n_type > 0 || adds_type(&p->added_vars);
     plan->has_varnames = body->varnames.size > 0 || n > body->numvars;
-    // Arrays of all 'C' or of no names say the same as empty ones.
-    if (plan->has_vtypes) TRY(array_extend(&body->vtypes, body->numvars, 'C'));
-    if (n == body->numvars) return 0;
-    TRY(array_grow(&body->obj, n));
-    TRY(array_grow(&body->lb, n));
-    TRY(array_grow(&body->ub, n));
-    TRY(array_grow(&body->bound_kind, n));
-    TRY(array_grow(&body->vbeg, n + 1));
-    TRY(array_grow(&body->vlen, n));
-    if (plan->has_vtypes) TRY(array_grow(&body->vtypes, n));
-    TRY(array_extend(&body->varnames, body->numvars, static_cast<const char *>(nullptr)));
-    TRY(array_grow(&body->varnames, n));
+    if (plan->has_vtypes) {
+        TRY(array_extend(&body->vtypes, body->numvars, 'C'));
+        TRY(array_grow(&body->vtypes, n));
+    }
+    if (plan->has_varnames) {
+        TRY(array_extend(&body->varnames, body->numvars,
+                         static_cast<const char *>(nullptr)));
+        TRY(array_grow(&body->varnames, n));
+    }
     return model->mip_start.size ? array_grow(&model->mip_start, n) : 0;
 }
 
@@ -203,7 +211,9 @@ int update_plan(TVXmodel *model, UpdatePlan *plan)
     TRY(plan_coefs(model, plan));
     TRY(plan_negations(model, plan));
     TRY(plan_range_names(model, plan));
-    TRY(reserve_vars(model, plan));
+    TRY(reserve_vars(model->body,
+                     int64_t{model->body->numvars} + plan->added_vars + plan->n_ranges));
+    TRY(reserve_var_options(model, plan));
     TRY(reserve_constrs(model->body, plan));
     TRY(reserve_matrix(model, plan));
     TRY(reserve_sos(model->body, &model->pending->sos_changes));
