@@ -194,44 +194,176 @@ TVX_API int TVXreadparams(TVXenv *env, const char *file_name);
  * Returns 0; 10002 null argument; 10003 the file cannot be opened; 10013 it could not be written completely. */
 TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
 
-/* ---- Building and querying models ---- */
-TVX_API int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars, const double *obj,
-                        const double *lb, const double *ub, const char *vtype, char **varnames);
-TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars, int numconstrs,
-                         int objsense, double objcon, const double *obj, const char *sense, const double *rhs,
-                         const int *vbeg, const int *vlen, const int *vind, const double *vval,
-                         const double *lb, const double *ub, const char *vtype, char **varnames,
-                         char **constrnames);
+/* ---- Building and querying models ----
+ *
+ * A model is n variables x with bounds and costs, m linear constraints, and special ordered sets (SOS):
+ *
+ *   minimise or maximise  objcon + obj'x   subject to   row(i) x  <=, = or >=  rhs(i),   lb <= x <= ub
+ *
+ * Variables, constraints and SOS are numbered from 0. Sparse vectors come in compressed form: vector k is
+ * ind[beg[k]], ..., ind[beg[k + 1] - 1] with the same stretch of val; the last one ends at the total number given
+ * (numnz, nummembers). A vector may not hold an index twice.
+ *
+ * Changes are queued: every add, delete and change (and every set of an attribute) takes effect at the next
+ * TVXupdatemodel or TVXoptimize, and no query shows it before. Until then indices mean the elements that exist now: a
+ * variable that is queued cannot be named in a constraint. A call that fails has queued nothing. Many changes before
+ * one update cost one pass over the matrix.
+ *
+ * Values      Bounds of magnitude 1e20 and more are infinite; NaN and infinities are refused.
+ * Types       'C' continuous, 'B' binary, 'I' integer, 'S' semi-continuous (0 or within its bounds), 'N' semi-integer;
+ *             lower case will do. Bounds of 'B', 'I' and 'N' are rounded inwards to integers (a fraction of 1e-5 is
+ *             forgiven), those of 'B' cut to 0 and 1.
+ * Senses      '<' (also 'L', 'l'), '>' ('G', 'g'), '=' ('E', 'e').
+ * Names       Null or "" asks for the default, "C" or "R" with a number. Names need not differ.
+ *
+ * Calls on a model return 10002 for a null one, 10003 for one that is not alive or whose environment was freed, 10017
+ * while it is being solved (calls from its callback pass, but for TVXupdatemodel, TVXresetmodel and TVXfreemodel), and
+ * 10001 when memory is exhausted; these are not repeated below. A count below 1 of things to add, delete or change is
+ * a successful call without effect. All arrays are in unless said otherwise, and are copied.
+ */
+
+/* Creates a model with variables and no constraints.
+ *   model_out   out  the model; null when the call fails. Free with TVXfreemodel
+ *   name        in   null: none
+ *   numvars     in   0 or more
+ *   obj, lb, ub      [numvars] costs, default 0; bounds, default 0 and infinite
+ *   vtype            [numvars] types, default 'C'
+ *   varnames         [numvars] names
+ * Every array may be null for its default. The model works on a private copy of env.
+ * Returns 0; 10001; 10002 model_out is null; 10003 env is not alive, negative numvars, NaN or infinity, unknown type. */
+TVX_API int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
+                        const double *obj, const double *lb, const double *ub,
+                        const char *vtype, char **varnames);
+
+/* Creates a whole model.
+ *   numvars, numconstrs    in  0 or more
+ *   objsense               in  1 minimise, -1 maximise (by sign; 0 minimises)
+ *   objcon                 in  constant of the objective
+ *   sense, rhs                 [numconstrs] required when there are constraints
+ *   vbeg, vlen                 [numvars] start and length of each column in vind and vval. Columns may lie in any order
+ *                              and with gaps, but may not share entries
+ *   vind, vval                 row indices and coefficients. These four are required when there are variables
+ *   constrnames                [numconstrs] names
+ *   others                     as in TVXnewmodel
+ * Returns 0; 10001; 10002 a required argument is null; 10003 env is not alive, a negative count, NaN or infinity,
+ * unknown type; 10006 a row index, a start or a length is out of range, or columns overlap; 10018 a row index twice in
+ * one column. The text tells where. */
+TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
+                         int numconstrs, int objsense, double objcon, const double *obj,
+                         const char *sense, const double *rhs, const int *vbeg,
+                         const int *vlen, const int *vind, const double *vval,
+                         const double *lb, const double *ub, const char *vtype,
+                         char **varnames, char **constrnames);
+
+/* A new model with the content and the parameters of this one, called "NAME_copy". Queued changes, a start and
+ * results are not copied; a warning on the log tells of queued changes. Returns null on failure. */
 TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
+
+/* Frees a model with all that belongs to it. Null is ignored. Returns 0, or a code and the model stays. */
 TVX_API int TVXfreemodel(TVXmodel *model);
+
+/* Makes the queued changes real, in this order: names; right-hand sides, senses, objective, types and bounds;
+ * coefficients; deletions; new variables; new constraints; SOS. Indices of a queued change mean the elements before the
+ * update; what refers to a deleted element goes with it. Results of an earlier solve go, unless only names change. The
+ * next solve starts from the last basis if it survives: it does not when a basic variable or a nonbasic constraint is
+ * deleted, or integer variables or SOS are involved.
+ * A start set through VBasis and CBasis is checked; a warning on the log tells when it is no basis.
+ * Returns 0; 10001: the model is as before, but the queued changes are lost and Status is 0. */
 TVX_API int TVXupdatemodel(TVXmodel *model);
+
+/* Updates, then forgets every solve: results and start basis. The next solve starts from scratch.
+ * Returns as TVXupdatemodel. */
 TVX_API int TVXresetmodel(TVXmodel *model);
-TVX_API int TVXaddvar(TVXmodel *model, int numnz, const int *vind, const double *vval, double obj, double lb,
-                      double ub, char vtype, const char *varname);
-TVX_API int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg, const int *vind,
-                       const double *vval, const double *obj, const double *lb, const double *ub,
-                       const char *vtype, char **varnames);
-TVX_API int TVXaddconstr(TVXmodel *model, int numnz, const int *cind, const double *cval, char sense,
-                         double rhs, const char *constrname);
-TVX_API int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg, const int *cind,
-                          const double *cval, const char *sense, const double *rhs, char **constrnames);
-TVX_API int TVXaddrangeconstr(TVXmodel *model, int numnz, const int *cind, const double *cval, double lower,
-                              double upper, const char *constrname);
-TVX_API int TVXaddrangeconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg, const int *cind,
-                               const double *cval, const double *lower, const double *upper,
-                               char **constrnames);
-TVX_API int TVXaddsos(TVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
-                      const int *ind, const double *weight);
+
+/* Queues one variable, or numvars variables, behind the present ones.
+ *   numnz            in  entries in all columns together; with 0 the next three arrays are not looked at
+ *   vbeg                 [numvars] start of each column
+ *   vind, vval           [numnz] rows (existing ones) and coefficients
+ *   obj, lb, ub, vtype   [numvars] as in TVXnewmodel; null for the defaults
+ *   varnames             [numvars] names, or null
+ * Returns 0; 10002 numnz is positive and one of its arrays null; 10003 negative numnz, NaN or infinity, unknown type;
+ * 10006 a row or a start out of range; 10018 a row twice in one column. */
+TVX_API int TVXaddvar(TVXmodel *model, int numnz, const int *vind, const double *vval,
+                      double obj, double lb, double ub, char vtype, const char *varname);
+TVX_API int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg,
+                       const int *vind, const double *vval, const double *obj,
+                       const double *lb, const double *ub, const char *vtype,
+                       char **varnames);
+
+/* Queues one constraint, or numconstrs constraints, behind the present ones.
+ *   numnz         in  entries in all rows together; with 0 the next three arrays are not looked at
+ *   cbeg              [numconstrs] start of each row
+ *   cind, cval        [numnz] variables (existing ones) and coefficients
+ *   sense, rhs        [numconstrs] null for all '<' and all 0
+ *   constrnames       [numconstrs] names, or null
+ * Returns 0; 10002, 10003, 10006 and 10018 as TVXaddvars. */
+TVX_API int TVXaddconstr(TVXmodel *model, int numnz, const int *cind, const double *cval,
+                         char sense, double rhs, const char *constrname);
+TVX_API int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg,
+                          const int *cind, const double *cval, const char *sense,
+                          const double *rhs, char **constrnames);
+
+/* Queues one or more constraints lower <= row <= upper.
+ *   lower, upper      [numconstrs] required. An infinite lower side makes an ordinary '<' row, else an infinite upper
+ *                     side an ordinary '>' row. Sides that cross make an infeasible model
+ * A row NAME with two finite sides becomes an equation with right-hand side upper and one more variable, "RgNAME", with
+ * bounds 0 and upper - lower and coefficient 1. These variables come behind all others that the update adds, in order of
+ * their rows, and are normal variables from then on.
+ * Returns as TVXaddconstrs; 10002 also when lower or upper is null. */
+TVX_API int TVXaddrangeconstr(TVXmodel *model, int numnz, const int *cind,
+                              const double *cval, double lower, double upper,
+                              const char *constrname);
+TVX_API int TVXaddrangeconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg,
+                               const int *cind, const double *cval, const double *lower,
+                               const double *upper, char **constrnames);
+
+/* Queues special ordered sets: of type 1 at most one member may be nonzero, of type 2 at most two that are neighbours.
+ *   nummembers   in  members of all sets together
+ *   types            [numsos] 1 or 2
+ *   beg              [numsos] start of each set
+ *   ind, weight      [nummembers] variables (existing ones) and their weights, which give the order. Members whose
+ *                    weights go up and down are sorted by increasing weight; equal weights in such a set then become
+ *                    slightly different, in the order given
+ * Returns 0; 10002 a required array is null; 10003 negative nummembers, unknown type, NaN or infinity; 10006 a variable
+ * or a start out of range; 10018 a variable twice in one set. */
+TVX_API int TVXaddsos(TVXmodel *model, int numsos, int nummembers, const int *types,
+                      const int *beg, const int *ind, const double *weight);
+
+/* Queues deletions. Indices behind a deleted element move up at the update; a deleted variable also leaves its SOS.
+ *   ind  [numdel] may hold an index twice
+ * Returns 0; 10002 ind is null; 10006 an index out of range. */
 TVX_API int TVXdelvars(TVXmodel *model, int numdel, const int *ind);
 TVX_API int TVXdelconstrs(TVXmodel *model, int numdel, const int *ind);
 TVX_API int TVXdelsos(TVXmodel *model, int numdel, const int *ind);
-TVX_API int TVXchgcoeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind, const double *val);
+
+/* Queues new values of coefficients, stored or not; a value of 0 removes the coefficient.
+ *   cind, vind, val  [numchgs] constraint, variable and value; of two changes to one place the later counts
+ * Returns 0; 10002 an array is null; 10003 NaN or infinity; 10006 an index out of range. */
+TVX_API int TVXchgcoeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind,
+                         const double *val);
+
+/* One coefficient.
+ *   value_out  out  0 for a coefficient that is not stored
+ * Returns 0; 10002 value_out is null; 10006 row or variable out of range. */
 TVX_API int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out);
-TVX_API int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval, int start, int len);
-TVX_API int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind, double *cval, int start,
-                          int len);
-TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind, double *weight,
-                      int start, int len);
+
+/* The coefficients of len consecutive variables (columns), or constraints (rows), from start on.
+ *   numnz_out         out  their number
+ *   vbeg              out  [len] start of each in vind, the first is 0
+ *   vind, vval        out  [*numnz_out] constraints (variables) and coefficients. Without all three arrays only the
+ *                          number is told, so that a first call can ask for the room needed
+ * Columns list their entries in the order in which they came, rows by increasing variable.
+ * Returns 0; 10002 numnz_out is null; 10006 len below 1 or elements that do not exist. */
+TVX_API int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval,
+                       int start, int len);
+TVX_API int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind,
+                          double *cval, int start, int len);
+
+/* len consecutive special ordered sets, in the same way.
+ *   types  out  [len] 1 or 2; may be null
+ * Returns as TVXgetvars. */
+TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind,
+                      double *weight, int start, int len);
 
 /* ---- Attributes ----
  *
@@ -253,8 +385,7 @@ TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg
  *   len      in       number of elements; for arrays negative means all of them
  *   ind      in       [len] indices of elements, each in range; null means the first len ones
  *   values   out, in  [len] one value per element (value_out, value: one value)
- * Texts read belong to the model: those of default names stay valid until the next update, the
- * others until the model is freed.
+ * Texts read belong to the model and stay valid until its next update.
  *
  * A set queues the value: it shows after TVXupdatemodel or TVXoptimize. Only Start, VBasis, CBasis,
  * VDualNorm and CDualNorm are taken over at once, as the start of the next solve. A set whose
@@ -275,8 +406,8 @@ TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg
  *   size_out       0 one value for the model, 1 one per variable, 2 per constraint, 3 per SOS
  *   settable_out   1 if a caller may set it, else 0
  * Codes: those of an unknown name and a bad model above. */
-TVX_API int TVXgetattrinfo(TVXmodel *model, const char *name, int *datatype_out, int *size_out,
-                           int *settable_out);
+TVX_API int TVXgetattrinfo(TVXmodel *model, const char *name, int *datatype_out,
+                           int *size_out, int *settable_out);
 
 /* Values of the model. TVXsetstrattr copies its text. */
 TVX_API int TVXgetintattr(TVXmodel *model, const char *name, int *value_out);
@@ -287,7 +418,8 @@ TVX_API int TVXsetdblattr(TVXmodel *model, const char *name, double value);
 TVX_API int TVXsetstrattr(TVXmodel *model, const char *name, const char *value);
 
 /* Values of one element. Texts given are copied; a null or empty name asks for the default one. */
-TVX_API int TVXgetintattrelement(TVXmodel *model, const char *name, int index, int *value_out);
+TVX_API int TVXgetintattrelement(TVXmodel *model, const char *name, int index,
+                                 int *value_out);
 TVX_API int TVXgetdblattrelement(TVXmodel *model, const char *name, int index,
                                  double *value_out);
 TVX_API int TVXgetcharattrelement(TVXmodel *model, const char *name, int index,
@@ -295,7 +427,8 @@ TVX_API int TVXgetcharattrelement(TVXmodel *model, const char *name, int index,
 TVX_API int TVXgetstrattrelement(TVXmodel *model, const char *name, int index,
                                  char **value_out);
 TVX_API int TVXsetintattrelement(TVXmodel *model, const char *name, int index, int value);
-TVX_API int TVXsetdblattrelement(TVXmodel *model, const char *name, int index, double value);
+TVX_API int TVXsetdblattrelement(TVXmodel *model, const char *name, int index,
+                                 double value);
 TVX_API int TVXsetcharattrelement(TVXmodel *model, const char *name, int index, char value);
 TVX_API int TVXsetstrattrelement(TVXmodel *model, const char *name, int index,
                                  const char *value);
