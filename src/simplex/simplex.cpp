@@ -1,40 +1,175 @@
-// simplex.cpp -- placeholder bodies until the simplex subsystem is there: no record ever exists
+// simplex.cpp -- SimplexOptimize, the one entry to the simplex
+//
+// Problem     Bring model->body to a final status from whatever start there is.
+// Method      Dual and primal run in turn on one record: SIMPLEX_SWITCH hands the basis to the other method, numeric
+//             trouble to the same method in extended precision. An optimum is then looked at in the user's units: when
+//             scaling hides violations there, tolerances are tightened and the run goes on from the same basis.
+// In, out     The record model->simplex; model->status.
 #include "simplex/simplex.h"
+#include "frame/runtime/clock.h"
+#include "frame/warm_start.h"
+#include "simplex/sopt.h"
+#include <algorithm>
 
-int SimplexOptimize(TVXmodel *, int, const int *, const int *, const double *, const double *)
+namespace
 {
-    return TVX_ERROR_NUMERIC;
+constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in numeric trouble
+constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
+constexpr double TOLERANCE_FLOOR = 1e-9;
+constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
+
+template<class R> int run_method(sopt *s, swork<R> *w)
+{
+    if (s->InfeasCheckNeeded) sopt_check_bounds(s);
+    if (s->Status != SIMPLEX_RUNNING) return 0;
+    return s->Method == METHOD_DUAL ? DualRun(s, w) : PrimalRun(s, w);
 }
-void simplex_free(sopt *) {}
-void simplex_get_primal(const sopt *, double *) {}
-void simplex_get_dual(const sopt *, double *, double *) {}
-void simplex_get_basis(const sopt *, int *) {}
-double simplex_objective(const sopt *)
+
+int run_live(sopt *s)
 {
+    return s->Quad ? run_method(s, s->Extended) : run_method(s, s->Double);
+}
+
+bool may_use_quad(const sopt *s)
+{
+    return s->Quad == 0 && s->Env->Quad == -1;
+}
+
+// Numeric trouble: the same basis in extended precision, once.
+int go_extended(sopt *s)
+{
+    TVXmsg(s->Env, "Warning: switch to quad precision\n");
+    TRY(switch_precision(s, 1));
+    s->SwitchCount = s->NumericCount = 0;
+    s->Status = SIMPLEX_RUNNING;
     return 0;
 }
-double simplex_iterations(const sopt *)
+
+// Until one method ends with a final status.
+int run_methods(sopt *s)
 {
+    for (;;) {
+        TRY(run_live(s));
+        if (s->Status == SIMPLEX_SWITCH) {
+            s->Status = SIMPLEX_RUNNING;
+            s->Method = s->Method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
+            if (++s->SwitchCount > 2) s->PerturbAllowed = 0;
+            if (s->SwitchCount > MAX_SWITCHES) s->Status = SIMPLEX_NUMERIC;
+        }
+        if ((s->Status == SIMPLEX_NUMERIC || s->Status == SIMPLEX_NEED_QUAD) &&
+            may_use_quad(s))
+            TRY(go_extended(s));
+        if (s->Status == SIMPLEX_NEED_QUAD) s->Status = SIMPLEX_NUMERIC;
+        if (s->Status != SIMPLEX_RUNNING) return 0;
+    }
+}
+
+UnscaledViolation unscaled(const sopt *s)
+{
+    return s->Quad ? measure_unscaled(s, s->Extended) : measure_unscaled(s, s->Double);
+}
+
+void finish_live(sopt *s)
+{
+    if (s->Quad)
+        finish_values(s, s->Extended);
+    else
+        finish_values(s, s->Double);
+}
+
+// Tightens one tolerance so that the violation found would not have passed. False when it cannot go lower.
+bool tighten(double *tol, double limit, double violation)
+{
+    const double wish = std::max(TOLERANCE_FLOOR, *tol * POLISH_SHARE * limit / violation);
+    if (wish >= *tol) return false;
+    *tol = wish;
+    return true;
+}
+
+int solve(sopt *s)
+{
+    TRY(run_methods(s));
+    finish_live(s);
+    for (int round = 0; round < MAX_POLISH && s->Status == SIMPLEX_OPTIMAL; round++) {
+        const UnscaledViolation v = unscaled(s);
+        const bool primal = v.Primal > s->Env->FeasibilityTol,
+                   dual = v.Dual > s->Env->OptimalityTol;
+        bool again = primal && tighten(&s->FeasTol, s->Env->FeasibilityTol, v.Primal);
+        again = (dual && tighten(&s->OptTol, s->Env->OptimalityTol, v.Dual)) || again;
+        if (!again) break;
+        s->Status = SIMPLEX_RUNNING;
+        s->PerturbAllowed = 0;
+        s->Method = primal ? METHOD_DUAL : METHOD_PRIMAL;
+        TRY(run_methods(s));
+        finish_live(s);
+    }
     return 0;
 }
-double simplex_work_units(const sopt *)
+
+// The record for this model, with tolerances and counters for a new run.
+int prepare_record(TVXmodel *model)
 {
+    const bool fresh = !model->simplex;
+    if (fresh) TRY(sopt_create(model, &model->simplex));
+    sopt *s = model->simplex;
+    sopt_refresh(s);
+    const int wish = s->Env->Quad;
+    if (wish == 0 && s->Quad == 1) TVXmsg(s->Env, "Switch to double precision\n");
+    return switch_precision(s, wish == 1 || (wish == -1 && s->Quad));
+}
+
+// A start basis: given, live, stored with the model, or made of slacks.
+int prepare_basis(TVXmodel *model, const int *vstat_cols, const int *vstat_rows)
+{
+    sopt *s = model->simplex;
+    if (vstat_cols && vstat_rows) {
+        Array<int> statuses;
+        TRY(array_resize(&statuses, s->NumVars));
+        std::copy_n(vstat_cols, s->NumCols, statuses.data);
+        std::copy_n(vstat_rows, s->NumRows, statuses.data + s->NumCols);
+        if (!start_from_statuses(s, statuses.data)) start_slack_basis(s);
+    } else if (s->HasBasis) {
+        settle_nonbasics(s);
+    } else {
+        const WarmStart *warm = warm_start_usable(model);
+        if (!warm || !start_from_statuses(s, warm->statuses.data)) start_slack_basis(s);
+    }
+    row_copy_partition(s);
     return 0;
 }
-int simplex_status(const sopt *)
+
+int choose_method(const TVXmodel *model, int method)
 {
-    return TVX_NUMERIC;
+    const sopt *s = model->simplex;
+    if (s->Superbasics > 0) return METHOD_PRIMAL;
+    if (method != METHOD_AUTO) return method;
+    return model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
 }
-void simplex_get_scaling(const sopt *, const double **, const double **, double *) {}
-int simplex_get_norms(const sopt *, double *)
+
+// Nothing to do: the record holds the final result of this very problem.
+bool is_solved(const TVXmodel *model, int method)
 {
+    const sopt *s = model->simplex;
+    if (!s || model->status != s->Status || s->InfeasCheckNeeded) return false;
+    if (method != METHOD_AUTO && method != s->Method) return false;
+    return s->Status == SIMPLEX_OPTIMAL || s->Status == SIMPLEX_INFEASIBLE ||
+           s->Status == SIMPLEX_UNBOUNDED;
+}
+} // namespace
+
+int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
+                    const int *vstat_rows, const double *x_start, const double *slack_start)
+{
+    if (!vstat_cols && !x_start && is_solved(model, method)) return 0;
+    TRY(prepare_record(model));
+    sopt *s = model->simplex;
+    TRY(prepare_basis(model, vstat_cols, vstat_rows));
+    if (x_start) start_from_point(s, x_start, slack_start);
+    s->Method = choose_method(model, method);
+    TRY(solve(s));
+    s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);
+    if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;
+    log_final(s);
+    model->status = s->Status;
     return 0;
-}
-int simplex_refactor(TVXmodel *)
-{
-    return TVX_ERROR_NUMERIC;
-}
-bool simplex_change_bound(sopt *, int, double, double)
-{
-    return false;
 }

@@ -12,22 +12,25 @@ enum SimplexMethod { METHOD_AUTO = -1, METHOD_PRIMAL = 0, METHOD_DUAL = 1 };
 //   vstat_cols [n], vstat_rows [m]   start basis, or both null
 //   x_start [n], slack_start [m]     start point that classifies nonbasics, or null
 // 0 (limits and infeasibility too), OUT_OF_MEMORY, or TVX_ERROR_NUMERIC.
-[[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols, const int *vstat_rows,
-                                  const double *x_start, const double *slack_start);
+[[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
+                                  const int *vstat_rows, const double *x_start,
+                                  const double *slack_start);
 void simplex_free(sopt *s); // null is ignored
 
 // Results of the last run; any out pointer may be null. None can fail.
-void simplex_get_primal(const sopt *s, double *x);              // [n]
-void simplex_get_dual(const sopt *s, double *pi, double *rc);   // [m] and [n], for the body's minimisation
-void simplex_get_basis(const sopt *s, int *statuses);           // [n + m] as in WarmStart
-double simplex_objective(const sopt *s);                        // minimisation form, constant included
+void simplex_get_primal(const sopt *s, double *x); // [n]
+void simplex_get_dual(const sopt *s, double *pi,
+                      double *rc); // [m] and [n], for the body's minimisation
+void simplex_get_basis(const sopt *s, int *statuses); // [n + m] as in WarmStart
+double simplex_objective(const sopt *s); // minimisation form, constant included
 double simplex_iterations(const sopt *s);
 double simplex_work_units(const sopt *s);
 int simplex_factorizations(const sopt *s);
-int simplex_status(const sopt *s);                              // status of its last run
-double simplex_markowitz_tol(const sopt *s);                    // in force at the end of the last run
+int simplex_status(const sopt *s);           // status of its last run
+double simplex_markowitz_tol(const sopt *s); // in force at the end of the last run
 // Scale factors: scaled column j = col[j] * column, scaled row i = row[i] * row; null when unscaled.
-void simplex_get_scaling(const sopt *s, const double **row, const double **col, double *obj);
+void simplex_get_scaling(const sopt *s, const double **row, const double **col,
+                         double *obj);
 // Pricing norms held: 0 none, 1 dual, 2 primal kind; norms [n + m] may be null.
 int simplex_get_norms(const sopt *s, double *norms);
 

@@ -1,0 +1,301 @@
+// basis.cpp -- factor the basis, mend it, and solve for the values that belong to it
+//
+// Literature  R. H. Bartels, J. Stoer, C. Zenger in Wilkinson and Reinsch, Linear Algebra, 1971, for the repair of a
+//             singular basis by unit columns.
+#include "simplex/sopt.h"
+#include <algorithm>
+
+namespace
+{
+constexpr double TIGHT_MARKOWITZ = 0.5;   // after a singular basis
+constexpr double TIGHTER_MARKOWITZ = 0.9; // after the second
+constexpr double DENSE_ROW_SHARE =
+    1.8; // entries touched times this against n: dense accumulation pays
+constexpr double FILL_SPIKES = 1.5, FILL_ETAS = 2,
+                 FILL_FACTORS = 1.5; // weights of the fill test
+constexpr int MAX_REPAIRS = 50;      // of one basis before it is given up
+
+// Dropped variables go to a bound, slacks of the rows without pivot come in.
+template<class R> void repair_basis(sopt *s, int deficiency)
+{
+    for (int k = 0; k < deficiency; k++) {
+        const int position = s->BadCols.data[k], dropped = s->BasisHead.data[position];
+        const int slack = s->NumCols + s->BadRows.data[k];
+        s->VStat.data[dropped] = AT_LOWER;
+        s->BasisHead.data[position] = slack;
+    }
+    for (int k = 0; k < s->NumRows; k++) s->VStat.data[s->BasisHead.data[k]] = k;
+    settle_nonbasics(s);
+}
+} // namespace
+
+template<class R> int Refactor(sopt *s, swork<R> *w)
+{
+    const BasisMatrix matrix{s->NumRows, s->NumCols, s->ColBeg.data, s->ColInd.data,
+                             s->ColVal.data};
+    s->NumFactor++;
+    for (int repairs = 0;; repairs++) {
+        const int result = FactorBasis(&w->Lu, &matrix, s->BasisHead.data, s->MarkowitzTol,
+                                       s->BadRows.data, s->BadCols.data);
+        if (result == 0) break;
+        if (result < 0) return -result;
+        if (repairs >= MAX_REPAIRS) {
+            s->Status = SIMPLEX_NUMERIC;
+            return 0;
+        }
+        if (s->SingularCount < 4)
+            TVXmsg(s->Env, "Warning: %d variables dropped from basis\n", result);
+        s->MarkowitzTol = std::max(
+            s->MarkowitzTol, s->SingularCount == 0 ? TIGHT_MARKOWITZ : TIGHTER_MARKOWITZ);
+        s->SingularCount++;
+        s->NumericCount++;
+        repair_basis<R>(s, result);
+    }
+    for (int k = 0; k < s->NumRows; k++) s->VStat.data[s->BasisHead.data[k]] = k;
+    w->FactorAge = s->BasisAge;
+    return 0;
+}
+
+void set_basic_bounds(sopt *s)
+{
+    for (int k = 0; k < s->NumRows; k++) {
+        s->BasicLower.data[k] = s->WorkLower.data[s->BasisHead.data[k]];
+        s->BasicUpper.data[k] = s->WorkUpper.data[s->BasisHead.data[k]];
+    }
+}
+
+// Bbar = B^-1 (Rhs - N x_N)
+template<class R> void compute_primal(sopt *s, swork<R> *w)
+{
+    SVec<R> *x = &w->Work;
+    svec_clear(x);
+    R *value = x->Value.data;
+    for (int i = 0; i < s->NumRows; i++) value[i] = s->BoxPhase ? R(0) : R(s->Rhs.data[i]);
+    for (int j = 0; j < s->NumVars; j++) {
+        if (is_basic(s, j)) continue;
+        const double xj = nonbasic_value(s, j);
+        if (xj == 0) continue; // most of them
+        if (j >= s->NumCols) {
+            value[j - s->NumCols] -= R(xj);
+            continue;
+        }
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            value[s->ColInd.data[p]] -= R(s->ColVal.data[p]) * R(xj);
+    }
+    x->Count = -1;
+    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
+    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = value[i];
+    svec_clear(x);
+    set_basic_bounds(s);
+    s->WorkUnits += s->ColBeg.data[s->NumCols];
+}
+
+// cbar = cost - (A I)^T B^-T cost_B; zero for basics.
+template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar)
+{
+    SVec<R> *y = &w->Work;
+    svec_clear(y);
+    for (int k = 0; k < s->NumRows; k++) y->Value.data[k] = R(cost[s->BasisHead.data[k]]);
+    y->Count = -1;
+    Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
+    const R *__restrict pi = y->Value.data;
+    for (int j = 0; j < s->NumCols; j++) {
+        if (is_basic(s, j)) {
+            cbar[j] = R(0);
+            continue;
+        }
+        R d = R(cost[j]);
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            d -= R(s->ColVal.data[p]) * pi[s->ColInd.data[p]];
+        cbar[j] = d;
+    }
+    for (int i = 0; i < s->NumRows; i++) {
+        const int j = s->NumCols + i;
+        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - pi[i];
+    }
+    svec_clear(y);
+    s->WorkUnits += s->ColBeg.data[s->NumCols];
+}
+
+template<class R> void compute_dual(sopt *s, swork<R> *w)
+{
+    compute_dual_for(s, w, s->WorkCost.data, w->Cbar.data);
+}
+
+template<class R> void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x)
+{
+    (void)w;
+    svec_clear(x);
+    if (j >= s->NumCols) {
+        svec_unit(x, j - s->NumCols, R(1));
+        return;
+    }
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
+        const int i = s->ColInd.data[p];
+        x->Index.data[x->Count++] = i;
+        x->Value.data[i] = R(s->ColVal.data[p]);
+    }
+}
+
+namespace
+{
+// Long rows: accumulate without a list, then look at every column.
+template<class R> void accumulate_dense(sopt *s, swork<R> *w)
+{
+    R *__restrict acc = w->RowAcc.data;
+    const int *__restrict ind = s->RowInd.data;
+    const double *__restrict val = s->RowVal.data;
+    for (int k = 0; k < w->Rho.Count; k++) {
+        const int i = w->Rho.Index.data[k], beg = s->RowBeg.data[i],
+                  end = beg + s->RowFill.data[i];
+        const R rho = w->Rho.Value.data[i];
+        for (int p = beg; p < end; p++) acc[ind[p]] += rho * R(val[p]);
+    }
+    int count = 0;
+    const R drop = R(s->ZeroTol);
+    for (int j = 0; j < s->NumCols; j++) {
+        const R a = acc[j];
+        if (a == SVEC_TINY<R>) continue; // untouched
+        acc[j] = SVEC_TINY<R>;
+        if (std::abs(a) <= drop) continue;
+        w->RowInd.data[count] = j;
+        w->RowVal.data[count++] = a;
+    }
+    w->RowCount = count;
+}
+
+// Short rows: a cell that still holds the tiny mark is new and joins the list.
+template<class R> void accumulate_sparse(sopt *s, swork<R> *w)
+{
+    R *__restrict acc = w->RowAcc.data;
+    int *__restrict list = w->RowInd.data;
+    const int *__restrict ind = s->RowInd.data;
+    const double *__restrict val = s->RowVal.data;
+    int touched = 0;
+    for (int k = 0; k < w->Rho.Count; k++) {
+        const int i = w->Rho.Index.data[k], beg = s->RowBeg.data[i],
+                  end = beg + s->RowFill.data[i];
+        const R rho = w->Rho.Value.data[i];
+        for (int p = beg; p < end; p++) {
+            const int j = ind[p];
+            if (acc[j] == SVEC_TINY<R>) list[touched++] = j;
+            acc[j] += rho * R(val[p]);
+        }
+    }
+    int count = 0;
+    const R drop = R(s->ZeroTol);
+    for (int k = 0; k < touched; k++) {
+        const int j = list[k];
+        const R a = acc[j];
+        acc[j] = SVEC_TINY<R>;
+        if (std::abs(a) <= drop) continue;
+        list[count] = j;
+        w->RowVal.data[count++] = a;
+    }
+    w->RowCount = count;
+}
+} // namespace
+
+// Row r of the tableau over the nonbasics that may enter: rho^T (A I).
+template<class R> void compute_row(sopt *s, swork<R> *w)
+{
+    int64_t entries = 0;
+    for (int k = 0; k < w->Rho.Count; k++) entries += s->RowFill.data[w->Rho.Index.data[k]];
+    s->WorkUnits += 1.2 * static_cast<double>(entries);
+    if (s->NumCols < DENSE_ROW_SHARE * static_cast<double>(entries))
+        accumulate_dense(s, w);
+    else
+        accumulate_sparse(s, w);
+    for (int k = 0; k < w->Rho.Count; k++) {
+        const int i = w->Rho.Index.data[k], status = s->VStat.data[s->NumCols + i];
+        if (status >= 0 || status == AT_FIXED) continue;
+        w->RowInd.data[w->RowCount] = s->NumCols + i;
+        w->RowVal.data[w->RowCount++] = w->Rho.Value.data[i];
+    }
+}
+
+template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status)
+{
+    (void)w;
+    const int leaving = s->BasisHead.data[r];
+    s->BasisHead.data[r] = q;
+    s->VStat.data[q] = r;
+    s->SuperVal.data[q] = 0;
+    row_copy_remove(s, q);
+    s->VStat.data[leaving] = status;
+    if (status != AT_FIXED) row_copy_insert(s, leaving);
+    s->BasicLower.data[r] = s->WorkLower.data[q];
+    s->BasicUpper.data[r] = s->WorkUpper.data[q];
+}
+
+// Update limit reached, or solves have become slower than a new factor would pay back.
+template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
+{
+    const lufact<R> *lu = &w->Lu;
+    const double u = lu->NumUpdates, m = s->NumRows;
+    if (u >= s->MaxUpdates) return true;
+    if (u < s->MinUpdates) return false;
+    const double factors =
+        static_cast<double>(lu->UNonzeros + lu->LNonzeros) - FILL_FACTORS * m;
+    const double spikes = static_cast<double>(lu->SpikeNnz),
+                 etas = static_cast<double>(lu->EtaInd.size);
+    const double limit = std::min(s->MinUpdates * 4.0 * m * m, factors * factors);
+    return (FILL_SPIKES * spikes + FILL_ETAS * etas) * m > limit;
+}
+
+template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w)
+{
+    Infeasibility inf;
+    for (int k = 0; k < s->NumRows; k++) {
+        const int j = s->BasisHead.data[k];
+        const double x = static_cast<double>(w->Bbar.data[k]);
+        const double gap = std::max(s->Lower.data[j] - x, x - s->Upper.data[j]);
+        if (gap <= 0) continue;
+        inf.PrimalMax = std::max(inf.PrimalMax, gap);
+        if (gap > s->FeasTol) {
+            inf.PrimalSum += gap;
+            inf.PrimalCount++;
+        }
+    }
+    for (int j = 0; j < s->NumVars; j++) {
+        const int status = s->VStat.data[j];
+        if (status >= 0 || status == AT_FIXED) continue;
+        const double d = static_cast<double>(w->Cbar.data[j]);
+        const double gap = status == AT_LOWER ? -d : status == AT_UPPER ? d : std::fabs(d);
+        if (gap <= 0) continue;
+        inf.DualMax = std::max(inf.DualMax, gap);
+        if (gap > s->OptTol) {
+            inf.DualSum += gap;
+            inf.DualCount++;
+        }
+    }
+    return inf;
+}
+
+template<class R> double true_objective(const sopt *s, const swork<R> *w)
+{
+    long double sum = 0;
+    for (int k = 0; k < s->NumRows; k++)
+        sum += w->Bbar.data[k] * R(s->Cost.data[s->BasisHead.data[k]]);
+    for (int j = 0; j < s->NumVars; j++)
+        if (s->VStat.data[j] < 0 && s->Cost.data[j] != 0)
+            sum += static_cast<long double>(s->Cost.data[j]) *
+                   (s->VStat.data[j] == AT_UPPER  ? s->Upper.data[j]
+                    : s->VStat.data[j] == AT_FREE ? s->SuperVal.data[j]
+                                                  : s->Lower.data[j]);
+    return static_cast<double>(sum) / s->ObjScale;
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template int Refactor<R>(sopt *, swork<R> *);                                          \
+    template void compute_primal<R>(sopt *, swork<R> *);                                   \
+    template void compute_dual<R>(sopt *, swork<R> *);                                     \
+    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);            \
+    template void compute_row<R>(sopt *, swork<R> *);                                      \
+    template void load_column<R>(sopt *, swork<R> *, int, SVec<R> *);                      \
+    template void swap_basis<R>(sopt *, swork<R> *, int, int, int);                        \
+    template bool wants_refactor<R>(const sopt *, const swork<R> *);                       \
+    template Infeasibility measure_infeasibility<R>(const sopt *, const swork<R> *);       \
+    template double true_objective<R>(const sopt *, const swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

@@ -1,0 +1,335 @@
+// dual.cpp -- the dual simplex method
+//
+// Problem     Solve the working LP from a basis by steps that keep it dual feasible.
+// Method      Bounded dual simplex: steepest-edge rows, bound-flipping ratio test, Forrest-Tomlin updates. Phase 1 is
+//             the box problem (dual_start.cpp). Costs are perturbed against stalling; when the perturbed problem is
+//             done, the true costs return, and if the basis is then not dual feasible the primal method finishes.
+// Out         Status 2, 3, a limit, or SIMPLEX_SWITCH when the primal has to decide.
+// Invariant   Between refreshes: Bbar, Cbar, merits and weights belong to the basis; nonbasics stand at working bounds.
+// Literature  A. Koberstein, Paderborn 2005.
+#include "simplex/dual.h"
+#include <algorithm>
+
+namespace
+{
+constexpr double WEIGHT_TRUST =
+    0.25; // a stored weight below this share of the true one: choose again
+constexpr int MAX_REJECTED = 20; // rows set aside before a switch of method is tried
+constexpr double TIGHT_MARKOWITZ = 0.5;
+
+enum class Step { DONE, AGAIN, STOP };
+
+// Weights follow their variables through a factorisation.
+template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    if (has_factor(s, w) && w->Lu.NumUpdates == 0) return 0;
+    for (int j = 0; j < s->NumVars; j++) d->WeightOf.data[j] = R(1);
+    for (int k = 0; k < s->NumRows; k++)
+        d->WeightOf.data[s->BasisHead.data[k]] = d->Weights.data[k];
+    const int repairs = s->SingularCount;
+    TRY(Refactor(s, w));
+    for (int k = 0; k < s->NumRows; k++)
+        d->Weights.data[k] = d->WeightOf.data[s->BasisHead.data[k]];
+    if (s->SingularCount > repairs) row_copy_partition(s);
+    return 0;
+}
+
+// Puts nonbasics where their reduced costs want them; costs of the others are shifted, in phase 2 only.
+template<class R> void make_dual_feasible(sopt *s, swork<R> *w)
+{
+    const R tol = R(s->OptTol);
+    dual_place_nonbasics(s, w);
+    if (s->BoxPhase) return;
+    for (int j = 0; j < s->NumVars; j++) {
+        const int status = s->VStat.data[j];
+        const R dj = w->Cbar.data[j];
+        if (status == AT_LOWER && dj < -tol) dual_shift_cost(s, w, j, R(0));
+        if (status == AT_FREE && std::abs(dj) > tol) dual_shift_cost(s, w, j, R(0));
+    }
+}
+
+// Fresh factors and values.
+template<class R> int refresh(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    TRY(refactor_with_weights(s, w));
+    if (s->Status != SIMPLEX_RUNNING) return 0;
+    compute_dual(s, w);
+    make_dual_feasible(s, w);
+    row_copy_partition(s);
+    compute_primal(s, w);
+    for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
+    d->Rejected = 0;
+    dual_list_reset(s, w);
+    s->RefacReason = REFAC_NONE;
+    // With true costs and bounds the objective is a lower bound of the optimum.
+    if (!s->BoxPhase && !s->Perturbed && s->Cutoff < UNDEFINED_VALUE &&
+        true_objective(s, w) > s->Cutoff)
+        s->Status = SIMPLEX_CUTOFF;
+    return 0;
+}
+
+// Starts phase 2 from a dual feasible basis.
+template<class R> void begin_phase2(sopt *s)
+{
+    s->BoxPhase = 0;
+    dual_set_true_bounds<R>(s);
+    s->RefacReason = REFAC_CLEAN;
+}
+
+// The box problem is solved: dual feasible, or nothing the dual can do.
+template<class R> void end_box_phase(sopt *s, swork<R> *w)
+{
+    const R tol = R(s->OptTol);
+    bool infeasible = false;
+    for (int j = 0; j < s->NumVars && !infeasible; j++) {
+        if (is_basic(s, j) || has_upper(s, s->Upper.data[j])) continue;
+        const R dj = w->Cbar.data[j];
+        infeasible = dj < -tol || (!has_lower(s, s->Lower.data[j]) && dj > tol);
+    }
+    if (!infeasible) {
+        begin_phase2<R>(s);
+    } else if (s->Perturbed) {
+        s->PerturbAllowed = 0;
+        dual_remove_perturbation(s, w);
+        s->RefacReason = REFAC_CLEAN;
+    } else {
+        s->Status = SIMPLEX_SWITCH; // unbounded or infeasible: the primal tells which
+    }
+}
+
+// No infeasible row is left in phase 2.
+template<class R> void end_phase2(sopt *s, swork<R> *w)
+{
+    if (s->Perturbed) {
+        dual_remove_perturbation(s, w);
+        compute_dual(s, w);
+        const Infeasibility inf = measure_infeasibility(s, w);
+        s->Status = inf.DualCount == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
+    } else {
+        s->Status = SIMPLEX_OPTIMAL;
+    }
+}
+
+// The list holds no row: what is left may have been set aside, or old factors may be to blame.
+template<class R> void no_row(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    if (w->Lu.NumUpdates > 0) {
+        s->RefacReason = REFAC_CLEAN;
+    } else if (d->Rejected > 0) {
+        s->Status = SIMPLEX_SWITCH;
+    } else if (s->BoxPhase) {
+        end_box_phase(s, w);
+    } else {
+        end_phase2(s, w);
+    }
+}
+
+// The row is not chosen again before the next factorisation.
+template<class R> void set_row_aside(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    d->RowRejected.data[d->PivotRow] = 1;
+    dual_set_merit(s, w, d->PivotRow);
+    if (++d->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
+}
+
+// Nothing stops the slope: the row cannot become feasible.
+template<class R> void no_column(sopt *s, swork<R> *w)
+{
+    if (w->Lu.NumUpdates > 0)
+        s->RefacReason = REFAC_CONFIRM;
+    else if (!s->BoxPhase && proves_infeasible(s, &w->Rho))
+        s->Status = SIMPLEX_INFEASIBLE;
+    else // rounding: in the box problem every variable has a range, elsewhere the proof would stand
+        set_row_aside(s, w);
+}
+
+// Row choice with its BTRAN; a weight that proves far too small sends the choice back.
+template<class R> bool choose_row(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    for (;;) {
+        const int r = d->PivotRow = price_list_best(&d->Rows);
+        if (r < 0) return false;
+        svec_unit(&w->Rho, r, R(1));
+        Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
+        R norm = 0;
+        for (int k = 0; k < w->Rho.Count; k++) {
+            const R v = w->Rho.Value.data[w->Rho.Index.data[k]];
+            norm += v * v;
+        }
+        const R stored = d->Weights.data[r];
+        d->Weights.data[r] = norm;
+        if (stored < R(WEIGHT_TRUST) * norm) {
+            dual_set_merit(s, w, r);
+            continue;
+        }
+        const R x = w->Bbar.data[r];
+        d->Delta = x < R(s->BasicLower.data[r]) ? x - R(s->BasicLower.data[r])
+                                                : x - R(s->BasicUpper.data[r]);
+        return true;
+    }
+}
+
+// The pivot is not to be trusted: newer factors, or, when they are fresh, another row.
+template<class R> void reject_pivot(sopt *s, swork<R> *w)
+{
+    s->NumericCount++;
+    if (w->Lu.NumUpdates > 0) {
+        s->RefacReason = REFAC_PIVOT;
+        s->MarkowitzTol =
+            std::max(s->MarkowitzTol, std::min(TIGHT_MARKOWITZ, 4 * s->MarkowitzTol));
+        return;
+    }
+    set_row_aside(s, w);
+}
+
+// Pivot column, its agreement with the row, and the step lengths.
+template<class R> bool compute_step(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    const int r = d->PivotRow, q = d->PivotCol;
+    load_column(s, w, q, &w->Alpha);
+    Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
+    d->AlphaCol = w->Alpha.Value.data[r];
+    const R gap = std::abs(std::abs(d->AlphaRow) - std::abs(d->AlphaCol));
+    if (std::abs(d->AlphaCol) < R(s->ZeroTol) ||
+        gap > R(s->BigTol) * (1 + std::abs(d->AlphaCol)) ||
+        gap > R(0.1) * std::abs(d->AlphaCol)) {
+        reject_pivot(s, w);
+        return false;
+    }
+    const R dq = w->Cbar.data[q];
+    const int status = s->VStat.data[q];
+    if (status == AT_FREE || (status == AT_LOWER && dq < 0) ||
+        (status == AT_UPPER && dq > 0)) {
+        if (dq != R(0)) dual_shift_cost(s, w, q, R(0));
+    }
+    d->ThetaDual = w->Cbar.data[q] / d->AlphaRow;
+    return true;
+}
+
+// Everything that belongs to the new basis.
+template<class R> void apply_step(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    const int r = d->PivotRow, q = d->PivotCol;
+    dual_apply_flips(s, w);
+    const bool to_lower = d->Delta < 0;
+    const R bound = R(to_lower ? s->BasicLower.data[r] : s->BasicUpper.data[r]);
+    d->ThetaPrimal = (w->Bbar.data[r] - bound) / d->AlphaCol;
+    svec_copy(&w->Tau, &w->Rho);
+    Ftran(&w->Lu, &w->Tau, SOLVE_NORM, Keep::NO);
+    if (std::abs(d->ThetaDual) <= R(s->ZeroTol)) s->DegenCount++;
+    dual_update_values(s, w);
+    const int leaving = s->BasisHead.data[r];
+    const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
+    if (s->VStat.data[q] == AT_FREE) d->FreeCount--;
+    swap_basis(s, w, r, q, fixed ? AT_FIXED : to_lower ? AT_LOWER : AT_UPPER);
+    dual_set_merit(s, w, r);
+    s->NPvt++;
+    s->Work++;
+    s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
+    if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
+}
+
+// One pivot, or a decision that asks for fresh factors or ends the run.
+template<class R> void iterate(sopt *s, swork<R> *w)
+{
+    if (!choose_row(s, w)) {
+        no_row(s, w);
+        return;
+    }
+    compute_row(s, w);
+    if (!dual_ratio(s, w)) {
+        no_column(s, w);
+        return;
+    }
+    if (compute_step(s, w)) apply_step(s, w);
+}
+
+// Prepares costs, bounds and phase for the basis at hand.
+template<class R> int setup(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    for (int k = 0; k < s->NumRows; k++) d->Weights.data[k] = R(1);
+    dual_set_true_bounds<R>(s);
+    dual_remove_perturbation(s, w);
+    TRY(refactor_with_weights(s, w));
+    if (s->Status != SIMPLEX_RUNNING) return 0;
+    if (s->PerturbAllowed) dual_perturb(s, w);
+    compute_dual(s, w);
+    s->BoxPhase = dual_place_nonbasics(s, w) > 0;
+    if (s->BoxPhase) dual_set_box_bounds<R>(s);
+    s->RefacReason = REFAC_START;
+    return 0;
+}
+
+template<class R> void write_log(sopt *s, swork<R> *w)
+{
+    if (!log_is_due(s)) return;
+    const Infeasibility inf = measure_infeasibility(s, w);
+    log_iteration(s, true_objective(s, w), inf.PrimalSum, inf.DualSum);
+}
+} // namespace
+
+template<class R> int dopt_create(const sopt *s, dopt<R> **out)
+{
+    *out = nullptr;
+    void *block = MemAllocZero(1, sizeof(dopt<R>));
+    if (!block) return OUT_OF_MEMORY;
+    dopt<R> *d = *out = static_cast<dopt<R> *>(block);
+    *d = dopt<R>{};
+    const int m = s->NumRows;
+    TRY(array_assign(&d->Weights, m, R(0)));
+    TRY(price_list_alloc(&d->Rows, m));
+    for (Array<R> *a : {&d->WeightOf, &d->CandAlpha, &d->CandDual, &d->CandRange})
+        TRY(array_resize(a, s->NumVars));
+    for (Array<int> *a : {&d->CandPlace, &d->Flips}) TRY(array_resize(a, s->NumVars));
+    TRY(array_resize(&d->GroupEnd, int64_t{s->NumVars} + 1));
+    return array_assign(&d->RowRejected, m, char(0));
+}
+
+template<class R> void dopt_free(dopt<R> **d)
+{
+    if (!*d) return;
+    **d = dopt<R>{};
+    MemFree(*d);
+    *d = nullptr;
+}
+
+template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms)
+{
+    if (!w || !w->Dual || s->Method != METHOD_DUAL) return 0;
+    for (int j = 0; norms && j < s->NumVars; j++)
+        norms[j] = s->VStat.data[j] >= 0
+                       ? static_cast<double>(w->Dual->Weights.data[s->VStat.data[j]])
+                       : 0;
+    return 1;
+}
+
+template<class R> int DualRun(sopt *s, swork<R> *w)
+{
+    if (!w->Dual) TRY(dopt_create(s, &w->Dual));
+    TRY(setup(s, w));
+    while (s->Status == SIMPLEX_RUNNING) {
+        if (s->RefacReason != REFAC_NONE) {
+            TRY(refresh(s, w));
+            if (s->Status != SIMPLEX_RUNNING) break;
+            write_log(s, w);
+        }
+        if (limit_reached(s)) break;
+        iterate(s, w);
+    }
+    return 0;
+}
+
+template int DualRun<double>(sopt *, swork<double> *);
+template int DualRun<long double>(sopt *, swork<long double> *);
+template void dopt_free<double>(dopt<double> **);
+template void dopt_free<long double>(dopt<long double> **);
+template int held_norms<double>(const sopt *, const swork<double> *, double *);
+template int held_norms<long double>(const sopt *, const swork<long double> *, double *);

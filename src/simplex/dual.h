@@ -1,0 +1,58 @@
+// dual.h -- dopt, what only the dual simplex needs, and the steps of its iteration
+#pragma once
+#include "simplex/price_list.h"
+#include "simplex/sopt.h"
+
+template<class R> struct dopt {
+    // Row weights and the list of rows worth looking at
+    Array<R> Weights;  // [m] steepest-edge weights ||B^-T e_i||^2 by position
+    Array<R> WeightOf; // [NumVars] carries weights over a change of positions
+    PriceList<R> Rows; // [m] rows by infeasibility^2 / weight
+
+    // Ratio test, over candidates k < CandCount
+    Array<int> CandPlace; // [NumVars] place in the packed row
+    Array<R> CandAlpha; // [NumVars] pivot row entry with the sign that makes it block: > 0
+    Array<R> CandDual;  // [NumVars] reduced cost with the sign that makes it feasible: >= 0
+    Array<R> CandRange; // [NumVars] what passing the breakpoint takes from the slope
+    int CandCount = 0;
+    Array<int> GroupEnd; // [NumVars + 1] candidates of group g end here
+    Array<int> Flips;    // [NumVars] variables that change bound in this step
+    int FlipCount = 0;
+
+    // The iteration
+    int PivotRow = -1; // leaving position
+    int PivotCol = -1; // entering variable
+    R Delta = 0; // infeasibility of the leaving variable: below lower < 0, above upper > 0
+    R AlphaRow = 0; // pivot from the row
+    R AlphaCol = 0; // pivot from the column
+    R ThetaDual = 0, ThetaPrimal = 0;
+    int FreeCount = 0;  // nonbasics at AT_FREE
+    int ShiftCount = 0; // costs shifted in this run
+    int Rejected = 0; // rows set aside since the last factorisation because of their pivots
+    Array<char> RowRejected; // [m]
+};
+
+template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
+
+// dual_start.cpp
+template<class R> void dual_set_true_bounds(sopt *s);
+template<class R> void dual_set_box_bounds(sopt *s);
+template<class R>
+int dual_place_nonbasics(
+    sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
+template<class R> void dual_perturb(sopt *s, swork<R> *w);
+template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w);
+template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
+
+// dual_row.cpp
+template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
+template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);
+
+// dual_ratio.cpp
+template<class R>
+bool dual_ratio(sopt *s, swork<R> *w); // PivotCol, Flips; false when nothing blocks
+
+// dual_update.cpp
+template<class R> void dual_apply_flips(sopt *s, swork<R> *w);
+template<class R>
+void dual_update_values(sopt *s, swork<R> *w); // Bbar, weights, merits, Cbar

@@ -1,0 +1,105 @@
+// dual_start.cpp -- bounds, statuses and costs with which the dual simplex works
+//
+// Method      A basis is made dual feasible by putting boxed variables at the bound their reduced cost asks for. When
+//             others remain infeasible, phase 1 solves the box problem: variables without upper bound in [0, 1], free
+//             ones in [-1000, 1000], all others at 0, right-hand side 0. Its optimum is 0 exactly when the LP is dual
+//             feasible, and then its basis is.
+//             Costs are perturbed to the dual feasible side against degeneracy; shifts keep reduced costs from becoming
+//             infeasible by rounding. Both are taken back at the end.
+// Literature  A. Koberstein, The dual simplex method, techniques for a fast and stable implementation, Paderborn 2005.
+#include "simplex/dual.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double FREE_BOX =
+    1000; // box of a free variable in phase 1: far more attractive to repair than others
+}
+
+template<class R> void dual_set_true_bounds(sopt *s)
+{
+    std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
+    std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
+}
+
+template<class R> void dual_set_box_bounds(sopt *s)
+{
+    for (int j = 0; j < s->NumVars; j++) {
+        const bool lower = has_lower(s, s->Lower.data[j]),
+                   upper = has_upper(s, s->Upper.data[j]);
+        s->WorkLower.data[j] = lower ? 0 : -FREE_BOX;
+        s->WorkUpper.data[j] = lower ? (upper ? 0 : 1) : FREE_BOX;
+    }
+}
+
+template<class R> int dual_place_nonbasics(sopt *s, swork<R> *w)
+{
+    const R tol = R(s->OptTol);
+    int infeasible = 0, free_count = 0;
+    for (int j = 0; j < s->NumVars; j++) {
+        int *status = &s->VStat.data[j];
+        if (*status >= 0) continue;
+        const double lower = s->WorkLower.data[j], upper = s->WorkUpper.data[j];
+        const R d = w->Cbar.data[j];
+        if (lower == upper) { // assigned alike
+            *status = AT_FIXED;
+        } else if (!has_lower(s, lower)) {
+            *status = AT_FREE;
+            free_count++;
+            infeasible += std::abs(d) > tol;
+        } else if (!has_upper(s, upper)) {
+            *status = AT_LOWER;
+            infeasible += d < -tol;
+        } else if (d < -tol) {
+            *status = AT_UPPER;
+        } else if (d > tol || *status != AT_UPPER) {
+            *status = AT_LOWER;
+        }
+    }
+    w->Dual->FreeCount = free_count;
+    return infeasible;
+}
+
+template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
+{
+    s->WorkCost.data[j] += static_cast<double>(new_cbar - w->Cbar.data[j]);
+    w->Cbar.data[j] = new_cbar;
+    w->Dual->ShiftCount++;
+    s->Perturbed = std::max(s->Perturbed, 1);
+}
+
+// Every cost moves away from zero reduced cost by a random amount of up to PerturbCur, relative to its own size.
+template<class R> void dual_perturb(sopt *s, swork<R> *w)
+{
+    (void)w;
+    if (s->PerturbCur <= 0) return;
+    for (int j = 0; j < s->NumVars; j++) {
+        const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+        const double share = (random_next(&s->Rng) % 500 + 1) / 500.0;
+        if (lower == upper || !has_lower(s, lower))
+            continue; // fixed: no matter; free: has to stay at zero
+        const double step = share * s->PerturbCur *
+                            (j < s->NumCols ? 1 + std::fabs(s->Cost.data[j]) : 1e-3);
+        const bool down = has_upper(s, upper) && s->Cost.data[j] < 0;
+        s->WorkCost.data[j] += down ? -step : step;
+    }
+    s->Perturbed = 3;
+}
+
+template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w)
+{
+    std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
+    s->Perturbed = 0;
+    w->Dual->ShiftCount = 0;
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template void dual_set_true_bounds<R>(sopt *);                                         \
+    template void dual_set_box_bounds<R>(sopt *);                                          \
+    template int dual_place_nonbasics<R>(sopt *, swork<R> *);                              \
+    template void dual_perturb<R>(sopt *, swork<R> *);                                     \
+    template void dual_remove_perturbation<R>(sopt *, swork<R> *);                         \
+    template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);
+INSTANTIATE(double)
+INSTANTIATE(long double)

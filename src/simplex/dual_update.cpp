@@ -1,0 +1,90 @@
+// dual_update.cpp -- carry values, weights and reduced costs over one dual step
+//
+// With p = alpha_r the pivot, theta_d = d_q / p and theta_p = Delta / p:
+//   flips             Bbar -= B^-1 sum a_j (change of x_j)
+//   basic values      Bbar_i -= theta_p alpha_i
+//   reduced costs     d_j -= theta_d (row entry of j), d_leaving = -theta_d
+//   weights           w_i += (alpha_i / p)^2 w_r - 2 (alpha_i / p) tau_i, tau = B^-1 rho; w_r /= p^2
+// Literature  J. J. Forrest and D. Goldfarb, Math. Prog. 57, 1992.
+#include "simplex/dual.h"
+#include <algorithm>
+
+namespace
+{
+constexpr double WEIGHT_MIN = 1e-8; // floor of a weight that rounding has spoilt
+
+template<class R> void add_column(sopt *s, SVec<R> *x, int j, R factor)
+{
+    if (j >= s->NumCols) {
+        svec_add(x, j - s->NumCols, factor);
+        return;
+    }
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        svec_add(x, s->ColInd.data[p], R(s->ColVal.data[p]) * factor);
+}
+
+template<class R> void update_reduced_costs(sopt *s, swork<R> *w, int leaving)
+{
+    dopt<R> *d = w->Dual;
+    const R theta = d->ThetaDual;
+    R *__restrict cbar = w->Cbar.data;
+    if (theta != R(0)) { // assigned zero when the step is degenerate
+        const int *__restrict ind = w->RowInd.data;
+        const R *__restrict val = w->RowVal.data;
+        for (int k = 0; k < w->RowCount; k++) cbar[ind[k]] -= theta * val[k];
+    }
+    cbar[d->PivotCol] = R(0);
+    cbar[leaving] = -theta;
+    (void)s;
+}
+} // namespace
+
+template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    if (d->FlipCount == 0) return;
+    SVec<R> *x = &w->Work;
+    svec_clear(x);
+    for (int k = 0; k < d->FlipCount; k++) {
+        const int j = d->Flips.data[k];
+        const R range = R(s->WorkUpper.data[j]) - R(s->WorkLower.data[j]);
+        const bool up = s->VStat.data[j] == AT_LOWER;
+        s->VStat.data[j] = up ? AT_UPPER : AT_LOWER;
+        add_column(s, x, j, up ? range : -range);
+    }
+    s->Work += d->FlipCount;
+    Ftran(&w->Lu, x, SOLVE_FLIPS, Keep::NO);
+    for (int k = 0; k < x->Count; k++) {
+        const int i = x->Index.data[k];
+        w->Bbar.data[i] -= x->Value.data[i];
+        dual_set_merit(s, w, i);
+    }
+    svec_clear(x);
+}
+
+template<class R> void dual_update_values(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    const int r = d->PivotRow, leaving = s->BasisHead.data[r];
+    const R pivot = d->AlphaCol, theta = d->ThetaPrimal, norm = d->Weights.data[r];
+    R *__restrict bbar = w->Bbar.data, *__restrict weights = d->Weights.data;
+    const R *__restrict alpha = w->Alpha.Value.data, *__restrict tau = w->Tau.Value.data;
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        bbar[i] -= theta * alpha[i];
+        const R ratio = alpha[i] / pivot;
+        weights[i] =
+            std::max(weights[i] + ratio * (ratio * norm - 2 * tau[i]), R(WEIGHT_MIN));
+        dual_set_merit(s, w, i);
+    }
+    weights[r] = std::max(norm / (pivot * pivot), R(WEIGHT_MIN));
+    bbar[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
+    update_reduced_costs(s, w, leaving);
+    s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template void dual_apply_flips<R>(sopt *, swork<R> *);                                 \
+    template void dual_update_values<R>(sopt *, swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

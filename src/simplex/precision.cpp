@@ -1,0 +1,17 @@
+// precision.cpp -- which number type is live, and the change between them
+//
+// The simplex is one template over its number type. A hard LP goes on in 80-bit extended precision from the basis at
+// hand: only vectors and factors are made anew.
+#include "simplex/sopt.h"
+
+int switch_precision(sopt *s, int quad)
+{
+    if (quad && !s->Extended) TRY(swork_create(s, &s->Extended));
+    if (!quad && !s->Double) TRY(swork_create(s, &s->Double));
+    if (quad)
+        swork_free(&s->Double);
+    else
+        swork_free(&s->Extended);
+    s->Quad = quad;
+    return 0;
+}

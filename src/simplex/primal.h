@@ -1,0 +1,60 @@
+// primal.h -- popt, what only the primal simplex needs, and the steps of its iteration
+#pragma once
+#include "simplex/price_list.h"
+#include "simplex/sopt.h"
+
+// Where a basic variable stands against its working bounds.
+enum RowState : signed char { ROW_BELOW = -1, ROW_FEASIBLE = 0, ROW_ABOVE = 1 };
+
+template<class R> struct popt {
+    // Column prices
+    Array<R> Weights;      // [NumVars] Devex weights of the nonbasics
+    Array<char> Reference; // [NumVars] variable belongs to the reference framework
+    PriceList<R> Columns;  // [NumVars] nonbasics by reduced cost^2 / weight
+    int BadWeights = 0;    // weights found far off since the framework was set
+
+    // Phase 1: the sum of infeasibilities is minimised; cost -1 below, +1 above
+    int Phase1 = 0;
+    Array<signed char> RowState; // [m] by position
+    Array<double> PhaseCost;     // [NumVars] zero between uses
+    SVec<R> CostChange;          // [m] change of phase-1 costs in this step
+    SVec<R> Change;              // [m] and its BTRAN
+
+    // Ratio test: breakpoints
+    Array<R> BreakStep;  // [2 m]
+    Array<int> BreakRow; // [2 m] position; -1 - position: towards the upper bound
+    int BreakCount = 0;
+
+    // The iteration
+    int PivotRow = -1;       // leaving position, -1 when the entering variable flips
+    int PivotCol = -1;       // entering variable
+    int Direction = 1;       // the entering variable rises (+1) or falls (-1)
+    int ToUpper = 0;         // the leaving variable ends at its upper bound
+    R Step = 0;              // of the entering variable, >= 0
+    int Rejected = 0;        // columns set aside since the last factorisation
+    Array<char> ColRejected; // [NumVars]
+    double StallStart = 0;   // DegenCount and NPvt at the last look for stalling
+    double StallIter = 0;
+    int ShiftedBounds = 0; // bounds moved to keep steps from going backwards
+};
+
+enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };
+
+// primal_price.cpp
+template<class R> void primal_reset_weights(sopt *s, swork<R> *w);
+template<class R> void primal_list_reset(sopt *s, swork<R> *w);
+template<class R> void primal_set_merit(sopt *s, swork<R> *w, int j);
+template<class R>
+void primal_update_weights(sopt *s, swork<R> *w, R pivot); // from Alpha and the packed row
+
+// primal_ratio.cpp
+template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w); // PivotRow, ToUpper, Step
+
+// primal_update.cpp
+template<class R>
+int primal_classify(sopt *s,
+                    swork<R> *w); // RowState of all rows; number of infeasible ones
+template<class R>
+void primal_move_basics(sopt *s, swork<R> *w); // Bbar, RowState and CostChange for the step
+template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w);
+template<class R> void primal_perturb(sopt *s, swork<R> *w);

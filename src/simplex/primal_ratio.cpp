@@ -1,0 +1,192 @@
+// primal_ratio.cpp -- choose the leaving variable of a primal simplex step
+//
+// Problem     The entering variable moves by t in Direction; basic variable i moves by -t a_i, a_i = Direction alpha_i.
+// Method      Phase 2: two passes with bounds relaxed by the tolerance (Harris); of all rows that block before the
+//             relaxed step the one with the largest |a_i| leaves. Phase 1: the sum of infeasibilities is piecewise linear
+//             in t; breakpoints are passed in order while its slope stays negative, and of those near the end the last
+//             one with a good pivot is taken. The range of the entering variable is one more breakpoint: a flip.
+// Out         PivotRow, ToUpper, Step.
+// Cost        O(entries of the column); phase 1 also O(k log) for the breakpoints passed.
+// Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, Computational Techniques of the Simplex Method, 2003, 9.6.
+#include "simplex/primal.h"
+#include <algorithm>
+
+namespace
+{
+constexpr double SMALL_PIVOT[] = {1e-9, 1e-8, 1e-7}; // by age of the factors
+constexpr int SOME_UPDATES = 10, MANY_UPDATES = 20;
+constexpr double GOOD_SHARE = 0.1, GOOD_PIVOT = 1.0;
+
+template<class R> R pivot_floor(const swork<R> *w)
+{
+    const int updates = w->Lu.NumUpdates;
+    return R(SMALL_PIVOT[updates < SOME_UPDATES ? 0 : updates < MANY_UPDATES ? 1 : 2]);
+}
+
+template<class R> R entering_range(const sopt *s, const popt<R> *p)
+{
+    const int q = p->PivotCol;
+    if (s->VStat.data[q] == AT_FREE) return R(s->Infinity);
+    return R(s->WorkUpper.data[q]) - R(s->WorkLower.data[q]);
+}
+
+// Phase 2. Distance of basic variable i to the bound it moves to; Infinity when there is none.
+template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
+{
+    if (a > 0) {
+        const double lower = s->BasicLower.data[i];
+        return has_lower(s, lower) ? w->Bbar.data[i] - R(lower) : R(s->Infinity);
+    }
+    const double upper = s->BasicUpper.data[i];
+    return has_upper(s, upper) ? R(upper) - w->Bbar.data[i] : R(s->Infinity);
+}
+
+template<class R> RatioResult ratio_phase2(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const R tol = R(s->FeasTol), floor = pivot_floor(w), infinite = R(s->Infinity);
+    const R *alpha = w->Alpha.Value.data;
+    R limit = infinite;
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        const R a = R(p->Direction) * alpha[i], size = std::abs(a);
+        if (size <= floor) continue;
+        const R gap = distance(s, w, i, a);
+        if (gap < infinite && gap + tol < limit * size) limit = (gap + tol) / size;
+    }
+    const R range = entering_range(s, p);
+    if (range <= limit && range < infinite) {
+        p->PivotRow = -1;
+        p->Step = range;
+        return RATIO_FLIP;
+    }
+    if (limit >= infinite) return RATIO_UNBOUNDED;
+    R best = 0;
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        const R a = R(p->Direction) * alpha[i], size = std::abs(a);
+        if (size <= floor || size <= best) continue;
+        const R gap = distance(s, w, i, a);
+        if (gap > limit * size) continue;
+        best = size;
+        p->PivotRow = i;
+        p->ToUpper = a < 0;
+        p->Step = gap / size;
+    }
+    return RATIO_PIVOT;
+}
+
+template<class R> void add_break(popt<R> *p, int row, bool to_upper, R step)
+{
+    p->BreakStep.data[p->BreakCount] = std::max(step, R(0));
+    p->BreakRow.data[p->BreakCount++] = to_upper ? -1 - row : row;
+}
+
+template<class R> void collect_breaks(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const R floor = pivot_floor(w);
+    p->BreakCount = 0;
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        const R a = R(p->Direction) * w->Alpha.Value.data[i], size = std::abs(a);
+        if (size <= floor) continue;
+        const int state = p->RowState.data[i];
+        const double lower = s->BasicLower.data[i], upper = s->BasicUpper.data[i];
+        const R x = w->Bbar.data[i];
+        if (a > 0) { // falls: passes its upper bound when above, then its lower
+            if (state == ROW_ABOVE) add_break(p, i, true, (x - R(upper)) / size);
+            if (state != ROW_BELOW && has_lower(s, lower))
+                add_break(p, i, false, (x - R(lower)) / size);
+        } else {
+            if (state == ROW_BELOW) add_break(p, i, false, (R(lower) - x) / size);
+            if (state != ROW_ABOVE && has_upper(s, upper))
+                add_break(p, i, true, (R(upper) - x) / size);
+        }
+    }
+}
+
+// Heap of breakpoints by step, smallest on top, over two parallel arrays.
+template<class R> void sift_down(popt<R> *p, int at, int count)
+{
+    const R step = p->BreakStep.data[at];
+    const int row = p->BreakRow.data[at];
+    for (int child = 2 * at + 1; child < count; child = 2 * at + 1) {
+        if (child + 1 < count && p->BreakStep.data[child + 1] < p->BreakStep.data[child])
+            child++;
+        if (p->BreakStep.data[child] >= step) break;
+        p->BreakStep.data[at] = p->BreakStep.data[child];
+        p->BreakRow.data[at] = p->BreakRow.data[child];
+        at = child;
+    }
+    p->BreakStep.data[at] = step;
+    p->BreakRow.data[at] = row;
+}
+
+inline int break_row(int code)
+{
+    return code >= 0 ? code : -1 - code;
+}
+
+// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first.
+template<class R> int pass_breaks(sopt *s, swork<R> *w, R range, bool *flip)
+{
+    popt<R> *p = w->Primal;
+    int left = p->BreakCount;
+    for (int k = left / 2 - 1; k >= 0; k--) sift_down(p, k, left);
+    R slope = -std::abs(w->Cbar.data[p->PivotCol]);
+    *flip = false;
+    while (left > 0 && slope < 0) {
+        if (p->BreakStep.data[0] > range) {
+            *flip = true;
+            return left;
+        }
+        const int row = break_row(p->BreakRow.data[0]);
+        slope += std::abs(w->Alpha.Value.data[row]);
+        left--;
+        std::swap(p->BreakStep.data[0], p->BreakStep.data[left]);
+        std::swap(p->BreakRow.data[0], p->BreakRow.data[left]);
+        sift_down(p, 0, left);
+    }
+    if (slope < 0 && range < R(s->Infinity)) *flip = true;
+    return left;
+}
+
+template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    collect_breaks(s, w);
+    const R range = entering_range(s, p);
+    bool flip = false;
+    const int left = pass_breaks(s, w, range, &flip);
+    if (flip) {
+        p->PivotRow = -1;
+        p->Step = range;
+        return RATIO_FLIP;
+    }
+    if (left == p->BreakCount) return RATIO_UNBOUNDED;
+    R largest = 0;
+    for (int k = left; k < p->BreakCount; k++)
+        largest = std::max(largest,
+                           std::abs(w->Alpha.Value.data[break_row(p->BreakRow.data[k])]));
+    const R wanted = std::min(R(GOOD_SHARE) * largest, R(GOOD_PIVOT));
+    for (int k = left; k < p->BreakCount; k++) {
+        const int row = break_row(p->BreakRow.data[k]);
+        if (std::abs(w->Alpha.Value.data[row]) < wanted) continue;
+        p->PivotRow = row;
+        p->ToUpper = p->BreakRow.data[k] < 0;
+        p->Step = p->BreakStep.data[k];
+        break;
+    }
+    return RATIO_PIVOT;
+}
+} // namespace
+
+template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w)
+{
+    s->WorkUnits += 2.0 * w->Alpha.Count;
+    return w->Primal->Phase1 ? ratio_phase1(s, w) : ratio_phase2(s, w);
+}
+
+template RatioResult primal_ratio<double>(sopt *, swork<double> *);
+template RatioResult primal_ratio<long double>(sopt *, swork<long double> *);

@@ -1,0 +1,90 @@
+// primal_update.cpp -- basic values, phase-1 costs and working bounds over one primal step
+#include "simplex/primal.h"
+#include <algorithm>
+
+namespace
+{
+template<class R> signed char state_of(const sopt *s, const swork<R> *w, int i)
+{
+    const R x = w->Bbar.data[i], tol = R(s->FeasTol);
+    if (x < R(s->BasicLower.data[i]) - tol) return ROW_BELOW;
+    if (x > R(s->BasicUpper.data[i]) + tol) return ROW_ABOVE;
+    return ROW_FEASIBLE;
+}
+} // namespace
+
+template<class R> int primal_classify(sopt *s, swork<R> *w)
+{
+    int infeasible = 0;
+    for (int i = 0; i < s->NumRows; i++) {
+        w->Primal->RowState.data[i] = state_of(s, w, i);
+        infeasible += w->Primal->RowState.data[i] != ROW_FEASIBLE;
+    }
+    return infeasible;
+}
+
+template<class R> void primal_move_basics(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const R step = R(p->Direction) * p->Step;
+    const R *__restrict alpha = w->Alpha.Value.data;
+    R *__restrict bbar = w->Bbar.data;
+    svec_clear(&p->CostChange);
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        bbar[i] -= step * alpha[i];
+        if (!p->Phase1) continue;
+        // The leaving variable stands at a bound from now on: it costs nothing.
+        const signed char state =
+            i == p->PivotRow ? static_cast<signed char>(ROW_FEASIBLE) : state_of(s, w, i);
+        const int change = state - p->RowState.data[i];
+        p->RowState.data[i] = state;
+        if (change != 0) svec_add(&p->CostChange, i, R(change));
+    }
+}
+
+// d -= (A I)^T B^-T (cost change), in the basis before the exchange.
+template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    if (p->CostChange.Count == 0) return;
+    const int q = p->PivotCol;
+    svec_copy(&w->Rho, &p->CostChange);
+    for (int k = 0; k < p->CostChange.Count; k++) {
+        const int i = p->CostChange.Index.data[k];
+        if (i == p->PivotRow)
+            w->Cbar.data[s->BasisHead.data[i]] += p->CostChange.Value.data[i];
+    }
+    Btran(&w->Lu, &w->Rho, SOLVE_COSTS, Keep::NO);
+    compute_row(s, w);
+    for (int k = 0; k < w->RowCount; k++) {
+        const int j = w->RowInd.data[k];
+        w->Cbar.data[j] -= w->RowVal.data[k];
+        if (j != q) primal_set_merit(s, w, j);
+    }
+}
+
+// Every finite bound moves outwards by a random amount of up to PerturbCur, relative to its size.
+template<class R> void primal_perturb(sopt *s, swork<R> *w)
+{
+    (void)w;
+    if (s->PerturbCur <= 0) return;
+    const double size = s->PerturbCur * 1e-3;
+    for (int j = 0; j < s->NumVars; j++) {
+        const double share = (random_next(&s->Rng) % 500 + 500) / 1000.0;
+        double *lower = &s->WorkLower.data[j], *upper = &s->WorkUpper.data[j];
+        if (*lower == *upper && s->VStat.data[j] < 0)
+            continue; // fixed and out of the basis: stays
+        if (has_lower(s, *lower)) *lower -= share * size * (1 + std::fabs(*lower));
+        if (has_upper(s, *upper)) *upper += share * size * (1 + std::fabs(*upper));
+    }
+    s->Perturbed = 3;
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template int primal_classify<R>(sopt *, swork<R> *);                                   \
+    template void primal_move_basics<R>(sopt *, swork<R> *);                               \
+    template void primal_apply_cost_change<R>(sopt *, swork<R> *);                         \
+    template void primal_perturb<R>(sopt *, swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

@@ -1,0 +1,142 @@
+// scaling.cpp -- factors that bring the working LP to numbers of size one
+//
+// Method      One pass: each row by its largest magnitude, then each column of the result by its largest. Factors are
+//             powers of two, so that scaling is exact in both directions; lines whose largest lies between 1/2 and 2
+//             stay. The objective is scaled by the geometric middle of its smallest and largest cost.
+// In, out     The unscaled arrays of sopt become scaled; RowScale, ColScale (sign: reversed column), ObjScale.
+// Cost        O(nonzeros).
+#include "simplex/sopt.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double WIDE_COSTS =
+    10000; // sqrt(max / min) of costs that are not centred any more
+constexpr double HUGE_COST =
+    1e7; // costs from here on may be artificial: look at their decades
+constexpr int DECADES = 16;
+constexpr int DECADE_GAP = 3; // empty decades that set artificial costs apart
+
+double power_of_two(double v)
+{
+    return std::exp2(std::floor(std::log2(v)));
+}
+
+// Factor that brings `largest` near 1.
+double line_factor(sopt *s, double largest)
+{
+    if (largest == 0) return 1; // an empty line
+    if (s->Env->TARV_PAR_ALTSCALE)
+        return (double(random_next(&s->Rng)) / RANDOM_MAX + 1) / largest;
+    if (largest > 0.5 && largest < 2) return 1;
+    return power_of_two(1 / largest);
+}
+
+void scale_rows(sopt *s)
+{
+    double *scale = s->RowScale.data;
+    std::fill_n(scale, s->NumRows, 0.0);
+    for (int p = 0; p < s->ColBeg.data[s->NumCols]; p++) {
+        double *largest = &scale[s->ColInd.data[p]];
+        *largest = std::max(*largest, std::fabs(s->ColVal.data[p]));
+    }
+    for (int i = 0; i < s->NumRows; i++) {
+        scale[i] = line_factor(s, scale[i]);
+        s->Rhs.data[i] *= scale[i];
+    }
+    for (int p = 0; p < s->ColBeg.data[s->NumCols]; p++)
+        s->ColVal.data[p] *= scale[s->ColInd.data[p]];
+}
+
+void scale_column(sopt *s, int j)
+{
+    double largest = 0;
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        largest = std::max(largest, std::fabs(s->ColVal.data[p]));
+    const double factor = line_factor(s, largest);
+    s->ColScale.data[j] *= factor;
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        s->ColVal.data[p] *= factor;
+    s->Cost.data[j] *= factor;
+    if (has_lower(s, s->Lower.data[j])) s->Lower.data[j] /= factor;
+    if (has_upper(s, s->Upper.data[j])) s->Upper.data[j] /= factor;
+}
+
+// A column bounded above only is reversed, so that everything else may count on a lower bound.
+void flip_column(sopt *s, int j)
+{
+    double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
+    if (has_lower(s, *lower) || !has_upper(s, *upper)) return;
+    s->ColScale.data[j] = -s->ColScale.data[j];
+    s->Cost.data[j] = -s->Cost.data[j];
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        s->ColVal.data[p] = -s->ColVal.data[p];
+    *lower = -*upper;
+    *upper = s->Infinity;
+}
+
+double centre(double largest, double smallest)
+{
+    return std::sqrt(largest / smallest) <= WIDE_COSTS ? std::sqrt(largest * smallest)
+                                                       : largest / WIDE_COSTS;
+}
+
+// Costs far above all others (big-M penalties) should not decide the scale: the largest of the rest, or 0.
+double largest_ordinary_cost(const sopt *s)
+{
+    int count[DECADES] = {};
+    for (int j = 0; j < s->NumCols; j++) {
+        const double c = std::fabs(s->Cost.data[j]);
+        if (c == 0) continue; // no cost
+        const int decade = static_cast<int>(std::floor(std::log10(c))) + 1;
+        count[std::clamp(decade, 0, DECADES - 1)]++;
+    }
+    int top = DECADES - 1;
+    while (top >= 0 && count[top] == 0) top--;
+    int below = top;
+    while (below >= 0 && count[below] > 0) below--;
+    const int first = below + 1; // first bucket of the top run
+    while (below >= 0 && count[below] == 0) below--;
+    return below >= 0 && first - below > DECADE_GAP ? std::pow(10.0, below) : 0;
+}
+
+double objective_factor(const sopt *s)
+{
+    const double wish = s->Env->ObjScale;
+    if (wish == 1) return 1; // the value that means none
+    if (wish > 0) return power_of_two(1 / wish);
+    double largest = 0, smallest = INFINITE_BOUND;
+    for (int j = 0; j < s->NumCols; j++) {
+        const double c = std::fabs(s->Cost.data[j]);
+        largest = std::max(largest, c);
+        if (c > 0) smallest = std::min(smallest, c);
+    }
+    if (largest == 0) return 1;
+    if (wish < 0) return power_of_two(std::pow(largest, wish));
+    double g = centre(largest, smallest);
+    if (largest >= HUGE_COST) {
+        const double ordinary = largest_ordinary_cost(s);
+        if (ordinary > 0) g = centre(std::max(ordinary, smallest), smallest);
+    }
+    return g > 0.5 && g < 2 ? 1 : power_of_two(1 / g);
+}
+} // namespace
+
+int scale_working_lp(sopt *s)
+{
+    TRY(array_assign(&s->RowScale, s->NumRows, 1.0));
+    TRY(array_assign(&s->ColScale, s->NumCols, 1.0));
+    s->ObjScale = 1;
+    if (s->Env->ScaleFlag) {
+        scale_rows(s);
+        for (int j = 0; j < s->NumCols; j++) scale_column(s, j);
+        s->ObjScale = objective_factor(s);
+        for (int j = 0; j < s->NumCols; j++) s->Cost.data[j] *= s->ObjScale;
+    }
+    for (int j = 0; j < s->NumCols; j++) flip_column(s, j);
+    s->Scaled = s->ObjScale != 1;
+    for (int i = 0; i < s->NumRows; i++) s->Scaled |= s->RowScale.data[i] != 1;
+    for (int j = 0; j < s->NumCols; j++) s->Scaled |= std::fabs(s->ColScale.data[j]) != 1;
+    return 0;
+}

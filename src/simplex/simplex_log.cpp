@@ -1,0 +1,63 @@
+// simplex_log.cpp -- the progress lines of both methods, and the limits that are tested with them
+#include "frame/runtime/clock.h"
+#include "simplex/sopt.h"
+#include <cmath>
+
+namespace
+{
+constexpr double LOG_STEP =
+    100; // iterations between looks at the clock, when the caller set none
+
+double elapsed(const sopt *s)
+{
+    return WallClock() - s->StartTime;
+}
+} // namespace
+
+// Every `interval` pivots and flips; true at most once per interval.
+bool log_is_due(sopt *s)
+{
+    if (!s->Env->OutputFlag) return false;
+    const double interval =
+        s->Env->TARV_PAR_SDISPINTERVAL > 0 ? s->Env->TARV_PAR_SDISPINTERVAL : LOG_STEP;
+    if (s->Work - s->NextLogIter < interval && s->LastLogIter >= 0) return false;
+    s->NextLogIter = interval * std::floor(s->Work / interval);
+    return s->LastLogIter < 0 || std::floor(elapsed(s) / s->TickLength) > s->TickIndex;
+}
+
+void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf)
+{
+    const double time = elapsed(s), count = iterations(s);
+    if (count == s->LastLogIter) return; // counts are whole numbers
+    if (!s->HeaderDone) {
+        TVXmsg(s->Env, "Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
+        s->HeaderDone = 1;
+    }
+    TVXmsg(s->Env, " %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", count,
+           s->Sense * (objective + s->ObjOffset), primal_inf, dual_inf, time);
+    s->LastLogIter = count;
+    s->TickIndex = std::floor(time / s->TickLength);
+}
+
+void log_final(sopt *s)
+{
+    if (s->Status != SIMPLEX_OPTIMAL || s->Env->quiet_solve) return;
+    const double value = s->Sense * (s->Obj + s->ObjOffset);
+    if (s->Method == METHOD_DUAL)
+        TVXmsg(s->Env, "Iteration: %7.0f    Optimal Objective = %16.7e\n", iterations(s),
+               value);
+    else
+        TVXmsg(s->Env, "Iteration: %7.0f   Optimal Objective = %16.7e\n", iterations(s),
+               value);
+}
+
+bool limit_reached(sopt *s)
+{
+    if (env_stop_requested(s->Env))
+        s->Status = SIMPLEX_INTERRUPTED;
+    else if (iterations(s) >= s->Env->IterationLimit)
+        s->Status = SIMPLEX_ITERATION_LIMIT;
+    else if (WallClock() - s->Env->optimize_start >= s->Env->TimeLimit)
+        s->Status = SIMPLEX_TIME_LIMIT;
+    return s->Status != SIMPLEX_RUNNING;
+}

@@ -1,0 +1,136 @@
+// simplex_query.cpp -- what others read from a simplex record, in the units and signs of the model body
+#include "simplex/sopt.h"
+#include <algorithm>
+
+namespace
+{
+// User value of scaled value x of variable j < NumCols.
+double user_value(const sopt *s, int j, double x)
+{
+    return x * s->ColScale.data[j];
+}
+
+template<class R> void get_primal(const sopt *s, const swork<R> *w, double *x)
+{
+    for (int j = 0; j < s->NumCols; j++) {
+        const int status = s->VStat.data[j];
+        x[j] = user_value(s, j,
+                          status >= 0 ? static_cast<double>(w->Bbar.data[status])
+                                      : nonbasic_value(s, j));
+    }
+}
+
+// Slack i has cost 0 and column e_i: its reduced cost is -pi_i.
+template<class R> void get_dual(const sopt *s, const swork<R> *w, double *pi, double *rc)
+{
+    for (int i = 0; pi && i < s->NumRows; i++)
+        pi[i] = -static_cast<double>(w->Cbar.data[s->NumCols + i]) * s->RowScale.data[i] /
+                s->ObjScale;
+    for (int j = 0; rc && j < s->NumCols; j++)
+        rc[j] = static_cast<double>(w->Cbar.data[j]) / (s->ColScale.data[j] * s->ObjScale);
+}
+} // namespace
+
+void simplex_get_primal(const sopt *s, double *x)
+{
+    if (!x) return;
+    if (s->Quad)
+        get_primal(s, s->Extended, x);
+    else
+        get_primal(s, s->Double, x);
+}
+
+void simplex_get_dual(const sopt *s, double *pi, double *rc)
+{
+    if (s->Quad)
+        get_dual(s, s->Extended, pi, rc);
+    else
+        get_dual(s, s->Double, pi, rc);
+}
+
+void simplex_get_basis(const sopt *s, int *statuses)
+{
+    if (!statuses) return;
+    for (int j = 0; j < s->NumVars; j++) {
+        int status = s->VStat.data[j];
+        if (status == AT_FIXED) status = AT_LOWER;
+        const bool reversed = j < s->NumCols && s->ColScale.data[j] < 0;
+        if (reversed && (status == AT_LOWER || status == AT_UPPER))
+            status = status == AT_LOWER ? AT_UPPER : AT_LOWER;
+        statuses[j] = status;
+    }
+}
+
+double simplex_objective(const sopt *s)
+{
+    return s->Obj + s->ObjOffset;
+}
+double simplex_iterations(const sopt *s)
+{
+    return iterations(s);
+}
+int simplex_factorizations(const sopt *s)
+{
+    return s->NumFactor;
+}
+int simplex_status(const sopt *s)
+{
+    return s->Status;
+}
+double simplex_markowitz_tol(const sopt *s)
+{
+    return s->MarkowitzTol;
+}
+
+double simplex_work_units(const sopt *s)
+{
+    const double factors = s->Double     ? s->Double->Lu.WorkUnits
+                           : s->Extended ? s->Extended->Lu.WorkUnits
+                                         : 0;
+    return s->WorkUnits + factors;
+}
+
+void simplex_get_scaling(const sopt *s, const double **row, const double **col, double *obj)
+{
+    if (row) *row = s->Scaled ? s->RowScale.data : nullptr;
+    if (col) *col = s->Scaled ? s->ColScale.data : nullptr;
+    if (obj) *obj = s->ObjScale;
+}
+
+int simplex_get_norms(const sopt *s, double *norms)
+{
+    return s->Quad ? held_norms(s, s->Extended, norms) : held_norms(s, s->Double, norms);
+}
+
+int simplex_refactor(TVXmodel *model)
+{
+    sopt *s = model->simplex;
+    if (s->Quad) {
+        if (has_factor(s, s->Extended) && s->Extended->Lu.NumUpdates == 0) return 0;
+        TRY(Refactor(s, s->Extended));
+        finish_values(s, s->Extended);
+    } else {
+        if (has_factor(s, s->Double) && s->Double->Lu.NumUpdates == 0) return 0;
+        TRY(Refactor(s, s->Double));
+        finish_values(s, s->Double);
+    }
+    return 0;
+}
+
+bool simplex_change_bound(sopt *s, int j, double lb, double ub)
+{
+    const double scale = s->ColScale.data[j];
+    double lower = std::max(lb, -s->Infinity), upper = std::min(ub, s->Infinity);
+    if (scale < 0) {
+        std::swap(lower, upper);
+        lower = -lower;
+        upper = -upper;
+    }
+    const bool bounded_below = has_lower(s, lower), bounded_above = has_upper(s, upper);
+    const bool was_free = !has_lower(s, s->Lower.data[j]);
+    if (bounded_below == was_free || (!bounded_below && bounded_above)) return false;
+    s->Lower.data[j] = bounded_below ? lower / std::fabs(scale) : -s->Infinity;
+    s->Upper.data[j] = bounded_above ? upper / std::fabs(scale) : s->Infinity;
+    s->InfeasCheckNeeded = 1;
+    return true;
+}

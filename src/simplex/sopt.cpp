@@ -1,0 +1,195 @@
+// sopt.cpp -- the working LP: built from a model body, refreshed for each run
+#include "simplex/sopt.h"
+#include "frame/runtime/clock.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr int UPDATES_LEAST = 20;           // updates allowed whatever the size
+constexpr double UPDATES_POWER = 0.7;       // limit m^0.7
+constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates no fill test is made
+constexpr uint64_t RANDOM_SEED = 101;
+constexpr double START_WORK = 50;         // of a run, before anything is touched
+constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed less
+constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
+
+int copy_model(sopt *s)
+{
+    const ModelBody *body = s->Model->body;
+    const int m = s->NumRows, n = s->NumCols, nv = s->NumVars;
+    TRY(array_assign(&s->ColBeg, int64_t{n} + 1, 0));
+    std::copy_n(body->vbeg.data, body->vbeg.data ? n + 1 : 0, s->ColBeg.data);
+    TRY(array_copy(&s->ColInd, body->vind.data, s->ColBeg.data[n]));
+    TRY(array_copy(&s->ColVal, body->vval.data, s->ColBeg.data[n]));
+    TRY(array_copy(&s->Rhs, body->rhs.data, m));
+    TRY(array_assign(&s->Cost, nv, 0.0));
+    TRY(array_assign(&s->Lower, nv, 0.0));
+    TRY(array_assign(&s->Upper, nv, 0.0));
+    std::copy_n(body->obj.data, n, s->Cost.data);
+    for (int j = 0; j < n; j++) {
+        s->Lower.data[j] = std::max(body->lb.data[j], -s->Infinity);
+        s->Upper.data[j] = std::min(body->ub.data[j], s->Infinity);
+    }
+    for (int i = 0; i < m; i++)
+        s->Upper.data[n + i] = body->senses.data[i] == '=' ? 0 : s->Infinity;
+    s->ObjOffset = body->objcon;
+    s->Sense = body->sense;
+    return 0;
+}
+
+int allocate_vectors(sopt *s)
+{
+    for (Array<double> *a : {&s->WorkCost, &s->WorkLower, &s->WorkUpper})
+        TRY(array_resize(a, s->NumVars));
+    TRY(array_assign(&s->SuperVal, s->NumVars, 0.0));
+    TRY(array_assign(&s->Mark, s->NumVars, 0));
+    TRY(array_resize(&s->VStat, s->NumVars));
+    for (Array<double> *a : {&s->BasicLower, &s->BasicUpper, &s->RowWork})
+        TRY(array_resize(a, s->NumRows));
+    for (Array<int> *a : {&s->BasisHead, &s->BadRows, &s->BadCols})
+        TRY(array_resize(a, s->NumRows));
+    return 0;
+}
+
+int build(sopt *s)
+{
+    TRY(copy_model(s));
+    TRY(allocate_vectors(s));
+    random_seed(&s->Rng, RANDOM_SEED);
+    TRY(scale_working_lp(s));
+    TRY(row_copy_build(s));
+    s->WorkUnits += 5.0 * s->NumRows + 3.0 * s->NumVars;
+    return 0;
+}
+} // namespace
+
+int sopt_create(TVXmodel *model, sopt **out)
+{
+    *out = nullptr;
+    void *block = MemAllocZero(1, sizeof(sopt));
+    if (!block) return OUT_OF_MEMORY;
+    sopt *s = static_cast<sopt *>(block);
+    *s = sopt{};
+    s->Model = model;
+    s->Env = model->env;
+    s->Infinity = model->env->TARV_PAR_INFBOUND;
+    s->NumRows = model->body->numconstrs;
+    s->NumCols = model->body->numvars;
+    if (s->NumRows > INT32_MAX - s->NumCols) {
+        MemFree(block);
+        return OUT_OF_MEMORY;
+    }
+    s->NumVars = s->NumRows + s->NumCols;
+    s->WorkUnits = START_WORK;
+    if (int error = build(s)) {
+        simplex_free(s);
+        return error;
+    }
+    *out = s;
+    return 0;
+}
+
+void sopt_refresh(sopt *s)
+{
+    const TVXenv *env = s->Env;
+    s->StartTime = WallClock();
+    s->TickLength = env->DisplayInterval;
+    s->TickIndex = -1;
+    s->LastLogIter = -1;
+    s->HeaderDone = 0;
+    s->NextLogIter = 0;
+    s->IterBase = 0;
+    s->NPvt = s->Work = 0;
+    s->NumFactor = 0;
+    s->Status = SIMPLEX_RUNNING;
+    s->BadVar = -1;
+    s->FeasTol = env->FeasibilityTol;
+    s->OptTol = env->OptimalityTol;
+    s->MarkowitzTol = env->MarkowitzTol;
+    s->PivotTol = env->TARV_PAR_PIVOTTOL;
+    s->BigTol = env->TARV_PAR_BIGTOL;
+    s->ZeroTol = env->TARV_PAR_ZERO;
+    s->FeasTolCount = s->OptTolCount = 0;
+    s->TightProof = 0;
+    s->NumericCount = s->SingularCount = s->SwitchCount = 0;
+    s->Perturbed = 0;
+    s->BoxPhase = 0;
+    s->PerturbAllowed = env->PerturbValue > 0;
+    s->PerturbCur = env->PerturbValue;
+    if (env->PerturbValue <= PERTURB_DEFAULT)
+        s->PerturbCur *= s->NumRows <= PERTURB_SMALL_ROWS ? PERTURB_SMALL : PERTURB_LARGE;
+    s->DegenCount = 0;
+    const double m = s->NumRows;
+    s->MaxUpdates = std::max(UPDATES_LEAST, static_cast<int>(std::pow(m, UPDATES_POWER)));
+    s->MinUpdates = static_cast<int>(std::pow(m, UPDATES_FREE_POWER));
+    // The cutoff is given for the caller's sense; the default means none whatever the sense.
+    s->Cutoff = env->Cutoff < UNDEFINED_VALUE ? s->Sense * env->Cutoff - s->ObjOffset
+                                              : UNDEFINED_VALUE;
+    random_seed(&s->Rng, RANDOM_SEED);
+}
+
+void sopt_check_bounds(sopt *s)
+{
+    s->InfeasCheckNeeded = 0;
+    for (int j = 0; j < s->NumCols; j++) {
+        double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
+        const bool crossed = *lower - *upper > s->FeasTol;
+        if (!crossed && *lower<s->Infinity && * upper> - s->Infinity) {
+            if (*lower > *upper)
+                *upper = *lower; // crossed by less than the tolerance: fixed
+            continue;
+        }
+        const bool runs_away = (*lower >= s->Infinity && s->Cost.data[j] < 0) ||
+                               (*upper <= -s->Infinity && s->Cost.data[j] > 0);
+        s->Status = !crossed && runs_away ? SIMPLEX_UNBOUNDED : SIMPLEX_INFEASIBLE;
+        s->BadVar = j;
+        char buffer[DEFAULT_NAME_LENGTH];
+        const ModelBody *body = s->Model->body;
+        TVXmsg(s->Env, "Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
+               var_name(body, j, buffer), body->lb.data[j], body->ub.data[j]);
+        return;
+    }
+}
+
+template<class R> int swork_create(sopt *s, swork<R> **out)
+{
+    *out = nullptr;
+    void *block = MemAllocZero(1, sizeof(swork<R>));
+    if (!block) return OUT_OF_MEMORY;
+    swork<R> *w = *out = static_cast<swork<R> *>(block);
+    *w = swork<R>{};
+    const int m = s->NumRows;
+    TRY(lu_alloc(&w->Lu, m, s->MaxUpdates, s->ZeroTol));
+    TRY(array_assign(&w->Cbar, s->NumVars, R(0)));
+    TRY(array_assign(&w->Bbar, m, R(0)));
+    for (SVec<R> *v : {&w->Rho, &w->Alpha, &w->Tau, &w->Work}) TRY(svec_alloc(v, m));
+    TRY(array_assign(&w->RowAcc, s->NumCols, SVEC_TINY<R>));
+    TRY(array_resize(&w->RowInd, s->NumVars));
+    return array_resize(&w->RowVal, s->NumVars);
+}
+
+template<class R> void swork_free(swork<R> **work)
+{
+    swork<R> *w = *work;
+    if (!w) return;
+    dopt_free(&w->Dual);
+    popt_free(&w->Primal);
+    *w = swork<R>{};
+    MemFree(w);
+    *work = nullptr;
+}
+
+void simplex_free(sopt *s)
+{
+    if (!s) return;
+    swork_free(&s->Double);
+    swork_free(&s->Extended);
+    *s = sopt{};
+    MemFree(s);
+}
+
+template int swork_create<double>(sopt *, swork<double> **);
+template int swork_create<long double>(sopt *, swork<long double> **);
+template void swork_free<double>(swork<double> **);
+template void swork_free<long double>(swork<long double> **);

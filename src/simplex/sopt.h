@@ -1,0 +1,297 @@
+// sopt.h -- sopt, the working LP of the simplex, with the records of both methods
+//
+// Computational form    min Cost x,  A x + s = Rhs,  Lower <= (x, s) <= Upper
+// over NumVars = NumCols + NumRows variables: columns first, then the slack n + i of row i, in [0, inf) for an
+// inequality and [0, 0] for an equation. Matrix, costs and bounds are scaled copies of the model body; a column that
+// has only an upper bound is negated (ColScale < 0), so every variable has a finite lower bound or is free.
+// With r = RowScale, c = ColScale, o = ObjScale:
+//   A_ij = r_i c_j a_ij,  Rhs_i = r_i b_i,  x_j = (user x_j) / c_j,  s_i = r_i (user s_i),  Cost_j = o c_j (user cost)
+//   user pi_i = r_i pi_i / o,  user reduced cost_j = d_j / (o c_j)
+//
+// States of Status     1      running
+//                      2 3 5  optimal, infeasible, unbounded
+//                      6 7 9 11  cutoff, iteration limit, time limit, interrupted
+//                      12     numeric trouble
+//                      101    this method is done, the other one has to finish
+//                      -1002  residuals too large: go on in extended precision
+// The record belongs to one model and one thread. Everything that is worked on inside the simplex has the number type R
+// and stands in swork<R>; exactly one of the two is allocated.
+#pragma once
+#include "frame/runtime/random.h"
+#include "simplex/lufact.h"
+#include "simplex/simplex.h"
+
+enum SimplexStatus {
+    SIMPLEX_RUNNING = 1,
+    SIMPLEX_OPTIMAL = 2,
+    SIMPLEX_INFEASIBLE = 3,
+    SIMPLEX_UNBOUNDED = 5,
+    SIMPLEX_CUTOFF = 6,
+    SIMPLEX_ITERATION_LIMIT = 7,
+    SIMPLEX_TIME_LIMIT = 9,
+    SIMPLEX_INTERRUPTED = 11,
+    SIMPLEX_NUMERIC = 12,
+    SIMPLEX_SWITCH = 101,
+    SIMPLEX_NEED_QUAD = -1002,
+};
+
+// Entries of VStat below zero; at or above zero a variable is basic.
+enum BasisStatus {
+    BASIC = 0,
+    AT_LOWER = -1,
+    AT_UPPER = -2,
+    AT_FREE = -3,  // free at zero, or superbasic at a value of its own
+    AT_FIXED = -4, // lower = upper, or kept out of the basis for the rest of a run
+};
+
+// Why the basis is to be factored again.
+enum RefacReason {
+    REFAC_NONE = 0,
+    REFAC_START = 1,   // start of a method
+    REFAC_UPDATES = 2, // update limit
+    REFAC_CLEAN =
+        4, // perturbation changed, or a result is to be confirmed on fresh factors
+    REFAC_CONFIRM = 5, // infeasible or unbounded by old factors
+    REFAC_PIVOT = 6,   // pivots from row and column differ, or the update failed
+    REFAC_FILL = 10,   // factors have filled up
+    REFAC_ROOM = 11,   // update ran out of room
+};
+
+template<class R> struct dopt;
+template<class R> struct popt;
+
+// The vectors of one number type.
+template<class R> struct swork {
+    lufact<R> Lu;
+    int FactorAge = -1; // BasisAge for which Lu was made
+    Array<R> Cbar;      // [NumVars] reduced costs
+    Array<R> Bbar;      // [m] values of the basic variables by position
+    SVec<R> Rho;        // [m] row r of the inverse
+    SVec<R> Alpha;      // [m] entering column
+    SVec<R> Tau;        // [m] B^-1 rho, for steepest edge
+    SVec<R> Work;       // [m] flips, residuals, cost changes
+    Array<R> RowAcc;    // [n] accumulator of the pivot row; SVEC_TINY between uses
+    Array<int> RowInd;  // [NumVars] packed pivot row: variables
+    Array<R> RowVal;    // [NumVars] and their entries
+    int RowCount = 0;
+    dopt<R> *Dual = nullptr;
+    popt<R> *Primal = nullptr;
+};
+
+struct sopt {
+    TVXmodel *Model = nullptr; // owner
+    TVXenv *Env = nullptr;     // its environment
+
+    // Time, limits, log
+    double StartTime = 0;    // clock at the start of this run
+    double TickLength = 5;   // seconds between log lines
+    double TickIndex = -1;   // tick of the last line
+    double LastLogIter = -1; // iteration of the last line
+    double NextLogIter = 0;  // threshold of the periodic line
+    double IterBase = 0;     // iterations of earlier legs of this solve
+    double NPvt = 0;         // iterations of this leg
+    double Work = 0;         // NPvt plus bound flips
+    double WorkUnits = 0;    // deterministic effort besides the factor records
+    int HeaderDone = 0;      // the column header of the log stands
+    int NumFactor = 0;       // factorisations
+
+    // Working LP
+    int NumRows = 0, NumCols = 0, NumVars = 0; // m, n, n + m
+    int Sense = 1;                             // of the model, for printing only
+    Array<int> ColBeg;                         // [n + 1]
+    Array<int> ColInd;                         // [nz]
+    Array<double> ColVal;                      // [nz]
+    Array<double> Cost;                        // [NumVars] true scaled costs
+    Array<double> Lower, Upper;                // [NumVars] +-Infinity where none
+    Array<double> Rhs;                         // [m]
+    double ObjOffset = 0;                      // constant, in user units
+    double ObjScale = 1;
+    Array<double> RowScale, ColScale; // [m], [n]
+    int Scaled = 0;                   // some factor differs from +-1
+    double Infinity = 1e30;           // TARV_PAR_INFBOUND
+
+    // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
+    Array<int> RowBeg;      // [m + 1]
+    Array<int> RowFill;     // [m]
+    Array<int> RowInd;      // [nz]
+    Array<double> RowVal;   // [nz]
+    Array<int> SlotOfEntry; // [nz] place in the row copy of a matrix entry
+    Array<int> EntryOfSlot; // [nz]
+    Array<char> InRowCopy;  // [n] column stands in the front parts
+
+    // Basis
+    Array<int> VStat;       // [NumVars] BasisStatus or position
+    Array<int> BasisHead;   // [m] variable by position
+    Array<double> SuperVal; // [NumVars] value of a nonbasic at AT_FREE; 0 unless superbasic
+    Array<double> WorkCost; // [NumVars] Cost plus perturbation and shifts
+    Array<double> WorkLower,
+        WorkUpper; // [NumVars] bounds in force: true, box of phase 1, or perturbed
+    Array<double> BasicLower,
+        BasicUpper;      // [m] WorkLower and WorkUpper of the basic variables, by position
+    int Superbasics = 0; // nonbasics that stand at a value of their own
+    int HasBasis = 0;    // VStat and BasisHead hold a basis
+    int BasisAge =
+        0; // counts replacements of the basis as a whole; factors and weights remember theirs
+
+    // Run
+    int Status = 0;
+    int Method = METHOD_DUAL; // method of the last run
+    int BadVar = -1;          // variable whose bounds proved infeasibility
+    double Obj = 0;           // objective in user units, minimisation, without ObjOffset
+    int Quad = 0;             // 1: extended precision is live
+    int RefacReason = REFAC_NONE;
+    int SwitchCount = 0;       // changes of method in this run
+    int NumericCount = 0;      // numeric events in this run
+    int SingularCount = 0;     // repairs of singular bases
+    int InfeasCheckNeeded = 1; // bounds changed since the last test for crossed bounds
+    int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
+    int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
+    int PerturbAllowed = 1; // cleared when a clean run is wanted
+    double PerturbCur = 0;  // working size of perturbations
+    double DegenCount = 0;  // degenerate iterations
+    int TightProof =
+        0; // an infeasibility could not be proved: smaller reduced costs count as well
+    double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
+           BigTol = 3e-6, ZeroTol = 1e-13;
+    int FeasTolCount = 0, OptTolCount = 0; // strikes against the tolerances
+    double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
+    int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
+    Random Rng;
+
+    // Scratch
+    Array<double> RowWork;       // [m]
+    Array<int> BadRows, BadCols; // [m] from FactorBasis
+    Array<int> Mark;             // [NumVars] zero between uses
+
+    swork<double> *Double = nullptr;        // live when Quad == 0
+    swork<long double> *Extended = nullptr; // live when Quad == 1
+};
+
+// Value of a nonbasic variable under the bounds in force.
+inline double nonbasic_value(const sopt *s, int j)
+{
+    switch (s->VStat.data[j]) {
+    case AT_UPPER:
+        return s->WorkUpper.data[j];
+    case AT_FREE:
+        return s->SuperVal.data[j];
+    default:
+        return s->WorkLower.data[j];
+    }
+}
+inline bool is_basic(const sopt *s, int j)
+{
+    return s->VStat.data[j] >= 0;
+}
+inline bool has_lower(const sopt *s, double bound)
+{
+    return bound > -s->Infinity;
+}
+inline bool has_upper(const sopt *s, double bound)
+{
+    return bound < s->Infinity;
+}
+inline double iterations(const sopt *s)
+{
+    return s->IterBase + s->NPvt;
+}
+
+template<class R> swork<R> *live_work(sopt *s);
+template<> inline swork<double> *live_work<double>(sopt *s)
+{
+    return s->Double;
+}
+template<> inline swork<long double> *live_work<long double>(sopt *s)
+{
+    return s->Extended;
+}
+
+// The factors belong to the basis at hand.
+template<class R> inline bool has_factor(const sopt *s, const swork<R> *w)
+{
+    return w->Lu.NeedBasis == 0 && w->FactorAge == s->BasisAge;
+}
+
+// ---- sopt.cpp: the record ----
+[[nodiscard]] int sopt_create(TVXmodel *model,
+                              sopt **out); // scaled working LP, row copy; no basis yet
+void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
+void sopt_check_bounds(sopt *s); // sets Status 3 or 5 and BadVar on crossed bounds
+template<class R> [[nodiscard]] int swork_create(sopt *s, swork<R> **out);
+template<class R> void swork_free(swork<R> **work);
+
+// ---- scaling.cpp ----
+[[nodiscard]] int scale_working_lp(sopt *s);
+
+// ---- row_copy.cpp ----
+[[nodiscard]] int
+row_copy_build(sopt *s); // allocates and links the row copy; all columns stand in front
+void row_copy_partition(sopt *s);     // fronts hold the nonbasics that may enter, by VStat
+void row_copy_insert(sopt *s, int j); // column j may enter from now on
+void row_copy_remove(sopt *s, int j); // column j became basic or fixed
+
+// ---- start_basis.cpp ----
+void start_slack_basis(sopt *s);
+// Takes statuses [NumVars] (>= 0 basic); false when they are no basis (more or fewer than m basics): unchanged then.
+bool start_from_statuses(sopt *s, const int *statuses);
+void settle_nonbasics(sopt *s); // every nonbasic gets the status that its true bounds allow
+// Nonbasics take the place that a point in user units gives them: a bound, or a value of their own (superbasic).
+void start_from_point(sopt *s, const double *x, const double *slack);
+
+// ---- basis.cpp: factor, solve for values ----
+// Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.
+template<class R> [[nodiscard]] int Refactor(sopt *s, swork<R> *w);
+template<class R>
+void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
+template<class R> void compute_dual(sopt *s, swork<R> *w); // Cbar from WorkCost
+template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
+template<class R> void compute_row(sopt *s, swork<R> *w); // packed pivot row from Rho
+template<class R>
+void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x); // x := column j
+void set_basic_bounds(sopt *s);                            // BasicLower, BasicUpper
+// Exchanges basic position r with nonbasic q; the leaving variable takes `status`.
+template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status);
+template<class R> bool wants_refactor(const sopt *s, const swork<R> *w);
+
+// ---- farkas.cpp ----
+// Do the multipliers y (over rows) prove that no point within the true bounds satisfies the equations?
+template<class R> bool proves_infeasible(const sopt *s, const SVec<R> *y);
+
+// ---- finish.cpp ----
+template<class R>
+void finish_values(sopt *s,
+                   swork<R> *w); // true costs and bounds, values and reduced costs for them
+// Largest violations in user units.
+struct UnscaledViolation {
+    double Primal = 0, Dual = 0;
+};
+template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<R> *w);
+
+// ---- precision.cpp ----
+[[nodiscard]] int switch_precision(sopt *s,
+                                   int quad); // makes the vectors of that number type live
+
+// ---- simplex_log.cpp ----
+void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf);
+bool log_is_due(sopt *s);
+void log_final(sopt *s); // the closing line of an optimal run
+bool limit_reached(
+    sopt *s); // tests interrupt, iterations and time in this order; sets Status
+
+// ---- dual.cpp, primal.cpp: the methods ----
+// Run until Status is no longer SIMPLEX_RUNNING. 0 or a code.
+template<class R> [[nodiscard]] int DualRun(sopt *s, swork<R> *w);
+template<class R> [[nodiscard]] int PrimalRun(sopt *s, swork<R> *w);
+template<class R> void dopt_free(dopt<R> **d);
+template<class R> void popt_free(popt<R> **p);
+
+// Sums of infeasibilities against the true bounds and costs, and the true objective (user units, without offset).
+struct Infeasibility {
+    double PrimalSum = 0, PrimalMax = 0;
+    double DualSum = 0, DualMax = 0;
+    int PrimalCount = 0, DualCount = 0;
+};
+// Pricing norms: 0 none, 1 dual, 2 primal; norms [NumVars] or null.
+template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms);
+template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w);
+template<class R> double true_objective(const sopt *s, const swork<R> *w);

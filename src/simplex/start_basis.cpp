@@ -1,0 +1,91 @@
+// start_basis.cpp -- the basis from which a run starts
+#include "simplex/sopt.h"
+#include <algorithm>
+#include <cmath>
+
+// Status that the true bounds allow a nonbasic, as near as possible to the one it has.
+static int settled_status(const sopt *s, int j)
+{
+    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+    const int status = s->VStat.data[j];
+    if (lower == upper) return AT_FIXED;                               // assigned alike
+    if (status == AT_FREE && s->SuperVal.data[j] != 0) return AT_FREE; // a value of its own
+    if (!has_lower(s, lower)) return has_upper(s, upper) ? AT_UPPER : AT_FREE;
+    return status == AT_UPPER && has_upper(s, upper) ? AT_UPPER : AT_LOWER;
+}
+
+void settle_nonbasics(sopt *s)
+{
+    for (int j = 0; j < s->NumVars; j++)
+        if (s->VStat.data[j] < 0) s->VStat.data[j] = settled_status(s, j);
+}
+
+void start_slack_basis(sopt *s)
+{
+    for (int j = 0; j < s->NumCols; j++) {
+        s->VStat.data[j] = AT_LOWER;
+        s->SuperVal.data[j] = 0;
+    }
+    for (int i = 0; i < s->NumRows; i++) {
+        s->VStat.data[s->NumCols + i] = i;
+        s->SuperVal.data[s->NumCols + i] = 0;
+        s->BasisHead.data[i] = s->NumCols + i;
+    }
+    settle_nonbasics(s);
+    s->Superbasics = 0;
+    s->HasBasis = 1;
+    s->BasisAge++;
+}
+
+bool start_from_statuses(sopt *s, const int *statuses)
+{
+    int basics = 0;
+    for (int j = 0; j < s->NumVars; j++) basics += statuses[j] >= 0;
+    if (basics != s->NumRows) return false;
+    int position = 0;
+    for (int j = 0; j < s->NumVars; j++) {
+        int status = statuses[j];
+        s->SuperVal.data[j] = 0;
+        if (status >= 0) {
+            s->BasisHead.data[position] = j;
+            status = position++;
+        } else if (j < s->NumCols && s->ColScale.data[j] < 0 &&
+                   (status == AT_LOWER || status == AT_UPPER)) {
+            status =
+                status == AT_LOWER ? AT_UPPER : AT_LOWER; // the column is held reversed
+        }
+        s->VStat.data[j] = status;
+    }
+    settle_nonbasics(s);
+    s->Superbasics = 0;
+    s->HasBasis = 1;
+    s->BasisAge++;
+    return true;
+}
+
+void start_from_point(sopt *s, const double *x, const double *slack)
+{
+    for (int j = 0; j < s->NumVars; j++) {
+        const bool column = j < s->NumCols;
+        if (is_basic(s, j) || (column ? !x : !slack)) continue;
+        const double value = column
+                                 ? x[j] / s->ColScale.data[j]
+                                 : slack[j - s->NumCols] * s->RowScale.data[j - s->NumCols];
+        const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+        s->SuperVal.data[j] = 0;
+        if (lower == upper) { // assigned alike
+            s->VStat.data[j] = AT_FIXED;
+        } else if (std::fabs(value - lower) <= s->FeasTol) {
+            s->VStat.data[j] = AT_LOWER;
+        } else if (column && std::fabs(value - upper) <= s->FeasTol) {
+            s->VStat.data[j] = AT_UPPER;
+        } else if (column || value > 0) {
+            s->VStat.data[j] = AT_FREE;
+            s->SuperVal.data[j] = std::clamp(value, lower, upper);
+        }
+    }
+    s->Superbasics = 0;
+    for (int j = 0; j < s->NumVars; j++)
+        s->Superbasics += s->VStat.data[j] == AT_FREE && s->SuperVal.data[j] != 0;
+    if (s->Superbasics > 0) TVXmsg(s->Env, "Superbasic variables: %d.\n", s->Superbasics);
+}
