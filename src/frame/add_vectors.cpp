@@ -92,6 +92,7 @@ int new_vectors_prepare(ModelBody *body, NameKind kind, PendingVectors *batch,
     TRY(reserve_batch(batch, v));
     const bool vars = kind == NameKind::VAR;
     *next = vars ? body->next_var_name : body->next_constr_name;
+    if (batch->count == 0) batch->old_next_name = *next;
     for (int k = 0; k < v->count; k++) {
         const char *given = v->names ? v->names[k] : nullptr;
         const char **stored = batch->names.data + batch->names.size + k;

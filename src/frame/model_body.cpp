@@ -57,8 +57,8 @@ int check_vtype(TVXenv *env, char vtype, int j)
 void round_bounds(char vtype, double *lb, double *ub)
 {
     if (vtype == 'C' || vtype == 'S') return;
-    *lb = std::ceil(*lb - INTEGER_BOUND_TOL);
-    *ub = std::floor(*ub + INTEGER_BOUND_TOL);
+    *lb = std::ceil(*lb - INTEGER_BOUND_TOL) + 0.0; // + 0.0: no negative zero
+    *ub = std::floor(*ub + INTEGER_BOUND_TOL) + 0.0;
     if (vtype == 'B') {
         *lb = std::max(*lb, 0.0);
         *ub = std::min(*ub, 1.0);

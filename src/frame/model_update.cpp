@@ -101,13 +101,24 @@ static int update_steps(TVXmodel *model)
     return model_has_pending(model) ? apply_pending(model) : 0;
 }
 
+// The queue goes, and with it the default numbers that it had taken.
+static void discard_pending(TVXmodel *model)
+{
+    const PendingChanges *p = model->pending;
+    if (p && p->added_vars.columns.count)
+        model->body->next_var_name = p->added_vars.columns.old_next_name;
+    if (p && p->added_constrs.rows.count)
+        model->body->next_constr_name = p->added_constrs.rows.old_next_name;
+    pending_free(model->pending);
+    model->pending = nullptr;
+}
+
 int model_update(TVXmodel *model)
 {
     const int error = update_steps(model);
     if (error) {
         fail_model(model, error, Report::KEEP_FIRST, "Problem updating model");
-        pending_free(model->pending);
-        model->pending = nullptr;
+        discard_pending(model);
         model->status = STATUS_BROKEN;
     }
     return error;

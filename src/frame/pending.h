@@ -51,6 +51,7 @@ struct ElementChanges {
 // Vectors to be added, as compressed columns (or rows). Indices refer to elements of the body.
 struct PendingVectors {
     int count = 0;
+    int old_next_name = 0;     // the body's next default number before the first was queued
     Array<int> beg;            // [count + 1] starts, or empty when count is 0
     Array<int> ind;            // [members]
     Array<double> val;         // [members] in the caller's sign
