@@ -50,19 +50,20 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
 {
     for (const std::string &word : arguments.words) {
         Setting setting;
-        if (!split_setting(word, &setting.name, &setting.value))
-            work->models.push_back(word);
-        else if (name_key(setting.name) == "resultfile")
+        const bool is_setting = split_setting(word, &setting.name, &setting.value);
+        std::error_code ignored;
+        if (is_setting && name_key(setting.name) == "resultfile") {
             work->request.results.push_back(setting.value);
-        else if (TVXgetparamtype(env, setting.name.c_str()) > 0)
+        } else if (is_setting && TVXgetparamtype(env, setting.name.c_str()) > 0) {
             work->settings.push_back(setting);
-        else if (std::error_code ignored; std::filesystem::exists(word, ignored))
+        } else if (!is_setting || std::filesystem::exists(word, ignored)) {
             work->models.push_back(word);
-        else
+        } else {
             return usage(
                 "there is no parameter '" + setting.name +
                 "'; tarvex --parameters lists them, and a file of that name is written ./" +
                 word);
+        }
     }
     work->request.start = arguments.start;
     work->request.solution = arguments.solution;

@@ -19,7 +19,8 @@ static int report(TVXmodel *model)
     if (error) return error;
     if (status == TVX_INFEASIBLE) printf("no point satisfies all constraints\n");
     if (status == TVX_UNBOUNDED) printf("the objective can grow without limit\n");
-    if (status == TVX_INF_OR_UNBD) printf("infeasible or unbounded; Presolve=0 tells which\n");
+    if (status == TVX_INF_OR_UNBD)
+        printf("infeasible or unbounded; Presolve=0 tells which\n");
     if (status == TVX_TIME_LIMIT) printf("out of time\n");
     if (solutions == 0) return 0;
 

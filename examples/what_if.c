@@ -10,7 +10,8 @@ static TVXmodel *build(TVXenv *env)
 {
     char *products[] = {"bread", "cake", "rolls"};
     char *resources[] = {"oven", "flour", "work"};
-    double profit[] = {45, 80, 30}, need[] = {1, 1.5, 0.5, 14, 8, 9, 0.6, 2, 0.8}, available[] = {10, 180, 20};
+    double profit[] = {45, 80, 30}, need[] = {1, 1.5, 0.5, 14, 8, 9, 0.6, 2, 0.8},
+           available[] = {10, 180, 20};
     int begin[] = {0, 3, 6}, product[] = {0, 1, 2, 0, 1, 2, 0, 1, 2};
     TVXmodel *model = NULL;
 
@@ -39,7 +40,9 @@ int main(void)
         if (!error) error = TVXoptimize(model);
         if (!error) error = TVXgetdblattr(model, "ObjVal", &profit);
         if (!error) error = TVXgetdblattr(model, "IterCount", &iterations);
-        if (!error) printf("%2d hours of oven: profit %7.2f (%.0f iterations)\n", hours, profit, iterations);
+        if (!error)
+            printf("%2d hours of oven: profit %7.2f (%.0f iterations)\n", hours, profit,
+                   iterations);
     }
     if (error) fprintf(stderr, "error: %s\n", TVXgeterrormsg(env));
     TVXfreemodel(model);
