@@ -1,15 +1,9 @@
 // command.cpp -- run the built command and look at what it did
 #include "cli/command.h"
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <cstddef>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sstream>
-#include <stddef.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -48,32 +42,6 @@ BOUNDS
 ENDATA
 )";
 
-void Command::SetUp()
-{
-    std::string pattern = testing::TempDir() + "tarvex-cli-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder = pattern;
-}
-
-void Command::TearDown()
-{
-    std::filesystem::remove_all(folder);
-}
-
-void Command::write(const std::string &name, const std::string &text) const
-{
-    std::ofstream file(path(name), std::ios::binary);
-    file << text;
-}
-
-std::string Command::read(const std::string &name) const
-{
-    std::ifstream file(path(name), std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 // From here on a thread or a process cannot be started: the kernel kills whoever tries.
 static void forbid_threads()
 {
@@ -92,20 +60,18 @@ static void forbid_threads()
     prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
-Outcome Command::run(const std::vector<std::string> &arguments, Confine confine) const
+Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
 {
     std::vector<std::string> words = {TARVEX_COMMAND};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char *> argv;
     for (std::string &word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
-    const std::string out = path("stdout"), err = path("stderr");
     const pid_t child = fork();
     if (child == 0) {
-        if (chdir(folder.c_str()) != 0) _exit(126);
         dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-        dup2(open(out.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
-        dup2(open(err.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
+        dup2(open("stdout", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+        dup2(open("stderr", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
         if (confine == Confine::ONE_THREAD) forbid_threads();
         execv(argv[0], argv.data());
         _exit(127);
@@ -114,8 +80,8 @@ Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
     waitpid(child, &state, 0);
     Outcome outcome;
     outcome.exit_code = WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
-    outcome.out = read("stdout");
-    outcome.err = read("stderr");
+    outcome.out = file_get("stdout");
+    outcome.err = file_get("stderr");
     return outcome;
 }
 

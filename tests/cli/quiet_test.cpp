@@ -17,10 +17,10 @@ static constexpr bool SANITIZED = false;
 
 TEST_F(CliQuiet, OutputFlagZeroIsSilentOnBothStreams)
 {
-    write("plan.mps", PLAN_MODEL);
-    write("never.mps", INFEASIBLE_MODEL);
-    write("set.prm", "Presolve 0\n");
-    write("plan.bas", "NAME plan\nENDATA\n");
+    file_put("plan.mps", PLAN_MODEL);
+    file_put("never.mps", INFEASIBLE_MODEL);
+    file_put("set.prm", "Presolve 0\n");
+    file_put("plan.bas", "NAME plan\nENDATA\n");
     const std::vector<std::vector<std::string>> calls = {
         {"plan.mps", "never.mps"},
         {"LPMethod=0", "Presolve=0", "plan.mps"},
@@ -38,7 +38,7 @@ TEST_F(CliQuiet, OutputFlagZeroIsSilentOnBothStreams)
 
 TEST_F(CliQuiet, ErrorsAreToldEvenUnderOutputFlagZero)
 {
-    write("broken.mps", "ROWS\n what is this\n");
+    file_put("broken.mps", "ROWS\n what is this\n");
     for (const char *model : {"broken.mps", "absent.mps"}) {
         const Outcome outcome = run({"OutputFlag=0", model});
         EXPECT_EQ(outcome.exit_code, 1);
@@ -50,8 +50,8 @@ TEST_F(CliQuiet, ErrorsAreToldEvenUnderOutputFlagZero)
 TEST_F(CliQuiet, OneThreadMeansNoOther)
 {
     if (SANITIZED) GTEST_SKIP() << "sanitizers start threads of their own";
-    write("plan.mps", PLAN_MODEL);
-    write("never.mps", INFEASIBLE_MODEL);
+    file_put("plan.mps", PLAN_MODEL);
+    file_put("never.mps", INFEASIBLE_MODEL);
     for (const char *method : {"LPMethod=0", "LPMethod=1"})
         for (const char *presolve : {"Presolve=-1", "Presolve=0"}) {
             const Outcome outcome =
@@ -65,7 +65,7 @@ TEST_F(CliQuiet, OneThreadMeansNoOther)
 TEST_F(CliQuiet, TheGuardAgainstThreadsWorks)
 {
     if (SANITIZED) GTEST_SKIP() << "sanitizers start threads of their own";
-    write("plan.mps.gz", "not compressed at all"); // reading it starts gzip
+    file_put("plan.mps.gz", "not compressed at all"); // reading it starts gzip
     EXPECT_EQ(run({"plan.mps.gz"}, Confine::ONE_THREAD).exit_code, -SIGSYS);
 }
 

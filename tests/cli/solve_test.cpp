@@ -14,9 +14,8 @@ class CliSolve : public Command
   public:
     void SetUp() override
     {
-        Command::SetUp();
-        write("plan.mps", PLAN_MODEL);
-        write("never.mps", INFEASIBLE_MODEL);
+        file_put("plan.mps", PLAN_MODEL);
+        file_put("never.mps", INFEASIBLE_MODEL);
     }
     // A failure at work: code 1 and one line that holds `words`.
     Outcome fails(const std::vector<std::string> &arguments, const std::string &words) const
@@ -46,8 +45,8 @@ TEST_F(CliSolve, SolvedInfeasibleAndLimitedModelsAllEndWithZero)
 
 TEST_F(CliSolve, FilesThatAreNoModelsAreErrors)
 {
-    write("broken.mps", "ROWS\n what is this\n");
-    std::filesystem::create_directory(path("folder.mps"));
+    file_put("broken.mps", "ROWS\n what is this\n");
+    std::filesystem::create_directory("folder.mps");
     fails({"absent.mps"}, "absent.mps");
     fails({"folder.mps"}, "folder.mps");
     fails({"broken.mps"}, "line 2");
@@ -78,7 +77,7 @@ TEST_F(CliSolve, NamesOfParametersIgnoreCaseAndUnderscores)
 
 TEST_F(CliSolve, TheCommandLineWinsOverParameterFiles)
 {
-    write("set.prm", "Presolve 0\nIterationLimit 0\n");
+    file_put("set.prm", "Presolve 0\nIterationLimit 0\n");
     EXPECT_THAT(solves({"--params", "set.prm", "plan.mps"}).out,
                 HasSubstr("Iteration limit"));
     EXPECT_THAT(solves({"IterationLimit=100", "--params", "set.prm", "plan.mps"}).out,
@@ -89,15 +88,15 @@ TEST_F(CliSolve, TheCommandLineWinsOverParameterFiles)
 TEST_F(CliSolve, TheLogGoesToAFileAsWell)
 {
     solves({"LogFile=run.log", "plan.mps"});
-    EXPECT_THAT(read("run.log"), HasSubstr("Optimal objective"));
+    EXPECT_THAT(file_get("run.log"), HasSubstr("Optimal objective"));
     fails({"LogFile=missing/run.log", "plan.mps"}, "missing/run.log");
 }
 
 TEST_F(CliSolve, ResultFilesAreWritten)
 {
     solves({"ResultFile=plan.sol", "Result_File=again.mps", "plan.mps"});
-    EXPECT_THAT(read("plan.sol"), HasSubstr("x 3\ny 1\n"));
-    EXPECT_THAT(read("again.mps"), HasSubstr("ENDATA"));
+    EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
+    EXPECT_THAT(file_get("again.mps"), HasSubstr("ENDATA"));
     fails({"ResultFile=never.sol", "never.mps"}, "never.sol");
 }
 
@@ -112,7 +111,7 @@ TEST_F(CliSolve, ABasisWrittenIsABasisToStartFrom)
 
 TEST_F(CliSolve, AStartThatDoesNotFitIsAnError)
 {
-    write("other.bas", "NAME other\n XL stranger  hours\nENDATA\n");
+    file_put("other.bas", "NAME other\n XL stranger  hours\nENDATA\n");
     EXPECT_THAT(fails({"--start", "other.bas", "plan.mps"}, "stranger").out,
                 Not(HasSubstr("Optimal objective")));
     fails({"--start", "absent.bas", "plan.mps"}, "absent.bas");
@@ -120,10 +119,10 @@ TEST_F(CliSolve, AStartThatDoesNotFitIsAnError)
 
 TEST_F(CliSolve, AFileNameMayHoldAnEqualsSign)
 {
-    write("a=b.mps", PLAN_MODEL);
+    file_put("a=b.mps", PLAN_MODEL);
     solves({"a=b.mps"});
     solves({"./a=b.mps"});
-    write("TimeLimit=5", PLAN_MODEL);
+    file_put("TimeLimit=5", PLAN_MODEL);
     EXPECT_EQ(run({"TimeLimit=5"}).exit_code,
               2); // a parameter, whatever stands in the folder
 }
@@ -131,10 +130,10 @@ TEST_F(CliSolve, AFileNameMayHoldAnEqualsSign)
 TEST_F(CliSolve, OutputThatCannotBeWrittenIsAnError)
 {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
-    const std::string call = std::string(TARVEX_COMMAND) + " --solution OutputFlag=0 " +
-                             path("plan.mps") + " >/dev/full 2>" + path("said");
+    const std::string call =
+        std::string(TARVEX_COMMAND) + " --solution OutputFlag=0 plan.mps >/dev/full 2>said";
     EXPECT_EQ(WEXITSTATUS(system(call.c_str())), 1);
-    EXPECT_TRUE(is_one_line(read("said")));
+    EXPECT_TRUE(is_one_line(file_get("said")));
 }
 
 } // namespace

@@ -10,11 +10,7 @@ namespace
 class CliUsage : public Command
 {
   public:
-    void SetUp() override
-    {
-        Command::SetUp();
-        write("plan.mps", PLAN_MODEL);
-    }
+    void SetUp() override { file_put("plan.mps", PLAN_MODEL); }
     // Refused as wrong usage: code 2, nothing solved, one line that holds `words`.
     void refuses(const std::vector<std::string> &arguments, const std::string &words) const
     {
@@ -70,7 +66,7 @@ TEST_F(CliUsage, RefusesValuesThatAreNone)
 
 TEST_F(CliUsage, RefusesFilesThatCannotBeMeant)
 {
-    write("plan.bas", "ENDATA\n");
+    file_put("plan.bas", "ENDATA\n");
     refuses({"--start", "plan.mps", "plan.mps"}, ".bas");
     refuses({"ResultFile=plan.xyz", "plan.mps"}, ".sol");
     refuses({"ResultFile=a.sol", "plan.mps", "plan.mps"}, "one at a time");

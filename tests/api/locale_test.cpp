@@ -1,0 +1,82 @@
+// locale_test.cpp -- files, parameters and messages do not depend on the caller's locale
+//
+// A host program may run under a locale whose decimal point is a comma. Such a locale is seldom installed on a test
+// machine, so the fixture makes one: the C library's own LC_NUMERIC file with two characters changed.
+#include "support/scratch.h"
+#include "tarvex.h"
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class CommaLocale : public testing::Test
+{
+  public:
+    void SetUp() override
+    {
+        std::filesystem::create_directory("comma");
+        std::string bytes = file_get("/usr/lib/locale/C.utf8/LC_NUMERIC");
+        // The decimal point stands twice: as text and as a wide character.
+        for (size_t at = 0; (at = bytes.find('.', at)) != std::string::npos;)
+            bytes[at] = ',';
+        file_put("comma/LC_NUMERIC", bytes);
+        setenv("LOCPATH", scratch.path.c_str(), 1);
+        if (!setlocale(LC_NUMERIC, "comma") ||
+            strcmp(localeconv()->decimal_point, ",") != 0)
+            GTEST_SKIP() << "the C library does not take the locale made for this test";
+        ASSERT_EQ(TVXloadenv(&env, nullptr), 0);
+        ASSERT_EQ(TVXsetintparam(env, "OutputFlag", 0), 0);
+    }
+    void TearDown() override
+    {
+        TVXfreeenv(env);
+        setlocale(LC_NUMERIC, "C");
+        unsetenv("LOCPATH");
+    }
+
+    Scratch scratch;
+    TVXenv *env = nullptr;
+};
+
+TEST_F(CommaLocale, ParametersAreReadAndWrittenWithAPoint)
+{
+    double value = 0;
+    file_put("in.prm", "TimeLimit 2.5\n");
+    ASSERT_EQ(TVXreadparams(env, "in.prm"), 0);
+    ASSERT_EQ(TVXgetdblparam(env, "TimeLimit", &value), 0);
+    EXPECT_EQ(value, 2.5);
+    ASSERT_EQ(TVXwriteparams(env, "out.prm"), 0);
+    EXPECT_NE(file_get("out.prm").find("TimeLimit  2.5\n"), std::string::npos);
+}
+
+TEST_F(CommaLocale, MessagesAreWrittenWithAPoint)
+{
+    EXPECT_EQ(TVXsetdblparam(env, "Heuristics", 1.5), TVX_ERROR_VALUE_OUT_OF_RANGE);
+    EXPECT_STREQ(TVXgeterrormsg(env),
+                 "Unable to set parameter Heuristics to value 1.5 (maximum is 1)");
+}
+
+TEST_F(CommaLocale, ModelsAndSolutionsKeepTheirNumbers)
+{
+    file_put("half.lp", "Minimize\n obj: 0.5 x + 1.25 y\nSubject To\n c: x + 2 y >= 3.75\n"
+                        "Bounds\n x <= 1.5\nEnd\n");
+    for (const char *copy : {"copy.mps", "copy.lp"}) {
+        TVXmodel *model = nullptr;
+        ASSERT_EQ(TVXreadmodel(env, "half.lp", &model), 0);
+        ASSERT_EQ(TVXwrite(model, copy), 0);
+        ASSERT_EQ(TVXfreemodel(model), 0);
+        ASSERT_EQ(TVXreadmodel(env, copy, &model), 0);
+        double objective = 0;
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(TVXgetdblattr(model, "ObjVal", &objective), 0);
+        EXPECT_DOUBLE_EQ(objective, 0.5 * 1.5 + 1.25 * 1.125);
+        ASSERT_EQ(TVXwrite(model, "half.sol"), 0);
+        EXPECT_NE(file_get("half.sol").find("y 1.125\n"), std::string::npos);
+        ASSERT_EQ(TVXfreemodel(model), 0);
+    }
+}
+
+} // namespace
