@@ -45,7 +45,7 @@ Parsed arguments_parse(int argc, char **argv, Arguments *arguments, std::string 
     app.add_option("--params", arguments->param_files,
                    "Read parameters from this file; Name=Value wins over it")
         ->type_name("FILE")
-        ->expected(1)
+        ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_flag("--solution", arguments->solution,
                  "Print the variables that are not zero, by name");

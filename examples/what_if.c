@@ -17,7 +17,8 @@ static TVXmodel *build(TVXenv *env)
 
     if (TVXnewmodel(env, &model, "bakery", 3, profit, NULL, NULL, NULL, products) ||
         TVXsetintattr(model, "ModelSense", -1) ||
-        TVXaddconstrs(model, 3, 9, begin, product, need, "<<<", available, resources)) {
+        TVXaddconstrs(model, 3, 9, begin, product, need, "<<<", available, resources) ||
+        TVXupdatemodel(model)) {
         TVXfreemodel(model);
         return NULL;
     }

@@ -61,11 +61,13 @@ TEST_F(CommaLocale, MessagesAreWrittenWithAPoint)
 
 TEST_F(CommaLocale, ModelsAndSolutionsKeepTheirNumbers)
 {
-    file_put("half.lp", "Minimize\n obj: 0.5 x + 1.25 y\nSubject To\n c: x + 2 y >= 3.75\n"
-                        "Bounds\n x <= 1.5\nEnd\n");
-    for (const char *copy : {"copy.mps", "copy.lp"}) {
+    file_put(
+        "half.mps",
+        "ROWS\n N obj\n G c\nCOLUMNS\n x obj 0.5 c 1\n y obj 1.25 c 2\nRHS\n r c 3.75\n"
+        "BOUNDS\n UP b x 1.5\nENDATA\n");
+    for (const char *copy : {"copy.mps"}) {
         TVXmodel *model = nullptr;
-        ASSERT_EQ(TVXreadmodel(env, "half.lp", &model), 0);
+        ASSERT_EQ(TVXreadmodel(env, "half.mps", &model), 0);
         ASSERT_EQ(TVXwrite(model, copy), 0);
         ASSERT_EQ(TVXfreemodel(model), 0);
         ASSERT_EQ(TVXreadmodel(env, copy, &model), 0);

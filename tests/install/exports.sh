@@ -2,7 +2,7 @@
 # The shared library exports exactly the functions that the header declares.
 #   exports.sh LIBRARY HEADER
 set -euo pipefail
-declared=$(grep -o 'TVX_API[^(]*(' "$2" | grep -v define | sed 's/.*[ *]\([A-Za-z0-9_]*\)($/\1/' | sort)
+declared=$(cpp -P "$2" | grep -oE '\bTVX[A-Za-z0-9_]+ *\(' | tr -d ' (' | sort)
 exported=$(nm -D --defined-only "$1" | awk '{print $3}' | sort)
 [ -n "$declared" ]
 missing=$(comm -23 <(echo "$declared") <(echo "$exported"))
