@@ -1,0 +1,288 @@
+// basis_file.cpp -- bases as text files (".bas")
+//
+// Problem     Carry any basis from one run to another by names, so that it comes back exactly.
+// Form        Lines of a key in columns 2-3 and names. What no line mentions is at its default: rows basic, columns
+//             nonbasic at their lower bound, free columns superbasic (nonbasic at 0).
+//               XL, XU  column row    the column is basic, the row is not: a basis has as many of the one as of the other
+//               UL      column        nonbasic at its upper bound
+//               LL      column        nonbasic at its lower bound, said of free columns
+//               SB      column        superbasic, said of columns that are not free
+//             Lines with other keys, and lines that do not begin with a blank, are skipped; E ends the file.
+// Names       With blanks in names the places of two names are found by trying which split gives two known names.
+// Invariant   The basis is set only when all of the file was understood.
+// Literature  B. A. Murtagh, M. A. Saunders, "MINOS 5.5 User's Guide", 1998, section 5 (basis files).
+#include "files/file_names.h"
+#include "files/files.h"
+#include "files/text_file.h"
+#include "files/text_out.h"
+#include "frame/model.h"
+
+static bool is_free(const TVXmodel *model, int j)
+{
+    const double infinite = model->env->TARV_PAR_INFBOUND;
+    return model->body->lb.data[j] <= -infinite && model->body->ub.data[j] >= infinite;
+}
+
+static int default_status(const TVXmodel *model, int j)
+{
+    return is_free(model, j) ? TVX_SUPERBASIC : TVX_NONBASIC_LOWER;
+}
+
+// The names of both kinds, and a status of every column and row in the caller's form.
+struct BasisWork {
+    FileNames vars, constrs;
+    Array<int> vbasis, cbasis;
+};
+
+static int work_make(const TVXmodel *model, BasisWork *work)
+{
+    const ModelBody *body = model->body;
+    TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, false));
+    TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, false));
+    work->vars.wide = work->constrs.wide = work->vars.wide || work->constrs.wide;
+    TRY(array_resize(&work->vbasis, body->numvars));
+    return array_resize(&work->cbasis, body->numconstrs);
+}
+
+// ---- Writing ----
+
+static int no_basis(TVXmodel *model, int error)
+{
+    return fail_model(model, error, Report::KEEP_FIRST, "Unable to retrieve basis for current model");
+}
+
+// The basis of the model, with as many basic columns as nonbasic rows.
+static int fetch_basis(TVXmodel *model, BasisWork *work)
+{
+    int64_t surplus = 0;
+    if (work->vbasis.size)
+        TRY(TVXgetintattrarray(model, "VBasis", 0, model->body->numvars, work->vbasis.data));
+    if (work->cbasis.size)
+        TRY(TVXgetintattrarray(model, "CBasis", 0, model->body->numconstrs, work->cbasis.data));
+    for (const int status : work->vbasis) surplus += status == TVX_BASIC;
+    for (const int status : work->cbasis) surplus -= status != TVX_BASIC;
+    return surplus ? TVX_ERROR_DATA_NOT_AVAILABLE : 0;
+}
+
+static void write_pairs(const BasisWork *work, TextOut *out)
+{
+    char column[FILE_NAME_LENGTH];
+    char row[FILE_NAME_LENGTH];
+    int i = 0;
+    for (int j = 0; j < work->vbasis.size; j++) {
+        if (work->vbasis.data[j] != TVX_BASIC) continue;
+        while (work->cbasis.data[i] == TVX_BASIC) i++; // there is one: the counts agree
+        text_out(out, " XL ");
+        text_out_padded(out, file_name(&work->vars, j, column));
+        text_out(out, "  ");
+        text_out_padded(out, file_name(&work->constrs, i++, row));
+        text_out(out, "\n");
+    }
+}
+
+static const char *key_of(int status)
+{
+    if (status == TVX_NONBASIC_UPPER) return " UL ";
+    return status == TVX_SUPERBASIC ? " SB " : " LL ";
+}
+
+static void write_basis(const TVXmodel *model, const BasisWork *work, TextOut *out)
+{
+    const ModelBody *body = model->body;
+    char buffer[FILE_NAME_LENGTH];
+    text_out(out, "NAME ");
+    if (body->modelname) text_out_line(out, body->modelname);
+    text_out(out, " ");
+    text_out_int(out, body->numvars);
+    text_out(out, " Variables ");
+    text_out_int(out, body->numconstrs);
+    text_out(out, " Constraints\n");
+    write_pairs(work, out);
+    for (int j = 0; j < work->vbasis.size; j++) {
+        const int status = work->vbasis.data[j];
+        if (status == TVX_BASIC || status == default_status(model, j)) continue;
+        text_out(out, key_of(status));
+        text_out_padded(out, file_name(&work->vars, j, buffer));
+        text_out(out, "\n");
+    }
+    text_out(out, "ENDATA\n");
+}
+
+int basis_write(TVXmodel *model, const char *file_name)
+{
+    BasisWork work;
+    TRY(work_make(model, &work));
+    if (const int error = fetch_basis(model, &work)) return no_basis(model, error);
+    TextOut out;
+    TRY(text_out_open(&out, file_name));
+    write_basis(model, &work, &out);
+    return text_out_close(&out);
+}
+
+// ---- Reading ----
+
+struct BasisReader {
+    TVXmodel *model;
+    BasisWork work;
+    FileNameIndex vars, constrs;
+};
+
+static int unknown_name(TVXmodel *model, const char *kind, TextSpan name)
+{
+    static constexpr int SHOWN = 80;
+    char shown[SHOWN];
+    text_printable(shown, SHOWN, name);
+    TVXmsg(model->env, "Error: %s name %s doesn't exist\n", kind, shown);
+    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                      "MPS reader: %s name %s doesn't exist\n", kind, shown);
+}
+
+static int find_column(BasisReader *reader, TextSpan name)
+{
+    return file_index_find(&reader->vars, name.begin, span_length(name));
+}
+
+static int find_row(BasisReader *reader, TextSpan name)
+{
+    return file_index_find(&reader->constrs, name.begin, span_length(name));
+}
+
+static const char *skip_token(const char *p, const char *end)
+{
+    while (p < end && static_cast<unsigned char>(*p) > ' ') p++;
+    return p;
+}
+
+// Two names: the first split at white space whose parts are both known; else that at the first white space.
+static void split_names(BasisReader *reader, TextSpan both, TextSpan *column, TextSpan *row)
+{
+    const char *first = skip_token(both.begin, both.end);
+    for (const char *cut = first; cut < both.end;) {
+        const TextSpan left = span_trim(both.begin, cut);
+        const TextSpan right = span_trim(cut, both.end);
+        if (find_column(reader, left) >= 0 && find_row(reader, right) >= 0) {
+            *column = left;
+            *row = right;
+            return;
+        }
+        cut = skip_token(right.begin, both.end);
+    }
+    const TextSpan rest = span_trim(first, both.end);
+    *column = {both.begin, first};
+    *row = {rest.begin, skip_token(rest.begin, rest.end)};
+}
+
+static int pair_line(BasisReader *reader, TextSpan names)
+{
+    TextSpan column;
+    TextSpan row;
+    split_names(reader, names, &column, &row);
+    const int j = find_column(reader, column);
+    if (j < 0) return unknown_name(reader->model, "variable", column);
+    const int i = find_row(reader, row);
+    if (i < 0) return unknown_name(reader->model, "row", row);
+    reader->work.vbasis.data[j] = TVX_BASIC;
+    reader->work.cbasis.data[i] = TVX_NONBASIC_LOWER;
+    return 0;
+}
+
+// One name, perhaps with a value behind, as some programs write.
+static int column_line(BasisReader *reader, TextSpan name, int status)
+{
+    int j = find_column(reader, name);
+    if (j < 0) {
+        name.end = skip_token(name.begin, name.end);
+        j = find_column(reader, name);
+    }
+    if (j < 0) return unknown_name(reader->model, "variable", name);
+    reader->work.vbasis.data[j] = status;
+    return 0;
+}
+
+// A line that begins with a blank: a key whose first letter stands in the second place, and names.
+static int take_line(BasisReader *reader, TextSpan line)
+{
+    if (span_length(line) < 2) return 0;
+    const char key = line.begin[1];
+    const TextSpan names = span_trim(skip_token(line.begin + 1, line.end), line.end);
+    switch (key) {
+    case 'X':
+    case 'x': return pair_line(reader, names);
+    case 'U':
+    case 'u': return column_line(reader, names, TVX_NONBASIC_UPPER);
+    case 'L':
+    case 'l': return column_line(reader, names, TVX_NONBASIC_LOWER);
+    case 'S':
+    case 's': return column_line(reader, names, TVX_SUPERBASIC);
+    default: return 0;
+    }
+}
+
+static int binary_file(TVXmodel *model, const char *file_name)
+{
+    TVXmsg(model->env, "Error: file %s is no text file\n", file_name);
+    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s is no text file\n",
+                      file_name);
+}
+
+static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)
+{
+    TextSpan line;
+    for (;;) {
+        const TextStep step = text_next(text, &line);
+        if (step == TextStep::END) return 0;
+        if (step == TextStep::BINARY) return binary_file(reader->model, file_name);
+        if (span_empty(line)) continue;
+        const char first = *line.begin;
+        if (first == 'E' || first == 'e') return 0;
+        if (first == ' ') TRY(take_line(reader, line));
+    }
+}
+
+static int load(TVXmodel *model, const char *file_name, TextFile *text)
+{
+    switch (text_load(file_name, text)) {
+    case TextLoad::OK: return 0;
+    case TextLoad::NO_MEMORY: return OUT_OF_MEMORY;
+    case TextLoad::NOT_FOUND:
+        TVXmsg(model->env, "Error: file %s not found\n", file_name);
+        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n",
+                          file_name);
+    default: // TextLoad::BROKEN
+        TVXmsg(model->env, "Error: file %s cannot be read to its end\n", file_name);
+        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                          "File %s cannot be read to its end\n", file_name);
+    }
+}
+
+static int reader_make(TVXmodel *model, BasisReader *reader)
+{
+    BasisWork *work = &reader->work;
+    reader->model = model;
+    TRY(work_make(model, work));
+    for (int j = 0; j < work->vbasis.size; j++) work->vbasis.data[j] = default_status(model, j);
+    for (int &status : work->cbasis) status = TVX_BASIC;
+    TRY(file_index_make(&reader->vars, &work->vars));
+    return file_index_make(&reader->constrs, &work->constrs);
+}
+
+static int set_basis(TVXmodel *model, const BasisWork *work)
+{
+    TRY(TVXsetintattrarray(model, "VBasis", 0, model->body->numvars, work->vbasis.data));
+    TRY(TVXsetintattrarray(model, "CBasis", 0, model->body->numconstrs, work->cbasis.data));
+    return TVXupdatemodel(model);
+}
+
+int basis_read(TVXmodel *model, const char *file_name)
+{
+    if (!model->body->numvars || !model->body->numconstrs) return 0;
+    TextFile text;
+    TRY(load(model, file_name, &text));
+    BasisReader reader{};
+    int error = reader_make(model, &reader);
+    if (!error) error = walk_lines(&reader, file_name, &text);
+    if (!error) error = set_basis(model, &reader.work);
+    file_index_free(&reader.vars);
+    file_index_free(&reader.constrs);
+    return error;
+}

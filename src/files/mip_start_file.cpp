@@ -1,0 +1,163 @@
+// mip_start_file.cpp -- MIP starts as text files (".mst")
+//
+// Form        A line for each variable: name and value. Lines that begin with '#' are comments. The name is all before
+//             the last field when that is a name of the model (it may hold blanks), else the first field.
+// Invariant   Start is set for all variables that the file names, or, on failure, for none.
+#include "files/file_names.h"
+#include "files/file_number.h"
+#include "files/files.h"
+#include "files/text_file.h"
+#include "files/text_out.h"
+#include "frame/model.h"
+#include "frame/runtime/text_number.h"
+
+static int problem(TVXmodel *model, int error)
+{
+    return fail_model(model, error, Report::KEEP_FIRST, "Problem reading MIP start");
+}
+
+// ---- Reading ----
+
+struct StartReader {
+    TVXmodel *model;
+    FileNames names;
+    FileNameIndex index;
+    Array<int> var;
+    Array<double> value;
+    int64_t n_unknown; // names the model does not have
+};
+
+static const char *skip_token(const char *p, const char *end)
+{
+    while (p < end && static_cast<unsigned char>(*p) > ' ') p++;
+    return p;
+}
+
+static int bad_line(StartReader *reader, int64_t number, TextSpan line)
+{
+    static constexpr int SHOWN = 128;
+    char shown[SHOWN];
+    text_printable(shown, SHOWN, line);
+    TVXmsg(reader->model->env, "Error at line %lld of MIP start:\n%s\n",
+           static_cast<long long>(number), shown);
+    return fail_model(reader->model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                      "MIP start: name and value expected at line %lld:\n%s",
+                      static_cast<long long>(number), shown);
+}
+
+static int unknown_variable(StartReader *reader, TextSpan name)
+{
+    static constexpr int SHOWN = 128;
+    static constexpr int64_t UNKNOWN_SHOWN = 100; // a start for another model must not flood the log
+    char shown[SHOWN];
+    text_printable(shown, SHOWN, name);
+    if (reader->n_unknown++ < UNKNOWN_SHOWN)
+        TVXmsg(reader->model->env, "Unknown variable '%s' in MIP start - ignored\n", shown);
+    return 0;
+}
+
+static int start_line(StartReader *reader, int64_t number, TextSpan line)
+{
+    line = span_trim(line.begin, line.end);
+    if (span_empty(line) || *line.begin == '#') return 0;
+    const char *last = line.end;
+    while (last > line.begin && static_cast<unsigned char>(last[-1]) > ' ') last--;
+    TextSpan name = span_trim(line.begin, last);
+    TextSpan field = {last, line.end};
+    int j = file_index_find(&reader->index, name.begin, span_length(name));
+    if (j < 0) { // name, value, and something behind
+        name.end = skip_token(line.begin, line.end);
+        name.begin = line.begin;
+        field = span_trim(name.end, line.end);
+        field.end = skip_token(field.begin, field.end);
+        j = file_index_find(&reader->index, name.begin, span_length(name));
+    }
+    double value = 0.0;
+    if (number_read(field, &value) != NumberKind::FINITE) return bad_line(reader, number, line);
+    if (j < 0) return unknown_variable(reader, name);
+    TRY(array_append(&reader->var, j));
+    return array_append(&reader->value, value);
+}
+
+static int walk_lines(StartReader *reader, TextFile *text)
+{
+    TextSpan line;
+    for (;;) {
+        const TextStep step = text_next(text, &line);
+        if (step == TextStep::END) break;
+        if (step == TextStep::BINARY) return bad_line(reader, text->line, line);
+        TRY(start_line(reader, text->line, line));
+    }
+    if (reader->n_unknown)
+        TVXmsg(reader->model->env, "%lld unknown variables in MIP start\n",
+               static_cast<long long>(reader->n_unknown));
+    return 0;
+}
+
+static int read_text(TVXmodel *model, TextFile *text)
+{
+    StartReader reader{};
+    reader.model = model;
+    TRY(file_names_choose(&reader.names, model->body, FileNameKind::VARIABLE, true));
+    TRY(file_index_make(&reader.index, &reader.names));
+    int error = walk_lines(&reader, text);
+    if (!error && reader.var.size)
+        error = TVXsetdblattrlist(model, "Start", static_cast<int>(reader.var.size), reader.var.data,
+                                  reader.value.data);
+    file_index_free(&reader.index);
+    return error;
+}
+
+int mip_start_read(TVXmodel *model, const char *file_name)
+{
+    TextFile text;
+    switch (text_load(file_name, &text)) {
+    case TextLoad::OK: break;
+    case TextLoad::NO_MEMORY: return OUT_OF_MEMORY;
+    case TextLoad::NOT_FOUND:
+        return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
+                          "Unable to open file '%s' for input", file_name);
+    default: // TextLoad::BROKEN
+        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                          "File %s cannot be read to its end\n", file_name);
+    }
+    const int error = read_text(model, &text);
+    return error ? problem(model, error) : 0;
+}
+
+// ---- Writing ----
+
+static void write_values(const TVXmodel *model, const FileNames *names, const double *x, TextOut *out)
+{
+    const ModelBody *body = model->body;
+    char name[FILE_NAME_LENGTH];
+    char number[NUMBER_LENGTH];
+    text_out(out, "# MIP start\n");
+    for (int j = 0; j < body->numvars; j++) {
+        if (!body->vtypes.size || body->vtypes.data[j] == 'C') continue;
+        text_out(out, file_name(names, j, name));
+        text_out(out, " ");
+        text_out_bytes(out, number, number_shortest(number, x[j]));
+        text_out(out, "\n");
+    }
+}
+
+static int no_solution(TVXmodel *model, int error)
+{
+    TVXmsg(model->env, "No solution available to write to MIP start file\n");
+    return fail_model(model, error, Report::KEEP_FIRST, "Problem writing MIP start");
+}
+
+int mip_start_write(TVXmodel *model, const char *file_name)
+{
+    FileNames names;
+    Array<double> x;
+    TRY(file_names_choose(&names, model->body, FileNameKind::VARIABLE, true));
+    TRY(array_resize(&x, model->body->numvars));
+    if (const int error = TVXgetdblattrarray(model, "X", 0, model->body->numvars, x.data))
+        return no_solution(model, error);
+    TextOut out;
+    TRY(text_out_open(&out, file_name));
+    write_values(model, &names, x.data, &out);
+    return text_out_close(&out);
+}

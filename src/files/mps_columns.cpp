@@ -1,0 +1,117 @@
+// mps_columns.cpp -- COLUMNS: names, types and matrix entries; the hot loop of the reader
+//
+// Method      Entries are appended in file order, a column is the segment that begins with its first line. The latest
+//             entry of each row is remembered, so that a second entry of a row inside the segment is found at once; a
+//             column that comes back later opens a new segment, and mps_build.cpp joins the segments of a column.
+// Cost        One look-up of the row's name and one number per entry; the column's name is compared with the last one.
+#include "files/mps_reader.h"
+#include <climits>
+#include <cstring>
+
+static int segment_open(MpsReader *reader, int column)
+{
+    MpsColumns *columns = &reader->columns;
+    const int begin = static_cast<int>(columns->entry_row.size);
+    TRY(array_append(&columns->segment_column, column));
+    TRY(array_append(&columns->segment_begin, begin));
+    columns->current = column;
+    return 0;
+}
+
+static int column_add(MpsReader *reader, TextSpan name)
+{
+    MpsColumns *columns = &reader->columns;
+    const int64_t length = span_length(name);
+    const char *copy = PoolCopy(reader->pool, name.begin, static_cast<size_t>(length));
+    if (!copy) return OUT_OF_MEMORY;
+    TRY(name_table_append(&columns->names, copy, length));
+    const bool integer = columns->integer_mode;
+    const unsigned char flags = integer ? MARKED_INTEGER : 0;
+    TRY(array_append(&columns->obj, 0.0));
+    TRY(array_append(&columns->lb, 0.0));
+    TRY(array_append(&columns->ub, integer ? 1.0 : MPS_INFINITY));
+    TRY(array_append(&columns->type, integer ? 'I' : 'C'));
+    return array_append(&columns->flags, flags);
+}
+
+// Makes the column of this line the current one.
+static int column_select(MpsReader *reader, TextSpan name)
+{
+    MpsColumns *columns = &reader->columns;
+    const int64_t length = span_length(name);
+    if (columns->current >= 0) {
+        const TableName *last = &columns->names.entries.data[columns->current];
+        if (last->length == length && !memcmp(last->text, name.begin, static_cast<size_t>(length)))
+            return 0;
+    }
+    int column = mps_find_column(reader, name);
+    if (column < 0) {
+        TRY(column_add(reader, name));
+        column = static_cast<int>(columns->names.entries.size - 1);
+    } else {
+        columns->split = true;
+        mps_warn(&reader->warnings, MpsWarning::SPLIT_COLUMN, reader->text.line, name);
+    }
+    return segment_open(reader, column);
+}
+
+static int set_cost(MpsReader *reader, TextSpan row, double value)
+{
+    MpsColumns *columns = &reader->columns;
+    const int column = columns->current;
+    if (columns->flags.data[column] & COST_GIVEN)
+        mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, reader->text.line, row);
+    columns->flags.data[column] |= COST_GIVEN;
+    columns->obj.data[column] = value;
+    return 0;
+}
+
+static int add_entry(MpsReader *reader, TextSpan row, TextSpan number)
+{
+    MpsColumns *columns = &reader->columns;
+    double value = 0.0;
+    TRY(mps_finite(reader, number, &value));
+    const int k = mps_find_row(reader, row);
+    if (k < 0) {
+        columns->n_left_out++;
+        return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_COLUMNS, row);
+    }
+    const int i = reader->rows.place.data[k];
+    if (i == PLACE_OBJECTIVE) return set_cost(reader, row, value);
+    if (i == PLACE_DROPPED) return 0;
+    int *mark = &reader->rows.mark.data[i];
+    if (*mark >= columns->segment_begin.data[columns->segment_begin.size - 1]) {
+        mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, reader->text.line, row);
+        columns->entry_value.data[*mark] = value;
+        return 0;
+    }
+    if (columns->entry_row.size == INT_MAX)
+        return mps_stop(reader, MpsFault::CONTENT, "more than %d entries\n", INT_MAX);
+    *mark = static_cast<int>(columns->entry_row.size);
+    TRY(array_append(&columns->entry_row, i));
+    return array_append(&columns->entry_value, value);
+}
+
+static int marker_line(MpsReader *reader, TextSpan which)
+{
+    const bool starts = span_is_word(which, "'INTORG'");
+    if (!starts && !span_is_word(which, "'INTEND'"))
+        return mps_stop(reader, MpsFault::CONTENT, "this kind of marker cannot be read\n");
+    if (reader->columns.integer_mode == starts)
+        mps_warn(&reader->warnings, MpsWarning::MARKER, reader->text.line, which);
+    reader->columns.integer_mode = starts;
+    return 0;
+}
+
+int mps_columns_line(MpsReader *reader)
+{
+    MpsCard card;
+    TRY(mps_card(reader, &card));
+    if (card.marker) return marker_line(reader, card.value[0]);
+    if (!span_empty(card.name)) TRY(column_select(reader, card.name));
+    if (reader->columns.current < 0) // only fixed form may leave the name out
+        return mps_stop(reader, MpsFault::CONTENT, "the name of the column is missing\n");
+    for (int k = 0; k < card.entries; k++)
+        TRY(add_entry(reader, card.entry[k], card.value[k]));
+    return 0;
+}

@@ -1,0 +1,397 @@
+// mps_read.cpp -- the driver of the MPS reader: sections, the attempts at the form of the file, failures
+//
+// Problem     Read any file that some program calls MPS into the model its author meant, or say where and why not.
+// Method      The text is in memory; an attempt walks its lines once. Free form goes first, watched: if a line cannot be
+//             explained, or names are unknown, or the columns of the fixed form would explain it otherwise, fixed form
+//             is tried from the first line, strictly, and free form without watching last. The failure reported is that
+//             of the attempt that came furthest.
+// Order       NAME, OBJSENSE and OBJNAME may be missing; ROWS, then COLUMNS, then RHS, RANGES, BOUNDS and SOS in any
+//             order, also repeatedly; ENDATA must end the file.
+// Cost        One pass for nearly all files, at most three.
+#include "files/files.h"
+#include "files/file_number.h"
+#include "files/mps_reader.h"
+#include "frame/env.h"
+#include "frame/runtime/text_number.h"
+#include <climits>
+
+// ---- Failures ----
+
+static void failure_set(MpsReader *reader, MpsFault fault, const char *format, va_list arguments)
+{
+    MpsFailure *failure = &reader->failure;
+    failure->fault = fault;
+    failure->line = reader->text.line;
+    failure->text = reader->line;
+    text_format_v(failure->reason, MPS_REASON_LENGTH, format, arguments);
+}
+
+int mps_stop(MpsReader *reader, MpsFault fault, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    failure_set(reader, fault, format, arguments);
+    va_end(arguments);
+    return TVX_ERROR_FILE_READ;
+}
+
+static constexpr int FIELD_SHOWN = 60; // characters of a field in a reason
+
+int mps_stop_number(MpsReader *reader, TextSpan field)
+{
+    char shown[FIELD_SHOWN];
+    text_printable(shown, FIELD_SHOWN, field);
+    double value = 0.0;
+    switch (number_read(field, &value)) {
+    case NumberKind::INFINITE:
+        return mps_stop(reader, MpsFault::CONTENT, "an infinite value cannot stand here\n");
+    case NumberKind::TOO_LARGE:
+        return mps_stop(reader, MpsFault::CONTENT, "the number %s is too large\n", shown);
+    default: return mps_stop(reader, MpsFault::CONTENT, "'%s' is not a number\n", shown);
+    }
+}
+
+int mps_finite(MpsReader *reader, TextSpan field, double *value)
+{
+    if (number_read(field, value) == NumberKind::FINITE) return 0;
+    return mps_stop_number(reader, field);
+}
+
+int mps_unknown(MpsReader *reader, MpsWarning warning, TextSpan name)
+{
+    if (reader->form == MpsForm::CHECKED)
+        return mps_stop(reader, MpsFault::SUSPECT, "unknown name\n");
+    mps_warn(&reader->warnings, warning, reader->text.line, name);
+    return 0;
+}
+
+bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning warning)
+{
+    if (span_empty(name)) return !set->skipping; // as the line before
+    if (span_empty(set->first)) set->first = name;
+    const bool counts = span_length(name) == span_length(set->first) &&
+                        !memcmp(name.begin, set->first.begin, static_cast<size_t>(span_length(name)));
+    if (!counts && !set->skipping) mps_warn(&reader->warnings, warning, reader->text.line, name);
+    set->skipping = !counts;
+    return counts;
+}
+
+// ---- Sections ----
+
+static int stop_section(MpsReader *reader, const char *reason)
+{
+    if (!reader->seen_rows) return mps_stop(reader, MpsFault::NO_ROWS, "%s", reason);
+    if (!reader->seen_columns) return mps_stop(reader, MpsFault::NO_COLUMNS, "%s", reason);
+    return mps_stop(reader, MpsFault::NO_END, "%s", reason);
+}
+
+// "MAX..." or "MIN...", in any case.
+static int read_sense(MpsReader *reader, TextSpan word)
+{
+    static constexpr int64_t COMPARED = 3;
+    const bool long_enough = span_length(word) >= COMPARED;
+    const TextSpan head = {word.begin, long_enough ? word.begin + COMPARED : word.end};
+    const bool maximise = span_is_word(head, "MAX");
+    if (!maximise && !span_is_word(head, "MIN"))
+        return mps_stop(reader, MpsFault::CONTENT, "the objective's sense is MAX or MIN\n");
+    reader->sense = maximise ? -1 : 1;
+    return 0;
+}
+
+// OBJSENSE and OBJNAME carry their word on the same line or on the next.
+static int begin_head_word(MpsReader *reader, MpsSection section, TextSpan rest)
+{
+    const bool name = section == MpsSection::OBJNAME;
+    if (name && reader->seen_columns)
+        return mps_stop(reader, MpsFault::NO_END, "OBJNAME must stand before COLUMNS\n");
+    if (span_empty(rest)) {
+        reader->back = reader->section;
+        reader->section = section;
+        return 0;
+    }
+    if (!name) return read_sense(reader, rest);
+    reader->objective_name = rest;
+    return 0;
+}
+
+static int begin_rows(MpsReader *reader)
+{
+    if (reader->seen_columns)
+        return mps_stop(reader, MpsFault::NO_END, "ROWS must stand before COLUMNS\n");
+    reader->section = MpsSection::ROWS;
+    reader->seen_rows = true;
+    return 0;
+}
+
+static int begin_columns(MpsReader *reader)
+{
+    if (!reader->seen_rows)
+        return mps_stop(reader, MpsFault::NO_ROWS, "COLUMNS stands before ROWS\n");
+    if (!reader->seen_columns) {
+        TRY(mps_rows_choose_objective(reader));
+        if (!reader->rows.has_objective)
+            mps_warn(&reader->warnings, MpsWarning::NO_OBJECTIVE, 0, TextSpan{});
+    }
+    reader->section = MpsSection::COLUMNS;
+    reader->seen_columns = true;
+    return 0;
+}
+
+static const struct {
+    const char *name;
+    MpsSection section;
+} sections[] = {{"NAME", MpsSection::HEAD},       {"OBJSENSE", MpsSection::SENSE},
+                {"OBJNAME", MpsSection::OBJNAME}, {"ROWS", MpsSection::ROWS},
+                {"RHS", MpsSection::RHS},         {"RANGES", MpsSection::RANGES},
+                {"BOUNDS", MpsSection::BOUNDS},   {"SOS", MpsSection::SOS},
+                {"SETS", MpsSection::SOS}};
+
+// The section of a header's first word; false when there is none. Of COLUMNS only four letters count.
+static bool section_find(TextSpan word, MpsSection *section)
+{
+    static constexpr int64_t COLUMNS_COMPARED = 4;
+    if (span_length(word) >= COLUMNS_COMPARED &&
+        span_is_word({word.begin, word.begin + COLUMNS_COMPARED}, "COLU")) {
+        *section = MpsSection::COLUMNS;
+        return true;
+    }
+    for (const auto &row : sections)
+        if (span_is_word(word, row.name)) {
+            *section = row.section;
+            return true;
+        }
+    return false;
+}
+
+static int section_begin(MpsReader *reader, MpsSection section, TextSpan rest)
+{
+    switch (section) {
+    case MpsSection::HEAD:
+        if (reader->seen_rows) return stop_section(reader, "NAME must stand first\n");
+        reader->model_name = rest;
+        return 0;
+    case MpsSection::SENSE:
+    case MpsSection::OBJNAME: return begin_head_word(reader, section, rest);
+    default: break;
+    }
+    if (!span_empty(rest) && *rest.begin != '$')
+        return stop_section(reader, "text behind the name of the section\n");
+    if (section == MpsSection::ROWS) return begin_rows(reader);
+    if (section == MpsSection::COLUMNS) return begin_columns(reader);
+    if (!reader->seen_columns) return stop_section(reader, "the section stands too early\n");
+    if (section == MpsSection::RHS) reader->seen_rhs = true;
+    reader->section = section;
+    return 0;
+}
+
+// ---- Lines ----
+
+enum class Walk { GO_ON, DONE };
+
+static int header_line(MpsReader *reader, Walk *walk)
+{
+    MpsTokens tokens;
+    mps_split(reader->line, &tokens);
+    const TextSpan word = tokens.token[0];
+    if (span_is_word(word, "ENDATA")) {
+        *walk = Walk::DONE;
+        return reader->seen_columns ? 0 : stop_section(reader, "ENDATA stands too early\n");
+    }
+    MpsSection section{};
+    if (!section_find(word, &section))
+        return stop_section(reader, "this section is not known or not supported\n");
+    return section_begin(reader, section, span_trim(word.end, reader->line.end));
+}
+
+// The line behind OBJSENSE or OBJNAME, wherever it begins.
+static int head_word_line(MpsReader *reader)
+{
+    const TextSpan word = span_trim(reader->line.begin, reader->line.end);
+    const bool name = reader->section == MpsSection::OBJNAME;
+    reader->section = reader->back;
+    if (!name) return read_sense(reader, word);
+    reader->objective_name = word;
+    return 0;
+}
+
+static int data_line(MpsReader *reader)
+{
+    switch (reader->section) {
+    case MpsSection::ROWS: return mps_rows_line(reader);
+    case MpsSection::COLUMNS: return mps_columns_line(reader);
+    case MpsSection::RHS: return mps_rhs_line(reader);
+    case MpsSection::RANGES: return mps_ranges_line(reader);
+    case MpsSection::BOUNDS: return mps_bounds_line(reader);
+    case MpsSection::SOS: return mps_sos_line(reader);
+    default: return stop_section(reader, "data before the first section\n");
+    }
+}
+
+static int take_line(MpsReader *reader, Walk *walk)
+{
+    if (span_empty(reader->line)) return 0;
+    const char first = *reader->line.begin;
+    if (first == '*' || first == '$') return 0; // comments
+    if (reader->section == MpsSection::SENSE || reader->section == MpsSection::OBJNAME)
+        return head_word_line(reader);
+    if (static_cast<unsigned char>(first) > ' ') return header_line(reader, walk);
+    return data_line(reader);
+}
+
+static int walk_lines(MpsReader *reader)
+{
+    Walk walk = Walk::GO_ON;
+    while (walk == Walk::GO_ON) {
+        switch (text_next(&reader->text, &reader->line)) {
+        case TextStep::LINE: TRY(take_line(reader, &walk)); break;
+        case TextStep::BINARY:
+            return mps_stop(reader, MpsFault::BINARY,
+                            "the line holds a control character: this is no text file\n");
+        case TextStep::END:
+            reader->line = TextSpan{};
+            return stop_section(reader, "the file ends here\n");
+        }
+    }
+    const MpsColumns *columns = &reader->columns;
+    bool cost = false;
+    for (const unsigned char flags : columns->flags) cost = cost || (flags & COST_GIVEN);
+    if (columns->n_left_out && !columns->entry_row.size && !cost)
+        return mps_stop(reader, MpsFault::EMPTY, "no entry belongs to a declared row\n");
+    return 0;
+}
+
+// ---- Attempts ----
+
+static int attempt(MpsReader *reader, MpsForm form)
+{
+    TextFile text = static_cast<TextFile &&>(reader->text);
+    PoolFree(&reader->pool);
+    *reader = MpsReader{};
+    reader->text = static_cast<TextFile &&>(text);
+    reader->form = form;
+    text_rewind(&reader->text);
+    static constexpr size_t NAME_CHUNK = 1 << 16;
+    reader->pool = PoolCreate(NAME_CHUNK);
+    if (!reader->pool) return OUT_OF_MEMORY;
+    return walk_lines(reader);
+}
+
+static bool form_may_be_wrong(MpsFault fault)
+{
+    return fault == MpsFault::SUSPECT || fault == MpsFault::FIELDS || fault == MpsFault::CONTENT;
+}
+
+static int parse(MpsReader *reader)
+{
+    int error = attempt(reader, MpsForm::CHECKED);
+    if (error != TVX_ERROR_FILE_READ || !form_may_be_wrong(reader->failure.fault)) return error;
+    const MpsFailure first = reader->failure;
+
+    error = attempt(reader, MpsForm::FIXED);
+    if (error != TVX_ERROR_FILE_READ) return error;
+    const MpsFailure second = reader->failure;
+
+    // A CHECKED failure that is no mere suspicion would come again.
+    reader->failure = first;
+    if (first.fault == MpsFault::SUSPECT) error = attempt(reader, MpsForm::FREE);
+    if (error == TVX_ERROR_FILE_READ && second.line > reader->failure.line)
+        reader->failure = second;
+    return error;
+}
+
+// ---- Reports ----
+
+static constexpr int LINE_SHOWN = 256; // bytes of an offending line in a report
+
+// Errors that belong to a line: the line with its number, then what is wrong with it.
+static int report_line(TVXenv *env, const MpsFailure *failure)
+{
+    char shown[LINE_SHOWN];
+    text_printable(shown, LINE_SHOWN, failure->text);
+    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
+    if (failure->fault == MpsFault::FIELDS) TVXmsg(env, "Error: not free format mps file.\n");
+    TVXmsg(env, "Error at line %d:\n%s\n", line, shown);
+    TVXmsg(env, "%s", failure->reason);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "MPS read error at line %d:\n%s\n%s",
+                line, shown, failure->reason);
+}
+
+// Errors about sections.
+static int report_section(TVXenv *env, const MpsFailure *failure, const char *log_text,
+                          const char *message)
+{
+    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
+    char shown[LINE_SHOWN];
+    text_printable(shown, LINE_SHOWN, failure->text);
+    TVXmsg(env, "%s", log_text);
+    TVXmsg(env, "         line %d: %s\n         %s", line, shown, failure->reason);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s\n%s", message, line,
+                shown, failure->reason);
+}
+
+static int report_no_end(TVXenv *env, const MpsFailure *failure)
+{
+    char log_text[LINE_SHOWN];
+    char message[LINE_SHOWN];
+    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
+    text_format(log_text, LINE_SHOWN, "Error: line %d not right or no ENDATA.\n", line);
+    text_format(message, LINE_SHOWN, "MPS reader: line %d not right or no ENDATA\n", line);
+    return report_section(env, failure, log_text, message);
+}
+
+static int report(TVXenv *env, const MpsFailure *failure)
+{
+    switch (failure->fault) {
+    case MpsFault::NO_ROWS:
+        return report_section(env, failure, "Error: no row section.\n",
+                              "MPS reader: no row section\n");
+    case MpsFault::NO_COLUMNS:
+        return report_section(env, failure, "Error: no column section.\n",
+                              "MPS reader: no column section\n");
+    case MpsFault::EMPTY:
+        return report_section(env, failure, "Error: no columns or no nonzeros.\n",
+                              "MPS reader: no columns or no nonzeros\n");
+    case MpsFault::NO_END: return report_no_end(env, failure);
+    default: return report_line(env, failure);
+    }
+}
+
+static int report_memory(TVXenv *env)
+{
+    TVXmsg(env, "Error: out of memory.\n");
+    return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
+}
+
+static int load(TVXenv *env, const char *file_name, TextFile *text)
+{
+    switch (text_load(file_name, text)) {
+    case TextLoad::OK: return 0;
+    case TextLoad::NO_MEMORY: return report_memory(env);
+    case TextLoad::NOT_FOUND:
+        TVXmsg(env, "Error: file %s not found\n", file_name);
+        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n", file_name);
+    default: // TextLoad::BROKEN
+        TVXmsg(env, "Error: file %s cannot be read to its end\n", file_name);
+        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                    "File %s cannot be read to its end\n", file_name);
+    }
+}
+
+static int read_loaded(TVXenv *env, MpsReader *reader, TVXmodel **model_out)
+{
+    const int error = parse(reader);
+    if (!error) return mps_build(env, reader, model_out);
+    if (error == OUT_OF_MEMORY) return report_memory(env);
+    mps_warnings_show(&reader->warnings, env);
+    return report(env, &reader->failure);
+}
+
+int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out)
+{
+    *model_out = nullptr;
+    MpsReader reader;
+    TRY(load(env, file_name, &reader.text));
+    const int error = read_loaded(env, &reader, model_out);
+    PoolFree(&reader.pool);
+    return error;
+}

@@ -1,0 +1,29 @@
+// name_table.h -- NameTable, names numbered in the order they came, found again by hash
+//
+// For the millions of look-ups of a file reader; names keep their case and may be any bytes.
+#pragma once
+#include "frame/runtime/array.h"
+
+struct TableName {
+    const char *text; // owned by the caller, lives as long as the table
+    int length;       // bytes
+};
+// Names of up to 16 bytes are told apart by their slot alone.
+struct TableSlot {
+    uint32_t tag;  // 24 bits of hash, 8 bits of length (255 for more)
+    int index;     // into entries, or -1: empty
+    uint64_t head; // first 8 bytes of a name longer than 8, else 0
+    uint64_t tail; // last 8 bytes, or all
+};
+// Invariant: slots is empty or has a power of two entries, at most 5/8 of them in use; linear probing.
+struct NameTable {
+    Array<TableName> entries; // in order of number
+    Array<TableSlot> slots;
+};
+
+static constexpr int NAME_ABSENT = -1;
+// The number of the name, or NAME_ABSENT.
+int name_table_find(const NameTable *table, const char *text, int64_t length);
+// Appends a name that is not in the table as number entries.size. Text must stay where it is. 0 or OUT_OF_MEMORY; the
+// table is unchanged on failure.
+[[nodiscard]] int name_table_append(NameTable *table, const char *text, int64_t length);

@@ -1,0 +1,26 @@
+// text_out.h -- TextOut, a text file being written: complete, or reported and removed
+#pragma once
+#include "frame/runtime/array.h"
+#include "frame/runtime/file.h"
+
+// States   closed   file.stream is null
+//          open     writes are collected in buffer; the first failure is remembered in `failed`, later writes do nothing
+// text_out_close is the only way out of open.
+struct TextOut {
+    FileHandle file;
+    const char *name = nullptr; // of the file; the caller's
+    Array<char> buffer;         // [room] text not yet written
+    bool failed = false;
+};
+
+// 0, OUT_OF_MEMORY, or TVX_ERROR_FILE_WRITE when the file does not open; records no message.
+[[nodiscard]] int text_out_open(TextOut *out, const char *file_name);
+void text_out_bytes(TextOut *out, const char *bytes, int64_t length);
+void text_out(TextOut *out, const char *text);
+void text_out_padded(TextOut *out, const char *text); // at least 8 characters, as "%-8s"
+void text_out_number(TextOut *out, double value);     // as number_write
+void text_out_int(TextOut *out, int64_t value);
+void text_out_line(TextOut *out, const char *text); // control characters replaced by blanks
+// Closes. With `failed` set by the caller or by a write, or when the close fails, the file is removed if it is a
+// regular one. 0 or TVX_ERROR_FILE_WRITE. A closed record is ignored.
+[[nodiscard]] int text_out_close(TextOut *out);
