@@ -66,10 +66,11 @@ static int join_segments(MpsReader *reader, Array<int> *vbeg)
 }
 
 // Entries of one row in one column become one, the later value stands: only joined segments have such.
-static void merge_duplicates(MpsReader *reader, Array<int> *vbeg)
+static int merge_duplicates(MpsReader *reader, Array<int> *vbeg)
 {
     MpsColumns *columns = &reader->columns;
-    for (int &mark : reader->rows.mark) mark = INT_MIN;
+    Array<int> latest; // [m] the row's latest entry
+    TRY(array_assign(&latest, reader->rows.type.size, -1));
     int to = 0;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
         const int begin = to;
@@ -77,7 +78,7 @@ static void merge_duplicates(MpsReader *reader, Array<int> *vbeg)
         for (int p = vbeg->data[j]; p < end; p++) {
             const int i = columns->entry_row.data[p];
             const double value = columns->entry_value.data[p];
-            int *mark = &reader->rows.mark.data[i];
+            int *mark = &latest.data[i];
             if (*mark >= begin) {
                 mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, 0, TextSpan{});
                 columns->entry_value.data[*mark] = value;
@@ -91,6 +92,7 @@ static void merge_duplicates(MpsReader *reader, Array<int> *vbeg)
     }
     vbeg->data[columns->names.entries.size] = to;
     columns->entry_row.size = columns->entry_value.size = to;
+    return 0;
 }
 
 static void drop_zeros(MpsColumns *columns, Array<int> *vbeg)
@@ -117,7 +119,7 @@ static int assemble_columns(MpsReader *reader, Array<int> *vbeg)
     TRY(array_resize(vbeg, n + 1));
     if (columns->split) {
         TRY(join_segments(reader, vbeg));
-        merge_duplicates(reader, vbeg);
+        TRY(merge_duplicates(reader, vbeg));
     } else {
         for (int64_t j = 0; j < n; j++) vbeg->data[j] = columns->segment_begin.data[j];
         vbeg->data[n] = static_cast<int>(columns->entry_row.size);
@@ -226,7 +228,7 @@ static int collect_constraint_names(MpsReader *reader, Parts *parts)
     const MpsRows *rows = &reader->rows;
     TRY(array_reserve(&parts->constrnames, rows->type.size));
     for (int64_t k = 0; k < rows->names.entries.size; k++)
-        if (rows->place.data[k] >= 0) array_push(&parts->constrnames, rows->names.entries.data[k].text);
+        if (rows->place.data[k].place >= 0) array_push(&parts->constrnames, rows->names.entries.data[k].text);
     return 0;
 }
 

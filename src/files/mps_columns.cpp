@@ -66,30 +66,43 @@ static int set_cost(MpsReader *reader, TextSpan row, double value)
     return 0;
 }
 
-static int add_entry(MpsReader *reader, TextSpan row, TextSpan number)
+// An entry of the current column in the row that is name k, or NAME_ABSENT.
+static int add_entry(MpsReader *reader, int k, TextSpan row, double value)
 {
     MpsColumns *columns = &reader->columns;
-    double value = 0.0;
-    TRY(mps_finite(reader, number, &value));
-    const int k = mps_find_row(reader, row);
-    if (k < 0) {
+    if (k == NAME_ABSENT) {
         columns->n_left_out++;
         return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_COLUMNS, row);
     }
-    const int i = reader->rows.place.data[k];
-    if (i == PLACE_OBJECTIVE) return set_cost(reader, row, value);
-    if (i == PLACE_DROPPED) return 0;
-    int *mark = &reader->rows.mark.data[i];
-    if (*mark >= columns->segment_begin.data[columns->segment_begin.size - 1]) {
+    MpsPlace *place = &reader->rows.place.data[k];
+    if (place->place == PLACE_OBJECTIVE) return set_cost(reader, row, value);
+    if (place->place == PLACE_DROPPED) return 0;
+    if (place->mark >= columns->segment_begin.data[columns->segment_begin.size - 1]) {
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, reader->text.line, row);
-        columns->entry_value.data[*mark] = value;
+        columns->entry_value.data[place->mark] = value;
         return 0;
     }
     if (columns->entry_row.size == INT_MAX)
         return mps_stop(reader, MpsFault::CONTENT, "more than %d entries\n", INT_MAX);
-    *mark = static_cast<int>(columns->entry_row.size);
-    TRY(array_append(&columns->entry_row, i));
+    place->mark = static_cast<int>(columns->entry_row.size);
+    TRY(array_append(&columns->entry_row, place->place));
     return array_append(&columns->entry_value, value);
+}
+
+// The look-ups of both rows are under way while the numbers are read.
+static int add_entries(MpsReader *reader, const MpsCard *card)
+{
+    TableKey key[2];
+    for (int k = 0; k < card->entries; k++)
+        key[k] = name_table_key(&reader->rows.names, card->entry[k].begin,
+                                span_length(card->entry[k]));
+    double value[2] = {0.0, 0.0};
+    for (int k = 0; k < card->entries; k++)
+        TRY(mps_finite(reader, card->value[k], &value[k]));
+    for (int k = 0; k < card->entries; k++)
+        TRY(add_entry(reader, name_table_find_key(&reader->rows.names, &key[k]), card->entry[k],
+                      value[k]));
+    return 0;
 }
 
 static int marker_line(MpsReader *reader, TextSpan which)
@@ -111,7 +124,5 @@ int mps_columns_line(MpsReader *reader)
     if (!span_empty(card.name)) TRY(column_select(reader, card.name));
     if (reader->columns.current < 0) // only fixed form may leave the name out
         return mps_stop(reader, MpsFault::CONTENT, "the name of the column is missing\n");
-    for (int k = 0; k < card.entries; k++)
-        TRY(add_entry(reader, card.entry[k], card.value[k]));
-    return 0;
+    return add_entries(reader, &card);
 }

@@ -50,17 +50,21 @@ struct MpsCard {
     bool marker = false;       // COLUMNS: a marker line; value[0] says which
 };
 
-// The value of a row's `place` that is no row number.
+// The value of a row's `place` that is no constraint number.
 enum { PLACE_OBJECTIVE = -1, PLACE_DROPPED = -2 };
+// What an entry needs of its row, side by side.
+struct MpsPlace {
+    int place; // constraint number, or PLACE_
+    int mark;  // the row's latest entry, an index into entry_row, or -1; may be of an older column
+};
 
 struct MpsRows {
     NameTable names;     // every row of the section, N rows too
-    Array<int> place;    // [names] constraint number, or PLACE_
+    Array<MpsPlace> place; // [names]
     Array<char> type;    // [m] 'L' 'G' 'E'
     Array<double> rhs;   // [m]
     Array<double> range; // [m] 0 without
     Array<char> given;   // [m] bit 1: rhs given, bit 2: range given
-    Array<int> mark;     // [m] the row's latest entry, an index into entry_row; may be stale
     bool has_objective = false;
 };
 enum MpsRowGiven { RHS_GIVEN = 1, RANGE_GIVEN = 2 };

@@ -32,7 +32,7 @@ static int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
     MpsRows *rows = &reader->rows;
     double value = 0.0;
     const int k = mps_find_row(reader, row);
-    const int i = k < 0 ? static_cast<int>(PLACE_DROPPED) : rows->place.data[k];
+    const int i = k < 0 ? static_cast<int>(PLACE_DROPPED) : rows->place.data[k].place;
     if (i == PLACE_OBJECTIVE) return set_constant(reader, row, field);
     TRY(side_read(reader, field, i >= 0 && rows->type.data[i] != 'E', &value));
     if (k < 0) return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_RHS, row);
@@ -53,7 +53,7 @@ static int set_range(MpsReader *reader, TextSpan row, TextSpan field)
     TRY(side_read(reader, field, true, &value));
     const int k = mps_find_row(reader, row);
     if (k < 0) return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_RANGES, row);
-    const int i = rows->place.data[k];
+    const int i = rows->place.data[k].place;
     if (i < 0) return 0; // a range of a free row says nothing
     if (rows->given.data[i] & RANGE_GIVEN) {
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_RANGE, reader->text.line, row);

@@ -3,18 +3,20 @@
 // Invariant   rows.place gives every declared name its constraint number, or says that it is the objective or a free
 //             row that is dropped. A name declared twice is an error: no reader could tell the two apart.
 #include "files/mps_reader.h"
-#include <climits>
+
+static int place_add(MpsRows *rows, int place)
+{
+    return array_append(&rows->place, MpsPlace{place, -1});
+}
 
 static int add_constraint(MpsReader *reader, char type)
 {
     MpsRows *rows = &reader->rows;
-    TRY(array_append(&rows->place, static_cast<int>(rows->type.size)));
+    TRY(place_add(rows, static_cast<int>(rows->type.size)));
     TRY(array_append(&rows->type, type));
     TRY(array_append(&rows->rhs, 0.0));
     TRY(array_append(&rows->range, 0.0));
-    TRY(array_append(&rows->given, char{0}));
-    TRY(array_append(&rows->mark, INT_MIN));
-    return 0;
+    return array_append(&rows->given, char{0});
 }
 
 // A free row is the objective if it is the first, unless OBJNAME names one.
@@ -24,10 +26,10 @@ static int add_free_row(MpsReader *reader, TextSpan name)
     const bool wanted = span_empty(reader->objective_name);
     if (wanted && !rows->has_objective) {
         rows->has_objective = true;
-        return array_append(&rows->place, static_cast<int>(PLACE_OBJECTIVE));
+        return place_add(rows, PLACE_OBJECTIVE);
     }
     if (wanted) mps_warn(&reader->warnings, MpsWarning::MORE_FREE_ROWS, reader->text.line, name);
-    return array_append(&rows->place, static_cast<int>(PLACE_DROPPED));
+    return place_add(rows, PLACE_DROPPED);
 }
 
 static int name_add(MpsReader *reader, TextSpan name)
@@ -58,11 +60,11 @@ int mps_rows_choose_objective(MpsReader *reader)
     MpsRows *rows = &reader->rows;
     if (span_empty(reader->objective_name)) return 0;
     const int k = mps_find_row(reader, reader->objective_name);
-    if (k < 0 || rows->place.data[k] >= 0)
+    if (k < 0 || rows->place.data[k].place >= 0)
         return mps_stop(reader, MpsFault::CONTENT, "OBJNAME names no row of type N\n");
-    for (int &place : rows->place)
-        if (place < 0) place = PLACE_DROPPED;
-    rows->place.data[k] = PLACE_OBJECTIVE;
+    for (MpsPlace &row : rows->place)
+        if (row.place < 0) row.place = PLACE_DROPPED;
+    rows->place.data[k].place = PLACE_OBJECTIVE;
     rows->has_objective = true;
     return 0;
 }

@@ -68,20 +68,38 @@ static bool same_text(const NameTable *table, int index, const char *text, int64
     return name->length == length && !memcmp(name->text, text, static_cast<size_t>(length));
 }
 
-int name_table_find(const NameTable *table, const char *text, int64_t length)
+TableKey name_table_key(const NameTable *table, const char *text, int64_t length)
+{
+    TableKey key;
+    key.hash = slot_of_name(text, length, &key.slot);
+    key.text = text;
+    key.length = length;
+    if (table->slots.size)
+        __builtin_prefetch(table->slots.data + (static_cast<int64_t>(key.hash) & (table->slots.size - 1)));
+    return key;
+}
+
+int name_table_find_key(const NameTable *table, const TableKey *key)
 {
     if (!table->slots.size) return NAME_ABSENT;
-    TableSlot sought;
-    const uint64_t hash = slot_of_name(text, length, &sought);
     const int64_t mask = table->slots.size - 1;
     const TableSlot *slots = table->slots.data;
-    for (int64_t k = static_cast<int64_t>(hash) & mask; slots[k].index >= 0; k = (k + 1) & mask) {
+    int64_t k = static_cast<int64_t>(key->hash) & mask;
+    for (; slots[k].index >= 0; k = (k + 1) & mask) {
         const TableSlot *slot = &slots[k];
-        if (slot->tag != sought.tag || slot->tail != sought.tail || slot->head != sought.head)
+        if (slot->tag != key->slot.tag || slot->tail != key->slot.tail ||
+            slot->head != key->slot.head)
             continue;
-        if (length <= SLOT_BYTES || same_text(table, slot->index, text, length)) return slot->index;
+        if (key->length <= SLOT_BYTES || same_text(table, slot->index, key->text, key->length))
+            return slot->index;
     }
     return NAME_ABSENT;
+}
+
+int name_table_find(const NameTable *table, const char *text, int64_t length)
+{
+    const TableKey key = name_table_key(table, text, length);
+    return name_table_find_key(table, &key);
 }
 
 static void add_slot(NameTable *table, int index)

@@ -22,6 +22,15 @@ struct NameTable {
 };
 
 static constexpr int NAME_ABSENT = -1;
+// A name prepared for a look-up in one table: its slot is on the way to the cache.
+struct TableKey {
+    TableSlot slot; // index unused
+    uint64_t hash;
+    const char *text;
+    int64_t length;
+};
+TableKey name_table_key(const NameTable *table, const char *text, int64_t length);
+int name_table_find_key(const NameTable *table, const TableKey *key);
 // The number of the name, or NAME_ABSENT.
 int name_table_find(const NameTable *table, const char *text, int64_t length);
 // Appends a name that is not in the table as number entries.size. Text must stay where it is. 0 or OUT_OF_MEMORY; the
