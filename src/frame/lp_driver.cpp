@@ -7,8 +7,8 @@
 //             4  The simplex solves the model itself: no reduction and no dual form stands between
 //                the model and the solver. This is where they would come in.
 //             5  Results are published as lp_result, and the closing lines say how it ended.
-// Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. On error the
-//             status is TVX_LOADED and no result is published.
+// Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
+//             leaves the status at TVX_LOADED and no result.
 #include "frame/attributes.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
@@ -90,16 +90,19 @@ static void publish(TVXmodel *model, double start)
     model->node_count = simplex_work_units(simplex);
 }
 
+// A solve that a callback has stopped with a code of its own leaves results like any other that was
+// interrupted, and the code.
 static int solve(TVXmodel *model, double start)
 {
     TRY(open_result(model));
     choose_start(model);
-    TRY(run_simplex(model));
+    const int code = run_simplex(model);
+    if (code == OUT_OF_MEMORY) return code;
     publish(model, start);
     if (model->simplex) warm_start_drop(model);
     if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))
         model->status = TVX_INFEASIBLE;
-    return 0;
+    return code;
 }
 
 // A fresh factor for queries to come. That the old one cannot be replaced costs only speed.
@@ -119,11 +122,12 @@ static void abandon(TVXmodel *model)
 int lp_driver(TVXmodel *model)
 {
     const double start = WallClock();
-    int code = already_solved(model) ? refresh_factor(model) : solve(model, start);
+    const int code = already_solved(model) ? refresh_factor(model) : solve(model, start);
     const double iterations = model->lp_result ? model->lp_result->itercount : 0;
-    if (code) abandon(model);
+    if (code == OUT_OF_MEMORY) abandon(model);
     if (model->env->quiet_solve) return code;
     log_lp_effort(model, iterations, start);
     if (code == OUT_OF_MEMORY) TVXmsg(model->env, "Out of memory\n");
-    return code ? code : log_lp_outcome(model);
+    const int outcome = log_lp_outcome(model);
+    return code ? code : outcome;
 }
