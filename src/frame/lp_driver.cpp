@@ -8,7 +8,7 @@
 //                the model and the solver. This is where they would come in.
 //             5  Results are published as lp_result, and the closing lines say how it ended.
 // Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
-//             leaves the status at TVX_LOADED and no result.
+//             leaves the status at TVX_LOADED, and neither.
 #include "frame/attributes.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
@@ -112,11 +112,12 @@ static int refresh_factor(TVXmodel *model)
     return simplex_refactor(model) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
 }
 
+// Nothing that a solve has left unfinished is used again.
 static void abandon(TVXmodel *model)
 {
-    attributes_clear_solution(model);
-    model->status = TVX_LOADED;
+    drop_simplex(model);
     model_free_results(model);
+    model->status = TVX_LOADED;
 }
 
 int lp_driver(TVXmodel *model)
