@@ -108,6 +108,10 @@ template<class R> void end_phase1(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CLEAN;
         return;
     }
+    if (primal_classify(s, w) == 0) { // flips alone have made the last row feasible
+        s->RefacReason = REFAC_CLEAN;
+        return;
+    }
     SVec<R> *y = &w->Rho;
     svec_clear(y);
     for (int i = 0; i < s->NumRows; i++)
