@@ -155,12 +155,10 @@ bool is_solved(const TVXmodel *model, int method)
     return s->Status == SIMPLEX_OPTIMAL || s->Status == SIMPLEX_INFEASIBLE ||
            s->Status == SIMPLEX_UNBOUNDED;
 }
-} // namespace
 
-int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
-                    const int *vstat_rows, const double *x_start, const double *slack_start)
+int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vstat_rows,
+             const double *x_start, const double *slack_start)
 {
-    if (!vstat_cols && !x_start && is_solved(model, method)) return 0;
     TRY(prepare_record(model));
     sopt *s = model->simplex;
     TRY(prepare_basis(model, vstat_cols, vstat_rows));
@@ -172,4 +170,17 @@ int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
     log_final(s);
     model->status = s->Status;
     return 0;
+}
+} // namespace
+
+int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
+                    const int *vstat_rows, const double *x_start, const double *slack_start)
+{
+    if (!vstat_cols && !x_start && is_solved(model, method)) return 0;
+    const int error = optimize(model, method, vstat_cols, vstat_rows, x_start, slack_start);
+    if (error) { // parts of the record may be half built
+        simplex_free(model->simplex);
+        model->simplex = nullptr;
+    }
+    return error;
 }
