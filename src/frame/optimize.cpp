@@ -6,6 +6,7 @@
 // Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
 //             survives the closing lines (err_hold).
 #include "frame/optimize.h"
+#include "files/files.h"
 #include "frame/optimize_log.h"
 #include "frame/runtime/clock.h"
 
@@ -13,12 +14,9 @@
 // not stop the solve.
 static void dump(TVXmodel *model)
 {
-    const int busy = flag_load(&model->busy);
-    flag_store(&model->busy, 0); // the writers are exported calls
-    (void)TVXwrite(model, "tarvex.rew");
+    (void)mps_write(model, "tarvex.rew", WriteNames::NUMBERED);
     (void)TVXwriteparams(model->env, "tarvex.prm");
     (void)finish_model(model, 0); // a failure leaves no text
-    flag_store(&model->busy, busy);
 }
 
 int optimize_run(TVXmodel *model)
