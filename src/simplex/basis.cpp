@@ -280,9 +280,10 @@ template<class R> double true_objective(const sopt *s, const swork<R> *w)
     for (int j = 0; j < s->NumVars; j++)
         if (s->VStat.data[j] < 0 && s->Cost.data[j] != 0)
             sum += static_cast<long double>(s->Cost.data[j]) *
-                   (s->VStat.data[j] == AT_UPPER  ? s->Upper.data[j]
-                    : s->VStat.data[j] == AT_FREE ? s->SuperVal.data[j]
-                                                  : s->Lower.data[j]);
+                   (s->BoxPhase                    ? nonbasic_value(s, j)
+                    : s->VStat.data[j] == AT_UPPER ? s->Upper.data[j]
+                    : s->VStat.data[j] == AT_FREE  ? s->SuperVal.data[j]
+                                                   : s->Lower.data[j]);
     return static_cast<double>(sum) / s->ObjScale;
 }
 

@@ -294,4 +294,6 @@ struct Infeasibility {
 // Pricing norms: 0 none, 1 dual, 2 primal; norms [NumVars] or null.
 template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms);
 template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w);
+// The value of the basis with true costs and bounds; in the box problem of phase 1 with its bounds, as a variable may
+// stand at an upper bound there that it does not have.
 template<class R> double true_objective(const sopt *s, const swork<R> *w);

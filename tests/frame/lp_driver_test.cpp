@@ -3,6 +3,7 @@
 #include "frame/optimize.h"
 #include "support/lp_tarvex.h"
 #include "support/scratch.h"
+#include <cmath>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -170,6 +171,25 @@ TEST_F(LpDriver, writes_its_lines_in_order)
              dbl("IterCount"));
     EXPECT_EQ(lines[end - 2], solved);
     EXPECT_EQ(lines[end - 1], "Optimal objective  2.000000000e+00");
+}
+
+TEST_F(LpDriver, logs_no_objective_at_bounds_that_do_not_exist)
+{
+    LpModel lp; // neither variable has an upper bound, both costs pull upwards
+    lp.sense = -1;
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_var(&lp, 2, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 4);
+    for (const int method : {0, 1}) {
+        load(lp);
+        ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+        const std::vector<std::string> lines = solve_log();
+        double iterations = -1, objective = LP_INFINITY;
+        ASSERT_EQ(sscanf(lines[2].c_str(), "%lf %lf", &iterations, &objective), 2);
+        EXPECT_EQ(iterations, 0);
+        EXPECT_LE(std::fabs(objective), 1e3) << lines[2];
+    }
 }
 
 TEST_F(LpDriver, does_not_solve_again_what_is_solved)
