@@ -86,7 +86,7 @@ TVX_API int TVXloadenv(TVXenv **env_out, const char *log_file_name);
 
 /* Frees an environment made by TVXloadenv and closes its log. Null is ignored, and so is the environment of a model,
  * which goes with its model. Free the models first: those that are left refuse all further calls with 10003 and a
- * warning. */
+ * warning; TVXfreemodel still frees them. */
 TVX_API void TVXfreeenv(TVXenv *env);
 
 /* The environment that belongs to a model: parameters set on it act on this model only. It lives as long as the
@@ -180,9 +180,9 @@ TVX_API int TVXgetparamname(TVXenv *env, int index, char **name_out);
 /* Gives every int and double parameter its default; strings keep their values. Returns 0. */
 TVX_API int TVXresetparams(TVXenv *env);
 
-/* Sets parameters from a file. Each line holds a name and a value; lines that start with # are comments. What each line
- * did is told in the log. Unknown names and bad values do not end the reading. Lines longer than 159 characters are
- * taken apart there.
+/* Sets parameters from a file. Each line holds a name and a value; blank lines and lines that start with # are
+ * passed over. What each line did is told in the log. Unknown names and bad values do not end the reading. Lines longer
+ * than 159 characters are taken apart there.
  *   file_name  in  names ending in .gz and .bz2 are decompressed
  * Returns 0, also after warnings; 10002 null argument; 10003 the file cannot be opened; 10012 it cannot be read to its
  * end (what was read before is set). */
@@ -259,7 +259,10 @@ TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, in
  * results are not copied; a warning on the log tells of queued changes. Returns null on failure. */
 TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
 
-/* Frees a model with all that belongs to it. Null is ignored. Returns 0, or a code and the model stays. */
+/* Frees a model with all that belongs to it. Null is ignored.
+ * Returns 0; 10017 while it is being solved, and the model stays; 10003 for what is no live model, which is left alone,
+ * and for a model whose environment was freed before: it is freed all the same, with the warning that calls on such a
+ * model print. */
 TVX_API int TVXfreemodel(TVXmodel *model);
 
 /* Makes the queued changes real, in this order: names; right-hand sides, senses, objective, types and bounds;

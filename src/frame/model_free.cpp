@@ -43,8 +43,10 @@ void model_free(TVXmodel *model)
 int TVXfreemodel(TVXmodel *model)
 {
     if (!model) return 0;
-    if (const int error = TVXcheckmodel(model)) return finish_model(model, error);
-    if (model->busy) return finish_model(model, TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+    if (model->magic != MODEL_MAGIC) return TVX_ERROR_INVALID_ARGUMENT;
+    if (flag_load(&model->busy))
+        return finish_model(model, TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+    const int error = TVXcheckmodel(model); // an orphan is told to be one, and freed
     model_free(model);
-    return 0;
+    return error;
 }
