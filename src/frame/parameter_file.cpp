@@ -2,7 +2,7 @@
 //
 // Problem     Set parameters from a text file, tell the user what was set, and write the values that are not default.
 // Method      Lines of at most 159 characters; what is longer comes as a line of its own. A line that starts with # is a
-//             comment. The second word is a number when all of it is one. Unknown names are warnings and bad values
+//             comment, and a blank one nothing. The second word is a number when all of it is one. Unknown names are warnings and bad values
 //             are told line by line: reading goes on to the end of the file.
 // In, out     Values go through the setters of parameters.h, with their ranges.
 #include "frame/parameters.h"
@@ -36,13 +36,12 @@ static void copy_word(char *target, const char *word, int length)
     target[kept] = '\0';
 }
 
-void parameter_line_scan(const char *line, ParameterLine *scanned)
+bool parameter_line_scan(const char *line, ParameterLine *scanned)
 {
     scanned->text[0] = '\0';
     scanned->numeric = false;
     const char *word = line;
     int length = next_word(&word);
-    if (length == 0) return;
     copy_word(scanned->name, word, length);
     word += length;
     length = next_word(&word);
@@ -50,6 +49,7 @@ void parameter_line_scan(const char *line, ParameterLine *scanned)
     scanned->numeric = text_to_double(word, &end, &scanned->number) == 0 &&
                        end == word + length && !std::isnan(scanned->number);
     if (!scanned->numeric) copy_word(scanned->text, word, length);
+    return scanned->name[0] != '\0';
 }
 
 static int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLine *line)
@@ -63,20 +63,20 @@ static int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLi
 }
 
 // One line that is no comment. False when the name is unknown.
-static bool read_line(TVXenv *env, const char *file_name, const char *text,
-                      ParameterLine *line)
+static bool read_line(TVXenv *env, const char *file_name, const char *text)
 {
-    parameter_line_scan(text, line);
-    const ParameterRow *row = parameter_find(env, line->name);
+    ParameterLine line;
+    if (!parameter_line_scan(text, &line)) return true; // blank
+    const ParameterRow *row = parameter_find(env, line.name);
     if (!row) {
-        TVXmsg(env, "Warning: unknown parameter %s in %s\n", line->name, file_name);
+        TVXmsg(env, "Warning: unknown parameter %s in %s\n", line.name, file_name);
         return false;
     }
-    const char *outcome = set_from_line(env, row, line) ? "Failed to set" : "Set";
-    if (line->numeric)
-        TVXmsg(env, "%s parameter %s to value %g\n", outcome, line->name, line->number);
+    const char *outcome = set_from_line(env, row, &line) ? "Failed to set" : "Set";
+    if (line.numeric)
+        TVXmsg(env, "%s parameter %s to value %g\n", outcome, line.name, line.number);
     else
-        TVXmsg(env, "%s parameter %s to value %s\n", outcome, line->name, line->text);
+        TVXmsg(env, "%s parameter %s to value %s\n", outcome, line.name, line.text);
     return true;
 }
 
@@ -87,10 +87,9 @@ int parameters_read(TVXenv *env, const char *file_name)
         return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::FORCE,
                     "Unable to read parameter file %s", file_name);
     char text[LINE_LENGTH + 1];
-    ParameterLine line{};
     int warnings = 0;
     while (fgets(text, sizeof text, file.stream))
-        if (text[0] != '#' && !read_line(env, file_name, text, &line)) warnings++;
+        if (text[0] != '#' && !read_line(env, file_name, text)) warnings++;
     if (warnings)
         TVXmsg(env, "%d warnings while reading parameter file %s\n", warnings, file_name);
     if (FileClose(&file))

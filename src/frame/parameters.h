@@ -62,12 +62,12 @@ int parameter_set_text(TVXenv *env, const ParameterRow *row, const char *value);
 int parameters_read(TVXenv *env, const char *file_name);
 int parameters_write(TVXenv *env, const char *file_name);
 // The first two words of a line, at most PARAMETER_LINE characters. numeric: the second word is a number from
-// start to end, and text is empty then. A line without words keeps the name.
+// start to end, and text is empty then. False when there are no words.
 static constexpr int PARAMETER_LINE = 512;
 struct ParameterLine {
     char name[PARAMETER_LINE + 1];
     char text[PARAMETER_LINE + 1];
-    double number;
-    bool numeric;
+    double number = 0;
+    bool numeric = false;
 };
-void parameter_line_scan(const char *line, ParameterLine *scanned);
+bool parameter_line_scan(const char *line, ParameterLine *scanned);
