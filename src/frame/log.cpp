@@ -1,10 +1,11 @@
 // log.cpp -- the log: every line the library prints
 //
 // Problem     Lines for people go to standard output and to the log file, both or neither, at once and whole.
-// Method      TVXmsg prints a line to each open output under OutputFlag and flushes it. Numbers print the same in every
-//             locale. Warnings about the log itself and about a dead environment go to standard output alone.
+// Method      TVXmsg prints a line to each open output under OutputFlag and flushes it, then hands it to the caller's
+//             callback function, also when nothing is printed. Numbers print the same in every locale. Warnings about
+//             the log itself and about a dead environment go to standard output alone.
 // Invariant   OutputFlag == 0: nothing is written anywhere.
-#include "frame/env.h"
+#include "frame/callback.h"
 #include "frame/runtime/text_number.h"
 #include <cstdarg>
 #include <ctime>
@@ -21,11 +22,12 @@ static void print_flushed(FILE *stream, const char *format, va_list arguments)
 
 void TVXmsg(TVXenv *env, const char *format, ...)
 {
-    if (!env_alive(env) || !format || env->OutputFlag == 0) return;
+    if (!env_alive(env) || !format) return;
     va_list arguments;
     va_start(arguments, format);
-    print_flushed(stdout, format, arguments);
-    if (env->log_file) print_flushed(env->log_file, format, arguments);
+    if (env->OutputFlag) print_flushed(stdout, format, arguments);
+    if (env->OutputFlag && env->log_file) print_flushed(env->log_file, format, arguments);
+    callback_message(env, format, arguments);
     va_end(arguments);
 }
 
