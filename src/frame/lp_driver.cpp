@@ -130,5 +130,6 @@ int lp_driver(TVXmodel *model)
     log_lp_effort(model, iterations, start);
     if (code == OUT_OF_MEMORY) TVXmsg(model->env, "Out of memory\n");
     const int outcome = log_lp_outcome(model);
+    if (outcome == OUT_OF_MEMORY) abandon(model);
     return code ? code : outcome;
 }
