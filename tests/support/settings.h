@@ -1,0 +1,14 @@
+// settings.h -- parameter settings drawn at random, each recorded so that a failing run can be repeated
+#pragma once
+#include "support/dice.h"
+#include "tarvex.h"
+#include <string>
+#include <utility>
+#include <vector>
+
+using Settings = std::vector<std::pair<std::string, double>>; // name, value
+
+// Settings an LP solve must give the same answer under; most parameters stay at their default.
+Settings settings_draw(Dice *dice);
+int settings_apply(TVXenv *env, const Settings &settings); // 0 or the first code
+std::string settings_text(const Settings &settings);       // one "name value" per line

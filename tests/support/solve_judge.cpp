@@ -1,0 +1,78 @@
+// solve_judge.cpp -- see the header
+#include "support/solve_judge.h"
+#include <cmath>
+
+bool settings_presolve(const Settings &settings)
+{
+    bool on = true;
+    for (const auto &[name, value] : settings)
+        if (name == "Presolve") on = value != 0;
+    return on;
+}
+
+std::string judge_optimal(const LpModel *lp, const LpSolution *solution)
+{
+    const LpReport report = lp_check_optimal(lp, solution, LpTolerances{});
+    return report.ok() ? "" : "not an optimal solution:\n" + report.text();
+}
+
+static std::string wrong_status(int status, LpStatus expected)
+{
+    return "status " + std::to_string(status) + ", but the model is " +
+           lp_status_name(expected);
+}
+
+std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool presolve,
+                        const LpSolution *solution)
+{
+    if (truth->status != LpStatus::OPTIMAL) {
+        bool zero = true;
+        for (const double c : lp->obj) zero = zero && c == 0;
+        const int expected =
+            truth->status == LpStatus::INFEASIBLE ? TVX_INFEASIBLE : TVX_UNBOUNDED;
+        const bool either = presolve && !zero && solution->status == TVX_INF_OR_UNBD;
+        if (solution->status == expected || either) return "";
+        return wrong_status(solution->status, truth->status);
+    }
+    if (solution->status != TVX_OPTIMAL)
+        return wrong_status(solution->status, truth->status);
+    const double value = truth->value.get_d();
+    double size = 1 + std::fabs(value);
+    for (size_t j = 0; j < lp->obj.size(); j++)
+        size = std::max(size, std::fabs(lp->obj[j] * truth->x[j].get_d()));
+    if (!(std::fabs(solution->objval - value) <= 1e-6 * size))
+        return "value " + std::to_string(solution->objval) + ", but it is " +
+               std::to_string(value);
+    return judge_optimal(lp, solution);
+}
+
+std::string solve_and_judge(TVXenv *env, const LpModel *lp, const Settings &settings)
+{
+    const TestModel model(lp_load(env, lp));
+    if (!model) return std::string("load failed: ") + TVXgeterrormsg(env);
+    LpSolution solution;
+    if (settings_apply(TVXgetenv(model), settings) ||
+        TVXsetdblparam(TVXgetenv(model), "IterationLimit", RUNAWAY_ITERATIONS))
+        return std::string("settings refused: ") + TVXgetmerrormsg(model);
+    const int error = lp_solve(model, &solution);
+    if (error) return "error " + std::to_string(error) + ": " + TVXgetmerrormsg(model);
+    const RationalResult truth = rational_solve(lp);
+    return judge_exact(lp, &truth, settings_presolve(settings), &solution);
+}
+
+std::string same_outcome(const LpSolution *a, const LpSolution *b)
+{
+    const auto open = [](int status) {
+        return status == TVX_INFEASIBLE || status == TVX_UNBOUNDED;
+    };
+    const bool compatible = a->status == b->status ||
+                            (a->status == TVX_INF_OR_UNBD && open(b->status)) ||
+                            (b->status == TVX_INF_OR_UNBD && open(a->status));
+    if (!compatible)
+        return "status " + std::to_string(a->status) + " against " +
+               std::to_string(b->status);
+    if (a->status != TVX_OPTIMAL) return "";
+    const double size = 1 + std::max(std::fabs(a->objval), std::fabs(b->objval));
+    if (std::fabs(a->objval - b->objval) <= 1e-6 * size) return "";
+    return "value " + std::to_string(a->objval) + " against " + std::to_string(b->objval);
+}

@@ -1,0 +1,23 @@
+// solve_judge.h -- solve a model under settings and say what is wrong with the outcome
+#pragma once
+#include "support/lp_tarvex.h"
+#include "support/rational_lp.h"
+#include "support/settings.h"
+#include <string>
+
+static constexpr double RUNAWAY_ITERATIONS =
+    20000; // for tiny models: nobody needs as many without cycling
+
+// What is wrong with an outcome of a model whose truth the exact judge knows; empty when all is right. With
+// presolve on, status 4 is right for models without optimum (unless the objective is zero: then they can only
+// be infeasible).
+std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool presolve,
+                        const LpSolution *solution);
+// The checker's opinion of status 2, under the tolerances of the default parameters.
+std::string judge_optimal(const LpModel *lp, const LpSolution *solution);
+// A fresh model, the settings, one solve, judged exactly.
+std::string solve_and_judge(TVXenv *env, const LpModel *lp, const Settings &settings);
+bool settings_presolve(const Settings &settings); // is presolve on under them?
+
+// Do two outcomes of the same model agree? Status 4 goes with 3 and 5. Empty, or the difference.
+std::string same_outcome(const LpSolution *a, const LpSolution *b);

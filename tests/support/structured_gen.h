@@ -1,0 +1,43 @@
+// structured_gen.h -- LPs of middle size with the structure of real ones, and LPs with a planted answer
+//
+// Each family scales with one size: tens to a few hundred rows. Where the answer is known by construction it is
+// given; otherwise the optimality checker and the agreement of methods judge.
+#pragma once
+#include "support/dice.h"
+#include "support/lp_model.h"
+#include <string>
+#include <vector>
+
+enum class Truth { UNKNOWN, OPTIMAL, INFEASIBLE, UNBOUNDED };
+
+struct GeneratedLp {
+    LpModel lp;
+    Truth truth = Truth::UNKNOWN; // OPTIMAL: at least feasible and bounded
+    bool has_value = false;
+    double value = 0; // the optimum, when has_value
+};
+
+using Family = GeneratedLp (*)(Dice *dice, int size);
+struct FamilyRow {
+    const char *name;
+    Family generate;
+};
+const std::vector<FamilyRow> &all_families();
+
+// structured_gen.cpp
+GeneratedLp gen_transportation(Dice *dice, int size); // balanced supplies and demands
+GeneratedLp gen_assignment(Dice *dice, int size);   // few distinct costs, highly degenerate
+GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capacity
+GeneratedLp gen_covering(Dice *dice, int size);     // set covering relaxation
+GeneratedLp gen_network(Dice *dice, int size);      // minimum cost flow with capacities
+GeneratedLp gen_staircase(Dice *dice, int size);    // periods linked to the next one only
+GeneratedLp gen_cone(Dice *dice, int size);         // all rows meet in one vertex
+GeneratedLp gen_blending(Dice *dice, int size); // dense ratio rows, free and fixed columns
+// planted_gen.cpp
+GeneratedLp gen_planted_optimum(Dice *dice, int size); // from complementary slackness
+GeneratedLp gen_badly_scaled(Dice *dice, int size); // the same, rows and columns stretched
+GeneratedLp gen_degenerate_optimum(Dice *dice,
+                                   int size); // the same, most multipliers and slacks are 0
+GeneratedLp gen_planted_infeasible(Dice *dice, int size); // rows add up to a contradiction
+GeneratedLp gen_planted_unbounded(Dice *dice,
+                                  int size); // a feasible point and a hidden ray
