@@ -1,0 +1,242 @@
+// limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
+#include "support/solve_judge.h"
+#include "support/structured_gen.h"
+#include <atomic>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace
+{
+
+// A loaded model that needs iterations, with its optimum from an unlimited solve of another copy.
+struct Limited {
+    LpModel lp;
+    double value;
+    double iterations; // of the unlimited solve
+};
+
+} // namespace
+
+static const Family families[] = {gen_multi_period, gen_network, gen_transportation,
+                                  gen_planted_optimum, gen_covering};
+static const int methods[] = {0, 1};
+
+static Limited make_limited(TVXenv *env, Family family, int lp_method, int presolve)
+{
+    Dice dice(42);
+    Limited limited{.lp = family(&dice, 60).lp, .value = 0, .iterations = 0};
+    const TestModel model(lp_load(env, &limited.lp));
+    LpSolution solution;
+    EXPECT_EQ(
+        settings_apply(TVXgetenv(model), {{"LPMethod", lp_method}, {"Presolve", presolve}}),
+        0);
+    EXPECT_EQ(lp_solve(model, &solution), 0);
+    EXPECT_EQ(judge_optimal(&limited.lp, &solution), "");
+    limited.value = solution.objval;
+    limited.iterations = solution.iterations;
+    return limited;
+}
+
+// Calls `use` for every family and method: the environment of the model carries the method, presolve off.
+template<class Use> static void for_limited_models(const Use &use)
+{
+    const TestEnv env;
+    for (const int lp_method : methods)
+        for (const Family family : families) {
+            const Limited limited = make_limited(env.env, family, lp_method, 0);
+            ASSERT_GE(limited.iterations, 3); // else the limits mean nothing
+            const TestModel model(lp_load(env.env, &limited.lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model),
+                                     {{"LPMethod", lp_method}, {"Presolve", 0}}),
+                      0);
+            use(limited, model);
+            if (testing::Test::HasFatalFailure()) return;
+        }
+}
+
+static void expect_optimum(const Limited &limited, TVXmodel *model)
+{
+    LpSolution solution;
+    ASSERT_EQ(lp_solve(model, &solution), 0);
+    ASSERT_EQ(solution.status, TVX_OPTIMAL);
+    ASSERT_NEAR(solution.objval, limited.value, 1e-6 * (1 + std::fabs(limited.value)));
+    ASSERT_EQ(judge_optimal(&limited.lp, &solution), "");
+}
+
+static int status_of(TVXmodel *model)
+{
+    int status = 0;
+    EXPECT_EQ(TVXgetintattr(model, "Status", &status), 0);
+    return status;
+}
+
+TEST(Limits, iteration_limit_stops_and_the_next_solve_continues)
+{
+    for (const double limit : {0.0, 1.0, 2.0, 7.0})
+        for_limited_models([&](const Limited &limited, TVXmodel *model) {
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", limit), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            ASSERT_EQ(status_of(model),
+                      limited.iterations > limit ? TVX_ITERATION_LIMIT : TVX_OPTIMAL);
+            double iterations = -1;
+            ASSERT_EQ(TVXgetdblattr(model, "IterCount", &iterations), 0);
+            ASSERT_LE(iterations, limit);
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
+            expect_optimum(limited, model);
+        });
+}
+
+TEST(Limits, a_solve_in_many_legs_arrives)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        double limit = 0;
+        for (int leg = 0; leg < 1000; leg++) {
+            limit += 5;
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", limit), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            if (status_of(model) != TVX_ITERATION_LIMIT) break;
+        }
+        expect_optimum(limited, model);
+    });
+}
+
+TEST(Limits, limits_with_presolve_continue_too)
+{
+    const TestEnv env;
+    for (const int lp_method : methods)
+        for (const Family family : families) {
+            const Limited limited = make_limited(env.env, family, lp_method, -1);
+            const TestModel model(lp_load(env.env, &limited.lp));
+            TVXenv *own = TVXgetenv(model);
+            ASSERT_EQ(TVXsetintparam(own, "LPMethod", lp_method), 0);
+            ASSERT_EQ(TVXsetdblparam(own, "IterationLimit", 2), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            const int status = status_of(model);
+            ASSERT_TRUE(status == TVX_ITERATION_LIMIT || status == TVX_OPTIMAL) << status;
+            ASSERT_EQ(TVXsetdblparam(own, "IterationLimit", 1e100), 0);
+            expect_optimum(limited, model);
+        }
+}
+
+TEST(Limits, time_limit_zero_stops_at_once_and_the_next_solve_continues)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "TimeLimit", 0), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(status_of(model), TVX_TIME_LIMIT);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "TimeLimit", 1e100), 0);
+        expect_optimum(limited, model);
+    });
+}
+
+TEST(Limits, attributes_of_a_stopped_solve_are_there_and_finite)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 2), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        const int n = limited.lp.num_vars(), m = limited.lp.num_rows();
+        std::vector<double> x(static_cast<size_t>(n)), pi(static_cast<size_t>(m));
+        std::vector<int> vbasis(x.size()), cbasis(pi.size());
+        ASSERT_EQ(TVXgetdblattrarray(model, "X", 0, n, x.data()), 0);
+        ASSERT_EQ(TVXgetdblattrarray(model, "RC", 0, n, x.data()), 0);
+        ASSERT_EQ(TVXgetdblattrarray(model, "Pi", 0, m, pi.data()), 0);
+        ASSERT_EQ(TVXgetdblattrarray(model, "Slack", 0, m, pi.data()), 0);
+        for (const double v : x) ASSERT_TRUE(std::isfinite(v));
+        for (const double v : pi) ASSERT_TRUE(std::isfinite(v));
+        ASSERT_EQ(TVXgetintattrarray(model, "VBasis", 0, n, vbasis.data()), 0);
+        ASSERT_EQ(TVXgetintattrarray(model, "CBasis", 0, m, cbasis.data()), 0);
+        const auto basics = std::count(vbasis.begin(), vbasis.end(), 0) +
+                            std::count(cbasis.begin(), cbasis.end(), 0);
+        ASSERT_EQ(basics, m);
+    });
+}
+
+TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        std::atomic<bool> done{false};
+        std::thread stopper([&] {
+            while (!done)
+                TVXterminate(model); // the start of a solve clears the request: repeat it
+        });
+        const int error = TVXoptimize(model);
+        done = true;
+        stopper.join();
+        ASSERT_EQ(error, 0);
+        const int status = status_of(model);
+        ASSERT_TRUE(status == TVX_INTERRUPTED || status == TVX_OPTIMAL) << status;
+        expect_optimum(limited, model);
+    });
+}
+
+TEST(Limits, cutoff_below_the_optimum_gives_status_6_and_lifting_it_continues)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        if (limited.lp.sense < 0) return;
+        const double step = 1e-3 * (1 + std::fabs(limited.value));
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "Cutoff", limited.value - step), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(status_of(model), TVX_CUTOFF);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "Cutoff", limited.value + step), 0);
+        expect_optimum(limited, model);
+    });
+}
+
+TEST(Limits, a_change_after_a_limit_is_respected)
+{
+    for_limited_models([](const Limited &limited, TVXmodel *model) {
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 3), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
+        Limited changed = limited;
+        for (size_t j = 0; j < changed.lp.obj.size(); j++) changed.lp.obj[j] *= 2;
+        changed.value = 2 * (limited.value - limited.lp.objcon) + limited.lp.objcon;
+        ASSERT_EQ(TVXsetdblattrarray(model, "Obj", 0, changed.lp.num_vars(),
+                                     changed.lp.obj.data()),
+                  0);
+        expect_optimum(changed, model);
+    });
+}
+
+TEST(Limits, status_before_and_after_changes)
+{
+    const TestEnv env;
+    LpModel lp;
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '>', 2);
+    const TestModel model(lp_load(env.env, &lp));
+    EXPECT_EQ(status_of(model), TVX_LOADED);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(status_of(model), TVX_OPTIMAL);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 1), 0);
+    EXPECT_EQ(status_of(model), TVX_OPTIMAL); // still pending
+    ASSERT_EQ(TVXupdatemodel(model), 0);
+    EXPECT_EQ(status_of(model), TVX_LOADED);
+    double value = 0;
+    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), TVX_ERROR_DATA_NOT_AVAILABLE);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(status_of(model), TVX_INFEASIBLE);
+    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_EQ(TVXgetdblattrelement(model, "X", 0, &value), TVX_ERROR_DATA_NOT_AVAILABLE);
+}
+
+TEST(Limits, absurd_bounds_are_told_apart)
+{
+    const TestEnv env;
+    const auto solve = [&](double obj, double lb, double ub) {
+        LpModel lp;
+        lp_add_var(&lp, obj, lb, ub);
+        lp_add_var(&lp, 1, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{1, 1}}, '>', 1);
+        const TestModel model(lp_load(env.env, &lp));
+        EXPECT_EQ(TVXsetintparam(TVXgetenv(model), "Presolve", 0), 0);
+        EXPECT_EQ(TVXoptimize(model), 0);
+        return status_of(model);
+    };
+    EXPECT_EQ(solve(0, 2, 1), TVX_INFEASIBLE);
+    EXPECT_EQ(solve(-1, LP_INFINITY, LP_INFINITY), TVX_UNBOUNDED);
+    EXPECT_EQ(solve(1, LP_INFINITY, LP_INFINITY), TVX_INFEASIBLE);
+    EXPECT_EQ(solve(1, -LP_INFINITY, -LP_INFINITY), TVX_UNBOUNDED);
+    EXPECT_EQ(solve(-1, -LP_INFINITY, -LP_INFINITY), TVX_INFEASIBLE);
+}
