@@ -51,17 +51,13 @@ static int no_basis(TVXmodel *model, int error)
     return fail_model(model, error, Report::KEEP_FIRST, "Unable to retrieve basis for current model");
 }
 
-// The basis of the model, with as many basic columns as nonbasic rows.
-static int fetch_basis(TVXmodel *model, BasisWork *work)
+// Some basis of the model, with as many basic columns as nonbasic rows.
+static bool is_balanced(const BasisWork *work)
 {
     int64_t surplus = 0;
-    if (work->vbasis.size)
-        TRY(TVXgetintattrarray(model, "VBasis", 0, model->body->numvars, work->vbasis.data));
-    if (work->cbasis.size)
-        TRY(TVXgetintattrarray(model, "CBasis", 0, model->body->numconstrs, work->cbasis.data));
     for (const int status : work->vbasis) surplus += status == TVX_BASIC;
     for (const int status : work->cbasis) surplus -= status != TVX_BASIC;
-    return surplus ? TVX_ERROR_DATA_NOT_AVAILABLE : 0;
+    return surplus == 0;
 }
 
 static void write_pairs(const BasisWork *work, TextOut *out)
@@ -108,15 +104,32 @@ static void write_basis(const TVXmodel *model, const BasisWork *work, TextOut *o
     text_out(out, "ENDATA\n");
 }
 
-int basis_write(TVXmodel *model, const char *file_name)
+int basis_write_statuses(TVXmodel *model, const int *vbasis, const int *cbasis,
+                         const char *file_name)
 {
     BasisWork work;
     TRY(work_make(model, &work));
-    if (const int error = fetch_basis(model, &work)) return no_basis(model, error);
+    TRY(array_copy(&work.vbasis, vbasis, work.vbasis.size));
+    TRY(array_copy(&work.cbasis, cbasis, work.cbasis.size));
+    if (!is_balanced(&work)) return no_basis(model, TVX_ERROR_DATA_NOT_AVAILABLE);
     TextOut out;
     TRY(text_out_open(&out, file_name));
     write_basis(model, &work, &out);
     return text_out_close(&out);
+}
+
+int basis_write(TVXmodel *model, const char *file_name)
+{
+    const int n = model->body->numvars;
+    const int m = model->body->numconstrs;
+    Array<int> vbasis;
+    Array<int> cbasis;
+    TRY(array_resize(&vbasis, n));
+    TRY(array_resize(&cbasis, m));
+    int error = n ? TVXgetintattrarray(model, "VBasis", 0, n, vbasis.data) : 0;
+    if (!error && m) error = TVXgetintattrarray(model, "CBasis", 0, m, cbasis.data);
+    if (error) return no_basis(model, error);
+    return basis_write_statuses(model, vbasis.data, cbasis.data, file_name);
 }
 
 // ---- Reading ----

@@ -179,12 +179,7 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
 int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out)
 {
     if (model_out) *model_out = nullptr;
-    if (env_enter(env)) {
-        if (env_alive(env) && filename)
-            fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::FORCE, "Unable to open file '%s' for input",
-                 filename);
-        return TVX_ERROR_INVALID_ARGUMENT;
-    }
+    if (env_enter(env)) return TVX_ERROR_INVALID_ARGUMENT; // also for null; there is no place for a message
     if (!model_out) return finish(env, TVX_ERROR_NULL_ARGUMENT);
     if (!filename) {
         fail(env, TVX_ERROR_NULL_ARGUMENT, Report::KEEP_FIRST, "No 'filename' argument supplied");
@@ -208,8 +203,7 @@ static int read_into(TVXmodel *model, const char *name)
     if (!kind->read_into)
         return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                           "Can't import file '%s' into a model", name);
-    const int error = kind->read_into(model, completion.name.data);
-    return error;
+    return kind->read_into(model, completion.name.data);
 }
 
 int TVXread(TVXmodel *model, const char *filename)

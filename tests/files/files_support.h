@@ -1,0 +1,44 @@
+// files_support.h -- what the tests of model files share
+#pragma once
+#include "frame/model.h"
+#include "support/scratch.h"
+#include <string>
+#include <vector>
+
+// Where two models differ in what a file carries, or "" when they are the same. Senses '<' and '>' count as one, since
+// files hold the stored form; entries are compared column by column in any order, zeros left out.
+enum class Names { COMPARE, IGNORE };
+std::string model_difference(const TVXmodel *a, const TVXmodel *b, Names names);
+
+// An environment and an empty current directory.
+class Files : public testing::Test
+{
+  protected:
+    Scratch scratch;
+    TVXenv *env = nullptr;
+    TVXmodel *model = nullptr; // of the last read
+    std::string log;           // of the last read
+    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
+    void TearDown() override
+    {
+        TVXfreemodel(model);
+        TVXfreeenv(env);
+    }
+
+    // Reads a file, or a text as t.mps, in place of `model`; the code.
+    int read_file(const std::string &name);
+    int read(const std::string &text);
+    std::string message() { return TVXgeterrormsg(env); }
+
+    // Writes `model` under the name, reads it again, and says where the two differ; "" for nowhere.
+    std::string round_trip(const std::string &name, Names names);
+
+    int column(const std::string &name) const; // -1 when there is none
+    int row(const std::string &name) const;
+    double coefficient(const std::string &row_name, const std::string &column_name) const;
+    // "C [0,inf]": type and bounds of a column.
+    std::string domain(const std::string &column_name) const;
+};
+
+// A small model around the sections to be tested: rows COST, R1 (G) and R2 (L), columns X and Y.
+std::string mps_with(const std::string &sections);
