@@ -39,7 +39,11 @@ static int work_make(const TVXmodel *model, BasisWork *work)
     const ModelBody *body = model->body;
     TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, false));
     TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, false));
-    work->vars.wide = work->constrs.wide = work->vars.wide || work->constrs.wide;
+    // Both in one width; whether own names differ from the numbered ones depends on it.
+    if (work->vars.wide && !work->constrs.wide)
+        TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, true));
+    if (work->constrs.wide && !work->vars.wide)
+        TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, true));
     TRY(array_resize(&work->vbasis, body->numvars));
     return array_resize(&work->cbasis, body->numconstrs);
 }
@@ -48,7 +52,8 @@ static int work_make(const TVXmodel *model, BasisWork *work)
 
 static int no_basis(TVXmodel *model, int error)
 {
-    return fail_model(model, error, Report::KEEP_FIRST, "Unable to retrieve basis for current model");
+    return fail_model(model, error, Report::KEEP_FIRST,
+                      "Unable to retrieve basis for current model");
 }
 
 // Some basis of the model, with as many basic columns as nonbasic rows.
@@ -160,16 +165,10 @@ static int find_row(BasisReader *reader, TextSpan name)
     return file_index_find(&reader->constrs, name.begin, span_length(name));
 }
 
-static const char *skip_token(const char *p, const char *end)
-{
-    while (p < end && static_cast<unsigned char>(*p) > ' ') p++;
-    return p;
-}
-
 // Two names: the first split at white space whose parts are both known; else that at the first white space.
 static void split_names(BasisReader *reader, TextSpan both, TextSpan *column, TextSpan *row)
 {
-    const char *first = skip_token(both.begin, both.end);
+    const char *first = skip_word(both.begin, both.end);
     for (const char *cut = first; cut < both.end;) {
         const TextSpan left = span_trim(both.begin, cut);
         const TextSpan right = span_trim(cut, both.end);
@@ -178,11 +177,11 @@ static void split_names(BasisReader *reader, TextSpan both, TextSpan *column, Te
             *row = right;
             return;
         }
-        cut = skip_token(right.begin, both.end);
+        cut = skip_word(right.begin, both.end);
     }
     const TextSpan rest = span_trim(first, both.end);
     *column = {both.begin, first};
-    *row = {rest.begin, skip_token(rest.begin, rest.end)};
+    *row = {rest.begin, skip_word(rest.begin, rest.end)};
 }
 
 static int pair_line(BasisReader *reader, TextSpan names)
@@ -204,7 +203,7 @@ static int column_line(BasisReader *reader, TextSpan name, int status)
 {
     int j = find_column(reader, name);
     if (j < 0) {
-        name.end = skip_token(name.begin, name.end);
+        name.end = skip_word(name.begin, name.end);
         j = find_column(reader, name);
     }
     if (j < 0) return unknown_name(reader->model, "variable", name);
@@ -217,25 +216,30 @@ static int take_line(BasisReader *reader, TextSpan line)
 {
     if (span_length(line) < 2) return 0;
     const char key = line.begin[1];
-    const TextSpan names = span_trim(skip_token(line.begin + 1, line.end), line.end);
+    const TextSpan names = span_trim(skip_word(line.begin + 1, line.end), line.end);
     switch (key) {
     case 'X':
-    case 'x': return pair_line(reader, names);
+    case 'x':
+        return pair_line(reader, names);
     case 'U':
-    case 'u': return column_line(reader, names, TVX_NONBASIC_UPPER);
+    case 'u':
+        return column_line(reader, names, TVX_NONBASIC_UPPER);
     case 'L':
-    case 'l': return column_line(reader, names, TVX_NONBASIC_LOWER);
+    case 'l':
+        return column_line(reader, names, TVX_NONBASIC_LOWER);
     case 'S':
-    case 's': return column_line(reader, names, TVX_SUPERBASIC);
-    default: return 0;
+    case 's':
+        return column_line(reader, names, TVX_SUPERBASIC);
+    default:
+        return 0;
     }
 }
 
 static int binary_file(TVXmodel *model, const char *file_name)
 {
     TVXmsg(model->env, "Error: file %s is no text file\n", file_name);
-    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s is no text file\n",
-                      file_name);
+    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                      "File %s is no text file\n", file_name);
 }
 
 static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)
@@ -255,12 +259,14 @@ static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text
 static int load(TVXmodel *model, const char *file_name, TextFile *text)
 {
     switch (text_load(file_name, text)) {
-    case TextLoad::OK: return 0;
-    case TextLoad::NO_MEMORY: return OUT_OF_MEMORY;
+    case TextLoad::OK:
+        return 0;
+    case TextLoad::NO_MEMORY:
+        return OUT_OF_MEMORY;
     case TextLoad::NOT_FOUND:
         TVXmsg(model->env, "Error: file %s not found\n", file_name);
-        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n",
-                          file_name);
+        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                          "File %s not found\n", file_name);
     default: // TextLoad::BROKEN
         TVXmsg(model->env, "Error: file %s cannot be read to its end\n", file_name);
         return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
@@ -273,7 +279,8 @@ static int reader_make(TVXmodel *model, BasisReader *reader)
     BasisWork *work = &reader->work;
     reader->model = model;
     TRY(work_make(model, work));
-    for (int j = 0; j < work->vbasis.size; j++) work->vbasis.data[j] = default_status(model, j);
+    for (int j = 0; j < work->vbasis.size; j++)
+        work->vbasis.data[j] = default_status(model, j);
     for (int &status : work->cbasis) status = TVX_BASIC;
     TRY(file_index_make(&reader->vars, &work->vars));
     return file_index_make(&reader->constrs, &work->constrs);

@@ -38,10 +38,10 @@ static int write_parameters(TVXmodel *model, const char *file_name)
 struct FileKind {
     FileType type;
     const char *suffix;
-    const char *form;        // of a model, for the log; null: no model
-    ModelReader read_model;  // null: cannot be read as a model
-    ModelVisitor read_into;  // null: cannot be read into a model
-    ModelVisitor write;      // null: cannot be written
+    const char *form;       // of a model, for the log; null: no model
+    ModelReader read_model; // null: cannot be read as a model
+    ModelVisitor read_into; // null: cannot be read into a model
+    ModelVisitor write;     // null: cannot be written
 };
 
 // Rows of models first: they are also the order in which a name without suffix is completed.
@@ -96,7 +96,7 @@ FileType file_type(const char *file_name)
 // ---- Completing names ----
 
 struct Completion {
-    Array<char> name;               // that opens, terminated
+    Array<char> name;                 // that opens, terminated
     const FileKind *suffix = nullptr; // model suffix that was added, or null
 };
 
@@ -114,8 +114,8 @@ static int compose(Array<char> *composed, const char *name, const char *suffix,
 }
 
 // Tries the compression suffixes. *found says whether one opens.
-static int complete_compression(Completion *completion, const char *name, const FileKind *suffix,
-                                bool *found)
+static int complete_compression(Completion *completion, const char *name,
+                                const FileKind *suffix, bool *found)
 {
     *found = false;
     for (const char *compression : compressions) {
@@ -146,7 +146,8 @@ static int cannot_open(TVXenv *env, const char *file_name)
 
 // ---- Reading models ----
 
-static void announce(TVXmodel *model, const FileKind *kind, const char *file_name, double seconds)
+static void announce(TVXmodel *model, const FileKind *kind, const char *file_name,
+                     double seconds)
 {
     const ModelBody *body = model->body;
     TVXmsg(model->env, "Read %s format model from file %s\n", kind->form, file_name);
@@ -165,8 +166,8 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
     if (!found) return cannot_open(env, name);
     const FileKind *kind = completion.suffix ? completion.suffix : kind_of(name);
     if (!kind || !kind->form)
-        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "Unknown file type for file '%s'",
-                    name);
+        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                    "Unknown file type for file '%s'", name);
     if (!kind->read_model)
         return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                     "Files of type '%s' cannot be read by this build: '%s'", kind->suffix,
@@ -179,10 +180,12 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
 int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out)
 {
     if (model_out) *model_out = nullptr;
-    if (env_enter(env)) return TVX_ERROR_INVALID_ARGUMENT; // also for null; there is no place for a message
+    // Also for null; there is no place for a message.
+    if (env_enter(env)) return TVX_ERROR_INVALID_ARGUMENT;
     if (!model_out) return finish(env, TVX_ERROR_NULL_ARGUMENT);
     if (!filename) {
-        fail(env, TVX_ERROR_NULL_ARGUMENT, Report::KEEP_FIRST, "No 'filename' argument supplied");
+        fail(env, TVX_ERROR_NULL_ARGUMENT, Report::KEEP_FIRST,
+             "No 'filename' argument supplied");
         return finish(env, cannot_open(env, "(null)"));
     }
     return finish(env, read_model(env, filename, model_out));
@@ -232,14 +235,14 @@ static int write_file(TVXmodel *model, const char *name)
 {
     const FileKind *kind = kind_of(name);
     if (!kind) {
-        fail_model(model, TVX_ERROR_FILE_WRITE, Report::FORCE, "Unknown file type for file '%s'",
-                   name);
+        fail_model(model, TVX_ERROR_FILE_WRITE, Report::FORCE,
+                   "Unknown file type for file '%s'", name);
         return cannot_write(model, name);
     }
     if (!kind->write)
         return fail_model(model, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
-                          "Files of type '%s' cannot be written by this build: '%s'", kind->suffix,
-                          name);
+                          "Files of type '%s' cannot be written by this build: '%s'",
+                          kind->suffix, name);
     const int error = kind->write(model, name);
     if (error == TVX_ERROR_FILE_WRITE) return cannot_write(model, name);
     return fail_model(model, error, Report::KEEP_FIRST, "Failed to write '%s'", name);

@@ -144,7 +144,16 @@ int file_index_make(FileNameIndex *index, const FileNames *names)
     return error;
 }
 
-// An element without own name, by its letter and number in either form.
+// Whether element k has no name but its number: none, or the default name written out.
+static bool is_numbered(const FileNames *names, int k)
+{
+    if (!names->own || !names->own[k]) return true;
+    char buffer[FILE_NAME_LENGTH];
+    numbered_name(names->kind, true, k, buffer);
+    return !strcmp(names->own[k], buffer);
+}
+
+// An element that is numbered, by its letter and number in either form.
 static int find_numbered(const FileNames *names, const char *text, int64_t length)
 {
     if (length < 2 || *text != static_cast<char>(names->kind)) return NAME_ABSENT;
@@ -152,7 +161,7 @@ static int find_numbered(const FileNames *names, const char *text, int64_t lengt
     const std::from_chars_result result = std::from_chars(text + 1, text + length, k);
     if (result.ec != std::errc{} || result.ptr != text + length) return NAME_ABSENT;
     if (text[1] < '0' || text[1] > '9' || k >= names->count) return NAME_ABSENT;
-    return names->own && names->own[k] ? NAME_ABSENT : k;
+    return is_numbered(names, k) ? k : NAME_ABSENT;
 }
 
 int file_index_find(FileNameIndex *index, const char *text, int64_t length)
@@ -160,7 +169,8 @@ int file_index_find(FileNameIndex *index, const char *text, int64_t length)
     const int next = index->last + 1;
     if (next < index->table.entries.size) {
         const TableName *name = &index->table.entries.data[next];
-        if (name->length == length && !memcmp(name->text, text, static_cast<size_t>(length)))
+        if (name->length == length &&
+            !memcmp(name->text, text, static_cast<size_t>(length)))
             return index->last = next;
     }
     int k = name_table_find(&index->table, text, length);

@@ -9,19 +9,20 @@ enum class FileNameKind : char { VARIABLE = 'C', CONSTRAINT = 'R' };
 // Names are the model's own if each can stand in a file and no two are equal, else numbers with a letter before.
 struct FileNames {
     FileNameKind kind = FileNameKind::VARIABLE;
-    int count = 0;                 // elements
-    const char *const *own = nullptr; // [count] the model's names, entries may be null; null: all numbered
-    bool wide = false;             // numbered names are "C12", not "C0000012"
-    bool has_blanks = false;       // some own name holds a blank
-    int longest = 0;               // bytes of the longest own name
+    int count = 0; // elements
+    const char *const *own =
+        nullptr;       // [count] the model's names, entries may be null; null: all numbered
+    bool wide = false; // numbered names are "C12", not "C0000012"
+    bool has_blanks = false; // some own name holds a blank
+    int longest = 0;         // bytes of the longest own name
 };
 static constexpr int FILE_NAME_LENGTH = 16;    // room for a numbered name
 static constexpr int SHORT_NUMBERS = 10000000; // elements that the short form can number
 
 // Looks whether the names of the model can be used. 0 or OUT_OF_MEMORY. With wide false the numbered names are short as
 // long as no own name is longer than 8 bytes and no number than 7 digits.
-[[nodiscard]] int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind,
-                                    bool wide);
+[[nodiscard]] int file_names_choose(FileNames *names, const ModelBody *body,
+                                    FileNameKind kind, bool wide);
 void file_names_number(FileNames *names); // gives the model's own names up
 // The name of element k; a numbered one is written into buffer.
 const char *file_name(const FileNames *names, int k, char *buffer);
@@ -33,6 +34,8 @@ struct FileNameIndex {
     TextPool *pool = nullptr;
     int last = -1; // found last: files often go in order
 };
-[[nodiscard]] int file_index_make(FileNameIndex *index, const FileNames *names); // 0 or OUT_OF_MEMORY
+// 0 or OUT_OF_MEMORY.
+[[nodiscard]] int file_index_make(FileNameIndex *index, const FileNames *names);
 void file_index_free(FileNameIndex *index);
-int file_index_find(FileNameIndex *index, const char *text, int64_t length); // or NAME_ABSENT
+// The number of the element, or NAME_ABSENT.
+int file_index_find(FileNameIndex *index, const char *text, int64_t length);

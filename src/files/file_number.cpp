@@ -12,14 +12,16 @@ NumberKind number_read(TextSpan span, double *value)
     if (std::isnan(x)) return NumberKind::NOT_NUMBER;
     *value = x;
     if (!std::isinf(x)) return NumberKind::FINITE;
-    const char first = *span.begin == '-' || *span.begin == '+' ? span.begin[1] : *span.begin;
+    const char first =
+        *span.begin == '-' || *span.begin == '+' ? span.begin[1] : *span.begin;
     return first == 'i' || first == 'I' ? NumberKind::INFINITE : NumberKind::TOO_LARGE;
 }
 
 int number_write(char *buffer, double value)
 {
     static constexpr int SHORT_DIGITS = 6; // of "%g"
-    static constexpr int FULL_DIGITS = 16; // behind the point of "%.16e": 17 in all tell any two doubles apart
+    // Behind the point of "%.16e": 17 in all tell any two doubles apart.
+    static constexpr int FULL_DIGITS = 16;
     const int length = number_general(buffer, value, SHORT_DIGITS);
     double back = 0.0;
     if (!text_to_double(buffer, nullptr, &back) && back == value) return length;

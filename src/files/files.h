@@ -15,8 +15,8 @@ enum class WriteNames { OWN, NUMBERED };
 [[nodiscard]] int basis_read(TVXmodel *model, const char *file_name);
 [[nodiscard]] int basis_write(TVXmodel *model, const char *file_name);
 // Any basis in the form of the attributes, with as many basic columns as rows that are not.
-[[nodiscard]] int basis_write_statuses(TVXmodel *model, const int *vbasis, const int *cbasis,
-                                       const char *file_name);
+[[nodiscard]] int basis_write_statuses(TVXmodel *model, const int *vbasis,
+                                       const int *cbasis, const char *file_name);
 
 // Sets Start of the variables that the file names; all or none.
 [[nodiscard]] int mip_start_read(TVXmodel *model, const char *file_name);

@@ -27,12 +27,6 @@ struct StartReader {
     int64_t n_unknown; // names the model does not have
 };
 
-static const char *skip_token(const char *p, const char *end)
-{
-    while (p < end && static_cast<unsigned char>(*p) > ' ') p++;
-    return p;
-}
-
 static int bad_line(StartReader *reader, int64_t number, TextSpan line)
 {
     static constexpr int SHOWN = 128;
@@ -48,7 +42,7 @@ static int bad_line(StartReader *reader, int64_t number, TextSpan line)
 static int unknown_variable(StartReader *reader, TextSpan name)
 {
     static constexpr int SHOWN = 128;
-    static constexpr int64_t UNKNOWN_SHOWN = 100; // a start for another model must not flood the log
+    static constexpr int64_t UNKNOWN_SHOWN = 100; // another model's must not flood the log
     char shown[SHOWN];
     text_printable(shown, SHOWN, name);
     if (reader->n_unknown++ < UNKNOWN_SHOWN)
@@ -61,19 +55,20 @@ static int start_line(StartReader *reader, int64_t number, TextSpan line)
     line = span_trim(line.begin, line.end);
     if (span_empty(line) || *line.begin == '#') return 0;
     const char *last = line.end;
-    while (last > line.begin && static_cast<unsigned char>(last[-1]) > ' ') last--;
+    while (last > line.begin && !is_white(last[-1])) last--;
     TextSpan name = span_trim(line.begin, last);
     TextSpan field = {last, line.end};
     int j = file_index_find(&reader->index, name.begin, span_length(name));
     if (j < 0) { // name, value, and something behind
-        name.end = skip_token(line.begin, line.end);
+        name.end = skip_word(line.begin, line.end);
         name.begin = line.begin;
         field = span_trim(name.end, line.end);
-        field.end = skip_token(field.begin, field.end);
+        field.end = skip_word(field.begin, field.end);
         j = file_index_find(&reader->index, name.begin, span_length(name));
     }
     double value = 0.0;
-    if (number_read(field, &value) != NumberKind::FINITE) return bad_line(reader, number, line);
+    if (number_read(field, &value) != NumberKind::FINITE)
+        return bad_line(reader, number, line);
     if (j < 0) return unknown_variable(reader, name);
     TRY(array_append(&reader->var, j));
     return array_append(&reader->value, value);
@@ -102,8 +97,8 @@ static int read_text(TVXmodel *model, TextFile *text)
     TRY(file_index_make(&reader.index, &reader.names));
     int error = walk_lines(&reader, text);
     if (!error && reader.var.size)
-        error = TVXsetdblattrlist(model, "Start", static_cast<int>(reader.var.size), reader.var.data,
-                                  reader.value.data);
+        error = TVXsetdblattrlist(model, "Start", static_cast<int>(reader.var.size),
+                                  reader.var.data, reader.value.data);
     file_index_free(&reader.index);
     return error;
 }
@@ -112,8 +107,10 @@ int mip_start_read(TVXmodel *model, const char *file_name)
 {
     TextFile text;
     switch (text_load(file_name, &text)) {
-    case TextLoad::OK: break;
-    case TextLoad::NO_MEMORY: return OUT_OF_MEMORY;
+    case TextLoad::OK:
+        break;
+    case TextLoad::NO_MEMORY:
+        return OUT_OF_MEMORY;
     case TextLoad::NOT_FOUND:
         return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
                           "Unable to open file '%s' for input", file_name);
@@ -127,7 +124,8 @@ int mip_start_read(TVXmodel *model, const char *file_name)
 
 // ---- Writing ----
 
-static void write_values(const TVXmodel *model, const FileNames *names, const double *x, TextOut *out)
+static void write_values(const TVXmodel *model, const FileNames *names, const double *x,
+                         TextOut *out)
 {
     const ModelBody *body = model->body;
     char name[FILE_NAME_LENGTH];

@@ -116,10 +116,18 @@ static void make_semicontinuous(const BoundLine *line, Bound bound)
 static void apply(const BoundLine *line, Bound bound, double value)
 {
     switch (bound) {
-    case Bound::LI: make_integer(line); [[fallthrough]];
-    case Bound::LO: lower_line(line, value); return;
-    case Bound::UI: make_integer(line); [[fallthrough]];
-    case Bound::UP: upper_line(line, value); return;
+    case Bound::LI:
+        make_integer(line);
+        [[fallthrough]];
+    case Bound::LO:
+        lower_line(line, value);
+        return;
+    case Bound::UI:
+        make_integer(line);
+        [[fallthrough]];
+    case Bound::UP:
+        upper_line(line, value);
+        return;
     case Bound::SC:
     case Bound::SI:
         make_semicontinuous(line, bound);
@@ -143,8 +151,11 @@ static void apply(const BoundLine *line, Bound bound, double value)
     case Bound::PL:
         if (is_open(line, UPPER_GIVEN)) drop_default_upper(line);
         return;
-    case Bound::BV: binary_line(line); return;
-    default: return;
+    case Bound::BV:
+        binary_line(line);
+        return;
+    default:
+        return;
     }
 }
 
@@ -153,7 +164,8 @@ static int value_read(MpsReader *reader, Bound bound, TextSpan field, double *va
 {
     const MpsBoundValue demand = bounds[static_cast<int>(bound)].value;
     *value = MPS_INFINITY; // of SC without a value
-    if (demand == MpsBoundValue::NONE || (demand == MpsBoundValue::OPTIONAL && span_empty(field)))
+    if (demand == MpsBoundValue::NONE ||
+        (demand == MpsBoundValue::OPTIONAL && span_empty(field)))
         return 0;
     if (bound == Bound::FX || number_read(field, value) != NumberKind::INFINITE)
         return mps_finite(reader, field, value);

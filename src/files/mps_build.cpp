@@ -22,9 +22,9 @@ static int out_of_memory(TVXenv *env)
 
 // The parts of ModelData that are made here.
 struct Parts {
-    Array<int> vbeg;                // [n + 1]
-    Array<char> sense;              // [m]
-    Array<const char *> varnames;   // [n]
+    Array<int> vbeg;                 // [n + 1]
+    Array<char> sense;               // [m]
+    Array<const char *> varnames;    // [n]
     Array<const char *> constrnames; // [m]
     const char *name = nullptr;
 };
@@ -134,7 +134,8 @@ static void settle_bounds(MpsReader *reader)
     MpsColumns *columns = &reader->columns;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
         const unsigned char flags = columns->flags.data[j];
-        if (columns->lb.data[j] == 0.0 && columns->ub.data[j] < 0.0 && !(flags & LOWER_GIVEN))
+        if (columns->lb.data[j] == 0.0 && columns->ub.data[j] < 0.0 &&
+            !(flags & LOWER_GIVEN))
             columns->lb.data[j] = -MPS_INFINITY;
         const bool odd = (flags & MINUS_INFINITY) && (flags & MARKED_INTEGER) &&
                          !(flags & UPPER_GIVEN) && columns->ub.data[j] == 1.0;
@@ -171,7 +172,8 @@ static int range_name(MpsReader *reader, const TableName *row, const char **name
 static int add_range_variable(MpsReader *reader, int i, double width, Parts *parts)
 {
     MpsColumns *columns = &reader->columns;
-    if (columns->names.entries.size == INT_MAX || columns->entry_row.size == INT_MAX) return OUT_OF_MEMORY;
+    if (columns->names.entries.size == INT_MAX || columns->entry_row.size == INT_MAX)
+        return OUT_OF_MEMORY;
     const TableName row = {parts->constrnames.data[i],
                            static_cast<int>(strlen(parts->constrnames.data[i]))};
     const char *name = nullptr;
@@ -228,7 +230,8 @@ static int collect_constraint_names(MpsReader *reader, Parts *parts)
     const MpsRows *rows = &reader->rows;
     TRY(array_reserve(&parts->constrnames, rows->type.size));
     for (int64_t k = 0; k < rows->names.entries.size; k++)
-        if (rows->place.data[k].place >= 0) array_push(&parts->constrnames, rows->names.entries.data[k].text);
+        if (rows->place.data[k].place >= 0)
+            array_push(&parts->constrnames, rows->names.entries.data[k].text);
     return 0;
 }
 
@@ -253,9 +256,12 @@ static TextSpan without_constant(const MpsReader *reader)
     // A model without name leaves only the words behind the blank.
     const TextSpan whole = {shown + 1, shown + length};
     if (span_length(name) == length - 1)
-        return memcmp(name.begin, whole.begin, static_cast<size_t>(length - 1)) ? name : TextSpan{};
+        return memcmp(name.begin, whole.begin, static_cast<size_t>(length - 1))
+                   ? name
+                   : TextSpan{};
     const char *tail = name.end - length;
-    if (!memcmp(tail, shown, static_cast<size_t>(length))) name = span_trim(name.begin, tail);
+    if (!memcmp(tail, shown, static_cast<size_t>(length)))
+        name = span_trim(name.begin, tail);
     return name;
 }
 
@@ -263,7 +269,8 @@ static int copy_model_name(MpsReader *reader, Parts *parts)
 {
     const TextSpan name = without_constant(reader);
     if (span_empty(name)) return 0;
-    parts->name = PoolCopy(reader->pool, name.begin, static_cast<size_t>(span_length(name)));
+    parts->name =
+        PoolCopy(reader->pool, name.begin, static_cast<size_t>(span_length(name)));
     return parts->name ? 0 : OUT_OF_MEMORY;
 }
 
@@ -273,8 +280,10 @@ static void warn_of_whole(MpsReader *reader)
 {
     MpsWarnings *warnings = &reader->warnings;
     if (!reader->seen_rhs) mps_warn(warnings, MpsWarning::NO_RHS, 0, TextSpan{});
-    if (!reader->rows.type.size) mps_warn(warnings, MpsWarning::NO_CONSTRAINTS, 0, TextSpan{});
-    if (!reader->columns.names.entries.size) mps_warn(warnings, MpsWarning::NO_COLUMNS, 0, TextSpan{});
+    if (!reader->rows.type.size)
+        mps_warn(warnings, MpsWarning::NO_CONSTRAINTS, 0, TextSpan{});
+    if (!reader->columns.names.entries.size)
+        mps_warn(warnings, MpsWarning::NO_COLUMNS, 0, TextSpan{});
 }
 
 static int make_parts(MpsReader *reader, Parts *parts)
@@ -287,7 +296,8 @@ static int make_parts(MpsReader *reader, Parts *parts)
     return copy_model_name(reader, parts);
 }
 
-static int create(TVXenv *env, const MpsReader *reader, const Parts *parts, TVXmodel **model_out)
+static int create(TVXenv *env, const MpsReader *reader, const Parts *parts,
+                  TVXmodel **model_out)
 {
     const MpsColumns *columns = &reader->columns;
     const ModelData model_data = {
@@ -314,8 +324,9 @@ static int create(TVXenv *env, const MpsReader *reader, const Parts *parts, TVXm
 static int add_sets(const MpsSos *sos, TVXmodel *model)
 {
     if (!sos->type.size) return 0;
-    TRY(TVXaddsos(model, static_cast<int>(sos->type.size), static_cast<int>(sos->member.size),
-                  sos->type.data, sos->begin.data, sos->member.data, sos->weight.data));
+    TRY(TVXaddsos(model, static_cast<int>(sos->type.size),
+                  static_cast<int>(sos->member.size), sos->type.data, sos->begin.data,
+                  sos->member.data, sos->weight.data));
     return TVXupdatemodel(model);
 }
 

@@ -18,10 +18,10 @@ void mps_split(TextSpan line, MpsTokens *tokens)
     const char *const end = line.end;
     int count = 0;
     for (;;) {
-        while (p < end && static_cast<unsigned char>(*p) <= ' ') p++;
+        while (p < end && is_white(*p)) p++;
         if (p == end) break;
         const char *begin = p;
-        while (p < end && static_cast<unsigned char>(*p) > ' ') p++;
+        p = skip_word(p, end);
         if (count < MPS_TOKENS) tokens->token[count] = {begin, p};
         if (++count > MPS_TOKENS) break;
     }
@@ -120,7 +120,8 @@ bool mps_fixed_fields(TextSpan line, MpsCard *card)
     if (span_length(line) > SEQUENCE_BEGIN && line.begin[SEQUENCE_BEGIN - 1] == ' ')
         line = {line.begin, line.begin + SEQUENCE_BEGIN};
     for (int k = 0; k < 3; k++)
-        if (!is_blank(columns_of(line, k ? FIELD_END[k - 1] : 0, FIELD_BEGIN[k]))) return false;
+        if (!is_blank(columns_of(line, k ? FIELD_END[k - 1] : 0, FIELD_BEGIN[k])))
+            return false;
     if (!is_blank(columns_of(line, FIELD_END[2], FIELD_BEGIN[3]))) return false;
     card->type = field_of(line, 0);
     card->name = field_of(line, 1);
@@ -139,7 +140,8 @@ bool mps_fixed_fields(TextSpan line, MpsCard *card)
 static TextSpan fixed_without_comment(const MpsReader *reader, TextSpan line)
 {
     for (int k = 2; k <= 4; k += 2) {
-        if (span_length(line) <= FIELD_BEGIN[k] || line.begin[FIELD_BEGIN[k]] != '$') continue;
+        if (span_length(line) <= FIELD_BEGIN[k] || line.begin[FIELD_BEGIN[k]] != '$')
+            continue;
         if (!is_declared(reader, field_of(line, k)))
             return {line.begin, line.begin + FIELD_BEGIN[k]};
     }
@@ -169,7 +171,8 @@ static int card_fixed(MpsReader *reader, MpsCard *card)
     if (!mps_fixed_fields({line.begin, cut.end}, card) || !fixed_card_fits(reader, card))
         return mps_stop(reader, MpsFault::FIELDS,
                         "fields do not stand in the columns of the fixed form\n");
-    if (reader->section == MpsSection::BOUNDS && !card->entries) { // the set's name is missing
+    const bool no_set = reader->section == MpsSection::BOUNDS && !card->entries;
+    if (no_set) { // the column stands in the place of the set's name
         card->entry[0] = card->name;
         card->name = TextSpan{};
         card->entries = 1;
@@ -186,7 +189,8 @@ static bool fits_fixed_with_blanks(const MpsReader *reader, const MpsTokens *tok
     if (tokens->count <= second + 1) return false;
     if (tokens->token[second].end - reader->line.begin > FIELD_END[1]) return false;
     MpsCard card;
-    if (!mps_fixed_fields(reader->line, &card) || !fixed_card_fits(reader, &card)) return false;
+    if (!mps_fixed_fields(reader->line, &card) || !fixed_card_fits(reader, &card))
+        return false;
     for (int k = 0; k < card.entries; k++)
         if (!span_empty(card.value[k]) && !is_number(card.value[k])) return false;
     return true;
@@ -203,7 +207,8 @@ static void take_pairs(const MpsTokens *tokens, int first, MpsCard *card)
 
 // A bound without value, of a type that carries none: the last name is the column. Where the set's name is missing
 // and a value stands behind the column all the same, the names that are declared decide.
-static void bound_without_value(const MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
+static void bound_without_value(const MpsReader *reader, const MpsTokens *tokens,
+                                MpsCard *card)
 {
     const TextSpan *token = tokens->token;
     const bool shifted = tokens->count == 3 && mps_find_column(reader, token[2]) < 0 &&
@@ -214,8 +219,8 @@ static void bound_without_value(const MpsReader *reader, const MpsTokens *tokens
 }
 
 // Without a set's name one token less; SC and SI may leave the value out, too.
-static bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens, bool optional,
-                             MpsCard *card)
+static bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens,
+                             bool optional, MpsCard *card)
 {
     const TextSpan *token = tokens->token;
     if (tokens->count == 4) {
@@ -263,7 +268,8 @@ static int card_free(MpsReader *reader, MpsTokens *tokens, MpsCard *card)
     const int count_before = tokens->count;
     if (has_dollar(tokens)) cut_comment(reader, tokens);
     const int count = tokens->count;
-    if (reader->form == MpsForm::CHECKED && count > 3 && fits_fixed_with_blanks(reader, tokens))
+    if (reader->form == MpsForm::CHECKED && count > 3 &&
+        fits_fixed_with_blanks(reader, tokens))
         return mps_stop(reader, MpsFault::SUSPECT, "fixed form may be meant\n");
     switch (reader->section) {
     case MpsSection::ROWS:

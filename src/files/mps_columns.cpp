@@ -41,7 +41,8 @@ static int column_select(MpsReader *reader, TextSpan name)
     const int64_t length = span_length(name);
     if (columns->current >= 0) {
         const TableName *last = &columns->names.entries.data[columns->current];
-        if (last->length == length && !memcmp(last->text, name.begin, static_cast<size_t>(length)))
+        if (last->length == length &&
+            !memcmp(last->text, name.begin, static_cast<size_t>(length)))
             return 0;
     }
     int column = mps_find_column(reader, name);
@@ -100,8 +101,8 @@ static int add_entries(MpsReader *reader, const MpsCard *card)
     for (int k = 0; k < card->entries; k++)
         TRY(mps_finite(reader, card->value[k], &value[k]));
     for (int k = 0; k < card->entries; k++)
-        TRY(add_entry(reader, name_table_find_key(&reader->rows.names, &key[k]), card->entry[k],
-                      value[k]));
+        TRY(add_entry(reader, name_table_find_key(&reader->rows.names, &key[k]),
+                      card->entry[k], value[k]));
     return 0;
 }
 

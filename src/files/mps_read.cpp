@@ -8,8 +8,8 @@
 // Order       NAME, OBJSENSE and OBJNAME may be missing; ROWS, then COLUMNS, then RHS, RANGES, BOUNDS and SOS in any
 //             order, also repeatedly; ENDATA must end the file.
 // Cost        One pass for nearly all files, at most three.
-#include "files/files.h"
 #include "files/file_number.h"
+#include "files/files.h"
 #include "files/mps_reader.h"
 #include "frame/env.h"
 #include "frame/runtime/text_number.h"
@@ -17,7 +17,8 @@
 
 // ---- Failures ----
 
-static void failure_set(MpsReader *reader, MpsFault fault, const char *format, va_list arguments)
+static void failure_set(MpsReader *reader, MpsFault fault, const char *format,
+                        va_list arguments)
 {
     MpsFailure *failure = &reader->failure;
     failure->fault = fault;
@@ -47,7 +48,8 @@ int mps_stop_number(MpsReader *reader, TextSpan field)
         return mps_stop(reader, MpsFault::CONTENT, "an infinite value cannot stand here\n");
     case NumberKind::TOO_LARGE:
         return mps_stop(reader, MpsFault::CONTENT, "the number %s is too large\n", shown);
-    default: return mps_stop(reader, MpsFault::CONTENT, "'%s' is not a number\n", shown);
+    default:
+        return mps_stop(reader, MpsFault::CONTENT, "'%s' is not a number\n", shown);
     }
 }
 
@@ -69,9 +71,11 @@ bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning wa
 {
     if (span_empty(name)) return !set->skipping; // as the line before
     if (span_empty(set->first)) set->first = name;
-    const bool counts = span_length(name) == span_length(set->first) &&
-                        !memcmp(name.begin, set->first.begin, static_cast<size_t>(span_length(name)));
-    if (!counts && !set->skipping) mps_warn(&reader->warnings, warning, reader->text.line, name);
+    const bool counts =
+        span_length(name) == span_length(set->first) &&
+        !memcmp(name.begin, set->first.begin, static_cast<size_t>(span_length(name)));
+    if (!counts && !set->skipping)
+        mps_warn(&reader->warnings, warning, reader->text.line, name);
     set->skipping = !counts;
     return counts;
 }
@@ -171,14 +175,17 @@ static int section_begin(MpsReader *reader, MpsSection section, TextSpan rest)
         reader->model_name = rest;
         return 0;
     case MpsSection::SENSE:
-    case MpsSection::OBJNAME: return begin_head_word(reader, section, rest);
-    default: break;
+    case MpsSection::OBJNAME:
+        return begin_head_word(reader, section, rest);
+    default:
+        break;
     }
     if (!span_empty(rest) && *rest.begin != '$')
         return stop_section(reader, "text behind the name of the section\n");
     if (section == MpsSection::ROWS) return begin_rows(reader);
     if (section == MpsSection::COLUMNS) return begin_columns(reader);
-    if (!reader->seen_columns) return stop_section(reader, "the section stands too early\n");
+    if (!reader->seen_columns)
+        return stop_section(reader, "the section stands too early\n");
     if (section == MpsSection::RHS) reader->seen_rhs = true;
     reader->section = section;
     return 0;
@@ -217,13 +224,20 @@ static int head_word_line(MpsReader *reader)
 static int data_line(MpsReader *reader)
 {
     switch (reader->section) {
-    case MpsSection::ROWS: return mps_rows_line(reader);
-    case MpsSection::COLUMNS: return mps_columns_line(reader);
-    case MpsSection::RHS: return mps_rhs_line(reader);
-    case MpsSection::RANGES: return mps_ranges_line(reader);
-    case MpsSection::BOUNDS: return mps_bounds_line(reader);
-    case MpsSection::SOS: return mps_sos_line(reader);
-    default: return stop_section(reader, "data before the first section\n");
+    case MpsSection::ROWS:
+        return mps_rows_line(reader);
+    case MpsSection::COLUMNS:
+        return mps_columns_line(reader);
+    case MpsSection::RHS:
+        return mps_rhs_line(reader);
+    case MpsSection::RANGES:
+        return mps_ranges_line(reader);
+    case MpsSection::BOUNDS:
+        return mps_bounds_line(reader);
+    case MpsSection::SOS:
+        return mps_sos_line(reader);
+    default:
+        return stop_section(reader, "data before the first section\n");
     }
 }
 
@@ -234,7 +248,7 @@ static int take_line(MpsReader *reader, Walk *walk)
     if (first == '*' || first == '$') return 0; // comments
     if (reader->section == MpsSection::SENSE || reader->section == MpsSection::OBJNAME)
         return head_word_line(reader);
-    if (static_cast<unsigned char>(first) > ' ') return header_line(reader, walk);
+    if (!is_white(first)) return header_line(reader, walk);
     return data_line(reader);
 }
 
@@ -243,7 +257,9 @@ static int walk_lines(MpsReader *reader)
     Walk walk = Walk::GO_ON;
     while (walk == Walk::GO_ON) {
         switch (text_next(&reader->text, &reader->line)) {
-        case TextStep::LINE: TRY(take_line(reader, &walk)); break;
+        case TextStep::LINE:
+            TRY(take_line(reader, &walk));
+            break;
         case TextStep::BINARY:
             return mps_stop(reader, MpsFault::BINARY,
                             "the line holds a control character: this is no text file\n");
@@ -278,13 +294,15 @@ static int attempt(MpsReader *reader, MpsForm form)
 
 static bool form_may_be_wrong(MpsFault fault)
 {
-    return fault == MpsFault::SUSPECT || fault == MpsFault::FIELDS || fault == MpsFault::CONTENT;
+    return fault == MpsFault::SUSPECT || fault == MpsFault::FIELDS ||
+           fault == MpsFault::CONTENT;
 }
 
 static int parse(MpsReader *reader)
 {
     int error = attempt(reader, MpsForm::CHECKED);
-    if (error != TVX_ERROR_FILE_READ || !form_may_be_wrong(reader->failure.fault)) return error;
+    if (error != TVX_ERROR_FILE_READ || !form_may_be_wrong(reader->failure.fault))
+        return error;
     const MpsFailure first = reader->failure;
 
     error = attempt(reader, MpsForm::FIXED);
@@ -309,11 +327,12 @@ static int report_line(TVXenv *env, const MpsFailure *failure)
     char shown[LINE_SHOWN];
     text_printable(shown, LINE_SHOWN, failure->text);
     const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
-    if (failure->fault == MpsFault::FIELDS) TVXmsg(env, "Error: not free format mps file.\n");
+    if (failure->fault == MpsFault::FIELDS)
+        TVXmsg(env, "Error: not free format mps file.\n");
     TVXmsg(env, "Error at line %d:\n%s\n", line, shown);
     TVXmsg(env, "%s", failure->reason);
-    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "MPS read error at line %d:\n%s\n%s",
-                line, shown, failure->reason);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                "MPS read error at line %d:\n%s\n%s", line, shown, failure->reason);
 }
 
 // Errors about sections.
@@ -325,8 +344,8 @@ static int report_section(TVXenv *env, const MpsFailure *failure, const char *lo
     text_printable(shown, LINE_SHOWN, failure->text);
     TVXmsg(env, "%s", log_text);
     TVXmsg(env, "         line %d: %s\n         %s", line, shown, failure->reason);
-    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s\n%s", message, line,
-                shown, failure->reason);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s\n%s", message,
+                line, shown, failure->reason);
 }
 
 static int report_no_end(TVXenv *env, const MpsFailure *failure)
@@ -351,8 +370,10 @@ static int report(TVXenv *env, const MpsFailure *failure)
     case MpsFault::EMPTY:
         return report_section(env, failure, "Error: no columns or no nonzeros.\n",
                               "MPS reader: no columns or no nonzeros\n");
-    case MpsFault::NO_END: return report_no_end(env, failure);
-    default: return report_line(env, failure);
+    case MpsFault::NO_END:
+        return report_no_end(env, failure);
+    default:
+        return report_line(env, failure);
     }
 }
 
@@ -365,11 +386,14 @@ static int report_memory(TVXenv *env)
 static int load(TVXenv *env, const char *file_name, TextFile *text)
 {
     switch (text_load(file_name, text)) {
-    case TextLoad::OK: return 0;
-    case TextLoad::NO_MEMORY: return report_memory(env);
+    case TextLoad::OK:
+        return 0;
+    case TextLoad::NO_MEMORY:
+        return report_memory(env);
     case TextLoad::NOT_FOUND:
         TVXmsg(env, "Error: file %s not found\n", file_name);
-        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n", file_name);
+        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n",
+                    file_name);
     default: // TextLoad::BROKEN
         TVXmsg(env, "Error: file %s cannot be read to its end\n", file_name);
         return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,

@@ -36,18 +36,19 @@ static constexpr int MPS_REASON_LENGTH = 160;
 struct MpsFailure {
     MpsFault fault = MpsFault::NONE;
     int64_t line = 0;
-    TextSpan text;                       // the line
-    char reason[MPS_REASON_LENGTH] = ""; // what is wrong, for a reader of the log; may be empty
+    TextSpan text; // the line
+    char reason[MPS_REASON_LENGTH] =
+        ""; // what is wrong, for a reader of the log; may be empty
 };
 
 // Field numbers of the fixed form in brackets.
 struct MpsCard {
-    TextSpan type;             // [1] row type, bound type
-    TextSpan name;             // [2] column, or set; may be empty
-    TextSpan entry[2];         // [3], [5] row, or column of a bound
-    TextSpan value[2];         // [4], [6] empty where missing
-    int entries = 0;           // pairs in use, 0 to 2
-    bool marker = false;       // COLUMNS: a marker line; value[0] says which
+    TextSpan type;       // [1] row type, bound type
+    TextSpan name;       // [2] column, or set; may be empty
+    TextSpan entry[2];   // [3], [5] row, or column of a bound
+    TextSpan value[2];   // [4], [6] empty where missing
+    int entries = 0;     // pairs in use, 0 to 2
+    bool marker = false; // COLUMNS: a marker line; value[0] says which
 };
 
 // The value of a row's `place` that is no constraint number.
@@ -55,16 +56,16 @@ enum { PLACE_OBJECTIVE = -1, PLACE_DROPPED = -2 };
 // What an entry needs of its row, side by side.
 struct MpsPlace {
     int place; // constraint number, or PLACE_
-    int mark;  // the row's latest entry, an index into entry_row, or -1; may be of an older column
+    int mark; // the row's latest entry, an index into entry_row, or -1; may be of an older column
 };
 
 struct MpsRows {
-    NameTable names;     // every row of the section, N rows too
+    NameTable names;       // every row of the section, N rows too
     Array<MpsPlace> place; // [names]
-    Array<char> type;    // [m] 'L' 'G' 'E'
-    Array<double> rhs;   // [m]
-    Array<double> range; // [m] 0 without
-    Array<char> given;   // [m] bit 1: rhs given, bit 2: range given
+    Array<char> type;      // [m] 'L' 'G' 'E'
+    Array<double> rhs;     // [m]
+    Array<double> range;   // [m] 0 without
+    Array<char> given;     // [m] bit 1: rhs given, bit 2: range given
     bool has_objective = false;
 };
 enum MpsRowGiven { RHS_GIVEN = 1, RANGE_GIVEN = 2 };
@@ -104,7 +105,7 @@ struct MpsSos {
 
 // RHS, RANGES and BOUNDS may hold several named sets: the first counts.
 struct MpsSet {
-    TextSpan first; // its name; empty until a line names one
+    TextSpan first;        // its name; empty until a line names one
     bool skipping = false; // the last line belonged to another set
 };
 

@@ -68,7 +68,8 @@ int mps_rhs_line(MpsReader *reader)
 {
     MpsCard card;
     TRY(mps_card(reader, &card));
-    if (!mps_set_counts(reader, &reader->rhs_set, card.name, MpsWarning::MORE_RHS_SETS)) return 0;
+    if (!mps_set_counts(reader, &reader->rhs_set, card.name, MpsWarning::MORE_RHS_SETS))
+        return 0;
     for (int k = 0; k < card.entries; k++)
         TRY(set_rhs(reader, card.entry[k], card.value[k]));
     return 0;

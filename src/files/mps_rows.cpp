@@ -28,7 +28,8 @@ static int add_free_row(MpsReader *reader, TextSpan name)
         rows->has_objective = true;
         return place_add(rows, PLACE_OBJECTIVE);
     }
-    if (wanted) mps_warn(&reader->warnings, MpsWarning::MORE_FREE_ROWS, reader->text.line, name);
+    if (wanted)
+        mps_warn(&reader->warnings, MpsWarning::MORE_FREE_ROWS, reader->text.line, name);
     return place_add(rows, PLACE_DROPPED);
 }
 

@@ -56,6 +56,7 @@ void mps_warnings_show(const MpsWarnings *warnings, TVXenv *env)
             show_place(&warnings->place[k][i], env);
         }
         if (count > MPS_WARNING_SHOWN)
-            TVXmsg(env, "         and %lld more\n", static_cast<long long>(count - MPS_WARNING_SHOWN));
+            TVXmsg(env, "         and %lld more\n",
+                   static_cast<long long>(count - MPS_WARNING_SHOWN));
     }
 }

@@ -27,7 +27,8 @@ enum class MpsWarning {
     COUNT_
 };
 static constexpr int MPS_WARNING_KINDS = static_cast<int>(MpsWarning::COUNT_);
-static constexpr int MPS_WARNING_SHOWN = 5; // occurrences of a kind that are shown with line and name
+static constexpr int MPS_WARNING_SHOWN =
+    5; // occurrences of a kind that are shown with line and name
 
 struct MpsWarningPlace {
     int64_t line = 0; // 0: no single line

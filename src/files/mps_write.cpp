@@ -24,7 +24,7 @@ static constexpr int FIXED_NAME_LENGTH = 8;
 struct MpsWriter {
     const ModelBody *body = nullptr;
     FileNames vars, constrs;
-    char objective[FILE_NAME_LENGTH] = "OBJ"; // name of the objective row, different from all constraints'
+    char objective[FILE_NAME_LENGTH] = "OBJ"; // no constraint's name
     TextOut out;
 };
 
@@ -43,16 +43,20 @@ static void settle_blanks(TVXenv *env, MpsWriter *writer)
     for (FileNames *names : both) {
         if (fixed || !names->own || !names->has_blanks) continue;
         file_names_number(names);
-        TVXmsg(env, "Warning: %s names with blanks cannot be written, default names are used.\n",
+        TVXmsg(env,
+               "Warning: %s names with blanks cannot be written, default names are used.\n",
                names->kind == FileNameKind::VARIABLE ? "variable" : "constraint");
     }
 }
 
-static void warn_unusable(TVXenv *env, const FileNames *names, const Array<const char *> *own)
+static void warn_unusable(TVXenv *env, const FileNames *names,
+                          const Array<const char *> *own)
 {
     if (names->own || !own->size) return;
-    TVXmsg(env, "Warning: %s names are not all different and printable, default names are used.\n",
-           names->kind == FileNameKind::VARIABLE ? "variable" : "constraint");
+    TVXmsg(
+        env,
+        "Warning: %s names are not all different and printable, default names are used.\n",
+        names->kind == FileNameKind::VARIABLE ? "variable" : "constraint");
 }
 
 // "OBJ", or with the first number behind that no constraint bears.
@@ -175,7 +179,8 @@ static void write_column(MpsWriter *writer, int j)
     for (int p = begin; p < end; p++) {
         const double value = body->vval.data[p];
         if (value == 0.0) continue;
-        entry_line(writer, column, file_name(&writer->constrs, body->vind.data[p], row_buffer), value);
+        entry_line(writer, column,
+                   file_name(&writer->constrs, body->vind.data[p], row_buffer), value);
     }
 }
 

@@ -31,10 +31,10 @@ template<class Word> static uint64_t load(const char *text)
 static uint64_t load_tail(const char *text, int64_t length)
 {
     if (length >= 8) return load<uint64_t>(text + length - 8);
-    if (length >= 4)
-        return load<uint32_t>(text) | load<uint32_t>(text + length - 4) << 32;
+    if (length >= 4) return load<uint32_t>(text) | load<uint32_t>(text + length - 4) << 32;
     uint64_t word = 0;
-    for (int64_t k = 0; k < length; k++) word = word << 8 | static_cast<unsigned char>(text[k]);
+    for (int64_t k = 0; k < length; k++)
+        word = word << 8 | static_cast<unsigned char>(text[k]);
     return word;
 }
 
@@ -48,7 +48,8 @@ static uint64_t slot_of_name(const char *text, int64_t length, TableSlot *slot)
     slot->head = length > 8 ? load<uint64_t>(text) : 0;
     uint64_t h = fold(SEED ^ static_cast<uint64_t>(length) ^ slot->tail, MULTIPLIER);
     h = fold(h ^ slot->head, MULTIPLIER);
-    for (int64_t k = 8; k + 8 < length; k += 8) h = fold(h ^ load<uint64_t>(text + k), MULTIPLIER);
+    for (int64_t k = 8; k + 8 < length; k += 8)
+        h = fold(h ^ load<uint64_t>(text + k), MULTIPLIER);
     const int64_t shown = length < LENGTH_MASK ? length : LENGTH_MASK;
     slot->tag = static_cast<uint32_t>(h >> 40) << 8 | static_cast<uint32_t>(shown);
     return h;
@@ -75,7 +76,8 @@ TableKey name_table_key(const NameTable *table, const char *text, int64_t length
     key.text = text;
     key.length = length;
     if (table->slots.size)
-        __builtin_prefetch(table->slots.data + (static_cast<int64_t>(key.hash) & (table->slots.size - 1)));
+        __builtin_prefetch(table->slots.data +
+                           (static_cast<int64_t>(key.hash) & (table->slots.size - 1)));
     return key;
 }
 
@@ -90,7 +92,8 @@ int name_table_find_key(const NameTable *table, const TableKey *key)
         if (slot->tag != key->slot.tag || slot->tail != key->slot.tail ||
             slot->head != key->slot.head)
             continue;
-        if (key->length <= SLOT_BYTES || same_text(table, slot->index, key->text, key->length))
+        if (key->length <= SLOT_BYTES ||
+            same_text(table, slot->index, key->text, key->length))
             return slot->index;
     }
     return NAME_ABSENT;

@@ -36,6 +36,7 @@ int solution_write(TVXmodel *model, const char *file_name)
         error = text_out_close(&out);
     }
     if (error == TVX_ERROR_FILE_WRITE)
-        return fail_model(model, error, Report::KEEP_FIRST, "Unable to write to file '%s'\n", file_name);
+        return fail_model(model, error, Report::KEEP_FIRST,
+                          "Unable to write to file '%s'\n", file_name);
     return error;
 }

@@ -16,9 +16,11 @@
 #include <cstring>
 #include <sys/stat.h>
 
-static constexpr int64_t READ_BLOCK = 1 << 20;      // bytes asked for at a time
-static constexpr int64_t COMPRESSION_ESTIMATE = 5;  // text bytes per compressed byte; grows when short
-static constexpr int64_t LARGEST_ESTIMATE = 1 << 28; // of a first allocation: the rest must be there to be believed
+static constexpr int64_t READ_BLOCK = 1 << 20; // bytes asked for at a time
+// Text bytes per compressed byte; grows when short.
+static constexpr int64_t COMPRESSION_ESTIMATE = 5;
+// Of a first allocation: the rest must be there to be believed.
+static constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
 
 bool span_is(TextSpan span, const char *text)
 {
@@ -38,11 +40,6 @@ bool span_is_word(TextSpan span, const char *word)
     for (; p < span.end && *word; p++, word++)
         if (capital(*p) != *word) return false;
     return p == span.end && !*word;
-}
-
-static bool is_white(char c)
-{
-    return static_cast<unsigned char>(c) <= ' ';
 }
 
 TextSpan span_trim(const char *begin, const char *end)
@@ -75,7 +72,8 @@ static int64_t estimate_length(const char *file_name, const FileHandle *file)
     };
     if (stat(file_name, &status) || !S_ISREG(status.st_mode)) return READ_BLOCK;
     int64_t length = status.st_size;
-    if (length > LARGEST_ESTIMATE) return length < 0 || file->kind == 'p' ? LARGEST_ESTIMATE : length;
+    if (length > LARGEST_ESTIMATE)
+        return length < 0 || file->kind == 'p' ? LARGEST_ESTIMATE : length;
     if (file->kind == 'p') length *= COMPRESSION_ESTIMATE;
     return length < LARGEST_ESTIMATE ? length : LARGEST_ESTIMATE;
 }
@@ -87,10 +85,12 @@ static int read_all(FILE *stream, Array<char> *bytes, int64_t *bad)
     *bad = -1;
     for (;;) {
         if (bytes->room - bytes->size < READ_BLOCK + TEXT_PAD + 1)
-            TRY(array_reserve(bytes, bytes->room + bytes->room / 2 + READ_BLOCK + TEXT_PAD + 1));
+            TRY(array_reserve(bytes,
+                              bytes->room + bytes->room / 2 + READ_BLOCK + TEXT_PAD + 1));
         const int64_t room = bytes->room - bytes->size - TEXT_PAD - 1;
         char *block = bytes->data + bytes->size;
-        const size_t n = fread(block, 1, static_cast<size_t>(room < READ_BLOCK ? room : READ_BLOCK), stream);
+        const size_t n = fread(
+            block, 1, static_cast<size_t>(room < READ_BLOCK ? room : READ_BLOCK), stream);
         const char *binary = find_binary(block, block + n);
         bytes->size += static_cast<int64_t>(n);
         if (binary < block + n) {
@@ -133,7 +133,8 @@ static TextLoad load_stream(const char *file_name, FileHandle *file, TextFile *t
 {
     Array<char> *bytes = &text->bytes;
     int64_t bad = -1;
-    if (array_reserve(bytes, estimate_length(file_name, file) + READ_BLOCK + TEXT_PAD + 1) ||
+    if (array_reserve(bytes,
+                      estimate_length(file_name, file) + READ_BLOCK + TEXT_PAD + 1) ||
         read_all(file->stream, bytes, &bad)) {
         FileClose(file);
         return TextLoad::NO_MEMORY;
@@ -163,8 +164,8 @@ TextStep text_next(TextFile *text, TextSpan *line)
 {
     const char *begin = text->next;
     if (begin == text->end) return TextStep::END;
-    const char *newline =
-        static_cast<const char *>(memchr(begin, '\n', static_cast<size_t>(text->end - begin)));
+    const char *newline = static_cast<const char *>(
+        memchr(begin, '\n', static_cast<size_t>(text->end - begin)));
     const char *end = newline;
     while (end > begin && is_white(end[-1])) end--;
     text->next = newline + 1;
@@ -194,8 +195,9 @@ void text_printable(char *buffer, int size, TextSpan span)
     for (const char *p = span.begin; p < span.end;) {
         const int length = utf8_length(p, span.end);
         const int step = length ? length : 1;
-        const int rest = p + step < span.end ? DOTS : 0; // the cut may come right behind
-        if (used + step + rest >= size) {
+        // A byte never takes more than one.
+        const bool all_fits = span.end - p < size - used;
+        if (!all_fits && used + step + DOTS >= size) {
             for (int k = 0; k < DOTS && used < size - 1; k++) buffer[used++] = '.';
             break;
         }

@@ -15,14 +15,24 @@ inline bool span_empty(TextSpan span)
 {
     return span.begin == span.end;
 }
-bool span_is(TextSpan span, const char *text);        // the same bytes
-bool span_is_word(TextSpan span, const char *word);   // the same but for case; word in capitals
+inline bool is_white(char c)
+{
+    return static_cast<unsigned char>(c) <= ' ';
+}
+// To the next white space, or end.
+inline const char *skip_word(const char *p, const char *end)
+{
+    while (p < end && !is_white(*p)) p++;
+    return p;
+}
+bool span_is(TextSpan span, const char *text);          // the same bytes
+bool span_is_word(TextSpan span, const char *word);     // the same but for case; CAPITALS
 TextSpan span_trim(const char *begin, const char *end); // without white space at both ends
 
 // Invariant: [bytes.data, end) ends in a newline; at least TEXT_PAD readable bytes follow end.
 static constexpr int TEXT_PAD = 16;
 struct TextFile {
-    Array<char> bytes;          // the content, behind it a newline if the last was missing, and the pad
+    Array<char> bytes;          // content, a newline if the last was missing, and the pad
     const char *next = nullptr; // start of the line to be handed out next
     const char *end = nullptr;  // behind the last newline
     const char *bad = nullptr;  // the first byte that no text holds, or end
@@ -32,7 +42,7 @@ struct TextFile {
 enum class TextLoad {
     OK,
     NOT_FOUND, // cannot be opened
-    BROKEN,    // opened, but reading failed, or the decompression command reported a failure
+    BROKEN, // opened, but reading failed, or the decompression command reported a failure
     NO_MEMORY
 };
 // Reads all of a plain or compressed file. On failure *text is empty.

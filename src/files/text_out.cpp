@@ -70,14 +70,16 @@ void text_out_number(TextOut *out, double value)
 void text_out_int(TextOut *out, int64_t value)
 {
     char buffer[NUMBER_LENGTH];
-    const std::to_chars_result result = std::to_chars(buffer, buffer + NUMBER_LENGTH, value);
+    const std::to_chars_result result =
+        std::to_chars(buffer, buffer + NUMBER_LENGTH, value);
     text_out_bytes(out, buffer, result.ptr - buffer);
 }
 
 void text_out_line(TextOut *out, const char *text)
 {
     for (; *text; text++) {
-        const char c = static_cast<unsigned char>(*text) < ' ' ? ' ' : *text;
+        const bool breaks = static_cast<unsigned char>(*text) < ' ' && *text != '\t';
+        const char c = breaks ? ' ' : *text;
         text_out_bytes(out, &c, 1);
     }
 }

@@ -20,7 +20,8 @@ void text_out(TextOut *out, const char *text);
 void text_out_padded(TextOut *out, const char *text); // at least 8 characters, as "%-8s"
 void text_out_number(TextOut *out, double value);     // as number_write
 void text_out_int(TextOut *out, int64_t value);
-void text_out_line(TextOut *out, const char *text); // control characters replaced by blanks
+// Control characters but tabs are replaced by blanks.
+void text_out_line(TextOut *out, const char *text);
 // Closes. With `failed` set by the caller or by a write, or when the close fails, the file is removed if it is a
 // regular one. 0 or TVX_ERROR_FILE_WRITE. A closed record is ignored.
 [[nodiscard]] int text_out_close(TextOut *out);
