@@ -44,11 +44,14 @@ static void compare_columns(const ModelBody *a, const ModelBody *b, std::ostring
     for (int j = 0; j < a->numvars; j++) {
         if (a->obj[j] != b->obj[j]) *out << "obj of column " << j << "; ";
         if (a->lb[j] != b->lb[j] || a->ub[j] != b->ub[j])
-            *out << "bounds of column " << j << ": [" << shown(a->lb[j]) << "," << shown(a->ub[j])
-                 << "] and [" << shown(b->lb[j]) << "," << shown(b->ub[j]) << "]; ";
+            *out << "bounds of column " << j << ": [" << shown(a->lb[j]) << ","
+                 << shown(a->ub[j]) << "] and [" << shown(b->lb[j]) << ","
+                 << shown(b->ub[j]) << "]; ";
         if (type_of(a, j) != type_of(b, j))
-            *out << "type of column " << j << ": " << type_of(a, j) << type_of(b, j) << "; ";
-        if (a->bound_kind[j] != b->bound_kind[j]) *out << "bound kind of column " << j << "; ";
+            *out << "type of column " << j << ": " << type_of(a, j) << type_of(b, j)
+                 << "; ";
+        if (a->bound_kind[j] != b->bound_kind[j])
+            *out << "bound kind of column " << j << "; ";
         if (column_of(a, j) != column_of(b, j)) *out << "entries of column " << j << "; ";
     }
 }
@@ -72,9 +75,11 @@ static void compare_names(const ModelBody *a, const ModelBody *b, std::ostringst
     char one[DEFAULT_NAME_LENGTH];
     char two[DEFAULT_NAME_LENGTH];
     if (text_of(a->modelname) != text_of(b->modelname))
-        *out << "model name '" << text_of(a->modelname) << "' and '" << text_of(b->modelname) << "'; ";
+        *out << "model name '" << text_of(a->modelname) << "' and '"
+             << text_of(b->modelname) << "'; ";
     for (int j = 0; j < a->numvars; j++)
-        if (text_of(var_name(a, j, one)) != var_name(b, j, two)) *out << "name of column " << j << "; ";
+        if (text_of(var_name(a, j, one)) != var_name(b, j, two))
+            *out << "name of column " << j << "; ";
     for (int i = 0; i < a->numconstrs; i++)
         if (text_of(constr_name(a, i, one)) != constr_name(b, i, two))
             *out << "name of row " << i << "; ";
@@ -88,9 +93,11 @@ std::string model_difference(const TVXmodel *first, const TVXmodel *second, Name
     std::ostringstream out;
     compare_columns(a, b, &out);
     for (int i = 0; i < a->numconstrs; i++)
-        if (a->rhs[i] != b->rhs[i] || stored_sense(a->senses[i]) != stored_sense(b->senses[i]))
+        if (a->rhs[i] != b->rhs[i] ||
+            stored_sense(a->senses[i]) != stored_sense(b->senses[i]))
             out << "row " << i << "; ";
-    if (a->objcon != b->objcon) out << "constant " << shown(a->objcon) << " and " << shown(b->objcon) << "; ";
+    if (a->objcon != b->objcon)
+        out << "constant " << shown(a->objcon) << " and " << shown(b->objcon) << "; ";
     compare_sets(a, b, &out);
     if (names == Names::COMPARE) compare_names(a, b, &out);
     return out.str();
@@ -163,7 +170,8 @@ std::string Files::domain(const std::string &column_name) const
     const int j = column(column_name);
     if (j < 0) return "none";
     const ModelBody *body = model->body;
-    return std::string(1, type_of(body, j)) + " [" + shown(body->lb[j]) + "," + shown(body->ub[j]) + "]";
+    return std::string(1, type_of(body, j)) + " [" + shown(body->lb[j]) + "," +
+           shown(body->ub[j]) + "]";
 }
 
 std::string mps_with(const std::string &sections)

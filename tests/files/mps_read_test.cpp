@@ -9,7 +9,10 @@ class MpsRead : public Files
     {
         ASSERT_EQ(read(mps_with(sections)), 0) << message();
     }
-    bool warned(const std::string &text) const { return log.find(text) != std::string::npos; }
+    bool warned(const std::string &text) const
+    {
+        return log.find(text) != std::string::npos;
+    }
 };
 
 // ---- Forms ----
@@ -72,9 +75,11 @@ TEST_F(MpsRead, FixedFormKeepsCardNumbersAndLongNumbersApart)
     ASSERT_EQ(read("NAME\n"
                    "ROWS\n"
                    " N  COST\n"
-                   " E  ROW ONE                                                             00000001\n"
+                   " E  ROW ONE                                                            "
+                   " 00000001\n"
                    "COLUMNS\n"
-                   "    COL ONE   ROW ONE             1.   COST                2.           00000002\n"
+                   "    COL ONE   ROW ONE             1.   COST                2.          "
+                   " 00000002\n"
                    "    COL TWO   ROW ONE   1.2345678901234567e+100\n"
                    "RHS\n"
                    "ENDATA\n"),
@@ -114,7 +119,8 @@ TEST_F(MpsRead, ALineThatFitsBothFormsIsFixedInAFixedFile)
 {
     const std::string head = "NAME\nROWS\n N  COST\n L  R1\n L  R2\nCOLUMNS\n";
     const std::string both = "    A R1 3    R2               5\n";
-    ASSERT_EQ(read(head + both + "    B         R1               7\nRHS\nENDATA\n"), 0) << message();
+    ASSERT_EQ(read(head + both + "    B         R1               7\nRHS\nENDATA\n"), 0)
+        << message();
     EXPECT_EQ(coefficient("R2", "A R1 3"), 5);
     ASSERT_EQ(read(head + both + " B R1 7\nRHS\nENDATA\n"), 0) << message();
     EXPECT_EQ(coefficient("R2", "A"), 5);
@@ -123,9 +129,10 @@ TEST_F(MpsRead, ALineThatFitsBothFormsIsFixedInAFixedFile)
 
 TEST_F(MpsRead, NamesThatLookLikeNumbersStayNames)
 {
-    ASSERT_EQ(read("NAME 12\nROWS\n N 1\n G 2\n L 3.5\nCOLUMNS\n 1e1 1 1 2 1\n -7 1 -2 3.5 1\n"
-                   "RHS\n 99 2 4 3.5 5\nBOUNDS\n UP 99 -7 8\n FR 99 1e1\nENDATA\n"),
-              0)
+    ASSERT_EQ(
+        read("NAME 12\nROWS\n N 1\n G 2\n L 3.5\nCOLUMNS\n 1e1 1 1 2 1\n -7 1 -2 3.5 1\n"
+             "RHS\n 99 2 4 3.5 5\nBOUNDS\n UP 99 -7 8\n FR 99 1e1\nENDATA\n"),
+        0)
         << message();
     EXPECT_EQ(coefficient("3.5", "-7"), 1);
     EXPECT_EQ(domain("-7"), "C [0,8]");
@@ -134,7 +141,8 @@ TEST_F(MpsRead, NamesThatLookLikeNumbersStayNames)
 
 TEST_F(MpsRead, LineEndsMarksAndMissingNewlinesMakeNoDifference)
 {
-    const std::string text = mps_with("RHS\n    RHS       R1                   4\nENDATA\n");
+    const std::string text =
+        mps_with("RHS\n    RHS       R1                   4\nENDATA\n");
     ASSERT_EQ(read(text), 0);
     TVXmodel *plain = model;
     model = nullptr;
@@ -144,8 +152,10 @@ TEST_F(MpsRead, LineEndsMarksAndMissingNewlinesMakeNoDifference)
         return other;
     };
     const std::vector<std::string> variants = {
-        replaced("\r\n"), replaced("\r"),           replaced(" \t \n"),      replaced("\n\n* comment\n"),
-        "\xef\xbb\xbf" + text, text.substr(0, text.size() - 1), text + "\x1a\n\x1a", text + "garbage \x01\n"};
+        replaced("\r\n"),      replaced("\r"),
+        replaced(" \t \n"),    replaced("\n\n* comment\n"),
+        "\xef\xbb\xbf" + text, text.substr(0, text.size() - 1),
+        text + "\x1a\n\x1a",   text + "garbage \x01\n"};
     for (const std::string &variant : variants) {
         ASSERT_EQ(read(variant), 0) << message() << variant;
         EXPECT_EQ(model_difference(plain, model, Names::COMPARE), "") << variant;
@@ -166,9 +176,11 @@ TEST_F(MpsRead, LinesOfAnyLengthAreRead)
 
 TEST_F(MpsRead, SenseStandsOnItsLineOrTheNext)
 {
-    for (const char *text : {"OBJSENSE MAX\n", "OBJSENSE\n    MAX\n", "objsense\nmaximize\n",
-                             "OBJSENSE\n* comment\n    MAXIMISE\n"}) {
-        ASSERT_EQ(read(text + mps_with("RHS\n RHS COST 3\nENDATA\n")), 0) << text << message();
+    for (const char *text :
+         {"OBJSENSE MAX\n", "OBJSENSE\n    MAX\n", "objsense\nmaximize\n",
+          "OBJSENSE\n* comment\n    MAXIMISE\n"}) {
+        ASSERT_EQ(read(text + mps_with("RHS\n RHS COST 3\nENDATA\n")), 0)
+            << text << message();
         EXPECT_EQ(model->body->sense, -1) << text;
         double constant = 0;
         EXPECT_EQ(TVXgetdblattr(model, "ObjCon", &constant), 0);
@@ -181,8 +193,9 @@ TEST_F(MpsRead, SenseStandsOnItsLineOrTheNext)
 
 TEST_F(MpsRead, ObjnameChoosesAmongFreeRows)
 {
-    const std::string body = "ROWS\n N COST\n N OTHER\n G R1\nCOLUMNS\n X COST 1 OTHER 3\n X R1 1\n"
-                             "RHS\n RHS OTHER -7 COST 9\nENDATA\n";
+    const std::string body =
+        "ROWS\n N COST\n N OTHER\n G R1\nCOLUMNS\n X COST 1 OTHER 3\n X R1 1\n"
+        "RHS\n RHS OTHER -7 COST 9\nENDATA\n";
     for (const char *head : {"NAME\nOBJNAME\n    OTHER\n", "OBJNAME OTHER\n"}) {
         ASSERT_EQ(read(head + body), 0) << message();
         EXPECT_EQ(model->body->obj[0], 3);
@@ -199,7 +212,8 @@ TEST_F(MpsRead, ObjnameChoosesAmongFreeRows)
 
 TEST_F(MpsRead, NameIsTheRestOfItsLine)
 {
-    ASSERT_EQ(read("NAME     my little  model  \nROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0);
+    ASSERT_EQ(
+        read("NAME     my little  model  \nROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0);
     EXPECT_STREQ(model->body->modelname, "my little  model");
     ASSERT_EQ(read("NAME\nROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0);
     EXPECT_EQ(model->body->modelname, nullptr);
@@ -222,14 +236,17 @@ TEST_F(MpsRead, OddRowsAndColumns)
 {
     ASSERT_EQ(read("ROWS\n G R1\nCOLUMNS\n X R1 1\nRHS\nENDATA\n"), 0);
     EXPECT_TRUE(warned("Warning: no objective.\n"));
-    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0) << "a model of bounds only";
+    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0)
+        << "a model of bounds only";
     EXPECT_EQ(model->body->numconstrs, 0);
     EXPECT_TRUE(warned("Warning: no constraints.\n"));
-    ASSERT_EQ(read("ROWS\n N C\n L R\nCOLUMNS\nRHS\n RHS R 1\nENDATA\n"), 0) << "rows without columns";
+    ASSERT_EQ(read("ROWS\n N C\n L R\nCOLUMNS\nRHS\n RHS R 1\nENDATA\n"), 0)
+        << "rows without columns";
     EXPECT_EQ(model->body->numconstrs, 1);
     EXPECT_EQ(model->body->numvars, 0);
     EXPECT_TRUE(warned("Warning: no columns.\n"));
-    ASSERT_EQ(read("ROWS\nCOLUMNS\nRHS\nENDATA\n"), 0) << "nothing at all, as of an empty model";
+    ASSERT_EQ(read("ROWS\nCOLUMNS\nRHS\nENDATA\n"), 0)
+        << "nothing at all, as of an empty model";
     ASSERT_EQ(read(mps_with("ENDATA\n")), 0);
     EXPECT_TRUE(warned("Warning: rhs section not found.\n"));
 }
@@ -254,7 +271,8 @@ TEST_F(MpsRead, TheLaterOfTwoEntriesStands)
               0);
     EXPECT_EQ(coefficient("R1", "Y"), 5);
     EXPECT_EQ(model->body->obj[1], 6);
-    EXPECT_TRUE(warned("Warning: duplicate nonzeros.\n         line 10: R1\n         line 11: COST\n"));
+    EXPECT_TRUE(warned(
+        "Warning: duplicate nonzeros.\n         line 10: R1\n         line 11: COST\n"));
 }
 
 TEST_F(MpsRead, UnknownNamesAreLeftOutWithAWarning)
@@ -269,10 +287,13 @@ TEST_F(MpsRead, UnknownNamesAreLeftOutWithAWarning)
          "ENDATA\n");
     EXPECT_EQ(model->body->numnz, 3);
     EXPECT_EQ(model->body->rhs[0], -4);
-    EXPECT_TRUE(warned("Warning: row name in column section not defined.\n         line 10: NOROW\n"));
-    EXPECT_TRUE(warned("Warning: row name in rhs section not defined.\n         line 12: NOROW\n"));
+    EXPECT_TRUE(warned(
+        "Warning: row name in column section not defined.\n         line 10: NOROW\n"));
+    EXPECT_TRUE(
+        warned("Warning: row name in rhs section not defined.\n         line 12: NOROW\n"));
     EXPECT_TRUE(warned("Warning: row name in ranges section not defined.\n"));
-    EXPECT_TRUE(warned("Warning: column name in bound section not defined\n         line 16: NOCOL\n"));
+    EXPECT_TRUE(warned(
+        "Warning: column name in bound section not defined\n         line 16: NOCOL\n"));
 }
 
 TEST_F(MpsRead, ManyWarningsOfAKindAreCounted)
@@ -286,9 +307,11 @@ TEST_F(MpsRead, ManyWarningsOfAKindAreCounted)
 
 TEST_F(MpsRead, MarkersMakeIntegers)
 {
-    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n A C 1\n M1 'MARKER' 'INTORG'\n B C 1\n M2 'MARKER' 'INTEND'\n"
-                   " D C 1\n 'MARKER' 'INTORG'\n E C 1\n M 'MARKER' 'INTORG'\nRHS\nENDATA\n"),
-              0)
+    ASSERT_EQ(
+        read("ROWS\n N C\nCOLUMNS\n A C 1\n M1 'MARKER' 'INTORG'\n B C 1\n M2 'MARKER' "
+             "'INTEND'\n"
+             " D C 1\n 'MARKER' 'INTORG'\n E C 1\n M 'MARKER' 'INTORG'\nRHS\nENDATA\n"),
+        0)
         << message();
     EXPECT_EQ(domain("A"), "C [0,inf]");
     EXPECT_EQ(domain("B"), "I [0,1]");
@@ -308,35 +331,43 @@ TEST_F(MpsRead, TheFirstSetCounts)
     EXPECT_EQ(model->body->numvars, 3); // one range
     EXPECT_EQ(domain("X"), "C [0,3]");
     EXPECT_EQ(domain("Y"), "C [0,4]");
-    EXPECT_TRUE(warned("more than one set in rhs section, the first one is used.\n         line 12: RHS2\n"));
+    EXPECT_TRUE(warned("more than one set in rhs section, the first one is used.\n         "
+                       "line 12: RHS2\n"));
     EXPECT_TRUE(warned("more than one set in ranges section"));
     EXPECT_TRUE(warned("more than one set in bounds section"));
 }
 
 TEST_F(MpsRead, TheFirstRightHandSideStands)
 {
-    good("RHS\n RHS R1 2\n RHS R1 3\n RHS COST 4\n RHS COST 5\nRANGES\n RNG R1 1\n RNG R1 2\nENDATA\n");
+    good("RHS\n RHS R1 2\n RHS R1 3\n RHS COST 4\n RHS COST 5\nRANGES\n RNG R1 1\n RNG R1 "
+         "2\nENDATA\n");
     EXPECT_EQ(model->body->rhs[0], 3); // 2 <= R1 <= 3
     EXPECT_EQ(model->body->objcon, -4);
-    EXPECT_TRUE(warned("Warning: duplicate row in rhs section.\n         line 12: R1\n         line 14: COST\n"));
+    EXPECT_TRUE(warned("Warning: duplicate row in rhs section.\n         line 12: R1\n     "
+                       "    line 14: COST\n"));
     EXPECT_TRUE(warned("Warning: duplicate range rows.\n"));
 }
 
 TEST_F(MpsRead, RangesBecomeEquationsWithAVariable)
 {
-    ASSERT_EQ(read("ROWS\n N C\n E E+\n E E-\n E E0\n L L\n G G\n L Linf\n E Einf\n E E-inf\n G G0\n"
-                   "COLUMNS\n X E+ 1 E- 1\n X E0 1 L 1\n X G 1 Linf 1\n X Einf 1 E-inf 1\n X G0 1\n"
+    ASSERT_EQ(read("ROWS\n N C\n E E+\n E E-\n E E0\n L L\n G G\n L Linf\n E Einf\n E "
+                   "E-inf\n G G0\n"
+                   "COLUMNS\n X E+ 1 E- 1\n X E0 1 L 1\n X G 1 Linf 1\n X Einf 1 E-inf 1\n "
+                   "X G0 1\n"
                    " RgL C 1\n"
-                   "RANGES\n R E+ 2 E- -3\n R E0 0 L -4\n R G 5 Linf inf\n R Einf 1e30 E-inf -inf\n"
+                   "RANGES\n R E+ 2 E- -3\n R E0 0 L -4\n R G 5 Linf inf\n R Einf 1e30 "
+                   "E-inf -inf\n"
                    " R G0 0 C 3\n"
-                   "RHS\n R E+ 10 E- 20\n R E0 30 L 40\n R G 50 Linf 60\n R Einf 70 E-inf 80\n R G0 90\n"
+                   "RHS\n R E+ 10 E- 20\n R E0 30 L 40\n R G 50 Linf 60\n R Einf 70 E-inf "
+                   "80\n R G0 90\n"
                    "ENDATA\n"),
               0)
         << message();
     const ModelBody *body = model->body;
     const auto side = [&](const char *name) {
         const int i = row(name);
-        return std::string(1, body->senses[i]) + " " + std::to_string(static_cast<int>(body->rhs[i]));
+        return std::string(1, body->senses[i]) + " " +
+               std::to_string(static_cast<int>(body->rhs[i]));
     };
     EXPECT_EQ(side("E+"), "= 12"); // [10, 12]
     EXPECT_EQ(domain("RgE+"), "C [0,2]");
@@ -416,9 +447,11 @@ TEST_F(MpsRead, BoundLinesFollowTheTable)
     };
     for (const BoundCase &one : cases) {
         const std::string tail = std::string("RHS\nBOUNDS\n") + one.lines + "ENDATA\n";
-        ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\n" + tail), 0) << one.lines << message();
+        ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\n" + tail), 0)
+            << one.lines << message();
         EXPECT_EQ(domain("X"), one.continuous) << one.lines;
-        ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n M 'MARKER' 'INTORG'\n X C 1\n" + tail), 0) << one.lines;
+        ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n M 'MARKER' 'INTORG'\n X C 1\n" + tail), 0)
+            << one.lines;
         EXPECT_EQ(domain("X"), one.integer) << one.lines;
     }
 }
@@ -427,8 +460,11 @@ TEST_F(MpsRead, DoubtfulBoundsAreReported)
 {
     good("RHS\nBOUNDS\n UP B X 7\n UP B X 3\nENDATA\n");
     EXPECT_TRUE(warned("Warning: duplicate bounds for a column.\n         line 13: X\n"));
-    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n M 'MARKER' 'INTORG'\n X C 1\nRHS\nBOUNDS\n MI B X\nENDATA\n"), 0);
-    EXPECT_TRUE(warned("integer column with lower bound MI keeps its default upper bound 1.\n         X\n"));
+    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n M 'MARKER' 'INTORG'\n X C 1\nRHS\nBOUNDS\n MI B "
+                   "X\nENDATA\n"),
+              0);
+    EXPECT_TRUE(warned("integer column with lower bound MI keeps its default upper bound "
+                       "1.\n         X\n"));
     good("RHS\nBOUNDS\n BV B X\n FX B X 1\nENDATA\n");
     EXPECT_FALSE(warned("duplicate bounds"));
 }
@@ -438,7 +474,8 @@ TEST_F(MpsRead, DoubtfulBoundsAreReported)
 TEST_F(MpsRead, SetsInAllTheirForms)
 {
     const std::vector<std::string> forms = {
-        "SOS\n S1 one\n    X         1\n    Y         2\n S2 two\n    Y         5\n    X         7\n",
+        "SOS\n S1 one\n    X         1\n    Y         2\n S2 two\n    Y         5\n    X   "
+        "      7\n",
         "SETS\n s1 one\n one X 1\n one Y 2\n s2\n Y 5\n X 7\n",
         "sos\n S1 SOS       SET1      5\n    SOS       X                    1\n"
         "    SOS       Y                    2\n S2 SOS       SET2      5\n"
@@ -487,7 +524,8 @@ TEST_F(MpsRead, DollarBeginsACommentUnlessItIsAName)
 
 TEST_F(MpsRead, NumbersInAllSpellings)
 {
-    good("RHS\n RHS R1 +1.5D+3 R2 .5e1\nBOUNDS\n LO B X -.25\n UP B X 1.e-0\n LO B Y 5E-400\nENDATA\n");
+    good("RHS\n RHS R1 +1.5D+3 R2 .5e1\nBOUNDS\n LO B X -.25\n UP B X 1.e-0\n LO B Y "
+         "5E-400\nENDATA\n");
     EXPECT_EQ(model->body->rhs[0], -1500);
     EXPECT_EQ(model->body->rhs[1], 5);
     EXPECT_EQ(domain("X"), "C [-0.25,1]");

@@ -23,12 +23,18 @@ struct Draft {
 double any_number(Dice *dice)
 {
     switch (dice->range(0, 5)) {
-    case 0: return dice->nonzero(9);
-    case 1: return dice->nonzero(1000000) / 1000.0;
-    case 2: return std::ldexp(dice->nonzero(1 << 30), dice->range(-60, 30));
-    case 3: return dice->nonzero(1000000000) / 3.0;
-    case 4: return dice->chance(50) ? 5e-324 : 1.7976931348623157e308;
-    default: return dice->nonzero(1000000);
+    case 0:
+        return dice->nonzero(9);
+    case 1:
+        return dice->nonzero(1000000) / 1000.0;
+    case 2:
+        return std::ldexp(dice->nonzero(1 << 30), dice->range(-60, 30));
+    case 3:
+        return dice->nonzero(1000000000) / 3.0;
+    case 4:
+        return dice->chance(50) ? 5e-324 : 1.7976931348623157e308;
+    default:
+        return dice->nonzero(1000000);
     }
 }
 
@@ -42,12 +48,14 @@ double any_bound(Dice *dice, bool upper)
 
 std::string any_name(Dice *dice, int k, int style)
 {
-    static const char *const parts[] = {"x", "a b", "#1", "RHS", "$", "9", "\xc3\xa9", "'", "MARKER", "a  b"};
+    static const char *const parts[] = {"x", "a b",      "#1", "RHS",    "$",
+                                        "9", "\xc3\xa9", "'",  "MARKER", "a  b"};
     std::string name = style == 1 ? "v" + std::to_string(k) : "";
     if (style == 1) return name; // short
     const int count = dice->range(1, style == 2 ? 1 : 4);
     for (int c = 0; c < count; c++) name += parts[dice->range(0, 9)];
-    if (style == 2) return name.substr(0, 3) + std::to_string(k); // short, often with blanks
+    if (style == 2)
+        return name.substr(0, 3) + std::to_string(k); // short, often with blanks
     return name + "_" + std::to_string(k);
 }
 
@@ -99,8 +107,10 @@ Draft draw(Dice *dice)
     }
     const int style = dice->range(0, 3);
     const int other = dice->chance(70) ? style : dice->range(0, 3);
-    for (int j = 0; style && j < draft.n; j++) draft.varnames.push_back(any_name(dice, j, style));
-    for (int i = 0; other && i < draft.m; i++) draft.constrnames.push_back(any_name(dice, i, other));
+    for (int j = 0; style && j < draft.n; j++)
+        draft.varnames.push_back(any_name(dice, j, style));
+    for (int i = 0; other && i < draft.m; i++)
+        draft.constrnames.push_back(any_name(dice, i, other));
     if (other && draft.m && dice->chance(20)) draft.constrnames[0] = "OBJ";
     draw_sets(dice, &draft);
     return draft;
@@ -120,17 +130,18 @@ TVXmodel *build(TVXenv *env, Draft *draft, const char *name)
     std::vector<char *> constrs = pointers(&draft->constrnames);
     draft->ind.push_back(0); // so that no array is null
     draft->val.push_back(0);
-    const int code =
-        TVXloadmodel(env, &model, name, draft->n, draft->m, draft->sense, draft->objcon, draft->obj.data(),
-                     draft->senses.data(), draft->rhs.data(), draft->beg.data(), draft->len.data(),
-                     draft->ind.data(), draft->val.data(), draft->lb.data(), draft->ub.data(),
-                     draft->types.data(), vars.empty() ? nullptr : vars.data(),
-                     constrs.empty() ? nullptr : constrs.data());
+    const int code = TVXloadmodel(
+        env, &model, name, draft->n, draft->m, draft->sense, draft->objcon,
+        draft->obj.data(), draft->senses.data(), draft->rhs.data(), draft->beg.data(),
+        draft->len.data(), draft->ind.data(), draft->val.data(), draft->lb.data(),
+        draft->ub.data(), draft->types.data(), vars.empty() ? nullptr : vars.data(),
+        constrs.empty() ? nullptr : constrs.data());
     EXPECT_EQ(code, 0) << TVXgeterrormsg(env);
     if (!draft->sos_type.empty()) {
         EXPECT_EQ(TVXaddsos(model, static_cast<int>(draft->sos_type.size()),
                             static_cast<int>(draft->sos_ind.size()), draft->sos_type.data(),
-                            draft->sos_beg.data(), draft->sos_ind.data(), draft->sos_weight.data()),
+                            draft->sos_beg.data(), draft->sos_ind.data(),
+                            draft->sos_weight.data()),
                   0);
         EXPECT_EQ(TVXupdatemodel(model), 0);
     }
@@ -155,19 +166,24 @@ TEST_F(MpsRoundTrip, RandomModelsOfAllTypesAndBounds)
         ASSERT_EQ(round_trip("t.mps", Names::IGNORE), "") << k << "\n" << file_get("t.mps");
         ASSERT_EQ(round_trip("t.rew", Names::IGNORE), "") << k << "\n" << file_get("t.rew");
         ASSERT_EQ(read_file("t.mps"), 0);
-        ASSERT_EQ(round_trip("u.mps", Names::COMPARE), "") << k << "\n" << file_get("u.mps");
+        ASSERT_EQ(round_trip("u.mps", Names::COMPARE), "") << k << "\n"
+                                                           << file_get("u.mps");
         // The comments about what was converted go with the first copy.
         ASSERT_EQ(read_file("u.mps"), 0);
         ASSERT_EQ(round_trip("v.mps", Names::COMPARE), "");
-        ASSERT_EQ(file_get("u.mps"), file_get("v.mps")) << "a second write gives the same text";
+        ASSERT_EQ(file_get("u.mps"), file_get("v.mps"))
+            << "a second write gives the same text";
     }
 }
 
 TEST_F(MpsRoundTrip, TheFileHasTheStoredForm)
 {
-    ASSERT_EQ(read("NAME plan\nOBJSENSE MAX\nROWS\n N C\n G R1\n L R2\n E R3\nCOLUMNS\n X C 3 R1 2\n X R3 .1\n"
-                   " M 'MARKER' 'INTORG'\n Y R2 1e-7 R1 1\n M 'MARKER' 'INTEND'\n Z R3 0.333333333333333333\n"
-                   "RHS\n R C -4 R1 5\n R R2 6\nRANGES\n R R2 2\nBOUNDS\n UP B Y 9\n LO B Y -3\n FR B Z\n"
+    ASSERT_EQ(read("NAME plan\nOBJSENSE MAX\nROWS\n N C\n G R1\n L R2\n E R3\nCOLUMNS\n X "
+                   "C 3 R1 2\n X R3 .1\n"
+                   " M 'MARKER' 'INTORG'\n Y R2 1e-7 R1 1\n M 'MARKER' 'INTEND'\n Z R3 "
+                   "0.333333333333333333\n"
+                   "RHS\n R C -4 R1 5\n R R2 6\nRANGES\n R R2 2\nBOUNDS\n UP B Y 9\n LO B "
+                   "Y -3\n FR B Z\n"
                    "SOS\n S2 a\n X 1\n Z 2\nENDATA\n"),
               0);
     ASSERT_EQ(round_trip("w.mps", Names::IGNORE), "");
@@ -207,8 +223,11 @@ TEST_F(MpsRoundTrip, TheFileHasTheStoredForm)
 
 TEST_F(MpsRoundTrip, TheConstantShownInTheNameIsNoPartOfIt)
 {
-    for (const char *name : {"plan", "a b", "with objcon=5", "", "x with objcon=           1"}) {
-        ASSERT_EQ(read(std::string("NAME ") + name + "\nROWS\n N C\nCOLUMNS\n X C 1\nRHS\n R C -2.5\nENDATA\n"), 0);
+    for (const char *name :
+         {"plan", "a b", "with objcon=5", "", "x with objcon=           1"}) {
+        ASSERT_EQ(read(std::string("NAME ") + name +
+                       "\nROWS\n N C\nCOLUMNS\n X C 1\nRHS\n R C -2.5\nENDATA\n"),
+                  0);
         EXPECT_EQ(round_trip("w.mps", Names::COMPARE), "") << name;
     }
 }
@@ -243,7 +262,8 @@ class MpsNames : public Files
         char one[DEFAULT_NAME_LENGTH];
         char two[DEFAULT_NAME_LENGTH];
         if (read_file("w.mps")) return message();
-        return std::string(var_name(model->body, 0, one)) + "|" + constr_name(model->body, 0, two);
+        return std::string(var_name(model->body, 0, one)) + "|" +
+               constr_name(model->body, 0, two);
     }
 };
 
@@ -251,29 +271,35 @@ TEST_F(MpsNames, KeptWhereAFileCanCarryThem)
 {
     const std::string long_name(300, 'n');
     const std::vector<std::vector<std::string>> pairs = {
-        {"x", "y"},         {"a b", "c  d"},  {"12345678", "b 345 78"}, {"A R1 3", "B"},
-        {long_name, "y"},   {"$x", "*y"},     {"RHS", "ENDATA"},        {"'MARKER'", "MARKER"},
-        {"1e5", "-7"},      {"S1", "S2"},     {"OBJ", "C0000000"},      {"\xc3\xa9t\xc3\xa9", "\xe9"}};
+        {"x", "y"},        {"a b", "c  d"},        {"12345678", "b 345 78"},
+        {"A R1 3", "B"},   {long_name, "y"},       {"$x", "*y"},
+        {"RHS", "ENDATA"}, {"'MARKER'", "MARKER"}, {"1e5", "-7"},
+        {"S1", "S2"},      {"OBJ", "C0000000"},    {"\xc3\xa9t\xc3\xa9", "\xe9"}};
     for (const std::vector<std::string> &vars : pairs)
         for (const std::vector<std::string> &rows : pairs) {
-            const bool blanks = vars[1] == "c  d" || vars[0] == "A R1 3" || vars[1] == "b 345 78" ||
-                                rows[1] == "c  d" || rows[0] == "A R1 3" || rows[1] == "b 345 78";
+            const bool blanks = vars[1] == "c  d" || vars[0] == "A R1 3" ||
+                                vars[1] == "b 345 78" || rows[1] == "c  d" ||
+                                rows[0] == "A R1 3" || rows[1] == "b 345 78";
             const bool longer = vars[0] == long_name || rows[0] == long_name;
             make(vars, rows);
-            ASSERT_EQ(round_trip("w.mps", blanks && longer ? Names::IGNORE : Names::COMPARE), "")
-                << vars[0] << " " << rows[0] << "\n" << file_get("w.mps");
+            ASSERT_EQ(
+                round_trip("w.mps", blanks && longer ? Names::IGNORE : Names::COMPARE), "")
+                << vars[0] << " " << rows[0] << "\n"
+                << file_get("w.mps");
         }
 }
 
 TEST_F(MpsNames, NumberedWhereAFileCannotCarryThem)
 {
     const std::vector<std::vector<std::string>> bad = {
-        {"x", "x"}, {"x\ny", "z"}, {" x", "y"}, {"x ", "y"}, {"a\tb", "y"}, {"a b and more", "y"}};
+        {"x", "x"},  {"x\ny", "z"}, {" x", "y"},
+        {"x ", "y"}, {"a\tb", "y"}, {"a b and more", "y"}};
     for (const std::vector<std::string> &names : bad) {
         make(names, {"r", "s"});
         Output output;
         ASSERT_EQ(TVXwrite(model, "w.mps"), 0);
-        EXPECT_NE(output.text().find("Warning: variable names"), std::string::npos) << names[0];
+        EXPECT_NE(output.text().find("Warning: variable names"), std::string::npos)
+            << names[0];
         EXPECT_EQ(round_trip("w.mps", Names::IGNORE), "") << names[0];
         EXPECT_EQ(first_names(), names[0].size() > 8 ? "C0|r" : "C0000000|r");
         make({"x", "y"}, names);
@@ -289,7 +315,8 @@ TEST_F(MpsNames, NumberedWhereThereAreNone)
     EXPECT_EQ(first_names(), "C0000000|r");
     make({"a_long_name", "b"}, {"r", "s"});
     ASSERT_EQ(round_trip("t.rew", Names::IGNORE), "");
-    EXPECT_NE(file_get("t.rew").find("    C0000000  R0000000  7\n"), std::string::npos) << file_get("t.rew");
+    EXPECT_NE(file_get("t.rew").find("    C0000000  R0000000  7\n"), std::string::npos)
+        << file_get("t.rew");
 }
 
 // A column with an empty name among named ones has its number, unless another bears that name.

@@ -1,0 +1,178 @@
+// basis_file_test.cpp -- bases through files: exactly what was written comes back
+#include "files/files.h"
+#include "files/files_support.h"
+#include "frame/warm_start.h"
+#include "support/dice.h"
+#include <algorithm>
+
+class BasisFile : public Files
+{
+  protected:
+    std::vector<int> vbasis, cbasis;
+
+    // n columns and m rows with bounds of all kinds, and a random basis of them.
+    void make(Dice *dice, int n, int m, const std::vector<std::string> &names)
+    {
+        TVXfreemodel(model);
+        std::vector<double> lb, ub;
+        for (int j = 0; j < n; j++) {
+            lb.push_back(dice->chance(40) ? -1e100 : 0);
+            ub.push_back(dice->chance(40) ? 1e100 : 1);
+        }
+        std::vector<char *> pointers;
+        for (const std::string &name : names)
+            pointers.push_back(const_cast<char *>(name.data()));
+        ASSERT_EQ(TVXnewmodel(env, &model, "m", n, nullptr, lb.data(), ub.data(), nullptr,
+                              names.empty() ? nullptr : pointers.data()),
+                  0);
+        ASSERT_EQ(TVXaddconstrs(model, m, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                nullptr),
+                  0);
+        ASSERT_EQ(TVXupdatemodel(model), 0);
+        std::vector<int> all(static_cast<size_t>(n + m), 1);
+        for (size_t k = 0; k < static_cast<size_t>(m); k++) all[k] = TVX_BASIC;
+        dice->shuffle(&all);
+        vbasis.assign(all.begin(), all.begin() + n);
+        cbasis.assign(all.begin() + n, all.end());
+        for (int &status : vbasis)
+            if (status != TVX_BASIC) status = -dice->range(1, 3);
+        for (int &status : cbasis)
+            if (status != TVX_BASIC) status = TVX_NONBASIC_LOWER;
+    }
+    std::string read_bas(const std::string &text)
+    {
+        file_put("b.bas", text);
+        Output output;
+        EXPECT_EQ(TVXread(model, "b.bas"), 0);
+        log = output.text();
+        return TVXgetmerrormsg(model);
+    }
+    // Statuses that a solve would start from, columns first; basic is 0.
+    std::vector<int> start()
+    {
+        const WarmStart *warm = warm_start_usable(model);
+        std::vector<int> statuses;
+        for (int k = 0; warm && k < warm->count + model->body->numconstrs; k++)
+            statuses.push_back(std::min(warm->statuses[k], 0));
+        return statuses;
+    }
+    std::vector<int> written() const
+    {
+        std::vector<int> all = vbasis;
+        all.insert(all.end(), cbasis.begin(), cbasis.end());
+        return all;
+    }
+};
+
+TEST_F(BasisFile, EveryBasisComesBack)
+{
+    Dice dice(5);
+    const std::vector<std::vector<std::string>> names = {
+        {},
+        {"a", "b c", "b", "c", "R 1", "x y z"},
+        {"same", "same", "p", "q", "r", "s"},
+        {"a long name", "a long name 2", "2", "x", "long", "name"}};
+    for (int k = 0; k < 400; k++) {
+        const std::vector<std::string> &set = names[static_cast<size_t>(k) % names.size()];
+        make(&dice, set.empty() ? dice.range(1, 9) : 6, dice.range(1, 9), set);
+        remove("b.bas");
+        ASSERT_EQ(basis_write_statuses(model, vbasis.data(), cbasis.data(), "b.bas"), 0);
+        Output output;
+        ASSERT_EQ(TVXread(model, "b.bas"), 0);
+        ASSERT_STREQ(TVXgetmerrormsg(model), "") << file_get("b.bas");
+        ASSERT_EQ(start(), written()) << file_get("b.bas");
+        ASSERT_EQ(output.text(), "");
+    }
+}
+
+TEST_F(BasisFile, HasTheClassicForm)
+{
+    ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n UP B Y 4\nENDATA\n")), 0);
+    const int v[] = {TVX_BASIC, TVX_NONBASIC_UPPER};
+    const int c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
+    ASSERT_EQ(basis_write_statuses(model, v, c, "b.bas"), 0);
+    EXPECT_EQ(file_get("b.bas"), "NAME TEST 2 Variables 2 Constraints\n"
+                                 " XL X         R2      \n"
+                                 " UL Y       \n"
+                                 "ENDATA\n");
+}
+
+TEST_F(BasisFile, ReadsOtherProgramsFiles)
+{
+    ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n UP B Y 4\nENDATA\n")), 0);
+    EXPECT_EQ(read_bas("NAME          TEST  Rows 2  Cols 2\n* comment\n XU X R2 1.5\n UL Y "
+                       "4.0\n ?? Z\n\nENDATA\n XL Y R1\n"),
+              "");
+    EXPECT_EQ(start(), (std::vector<int>{0, -2, 0, -1}));
+    EXPECT_EQ(read_bas(" xl Y R1\n ll X\n"), "");
+    EXPECT_EQ(start(), (std::vector<int>{-1, 0, -1, 0}));
+}
+
+TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
+{
+    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
+    EXPECT_EQ(read_bas(" XL X R2\nENDATA\n"), "");
+    const std::vector<int> before = start();
+    EXPECT_EQ(read_bas(" XL Y R1\n UL NONE\nENDATA\n"),
+              "MPS reader: variable name NONE doesn't exist\n");
+    EXPECT_EQ(log, "Error: variable name NONE doesn't exist\n");
+    EXPECT_EQ(read_bas(" XL Y NONE\nENDATA\n"),
+              "MPS reader: row name NONE doesn't exist\n");
+    EXPECT_EQ(log, "Error: row name NONE doesn't exist\n");
+    EXPECT_EQ(start(), before);
+    EXPECT_EQ(read_bas(std::string(" XL Y\0R1\n", 9)), "File b.bas is no text file\n");
+}
+
+TEST_F(BasisFile, NumberedNamesStandForElementsWithoutName)
+{
+    Dice dice(1);
+    make(&dice, 3, 2, {});
+    EXPECT_EQ(read_bas(" XL C1 R0000001\n XL C0000002 R0\nENDATA\n"), "");
+    EXPECT_EQ(start(),
+              (std::vector<int>{model->body->bound_kind[0] == 3 ? -3 : -1, 0, 0, -1, -1}));
+    EXPECT_EQ(read_bas(" XL C3 R0\nENDATA\n"),
+              "MPS reader: variable name C3 doesn't exist\n");
+}
+
+// The long name of a row asks for short numbers, and the second column's would be the first one's name.
+TEST_F(BasisFile, NumberedNamesAvoidOwnNames)
+{
+    char first[] = "C1";
+    char none[] = "";
+    char *names[] = {first, none};
+    ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, nullptr, nullptr, nullptr, nullptr, names),
+              0);
+    ASSERT_EQ(TVXaddconstr(model, 0, nullptr, nullptr, '<', 1, "a_long_row_name"), 0);
+    ASSERT_EQ(TVXupdatemodel(model), 0);
+    const int v[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
+    const int c[] = {TVX_NONBASIC_LOWER};
+    ASSERT_EQ(basis_write_statuses(model, v, c, "b.bas"), 0);
+    EXPECT_EQ(read_bas(file_get("b.bas")), "");
+    EXPECT_EQ(start(), (std::vector<int>{0, -1, -1})) << file_get("b.bas");
+}
+
+TEST_F(BasisFile, AnInvalidBasisIsDiscarded)
+{
+    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
+    EXPECT_EQ(read_bas(" XL X R1\n XL Y R1\nENDATA\n"), "");
+    EXPECT_EQ(log, "Warning, invalid warm-start basis discarded\n");
+    EXPECT_TRUE(start().empty());
+}
+
+TEST_F(BasisFile, WithoutABasisThereIsNoFile)
+{
+    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
+    EXPECT_EQ(TVXwrite(model, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_FALSE(std::filesystem::exists("b.bas"));
+    const int v[] = {TVX_BASIC, TVX_BASIC};
+    const int c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
+    EXPECT_EQ(basis_write_statuses(model, v, c, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_FALSE(std::filesystem::exists("b.bas"));
+}
+
+TEST_F(BasisFile, AModelWithoutRowsReadsNothing)
+{
+    ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0);
+    EXPECT_EQ(read_bas(" UL NONE\n"), "");
+    EXPECT_EQ(log, "");
+}
