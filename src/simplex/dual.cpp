@@ -141,7 +141,7 @@ template<class R> void no_column(sopt *s, swork<R> *w)
 {
     if (w->Lu.NumUpdates > 0)
         s->RefacReason = REFAC_CONFIRM;
-    else if (!s->BoxPhase && proves_infeasible(s, &w->Rho))
+    else if (!s->BoxPhase && proves_infeasible(s, w))
         s->Status = SIMPLEX_INFEASIBLE;
     else // rounding: in the box problem every variable has a range, elsewhere the proof would stand
         set_row_aside(s, w);

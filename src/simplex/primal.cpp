@@ -118,7 +118,7 @@ template<class R> void end_phase1(sopt *s, swork<R> *w)
         if (w->Primal->RowState.data[i] != ROW_FEASIBLE)
             svec_add(y, i, R(w->Primal->RowState.data[i]));
     Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
-    if (proves_infeasible(s, y)) {
+    if (proves_infeasible(s, w)) {
         s->Status = SIMPLEX_INFEASIBLE;
     } else if (s->OptTol >
                TIGHTEST_TOL) { // reduced costs that were taken for zero still matter

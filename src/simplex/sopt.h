@@ -254,8 +254,9 @@ template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w);
 
 // ---- farkas.cpp ----
-// Do the multipliers y (over rows) prove that no point within the true bounds satisfies the equations?
-template<class R> bool proves_infeasible(const sopt *s, const SVec<R> *y);
+// Do the multipliers in Rho prove that no point within the true bounds satisfies the equations? They are refined on
+// the factors, which have to be fresh; Tau and Work are used.
+template<class R> bool proves_infeasible(const sopt *s, swork<R> *w);
 
 // ---- finish.cpp ----
 template<class R>
