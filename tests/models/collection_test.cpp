@@ -2,7 +2,7 @@
 //
 // TARVEX_INSTANCES=folder       with reference.csv and one folder per collection; without it nothing runs
 // TARVEX_COLLECTIONS=a,b        collections to run (netlib,infeasible)
-// TARVEX_LP_METHOD=k            0 primal, 1 dual (default)
+// TARVEX_SETTINGS=a=1,b=2       parameters to set
 // TARVEX_GENERATED=folder       further .mps files whose comments tell "status:" and "optimum:"
 #include "support/lp_tarvex.h"
 #include "support/solve_judge.h"
@@ -42,6 +42,16 @@ static std::vector<std::string> split(const std::string &line)
     std::istringstream in(line);
     for (std::string field; std::getline(in, field, ',');) fields.push_back(field);
     return fields;
+}
+
+static Settings wanted_settings()
+{
+    Settings settings;
+    for (const std::string &pair : split(from_environment("TARVEX_SETTINGS", ""))) {
+        const size_t equals = pair.find('=');
+        settings.emplace_back(pair.substr(0, equals), atof(pair.c_str() + equals + 1));
+    }
+    return settings;
 }
 
 // reference.csv: file, class, rows, cols, nonzeros, integers, status, objective, ...
@@ -123,8 +133,7 @@ TEST_P(Collection, reference_answer)
     ASSERT_EQ(TVXreadmodel(env.env, instance.file.c_str(), &read), 0)
         << TVXgeterrormsg(env.env);
     const TestModel model(read);
-    const int lp_method = atoi(from_environment("TARVEX_LP_METHOD", "1").c_str());
-    ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", lp_method), 0);
+    ASSERT_EQ(settings_apply(TVXgetenv(model), wanted_settings()), 0);
     LpModel lp;
     ASSERT_EQ(lp_read_back(model, &lp), 0);
     LpSolution solution;
