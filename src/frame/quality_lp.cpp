@@ -83,14 +83,14 @@ static void row_duals(const TVXenv *env, const ModelBody *body, const double *pi
 }
 
 // d_j of the body's form.
-static double reduced_cost(const ModelBody *body, const double *pi, int j)
+static long double reduced_cost(const ModelBody *body, const double *pi, int j)
 {
     const int *vind = body->vind.data;
     const double *vval = body->vval.data;
     const int begin = body->vbeg[j], end = begin + body->vlen[j];
     long double d = body->obj[j];
     for (int p = begin; p < end; p++) d -= static_cast<long double>(vval[p]) * pi[vind[p]];
-    return static_cast<double>(d);
+    return d;
 }
 
 static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &point,
@@ -100,7 +100,8 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
     const double infinity = std::min(env->TARV_PAR_INFBOUND, INFINITE_BOUND);
     for (int j = 0; j < body->numvars; j++) {
         const double x = point.x[j], lb = body->lb[j], ub = body->ub[j];
-        const double d = reduced_cost(body, pi, j);
+        const long double exact = reduced_cost(body, pi, j);
+        const double d = static_cast<double>(exact);
         const double factor = scale_at(scale.col, j) * scale.obj;
         const double near = d > 0 ? lb : ub;
         judge({.index = j,
@@ -111,7 +112,7 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
                .scale = factor},
               result);
         if (!point.rc) continue;
-        const double residual = fabs(d - sign * point.rc[j]);
+        const double residual = static_cast<double>(fabsl(exact - sign * point.rc[j]));
         violation_add(&result->DualResidual, j, residual);
         violation_add(&result->DualSResidual, j, residual * factor);
     }

@@ -5,6 +5,7 @@
 // TARVEX_SETTINGS=a=1,b=2       parameters to set
 // TARVEX_GENERATED=folder       further .mps files whose comments tell "status:" and "optimum:"
 #include "support/lp_tarvex.h"
+#include "support/quality_check.h"
 #include "support/solve_judge.h"
 #include <algorithm>
 #include <cmath>
@@ -140,6 +141,8 @@ TEST_P(Collection, reference_answer)
     ASSERT_EQ(lp_solve(model, &solution), 0) << TVXgetmerrormsg(model);
     if (instance.status == "optimal") {
         expect_optimal(instance, lp, solution);
+        EXPECT_EQ(check_quality(model, &lp, &solution, QualityScaling::SCALED),
+                  std::vector<std::string>{});
         return;
     }
     const int expected = instance.status == "infeasible" ? TVX_INFEASIBLE : TVX_UNBOUNDED;
@@ -153,6 +156,14 @@ static std::string instance_name(const testing::TestParamInfo<Instance> &info)
     for (char &c : name)
         if (!isalnum(static_cast<unsigned char>(c))) c = '_';
     return name;
+}
+
+TEST(Collections, are_at_hand)
+{
+    if (all_instances().empty())
+        GTEST_SKIP() << "published models are not solved: no reference.csv in the folder "
+                        "TARVEX_INSTANCES='"
+                     << from_environment("TARVEX_INSTANCES", "") << "'";
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Collection);

@@ -146,16 +146,12 @@ static int read_ints(TVXmodel *model, const char *name, int count, std::vector<i
     return count > 0 ? TVXgetintattrarray(model, name, 0, count, values->data()) : 0;
 }
 
-int lp_read_solution(TVXmodel *model, LpSolution *solution)
+int lp_read_point(TVXmodel *model, LpSolution *solution)
 {
-    *solution = LpSolution{};
     int n = 0, m = 0;
-    int error = TVXgetintattr(model, "Status", &solution->status);
-    if (!error) error = TVXgetdblattr(model, "IterCount", &solution->iterations);
-    if (!error) error = TVXgetintattr(model, "NumVars", &n);
+    int error = TVXgetintattr(model, "NumVars", &n);
     if (!error) error = TVXgetintattr(model, "NumConstrs", &m);
-    if (error || solution->status != TVX_OPTIMAL) return error;
-    error = TVXgetdblattr(model, "ObjVal", &solution->objval);
+    if (!error) error = TVXgetdblattr(model, "ObjVal", &solution->objval);
     if (!error) error = read_doubles(model, "X", n, &solution->x);
     if (!error) error = read_doubles(model, "RC", n, &solution->rc);
     if (!error) error = read_doubles(model, "Pi", m, &solution->pi);
@@ -164,6 +160,15 @@ int lp_read_solution(TVXmodel *model, LpSolution *solution)
     if (!error) error = read_ints(model, "CBasis", m, &solution->cbasis);
     solution->has_basis = !error;
     return error;
+}
+
+int lp_read_solution(TVXmodel *model, LpSolution *solution)
+{
+    *solution = LpSolution{};
+    int error = TVXgetintattr(model, "Status", &solution->status);
+    if (!error) error = TVXgetdblattr(model, "IterCount", &solution->iterations);
+    if (error || solution->status != TVX_OPTIMAL) return error;
+    return lp_read_point(model, solution);
 }
 
 int lp_solve(TVXmodel *model, LpSolution *solution)

@@ -32,8 +32,10 @@ int lp_read_back(TVXmodel *model, LpModel *lp);
 
 // TVXoptimize and lp_read_solution. 0 or the first code.
 int lp_solve(TVXmodel *model, LpSolution *solution);
-// Status and iterations; with status 2 (or 7, 9, 11 when a point is there) all the rest.
+// Status and iterations; with status 2 all the rest.
 int lp_read_solution(TVXmodel *model, LpSolution *solution);
+// All the rest, which is there under other statuses too. 0 or the first code.
+int lp_read_point(TVXmodel *model, LpSolution *solution);
 // A basis as attributes take it. 0 or a code.
 int lp_set_basis(TVXmodel *model, const std::vector<int> &vbasis,
                  const std::vector<int> &cbasis);
