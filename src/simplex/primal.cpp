@@ -13,39 +13,24 @@
 
 namespace
 {
+bool starts_from_slacks(const sopt *s)
+{
+    for (int k = 0; k < s->NumRows; k++)
+        if (s->BasisHead.data[k] < s->NumCols) return false;
+    return true;
+}
+
 constexpr double TIGHT_MARKOWITZ = 0.5;
-constexpr double STALL_SHARE =
-    0.7;                           // degenerate share of the iterations since the last look
-constexpr double STALL_LEAST = 30; // iterations needed for a judgement
-constexpr int MAX_REJECTED = 50;   // columns set aside before the run gives up
+constexpr double COST_SHARE =
+    0.1; // largest true cost in phase 1, against 1 per infeasibility
+constexpr double NORM_TRIAL = 200;  // iterations before exact weights are judged
+constexpr double NORM_SHARE = 0.55; // of the effort that they may take
+constexpr int MAX_REJECTED = 50;    // columns set aside before the run gives up
 constexpr double TIGHTEST_TOL =
     1e-9; // of reduced costs when an infeasibility is to be proved
 constexpr double TIGHTEN = 1e-2;
 constexpr double PRICE_TRUST =
     1e-3; // relative gap between stored and recomputed reduced cost
-
-// True bounds back; nonbasics that stood at moved bounds return with them.
-void remove_perturbation(sopt *s)
-{
-    std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
-    std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
-    s->Perturbed = 0;
-}
-
-// Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound.
-template<class R> void shift_infeasible_bounds(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    for (int i = 0; i < s->NumRows; i++) {
-        const int state = p->RowState.data[i], j = s->BasisHead.data[i];
-        if (state == ROW_FEASIBLE) continue;
-        double *bound = state == ROW_BELOW ? &s->WorkLower.data[j] : &s->WorkUpper.data[j];
-        *bound = static_cast<double>(w->Bbar.data[i]);
-        p->RowState.data[i] = ROW_FEASIBLE;
-    }
-    set_basic_bounds(s);
-    s->Perturbed = std::max(s->Perturbed, 1);
-}
 
 // Reduced costs of the phase at hand.
 template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
@@ -56,19 +41,30 @@ template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
         return;
     }
     double *cost = p->PhaseCost.data;
-    for (int i = 0; i < s->NumRows; i++) cost[s->BasisHead.data[i]] = p->RowState.data[i];
+    for (int j = 0; j < s->NumCols; j++) cost[j] = p->CostWeight * s->Cost.data[j];
+    for (int i = 0; i < s->NumRows; i++) cost[s->BasisHead.data[i]] += p->RowState.data[i];
     compute_dual_for(s, w, cost, w->Cbar.data);
-    for (int i = 0; i < s->NumRows; i++) cost[s->BasisHead.data[i]] = 0;
+    std::fill_n(cost, s->NumVars, 0.0);
 }
 
-template<class R> bool stalled(sopt *s, popt<R> *p)
+template<class R> double total_work(const sopt *s, const swork<R> *w)
 {
-    const double pivots = s->NPvt - p->StallIter;
-    if (pivots < STALL_LEAST) return false;
-    const bool yes = s->DegenCount - p->StallStart > STALL_SHARE * pivots;
-    p->StallIter = s->NPvt;
-    p->StallStart = s->DegenCount;
-    return yes;
+    return s->WorkUnits + w->Lu.WorkUnits;
+}
+
+// Exact weights save iterations, but where the solves for them dominate, Devex does better.
+template<class R> void review_pricing(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const bool steepest = p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
+    if (steepest && !p->PricingFixed && s->NPvt > NORM_TRIAL &&
+        p->NormWork > NORM_SHARE * (total_work(s, w) - p->WorkStart)) {
+        p->PricingCur = PRICE_DEVEX;
+        p->NewWeights = 1;
+    }
+    if (!p->NewWeights) return;
+    primal_start_weights(s, w);
+    p->NewWeights = 0;
 }
 
 template<class R> int refresh(sopt *s, swork<R> *w)
@@ -78,12 +74,12 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
     if (s->SingularCount > repairs) row_copy_partition(s);
-    if (s->PerturbAllowed && s->Perturbed < 3 && stalled(s, p)) primal_perturb(s, w);
     compute_primal(s, w);
+    if (s->PerturbAllowed && primal_stalled(s, p)) primal_perturb(s, w);
     const bool was_feasible = !p->Phase1 && s->RefacReason != REFAC_START;
     const int infeasible = primal_classify(s, w);
     if (infeasible > 0 && was_feasible && s->PerturbAllowed) {
-        shift_infeasible_bounds(s, w);
+        primal_shift_infeasible(s, w);
     } else {
         p->Phase1 = infeasible > 0;
     }
@@ -94,6 +90,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     compute_phase_dual(s, w);
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
+    review_pricing(s, w);
     primal_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     return 0;
@@ -103,7 +100,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
 template<class R> void end_phase1(sopt *s, swork<R> *w)
 {
     if (s->Perturbed) {
-        remove_perturbation(s);
+        primal_remove_perturbation(s, w);
         s->PerturbAllowed = 0;
         s->RefacReason = REFAC_CLEAN;
         return;
@@ -136,9 +133,22 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_OPTIMAL;
         return;
     }
-    remove_perturbation(s);
+    primal_remove_perturbation(s, w);
     compute_primal(s, w);
-    s->Status = primal_classify(s, w) == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
+    if (primal_classify(s, w) == 0) {
+        s->Status = SIMPLEX_OPTIMAL;
+        return;
+    }
+    s->Status =
+        SIMPLEX_SWITCH; // dual feasible: a few steps of the dual, if it leaves costs alone
+    s->PerturbAllowed = 0;
+}
+
+// The true costs stop the way to feasibility: from now on infeasibility alone counts.
+template<class R> void drop_phase_costs(sopt *s, popt<R> *p)
+{
+    p->CostWeight = 0;
+    s->RefacReason = REFAC_CLEAN;
 }
 
 template<class R> void no_column(sopt *s, swork<R> *w)
@@ -148,6 +158,8 @@ template<class R> void no_column(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CLEAN;
     } else if (p->Rejected > 0) {
         s->Status = SIMPLEX_SWITCH;
+    } else if (p->Phase1 && p->CostWeight > 0) {
+        drop_phase_costs(s, p);
     } else if (p->Phase1) {
         end_phase1(s, w);
     } else {
@@ -160,13 +172,15 @@ template<class R> void no_row(sopt *s, swork<R> *w)
     popt<R> *p = w->Primal;
     if (w->Lu.NumUpdates > 0) {
         s->RefacReason = REFAC_CONFIRM;
+    } else if (p->Phase1 && p->CostWeight > 0) {
+        drop_phase_costs(s, p);
     } else if (p->Phase1) {
         p->ColRejected.data[p->PivotCol] =
             1; // rounding: the sum of infeasibilities is bounded below
         primal_set_merit(s, w, p->PivotCol);
         p->Rejected++;
     } else if (s->Perturbed) {
-        remove_perturbation(s);
+        primal_remove_perturbation(s, w);
         s->PerturbAllowed = 0;
         s->RefacReason = REFAC_START;
     } else {
@@ -194,11 +208,12 @@ template<class R> bool check_price(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     const int q = p->PivotCol;
-    R exact = p->Phase1 ? R(0) : R(s->Cost.data[q]);
+    const R share = p->Phase1 ? R(p->CostWeight) : R(1);
+    R exact = share * R(s->Cost.data[q]);
     for (int k = 0; k < w->Alpha.Count; k++) {
         const int i = w->Alpha.Index.data[k];
-        const R cost =
-            p->Phase1 ? R(p->RowState.data[i]) : R(s->Cost.data[s->BasisHead.data[i]]);
+        R cost = share * R(s->Cost.data[s->BasisHead.data[i]]);
+        if (p->Phase1) cost += R(p->RowState.data[i]);
         exact -= cost * w->Alpha.Value.data[i];
     }
     const R stored = w->Cbar.data[q];
@@ -238,18 +253,6 @@ template<class R> void apply_flip(sopt *s, swork<R> *w)
     primal_set_merit(s, w, q);
     s->NPvt++;
     s->Work++;
-}
-
-// Moves the bound at which the leaving variable stops, so that a step within the tolerance does not go backwards.
-template<class R> void shift_blocking_bound(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    if (p->Step >= 0) return;
-    p->Step = 0;
-    const int j = s->BasisHead.data[p->PivotRow];
-    double *bound = p->ToUpper ? &s->WorkUpper.data[j] : &s->WorkLower.data[j];
-    *bound = static_cast<double>(w->Bbar.data[p->PivotRow]);
-    s->Perturbed = std::max(s->Perturbed, 1);
 }
 
 template<class R> void update_reduced_costs(sopt *s, swork<R> *w, R theta, int leaving)
@@ -315,19 +318,49 @@ template<class R> void iterate(sopt *s, swork<R> *w)
         reject_column(s, w);
         return;
     }
-    if (!p->Phase1) shift_blocking_bound(s, w);
+    if (!p->Phase1) primal_shift_blocking(s, w);
     apply_pivot(s, w);
+}
+
+// Exact weights from a basis of slacks cost nothing; another start makes do with the framework at hand, and a short
+// clean-up after the dual with Devex.
+template<class R> void choose_pricing(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const int wish = s->Env->SimplexPricing;
+    p->PricingFixed = wish > 0;
+    if (p->PricingFixed)
+        p->PricingCur = wish;
+    else if (s->SwitchCount > 0)
+        p->PricingCur = PRICE_DEVEX;
+    else
+        p->PricingCur = starts_from_slacks(s) ? PRICE_STEEPEST : PRICE_QUICK;
+    p->NewWeights = 1;
+    p->NormWork = 0;
+    p->WorkStart = total_work(s, w);
+}
+
+// A share of the true costs leads phase 1 towards good feasible points.
+double phase1_cost_weight(const sopt *s)
+{
+    double largest = 0;
+    for (int j = 0; j < s->NumCols; j++)
+        largest = std::max(largest, std::fabs(s->Cost.data[j]));
+    return largest > 0 ? COST_SHARE / largest : 0;
 }
 
 template<class R> int setup(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
-    remove_perturbation(s);
+    primal_remove_perturbation(s, w);
     s->BoxPhase = 0;
     settle_nonbasics(s);
     row_copy_partition(s);
-    primal_reset_weights(s, w);
+    choose_pricing(s, w);
+    p->CostWeight = phase1_cost_weight(s);
+    p->PerturbSize = s->Env->PerturbValue;
+    p->PerturbPasses = 0;
     p->Phase1 = 1;
     p->StallIter = s->NPvt;
     p->StallStart = s->DegenCount;

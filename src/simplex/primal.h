@@ -6,15 +6,29 @@
 // Where a basic variable stands against its working bounds.
 enum RowState : signed char { ROW_BELOW = -1, ROW_FEASIBLE = 0, ROW_ABOVE = 1 };
 
+// Kinds of pricing, as SimplexPricing names them.
+enum PrimalPricing {
+    PRICE_PARTIAL = 0,
+    PRICE_STEEPEST = 1,
+    PRICE_DEVEX = 2,
+    PRICE_QUICK = 3
+};
+
 template<class R> struct popt {
     // Column prices
-    Array<R> Weights;      // [NumVars] Devex weights of the nonbasics
+    int PricingCur = PRICE_DEVEX; // pricing in force
+    int PricingFixed = 0;         // the caller chose it
+    int NewWeights = 0;    // weights are to be made for the basis of the next refresh
+    double NormWork = 0;   // effort spent on exact weights alone
+    double WorkStart = 0;  // effort of the whole solve when that count began
+    Array<R> Weights;      // [NumVars] weights of the nonbasics: squared lengths of edges
     Array<char> Reference; // [NumVars] variable belongs to the reference framework
     PriceList<R> Columns;  // [NumVars] nonbasics by reduced cost^2 / weight
     int BadWeights = 0;    // weights found far off since the framework was set
 
-    // Phase 1: the sum of infeasibilities is minimised; cost -1 below, +1 above
+    // Phase 1 minimises the sum of infeasibilities (cost -1 below, +1 above) plus a share of the true costs
     int Phase1 = 0;
+    double CostWeight = 0;       // that share; 0 once it stands in the way of feasibility
     Array<signed char> RowState; // [m] by position
     Array<double> PhaseCost;     // [NumVars] zero between uses
     SVec<R> CostChange;          // [m] change of phase-1 costs in this step
@@ -35,13 +49,16 @@ template<class R> struct popt {
     Array<char> ColRejected; // [NumVars]
     double StallStart = 0;   // DegenCount and NPvt at the last look for stalling
     double StallIter = 0;
-    int ShiftedBounds = 0; // bounds moved to keep steps from going backwards
+    double PerturbSize = 0; // of the next perturbation
+    int PerturbPasses = 0;  // perturbations so far
+    int ShiftedBounds = 0;  // bounds moved to keep steps from going backwards
 };
 
 enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };
 
 // primal_price.cpp
-template<class R> void primal_reset_weights(sopt *s, swork<R> *w);
+template<class R>
+void primal_start_weights(sopt *s, swork<R> *w); // needs factors; merits become stale
 template<class R> void primal_list_reset(sopt *s, swork<R> *w);
 template<class R> void primal_set_merit(sopt *s, swork<R> *w, int j);
 template<class R>
@@ -57,4 +74,10 @@ int primal_classify(sopt *s,
 template<class R>
 void primal_move_basics(sopt *s, swork<R> *w); // Bbar, RowState and CostChange for the step
 template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w);
-template<class R> void primal_perturb(sopt *s, swork<R> *w);
+
+// primal_perturb.cpp
+template<class R> bool primal_stalled(const sopt *s, popt<R> *p); // since the last look
+template<class R> void primal_perturb(sopt *s, swork<R> *w);      // Bbar stays
+template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w);
+template<class R> void primal_shift_infeasible(sopt *s, swork<R> *w);
+template<class R> void primal_shift_blocking(sopt *s, swork<R> *w);

@@ -64,27 +64,9 @@ template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w)
     }
 }
 
-// Every finite bound moves outwards by a random amount of up to PerturbCur, relative to its size.
-template<class R> void primal_perturb(sopt *s, swork<R> *w)
-{
-    (void)w;
-    if (s->PerturbCur <= 0) return;
-    const double size = s->PerturbCur * 1e-3;
-    for (int j = 0; j < s->NumVars; j++) {
-        const double share = (random_next(&s->Rng) % 500 + 500) / 1000.0;
-        double *lower = &s->WorkLower.data[j], *upper = &s->WorkUpper.data[j];
-        if (*lower == *upper && s->VStat.data[j] < 0)
-            continue; // fixed and out of the basis: stays
-        if (has_lower(s, *lower)) *lower -= share * size * (1 + std::fabs(*lower));
-        if (has_upper(s, *upper)) *upper += share * size * (1 + std::fabs(*upper));
-    }
-    s->Perturbed = 3;
-}
-
 #define INSTANTIATE(R)                                                                     \
     template int primal_classify<R>(sopt *, swork<R> *);                                   \
     template void primal_move_basics<R>(sopt *, swork<R> *);                               \
-    template void primal_apply_cost_change<R>(sopt *, swork<R> *);                         \
-    template void primal_perturb<R>(sopt *, swork<R> *);
+    template void primal_apply_cost_change<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)
