@@ -20,11 +20,13 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
 template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<R> *w)
 {
     UnscaledViolation v;
+    double largest = 0;
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
         const double unit = j < s->NumCols ? std::fabs(s->ColScale.data[j])
                                            : 1 / s->RowScale.data[j - s->NumCols];
         const double x = static_cast<double>(w->Bbar.data[k]);
+        largest = std::max(largest, std::fabs(x));
         v.Primal =
             std::max(v.Primal, unit * std::max(s->Lower.data[j] - x, x - s->Upper.data[j]));
     }
@@ -36,7 +38,10 @@ template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<
         const double d = static_cast<double>(w->Cbar.data[j]);
         const double gap = status == AT_LOWER ? -d : status == AT_UPPER ? d : std::fabs(d);
         v.Dual = std::max(v.Dual, unit / s->ObjScale * gap);
+        v.Gain +=
+            std::max(0.0, gap) * std::min(largest, s->Upper.data[j] - s->Lower.data[j]);
     }
+    v.Gain /= s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));
     return v;
 }
 

@@ -3,7 +3,8 @@
 // Problem     Bring model->body to a final status from whatever start there is.
 // Method      Dual and primal run in turn on one record: SIMPLEX_SWITCH hands the basis to the other method, numeric
 //             trouble to the same method in extended precision. An optimum is then looked at in the user's units: when
-//             scaling hides violations there, tolerances are tightened and the run goes on from the same basis.
+//             scaling hides violations there, or reduced costs within the tolerance stand for a visible part of the
+//             objective, tolerances are tightened and the run goes on from the same basis.
 // In, out     The record model->simplex; model->status.
 #include "simplex/simplex.h"
 #include "frame/runtime/clock.h"
@@ -17,6 +18,7 @@ constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in num
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
 constexpr double TOLERANCE_FLOOR = 1e-9;
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
+constexpr double GAIN_LIMIT = 1e-7;  // share of the objective: users compare six digits
 
 template<class R> int run_method(sopt *s, swork<R> *w)
 {
@@ -96,6 +98,7 @@ int solve(sopt *s)
                    dual = v.Dual > s->Env->OptimalityTol;
         bool again = primal && tighten(&s->FeasTol, s->Env->FeasibilityTol, v.Primal);
         again = (dual && tighten(&s->OptTol, s->Env->OptimalityTol, v.Dual)) || again;
+        again = (v.Gain > GAIN_LIMIT && tighten(&s->OptTol, GAIN_LIMIT, v.Gain)) || again;
         if (!again) break;
         s->Status = SIMPLEX_RUNNING;
         s->PerturbAllowed = 0;

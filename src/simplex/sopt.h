@@ -262,9 +262,11 @@ template<class R> bool proves_infeasible(const sopt *s, swork<R> *w);
 template<class R>
 void finish_values(sopt *s,
                    swork<R> *w); // true costs and bounds, values and reduced costs for them
-// Largest violations in user units.
+// Largest violations in user units. Gain: what reduced costs of the wrong sign are worth if each variable goes as far as
+// its bounds or the largest basic value let it, as a share of 1 + |objective|.
 struct UnscaledViolation {
     double Primal = 0, Dual = 0;
+    double Gain = 0;
 };
 template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<R> *w);
 

@@ -1,0 +1,17 @@
+// finish_test.cpp -- what a solution within the tolerances is still worth to the user
+#include "support/solve_judge.h"
+#include <gtest/gtest.h>
+
+TEST(Finish, small_reduced_costs_of_large_variables_do_not_cost_digits_of_the_objective)
+{
+    LpModel lp; // half a per cent of the objective comes from a cost below OptimalityTol
+    lp_add_var(&lp, 1, 1, LP_INFINITY);
+    lp_add_var(&lp, -5e-7, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{1, 1}}, '<', 1e4);
+    const TestEnv env;
+    for (const double lp_method : {0, 1})
+        for (const double scale : {0, 1})
+            EXPECT_EQ(solve_and_judge(env.env, &lp,
+                                      {{"LPMethod", lp_method}, {"ScaleFlag", scale}}),
+                      "");
+}
