@@ -3,6 +3,8 @@ set(house ${PROJECT_SOURCE_DIR}/tests/house)
 set(install ${PROJECT_SOURCE_DIR}/tests/install)
 
 add_test(NAME house.readme_example COMMAND ${house}/readme_example.sh ${PROJECT_SOURCE_DIR})
+add_test(NAME house.work_table COMMAND ${house}/work_table.sh ${PROJECT_SOURCE_DIR})
+set_tests_properties(house.work_table PROPERTIES SKIP_RETURN_CODE 77)
 foreach(compiler gcc clang)
   add_test(NAME house.header.${compiler} COMMAND ${house}/header_alone.sh ${compiler})
   set_tests_properties(house.header.${compiler} PROPERTIES SKIP_RETURN_CODE 77)

@@ -3,7 +3,8 @@
 The time of a model is the median over its repeats. A model that a solver did not answer rightly counts with the
 time limit; one whose form a solver does not know is left out. A model is small when every solver compared took
 less than SMALL seconds; the shift is SHIFT_SMALL for small models and SHIFT_LARGE for the others. The ratio over
-all is the geometric mean of the shifted ratios, each with the shift of its own class.
+all is the geometric mean of the shifted ratios, each with the shift of its own class. Every collection has figures
+of its own; MIPs and LPs of one collection do not mix. Memory is the largest resident size of the process.
 """
 
 from math import exp, log
@@ -31,7 +32,7 @@ def seconds(record, measure):
 
 
 class Table:
-    """Median time and verdict by model and solver."""
+    """Median time, largest memory and verdict by model and solver."""
 
     def __init__(self, runs, limit, measure):
         self.limit = limit
@@ -40,8 +41,9 @@ class Table:
         grouped = {}
         for run in runs:
             grouped.setdefault((run["model"], run["solver"]), []).append(run)
-        self.time, self.verdict = {}, {}
+        self.time, self.verdict, self.memory = {}, {}, {}
         for key, group in grouped.items():
+            self.memory[key] = max(run["memory"] for run in group)
             bad = next((run["verdict"] for run in group if run["verdict"] not in ("right", "unchecked")), None)
             self.verdict[key] = bad or group[0]["verdict"]
             times = [seconds(run, measure) for run in group]
@@ -98,10 +100,12 @@ def means(table, out):
     out(f"\nshifted geometric means over the {len(models)} models that all of these took"
         f" (no right answer counts as {table.limit:g} s)")
     heads = "".join(f"{f'{name} ({len(part)}, shift {shift:g})':>26}" for name, shift, part in parts)
-    out(f"{'solver':<14}{heads}")
+    out(f"{'solver':<14}{heads}{'memory MB mean':>18}{'largest':>10}")
     for s in solvers:
         row = [shifted_mean([table.time[m, s] for m in part], shift) for _, shift, part in parts]
-        out(f"{s:<14}" + "".join(f"{cell(v, '{:.4f}'):>26}" for v in row))
+        memory = [table.memory[m, s] for m in models]
+        out(f"{s:<14}" + "".join(f"{cell(v, '{:.4f}'):>26}" for v in row)
+            + f"{shifted_mean(memory, 0):>18.1f}{max(memory):>10.1f}")
 
 
 def pairs(table, out):
@@ -120,22 +124,34 @@ def pairs(table, out):
             f" large {cell(ratio(table, large, first, other))} of {len(large)});"
             f" {cell(ratio(table, both, first, other))} over the {len(both)} that both solved")
         total = [sum(table.time[m, s] for m in models) for s in (first, other)]
-        out(f"  sum of times {total[0]:.2f} s / {total[1]:.2f} s; {first} is worst on")
+        memory = exp(sum(log(table.memory[m, first] / table.memory[m, other]) for m in both) / len(both)) if both else None
+        out(f"  sum of times {total[0]:.2f} s / {total[1]:.2f} s; memory {cell(memory)}; {first} is worst on")
         worst = sorted(models, key=lambda m: -ratio(table, [m], first, other))[:WORST]
         for m in worst:
             out(f"    {m:<32} {table.time[m, first]:10.3f} s {table.time[m, other]:10.3f} s"
-                f"   ratio {ratio(table, [m], first, other):8.2f}")
+                f"   ratio {ratio(table, [m], first, other):8.2f}"
+                f"   {table.memory[m, first]:8.1f} MB {table.memory[m, other]:8.1f} MB")
 
 
 def print_report(head, runs, measure, out=print):
     out(f"compared: {MEASURES[measure]}")
     if any(run["solver"] == "highs" for run in runs):
         out("highs: only its solve is measured, not its process, whatever is compared")
+    parts = dict.fromkeys((run["class"], collection(run["model"])) for run in runs)
+    for kind, name in sorted(parts):
+        section(kind, name, [run for run in runs if (run["class"], collection(run["model"])) == (kind, name)], head, measure, out)
     for kind in ("lp", "mip"):
-        table = Table([run for run in runs if run["class"] == kind], head["time_limit"], measure)
-        if not table.models:
-            continue
-        out(f"\n== {kind}: {len(table.models)} models ==\n")
-        counts(table, out)
-        means(table, out)
-        pairs(table, out)
+        if sum(part[0] == kind for part in parts) > 1:
+            section(kind, "all collections", [run for run in runs if run["class"] == kind], head, measure, out)
+
+
+def collection(model):
+    return model.split("/")[0] if "/" in model else "single files"
+
+
+def section(kind, name, runs, head, measure, out):
+    table = Table(runs, head["time_limit"], measure)
+    out(f"\n== {name} ({kind}): {len(table.models)} models ==\n")
+    counts(table, out)
+    means(table, out)
+    pairs(table, out)
