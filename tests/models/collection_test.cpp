@@ -158,7 +158,7 @@ static std::string instance_name(const testing::TestParamInfo<Instance> &info)
     return name;
 }
 
-TEST(Collections, are_at_hand)
+TEST(CollectionList, is_at_hand)
 {
     if (all_instances().empty())
         GTEST_SKIP() << "published models are not solved: no reference.csv in the folder "
