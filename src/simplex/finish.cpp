@@ -17,36 +17,44 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
 }
 
 // User x_j = c_j x_j, slack_i = s_i / r_i, d_j = d_j / (o c_j), pi_i = r_i pi_i / o.
-template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<R> *w)
+template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w)
 {
-    UnscaledViolation v;
-    double largest = 0;
+    UserViolation primal, dual;
+    double value = 0, price = 0; // largest
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
         const double unit = j < s->NumCols ? std::fabs(s->ColScale.data[j])
                                            : 1 / s->RowScale.data[j - s->NumCols];
         const double x = static_cast<double>(w->Bbar.data[k]);
-        largest = std::max(largest, std::fabs(x));
-        v.Primal =
-            std::max(v.Primal, unit * std::max(s->Lower.data[j] - x, x - s->Upper.data[j]));
+        const double gap = std::max({0.0, s->Lower.data[j] - x, x - s->Upper.data[j]});
+        primal.Largest = std::max(primal.Largest, unit * gap);
+        primal.Worth += gap;
+        value = std::max(value, std::fabs(x));
     }
     for (int j = 0; j < s->NumVars; j++) {
         const int status = s->VStat.data[j];
-        if (status >= 0 || status == AT_FIXED) continue;
+        if (status >= 0) continue;
+        const double d = static_cast<double>(w->Cbar.data[j]);
+        price = std::max(price, std::fabs(d));
+        if (status == AT_FIXED) continue;
         const double unit = j < s->NumCols ? 1 / std::fabs(s->ColScale.data[j])
                                            : s->RowScale.data[j - s->NumCols];
-        const double d = static_cast<double>(w->Cbar.data[j]);
-        const double gap = status == AT_LOWER ? -d : status == AT_UPPER ? d : std::fabs(d);
-        v.Dual = std::max(v.Dual, unit / s->ObjScale * gap);
-        v.Gain +=
-            std::max(0.0, gap) * std::min(largest, s->Upper.data[j] - s->Lower.data[j]);
+        const double wrong = status == AT_LOWER   ? -d
+                             : status == AT_UPPER ? d
+                                                  : std::fabs(d);
+        const double gap = std::max(0.0, wrong);
+        dual.Largest = std::max(dual.Largest, unit / s->ObjScale * gap);
+        dual.Worth += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
     }
-    v.Gain /= s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));
-    return v;
+    const double objective =
+        s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));
+    primal.Worth *= price / objective;
+    dual.Worth /= objective;
+    return {primal, dual};
 }
 
 template void finish_values<double>(sopt *, swork<double> *);
 template void finish_values<long double>(sopt *, swork<long double> *);
-template UnscaledViolation measure_unscaled<double>(const sopt *, const swork<double> *);
-template UnscaledViolation measure_unscaled<long double>(const sopt *,
-                                                         const swork<long double> *);
+template UserViolations measure_violations<double>(const sopt *, const swork<double> *);
+template UserViolations measure_violations<long double>(const sopt *,
+                                                        const swork<long double> *);

@@ -3,7 +3,7 @@
 // Problem     Bring model->body to a final status from whatever start there is.
 // Method      Dual and primal run in turn on one record: SIMPLEX_SWITCH hands the basis to the other method, numeric
 //             trouble to the same method in extended precision. An optimum is then looked at in the user's units: when
-//             scaling hides violations there, or reduced costs within the tolerance stand for a visible part of the
+//             scaling hides violations there, or violations within the tolerance stand for a visible part of the
 //             objective, tolerances are tightened and the run goes on from the same basis.
 // In, out     The record model->simplex; model->status.
 #include "simplex/simplex.h"
@@ -18,7 +18,7 @@ constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in num
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
 constexpr double TOLERANCE_FLOOR = 1e-9;
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
-constexpr double GAIN_LIMIT = 1e-7;  // share of the objective: users compare six digits
+constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 
 template<class R> int run_method(sopt *s, swork<R> *w)
 {
@@ -66,9 +66,9 @@ int run_methods(sopt *s)
     }
 }
 
-UnscaledViolation unscaled(const sopt *s)
+UserViolations violations(const sopt *s)
 {
-    return s->Quad ? measure_unscaled(s, s->Extended) : measure_unscaled(s, s->Double);
+    return s->Quad ? measure_violations(s, s->Extended) : measure_violations(s, s->Double);
 }
 
 void finish_live(sopt *s)
@@ -79,13 +79,21 @@ void finish_live(sopt *s)
         finish_values(s, s->Double);
 }
 
-// Tightens one tolerance so that the violation found would not have passed. False when it cannot go lower.
+// Tightens one tolerance so that what is above the limit would not have passed. False when nothing is, or when the
+// tolerance cannot go lower.
 bool tighten(double *tol, double limit, double violation)
 {
+    if (violation <= limit) return false;
     const double wish = std::max(TOLERANCE_FLOOR, *tol * POLISH_SHARE * limit / violation);
     if (wish >= *tol) return false;
     *tol = wish;
     return true;
+}
+
+bool tighten_for(double *tol, double limit, const UserViolation &violation)
+{
+    const bool by_size = tighten(tol, limit, violation.Largest);
+    return tighten(tol, WORTH_LIMIT, violation.Worth) || by_size;
 }
 
 int solve(sopt *s)
@@ -93,13 +101,10 @@ int solve(sopt *s)
     TRY(run_methods(s));
     finish_live(s);
     for (int round = 0; round < MAX_POLISH && s->Status == SIMPLEX_OPTIMAL; round++) {
-        const UnscaledViolation v = unscaled(s);
-        const bool primal = v.Primal > s->Env->FeasibilityTol,
-                   dual = v.Dual > s->Env->OptimalityTol;
-        bool again = primal && tighten(&s->FeasTol, s->Env->FeasibilityTol, v.Primal);
-        again = (dual && tighten(&s->OptTol, s->Env->OptimalityTol, v.Dual)) || again;
-        again = (v.Gain > GAIN_LIMIT && tighten(&s->OptTol, GAIN_LIMIT, v.Gain)) || again;
-        if (!again) break;
+        const UserViolations v = violations(s);
+        const bool primal = tighten_for(&s->FeasTol, s->Env->FeasibilityTol, v.Primal),
+                   dual = tighten_for(&s->OptTol, s->Env->OptimalityTol, v.Dual);
+        if (!primal && !dual) break;
         s->Status = SIMPLEX_RUNNING;
         s->PerturbAllowed = 0;
         s->Method = primal ? METHOD_DUAL : METHOD_PRIMAL;

@@ -262,13 +262,15 @@ template<class R> bool proves_infeasible(const sopt *s, swork<R> *w);
 template<class R>
 void finish_values(sopt *s,
                    swork<R> *w); // true costs and bounds, values and reduced costs for them
-// Largest violations in user units. Gain: what reduced costs of the wrong sign are worth if each variable goes as far as
-// its bounds or the largest basic value let it, as a share of 1 + |objective|.
-struct UnscaledViolation {
-    double Primal = 0, Dual = 0;
-    double Gain = 0;
+// How far a basis is from being optimal, in user units. Worth: what the violations may stand for in the objective, as a
+// share of 1 + |objective|: their sum at the price of the largest reduced cost (primal) or value (dual) there is.
+struct UserViolation {
+    double Largest = 0, Worth = 0;
 };
-template<class R> UnscaledViolation measure_unscaled(const sopt *s, const swork<R> *w);
+struct UserViolations {
+    UserViolation Primal, Dual;
+};
+template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w);
 
 // ---- precision.cpp ----
 [[nodiscard]] int switch_precision(sopt *s,

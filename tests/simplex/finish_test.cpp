@@ -15,3 +15,18 @@ TEST(Finish, small_reduced_costs_of_large_variables_do_not_cost_digits_of_the_ob
                                       {{"LPMethod", lp_method}, {"ScaleFlag", scale}}),
                       "");
 }
+
+TEST(Finish, small_violations_at_high_prices_do_not_cost_digits_of_the_objective)
+{
+    LpModel
+        lp; // a violation below FeasibilityTol would save half a per cent of the objective
+    lp_add_var(&lp, 1, 1, LP_INFINITY);
+    lp_add_var(&lp, 1e4, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{1, 1}}, '>', 5e-7);
+    const TestEnv env;
+    for (const double lp_method : {0, 1})
+        for (const double scale : {0, 1})
+            EXPECT_EQ(solve_and_judge(env.env, &lp,
+                                      {{"LPMethod", lp_method}, {"ScaleFlag", scale}}),
+                      "");
+}
