@@ -174,6 +174,8 @@ template<class R> void no_row(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CONFIRM;
     } else if (p->Phase1 && p->CostWeight > 0) {
         drop_phase_costs(s, p);
+    } else if (p->Phase1 && s->Superbasics > 0) {
+        primal_settle_superbasic(s, w);
     } else if (p->Phase1) {
         p->ColRejected.data[p->PivotCol] =
             1; // rounding: the sum of infeasibilities is bounded below
@@ -198,25 +200,20 @@ template<class R> void reject_column(sopt *s, swork<R> *w)
             std::max(s->MarkowitzTol, std::min(TIGHT_MARKOWITZ, 4 * s->MarkowitzTol));
         return;
     }
+    if (s->Superbasics > 0) {
+        primal_settle_superbasic(s, w);
+        return;
+    }
     p->ColRejected.data[p->PivotCol] = 1;
     primal_set_merit(s, w, p->PivotCol);
     if (++p->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
 }
 
-// The reduced cost of the entering column from its FTRAN; false when the stored one was wrong.
+// False when the stored reduced cost of the entering column was wrong.
 template<class R> bool check_price(sopt *s, swork<R> *w)
 {
-    popt<R> *p = w->Primal;
-    const int q = p->PivotCol;
-    const R share = p->Phase1 ? R(p->CostWeight) : R(1);
-    R exact = share * R(s->Cost.data[q]);
-    for (int k = 0; k < w->Alpha.Count; k++) {
-        const int i = w->Alpha.Index.data[k];
-        R cost = share * R(s->Cost.data[s->BasisHead.data[i]]);
-        if (p->Phase1) cost += R(p->RowState.data[i]);
-        exact -= cost * w->Alpha.Value.data[i];
-    }
-    const R stored = w->Cbar.data[q];
+    const int q = w->Primal->PivotCol;
+    const R stored = w->Cbar.data[q], exact = primal_exact_cbar(s, w);
     w->Cbar.data[q] = exact;
     if (stored * exact > 0 && std::abs(exact) > R(s->OptTol)) return true;
     if (w->Lu.NumUpdates > 0 &&
@@ -248,7 +245,11 @@ template<class R> void apply_flip(sopt *s, swork<R> *w)
     popt<R> *p = w->Primal;
     const int q = p->PivotCol;
     primal_move_basics(s, w);
-    s->VStat.data[q] = p->Direction > 0 ? AT_UPPER : AT_LOWER;
+    const bool towards_bound = p->Direction > 0 ? has_upper(s, s->WorkUpper.data[q])
+                                                : has_lower(s, s->WorkLower.data[q]);
+    if (is_superbasic(s, q)) s->Superbasics--;
+    s->VStat.data[q] = !towards_bound ? AT_FREE : p->Direction > 0 ? AT_UPPER : AT_LOWER;
+    s->SuperVal.data[q] = 0;
     primal_apply_cost_change(s, w);
     primal_set_merit(s, w, q);
     s->NPvt++;
@@ -285,6 +286,7 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
     update_reduced_costs(s, w, w->Cbar.data[q] / pivot, leaving);
 
     const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
+    if (is_superbasic(s, q)) s->Superbasics--;
     swap_basis(s, w, r, q, fixed ? AT_FIXED : p->ToUpper ? AT_UPPER : AT_LOWER);
     w->Bbar.data[r] = entering_value;
     p->RowState.data[r] = ROW_FEASIBLE;
@@ -299,7 +301,9 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
 template<class R> void iterate(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    if (!choose_column(s, w)) {
+    p->PivotCol = -1;
+    if (s->Superbasics > 0) primal_choose_superbasic(s, w);
+    if (p->PivotCol < 0 && !choose_column(s, w)) {
         no_column(s, w);
         return;
     }
@@ -356,6 +360,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     primal_remove_perturbation(s, w);
     s->BoxPhase = 0;
     settle_nonbasics(s);
+    primal_count_superbasics(s, w);
     row_copy_partition(s);
     choose_pricing(s, w);
     p->CostWeight = phase1_cost_weight(s);
@@ -376,6 +381,20 @@ template<class R> void write_log(sopt *s, swork<R> *w)
                   w->Primal->Phase1 ? 0 : inf.DualSum);
 }
 } // namespace
+
+template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w)
+{
+    const popt<R> *p = w->Primal;
+    const R share = p->Phase1 ? R(p->CostWeight) : R(1);
+    R exact = share * R(s->Cost.data[p->PivotCol]);
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        R cost = share * R(s->Cost.data[s->BasisHead.data[i]]);
+        if (p->Phase1) cost += R(p->RowState.data[i]);
+        exact -= cost * w->Alpha.Value.data[i];
+    }
+    return exact;
+}
 
 template<class R> int popt_create(const sopt *s, popt<R> **out)
 {
@@ -424,3 +443,6 @@ template int PrimalRun<double>(sopt *, swork<double> *);
 template int PrimalRun<long double>(sopt *, swork<long double> *);
 template void popt_free<double>(popt<double> **);
 template void popt_free<long double>(popt<long double> **);
+template double primal_exact_cbar<double>(const sopt *, const swork<double> *);
+template long double primal_exact_cbar<long double>(const sopt *,
+                                                    const swork<long double> *);

@@ -51,10 +51,22 @@ template<class R> struct popt {
     double StallIter = 0;
     double PerturbSize = 0; // of the next perturbation
     int PerturbPasses = 0;  // perturbations so far
-    int ShiftedBounds = 0;  // bounds moved to keep steps from going backwards
+    int SuperNext = 0;      // superbasics from here on are done
 };
 
 enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };
+
+// primal.cpp
+template<class R>
+R primal_exact_cbar(const sopt *s,
+                    const swork<R> *w); // of PivotCol, from its column in Alpha
+
+// primal_super.cpp
+template<class R> int primal_count_superbasics(sopt *s, swork<R> *w);
+// PivotCol, Direction, Alpha of the next one; PivotCol -1 when none is left
+template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w);
+template<class R>
+void primal_settle_superbasic(sopt *s, swork<R> *w); // at a bound, whatever breaks
 
 // primal_price.cpp
 template<class R>

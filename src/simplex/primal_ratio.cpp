@@ -23,11 +23,20 @@ template<class R> R pivot_floor(const swork<R> *w)
     return R(SMALL_PIVOT[updates < SOME_UPDATES ? 0 : updates < MANY_UPDATES ? 1 : 2]);
 }
 
-template<class R> R entering_range(const sopt *s, const popt<R> *p)
+// How far the entering variable may go itself. A free superbasic without a price stops at zero.
+template<class R> R entering_range(const sopt *s, const swork<R> *w)
 {
+    const popt<R> *p = w->Primal;
     const int q = p->PivotCol;
-    if (s->VStat.data[q] == AT_FREE) return R(s->Infinity);
-    return R(s->WorkUpper.data[q]) - R(s->WorkLower.data[q]);
+    const double lower = s->WorkLower.data[q], upper = s->WorkUpper.data[q];
+    if (s->VStat.data[q] != AT_FREE) return R(upper) - R(lower);
+    const double x = s->SuperVal.data[q];
+    if (p->Direction > 0 && has_upper(s, upper)) return R(upper) - R(x);
+    if (p->Direction < 0 && has_lower(s, lower)) return R(x) - R(lower);
+    const bool aims_at_zero =
+        p->Direction * x < 0 && !has_lower(s, lower) && !has_upper(s, upper);
+    return aims_at_zero && std::abs(w->Cbar.data[q]) <= R(s->OptTol) ? R(std::fabs(x))
+                                                                     : R(s->Infinity);
 }
 
 // Phase 2. Distance of basic variable i to the bound it moves to; Infinity when there is none.
@@ -54,7 +63,7 @@ template<class R> RatioResult ratio_phase2(sopt *s, swork<R> *w)
         const R gap = distance(s, w, i, a);
         if (gap < infinite && gap + tol < limit * size) limit = (gap + tol) / size;
     }
-    const R range = entering_range(s, p);
+    const R range = entering_range(s, w);
     if (range <= limit && range < infinite) {
         p->PivotRow = -1;
         p->Step = range;
@@ -134,7 +143,8 @@ template<class R> int pass_breaks(sopt *s, swork<R> *w, R range, bool *flip)
     popt<R> *p = w->Primal;
     int left = p->BreakCount;
     for (int k = left / 2 - 1; k >= 0; k--) sift_down(p, k, left);
-    R slope = -std::abs(w->Cbar.data[p->PivotCol]);
+    // A superbasic may have no price at all: the first breakpoint stops it.
+    R slope = -std::max(std::abs(w->Cbar.data[p->PivotCol]), R(s->ZeroTol));
     *flip = false;
     while (left > 0 && slope < 0) {
         if (p->BreakStep.data[0] > range) {
@@ -156,7 +166,7 @@ template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     collect_breaks(s, w);
-    const R range = entering_range(s, p);
+    const R range = entering_range(s, w);
     bool flip = false;
     const int left = pass_breaks(s, w, range, &flip);
     if (flip) {

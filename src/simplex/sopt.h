@@ -191,6 +191,13 @@ inline bool has_upper(const sopt *s, double bound)
 {
     return bound < s->Infinity;
 }
+// A nonbasic at a value of its own that is no bound: the primal pushes it to one or into the basis.
+inline bool is_superbasic(const sopt *s, int j)
+{
+    return s->VStat.data[j] == AT_FREE &&
+           (s->SuperVal.data[j] != 0 || has_lower(s, s->Lower.data[j]) ||
+            has_upper(s, s->Upper.data[j]));
+}
 inline double iterations(const sopt *s)
 {
     return s->IterBase + s->NPvt;

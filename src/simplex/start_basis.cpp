@@ -8,8 +8,11 @@ static int settled_status(const sopt *s, int j)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const int status = s->VStat.data[j];
-    if (lower == upper) return AT_FIXED;                               // assigned alike
-    if (status == AT_FREE && s->SuperVal.data[j] != 0) return AT_FREE; // a value of its own
+    if (lower == upper) return AT_FIXED; // assigned alike
+    const double own = s->SuperVal.data[j];
+    if (status == AT_FREE && (s->Superbasics > 0 || own != 0) && lower <= own &&
+        own <= upper)
+        return AT_FREE; // a value of its own
     if (!has_lower(s, lower)) return has_upper(s, upper) ? AT_UPPER : AT_FREE;
     return status == AT_UPPER && has_upper(s, upper) ? AT_UPPER : AT_LOWER;
 }
@@ -31,8 +34,8 @@ void start_slack_basis(sopt *s)
         s->SuperVal.data[s->NumCols + i] = 0;
         s->BasisHead.data[i] = s->NumCols + i;
     }
-    settle_nonbasics(s);
     s->Superbasics = 0;
+    settle_nonbasics(s);
     s->HasBasis = 1;
     s->BasisAge++;
 }
@@ -56,8 +59,8 @@ bool start_from_statuses(sopt *s, const int *statuses)
         }
         s->VStat.data[j] = status;
     }
-    settle_nonbasics(s);
     s->Superbasics = 0;
+    settle_nonbasics(s);
     s->HasBasis = 1;
     s->BasisAge++;
     return true;
@@ -85,7 +88,6 @@ void start_from_point(sopt *s, const double *x, const double *slack)
         }
     }
     s->Superbasics = 0;
-    for (int j = 0; j < s->NumVars; j++)
-        s->Superbasics += s->VStat.data[j] == AT_FREE && s->SuperVal.data[j] != 0;
+    for (int j = 0; j < s->NumVars; j++) s->Superbasics += is_superbasic(s, j);
     if (s->Superbasics > 0) TVXmsg(s->Env, "Superbasic variables: %d.\n", s->Superbasics);
 }

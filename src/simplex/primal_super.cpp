@@ -1,0 +1,72 @@
+// primal_super.cpp -- nonbasics that start at a value of their own go to a bound or into the basis
+//
+// Problem     A start from a point leaves nonbasic variables strictly between their bounds. The result has to be a
+//             vertex, and pricing and the dual know nonbasics at bounds only.
+// Method      One after the other enters with priority, in the direction that its reduced cost prefers, downwards when
+//             that is zero. The ordinary ratio test decides: it reaches a bound (a flip), or a basic variable blocks and
+//             makes room. A free variable that nothing blocks goes to zero. One that can do neither for numerical
+//             reasons is put at its nearest bound, and phase 1 mends what that breaks: every call takes one away.
+// Invariant   Superbasics counts those left; none is left before ordinary pricing begins.
+// Literature  R. E. Bixby and M. J. Saltzman, "Recovering an optimal LP basis from an interior point solution", OR
+//             Letters 15, 1994.
+#include "simplex/primal.h"
+#include <algorithm>
+
+template<class R> int primal_count_superbasics(sopt *s, swork<R> *w)
+{
+    int count = 0;
+    for (int j = 0; j < s->NumVars; j++) count += is_superbasic(s, j);
+    s->Superbasics = count;
+    w->Primal->SuperNext = s->NumVars;
+    return count;
+}
+
+// The reduced cost decides; without one, a bound that exists.
+template<class R> static int super_direction(const sopt *s, const swork<R> *w, int q)
+{
+    const R d = w->Cbar.data[q], tol = R(s->OptTol);
+    const bool lower = has_lower(s, s->WorkLower.data[q]),
+               upper = has_upper(s, s->WorkUpper.data[q]);
+    if (d < -tol) return 1;
+    if (d > tol) return -1;
+    if (lower != upper) return lower ? -1 : 1;
+    if (!lower) return s->SuperVal.data[q] > 0 ? -1 : 1; // free: towards zero
+    return d < 0 ? 1 : -1;
+}
+
+template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    while (p->SuperNext > 0 && !is_superbasic(s, p->SuperNext - 1)) p->SuperNext--;
+    if (p->SuperNext == 0) { // the rest left with a repair of the basis
+        s->Superbasics = 0;
+        p->PivotCol = -1;
+        return;
+    }
+    const int q = p->PivotCol = p->SuperNext - 1;
+    load_column(s, w, q, &w->Alpha);
+    Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
+    w->Cbar.data[q] = primal_exact_cbar(s, w);
+    p->Direction = super_direction(s, w, q);
+}
+
+template<class R> void primal_settle_superbasic(sopt *s, swork<R> *w)
+{
+    const int q = w->Primal->PivotCol;
+    const double lower = s->WorkLower.data[q], upper = s->WorkUpper.data[q],
+                 x = s->SuperVal.data[q];
+    if (has_lower(s, lower) && (!has_upper(s, upper) || x - lower <= upper - x))
+        s->VStat.data[q] = AT_LOWER;
+    else if (has_upper(s, upper))
+        s->VStat.data[q] = AT_UPPER;
+    s->SuperVal.data[q] = 0;
+    s->Superbasics--;
+    s->RefacReason = REFAC_START; // basic values no longer fit
+}
+
+template int primal_count_superbasics<double>(sopt *, swork<double> *);
+template int primal_count_superbasics<long double>(sopt *, swork<long double> *);
+template void primal_choose_superbasic<double>(sopt *, swork<double> *);
+template void primal_choose_superbasic<long double>(sopt *, swork<long double> *);
+template void primal_settle_superbasic<double>(sopt *, swork<double> *);
+template void primal_settle_superbasic<long double>(sopt *, swork<long double> *);
