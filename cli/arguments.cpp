@@ -17,6 +17,7 @@ static constexpr const char *DESCRIPTION =
     "be repeated.\n";
 static constexpr const char *CLOSING =
     "A file whose name holds a '=' is written with its folder: ./a=b.mps\n"
+    "OutputFlag=0 prints nothing but what an option asks for, not even errors.\n"
     "Exit code: 0 solved or stopped at a limit, 1 an error was reported, 2 wrong usage, "
     "130 interrupted.";
 
@@ -71,6 +72,15 @@ bool split_setting(const std::string &word, std::string *name, std::string *valu
     *name = word.substr(0, equals);
     *value = word.substr(equals + 1);
     return true;
+}
+
+std::string name_key(const std::string &name)
+{
+    std::string key;
+    for (const char c : name)
+        if (c != '_' || key.find_first_not_of('_') == std::string::npos)
+            key += static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
+    return key;
 }
 
 FileKind file_kind(const std::string &name)

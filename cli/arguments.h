@@ -20,6 +20,9 @@ Parsed arguments_parse(int argc, char **argv, Arguments *arguments, std::string 
 // before it, so that ./a=b.mps is always a file.
 bool split_setting(const std::string &word, std::string *name, std::string *value);
 
+// The form in which names of parameters are compared: without regard to case and inner underscores.
+std::string name_key(const std::string &name);
+
 // What a file name says by its suffix, a compression suffix left aside.
 enum class FileKind { MODEL, START, RESULT_ONLY, UNKNOWN };
 FileKind file_kind(const std::string &name);

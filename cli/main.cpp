@@ -1,12 +1,13 @@
 // main.cpp -- the command `tarvex`
 //
-// In order: the command line; an environment (which reads tarvex.env); OutputFlag, so that silence holds from
-// here; parameter files; the other parameters; each model in turn. What is wrong with the command line itself is
+// In order: silence if the words ask for it; the command line; an environment (which reads tarvex.env); OutputFlag, so
+// that a parameter file is read as silently as asked; parameter files; the other parameters; each model in turn. What is wrong with the command line itself is
 // found before the first model is read and gives exit code 2; a model that fails does not keep the next from
 // being solved.
 #include "arguments.h"
 #include "parameters.h"
 #include "report.h"
+#include "silence.h"
 #include "solve.h"
 #include <cstdio>
 #include <exception>
@@ -33,16 +34,6 @@ static ExitCode usage(const std::string &text)
 {
     report_error(text);
     return EXIT_USAGE;
-}
-
-// Parameter names are the same without regard to case and inner underscores.
-static std::string name_key(const std::string &name)
-{
-    std::string key;
-    for (const char c : name)
-        if (c != '_' || key.find_first_not_of('_') == std::string::npos)
-            key += static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
-    return key;
 }
 
 // A word with '=' is a parameter if the library knows one of that name, else a file if there is one.
@@ -127,14 +118,20 @@ static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &w
     return apply_settings(env, work, false);
 }
 
-static ExitCode run(const Arguments &arguments)
+// The environment, or null after a report.
+static OwnedEnv load_env(bool silent)
 {
     TVXenv *loaded = nullptr;
-    if (const int code = TVXloadenv(&loaded, nullptr)) {
+    const SilentScope scope(stdout, silent); // tarvex.env tells what it sets
+    if (const int code = TVXloadenv(&loaded, nullptr))
         report_error("cannot start: " + describe_failure(code, nullptr));
-        return EXIT_ERROR;
-    }
-    const OwnedEnv env(loaded);
+    return OwnedEnv(loaded);
+}
+
+static ExitCode run(const Arguments &arguments, bool silent)
+{
+    const OwnedEnv env = load_env(silent);
+    if (!env) return EXIT_ERROR;
     if (arguments.list_parameters) {
         parameters_list(env.get());
         return EXIT_SOLVED;
@@ -143,6 +140,9 @@ static ExitCode run(const Arguments &arguments)
     if (const ExitCode code = sort_words(env.get(), arguments, &work)) return code;
     if (const ExitCode code = check_work(work)) return code;
     if (const ExitCode code = configure(env.get(), arguments, work)) return code;
+    int output_flag = 1;
+    TVXgetintparam(env.get(), "OutputFlag", &output_flag);
+    if (output_flag == 0) silence(stderr); // also when a file has said so
 
     ExitCode worst = EXIT_SOLVED;
     for (const std::string &model : work.models) {
@@ -158,6 +158,8 @@ int main(int argc, char **argv)
     try {
         Arguments arguments;
         std::string error;
+        const bool silent = silence_wanted(argc, argv);
+        if (silent) silence(stderr);
         switch (arguments_parse(argc, argv, &arguments, &error)) {
         case Parsed::DONE:
             return EXIT_SOLVED;
@@ -166,7 +168,7 @@ int main(int argc, char **argv)
         case Parsed::OK:
             break;
         }
-        const ExitCode code = run(arguments);
+        const ExitCode code = run(arguments, silent);
         if (fflush(stdout) != 0 || ferror(stdout)) {
             report_error("standard output could not be written; check the free space");
             return EXIT_ERROR;

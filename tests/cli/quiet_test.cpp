@@ -36,15 +36,50 @@ TEST_F(CliQuiet, OutputFlagZeroIsSilentOnBothStreams)
     }
 }
 
-TEST_F(CliQuiet, ErrorsAreToldEvenUnderOutputFlagZero)
+// Exit codes tell all that a silent run has to say.
+TEST_F(CliQuiet, OutputFlagZeroIsSilentAboutErrorsToo)
 {
     file_put("broken.mps", "ROWS\n what is this\n");
-    for (const char *model : {"broken.mps", "absent.mps"}) {
-        const Outcome outcome = run({"OutputFlag=0", model});
-        EXPECT_EQ(outcome.exit_code, 1);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_TRUE(is_one_line(outcome.err));
+    file_put("plan.mps", PLAN_MODEL);
+    const std::pair<std::vector<std::string>, int> calls[] = {
+        {{"broken.mps"}, 1},
+        {{"absent.mps"}, 1},
+        {{"LogFile=no/such/folder/log", "plan.mps"}, 1},
+        {{"--params", "absent.prm", "plan.mps"}, 1},
+        {{"ResultFile=no/such/folder/plan.sol", "plan.mps"}, 1},
+        {{"--start", "absent.bas", "plan.mps"}, 1},
+        {{}, 2},
+        {{"--no-such-option", "plan.mps"}, 2},
+        {{"NoSuchParameter=1", "plan.mps"}, 2},
+        {{"TimeLimit=soon", "plan.mps"}, 2},
+    };
+    for (const auto &[words, code] : calls) {
+        std::vector<std::string> call = words;
+        call.push_back("Output_Flag=0");
+        const Outcome outcome = run(call);
+        EXPECT_EQ(outcome.exit_code, code) << (words.empty() ? "" : words[0]);
+        EXPECT_EQ(outcome.out + outcome.err, "");
     }
+}
+
+TEST_F(CliQuiet, OutputFlagZeroIsSilentAboutTheParameterFileOfTheFolder)
+{
+    file_put("plan.mps", PLAN_MODEL);
+    file_put("tarvex.env", "OutputFlag 1\nPresolve 0\nNoSuch 1\n");
+    const Outcome outcome = run({"OutputFlag=0", "--solution", "plan.mps"});
+    EXPECT_EQ(outcome.exit_code, 0);
+    EXPECT_EQ(outcome.out.substr(0, 10), "# Solution"); // asked for, so printed
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(CliQuiet, AParameterFileCanAskForSilenceAndTheCommandLineTakeItBack)
+{
+    file_put("quiet.prm", "OutputFlag 0\n");
+    const Outcome silent = run({"--params", "quiet.prm", "absent.mps"});
+    EXPECT_EQ(silent.exit_code, 1);
+    EXPECT_EQ(silent.err, "");
+    const Outcome told = run({"--params", "quiet.prm", "OutputFlag=1", "absent.mps"});
+    EXPECT_TRUE(is_one_line(told.err));
 }
 
 TEST_F(CliQuiet, OneThreadMeansNoOther)

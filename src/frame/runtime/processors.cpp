@@ -155,8 +155,8 @@ static int core_of(int processor)
     snprintf(path, sizeof path,
              "/sys/devices/system/cpu/cpu%d/topology/thread_siblings_list", processor);
     if (!read_text(path, text)) return processor;
-    const int first = processors_from_text(strtok(text, ",-\n"));
-    return first;
+    const long first = strtol(text, nullptr, 10); // "0,4" or "0-1"
+    return first >= 0 && first < processor ? static_cast<int>(first) : processor;
 }
 
 int CoreCount()
