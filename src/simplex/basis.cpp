@@ -83,7 +83,7 @@ template<class R> void compute_primal(sopt *s, swork<R> *w)
             value[s->ColInd.data[p]] -= R(s->ColVal.data[p]) * R(xj);
     }
     x->Count = -1;
-    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
+    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
     for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = value[i];
     svec_clear(x);
     set_basic_bounds(s);
@@ -153,13 +153,15 @@ template<class R> void accumulate_dense(sopt *s, swork<R> *w)
     }
     int count = 0;
     const R drop = R(s->ZeroTol);
-    for (int j = 0; j < s->NumCols; j++) {
+    int *__restrict list = w->RowInd.data;
+    R *__restrict row = w->RowVal.data;
+    for (int j = 0; j < s->NumCols;
+         j++) { // without a branch: about every other one is kept
         const R a = acc[j];
-        if (a == SVEC_TINY<R>) continue; // untouched
         acc[j] = SVEC_TINY<R>;
-        if (std::abs(a) <= drop) continue;
-        w->RowInd.data[count] = j;
-        w->RowVal.data[count++] = a;
+        list[count] = j;
+        row[count] = a;
+        count += std::abs(a) > drop;
     }
     w->RowCount = count;
 }

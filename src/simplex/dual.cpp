@@ -16,6 +16,7 @@ constexpr double WEIGHT_TRUST =
     0.25; // a stored weight below this share of the true one: choose again
 constexpr int MAX_REJECTED = 20; // rows set aside before a switch of method is tried
 constexpr double TIGHT_MARKOWITZ = 0.5;
+constexpr int CYCLE_HITS = 30; // rounds after which the method gives up
 
 enum class Step { DONE, AGAIN, STOP };
 
@@ -49,6 +50,32 @@ template<class R> void make_dual_feasible(sopt *s, swork<R> *w)
     }
 }
 
+// Cycling shows as one variable that enters again and again at the same distance. At every factorisation more than m
+// pivots after the last look a variable is chosen for the watch.
+template<class R> void watch_start(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    const double age = s->NPvt - d->CycleIter;
+    if (age <= s->NumRows) return;
+    if (d->CycleHits > CYCLE_HITS) {
+        s->Status = SIMPLEX_SWITCH;
+    } else if (d->CycleHits == 0 || d->CycleVar < 0 || age > 2.0 * s->NumRows) {
+        d->CycleIter = s->NPvt;
+        d->CycleVar = d->PivotCol;
+        d->CycleLen = d->CycleHits = 0;
+    }
+}
+
+template<class R> void watch_pivot(const sopt *s, dopt<R> *d)
+{
+    if (d->PivotCol != d->CycleVar) return;
+    const double age = s->NPvt - d->CycleIter;
+    if (d->CycleLen == 0)
+        d->CycleLen = age;
+    else if (std::fmod(age, d->CycleLen) == 0)
+        d->CycleHits++;
+}
+
 // Fresh factors and values.
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
@@ -57,6 +84,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_dual(s, w);
     make_dual_feasible(s, w);
+    dual_perturb_stalled(s, w);
     row_copy_partition(s);
     compute_primal(s, w);
     for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
@@ -222,8 +250,8 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     const R bound = R(to_lower ? s->BasicLower.data[r] : s->BasicUpper.data[r]);
     d->ThetaPrimal = (w->Bbar.data[r] - bound) / d->AlphaCol;
     svec_copy(&w->Tau, &w->Rho);
-    Ftran(&w->Lu, &w->Tau, SOLVE_NORM, Keep::NO);
-    if (std::abs(d->ThetaDual) <= R(s->ZeroTol)) s->DegenCount++;
+    Ftran(&w->Lu, &w->Tau, SOLVE_NORM, Keep::VALUES);
+    if (std::abs(w->Cbar.data[q]) < R(s->OptTol)) s->DegenCount++;
     dual_update_values(s, w);
     const int leaving = s->BasisHead.data[r];
     const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
@@ -232,6 +260,7 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     dual_set_merit(s, w, r);
     s->NPvt++;
     s->Work++;
+    watch_pivot(s, d);
     s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
 }
@@ -256,11 +285,14 @@ template<class R> int setup(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     for (int k = 0; k < s->NumRows; k++) d->Weights.data[k] = R(1);
+    d->CycleVar = -1;
+    d->CycleHits = 0;
+    d->CycleIter = s->NPvt;
     dual_set_true_bounds<R>(s);
     dual_remove_perturbation(s, w);
     TRY(refactor_with_weights(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (s->PerturbAllowed) dual_perturb(s, w);
+    if (s->PerturbAllowed) dual_perturb_start<R>(s);
     compute_dual(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds<R>(s);
@@ -317,6 +349,8 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
     TRY(setup(s, w));
     while (s->Status == SIMPLEX_RUNNING) {
         if (s->RefacReason != REFAC_NONE) {
+            watch_start(s, w);
+            if (s->Status != SIMPLEX_RUNNING) break;
             TRY(refresh(s, w));
             if (s->Status != SIMPLEX_RUNNING) break;
             write_log(s, w);

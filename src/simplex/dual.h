@@ -12,7 +12,8 @@ template<class R> struct dopt {
     // Ratio test, over candidates k < CandCount
     Array<int> CandPlace; // [NumVars] place in the packed row
     Array<R> CandAlpha; // [NumVars] pivot row entry with the sign that makes it block: > 0
-    Array<R> CandDual;  // [NumVars] reduced cost with the sign that makes it feasible: >= 0
+    Array<R>
+        CandDual; // [NumVars] reduced cost with the sign that makes it feasible: >= -OptTol
     Array<R> CandRange; // [NumVars] what passing the breakpoint takes from the slope
     int CandCount = 0;
     Array<int> GroupEnd; // [NumVars + 1] candidates of group g end here
@@ -28,6 +29,9 @@ template<class R> struct dopt {
     R ThetaDual = 0, ThetaPrimal = 0;
     int FreeCount = 0;  // nonbasics at AT_FREE
     int ShiftCount = 0; // costs shifted in this run
+    double CycleIter = 0,
+           CycleLen = 0; // cycle watch: pivot of its start, length of the round
+    int CycleVar = -1, CycleHits = 0; // entering variable that is watched, rounds seen
     int Rejected = 0; // rows set aside since the last factorisation because of their pivots
     Array<char> RowRejected; // [m]
 };
@@ -40,7 +44,8 @@ template<class R> void dual_set_box_bounds(sopt *s);
 template<class R>
 int dual_place_nonbasics(
     sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
-template<class R> void dual_perturb(sopt *s, swork<R> *w);
+template<class R> void dual_perturb_start(sopt *s);
+template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 

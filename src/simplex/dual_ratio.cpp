@@ -9,7 +9,8 @@
 //             min (d_k + tol) / a_k over what is left after group g - 1. From the last group back the first one whose
 //             largest a_k is good enough gives q; all groups before it are flipped.
 // Out         PivotCol, AlphaRow, Flips; false when no breakpoint stops the slope.
-// Invariant   Reduced costs of what is not flipped stay above -tol after the step.
+// Invariant   Reduced costs of what is not flipped stay above -tol after the step: the tolerance is spent once, not anew
+//             in every step, or rounding would add up to costs that send the method in circles.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, EJOR 149, 2003; A. Koberstein, Paderborn 2005.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -33,7 +34,7 @@ template<class R> void swap_candidates(dopt<R> *d, int a, int b)
     std::swap(d->CandRange.data[a], d->CandRange.data[b]);
 }
 
-// Candidates from the packed row.
+// Candidates from the packed row. Signs are as good as random, so nothing here branches on them.
 template<class R> void collect(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -42,40 +43,72 @@ template<class R> void collect(sopt *s, swork<R> *w)
                                   : updates < MANY_UPDATES ? 1
                                                            : 2]);
     const R side = d->Delta < 0 ? R(-1) : R(1);
-    const int *__restrict vstat = s->VStat.data;
+    const int *__restrict vstat = s->VStat.data, *__restrict ind = w->RowInd.data;
+    const R *__restrict val = w->RowVal.data, *__restrict cbar = w->Cbar.data;
+    int *__restrict place = d->CandPlace.data;
+    R *__restrict cand_alpha = d->CandAlpha.data, *__restrict cand_dual = d->CandDual.data;
     int count = 0;
     for (int k = 0; k < w->RowCount; k++) {
-        const int j = w->RowInd.data[k], status = vstat[j];
-        R a = side * w->RowVal.data[k], dual = w->Cbar.data[j];
-        if (status == AT_UPPER) {
-            a = -a;
-            dual = -dual;
-        } else if (status == AT_FREE) {
-            a = std::abs(a);
-            dual = 0;
-        }
-        if (a <= small) continue;
-        d->CandPlace.data[count] = k;
-        d->CandAlpha.data[count] = a;
-        d->CandDual.data[count] = std::max(dual, R(0));
-        const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
-        d->CandRange.data[count++] = range < s->Infinity ? R(range) * a : R(s->Infinity);
+        const int j = ind[k];
+        const R sign = vstat[j] == AT_UPPER ? -side : side;
+        const R a = sign * val[k];
+        place[count] = k;
+        cand_alpha[count] = a;
+        cand_dual[count] = sign * side * cbar[j];
+        count += a > small;
     }
     d->CandCount = count;
 }
 
-// Brings the breakpoints at which the slope changes sign, and all before them, to the front; returns their number.
-template<class R> int collect_front(sopt *s, dopt<R> *d, R slope)
+// Free variables block in both directions.
+template<class R> void collect_free(sopt *s, swork<R> *w)
 {
-    const R tol = R(s->OptTol);
-    R step = R(s->Infinity);
-    for (int k = 0; k < d->CandCount; k++)
-        step = std::min(step, (d->CandDual.data[k] + tol) / d->CandAlpha.data[k]);
-    step = R(WIDEN) * step + R(1e-7);
+    dopt<R> *d = w->Dual;
+    int count = d->CandCount;
+    for (int k = 0; k < count; k++)
+        if (s->VStat.data[w->RowInd.data[d->CandPlace.data[k]]] == AT_FREE)
+            d->CandDual.data[k] = R(0);
+    const R side = d->Delta < 0 ? R(-1) : R(1);
+    for (int k = 0; k < w->RowCount; k++) {
+        const R a = -side * w->RowVal.data[k];
+        if (a <= R(SMALL_PIVOT[2]) || s->VStat.data[w->RowInd.data[k]] != AT_FREE) continue;
+        d->CandPlace.data[count] = k;
+        d->CandAlpha.data[count] = a;
+        d->CandDual.data[count++] = R(0);
+    }
+    d->CandCount = count;
+}
+
+// What passing the breakpoint of candidate k takes from the slope.
+template<class R> R range_of(const sopt *s, const swork<R> *w, int k)
+{
+    const dopt<R> *d = w->Dual;
+    const int j = w->RowInd.data[d->CandPlace.data[k]];
+    const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
+    return range < s->Infinity ? R(range) * d->CandAlpha.data[k] : R(s->Infinity);
+}
+
+// Largest step that keeps every candidate from first on above -tol.
+template<class R> R step_bound(const dopt<R> *d, int first, int end, R tol, R bound)
+{
+    const R *__restrict alpha = d->CandAlpha.data, *__restrict dual = d->CandDual.data;
+    for (int k = first; k < end; k++)
+        if (dual[k] + tol < bound * alpha[k])
+            bound = std::max((dual[k] + tol) / alpha[k], R(0));
+    return bound;
+}
+
+// Brings the breakpoints at which the slope changes sign, and all before them, to the front; returns their number.
+template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
+{
+    dopt<R> *d = w->Dual;
+    R step =
+        R(WIDEN) * step_bound(d, 0, d->CandCount, R(s->OptTol), R(s->Infinity)) + R(1e-7);
     int front = 0;
     for (;;) {
         for (int k = front; k < d->CandCount; k++) {
             if (d->CandDual.data[k] > step * d->CandAlpha.data[k]) continue;
+            d->CandRange.data[k] = range_of(s, w, k);
             slope -= d->CandRange.data[k];
             swap_candidates(d, front++, k);
         }
@@ -90,10 +123,7 @@ template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
     const R tol = R(s->OptTol);
     int groups = 0, done = 0;
     while (done < front && slope >= 0) {
-        R bound = R(s->Infinity);
-        for (int k = done; k < front; k++)
-            if (d->CandDual.data[k] + tol < bound * d->CandAlpha.data[k])
-                bound = (d->CandDual.data[k] + tol) / d->CandAlpha.data[k];
+        const R bound = step_bound(d, done, front, tol, R(s->Infinity));
         const int before = done;
         for (int k = done; k < front; k++) {
             if (d->CandDual.data[k] > bound * d->CandAlpha.data[k]) continue;
@@ -131,10 +161,11 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w)
     d->PivotCol = -1;
     d->FlipCount = 0;
     collect(s, w);
+    if (d->FreeCount > 0) collect_free(s, w);
     s->WorkUnits += w->RowCount;
     if (d->CandCount == 0) return false;
     const R slope = std::abs(d->Delta);
-    const int front = collect_front(s, d, slope);
+    const int front = collect_front(s, w, slope);
     R left = slope;
     for (int k = 0; k < front; k++) left -= d->CandRange.data[k];
     if (left > R(s->FeasTol))

@@ -15,7 +15,17 @@ namespace
 {
 constexpr double FREE_BOX =
     1000; // box of a free variable in phase 1: far more attractive to repair than others
+constexpr double START_SHARE = 0.5;  // size of the start perturbation over PerturbValue
+constexpr double SLACK_WEIGHT = 0.3; // of a slack in it, against a column of mean length
+constexpr double WEIGHT_LEAST = 0.01, WEIGHT_MOST = 10; // of columns by length
+constexpr double STALL_SHARE = 0.9; // share of degenerate steps that is a stall
+constexpr double PERTURB_GROWTH = 3, PERTURB_MOST = 0.01;
+
+double random_share(Random *rng) // in (0, 1]
+{
+    return (random_next(rng) % 500 + 1) / 500.0;
 }
+} // namespace
 
 template<class R> void dual_set_true_bounds(sopt *s)
 {
@@ -69,22 +79,53 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
     s->Perturbed = std::max(s->Perturbed, 1);
 }
 
-// Every cost moves away from zero reduced cost by a random amount of up to PerturbCur, relative to its own size.
-template<class R> void dual_perturb(sopt *s, swork<R> *w)
+// Before the first pivot every cost moves a little to the side that keeps it dual feasible, relative to its own size.
+// Long columns move more: they become less attractive, and the bases sparser.
+template<class R> void dual_perturb_start(sopt *s)
 {
-    (void)w;
-    if (s->PerturbCur <= 0) return;
+    const double size = START_SHARE * s->Env->PerturbValue;
+    if (size <= 0 || s->PerturbCur <= 0) return;
+    const double mean_length = std::max(1, s->ColBeg.data[s->NumCols]) /
+                               static_cast<double>(std::max(1, s->NumCols));
     for (int j = 0; j < s->NumVars; j++) {
         const double lower = s->Lower.data[j], upper = s->Upper.data[j];
-        const double share = (random_next(&s->Rng) % 500 + 1) / 500.0;
+        const double share = 0.5 + 0.5 * random_share(&s->Rng);
         if (lower == upper || !has_lower(s, lower))
             continue; // fixed: no matter; free: has to stay at zero
-        const double step = share * s->PerturbCur *
-                            (j < s->NumCols ? 1 + std::fabs(s->Cost.data[j]) : 1e-3);
+        double step = share * size * SLACK_WEIGHT;
+        if (j < s->NumCols) {
+            const double length = s->ColBeg.data[j + 1] - s->ColBeg.data[j];
+            step = share * size * (1 + std::fabs(s->Cost.data[j])) *
+                   std::clamp(length / mean_length, WEIGHT_LEAST, WEIGHT_MOST);
+        }
         const bool down = has_upper(s, upper) && s->Cost.data[j] < 0;
         s->WorkCost.data[j] += down ? -step : step;
     }
     s->Perturbed = 3;
+}
+
+// Nearly every step since the last test was degenerate: all reduced costs move away from zero, each time further.
+template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
+{
+    const double steps = s->NPvt - s->LastPerturbIter;
+    const double degenerate = s->DegenCount - s->LastDegenCount;
+    const int period = s->SwitchCount > 2 || s->Perturbed >= 3 ? 5 : 2;
+    if (!s->PerturbAllowed || s->PerturbCur <= 0 || s->NumFactor % period != 0) return;
+    const bool stalled = steps > 0 && degenerate > STALL_SHARE * steps;
+    s->LastPerturbIter = s->NPvt;
+    s->LastDegenCount = s->DegenCount;
+    if (!stalled) return;
+    for (int j = 0; j < s->NumVars; j++) {
+        const double share = random_share(&s->Rng);
+        const int status = s->VStat.data[j];
+        if (status != AT_LOWER && status != AT_UPPER) continue;
+        const double step =
+            status == AT_LOWER ? share * s->PerturbCur : -share * s->PerturbCur;
+        s->WorkCost.data[j] += step;
+        w->Cbar.data[j] += R(step);
+    }
+    s->Perturbed = 3;
+    s->PerturbCur = std::min(PERTURB_MOST, PERTURB_GROWTH * s->PerturbCur);
 }
 
 template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w)
@@ -98,7 +139,8 @@ template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w)
     template void dual_set_true_bounds<R>(sopt *);                                         \
     template void dual_set_box_bounds<R>(sopt *);                                          \
     template int dual_place_nonbasics<R>(sopt *, swork<R> *);                              \
-    template void dual_perturb<R>(sopt *, swork<R> *);                                     \
+    template void dual_perturb_start<R>(sopt *);                                           \
+    template void dual_perturb_stalled<R>(sopt *, swork<R> *);                             \
     template void dual_remove_perturbation<R>(sopt *, swork<R> *);                         \
     template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);
 INSTANTIATE(double)

@@ -6,7 +6,8 @@
 //             depth-first walk finds the places that can become nonzero, in topological order, and only those are
 //             worked on. The choice rests on the entries at hand and on a running average of how full results of the
 //             same kind were; a reach that grows too large gives up for the sweep.
-// In, out     x is solved in place and comes back listed, without entries at or below DropTol.
+// In, out     x is solved in place and comes back listed, without entries at or below DropTol; with Keep::VALUES
+//             perhaps without a list, and with smaller entries.
 // Invariant   Mark is all zero on return. Nothing is allocated.
 // Literature  J. R. Gilbert and T. Peierls, SIAM J. Sci. Stat. Comp. 9, 1988; J. A. J. Hall and K. I. M. McKinnon,
 //             "Hyper-sparsity in the revised simplex method", Comp. Opt. and Appl. 32, 2005.
@@ -19,6 +20,8 @@ constexpr double REACH_ENTRIES = 0.05; // share of nonzeros up to which a reach 
 constexpr double REACH_EXPECT = 0.10;  // expected share of nonzeros up to which it pays
 constexpr double REACH_GIVE_UP =
     0.25; // share of places visited at which the walk is abandoned
+constexpr double FULL_SHARE =
+    0.1; // share of nonzeros above which no list is kept between triangles
 constexpr double AVERAGE_DECAY = 0.9; // memory of the running density
 
 // One triangle as a directed graph: place i updates the places Ind[Beg[i] .. Beg[i] + Len[i] - 1].
@@ -89,13 +92,15 @@ void solve_reached(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, int count)
 }
 
 // x := T^-1 x over order[first], order[first + step], ... (n places); -1 cells are skipped. The list is lost.
+// Returns how many of these places are nonzero.
 template<class R>
-void solve_sweep(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, const int *order,
-                 int first, int step, int n)
+int solve_sweep(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, const int *order,
+                int first, int step, int n)
 {
     R *__restrict value = x->Value.data;
     const R drop = lu->DropTol;
     int64_t work = n;
+    int nonzeros = 0;
     for (int k = 0, at = first; k < n; k++, at += step) {
         const int i = order[at];
         if (i < 0) continue;
@@ -105,6 +110,7 @@ void solve_sweep(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, const int *ord
             value[i] = R(0);
             continue;
         }
+        nonzeros++;
         if (t->Diag) value[i] = xi = xi / t->Diag[i];
         const int beg = t->Beg[i], end = beg + t->Len[i];
         work += end - beg;
@@ -112,6 +118,7 @@ void solve_sweep(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, const int *ord
     }
     x->Count = -1;
     lu->WorkUnits += static_cast<double>(work);
+    return nonzeros;
 }
 
 template<class R> bool reach_pays(const lufact<R> *lu, const SVec<R> *x, double expected)
@@ -120,9 +127,9 @@ template<class R> bool reach_pays(const lufact<R> *lu, const SVec<R> *x, double 
            expected <= REACH_EXPECT;
 }
 
-template<class R> void remember(lufact<R> *lu, const SVec<R> *x, double *density)
+template<class R> void remember(const lufact<R> *lu, int nonzeros, double *density)
 {
-    const double share = static_cast<double>(x->Count) / lu->NumRows;
+    const double share = static_cast<double>(nonzeros) / lu->NumRows;
     *density = AVERAGE_DECAY * *density + (1 - AVERAGE_DECAY) * share;
 }
 
@@ -138,20 +145,27 @@ template<class R> int edge_place(const lufact<R> *lu, const SVec<R> *x, bool lar
     return edge;
 }
 
+// The triangle that comes first in a solve: a full result stays without a list.
+template<class R> void after_first(lufact<R> *lu, SVec<R> *x, int swept, double *density)
+{
+    const bool full = swept > FULL_SHARE * lu->NumRows;
+    if (!full) svec_tidy(x, lu->DropTol);
+    remember(lu, full ? swept : x->Count, density);
+}
+
 template<class R> void solve_lower(lufact<R> *lu, SVec<R> *x, double *density)
 {
     if (lu->LColOrder.size == 0) return;
     const Triangle<R> t{lu->LColBeg.data, lu->LColLen.data, lu->LInd.data, lu->LVal.data,
                         nullptr};
     const int count = reach_pays(lu, x, *density) ? reach(lu, &t, x) : -1;
-    if (count >= 0)
+    if (count >= 0) {
         solve_reached(lu, &t, x, count);
-    else {
-        solve_sweep(lu, &t, x, lu->LColOrder.data, 0, 1,
-                    static_cast<int>(lu->LColOrder.size));
-        svec_tidy(x, lu->DropTol);
+        remember(lu, x->Count, density);
+        return;
     }
-    remember(lu, x, density);
+    const int columns = static_cast<int>(lu->LColOrder.size);
+    after_first(lu, x, solve_sweep(lu, &t, x, lu->LColOrder.data, 0, 1, columns), density);
 }
 
 template<class R> void solve_lower_transposed(lufact<R> *lu, SVec<R> *x, double *density)
@@ -166,22 +180,25 @@ template<class R> void solve_lower_transposed(lufact<R> *lu, SVec<R> *x, double 
     else
         solve_sweep(lu, &t, x, lu->LRowOrder.data, rows - 1, -1, rows);
     svec_tidy(x, lu->DropTol);
-    remember(lu, x, density);
+    remember(lu, x->Count, density);
 }
 
-template<class R> void solve_upper(lufact<R> *lu, SVec<R> *x, double *density)
+template<class R>
+void solve_upper(lufact<R> *lu, SVec<R> *x, double *density, bool values_only)
 {
     const Triangle<R> t{lu->UColBeg.data, lu->UColLen.data, lu->UColInd.data,
                         lu->UColVal.data, lu->UDiag.data};
     const int count = reach_pays(lu, x, *density) ? reach(lu, &t, x) : -1;
-    if (count >= 0)
+    int nonzeros = 0;
+    if (count >= 0) {
         solve_reached(lu, &t, x, count);
-    else {
+        nonzeros = x->Count;
+    } else {
         const int last = edge_place(lu, x, true);
-        solve_sweep(lu, &t, x, lu->Order.data, last, -1, last + 1);
+        nonzeros = solve_sweep(lu, &t, x, lu->Order.data, last, -1, last + 1);
     }
-    svec_tidy(x, lu->DropTol);
-    remember(lu, x, density);
+    if (!values_only) svec_tidy(x, lu->DropTol);
+    remember(lu, nonzeros, density);
 }
 
 template<class R> void solve_upper_transposed(lufact<R> *lu, SVec<R> *x, double *density)
@@ -189,14 +206,23 @@ template<class R> void solve_upper_transposed(lufact<R> *lu, SVec<R> *x, double 
     const Triangle<R> t{lu->URowBeg.data, lu->URowLen.data, lu->URowInd.data,
                         lu->URowVal.data, lu->UDiag.data};
     const int count = reach_pays(lu, x, *density) ? reach(lu, &t, x) : -1;
-    if (count >= 0)
+    if (count >= 0) {
         solve_reached(lu, &t, x, count);
-    else {
-        const int first = edge_place(lu, x, false);
-        solve_sweep(lu, &t, x, lu->Order.data, first, 1, lu->NumPos - first);
-        svec_tidy(x, lu->DropTol);
+        remember(lu, x->Count, density);
+        return;
     }
-    remember(lu, x, density);
+    const int first = edge_place(lu, x, false);
+    after_first(lu, x, solve_sweep(lu, &t, x, lu->Order.data, first, 1, lu->NumPos - first),
+                density);
+}
+
+// Adds to place i, which joins the list when there is one.
+template<class R> inline void add_entry(SVec<R> *x, int i, R value)
+{
+    if (x->Count >= 0)
+        svec_add(x, i, value);
+    else
+        x->Value.data[i] += value;
 }
 
 // x[row] += sum Val * x[Ind], oldest eta first.
@@ -208,7 +234,7 @@ template<class R> void apply_etas(lufact<R> *lu, SVec<R> *x)
     for (int t = 0; t < lu->NumEtas; t++) {
         R sum = 0;
         for (int p = beg[t]; p < beg[t + 1]; p++) sum += val[p] * value[ind[p]];
-        if (std::abs(sum) > lu->DropTol) svec_add(x, lu->EtaRow.data[t], sum);
+        if (std::abs(sum) > lu->DropTol) add_entry(x, lu->EtaRow.data[t], sum);
     }
     lu->WorkUnits += beg[lu->NumEtas];
 }
@@ -223,42 +249,51 @@ template<class R> void apply_etas_transposed(lufact<R> *lu, SVec<R> *x)
         const R xr = x->Value.data[lu->EtaRow.data[t]];
         if (std::abs(xr) <= lu->DropTol) continue;
         work += beg[t + 1] - beg[t];
-        for (int p = beg[t]; p < beg[t + 1]; p++) svec_add(x, ind[p], val[p] * xr);
+        for (int p = beg[t]; p < beg[t + 1]; p++) add_entry(x, ind[p], val[p] * xr);
     }
     lu->WorkUnits += static_cast<double>(work);
 }
 
-// Packs the listed vector.
-template<class R> int pack(const SVec<R> *x, int *ind, R *val)
+// Packs the entries above drop.
+template<class R> int pack(const SVec<R> *x, R drop, int *ind, R *val)
 {
-    for (int k = 0; k < x->Count; k++) {
-        ind[k] = x->Index.data[k];
-        val[k] = x->Value.data[ind[k]];
+    int count = 0;
+    if (x->Count >= 0) {
+        for (int k = 0; k < x->Count; k++) {
+            ind[k] = x->Index.data[k];
+            val[k] = x->Value.data[ind[k]];
+        }
+        return x->Count;
     }
-    return x->Count;
+    for (int i = 0; i < x->Dim; i++) { // without a branch
+        const R value = x->Value.data[i];
+        ind[count] = i;
+        val[count] = value;
+        count += std::abs(value) > drop;
+    }
+    return count;
 }
 } // namespace
 
 template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep)
 {
-    if (x->Count < 0) svec_tidy(x, lu->DropTol);
     if (keep == Keep::YES) lu->SpikeCount = 0;
     if (x->Count == 0) return;
     solve_lower(lu, x, &lu->Density[kind][0]);
     if (lu->NumEtas > 0) apply_etas(lu, x);
-    if (keep == Keep::YES) lu->SpikeCount = pack(x, lu->SpikeInd.data, lu->SpikeVal.data);
-    solve_upper(lu, x, &lu->Density[kind][1]);
+    if (keep == Keep::YES)
+        lu->SpikeCount = pack(x, lu->DropTol, lu->SpikeInd.data, lu->SpikeVal.data);
+    solve_upper(lu, x, &lu->Density[kind][1], keep == Keep::VALUES);
 }
 
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep)
 {
-    if (x->Count < 0) svec_tidy(x, lu->DropTol);
     if (x->Count == 0) return;
-    const int row = x->Index.data[0];
+    const int row = x->Count > 0 ? x->Index.data[0] : -1;
     solve_upper_transposed(lu, x, &lu->Density[kind][1]);
     if (keep == Keep::YES) {
         lu->PartRow = row;
-        lu->PartCount = pack(x, lu->PartInd.data, lu->PartVal.data);
+        lu->PartCount = pack(x, lu->DropTol, lu->PartInd.data, lu->PartVal.data);
     }
     if (lu->NumEtas > 0) apply_etas_transposed(lu, x);
     solve_lower_transposed(lu, x, &lu->Density[kind][0]);

@@ -163,10 +163,11 @@ template<class R> inline void lu_pivot(lufact<R> *lu, int row, int position, R v
     lu->UDiag.data[row] = value;
 }
 
-// x := B^-1 x. With KEEP the spike for UpdateFactor is stored. The vector comes back tidy.
-enum class Keep { NO, YES };
+// x := B^-1 x. With Keep::YES the spike for UpdateFactor is stored. The vector comes back tidy, unless VALUES says that
+// no list of it is wanted.
+enum class Keep { NO, YES, VALUES };
 template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
-// x := B^-T x. With KEEP x must be the unit vector of the row that UpdateFactor will replace.
+// x := B^-T x, tidy. With Keep::YES x must be the unit vector of the row that UpdateFactor will replace.
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
 
 // Replaces the column of position r by the one whose spike Ftran kept. `pivot` is entry r of that Ftran's result.

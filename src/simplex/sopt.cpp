@@ -119,7 +119,7 @@ void sopt_refresh(sopt *s)
     s->PerturbCur = env->PerturbValue;
     if (env->PerturbValue <= PERTURB_DEFAULT)
         s->PerturbCur *= s->NumRows <= PERTURB_SMALL_ROWS ? PERTURB_SMALL : PERTURB_LARGE;
-    s->DegenCount = 0;
+    s->DegenCount = s->LastDegenCount = s->LastPerturbIter = 0;
     const double m = s->NumRows;
     s->MaxUpdates = std::max(UPDATES_LEAST, static_cast<int>(std::pow(m, UPDATES_POWER)));
     s->MinUpdates = static_cast<int>(std::pow(m, UPDATES_FREE_POWER));

@@ -149,6 +149,8 @@ struct sopt {
     int PerturbAllowed = 1; // cleared when a clean run is wanted
     double PerturbCur = 0;  // working size of perturbations
     double DegenCount = 0;  // degenerate iterations
+    double LastDegenCount = 0,
+           LastPerturbIter = 0; // DegenCount and NPvt at the last test for a stall
     int TightProof =
         0; // an infeasibility could not be proved: smaller reduced costs count as well
     double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,

@@ -82,11 +82,12 @@ template<class R> void svec_tidy(SVec<R> *v, R drop)
                 value[i] = R(0);
         }
     } else {
-        for (int i = 0; i < v->Dim; i++) {
-            if (std::abs(value[i]) > drop)
-                index[count++] = i;
-            else
-                value[i] = R(0);
+        for (int i = 0; i < v->Dim;
+             i++) { // without a branch: which ones stay is anyone's guess
+            const bool keep = std::abs(value[i]) > drop;
+            value[i] = keep ? value[i] : R(0);
+            index[count] = i;
+            count += keep;
         }
     }
     v->Count = count;
