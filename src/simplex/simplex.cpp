@@ -96,22 +96,51 @@ bool tighten_for(double *tol, double limit, const UserViolation &violation)
     return tighten(tol, WORTH_LIMIT, violation.Worth) || by_size;
 }
 
+// Another run from the basis at hand.
+int run_again(sopt *s, int method)
+{
+    s->Status = SIMPLEX_RUNNING;
+    s->Method = method;
+    s->PerturbAllowed = 0;
+    TRY(run_methods(s));
+    finish_live(s);
+    return 0;
+}
+
+bool is_limit(int status)
+{
+    return status == SIMPLEX_ITERATION_LIMIT || status == SIMPLEX_TIME_LIMIT ||
+           status == SIMPLEX_INTERRUPTED;
+}
+
+// Tighter tolerances where violations matter. An optimum within the caller's tolerances that is lost thereby is taken
+// up again.
+int polish(sopt *s)
+{
+    const double tol_feas = s->FeasTol, tol_opt = s->OptTol;
+    bool acceptable = false;
+    for (int round = 0; round < MAX_POLISH && s->Status == SIMPLEX_OPTIMAL; round++) {
+        const UserViolations v = violations(s);
+        acceptable = acceptable || (v.Primal.Largest <= s->Env->FeasibilityTol &&
+                                    v.Dual.Largest <= s->Env->OptimalityTol);
+        const bool primal = tighten_for(&s->FeasTol, s->Env->FeasibilityTol, v.Primal),
+                   dual = tighten_for(&s->OptTol, s->Env->OptimalityTol, v.Dual);
+        if (!primal && !dual) return 0;
+        TRY(run_again(s, primal ? METHOD_DUAL : METHOD_PRIMAL));
+    }
+    if (s->Status == SIMPLEX_OPTIMAL || is_limit(s->Status)) return 0;
+    if (!acceptable && s->Status != SIMPLEX_NUMERIC) return 0;
+    s->FeasTol = tol_feas;
+    s->OptTol = tol_opt;
+    s->SwitchCount = s->NumericCount = 0;
+    return run_again(s, METHOD_DUAL);
+}
+
 int solve(sopt *s)
 {
     TRY(run_methods(s));
     finish_live(s);
-    for (int round = 0; round < MAX_POLISH && s->Status == SIMPLEX_OPTIMAL; round++) {
-        const UserViolations v = violations(s);
-        const bool primal = tighten_for(&s->FeasTol, s->Env->FeasibilityTol, v.Primal),
-                   dual = tighten_for(&s->OptTol, s->Env->OptimalityTol, v.Dual);
-        if (!primal && !dual) break;
-        s->Status = SIMPLEX_RUNNING;
-        s->PerturbAllowed = 0;
-        s->Method = primal ? METHOD_DUAL : METHOD_PRIMAL;
-        TRY(run_methods(s));
-        finish_live(s);
-    }
-    return 0;
+    return s->Status == SIMPLEX_OPTIMAL ? polish(s) : 0;
 }
 
 // The record for this model, with tolerances and counters for a new run.

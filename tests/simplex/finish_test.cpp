@@ -30,3 +30,22 @@ TEST(Finish, small_violations_at_high_prices_do_not_cost_digits_of_the_objective
                                       {{"LPMethod", lp_method}, {"ScaleFlag", scale}}),
                       "");
 }
+
+TEST(Finish, a_model_that_is_feasible_within_the_tolerance_only_stays_so_at_any_price)
+{
+    LpModel lp;
+    const int x = lp_add_var(&lp, 1e4, 0, 1 - 5e-7);
+    lp_add_row_entries(&lp, {{x, 1}}, '>', 1);
+    const TestEnv env;
+    for (const double lp_method : {0, 1})
+        for (const double scale : {0, 1}) {
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_EQ(settings_apply(
+                          TVXgetenv(model),
+                          {{"LPMethod", lp_method}, {"ScaleFlag", scale}, {"Presolve", 0}}),
+                      0);
+            LpSolution solution;
+            ASSERT_EQ(lp_solve(model, &solution), 0);
+            EXPECT_EQ(solution.status, TVX_OPTIMAL);
+        }
+}
