@@ -47,6 +47,18 @@ int go_extended(sopt *s)
     return 0;
 }
 
+// A start that is optimal stays: the perturbation of a run would only lead away from it. 0 or a code.
+template<class R> int keep_optimal_start(sopt *s, swork<R> *w)
+{
+    if (s->InfeasCheckNeeded) sopt_check_bounds(s);
+    if (s->Status == SIMPLEX_RUNNING && !has_factor(s, w)) TRY(Refactor(s, w));
+    if (s->Status != SIMPLEX_RUNNING || s->Superbasics > 0) return 0;
+    finish_values(s, w);
+    const Infeasibility inf = measure_infeasibility(s, w);
+    if (inf.PrimalCount == 0 && inf.DualCount == 0) s->Status = SIMPLEX_OPTIMAL;
+    return 0;
+}
+
 // Until one method ends with a final status.
 int run_methods(sopt *s)
 {
@@ -138,8 +150,11 @@ int polish(sopt *s)
 
 int solve(sopt *s)
 {
-    TRY(run_methods(s));
-    finish_live(s);
+    TRY(s->Quad ? keep_optimal_start(s, s->Extended) : keep_optimal_start(s, s->Double));
+    if (s->Status == SIMPLEX_RUNNING) {
+        TRY(run_methods(s));
+        finish_live(s);
+    }
     return s->Status == SIMPLEX_OPTIMAL ? polish(s) : 0;
 }
 
