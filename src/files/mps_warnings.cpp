@@ -4,10 +4,11 @@
 // Method      Warnings are counted, the first few of a kind with line and name, and shown when the reading is over.
 #include "files/mps_warnings.h"
 
+static constexpr char MORE_FREE_ROWS[] = "Warning: more than one unconstrainted rows,\n"
+                                         "         the first one is used for objective.\n";
 // In the order of MpsWarning.
 static const char *const texts[MPS_WARNING_KINDS] = {
-    "Warning: more than one unconstrainted rows,\n"
-    "         the first one is used for objective.\n",
+    MORE_FREE_ROWS,
     "Warning: no objective.\n",
     "Warning: marker is wrong.\n",
     "Warning: duplicate nonzeros.\n",

@@ -113,15 +113,9 @@ int Files::read_file(const std::string &name)
     return code;
 }
 
-// Some file systems write a truncated file through to the disk, but not a new one.
-static void clear_way(const std::string &name)
-{
-    remove(name.c_str());
-}
-
 int Files::read(const std::string &text)
 {
-    clear_way("t.mps");
+    remove("t.mps"); // some file systems write a truncated file to the disk
     file_put("t.mps", text);
     return read_file("t.mps");
 }
@@ -130,7 +124,7 @@ std::string Files::round_trip(const std::string &name, Names names)
 {
     TVXmodel *back = nullptr;
     Output output;
-    clear_way(name);
+    remove(name.c_str());
     if (const int code = TVXwrite(model, name.c_str()))
         return "write: " + std::to_string(code) + " " + TVXgetmerrormsg(model);
     if (const int code = TVXreadmodel(env, name.c_str(), &back))

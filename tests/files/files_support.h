@@ -23,12 +23,18 @@ class Files : public testing::Test
     {
         TVXfreemodel(model);
         TVXfreeenv(env);
+#ifdef TVX_DEBUG
+        EXPECT_EQ(mem_blocks_held(), 0);
+#endif
     }
 
     // Reads a file, or a text as t.mps, in place of `model`; the code.
     int read_file(const std::string &name);
     int read(const std::string &text);
-    std::string message() { return TVXgeterrormsg(env); }
+    std::string message()
+    {
+        return TVXgeterrormsg(env);
+    }
 
     // Writes `model` under the name, reads it again, and says where the two differ; "" for nowhere.
     std::string round_trip(const std::string &name, Names names);

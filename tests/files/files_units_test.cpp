@@ -4,8 +4,8 @@
 #include "files/text_file.h"
 #include "frame/runtime/text_number.h"
 #include "support/dice.h"
-#include "support/scratch.h"
 #include <cmath>
+#include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <vector>
@@ -65,25 +65,6 @@ TEST(NameTableTest, TellsSimilarNamesApart)
             static_cast<int>(k));
 }
 
-// Probes must stay short for names as models have them.
-TEST(NameTableTest, NumberedNamesSpread)
-{
-    std::vector<std::string> texts;
-    for (int k = 0; k < 100000; k++)
-        texts.push_back("x#" + std::to_string(k) + "#" + std::to_string(k % 7));
-    NameTable table;
-    for (const std::string &text : texts)
-        ASSERT_EQ(name_table_append(&table, text.data(), static_cast<int64_t>(text.size())),
-                  0);
-    int64_t run = 0;
-    int64_t longest = 0;
-    for (const TableSlot &slot : table.slots) {
-        run = slot.index >= 0 ? run + 1 : 0;
-        longest = std::max(longest, run);
-    }
-    EXPECT_LT(longest, 100);
-}
-
 // ---- Numbers ----
 
 static NumberKind kind_of(const std::string &text, double *value)
@@ -108,66 +89,7 @@ TEST(FileNumber, KindsOfFields)
         EXPECT_EQ(kind_of(text, &value), NumberKind::NOT_NUMBER) << text;
 }
 
-TEST(FileNumber, WrittenNumbersReadBackTheSame)
-{
-    Dice dice(11);
-    char text[NUMBER_LENGTH];
-    for (int k = 0; k < 20000; k++) {
-        const double value = std::ldexp(dice.nonzero(2000000000), dice.range(-1100, 990));
-        const int length = number_write(text, value);
-        double back = 0;
-        ASSERT_EQ(kind_of(std::string(text, static_cast<size_t>(length)), &back),
-                  NumberKind::FINITE);
-        ASSERT_EQ(back, value) << text;
-    }
-    number_write(text, 0.1);
-    EXPECT_STREQ(text, "0.1");
-    number_write(text, 1234567);
-    EXPECT_STREQ(text, "1.2345670000000000e+06");
-}
-
 // ---- Lines ----
-
-static std::vector<std::string> lines_of(const std::string &text)
-{
-    Scratch scratch;
-    file_put("t", text);
-    TextFile file;
-    EXPECT_EQ(text_load("t", &file), TextLoad::OK);
-    std::vector<std::string> lines;
-    TextSpan line;
-    while (text_next(&file, &line) == TextStep::LINE)
-        lines.emplace_back(line.begin, line.end);
-    return lines;
-}
-
-TEST(TextFileTest, Lines)
-{
-    using Lines = std::vector<std::string>;
-    EXPECT_EQ(lines_of(""), Lines{""});
-    EXPECT_EQ(lines_of("a\nb"), (Lines{"a", "b"}));
-    EXPECT_EQ(lines_of("a \t\r\n\r\n b\n"), (Lines{"a", "", " b"}));
-    EXPECT_EQ(lines_of("a\rb\r"), (Lines{"a", "b"}));
-    EXPECT_EQ(lines_of("\xef\xbb\xbf"
-                       "a\n"),
-              Lines{"a"});
-    EXPECT_EQ(lines_of("a\n\x1a"), Lines{"a"});
-    EXPECT_EQ(lines_of("a\nb\x02\nc\n"), Lines{"a"});
-    // Longer than any block that is read at a time.
-    const std::string long_line(5 << 20, 'x');
-    EXPECT_EQ(lines_of(long_line + "\n" + long_line), (Lines{long_line, long_line}));
-}
-
-TEST(TextFileTest, WhatCannotBeReadIsTold)
-{
-    Scratch scratch;
-    TextFile file;
-    EXPECT_EQ(text_load("none", &file), TextLoad::NOT_FOUND);
-    EXPECT_EQ(text_load(".", &file), TextLoad::NOT_FOUND);
-    file_put("x.gz", "no");
-    EXPECT_EQ(text_load("x.gz", &file), TextLoad::BROKEN);
-    EXPECT_EQ(file.bytes.data, nullptr);
-}
 
 static std::string printable(const std::string &text, int size)
 {

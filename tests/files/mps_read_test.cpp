@@ -519,15 +519,3 @@ TEST_F(MpsRead, DollarBeginsACommentUnlessItIsAName)
     EXPECT_EQ(domain("$Z"), "C [0,7]");
     EXPECT_EQ(domain("X"), "C [-inf,inf]");
 }
-
-// ---- Numbers ----
-
-TEST_F(MpsRead, NumbersInAllSpellings)
-{
-    good("RHS\n RHS R1 +1.5D+3 R2 .5e1\nBOUNDS\n LO B X -.25\n UP B X 1.e-0\n LO B Y "
-         "5E-400\nENDATA\n");
-    EXPECT_EQ(model->body->rhs[0], -1500);
-    EXPECT_EQ(model->body->rhs[1], 5);
-    EXPECT_EQ(domain("X"), "C [-0.25,1]");
-    EXPECT_EQ(domain("Y"), "C [0,inf]");
-}

@@ -1,0 +1,133 @@
+// mutation_test.cpp -- damaged files: whatever the bytes are, a reader ends in data or in an error
+//
+// Random edits of small sound files, from a fixed seed. TARVEX_MUTATIONS in the environment is how often each kind of
+// file is edited, for long runs; the sanitizers see what a test cannot.
+#include "files/files_support.h"
+#include "support/dice.h"
+#include <algorithm>
+#include <cstdlib>
+
+// A sound model file with everything in it.
+static std::string full_text(bool fixed)
+{
+    const std::string x = fixed ? "X 1" : "X1";
+    return "NAME          FUZZ\nOBJSENSE\n    MAX\nOBJNAME\n    COST\nROWS\n N  COST\n G  "
+           "R1\n L  R2\n"
+           " E  R3\nCOLUMNS\n"
+           "    " +
+           x + (fixed ? "     " : "      ") +
+           "  COST               1.5   R1                -1.\n"
+           "    M         'MARKER'                 'INTORG'\n"
+           "    Y         R2                 1e1   R3               2D-1\n"
+           "    Z         R1                  1.   R3                 4.\n"
+           "    M         'MARKER'                 'INTEND'\n"
+           "    W         R1                  1.\n"
+           "RHS\n    RHS       R1                  4.   R2               inf\n    RHS      "
+           " COST               -9.\n"
+           "RANGES\n    RNG       R1                  2.   R3                -1.\n"
+           "BOUNDS\n UP BND       Y                  11.\n FR BND       W\n SC BND       Z "
+           "                 5.\n"
+           "SOS\n S1 set1\n    Y                  1\n    Z                  2\nENDATA\n";
+}
+
+// A few changes: one byte, a stretch cut out, an odd piece put in, a stretch doubled, the end of another text.
+static std::string mutated(Dice *dice, std::string text, const std::string &other)
+{
+    static const char *const pieces[] = {
+        "\n",    " ",    "\t",          "RHS\n", "COLUMNS\n", "ENDATA\n", "nan",
+        "1e999", "\r",   "*",           "$",     "'MARKER'",  "S1",       "-",
+        "\xff",  "\x01", " FR BND X\n", "Rg",    ""};
+    const int times = dice->range(1, 4);
+    for (int k = 0; k < times && !text.empty(); k++) {
+        const size_t at =
+            static_cast<size_t>(dice->range(0, static_cast<int>(text.size()) - 1));
+        const size_t length = static_cast<size_t>(dice->range(0, 12));
+        switch (dice->range(0, 4)) {
+        case 0:
+            text[at] = static_cast<char>(dice->range(0, 255));
+            break;
+        case 1:
+            text.erase(at, length);
+            break;
+        case 2:
+            text.insert(at, pieces[dice->range(0, 18)]);
+            break;
+        case 3:
+            text.insert(at, text.substr(at / 2, length * 5));
+            break;
+        default:
+            text.resize(at);
+            text += other.substr(std::min(at, other.size()));
+            break;
+        }
+    }
+    return text;
+}
+
+static int repetitions()
+{
+    const char *given = getenv("TARVEX_MUTATIONS");
+    return given ? std::max(atoi(given), 1) : 1500;
+}
+
+class Mutation : public Files
+{
+  protected:
+    // Reads edits of a side file into the full model; how many were taken.
+    int read_side_files(const std::string &name, const std::string &sound)
+    {
+        EXPECT_EQ(read(full_text(false)), 0) << message();
+        TVXmodel *before = nullptr;
+        std::swap(model, before);
+        EXPECT_EQ(read(full_text(false)), 0);
+        Dice dice(21);
+        int taken = 0;
+        for (int k = 0; k < repetitions() && !HasFailure(); k++) {
+            const std::string text = mutated(&dice, sound, full_text(false));
+            remove(name.c_str()); // some file systems write a truncated file to the disk
+            file_put(name, text);
+            Output output;
+            const int code = TVXread(model, name.c_str());
+            output.text();
+            EXPECT_TRUE(code == 0 || code == TVX_ERROR_FILE_READ) << code << text;
+            EXPECT_TRUE(code == 0 || *TVXgetmerrormsg(model)) << text;
+            EXPECT_EQ(model_difference(model, before, Names::COMPARE), "") << text;
+            taken += code == 0 && !*TVXgetmerrormsg(model);
+        }
+        TVXfreemodel(before);
+        return taken;
+    }
+};
+
+// What is read is a model that a written file gives back.
+TEST_F(Mutation, ModelFiles)
+{
+    Dice dice(20);
+    int models = 0;
+    for (int k = 0; k < repetitions(); k++) {
+        const bool fixed = dice.chance(50);
+        const std::string text = mutated(&dice, full_text(fixed), full_text(!fixed));
+        const int code = read(text);
+        ASSERT_TRUE(code == 0 || code == TVX_ERROR_FILE_READ) << code << message() << text;
+        ASSERT_EQ(message().empty(), code == 0) << text;
+        if (code) continue;
+        models++;
+        ASSERT_EQ(round_trip("w.mps", Names::COMPARE), "") << text << "\n---\n"
+                                                           << file_get("w.mps");
+    }
+    EXPECT_GT(models, repetitions() / 10);
+}
+
+TEST_F(Mutation, BasisFiles)
+{
+    const std::string sound =
+        "NAME plan 4 Variables 3 Constraints\n XL Y         R1      \n"
+        " XU Z         R3      \n UL X1    \n LL W\n SB W\nENDATA\n";
+    EXPECT_GT(read_side_files("b.bas", sound), repetitions() / 10);
+}
+
+TEST_F(Mutation, StartFiles)
+{
+    EXPECT_GT(read_side_files("s.mst", "# MIP start\nY 3\nZ -1.5e+3\nW 0\nNONE 4\n"),
+              repetitions() / 10);
+}
