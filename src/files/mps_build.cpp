@@ -269,9 +269,11 @@ static int copy_model_name(MpsReader *reader, Parts *parts)
 {
     const TextSpan name = without_constant(reader);
     if (span_empty(name)) return 0;
-    parts->name =
-        PoolCopy(reader->pool, name.begin, static_cast<size_t>(span_length(name)));
-    return parts->name ? 0 : OUT_OF_MEMORY;
+    char *copy = PoolCopy(reader->pool, name.begin, static_cast<size_t>(span_length(name)));
+    if (!copy) return OUT_OF_MEMORY;
+    for (char *c = copy; *c; c++) *c = line_char(*c); // as the writer does
+    parts->name = copy;
+    return 0;
 }
 
 // ---- The model ----

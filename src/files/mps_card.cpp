@@ -116,7 +116,7 @@ bool mps_fixed_fields(TextSpan line, MpsCard *card)
 {
     *card = MpsCard{};
     for (const char *p = line.begin; p < line.end; p++)
-        if (*p == '\t') return false;
+        if (static_cast<unsigned char>(*p) < ' ') return false;
     if (span_length(line) > SEQUENCE_BEGIN && line.begin[SEQUENCE_BEGIN - 1] == ' ')
         line = {line.begin, line.begin + SEQUENCE_BEGIN};
     for (int k = 0; k < 3; k++)

@@ -19,6 +19,11 @@ inline bool is_white(char c)
 {
     return static_cast<unsigned char>(c) <= ' ';
 }
+// What a text of one line may hold: control characters but tabs become blanks.
+inline char line_char(char c)
+{
+    return static_cast<unsigned char>(c) < ' ' && c != '\t' ? ' ' : c;
+}
 // To the next white space, or end.
 inline const char *skip_word(const char *p, const char *end)
 {

@@ -7,6 +7,7 @@
 //             stays.
 #include "files/text_out.h"
 #include "files/file_number.h"
+#include "files/text_file.h"
 #include "frame/runtime/text_number.h"
 #include "tarvex.h"
 #include <charconv>
@@ -78,8 +79,7 @@ void text_out_int(TextOut *out, int64_t value)
 void text_out_line(TextOut *out, const char *text)
 {
     for (; *text; text++) {
-        const bool breaks = static_cast<unsigned char>(*text) < ' ' && *text != '\t';
-        const char c = breaks ? ' ' : *text;
+        const char c = line_char(*text);
         text_out_bytes(out, &c, 1);
     }
 }
