@@ -66,7 +66,7 @@ static ExitCode check_result(const std::string &file)
 {
     if (file_kind(file) == FileKind::UNKNOWN)
         return usage("ResultFile='" + file +
-                     "': end the name in .sol, .bas, .mst, .mps or .lp");
+                     "': end the name in .sol, .bas, .mst, .prm, .mps or .lp");
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     if (std::error_code ignored;
         !folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
@@ -153,22 +153,26 @@ static ExitCode run(const Arguments &arguments, bool silent)
     return worst;
 }
 
+static ExitCode parse_and_run(int argc, char **argv)
+{
+    Arguments arguments;
+    std::string error;
+    const bool silent = silence_wanted(argc, argv);
+    if (silent) silence(stderr);
+    switch (arguments_parse(argc, argv, &arguments, &error)) {
+    case Parsed::DONE:
+        return EXIT_SOLVED;
+    case Parsed::WRONG:
+        return usage(error + "; see tarvex --help");
+    default: // Parsed::OK
+        return run(arguments, silent);
+    }
+}
+
 int main(int argc, char **argv)
 {
     try {
-        Arguments arguments;
-        std::string error;
-        const bool silent = silence_wanted(argc, argv);
-        if (silent) silence(stderr);
-        switch (arguments_parse(argc, argv, &arguments, &error)) {
-        case Parsed::DONE:
-            return EXIT_SOLVED;
-        case Parsed::WRONG:
-            return usage(error + "; see tarvex --help");
-        case Parsed::OK:
-            break;
-        }
-        const ExitCode code = run(arguments, silent);
+        const ExitCode code = parse_and_run(argc, argv);
         if (fflush(stdout) != 0 || ferror(stdout)) {
             report_error("standard output could not be written; check the free space");
             return EXIT_ERROR;

@@ -1,19 +1,37 @@
 // report.cpp -- errors of the command, one line each
 //
 // Problem     A script reads standard error line by line, a person wants to know what to do next.
-// Method      Line breaks and other control characters inside a message become blanks; the library's message
-//             says what went wrong, a hint by error code says what to do.
+// Method      Lines of a message are joined by semicolons, or by a blank behind a colon, and other control
+//             characters become blanks; the library's message says what went wrong, a hint by error code says
+//             what to do.
 #include "report.h"
 #include "tarvex.h"
 #include <cstdio>
 
+static bool is_control(char c)
+{
+    return static_cast<unsigned char>(c) < ' ';
+}
+
+// The text on one line. Blanks that a line began with go with its beginning.
+static std::string one_line(const std::string &text)
+{
+    std::string line;
+    bool at_begin = true;
+    for (const char c : text) {
+        const bool blank = c == ' ' || is_control(c);
+        if (blank && at_begin) continue;
+        if (at_begin && !line.empty()) line += line.back() == ':' ? " " : "; ";
+        at_begin = c == '\n';
+        if (!at_begin) line += blank ? ' ' : c;
+    }
+    while (!line.empty() && line.back() == ' ') line.pop_back();
+    return line;
+}
+
 void report_error(const std::string &text)
 {
-    std::string line = "tarvex: " + text;
-    while (!line.empty() && static_cast<unsigned char>(line.back()) <= ' ') line.pop_back();
-    for (char &c : line)
-        if (static_cast<unsigned char>(c) < ' ') c = ' ';
-    line += '\n';
+    const std::string line = "tarvex: " + one_line(text) + '\n';
     fflush(stdout);
     fputs(line.c_str(), stderr);
 }
@@ -24,6 +42,8 @@ static const char *hint(int code)
     switch (code) {
     case TVX_ERROR_OUT_OF_MEMORY:
         return "give the process more memory, or lower Threads or NodefileStart";
+    case TVX_ERROR_INVALID_ARGUMENT: // of the calls made here: a file that cannot be opened
+        return "check name, folder and permissions";
     case TVX_ERROR_FILE_WRITE:
         return "check folder, permissions and free space";
     case TVX_ERROR_DATA_NOT_AVAILABLE:
@@ -38,7 +58,8 @@ static const char *hint(int code)
 std::string describe_failure(int code, const char *message)
 {
     std::string text = message && *message ? message : "error " + std::to_string(code);
-    while (!text.empty() && text.back() <= ' ') text.pop_back();
+    while (!text.empty() && (text.back() == ' ' || is_control(text.back())))
+        text.pop_back();
     const char *advice = hint(code);
     if (*advice) text += std::string("; ") + advice;
     return text;

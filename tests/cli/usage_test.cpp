@@ -81,4 +81,12 @@ TEST_F(CliUsage, AResultThatCouldNotBeWrittenIsToldBeforeTheSolve)
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST_F(CliUsage, AMessageOfSeveralLinesComesOnOne)
+{
+    file_put("broken.mps", "ROWS\n N cost\n Q  row\n");
+    EXPECT_EQ(run({"broken.mps"}).err,
+              "tarvex: cannot read 'broken.mps': MPS read error at line 3: Q  row; a row "
+              "type is N, L, G or E\n");
+}
+
 } // namespace
