@@ -2,6 +2,7 @@
 //
 // TARVEX_TINY_COUNT=n   how many models (20000; a campaign takes some 100000)
 // TARVEX_TINY_SEED=s    the first of them (0)
+// TARVEX_TINY_SIZE=n    the most rows and columns (8)
 // A failing case is shrunk and printed as MPS with its settings and seed.
 #include "support/model_gen.h"
 #include "support/shrink.h"
@@ -21,7 +22,8 @@ static uint64_t from_environment(const char *name, uint64_t otherwise)
 static std::string try_seed(TVXenv *env, uint64_t seed)
 {
     Dice dice(seed);
-    LpModel lp = gen_tiny(&dice, TinyLimits{});
+    const int size = static_cast<int>(from_environment("TARVEX_TINY_SIZE", 8));
+    LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = size, .max_rows = size});
     Settings settings = settings_draw(&dice);
     if (solve_and_judge(env, &lp, settings).empty()) return "";
     shrink(&lp, &settings, [env](const LpModel &smaller, const Settings &fewer) {
