@@ -220,6 +220,7 @@ template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status
 {
     (void)w;
     const int leaving = s->BasisHead.data[r];
+    s->Pivots++;
     s->BasisHead.data[r] = q;
     s->VStat.data[q] = r;
     s->SuperVal.data[q] = 0;

@@ -16,22 +16,19 @@ constexpr double WEIGHT_TRUST =
     0.25; // a stored weight below this share of the true one: choose again
 constexpr int MAX_REJECTED = 20; // rows set aside before a switch of method is tried
 constexpr double TIGHT_MARKOWITZ = 0.5;
-constexpr int CYCLE_HITS = 30; // rounds after which the method gives up
+constexpr int PRICING_PERIOD = 3; // factorisations between looks at the pricing
+constexpr int CYCLE_HITS = 30;    // rounds after which the method gives up
 
 enum class Step { DONE, AGAIN, STOP };
 
 // Weights follow their variables through a factorisation.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
 {
-    dopt<R> *d = w->Dual;
     if (has_factor(s, w) && w->Lu.NumUpdates == 0) return 0;
-    for (int j = 0; j < s->NumVars; j++) d->WeightOf.data[j] = R(1);
-    for (int k = 0; k < s->NumRows; k++)
-        d->WeightOf.data[s->BasisHead.data[k]] = d->Weights.data[k];
+    dual_weights_save(s, w);
     const int repairs = s->SingularCount;
     TRY(Refactor(s, w));
-    for (int k = 0; k < s->NumRows; k++)
-        d->Weights.data[k] = d->WeightOf.data[s->BasisHead.data[k]];
+    dual_weights_restore(s, w);
     if (s->SingularCount > repairs) row_copy_partition(s);
     return 0;
 }
@@ -80,6 +77,7 @@ template<class R> void watch_pivot(const sopt *s, dopt<R> *d)
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
+    if (s->NumFactor % PRICING_PERIOD == 0) dual_change_pricing(s, w);
     TRY(refactor_with_weights(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_dual(s, w);
@@ -184,16 +182,13 @@ template<class R> bool choose_row(sopt *s, swork<R> *w)
         if (r < 0) return false;
         svec_unit(&w->Rho, r, R(1));
         Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
-        R norm = 0;
-        for (int k = 0; k < w->Rho.Count; k++) {
-            const R v = w->Rho.Value.data[w->Rho.Index.data[k]];
-            norm += v * v;
-        }
-        const R stored = d->Weights.data[r];
-        d->Weights.data[r] = norm;
-        if (stored < R(WEIGHT_TRUST) * norm) {
-            dual_set_merit(s, w, r);
-            continue;
+        if (d->PricingCur == PRICE_STEEPEST) {
+            const R stored = d->Weights.data[r];
+            const R norm = d->Weights.data[r] = dual_true_weight(w);
+            if (stored < R(WEIGHT_TRUST) * norm) {
+                dual_set_merit(s, w, r);
+                continue;
+            }
         }
         const R x = w->Bbar.data[r];
         d->Delta = x < R(s->BasicLower.data[r]) ? x - R(s->BasicLower.data[r])
@@ -249,8 +244,7 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     const bool to_lower = d->Delta < 0;
     const R bound = R(to_lower ? s->BasicLower.data[r] : s->BasicUpper.data[r]);
     d->ThetaPrimal = (w->Bbar.data[r] - bound) / d->AlphaCol;
-    svec_copy(&w->Tau, &w->Rho);
-    Ftran(&w->Lu, &w->Tau, SOLVE_NORM, Keep::VALUES);
+    dual_update_weights(s, w);
     if (std::abs(w->Cbar.data[q]) < R(s->OptTol)) s->DegenCount++;
     dual_update_values(s, w);
     const int leaving = s->BasisHead.data[r];
@@ -272,7 +266,9 @@ template<class R> void iterate(sopt *s, swork<R> *w)
         no_row(s, w);
         return;
     }
+    const double before = s->WorkUnits;
     compute_row(s, w);
+    w->Dual->RowWork += s->WorkUnits - before;
     if (!dual_ratio(s, w)) {
         no_column(s, w);
         return;
@@ -284,14 +280,14 @@ template<class R> void iterate(sopt *s, swork<R> *w)
 template<class R> int setup(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
-    for (int k = 0; k < s->NumRows; k++) d->Weights.data[k] = R(1);
     d->CycleVar = -1;
     d->CycleHits = 0;
     d->CycleIter = s->NPvt;
     dual_set_true_bounds<R>(s);
     dual_remove_perturbation(s, w);
-    TRY(refactor_with_weights(s, w));
+    if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
+    dual_weights_start(s, w);
     if (s->PerturbAllowed) dual_perturb_start<R>(s);
     compute_dual(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
@@ -322,6 +318,7 @@ template<class R> int dopt_create(const sopt *s, dopt<R> **out)
         TRY(array_resize(a, s->NumVars));
     for (Array<int> *a : {&d->CandPlace, &d->Flips}) TRY(array_resize(a, s->NumVars));
     TRY(array_resize(&d->GroupEnd, int64_t{s->NumVars} + 1));
+    TRY(array_assign(&d->Reference, s->NumVars, char(0)));
     return array_assign(&d->RowRejected, m, char(0));
 }
 
@@ -337,9 +334,7 @@ template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms
 {
     if (!w || !w->Dual || s->Method != METHOD_DUAL) return 0;
     for (int j = 0; norms && j < s->NumVars; j++)
-        norms[j] = s->VStat.data[j] >= 0
-                       ? static_cast<double>(w->Dual->Weights.data[s->VStat.data[j]])
-                       : 0;
+        norms[j] = is_basic(s, j) ? static_cast<double>(w->Dual->WeightOf.data[j]) : 0;
     return 1;
 }
 
@@ -358,6 +353,9 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
         if (limit_reached(s)) break;
         iterate(s, w);
     }
+    dual_weights_save(s, w);
+    w->Dual->WeightAge = s->BasisAge;
+    w->Dual->WeightPivots = s->Pivots;
     return 0;
 }
 

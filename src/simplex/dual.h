@@ -5,9 +5,16 @@
 
 template<class R> struct dopt {
     // Row weights and the list of rows worth looking at
-    Array<R> Weights;  // [m] steepest-edge weights ||B^-T e_i||^2 by position
-    Array<R> WeightOf; // [NumVars] carries weights over a change of positions
-    PriceList<R> Rows; // [m] rows by infeasibility^2 / weight
+    Array<R> Weights;   // [m] by position
+    Array<R> WeightOf;  // [NumVars] carries weights over a change of positions
+    int WeightAge = -1; // BasisAge and Pivots of the basis to which WeightOf belongs
+    double WeightPivots = -1;
+    int PricingCur = PRICE_STEEPEST;  // or PRICE_DEVEX
+    int PricingFinal = 0;             // no more changes by itself
+    Array<char> Reference;            // [NumVars] Devex: variable belongs to the framework
+    double FrameworkWork = 0;         // entries updated since it was set
+    double NormWork = 0, RowWork = 0; // effort for weights alone, for pivot rows
+    PriceList<R> Rows;                // [m] rows by infeasibility^2 / weight
 
     // Ratio test, over candidates k < CandCount
     Array<int> CandPlace; // [NumVars] place in the packed row
@@ -53,11 +60,20 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);
 
+// dual_weights.cpp
+template<class R> void dual_weights_start(sopt *s, swork<R> *w); // needs factors
+template<class R> void dual_weights_save(sopt *s, swork<R> *w);  // positions will change
+template<class R> void dual_weights_restore(sopt *s, swork<R> *w);
+template<class R>
+R dual_true_weight(const swork<R> *w); // steepest edge: of row PivotRow, from Rho
+template<class R>
+void dual_update_weights(sopt *s, swork<R> *w); // before the basis changes
+template<class R> void dual_change_pricing(sopt *s, swork<R> *w); // between factorisations
+
 // dual_ratio.cpp
 template<class R>
 bool dual_ratio(sopt *s, swork<R> *w); // PivotCol, Flips; false when nothing blocks
 
 // dual_update.cpp
 template<class R> void dual_apply_flips(sopt *s, swork<R> *w);
-template<class R>
-void dual_update_values(sopt *s, swork<R> *w); // Bbar, weights, merits, Cbar
+template<class R> void dual_update_values(sopt *s, swork<R> *w); // Bbar, merits, Cbar

@@ -1,18 +1,14 @@
-// dual_update.cpp -- carry values, weights and reduced costs over one dual step
+// dual_update.cpp -- carry values and reduced costs over one dual step
 //
 // With p = alpha_r the pivot, theta_d = d_q / p and theta_p = Delta / p:
 //   flips             Bbar -= B^-1 sum a_j (change of x_j)
 //   basic values      Bbar_i -= theta_p alpha_i
 //   reduced costs     d_j -= theta_d (row entry of j), d_leaving = -theta_d
-//   weights           w_i += (alpha_i / p)^2 w_r - 2 (alpha_i / p) tau_i, tau = B^-1 rho; w_r /= p^2
-// Literature  J. J. Forrest and D. Goldfarb, Math. Prog. 57, 1992.
 #include "simplex/dual.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double WEIGHT_MIN = 1e-8; // floor of a weight that rounding has spoilt
-
 template<class R> void add_column(sopt *s, SVec<R> *x, int j, R factor)
 {
     if (j >= s->NumCols) {
@@ -66,18 +62,14 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, leaving = s->BasisHead.data[r];
-    const R pivot = d->AlphaCol, theta = d->ThetaPrimal, norm = d->Weights.data[r];
-    R *__restrict bbar = w->Bbar.data, *__restrict weights = d->Weights.data;
-    const R *__restrict alpha = w->Alpha.Value.data, *__restrict tau = w->Tau.Value.data;
+    const R theta = d->ThetaPrimal;
+    R *__restrict bbar = w->Bbar.data;
+    const R *__restrict alpha = w->Alpha.Value.data;
     for (int k = 0; k < w->Alpha.Count; k++) {
         const int i = w->Alpha.Index.data[k];
         bbar[i] -= theta * alpha[i];
-        const R ratio = alpha[i] / pivot;
-        weights[i] =
-            std::max(weights[i] + ratio * (ratio * norm - 2 * tau[i]), R(WEIGHT_MIN));
         dual_set_merit(s, w, i);
     }
-    weights[r] = std::max(norm / (pivot * pivot), R(WEIGHT_MIN));
     bbar[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
     update_reduced_costs(s, w, leaving);
     s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;

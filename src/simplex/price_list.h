@@ -11,6 +11,9 @@
 #include "frame/runtime/array.h"
 #include <algorithm>
 
+// Kinds of pricing, as SimplexPricing names them.
+enum Pricing { PRICE_PARTIAL = 0, PRICE_STEEPEST = 1, PRICE_DEVEX = 2, PRICE_QUICK = 3 };
+
 template<class R> struct PriceList {
     int Dim = 0;
     Array<R> Merit;     // [Dim]

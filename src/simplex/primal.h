@@ -6,14 +6,6 @@
 // Where a basic variable stands against its working bounds.
 enum RowState : signed char { ROW_BELOW = -1, ROW_FEASIBLE = 0, ROW_ABOVE = 1 };
 
-// Kinds of pricing, as SimplexPricing names them.
-enum PrimalPricing {
-    PRICE_PARTIAL = 0,
-    PRICE_STEEPEST = 1,
-    PRICE_DEVEX = 2,
-    PRICE_QUICK = 3
-};
-
 template<class R> struct popt {
     // Column prices
     int PricingCur = PRICE_DEVEX; // pricing in force

@@ -90,6 +90,7 @@ struct sopt {
     double NextLogIter = 0;  // threshold of the periodic line
     double IterBase = 0;     // iterations of earlier legs of this solve
     double NPvt = 0;         // iterations of this leg
+    double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
     double Work = 0;         // NPvt plus bound flips
     double WorkUnits = 0;    // deterministic effort besides the factor records
     int HeaderDone = 0;      // the column header of the log stands
