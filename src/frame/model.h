@@ -20,34 +20,37 @@ struct PresolveResult; // presolve
 // The matrix and all that belongs to it, in the form solvers read. Rows with sense '>' are held negated
 // (coefficients and rhs), so that every inequality is "at most"; a maximise objective is held negated.
 struct ModelBody {
-    int sense = 1;       // ModelSense: +1 minimise, -1 maximise
-    int numconstrs = 0;  // rows, m
-    int numvars = 0;     // columns, n
-    int numnz = 0;       // matrix entries
-    int numsos = 0;      // SOS constraints
-    int numintvars = 0;  // variables whose type is not 'C'
-    int numbinvars = 0;  // variables of type 'B'
-    int solve_tag = -1;  // -1 after any change; solvers tell by it whether their record still matches
+    int sense = 1;      // ModelSense: +1 minimise, -1 maximise
+    int numconstrs = 0; // rows, m
+    int numvars = 0;    // columns, n
+    int numnz = 0;      // matrix entries
+    int numsos = 0;     // SOS constraints
+    int numintvars = 0; // variables whose type is not 'C'
+    int numbinvars = 0; // variables of type 'B'
+    int solve_tag =
+        -1; // -1 after any change; solvers tell by it whether their record still matches
     int row_flipped = -1; // +1 if at least one row has sense '>', else -1
 
-    double objcon = 0;   // objective constant, negated for a maximise model
-    Array<double> obj;   // [numvars] objective for minimisation
-    Array<double> lb;    // [numvars] -1e30 when infinite
-    Array<double> ub;    // [numvars] 1e30 when infinite
-    Array<char> vtypes;  // [numvars] 'C' 'B' 'I' 'S' 'N', or empty: all 'C'
-    Array<char> bound_kind; // [numvars] 1 when lb is infinite, plus 2 when ub is (by TARV_PAR_INFBOUND)
+    double objcon = 0;  // objective constant, negated for a maximise model
+    Array<double> obj;  // [numvars] objective for minimisation
+    Array<double> lb;   // [numvars] -1e30 when infinite
+    Array<double> ub;   // [numvars] 1e30 when infinite
+    Array<char> vtypes; // [numvars] 'C' 'B' 'I' 'S' 'N', or empty: all 'C'
+    Array<char>
+        bound_kind; // [numvars] 1 when lb is infinite, plus 2 when ub is (by TARV_PAR_INFBOUND)
 
-    Array<int> vbeg;     // [numvars + 1] column starts; columns contiguous and in order
-    Array<int> vlen;     // [numvars] column lengths, vbeg[j + 1] - vbeg[j]
-    Array<int> vind;     // [numnz] row indices, in the caller's order inside a column
-    Array<double> vval;  // [numnz]
+    Array<int> vbeg;    // [numvars + 1] column starts; columns contiguous and in order
+    Array<int> vlen;    // [numvars] column lengths, vbeg[j + 1] - vbeg[j]
+    Array<int> vind;    // [numnz] row indices, in the caller's order inside a column
+    Array<double> vval; // [numnz]
 
-    Array<int> row_beg;  // [numconstrs + 1] row-wise copy, built on demand; empty when not there
-    Array<int> row_ind;  // [numnz] column indices
+    Array<int>
+        row_beg; // [numconstrs + 1] row-wise copy, built on demand; empty when not there
+    Array<int> row_ind;    // [numnz] column indices
     Array<double> row_val; // [numnz]
 
-    Array<double> rhs;   // [numconstrs] negated for '>' rows
-    Array<char> senses;  // [numconstrs] '<' '>' '=', or what the caller gave
+    Array<double> rhs;  // [numconstrs] negated for '>' rows
+    Array<char> senses; // [numconstrs] '<' '>' '=', or what the caller gave
 
     int sos_sorted = 0;  // members stand in weight order
     Array<int> sostype;  // [numsos] 1 or 2
@@ -55,25 +58,33 @@ struct ModelBody {
     Array<int> sosind;   // [members]
     Array<double> soswt; // [members]
 
-    const char *modelname = nullptr;      // in name_pool, or null
-    Array<const char *> constrnames;      // [numconstrs], or empty: all default; entries may be null
-    Array<const char *> varnames;         // [numvars], likewise
-    int next_constr_name = 0;             // next number for a default name
+    const char *modelname = nullptr; // in name_pool, or null
+    Array<const char *>
+        constrnames; // [numconstrs], or empty: all default; entries may be null
+    Array<const char *> varnames; // [numvars], likewise
+    int next_constr_name = 0;     // next number for a default name
     int next_var_name = 0;
-    TextPool *name_pool = nullptr;        // owns all name texts; made on first use
-    int64_t name_bytes = 0;               // handed out by name_pool, texts no longer in use included
-    int64_t name_limit = 0;               // name_bytes at which an update looks for dead texts
+    TextPool *name_pool = nullptr; // owns all name texts; made on first use
+    int64_t name_bytes = 0; // handed out by name_pool, texts no longer in use included
+    int64_t name_limit = 0; // name_bytes at which an update looks for dead texts
 };
 
-enum WarmStartKind { WARM_NONE = 0, WARM_UNCHECKED = 1, WARM_CHECKED = 2, WARM_CARRIED = 3 };
+enum WarmStartKind {
+    WARM_NONE = 0,
+    WARM_UNCHECKED = 1,
+    WARM_CHECKED = 2,
+    WARM_CARRIED = 3
+};
 static constexpr int STATUS_UNSET = -10; // entry of `statuses` that nobody has set
 
 struct WarmStart {
-    int count = 0;       // numvars the arrays were made for; negative: stale
+    int count = 0; // numvars the arrays were made for; negative: stale
     int kind = WARM_NONE;
-    int repair = 0;      // coefficients of basic columns changed: the factor may need mending
-    Array<int> statuses; // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
-    Array<double> norms; // [numvars + numconstrs] dual pricing norms given by a caller, or empty
+    int repair = 0; // coefficients of basic columns changed: the factor may need mending
+    Array<int>
+        statuses; // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
+    Array<double>
+        norms; // [numvars + numconstrs] dual pricing norms given by a caller, or empty
 };
 
 // One group of violations: the largest, where it is, and the sum.
@@ -91,15 +102,15 @@ struct Quality {
 };
 
 struct LpResult {
-    double runtime = 0;     // seconds
-    Array<double> x;        // [numvars] postsolved point, or empty
-    Array<double> pi;       // [numconstrs] postsolved duals, or empty
-    double objval = 0;      // in the caller's sense
-    double itercount = 0;   // simplex iterations
+    double runtime = 0;   // seconds
+    Array<double> x;      // [numvars] postsolved point, or empty
+    Array<double> pi;     // [numconstrs] postsolved duals, or empty
+    double objval = 0;    // in the caller's sense
+    double itercount = 0; // simplex iterations
     int bar_itercount = 0;
     int restarted = 0;
-    int from_dual = 0;      // came from the dual form
-    Quality quality;        // filled on first query
+    int from_dual = 0; // came from the dual form
+    Quality quality;   // filled on first query
 };
 
 struct MipResult {
@@ -122,18 +133,18 @@ static constexpr double START_UNSET = 1e101; // entry of `mip_start` that nobody
 
 struct TVXmodel {
     uint32_t magic = 0;
-    int busy = 0;            // TVXoptimize is running
-    int in_callback = 0;     // a user callback runs on this model
-    int signal_set = 0;      // TVXsetsignal was called for this solve
-    int status = 0;          // the Status attribute of an LP
-    double node_count = 0;   // simplex work of a finished LP, as NodeCount reports it
-    double start_time = 0;   // WallClock of the last optimize
-    double run_time = 0;     // its length
+    int busy = 0;              // TVXoptimize is running
+    int in_callback = 0;       // a user callback runs on this model
+    int signal_set = 0;        // TVXsetsignal was called for this solve
+    int status = 0;            // the Status attribute of an LP
+    double node_count = 0;     // simplex work of a finished LP, as NodeCount reports it
+    double start_time = 0;     // WallClock of the last optimize
+    double run_time = 0;       // its length
     int64_t size_estimate = 0; // 13 per variable + 7 per constraint + 23 per nonzero
-    sopt *simplex = nullptr; // live simplex record
+    sopt *simplex = nullptr;   // live simplex record
     ModelBody *body = nullptr;
     TVXenv *env = nullptr;
-    int env_owned = 0;       // env is this model's own copy
+    int env_owned = 0; // env is this model's own copy
     LpResult *lp_result = nullptr;
     MipResult *mip_result = nullptr;
     PresolveResult *presolve = nullptr; // way back from `presolved`
@@ -141,7 +152,8 @@ struct TVXmodel {
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;
-    Array<double> mip_start; // [numvars] Start attribute, START_UNSET where undefined; empty when none
+    Array<double>
+        mip_start; // [numvars] Start attribute, START_UNSET where undefined; empty when none
 };
 
 // ---- model_create.cpp ----
@@ -149,12 +161,13 @@ struct TVXmodel {
 struct ModelData {
     const char *name = nullptr;
     int numvars = 0, numconstrs = 0;
-    int sense = 1;                 // +1 or -1; other values count by sign
+    int sense = 1; // +1 or -1; other values count by sign
     double objcon = 0;
     const double *obj = nullptr;
     const char *senses = nullptr;
     const double *rhs = nullptr;
-    const int *vbeg = nullptr, *vlen = nullptr, *vind = nullptr; // vlen null: contiguous, vbeg has numvars + 1 entries
+    const int *vbeg = nullptr, *vlen = nullptr,
+              *vind = nullptr; // vlen null: contiguous, vbeg has numvars + 1 entries
     const double *vval = nullptr;
     const double *lb = nullptr, *ub = nullptr;
     const char *vtype = nullptr;
@@ -162,19 +175,22 @@ struct ModelData {
 };
 enum class EnvUse { PRIVATE_COPY, SHARED };
 // The worker behind every new model. 0 or a code; *model_out is null on failure.
-[[nodiscard]] int model_create(TVXenv *env, EnvUse use, const ModelData *data, TVXmodel **model_out);
-void model_free(TVXmodel *model);         // any state, half-built too; null is ignored
-void model_free_results(TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
+[[nodiscard]] int model_create(TVXenv *env, EnvUse use, const ModelData *data,
+                               TVXmodel **model_out);
+void model_free(TVXmodel *model); // any state, half-built too; null is ignored
+void model_free_results(
+    TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
 void presolve_free(PresolveResult *presolve); // of the presolve subsystem; null is ignored
-int model_check(TVXmodel *model);         // as TVXcheckmodel but keeps the error state
-bool model_is_mip(const TVXmodel *model); // integers, semi-continuous variables or SOS
+int model_check(TVXmodel *model);             // as TVXcheckmodel but keeps the error state
+bool model_is_mip(const TVXmodel *model);     // integers, semi-continuous variables or SOS
 
 // ---- model_update.cpp ----
 // Makes pending changes real: TVXupdatemodel without its checks and closing report. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int model_update(TVXmodel *model);
 
 // ---- model_rows.cpp, model_names.cpp ----
-[[nodiscard]] int body_build_rows(ModelBody *body); // row-wise copy if not there; 0 or OUT_OF_MEMORY
+[[nodiscard]] int
+body_build_rows(ModelBody *body); // row-wise copy if not there; 0 or OUT_OF_MEMORY
 // Names as a caller sees them; a default name is written into buffer.
 static constexpr int DEFAULT_NAME_LENGTH = 16;
 const char *var_name(const ModelBody *body, int j, char *buffer);

@@ -175,7 +175,8 @@ int parameter_set_dbl(TVXenv *env, const ParameterRow *row, double value)
 static int set_by_text(TVXenv *env, const char *value)
 {
     ParameterLine line;
-    if (!parameter_line_scan(value, &line) || !line.numeric) return TVX_ERROR_UNKNOWN_PARAMETER;
+    if (!parameter_line_scan(value, &line) || !line.numeric)
+        return TVX_ERROR_UNKNOWN_PARAMETER;
     int error = 0;
     const ParameterRow *row = find_row(env, line.name, TYPE_ANY, &error);
     if (!row) return error;
