@@ -36,6 +36,7 @@ struct AttributeRow {
 };
 
 static constexpr int ATTRIBUTE_COUNT = 96;
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): its definition is constexpr
 extern const AttributeRow attribute_rows[ATTRIBUTE_COUNT];
 
 // The row of a name, found by its key (name_index.h), or null.
