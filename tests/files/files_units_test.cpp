@@ -40,31 +40,6 @@ TEST(NameTableTest, AgreesWithAMap)
                   number);
 }
 
-// Names that differ only where a slot does not look, or in length only.
-TEST(NameTableTest, TellsSimilarNamesApart)
-{
-    std::vector<std::string> texts;
-    for (const size_t length : {1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 24, 25, 255, 256, 300})
-        for (size_t k = 0; k < length; k += 1 + length / 20) {
-            texts.push_back(std::string(length, 'x'));
-            texts.back()[k] = 'y';
-        }
-    for (const size_t length : {254, 255, 256, 1000})
-        texts.push_back(std::string(length, 'z'));
-    NameTable table;
-    for (const std::string &text : texts) {
-        ASSERT_EQ(name_table_find(&table, text.data(), static_cast<int64_t>(text.size())),
-                  NAME_ABSENT)
-            << text;
-        ASSERT_EQ(name_table_append(&table, text.data(), static_cast<int64_t>(text.size())),
-                  0);
-    }
-    for (size_t k = 0; k < texts.size(); k++)
-        ASSERT_EQ(
-            name_table_find(&table, texts[k].data(), static_cast<int64_t>(texts[k].size())),
-            static_cast<int>(k));
-}
-
 // ---- Numbers ----
 
 static NumberKind kind_of(const std::string &text, double *value)
