@@ -23,7 +23,10 @@ bool starts_from_slacks(const sopt *s)
 constexpr double TIGHT_MARKOWITZ = 0.5;
 constexpr double COST_SHARE =
     0.1; // largest true cost in phase 1, against 1 per infeasibility
-constexpr double NORM_TRIAL = 200;  // iterations before exact weights are judged
+constexpr double NORM_TRIAL = 200; // iterations before exact weights are judged
+constexpr double MANY_COLUMNS = 3; // against rows: partial pricing comes first
+constexpr double PATIENCE = 4;     // with it; tuned on published LPs
+constexpr int FEW_ROWS_UPDATES = 100;
 constexpr double NORM_SHARE = 0.55; // of the effort that they may take
 constexpr int MAX_REJECTED = 50;    // columns set aside before the run gives up
 constexpr double TIGHTEST_TOL =
@@ -52,25 +55,67 @@ template<class R> double total_work(const sopt *s, const swork<R> *w)
     return s->WorkUnits + w->Lu.WorkUnits;
 }
 
+// Changes pricing in mid-run; weights start again from the basis at hand.
+template<class R> void change_pricing(sopt *s, swork<R> *w, int pricing)
+{
+    popt<R> *p = w->Primal;
+    p->PricingCur = pricing;
+    p->NewWeights = 1;
+    p->NormWork = 0;
+    p->PricingSince = s->NPvt;
+    p->WorkStart = total_work(s, w);
+}
+
+// Partial pricing serves while iterations are few and the factors thin against the columns: d grows with iterations,
+// spikes and degeneracy, f with the factors, and row_work is what other pricing would pay for the pivot row.
+template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
+{
+    const popt<R> *p = w->Primal;
+    const double m = s->NumRows, n = s->NumCols;
+    if (s->NPvt > m) return true;
+    const double pivots = std::max(1.0, s->NPvt - p->StallIter);
+    const double degenerate = std::min(1.0, (s->DegenCount - p->StallStart) / pivots);
+    const double d = s->NPvt / (n + m) + 0.3 + 1.2 * p->AvgSpike / m +
+                     0.6 * ((s->Perturbed >= 3) + degenerate);
+    const double f = std::max(1.0, static_cast<double>(w->Lu.UNonzeros) +
+                                       3.0 * static_cast<double>(w->Lu.LNonzeros) - 2 * m);
+    const double row_work = p->AvgRow / (p->AvgSpike + 1);
+    return row_work + 1 + 9 * n / f < PATIENCE * d;
+}
+
 // Exact weights save iterations, but where the solves for them dominate, Devex does better.
 template<class R> void review_pricing(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     const bool steepest = p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
-    if (steepest && !p->PricingFixed && s->NPvt > NORM_TRIAL &&
+    if (steepest && !p->PricingFixed && s->NPvt - p->PricingSince > NORM_TRIAL &&
         p->NormWork > NORM_SHARE * (total_work(s, w) - p->WorkStart)) {
-        p->PricingCur = PRICE_DEVEX;
-        p->NewWeights = 1;
+        change_pricing(s, w, PRICE_DEVEX);
+    } else if (p->PricingCur == PRICE_PARTIAL && !p->PricingFixed && s->NPvt > 0 &&
+               partial_has_served(s, w)) {
+        change_pricing(s, w, PRICE_QUICK);
     }
     if (!p->NewWeights) return;
     primal_start_weights(s, w);
     p->NewWeights = 0;
 }
 
+// Averages of the cycle that a factorisation ends.
+template<class R> void end_cycle(const sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    if (w->Lu.NumUpdates > 0 && has_factor(s, w))
+        p->AvgSpike = static_cast<double>(w->Lu.SpikeNnz) / w->Lu.NumUpdates;
+    if (p->RhoCount > 0)
+        p->AvgRow = p->RhoEntries / p->RhoCount * s->ColBeg.data[s->NumCols] / s->NumRows;
+    p->RhoCount = p->RhoEntries = 0;
+}
+
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     const int repairs = s->SingularCount;
+    end_cycle(s, w);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
     if (s->SingularCount > repairs) row_copy_partition(s);
@@ -91,7 +136,10 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
     review_pricing(s, w);
-    primal_list_reset(s, w);
+    if (p->PricingCur == PRICE_PARTIAL)
+        primal_partial_refresh(s, w);
+    else
+        primal_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     return 0;
 }
@@ -219,6 +267,8 @@ template<class R> bool check_price(sopt *s, swork<R> *w)
     if (w->Lu.NumUpdates > 0 &&
         std::abs(stored - exact) > R(PRICE_TRUST) * (1 + std::abs(stored)))
         s->RefacReason = REFAC_CLEAN;
+    // Partial pricing would find the same value again: not before the next factorisation.
+    if (w->Primal->PricingCur == PRICE_PARTIAL) w->Primal->ColRejected.data[q] = 1;
     primal_set_merit(s, w, q);
     return false;
 }
@@ -227,7 +277,8 @@ template<class R> bool choose_column(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     while (s->RefacReason == REFAC_NONE) {
-        p->PivotCol = price_list_best(&p->Columns);
+        p->PivotCol = p->PricingCur == PRICE_PARTIAL ? primal_partial_choose(s, w)
+                                                     : price_list_best(&p->Columns);
         if (p->PivotCol < 0) return false;
         load_column(s, w, p->PivotCol, &w->Alpha);
         Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
@@ -250,7 +301,10 @@ template<class R> void apply_flip(sopt *s, swork<R> *w)
     if (is_superbasic(s, q)) s->Superbasics--;
     s->VStat.data[q] = !towards_bound ? AT_FREE : p->Direction > 0 ? AT_UPPER : AT_LOWER;
     s->SuperVal.data[q] = 0;
-    primal_apply_cost_change(s, w);
+    if (p->PricingCur == PRICE_PARTIAL)
+        primal_partial_costs(s, w);
+    else
+        primal_apply_cost_change(s, w);
     primal_set_merit(s, w, q);
     s->NPvt++;
     s->Work++;
@@ -268,6 +322,14 @@ template<class R> void update_reduced_costs(sopt *s, swork<R> *w, R theta, int l
     w->Cbar.data[q] = R(0);
 }
 
+// With few rows and many columns the passes over the matrix at a factorisation outweigh all etas.
+template<class R> bool updates_are_cheap(const sopt *s, const swork<R> *w)
+{
+    const double u = w->Lu.NumUpdates;
+    return u < std::min(FEW_ROWS_UPDATES, w->Lu.MaxMoves) &&
+           u * u * s->NumRows < 2.0 * s->ColBeg.data[s->NumCols];
+}
+
 template<class R> void apply_pivot(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -277,14 +339,19 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
     const R entering_value = R(nonbasic_value(s, q)) + R(p->Direction) * p->Step;
     w->Cbar.data[leaving] = R(0);
     primal_move_basics(s, w);
-    primal_apply_cost_change(s, w);
-
-    svec_unit(&w->Rho, r, R(1));
-    Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
-    compute_row(s, w);
-    primal_update_weights(s, w, pivot);
-    update_reduced_costs(s, w, w->Cbar.data[q] / pivot, leaving);
-
+    if (p->PricingCur == PRICE_PARTIAL) {
+        primal_partial_costs(s, w);
+        svec_unit(&w->Rho, r, R(1));
+        Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
+        primal_partial_pivot(s, w, pivot);
+    } else {
+        primal_apply_cost_change(s, w);
+        svec_unit(&w->Rho, r, R(1));
+        Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
+        compute_row(s, w);
+        primal_update_weights(s, w, pivot);
+        update_reduced_costs(s, w, w->Cbar.data[q] / pivot, leaving);
+    }
     const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
     if (is_superbasic(s, q)) s->Superbasics--;
     swap_basis(s, w, r, q, fixed ? AT_FIXED : p->ToUpper ? AT_UPPER : AT_LOWER);
@@ -295,7 +362,8 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
     s->NPvt++;
     s->Work++;
     s->RefacReason = UpdateFactor(&w->Lu, r, pivot);
-    if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
+    if (s->RefacReason == REFAC_NONE && wants_refactor(s, w) && !updates_are_cheap(s, w))
+        s->RefacReason = REFAC_FILL;
 }
 
 template<class R> void iterate(sopt *s, swork<R> *w)
@@ -326,22 +394,23 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     apply_pivot(s, w);
 }
 
-// Exact weights from a basis of slacks cost nothing; another start makes do with the framework at hand, and a short
-// clean-up after the dual with Devex.
+// Many columns begin with partial pricing. Exact weights from a basis of slacks cost nothing; another start makes do
+// with the framework at hand, and a short clean-up after the dual with Devex.
+int automatic_pricing(const sopt *s)
+{
+    if (s->SwitchCount > 0) return PRICE_DEVEX;
+    if (s->NumCols >= MANY_COLUMNS * s->NumRows) return PRICE_PARTIAL;
+    return starts_from_slacks(s) ? PRICE_STEEPEST : PRICE_QUICK;
+}
+
 template<class R> void choose_pricing(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    const int wish = s->Env->SimplexPricing;
-    p->PricingFixed = wish > 0;
-    if (p->PricingFixed)
-        p->PricingCur = wish;
-    else if (s->SwitchCount > 0)
-        p->PricingCur = PRICE_DEVEX;
-    else
-        p->PricingCur = starts_from_slacks(s) ? PRICE_STEEPEST : PRICE_QUICK;
-    p->NewWeights = 1;
-    p->NormWork = 0;
-    p->WorkStart = total_work(s, w);
+    const int wish = s->Env->SimplexPricing, kind = s->Env->TARV_PAR_PRIMALPARTIAL;
+    p->PricingFixed = wish >= 0;
+    p->PricingKind = kind > 0 ? kind : PARTIAL_MULTIPLE;
+    p->AvgSpike = p->AvgRow = p->RhoEntries = p->RhoCount = 0;
+    change_pricing(s, w, p->PricingFixed ? wish : automatic_pricing(s));
 }
 
 // A share of the true costs leads phase 1 towards good feasible points.
@@ -409,7 +478,10 @@ template<class R> int popt_create(const sopt *s, popt<R> **out)
     TRY(array_resize(&p->RowState, s->NumRows));
     TRY(array_assign(&p->PhaseCost, s->NumVars, 0.0));
     TRY(svec_alloc(&p->CostChange, s->NumRows));
-    TRY(svec_alloc(&p->Change, s->NumRows));
+    TRY(array_assign(&p->Pi, s->NumRows, R(0)));
+    TRY(array_resize(&p->AuxList, s->NumVars));
+    TRY(array_resize(&p->ClassNext, s->NumVars));
+    TRY(array_assign(&p->InClass, s->NumVars, char(0)));
     TRY(array_resize(&p->BreakStep, 2 * int64_t{s->NumRows}));
     TRY(array_resize(&p->BreakRow, 2 * int64_t{s->NumRows}));
     return array_assign(&p->ColRejected, s->NumVars, char(0));

@@ -6,11 +6,20 @@
 // Where a basic variable stands against its working bounds.
 enum RowState : signed char { ROW_BELOW = -1, ROW_FEASIBLE = 0, ROW_ABOVE = 1 };
 
+// Kinds of partial pricing, as TARV_PAR_PRIMALPARTIAL names them; 0 leaves the choice.
+enum PartialKind { PARTIAL_ROTATING = 1, PARTIAL_MULTIPLE = 2, PARTIAL_BUCKET = 3 };
+static constexpr int PRICE_CLASSES = 50; // of bucket pricing
+
 template<class R> struct popt {
     // Column prices
     int PricingCur = PRICE_DEVEX; // pricing in force
     int PricingFixed = 0;         // the caller chose it
-    int NewWeights = 0;    // weights are to be made for the basis of the next refresh
+    int NewWeights = 0;      // weights are to be made for the basis of the next refresh
+    double PricingSince = 0; // iteration of the last change of pricing
+    double AvgSpike = 0;     // length, in the last cycle between factorisations
+    double AvgRow = 0;     // entries of the matrix that a pivot row would have touched then
+    double RhoEntries = 0; // of rows of the inverse, and their number, in this cycle
+    double RhoCount = 0;
     double NormWork = 0;   // effort spent on exact weights alone
     double WorkStart = 0;  // effort of the whole solve when that count began
     Array<R> Weights;      // [NumVars] weights of the nonbasics: squared lengths of edges
@@ -18,13 +27,25 @@ template<class R> struct popt {
     PriceList<R> Columns;  // [NumVars] nonbasics by reduced cost^2 / weight
     int BadWeights = 0;    // weights found far off since the framework was set
 
+    // Partial pricing
+    int PricingKind = PARTIAL_MULTIPLE;
+    Array<R> Pi;        // [m] duals of the phase
+    int PriceStart = 0; // where the next window begins
+    Array<int> AuxList; // [NumVars] multiple: candidates, first AuxCount
+    int AuxCount = 0;
+    R ListMerit = 0;      // best merit when the list was made
+    Array<int> ClassNext; // [NumVars] bucket: chains of the classes
+    Array<char> InClass;  // [NumVars]
+    int ClassHead[PRICE_CLASSES] = {}, ClassTail[PRICE_CLASSES] = {};
+    int ClassAge = 0;     // choices
+    double PriceWork = 0; // entries of priced columns
+
     // Phase 1 minimises the sum of infeasibilities (cost -1 below, +1 above) plus a share of the true costs
     int Phase1 = 0;
     double CostWeight = 0;       // that share; 0 once it stands in the way of feasibility
     Array<signed char> RowState; // [m] by position
     Array<double> PhaseCost;     // [NumVars] zero between uses
     SVec<R> CostChange;          // [m] change of phase-1 costs in this step
-    SVec<R> Change;              // [m] and its BTRAN
 
     // Ratio test: breakpoints
     Array<R> BreakStep;  // [2 m]
@@ -67,6 +88,12 @@ template<class R> void primal_list_reset(sopt *s, swork<R> *w);
 template<class R> void primal_set_merit(sopt *s, swork<R> *w, int j);
 template<class R>
 void primal_update_weights(sopt *s, swork<R> *w, R pivot); // from Alpha and the packed row
+
+// primal_partial.cpp
+template<class R> void primal_partial_refresh(sopt *s, swork<R> *w); // from Cbar
+template<class R> int primal_partial_choose(sopt *s, swork<R> *w);   // variable or -1
+template<class R> void primal_partial_costs(sopt *s, swork<R> *w);   // Pi after CostChange
+template<class R> void primal_partial_pivot(sopt *s, swork<R> *w, R pivot);
 
 // primal_ratio.cpp
 template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w); // PivotRow, ToUpper, Step

@@ -91,6 +91,18 @@ template<class R> void update_steepest(sopt *s, swork<R> *w, R pivot, R gamma)
     p->NormWork += w->Lu.WorkUnits - before + static_cast<double>(entries);
 }
 
+// 1 + ||a_j||^2, for partial pricing.
+template<class R> void column_norms(const sopt *s, popt<R> *p)
+{
+    for (int j = 0; j < s->NumVars; j++) {
+        R *weight = &p->Weights.data[j];
+        *weight = R(j < s->NumCols ? 1 : 2);
+        if (j >= s->NumCols) continue;
+        for (int k = s->ColBeg.data[j]; k < s->ColBeg.data[j + 1]; k++)
+            *weight += R(s->ColVal.data[k]) * R(s->ColVal.data[k]);
+    }
+}
+
 // 1 + ||B^-1 a_j||^2 for each nonbasic. Units of the basis need no solve.
 template<class R> void start_norms(sopt *s, swork<R> *w)
 {
@@ -142,6 +154,10 @@ template<class R> void primal_start_weights(sopt *s, swork<R> *w)
     p->BadWeights = 0;
     if (p->PricingCur == PRICE_STEEPEST) {
         start_norms(s, w);
+        return;
+    }
+    if (p->PricingCur == PRICE_PARTIAL) {
+        column_norms(s, p);
         return;
     }
     for (int j = 0; j < s->NumVars; j++) {

@@ -43,18 +43,13 @@ template<class R> void primal_move_basics(sopt *s, swork<R> *w)
     }
 }
 
-// d -= (A I)^T B^-T (cost change), in the basis before the exchange.
+// d -= (A I)^T B^-T (cost change), in the basis before the exchange; basics, the leaving one too, stay at zero.
 template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     if (p->CostChange.Count == 0) return;
     const int q = p->PivotCol;
     svec_copy(&w->Rho, &p->CostChange);
-    for (int k = 0; k < p->CostChange.Count; k++) {
-        const int i = p->CostChange.Index.data[k];
-        if (i == p->PivotRow)
-            w->Cbar.data[s->BasisHead.data[i]] += p->CostChange.Value.data[i];
-    }
     Btran(&w->Lu, &w->Rho, SOLVE_COSTS, Keep::NO);
     compute_row(s, w);
     for (int k = 0; k < w->RowCount; k++) {

@@ -7,6 +7,7 @@
 namespace
 {
 constexpr int UPDATES_LEAST = 20;           // updates allowed whatever the size
+constexpr int UPDATES_ROOM = 100;           // few rows: a method may go on longer
 constexpr double UPDATES_POWER = 0.7;       // limit m^0.7
 constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates no fill test is made
 constexpr uint64_t RANDOM_SEED = 101;
@@ -160,7 +161,7 @@ template<class R> int swork_create(sopt *s, swork<R> **out)
     swork<R> *w = *out = static_cast<swork<R> *>(block);
     *w = swork<R>{};
     const int m = s->NumRows;
-    TRY(lu_alloc(&w->Lu, m, s->MaxUpdates, s->ZeroTol));
+    TRY(lu_alloc(&w->Lu, m, std::max(s->MaxUpdates, UPDATES_ROOM), s->ZeroTol));
     TRY(array_assign(&w->Cbar, s->NumVars, R(0)));
     TRY(array_assign(&w->Bbar, m, R(0)));
     for (SVec<R> *v : {&w->Rho, &w->Alpha, &w->Tau, &w->Work}) TRY(svec_alloc(v, m));
