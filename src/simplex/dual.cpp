@@ -276,6 +276,13 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     if (compute_step(s, w)) apply_step(s, w);
 }
 
+bool has_free_nonbasics(const sopt *s)
+{
+    for (int j = 0; j < s->NumCols; j++)
+        if (!is_basic(s, j) && !has_lower(s, s->Lower.data[j])) return true;
+    return false;
+}
+
 // Prepares costs, bounds and phase for the basis at hand.
 template<class R> int setup(sopt *s, swork<R> *w)
 {
@@ -287,6 +294,13 @@ template<class R> int setup(sopt *s, swork<R> *w)
     dual_remove_perturbation(s, w);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
+    if (has_free_nonbasics(s)) {
+        compute_dual(s, w);
+        TRY(dual_enter_free(s, w));
+        if (s->Status != SIMPLEX_RUNNING) return 0;
+        if (w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
+        if (s->Status != SIMPLEX_RUNNING) return 0;
+    }
     dual_weights_start(s, w);
     if (s->PerturbAllowed) dual_perturb_start<R>(s);
     compute_dual(s, w);

@@ -56,6 +56,9 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
+// dual_free.cpp
+template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar
+
 // dual_row.cpp
 template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);

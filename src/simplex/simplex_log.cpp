@@ -12,6 +12,19 @@ double elapsed(const sopt *s)
 {
     return WallClock() - s->StartTime;
 }
+
+void write_header(sopt *s)
+{
+    if (s->HeaderDone) return;
+    TVXmsg(s->Env, "Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
+    s->HeaderDone = 1;
+}
+
+void line_written(sopt *s, double time)
+{
+    s->LastLogIter = iterations(s);
+    s->TickIndex = std::floor(time / s->TickLength);
+}
 } // namespace
 
 // Every `interval` pivots and flips; true at most once per interval.
@@ -29,14 +42,20 @@ void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf
 {
     const double time = elapsed(s), count = iterations(s);
     if (count == s->LastLogIter) return; // counts are whole numbers
-    if (!s->HeaderDone) {
-        TVXmsg(s->Env, "Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
-        s->HeaderDone = 1;
-    }
+    write_header(s);
     TVXmsg(s->Env, " %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", count,
            s->Sense * (objective + s->ObjOffset), primal_inf, dual_inf, time);
-    s->LastLogIter = count;
-    s->TickIndex = std::floor(time / s->TickLength);
+    line_written(s, time);
+}
+
+void log_free(sopt *s)
+{
+    if (!log_is_due(s)) return;
+    const double time = elapsed(s);
+    write_header(s);
+    TVXmsg(s->Env, " %7.0f      handle free variables                     %6.0fs\n",
+           iterations(s), time);
+    line_written(s, time);
 }
 
 void log_final(sopt *s)
