@@ -1,4 +1,4 @@
-// basis.cpp -- factor the basis, mend it, and solve for the values that belong to it
+// basis.cpp -- factor the basis, mend it, exchange its members, and rows of its tableau
 //
 // Literature  R. H. Bartels, J. Stoer, C. Zenger in Wilkinson and Reinsch, Linear Algebra, 1971, for the repair of a
 //             singular basis by unit columns.
@@ -62,64 +62,6 @@ void set_basic_bounds(sopt *s)
         s->BasicLower.data[k] = s->WorkLower.data[s->BasisHead.data[k]];
         s->BasicUpper.data[k] = s->WorkUpper.data[s->BasisHead.data[k]];
     }
-}
-
-// Bbar = B^-1 (Rhs - N x_N)
-template<class R> void compute_primal(sopt *s, swork<R> *w)
-{
-    SVec<R> *x = &w->Work;
-    svec_clear(x);
-    R *value = x->Value.data;
-    for (int i = 0; i < s->NumRows; i++) value[i] = s->BoxPhase ? R(0) : R(s->Rhs.data[i]);
-    for (int j = 0; j < s->NumVars; j++) {
-        if (is_basic(s, j)) continue;
-        const double xj = nonbasic_value(s, j);
-        if (xj == 0) continue; // most of them
-        if (j >= s->NumCols) {
-            value[j - s->NumCols] -= R(xj);
-            continue;
-        }
-        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            value[s->ColInd.data[p]] -= R(s->ColVal.data[p]) * R(xj);
-    }
-    x->Count = -1;
-    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
-    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = value[i];
-    svec_clear(x);
-    set_basic_bounds(s);
-    s->WorkUnits += s->ColBeg.data[s->NumCols];
-}
-
-// cbar = cost - (A I)^T B^-T cost_B; zero for basics.
-template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar)
-{
-    SVec<R> *y = &w->Work;
-    svec_clear(y);
-    for (int k = 0; k < s->NumRows; k++) y->Value.data[k] = R(cost[s->BasisHead.data[k]]);
-    y->Count = -1;
-    Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
-    const R *__restrict pi = y->Value.data;
-    for (int j = 0; j < s->NumCols; j++) {
-        if (is_basic(s, j)) {
-            cbar[j] = R(0);
-            continue;
-        }
-        R d = R(cost[j]);
-        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            d -= R(s->ColVal.data[p]) * pi[s->ColInd.data[p]];
-        cbar[j] = d;
-    }
-    for (int i = 0; i < s->NumRows; i++) {
-        const int j = s->NumCols + i;
-        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - pi[i];
-    }
-    svec_clear(y);
-    s->WorkUnits += s->ColBeg.data[s->NumCols];
-}
-
-template<class R> void compute_dual(sopt *s, swork<R> *w)
-{
-    compute_dual_for(s, w, s->WorkCost.data, w->Cbar.data);
 }
 
 template<class R> void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x)
@@ -292,9 +234,6 @@ template<class R> double true_objective(const sopt *s, const swork<R> *w)
 
 #define INSTANTIATE(R)                                                                     \
     template int Refactor<R>(sopt *, swork<R> *);                                          \
-    template void compute_primal<R>(sopt *, swork<R> *);                                   \
-    template void compute_dual<R>(sopt *, swork<R> *);                                     \
-    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);            \
     template void compute_row<R>(sopt *, swork<R> *);                                      \
     template void load_column<R>(sopt *, swork<R> *, int, SVec<R> *);                      \
     template void swap_basis<R>(sopt *, swork<R> *, int, int, int);                        \

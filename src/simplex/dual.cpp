@@ -85,6 +85,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     dual_perturb_stalled(s, w);
     row_copy_partition(s);
     compute_primal(s, w);
+    judge_residuals(s, w);
     for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
     d->Rejected = 0;
     dual_list_reset(s, w);

@@ -156,7 +156,11 @@ struct sopt {
         0; // an infeasibility could not be proved: smaller reduced costs count as well
     double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
            BigTol = 3e-6, ZeroTol = 1e-13;
-    int FeasTolCount = 0, OptTolCount = 0; // strikes against the tolerances
+    double RhsSize = 0; // largest entry of the right-hand side after the nonbasics
+    double PrimalError = 0,
+           PrimalResidual = 0; // of the last values: as solved, after refinement
+    double DualResidual = 0;   // of the last reduced costs, after refinement
+    int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
     double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
     Random Rng;
@@ -251,10 +255,6 @@ void start_from_point(sopt *s, const double *x, const double *slack);
 // ---- basis.cpp: factor, solve for values ----
 // Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.
 template<class R> [[nodiscard]] int Refactor(sopt *s, swork<R> *w);
-template<class R>
-void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
-template<class R> void compute_dual(sopt *s, swork<R> *w); // Cbar from WorkCost
-template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
 template<class R> void compute_row(sopt *s, swork<R> *w); // packed pivot row from Rho
 template<class R>
 void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x); // x := column j
@@ -262,6 +262,14 @@ void set_basic_bounds(sopt *s);                            // BasicLower, BasicU
 // Exchanges basic position r with nonbasic q; the leaving variable takes `status`.
 template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status);
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w);
+
+// ---- values.cpp ----
+template<class R>
+void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
+template<class R> void compute_dual(sopt *s, swork<R> *w); // Cbar from WorkCost
+template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
+// Draws conclusions from the residuals of the last two; may set Status.
+template<class R> void judge_residuals(sopt *s, const swork<R> *w);
 
 // ---- farkas.cpp ----
 // Do the multipliers in Rho prove that no point within the true bounds satisfies the equations? They are refined on

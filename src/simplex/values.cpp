@@ -1,0 +1,174 @@
+// values.cpp -- basic values and reduced costs from the factors, with a look at how accurate they are
+//
+// Problem     Bbar = B^-1 (Rhs - N x_N),  Cbar = cost - (A I)^T B^-T cost_B.
+// Method      Solve, then put the result into the equations. A residual that matters is solved for once more (iterative
+//             refinement). What remains tells how far the factors can be trusted: pivots are chosen more strictly, and
+//             residuals beyond the tolerances, again and again, ask for extended precision.
+// Cost        One pass over the matrix each, besides the solves.
+// Literature  J. H. Wilkinson, Rounding Errors in Algebraic Processes, 1963, for the refinement.
+#include "simplex/sopt.h"
+#include <algorithm>
+
+namespace
+{
+constexpr double REFINE_SHARE =
+    1e-3; // residual over the tolerance from which refinement pays
+constexpr int PRIMAL_STRIKES = 2, DUAL_STRIKES = 5; // bad residuals that pass
+constexpr double STRIKE_SHARE =
+    100; // a residual this many times smaller than the violations does no harm
+constexpr double RHS_LEAST = 1e-9;
+
+// Growth of the solution over the right-hand side, or relative residual, that asks for a pivot threshold.
+struct Trust {
+    double Growth, Residual, Threshold;
+};
+constexpr Trust TRUST[] = {{1e10, 1e-8, 0.5},
+                           {1e9, 4e-9, 0.25},
+                           {1e8, 1e-9, 0.125},
+                           {1e7, 4e-10, 0.0625},
+                           {1e6, 1e-10, 0.03125}};
+
+template<class R> void subtract_column(const sopt *s, R *value, int j, R x)
+{
+    if (x == R(0)) return; // most of them
+    if (j >= s->NumCols) {
+        value[j - s->NumCols] -= x;
+        return;
+    }
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        value[s->ColInd.data[p]] -= R(s->ColVal.data[p]) * x;
+}
+
+// x := Rhs - N x_N, without a list.
+template<class R> void load_rhs(const sopt *s, SVec<R> *x)
+{
+    svec_clear(x);
+    R *value = x->Value.data;
+    for (int i = 0; i < s->NumRows; i++) value[i] = s->BoxPhase ? R(0) : R(s->Rhs.data[i]);
+    for (int j = 0; j < s->NumVars; j++)
+        if (!is_basic(s, j)) subtract_column(s, value, j, R(nonbasic_value(s, j)));
+    x->Count = -1;
+}
+
+template<class R> double largest(const R *value, int n)
+{
+    R most = 0;
+    for (int i = 0; i < n; i++) most = std::max(most, std::abs(value[i]));
+    return static_cast<double>(most);
+}
+
+// x := Rhs - N x_N - B Bbar; its largest entry.
+template<class R> double primal_residual(const sopt *s, const swork<R> *w, SVec<R> *x)
+{
+    load_rhs(s, x);
+    for (int k = 0; k < s->NumRows; k++)
+        subtract_column(s, x->Value.data, s->BasisHead.data[k], w->Bbar.data[k]);
+    return largest(x->Value.data, s->NumRows);
+}
+
+template<class R> R dot_column(const sopt *s, int j, const R *y)
+{
+    if (j >= s->NumCols) return y[j - s->NumCols];
+    R sum = 0;
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        sum += R(s->ColVal.data[p]) * y[s->ColInd.data[p]];
+    return sum;
+}
+
+// x := cost_B - B^T y by position; its largest entry.
+template<class R>
+double dual_residual(const sopt *s, const double *cost, const R *y, SVec<R> *x)
+{
+    svec_clear(x);
+    for (int k = 0; k < s->NumRows; k++) {
+        const int j = s->BasisHead.data[k];
+        x->Value.data[k] = R(cost[j]) - dot_column(s, j, y);
+    }
+    x->Count = -1;
+    return largest(x->Value.data, s->NumRows);
+}
+
+void tighten_pivots(sopt *s, double growth, double residual)
+{
+    for (const Trust &t : TRUST) {
+        if (growth <= t.Growth && residual <= t.Residual) continue;
+        if (t.Threshold <= s->MarkowitzTol) return;
+        s->MarkowitzTol = t.Threshold;
+        TVXmsg(s->Env, "Warning: Markowitz tolerance tightened to %g\n", t.Threshold);
+        return;
+    }
+}
+
+void strike(sopt *s, int *count, int limit)
+{
+    s->NumericCount++;
+    if (++*count <= limit || s->Quad || s->Env->Quad != -1) return;
+    s->Status = SIMPLEX_NEED_QUAD;
+}
+} // namespace
+
+template<class R> void compute_primal(sopt *s, swork<R> *w)
+{
+    SVec<R> *x = &w->Work;
+    load_rhs(s, x);
+    s->RhsSize = largest(x->Value.data, s->NumRows);
+    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
+    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = x->Value.data[i];
+    s->PrimalError = s->PrimalResidual = primal_residual(s, w, x);
+    if (s->PrimalError > REFINE_SHARE * s->FeasTol) {
+        Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
+        for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] += x->Value.data[i];
+        s->PrimalResidual = primal_residual(s, w, x);
+    }
+    svec_clear(x);
+    set_basic_bounds(s);
+    s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
+}
+
+template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar)
+{
+    SVec<R> *y = &w->Work, *x = &w->Tau;
+    svec_clear(y);
+    for (int k = 0; k < s->NumRows; k++) y->Value.data[k] = R(cost[s->BasisHead.data[k]]);
+    y->Count = -1;
+    Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
+    R *pi = y->Value.data;
+    s->DualResidual = dual_residual(s, cost, pi, x);
+    if (s->DualResidual > REFINE_SHARE * s->OptTol) {
+        y->Count = -1;
+        Btran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
+        for (int k = 0; k < x->Count; k++)
+            pi[x->Index.data[k]] += x->Value.data[x->Index.data[k]];
+        s->DualResidual = dual_residual(s, cost, pi, x);
+    }
+    svec_clear(x);
+    for (int j = 0; j < s->NumVars; j++)
+        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - dot_column(s, j, pi);
+    y->Count = -1;
+    svec_clear(y);
+    s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
+}
+
+template<class R> void compute_dual(sopt *s, swork<R> *w)
+{
+    compute_dual_for(s, w, s->WorkCost.data, w->Cbar.data);
+}
+
+template<class R> void judge_residuals(sopt *s, const swork<R> *w)
+{
+    if (s->BoxPhase) return;
+    const double rhs = std::max(RHS_LEAST, s->RhsSize);
+    tighten_pivots(s, largest(w->Bbar.data, s->NumRows) / rhs, s->PrimalError / rhs);
+    if (s->PrimalResidual > s->FeasTol &&
+        STRIKE_SHARE * s->PrimalResidual > measure_infeasibility(s, w).PrimalMax)
+        strike(s, &s->FeasTolCount, PRIMAL_STRIKES);
+    if (s->DualResidual > s->OptTol) strike(s, &s->OptTolCount, DUAL_STRIKES);
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template void compute_primal<R>(sopt *, swork<R> *);                                   \
+    template void compute_dual<R>(sopt *, swork<R> *);                                     \
+    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);            \
+    template void judge_residuals<R>(sopt *, const swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)
