@@ -24,7 +24,8 @@ constexpr int SOME_UPDATES = 10, MANY_UPDATES = 20;
 constexpr double WIDEN = 10; // growth of the step that collects breakpoints
 constexpr double GOOD_SHARE =
     0.1; // a pivot this large against the largest of all groups is taken
-constexpr double GOOD_PIVOT = 1.0; // so is one of this size
+constexpr double NONDEGENERATE_SHARE = 1e-3; // of OptTol: a reduced cost that passes zero
+constexpr double GOOD_PIVOT = 1.0;           // so is one of this size
 
 template<class R> void swap_candidates(dopt<R> *d, int a, int b)
 {
@@ -117,12 +118,13 @@ template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
     }
 }
 
-// Splits the front into groups; the last one holds the sign change or everything.
+// Splits the front into groups; the last one holds the sign change or everything. Without bound flips there is one.
 template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
 {
     const R tol = R(s->OptTol);
+    const int most = s->Env->TARV_PAR_SIMPLEXPWRATIO ? front : 1;
     int groups = 0, done = 0;
-    while (done < front && slope >= 0) {
+    while (done < front && slope >= 0 && groups < most) {
         const R bound = step_bound(d, done, front, tol, R(s->Infinity));
         const int before = done;
         for (int k = done; k < front; k++) {
@@ -153,6 +155,19 @@ template<class R> int pick(const dopt<R> *d, int groups, int *flip_end)
     }
     return -1; // not reached: the group of the largest entry qualifies
 }
+// What the step passes; on demand only where a reduced cost really changes its sign.
+template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int best)
+{
+    dopt<R> *d = w->Dual;
+    const R step = d->CandDual.data[best] / d->CandAlpha.data[best];
+    const R least = R(NONDEGENERATE_SHARE * s->OptTol);
+    for (int k = 0; k < flip_end; k++) {
+        if (s->Env->TARV_PAR_NONDEGENFLIP &&
+            d->CandDual.data[k] > step * d->CandAlpha.data[k] - least)
+            continue;
+        d->Flips.data[d->FlipCount++] = w->RowInd.data[d->CandPlace.data[k]];
+    }
+}
 } // namespace
 
 template<class R> bool dual_ratio(sopt *s, swork<R> *w)
@@ -175,8 +190,7 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w)
     const int best = pick(d, groups, &flip_end);
     d->PivotCol = w->RowInd.data[d->CandPlace.data[best]];
     d->AlphaRow = w->RowVal.data[d->CandPlace.data[best]];
-    for (int k = 0; k < flip_end; k++)
-        d->Flips.data[d->FlipCount++] = w->RowInd.data[d->CandPlace.data[k]];
+    list_flips(s, w, flip_end, best);
     return true;
 }
 

@@ -1,9 +1,20 @@
 // dual_row.cpp -- merits of the rows from which a dual simplex step chooses
 //
 // merit_i = (infeasibility of the basic variable at i)^2 / weight_i, 0 when it is feasible or its row is set aside.
+// With NormAdjust 2 or 3 it is multiplied by the column's length plus the mean length: long columns leave early and the
+// bases stay sparse, for more iterations on most models.
 // Literature  J. J. Forrest and D. Goldfarb, "Steepest-edge simplex algorithms", Math. Prog. 57, 1992.
 #include "simplex/dual.h"
 #include <algorithm>
+
+static constexpr int NORM_BY_LENGTH = 2; // NormAdjust from here on
+
+template<class R> static R column_weight(const sopt *s, int i)
+{
+    const int j = s->BasisHead.data[i],
+              length = j < s->NumCols ? s->ColBeg.data[j + 1] - s->ColBeg.data[j] : 1;
+    return R(length) + R(s->ColBeg.data[s->NumCols]) / R(std::max(1, s->NumCols));
+}
 
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
 {
@@ -11,7 +22,9 @@ template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
     const R x = w->Bbar.data[i];
     const R gap = std::max(R(s->BasicLower.data[i]) - x, x - R(s->BasicUpper.data[i]));
     const bool eligible = gap > R(s->FeasTol) && !d->RowRejected.data[i];
-    price_list_set(&d->Rows, i, eligible ? gap * gap / d->Weights.data[i] : R(0));
+    R merit = eligible ? gap * gap / d->Weights.data[i] : R(0);
+    if (eligible && s->Env->NormAdjust >= NORM_BY_LENGTH) merit *= column_weight<R>(s, i);
+    price_list_set(&d->Rows, i, merit);
 }
 
 template<class R> void dual_list_reset(sopt *s, swork<R> *w)

@@ -44,13 +44,6 @@ template<class R> R squared_length(const SVec<R> *x)
     return sum;
 }
 
-bool is_slack_basis(const sopt *s)
-{
-    for (int k = 0; k < s->NumRows; k++)
-        if (s->BasisHead.data[k] < s->NumCols) return false;
-    return true;
-}
-
 // One BTRAN a row.
 template<class R> void exact_weights(sopt *s, swork<R> *w)
 {

@@ -216,6 +216,10 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
     TRY(prepare_basis(model, vstat_cols, vstat_rows));
     if (x_start) start_from_point(s, x_start, slack_start);
     s->Method = choose_method(model, method);
+    if (s->Method == METHOD_DUAL && is_slack_basis(s)) {
+        TRY(crash_equations(s));
+        row_copy_partition(s);
+    }
     TRY(solve(s));
     s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);
     if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;

@@ -246,6 +246,8 @@ void row_copy_remove(sopt *s, int j); // column j became basic or fixed
 
 // ---- start_basis.cpp ----
 void start_slack_basis(sopt *s);
+bool is_slack_basis(const sopt *s);
+[[nodiscard]] int crash_equations(sopt *s); // improves a slack basis for the dual
 // Takes statuses [NumVars] (>= 0 basic); false when they are no basis (more or fewer than m basics): unchanged then.
 bool start_from_statuses(sopt *s, const int *statuses);
 void settle_nonbasics(sopt *s); // every nonbasic gets the status that its true bounds allow

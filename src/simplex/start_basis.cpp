@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+static constexpr double CRASH_LOSS =
+    -0.001;                           // gain above which a column may replace a fixed slack
+static constexpr int CRASH_LOOKS = 8; // candidates looked at in a row
+
 // Status that the true bounds allow a nonbasic, as near as possible to the one it has.
 static int settled_status(const sopt *s, int j)
 {
@@ -38,6 +42,62 @@ void start_slack_basis(sopt *s)
     settle_nonbasics(s);
     s->HasBasis = 1;
     s->BasisAge++;
+}
+
+bool is_slack_basis(const sopt *s)
+{
+    for (int k = 0; k < s->NumRows; k++)
+        if (s->BasisHead.data[k] < s->NumCols) return false;
+    return true;
+}
+
+// What the dual infeasibility of row i's other columns falls by when column j at slot p becomes basic there.
+static double crash_gain(const sopt *s, const double *cost, int i, int p)
+{
+    const int j = s->RowInd.data[p];
+    const double price = cost[j] / s->RowVal.data[p];
+    double gain = 0;
+    for (int q = s->RowBeg.data[i]; q < s->RowBeg.data[i + 1]; q++) {
+        const int k = s->RowInd.data[q];
+        if (k == j || has_upper(s, s->Upper.data[k])) continue;
+        gain += std::max(0.0, -cost[k]);
+        gain -= std::max(0.0, -(cost[k] - s->RowVal.data[q] * price));
+    }
+    return gain;
+}
+
+// The caller's own slacks: a column with one entry and no upper bound takes the place of the fixed slack of its
+// equation, where that leaves the other reduced costs of the row about as feasible as they are.
+int crash_equations(sopt *s)
+{
+    Array<double> cost;
+    TRY(array_copy(&cost, s->Cost.data, s->NumCols));
+    for (int i = 0; i < s->NumRows; i++) {
+        if (s->Upper.data[s->NumCols + i] != 0) continue; // an inequality
+        double best_gain = CRASH_LOSS;
+        int best = -1, seen = 0;
+        for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1] && seen < CRASH_LOOKS;
+             p++) {
+            const int j = s->RowInd.data[p];
+            if (s->ColBeg.data[j + 1] - s->ColBeg.data[j] != 1 ||
+                has_upper(s, s->Upper.data[j]) || is_basic(s, j))
+                continue;
+            seen++;
+            const double gain = crash_gain(s, cost.data, i, p);
+            if (gain <= best_gain) continue;
+            best_gain = gain;
+            best = p;
+        }
+        if (best < 0) continue;
+        const int j = s->RowInd.data[best];
+        const double price = cost.data[j] / s->RowVal.data[best];
+        for (int q = s->RowBeg.data[i]; q < s->RowBeg.data[i + 1]; q++)
+            cost.data[s->RowInd.data[q]] -= s->RowVal.data[q] * price;
+        s->VStat.data[j] = i;
+        s->BasisHead.data[i] = j;
+        s->VStat.data[s->NumCols + i] = AT_FIXED;
+    }
+    return 0;
 }
 
 bool start_from_statuses(sopt *s, const int *statuses)
