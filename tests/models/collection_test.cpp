@@ -140,7 +140,7 @@ TEST_P(Collection, reference_answer)
     LpSolution solution;
     ASSERT_EQ(lp_solve(model, &solution), 0) << TVXgetmerrormsg(model);
     if (instance.status == "optimal") {
-        expect_optimal(instance, lp, solution);
+        ASSERT_NO_FATAL_FAILURE(expect_optimal(instance, lp, solution));
         EXPECT_EQ(check_quality(model, &lp, &solution, QualityScaling::SCALED),
                   std::vector<std::string>{});
         return;
