@@ -137,20 +137,19 @@ inline int break_row(int code)
     return code >= 0 ? code : -1 - code;
 }
 
-// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first.
-template<class R> int pass_breaks(sopt *s, swork<R> *w, R range, bool *flip)
+// What stops the entering variable in phase 1.
+enum class Stop { BREAK, RANGE, NOTHING };
+
+// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first. Infeasibility alone
+// is bounded below, so that a slope that stays negative is rounding; with true costs in it the way may have no end.
+template<class R> Stop pass_breaks(sopt *s, swork<R> *w, R range, int *first_popped)
 {
     popt<R> *p = w->Primal;
     int left = p->BreakCount;
     for (int k = left / 2 - 1; k >= 0; k--) sift_down(p, k, left);
     // A superbasic may have no price at all: the first breakpoint stops it.
     R slope = -std::max(std::abs(w->Cbar.data[p->PivotCol]), R(s->ZeroTol));
-    *flip = false;
-    while (left > 0 && slope < 0) {
-        if (p->BreakStep.data[0] > range) {
-            *flip = true;
-            return left;
-        }
+    while (left > 0 && slope < 0 && p->BreakStep.data[0] <= range) {
         const int row = break_row(p->BreakRow.data[0]);
         slope += std::abs(w->Alpha.Value.data[row]);
         left--;
@@ -158,8 +157,10 @@ template<class R> int pass_breaks(sopt *s, swork<R> *w, R range, bool *flip)
         std::swap(p->BreakRow.data[0], p->BreakRow.data[left]);
         sift_down(p, 0, left);
     }
-    if (slope < 0 && range < R(s->Infinity)) *flip = true;
-    return left;
+    *first_popped = left;
+    if (slope < 0 && range < R(s->Infinity)) return Stop::RANGE;
+    const bool endless = p->CostWeight > 0 && slope < -R(s->OptTol);
+    return endless || left == p->BreakCount ? Stop::NOTHING : Stop::BREAK;
 }
 
 template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
@@ -167,14 +168,14 @@ template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
     popt<R> *p = w->Primal;
     collect_breaks(s, w);
     const R range = entering_range(s, w);
-    bool flip = false;
-    const int left = pass_breaks(s, w, range, &flip);
-    if (flip) {
+    int left = 0;
+    const Stop stop = pass_breaks(s, w, range, &left);
+    if (stop == Stop::NOTHING) return RATIO_UNBOUNDED;
+    if (stop == Stop::RANGE) {
         p->PivotRow = -1;
         p->Step = range;
         return RATIO_FLIP;
     }
-    if (left == p->BreakCount) return RATIO_UNBOUNDED;
     R largest = 0;
     for (int k = left; k < p->BreakCount; k++)
         largest = std::max(largest,
