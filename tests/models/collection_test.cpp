@@ -3,8 +3,10 @@
 // TARVEX_INSTANCES=folder       with reference.csv and one folder per collection; without it nothing runs
 // TARVEX_COLLECTIONS=a,b        collections to run (netlib,infeasible)
 // TARVEX_SETTINGS=a=1,b=2       parameters to set
+// TARVEX_COLLECTION_SEED=s      of the random changes (1)
 // TARVEX_GENERATED=folder       further .mps files whose comments tell "status:" and "optimum:"
 #include "support/lp_tarvex.h"
+#include "support/model_edit.h"
 #include "support/quality_check.h"
 #include "support/solve_judge.h"
 #include <algorithm>
@@ -17,6 +19,7 @@
 
 static constexpr double REFERENCE_TOL =
     1e-6; // published values are good to more digits than that
+static constexpr int CHANGE_ROUNDS = 6;
 static constexpr double POINT_TOL = 1e-6; // unscaled violations
 
 namespace
@@ -148,6 +151,37 @@ TEST_P(Collection, reference_answer)
     const int expected = instance.status == "infeasible" ? TVX_INFEASIBLE : TVX_UNBOUNDED;
     EXPECT_TRUE(solution.status == expected || solution.status == TVX_INF_OR_UNBD)
         << "status " << solution.status;
+}
+
+// Random changes to a live model, a few at a time; then it must agree with a fresh copy by the other method.
+TEST_P(Collection, solves_after_changes_agree_with_fresh_ones)
+{
+    const TestEnv env;
+    TVXmodel *read = nullptr;
+    ASSERT_EQ(TVXreadmodel(env.env, GetParam().file.c_str(), &read), 0);
+    const TestModel model(read);
+    LpModel lp;
+    ASSERT_EQ(lp_read_back(model, &lp), 0);
+    Dice dice(
+        strtoull(from_environment("TARVEX_COLLECTION_SEED", "1").c_str(), nullptr, 10));
+    std::string story;
+    for (int round = 0; round < CHANGE_ROUNDS; round++) {
+        const int lp_method = dice.range(0, 1);
+        LpSolution warm, fresh;
+        ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", lp_method), 0);
+        ASSERT_EQ(lp_solve(model, &warm), 0) << story;
+        const TestModel copy(TVXcopymodel(model));
+        ASSERT_TRUE(copy);
+        ASSERT_EQ(TVXsetintparam(TVXgetenv(copy), "LPMethod", 1 - lp_method), 0);
+        ASSERT_EQ(lp_solve(copy, &fresh), 0) << story;
+        ASSERT_EQ(same_outcome(&warm, &fresh), "") << story << "method " << lp_method;
+        for (int k = dice.range(1, 3); k > 0; k--) {
+            const std::string done = edit_randomly(&dice, &lp, model);
+            ASSERT_EQ(done.find("FAILED"), std::string::npos) << done;
+            story += done + "\n";
+            ASSERT_EQ(TVXupdatemodel(model), 0);
+        }
+    }
 }
 
 static std::string instance_name(const testing::TestParamInfo<Instance> &info)
