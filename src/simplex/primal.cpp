@@ -132,6 +132,8 @@ template<class R> int refresh(sopt *s, swork<R> *w)
         s->OptTol = s->Env->OptimalityTol;
         s->TightProof = 0;
     }
+    primal_watch(s, w);
+    if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_phase_dual(s, w);
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
@@ -434,7 +436,8 @@ template<class R> int setup(sopt *s, swork<R> *w)
     choose_pricing(s, w);
     p->CostWeight = phase1_cost_weight(s);
     p->PerturbSize = s->Env->PerturbValue;
-    p->PerturbPasses = 0;
+    p->PerturbPasses = p->WatchForced = 0;
+    primal_watch_reset(s, p);
     p->Phase1 = 1;
     p->StallIter = s->NPvt;
     p->StallStart = s->DegenCount;

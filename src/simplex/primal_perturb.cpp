@@ -58,7 +58,7 @@ template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w)
     std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
     std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
     s->Perturbed = 0;
-    (void)w;
+    primal_watch_reset(s, w->Primal);
 }
 
 // Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound.
