@@ -23,9 +23,10 @@ bool starts_from_slacks(const sopt *s)
 constexpr double TIGHT_MARKOWITZ = 0.5;
 constexpr double COST_SHARE =
     0.1; // largest true cost in phase 1, against 1 per infeasibility
-constexpr double NORM_TRIAL = 200; // iterations before exact weights are judged
-constexpr double MANY_COLUMNS = 3; // against rows: partial pricing comes first
-constexpr double PATIENCE = 4;     // with it; tuned on published LPs
+constexpr double NORM_TRIAL = 200;   // iterations before exact weights are judged
+constexpr double MANY_COLUMNS = 20;  // against rows: partial pricing comes first
+constexpr double PARTIAL_ROUNDS = 2; // iterations that it may take, in numbers of variables
+constexpr double PATIENCE = 4;       // with it; tuned on published LPs
 constexpr int FEW_ROWS_UPDATES = 100;
 constexpr double NORM_SHARE = 0.55; // of the effort that they may take
 constexpr int MAX_REJECTED = 50;    // columns set aside before the run gives up
@@ -72,7 +73,7 @@ template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
 {
     const popt<R> *p = w->Primal;
     const double m = s->NumRows, n = s->NumCols;
-    if (s->NPvt > m) return true;
+    if (s->NPvt > PARTIAL_ROUNDS * (n + m)) return true;
     const double pivots = std::max(1.0, s->NPvt - p->StallIter);
     const double degenerate = std::min(1.0, (s->DegenCount - p->StallStart) / pivots);
     const double d = s->NPvt / (n + m) + 0.3 + 1.2 * p->AvgSpike / m +
