@@ -13,23 +13,11 @@
 
 namespace
 {
-bool starts_from_slacks(const sopt *s)
-{
-    for (int k = 0; k < s->NumRows; k++)
-        if (s->BasisHead.data[k] < s->NumCols) return false;
-    return true;
-}
-
 constexpr double TIGHT_MARKOWITZ = 0.5;
 constexpr double COST_SHARE =
     0.1; // largest true cost in phase 1, against 1 per infeasibility
-constexpr double NORM_TRIAL = 200;   // iterations before exact weights are judged
-constexpr double MANY_COLUMNS = 20;  // against rows: partial pricing comes first
-constexpr double PARTIAL_ROUNDS = 2; // iterations that it may take, in numbers of variables
-constexpr double PATIENCE = 4;       // with it; tuned on published LPs
 constexpr int FEW_ROWS_UPDATES = 100;
-constexpr double NORM_SHARE = 0.55; // of the effort that they may take
-constexpr int MAX_REJECTED = 50;    // columns set aside before the run gives up
+constexpr int MAX_REJECTED = 50; // columns set aside before the run gives up
 constexpr double TIGHTEST_TOL =
     1e-9; // of reduced costs when an infeasibility is to be proved
 constexpr double TIGHTEN = 1e-2;
@@ -51,72 +39,11 @@ template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
     std::fill_n(cost, s->NumVars, 0.0);
 }
 
-template<class R> double total_work(const sopt *s, const swork<R> *w)
-{
-    return s->WorkUnits + w->Lu.WorkUnits;
-}
-
-// Changes pricing in mid-run; weights start again from the basis at hand.
-template<class R> void change_pricing(sopt *s, swork<R> *w, int pricing)
-{
-    popt<R> *p = w->Primal;
-    p->PricingCur = pricing;
-    p->NewWeights = 1;
-    p->NormWork = 0;
-    p->PricingSince = s->NPvt;
-    p->WorkStart = total_work(s, w);
-}
-
-// Partial pricing serves while iterations are few and the factors thin against the columns: d grows with iterations,
-// spikes and degeneracy, f with the factors, and row_work is what other pricing would pay for the pivot row.
-template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
-{
-    const popt<R> *p = w->Primal;
-    const double m = s->NumRows, n = s->NumCols;
-    if (s->NPvt > PARTIAL_ROUNDS * (n + m)) return true;
-    const double pivots = std::max(1.0, s->NPvt - p->StallIter);
-    const double degenerate = std::min(1.0, (s->DegenCount - p->StallStart) / pivots);
-    const double d = s->NPvt / (n + m) + 0.3 + 1.2 * p->AvgSpike / m +
-                     0.6 * ((s->Perturbed >= 3) + degenerate);
-    const double f = std::max(1.0, static_cast<double>(w->Lu.UNonzeros) +
-                                       3.0 * static_cast<double>(w->Lu.LNonzeros) - 2 * m);
-    const double row_work = p->AvgRow / (p->AvgSpike + 1);
-    return row_work + 1 + 9 * n / f < PATIENCE * d;
-}
-
-// Exact weights save iterations, but where the solves for them dominate, Devex does better.
-template<class R> void review_pricing(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    const bool steepest = p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
-    if (steepest && !p->PricingFixed && s->NPvt - p->PricingSince > NORM_TRIAL &&
-        p->NormWork > NORM_SHARE * (total_work(s, w) - p->WorkStart)) {
-        change_pricing(s, w, PRICE_DEVEX);
-    } else if (p->PricingCur == PRICE_PARTIAL && !p->PricingFixed && s->NPvt > 0 &&
-               partial_has_served(s, w)) {
-        change_pricing(s, w, PRICE_QUICK);
-    }
-    if (!p->NewWeights) return;
-    primal_start_weights(s, w);
-    p->NewWeights = 0;
-}
-
-// Averages of the cycle that a factorisation ends.
-template<class R> void end_cycle(const sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    if (w->Lu.NumUpdates > 0 && has_factor(s, w))
-        p->AvgSpike = static_cast<double>(w->Lu.SpikeNnz) / w->Lu.NumUpdates;
-    if (p->RhoCount > 0)
-        p->AvgRow = p->RhoEntries / p->RhoCount * s->ColBeg.data[s->NumCols] / s->NumRows;
-    p->RhoCount = p->RhoEntries = 0;
-}
-
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     const int repairs = s->SingularCount;
-    end_cycle(s, w);
+    primal_end_cycle(s, w);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
     if (s->SingularCount > repairs) row_copy_partition(s);
@@ -138,7 +65,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     compute_phase_dual(s, w);
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
-    review_pricing(s, w);
+    primal_review_pricing(s, w);
     if (p->PricingCur == PRICE_PARTIAL)
         primal_partial_refresh(s, w);
     else
@@ -397,25 +324,6 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     apply_pivot(s, w);
 }
 
-// Many columns begin with partial pricing. Exact weights from a basis of slacks cost nothing; another start makes do
-// with the framework at hand, and a short clean-up after the dual with Devex.
-int automatic_pricing(const sopt *s)
-{
-    if (s->SwitchCount > 0) return PRICE_DEVEX;
-    if (s->NumCols >= MANY_COLUMNS * s->NumRows) return PRICE_PARTIAL;
-    return starts_from_slacks(s) ? PRICE_STEEPEST : PRICE_QUICK;
-}
-
-template<class R> void choose_pricing(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    const int wish = s->Env->SimplexPricing, kind = s->Env->TARV_PAR_PRIMALPARTIAL;
-    p->PricingFixed = wish >= 0;
-    p->PricingKind = kind > 0 ? kind : PARTIAL_MULTIPLE;
-    p->AvgSpike = p->AvgRow = p->RhoEntries = p->RhoCount = 0;
-    change_pricing(s, w, p->PricingFixed ? wish : automatic_pricing(s));
-}
-
 // A share of the true costs leads phase 1 towards good feasible points.
 double phase1_cost_weight(const sopt *s)
 {
@@ -434,7 +342,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     settle_nonbasics(s);
     primal_count_superbasics(s, w);
     row_copy_partition(s);
-    choose_pricing(s, w);
+    primal_choose_pricing(s, w);
     p->CostWeight = phase1_cost_weight(s);
     p->PerturbSize = s->Env->PerturbValue;
     p->PerturbPasses = p->WatchForced = 0;
@@ -469,6 +377,28 @@ template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w)
     return exact;
 }
 
+template<class R> static int alloc_columns(const sopt *s, popt<R> *p)
+{
+    const int nv = s->NumVars;
+    TRY(array_resize(&p->Weights, nv));
+    TRY(price_list_alloc(&p->Columns, nv));
+    TRY(array_assign(&p->PhaseCost, nv, 0.0));
+    for (Array<char> *a : {&p->Reference, &p->InClass, &p->ColRejected})
+        TRY(array_assign(a, nv, char(0)));
+    TRY(array_resize(&p->AuxList, nv));
+    return array_resize(&p->ClassNext, nv);
+}
+
+template<class R> static int alloc_rows(const sopt *s, popt<R> *p)
+{
+    const int m = s->NumRows;
+    TRY(svec_alloc(&p->CostChange, m));
+    TRY(array_resize(&p->RowState, m));
+    TRY(array_assign(&p->Pi, m, R(0)));
+    TRY(array_resize(&p->BreakStep, 2 * int64_t{m}));
+    return array_resize(&p->BreakRow, 2 * int64_t{m});
+}
+
 template<class R> int popt_create(const sopt *s, popt<R> **out)
 {
     *out = nullptr;
@@ -476,19 +406,8 @@ template<class R> int popt_create(const sopt *s, popt<R> **out)
     if (!block) return OUT_OF_MEMORY;
     popt<R> *p = *out = static_cast<popt<R> *>(block);
     *p = popt<R>{};
-    TRY(array_resize(&p->Weights, s->NumVars));
-    TRY(array_resize(&p->Reference, s->NumVars));
-    TRY(price_list_alloc(&p->Columns, s->NumVars));
-    TRY(array_resize(&p->RowState, s->NumRows));
-    TRY(array_assign(&p->PhaseCost, s->NumVars, 0.0));
-    TRY(svec_alloc(&p->CostChange, s->NumRows));
-    TRY(array_assign(&p->Pi, s->NumRows, R(0)));
-    TRY(array_resize(&p->AuxList, s->NumVars));
-    TRY(array_resize(&p->ClassNext, s->NumVars));
-    TRY(array_assign(&p->InClass, s->NumVars, char(0)));
-    TRY(array_resize(&p->BreakStep, 2 * int64_t{s->NumRows}));
-    TRY(array_resize(&p->BreakRow, 2 * int64_t{s->NumRows}));
-    return array_assign(&p->ColRejected, s->NumVars, char(0));
+    TRY(alloc_columns(s, p));
+    return alloc_rows(s, p);
 }
 
 template<class R> void popt_free(popt<R> **p)

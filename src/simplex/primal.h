@@ -90,6 +90,11 @@ template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w);
 template<class R>
 void primal_settle_superbasic(sopt *s, swork<R> *w); // at a bound, whatever breaks
 
+// primal_pricing.cpp
+template<class R> void primal_choose_pricing(sopt *s, swork<R> *w); // at the start of a run
+template<class R> void primal_review_pricing(sopt *s, swork<R> *w); // on fresh factors
+template<class R> void primal_end_cycle(const sopt *s, swork<R> *w); // before they are made
+
 // primal_price.cpp
 template<class R>
 void primal_start_weights(sopt *s, swork<R> *w); // needs factors; merits become stale

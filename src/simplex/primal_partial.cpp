@@ -156,35 +156,43 @@ template<class R> void raise_classes(popt<R> *p)
     }
 }
 
-// Walks down the classes. A class is taken off as a whole, priced, and its members go where they belong now.
+// One choice in bucket pricing.
+template<class R> struct BucketWalk {
+    int Best = -1;
+    R BestMerit = 0;
+    int Visits = 0;
+    bool is_over() const { return Best >= 0 && Visits >= BUCKET_VISITS; }
+};
+
+// Prices the members of class c and puts them where they belong now; nothing rises within one choice, so that the walk
+// ends.
+template<class R> void walk_class(sopt *s, swork<R> *w, int c, BucketWalk<R> *walk)
+{
+    popt<R> *p = w->Primal;
+    const int last = p->ClassTail[c];
+    for (int j = p->ClassHead[c], next = -1; j >= 0 && !walk->is_over(); j = next) {
+        next = j == last ? -1 : p->ClassNext.data[j];
+        p->ClassHead[c] = p->ClassNext.data[j];
+        if (p->ClassHead[c] < 0) p->ClassTail[c] = -1;
+        p->InClass.data[j] = 0;
+        if (is_basic(s, j) || s->VStat.data[j] == AT_FIXED) continue;
+        const R merit = price_column(s, w, j);
+        walk->Visits++;
+        put_in_class(p, j, std::min(c, class_of(static_cast<double>(merit))));
+        if (merit <= walk->BestMerit) continue;
+        walk->BestMerit = merit;
+        walk->Best = j;
+    }
+}
+
 template<class R> int choose_bucket(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    int best = -1, visits = 0;
-    R best_merit = 0;
     if (++p->ClassAge % BUCKET_SHIFT == 0) raise_classes(p);
-    for (int c = PRICE_CLASSES - 1; c >= 0 && (best < 0 || visits < BUCKET_VISITS); c--) {
-        int j = p->ClassHead[c];
-        const int last = p->ClassTail[c];
-        while (j >= 0 && (best < 0 || visits < BUCKET_VISITS)) {
-            const int next = j == last ? -1 : p->ClassNext.data[j];
-            p->ClassHead[c] = p->ClassNext.data[j];
-            if (p->ClassHead[c] < 0) p->ClassTail[c] = -1;
-            p->InClass.data[j] = 0;
-            if (s->VStat.data[j] < 0 && s->VStat.data[j] != AT_FIXED) {
-                const R merit = price_column(s, w, j);
-                visits++;
-                // nothing rises within one choice, so that the walk ends
-                put_in_class(p, j, std::min(c, class_of(static_cast<double>(merit))));
-                if (merit > best_merit) {
-                    best_merit = merit;
-                    best = j;
-                }
-            }
-            j = next;
-        }
-    }
-    return best;
+    BucketWalk<R> walk;
+    for (int c = PRICE_CLASSES - 1; c >= 0 && !walk.is_over(); c--)
+        walk_class(s, w, c, &walk);
+    return walk.Best;
 }
 
 template<class R> void fill_classes(sopt *s, swork<R> *w)

@@ -66,7 +66,8 @@ template<class R> void primal_shift_infeasible(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     for (int i = 0; i < s->NumRows; i++) {
-        const int state = p->RowState.data[i], j = s->BasisHead.data[i];
+        const signed char state = p->RowState.data[i];
+        const int j = s->BasisHead.data[i];
         if (state == ROW_FEASIBLE) continue;
         double *bound = state == ROW_BELOW ? &s->WorkLower.data[j] : &s->WorkUpper.data[j];
         *bound = static_cast<double>(w->Bbar.data[i]);

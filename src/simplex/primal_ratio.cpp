@@ -100,7 +100,7 @@ template<class R> void collect_breaks(sopt *s, swork<R> *w)
         const int i = w->Alpha.Index.data[k];
         const R a = R(p->Direction) * w->Alpha.Value.data[i], size = std::abs(a);
         if (size <= floor) continue;
-        const int state = p->RowState.data[i];
+        const signed char state = p->RowState.data[i];
         const double lower = s->BasicLower.data[i], upper = s->BasicUpper.data[i];
         const R x = w->Bbar.data[i];
         if (a > 0) { // falls: passes its upper bound when above, then its lower
