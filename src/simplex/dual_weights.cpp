@@ -18,12 +18,13 @@ constexpr double WEIGHT_MIN = 1e-8;     // floor of a weight that rounding has s
 constexpr double FRAMEWORK_LIFE = 30;   // entries per row updated before a new framework
 constexpr double FRAMEWORK_STEP = 0.02; // rows counted for every pivot
 constexpr double EXACT_WIDE = 100,
-                 EXACT_SQUARE = 0.1; // shapes that repay exact start weights
-constexpr int LARGE_ROWS = 15000;    // models from here on may change their pricing
-constexpr double NARROW = 3;         // if they have at most this many columns per row
-constexpr double NORM_SHARE = 3;     // effort for weights over effort for rows: too much
-constexpr double DEVEX_LIMIT = 3;    // pivots per row after which Devex is given up
-constexpr int DEVEX_SWITCHES = 3;    // so are runs in trouble
+                 EXACT_SQUARE = 0.1;   // shapes that repay exact start weights
+constexpr int LARGE_ROWS = 15000;      // models from here on may change their pricing
+constexpr double NARROW = 3;           // if they have at most this many columns per row
+constexpr double NORM_SHARE = 3;       // effort for weights over effort for rows: too much
+constexpr double NORM_DOMINATES = 0.45; // and over all effort
+constexpr double DEVEX_LIMIT = 3;      // pivots per row after which Devex is given up
+constexpr int DEVEX_SWITCHES = 3;      // so are runs in trouble
 
 // The variables that are basic now become the framework, in which every row has length 1.
 template<class R> void set_framework(sopt *s, swork<R> *w)
@@ -167,7 +168,8 @@ template<class R> void dual_change_pricing(sopt *s, swork<R> *w)
         for (int k = 0; k < s->NumRows; k++) d->Weights.data[k] = R(1);
         d->PricingCur = PRICE_STEEPEST;
         d->PricingFinal = 1;
-    } else if (d->NormWork > NORM_SHARE * d->RowWork) {
+    } else if (d->NormWork > NORM_SHARE * d->RowWork &&
+               d->NormWork > NORM_DOMINATES * (s->WorkUnits + w->Lu.WorkUnits)) {
         set_framework(s, w);
         d->PricingCur = PRICE_DEVEX;
     }

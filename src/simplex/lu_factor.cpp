@@ -245,6 +245,7 @@ int lu_alloc(lufact<R> *lu, int num_rows, int max_updates, double drop_tol)
     TRY(array_assign(&a->Work, m, R(0)));
     TRY(array_assign(&a->Stamp, m, 0));
     TRY(array_assign(&lu->Mark, m, char(0)));
+    TRY(array_resize(&lu->FirstEta, m));
     TRY(array_resize(&lu->EtaRow, max_updates));
     TRY(array_resize(&lu->EtaBeg, int64_t{max_updates} + 1));
     return 0;
@@ -271,6 +272,7 @@ int FactorBasis(lufact<R> *lu, const BasisMatrix *basis, int *head, double marko
     lu->NumEtas = lu->NumUpdates = 0;
     lu->EtaInd.size = lu->EtaVal.size = 0;
     lu->EtaBeg.data[0] = 0;
+    for (int i = 0; i < m; i++) lu->FirstEta.data[i] = INT32_MAX;
     lu->SpikeNnz = 0;
     lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
     const auto eta_room = static_cast<int64_t>(lu->EtaFactor * m) + 1000;

@@ -225,18 +225,29 @@ template<class R> inline void add_entry(SVec<R> *x, int i, R value)
         x->Value.data[i] += value;
 }
 
+// The oldest eta that reads an entry of x.
+template<class R> int first_eta(const lufact<R> *lu, const SVec<R> *x)
+{
+    if (!svec_is_short(x)) return 0;
+    int first = lu->NumEtas;
+    for (int k = 0; k < x->Count; k++)
+        first = std::min(first, lu->FirstEta.data[x->Index.data[k]]);
+    return first;
+}
+
 // x[row] += sum Val * x[Ind], oldest eta first.
 template<class R> void apply_etas(lufact<R> *lu, SVec<R> *x)
 {
     const int *__restrict beg = lu->EtaBeg.data, *__restrict ind = lu->EtaInd.data;
     const R *__restrict val = lu->EtaVal.data;
     const R *__restrict value = x->Value.data;
-    for (int t = 0; t < lu->NumEtas; t++) {
+    const int first = first_eta(lu, x);
+    for (int t = first; t < lu->NumEtas; t++) {
         R sum = 0;
         for (int p = beg[t]; p < beg[t + 1]; p++) sum += val[p] * value[ind[p]];
         if (std::abs(sum) > lu->DropTol) add_entry(x, lu->EtaRow.data[t], sum);
     }
-    lu->WorkUnits += beg[lu->NumEtas];
+    lu->WorkUnits += beg[lu->NumEtas] - beg[first];
 }
 
 // x[Ind] += Val * x[row], newest eta first.

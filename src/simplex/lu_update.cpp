@@ -114,6 +114,8 @@ template<class R> void move_to_end(lufact<R> *lu, int r)
     int64_t next = lu->EtaInd.size;
     for (int k = 0; k < lu->PartCount; k++) {
         if (lu->PartInd.data[k] == r) continue;
+        int *first = &lu->FirstEta.data[lu->PartInd.data[k]];
+        *first = std::min(*first, lu->NumEtas);
         lu->EtaInd.data[next] = lu->PartInd.data[k];
         lu->EtaVal.data[next++] = lu->PartVal.data[k] * diag;
     }

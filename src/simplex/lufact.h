@@ -100,6 +100,7 @@ template<class R> struct lufact {
     Array<int> EtaBeg; // [MaxMoves + 1]
     Array<int> EtaInd;
     Array<R> EtaVal;
+    Array<int> FirstEta; // [m] oldest eta that reads the row; INT32_MAX: none
     int NumEtas = 0;
     int NumUpdates = 0;
     int64_t SpikeNnz = 0; // sum of spike sizes since the last factor
