@@ -13,6 +13,8 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
     settle_nonbasics(s);
     if (!has_factor(s, w)) return;
     compute_primal(s, w);
+    refine_primal(s,
+                  w); // a residual that is small in a scaled row may be large in the user's
     compute_dual(s, w);
 }
 

@@ -66,6 +66,14 @@ template<class R> double primal_residual(const sopt *s, const swork<R> *w, SVec<
     return largest(x->Value.data, s->NumRows);
 }
 
+// Bbar += B^-1 x for the residual x, which becomes that of the new values.
+template<class R> void correct_primal(sopt *s, swork<R> *w, SVec<R> *x)
+{
+    Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
+    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] += x->Value.data[i];
+    s->PrimalResidual = primal_residual(s, w, x);
+}
+
 template<class R> R dot_column(const sopt *s, int j, const R *y)
 {
     if (j >= s->NumCols) return y[j - s->NumCols];
@@ -107,6 +115,13 @@ void strike(sopt *s, int *count, int limit)
 }
 } // namespace
 
+template<class R> void refine_primal(sopt *s, swork<R> *w)
+{
+    (void)primal_residual(s, w, &w->Work);
+    correct_primal(s, w, &w->Work);
+    svec_clear(&w->Work);
+}
+
 template<class R> void compute_primal(sopt *s, swork<R> *w)
 {
     SVec<R> *x = &w->Work;
@@ -115,11 +130,7 @@ template<class R> void compute_primal(sopt *s, swork<R> *w)
     Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
     for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = x->Value.data[i];
     s->PrimalError = s->PrimalResidual = primal_residual(s, w, x);
-    if (s->PrimalError > REFINE_SHARE * s->FeasTol) {
-        Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
-        for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] += x->Value.data[i];
-        s->PrimalResidual = primal_residual(s, w, x);
-    }
+    if (s->PrimalError > REFINE_SHARE * s->FeasTol) correct_primal(s, w, x);
     svec_clear(x);
     set_basic_bounds(s);
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
@@ -167,6 +178,7 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
 
 #define INSTANTIATE(R)                                                                     \
     template void compute_primal<R>(sopt *, swork<R> *);                                   \
+    template void refine_primal<R>(sopt *, swork<R> *);                                    \
     template void compute_dual<R>(sopt *, swork<R> *);                                     \
     template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);            \
     template void judge_residuals<R>(sopt *, const swork<R> *);
