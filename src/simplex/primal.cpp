@@ -63,6 +63,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     primal_watch(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_phase_dual(s, w);
+    judge_residuals(s, w);
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
     primal_review_pricing(s, w);
