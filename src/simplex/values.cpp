@@ -180,7 +180,8 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
     template void compute_primal<R>(sopt *, swork<R> *);                                   \
     template void refine_primal<R>(sopt *, swork<R> *);                                    \
     template void compute_dual<R>(sopt *, swork<R> *);                                     \
-    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);            \
-    template void judge_residuals<R>(sopt *, const swork<R> *);
+    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);
 INSTANTIATE(double)
 INSTANTIATE(long double)
+template void judge_residuals<double>(sopt *, const swork<double> *);
+template void judge_residuals<long double>(sopt *, const swork<long double> *);

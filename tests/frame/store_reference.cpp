@@ -124,9 +124,9 @@ void StoreReference::update_coefs()
         in_order[what.first] = {place.second, place.first, what.second};
     for (const auto &[k, change] : in_order) {
         Entries &column = at(vars, change.var).column;
-        auto entry = std::find_if(column.begin(), column.end(), [&change](const auto &e) {
-            return e.first == change.row;
-        });
+        auto entry =
+            std::find_if(column.begin(), column.end(),
+                         [row = change.row](const auto &e) { return e.first == row; });
         const bool vanishes = std::fabs(change.value) < 1e-13;
         if (entry != column.end() && vanishes)
             column.erase(entry);
