@@ -215,6 +215,19 @@ template<class R> int build_lower_rows(lufact<R> *lu)
     lu->LNonzeros = entries + m;
     return 0;
 }
+// What is not of length m, or has to begin as zero.
+template<class R> int alloc_others(lufact<R> *lu)
+{
+    const int m = lu->NumRows;
+    LuActive<R> *a = &lu->Active;
+    for (Array<int> *array : {&a->First[0], &a->First[1], &lu->PatBeg})
+        TRY(array_resize(array, int64_t{m} + 1));
+    TRY(array_assign(&a->Work, m, R(0)));
+    TRY(array_assign(&a->Stamp, m, 0));
+    TRY(array_assign(&lu->Mark, m, char(0)));
+    TRY(array_resize(&lu->EtaRow, lu->MaxMoves));
+    return array_resize(&lu->EtaBeg, int64_t{lu->MaxMoves} + 1);
+}
 } // namespace
 
 template<class R>
@@ -233,22 +246,13 @@ int lu_alloc(lufact<R> *lu, int num_rows, int max_updates, double drop_tol)
           &lu->URowBeg,  &lu->URowLen,   &lu->URowCap,  &lu->SpikeInd,   &lu->PartInd,
           &lu->Stack,    &lu->StackPos,  &lu->List,     &lu->URowTmpBeg, &lu->URowTmpLen,
           &lu->RowCount, &lu->RowSum,    &lu->ColCount, &lu->ColSum,     &lu->RowOfPosn,
-          &lu->HeadNew,  &a->Head[0],    &a->Head[1],   &a->Count[0],    &a->Count[1],
-          &a->Prev[0],   &a->Prev[1],    &a->Next[0],   &a->Next[1]})
+          &lu->HeadNew,  &lu->FirstEta,  &a->Head[0],   &a->Head[1],     &a->Count[0],
+          &a->Count[1],  &a->Prev[0],    &a->Prev[1],   &a->Next[0],     &a->Next[1]})
         TRY(array_resize(array, m));
     for (Array<R> *array :
          {&lu->UDiag, &lu->SpikeVal, &lu->PartVal, &a->Max[0], &a->Max[1]})
         TRY(array_resize(array, m));
-    TRY(array_resize(&a->First[0], int64_t{m} + 1));
-    TRY(array_resize(&a->First[1], int64_t{m} + 1));
-    TRY(array_resize(&lu->PatBeg, int64_t{m} + 1));
-    TRY(array_assign(&a->Work, m, R(0)));
-    TRY(array_assign(&a->Stamp, m, 0));
-    TRY(array_assign(&lu->Mark, m, char(0)));
-    TRY(array_resize(&lu->FirstEta, m));
-    TRY(array_resize(&lu->EtaRow, max_updates));
-    TRY(array_resize(&lu->EtaBeg, int64_t{max_updates} + 1));
-    return 0;
+    return alloc_others(lu);
 }
 
 template<class R>

@@ -9,10 +9,10 @@
 #include "frame/runtime/array.h"
 #include <cmath>
 
-// A constant expression; the linter does not see it through the template.
-// NOLINTNEXTLINE(bugprone-dynamic-static-initializers)
+// Stands for a zero that is in the list.
 template<class R>
-inline constexpr R SVEC_TINY = R(1e-100); // stands for a zero that is in the list
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, seen through a template
+inline constexpr R SVEC_TINY = R(1e-100);
 
 // Above this share of nonzeros a sweep over all places beats a walk of the list.
 static constexpr double SVEC_LIST_SHARE = 0.3;

@@ -179,9 +179,11 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template void compute_primal<R>(sopt *, swork<R> *);                                   \
     template void refine_primal<R>(sopt *, swork<R> *);                                    \
-    template void compute_dual<R>(sopt *, swork<R> *);                                     \
-    template void compute_dual_for<R>(sopt *, swork<R> *, const double *, R *);
+    template void compute_dual<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)
 template void judge_residuals<double>(sopt *, const swork<double> *);
 template void judge_residuals<long double>(sopt *, const swork<long double> *);
+template void compute_dual_for<double>(sopt *, swork<double> *, const double *, double *);
+template void compute_dual_for<long double>(sopt *, swork<long double> *, const double *,
+                                            long double *);
