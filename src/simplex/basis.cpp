@@ -8,6 +8,7 @@
 namespace
 {
 constexpr double TIGHT_MARKOWITZ = 0.5;   // after a singular basis
+constexpr double STRICTER = 4;            // growth after a wrong pivot
 constexpr double TIGHTER_MARKOWITZ = 0.9; // after the second
 constexpr double DENSE_ROW_SHARE =
     1.8; // entries touched times this against n: dense accumulation pays
@@ -64,9 +65,8 @@ void set_basic_bounds(sopt *s)
     }
 }
 
-template<class R> void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x)
+template<class R> void load_column(const sopt *s, int j, SVec<R> *x)
 {
-    (void)w;
     svec_clear(x);
     if (j >= s->NumCols) {
         svec_unit(x, j - s->NumCols, R(1));
@@ -158,9 +158,8 @@ template<class R> void compute_row(sopt *s, swork<R> *w)
     }
 }
 
-template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status)
+void swap_basis(sopt *s, int r, int q, int status)
 {
-    (void)w;
     const int leaving = s->BasisHead.data[r];
     s->Pivots++;
     s->BasisHead.data[r] = q;
@@ -186,6 +185,18 @@ template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
                  etas = static_cast<double>(lu->EtaInd.size);
     const double limit = std::min(s->MinUpdates * 4.0 * m * m, factors * factors);
     return (FILL_SPIKES * spikes + FILL_ETAS * etas) * m > limit;
+}
+
+bool wants_confirmation(const sopt *s)
+{
+    return s->Env->TARV_PAR_SIMPLEXENDFAC || s->MarkowitzTol > s->Env->MarkowitzTol;
+}
+
+void distrust_factors(sopt *s)
+{
+    s->RefacReason = REFAC_PIVOT;
+    s->MarkowitzTol =
+        std::max(s->MarkowitzTol, std::min(TIGHT_MARKOWITZ, STRICTER * s->MarkowitzTol));
 }
 
 template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w)
@@ -235,8 +246,7 @@ template<class R> double true_objective(const sopt *s, const swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template int Refactor<R>(sopt *, swork<R> *);                                          \
     template void compute_row<R>(sopt *, swork<R> *);                                      \
-    template void load_column<R>(sopt *, swork<R> *, int, SVec<R> *);                      \
-    template void swap_basis<R>(sopt *, swork<R> *, int, int, int);                        \
+    template void load_column<R>(const sopt *, int, SVec<R> *);                            \
     template bool wants_refactor<R>(const sopt *, const swork<R> *);                       \
     template Infeasibility measure_infeasibility<R>(const sopt *, const swork<R> *);       \
     template double true_objective<R>(const sopt *, const swork<R> *);

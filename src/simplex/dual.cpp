@@ -14,12 +14,9 @@ namespace
 {
 constexpr double WEIGHT_TRUST =
     0.25; // a stored weight below this share of the true one: choose again
-constexpr int MAX_REJECTED = 20; // rows set aside before a switch of method is tried
-constexpr double TIGHT_MARKOWITZ = 0.5;
+constexpr int MAX_REJECTED = 20;  // rows set aside before a switch of method is tried
 constexpr int PRICING_PERIOD = 3; // factorisations between looks at the pricing
 constexpr int CYCLE_HITS = 30;    // rounds after which the method gives up
-
-enum class Step { DONE, AGAIN, STOP };
 
 // Weights follow their variables through a factorisation.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
@@ -101,7 +98,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
 template<class R> void begin_phase2(sopt *s)
 {
     s->BoxPhase = 0;
-    dual_set_true_bounds<R>(s);
+    dual_set_true_bounds(s);
     s->RefacReason = REFAC_CLEAN;
 }
 
@@ -119,7 +116,7 @@ template<class R> void end_box_phase(sopt *s, swork<R> *w)
         begin_phase2<R>(s);
     } else if (s->Perturbed) {
         s->PerturbAllowed = 0;
-        dual_remove_perturbation(s, w);
+        dual_remove_perturbation(s);
         s->RefacReason = REFAC_CLEAN;
     } else {
         s->Status = SIMPLEX_SWITCH; // unbounded or infeasible: the primal tells which
@@ -130,7 +127,7 @@ template<class R> void end_box_phase(sopt *s, swork<R> *w)
 template<class R> void end_phase2(sopt *s, swork<R> *w)
 {
     if (s->Perturbed) {
-        dual_remove_perturbation(s, w);
+        dual_remove_perturbation(s);
         compute_dual(s, w);
         const Infeasibility inf = measure_infeasibility(s, w);
         s->Status = inf.DualCount == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
@@ -143,7 +140,7 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
 template<class R> void no_row(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
-    if (w->Lu.NumUpdates > 0) {
+    if (w->Lu.NumUpdates > 0 && (d->Rejected > 0 || wants_confirmation(s))) {
         s->RefacReason = REFAC_CLEAN;
     } else if (d->Rejected > 0) {
         s->Status = SIMPLEX_SWITCH;
@@ -166,10 +163,11 @@ template<class R> void set_row_aside(sopt *s, swork<R> *w)
 // Nothing stops the slope: the row cannot become feasible.
 template<class R> void no_column(sopt *s, swork<R> *w)
 {
-    if (w->Lu.NumUpdates > 0)
-        s->RefacReason = REFAC_CONFIRM;
-    else if (!s->BoxPhase && proves_infeasible(s, w))
+    const bool fresh = w->Lu.NumUpdates == 0;
+    if (!s->BoxPhase && (fresh || !wants_confirmation(s)) && proves_infeasible(s, w))
         s->Status = SIMPLEX_INFEASIBLE;
+    else if (!fresh)
+        s->RefacReason = REFAC_CONFIRM;
     else // rounding: in the box problem every variable has a range, elsewhere the proof would stand
         set_row_aside(s, w);
 }
@@ -202,13 +200,10 @@ template<class R> bool choose_row(sopt *s, swork<R> *w)
 template<class R> void reject_pivot(sopt *s, swork<R> *w)
 {
     s->NumericCount++;
-    if (w->Lu.NumUpdates > 0) {
-        s->RefacReason = REFAC_PIVOT;
-        s->MarkowitzTol =
-            std::max(s->MarkowitzTol, std::min(TIGHT_MARKOWITZ, 4 * s->MarkowitzTol));
-        return;
-    }
-    set_row_aside(s, w);
+    if (w->Lu.NumUpdates > 0)
+        distrust_factors(s);
+    else
+        set_row_aside(s, w);
 }
 
 // Pivot column, its agreement with the row, and the step lengths.
@@ -216,7 +211,7 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, q = d->PivotCol;
-    load_column(s, w, q, &w->Alpha);
+    load_column(s, q, &w->Alpha);
     Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
     d->AlphaCol = w->Alpha.Value.data[r];
     const R gap = std::abs(std::abs(d->AlphaRow) - std::abs(d->AlphaCol));
@@ -251,7 +246,7 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     const int leaving = s->BasisHead.data[r];
     const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
     if (s->VStat.data[q] == AT_FREE) d->FreeCount--;
-    swap_basis(s, w, r, q, fixed ? AT_FIXED : to_lower ? AT_LOWER : AT_UPPER);
+    swap_basis(s, r, q, fixed ? AT_FIXED : to_lower ? AT_LOWER : AT_UPPER);
     dual_set_merit(s, w, r);
     s->NPvt++;
     s->Work++;
@@ -291,8 +286,8 @@ template<class R> int setup(sopt *s, swork<R> *w)
     d->CycleVar = -1;
     d->CycleHits = 0;
     d->CycleIter = s->NPvt;
-    dual_set_true_bounds<R>(s);
-    dual_remove_perturbation(s, w);
+    dual_set_true_bounds(s);
+    dual_remove_perturbation(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
     if (has_free_nonbasics(s)) {
@@ -303,10 +298,11 @@ template<class R> int setup(sopt *s, swork<R> *w)
         if (s->Status != SIMPLEX_RUNNING) return 0;
     }
     dual_weights_start(s, w);
+    if (s->Status != SIMPLEX_RUNNING) return 0;
     if (s->PerturbAllowed) dual_perturb_start<R>(s);
     compute_dual(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
-    if (s->BoxPhase) dual_set_box_bounds<R>(s);
+    if (s->BoxPhase) dual_set_box_bounds(s);
     s->RefacReason = REFAC_START;
     return 0;
 }
@@ -345,18 +341,11 @@ template<class R> void dopt_free(dopt<R> **d)
     *d = nullptr;
 }
 
-template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms)
-{
-    if (!w || !w->Dual || s->Method != METHOD_DUAL) return 0;
-    for (int j = 0; norms && j < s->NumVars; j++)
-        norms[j] = is_basic(s, j) ? static_cast<double>(w->Dual->WeightOf.data[j]) : 0;
-    return 1;
-}
-
 template<class R> int DualRun(sopt *s, swork<R> *w)
 {
     if (!w->Dual) TRY(dopt_create(s, &w->Dual));
     TRY(setup(s, w));
+    if (s->Status != SIMPLEX_RUNNING) return 0; // without weights
     while (s->Status == SIMPLEX_RUNNING) {
         if (s->RefacReason != REFAC_NONE) {
             watch_start(s, w);
@@ -368,9 +357,7 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
         if (limit_reached(s)) break;
         iterate(s, w);
     }
-    dual_weights_save(s, w);
-    w->Dual->WeightAge = s->BasisAge;
-    w->Dual->WeightPivots = s->Pivots;
+    dual_weights_keep(s, w);
     return 0;
 }
 
@@ -378,5 +365,3 @@ template int DualRun<double>(sopt *, swork<double> *);
 template int DualRun<long double>(sopt *, swork<long double> *);
 template void dopt_free<double>(dopt<double> **);
 template void dopt_free<long double>(dopt<long double> **);
-template int held_norms<double>(const sopt *, const swork<double> *, double *);
-template int held_norms<long double>(const sopt *, const swork<long double> *, double *);

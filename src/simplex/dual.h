@@ -5,9 +5,10 @@
 
 template<class R> struct dopt {
     // Row weights and the list of rows worth looking at
-    Array<R> Weights;   // [m] by position
-    Array<R> WeightOf;  // [NumVars] carries weights over a change of positions
-    int WeightAge = -1; // BasisAge and Pivots of the basis to which WeightOf belongs
+    Array<R> Weights;  // [m] by position
+    Array<R> WeightOf; // [NumVars] carries weights over a change of positions
+    int WeightAge =
+        -1; // BasisAge and Pivots of the basis to which WeightOf belongs; -1 none
     double WeightPivots = -1;
     int PricingCur = PRICE_STEEPEST;  // or PRICE_DEVEX
     int PricingFinal = 0;             // no more changes by itself
@@ -34,8 +35,7 @@ template<class R> struct dopt {
     R AlphaRow = 0; // pivot from the row
     R AlphaCol = 0; // pivot from the column
     R ThetaDual = 0, ThetaPrimal = 0;
-    int FreeCount = 0;  // nonbasics at AT_FREE
-    int ShiftCount = 0; // costs shifted in this run
+    int FreeCount = 0; // nonbasics at AT_FREE
     double CycleIter = 0,
            CycleLen = 0; // cycle watch: pivot of its start, length of the round
     int CycleVar = -1, CycleHits = 0; // entering variable that is watched, rounds seen
@@ -46,14 +46,14 @@ template<class R> struct dopt {
 template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
 
 // dual_start.cpp
-template<class R> void dual_set_true_bounds(sopt *s);
-template<class R> void dual_set_box_bounds(sopt *s);
+void dual_set_true_bounds(sopt *s);
+void dual_set_box_bounds(sopt *s);
 template<class R>
 int dual_place_nonbasics(
     sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
 template<class R> void dual_perturb_start(sopt *s);
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
-template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w);
+void dual_remove_perturbation(sopt *s);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
 // dual_free.cpp
@@ -64,9 +64,13 @@ template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);
 
 // dual_weights.cpp
-template<class R> void dual_weights_start(sopt *s, swork<R> *w); // needs factors
-template<class R> void dual_weights_save(sopt *s, swork<R> *w);  // positions will change
+template<class R>
+void dual_weights_start(sopt *s, swork<R> *w); // needs factors; a limit may stop it
+template<class R> void dual_weights_save(sopt *s, swork<R> *w); // positions will change
 template<class R> void dual_weights_restore(sopt *s, swork<R> *w);
+template<class R> void dual_weights_keep(sopt *s, swork<R> *w); // for the next run
+template<class R>
+bool dual_weights_kept(const sopt *s, const dopt<R> *d); // WeightOf belongs to the basis
 template<class R>
 R dual_true_weight(const swork<R> *w); // steepest edge: of row PivotRow, from Rho
 template<class R>

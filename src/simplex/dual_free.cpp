@@ -28,7 +28,7 @@ template<class R> int choose_position(const sopt *s, const swork<R> *w)
 
 template<class R> int enter_column(sopt *s, swork<R> *w, int j)
 {
-    load_column(s, w, j, &w->Alpha);
+    load_column(s, j, &w->Alpha);
     Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
     const int r = choose_position(s, w);
     if (r < 0) return 0;
@@ -36,7 +36,7 @@ template<class R> int enter_column(sopt *s, swork<R> *w, int j)
     Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
     const int leaving = s->BasisHead.data[r];
     const bool fixed = s->Lower.data[leaving] == s->Upper.data[leaving];
-    swap_basis(s, w, r, j, fixed ? AT_FIXED : AT_LOWER);
+    swap_basis(s, r, j, fixed ? AT_FIXED : AT_LOWER);
     s->NPvt++;
     s->Work++;
     const int result = UpdateFactor(&w->Lu, r, w->Alpha.Value.data[r]);

@@ -18,9 +18,6 @@
 
 namespace
 {
-constexpr double SMALL_PIVOT[] = {
-    1e-9, 1e-8, 1e-7}; // entries below cannot pivot: fresh factors, some, many updates
-constexpr int SOME_UPDATES = 10, MANY_UPDATES = 20;
 constexpr double WIDEN = 10; // growth of the step that collects breakpoints
 constexpr double GOOD_SHARE =
     0.1; // a pivot this large against the largest of all groups is taken
@@ -39,10 +36,7 @@ template<class R> void swap_candidates(dopt<R> *d, int a, int b)
 template<class R> void collect(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
-    const int updates = w->Lu.NumUpdates;
-    const R small = R(SMALL_PIVOT[updates < SOME_UPDATES   ? 0
-                                  : updates < MANY_UPDATES ? 1
-                                                           : 2]);
+    const R small = pivot_floor(w);
     const R side = d->Delta < 0 ? R(-1) : R(1);
     const int *__restrict vstat = s->VStat.data, *__restrict ind = w->RowInd.data;
     const R *__restrict val = w->RowVal.data, *__restrict cbar = w->Cbar.data;
@@ -69,10 +63,10 @@ template<class R> void collect_free(sopt *s, swork<R> *w)
     for (int k = 0; k < count; k++)
         if (s->VStat.data[w->RowInd.data[d->CandPlace.data[k]]] == AT_FREE)
             d->CandDual.data[k] = R(0);
-    const R side = d->Delta < 0 ? R(-1) : R(1);
+    const R side = d->Delta < 0 ? R(-1) : R(1), small = pivot_floor(w);
     for (int k = 0; k < w->RowCount; k++) {
         const R a = -side * w->RowVal.data[k];
-        if (a <= R(SMALL_PIVOT[2]) || s->VStat.data[w->RowInd.data[k]] != AT_FREE) continue;
+        if (a <= small || s->VStat.data[w->RowInd.data[k]] != AT_FREE) continue;
         d->CandPlace.data[count] = k;
         d->CandAlpha.data[count] = a;
         d->CandDual.data[count++] = R(0);
@@ -132,7 +126,7 @@ template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
             slope -= d->CandRange.data[k];
             swap_candidates(d, done++, k);
         }
-        if (done == before) break; // rounding: nothing passes its own bound
+        if (done == before) done = front; // rounding: nothing passes its own bound
         d->GroupEnd.data[groups++] = done;
     }
     return groups;

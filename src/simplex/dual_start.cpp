@@ -27,13 +27,13 @@ double random_share(Random *rng) // in (0, 1]
 }
 } // namespace
 
-template<class R> void dual_set_true_bounds(sopt *s)
+void dual_set_true_bounds(sopt *s)
 {
     std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
     std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
 }
 
-template<class R> void dual_set_box_bounds(sopt *s)
+void dual_set_box_bounds(sopt *s)
 {
     for (int j = 0; j < s->NumVars; j++) {
         const bool lower = has_lower(s, s->Lower.data[j]),
@@ -75,7 +75,6 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
 {
     s->WorkCost.data[j] += static_cast<double>(new_cbar - w->Cbar.data[j]);
     w->Cbar.data[j] = new_cbar;
-    w->Dual->ShiftCount++;
     s->Perturbed = std::max(s->Perturbed, 1);
 }
 
@@ -128,20 +127,16 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
     s->PerturbCur = std::min(PERTURB_MOST, PERTURB_GROWTH * s->PerturbCur);
 }
 
-template<class R> void dual_remove_perturbation(sopt *s, swork<R> *w)
+void dual_remove_perturbation(sopt *s)
 {
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
     s->Perturbed = 0;
-    w->Dual->ShiftCount = 0;
 }
 
 #define INSTANTIATE(R)                                                                     \
-    template void dual_set_true_bounds<R>(sopt *);                                         \
-    template void dual_set_box_bounds<R>(sopt *);                                          \
     template int dual_place_nonbasics<R>(sopt *, swork<R> *);                              \
     template void dual_perturb_start<R>(sopt *);                                           \
     template void dual_perturb_stalled<R>(sopt *, swork<R> *);                             \
-    template void dual_remove_perturbation<R>(sopt *, swork<R> *);                         \
     template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);
 INSTANTIATE(double)
 INSTANTIATE(long double)

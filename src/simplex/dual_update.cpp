@@ -19,7 +19,7 @@ template<class R> void add_column(sopt *s, SVec<R> *x, int j, R factor)
         svec_add(x, s->ColInd.data[p], R(s->ColVal.data[p]) * factor);
 }
 
-template<class R> void update_reduced_costs(sopt *s, swork<R> *w, int leaving)
+template<class R> void update_reduced_costs(swork<R> *w, int leaving)
 {
     dopt<R> *d = w->Dual;
     const R theta = d->ThetaDual;
@@ -31,7 +31,6 @@ template<class R> void update_reduced_costs(sopt *s, swork<R> *w, int leaving)
     }
     cbar[d->PivotCol] = R(0);
     cbar[leaving] = -theta;
-    (void)s;
 }
 } // namespace
 
@@ -71,7 +70,7 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
         dual_set_merit(s, w, i);
     }
     bbar[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
-    update_reduced_costs(s, w, leaving);
+    update_reduced_costs(w, leaving);
     s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;
 }
 

@@ -18,13 +18,14 @@ constexpr double WEIGHT_MIN = 1e-8;     // floor of a weight that rounding has s
 constexpr double FRAMEWORK_LIFE = 30;   // entries per row updated before a new framework
 constexpr double FRAMEWORK_STEP = 0.02; // rows counted for every pivot
 constexpr double EXACT_WIDE = 100,
-                 EXACT_SQUARE = 0.1;   // shapes that repay exact start weights
-constexpr int LARGE_ROWS = 15000;      // models from here on may change their pricing
-constexpr double NARROW = 3;           // if they have at most this many columns per row
-constexpr double NORM_SHARE = 3;       // effort for weights over effort for rows: too much
+                 EXACT_SQUARE = 0.1;    // shapes that repay exact start weights
+constexpr int LIMIT_PERIOD = 100;       // solves between looks at the limits
+constexpr int LARGE_ROWS = 15000;       // models from here on may change their pricing
+constexpr double NARROW = 3;            // if they have at most this many columns per row
+constexpr double NORM_SHARE = 3;        // effort for weights over effort for rows: too much
 constexpr double NORM_DOMINATES = 0.45; // and over all effort
-constexpr double DEVEX_LIMIT = 3;      // pivots per row after which Devex is given up
-constexpr int DEVEX_SWITCHES = 3;      // so are runs in trouble
+constexpr double DEVEX_LIMIT = 3;       // pivots per row after which Devex is given up
+constexpr int DEVEX_SWITCHES = 3;       // so are runs in trouble
 
 // The variables that are basic now become the framework, in which every row has length 1.
 template<class R> void set_framework(sopt *s, swork<R> *w)
@@ -49,6 +50,7 @@ template<class R> R squared_length(const SVec<R> *x)
 template<class R> void exact_weights(sopt *s, swork<R> *w)
 {
     for (int k = 0; k < s->NumRows; k++) {
+        if (k % LIMIT_PERIOD == 0 && limit_reached(s)) return;
         svec_unit(&w->Rho, k, R(1));
         Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
         w->Dual->Weights.data[k] = std::max(squared_length(&w->Rho), R(WEIGHT_MIN));
@@ -60,6 +62,18 @@ bool wants_exact_weights(const sopt *s)
     const int wish = s->Env->TARV_PAR_EXACTNORM;
     const double m = s->NumRows, n = s->NumCols;
     return wish == 1 || (wish == -1 && n > EXACT_WIDE * m && n > EXACT_SQUARE * m * m);
+}
+
+// Weights that came with the start basis count when every basic variable has one.
+template<class R> bool take_given_weights(const sopt *s, dopt<R> *d)
+{
+    if (s->StartNorms.size == 0) return false;
+    for (int k = 0; k < s->NumRows; k++) {
+        const double norm = s->StartNorms.data[s->BasisHead.data[k]];
+        if (!(norm > 0 && norm < s->Infinity)) return false;
+        d->Weights.data[k] = std::max(R(norm), R(WEIGHT_MIN));
+    }
+    return true;
 }
 
 template<class R> void update_steepest(swork<R> *w)
@@ -103,7 +117,7 @@ template<class R> void dual_weights_start(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int wish = s->Env->SimplexPricing;
-    const bool kept = d->WeightAge == s->BasisAge && d->WeightPivots == s->Pivots;
+    const bool kept = dual_weights_kept(s, d);
     if (wish == PRICE_DEVEX) {
         d->PricingCur = PRICE_DEVEX;
         set_framework(s, w);
@@ -111,6 +125,8 @@ template<class R> void dual_weights_start(sopt *s, swork<R> *w)
     }
     const bool usable = kept && d->PricingCur == PRICE_STEEPEST;
     d->PricingCur = PRICE_STEEPEST;
+    d->WeightAge = -1;
+    if (take_given_weights(s, d)) return;
     if (usable) {
         dual_weights_restore(s, w);
         return;
@@ -133,6 +149,18 @@ template<class R> void dual_weights_restore(sopt *s, swork<R> *w)
     dopt<R> *d = w->Dual;
     for (int k = 0; k < s->NumRows; k++)
         d->Weights.data[k] = d->WeightOf.data[s->BasisHead.data[k]];
+}
+
+template<class R> bool dual_weights_kept(const sopt *s, const dopt<R> *d)
+{
+    return d->WeightAge == s->BasisAge && d->WeightPivots == s->Pivots;
+}
+
+template<class R> void dual_weights_keep(sopt *s, swork<R> *w)
+{
+    dual_weights_save(s, w);
+    w->Dual->WeightAge = s->BasisAge;
+    w->Dual->WeightPivots = s->Pivots;
 }
 
 template<class R> R dual_true_weight(const swork<R> *w)
@@ -179,6 +207,8 @@ template<class R> void dual_change_pricing(sopt *s, swork<R> *w)
     template void dual_weights_start<R>(sopt *, swork<R> *);                               \
     template void dual_weights_save<R>(sopt *, swork<R> *);                                \
     template void dual_weights_restore<R>(sopt *, swork<R> *);                             \
+    template void dual_weights_keep<R>(sopt *, swork<R> *);                                \
+    template bool dual_weights_kept<R>(const sopt *, const dopt<R> *);                     \
     template R dual_true_weight<R>(const swork<R> *);                                      \
     template void dual_update_weights<R>(sopt *, swork<R> *);                              \
     template void dual_change_pricing<R>(sopt *, swork<R> *);

@@ -13,7 +13,6 @@
 
 namespace
 {
-constexpr double TIGHT_MARKOWITZ = 0.5;
 constexpr double COST_SHARE =
     0.1; // largest true cost in phase 1, against 1 per infeasibility
 constexpr int FEW_ROWS_UPDATES = 100;
@@ -133,7 +132,7 @@ template<class R> void drop_phase_costs(sopt *s, popt<R> *p)
 template<class R> void no_column(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    if (w->Lu.NumUpdates > 0) {
+    if (w->Lu.NumUpdates > 0 && (p->Rejected > 0 || p->Phase1 || wants_confirmation(s))) {
         s->RefacReason = REFAC_CLEAN;
     } else if (p->Rejected > 0) {
         s->Status = SIMPLEX_SWITCH;
@@ -174,9 +173,7 @@ template<class R> void reject_column(sopt *s, swork<R> *w)
     popt<R> *p = w->Primal;
     s->NumericCount++;
     if (w->Lu.NumUpdates > 0) {
-        s->RefacReason = REFAC_PIVOT;
-        s->MarkowitzTol =
-            std::max(s->MarkowitzTol, std::min(TIGHT_MARKOWITZ, 4 * s->MarkowitzTol));
+        distrust_factors(s);
         return;
     }
     if (s->Superbasics > 0) {
@@ -211,7 +208,7 @@ template<class R> bool choose_column(sopt *s, swork<R> *w)
         p->PivotCol = p->PricingCur == PRICE_PARTIAL ? primal_partial_choose(s, w)
                                                      : price_list_best(&p->Columns);
         if (p->PivotCol < 0) return false;
-        load_column(s, w, p->PivotCol, &w->Alpha);
+        load_column(s, p->PivotCol, &w->Alpha);
         Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
         if (check_price(s, w)) {
             p->Direction = w->Cbar.data[p->PivotCol] < 0 ? 1 : -1;
@@ -285,7 +282,7 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
     }
     const bool fixed = s->WorkLower.data[leaving] == s->WorkUpper.data[leaving];
     if (is_superbasic(s, q)) s->Superbasics--;
-    swap_basis(s, w, r, q, fixed ? AT_FIXED : p->ToUpper ? AT_UPPER : AT_LOWER);
+    swap_basis(s, r, q, fixed ? AT_FIXED : p->ToUpper ? AT_UPPER : AT_LOWER);
     w->Bbar.data[r] = entering_value;
     p->RowState.data[r] = ROW_FEASIBLE;
     primal_set_merit(s, w, q);
@@ -432,6 +429,10 @@ template<class R> int PrimalRun(sopt *s, swork<R> *w)
         if (limit_reached(s)) break;
         iterate(s, w);
     }
+    popt<R> *p = w->Primal;
+    const bool exact = p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
+    p->WeightAge = exact && !p->NewWeights ? s->BasisAge : -1;
+    p->WeightPivots = s->Pivots;
     return 0;
 }
 

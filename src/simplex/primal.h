@@ -14,7 +14,10 @@ template<class R> struct popt {
     // Column prices
     int PricingCur = PRICE_DEVEX; // pricing in force
     int PricingFixed = 0;         // the caller chose it
-    int NewWeights = 0;      // weights are to be made for the basis of the next refresh
+    int NewWeights = 0; // weights are to be made for the basis of the next refresh
+    int WeightAge =
+        -1; // BasisAge and Pivots of the basis to which exact Weights belong; -1 none
+    double WeightPivots = -1;
     double PricingSince = 0; // iteration of the last change of pricing
     double AvgSpike = 0;     // length, in the last cycle between factorisations
     double AvgRow = 0;     // entries of the matrix that a pivot row would have touched then

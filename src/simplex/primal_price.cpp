@@ -115,7 +115,7 @@ template<class R> void start_norms(sopt *s, swork<R> *w)
         R *weight = &p->Weights.data[j];
         *weight = R(1);
         if (is_basic(s, j) || s->VStat.data[j] == AT_FIXED) continue;
-        load_column(s, w, j, &w->Alpha);
+        load_column(s, j, &w->Alpha);
         if (!slacks) Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::NO);
         for (int k = 0; k < w->Alpha.Count; k++) {
             const R a = w->Alpha.Value.data[w->Alpha.Index.data[k]];

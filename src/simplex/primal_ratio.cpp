@@ -13,15 +13,7 @@
 
 namespace
 {
-constexpr double SMALL_PIVOT[] = {1e-9, 1e-8, 1e-7}; // by age of the factors
-constexpr int SOME_UPDATES = 10, MANY_UPDATES = 20;
 constexpr double GOOD_SHARE = 0.1, GOOD_PIVOT = 1.0;
-
-template<class R> R pivot_floor(const swork<R> *w)
-{
-    const int updates = w->Lu.NumUpdates;
-    return R(SMALL_PIVOT[updates < SOME_UPDATES ? 0 : updates < MANY_UPDATES ? 1 : 2]);
-}
 
 // How far the entering variable may go itself. A free superbasic without a price stops at zero.
 template<class R> R entering_range(const sopt *s, const swork<R> *w)

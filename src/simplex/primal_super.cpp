@@ -44,7 +44,7 @@ template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w)
         return;
     }
     const int q = p->PivotCol = p->SuperNext - 1;
-    load_column(s, w, q, &w->Alpha);
+    load_column(s, q, &w->Alpha);
     Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
     w->Cbar.data[q] = primal_exact_cbar(s, w);
     p->Direction = super_direction(s, w, q);

@@ -47,8 +47,8 @@ int go_extended(sopt *s)
     return 0;
 }
 
-// A start that is optimal stays: the perturbation of a run would only lead away from it. 0 or a code.
-template<class R> int keep_optimal_start(sopt *s, swork<R> *w)
+// A basis that is optimal stays: the perturbation of a run would only lead away from it. 0 or a code.
+template<class R> int keep_optimal(sopt *s, swork<R> *w)
 {
     if (s->InfeasCheckNeeded) sopt_check_bounds(s);
     if (s->Status == SIMPLEX_RUNNING && !has_factor(s, w)) TRY(Refactor(s, w));
@@ -57,6 +57,11 @@ template<class R> int keep_optimal_start(sopt *s, swork<R> *w)
     const Infeasibility inf = measure_infeasibility(s, w);
     if (inf.PrimalCount == 0 && inf.DualCount == 0) s->Status = SIMPLEX_OPTIMAL;
     return 0;
+}
+
+int keep_optimal(sopt *s)
+{
+    return s->Quad ? keep_optimal(s, s->Extended) : keep_optimal(s, s->Double);
 }
 
 // Until one method ends with a final status.
@@ -119,43 +124,54 @@ int run_again(sopt *s, int method)
     return 0;
 }
 
-bool is_limit(int status)
+// The optimal basis with these statuses once more.
+int take_up(sopt *s, const int *statuses)
 {
-    return status == SIMPLEX_ITERATION_LIMIT || status == SIMPLEX_TIME_LIMIT ||
-           status == SIMPLEX_INTERRUPTED;
+    for (int j = 0; j < s->NumVars; j++) {
+        s->VStat.data[j] = statuses[j];
+        if (is_basic(s, j)) s->BasisHead.data[statuses[j]] = j;
+    }
+    s->BasisAge++;
+    row_copy_partition(s);
+    s->Status = SIMPLEX_RUNNING;
+    return keep_optimal(s);
 }
 
 // Tighter tolerances where violations matter. An optimum within the caller's tolerances that is lost thereby is taken
-// up again.
+// up again, also when a limit stops the way to a better one.
 int polish(sopt *s)
 {
     const double tol_feas = s->FeasTol, tol_opt = s->OptTol;
-    bool acceptable = false;
+    Array<int> acceptable;
     for (int round = 0; round < MAX_POLISH && s->Status == SIMPLEX_OPTIMAL; round++) {
         const UserViolations v = violations(s);
-        acceptable = acceptable || (v.Primal.Largest <= s->Env->FeasibilityTol &&
-                                    v.Dual.Largest <= s->Env->OptimalityTol);
+        if (acceptable.size == 0 && v.Primal.Largest <= s->Env->FeasibilityTol &&
+            v.Dual.Largest <= s->Env->OptimalityTol)
+            TRY(array_copy(&acceptable, s->VStat.data, s->NumVars));
         const bool primal = tighten_for(&s->FeasTol, s->Env->FeasibilityTol, v.Primal),
                    dual = tighten_for(&s->OptTol, s->Env->OptimalityTol, v.Dual);
         if (!primal && !dual) return 0;
         TRY(run_again(s, primal ? METHOD_DUAL : METHOD_PRIMAL));
     }
-    if (s->Status == SIMPLEX_OPTIMAL || is_limit(s->Status)) return 0;
-    if (!acceptable && s->Status != SIMPLEX_NUMERIC) return 0;
+    if (s->Status == SIMPLEX_OPTIMAL) return 0;
+    if (acceptable.size == 0 && s->Status != SIMPLEX_NUMERIC) return 0;
     s->FeasTol = tol_feas;
     s->OptTol = tol_opt;
     s->SwitchCount = s->NumericCount = 0;
-    return run_again(s, METHOD_DUAL);
+    if (acceptable.size == 0) return run_again(s, METHOD_DUAL);
+    TRY(take_up(s, acceptable.data));
+    return s->Status == SIMPLEX_OPTIMAL ? 0 : run_again(s, METHOD_DUAL);
 }
 
 int solve(sopt *s)
 {
-    TRY(s->Quad ? keep_optimal_start(s, s->Extended) : keep_optimal_start(s, s->Double));
+    TRY(keep_optimal(s));
     if (s->Status == SIMPLEX_RUNNING) {
         TRY(run_methods(s));
         finish_live(s);
     }
-    return s->Status == SIMPLEX_OPTIMAL ? polish(s) : 0;
+    const bool look = s->Env->TARV_PAR_UNSCALEDVIO != 0;
+    return s->Status == SIMPLEX_OPTIMAL && look ? polish(s) : 0;
 }
 
 // The record for this model, with tolerances and counters for a new run.
@@ -170,22 +186,27 @@ int prepare_record(TVXmodel *model)
     return switch_precision(s, wish == 1 || (wish == -1 && s->Quad));
 }
 
-// A start basis: given, live, stored with the model, or made of slacks.
-int prepare_basis(TVXmodel *model, const int *vstat_cols, const int *vstat_rows)
+// A start basis: given, live, stored with the model, or made of slacks, which a crash may then improve.
+int prepare_basis(TVXmodel *model, const int *vstat_cols, const int *vstat_rows,
+                  bool *from_slacks)
 {
     sopt *s = model->simplex;
+    s->StartNorms.size = 0;
     if (vstat_cols && vstat_rows) {
         Array<int> statuses;
         TRY(array_resize(&statuses, s->NumVars));
         std::copy_n(vstat_cols, s->NumCols, statuses.data);
         std::copy_n(vstat_rows, s->NumRows, statuses.data + s->NumCols);
-        if (!start_from_statuses(s, statuses.data)) start_slack_basis(s);
+        *from_slacks = !start_from_statuses(s, statuses.data);
     } else if (s->HasBasis) {
         settle_nonbasics(s);
     } else {
         const WarmStart *warm = warm_start_usable(model);
-        if (!warm || !start_from_statuses(s, warm->statuses.data)) start_slack_basis(s);
+        *from_slacks = !warm || !start_from_statuses(s, warm->statuses.data);
+        if (!*from_slacks && warm->norms.size == s->NumVars)
+            TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
     }
+    if (*from_slacks) start_slack_basis(s);
     row_copy_partition(s);
     return 0;
 }
@@ -213,10 +234,11 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
 {
     TRY(prepare_record(model));
     sopt *s = model->simplex;
-    TRY(prepare_basis(model, vstat_cols, vstat_rows));
+    bool from_slacks = false;
+    TRY(prepare_basis(model, vstat_cols, vstat_rows, &from_slacks));
     if (x_start) start_from_point(s, x_start, slack_start);
     s->Method = choose_method(model, method);
-    if (s->Method == METHOD_DUAL && is_slack_basis(s)) {
+    if (s->Method == METHOD_DUAL && from_slacks) {
         TRY(crash_equations(s));
         row_copy_partition(s);
     }

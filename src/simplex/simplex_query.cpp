@@ -1,5 +1,6 @@
 // simplex_query.cpp -- what others read from a simplex record, in the units and signs of the model body
-#include "simplex/sopt.h"
+#include "simplex/dual.h"
+#include "simplex/primal.h"
 #include <algorithm>
 
 namespace
@@ -67,7 +68,7 @@ double simplex_objective(const sopt *s)
 }
 double simplex_iterations(const sopt *s)
 {
-    return iterations(s);
+    return s->NPvt;
 }
 int simplex_factorizations(const sopt *s)
 {
@@ -95,6 +96,24 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col, 
     if (row) *row = s->Scaled ? s->RowScale.data : nullptr;
     if (col) *col = s->Scaled ? s->ColScale.data : nullptr;
     if (obj) *obj = s->ObjScale;
+}
+
+// The weights of the last run, when they are those of steepest edge for the basis at hand.
+template<class R> static int held_norms(const sopt *s, const swork<R> *w, double *norms)
+{
+    const bool dual = s->Method == METHOD_DUAL;
+    if (!w || (dual ? !w->Dual : !w->Primal)) return 0;
+    if (dual && (w->Dual->PricingCur == PRICE_DEVEX || !dual_weights_kept(s, w->Dual)))
+        return 0;
+    if (!dual &&
+        (w->Primal->WeightAge != s->BasisAge || w->Primal->WeightPivots != s->Pivots))
+        return 0;
+    const R *weights = dual ? w->Dual->WeightOf.data : w->Primal->Weights.data;
+    for (int j = 0; norms && j < s->NumVars; j++)
+        norms[j] = s->VStat.data[j] != AT_FIXED && is_basic(s, j) == dual
+                       ? static_cast<double>(weights[j])
+                       : 0;
+    return dual ? 1 : 2;
 }
 
 int simplex_get_norms(const sopt *s, double *norms)

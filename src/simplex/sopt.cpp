@@ -100,7 +100,6 @@ void sopt_refresh(sopt *s)
     s->LastLogIter = -1;
     s->HeaderDone = 0;
     s->NextLogIter = 0;
-    s->IterBase = 0;
     s->NPvt = s->Work = 0;
     s->NumFactor = 0;
     s->Status = SIMPLEX_RUNNING;
@@ -132,7 +131,6 @@ void sopt_refresh(sopt *s)
 
 void sopt_check_bounds(sopt *s)
 {
-    s->InfeasCheckNeeded = 0;
     for (int j = 0; j < s->NumCols; j++) {
         double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
         const bool crossed = *lower - *upper > s->FeasTol;
@@ -149,8 +147,9 @@ void sopt_check_bounds(sopt *s)
         const ModelBody *body = s->Model->body;
         TVXmsg(s->Env, "Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
                var_name(body, j, buffer), body->lb.data[j], body->ub.data[j]);
-        return;
+        return; // the next run has to look again
     }
+    s->InfeasCheckNeeded = 0;
 }
 
 template<class R> int swork_create(sopt *s, swork<R> **out)

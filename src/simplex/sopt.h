@@ -88,8 +88,7 @@ struct sopt {
     double TickIndex = -1;   // tick of the last line
     double LastLogIter = -1; // iteration of the last line
     double NextLogIter = 0;  // threshold of the periodic line
-    double IterBase = 0;     // iterations of earlier legs of this solve
-    double NPvt = 0;         // iterations of this leg
+    double NPvt = 0;         // iterations of this run
     double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
     double Work = 0;         // NPvt plus bound flips
     double WorkUnits = 0;    // deterministic effort besides the factor records
@@ -128,7 +127,9 @@ struct sopt {
     Array<double> WorkLower,
         WorkUpper; // [NumVars] bounds in force: true, box of phase 1, or perturbed
     Array<double> BasicLower,
-        BasicUpper;      // [m] WorkLower and WorkUpper of the basic variables, by position
+        BasicUpper; // [m] WorkLower and WorkUpper of the basic variables, by position
+    Array<double>
+        StartNorms; // [NumVars] squared norms of the basics that came with the basis, or empty
     int Superbasics = 0; // nonbasics that stand at a value of their own
     int HasBasis = 0;    // VStat and BasisHead hold a basis
     int BasisAge =
@@ -205,11 +206,6 @@ inline bool is_superbasic(const sopt *s, int j)
            (s->SuperVal.data[j] != 0 || has_lower(s, s->Lower.data[j]) ||
             has_upper(s, s->Upper.data[j]));
 }
-inline double iterations(const sopt *s)
-{
-    return s->IterBase + s->NPvt;
-}
-
 template<class R> swork<R> *live_work(sopt *s);
 template<> inline swork<double> *live_work<double>(sopt *s)
 {
@@ -224,6 +220,12 @@ template<> inline swork<long double> *live_work<long double>(sopt *s)
 template<class R> inline bool has_factor(const sopt *s, const swork<R> *w)
 {
     return w->Lu.NeedBasis == 0 && w->FactorAge == s->BasisAge;
+}
+// Entries of a row or column below this one cannot pivot: with fresh factors, some, many updates.
+template<class R> inline R pivot_floor(const swork<R> *w)
+{
+    const int updates = w->Lu.NumUpdates;
+    return R(updates < 10 ? 1e-9 : updates < 20 ? 1e-8 : 1e-7);
 }
 
 // ---- sopt.cpp: the record ----
@@ -258,18 +260,20 @@ void start_from_point(sopt *s, const double *x, const double *slack);
 // Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.
 template<class R> [[nodiscard]] int Refactor(sopt *s, swork<R> *w);
 template<class R> void compute_row(sopt *s, swork<R> *w); // packed pivot row from Rho
-template<class R>
-void load_column(sopt *s, swork<R> *w, int j, SVec<R> *x); // x := column j
-void set_basic_bounds(sopt *s);                            // BasicLower, BasicUpper
+template<class R> void load_column(const sopt *s, int j, SVec<R> *x); // x := column j
+void set_basic_bounds(sopt *s); // BasicLower, BasicUpper
 // Exchanges basic position r with nonbasic q; the leaving variable takes `status`.
-template<class R> void swap_basis(sopt *s, swork<R> *w, int r, int q, int status);
+void swap_basis(sopt *s, int r, int q, int status);
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w);
+bool wants_confirmation(const sopt *s); // a result needs fresh factors
+void distrust_factors(
+    sopt *s); // a pivot of old factors was wrong: new ones, with stricter pivots
 
 // ---- values.cpp ----
 template<class R>
 void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
 template<class R> void refine_primal(sopt *s, swork<R> *w); // Bbar once more
-template<class R> void compute_dual(sopt *s, swork<R> *w); // Cbar from WorkCost
+template<class R> void compute_dual(sopt *s, swork<R> *w);  // Cbar from WorkCost
 template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
 // Draws conclusions from the residuals of the last two; may set Status.
 template<class R> void judge_residuals(sopt *s, const swork<R> *w);
@@ -318,8 +322,6 @@ struct Infeasibility {
     double DualSum = 0, DualMax = 0;
     int PrimalCount = 0, DualCount = 0;
 };
-// Pricing norms: 0 none, 1 dual, 2 primal; norms [NumVars] or null.
-template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms);
 template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w);
 // The value of the basis with true costs and bounds; in the box problem of phase 1 with its bounds, as a variable may
 // stand at an upper bound there that it does not have.

@@ -96,6 +96,7 @@ int crash_equations(sopt *s)
         s->VStat.data[j] = i;
         s->BasisHead.data[i] = j;
         s->VStat.data[s->NumCols + i] = AT_FIXED;
+        s->BasisAge++;
     }
     return 0;
 }
