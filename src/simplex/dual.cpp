@@ -14,9 +14,10 @@ namespace
 {
 constexpr double WEIGHT_TRUST =
     0.25; // a stored weight below this share of the true one: choose again
-constexpr int MAX_REJECTED = 20;  // rows set aside before a switch of method is tried
-constexpr int PRICING_PERIOD = 3; // factorisations between looks at the pricing
-constexpr int CYCLE_HITS = 30;    // rounds after which the method gives up
+constexpr int MAX_REJECTED = 20;       // rows set aside before a switch of method is tried
+constexpr int PRICING_PERIOD = 3;      // factorisations between looks at the pricing
+constexpr double UPDATES_POWER = 0.65; // limit m^0.65: rows are cheap only with few etas
+constexpr int CYCLE_HITS = 30;         // rounds after which the method gives up
 
 // Weights follow their variables through a factorisation.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
@@ -286,6 +287,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     d->CycleVar = -1;
     d->CycleHits = 0;
     d->CycleIter = s->NPvt;
+    s->MaxUpdates = std::min(s->MaxUpdates, update_limit(s, UPDATES_POWER));
     dual_set_true_bounds(s);
     dual_remove_perturbation(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));

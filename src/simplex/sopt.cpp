@@ -91,6 +91,11 @@ int sopt_create(TVXmodel *model, sopt **out)
     return 0;
 }
 
+int update_limit(const sopt *s, double power)
+{
+    return std::max(UPDATES_LEAST, static_cast<int>(std::pow(s->NumRows, power)));
+}
+
 void sopt_refresh(sopt *s)
 {
     const TVXenv *env = s->Env;
@@ -121,7 +126,7 @@ void sopt_refresh(sopt *s)
         s->PerturbCur *= s->NumRows <= PERTURB_SMALL_ROWS ? PERTURB_SMALL : PERTURB_LARGE;
     s->DegenCount = s->LastDegenCount = s->LastPerturbIter = 0;
     const double m = s->NumRows;
-    s->MaxUpdates = std::max(UPDATES_LEAST, static_cast<int>(std::pow(m, UPDATES_POWER)));
+    s->MaxUpdates = update_limit(s, UPDATES_POWER);
     s->MinUpdates = static_cast<int>(std::pow(m, UPDATES_FREE_POWER));
     // The cutoff is given for the caller's sense; the default means none whatever the sense.
     s->Cutoff = env->Cutoff < UNDEFINED_VALUE ? s->Sense * env->Cutoff - s->ObjOffset
