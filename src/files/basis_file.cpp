@@ -118,7 +118,7 @@ int basis_write_statuses(TVXmodel *model, const int *vbasis, const int *cbasis,
     TRY(array_copy(&work.cbasis, cbasis, work.cbasis.size));
     if (!is_balanced(&work)) return no_basis(model, TVX_ERROR_DATA_NOT_AVAILABLE);
     TextOut out;
-    TRY(text_out_open(&out, file_name));
+    TRY(text_out_open(&out, model->env, file_name));
     write_basis(model, &work, &out);
     return text_out_close(&out);
 }
@@ -235,11 +235,13 @@ static int take_line(BasisReader *reader, TextSpan line)
     }
 }
 
-static int binary_file(TVXmodel *model, const char *file_name)
+static int binary_file(TVXmodel *model, const char *file_name, long long line)
 {
-    TVXmsg(model->env, "Error: file %s is no text file\n", file_name);
+    TVXmsg(model->env, "Error: file %s is no text file: control character in line %lld\n",
+           file_name, line);
     return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                      "File %s is no text file\n", file_name);
+                      "File %s is no text file: control character in line %lld\n",
+                      file_name, line);
 }
 
 static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)
@@ -247,30 +249,16 @@ static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text
     TextSpan line;
     for (;;) {
         const TextStep step = text_next(text, &line);
-        if (step == TextStep::END) return 0;
-        if (step == TextStep::BINARY) return binary_file(reader->model, file_name);
+        if (step == TextStep::END) {
+            TVXmsg(reader->model->env, "Warning: no ENDATA in file %s\n", file_name);
+            return 0;
+        }
+        if (step == TextStep::BINARY)
+            return binary_file(reader->model, file_name, text->line);
         if (span_empty(line)) continue;
         const char first = *line.begin;
         if (first == 'E' || first == 'e') return 0;
         if (first == ' ') TRY(take_line(reader, line));
-    }
-}
-
-static int load(TVXmodel *model, const char *file_name, TextFile *text)
-{
-    switch (text_load(file_name, text)) {
-    case TextLoad::OK:
-        return 0;
-    case TextLoad::NO_MEMORY:
-        return OUT_OF_MEMORY;
-    case TextLoad::NOT_FOUND:
-        TVXmsg(model->env, "Error: file %s not found\n", file_name);
-        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                          "File %s not found\n", file_name);
-    default: // TextLoad::BROKEN
-        TVXmsg(model->env, "Error: file %s cannot be read to its end\n", file_name);
-        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                          "File %s cannot be read to its end\n", file_name);
     }
 }
 
@@ -297,7 +285,7 @@ int basis_read(TVXmodel *model, const char *file_name)
 {
     if (!model->body->numvars || !model->body->numconstrs) return 0;
     TextFile text;
-    TRY(load(model, file_name, &text));
+    TRY(text_load_failed(model->env, file_name, text_load(file_name, &text)));
     BasisReader reader{};
     int error = reader_make(model, &reader);
     if (!error) error = walk_lines(&reader, file_name, &text);

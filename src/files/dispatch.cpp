@@ -38,10 +38,10 @@ static int write_parameters(TVXmodel *model, const char *file_name)
 struct FileKind {
     FileType type;
     const char *suffix;
-    const char *form;       // of a model, for the log; null: no model
+    const char *form;       // of a model, for people; null: no model
     ModelReader read_model; // null: cannot be read as a model
     ModelVisitor read_into; // null: cannot be read into a model
-    ModelVisitor write;     // null: cannot be written
+    ModelVisitor write;     // null: cannot be written; no model has that
 };
 
 // Rows of models first: they are also the order in which a name without suffix is completed.
@@ -170,7 +170,7 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
                     "Unknown file type for file '%s'", name);
     if (!kind->read_model)
         return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                    "Files of type '%s' cannot be read by this build: '%s'", kind->suffix,
+                    "%s files cannot be read yet, only MPS files: '%s'", kind->form,
                     completion.name.data);
     TRY(kind->read_model(env, completion.name.data, model_out));
     announce(*model_out, kind, completion.name.data, WallClock() - start);
@@ -241,8 +241,8 @@ static int write_file(TVXmodel *model, const char *name)
     }
     if (!kind->write)
         return fail_model(model, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
-                          "Files of type '%s' cannot be written by this build: '%s'",
-                          kind->suffix, name);
+                          "%s files cannot be written yet, only MPS files: '%s'",
+                          kind->form, name);
     const int error = kind->write(model, name);
     if (error == TVX_ERROR_FILE_WRITE) return cannot_write(model, name);
     return fail_model(model, error, Report::KEEP_FIRST, "Failed to write '%s'", name);

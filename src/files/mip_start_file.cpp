@@ -80,7 +80,11 @@ static int walk_lines(StartReader *reader, TextFile *text)
     for (;;) {
         const TextStep step = text_next(text, &line);
         if (step == TextStep::END) break;
-        if (step == TextStep::BINARY) return bad_line(reader, text->line, line);
+        if (step == TextStep::BINARY)
+            return fail_model(reader->model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+                              "MIP start: control character in line %lld, this is no text "
+                              "file",
+                              static_cast<long long>(text->line));
         TRY(start_line(reader, text->line, line));
     }
     if (reader->n_unknown)
@@ -106,18 +110,11 @@ static int read_text(TVXmodel *model, TextFile *text)
 int mip_start_read(TVXmodel *model, const char *file_name)
 {
     TextFile text;
-    switch (text_load(file_name, &text)) {
-    case TextLoad::OK:
-        break;
-    case TextLoad::NO_MEMORY:
-        return OUT_OF_MEMORY;
-    case TextLoad::NOT_FOUND:
+    const TextLoad result = text_load(file_name, &text);
+    if (result == TextLoad::NOT_FOUND)
         return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
                           "Unable to open file '%s' for input", file_name);
-    default: // TextLoad::BROKEN
-        return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                          "File %s cannot be read to its end\n", file_name);
-    }
+    TRY(text_load_failed(model->env, file_name, result));
     const int error = read_text(model, &text);
     return error ? problem(model, error) : 0;
 }
@@ -155,7 +152,7 @@ int mip_start_write(TVXmodel *model, const char *file_name)
     if (const int error = TVXgetdblattrarray(model, "X", 0, model->body->numvars, x.data))
         return no_solution(model, error);
     TextOut out;
-    TRY(text_out_open(&out, file_name));
+    TRY(text_out_open(&out, model->env, file_name));
     write_values(model, &names, x.data, &out);
     return text_out_close(&out);
 }

@@ -325,7 +325,8 @@ static constexpr int LINE_SHOWN = 256; // bytes of an offending line in a report
 static int report_line(TVXenv *env, const MpsFailure *failure)
 {
     char shown[LINE_SHOWN];
-    text_printable(shown, LINE_SHOWN, failure->text);
+    const int size = failure->fault == MpsFault::BINARY ? FIELD_SHOWN : LINE_SHOWN;
+    text_printable(shown, size, failure->text);
     const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
     if (failure->fault == MpsFault::FIELDS)
         TVXmsg(env, "Error: not free format mps file.\n");
@@ -342,10 +343,12 @@ static int report_section(TVXenv *env, const MpsFailure *failure, const char *lo
     const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
     char shown[LINE_SHOWN];
     text_printable(shown, LINE_SHOWN, failure->text);
+    const char *indent = *shown ? "\n         " : ""; // no text behind the last line
+    const char *end = *shown ? "\n" : "";
     TVXmsg(env, "%s", log_text);
-    TVXmsg(env, "         line %d: %s\n         %s", line, shown, failure->reason);
-    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s\n%s", message,
-                line, shown, failure->reason);
+    TVXmsg(env, "         line %d: %s%s%s", line, shown, indent, failure->reason);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s%s%s", message,
+                line, shown, end, failure->reason);
 }
 
 static int report_no_end(TVXenv *env, const MpsFailure *failure)
@@ -383,24 +386,6 @@ static int report_memory(TVXenv *env)
     return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
 }
 
-static int load(TVXenv *env, const char *file_name, TextFile *text)
-{
-    switch (text_load(file_name, text)) {
-    case TextLoad::OK:
-        return 0;
-    case TextLoad::NO_MEMORY:
-        return report_memory(env);
-    case TextLoad::NOT_FOUND:
-        TVXmsg(env, "Error: file %s not found\n", file_name);
-        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "File %s not found\n",
-                    file_name);
-    default: // TextLoad::BROKEN
-        TVXmsg(env, "Error: file %s cannot be read to its end\n", file_name);
-        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                    "File %s cannot be read to its end\n", file_name);
-    }
-}
-
 static int read_loaded(TVXenv *env, MpsReader *reader, TVXmodel **model_out)
 {
     const int error = parse(reader);
@@ -414,7 +399,11 @@ int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out)
 {
     *model_out = nullptr;
     MpsReader reader;
-    TRY(load(env, file_name, &reader.text));
+    if (const TextLoad result = text_load(file_name, &reader.text);
+        result != TextLoad::OK) {
+        const int error = text_load_failed(env, file_name, result);
+        return error == OUT_OF_MEMORY ? report_memory(env) : error;
+    }
     const int error = read_loaded(env, &reader, model_out);
     PoolFree(&reader.pool);
     return error;

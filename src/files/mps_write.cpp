@@ -326,7 +326,7 @@ int mps_write(TVXmodel *model, const char *file_name, WriteNames names)
         TVXmsg(model->env, "Warning: model has pending changes.\n");
         TVXmsg(model->env, "File '%s' does not contain these changes.\n", file_name);
     }
-    TRY(text_out_open(&writer.out, file_name));
+    TRY(text_out_open(&writer.out, model->env, file_name));
     write_all(&writer);
     return text_out_close(&writer.out);
 }

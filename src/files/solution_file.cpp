@@ -30,7 +30,7 @@ int solution_write(TVXmodel *model, const char *file_name)
     TRY(array_resize(&x, model->body->numvars));
     TRY(TVXgetdblattrarray(model, "X", 0, model->body->numvars, x.data));
     TextOut out;
-    int error = text_out_open(&out, file_name);
+    int error = text_out_open(&out, model->env, file_name);
     if (!error) {
         write_values(model->body, x.data, &out);
         error = text_out_close(&out);

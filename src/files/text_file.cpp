@@ -11,6 +11,7 @@
 //             skipped; the DOS end-of-file character (26) at the very end is cut.
 // Cost        One pass at memory speed; the text stays in memory until the record goes.
 #include "files/text_file.h"
+#include "frame/env.h"
 #include "frame/runtime/file.h"
 #include <cctype>
 #include <cstring>
@@ -154,10 +155,37 @@ TextLoad text_load(const char *file_name, TextFile *text)
 {
     *text = TextFile{};
     FileHandle file;
-    if (FileOpen(file_name, 'r', &file)) return TextLoad::NOT_FOUND;
+    if (const int fault = FileOpen(file_name, 'r', &file))
+        return fault == FILE_NO_COMMAND ? TextLoad::NO_COMMAND : TextLoad::NOT_FOUND;
     const TextLoad result = load_stream(file_name, &file, text);
     if (result != TextLoad::OK) *text = TextFile{};
     return result;
+}
+
+int text_load_failed(TVXenv *env, const char *file_name, TextLoad result)
+{
+    static constexpr int CODE = TVX_ERROR_FILE_READ;
+    const char *command = FileCommand(file_name);
+    switch (result) {
+    case TextLoad::OK:
+        return 0;
+    case TextLoad::NO_MEMORY:
+        return OUT_OF_MEMORY;
+    case TextLoad::NOT_FOUND:
+        TVXmsg(env, "Error: file %s not found\n", file_name);
+        return fail(env, CODE, Report::KEEP_FIRST, "File %s not found\n", file_name);
+    case TextLoad::NO_COMMAND:
+        TVXmsg(env, "Error: file %s needs the command %s, which cannot be started\n",
+               file_name, command);
+        return fail(env, CODE, Report::KEEP_FIRST,
+                    "File %s needs the command %s, which cannot be started\n", file_name,
+                    command);
+    default: // TextLoad::BROKEN
+        TVXmsg(env, "Error: file %s cannot be read to its end%s\n", file_name,
+               command ? ": it is cut short or damaged" : "");
+        return fail(env, CODE, Report::KEEP_FIRST, "File %s cannot be read to its end%s\n",
+                    file_name, command ? ": it is cut short or damaged" : "");
+    }
 }
 
 TextStep text_next(TextFile *text, TextSpan *line)

@@ -1,6 +1,7 @@
 // text_file.h -- TextFile, the whole text of a model or side file, handed out line by line
 #pragma once
 #include "frame/runtime/array.h"
+#include "tarvex.h"
 
 // A stretch of bytes inside a larger text; not terminated.
 struct TextSpan {
@@ -46,12 +47,15 @@ struct TextFile {
 
 enum class TextLoad {
     OK,
-    NOT_FOUND, // cannot be opened
-    BROKEN, // opened, but reading failed, or the decompression command reported a failure
+    NOT_FOUND,  // cannot be opened
+    NO_COMMAND, // the decompression command cannot be started
+    BROKEN,     // reading failed, or the command reported a failure
     NO_MEMORY
 };
 // Reads all of a plain or compressed file. On failure *text is empty.
 [[nodiscard]] TextLoad text_load(const char *file_name, TextFile *text);
+// Tells the log and the error message why a load failed. The code; NO_MEMORY has no text of its own.
+int text_load_failed(TVXenv *env, const char *file_name, TextLoad result);
 void text_rewind(TextFile *text); // the next line is the first
 
 enum class TextStep {

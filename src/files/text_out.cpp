@@ -8,20 +8,25 @@
 #include "files/text_out.h"
 #include "files/file_number.h"
 #include "files/text_file.h"
+#include "frame/env.h"
 #include "frame/runtime/text_number.h"
-#include "tarvex.h"
 #include <charconv>
 #include <cstring>
-#include <sys/stat.h>
 
 static constexpr int64_t OUT_BUFFER = 1 << 16; // bytes
 
-int text_out_open(TextOut *out, const char *file_name)
+int text_out_open(TextOut *out, TVXenv *env, const char *file_name)
 {
     *out = TextOut{};
+    out->env = env;
     out->name = file_name;
     TRY(array_reserve(&out->buffer, OUT_BUFFER));
-    return FileOpen(file_name, 'w', &out->file) ? TVX_ERROR_FILE_WRITE : 0;
+    const int fault = FileOpen(file_name, 'w', &out->file);
+    if (fault == FILE_NO_COMMAND)
+        return fail(env, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
+                    "File %s needs the command %s, which cannot be started\n", file_name,
+                    FileCommand(file_name));
+    return fault ? TVX_ERROR_FILE_WRITE : 0;
 }
 
 static void write_through(TextOut *out, const char *bytes, int64_t length)
@@ -84,20 +89,17 @@ void text_out_line(TextOut *out, const char *text)
     }
 }
 
-static void remove_regular(const char *name)
-{
-    struct stat status {
-    };
-    if (lstat(name, &status) == 0 && S_ISREG(status.st_mode)) remove(name);
-}
-
 int text_out_close(TextOut *out)
 {
     if (!out->file.stream) return 0;
     flush(out);
     if (FileClose(&out->file)) out->failed = true;
-    const bool failed = out->failed;
-    if (failed) remove_regular(out->name);
+    int error = 0;
+    if (out->failed) {
+        FileRemove(out->name);
+        error = fail(out->env, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
+                     "File %s cannot be written to its end\n", out->name);
+    }
     *out = TextOut{};
-    return failed ? TVX_ERROR_FILE_WRITE : 0;
+    return error;
 }

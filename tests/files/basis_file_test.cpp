@@ -111,7 +111,8 @@ TEST_F(BasisFile, ReadsOtherProgramsFiles)
 TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
 {
     ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
-    EXPECT_EQ(read_bas(" XL X R2\nENDATA\n"), "");
+    EXPECT_EQ(read_bas(" XL X R2\n"), "");
+    EXPECT_EQ(log, "Warning: no ENDATA in file b.bas\n");
     const std::vector<int> before = start();
     EXPECT_EQ(read_bas(" XL Y R1\n UL NONE\nENDATA\n"),
               "MPS reader: variable name NONE doesn't exist\n");
@@ -120,7 +121,8 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
               "MPS reader: row name NONE doesn't exist\n");
     EXPECT_EQ(log, "Error: row name NONE doesn't exist\n");
     EXPECT_EQ(start(), before);
-    EXPECT_EQ(read_bas(std::string(" XL Y\0R1\n", 9)), "File b.bas is no text file\n");
+    EXPECT_EQ(read_bas(std::string(" XL Y\0R1\n", 9)),
+              "File b.bas is no text file: control character in line 1\n");
 }
 
 TEST_F(BasisFile, NumberedNamesStandForElementsWithoutName)

@@ -1,5 +1,6 @@
 // files_faults_test.cpp -- every allocation of every reader and writer fails in turn: the code, no leak, and a model
 // that is as it was
+#include "files/files.h"
 #include "files/files_support.h"
 #include "frame/model_store.h"
 #include "frame/warm_start.h"
@@ -122,5 +123,9 @@ TEST_F(FilesFaults, WritingSideFiles)
           [] { ASSERT_EQ(file_get("w.mst"), "# MIP start\nZ 1\n"); });
     sweep([&] { return TVXwrite(model, "w.sol"); }, 2,
           [] { ASSERT_NE(file_get("w.sol").find("Z 1\n"), std::string::npos); });
+    const std::vector<int> columns(static_cast<size_t>(model->body->numvars), -1),
+        rows(2, 0);
+    sweep([&] { return basis_write_statuses(model, columns.data(), rows.data(), "w.bas"); },
+          5, [] { ASSERT_NE(file_get("w.bas").find("ENDATA"), std::string::npos); });
 }
 #endif

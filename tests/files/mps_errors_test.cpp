@@ -85,7 +85,7 @@ TEST_F(MpsErrors, BadRowsAndHeads)
 
 TEST_F(MpsErrors, SectionsHaveTheirTexts)
 {
-    EXPECT_EQ(bad(""), "MPS reader: no row section\nline 1: \nthe file ends here\n");
+    EXPECT_EQ(bad(""), "MPS reader: no row section\nline 1: the file ends here\n");
     EXPECT_TRUE(logged("Error: no row section.\n"));
     EXPECT_EQ(bad("NAME x\nCOLUMNS\n"),
               "MPS reader: no row section\nline 2: COLUMNS\nCOLUMNS stands before ROWS\n");

@@ -6,6 +6,7 @@
 //             for writing it is a socket pair behind a custom stream, since a write to a socket can be told not
 //             to raise SIGPIPE when the command has died. The command's messages are discarded: its exit status is
 //             what counts.
+//             A file is emptied only when the command runs: it writes nothing before it gets input from us.
 // Invariant   Every descriptor is closed on exec and numbered 3 or above, also in a process without standard
 //             streams: a file can never take the place of standard output.
 // Cost        One process per compressed file.
@@ -36,7 +37,7 @@ static int descriptor_raise(int descriptor)
 // A descriptor of the file, or -1. Directories do not open.
 static int descriptor_open(const char *name, char mode)
 {
-    const int flags = mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
+    const int flags = mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT;
     const int descriptor = descriptor_raise(open(name, flags | O_CLOEXEC, NEW_FILE_MODE));
     struct stat status {
     };
@@ -46,12 +47,21 @@ static int descriptor_open(const char *name, char mode)
     return -1;
 }
 
-static const char *command_for(const char *name)
+// Whether the name ends in the suffix, which is in small letters. Not by the locale.
+static bool ends_in(const char *name, const char *suffix)
 {
     const size_t length = strlen(name);
-    if (length >= 3 && !strcmp(name + length - 3, ".gz")) return "gzip";
-    if (length >= 4 && !strcmp(name + length - 4, ".bz2")) return "bzip2";
-    return nullptr;
+    const size_t n = strlen(suffix);
+    if (n > length) return false;
+    for (const char *p = name + length - n; *p; p++, suffix++)
+        if ((*p >= 'A' && *p <= 'Z' ? *p - 'A' + 'a' : *p) != *suffix) return false;
+    return true;
+}
+
+const char *FileCommand(const char *name)
+{
+    if (ends_in(name, ".gz")) return "gzip";
+    return ends_in(name, ".bz2") ? "bzip2" : nullptr;
 }
 
 // Runs command with the two descriptors as its standard input and output. The process id, or 0. The command gets
@@ -161,7 +171,7 @@ static int open_through_command(const char *command, char mode, int target,
     int theirs = -1;
     if (connection_open(mode, &ours, &theirs)) {
         close(target);
-        return 1;
+        return FILE_NO_COMMAND;
     }
     const bool reading = mode == 'r';
     const pid_t child =
@@ -173,7 +183,7 @@ static int open_through_command(const char *command, char mode, int target,
         close(ours);
         close(target);
         if (child) static_cast<void>(command_succeeded(child));
-        return 1;
+        return FILE_NO_COMMAND;
     }
     if (reading) close(target);
     *file = {.stream = stream,
@@ -184,21 +194,43 @@ static int open_through_command(const char *command, char mode, int target,
     return 0;
 }
 
-int FileOpen(const char *name, char mode, FileHandle *file)
+static int open_plain(char mode, int descriptor, FileHandle *file)
 {
-    *file = FileHandle{};
-    if (!name || !*name) return 1;
-    const int descriptor = descriptor_open(name, mode);
-    if (descriptor < 0) return 1;
-    const char *command = command_for(name);
-    if (command) return open_through_command(command, mode, descriptor, file);
     FILE *stream = fdopen(descriptor, mode == 'r' ? "r" : "w");
     if (!stream) {
         close(descriptor);
-        return 1;
+        return FILE_UNREACHABLE;
     }
     *file = {.stream = stream, .kind = 'f', .mode = mode, .child = 0, .target = -1};
     return 0;
+}
+
+// Empties the file that was opened for writing; devices and queues have nothing to lose. 0 or 1.
+static int empty_file(const FileHandle *file)
+{
+    const int descriptor = file->kind == 'p' ? file->target : fileno(file->stream);
+    struct stat status {
+    };
+    if (fstat(descriptor, &status)) return 1;
+    return S_ISREG(status.st_mode) && ftruncate(descriptor, 0);
+}
+
+int FileOpen(const char *name, char mode, FileHandle *file)
+{
+    *file = FileHandle{};
+    if (!name || !*name) return FILE_UNREACHABLE;
+    const bool is_new = mode == 'w' && access(name, F_OK) != 0;
+    const int descriptor = descriptor_open(name, mode);
+    if (descriptor < 0) return FILE_UNREACHABLE;
+    const char *command = FileCommand(name);
+    int fault = command ? open_through_command(command, mode, descriptor, file)
+                        : open_plain(mode, descriptor, file);
+    if (!fault && mode == 'w' && empty_file(file)) {
+        FileClose(file);
+        fault = FILE_UNREACHABLE;
+    }
+    if (fault && is_new) FileRemove(name);
+    return fault;
 }
 
 int FileClose(FileHandle *file)
@@ -215,6 +247,13 @@ int FileClose(FileHandle *file)
     }
     if (closed.target >= 0 && close(closed.target)) failed = true;
     return failed;
+}
+
+void FileRemove(const char *name)
+{
+    struct stat status {
+    };
+    if (lstat(name, &status) == 0 && S_ISREG(status.st_mode)) unlink(name);
 }
 
 bool FileCanRead(const char *name)

@@ -1,7 +1,7 @@
 // file.h -- opening plain and compressed files
 //
 // Names ending in ".gz" or ".bz2" go through the external commands gzip and bzip2, started directly with an
-// argument list: no shell ever sees the name.
+// argument list: no shell ever sees the name. The endings count in any case.
 #pragma once
 #include <cstdio>
 
@@ -13,10 +13,17 @@ struct FileHandle {
     int target = -1;        // descriptor of the output file behind a write pipe
 };
 
-// mode 'r' or 'w'. 0; or 1 when the file or the command cannot be opened, *file then holds no stream.
+enum FileFault {
+    FILE_UNREACHABLE = 1, // the file does not open
+    FILE_NO_COMMAND = 2   // it does, but the command cannot be started
+};
+// mode 'r' or 'w'. 0 or a FileFault, *file then holds no stream. A file is emptied for writing only when everything else
+// went well.
 [[nodiscard]] int FileOpen(const char *name, char mode, FileHandle *file);
+const char *FileCommand(const char *name); // "gzip", "bzip2", or null for a plain file
 // Flushes and closes; a handle without stream is ignored. 0; or 1 when data could not be written, or the
 // command behind a pipe failed (for reading only when the stream was read to its end).
 int FileClose(FileHandle *file);
+void FileRemove(const char *name); // if it is a regular file: a device or a link stays
 bool FileCanRead(
     const char *name); // it opens as a plain file for reading, and is not a directory
