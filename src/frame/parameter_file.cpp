@@ -1,9 +1,10 @@
 // parameter_file.cpp -- parameter files: one "name value" a line
 //
 // Problem     Set parameters from a text file, tell the user what was set, and write the values that are not default.
-// Method      Lines of at most 159 characters; what is longer comes as a line of its own. A line that starts with # is a
-//             comment, and a blank one nothing. The second word is a number when all of it is one. Unknown names are warnings and bad values
-//             are told line by line: reading goes on to the end of the file.
+// Method      Lines of at most 159 characters; what is longer comes as a line of its own, but for comments: lines that
+//             start with #, of any length. A blank line is nothing. The second word is a number when all of it is one.
+//             Unknown names are warnings and bad values are told line by line: reading goes on to the end of the file,
+//             or to a character that no text holds.
 // In, out     Values go through the setters of parameters.h, with their ranges.
 #include "frame/parameters.h"
 #include "frame/runtime/file.h"
@@ -62,6 +63,40 @@ static int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLi
     return TVX_ERROR_INVALID_ARGUMENT;
 }
 
+// ---- Reading ----
+
+enum class LineStep { LINE, END, BINARY };
+
+// The next line without its end, or LINE_LENGTH characters of a longer one. Of a comment only the start.
+static LineStep next_line(FILE *stream, char *text)
+{
+    static constexpr int DOS_END = 26; // the old end-of-file character
+    int length = 0;
+    int c = getc(stream);
+    if (c == EOF) return LineStep::END;
+    for (; c != EOF && c != '\n' && c != '\r' && c != DOS_END; c = getc(stream)) {
+        if (c < ' ' && !is_space(static_cast<char>(c))) return LineStep::BINARY;
+        if (length < LINE_LENGTH) {
+            text[length++] = static_cast<char>(c);
+        } else if (text[0] != '#') {
+            ungetc(c, stream);
+            break;
+        }
+    }
+    text[length] = '\0';
+    if (c != '\r') return LineStep::LINE;
+    c = getc(stream);
+    if (c != '\n') ungetc(c, stream); // EOF is not put back
+    return LineStep::LINE;
+}
+
+// The text behind a byte-order mark of UTF-8, which can only stand at the very beginning.
+static const char *behind_mark(const char *text)
+{
+    static constexpr char MARK[] = "\xef\xbb\xbf";
+    return strncmp(text, MARK, sizeof MARK - 1) ? text : text + sizeof MARK - 1;
+}
+
 // One line that is no comment. False when the name is unknown.
 static bool read_line(TVXenv *env, const char *file_name, const char *text)
 {
@@ -88,15 +123,25 @@ int parameters_read(TVXenv *env, const char *file_name)
                     "Unable to read parameter file %s", file_name);
     char text[LINE_LENGTH + 1];
     int warnings = 0;
-    while (fgets(text, sizeof text, file.stream))
-        if (text[0] != '#' && !read_line(env, file_name, text)) warnings++;
+    LineStep step = LineStep::LINE;
+    int line = 1;
+    for (; (step = next_line(file.stream, text)) == LineStep::LINE; line++) {
+        const char *content = line == 1 ? behind_mark(text) : text;
+        if (*content != '#' && !read_line(env, file_name, content)) warnings++;
+    }
     if (warnings)
         TVXmsg(env, "%d warnings while reading parameter file %s\n", warnings, file_name);
     if (FileClose(&file))
         return fail(env, TVX_ERROR_FILE_READ, Report::FORCE,
                     "Unable to read parameter file %s", file_name);
+    if (step == LineStep::BINARY)
+        return fail(env, TVX_ERROR_FILE_READ, Report::FORCE,
+                    "Parameter file %s is no text file: control character in line %d",
+                    file_name, line);
     return 0;
 }
+
+// ---- Writing ----
 
 static void write_row(TVXenv *env, const ParameterRow *row, FILE *stream)
 {
@@ -119,8 +164,10 @@ int parameters_write(TVXenv *env, const char *file_name)
         return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::FORCE,
                     "Unable to write to parameter file %s", file_name);
     for (const ParameterRow &row : env->params->rows) write_row(env, &row, file.stream);
-    if (FileClose(&file))
+    if (FileClose(&file)) {
+        FileRemove(file_name);
         return fail(env, TVX_ERROR_FILE_WRITE, Report::FORCE,
                     "Unable to write to parameter file %s", file_name);
+    }
     return 0;
 }

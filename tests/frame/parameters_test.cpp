@@ -334,7 +334,8 @@ TEST_F(Parameters, EveryLineOfAFileIsToldInTheLog)
 
 TEST_F(Parameters, BlankLinesArePassedOver)
 {
-    EXPECT_EQ(read("\n \t\r\nCuts 1\n\n"), "Set parameter Cuts to value 1\n");
+    EXPECT_EQ(read("\xef\xbb\xbf\n \t\r\nCuts 1\r\r\n\n\x1a"),
+              "Set parameter Cuts to value 1\n");
     EXPECT_EQ(get_int("Cuts"), 1);
 }
 
@@ -350,15 +351,19 @@ TEST_F(Parameters, LongLinesAreTakenApart)
         said.find("Warning: unknown parameter " + std::string(159, 'n') + " in t.prm\n"),
         std::string::npos);
     EXPECT_NE(said.find("\n7 warnings while reading"), std::string::npos);
+    EXPECT_EQ(read("#" + std::string(158, ' ') + "Presolve 1\n"), ""); // but no comment
 }
 
-TEST_F(Parameters, AnyBytesAreReadWithoutHarm)
+TEST_F(Parameters, AFileThatIsNoTextIsAnErrorWithItsLine)
 {
-    std::string bytes;
-    for (int k = 0; k < 100'000; k++) bytes += static_cast<char>(k * 7919 % 251 - 120);
-    read(bytes);
-    read(std::string(1000, '\0'));
-    EXPECT_EQ(written(), "");
+    file_put("t.prm", std::string("Cuts 1\r\n\xff\xfe\nMIPFocus 1\0 2\n", 25));
+    Output output;
+    EXPECT_EQ(TVXreadparams(env, "t.prm"), 10012);
+    EXPECT_STREQ(TVXgeterrormsg(env),
+                 "Parameter file t.prm is no text file: control character in line 3");
+    EXPECT_EQ(output.text(), "Set parameter Cuts to value 1\nWarning: unknown parameter "
+                             "\xff\xfe in t.prm\n1 warnings while reading parameter file "
+                             "t.prm\n");
 }
 
 TEST_F(Parameters, FilesThatCannotBeUsedAreErrors)
