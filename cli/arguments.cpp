@@ -7,14 +7,14 @@
 #include <CLI/CLI.hpp>
 
 static constexpr const char *DESCRIPTION =
-    "Solves linear and mixed-integer programs.\n"
+    "Solves linear programs.\n"
     "\n"
-    "MODEL is an MPS or LP file (.mps, .lp), also compressed (.gz, .bz2). Several models "
-    "are solved in turn.\n"
+    "MODEL is an MPS file (.mps, .rew), also compressed (.gz, .bz2). Several models are "
+    "solved in turn.\n"
     "Name=Value sets a parameter, for example TimeLimit=60 Threads=1 LPMethod=0 "
     "LogFile=run.log.\n"
-    "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps or .lp; may "
-    "be repeated.\n";
+    "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew or "
+    ".prm; may be repeated.\n";
 static constexpr const char *CLOSING =
     "A file whose name holds a '=' is written with its folder: ./a=b.mps\n"
     "OutputFlag=0 prints nothing but what an option asks for, not even errors.\n"
@@ -74,18 +74,25 @@ bool split_setting(const std::string &word, std::string *name, std::string *valu
     return true;
 }
 
+static char small_letter(char c)
+{
+    return static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
+}
+
 std::string name_key(const std::string &name)
 {
     std::string key;
     for (const char c : name)
         if (c != '_' || key.find_first_not_of('_') == std::string::npos)
-            key += static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
+            key += small_letter(c);
     return key;
 }
 
 FileKind file_kind(const std::string &name)
 {
-    std::string_view stem = name;
+    std::string small = name;
+    for (char &c : small) c = small_letter(c);
+    std::string_view stem = small;
     for (const std::string_view packed : {".gz", ".bz2"})
         if (stem.ends_with(packed)) {
             stem.remove_suffix(packed.size());
@@ -93,8 +100,10 @@ FileKind file_kind(const std::string &name)
         }
     for (const std::string_view suffix : {".bas", ".mst"})
         if (stem.ends_with(suffix)) return FileKind::START;
-    for (const std::string_view suffix : {".mps", ".rew", ".lp", ".rlp", ".ilp"})
+    for (const std::string_view suffix : {".mps", ".rew"})
         if (stem.ends_with(suffix)) return FileKind::MODEL;
+    for (const std::string_view suffix : {".lp", ".rlp", ".ilp"})
+        if (stem.ends_with(suffix)) return FileKind::LP_MODEL;
     for (const std::string_view suffix : {".sol", ".prm"})
         if (stem.ends_with(suffix)) return FileKind::RESULT_ONLY;
     return FileKind::UNKNOWN;

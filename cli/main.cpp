@@ -1,10 +1,11 @@
 // main.cpp -- the command `tarvex`
 //
 // In order: silence if the words ask for it; the command line; an environment (which reads tarvex.env); OutputFlag, so
-// that a parameter file is read as silently as asked; parameter files; the other parameters; each model in turn. What is wrong with the command line itself is
-// found before the first model is read and gives exit code 2; a model that fails does not keep the next from
-// being solved.
+// that a parameter file is read as silently as asked; parameter files; the other parameters; each model in turn. What is
+// wrong with the command line itself is found before the first model is read and gives exit code 2; a model that fails
+// does not keep the next from being solved.
 #include "arguments.h"
+#include "parameter_file.h"
 #include "parameters.h"
 #include "report.h"
 #include "silence.h"
@@ -64,9 +65,12 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
 // Whether a result file could be written after the solve: better known before it.
 static ExitCode check_result(const std::string &file)
 {
-    if (file_kind(file) == FileKind::UNKNOWN)
-        return usage("ResultFile='" + file +
-                     "': end the name in .sol, .bas, .mst, .prm, .mps or .lp");
+    const FileKind kind = file_kind(file);
+    if (kind == FileKind::UNKNOWN || kind == FileKind::LP_MODEL)
+        return usage(
+            "ResultFile='" + file + "': " +
+            (kind == FileKind::LP_MODEL ? "the LP format is not supported yet; " : "") +
+            "end the name in .sol, .bas, .mst, .prm, .mps or .rew");
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     if (std::error_code ignored;
         !folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
@@ -83,6 +87,11 @@ static ExitCode check_work(const Work &work)
     if (!work.request.start.empty() && file_kind(work.request.start) != FileKind::START)
         return usage("--start '" + work.request.start +
                      "': a start is a basis (.bas) or a MIP start (.mst)");
+    return EXIT_SOLVED;
+}
+
+static ExitCode check_results(const Work &work)
+{
     if (!work.request.results.empty() && work.models.size() > 1)
         return usage("ResultFile would be overwritten by each of several models: solve "
                      "them one at a time");
@@ -108,14 +117,19 @@ static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &w
 {
     if (const ExitCode code = apply_settings(env, work, true)) return code;
     for (const std::string &file : arguments.param_files)
-        if (const int code = TVXreadparams(env, file.c_str())) {
-            report_error("--params '" + file +
-                         "': " + describe_failure(code, TVXgeterrormsg(env)));
-            return EXIT_ERROR;
-        }
+        if (const ExitCode code = parameter_file_set(env, file)) return code;
     if (const ExitCode code = apply_settings(env, work, true))
         return code; // wins over a file that sets it too
     return apply_settings(env, work, false);
+}
+
+// A result file that a parameter file names is written like the others: that it cannot be is an error, too.
+static void take_result_file(TVXenv *env, Work *work)
+{
+    char file[TVX_PARAM_LENGTH + 1] = "";
+    TVXgetstrparam(env, "ResultFile", file);
+    if (*file) work->request.results.push_back(file);
+    TVXsetstrparam(env, "ResultFile", "");
 }
 
 // The environment, or null after a report.
@@ -140,6 +154,8 @@ static ExitCode run(const Arguments &arguments, bool silent)
     if (const ExitCode code = sort_words(env.get(), arguments, &work)) return code;
     if (const ExitCode code = check_work(work)) return code;
     if (const ExitCode code = configure(env.get(), arguments, work)) return code;
+    take_result_file(env.get(), &work);
+    if (const ExitCode code = check_results(work)) return code;
     int output_flag = 1;
     TVXgetintparam(env.get(), "OutputFlag", &output_flag);
     if (output_flag == 0) silence(stderr); // also when a file has said so

@@ -7,8 +7,6 @@
 #include <cmath>
 #include <cstdio>
 
-static constexpr int STRING_VALUE =
-    513; // bytes that the library may write for a string parameter
 enum ParameterType { INT_PARAMETER = 1, DOUBLE_PARAMETER = 2, STRING_PARAMETER = 3 };
 
 static bool parse_number(const std::string &text, double *value)
@@ -78,7 +76,7 @@ void parameters_list(TVXenv *env)
             TVXgetdblparaminfo(env, name, nullptr, &low, &high, &usual);
             printf("%-16s %-7s %12g %12g %12g\n", name, "double", low, high, usual);
         } else {
-            char usual[STRING_VALUE] = "";
+            char usual[TVX_PARAM_LENGTH + 1] = "";
             TVXgetstrparaminfo(env, name, nullptr, usual);
             printf("%-16s %-7s %12s %12s %12s\n", name, "string", "", "", usual);
         }

@@ -60,7 +60,8 @@ std::string describe_failure(int code, const char *message)
     std::string text = message && *message ? message : "error " + std::to_string(code);
     while (!text.empty() && (text.back() == ' ' || is_control(text.back())))
         text.pop_back();
-    const char *advice = hint(code);
+    const bool no_command = text.find("needs the command") != std::string::npos;
+    const char *advice = no_command ? "install it" : hint(code);
     if (*advice) text += std::string("; ") + advice;
     return text;
 }

@@ -85,6 +85,19 @@ TEST_F(CliSolve, TheCommandLineWinsOverParameterFiles)
     fails({"--params", "absent.prm", "plan.mps"}, "absent.prm");
 }
 
+TEST_F(CliSolve, ALineOfAParameterFileThatCannotBeUsedIsAnError)
+{
+    for (const char *line : {"TimeLimt 5", "MIPFocus 4", "Threads 1.5", "Threads",
+                             "Threads 1 2", "LogFile missing/run.log", "Threads\x01 1"}) {
+        file_put("set.prm", std::string("# mine\nPresolve 0 # off\n") + line + "\n");
+        EXPECT_THAT(fails({"--params", "set.prm", "plan.mps"}, "'set.prm' line 3: ").out,
+                    Not(HasSubstr("Optimal objective")))
+            << line;
+    }
+    file_put("set.prm", "ResultFile never.sol\n");
+    fails({"--params", "set.prm", "never.mps"}, "never.sol");
+}
+
 TEST_F(CliSolve, TheLogGoesToAFileAsWell)
 {
     solves({"LogFile=run.log", "plan.mps"});
@@ -94,9 +107,9 @@ TEST_F(CliSolve, TheLogGoesToAFileAsWell)
 
 TEST_F(CliSolve, ResultFilesAreWritten)
 {
-    solves({"ResultFile=plan.sol", "Result_File=again.mps", "plan.mps"});
+    solves({"ResultFile=plan.sol", "Result_File=again.MPS", "plan.mps"});
     EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
-    EXPECT_THAT(file_get("again.mps"), HasSubstr("ENDATA"));
+    EXPECT_THAT(file_get("again.MPS"), HasSubstr("ENDATA"));
     fails({"ResultFile=never.sol", "never.mps"}, "never.sol");
 }
 

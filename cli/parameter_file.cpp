@@ -1,0 +1,75 @@
+// parameter_file.cpp -- the files of --params
+//
+// Problem     TVXreadparams goes on after a line that it cannot use and tells the log only. Who asks for a file of
+//             settings must not have one of them ignored.
+// Method      The same form (a name and a value on each line, '#' begins a comment), every line set like Name=Value;
+//             the first one that is wrong ends it, with its number.
+#include "parameter_file.h"
+#include "frame/runtime/file.h"
+#include "parameters.h"
+#include <sstream>
+#include <vector>
+
+// All of the file, or false.
+static bool read_text(const std::string &file, std::string *text)
+{
+    static constexpr size_t BLOCK = 1 << 16;
+    FileHandle handle;
+    if (FileOpen(file.c_str(), 'r', &handle)) return false;
+    std::vector<char> block(BLOCK);
+    for (size_t n = 0; (n = fread(block.data(), 1, BLOCK, handle.stream)) > 0;)
+        text->append(block.data(), n);
+    return FileClose(&handle) == 0;
+}
+
+static bool is_control(char c)
+{
+    return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\r' && c != '\f';
+}
+
+static ExitCode set_line(TVXenv *env, const std::string &line, std::string *error)
+{
+    std::istringstream words(line);
+    std::string name;
+    std::string value;
+    std::string rest;
+    if (!(words >> name) || name[0] == '#') return EXIT_SOLVED;
+    words >> value >> rest;
+    for (const char c : line)
+        if (is_control(c)) *error = "a control character: this is no text file";
+    if (error->empty() && TVXgetparamtype(env, name.c_str()) <= 0)
+        *error = "there is no parameter '" + name + "'; tarvex --parameters lists them";
+    if (error->empty() && !rest.empty() && rest[0] != '#')
+        *error = "'" + rest + "' is too much: a line is a name and a value";
+    if (!error->empty()) return EXIT_ERROR;
+    if (parameter_set(env, name, value, error) != EXIT_SOLVED) {
+        *error = name + "=" + value + ": " + *error;
+        return EXIT_ERROR;
+    }
+    TVXmsg(env, "Set parameter %s to value %s\n", name.c_str(), value.c_str());
+    return EXIT_SOLVED;
+}
+
+ExitCode parameter_file_set(TVXenv *env, const std::string &file)
+{
+    static constexpr char DOS_END = 26;
+    static constexpr char BYTE_ORDER_MARK[] = "\xef\xbb\xbf";
+    std::string text;
+    if (!read_text(file, &text)) {
+        report_error("--params '" + file +
+                     "': it cannot be read; check name, folder, permissions and content");
+        return EXIT_ERROR;
+    }
+    if (!text.empty() && text.back() == DOS_END) text.pop_back();
+    if (text.starts_with(BYTE_ORDER_MARK)) text.erase(0, sizeof BYTE_ORDER_MARK - 1);
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); number++) {
+        std::string error;
+        if (set_line(env, line, &error) == EXIT_SOLVED) continue;
+        report_error("--params '" + file + "' line " + std::to_string(number) + ": " +
+                     error);
+        return EXIT_ERROR;
+    }
+    return EXIT_SOLVED;
+}
