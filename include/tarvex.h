@@ -182,16 +182,17 @@ TVX_API int TVXresetparams(TVXenv *env);
 
 /* Sets parameters from a file. Each line holds a name and a value; blank lines and lines that start with # are
  * passed over. What each line did is told in the log. Unknown names and bad values do not end the reading. Lines longer
- * than 159 characters are taken apart there.
+ * than 159 characters are taken apart there, comments excepted.
  *   file_name  in  names ending in .gz and .bz2 are decompressed
  * Returns 0, also after warnings; 10002 null argument; 10003 the file cannot be opened; 10012 it cannot be read to its
- * end (what was read before is set). */
+ * end, or is no text file (what was read before is set). */
 TVX_API int TVXreadparams(TVXenv *env, const char *file_name);
 
 /* Writes the int and double parameters that differ from their defaults, one "name  value" a line, in a form that
  * TVXreadparams takes; doubles with six digits.
  *   file_name  in  is replaced; names ending in .gz and .bz2 are compressed
- * Returns 0; 10002 null argument; 10003 the file cannot be opened; 10013 it could not be written completely. */
+ * Returns 0; 10002 null argument; 10003 the file cannot be opened; 10013 it could not be written completely, and is
+ * removed. */
 TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
 
 /* ---- Building and querying models ----
@@ -496,9 +497,35 @@ TVX_API int TVXoptimize(TVXmodel *model);
  * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
-/* ---- Files ---- */
+/* ---- Files ----
+ *
+ * What a file is follows from the end of its name, in any case: .mps and .rew models, .bas bases, .mst MIP starts, .sol
+ * solutions, .prm parameters; with .gz or .bz2 behind it the file is compressed by the commands gzip and bzip2, which
+ * must be installed. docs/formats.md describes all of them. LP-format files (.lp, .rlp, .ilp) cannot be read or written
+ * yet. Texts of errors name the line of the file where there is one; what was odd in a file that was read is told in
+ * the log.
+ */
+
+/* Reads a model from a file.
+ *   filename   in   when no file of this name opens, it is tried with .gz, .bz2, .mps, .mps.gz, ... behind it
+ *   model_out  out  the model, on a private copy of env; null when the call fails. Free with TVXfreemodel
+ * Returns 0; 10001; 10002 model_out is null; 10003 env is not alive, filename is null, or no such file opens; 10012 the
+ * file is of another type, damaged, or no model. */
 TVX_API int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out);
+
+/* Reads what belongs to a model: a basis (.bas) or a MIP start (.mst), from which the next solve starts, or parameters
+ * (.prm), for this model alone (see TVXreadparams).
+ *   filename  in  also tried with .gz and .bz2 behind it
+ * Returns 0; 10003 filename is null or no such file opens; 10012 the file is of another type, damaged, or a line of a
+ * MIP start is not understood: no value is set then. A basis file that is damaged or names what the model does not have
+ * sets no basis and returns 0 all the same, with the reason in the log and in the text of the error. */
 TVX_API int TVXread(TVXmodel *model, const char *filename);
+
+/* Writes the model (.mps; .rew with numbers for names), its basis (.bas), its solution (.sol), its solution as a MIP
+ * start (.mst), or its parameters (.prm). Queued changes are not written.
+ *   filename  in  is replaced
+ * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution or basis to write; 10013 filename is
+ * null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
 TVX_API int TVXwrite(TVXmodel *model, const char *filename);
 
 #ifdef __cplusplus
