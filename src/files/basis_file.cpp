@@ -50,9 +50,10 @@ static int work_make(const TVXmodel *model, BasisWork *work)
 
 // ---- Writing ----
 
+// Says more than that an attribute is missing.
 static int no_basis(TVXmodel *model, int error)
 {
-    return fail_model(model, error, Report::KEEP_FIRST,
+    return fail_model(model, error, Report::FORCE,
                       "Unable to retrieve basis for current model");
 }
 

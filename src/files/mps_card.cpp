@@ -28,9 +28,10 @@ void mps_split(TextSpan line, MpsTokens *tokens)
     tokens->count = count;
 }
 
-static int stop_fields(MpsReader *reader)
+int mps_stop_fields(MpsReader *reader)
 {
-    return mps_stop(reader, MpsFault::FIELDS, "MPS reader: not free format\n");
+    return mps_stop(reader, MpsFault::FIELDS,
+                    "MPS reader: not free format\na field is missing, or one too many\n");
 }
 
 static bool is_number(TextSpan span)
@@ -244,7 +245,7 @@ static bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens,
 
 static int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
 {
-    if (tokens->count < 2 || tokens->count > 4) return stop_fields(reader);
+    if (tokens->count < 2 || tokens->count > 4) return mps_stop_fields(reader);
     card->type = tokens->token[0];
     card->entries = 1;
     const MpsBoundValue demand = mps_bound_value(card->type);
@@ -252,7 +253,7 @@ static int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
     if (demand == MpsBoundValue::NONE)
         bound_without_value(reader, tokens, card);
     else if (!bound_with_value(reader, tokens, demand == MpsBoundValue::OPTIONAL, card))
-        return stop_fields(reader);
+        return mps_stop_fields(reader);
     return 0;
 }
 
@@ -273,21 +274,21 @@ static int card_free(MpsReader *reader, MpsTokens *tokens, MpsCard *card)
         return mps_stop(reader, MpsFault::SUSPECT, "fixed form may be meant\n");
     switch (reader->section) {
     case MpsSection::ROWS:
-        if (count != 2) return stop_fields(reader);
+        if (count != 2) return mps_stop_fields(reader);
         card->type = tokens->token[0];
         card->name = tokens->token[1];
         return 0;
     case MpsSection::COLUMNS:
         card->name = tokens->token[0];
         if (count == 1 && count_before > 1) return 0; // a name and a comment
-        if (count != 3 && count != 5) return stop_fields(reader);
+        if (count != 3 && count != 5) return mps_stop_fields(reader);
         take_pairs(tokens, 1, card);
         return 0;
     case MpsSection::BOUNDS:
         return card_bound(reader, tokens, card);
     default: // RHS, RANGES: an odd number of tokens starts with the set
         if (count == 1 && count_before > 1) return 0;
-        if (count < 2 || count > 5) return stop_fields(reader);
+        if (count < 2 || count > 5) return mps_stop_fields(reader);
         if (count % 2) card->name = tokens->token[0];
         take_pairs(tokens, count % 2, card);
         return 0;

@@ -149,6 +149,7 @@ struct MpsTokens {
     int count = 0; // MPS_TOKENS + 1 when there are more
 };
 void mps_split(TextSpan line, MpsTokens *tokens); // at white space
+int mps_stop_fields(MpsReader *reader); // the wrong number of fields. TVX_ERROR_FILE_READ
 // The line in work as a card of the section in work. 0 or TVX_ERROR_FILE_READ. Not for SOS.
 [[nodiscard]] int mps_card(MpsReader *reader, MpsCard *card);
 // Strictly by column positions; false when the line does not fit them, then *card is undefined.

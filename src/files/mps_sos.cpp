@@ -52,7 +52,7 @@ static int member_line(MpsReader *reader, const MpsTokens *tokens)
         return mps_stop(reader, MpsFault::CONTENT, "S1 or S2 must begin a set\n");
     if (tokens->count < 2 || tokens->count > MPS_TOKENS ||
         (tokens->count > 3 && reader->form != MpsForm::FIXED))
-        return mps_stop(reader, MpsFault::FIELDS, "MPS reader: not free format\n");
+        return mps_stop_fields(reader);
     const TextSpan weight = tokens->token[tokens->count - 1];
     TextSpan name = tokens->token[tokens->count - 2];
     if (reader->form == MpsForm::FIXED) name = fixed_member(reader, weight);

@@ -165,6 +165,7 @@ TEST_F(BasisFile, WithoutABasisThereIsNoFile)
 {
     ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     EXPECT_EQ(TVXwrite(model, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_STREQ(TVXgetmerrormsg(model), "Unable to retrieve basis for current model");
     EXPECT_FALSE(std::filesystem::exists("b.bas"));
     const int v[] = {TVX_BASIC, TVX_BASIC};
     const int c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
