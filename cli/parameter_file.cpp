@@ -50,6 +50,12 @@ static ExitCode set_line(TVXenv *env, const std::string &line, std::string *erro
     return EXIT_SOLVED;
 }
 
+static ExitCode fail_at(const std::string &file, int line, const std::string &error)
+{
+    report_error("--params '" + file + "' line " + std::to_string(line) + ": " + error);
+    return EXIT_ERROR;
+}
+
 ExitCode parameter_file_set(TVXenv *env, const std::string &file)
 {
     static constexpr char DOS_END = 26;
@@ -67,9 +73,7 @@ ExitCode parameter_file_set(TVXenv *env, const std::string &file)
     for (int number = 1; std::getline(lines, line); number++) {
         std::string error;
         if (set_line(env, line, &error) == EXIT_SOLVED) continue;
-        report_error("--params '" + file + "' line " + std::to_string(number) + ": " +
-                     error);
-        return EXIT_ERROR;
+        return fail_at(file, number, error);
     }
     return EXIT_SOLVED;
 }

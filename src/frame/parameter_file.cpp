@@ -121,7 +121,7 @@ int parameters_read(TVXenv *env, const char *file_name)
     if (FileOpen(file_name, 'r', &file))
         return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::FORCE,
                     "Unable to read parameter file %s", file_name);
-    char text[LINE_LENGTH + 1];
+    char text[LINE_LENGTH + 1] = "";
     int warnings = 0;
     LineStep step = LineStep::LINE;
     int line = 1;
