@@ -123,13 +123,16 @@ static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &w
     return apply_settings(env, work, false);
 }
 
-// A result file that a parameter file names is written like the others: that it cannot be is an error, too.
+// A result file that a parameter file names is written like those of the command line, which win over it; an empty name
+// asks for none.
 static void take_result_file(TVXenv *env, Work *work)
 {
+    std::vector<std::string> *results = &work->request.results;
     char file[TVX_PARAM_LENGTH + 1] = "";
     TVXgetstrparam(env, "ResultFile", file);
-    if (*file) work->request.results.push_back(file);
     TVXsetstrparam(env, "ResultFile", "");
+    if (results->empty()) results->emplace_back(file);
+    std::erase(*results, "");
 }
 
 // The environment, or null after a report.

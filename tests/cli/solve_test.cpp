@@ -96,6 +96,7 @@ TEST_F(CliSolve, ALineOfAParameterFileThatCannotBeUsedIsAnError)
     }
     file_put("set.prm", "ResultFile never.sol\n");
     fails({"--params", "set.prm", "never.mps"}, "never.sol");
+    solves({"ResultFile=", "--params", "set.prm", "never.mps"});
 }
 
 TEST_F(CliSolve, TheLogGoesToAFileAsWell)
