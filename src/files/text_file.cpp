@@ -23,13 +23,6 @@ static constexpr int64_t COMPRESSION_ESTIMATE = 5;
 // Of a first allocation: the rest must be there to be believed.
 static constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
 
-bool span_is(TextSpan span, const char *text)
-{
-    const size_t length = strlen(text);
-    return static_cast<size_t>(span_length(span)) == length &&
-           !memcmp(span.begin, text, length);
-}
-
 static char capital(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;

@@ -31,7 +31,6 @@ inline const char *skip_word(const char *p, const char *end)
     while (p < end && !is_white(*p)) p++;
     return p;
 }
-bool span_is(TextSpan span, const char *text);          // the same bytes
 bool span_is_word(TextSpan span, const char *word);     // the same but for case; CAPITALS
 TextSpan span_trim(const char *begin, const char *end); // without white space at both ends
 

@@ -20,13 +20,26 @@ static void print_flushed(FILE *stream, const char *format, va_list arguments)
     fflush(stream);
 }
 
+// On a full disk, for example. Told at the first line that is lost.
+static void warn_lost(const TVXenv *env)
+{
+    message_stdout(env, "Warning: the log file cannot be written to its end\n");
+}
+
+static void print_log_file(const TVXenv *env, const char *format, va_list arguments)
+{
+    const bool failed_before = ferror(env->log_file) != 0;
+    print_flushed(env->log_file, format, arguments);
+    if (!failed_before && ferror(env->log_file)) warn_lost(env);
+}
+
 void TVXmsg(TVXenv *env, const char *format, ...)
 {
     if (!env_alive(env) || !format) return;
     va_list arguments;
     va_start(arguments, format);
     if (env->OutputFlag) print_flushed(stdout, format, arguments);
-    if (env->OutputFlag && env->log_file) print_flushed(env->log_file, format, arguments);
+    if (env->OutputFlag && env->log_file) print_log_file(env, format, arguments);
     callback_message(env, format, arguments);
     va_end(arguments);
 }
@@ -56,7 +69,7 @@ void log_started(TVXenv *env, FILE *stream)
     TVXversion(&major, &minor, &technical);
     text_print(stream, "\nTarvex %d.%d.%d (%s) logging started %s\n", major, minor,
                technical, TVXplatform(), date);
-    fflush(stream);
+    if (fflush(stream)) warn_lost(env);
 }
 
 void warn_dead_master(const TVXenv *env)

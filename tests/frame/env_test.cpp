@@ -107,6 +107,14 @@ TEST_F(Env, ALogThatCannotBeOpenedLeavesThePreviousOne)
     char name[TVX_PARAM_LENGTH + 1];
     TVXgetstrparam(env, "LogFile", name);
     EXPECT_STREQ(name, "a.log");
+    if (FILE *full = fopen("/dev/full", "w")) {
+        Output said;
+        ASSERT_EQ(TVXsetlogfile(env, full), 0);
+        TVXmsg(env, "lost\n");
+        EXPECT_EQ(said.text(),
+                  "Warning: the log file cannot be written to its end\nlost\n");
+        ASSERT_EQ(TVXsetstrparam(env, "LogFile", "a.log"), 0);
+    }
     TVXmsg(env, "still here\n");
     EXPECT_NE(file_get("a.log").find("still here\n"), std::string::npos);
     EXPECT_EQ(TVXsetstrparam(env, "LogFile", ""), 0);

@@ -9,7 +9,6 @@
 // Literature  W. D. Clinger, "How to read floating point numbers accurately", PLDI 1990.
 #include "frame/runtime/text_number.h"
 #include <charconv>
-#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -156,22 +155,6 @@ int text_to_double(const char *text, const char **end, double *value)
     if (end) *end = stop ? stop : text;
     if (!stop) return 1;
     *value = negative ? -magnitude : magnitude;
-    return 0;
-}
-
-int text_to_int(const char *text, const char **end, int *value)
-{
-    if (end) *end = text;
-    const bool negative = *text == '-';
-    const char *p = *text == '-' || *text == '+' ? text + 1 : text;
-    if (!is_digit(*p)) return 1;
-    int64_t sum = 0;
-    for (; is_digit(*p); p++)
-        if (sum <= INT_MAX) sum = 10 * sum + (*p - '0');
-    if (negative) sum = -sum;
-    if (sum > INT_MAX || sum < INT_MIN) return 1;
-    if (end) *end = p;
-    *value = static_cast<int>(sum);
     return 0;
 }
 

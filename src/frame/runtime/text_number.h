@@ -12,8 +12,6 @@ static constexpr int NUMBER_LENGTH =
 // a number is infinite, too small a one zero. 0; or 1 when no number stands there, *value then unchanged and
 // *end == text. end may be null.
 int text_to_double(const char *text, const char **end, double *value);
-// A decimal integer, likewise. 1 also when it does not fit an int.
-int text_to_int(const char *text, const char **end, int *value);
 
 // Writes value into buffer (NUMBER_LENGTH characters) and returns the length.
 int number_general(char *buffer, double value,

@@ -143,22 +143,6 @@ TEST(TextNumber, StopsBehindTheNumberAndRefusesWhatIsNone)
     EXPECT_EQ(text_to_double("x", nullptr, &value), 1);
 }
 
-TEST(TextNumber, IntegersAreCheckedForRange)
-{
-    int value = 7;
-    const char *end = nullptr;
-    EXPECT_EQ(text_to_int("-2147483648", &end, &value), 0);
-    EXPECT_EQ(value, std::numeric_limits<int>::min());
-    EXPECT_EQ(text_to_int("+2147483647x", &end, &value), 0);
-    EXPECT_EQ(value, std::numeric_limits<int>::max());
-    EXPECT_STREQ(end, "x");
-    for (const char *text :
-         {"2147483648", "-2147483649", "99999999999999999999999", "", "-", "x", " 1"}) {
-        EXPECT_EQ(text_to_int(text, &end, &value), 1) << text;
-        EXPECT_EQ(end, text);
-    }
-}
-
 TEST(TextNumber, FormatsCutLongTextsAndSurviveNullOnes)
 {
     char buffer[8];
