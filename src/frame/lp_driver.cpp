@@ -4,12 +4,14 @@
 //             2  After a limit or an interruption the live simplex record continues.
 //             3  Else the start is the caller's basis if one was set since the last solve, the live
 //                record, the basis that an update carried over, or nothing.
-//             4  The simplex solves the model itself: no reduction and no dual form stands between
-//                the model and the solver. This is where they would come in.
-//             5  Results are published as lp_result, and the closing lines say how it ended.
+//             4  Without a basis to start from, presolve reduces the model (lp_presolved.cpp). The simplex
+//                solves what is left, and the way back gives a basis of the model.
+//             5  The simplex solves the model itself, from that basis usually without an iteration.
+//             6  Results are published as lp_result, and the closing lines say how it ended.
 // Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
 //             leaves the status at TVX_LOADED, and neither.
 #include "frame/attributes.h"
+#include "frame/lp_presolved.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
 #include "frame/runtime/clock.h"
@@ -65,13 +67,13 @@ static int choose_method(TVXenv *env)
 
 // The simplex, which from its first run on may also repair a solution that violates the tolerances
 // only after unscaling.
-static int run_simplex(TVXmodel *model)
+static int run_simplex(TVXmodel *model, const LpStart *start)
 {
     TVXenv *env = model->env;
     const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
     if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
-    const int code =
-        SimplexOptimize(model, choose_method(env), nullptr, nullptr, nullptr, nullptr);
+    const int code = SimplexOptimize(model, choose_method(env), start->vstat_cols,
+                                     start->vstat_rows, nullptr, nullptr);
     env->TARV_PAR_UNSCALEDVIO = unscaled_check;
     if (code != TVX_ERROR_NUMERIC) return code;
     model->status = TVX_NUMERIC; // an outcome, not an error
@@ -86,8 +88,8 @@ static void publish(TVXmodel *model, double start)
     attributes_clear_solution(model); // what a callback has asked for during the solve
     if (!simplex) return;
     result->objval = turned(model->body->sense, simplex_objective(simplex));
-    result->itercount = simplex_iterations(simplex);
-    model->node_count = simplex_work_units(simplex);
+    result->itercount += simplex_iterations(simplex);
+    model->node_count += simplex_work_units(simplex);
 }
 
 // A solve that a callback has stopped with a code of its own leaves results like any other that was
@@ -96,7 +98,10 @@ static int solve(TVXmodel *model, double start)
 {
     TRY(open_result(model));
     choose_start(model);
-    const int code = run_simplex(model);
+    model->node_count = 0;
+    LpStart basis;
+    TRY(lp_presolved(model, choose_method(model->env), &basis));
+    const int code = basis.final ? 0 : run_simplex(model, &basis);
     if (code == OUT_OF_MEMORY) return code;
     publish(model, start);
     if (model->simplex) warm_start_drop(model);

@@ -1,0 +1,111 @@
+// activity.cpp -- the range of each row's activity over the bounds of its columns
+//
+// RMin and RMax are sums of finite terms less the right-hand side; Rmincnt and Rmaxcnt count the infinite ones. Every
+// bound is rounded outwards as it is added, so that a sum errs to the safe side. Changes are added and taken away;
+// where a term that goes was far larger than what is left, digits have been lost, and the row is summed anew.
+#include "presolve/work.h"
+#include <cmath>
+
+namespace
+{
+constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
+constexpr double CANCELLED = 1e6; // a term over what is left of the sum
+
+double raised(double v)
+{
+    return v * (v > 0 ? UP : DOWN);
+}
+double lowered(double v)
+{
+    return v * (v > 0 ? DOWN : UP);
+}
+
+struct Bounds {
+    double lb, ub;
+};
+
+void add_terms(PresolveWork *w, int i, double a, const Bounds &b)
+{
+    const double high = a > 0 ? b.ub : b.lb, low = a > 0 ? b.lb : b.ub;
+    if (std::fabs(high) >= w->INF)
+        w->Rmaxcnt.data[i]++;
+    else
+        w->RMax.data[i] += raised(a * high);
+    if (std::fabs(low) >= w->INF)
+        w->Rmincnt.data[i]++;
+    else
+        w->RMin.data[i] += lowered(a * low);
+}
+
+// One side of a row loses a term. True when the sum has lost its digits with it.
+bool take_term(const PresolveWork *w, double *sum, int *infinite, double a, double bound,
+               bool upper)
+{
+    if (std::fabs(bound) >= w->INF) {
+        --*infinite;
+        return false;
+    }
+    *sum -= upper ? raised(a * bound) : lowered(a * bound); // what was added
+    return std::fabs(a * bound) > CANCELLED * (1 + std::fabs(*sum));
+}
+
+bool move_term(const PresolveWork *w, double *sum, int *infinite, double a, double before,
+               double after, bool upper)
+{
+    if (before == after) return false; // copied, so compared exactly
+    const bool lost = take_term(w, sum, infinite, a, before, upper);
+    if (std::fabs(after) >= w->INF)
+        ++*infinite;
+    else
+        *sum += upper ? raised(a * after) : lowered(a * after);
+    return lost;
+}
+} // namespace
+
+void row_activity(PresolveWork *w, int i)
+{
+    w->RMax.data[i] = w->RMin.data[i] = -w->Rhs.data[i];
+    w->Rmaxcnt.data[i] = w->Rmincnt.data[i] = 0;
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
+        const PresolveNode &node = w->Nodes.data[p];
+        add_terms(w, i, node.value, {w->Lb.data[node.col], w->Ub.data[node.col]});
+    }
+}
+
+void pre_activity(PresolveWork *w)
+{
+    for (int i = 0; i < w->NumRows; i++)
+        if (is_live_row(w, i)) row_activity(w, i);
+    w->Work += 5.0 * static_cast<double>(w->NumNz);
+}
+
+void change_bounds(PresolveWork *w, int j, double lb, double ub)
+{
+    const Bounds old = {w->Lb.data[j], w->Ub.data[j]};
+    w->Lb.data[j] = lb;
+    w->Ub.data[j] = ub;
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
+        const int i = w->Nodes.data[p].row;
+        const double a = w->Nodes.data[p].value;
+        const bool up = a > 0;
+        bool lost = move_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a,
+                              up ? old.ub : old.lb, up ? ub : lb, true);
+        lost |= move_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? old.lb : old.ub,
+                          up ? lb : ub, false);
+        if (lost) row_activity(w, i);
+    }
+}
+
+bool settle_term(PresolveWork *w, int p, double v)
+{
+    const PresolveNode &node = w->Nodes.data[p];
+    const int i = node.row;
+    const double a = node.value, lb = w->Lb.data[node.col], ub = w->Ub.data[node.col];
+    const bool up = a > 0;
+    bool lost = take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a, up ? ub : lb, true);
+    lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? lb : ub, false);
+    w->Rhs.data[i] -= a * v;
+    w->RMax.data[i] += a * v;
+    w->RMin.data[i] += a * v;
+    return lost;
+}

@@ -1,0 +1,90 @@
+// fix.cpp -- a column leaves at a value
+//
+// The way back needs the column's cost and entries: its reduced cost is computed there from the duals.
+#include "presolve/postsolve.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double CLOSED = 1e-13;   // a range below counts as none
+constexpr double WORTHLESS = 0.01; // share of the tolerance: what a range may cost
+
+int record_fix(PresolveWork *w, int j, double v, int status)
+{
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_FIX, w->ColCnt.data[j]);
+    if (!undo) return OUT_OF_MEMORY;
+    undo->col = j;
+    undo->value = v;
+    undo->cost = w->Obj.data[j];
+    undo->mode = status;
+    int k = 0;
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
+        undo->entry[k++] = {w->Nodes.data[p].row, w->Nodes.data[p].value};
+    return 0;
+}
+
+void fix_term(PresolveWork *w, int p, double v)
+{
+    const int i = w->Nodes.data[p].row;
+    const bool lost = settle_term(w, p, v);
+    mark_row(w, i);
+    delete_entry(w, p);
+    if (lost) row_activity(w, i);
+}
+} // namespace
+
+int fix_column(PresolveWork *w, int j, double v, int status)
+{
+    TRY(record_fix(w, j, v, status));
+    w->ObjCon += w->Obj.data[j] * v;
+    for (int p = first_in_col(w, j); p >= 0;) {
+        const int next = next_in_col(w, p);
+        fix_term(w, p, v);
+        p = next;
+    }
+    w->ColHead.data[j] = -1;
+    w->Obj.data[j] = 0;
+    w->ColCnt.data[j] = COL_FIXED;
+    w->ColsRemoved++;
+    return 0;
+}
+
+int fix_at_lower(PresolveWork *w, int j)
+{
+    return fix_column(w, j, w->Lb.data[j], -1);
+}
+
+int fix_at_upper(PresolveWork *w, int j)
+{
+    return fix_column(w, j, w->Ub.data[j], -2);
+}
+
+int fix_by_range(PresolveWork *w, int j)
+{
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j], range = ub - lb,
+                 cost = w->Obj.data[j];
+    if (-range > 2 * w->FeasTol) {
+        w->InfeasCol = j;
+        return PRESOLVE_INFEASIBLE;
+    }
+    double largest = 0;
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
+        largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
+    if (range > CLOSED && largest * range > w->FeasTol) return 0;
+    double v = 0.5 * (lb + ub);
+    if (WORTHLESS * w->FeasTol <= std::fabs(range * cost)) v = cost > 0 ? lb : ub;
+    return fix_column(w, j, v, STATUS_BY_SIGN);
+}
+
+void undo_fix(const UndoRecord *undo, PostPoint *point)
+{
+    const int j = undo->col;
+    double d = undo->cost;
+    for (int k = 0; k < undo->count; k++)
+        d -= point->d[point->n + undo->entry[k].index] * undo->entry[k].value;
+    point->x[j] = undo->value;
+    point->d[j] = d;
+    if (!point->status) return;
+    point->status[j] = undo->mode != STATUS_BY_SIGN ? undo->mode : d >= 0 ? -1 : -2;
+}

@@ -1,0 +1,36 @@
+// fix_empty.cpp -- columns without entries go to the bound that their cost wants
+#include "presolve/work.h"
+#include <cmath>
+
+namespace
+{
+constexpr double CLOSED = 1e-10;
+
+int fix_empty_column(PresolveWork *w, int j)
+{
+    const double cost = w->Obj.data[j];
+    if ((cost > w->OptTol && !has_lb(w, j)) || (cost < -w->OptTol && !has_ub(w, j))) {
+        w->InfeasCol = j;
+        return PRESOLVE_UNBOUNDED;
+    }
+    if (cost > w->OptTol) return fix_at_lower(w, j);
+    if (cost < -w->OptTol) return fix_at_upper(w, j);
+    if (has_lb(w, j)) return fix_at_lower(w, j);
+    return has_ub(w, j) ? fix_at_upper(w, j) : fix_column(w, j, 0, -3);
+}
+} // namespace
+
+int fix_column_if_empty(PresolveWork *w, int j)
+{
+    return w->ColCnt.data[j] == 0 && w->ColFlags.data[j] == 0 ? fix_empty_column(w, j) : 0;
+}
+
+int pre_fix_empty(PresolveWork *w)
+{
+    for (int j = 0; j < w->NumCols; j++) {
+        if (!is_live_col(w, j)) continue;
+        if (w->Lb.data[j] > w->Ub.data[j] - CLOSED) TRY(fix_by_range(w, j));
+        if (is_live_col(w, j)) TRY(fix_column_if_empty(w, j));
+    }
+    return 0;
+}

@@ -1,0 +1,95 @@
+// forcing_rows.cpp -- a row that its columns satisfy only at their bounds fixes them all
+//
+// Method      When the least activity of a x <= b reaches b (or the greatest of an equation does), every column must
+//             stand at the bound that gives it.
+// Way back    All columns are nonbasic. A dual for the row repairs the reduced costs of the wrong sign: the largest one
+//             needed decides, its column becomes basic, and the row's slack nonbasic.
+#include "presolve/postsolve.h"
+#include <cmath>
+
+namespace
+{
+constexpr double REACHED = 1e-10;
+constexpr double WORTH = 100; // tolerances that each column's range has to matter
+
+bool ranges_matter(const PresolveWork *w, int i)
+{
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
+        const PresolveNode &node = w->Nodes.data[p];
+        const double range = w->Ub.data[node.col] - w->Lb.data[node.col];
+        if (std::fabs(range * node.value) < WORTH * w->FeasTol ||
+            w->ColFlags.data[node.col])
+            return false;
+    }
+    return true;
+}
+
+// +1 when the row is at its least activity, -1 at its greatest, else 0.
+int forcing_sign(const PresolveWork *w, int i)
+{
+    const double low = w->RMin.data[i], high = w->RMax.data[i];
+    if (w->Rmincnt.data[i] == 0 && low > -REACHED && low < w->FeasTol)
+        return ranges_matter(w, i) ? 1 : 0;
+    if (w->Sense.data[i] == '=' && w->Rmaxcnt.data[i] == 0 && high < REACHED &&
+        high > -w->FeasTol)
+        return ranges_matter(w, i) ? -1 : 0;
+    return 0;
+}
+
+int fix_row(PresolveWork *w, int i, int sign)
+{
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_FORCING_ROW, w->RowCnt.data[i]);
+    if (!undo) return OUT_OF_MEMORY;
+    undo->row = i;
+    undo->mode = sign;
+    int k = 0;
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
+        undo->entry[k++] = {w->Nodes.data[p].col, w->Nodes.data[p].value};
+    w->Work += 20.0 * undo->count;
+    for (k = 0; k < undo->count; k++) {
+        const UndoEntry &e = undo->entry[k];
+        TRY(sign * e.value > 0 ? fix_at_lower(w, e.index) : fix_at_upper(w, e.index));
+    }
+    w->RowHead.data[i] = -1;
+    w->RowCnt.data[i] = ROW_REDUNDANT;
+    w->RowsRemoved++;
+    return 0;
+}
+} // namespace
+
+int pre_forcing_rows(PresolveWork *w)
+{
+    int *list = w->IndexA.data;
+    const int count = candidate_rows(w, list);
+    for (int k = 0; k < count; k++) {
+        const int i = list[k];
+        if (w->RowCnt.data[i] < 2) continue;
+        const int sign = forcing_sign(w, i);
+        if (sign != 0) TRY(fix_row(w, i, sign));
+    }
+    return 0;
+}
+
+// y = -t sign, with t >= 0 the least that gives every d_k - y a_k the sign of its bound: at lower (sign a > 0) >= 0, at
+// upper <= 0.
+void undo_forcing_row(const UndoRecord *undo, PostPoint *point)
+{
+    const double sign = undo->mode;
+    double t = 0;
+    int deciding = -1;
+    for (int k = 0; k < undo->count; k++) {
+        const double ratio =
+            -point->d[undo->entry[k].index] / (sign * undo->entry[k].value);
+        if (ratio <= t) continue;
+        t = ratio;
+        deciding = undo->entry[k].index;
+    }
+    if (deciding < 0) return;
+    for (int k = 0; k < undo->count; k++)
+        point->d[undo->entry[k].index] += t * sign * undo->entry[k].value;
+    point->d[deciding] = 0;
+    point->d[point->n + undo->row] = -t * sign;
+    if (!point->status) return;
+    point->status[deciding] = 0;
+    point->status[point->n + undo->row] = -1;
+}

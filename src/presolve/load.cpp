@@ -1,0 +1,135 @@
+// load.cpp -- the presolve record from a model body
+//
+// Method      Vectors are copied; entries go into the pool column by column, linked so that lists run in ascending order.
+//             Entries that are zero but for rounding are left out. Spare nodes give room for fill.
+#include "frame/runtime/clock.h"
+#include "presolve/work.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double TINY_ENTRY = 1e-13;
+constexpr int64_t SPARE_LEAST = 10000;
+constexpr int SPARE_SHARE = 10;        // of the entries
+constexpr int LONG_COLUMN = 5;         // of the class with unit entries
+constexpr double SMALLEST_CLASS = 0.5; // share of equations in it
+
+int copy_vectors(PresolveWork *w, const ModelBody *body)
+{
+    const int n = w->NumCols, m = w->NumRows;
+    TRY(array_copy(&w->Obj, body->obj.data, n));
+    TRY(array_copy(&w->Lb, body->lb.data, n));
+    TRY(array_copy(&w->Ub, body->ub.data, n));
+    TRY(array_copy(&w->Rhs, body->rhs.data, m));
+    TRY(array_resize(&w->Sense, m));
+    for (int j = 0; j < n; j++) {
+        if (w->Lb.data[j] <= -w->INF) w->Lb.data[j] = -w->INF;
+        if (w->Ub.data[j] >= w->INF) w->Ub.data[j] = w->INF;
+    }
+    for (int i = 0; i < m; i++) w->Sense.data[i] = body->senses.data[i] == '=' ? '=' : '<';
+    return 0;
+}
+
+int allocate(PresolveWork *w, int64_t nodes)
+{
+    const int n = w->NumCols, m = w->NumRows, most = std::max(n, m);
+    TRY(array_resize(&w->Nodes, nodes));
+    for (Array<int> *a : {&w->RowHead, &w->RowsA.List, &w->RowsB.List})
+        TRY(array_assign(a, m, -1));
+    for (Array<int> *a : {&w->ColHead, &w->ColsA.List, &w->ColsB.List})
+        TRY(array_assign(a, n, -1));
+    for (Array<int> *a : {&w->RowCnt, &w->Rmaxcnt, &w->Rmincnt, &w->RowMark})
+        TRY(array_assign(a, m, 0));
+    for (Array<int> *a : {&w->ColCnt, &w->ColMark, &w->ColFlags})
+        TRY(array_assign(a, n, 0));
+    for (Array<double> *a : {&w->RMax, &w->RMin}) TRY(array_assign(a, m, 0.0));
+    for (Array<double> *a : {&w->Scratch, &w->ScratchB, &w->ScratchC})
+        TRY(array_assign(a, most, 0.0));
+    for (Array<int> *a : {&w->IndexA, &w->IndexB, &w->IndexC}) TRY(array_resize(a, most));
+    return array_assign(&w->Flag, most, char(0));
+}
+
+// From the last entry to the first, each at the head of its lists.
+int link_entries(PresolveWork *w, const ModelBody *body)
+{
+    int used = 0;
+    for (int j = w->NumCols - 1; j >= 0; j--) {
+        for (int p = body->vbeg.data[j + 1] - 1; p >= body->vbeg.data[j]; p--) {
+            const double value = body->vval.data[p];
+            if (std::fabs(value) <= TINY_ENTRY) continue;
+            const int i = body->vind.data[p];
+            w->Nodes.data[used] = {value, i, j, w->RowHead.data[i], w->ColHead.data[j]};
+            w->RowHead.data[i] = w->ColHead.data[j] = used++;
+            w->RowCnt.data[i]++;
+            w->ColCnt.data[j]++;
+        }
+    }
+    return used;
+}
+
+void link_free(PresolveWork *w, int used)
+{
+    const int end = static_cast<int>(w->Nodes.size);
+    for (int p = end - 1; p >= used; p--) {
+        w->Nodes.data[p] = {0, -1, -1, w->FreeList, -1};
+        w->FreeList = p;
+    }
+    w->FreeCount = end - used;
+}
+
+int classify(const PresolveWork *w, int used)
+{
+    int64_t plus = 0, minus = 0;
+    for (int p = 0; p < used; p++) {
+        plus += w->Nodes.data[p].value == 1; // coefficients as given
+        minus += w->Nodes.data[p].value == -1;
+    }
+    const int longest =
+        w->NumCols > 0 ? *std::max_element(w->ColCnt.begin(), w->ColCnt.end()) : 0;
+    int64_t equations = 0;
+    for (int i = 0; i < w->NumRows; i++) equations += w->Sense.data[i] == '=';
+    if (plus + minus < used || plus == 0 || minus == 0) return MATRIX_GENERAL;
+    if (longest <= 2 && plus == minus && equations == w->NumRows) return MATRIX_NETWORK;
+    const bool unit = longest >= LONG_COLUMN &&
+                      static_cast<double>(equations) > SMALLEST_CLASS * w->NumRows;
+    return unit ? MATRIX_UNIT_EQUATIONS : MATRIX_GENERAL;
+}
+} // namespace
+
+int work_load(PresolveWork *w, TVXmodel *model)
+{
+    const ModelBody *body = model->body;
+    const TVXenv *env = model->env;
+    w->Model = model;
+    w->Env = model->env;
+    w->NumCols = body->numvars;
+    w->NumRows = body->numconstrs;
+    w->StartTime = w->LastLogTime = WallClock();
+    w->INF = env->TARV_PAR_INFBOUND;
+    w->FeasTol = env->FeasibilityTol;
+    w->OptTol = env->OptimalityTol;
+    w->ZeroTol = env->TARV_PAR_ZERO;
+    w->IntTol = env->IntFeasTol;
+    w->StepLimit = env->TARV_PAR_PRELIMIT;
+    w->KeepCrush = env->PreCrush;
+    w->ObjCon = body->objcon;
+    w->Undo.block_size =
+        int64_t{body->numnz} / 5 * static_cast<int64_t>(sizeof(UndoEntry)) + 4096;
+    const int64_t spare =
+        std::max({int64_t{w->NumRows}, SPARE_LEAST, int64_t{body->numnz} / SPARE_SHARE});
+    if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
+    TRY(copy_vectors(w, body));
+    TRY(allocate(w, body->numnz + spare));
+    const int used = link_entries(w, body);
+    w->NumNz = used;
+    link_free(w, used);
+    w->MatrixClass = classify(w, used);
+    return 0;
+}
+
+void work_free(PresolveWork *w)
+{
+    undo_free(&w->Undo);
+    *w = PresolveWork{};
+}

@@ -1,0 +1,91 @@
+// postsolve.cpp -- from a solution of the reduced model back to one of the model
+//
+// Method      What the reduced model holds is scattered through the maps; rows that went have their slack basic and no
+//             dual, until a record says otherwise. Then the undo stack is walked from its top. At the end slacks are
+//             computed from the model itself.
+// Invariant   After each record the point is primal feasible, dual feasible and basic for the model as it was before the
+//             reduction, as far as it was so for the model behind it.
+// Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
+#include "presolve/postsolve.h"
+#include <algorithm>
+
+namespace
+{
+void scatter(const PresolveResult *result, const TVXmodel *reduced_model,
+             const LpPoint *reduced, PostPoint *point)
+{
+    const int n = point->n, m = point->m;
+    const int reduced_n = reduced_model ? reduced_model->body->numvars : 0;
+    for (int j = 0; j < n; j++) {
+        const int k = result->ColMap.data[j];
+        point->x[j] = k >= 0 ? reduced->x.data[k] : 0;
+        point->d[j] = k >= 0 ? reduced->dual.data[k] : 0;
+        if (point->status) point->status[j] = k >= 0 ? reduced->status.data[k] : -1;
+    }
+    for (int i = 0; i < m; i++) {
+        const int k = result->RowMap.data[i];
+        point->x[n + i] = k >= 0 ? reduced->x.data[reduced_n + k] : 0;
+        point->d[n + i] = k >= 0 ? reduced->dual.data[reduced_n + k] : 0;
+        if (point->status)
+            point->status[n + i] = k >= 0 ? reduced->status.data[reduced_n + k] : 0;
+    }
+}
+
+void undo_record(const UndoRecord *undo, PostPoint *point)
+{
+    switch (undo->kind) {
+    case UNDO_FIX:
+        return undo_fix(undo, point);
+    case UNDO_SUBSTITUTE:
+        return undo_substitute(undo, point);
+    case UNDO_SLACK_COLUMN:
+        return undo_slack_column(undo, point);
+    case UNDO_DOMINATED:
+        return undo_dominated(undo, point);
+    case UNDO_MERGE_COLS:
+        return undo_merge_cols(undo, point);
+    case UNDO_PARALLEL_ROWS:
+        return undo_parallel_rows(undo, point);
+    case UNDO_BOUND_TRANSFER:
+        return undo_bound_transfer(undo, point);
+    case UNDO_SINGLETON_ROW:
+        return undo_singleton_row(undo, point);
+    case UNDO_FORCING_ROW:
+        return undo_forcing_row(undo, point);
+    case UNDO_FREE_TO_SLACK:
+        return undo_free_to_slack(undo, point);
+    default:
+        return;
+    }
+}
+
+void compute_slacks(const ModelBody *body, PostPoint *point)
+{
+    double *slack = point->x + point->n;
+    std::copy_n(body->rhs.data, point->m, slack);
+    for (int j = 0; j < point->n; j++)
+        for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++)
+            slack[body->vind.data[p]] -= body->vval.data[p] * point->x[j];
+}
+} // namespace
+
+int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis)
+{
+    const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
+    TRY(array_assign(&point->x, size, 0.0));
+    TRY(array_assign(&point->dual, size, 0.0));
+    return with_basis ? array_assign(&point->status, size, 0) : 0;
+}
+
+int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full)
+{
+    const PresolveResult *result = model->presolve;
+    TRY(lp_point_alloc(full, model, !reduced || reduced->status.size > 0));
+    PostPoint point = {model->body->numvars, model->body->numconstrs, full->x.data,
+                       full->dual.data,      full->status.data,       result->INF};
+    scatter(result, model->presolved, reduced, &point);
+    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next)
+        undo_record(undo, &point);
+    compute_slacks(model->body, &point);
+    return 0;
+}

@@ -1,0 +1,41 @@
+// presolve.h -- the face of the presolve subsystem: reduce a model, and come back from a solution of the reduced one
+//
+// presolve_lp -> PresolveResult and a reduced TVXmodel -> any solver -> postsolve_lp
+// Signs: rows are a x <= b or a x = b as the model body holds them, minimise. Duals y are those of the Lagrangean
+// c x + y (b - a x), so that a row a x <= b has y <= 0, and reduced costs are d = c - A^T y.
+#pragma once
+#include "frame/model.h"
+
+// Status of a presolve that leaves no reduced model behind, and of each reduction.
+enum PresolveStatus {
+    PRESOLVE_OK = 0,
+    PRESOLVE_INFEASIBLE = 3,
+    PRESOLVE_INF_OR_UNBD = 4,
+    PRESOLVE_UNBOUNDED = 5,
+    PRESOLVE_TIME_LIMIT = 9,
+    PRESOLVE_INTERRUPTED = 11,
+};
+
+// Reduces the continuous model `model`. On PRESOLVE_OK model->presolve holds the way back, and model->presolved the
+// reduced model, which shares the environment, or null when nothing is left. Any earlier result is dropped first. Other
+// results leave neither. A status of PresolveStatus, or OUT_OF_MEMORY.
+[[nodiscard]] int presolve_lp(TVXmodel *model);
+void presolve_drop(TVXmodel *model); // result and reduced model, if there are any
+
+// A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,
+// -3 free or superbasic); the slack of row i is b_i - a_i x.
+struct LpPoint {
+    Array<double> x;    // [n + m] values and slacks
+    Array<double> dual; // [n + m] reduced costs and duals
+    Array<int> status;  // [n + m], or empty
+};
+// Room for a model of this size, zeros. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis);
+
+// Maps a solution of the reduced model (null when nothing is left of it) back to the model. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced,
+                               LpPoint *full);
+
+// Maps a basis of the model to the reduced model: statuses [n + m] of each. The result may have too few or too many
+// basic entries; it is made a basis by slacks.
+void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);

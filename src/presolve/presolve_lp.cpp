@@ -1,0 +1,221 @@
+// presolve_lp.cpp -- the order in which reductions run on a continuous model
+//
+// Method      Passes, each of a cheap inner loop (columns, singleton rows, forcing rows) until nothing goes, and then once
+//             the reductions that cost more. What a reduction touches is what the next ones look at. The passes end when
+//             one has removed nothing, or with their budget; empty columns and rows go last.
+// Out         The reduced model and the way back, or a final status.
+#include "frame/model_store.h"
+#include "presolve/work.h"
+#include <algorithm>
+
+namespace
+{
+constexpr int PASSES_LEVEL1 = 3, PASSES = 10;
+constexpr int INNER_ROUNDS =
+    5;                         // after these a changed bound alone is no reason for another
+constexpr int DUAL_PASSES = 5; // dual bounds only in so many passes, unless Presolve is 2
+constexpr int STOP = -1;       // the step limit is reached: build from what stands
+
+// Options of a run, resolved.
+struct Plan {
+    bool network = false, dual = false, bound = false, parallel = false, aggregate = false;
+    int two_rows = 0, dependent = 0, passes = 0;
+    bool dual_always = false;
+};
+
+using Reduction = int (*)(PresolveWork *);
+
+// One reduction with its step count and the look at the limits behind it.
+int run(PresolveWork *w, Reduction reduction)
+{
+    if (w->Steps >= w->StepLimit) return STOP;
+    w->Steps++;
+    TRY(reduction(w));
+#ifdef TVX_DEBUG
+    if (presolve_verify(w) > 0) return STOP;
+#endif
+    return presolve_check(w);
+}
+
+Plan make_plan(const PresolveWork *w)
+{
+    const TVXenv *env = w->Env;
+    Plan plan;
+    const int level = env->Presolve;
+    plan.network = level < 2 && w->MatrixClass == MATRIX_NETWORK;
+    plan.dual = env->TARV_PAR_DUALREDUCTION != 0;
+    plan.bound = env->TARV_PAR_PREBOUND != 0;
+    plan.parallel = env->TARV_PAR_PREPARALLEL != 0;
+    plan.aggregate = env->Aggregate != 0;
+    plan.two_rows = env->TARV_PAR_PRETWOROWS >= 1 || level == 2;
+    plan.dual_always = level == 2;
+    plan.passes = env->PrePasses >= 0 ? env->PrePasses
+                  : level == 1        ? PASSES_LEVEL1
+                                      : PASSES;
+    plan.dependent = env->PreDepRow;
+    if (plan.dependent < 0)
+        plan.dependent = level == 2   ? 3
+                         : level == 1 ? 0
+                         : env->LPMethod == 2 || w->MatrixClass == MATRIX_UNIT_EQUATIONS
+                             ? 3
+                             : 0;
+    return plan;
+}
+
+int remove_free_rows(PresolveWork *w)
+{
+    for (int i = 0; i < w->NumRows; i++)
+        if (w->Sense.data[i] != '=' && w->Rhs.data[i] >= INFINITE_VALUE)
+            remove_row(w, i, ROW_REDUNDANT);
+    return 0;
+}
+
+bool nothing_left(const PresolveWork *w)
+{
+    return w->RowsRemoved >= w->NumRows || w->ColsRemoved >= w->NumCols;
+}
+
+// Cheap reductions until nothing goes.
+int inner_loop(PresolveWork *w)
+{
+    for (int round = 1;; round++) {
+        const int cols = w->ColsRemoved, rows = w->RowsRemoved, bounds = w->BoundsChanged;
+        presolve_log(w);
+        TRY(run(w, pre_columns));
+        TRY(run(w, pre_singleton_rows));
+        TRY(run(w, pre_forcing_rows));
+        sweep_marked(w);
+        if (cols == w->ColsRemoved && rows == w->RowsRemoved &&
+            (bounds == w->BoundsChanged || round > INNER_ROUNDS))
+            return 0;
+        rotate(w);
+    }
+}
+
+int compress_all(PresolveWork *w)
+{
+    compress(w);
+    return 0;
+}
+
+int activity_pass(PresolveWork *w)
+{
+    pre_activity(w);
+    return 0;
+}
+
+int outer_part(PresolveWork *w, const Plan *plan, int pass)
+{
+    TRY(run(w, pre_redundant_rows));
+    if (plan->network || !plan->dual || (pass >= DUAL_PASSES && !plan->dual_always)) {
+        TRY(run(w, pre_implied_bounds));
+    } else {
+        TRY(run(w, pre_dual_bounds));
+        TRY(run(w, pre_implied_bounds));
+        TRY(run(w, pre_singleton_rows));
+        TRY(run(w, pre_forcing_rows));
+    }
+    presolve_log(w);
+    if (!plan->network && plan->parallel) {
+        if (plan->dual) TRY(run(w, pre_duplicate_cols));
+        TRY(run(w, pre_duplicate_rows));
+    }
+    TRY(compress_all(w));
+    if (plan->dual) TRY(run(w, pre_ineq_to_eq));
+    if (plan->aggregate) TRY(run(w, pre_aggregate));
+    TRY(activity_pass(w));
+    if (plan->two_rows) TRY(run(w, pre_two_rows));
+    if (pass == 0 && (plan->dependent & 1)) TRY(run(w, pre_dependent_rows));
+    presolve_log(w);
+    return 0;
+}
+
+int passes(PresolveWork *w, const Plan *plan)
+{
+    for (int pass = 0; pass < plan->passes; pass++) {
+        w->Phase = 2;
+        if (!plan->network) TRY(inner_loop(w));
+        if (nothing_left(w)) return 0;
+        w->Phase = 1;
+        if (pass > 0) rotate(w);
+        const int cols = w->ColsRemoved, rows = w->RowsRemoved, equations = w->IneqToEq;
+        TRY(outer_part(w, plan, pass));
+        if (cols == w->ColsRemoved && rows == w->RowsRemoved && equations == w->IneqToEq)
+            return 0;
+    }
+    return 0;
+}
+
+int finish_loop(PresolveWork *w, const Plan *plan)
+{
+    w->Phase = 0;
+    if (!plan->network && plan->bound) TRY(run(w, pre_singleton_knapsack));
+    for (;;) {
+        const int cols = w->ColsRemoved;
+        TRY(run(w, pre_redundant_rows));
+        TRY(run(w, pre_fix_empty));
+        if (cols == w->ColsRemoved) break;
+    }
+    return plan->bound ? run(w, pre_free_bounds) : 0;
+}
+
+int reduce(PresolveWork *w)
+{
+    const Plan plan = make_plan(w);
+    mark_everything(w);
+    w->Phase = 1;
+    if (!plan.network) TRY(remove_free_rows(w));
+    pre_activity(w);
+    if (!plan.network && plan.bound) TRY(run(w, pre_singleton_knapsack));
+    TRY(passes(w, &plan));
+    return finish_loop(w, &plan);
+}
+
+// What presolve says about a model without optimum, given what its reductions may have hidden.
+int final_status(const PresolveWork *w, int status)
+{
+    if (status == PRESOLVE_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;
+    if (status == PRESOLVE_INFEASIBLE && w->Env->TARV_PAR_DUALREDUCTION)
+        return PRESOLVE_INF_OR_UNBD;
+    return status;
+}
+
+void log_result(const PresolveWork *w)
+{
+    if (w->RowsRemoved > 0 || w->ColsRemoved > 0)
+        TVXmsg(w->Env, "Presolve removed %d rows and %d columns\n", w->RowsRemoved,
+               w->ColsRemoved);
+    if (w->IneqToEq > 0)
+        TVXmsg(w->Env, "Presolve changed %d inequalities to equalities\n", w->IneqToEq);
+}
+
+int load_and_reduce(PresolveWork *w, TVXmodel *model)
+{
+    TRY(work_load(w, model));
+    const int status = reduce(w);
+    if (status != 0 && status != STOP) return status;
+    TRY(build_reduced(w));
+    log_result(w);
+    return 0;
+}
+} // namespace
+
+int presolve_lp(TVXmodel *model)
+{
+    presolve_drop(model);
+    PresolveWork work;
+    int status = load_and_reduce(&work, model);
+    if (status != 0) presolve_drop(model);
+    if (status != 0 && status != OUT_OF_MEMORY) status = final_status(&work, status);
+    model->node_count += work.Work;
+    work_free(&work);
+    return status;
+}
+
+void presolve_drop(TVXmodel *model)
+{
+    presolve_free(model->presolve);
+    model_free(model->presolved);
+    model->presolve = nullptr;
+    model->presolved = nullptr;
+}

@@ -1,0 +1,68 @@
+// redundant_rows.cpp -- rows that nothing can violate go; entries too small to matter go as well
+#include "presolve/work.h"
+#include <cmath>
+
+namespace
+{
+constexpr double TINY_SHARE =
+    1e-3; // of the tolerance, over all entries that are dropped from a row
+
+bool is_redundant(const PresolveWork *w, int i)
+{
+    if (w->Rmaxcnt.data[i] > 0 || w->RMax.data[i] >= w->FeasTol) return false;
+    return w->Sense.data[i] == '<' ||
+           (w->Rmincnt.data[i] == 0 && w->RMin.data[i] > -w->FeasTol);
+}
+
+// Entries that cannot move the row by a visible amount are taken at the middle of their range.
+void drop_tiny(PresolveWork *w, int i)
+{
+    double moved = 0;
+    int dropped = 0;
+    for (int p = first_in_row(w, i); p >= 0;) {
+        const int next = next_in_row(w, p), j = w->Nodes.data[p].col;
+        const double a = w->Nodes.data[p].value, lb = w->Lb.data[j], ub = w->Ub.data[j];
+        const double worth = std::fabs(a) * (ub - lb);
+        if (std::fabs(lb) < w->INF && std::fabs(ub) < w->INF &&
+            moved + worth < TINY_SHARE * w->FeasTol && ub - lb > 0.5) {
+            moved += worth;
+            w->Rhs.data[i] -= a * 0.5 * (lb + ub);
+            mark_col(w, j);
+            delete_entry(w, p);
+            dropped++;
+        }
+        p = next;
+    }
+    if (dropped == 0) return;
+    row_activity(w, i);
+    mark_row(w, i);
+    w->CoefsChanged += dropped;
+}
+
+int remove_empty(PresolveWork *w, int i)
+{
+    const double b = w->Rhs.data[i];
+    if (b < -w->FeasTol || (w->Sense.data[i] == '=' && b > w->FeasTol)) {
+        w->InfeasRow = i;
+        return PRESOLVE_INFEASIBLE;
+    }
+    remove_row(w, i, ROW_EMPTY);
+    return 0;
+}
+} // namespace
+
+int pre_redundant_rows(PresolveWork *w)
+{
+    int *list = w->IndexA.data;
+    const int count = active_rows(w, list);
+    w->Work += 3.0 * count;
+    for (int k = 0; k < count; k++) {
+        const int i = list[k];
+        if (w->RowCnt.data[i] > 0 && !is_redundant(w, i)) drop_tiny(w, i);
+        if (w->RowCnt.data[i] == 0)
+            TRY(remove_empty(w, i));
+        else if (w->RowCnt.data[i] > 0 && is_redundant(w, i))
+            remove_row(w, i, ROW_REDUNDANT);
+    }
+    return 0;
+}

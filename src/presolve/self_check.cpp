@@ -1,0 +1,89 @@
+// self_check.cpp -- what holds in the presolve record between reductions, tested in debug builds
+#ifdef TVX_DEBUG
+#include "presolve/work.h"
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace
+{
+struct Checker {
+    int broken = 0;
+    void expect(bool holds, const char *what, int index, double have, double want)
+    {
+        if (!holds && broken++ == 0)
+            fprintf(stderr, "presolve: %s trouble on %d (%g vs %g)\n", what, index, have,
+                    want);
+    }
+};
+
+void check_rows(const PresolveWork *w, Checker *c)
+{
+    for (int i = 0; i < w->NumRows; i++) {
+        if (!is_live_row(w, i)) continue;
+        int count = 0, wrong = 0;
+        for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
+            count++;
+            wrong += w->Nodes.data[p].row != i || !is_live_col(w, w->Nodes.data[p].col);
+        }
+        c->expect(wrong == 0, "row list", i, wrong, 0);
+        c->expect(count == w->RowCnt.data[i], "RowCnt", i, w->RowCnt.data[i], count);
+    }
+}
+
+void check_cols(const PresolveWork *w, Checker *c)
+{
+    for (int j = 0; j < w->NumCols; j++) {
+        int count = 0, wrong = 0;
+        for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
+            count++;
+            wrong += w->Nodes.data[p].col != j || !is_live_row(w, w->Nodes.data[p].row);
+        }
+        c->expect(wrong == 0, "column list", j, wrong, 0);
+        c->expect(count == std::max(0, w->ColCnt.data[j]), "ColCnt", j, w->ColCnt.data[j],
+                  count);
+    }
+}
+
+void check_activity(const PresolveWork *w, int i, Checker *c)
+{
+    double low = -w->Rhs.data[i], high = low, size = std::fabs(low);
+    int infinite_low = 0, infinite_high = 0;
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
+        const PresolveNode &node = w->Nodes.data[p];
+        const double lb = w->Lb.data[node.col], ub = w->Ub.data[node.col];
+        const double least = node.value > 0 ? lb : ub, most = node.value > 0 ? ub : lb;
+        if (std::fabs(least) >= w->INF)
+            infinite_low++;
+        else
+            low += node.value * least;
+        if (std::fabs(most) >= w->INF)
+            infinite_high++;
+        else
+            high += node.value * most;
+        size = std::max({size, std::fabs(low), std::fabs(high)});
+    }
+    const double tol = 1e-9 * (1 + size);
+    c->expect(infinite_low == w->Rmincnt.data[i], "Rmincnt", i, w->Rmincnt.data[i],
+              infinite_low);
+    c->expect(infinite_high == w->Rmaxcnt.data[i], "Rmaxcnt", i, w->Rmaxcnt.data[i],
+              infinite_high);
+    c->expect(std::fabs(low - w->RMin.data[i]) <= tol, "RMin", i, w->RMin.data[i], low);
+    c->expect(std::fabs(high - w->RMax.data[i]) <= tol, "RMax", i, w->RMax.data[i], high);
+}
+} // namespace
+
+int presolve_verify(const PresolveWork *w)
+{
+    Checker c;
+    check_rows(w, &c);
+    check_cols(w, &c);
+    for (int i = 0; i < w->NumRows; i++)
+        if (is_live_row(w, i)) check_activity(w, i, &c);
+    for (int k = 0; k < w->Flag.size; k++)
+        c.expect(w->Flag.data[k] == 0 && w->Scratch.data[k] == 0 &&
+                     w->ScratchB.data[k] == 0 && w->ScratchC.data[k] == 0,
+                 "scratch", k, w->Scratch.data[k], 0);
+    return c.broken;
+}
+#endif

@@ -1,0 +1,111 @@
+// singleton_rows.cpp -- a row with one entry is a bound
+//
+// Method      a x <= b gives x <= b / a (a > 0) or x >= b / a (a < 0); a x = b gives both, and the column goes at once.
+//             A bound that is not tighter than what stands makes the row redundant.
+// Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
+//             the reduced cost as its dual, and the column the row's place in the basis.
+#include "presolve/postsolve.h"
+#include <cmath>
+
+namespace
+{
+constexpr double SMALL_ENTRY = 1e-8; // a bound from a smaller one would be too inaccurate
+constexpr double TIGHTER = 1e-10;    // least improvement
+enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
+
+// What row i says about its column: x = t, x <= t or x >= t. False when it cannot be satisfied.
+bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
+{
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j], tol = w->FeasTol;
+    if (w->Sense.data[i] == '=') {
+        *mode = BOTH;
+        return lb - tol <= t && t <= ub + tol;
+    }
+    if (a > 0) {
+        *mode = ub - TIGHTER > t ? UPPER : REDUNDANT;
+        return *mode == REDUNDANT || lb - tol <= t;
+    }
+    *mode = t > lb + TIGHTER ? LOWER : REDUNDANT;
+    return *mode == REDUNDANT || t <= ub + tol;
+}
+
+// Bounds of an integer column are integers. False when they leave nothing.
+bool new_bounds(const PresolveWork *w, int j, int mode, double t, double *lb, double *ub)
+{
+    const bool integer = is_integer(w, j);
+    *lb = w->Lb.data[j];
+    *ub = w->Ub.data[j];
+    if (mode & LOWER) *lb = integer ? std::fmax(*lb, std::ceil(t - w->IntTol)) : t;
+    if (mode & UPPER) *ub = integer ? std::fmin(*ub, std::floor(t + w->IntTol)) : t;
+    return *lb <= *ub || !integer;
+}
+
+int make_bound(PresolveWork *w, int i, int p, int mode, double t)
+{
+    const int j = w->Nodes.data[p].col;
+    double lb = 0, ub = 0;
+    if (!new_bounds(w, j, mode, t, &lb, &ub)) {
+        w->InfeasRow = i;
+        return PRESOLVE_INFEASIBLE;
+    }
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_SINGLETON_ROW, 0);
+    if (!undo) return OUT_OF_MEMORY;
+    undo->col = j;
+    undo->row = i;
+    undo->mode = mode;
+    undo->value = w->Nodes.data[p].value;
+    // An equation says nothing new about a side whose bound it meets: there the bound itself holds the column.
+    delete_entry(w, p);
+    w->RowHead.data[i] = -1;
+    w->RowCnt.data[i] = ROW_EMPTY;
+    w->RowsRemoved++;
+    change_bounds(w, j, lb, ub);
+    w->BoundsChanged++;
+    mark_rows_of_col(w, j);
+    mark_col(w, j);
+    w->Work += 10.0 * w->ColCnt.data[j];
+    return mode == BOTH ? fix_column(w, j, t, STATUS_BY_SIGN) : 0;
+}
+
+int try_row(PresolveWork *w, int i)
+{
+    const int p = first_in_row(w, i);
+    const double a = w->Nodes.data[p].value;
+    w->Work += 3;
+    if (std::fabs(a) < SMALL_ENTRY) return 0;
+    const int j = w->Nodes.data[p].col;
+    const double t = w->Rhs.data[i] / a;
+    int mode = REDUNDANT;
+    if (!judge(w, i, a, j, t, &mode)) {
+        w->InfeasRow = i;
+        return PRESOLVE_INFEASIBLE;
+    }
+    if (mode != REDUNDANT) return make_bound(w, i, p, mode, t);
+    mark_col(w, j);
+    remove_row(w, i, ROW_EMPTY);
+    return 0;
+}
+} // namespace
+
+int pre_singleton_rows(PresolveWork *w)
+{
+    int *list = w->IndexA.data;
+    const int count = active_rows(w, list);
+    for (int k = 0; k < count; k++)
+        if (w->RowCnt.data[list[k]] == 1) TRY(try_row(w, list[k]));
+    return 0;
+}
+
+void undo_singleton_row(const UndoRecord *undo, PostPoint *point)
+{
+    const int j = undo->col, i = point->n + undo->row;
+    const double d = point->d[j];
+    const bool at_lower = point->status ? point->status[j] == -1 : d > 0,
+               at_upper = point->status ? point->status[j] == -2 : d < 0;
+    if (!((undo->mode & LOWER) && at_lower) && !((undo->mode & UPPER) && at_upper)) return;
+    point->d[i] = d / undo->value;
+    point->d[j] = 0;
+    if (!point->status) return;
+    point->status[j] = 0;
+    point->status[i] = -1;
+}

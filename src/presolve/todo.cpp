@@ -1,0 +1,53 @@
+// todo.cpp -- reductions that are being written; nothing of this file stays
+#include "presolve/postsolve.h"
+int pre_columns(PresolveWork *)
+{
+    return 0;
+}
+int pre_implied_bounds(PresolveWork *)
+{
+    return 0;
+}
+int pre_free_bounds(PresolveWork *)
+{
+    return 0;
+}
+int pre_dual_bounds(PresolveWork *)
+{
+    return 0;
+}
+int pre_singleton_knapsack(PresolveWork *)
+{
+    return 0;
+}
+int pre_ineq_to_eq(PresolveWork *)
+{
+    return 0;
+}
+int pre_aggregate(PresolveWork *)
+{
+    return 0;
+}
+int pre_duplicate_cols(PresolveWork *)
+{
+    return 0;
+}
+int pre_duplicate_rows(PresolveWork *)
+{
+    return 0;
+}
+int pre_two_rows(PresolveWork *)
+{
+    return 0;
+}
+int pre_dependent_rows(PresolveWork *)
+{
+    return 0;
+}
+void undo_substitute(const UndoRecord *, PostPoint *) {}
+void undo_slack_column(const UndoRecord *, PostPoint *) {}
+void undo_dominated(const UndoRecord *, PostPoint *) {}
+void undo_merge_cols(const UndoRecord *, PostPoint *) {}
+void undo_parallel_rows(const UndoRecord *, PostPoint *) {}
+void undo_bound_transfer(const UndoRecord *, PostPoint *) {}
+void undo_free_to_slack(const UndoRecord *, PostPoint *) {}

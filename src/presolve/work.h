@@ -1,0 +1,247 @@
+// work.h -- PresolveWork, the model while it is being reduced, and the steps that all reductions share
+//
+// Matrix      Entries are nodes of one pool, each in a list of its row and a list of its column. A deleted entry has
+//             col == -1 and stays in both lists until they are swept: whoever walks a list passes over it.
+// Rows        a x <= b ('<') or a x = b ('=').
+// States of a row      RowCnt >= 0 live with that many entries; ROW_GONE and below: removed
+//           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
+// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before it
+//             removes anything that the way back needs; keeps activities and counts up to date; marks the rows and
+//             columns it touches; counts in the five counters; adds its effort to Work.
+// Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
+#pragma once
+#include "presolve/presolve.h"
+#include "presolve/undo.h"
+
+struct PresolveNode {
+    double value;
+    int row, col;                 // col -1: deleted
+    int next_in_row, next_in_col; // -1 at the end
+};
+
+enum RowState { ROW_EMPTY = -1, ROW_REDUNDANT = -2, ROW_PIVOT = -3 };
+enum ColState { COL_EMPTY = -1, COL_FIXED = -2 };
+inline int col_substituted(int row)
+{
+    return -3 - row;
+}
+
+// Marks of rows and columns for the two worklists. ACTIVE: in the list that reductions look at now; TOUCHED: changed
+// since, so active after the next rotation.
+enum WorkMark {
+    A_ACTIVE = 1,
+    A_TOUCHED = 2,
+    B_ACTIVE = 4,
+    B_TOUCHED = 8,
+    NEEDS_SWEEP = 16
+};
+struct WorkList {
+    int ActiveCnt = 0,
+        PendingCnt = 0; // List[0 .. ActiveCnt) active; up to PendingCnt touched since
+    Array<int> List;    // room for all
+};
+
+struct PresolveWork {
+    TVXmodel *Model = nullptr;
+    TVXenv *Env = nullptr;
+    int MatrixClass = 0; // MATRIX_GENERAL, ...
+    int NumCols = 0, NumRows = 0;
+    int64_t NumNz = 0; // entries at the start
+    int IsMip = 0;
+    double StartTime = 0, LastLogTime = 0;
+    double INF = 1e30; // TARV_PAR_INFBOUND: bounds of this size are absent
+    double FeasTol = 1e-6, OptTol = 1e-6, ZeroTol = 1e-13, IntTol = 1e-5;
+
+    double ObjCon = 0;
+    Array<double> Obj, Lb, Ub; // [NumCols]
+    Array<double> Rhs;         // [NumRows]
+    Array<char> Sense;         // [NumRows] '<' or '='
+    Array<char> VType;         // [NumCols], or empty: all continuous
+    Array<int>
+        ColFlags; // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
+
+    Array<PresolveNode> Nodes;
+    Array<int> RowHead, ColHead; // first node, -1 when none
+    Array<int> RowCnt, ColCnt;   // live entries, or a state below zero
+    int FreeCount = 0;           // nodes on FreeList
+    int FreeList = -1;           // linked by next_in_row
+    int64_t DeadCount = 0;       // deleted since the last full compression
+
+    // Row i is at least Rhs + RMin and at most Rhs + RMax over the finite bounds of its columns; so many more terms
+    // are infinite. Bounds are rounded outwards as they are added.
+    Array<double> RMax, RMin; // [NumRows]
+    Array<int> Rmaxcnt, Rmincnt;
+
+    int Phase = 0; // 0 everything is a candidate, 1 worklist A, 2 worklist B
+    Array<int> RowMark, ColMark;
+    WorkList RowsA, RowsB, ColsA, ColsB;
+
+    int BoundsChanged = 0, CoefsChanged = 0, IneqToEq = 0, RowsRemoved = 0, ColsRemoved = 0;
+    double Work = 0;                  // effort
+    int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
+    int KeepCrush = 0;
+    int InfeasCol = -1, InfeasRow = -1; // witness
+    int ChainCount = 0;                 // doubleton chains found; -1: none, not tried again
+
+    UndoStack Undo;
+    Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
+    Array<int> IndexA, IndexB, IndexC;         // [max(NumRows, NumCols)] uninitialised
+    Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
+};
+
+enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
+
+// The way back, as long as the reduced model lives.
+struct PresolveResult {
+    int NumCols = 0, NumRows = 0; // of the original model
+    UndoStack Undo;
+    Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
+    double INF = 1e30;
+};
+
+inline bool has_lb(const PresolveWork *w, int j)
+{
+    return w->Lb.data[j] > -w->INF;
+}
+inline bool has_ub(const PresolveWork *w, int j)
+{
+    return w->Ub.data[j] < w->INF;
+}
+inline bool is_live_row(const PresolveWork *w, int i)
+{
+    return w->RowCnt.data[i] >= 0;
+}
+inline bool is_live_col(const PresolveWork *w, int j)
+{
+    return w->ColCnt.data[j] >= 0;
+}
+inline bool is_integer(const PresolveWork *w, int j)
+{
+    return w->VType.size > 0 && w->VType.data[j] != 'C';
+}
+
+// Entries of a row or a column without the deleted ones:
+//   for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
+inline int live_from_row(const PresolveWork *w, int p)
+{
+    while (p >= 0 && w->Nodes.data[p].col < 0) p = w->Nodes.data[p].next_in_row;
+    return p;
+}
+inline int live_from_col(const PresolveWork *w, int p)
+{
+    while (p >= 0 && w->Nodes.data[p].col < 0) p = w->Nodes.data[p].next_in_col;
+    return p;
+}
+inline int first_in_row(const PresolveWork *w, int i)
+{
+    return live_from_row(w, w->RowHead.data[i]);
+}
+inline int next_in_row(const PresolveWork *w, int p)
+{
+    return live_from_row(w, w->Nodes.data[p].next_in_row);
+}
+inline int first_in_col(const PresolveWork *w, int j)
+{
+    return live_from_col(w, w->ColHead.data[j]);
+}
+inline int next_in_col(const PresolveWork *w, int p)
+{
+    return live_from_col(w, w->Nodes.data[p].next_in_col);
+}
+
+// ---- load.cpp ----
+[[nodiscard]] int work_load(PresolveWork *w, TVXmodel *model);
+void work_free(PresolveWork *w);
+
+// ---- lists.cpp: worklists and candidates ----
+void mark_row(PresolveWork *w, int i);
+void mark_col(PresolveWork *w, int j);
+void mark_rows_of_col(PresolveWork *w, int j);
+void mark_cols_of_row(PresolveWork *w, int i);
+void mark_everything(PresolveWork *w); // all rows and columns active in both worklists
+void rotate(
+    PresolveWork *w); // of the worklist of the phase: what was touched becomes active
+// Fill list and return its length: rows with at least one entry (two for `candidate_rows`) and live columns that the
+// phase's worklist makes worth a look.
+int active_rows(const PresolveWork *w, int *list);
+int candidate_rows(PresolveWork *w, int *list);
+int candidate_cols(PresolveWork *w, int *list);
+// Also the columns of active rows whose sense is in `senses` (SENSE_LESS | SENSE_EQUAL).
+enum { SENSE_LESS = 1, SENSE_EQUAL = 2 };
+int candidate_cols_by_sense(PresolveWork *w, int senses, int *list);
+
+// ---- entries.cpp: the matrix ----
+void delete_entry(PresolveWork *w,
+                  int p); // counts of its row and column fall; activities are the caller's
+// Removes what is left of a row: its state becomes `state`, entries go, its columns are marked.
+void remove_row(PresolveWork *w, int i, int state);
+void sweep_row(PresolveWork *w, int i); // takes deleted entries out of the row's list
+void sweep_col(PresolveWork *w, int j);
+void sweep_marked(PresolveWork *w); // all that need it
+void compress(PresolveWork *w);     // all lists; deleted nodes become free
+// A new entry at the heads of both lists; a free node must be there. Counts rise; activities are the caller's.
+void insert_entry(PresolveWork *w, int i, int j, double value);
+
+// ---- activity.cpp ----
+void pre_activity(PresolveWork *w);        // all live rows from scratch
+void row_activity(PresolveWork *w, int i); // one
+// Bounds of column j are about to become these: moves activities along and stores the bounds.
+void change_bounds(PresolveWork *w, int j, double lb, double ub);
+
+// The term of entry p becomes the constant value * v: right-hand side and activities follow, the entry is still there.
+// True when the row is to be summed anew once it is gone.
+[[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
+
+// ---- fix.cpp ----
+// Fixes live column j at v: right-hand sides, activities, objective; entries go. 0 or OUT_OF_MEMORY.
+// status: nonbasic status after postsolve (-1, -2), STATUS_BY_SIGN to let the sign of the reduced cost decide, or -3.
+static constexpr int STATUS_BY_SIGN = -4;
+[[nodiscard]] int fix_column(PresolveWork *w, int j, double v, int status);
+// The one way a column whose bounds have met is removed; leaves it when the range still matters. A PresolveStatus.
+[[nodiscard]] int fix_by_range(PresolveWork *w, int j);
+[[nodiscard]] int fix_at_lower(PresolveWork *w, int j);
+[[nodiscard]] int fix_at_upper(PresolveWork *w, int j);
+[[nodiscard]] int fix_column_if_empty(PresolveWork *w, int j); // fix_empty.cpp
+
+// ---- implied.cpp ----
+// Bounds of column j that rows alone imply, from the activities; +-INF when none.
+struct ImpliedBounds {
+    double lb, ub;
+};
+ImpliedBounds implied_bounds(const PresolveWork *w, int j);
+
+// ---- limits.cpp ----
+void presolve_log(PresolveWork *w); // a progress line when one is due
+[[nodiscard]] int
+presolve_check(PresolveWork *w); // interrupt and time limit: a PresolveStatus
+// The next one of a long scan: tests the limits every so often.
+inline bool check_is_due(int k)
+{
+    return (k & 4095) == 4095;
+}
+
+// ---- build.cpp ----
+[[nodiscard]] int build_reduced(PresolveWork *w); // model->presolve and model->presolved
+
+// ---- self_check.cpp ----
+#ifdef TVX_DEBUG
+// Counts broken invariants (counts, links, activities) and reports the first on standard error.
+int presolve_verify(const PresolveWork *w);
+#endif
+
+// ---- the reductions, one file each ----
+[[nodiscard]] int pre_singleton_rows(PresolveWork *w);
+[[nodiscard]] int pre_forcing_rows(PresolveWork *w);
+[[nodiscard]] int pre_redundant_rows(PresolveWork *w);
+[[nodiscard]] int pre_columns(PresolveWork *w);
+[[nodiscard]] int pre_fix_empty(PresolveWork *w);
+[[nodiscard]] int pre_implied_bounds(PresolveWork *w);
+[[nodiscard]] int pre_free_bounds(PresolveWork *w);
+[[nodiscard]] int pre_dual_bounds(PresolveWork *w);
+[[nodiscard]] int pre_singleton_knapsack(PresolveWork *w);
+[[nodiscard]] int pre_ineq_to_eq(PresolveWork *w);
+[[nodiscard]] int pre_aggregate(PresolveWork *w);
+[[nodiscard]] int pre_duplicate_cols(PresolveWork *w);
+[[nodiscard]] int pre_duplicate_rows(PresolveWork *w);
+[[nodiscard]] int pre_two_rows(PresolveWork *w);
+[[nodiscard]] int pre_dependent_rows(PresolveWork *w);
