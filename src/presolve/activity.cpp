@@ -9,7 +9,7 @@
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
-constexpr double CANCELLED = 1e6; // a term over what is left of the sum
+constexpr double CANCELLED = 1e4; // a term over what is left of the sum
 
 double raised(double v)
 {

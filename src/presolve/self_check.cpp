@@ -63,7 +63,7 @@ void check_activity(const PresolveWork *w, int i, Checker *c)
             high += node.value * most;
         size = std::max({size, std::fabs(low), std::fabs(high)});
     }
-    const double tol = 1e-9 * (1 + size);
+    const double tol = 1e-8 * (1 + size);
     c->expect(infinite_low == w->Rmincnt.data[i], "Rmincnt", i, w->Rmincnt.data[i],
               infinite_low);
     c->expect(infinite_high == w->Rmaxcnt.data[i], "Rmaxcnt", i, w->Rmaxcnt.data[i],
