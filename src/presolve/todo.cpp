@@ -44,7 +44,6 @@ int pre_dependent_rows(PresolveWork *)
 {
     return 0;
 }
-void undo_substitute(const UndoRecord *, PostPoint *) {}
 void undo_slack_column(const UndoRecord *, PostPoint *) {}
 void undo_dominated(const UndoRecord *, PostPoint *) {}
 void undo_merge_cols(const UndoRecord *, PostPoint *) {}

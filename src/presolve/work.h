@@ -203,6 +203,11 @@ static constexpr int STATUS_BY_SIGN = -4;
 [[nodiscard]] int fix_at_upper(PresolveWork *w, int j);
 [[nodiscard]] int fix_column_if_empty(PresolveWork *w, int j); // fix_empty.cpp
 
+// ---- substitute.cpp ----
+// Records that the column of live entry p leaves through the row of p: row, right-hand side, cost and all other entries
+// of both as they stand. Nothing else changes. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int push_substitution(PresolveWork *w, int p);
+
 // ---- implied.cpp ----
 // Bounds of column j that rows alone imply, from the activities; +-INF when none.
 struct ImpliedBounds {

@@ -1,0 +1,46 @@
+// substitute.cpp -- the record of a column that leaves through an equation, and its way back
+//
+// Method      Row r holds with equality: a x_j + sum a_k x_k = b gives x_j. The caller puts this into the cost and the
+//             other rows of the column; both the row and the column are gone then.
+// In          A column without bounds of its own, or whose bounds the rows and the bounds of other columns imply. An
+//             inequality may serve as the row when its dual will have the right sign at equality.
+// Way back    x_j from the row; the dual of the row is what makes the reduced cost of x_j zero; x_j is basic in the
+//             place of the row's slack. Reduced costs of other columns and duals of other rows stay: with
+//             y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
+#include "presolve/postsolve.h"
+
+int push_substitution(PresolveWork *w, int p)
+{
+    const int i = w->Nodes.data[p].row, j = w->Nodes.data[p].col;
+    const int in_row = w->RowCnt.data[i] - 1, in_col = w->ColCnt.data[j] - 1;
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_SUBSTITUTE, in_row + in_col);
+    if (!undo) return OUT_OF_MEMORY;
+    undo->col = j;
+    undo->row = i;
+    undo->value = w->Rhs.data[i];
+    undo->factor = w->Nodes.data[p].value;
+    undo->cost = w->Obj.data[j];
+    undo->split = in_row;
+    int k = 0;
+    for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q))
+        if (q != p) undo->entry[k++] = {w->Nodes.data[q].col, w->Nodes.data[q].value};
+    for (int q = first_in_col(w, j); q >= 0; q = next_in_col(w, q))
+        if (q != p) undo->entry[k++] = {w->Nodes.data[q].row, w->Nodes.data[q].value};
+    return 0;
+}
+
+void undo_substitute(const UndoRecord *undo, PostPoint *point)
+{
+    const int j = undo->col, i = point->n + undo->row;
+    double left = undo->value, cost = undo->cost;
+    for (int k = 0; k < undo->split; k++)
+        left -= undo->entry[k].value * point->x[undo->entry[k].index];
+    for (int k = undo->split; k < undo->count; k++)
+        cost -= undo->entry[k].value * point->d[point->n + undo->entry[k].index];
+    point->x[j] = left / undo->factor;
+    point->d[j] = 0;
+    point->d[i] = cost / undo->factor;
+    if (!point->status) return;
+    point->status[j] = 0;
+    point->status[i] = -1;
+}
