@@ -65,15 +65,16 @@ static int choose_method(TVXenv *env)
     return METHOD_DUAL;
 }
 
-// The simplex, which from its first run on may also repair a solution that violates the tolerances
-// only after unscaling.
-static int run_simplex(TVXmodel *model, const LpStart *start)
+// The simplex on the model itself, which may also repair a solution that violates the tolerances only after unscaling.
+static int run_simplex(TVXmodel *model, const Array<int> *statuses)
 {
     TVXenv *env = model->env;
     const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
     if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
-    const int code = SimplexOptimize(model, choose_method(env), start->vstat_cols,
-                                     start->vstat_rows, nullptr, nullptr);
+    const bool given = statuses->size > 0;
+    const int code = SimplexOptimize(
+        model, choose_method(env), given ? statuses->data : nullptr,
+        given ? statuses->data + model->body->numvars : nullptr, nullptr, nullptr);
     env->TARV_PAR_UNSCALEDVIO = unscaled_check;
     if (code != TVX_ERROR_NUMERIC) return code;
     model->status = TVX_NUMERIC; // an outcome, not an error
@@ -88,20 +89,32 @@ static void publish(TVXmodel *model, double start)
     attributes_clear_solution(model); // what a callback has asked for during the solve
     if (!simplex) return;
     result->objval = turned(model->body->sense, simplex_objective(simplex));
-    result->itercount += simplex_iterations(simplex);
+    result->itercount = simplex_iterations(simplex);
     model->node_count += simplex_work_units(simplex);
+    simplex_log_final(simplex);
+}
+
+// A limit or an interruption has stopped the last solve on its reduced model.
+static bool stopped_in_presolved(const TVXmodel *model)
+{
+    const int status = model->status;
+    return model->presolved && model->presolved->simplex && model->env->Presolve != 0 &&
+           (status == TVX_ITERATION_LIMIT || status == TVX_TIME_LIMIT ||
+            status == TVX_INTERRUPTED);
 }
 
 // A solve that a callback has stopped with a code of its own leaves results like any other that was
 // interrupted, and the code.
 static int solve(TVXmodel *model, double start)
 {
+    const bool resume = stopped_in_presolved(model);
     TRY(open_result(model));
     choose_start(model);
     model->node_count = 0;
     LpStart basis;
-    TRY(lp_presolved(model, choose_method(model->env), &basis));
-    const int code = basis.final ? 0 : run_simplex(model, &basis);
+    TRY(lp_presolved(model, choose_method(model->env), resume, &basis));
+    if (basis.final) drop_simplex(model);
+    const int code = basis.final ? 0 : run_simplex(model, &basis.statuses);
     if (code == OUT_OF_MEMORY) return code;
     publish(model, start);
     if (model->simplex) warm_start_drop(model);

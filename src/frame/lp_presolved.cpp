@@ -1,15 +1,19 @@
 // lp_presolved.cpp -- presolve, the simplex on what is left, and the way back to a basis of the model
 //
-// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve. Else: reduce;
-//             solve the reduced model; an optimum is mapped back to a basis, from which the simplex confirms it on the
-//             model itself. Any other outcome of the reduced model is one of the model, but for what dual reductions
-//             may hide: infeasible and unbounded cannot be told apart then.
-// Invariant   When this returns with a final status there is no simplex record.
+// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve. Else: choose the
+//             form (the model or its dual); reduce it; solve the reduced model; map an optimum back to a basis of the
+//             form. A dual form is solved from there and its basis turned into one of the model. The caller confirms
+//             the basis on the model itself, usually without an iteration.
+//             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
+//             hide: infeasible and unbounded cannot be told apart then.
+// Invariant   When this returns with a final status there is no simplex record. presolve and presolved stay only where a
+//             limit stopped the solve, for the next one to go on.
 #include "frame/lp_presolved.h"
-#include "frame/optimize_log.h"
+#include "frame/lp_form.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
+#include "presolve/dualise.h"
 #include "presolve/presolve.h"
 #include "simplex/simplex.h"
 #include <algorithm>
@@ -40,28 +44,29 @@ bool is_wide(const ModelBody *body)
            free < MANY_FREE * std::min(body->numvars, body->numconstrs);
 }
 
-// A bound at the wrong infinity: the simplex tells what is wrong with it.
-bool has_runaway_bounds(const TVXmodel *model)
+// Bounds that cross or stand at the wrong infinity: the simplex tells what is wrong with them.
+bool has_bad_bounds(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
     const double infinite = model->env->TARV_PAR_INFBOUND;
-    for (int j = 0; j < body->numvars; j++)
-        if (body->lb[j] >= infinite || body->ub[j] <= -infinite ||
-            body->lb[j] - body->ub[j] > model->env->FeasibilityTol)
+    for (int j = 0; j < body->numvars; j++) {
+        const double lb = body->lb.data[j], ub = body->ub.data[j];
+        if (lb >= infinite || ub <= -infinite || lb - ub > model->env->FeasibilityTol)
             return true;
+    }
     return false;
 }
 
 bool wants_presolve(const TVXmodel *model)
 {
     const TVXenv *env = model->env;
-    if (env->Presolve == 0 || has_runaway_bounds(model)) return false;
+    if (env->Presolve == 0 || has_bad_bounds(model)) return false;
     if (env->Presolve < 0 && has_start(model)) return false;
     return !(env->PreDual == -1 && env->LPMethod < 2 && env->Presolve < 2 &&
              is_wide(model->body));
 }
 
-// The outcome of a model that presolve or the reduced model has settled.
+// The outcome of a model that presolve or a reduced model has settled.
 void settle(TVXmodel *model, int status, LpStart *start)
 {
     model->status = status;
@@ -69,64 +74,156 @@ void settle(TVXmodel *model, int status, LpStart *start)
     start->final = true;
 }
 
+// The basis that a caller or an earlier solve left, in the reduced model; empty when there is none.
+int crushed_start(const TVXmodel *model, Array<int> *reduced)
+{
+    const ModelBody *body = model->body, *small = model->presolved->body;
+    const int64_t size = int64_t{body->numvars} + body->numconstrs;
+    const WarmStart *warm = warm_start_usable(model);
+    if (!warm && !model->simplex) return 0;
+    Array<int> full;
+    TRY(array_resize(&full, size));
+    if (warm)
+        std::copy_n(warm->statuses.data, size, full.data);
+    else
+        simplex_get_basis(model->simplex, full.data);
+    TRY(array_resize(reduced, int64_t{small->numvars} + small->numconstrs));
+    presolve_crush_basis(model, full.data, reduced->data);
+    return 0;
+}
+
+int optimize_from(TVXmodel *model, int method, const Array<int> *statuses)
+{
+    const bool given = statuses->size > 0;
+    return SimplexOptimize(model, method, given ? statuses->data : nullptr,
+                           given ? statuses->data + model->body->numvars : nullptr, nullptr,
+                           nullptr);
+}
+
 int read_point(const TVXmodel *reduced, LpPoint *point)
 {
     TRY(lp_point_alloc(point, reduced, true));
     const sopt *s = reduced->simplex;
-    const ModelBody *body = reduced->body;
-    const int n = body->numvars;
+    const int n = reduced->body->numvars;
     simplex_get_primal(s, point->x.data);
     simplex_get_dual(s, point->dual.data + n, point->dual.data);
     simplex_get_basis(s, point->status.data);
     return 0;
 }
 
-int come_back(TVXmodel *model, LpStart *start)
+int come_back(const TVXmodel *form, Array<int> *statuses)
 {
     LpPoint reduced, full;
-    if (model->presolved) TRY(read_point(model->presolved, &reduced));
-    TRY(postsolve_lp(model, model->presolved ? &reduced : nullptr, &full));
-    start->statuses = static_cast<Array<int> &&>(full.status);
-    start->vstat_cols = start->statuses.data;
-    start->vstat_rows = start->statuses.data + model->body->numvars;
+    if (form->presolved) TRY(read_point(form->presolved, &reduced));
+    TRY(postsolve_lp(form, form->presolved ? &reduced : nullptr, &full));
+    *statuses = static_cast<Array<int> &&>(full.status);
     return 0;
 }
 
-int solve_reduced(TVXmodel *model, int method, LpStart *start)
+void count_effort(TVXmodel *model, const TVXmodel *solved)
 {
-    TVXmodel *reduced = model->presolved;
-    const int code = SimplexOptimize(reduced, method, nullptr, nullptr, nullptr, nullptr);
-    if (code) return code;
-    if (!reduced->simplex) return 0;
-    model->lp_result->itercount += simplex_iterations(reduced->simplex);
-    model->node_count += simplex_work_units(reduced->simplex);
-    const int status = reduced->status;
-    if (status == TVX_OPTIMAL) return come_back(model, start);
-    if (status == TVX_NUMERIC) return 0; // the model itself may fare better
-    const bool open = status == TVX_INFEASIBLE || status == TVX_UNBOUNDED;
-    settle(model, open ? TVX_INF_OR_UNBD : status, start);
-    return 0;
+    if (!solved->simplex) return;
+    model->lp_result->itercount += simplex_iterations(solved->simplex);
+    model->node_count += simplex_work_units(solved->simplex);
 }
-} // namespace
 
-int lp_presolved(TVXmodel *model, int method, LpStart *start)
+// The simplex on the reduced model of a form. Its status goes to *status.
+int solve_reduced(TVXmodel *model, TVXmodel *form, int method, int *status)
 {
-    if (!wants_presolve(model)) return 0;
-    TVXenv *env = model->env;
-    const double begin = WallClock();
-    const int status = presolve_lp(model);
-    if (status == OUT_OF_MEMORY) return status;
-    if (!env->quiet_solve) TVXmsg(env, "Presolve time: %.2fs\n", WallClock() - begin);
-    if (status != 0) {
-        settle(model, status, start);
+    TVXmodel *reduced = form->presolved;
+    *status = TVX_OPTIMAL;
+    if (!reduced) return 0;
+    Array<int> statuses;
+    if (form == model) TRY(crushed_start(model, &statuses));
+    const int code = optimize_from(reduced, method, &statuses);
+    if (code == OUT_OF_MEMORY) return code;
+    count_effort(model, reduced);
+    *status = code == TVX_ERROR_NUMERIC ? TVX_NUMERIC : reduced->status;
+    return code == TVX_ERROR_NUMERIC ? 0 : code;
+}
+
+// A dual form that is solved: the model's own basis.
+int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
+{
+    TRY(optimize_from(dual, method, &start->statuses));
+    count_effort(model, dual);
+    if (dual->status != TVX_OPTIMAL) { // the model itself has to tell
+        array_free(&start->statuses);
         return 0;
     }
-    const TVXmodel *reduced = model->presolved;
+    Array<int> dual_status;
+    const ModelBody *body = model->body;
+    TRY(array_resize(&dual_status, int64_t{dual->body->numvars} + dual->body->numconstrs));
+    simplex_get_basis(dual->simplex, dual_status.data);
+    TRY(array_resize(&start->statuses, int64_t{body->numvars} + body->numconstrs));
+    dual_basis_to_primal(body, model->env->TARV_PAR_INFBOUND, dual_status.data,
+                         start->statuses.data);
+    return 0;
+}
+
+// What the outcome on the form means for the model.
+int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *start)
+{
+    const bool dual = form != model;
+    if (status == TVX_OPTIMAL) {
+        TRY(come_back(form, &start->statuses));
+        presolve_drop(form);
+        return dual ? leave_dual_form(model, form, method, start) : 0;
+    }
+    if (status == TVX_NUMERIC) { // the model itself may fare better
+        presolve_drop(form);
+        return 0;
+    }
+    const bool open = status == TVX_INFEASIBLE || status == TVX_UNBOUNDED;
+    settle(model, open ? TVX_INF_OR_UNBD : status, start);
+    if (open) presolve_drop(form);
+    return 0;
+}
+
+void log_presolved(const TVXmodel *form, double begin)
+{
+    TVXenv *env = form->env;
+    const TVXmodel *reduced = form->presolved;
+    if (env->quiet_solve) return;
+    TVXmsg(env, "Presolve time: %.2fs\n", WallClock() - begin);
+    if (!form->presolve) return;
     if (!reduced) {
         TVXmsg(env, "Presolved: All rows and columns removed\n");
-        return come_back(model, start);
+        return;
     }
     TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n\n",
            reduced->body->numconstrs, reduced->body->numvars, reduced->body->numnz);
-    return solve_reduced(model, method, start);
+}
+
+int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
+{
+    const double begin = WallClock();
+    int status = form->presolved ? form->status : presolve_lp(form->model);
+    if (status == OUT_OF_MEMORY) return status;
+    log_presolved(form->model, begin);
+    if (status != 0) {
+        const bool hidden = form->model != model && status == TVX_INFEASIBLE;
+        settle(model, hidden ? TVX_INF_OR_UNBD : status, start);
+        return 0;
+    }
+    if (form->model != model) method = 1 - method;
+    TRY(solve_reduced(model, form->model, method, &status));
+    return conclude(model, form->model, method, status, start);
+}
+} // namespace
+
+int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start)
+{
+    if (resume) {
+        int status = 0;
+        TRY(solve_reduced(model, model, method, &status));
+        return conclude(model, model, method, status, start);
+    }
+    presolve_drop(model);
+    if (!wants_presolve(model)) return 0;
+    LpForm form;
+    TRY(lp_form_choose(model, &form));
+    const int code = presolve_and_solve(model, &form, method, start);
+    lp_form_free(&form, model);
+    return code;
 }

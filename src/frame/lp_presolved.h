@@ -4,11 +4,9 @@
 
 // What it leaves for the solve of the model itself.
 struct LpStart {
-    bool final = false; // model->status is final, there is nothing more to solve
-    const int *vstat_cols = nullptr,
-              *vstat_rows = nullptr; // start basis in `statuses`, or null
-    Array<int> statuses;
+    bool final = false;  // model->status is final, there is nothing more to solve
+    Array<int> statuses; // [numvars + numconstrs] start basis, or empty
 };
-// Presolves, solves what is left and comes back, if the parameters and the start want it; else start stays empty.
-// 0 or a code.
-[[nodiscard]] int lp_presolved(TVXmodel *model, int method, LpStart *start);
+// Presolves, solves what is left and comes back, if the parameters and the start want it; else the start stays empty. A
+// solve that a limit has stopped continues on the reduced model. 0 or a code.
+[[nodiscard]] int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start);

@@ -245,7 +245,6 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
     TRY(solve(s));
     s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);
     if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;
-    log_final(s);
     model->status = s->Status;
     return 0;
 }

@@ -34,6 +34,8 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col,
 // Pricing norms held: 0 none, 1 dual, 2 primal kind; norms [n + m] may be null.
 int simplex_get_norms(const sopt *s, double *norms);
 
+void simplex_log_final(const sopt *s); // the closing line of an optimal run
+
 // Refactors a finished record so that later calls find a fresh factor. 0 or a code.
 [[nodiscard]] int simplex_refactor(TVXmodel *model);
 

@@ -22,7 +22,7 @@ void write_header(sopt *s)
 
 void line_written(sopt *s, double time)
 {
-    s->LastLogIter = s->NPvt;
+    s->LastLogIter = iterations(s);
     s->TickIndex = std::floor(time / s->TickLength);
 }
 } // namespace
@@ -40,7 +40,7 @@ bool log_is_due(sopt *s)
 
 void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf)
 {
-    const double time = elapsed(s), count = s->NPvt;
+    const double time = elapsed(s), count = iterations(s);
     if (count == s->LastLogIter) return; // counts are whole numbers
     write_header(s);
     TVXmsg(s->Env, " %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", count,
@@ -54,25 +54,25 @@ void log_free(sopt *s)
     const double time = elapsed(s);
     write_header(s);
     TVXmsg(s->Env, " %7.0f      handle free variables                     %6.0fs\n",
-           s->NPvt, time);
+           iterations(s), time);
     line_written(s, time);
 }
 
-void log_final(sopt *s)
+void simplex_log_final(const sopt *s)
 {
     if (s->Status != SIMPLEX_OPTIMAL || s->Env->quiet_solve) return;
     const double value = s->Sense * (s->Obj + s->ObjOffset);
     if (s->Method == METHOD_DUAL)
-        TVXmsg(s->Env, "Iteration: %7.0f    Optimal Objective = %16.7e\n", s->NPvt, value);
+        TVXmsg(s->Env, "Iteration: %7.0f    Optimal Objective = %16.7e\n", iterations(s), value);
     else
-        TVXmsg(s->Env, "Iteration: %7.0f   Optimal Objective = %16.7e\n", s->NPvt, value);
+        TVXmsg(s->Env, "Iteration: %7.0f   Optimal Objective = %16.7e\n", iterations(s), value);
 }
 
 bool limit_reached(sopt *s)
 {
     if (env_stop_requested(s->Env))
         s->Status = SIMPLEX_INTERRUPTED;
-    else if (s->NPvt >= s->Env->IterationLimit)
+    else if (iterations(s) >= s->Env->IterationLimit)
         s->Status = SIMPLEX_ITERATION_LIMIT;
     else if (WallClock() - s->Env->optimize_start >= s->Env->TimeLimit)
         s->Status = SIMPLEX_TIME_LIMIT;

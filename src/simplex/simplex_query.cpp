@@ -68,7 +68,7 @@ double simplex_objective(const sopt *s)
 }
 double simplex_iterations(const sopt *s)
 {
-    return s->NPvt;
+    return iterations(s);
 }
 int simplex_factorizations(const sopt *s)
 {

@@ -105,6 +105,7 @@ void sopt_refresh(sopt *s)
     s->LastLogIter = -1;
     s->HeaderDone = 0;
     s->NextLogIter = 0;
+    s->IterBase = s->Model->lp_result ? s->Model->lp_result->itercount : 0;
     s->NPvt = s->Work = 0;
     s->NumFactor = 0;
     s->Status = SIMPLEX_RUNNING;

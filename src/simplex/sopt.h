@@ -88,6 +88,7 @@ struct sopt {
     double TickIndex = -1;   // tick of the last line
     double LastLogIter = -1; // iteration of the last line
     double NextLogIter = 0;  // threshold of the periodic line
+    double IterBase = 0;     // iterations that earlier stages of the same solve took
     double NPvt = 0;         // iterations of this run
     double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
     double Work = 0;         // NPvt plus bound flips
@@ -216,6 +217,11 @@ template<> inline swork<long double> *live_work<long double>(sopt *s)
     return s->Extended;
 }
 
+inline double iterations(const sopt *s)
+{
+    return s->IterBase + s->NPvt;
+}
+
 // The factors belong to the basis at hand.
 template<class R> inline bool has_factor(const sopt *s, const swork<R> *w)
 {
@@ -307,7 +313,6 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
 void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf);
 bool log_is_due(sopt *s);
 void log_free(sopt *s);  // a line while free columns enter the basis
-void log_final(sopt *s); // the closing line of an optimal run
 bool limit_reached(
     sopt *s); // tests interrupt, iterations and time in this order; sets Status
 

@@ -1,0 +1,168 @@
+// dualise.cpp -- the dual form of a linear model
+//
+// Problem     min c x,  rows a_i x <= b_i or = b_i,  lb <= x <= ub.
+// Method      One variable y_i a row (<= 0 for '<', free for '='), one row a column that is not fixed:
+//               max  b' y + const - sum range_j q_j
+//               column with lower bound, none above   A_j y <= c_j
+//               with upper bound only                 A_j y >= c_j
+//               free                                  A_j y = c_j
+//               boxed                                 A_j y - q_j <= c_j,  q_j >= 0 pays the range of the box
+//             where x_j is measured from its bound, so b' = b - sum of a_j bound_j. Fixed columns only shift b'.
+// Way back    The slack of row j (or q_j) is the reduced cost of column j: basic there means nonbasic here, and the other
+//             way round; y_i basic means that the slack of row i is nonbasic.
+// Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
+#include "presolve/dualise.h"
+#include "frame/model_store.h"
+#include <cmath>
+
+namespace
+{
+enum Kind { LOWER, UPPER, FREE, BOXED, FIXED };
+
+Kind kind_of(const ModelBody *body, double infinite, int j)
+{
+    const bool below = body->lb.data[j] > -infinite, above = body->ub.data[j] < infinite;
+    if (below && above) return body->lb.data[j] == body->ub.data[j] ? FIXED : BOXED;
+    return below ? LOWER : above ? UPPER : FREE;
+}
+
+// Bound from which column j is measured.
+double base_of(const ModelBody *body, Kind kind, int j)
+{
+    return kind == FREE ? 0 : kind == UPPER ? body->ub.data[j] : body->lb.data[j];
+}
+
+struct DualForm {
+    int n = 0,
+        m = 0; // variables (rows of the model, then boxed columns), rows (columns not fixed)
+    Array<double> obj, lb, ub, rhs, val;
+    Array<char> senses;
+    Array<int> beg, ind;
+    Array<int> row_of; // [numvars] row of a column, or -1
+    double constant = 0;
+};
+
+int allocate(const ModelBody *body, double infinite, DualForm *d)
+{
+    int64_t boxed = 0;
+    TRY(array_resize(&d->row_of, body->numvars));
+    for (int j = 0; j < body->numvars; j++) {
+        const Kind kind = kind_of(body, infinite, j);
+        d->row_of.data[j] = kind == FIXED ? -1 : d->m++;
+        boxed += kind == BOXED;
+    }
+    const int64_t entries = body->numnz + boxed, vars = body->numconstrs + boxed;
+    if (vars + d->m > MODEL_SIZE_LIMIT || entries > MODEL_ENTRY_LIMIT)
+        return TVX_ERROR_INVALID_ARGUMENT;
+    d->n = static_cast<int>(vars);
+    for (Array<double> *a : {&d->obj, &d->lb, &d->ub}) TRY(array_resize(a, d->n));
+    TRY(array_resize(&d->rhs, d->m));
+    TRY(array_resize(&d->senses, d->m));
+    TRY(array_assign(&d->beg, int64_t{d->n} + 1, 0));
+    TRY(array_resize(&d->ind, entries));
+    return array_resize(&d->val, entries);
+}
+
+// Variables y: costs b', signs by the rows; counts their entries.
+void fill_rows(const ModelBody *body, double infinite, DualForm *d)
+{
+    const int m = body->numconstrs;
+    for (int i = 0; i < m; i++) {
+        const bool free_row =
+            body->senses.data[i] != '=' && body->rhs.data[i] >= INFINITE_VALUE;
+        d->obj.data[i] = free_row ? 0 : body->rhs.data[i];
+        d->lb.data[i] = free_row ? 0 : -INFINITE_BOUND;
+        d->ub.data[i] = body->senses.data[i] == '=' ? INFINITE_BOUND : 0;
+    }
+    for (int j = 0; j < body->numvars; j++) {
+        const double base = base_of(body, kind_of(body, infinite, j), j);
+        d->constant += body->obj.data[j] * base;
+        for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
+            const int i = body->vind.data[p];
+            d->obj.data[i] -= body->vval.data[p] * base;
+            if (d->row_of.data[j] >= 0) d->beg.data[i + 1]++;
+        }
+    }
+    for (int i = 0; i < m; i++) d->beg.data[i + 1] += d->beg.data[i];
+}
+
+// Rows, and the entries of y: beg[i] runs from the start of variable i to its end.
+void fill_columns(const ModelBody *body, double infinite, DualForm *d)
+{
+    for (int j = 0; j < body->numvars; j++) {
+        const int row = d->row_of.data[j];
+        if (row < 0) continue;
+        const Kind kind = kind_of(body, infinite, j);
+        d->rhs.data[row] = body->obj.data[j];
+        d->senses.data[row] = kind == FREE ? '=' : kind == UPPER ? '>' : '<';
+        for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
+            const int at = d->beg.data[body->vind.data[p]]++;
+            d->ind.data[at] = row;
+            d->val.data[at] = body->vval.data[p];
+        }
+    }
+    for (int i = body->numconstrs; i > 0; i--) d->beg.data[i] = d->beg.data[i - 1];
+    d->beg.data[0] = 0;
+}
+
+void fill_boxes(const ModelBody *body, double infinite, DualForm *d)
+{
+    int k = body->numconstrs, at = d->beg.data[k];
+    for (int j = 0; j < body->numvars; j++) {
+        if (kind_of(body, infinite, j) != BOXED) continue;
+        d->obj.data[k] = -(body->ub.data[j] - body->lb.data[j]);
+        d->lb.data[k] = 0;
+        d->ub.data[k] = INFINITE_BOUND;
+        d->ind.data[at] = d->row_of.data[j];
+        d->val.data[at++] = -1;
+        d->beg.data[++k] = at;
+    }
+}
+} // namespace
+
+int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
+{
+    const ModelBody *body = model->body;
+    const double infinite = env->TARV_PAR_INFBOUND;
+    *out = nullptr;
+    DualForm d;
+    TRY(allocate(body, infinite, &d));
+    fill_rows(body, infinite, &d);
+    fill_columns(body, infinite, &d);
+    fill_boxes(body, infinite, &d);
+    // A maximisation of the body's minimum; the caller's sense turns both.
+    for (int k = 0; k < d.n; k++) d.obj.data[k] *= body->sense;
+    ModelData data;
+    data.numvars = d.n;
+    data.numconstrs = d.m;
+    data.sense = -body->sense;
+    data.objcon = body->sense * (body->objcon + d.constant);
+    data.obj = d.obj.data;
+    data.lb = d.lb.data;
+    data.ub = d.ub.data;
+    data.rhs = d.rhs.data;
+    data.senses = d.senses.data;
+    data.vbeg = d.beg.data;
+    data.vind = d.ind.data;
+    data.vval = d.val.data;
+    return model_create(env, EnvUse::SHARED, &data, out);
+}
+
+void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,
+                          int *status)
+{
+    const int n = body->numvars, m = body->numconstrs;
+    int vars = m;
+    for (int j = 0; j < n; j++) vars += kind_of(body, infinite, j) == BOXED;
+    int row = 0, box = m;
+    for (int j = 0; j < n; j++) {
+        const Kind kind = kind_of(body, infinite, j);
+        status[j] = kind == FREE ? -3 : kind == UPPER ? -2 : -1;
+        if (kind == FIXED) continue;
+        const bool slack_basic = dual_status[vars + row++] >= 0;
+        const bool box_basic = kind == BOXED && dual_status[box++] >= 0;
+        if (box_basic) status[j] = -2;
+        if (!slack_basic && !box_basic) status[j] = 0;
+    }
+    for (int i = 0; i < m; i++) status[n + i] = dual_status[i] >= 0 ? -1 : 0;
+}
