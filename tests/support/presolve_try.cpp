@@ -1,0 +1,136 @@
+// presolve_try.cpp -- see the header
+#include "support/presolve_try.h"
+#include "frame/signs.h"
+#include "simplex/simplex.h"
+#include "support/settings.h"
+#include <cstdlib>
+
+static int broken_invariants(const PresolveWork *w)
+{
+#ifdef TVX_DEBUG
+    return presolve_verify(w);
+#else
+    return w->Work < 0;
+#endif
+}
+
+static int reduce(PresolveWork *w, TVXmodel *model,
+                  std::initializer_list<Reduction> reductions, PresolveTry *out)
+{
+    if (const int error = work_load(w, model)) return error;
+    mark_everything(w);
+    for (const Reduction reduction : reductions) {
+        pre_activity(w);
+        out->status = reduction(w);
+        if (out->status != 0) return 0;
+        out->broken += broken_invariants(w);
+        compress(w);
+    }
+    return build_reduced(w);
+}
+
+static void keep_counters(const PresolveWork *w, PresolveTry *out)
+{
+    out->infeas_row = w->InfeasRow;
+    out->infeas_col = w->InfeasCol;
+    out->rows_removed = w->RowsRemoved;
+    out->cols_removed = w->ColsRemoved;
+    out->ineq_to_eq = w->IneqToEq;
+    out->coefs_changed = w->CoefsChanged;
+    out->bounds_changed = w->BoundsChanged;
+}
+
+static int solve_reduced(TVXmodel *reduced, PresolveTry *out, LpPoint *point)
+{
+    out->rows = reduced->body->numconstrs;
+    out->cols = reduced->body->numvars;
+    out->nonzeros = reduced->body->numnz;
+    if (const int error = lp_read_back(reduced, &out->reduced)) return error;
+    if (const int error =
+            SimplexOptimize(reduced, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr))
+        return error;
+    out->reduced_status = reduced->status;
+    if (reduced->status != TVX_OPTIMAL) return 0;
+    if (const int error = lp_point_alloc(point, reduced, true)) return error;
+    simplex_get_primal(reduced->simplex, point->x.data);
+    simplex_get_dual(reduced->simplex, point->dual.data + out->cols, point->dual.data);
+    simplex_get_basis(reduced->simplex, point->status.data);
+    return 0;
+}
+
+// As attributes would show the point.
+static LpSolution as_caller_sees(const TVXmodel *model, const LpModel *lp,
+                                 const LpPoint *point)
+{
+    const ModelBody *body = model->body;
+    const int n = body->numvars, m = body->numconstrs;
+    LpSolution s;
+    s.status = TVX_OPTIMAL;
+    s.has_basis = true;
+    for (int j = 0; j < n; j++) {
+        s.x.push_back(point->x[j]);
+        s.rc.push_back(body->sense * point->dual[j]);
+        s.vbasis.push_back(point->status[j] >= 0 ? 0 : point->status[j]);
+    }
+    for (int i = 0; i < m; i++) {
+        s.pi.push_back(body->sense * row_sign(body, i) * point->dual[n + i]);
+        s.slack.push_back(row_sign(body, i) * point->x[n + i]);
+        s.cbasis.push_back(point->status[n + i] >= 0 ? 0 : -1);
+    }
+    s.objval = static_cast<double>(lp_objective(lp, s.x));
+    return s;
+}
+
+static int solve_and_return(TVXmodel *model, const LpModel *lp, PresolveTry *out)
+{
+    LpPoint reduced, full;
+    if (model->presolved) {
+        if (const int error = solve_reduced(model->presolved, out, &reduced)) return error;
+        if (out->reduced_status != TVX_OPTIMAL) return 0;
+    }
+    if (const int error = postsolve_lp(model, model->presolved ? &reduced : nullptr, &full))
+        return error;
+    out->solution = as_caller_sees(model, lp, &full);
+    const LpReport report = lp_check_optimal(lp, &out->solution, LpTolerances{});
+    out->faults += report.text();
+    return 0;
+}
+
+static void finish(TVXmodel *model, const LpModel *lp, PresolveTry *out)
+{
+    if (!out->error && out->status == 0) out->error = solve_and_return(model, lp, out);
+    if (out->error) out->faults += "error " + std::to_string(out->error) + "\n";
+    if (out->broken) out->faults += "the record is broken\n";
+}
+
+PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
+                         std::initializer_list<Reduction> reductions)
+{
+    PresolveTry out;
+    const TestModel model(lp_load(env, lp));
+    if (!model) abort();
+    PresolveWork work;
+    out.error = reduce(&work, model, reductions, &out);
+    keep_counters(&work, &out);
+    work_free(&work);
+    finish(model, lp, &out);
+    return out;
+}
+
+PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
+{
+    PresolveTry out;
+    const TestModel model(lp_load(env, lp));
+    if (!model) abort();
+    out.status = presolve_lp(model);
+    finish(model, lp, &out);
+    return out;
+}
+
+void set_parameters(TVXenv *env,
+                    std::initializer_list<std::pair<const char *, double>> values)
+{
+    Settings settings;
+    for (const auto &[name, value] : values) settings.emplace_back(name, value);
+    if (settings_apply(env, settings)) abort();
+}
