@@ -4,18 +4,6 @@ int pre_columns(PresolveWork *)
 {
     return 0;
 }
-int pre_implied_bounds(PresolveWork *)
-{
-    return 0;
-}
-int pre_free_bounds(PresolveWork *)
-{
-    return 0;
-}
-int pre_dual_bounds(PresolveWork *)
-{
-    return 0;
-}
 int pre_singleton_knapsack(PresolveWork *)
 {
     return 0;

@@ -1,0 +1,208 @@
+// bound_propagation.cpp -- bounds that follow from constraints, round by round
+//
+// Problem     Constraints low <= a v <= high and bounds l <= v <= u imply tighter bounds: a_k v_k <= high - (least
+//             activity of the other terms), and the mirror.
+// Method      Rounds. Each looks at the listed constraints and uses bounds as soon as they are found; the next one
+//             lists the constraints of the variables that moved. Activities are summed anew each time, with a margin
+//             for rounding; a bound has to move by a visible part, so that no sequence creeps.
+// Invariant   Every version follows from the constraint it names and the bounds that stood before it.
+// Cost        A round: O(entries of the listed constraints and of the variables that moved). Versions end with the
+//             room of the log.
+// Literature  A. L. Brearley, G. Mitra, H. P. Williams, "Analysis of mathematical programming problems prior to
+//             applying the simplex algorithm", Math. Prog. 8, 1975.
+//             M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
+//             ORSA J. Computing 6, 1994.
+#include "presolve/bound_propagation.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double ROUNDING = 1e-13;    // of the size of a sum
+constexpr double SMALL_ENTRY = 1e-8;  // says nothing reliable
+constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
+constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
+constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
+
+bool is_absent(const BoundPropagation *p, double bound)
+{
+    return std::fabs(bound) >= p->w->INF;
+}
+
+// Activity of one side: the sum of finite terms, how many are not, and the size of what was added.
+struct Activity {
+    double sum = 0, size = 0;
+    int infinite = 0;
+};
+
+Activity activity_of(BoundPropagation *p, int con, int side)
+{
+    Activity a;
+    for (int e = first_in_con(p, con); e >= 0; e = next_in_con(p, e)) {
+        const double value = p->w->Nodes.data[e].value,
+                     bound = p->Bound.data[term_place(var_of_entry(p, e), value, side)];
+        p->Effort++;
+        if (is_absent(p, bound)) {
+            a.infinite++;
+            continue;
+        }
+        a.sum += value * bound;
+        a.size += std::fabs(value * bound);
+    }
+    return a;
+}
+
+void contradict(BoundPropagation *p, int con)
+{
+    p->Contradiction = true;
+    p->WrongCon = con;
+}
+
+// Constraint `con` implies that bound `place` is at least as tight as `value`.
+void tighten(BoundPropagation *p, int place, double value, int con, int side)
+{
+    const bool upper = place & 1;
+    if (std::fabs(value) >= LARGEST_BOUND || p->Log.size == p->Log.room) return;
+    const double old = p->Bound.data[place], other = p->Bound.data[place ^ 1];
+    const double gain = upper ? old - value : value - old;
+    if (!is_absent(p, old) &&
+        gain <= LEAST_MOVE * p->Tol + VISIBLE * std::max(std::fabs(old), std::fabs(value)))
+        return;
+    if (gain <= 0) return;
+    const double crossed = upper ? other - value : value - other;
+    if (!is_absent(p, other) && crossed > 0) { // within the tolerance: no news
+        if (crossed > p->Tol * (1 + ROUNDING / SMALL_ENTRY * std::fabs(other)))
+            contradict(p, con);
+        return;
+    }
+    array_push(&p->Log, BoundVersion{value, place, con, side, p->Newest.data[place]});
+    p->Newest.data[place] = static_cast<int>(p->Log.size - 1);
+    p->Bound.data[place] = value;
+    const int v = place / 2;
+    if (p->VarListed.data[v]) return;
+    p->VarListed.data[v] = 1;
+    p->VarList.data[p->NumTightened++] = v;
+}
+
+double rounded_if_integer(const BoundPropagation *p, int place, double value)
+{
+    if (p->kind == PROPAGATE_DUAL || !is_integer(p->w, place / 2)) return value;
+    return place & 1 ? std::floor(value + p->w->IntTol) : std::ceil(value - p->w->IntTol);
+}
+
+void imply(BoundPropagation *p, int con, int side)
+{
+    const double limit = p->Limit.data[2 * con + side];
+    if (is_absent(p, limit)) return;
+    const Activity all = activity_of(p, con, side);
+    if (all.infinite > 1) return;
+    const double margin = ROUNDING * (all.size + std::fabs(limit));
+    const double excess = side == UPPER_SIDE ? all.sum - limit : limit - all.sum;
+    if (all.infinite == 0 && excess > p->Tol + margin) return contradict(p, con);
+    for (int e = first_in_con(p, con); e >= 0 && !p->Contradiction; e = next_in_con(p, e)) {
+        const double a = p->w->Nodes.data[e].value;
+        const int place = term_place(var_of_entry(p, e), a, side);
+        const double own = p->Bound.data[place];
+        const bool missing = is_absent(p, own);
+        if (all.infinite != (missing ? 1 : 0) || std::fabs(a) < SMALL_ENTRY) continue;
+        const double rest = missing ? all.sum : all.sum - a * own;
+        const double t = (limit - rest) / a, slack = margin / std::fabs(a);
+        const bool upper = !(place & 1); // the other bound than the one the term used
+        tighten(p, place ^ 1,
+                rounded_if_integer(p, place ^ 1, upper ? t + slack : t - slack), con, side);
+    }
+}
+
+// Lists the constraints of the variables that moved.
+void list_next(BoundPropagation *p)
+{
+    p->NumListed = 0;
+    for (int k = 0; k < p->NumTightened; k++) {
+        const int v = p->VarList.data[k];
+        p->VarListed.data[v] = 0;
+        const bool primal = p->kind == PROPAGATE_PRIMAL;
+        for (int e = primal ? first_in_col(p->w, v) : first_in_row(p->w, v); e >= 0;
+             e = primal ? next_in_col(p->w, e) : next_in_row(p->w, e)) {
+            const PresolveNode &node = p->w->Nodes.data[e];
+            propagation_list(p, primal ? node.row : node.col);
+            p->Effort++;
+        }
+    }
+    p->NumTightened = 0;
+}
+} // namespace
+
+int propagation_alloc(BoundPropagation *p, PresolveWork *w, PropagationKind kind)
+{
+    const bool primal = kind == PROPAGATE_PRIMAL;
+    p->w = w;
+    p->kind = kind;
+    p->NumVars = primal ? w->NumCols : w->NumRows;
+    p->NumCons = primal ? w->NumRows : w->NumCols;
+    p->Tol = primal ? w->FeasTol : w->OptTol;
+    const int64_t vars = p->NumVars, cons = p->NumCons;
+    int64_t room = 2 * vars + 16;
+    for (int i = 0; i < w->NumRows; i++) room += std::max(0, w->RowCnt.data[i]);
+    for (Array<double> *a : {&p->Start, &p->Bound}) TRY(array_resize(a, 2 * vars));
+    TRY(array_resize(&p->Limit, 2 * cons));
+    TRY(array_reserve(&p->Log, std::min(room, int64_t{INT32_MAX})));
+    TRY(array_assign(&p->Newest, 2 * vars, -1));
+    TRY(array_resize(&p->ConList, cons));
+    TRY(array_resize(&p->VarList, vars));
+    TRY(array_assign(&p->ConListed, cons, char(0)));
+    TRY(array_assign(&p->VarListed, vars, char(0)));
+    TRY(array_assign(&p->ConState, cons, char(0)));
+    TRY(array_assign(&p->StartState, 2 * vars, char(START_FREE)));
+    TRY(array_assign(&p->Seen, p->Log.room, 0));
+    TRY(array_resize(&p->Trail, p->Log.room));
+    TRY(array_resize(&p->StartTrail, 2 * vars));
+    for (int64_t k = 0; k < 2 * vars; k++) p->Start.data[k] = k & 1 ? w->INF : -w->INF;
+    for (int64_t k = 0; k < 2 * cons; k++) p->Limit.data[k] = k & 1 ? w->INF : -w->INF;
+    return 0;
+}
+
+void propagation_set_rows(BoundPropagation *p, double relax)
+{
+    const PresolveWork *w = p->w;
+    for (int i = 0; i < w->NumRows; i++) {
+        if (!is_live_row(w, i)) continue;
+        p->Limit.data[2 * i + UPPER_SIDE] = w->Rhs.data[i] + relax;
+        if (w->Sense.data[i] == '=')
+            p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - relax;
+    }
+    for (int j = 0; j < w->NumCols; j++) {
+        p->Start.data[2 * j + LOWER_SIDE] = w->Lb.data[j];
+        p->Start.data[2 * j + UPPER_SIDE] = w->Ub.data[j];
+    }
+}
+
+void propagation_list(BoundPropagation *p, int con)
+{
+    if (p->ConListed.data[con]) return;
+    p->ConListed.data[con] = 1;
+    p->ConList.data[p->NumListed++] = con;
+}
+
+void propagation_list_all(BoundPropagation *p)
+{
+    const int *count = p->kind == PROPAGATE_PRIMAL ? p->w->RowCnt.data : p->w->ColCnt.data;
+    for (int c = 0; c < p->NumCons; c++)
+        if (count[c] > 0) propagation_list(p, c);
+}
+
+int propagation_run(BoundPropagation *p, int rounds)
+{
+    std::copy_n(p->Start.data, p->Start.size, p->Bound.data);
+    for (int round = 0; round < rounds && p->NumListed > 0; round++) {
+        for (int k = 0; k < p->NumListed && !p->Contradiction; k++) {
+            const int con = p->ConList.data[k];
+            p->ConListed.data[con] = 0;
+            if (check_is_due(k)) TRY(presolve_check(p->w));
+            imply(p, con, UPPER_SIDE);
+            imply(p, con, LOWER_SIDE);
+        }
+        if (p->Contradiction) break;
+        list_next(p);
+    }
+    return 0;
+}

@@ -1,0 +1,91 @@
+// bound_propagation.h -- bounds that constraints imply on variables, kept beside the model, with their origins
+//
+// Two systems of inequalities are looked at in the same way:
+//   primal   variables are columns, constraints are rows:     a_i x  in [low, high] of row i, x in its bounds
+//   dual     variables are row duals, constraints are columns: a_j y  in [low, high] of column j, y in its sign
+// A bound that a constraint implies is a version: it remembers the constraint, and through the order of versions the
+// bounds that stood when it was found. So it can be told what a conclusion rests on, and whatever is removed because
+// of a conclusion must not be among that (bound_origins.cpp).
+#pragma once
+#include "presolve/work.h"
+
+enum PropagationKind { PROPAGATE_PRIMAL, PROPAGATE_DUAL };
+enum Side { LOWER_SIDE = 0, UPPER_SIDE = 1 }; // of a variable or of a constraint
+
+struct BoundVersion {
+    double value;
+    int place;  // 2 variable + Side
+    int con;    // constraint that implies it
+    int side;   // Side of the constraint that was used
+    int before; // version of the same bound that it replaced, -1: the bound of the model
+};
+
+struct BoundPropagation {
+    PresolveWork *w = nullptr;
+    PropagationKind kind = PROPAGATE_PRIMAL;
+    int NumVars = 0, NumCons = 0;
+    double Tol = 1e-6;   // least contradiction that counts
+    Array<double> Limit; // [2 NumCons] low and high of each constraint, +-INF when absent
+    Array<double> Start; // [2 NumVars] bounds of the model
+    Array<double> Bound; // [2 NumVars] bounds now
+    Array<int> Newest;   // [2 NumVars] version that gave the bound, -1: the model
+    Array<BoundVersion> Log; // versions in the order they were found; its room is fixed
+    Array<int> ConList;      // [NumCons] constraints to look at; the first NumListed
+    Array<int>
+        VarList; // [NumVars] variables tightened in this round; the first NumTightened
+    Array<char> ConListed, VarListed; // [NumCons], [NumVars]
+    int NumListed = 0, NumTightened = 0;
+    bool Contradiction = false; // no point satisfies the constraints
+    int WrongCon = -1;          // where that showed
+    double Effort = 0;          // entries looked at
+    // Origins: what conclusions rest on.
+    Array<char> ConState;   // [NumCons] bits CON_*
+    Array<char> StartState; // [2 NumVars] START_*
+    Array<int> Seen;  // [room of Log] number of the claim that saw the version, or SETTLED
+    Array<int> Trail; // [room of Log] versions a claim rests on
+    Array<int> StartTrail; // [2 NumVars] bounds of the model it rests on
+    int NumTrail = 0, NumStartTrail = 0, Claim = 0;
+};
+enum { CON_LOW_USED = 1, CON_HIGH_USED = 2, CON_GONE = 4 };
+enum { START_FREE = 0, START_USED = 1, START_SEEN = 2, START_GONE = 3 };
+
+inline int first_in_con(const BoundPropagation *p, int c)
+{
+    return p->kind == PROPAGATE_PRIMAL ? first_in_row(p->w, c) : first_in_col(p->w, c);
+}
+inline int next_in_con(const BoundPropagation *p, int e)
+{
+    return p->kind == PROPAGATE_PRIMAL ? next_in_row(p->w, e) : next_in_col(p->w, e);
+}
+inline int var_of_entry(const BoundPropagation *p, int e)
+{
+    const PresolveNode &node = p->w->Nodes.data[e];
+    return p->kind == PROPAGATE_PRIMAL ? node.col : node.row;
+}
+// Which bound of its variable an entry contributes to the least (side UPPER_SIDE, held against the upper limit) or the
+// greatest (LOWER_SIDE) activity of its constraint.
+inline int term_place(int var, double a, int side)
+{
+    return 2 * var + ((a > 0) == (side == UPPER_SIDE) ? LOWER_SIDE : UPPER_SIDE);
+}
+
+// ---- bound_propagation.cpp ----
+// Arrays of a system; limits and bounds are absent. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int propagation_alloc(BoundPropagation *p, PresolveWork *w,
+                                    PropagationKind kind);
+// The system of the rows, each wider by `relax` on its finite sides, and the bounds of the columns.
+void propagation_set_rows(BoundPropagation *p, double relax);
+void propagation_list(BoundPropagation *p, int con); // to look at in the first round
+void propagation_list_all(BoundPropagation *p);
+// Tightens bounds until nothing moves, for at most so many rounds. A PresolveStatus of the limits.
+[[nodiscard]] int propagation_run(BoundPropagation *p, int rounds);
+
+// ---- bound_origins.cpp ----
+// Least (UPPER_SIDE) or greatest (LOWER_SIDE) activity of a constraint over bounds that it did not give itself,
+// rounded outwards; infinite when there is none.
+double activity_of_others(const BoundPropagation *p, int con, int side);
+// Constraint `con` may go because of activity_of_others(con, side) for each of the sides (a mask, 1 << side): true when
+// nothing that this rests on is gone or goes with it. Then it counts as gone, and the origins can no longer go.
+[[nodiscard]] bool claim_con(BoundPropagation *p, int con, int sides);
+// The bound `place` of the model may go because of its newest version.
+[[nodiscard]] bool claim_start(BoundPropagation *p, int place);

@@ -1,0 +1,82 @@
+// implied_bounds_pass_test.cpp -- rows go because of bounds that others imply, never because of themselves
+#include "support/presolve_try.h"
+#include <gtest/gtest.h>
+
+// Columns without upper bounds, minimising -sum.
+static LpModel falling(int count)
+{
+    LpModel lp;
+    for (int j = 0; j < count; j++) lp_add_var(&lp, -1, 0, LP_INFINITY);
+    return lp;
+}
+
+TEST(ImpliedBounds, a_row_that_others_imply_goes)
+{
+    const TestEnv env;
+    LpModel lp = falling(3);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 4);         // both at most 4
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 2}}, '<', 9); // z at most 4.5
+    lp_add_row_entries(&lp, {{0, 1}, {2, 1}}, '<', 8.5);       // so this never binds
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_implied_bounds});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.rows, 2);
+    EXPECT_GE(t.reduced.ub[0], 1e20) << "the bounds of the model stay";
+}
+
+// Columns 1 to 3 are fixed: each row alone implies the others.
+TEST(ImpliedBounds, rows_that_imply_each_other_do_not_all_go)
+{
+    const TestEnv env;
+    LpModel lp = falling(4);
+    for (int j = 1; j <= 3; j++) {
+        lp.ub[static_cast<size_t>(j)] = 0;
+        lp_add_row_entries(&lp, {{0, 1}, {j, 1}}, '<', 4);
+    }
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_implied_bounds});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.rows, 1);
+    EXPECT_EQ(t.solution.objval, -4);
+}
+
+// Each row of the ring bounds the next column through the one before: all three would be redundant by the bounds that
+// the ring implies, and then nothing held the columns.
+TEST(ImpliedBounds, a_chain_back_to_the_row_itself_is_seen)
+{
+    const TestEnv env;
+    LpModel lp = falling(3);
+    lp_add_row_entries(&lp, {{0, 2}, {1, -1}}, '<', 1); // x <= (1 + y) / 2
+    lp_add_row_entries(&lp, {{1, 2}, {2, -1}}, '<', 1);
+    lp_add_row_entries(&lp, {{2, 2}, {0, -1}}, '<', 1);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 64);
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_implied_bounds});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.solution.objval, -3);
+}
+
+TEST(ImpliedBounds, a_contradiction_of_several_rows_is_found)
+{
+    const TestEnv env;
+    LpModel lp = falling(2);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', 5);
+    EXPECT_EQ(presolve_try(env.env, &lp, {pre_implied_bounds}).status, PRESOLVE_INFEASIBLE);
+    lp.rhs[1] = 4 + 1e-7; // only within the tolerance
+    EXPECT_EQ(presolve_try(env.env, &lp, {pre_implied_bounds}).status, 0);
+}
+
+TEST(FreeBounds, free_columns_get_bounds_for_the_interior_point_method_only)
+{
+    LpModel lp;
+    lp_add_var(&lp, 1, -LP_INFINITY, LP_INFINITY);
+    lp_add_var(&lp, 1, 0, 4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 6);
+    lp_add_row_entries(&lp, {{0, 2}, {1, -1}}, '>', -6);
+    for (const double method : {1, 2}) {
+        const TestEnv env;
+        set_parameters(env.env, {{"LPMethod", method}});
+        const PresolveTry t = presolve_try(env.env, &lp, {pre_free_bounds});
+        EXPECT_EQ(t.faults, "");
+        EXPECT_EQ(t.reduced.ub[0] < 1e20, method == 2);
+        EXPECT_GT(t.reduced.ub[0], 6) << "no feasible point may touch it";
+    }
+}

@@ -1,0 +1,227 @@
+// presolve_test.cpp -- with presolve, under all its settings, a model has the same answer as without
+//
+// TARVEX_PRESOLVE_COUNT=n   generated models (130; a campaign takes some thousand)
+// TARVEX_PRESOLVE_SEED=s    the first of them (0)
+#include "frame/model.h"
+#include "simplex/simplex.h"
+#include "support/model_gen.h"
+#include "support/presolve_try.h"
+#include "support/solve_judge.h"
+#include "support/structured_gen.h"
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+static constexpr int SETTINGS_PER_MODEL = 5;
+
+static uint64_t from_environment(const char *name, uint64_t otherwise)
+{
+    const char *text = getenv(name);
+    return text ? strtoull(text, nullptr, 10) : otherwise;
+}
+
+static Settings draw_presolve_settings(Dice *dice)
+{
+    const std::vector<std::pair<const char *, std::vector<double>>> table = {
+        {"Presolve", {-1, 1, 2}},
+        {"Aggregate", {0, 1, 1}},
+        {"PrePasses", {0, 1, -1, -1}},
+        {"TARV_PAR_DUALREDUCTION", {0, 1, 1}},
+        {"TARV_PAR_PREBOUND", {0, 1, 1}},
+        {"TARV_PAR_PREPARALLEL", {0, 1, 1}},
+        {"PreDepRow", {-1, -1, 0, 1}},
+        {"PreDual", {-1, -1, 0, 1, 2}},
+        {"TARV_PAR_PRETWOROWS", {-1, 0, 1, 2}},
+        {"TARV_PAR_PRESINGLECOL", {-1, -1, 0, 1}},
+        {"LPMethod", {0, 1}},
+    };
+    Settings settings;
+    for (const auto &[name, values] : table)
+        settings.emplace_back(name, dice->pick(values));
+    return settings;
+}
+
+namespace
+{
+
+struct Outcome {
+    std::string wrong; // empty, or what is wrong with it by itself
+    LpSolution solution;
+    double clean_up = 0; // iterations on the model itself, behind the way back
+};
+
+} // namespace
+
+static Outcome solve_under(TVXenv *env, const LpModel *lp, const Settings &settings)
+{
+    Outcome out;
+    const TestModel model(lp_load(env, lp));
+    if (!model || settings_apply(TVXgetenv(model), settings)) {
+        out.wrong = "settings refused";
+    } else if (const int error = lp_solve(model, &out.solution)) {
+        out.wrong = "error " + std::to_string(error);
+    } else if (out.solution.status == TVX_OPTIMAL) {
+        out.wrong = judge_optimal(lp, &out.solution);
+        const TVXmodel *inside = model;
+        out.clean_up = simplex_iterations(inside->simplex);
+    }
+    return out;
+}
+
+static LpModel generated(uint64_t seed, Dice *dice)
+{
+    const size_t kinds = all_families().size() + 1;
+    if (seed % kinds == kinds - 1) return gen_tiny(dice, TinyLimits{});
+    const int size = dice->chance(80) ? dice->range(3, 30) : dice->range(30, 80);
+    return all_families()[seed % kinds].generate(dice, size).lp;
+}
+
+TEST(Presolve, every_setting_gives_the_answer_of_the_model_itself)
+{
+    const TestEnv env;
+    const uint64_t first = from_environment("TARVEX_PRESOLVE_SEED", 0),
+                   count = from_environment("TARVEX_PRESOLVE_COUNT", 130);
+    double iterations = 0, clean_up = 0;
+    for (uint64_t seed = first; seed < first + count; seed++) {
+        Dice dice(seed + 20000000);
+        const LpModel lp = generated(seed, &dice);
+        const Outcome plain = solve_under(env.env, &lp, {{"Presolve", 0}});
+        ASSERT_EQ(plain.wrong, "") << "seed " << seed;
+        for (int k = 0; k < SETTINGS_PER_MODEL; k++) {
+            const Settings settings = draw_presolve_settings(&dice);
+            const Outcome reduced = solve_under(env.env, &lp, settings);
+            ASSERT_EQ(reduced.wrong, "") << "seed " << seed << "\n"
+                                         << lp_to_mps(&lp, settings_text(settings));
+            ASSERT_EQ(same_outcome(&plain.solution, &reduced.solution), "")
+                << "seed " << seed << "\n"
+                << lp_to_mps(&lp, settings_text(settings));
+            iterations += plain.solution.iterations;
+            clean_up += reduced.clean_up;
+        }
+    }
+    EXPECT_LE(clean_up, 0.01 * iterations + 1);
+}
+
+// Presolve may stop behind each of its reductions: what stands then is a model like any other.
+TEST(Presolve, it_may_stop_after_any_reduction)
+{
+    for (const Family family : {gen_multi_period, gen_blending, gen_network, gen_covering})
+        for (int limit = 0; limit < 40; limit++) {
+            const TestEnv env;
+            set_parameters(env.env, {{"TARV_PAR_PRELIMIT", limit}, {"Presolve", 2}});
+            Dice dice(3);
+            const LpModel lp = family(&dice, 15).lp;
+            const PresolveTry t = presolve_try_all(env.env, &lp);
+            ASSERT_EQ(t.faults, "") << "limit " << limit;
+        }
+}
+
+namespace
+{
+
+struct Special {
+    const char *name;
+    LpModel lp;
+    int status;
+    double value;
+};
+
+} // namespace
+
+static LpModel with_vars(int count, double obj, double lb, double ub)
+{
+    LpModel lp;
+    for (int j = 0; j < count; j++) lp_add_var(&lp, obj, lb, ub);
+    return lp;
+}
+
+static std::vector<Special> special_models()
+{
+    std::vector<Special> all;
+    all.push_back({"nothing at all", LpModel{}, TVX_OPTIMAL, 0});
+    LpModel lp;
+    lp.objcon = 7;
+    lp_add_row(&lp, '<', 3);
+    lp_add_row(&lp, '=', 0);
+    all.push_back({"rows without columns", lp, TVX_OPTIMAL, 7});
+    lp_add_row(&lp, '>', 3);
+    all.push_back({"an impossible empty row", lp, TVX_INFEASIBLE, 0});
+    all.push_back({"columns without rows", with_vars(3, 2, -1, 4), TVX_OPTIMAL, -6});
+    all.push_back(
+        {"a column may fall for ever", with_vars(1, 2, -LP_INFINITY, 4), TVX_UNBOUNDED, 0});
+    lp = with_vars(4, 1, 2, 2);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '=', 6);
+    all.push_back({"all columns fixed", lp, TVX_OPTIMAL, 8});
+    lp_add_row_entries(&lp, {{1, 1}, {2, 1}, {3, -3}}, '>', 0);
+    all.push_back({"all columns fixed, at a wrong point", lp, TVX_INFEASIBLE, 0});
+    lp = with_vars(3, 1, -LP_INFINITY, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 2}, {2, 1}}, '>', 4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '=', 1);
+    all.push_back({"all columns free, falling for ever", lp, TVX_UNBOUNDED, 0});
+    lp_add_row_entries(&lp, {{2, 1}, {1, -1}}, '=', 0);
+    all.push_back({"all columns free", lp, TVX_OPTIMAL, 3.25});
+    lp_add_row_entries(&lp, {{0, 1}, {2, -1}}, '<', 0);
+    all.push_back({"all columns free, contradicting rows", lp, TVX_INFEASIBLE, 0});
+    lp = with_vars(2, -1, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 5);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 3);
+    lp_add_row_entries(&lp, {{1, 2}}, '=', 2);
+    lp.sense = -1;
+    all.push_back({"rows that become bounds and vanish", lp, TVX_OPTIMAL, -1});
+    return all;
+}
+
+TEST(Presolve, special_models_have_their_answers)
+{
+    for (const Special &special : special_models())
+        for (const double level : {-1, 1, 2})
+            for (const double dual : {0, 1}) {
+                const TestEnv env;
+                const Settings settings = {{"Presolve", level},
+                                           {"TARV_PAR_DUALREDUCTION", dual}};
+                const Outcome out = solve_under(env.env, &special.lp, settings);
+                ASSERT_EQ(out.wrong, "") << special.name;
+                LpSolution truth;
+                truth.status = special.status;
+                truth.objval = special.value;
+                EXPECT_EQ(same_outcome(&truth, &out.solution), "")
+                    << special.name << "\n"
+                    << settings_text(settings);
+                EXPECT_EQ(out.clean_up, 0) << special.name;
+            }
+}
+
+#ifdef TVX_DEBUG
+// The k-th request of memory, and all behind it, fail: the code says so, nothing is held, and the model still solves.
+static void sweep(Family family, double level)
+{
+    const int64_t before = mem_blocks_held();
+    bool refused = true;
+    for (int64_t k = 1; refused; k++) {
+        {
+            const TestEnv env;
+            set_parameters(env.env, {{"Presolve", level}});
+            Dice dice(9);
+            const LpModel lp = family(&dice, 8).lp;
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_TRUE(model);
+            mem_fault_arm(k);
+            const int code = TVXoptimize(model);
+            refused = mem_fault_hits() > 0;
+            mem_fault_arm(0);
+            ASSERT_TRUE(code == 0 || (refused && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
+            LpSolution solution;
+            ASSERT_EQ(lp_solve(model, &solution), 0);
+            const RationalResult truth = rational_solve(&lp);
+            ASSERT_EQ(judge_exact(&lp, &truth, true, &solution), "") << "request " << k;
+        }
+        ASSERT_EQ(mem_blocks_held(), before) << "request " << k;
+    }
+}
+
+TEST(Presolve, memory_may_end_anywhere)
+{
+    for (const Family family : {gen_multi_period, gen_blending, gen_network, gen_staircase,
+                                gen_planted_infeasible})
+        for (const double level : {-1, 2}) sweep(family, level);
+}
+#endif
