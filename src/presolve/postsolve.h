@@ -13,13 +13,15 @@ struct PostPoint {
 };
 
 // Undoes one record. Each stands in the file of its reduction.
-void undo_fix(const UndoRecord *undo, PostPoint *point);            // fix.cpp
-void undo_substitute(const UndoRecord *undo, PostPoint *point);     // substitute.cpp
-void undo_slack_column(const UndoRecord *undo, PostPoint *point);   // column_singleton.cpp
-void undo_dominated(const UndoRecord *undo, PostPoint *point);      // dominated.cpp
-void undo_merge_cols(const UndoRecord *undo, PostPoint *point);     // merged_columns.cpp
-void undo_parallel_rows(const UndoRecord *undo, PostPoint *point);  // duplicate_rows.cpp
-void undo_bound_transfer(const UndoRecord *undo, PostPoint *point); // doubleton_chains.cpp
-void undo_singleton_row(const UndoRecord *undo, PostPoint *point);  // singleton_rows.cpp
-void undo_forcing_row(const UndoRecord *undo, PostPoint *point);    // forcing_rows.cpp
-void undo_free_to_slack(const UndoRecord *undo, PostPoint *point);  // free_to_slack.cpp
+void undo_fix(const UndoRecord *undo, PostPoint *point);             // fix.cpp
+void undo_substitute(const UndoRecord *undo, PostPoint *point);      // substitute.cpp
+void undo_slack_column(const UndoRecord *undo, PostPoint *point);    // column_singleton.cpp
+void undo_dominated(const UndoRecord *undo, PostPoint *point);       // dominated.cpp
+void undo_merge_cols(const UndoRecord *undo, PostPoint *point);      // merged_columns.cpp
+void undo_parallel_rows(const UndoRecord *undo, PostPoint *point);   // duplicate_rows.cpp
+void undo_bound_transfer(const UndoRecord *undo, PostPoint *point);  // doubleton_chains.cpp
+void undo_singleton_row(const UndoRecord *undo, PostPoint *point);   // singleton_rows.cpp
+void undo_forcing_row(const UndoRecord *undo, PostPoint *point);     // forcing_rows.cpp
+void undo_free_to_slack(const UndoRecord *undo, PostPoint *point);   // free_to_slack.cpp
+void undo_row_combination(const UndoRecord *undo, PostPoint *point); // row_combination.cpp
+void undo_follower(const UndoRecord *undo, PostPoint *point); // parallel_equations.cpp

@@ -16,14 +16,6 @@ int pre_aggregate(PresolveWork *)
 {
     return 0;
 }
-int pre_duplicate_cols(PresolveWork *)
-{
-    return 0;
-}
-int pre_duplicate_rows(PresolveWork *)
-{
-    return 0;
-}
 int pre_two_rows(PresolveWork *)
 {
     return 0;
@@ -34,7 +26,9 @@ int pre_dependent_rows(PresolveWork *)
 }
 void undo_slack_column(const UndoRecord *, PostPoint *) {}
 void undo_dominated(const UndoRecord *, PostPoint *) {}
-void undo_merge_cols(const UndoRecord *, PostPoint *) {}
-void undo_parallel_rows(const UndoRecord *, PostPoint *) {}
 void undo_bound_transfer(const UndoRecord *, PostPoint *) {}
 void undo_free_to_slack(const UndoRecord *, PostPoint *) {}
+ImpliedBounds implied_bounds(const PresolveWork *w, int)
+{
+    return {-w->INF, w->INF};
+}

@@ -20,6 +20,8 @@ enum UndoKind {
         10, // free column left through an inequality, its place taken by the slack
     UNDO_SLACK_COLUMN =
         11, // column was the slack of an equation, which became an inequality
+    UNDO_ROW_COMBINATION = 12, // a multiple of an equation was added to a row
+    UNDO_FOLLOWER = 13,        // slack column of an equation follows that of a parallel one
 };
 
 struct UndoEntry {

@@ -1,0 +1,160 @@
+// duplicate_cols.cpp -- of columns that are multiples of each other, some go to a bound and some are merged
+//
+// Method      Columns of one class are scale * v; X = scale * x is what each adds of v, at the price c / scale per unit.
+//             What one column adds a cheaper one can add instead, as long as its bounds let it. So a cheaper column
+//             whose X has no upper bound sends all dearer ones to their least X, and a dearer one without lower bound
+//             all cheaper ones to their greatest X. Columns of equal price are merged (merged_columns.cpp).
+//             A bound that rows imply is taken away first when that lets a column go: then nothing else can lean on it.
+// Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
+// Cost        That of finding the classes, and O(class log class).
+#include "presolve/duplicates.h"
+#include "presolve/merged_columns.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double SAME_PRICE = 1e-12; // of the larger price
+constexpr double IMPLIED = 1e-9;     // what an implied bound may miss
+constexpr double LARGEST_FACTOR =
+    1e3; // between scales of two columns that act on each other
+
+double price(const PresolveWork *w, const DupLine *l)
+{
+    return w->Obj.data[l->line] / l->scale;
+}
+// Whether X has a bound on its upper (side 1) or lower (side -1) end.
+bool is_bounded(const PresolveWork *w, const DupLine *l, int side)
+{
+    return side * l->scale > 0 ? has_ub(w, l->line) : has_lb(w, l->line);
+}
+
+bool is_implied(const PresolveWork *w, const DupLine *l, int side)
+{
+    const int j = l->line;
+    const ImpliedBounds implied = implied_bounds(w, j);
+    return side * l->scale > 0 ? implied.ub <= w->Ub.data[j] + IMPLIED
+                               : implied.lb >= w->Lb.data[j] - IMPLIED;
+}
+
+void take_bound_away(PresolveWork *w, const DupLine *l, int side)
+{
+    const int j = l->line;
+    if (side * l->scale > 0)
+        change_bounds(w, j, w->Lb.data[j], w->INF);
+    else
+        change_bounds(w, j, -w->INF, w->Ub.data[j]);
+    w->BoundsChanged++;
+    mark_col(w, j);
+    mark_rows_of_col(w, j);
+}
+
+bool is_fit(const DupLine *a, const DupLine *b)
+{
+    const double factor = std::fabs(a->scale / b->scale);
+    return factor <= LARGEST_FACTOR && factor >= 1 / LARGEST_FACTOR;
+}
+
+// Whether the free end of `by` decides where `l` stands: the reduced cost of l is at least this difference of prices.
+bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
+{
+    const double a = price(w, by), b = price(w, l);
+    const double factor =
+        std::fabs(l->scale / by->scale); // on an error of the other's reduced cost
+    return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
+           std::fabs(a - b) * std::fabs(l->scale) > w->OptTol * (1 + factor) &&
+           is_fit(by, l);
+}
+
+// Column l goes to the end of its X on this side. Unbounded when there is none.
+int send(PresolveWork *w, const DupLine *l, int side)
+{
+    if (!is_bounded(w, l, side)) {
+        w->InfeasCol = l->line;
+        return PRESOLVE_UNBOUNDED;
+    }
+    return side * l->scale > 0 ? fix_at_upper(w, l->line) : fix_at_lower(w, l->line);
+}
+
+// Members are sorted so that, on this side, the first one is the best to use: by rising price for upper ends (side 1),
+// by falling price for lower ends (-1). Returns the first one whose end on this side is open, or may be opened.
+int first_open(const PresolveWork *w, const DupLine *members, int count, int side)
+{
+    for (int k = 0; k + 1 < count; k++) {
+        if (!is_live_col(w, members[k].line)) continue;
+        if (!is_bounded(w, &members[k], side)) return k;
+        if (is_strict(w, &members[k], &members[count - 1]) &&
+            is_implied(w, &members[k], side))
+            return k;
+    }
+    return -1;
+}
+
+int dominate(PresolveWork *w, const DupLine *members, int count, int side)
+{
+    const int best = first_open(w, members, count, side);
+    if (best < 0) return 0;
+    for (int k = count - 1; k > best; k--) {
+        if (!is_live_col(w, members[k].line)) continue;
+        if (!is_strict(w, &members[best], &members[k])) continue;
+        if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
+        TRY(send(w, &members[k], -side));
+    }
+    return 0;
+}
+
+bool may_merge(const PresolveWork *w, const DupLine *a, const DupLine *b)
+{
+    const double p = price(w, a), q = price(w, b);
+    if (std::fabs(p - q) > SAME_PRICE * std::max(std::fabs(p), std::fabs(q))) return false;
+    const bool integer = is_integer(w, a->line);
+    if (integer != is_integer(w, b->line) || !is_fit(a, b)) return false;
+    return !integer || std::fabs(std::fabs(a->scale) - std::fabs(b->scale)) <=
+                           SAME_PRICE * std::fabs(a->scale);
+}
+
+int merge_equals(PresolveWork *w, const DupLine *members, int count)
+{
+    const DupLine *last = nullptr;
+    for (int k = 0; k < count; k++) {
+        const DupLine *l = &members[k];
+        if (!is_live_col(w, l->line)) continue;
+        if (!last || !may_merge(w, last, l)) {
+            last = l;
+            continue;
+        }
+        // The larger one stays: errors of the other one's bounds are then not enlarged on the way back.
+        const DupLine *gone = l;
+        if (std::fabs(l->scale) > std::fabs(last->scale)) std::swap(last, gone);
+        TRY(merge_columns(w, last->line, gone->line, gone->scale / last->scale));
+    }
+    return 0;
+}
+
+int handle_cols(PresolveWork *w, DupLine *members, int count)
+{
+    // Prices are computed once: fixing sets costs to zero.
+    for (int k = 0; k < count; k++) members[k].values = price(w, &members[k]);
+    std::sort(members, members + count, [](const DupLine &a, const DupLine &b) {
+        return a.values < b.values || (a.values == b.values && a.line < b.line);
+    });
+    TRY(dominate(w, members, count, 1));
+    std::reverse(members, members + count);
+    TRY(dominate(w, members, count, -1));
+    return w->KeepCrush ? 0 : merge_equals(w, members, count);
+}
+} // namespace
+
+int pre_duplicate_cols(PresolveWork *w)
+{
+    const int count = candidate_cols(w, w->IndexA.data);
+    Array<DupLine> lines;
+    TRY(array_resize(&lines, count));
+    int kept = 0;
+    for (int k = 0; k < count; k++) {
+        const int j = w->IndexA.data[k];
+        if (w->ColFlags.data[j] || w->ColCnt.data[j] < 1) continue;
+        lines.data[kept++] = {0, 0, 0, j, 0, -1};
+    }
+    return duplicate_classes(w, Axis::COLS, lines.data, kept, handle_cols);
+}
