@@ -77,13 +77,15 @@ int classes_with_equation(PresolveWork *w, DupLine *eq, DupLine *members, int co
     return 0;
 }
 
+// Equations first: so on the way back the rows that may make the base's own column basic come before those that need
+// to know.
 int classes_with_slack(PresolveWork *w, DupLine *base, DupLine *members, int count)
 {
-    for (int k = 0; k < count; k++) {
-        DupLine *l = &members[k];
-        if (l == base || !is_live_row(w, l->line)) continue;
-        TRY(take_off(w, base, l));
-    }
+    for (const bool equations : {true, false})
+        for (int k = 0; k < count; k++) {
+            DupLine *l = &members[k];
+            if (l != base && is_equation(w, l) == equations) TRY(take_off(w, base, l));
+        }
     return 0;
 }
 

@@ -56,11 +56,13 @@ bool bounds_fit(const PresolveWork *w, int y, int z, Follows *f)
     return f->lb <= f->ub;
 }
 
-int remove_follower(PresolveWork *w, int row, int p_y, int p_z, const Follows *f)
+int remove_follower(PresolveWork *w, int base, int row, int p_y, int p_z, const Follows *f)
 {
     const int y = w->Nodes.data[p_y].col, z = w->Nodes.data[p_z].col;
-    UndoRecord *undo = undo_push(&w->Undo, UNDO_FOLLOWER, 0);
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_FOLLOWER, w->RowCnt.data[base]);
     if (!undo) return OUT_OF_MEMORY;
+    record_row(w, base, undo);
+    undo->split = base;
     undo->row = row;
     undo->col = y;
     undo->other = z;
@@ -89,7 +91,7 @@ int remove_follower(PresolveWork *w, int row, int p_y, int p_z, const Follows *f
 }
 
 // What is left of two equations: h y + g z = b.
-int try_follower(PresolveWork *w, int row, int y)
+int try_follower(PresolveWork *w, int base, int row, int y)
 {
     const int first = first_in_row(w, row), second = next_in_row(w, first);
     const bool y_first = w->Nodes.data[first].col == y;
@@ -98,7 +100,7 @@ int try_follower(PresolveWork *w, int row, int y)
     const double h = w->Nodes.data[p_y].value, g = w->Nodes.data[p_z].value;
     Follows f = {w->Rhs.data[row] / h, -g / h, 0, 0, 0};
     if (!is_moderate(f.k) || w->ColFlags.data[z] || is_integer(w, z)) return 0;
-    return bounds_fit(w, y, z, &f) ? remove_follower(w, row, p_y, p_z, &f) : 0;
+    return bounds_fit(w, y, z, &f) ? remove_follower(w, base, row, p_y, p_z, &f) : 0;
 }
 } // namespace
 
@@ -108,15 +110,18 @@ int take_off(PresolveWork *w, const DupLine *base, const DupLine *l)
     if (!is_moderate(factor)) return 0;
     if (base->skip >= 0 && w->FreeCount < 1) return 0;
     const int y = l->skip >= 0 ? w->Nodes.data[l->skip].col : -1;
-    TRY(combine_rows(w, l->line, base->line, -factor));
-    const bool both = y >= 0 && base->skip >= 0;
-    return both && w->RowCnt.data[l->line] == 2 ? try_follower(w, l->line, y) : 0;
+    const int z = base->skip >= 0 ? w->Nodes.data[base->skip].col : -1;
+    TRY(combine_rows(w, l->line, base->line, -factor, z));
+    const bool both = y >= 0 && z >= 0;
+    return both && w->RowCnt.data[l->line] == 2 ? try_follower(w, base->line, l->line, y)
+                                                : 0;
 }
 
 void undo_follower(const UndoRecord *undo, PostPoint *point)
 {
     const int y = undo->col, z = undo->other, row = point->n + undo->row;
     point->x[y] = undo->value + undo->factor * point->x[z];
+    release_slack(undo, undo->split, -1, point);
     const double d = point->d[z];
     const int status = point->status ? point->status[z] : d > 0 ? -1 : d < 0 ? -2 : 0;
     const bool from_y =

@@ -4,10 +4,6 @@ int pre_columns(PresolveWork *)
 {
     return 0;
 }
-int pre_singleton_knapsack(PresolveWork *)
-{
-    return 0;
-}
 int pre_ineq_to_eq(PresolveWork *)
 {
     return 0;
@@ -17,10 +13,6 @@ int pre_aggregate(PresolveWork *)
     return 0;
 }
 int pre_two_rows(PresolveWork *)
-{
-    return 0;
-}
-int pre_dependent_rows(PresolveWork *)
 {
     return 0;
 }
