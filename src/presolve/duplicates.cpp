@@ -25,19 +25,6 @@ uint64_t mixed(uint64_t k)
     return k ^ (k >> 31);
 }
 
-int first_of(const PresolveWork *w, Axis axis, int line)
-{
-    return axis == Axis::ROWS ? first_in_row(w, line) : first_in_col(w, line);
-}
-int next_of(const PresolveWork *w, Axis axis, int p)
-{
-    return axis == Axis::ROWS ? next_in_row(w, p) : next_in_col(w, p);
-}
-int place_of(const PresolveWork *w, Axis axis, int p)
-{
-    return axis == Axis::ROWS ? w->Nodes.data[p].col : w->Nodes.data[p].row;
-}
-
 void set_pattern(const PresolveWork *w, Axis axis, DupLine *l)
 {
     uint64_t key = 0; // a sum, so that the order of the list does not matter

@@ -1,8 +1,6 @@
 // duplicates.h -- rows, or columns, that are multiples of each other
 #pragma once
-#include "presolve/work.h"
-
-enum class Axis { ROWS, COLS };
+#include "presolve/axis.h"
 
 // A row or a column on its way into classes of parallel ones: its entries, but for `skip`, are scale * (a vector that
 // all members of its class share).

@@ -13,6 +13,7 @@
 
 namespace
 {
+constexpr double SAME_SUM = 1e-9;   // relative
 constexpr double LARGE_BOUND = 1e9; // a sum with a larger finite bound would lose digits
 
 int sum_bounds(const PresolveWork *w, const MergedPair *pair, double *lb, double *ub)
@@ -96,38 +97,50 @@ Split split_merged_columns(const MergedPair *pair, double INF, double sum, doubl
     return best;
 }
 
+// Both columns at their bounds, as the sum is, when that gives the sum. False when it does not.
+static bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, double sum,
+                           PostPoint *point)
+{
+    const int p = undo->col, q = undo->other, status = point->status[p];
+    const int status_q = pair->f > 0 ? status : -3 - status;
+    const double x_p = status == -1 ? pair->lb_p : pair->ub_p,
+                 x_q = status_q == -1 ? pair->lb_q : pair->ub_q;
+    if (std::fabs(x_p) >= point->INF || std::fabs(x_q) >= point->INF) return false;
+    if (std::fabs(x_p + pair->f * x_q - sum) > SAME_SUM * (1 + std::fabs(sum)))
+        return false;
+    point->x[p] = x_p;
+    point->x[q] = x_q;
+    point->status[q] = status_q;
+    return true;
+}
+
+// Of a nonbasic column that a split has left at x: at the bound that this happens to be, or superbasic.
+static int status_at(double x, double lb, double ub)
+{
+    return x == lb ? -1 : x == ub ? -2 : -3; // copied, so compared exactly
+}
+
 void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
 {
     const int p = undo->col, q = undo->other;
-    const double f = undo->factor, sum = point->x[p];
-    const MergedPair pair = {undo->bound[0], undo->bound[1], undo->bound[2], undo->bound[3],
-                             f};
-    const Split split =
-        split_merged_columns(&pair, point->INF, sum, &point->x[p], &point->x[q]);
-    point->d[q] = f * point->d[p];
+    const double sum = point->x[p], *bound = undo->bound;
+    const MergedPair pair = {bound[0], bound[1], bound[2], bound[3], undo->factor};
+    double x_p = 0, x_q = 0;
+    const Split split = split_merged_columns(&pair, point->INF, sum, &x_p, &x_q);
+    point->x[p] = x_p;
+    point->x[q] = x_q;
+    point->d[q] = pair.f * point->d[p];
     if (!point->status) return;
     const int status = point->status[p];
-    int other = status; // of the column that the split leaves between its bounds
-    if (status == -1 || status == -2) {
-        // The sum stands at its bound, so do both.
-        const bool same = f > 0;
-        const int status_q = same ? status : -3 - status;
-        const double x_p = status == -1 ? pair.lb_p : pair.ub_p,
-                     x_q = status_q == -1 ? pair.lb_q : pair.ub_q;
-        if (std::fabs(x_p) < point->INF && std::fabs(x_q) < point->INF &&
-            std::fabs(x_p + f * x_q - sum) <= 1e-9 * (1 + std::fabs(sum))) {
-            point->x[p] = x_p;
-            point->x[q] = x_q;
-            point->status[q] = status_q;
-            return;
-        }
-        other = -3; // held by a bound that is not of either
-    }
-    const bool q_at_bound =
-        split == Split::Q_LOWER || split == Split::Q_UPPER || split == Split::NONE;
+    if ((status == -1 || status == -2) && both_at_bounds(undo, &pair, sum, point)) return;
+    const bool q_at_bound = split != Split::P_LOWER && split != Split::P_UPPER;
     const int at = split == Split::NONE                                 ? -3
                    : split == Split::Q_LOWER || split == Split::P_LOWER ? -1
                                                                         : -2;
+    int other = status; // of the column that is between its bounds
+    if (status < 0)
+        other = q_at_bound ? status_at(x_p, pair.lb_p, pair.ub_p)
+                           : status_at(x_q, pair.lb_q, pair.ub_q);
     point->status[q] = q_at_bound ? at : other;
     point->status[p] = q_at_bound ? other : at;
 }

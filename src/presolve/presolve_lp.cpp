@@ -126,6 +126,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
     TRY(activity_pass(w));
     if (plan->two_rows) TRY(run(w, pre_two_rows));
     if (pass == 0 && (plan->dependent & 1)) TRY(run(w, pre_dependent_rows));
+    if (pass == 0 && (plan->dependent & 2) && plan->dual) TRY(run(w, pre_dependent_cols));
     presolve_log(w);
     return 0;
 }

@@ -250,3 +250,4 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_duplicate_rows(PresolveWork *w);
 [[nodiscard]] int pre_two_rows(PresolveWork *w);
 [[nodiscard]] int pre_dependent_rows(PresolveWork *w);
+[[nodiscard]] int pre_dependent_cols(PresolveWork *w); // free ones

@@ -1,0 +1,17 @@
+// elimination.h -- lines (rows or columns) that are linear combinations of others
+#pragma once
+#include "presolve/axis.h"
+
+struct LineTerm {
+    int line;
+    double factor;
+};
+// What is done with a line that looks like the sum of these multiples of others. It may remove that line. A
+// PresolveStatus or OUT_OF_MEMORY.
+using DependentHandler = int (*)(PresolveWork *w, int line, const LineTerm *terms,
+                                 int count);
+
+// Looks for dependent ones among lines[0 .. count) (reordered), as long as the effort stays below the limit. A
+// PresolveStatus or OUT_OF_MEMORY.
+[[nodiscard]] int dependent_lines(PresolveWork *w, Axis axis, int *lines, int count,
+                                  double work_limit, DependentHandler handle);
