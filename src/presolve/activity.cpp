@@ -96,6 +96,21 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub)
     }
 }
 
+bool change_coefficient(PresolveWork *w, int i, int j, double before, double after)
+{
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j];
+    bool lost = false;
+    if (before != 0) { // no entry
+        const bool up = before > 0;
+        lost =
+            take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], before, up ? ub : lb, true);
+        lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], before, up ? lb : ub,
+                          false);
+    }
+    if (after != 0) add_terms(w, i, after, {lb, ub});
+    return lost;
+}
+
 bool settle_term(PresolveWork *w, int p, double v)
 {
     const PresolveNode &node = w->Nodes.data[p];

@@ -19,7 +19,7 @@ void undo_slack_column(const UndoRecord *undo, PostPoint *point);    // column_s
 void undo_dominated(const UndoRecord *undo, PostPoint *point);       // dominated.cpp
 void undo_merge_cols(const UndoRecord *undo, PostPoint *point);      // merged_columns.cpp
 void undo_parallel_rows(const UndoRecord *undo, PostPoint *point);   // duplicate_rows.cpp
-void undo_bound_transfer(const UndoRecord *undo, PostPoint *point);  // doubleton_chains.cpp
+void undo_bound_transfer(const UndoRecord *undo, PostPoint *point);  // doubleton_rows.cpp
 void undo_singleton_row(const UndoRecord *undo, PostPoint *point);   // singleton_rows.cpp
 void undo_forcing_row(const UndoRecord *undo, PostPoint *point);     // forcing_rows.cpp
 void undo_free_to_slack(const UndoRecord *undo, PostPoint *point);   // free_to_slack.cpp

@@ -8,18 +8,12 @@ int pre_ineq_to_eq(PresolveWork *)
 {
     return 0;
 }
-int pre_aggregate(PresolveWork *)
-{
-    return 0;
-}
 int pre_two_rows(PresolveWork *)
 {
     return 0;
 }
 void undo_slack_column(const UndoRecord *, PostPoint *) {}
 void undo_dominated(const UndoRecord *, PostPoint *) {}
-void undo_bound_transfer(const UndoRecord *, PostPoint *) {}
-void undo_free_to_slack(const UndoRecord *, PostPoint *) {}
 ImpliedBounds implied_bounds(const PresolveWork *w, int)
 {
     return {-w->INF, w->INF};

@@ -187,6 +187,10 @@ void pre_activity(PresolveWork *w);        // all live rows from scratch
 void row_activity(PresolveWork *w, int i); // one
 // Bounds of column j are about to become these: moves activities along and stores the bounds.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
+// The coefficient of column j in row i is about to become `after`, 0 when there is none: moves the activities along.
+// True when the row is to be summed anew once that is done.
+[[nodiscard]] bool change_coefficient(PresolveWork *w, int i, int j, double before,
+                                      double after);
 
 // The term of entry p becomes the constant value * v: right-hand side and activities follow, the entry is still there.
 // True when the row is to be summed anew once it is gone.

@@ -1,0 +1,28 @@
+// aggregate.h -- the stages of pre_aggregate, and the elimination they share
+#pragma once
+#include "presolve/work.h"
+
+// ---- aggregate_eliminate.cpp ----
+// Largest absolute value of the entries of a row or a column.
+double largest_in_row(const PresolveWork *w, int i);
+double largest_in_col(const PresolveWork *w, int j);
+// Whether x_j = (b - sum a_k x_k) / a, a the entry p, makes x_j integer wherever the others are, if it has to be.
+bool pivot_keeps_integers(const PresolveWork *w, int p);
+// Whether `fill` nodes are free; compresses when that would help.
+bool room_for_fill(PresolveWork *w, int64_t fill);
+// Adds multiples of the row of entry p to the objective and all other rows such that the column of p would leave them;
+// its entries there stay. Needs room for (length of row - 1) * (length of column - 1) nodes.
+void eliminate_from_others(PresolveWork *w, int p);
+// Then these entries go.
+void drop_from_others(PresolveWork *w, int p);
+// Both, with the record of a substitution; afterwards row and column are gone. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int substitute_out(PresolveWork *w, int p);
+
+// ---- aggregate.cpp ----
+// Sides of column j that matter: a bound is there and the rows do not imply it.
+enum { LOWER_MATTERS = 1, UPPER_MATTERS = 2 };
+int bounds_that_matter(const PresolveWork *w, int j);
+
+// ---- doubleton_rows.cpp, free_to_slack.cpp: stages, which stop when the account of effort reaches most_work ----
+[[nodiscard]] int aggregate_doubletons(PresolveWork *w, double most_work);
+[[nodiscard]] int free_to_slack(PresolveWork *w, double most_work);

@@ -1,0 +1,259 @@
+// aggregate_eliminate.cpp -- a column leaves all rows but one, by an elimination step with that row as pivot
+//
+// Problem     Row r, a x_j + sum a_k x_k = b, is to replace x_j in the objective and in the other rows i of column j:
+//             row i -= (a_ij / a) row r, c -= (c_j / a) row r.
+// Method      One sparse vector (the pattern) is scattered and added as a multiple to each of several lists: row r to
+//             the rows of column j, or column j to the columns of row r, whichever lists are shorter in sum. New
+//             entries take nodes of the free list.
+// Invariant   Counts, right-hand sides and activities follow each single entry. A sum that is zero but for rounding is
+//             an entry less.
+// Cost        O(entries of the lists + length of row * length of column).
+#include "presolve/aggregate.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double CANCELLED = 1e-13;        // of the larger term: what is left is rounding
+constexpr double WORTH_COMPRESSING = 0.05; // share of the nodes that must be dead
+constexpr double INTEGRAL = 1e-10;
+constexpr double PIVOT_EFFORT = 20;
+constexpr int LOG_EVERY = 10000; // columns
+
+bool is_integral(double v)
+{
+    return std::fabs(v - std::round(v)) <= INTEGRAL;
+}
+
+// a + b, or zero when the digits have cancelled.
+double add_cleanly(double a, double b, double zero)
+{
+    const double sum = a + b;
+    const double noise = std::max(zero, CANCELLED * std::fabs(a));
+    return std::fabs(sum) < noise ? 0 : sum;
+}
+
+// Which way a list and its pattern run.
+enum class Along { ROW, COL };
+
+struct Pattern {
+    Along along;
+    int count;
+    const int *index;    // columns (ROW) or rows (COL)
+    const double *value; // scattered
+};
+
+int first_along(const PresolveWork *w, Along along, int line)
+{
+    return along == Along::ROW ? first_in_row(w, line) : first_in_col(w, line);
+}
+int next_along(const PresolveWork *w, Along along, int p)
+{
+    return along == Along::ROW ? next_in_row(w, p) : next_in_col(w, p);
+}
+
+// The coefficient of column j in row i becomes `after`; rows whose activity lost its digits are remembered.
+void coefficient_moves(PresolveWork *w, int i, int j, double before, double after)
+{
+    if (change_coefficient(w, i, j, before, after)) w->ScratchC.data[i] = 1;
+    mark_row(w, i);
+    mark_col(w, j);
+}
+
+void add_to_entry(PresolveWork *w, int p, double step)
+{
+    PresolveNode *node = &w->Nodes.data[p];
+    const double after = add_cleanly(node->value, step, w->ZeroTol);
+    coefficient_moves(w, node->row, node->col, node->value, after);
+    if (after == 0) // assigned so
+        delete_entry(w, p);
+    else
+        node->value = after;
+}
+
+// Takes deleted entries out of a list that is about to be walked: one that meets many eliminations would drag them all.
+void sweep_along(PresolveWork *w, Along along, int line)
+{
+    if (along == Along::ROW && (w->RowMark.data[line] & NEEDS_SWEEP)) sweep_row(w, line);
+    if (along == Along::COL && (w->ColMark.data[line] & NEEDS_SWEEP)) sweep_col(w, line);
+}
+
+// line += factor * pattern
+void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double factor)
+{
+    const Along along = pattern->along;
+    sweep_along(w, along, line);
+    for (int p = first_along(w, along, line); p >= 0;) {
+        const int next = next_along(w, along, p);
+        const PresolveNode &node = w->Nodes.data[p];
+        const int k = along == Along::ROW ? node.col : node.row;
+        const double v = pattern->value[k];
+        if (v != 0) { // scattered
+            w->Flag.data[k] = 1;
+            add_to_entry(w, p, factor * v);
+        }
+        p = next;
+    }
+    for (int q = 0; q < pattern->count; q++) {
+        const int k = pattern->index[q];
+        const double v = factor * pattern->value[k];
+        if (!w->Flag.data[k] && std::fabs(v) >= w->ZeroTol) {
+            const int i = along == Along::ROW ? line : k,
+                      j = along == Along::ROW ? k : line;
+            coefficient_moves(w, i, j, 0, v);
+            insert_entry(w, i, j, v);
+        }
+        w->Flag.data[k] = 0;
+    }
+}
+
+// Row or column of entry p without p into the scratch.
+Pattern scatter(PresolveWork *w, Along along, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    Pattern pattern = {along, 0, w->IndexB.data, w->Scratch.data};
+    const int line = along == Along::ROW ? pivot.row : pivot.col;
+    for (int q = first_along(w, along, line); q >= 0; q = next_along(w, along, q)) {
+        if (q == p) continue;
+        const PresolveNode &node = w->Nodes.data[q];
+        const int k = along == Along::ROW ? node.col : node.row;
+        w->IndexB.data[pattern.count++] = k;
+        w->Scratch.data[k] = node.value;
+    }
+    return pattern;
+}
+
+void clear_scatter(PresolveWork *w, const Pattern *pattern)
+{
+    for (int q = 0; q < pattern->count; q++) w->Scratch.data[pattern->index[q]] = 0;
+}
+
+// Row r added to the rows of column j, or column j to the columns of row r: whichever visits fewer entries.
+Along cheaper_way(PresolveWork *w, const PresolveNode *pivot)
+{
+    int64_t row_entries = 0, col_entries = 0;
+    for (int q = first_in_col(w, pivot->col); q >= 0; q = next_in_col(w, q))
+        row_entries += w->RowCnt.data[w->Nodes.data[q].row];
+    for (int q = first_in_row(w, pivot->row); q >= 0; q = next_in_row(w, q))
+        col_entries += w->ColCnt.data[w->Nodes.data[q].col];
+    w->Work += static_cast<double>(std::min(row_entries, col_entries));
+    return col_entries > row_entries ? Along::ROW : Along::COL;
+}
+
+void move_objective(PresolveWork *w, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    const double ratio = w->Obj.data[pivot.col] / pivot.value;
+    if (ratio == 0) return; // no cost at all
+    for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q)) {
+        const PresolveNode &node = w->Nodes.data[q];
+        double *cost = &w->Obj.data[node.col];
+        *cost = q == p ? 0 : add_cleanly(*cost, -ratio * node.value, w->ZeroTol);
+        mark_col(w, node.col);
+    }
+    w->ObjCon += ratio * w->Rhs.data[pivot.row];
+}
+
+void move_rhs(PresolveWork *w, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    const double ratio = w->Rhs.data[pivot.row] / pivot.value;
+    if (ratio == 0) return; // exactly: nothing moves
+    for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
+        if (q == p) continue;
+        const int i = w->Nodes.data[q].row;
+        const double before = w->Rhs.data[i],
+                     after = add_cleanly(before, -ratio * w->Nodes.data[q].value, 0);
+        w->Rhs.data[i] = after;
+        w->RMax.data[i] += before - after;
+        w->RMin.data[i] += before - after;
+    }
+}
+} // namespace
+
+double largest_in_row(const PresolveWork *w, int i)
+{
+    double largest = 0;
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
+        largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
+    return largest;
+}
+
+double largest_in_col(const PresolveWork *w, int j)
+{
+    double largest = 0;
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
+        largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
+    return largest;
+}
+
+bool pivot_keeps_integers(const PresolveWork *w, int p)
+{
+    const PresolveNode &pivot = w->Nodes.data[p];
+    if (!is_integer(w, pivot.col)) return true;
+    if (!is_integral(w->Rhs.data[pivot.row] / pivot.value)) return false;
+    for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q)) {
+        const PresolveNode &node = w->Nodes.data[q];
+        if (!is_integer(w, node.col) || !is_integral(node.value / pivot.value))
+            return false;
+    }
+    return true;
+}
+
+bool room_for_fill(PresolveWork *w, int64_t fill)
+{
+    if (fill <= w->FreeCount) return true;
+    const double dead = static_cast<double>(w->DeadCount);
+    if (dead < WORTH_COMPRESSING * static_cast<double>(w->Nodes.size)) return false;
+    compress(w);
+    return fill <= w->FreeCount;
+}
+
+void eliminate_from_others(PresolveWork *w, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    const Along way = cheaper_way(w, &pivot);
+    move_objective(w, p);
+    move_rhs(w, p);
+    const Pattern pattern = scatter(w, way, p);
+    // Inserting puts entries at the heads of other lists, never of the one walked here.
+    const Along lines = way == Along::ROW ? Along::COL : Along::ROW;
+    const int through = way == Along::ROW ? pivot.col : pivot.row;
+    for (int q = first_along(w, lines, through); q >= 0; q = next_along(w, lines, q)) {
+        if (q == p) continue;
+        const PresolveNode node = w->Nodes.data[q];
+        add_multiple(w, &pattern, way == Along::ROW ? node.row : node.col,
+                     -node.value / pivot.value);
+    }
+    clear_scatter(w, &pattern);
+}
+
+void drop_from_others(PresolveWork *w, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    for (int q = first_in_col(w, pivot.col); q >= 0;) {
+        const int next = next_in_col(w, q), i = w->Nodes.data[q].row;
+        if (q != p) {
+            coefficient_moves(w, i, pivot.col, w->Nodes.data[q].value, 0);
+            delete_entry(w, q);
+            if (w->ScratchC.data[i] != 0) row_activity(w, i);
+            w->ScratchC.data[i] = 0;
+        }
+        q = next;
+    }
+}
+
+int substitute_out(PresolveWork *w, int p)
+{
+    const int r = w->Nodes.data[p].row, j = w->Nodes.data[p].col;
+    TRY(push_substitution(w, p));
+    w->Work += PIVOT_EFFORT * w->ColCnt.data[j] * w->RowCnt.data[r];
+    eliminate_from_others(w, p);
+    drop_from_others(w, p);
+    remove_row(w, r, ROW_PIVOT);
+    w->ColHead.data[j] = -1;
+    w->ColCnt.data[j] = col_substituted(r);
+    w->ColsRemoved++;
+    if (w->ColsRemoved % LOG_EVERY == 0) presolve_log(w);
+    return 0;
+}

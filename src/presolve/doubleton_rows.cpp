@@ -1,0 +1,151 @@
+// doubleton_rows.cpp -- an equation of two columns removes one of them; its bounds move to the other
+//
+// Problem     a x + b y = c. Then x = (c - b y) / a, and lx <= x <= ux is a bound on y on either side.
+// Method      Bounds of x that the rows do not imply are written onto y where they are tighter; x is free then and is
+//             substituted out. No entry is added in sum. The column with fewer entries is x, unless its pivot is so
+//             small that the error of y would grow in it. Rows that become doubletons by this are met in the same sweep
+//             or in the next pass, so chains collapse.
+// Way back    The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
+//             that x gave, it is x that stands at its bound: y becomes basic in its place, and the row's dual takes
+//             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
+// Cost        O(shorter column + its rows) per row, see aggregate_eliminate.cpp.
+#include "presolve/aggregate.h"
+#include "presolve/postsolve.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double LEAST_PIVOT = 1e-6;
+constexpr double MOST_RATIO = 1e3;  // of the two coefficients, when bounds move
+constexpr double FREE_RATIO = 1e4;  // when they need not
+constexpr double MOST_BOUND = 1e15; // a moved bound beyond says nothing
+constexpr double TIGHTER = 1e-10;   // least improvement
+constexpr double NO_RANGE = 1e-9; // bounds have met: the reduced cost tells which one holds
+constexpr int SAME_LENGTH = 2;    // so many entries more are accepted for the larger pivot
+enum Mode { LOWER = 1, UPPER = 2 }; // sides of y whose bound x gave
+
+// One way to use a doubleton row.
+struct Step {
+    int p, q;      // entries of x and y
+    double a, b;   // their values
+    double lb, ub; // of y afterwards
+    int mode;      // Mode
+    double at[2];  // where x stands when y is at its new lower, upper bound
+    bool possible;
+};
+
+// Puts the bound of x at `bound` onto y. False when it comes out too large to be one.
+bool move_bound(Step *s, double c, double bound, bool is_upper)
+{
+    const double t = (c - s->a * bound) / s->b;
+    if (std::fabs(t) > MOST_BOUND) return false;
+    const bool gives_lower = is_upper == (s->a / s->b > 0);
+    if (gives_lower && t > s->lb + TIGHTER) {
+        s->lb = t;
+        s->mode |= LOWER;
+        s->at[0] = bound;
+    }
+    if (!gives_lower && t < s->ub - TIGHTER) {
+        s->ub = t;
+        s->mode |= UPPER;
+        s->at[1] = bound;
+    }
+    return true;
+}
+
+// What removing the column of entry p takes; q is the other entry of its row.
+Step plan(const PresolveWork *w, int p, int q)
+{
+    const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
+    const int x = px.col, y = py.col;
+    Step s = {p, q, px.value, py.value, w->Lb.data[y], w->Ub.data[y], 0, {0, 0}, false};
+    const double c = w->Rhs.data[px.row], ratio = std::fabs(s.b / s.a);
+    if (w->ColFlags.data[x] != 0 || std::fabs(s.a) < LEAST_PIVOT || ratio > FREE_RATIO ||
+        !pivot_keeps_integers(w, p))
+        return s;
+    const int matters = bounds_that_matter(w, x);
+    if (matters != 0 &&
+        (ratio > MOST_RATIO || ratio < 1 / MOST_RATIO || w->ColFlags.data[y] != 0))
+        return s;
+    s.possible = (!(matters & LOWER_MATTERS) || move_bound(&s, c, w->Lb.data[x], false)) &&
+                 (!(matters & UPPER_MATTERS) || move_bound(&s, c, w->Ub.data[x], true));
+    return s;
+}
+
+// True when removing x by s is better than removing y by t.
+bool is_better(const PresolveWork *w, const Step *s, const Step *t)
+{
+    if (s->possible != t->possible) return s->possible;
+    const int more =
+        w->ColCnt.data[w->Nodes.data[s->p].col] - w->ColCnt.data[w->Nodes.data[t->p].col];
+    if (std::abs(more) > SAME_LENGTH) return more < 0;
+    return std::fabs(s->a) >= std::fabs(t->a);
+}
+
+int transfer_bounds(PresolveWork *w, const Step *s)
+{
+    const int x = w->Nodes.data[s->p].col, y = w->Nodes.data[s->q].col;
+    if (s->lb > s->ub + 2 * w->FeasTol) {
+        w->InfeasCol = y;
+        return PRESOLVE_INFEASIBLE;
+    }
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_BOUND_TRANSFER, 0);
+    if (!undo) return OUT_OF_MEMORY;
+    undo->col = x;
+    undo->other = y;
+    undo->row = w->Nodes.data[s->p].row;
+    undo->mode = s->mode;
+    undo->value = s->a;
+    undo->factor = s->b;
+    undo->bound[0] = s->at[0];
+    undo->bound[1] = s->at[1];
+    undo->bound[2] = s->ub - s->lb;
+    change_bounds(w, y, s->lb, s->ub);
+    w->BoundsChanged++;
+    return 0;
+}
+
+int try_row(PresolveWork *w, int i)
+{
+    const int p = first_in_row(w, i), q = next_in_row(w, p);
+    const Step first = plan(w, p, q), second = plan(w, q, p);
+    const Step *s = is_better(w, &first, &second) ? &first : &second;
+    if (!s->possible) return 0;
+    const int x = w->Nodes.data[s->p].col;
+    if (!room_for_fill(w, w->ColCnt.data[x])) return 0;
+    if (s->mode != 0) TRY(transfer_bounds(w, s));
+    return substitute_out(w, s->p);
+}
+} // namespace
+
+int aggregate_doubletons(PresolveWork *w, double most_work)
+{
+    for (int i = 0; i < w->NumRows && w->Work < most_work; i++) {
+        if (check_is_due(i)) TRY(presolve_check(w));
+        if (w->RowCnt.data[i] == 2 && w->Sense.data[i] == '=') TRY(try_row(w, i));
+    }
+    w->Work += w->NumRows;
+    return 0;
+}
+
+void undo_bound_transfer(const UndoRecord *undo, PostPoint *point)
+{
+    const int x = undo->col, y = undo->other, i = point->n + undo->row;
+    const double d = point->d[y], a = undo->value, b = undo->factor;
+    int side = d > 0 ? LOWER : d < 0 ? UPPER : 0;
+    if (point->status) {
+        if (point->status[y] != -1 && point->status[y] != -2) return;
+        if (side == 0 || undo->bound[2] > NO_RANGE)
+            side = point->status[y] == -1 ? LOWER : UPPER;
+        point->status[y] = side == LOWER ? -1 : -2;
+    }
+    if (!(undo->mode & side)) return;
+    point->d[i] += d / b;
+    point->d[y] = 0;
+    point->d[x] = -a * d / b;
+    point->x[x] = undo->bound[side == LOWER ? 0 : 1];
+    if (!point->status) return;
+    point->status[y] = 0;
+    point->status[x] = (side == LOWER) == (a / b > 0) ? -2 : -1;
+}

@@ -1,0 +1,195 @@
+// aggregate_test.cpp -- columns that leave through rows: doubletons, implied free columns, free columns as slacks
+#include "support/dice.h"
+#include "support/model_gen.h"
+#include "support/presolve_try.h"
+#include "support/rational_lp.h"
+#include <gtest/gtest.h>
+
+namespace
+{
+constexpr double INF = LP_INFINITY;
+
+// c x + d y with a x + b y = 2 and x + y <= 40, 0 <= x <= 3, -9 <= y <= 9; optima lie on bounds of x, of y and on the row.
+LpModel doubleton(double a, double b, double c, double d)
+{
+    LpModel lp;
+    lp_add_var(&lp, c, 0, 3);
+    lp_add_var(&lp, d, -9, 9);
+    lp_add_row_entries(&lp, {{0, a}, {1, b}}, '=', 2);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 40);
+    return lp;
+}
+
+// x = 2 y - z + 1 stands in `rows` inequalities with columns of their own; y, z and those are in [0, 5].
+LpModel star(int rows, double lb, double ub)
+{
+    LpModel lp;
+    lp_add_var(&lp, 1, lb, ub);
+    lp_add_var(&lp, -1, 0, 5);
+    lp_add_var(&lp, 2, 0, 5);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -2}, {2, 1}}, '=', 1);
+    for (int i = 0; i < rows; i++) {
+        const int own = lp_add_var(&lp, -1 - i, 0, 5);
+        lp_add_row_entries(&lp, {{0, i % 2 ? 1.0 : -2.0}, {own, 1}}, '<', 3 + i);
+    }
+    return lp;
+}
+
+int without_free_nodes(PresolveWork *w)
+{
+    w->FreeList = -1;
+    w->FreeCount = 0;
+    return pre_aggregate(w);
+}
+} // namespace
+
+TEST(Aggregate, doubletons_hand_their_bounds_on_whatever_the_signs)
+{
+    const TestEnv env;
+    for (const double a : {1.0, -1.0, 2.0, -0.25})
+        for (const double b : {1.0, -1.0, 4.0, -0.5})
+            for (const double c : {1.0, 0.0, -1.0})
+                for (const double d : {2.0, 0.0, -0.5}) {
+                    const LpModel lp = doubleton(a, b, c, d);
+                    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+                    EXPECT_EQ(t.faults, "") << a << ' ' << b << ' ' << c << ' ' << d;
+                    EXPECT_EQ(t.rows, 1);
+                    EXPECT_EQ(t.cols, 1);
+                    EXPECT_EQ(t.nonzeros, lp.cols.empty() ? 0 : a == b ? 0 : 1);
+                }
+}
+
+TEST(Aggregate, chains_of_doubletons_collapse_to_one_column)
+{
+    const TestEnv env;
+    LpModel lp;
+    for (int j = 0; j < 9; j++) lp_add_var(&lp, j % 3 - 1, -j, 20 - 2 * j);
+    for (int j = 0; j < 8; j++)
+        lp_add_row_entries(&lp, {{j, j % 2 ? 1.0 : -2.0}, {j + 1, 1.5}}, '=', 0.5);
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.rows, 0);
+    EXPECT_EQ(t.cols, 1);
+}
+
+TEST(Aggregate, bounds_that_cross_in_a_doubleton_are_infeasible)
+{
+    const TestEnv env;
+    LpModel lp;
+    lp_add_var(&lp, 1, 0, 1);
+    lp_add_var(&lp, 1, 5, 9);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '=', 0);
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+    EXPECT_EQ(t.status, PRESOLVE_INFEASIBLE);
+    EXPECT_GE(t.infeas_col, 0);
+}
+
+TEST(Aggregate, bounds_do_not_move_over_steep_ratios)
+{
+    const TestEnv env;
+    LpModel flat = doubleton(1, 1e-5, 1, 1), steep = doubleton(1, 1e5, 1, 1);
+    flat.lb[1] = -(flat.ub[1] = 1e9);
+    steep.lb[1] = -(steep.ub[1] = 1e-6);
+    steep.ub[0] = 2.05;
+    EXPECT_EQ(presolve_try(env.env, &flat, {pre_aggregate}).rows, 2);
+    EXPECT_EQ(presolve_try(env.env, &steep, {pre_aggregate}).rows, 2);
+}
+
+TEST(Aggregate, a_column_that_the_row_keeps_in_its_bounds_is_substituted)
+{
+    const TestEnv env;
+    const LpModel implied = star(3, -4, 11), free = star(3, -INF, INF),
+                  upper = star(3, -INF, 3), lower = star(3, -1, INF);
+    for (const LpModel *lp : {&implied, &free}) {
+        const PresolveTry t = presolve_try(env.env, lp, {pre_aggregate});
+        EXPECT_EQ(t.faults, "");
+        EXPECT_EQ(t.rows, 3);
+        EXPECT_EQ(t.cols, 5);
+    }
+    for (const LpModel *lp : {&upper, &lower}) { // the bound is not implied: it must stay
+        const PresolveTry t = presolve_try(env.env, lp, {pre_aggregate});
+        EXPECT_EQ(t.faults, "");
+        EXPECT_EQ(t.rows, 4);
+    }
+}
+
+TEST(Aggregate, two_columns_never_vouch_for_each_other)
+{
+    const TestEnv env;
+    LpModel
+        lp; // x - y + f = 0 and y - x + g = 0 with f = g = 0: x and y imply each other's bounds
+    lp_add_var(&lp, -1, 0, 4);
+    lp_add_var(&lp, -1, 0, 4);
+    lp_add_var(&lp, 0, 0, 0);
+    lp_add_var(&lp, 0, 0, 0);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}, {2, 1}}, '=', 0);
+    lp_add_row_entries(&lp, {{0, -1}, {1, 1}, {3, 1}}, '=', 0);
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate, pre_aggregate});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.solution.objval, -8);
+}
+
+TEST(Aggregate, fill_is_bounded_by_the_parameter_and_by_the_nodes)
+{
+    const TestEnv env;
+    const LpModel lp = star(30, -INF, INF); // fill (31 - 2) (3 - 2) - 2
+    EXPECT_EQ(presolve_try(env.env, &lp, {pre_aggregate}).rows, 31);
+    set_parameters(env.env, {{"AggFill", 27}});
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+    EXPECT_EQ(t.rows, 30);
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(presolve_try(env.env, &lp, {without_free_nodes}).rows, 31);
+}
+
+TEST(Aggregate, a_pivot_that_is_small_in_row_and_column_is_refused)
+{
+    const TestEnv env;
+    LpModel lp = star(2, -INF, INF);
+    lp_set_entry(&lp, 0, 0, 1e-4);
+    EXPECT_EQ(presolve_try(env.env, &lp, {pre_aggregate}).rows, 3);
+}
+
+TEST(FreeToSlack, a_free_column_of_inequalities_costs_a_row)
+{
+    const TestEnv env;
+    for (const double a : {1.0, -3.0})
+        for (const double b : {2.0, -0.5})
+            for (const double c : {0.0, 1.0, -1.0}) {
+                LpModel lp;
+                lp_add_var(&lp, c, -INF, INF);
+                for (int j = 0; j < 3; j++) lp_add_var(&lp, j - 1.5, -3, 4);
+                lp_add_row_entries(&lp, {{0, a}, {1, 1}, {2, -1}}, '<', 2);
+                lp_add_row_entries(&lp, {{0, b}, {1, 2}, {3, 1}}, '<', 3);
+                lp_add_row_entries(&lp, {{1, 1}, {2, 1}, {3, 1}}, '>', 1);
+                const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+                EXPECT_EQ(t.rows, 2);
+                EXPECT_EQ(t.cols, 4);
+                const RationalResult truth = rational_solve(&lp);
+                if (truth.status == LpStatus::OPTIMAL)
+                    EXPECT_EQ(t.faults, "") << a << ' ' << b << ' ' << c;
+                else
+                    EXPECT_NE(t.reduced_status, 2);
+            }
+}
+
+TEST(Aggregate, random_models_keep_their_truth)
+{
+    const TestEnv env;
+    set_parameters(env.env, {{"AggFill", 1000}});
+    int removed = 0, slacks = 0;
+    for (uint64_t seed = 0; seed < 4000; seed++) {
+        Dice dice(seed);
+        LpModel lp = gen_tiny(&dice, TinyLimits{});
+        const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate, pre_aggregate});
+        removed += t.cols_removed;
+        slacks += t.rows_removed - t.cols_removed;
+        const LpStatus truth = rational_solve(&lp).status;
+        EXPECT_EQ(t.broken, 0) << seed;
+        if (truth == LpStatus::OPTIMAL)
+            EXPECT_EQ(t.faults, "") << "seed " << seed << '\n' << lp_to_mps(&lp, "");
+        else
+            EXPECT_EQ(t.solution.status, 0) << seed;
+    }
+    EXPECT_GT(removed, 500); // the generator does make such columns
+    EXPECT_GT(slacks, 100);
+}
