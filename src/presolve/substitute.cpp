@@ -8,6 +8,26 @@
 //             place of the row's slack. Reduced costs of other columns and duals of other rows stay: with
 //             y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
 #include "presolve/postsolve.h"
+#include <cmath>
+
+static constexpr double INTEGRAL = 1e-10; // off an integer
+
+static bool is_integral(double v)
+{
+    return std::fabs(v - std::round(v)) <= INTEGRAL;
+}
+
+bool keeps_integers(const PresolveWork *w, int p)
+{
+    const PresolveNode &own = w->Nodes.data[p];
+    if (!is_integer(w, own.col)) return true;
+    if (!is_integral(w->Rhs.data[own.row] / own.value)) return false;
+    for (int q = first_in_row(w, own.row); q >= 0; q = next_in_row(w, q)) {
+        const PresolveNode &node = w->Nodes.data[q];
+        if (!is_integer(w, node.col) || !is_integral(node.value / own.value)) return false;
+    }
+    return true;
+}
 
 int push_substitution(PresolveWork *w, int p)
 {

@@ -211,6 +211,8 @@ static constexpr int STATUS_BY_SIGN = -4;
 // Records that the column of live entry p leaves through the row of p: row, right-hand side, cost and all other entries
 // of both as they stand. Nothing else changes. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int push_substitution(PresolveWork *w, int p);
+// Whether the row of entry p, held with equality, gives its column an integer value whenever it should have one.
+bool keeps_integers(const PresolveWork *w, int p);
 
 // ---- implied.cpp ----
 // Bounds of column j that rows alone imply, from the activities; +-INF when none.

@@ -1,0 +1,84 @@
+// columns.cpp -- the column pass: columns whose value is known, or that their rows let go
+//
+// Method      A column whose bounds have met is fixed; an empty one goes where its cost wants it; the only entry of a
+//             column is handed to column_singleton.cpp. A column is dominated when cost and all rows agree on a
+//             direction: moving it there costs nothing and hurts no inequality. It goes to its bound on that side; without
+//             one the model has no optimum, or, at no cost, the rows of the column can always be satisfied
+//             (dominated.cpp).
+// Cost        O(entries of the columns looked at)
+// Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
+#include "presolve/columns.h"
+#include <cmath>
+
+namespace
+{
+constexpr double CLOSED = 1e-10; // a range below is none
+constexpr double NO_COST = 1e-10;
+
+// Directions in which neither the cost nor a row holds column j back.
+struct Ways {
+    bool up, down;
+};
+
+Ways free_ways(const PresolveWork *w, int j)
+{
+    const double cost = w->Obj.data[j];
+    Ways ways = {cost<NO_COST, cost> - NO_COST};
+    for (int p = first_in_col(w, j); p >= 0 && (ways.up || ways.down);
+         p = next_in_col(w, p)) {
+        if (w->Sense.data[w->Nodes.data[p].row] == '=') return {false, false};
+        if (w->Nodes.data[p].value > 0)
+            ways.up = false;
+        else
+            ways.down = false;
+    }
+    return ways;
+}
+
+// Nothing bounds column j upwards (sign +1) or downwards (-1), and nothing holds it back.
+int run_away(PresolveWork *w, int j, int sign)
+{
+    if (sign * w->Obj.data[j] < -w->OptTol) {
+        w->InfeasCol = j;
+        return PRESOLVE_UNBOUNDED;
+    }
+    const bool costs = std::fabs(w->Obj.data[j]) > NO_COST;
+    return costs || w->KeepCrush ? 0 : pre_dominated(w, j, sign);
+}
+
+int try_dominated(PresolveWork *w, int j)
+{
+    const Ways ways = free_ways(w, j);
+    if (ways.down && has_lb(w, j)) return fix_at_lower(w, j);
+    if (ways.up && has_ub(w, j)) return fix_at_upper(w, j);
+    if (ways.down) return run_away(w, j, -1);
+    return ways.up ? run_away(w, j, 1) : 0;
+}
+
+int try_column(PresolveWork *w, int j, bool dual)
+{
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j];
+    if (lb > ub + w->FeasTol) {
+        w->InfeasCol = j;
+        return PRESOLVE_INFEASIBLE;
+    }
+    if (lb > ub - CLOSED) TRY(fix_by_range(w, j));
+    if (!is_live_col(w, j) || w->ColFlags.data[j]) return 0;
+    if (w->ColCnt.data[j] == 0) return fix_column_if_empty(w, j);
+    if (dual) TRY(try_dominated(w, j));
+    return w->ColCnt.data[j] == 1 ? pre_column_singleton(w, j) : 0;
+}
+} // namespace
+
+int pre_columns(PresolveWork *w)
+{
+    int *list = w->IndexA.data;
+    const int count = candidate_cols_by_sense(w, SENSE_LESS | SENSE_EQUAL, list);
+    const bool dual = w->Env->TARV_PAR_DUALREDUCTION != 0;
+    w->Work += 10.0 * count * static_cast<double>(w->NumNz) / (w->NumCols + 1);
+    for (int k = 0; k < count; k++) {
+        if (is_live_col(w, list[k])) TRY(try_column(w, list[k], dual));
+        if (check_is_due(k)) TRY(presolve_check(w));
+    }
+    return 0;
+}

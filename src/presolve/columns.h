@@ -1,0 +1,9 @@
+// columns.h -- the parts of the column pass
+#pragma once
+#include "presolve/work.h"
+
+// Column j has one entry. It goes through that row, takes the row's place as its slack, or stays. A PresolveStatus.
+[[nodiscard]] int pre_column_singleton(PresolveWork *w, int j);
+// Column j, at no cost and without a bound on that side, can be moved up (sign +1) or down (-1) until all its rows hold:
+// it goes with them, unless that would be inaccurate. A PresolveStatus.
+[[nodiscard]] int pre_dominated(PresolveWork *w, int j, int sign);
