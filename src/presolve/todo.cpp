@@ -4,7 +4,3 @@ int pre_ineq_to_eq(PresolveWork *)
 {
     return 0;
 }
-int pre_two_rows(PresolveWork *)
-{
-    return 0;
-}
