@@ -124,6 +124,21 @@ void scatter(PresolveWork *w, int row, bool clear)
         w->Scratch.data[w->Nodes.data[p].col] = clear ? 0 : w->Nodes.data[p].value;
 }
 
+// An equation that holds at the first basis of slacks may keep its slack in the basis to the end, where the way back
+// needs it to be nonbasic.
+bool holds_at_bounds(const PresolveWork *w, int equation)
+{
+    double left = w->Rhs.data[equation];
+    for (int p = first_in_row(w, equation); p >= 0; p = next_in_row(w, p)) {
+        const int j = w->Nodes.data[p].col;
+        const double bound = has_lb(w, j)   ? w->Lb.data[j]
+                             : has_ub(w, j) ? w->Ub.data[j]
+                                            : 0;
+        left -= w->Nodes.data[p].value * bound;
+    }
+    return std::fabs(left) <= w->FeasTol;
+}
+
 int try_equation(Pairing *pair, int equation)
 {
     PresolveWork *w = pair->w;
@@ -152,7 +167,8 @@ int pre_two_rows(PresolveWork *w)
     const double limit = w->Work + WORK_PER_ENTRY * static_cast<double>(w->NumNz);
     for (int k = 0; k < count && w->Work < limit; k++) {
         if (check_is_due(k)) TRY(presolve_check(w));
-        if (w->Sense.data[rows[k]] == '=' && w->RowCnt.data[rows[k]] >= 2)
+        if (w->Sense.data[rows[k]] == '=' && w->RowCnt.data[rows[k]] >= 2 &&
+            !holds_at_bounds(w, rows[k]))
             TRY(try_equation(&pair, rows[k]));
     }
     return 0;
