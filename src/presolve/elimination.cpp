@@ -18,9 +18,9 @@
 
 namespace
 {
-constexpr double VANISHED = 1e-10; // of the largest term that went into an entry
+constexpr double VANISHED = 1e-10; // of the largest term that went into a line
 constexpr double DOUBTFUL = 1e-6;  // below: no pivot
-constexpr double DROP = 1e-14;
+constexpr double DROP = 1e-12;     // of the largest term: rounding
 constexpr double THRESHOLD = 0.05; // of the largest entry: may be the pivot
 
 struct Entry {
@@ -143,18 +143,17 @@ int eliminate(Elimination *e, int line, Work *at)
     return 0;
 }
 
-// Largest entry that is left, over the largest term that went into it.
+// Largest entry that is left, and the share of the largest term that this is.
 double largest_left(const Elimination *e, const Work *at, double *largest)
 {
-    double share = 0;
+    double size = DBL_MIN;
     *largest = 0;
     for (int k = 0; k < at->touched; k++) {
         const int q = e->Touched.data[k];
-        const double v = std::fabs(e->Value.data[q]);
-        share = std::max(share, v / e->Size.data[q]);
-        *largest = std::max(*largest, v);
+        size = std::max(size, e->Size.data[q]);
+        *largest = std::max(*largest, std::fabs(e->Value.data[q]));
     }
-    return share;
+    return *largest / size;
 }
 
 int store_pivot(Elimination *e, int line, int64_t lower_begin, double largest,
