@@ -4,13 +4,13 @@
 //             contradicts. Without one the tightest upper and the tightest lower side stay; when they meet, one row
 //             becomes an equation. An equation in which one column stands that is in no other row counts as parallel
 //             without it: it is taken off its parallel rows, which leaves a bound on that column, or, of two such
-//             equations, one between their two columns (parallel_equations.cpp).
+//             equations, one between their two columns.
 // Way back    Rows that follow have their slack basic and no dual. Of two inequalities that became an equation the one
 //             that the sign of the dual names gets it.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/duplicates.h"
-#include "presolve/parallel_equations.h"
 #include "presolve/postsolve.h"
+#include "presolve/row_combination.h"
 #include <algorithm>
 #include <cmath>
 
@@ -65,6 +65,16 @@ int judge_by_equation(PresolveWork *w, const DupLine *eq, const DupLine *l)
     return 0;
 }
 
+// Takes the equation `base` off row `l`, when numbers allow it: what is outside of the class's vector remains.
+int take_off(PresolveWork *w, const DupLine *base, const DupLine *l)
+{
+    const double factor = l->scale / base->scale;
+    if (!can_stand_for(base, l) || !can_stand_for(l, base)) return 0;
+    if (base->skip >= 0 && w->FreeCount < 1) return 0;
+    const int own = base->skip >= 0 ? w->Nodes.data[base->skip].col : -1;
+    return combine_rows(w, l->line, base->line, -factor, own);
+}
+
 int classes_with_equation(PresolveWork *w, DupLine *eq, DupLine *members, int count)
 {
     for (int k = 0; k < count; k++) {
@@ -77,8 +87,7 @@ int classes_with_equation(PresolveWork *w, DupLine *eq, DupLine *members, int co
     return 0;
 }
 
-// Equations first: so on the way back the rows that may make the base's own column basic come before those that need
-// to know.
+// Equations first: on the way back they come last, when the slack of the base has left the basis if it must.
 int classes_with_slack(PresolveWork *w, DupLine *base, DupLine *members, int count)
 {
     for (const bool equations : {true, false})

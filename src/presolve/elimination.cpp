@@ -18,10 +18,11 @@
 
 namespace
 {
-constexpr double VANISHED = 1e-10; // of the largest term that went into a line
-constexpr double DOUBTFUL = 1e-6;  // below: no pivot
-constexpr double DROP = 1e-12;     // of the largest term: rounding
-constexpr double THRESHOLD = 0.05; // of the largest entry: may be the pivot
+constexpr double VANISHED = 1e-10;  // of the largest term that went into a line
+constexpr double DOUBTFUL = 1e-6;   // below: no pivot
+constexpr double DROP = 1e-12;      // of the largest term: rounding
+constexpr double NO_FACTOR = 1e-11; // multiples below are rounding; the handler verifies
+constexpr double THRESHOLD = 0.05;  // of the largest entry: may be the pivot
 
 struct Entry {
     int index; // place, or pivot
@@ -187,8 +188,8 @@ int collect_terms(Elimination *e, int64_t lower_begin)
     e->w->Work += static_cast<double>(e->Pivots.size);
     for (int64_t k = e->Pivots.size - 1; k >= 0; k--) {
         const double factor = e->Factor.data[k];
-        if (factor == 0) continue; // not touched
         e->Factor.data[k] = 0;
+        if (std::fabs(factor) <= NO_FACTOR) continue;
         const Pivot &pivot = e->Pivots.data[k];
         e->Terms.data[count++] = {pivot.line, factor};
         for (int64_t u = pivot.lower_begin; u < pivot.lower_end; u++)

@@ -56,8 +56,6 @@ void undo_record(const UndoRecord *undo, PostPoint *point)
         return undo_free_to_slack(undo, point);
     case UNDO_ROW_COMBINATION:
         return undo_row_combination(undo, point);
-    case UNDO_FOLLOWER:
-        return undo_follower(undo, point);
     default:
         return;
     }

@@ -24,4 +24,3 @@ void undo_singleton_row(const UndoRecord *undo, PostPoint *point);   // singleto
 void undo_forcing_row(const UndoRecord *undo, PostPoint *point);     // forcing_rows.cpp
 void undo_free_to_slack(const UndoRecord *undo, PostPoint *point);   // free_to_slack.cpp
 void undo_row_combination(const UndoRecord *undo, PostPoint *point); // row_combination.cpp
-void undo_follower(const UndoRecord *undo, PostPoint *point); // parallel_equations.cpp

@@ -13,6 +13,7 @@
 namespace
 {
 constexpr double CANCELLED = 3e-10; // of the larger of two terms: their sum is rounding
+constexpr int SHORT_ROW = 2;        // entries of a sum that are kept for the way back
 constexpr double CANCELLED_RHS = 1e-13;
 
 // Adds to the entries that the target has, and takes the terms out of Scratch.
@@ -47,91 +48,124 @@ void fill_in(PresolveWork *w, int target, int equation)
         w->CoefsChanged++;
     }
 }
+
+int record_row(const PresolveWork *w, int i, int but, UndoEntry *entry)
+{
+    int k = 0;
+    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
+        if (w->Nodes.data[p].col != but)
+            entry[k++] = {w->Nodes.data[p].col, w->Nodes.data[p].value};
+    return k;
+}
+
+void add_rhs(PresolveWork *w, int target, int equation, double factor)
+{
+    const double old = w->Rhs.data[target], term = factor * w->Rhs.data[equation];
+    const double sum = old + term, size = std::max(std::fabs(old), std::fabs(term));
+    w->Rhs.data[target] = std::fabs(sum) <= CANCELLED_RHS * size ? 0 : sum;
+}
 } // namespace
 
 int combine_rows(PresolveWork *w, int target, int equation, double factor, int own)
 {
     const int count = w->RowCnt.data[equation];
-    UndoRecord *undo = undo_push(&w->Undo, UNDO_ROW_COMBINATION, count);
+    UndoRecord *undo = undo_push(&w->Undo, UNDO_ROW_COMBINATION, count + SHORT_ROW);
     if (!undo) return OUT_OF_MEMORY;
     undo->row = target;
     undo->other = equation;
     undo->factor = factor;
-    record_row(w, equation, undo);
+    undo->split = record_row(w, equation, -1, undo->entry);
     w->Work += 5.0 * (w->RowCnt.data[target] + count);
     for (int k = 0; k < count; k++)
         w->Scratch.data[undo->entry[k].index] = factor * undo->entry[k].value;
     add_to_entries(w, target);
     fill_in(w, target, equation);
-    undo->col = own;
-    undo->mode = w->RowCnt.data[target] == 1;
-    const double old = w->Rhs.data[target], term = factor * w->Rhs.data[equation];
-    const double sum = old + term;
-    const double size = std::max(std::fabs(old), std::fabs(term));
-    w->Rhs.data[target] = std::fabs(sum) <= CANCELLED_RHS * size ? 0 : sum;
+    add_rhs(w, target, equation, factor);
     row_activity(w, target);
     mark_row(w, target);
     mark_row(w, equation);
+    undo->count = undo->split;
+    if (own < 0 || w->RowCnt.data[target] > SHORT_ROW) return 0;
+    undo->col = own;
+    undo->count += record_row(w, target, own, undo->entry + undo->split);
     return 0;
 }
 
-void record_row(const PresolveWork *w, int i, UndoRecord *undo)
+namespace
 {
-    int k = 0;
-    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
-        undo->entry[k++] = {w->Nodes.data[p].col, w->Nodes.data[p].value};
+// What enters the basis for the slack of the equation, and the dual that the equation gets.
+struct Entering {
+    int index = -1;
+    double dual = 0, least = INFINITY;
+};
+void consider(Entering *best, int index, double dual)
+{
+    if (std::fabs(dual) >= best->least) return;
+    *best = {index, dual, std::fabs(dual)};
 }
 
-// With y_i = theta and d_q - theta a_iq, the q with the least |d_q / a_iq| reaches zero first, and no sign changes. A
-// basic column `own` that stands in row i and alone in row `single` keeps d = 0 by y_single = theta through; then the
-// slack of that row is a candidate as well.
-void release_slack(const UndoRecord *undo, int i, int single, PostPoint *point)
+// With dual t of the equation, d_q - t a_q: the q with the least |d_q / a_q| reaches zero first, and no sign changes. The
+// column `own`, when it is basic, keeps its d = 0 by t * through on the dual of the target: then the rest of the target,
+// and its slack, move as well. Other basic columns: the row of the inverse is not known.
+Entering choose_entering(const UndoRecord *undo, const PostPoint *point, double through)
 {
-    const int slack = point->n + i, other = point->n + single;
-    if (!point->status || point->status[slack] < 0 || point->d[slack] != 0) return;
-    const double through = -1 / undo->factor;
-    double least = INFINITY, theta = 0;
-    int entering = -1;
+    const int target = point->n + undo->row;
+    Entering best;
     bool own_is_basic = false;
-    for (int k = 0; k < undo->count; k++) {
+    for (int k = 0; k < undo->split; k++) {
         const int q = undo->entry[k].index;
-        const double ratio = point->d[q] / undo->entry[k].value;
-        if (point->status[q] >= 0) {
-            if (q != undo->col || single < 0) return; // the row of the inverse is not known
+        if (point->status[q] < 0)
+            consider(&best, q, point->d[q] / undo->entry[k].value);
+        else if (q == undo->col)
             own_is_basic = true;
-        } else if (std::fabs(ratio) < least) {
-            least = std::fabs(ratio);
-            theta = ratio;
-            entering = q;
-        }
+        else
+            return Entering{};
     }
-    if (own_is_basic && point->status[other] < 0 &&
-        std::fabs(point->d[other] / through) < least) {
-        theta = -point->d[other] / through;
-        entering = other;
+    if (!own_is_basic) return best;
+    consider(&best, target, -point->d[target] / through);
+    for (int k = undo->split; k < undo->count; k++) {
+        const int q = undo->entry[k].index;
+        if (point->status[q] >= 0) return Entering{};
+        consider(&best, q, point->d[q] / (through * undo->entry[k].value));
     }
-    if (entering < 0) return;
-    for (int k = 0; k < undo->count; k++)
-        if (point->status[undo->entry[k].index] < 0)
-            point->d[undo->entry[k].index] -= theta * undo->entry[k].value;
-    if (own_is_basic) point->d[other] += theta * through;
-    point->d[slack] = theta;
-    point->d[entering] = 0;
-    point->status[entering] = 0;
-    point->status[slack] = -1;
+    return best;
 }
+
+// Makes the slack of the equation, which is basic without dual, nonbasic where the record allows it.
+void release_slack(const UndoRecord *undo, PostPoint *point)
+{
+    const int target = point->n + undo->row, equation = point->n + undo->other;
+    const bool own_is_basic = undo->col >= 0 && point->status[undo->col] >= 0;
+    const double through = -1 / undo->factor;
+    const Entering entering = choose_entering(undo, point, through);
+    if (entering.index < 0) return;
+    const double t = entering.dual;
+    for (int k = 0; k < undo->split; k++)
+        if (undo->entry[k].index != undo->col || !own_is_basic)
+            point->d[undo->entry[k].index] -= t * undo->entry[k].value;
+    for (int k = undo->split; k < undo->count && own_is_basic; k++)
+        point->d[undo->entry[k].index] -= t * through * undo->entry[k].value;
+    if (own_is_basic) point->d[target] += t * through;
+    point->d[equation] = t;
+    point->d[entering.index] = 0;
+    point->status[entering.index] = 0;
+    point->status[equation] = -1;
+}
+} // namespace
 
 void undo_row_combination(const UndoRecord *undo, PostPoint *point)
 {
     const int target = point->n + undo->row, equation = point->n + undo->other;
-    const bool own_is_basic =
-        point->status && undo->col >= 0 && point->status[undo->col] >= 0;
+    const bool slack_is_basic = point->status && point->status[equation] >= 0;
     if (point->d[target] != 0) {
-        release_slack(undo, undo->other, undo->mode ? undo->row : -1, point);
+        if (slack_is_basic && point->d[equation] == 0) release_slack(undo, point);
         point->d[equation] += undo->factor * point->d[target];
-    } else if (own_is_basic && point->status[equation] >= 0 && point->status[target] < 0) {
-        // The column leaves the target, and would stand in the equation only, next to the basic slack.
-        point->status[target] = 0;
-        point->status[equation] = -1;
+        return;
     }
+    if (!slack_is_basic || undo->col < 0 || point->status[undo->col] < 0 ||
+        point->status[target] >= 0)
+        return;
+    // The column `own` leaves the target, and would stand in the equation only, next to the basic slack.
+    point->status[target] = 0;
+    point->status[equation] = -1;
 }

@@ -21,7 +21,6 @@ enum UndoKind {
     UNDO_SLACK_COLUMN =
         11, // column was the slack of an equation, which became an inequality
     UNDO_ROW_COMBINATION = 12, // a multiple of an equation was added to a row
-    UNDO_FOLLOWER = 13,        // slack column of an equation follows that of a parallel one
 };
 
 struct UndoEntry {

@@ -86,11 +86,11 @@ TEST(DuplicateRows, slack_columns_of_parallel_equations_follow_each_other)
                     lp_set_entry(&lp, 0, s, 2);
                     lp_set_entry(&lp, 1, t, slack);
                     const PresolveTry tried =
-                        presolve_try(env.env, &lp, {pre_duplicate_rows});
+                        presolve_try(env.env, &lp, {pre_duplicate_rows, pre_aggregate});
                     EXPECT_EQ(tried.faults, "")
                         << factor << " " << slack << " " << cost_x << " " << cost_t;
-                    EXPECT_EQ(tried.rows, 2);
-                    EXPECT_EQ(tried.cols, 3);
+                    EXPECT_LE(tried.rows, 2);
+                    EXPECT_LE(tried.cols, 3);
                 }
 }
 
