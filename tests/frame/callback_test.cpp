@@ -10,6 +10,7 @@ struct Seen {
     int calls = 0;
     int code = -1;        // of a query made inside the function
     bool answers = false; // print from inside the function
+    bool stops = false;   // ask for an interruption from there
 };
 
 int listen(TVXmodel *model, CallbackRecord *record, int where, void *usrdata)
@@ -20,6 +21,7 @@ int listen(TVXmodel *model, CallbackRecord *record, int where, void *usrdata)
     seen->calls++;
     int vars = 0;
     seen->code = TVXgetintattr(model, "NumVars", &vars);
+    if (seen->stops) TVXterminate(model);
     if (seen->answers) TVXmsg(TVXgetenv(model), "heard\n");
     return 0;
 }
@@ -30,7 +32,8 @@ struct MessageCallback : ModelTest {
     void SetUp() override
     {
         LpModel lp;
-        lp_add_var(&lp, -1, 0, 3);
+        lp_add_var(&lp, -1, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 2}}, '<', 6);
         load(lp);
         CallbackRecord *record =
             static_cast<CallbackRecord *>(MemAllocZero(1, sizeof(CallbackRecord)));
@@ -49,7 +52,7 @@ TEST_F(MessageCallback, hears_every_line_of_a_solve_also_a_silent_one_and_may_qu
     Output silent;
     ASSERT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(silent.text(), "");
-    EXPECT_NE(seen.text.find("Optimize a model with 0 rows, 1 columns"), std::string::npos);
+    EXPECT_NE(seen.text.find("Optimize a model with 1 rows, 1 columns"), std::string::npos);
     EXPECT_NE(seen.text.find("Optimal objective -3.0"), std::string::npos);
     EXPECT_EQ(seen.code, 0);
     EXPECT_EQ(model->in_callback, 0);
@@ -71,4 +74,13 @@ TEST_F(MessageCallback, hears_others_only_and_a_long_message_cut)
     TVXmsg(own(), "%s", std::string(5000, 'x').c_str());
     EXPECT_EQ(seen.calls, 1);
     EXPECT_EQ(seen.text, std::string(512, 'x'));
+}
+
+TEST_F(MessageCallback, may_stop_a_solve_and_the_next_one_is_not_stopped)
+{
+    seen.stops = true;
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
+    seen.stops = false;
+    EXPECT_EQ(objective(), -3);
 }
