@@ -206,6 +206,16 @@ inline bool is_superbasic(const sopt *s, int j)
            (s->SuperVal.data[j] != 0 || has_lower(s, s->Lower.data[j]) ||
             has_upper(s, s->Upper.data[j]));
 }
+// v . column j of (A I)
+template<class R> inline R column_dot(const sopt *s, int j, const R *v)
+{
+    if (j >= s->NumCols) return v[j - s->NumCols];
+    R sum = 0;
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        sum += R(s->ColVal.data[p]) * v[s->ColInd.data[p]];
+    return sum;
+}
+
 template<class R> swork<R> *live_work(sopt *s);
 template<> inline swork<double> *live_work<double>(sopt *s)
 {

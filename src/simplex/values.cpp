@@ -74,15 +74,6 @@ template<class R> void correct_primal(sopt *s, swork<R> *w, SVec<R> *x)
     s->PrimalResidual = primal_residual(s, w, x);
 }
 
-template<class R> R dot_column(const sopt *s, int j, const R *y)
-{
-    if (j >= s->NumCols) return y[j - s->NumCols];
-    R sum = 0;
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        sum += R(s->ColVal.data[p]) * y[s->ColInd.data[p]];
-    return sum;
-}
-
 // x := cost_B - B^T y by position; its largest entry.
 template<class R>
 double dual_residual(const sopt *s, const double *cost, const R *y, SVec<R> *x)
@@ -90,7 +81,7 @@ double dual_residual(const sopt *s, const double *cost, const R *y, SVec<R> *x)
     svec_clear(x);
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
-        x->Value.data[k] = R(cost[j]) - dot_column(s, j, y);
+        x->Value.data[k] = R(cost[j]) - column_dot(s, j, y);
     }
     x->Count = -1;
     return largest(x->Value.data, s->NumRows);
@@ -154,7 +145,7 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     }
     svec_clear(x);
     for (int j = 0; j < s->NumVars; j++)
-        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - dot_column(s, j, pi);
+        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - column_dot(s, j, pi);
     y->Count = -1;
     svec_clear(y);
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
