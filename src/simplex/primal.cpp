@@ -50,11 +50,9 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     if (s->PerturbAllowed && primal_stalled(s, p)) primal_perturb(s, w);
     const bool was_feasible = !p->Phase1 && s->RefacReason != REFAC_START;
     const int infeasible = primal_classify(s, w);
-    if (infeasible > 0 && was_feasible && s->PerturbAllowed) {
-        primal_shift_infeasible(s, w);
-    } else {
-        p->Phase1 = infeasible > 0;
-    }
+    const bool bridged = infeasible > 0 && was_feasible && s->PerturbAllowed &&
+                         primal_shift_infeasible(s, w);
+    p->Phase1 = infeasible > 0 && !bridged;
     if (!p->Phase1 && s->TightProof) { // feasible after all: the caller's tolerance again
         s->OptTol = s->Env->OptimalityTol;
         s->TightProof = 0;
