@@ -268,6 +268,9 @@ void settle_nonbasics(sopt *s); // every nonbasic gets the status that its true 
 // Nonbasics take the place that a point in user units gives them: a bound, or a value of their own (superbasic).
 void start_from_point(sopt *s, const double *x, const double *slack);
 
+// ---- primal_start.cpp ----
+[[nodiscard]] int primal_start(sopt *s); // improves a slack basis for the primal
+
 // ---- basis.cpp: factor, solve for values ----
 // Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.
 template<class R> [[nodiscard]] int Refactor(sopt *s, swork<R> *w);
