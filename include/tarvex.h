@@ -260,6 +260,13 @@ TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, in
  * results are not copied; a warning on the log tells of queued changes. Returns null on failure. */
 TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
 
+/* What presolve leaves of this model, as a new model with the names of the variables and constraints that are left; no
+ * variables and constraints when it is solved by presolve alone. Parameters as for a solve (Presolve, Aggregate,
+ * PrePasses, ...); queued changes do not count. An optimal solution of the new model has the objective of this one's.
+ * Returns null on failure, and the error text tells why: no memory; 10005 when presolve finds that there is no optimal
+ * solution or is stopped by TimeLimit; 10016 for a model with integer or semi-continuous variables or SOS constraints. */
+TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
+
 /* Frees a model with all that belongs to it. Null is ignored.
  * Returns 0; 10017 while it is being solved, and the model stays; 10003 for what is no live model, which is left alone,
  * and for a model whose environment was freed before: it is freed all the same, with the warning that calls on such a

@@ -67,9 +67,8 @@ double ratio(int a, int b)
 
 bool dual_is_smaller(const TVXmodel *model, const TVXmodel *dual)
 {
-    static const ModelBody nothing;
-    const ModelBody *p = model->presolved ? model->presolved->body : &nothing;
-    const ModelBody *d = dual->presolved ? dual->presolved->body : &nothing;
+    if (!model->presolved || !dual->presolved) return model->presolved != nullptr;
+    const ModelBody *p = model->presolved->body, *d = dual->presolved->body;
     return VAR_WEIGHT * ratio(p->numvars, d->numvars) +
                ROW_WEIGHT * ratio(p->numconstrs, d->numconstrs) +
                NZ_WEIGHT * ratio(p->numnz, d->numnz) >

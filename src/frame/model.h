@@ -177,6 +177,9 @@ enum class EnvUse { PRIVATE_COPY, SHARED };
 // The worker behind every new model. 0 or a code; *model_out is null on failure.
 [[nodiscard]] int model_create(TVXenv *env, EnvUse use, const ModelData *data,
                                TVXmodel **model_out);
+// A copy of the content, with an environment of its own and these names (null: default ones). 0 or OUT_OF_MEMORY.
+[[nodiscard]] int model_copy(TVXmodel *source, const char *const *varnames,
+                             const char *const *constrnames, TVXmodel **copy_out);
 void model_free(TVXmodel *model); // any state, half-built too; null is ignored
 void model_free_results(
     TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start

@@ -95,7 +95,8 @@ static int complete_copy(ModelBody *copy, const ModelBody *source)
                           COPY_SUFFIX, &copy->modelname);
 }
 
-static int copy_model(TVXmodel *source, TVXmodel **copy_out)
+int model_copy(TVXmodel *source, const char *const *varnames,
+               const char *const *constrnames, TVXmodel **copy_out)
 {
     const ModelBody *body = source->body;
     const ModelData data = {.numvars = body->numvars,
@@ -111,9 +112,8 @@ static int copy_model(TVXmodel *source, TVXmodel **copy_out)
                             .lb = body->lb.data,
                             .ub = body->ub.data,
                             .vtype = body->vtypes.size ? body->vtypes.data : nullptr,
-                            .varnames = body->varnames.size ? body->varnames.data : nullptr,
-                            .constrnames =
-                                body->constrnames.size ? body->constrnames.data : nullptr};
+                            .varnames = varnames,
+                            .constrnames = constrnames};
     TRY(model_create(source->env, EnvUse::PRIVATE_COPY, &data, copy_out));
     if (const int error = complete_copy((*copy_out)->body, body)) {
         model_free(*copy_out);
@@ -134,6 +134,10 @@ TVXmodel *TVXcopymodel(TVXmodel *model)
         TVXmsg(model->env, "New model does not contain these changes.\n");
     }
     TVXmodel *copy = nullptr;
-    finish_model(model, copy_model(model, &copy));
+    const ModelBody *body = model->body;
+    finish_model(model,
+                 model_copy(model, body->varnames.size ? body->varnames.data : nullptr,
+                            body->constrnames.size ? body->constrnames.data : nullptr,
+                            &copy));
     return copy;
 }

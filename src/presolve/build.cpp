@@ -83,6 +83,7 @@ int fill_result(PresolveWork *w, PresolveResult *result, Reduced *reduced)
     result->NumCols = w->NumCols;
     result->NumRows = w->NumRows;
     result->INF = w->INF;
+    result->ObjCon = w->Model->body->sense * w->ObjCon;
     TRY(number_live(w->RowCnt.data, w->NumRows, &result->RowMap, &reduced->m));
     TRY(number_live(w->ColCnt.data, w->NumCols, &result->ColMap, &reduced->n));
     if (reduced->n > 0 || reduced->m > 0) {
@@ -110,4 +111,19 @@ void presolve_free(PresolveResult *result)
     if (!result) return;
     undo_free(&result->Undo);
     record_free(result);
+}
+
+int presolved_var(const PresolveResult *result, int j)
+{
+    return result->ColMap.data[j];
+}
+
+int presolved_constr(const PresolveResult *result, int i)
+{
+    return result->RowMap.data[i];
+}
+
+double presolved_constant(const PresolveResult *result)
+{
+    return result->ObjCon;
 }

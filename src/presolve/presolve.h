@@ -39,3 +39,9 @@ struct LpPoint {
 // Maps a basis of the model to the reduced model: statuses [n + m] of each. The result may have too few or too many
 // basic entries; it is made a basis by slacks.
 void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);
+
+// Where a variable or constraint went: its index in the reduced model, or below zero when it is gone.
+int presolved_var(const PresolveResult *result, int j);
+int presolved_constr(const PresolveResult *result, int i);
+double presolved_constant(
+    const PresolveResult *result); // of the reduced objective, in the caller's sense

@@ -96,6 +96,7 @@ struct PresolveResult {
     int NumCols = 0, NumRows = 0; // of the original model
     UndoStack Undo;
     Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
+    double ObjCon = 0;         // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
 };
 

@@ -3,9 +3,9 @@
 // Problem     Solve the working LP from a basis by steps that do not increase its infeasibility, or, once feasible, its
 //             objective.
 // Method      Phase 1 minimises the sum of infeasibilities with a long-step ratio test; phase 2 keeps feasibility
-//             (Harris test). Devex prices with reduced costs updated from the pivot row. On stalling, bounds move
-//             outwards; when the relaxed problem is done, the true bounds return, and if the basis is then not feasible
-//             the dual method finishes.
+//             (Harris test). Columns are priced by steepest edge or Devex weights with reduced costs updated from the
+//             pivot row, or in part. On stalling, bounds move outwards; when the relaxed problem is done, the true
+//             bounds return, and if the basis is then not feasible the dual method finishes.
 // Out         Status 2, 3, 5, a limit, or SIMPLEX_SWITCH when the dual has to go on.
 // Invariant   Between refreshes: Bbar, Cbar (of the phase), RowState and merits belong to the basis.
 #include "simplex/primal.h"
@@ -50,11 +50,9 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     if (s->PerturbAllowed && primal_stalled(s, p)) primal_perturb(s, w);
     const bool was_feasible = !p->Phase1 && s->RefacReason != REFAC_START;
     const int infeasible = primal_classify(s, w);
-    if (infeasible > 0 && was_feasible && s->PerturbAllowed) {
-        primal_shift_infeasible(s, w);
-    } else {
-        p->Phase1 = infeasible > 0;
-    }
+    const bool bridged = infeasible > 0 && was_feasible && s->PerturbAllowed &&
+                         primal_shift_infeasible(s, w);
+    p->Phase1 = infeasible > 0 && !bridged;
     if (!p->Phase1 && s->TightProof) { // feasible after all: the caller's tolerance again
         s->OptTol = s->Env->OptimalityTol;
         s->TightProof = 0;
@@ -66,6 +64,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     std::fill_n(p->ColRejected.data, s->NumVars, char(0));
     p->Rejected = 0;
     primal_review_pricing(s, w);
+    if (s->Status != SIMPLEX_RUNNING) return 0;
     if (p->PricingCur == PRICE_PARTIAL)
         primal_partial_refresh(s, w);
     else

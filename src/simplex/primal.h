@@ -127,5 +127,6 @@ template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w);
 template<class R> bool primal_stalled(const sopt *s, popt<R> *p); // since the last look
 template<class R> void primal_perturb(sopt *s, swork<R> *w);      // Bbar stays
 template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w);
-template<class R> void primal_shift_infeasible(sopt *s, swork<R> *w);
+template<class R>
+bool primal_shift_infeasible(sopt *s, swork<R> *w); // false: too far, nothing moved
 template<class R> void primal_shift_blocking(sopt *s, swork<R> *w);

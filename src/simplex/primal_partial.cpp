@@ -38,16 +38,9 @@ template<class R> R price_column(sopt *s, swork<R> *w, int j)
     popt<R> *p = w->Primal;
     const int status = s->VStat.data[j];
     if (status >= 0 || status == AT_FIXED) return R(0);
-    const R *__restrict pi = p->Pi.data;
-    R d = R(p->Phase1 ? p->CostWeight : 1.0) * R(s->Cost.data[j]);
-    if (j >= s->NumCols) {
-        d -= pi[j - s->NumCols];
-    } else {
-        const int end = s->ColBeg.data[j + 1];
-        for (int k = s->ColBeg.data[j]; k < end; k++)
-            d -= R(s->ColVal.data[k]) * pi[s->ColInd.data[k]];
-        p->PriceWork += end - s->ColBeg.data[j];
-    }
+    const R d = R(p->Phase1 ? p->CostWeight : 1.0) * R(s->Cost.data[j]) -
+                column_dot(s, j, p->Pi.data);
+    if (j < s->NumCols) p->PriceWork += s->ColBeg.data[j + 1] - s->ColBeg.data[j];
     w->Cbar.data[j] = d;
     const R gain = status == AT_LOWER ? -d : status == AT_UPPER ? d : std::abs(d);
     if (gain <= R(s->OptTol) || p->ColRejected.data[j]) return R(0);

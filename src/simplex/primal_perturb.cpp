@@ -20,6 +20,7 @@ constexpr double STALL_LEAST = 100; // iterations needed for a judgement
 constexpr int MAX_PASSES = 12;      // whole perturbations in one run
 constexpr double SIZE_GROWTH = 3;   // of the next pass
 constexpr double LARGEST_SIZE = 0.01;
+constexpr double BRIDGE_MOST = 1e-3; // infeasibility that a moved bound may hide
 } // namespace
 
 template<class R> bool primal_stalled(const sopt *s, popt<R> *p)
@@ -61,10 +62,17 @@ template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w)
     primal_watch_reset(s, w->Primal);
 }
 
-// Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound.
-template<class R> void primal_shift_infeasible(sopt *s, swork<R> *w)
+// Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound. When one is too large for
+// that, phase 1 has to mend them.
+template<class R> bool primal_shift_infeasible(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
+    for (int i = 0; i < s->NumRows; i++) {
+        const R x = w->Bbar.data[i];
+        if (x < R(s->BasicLower.data[i] - BRIDGE_MOST) ||
+            x > R(s->BasicUpper.data[i] + BRIDGE_MOST))
+            return false;
+    }
     for (int i = 0; i < s->NumRows; i++) {
         const signed char state = p->RowState.data[i];
         const int j = s->BasisHead.data[i];
@@ -75,6 +83,7 @@ template<class R> void primal_shift_infeasible(sopt *s, swork<R> *w)
     }
     set_basic_bounds(s);
     s->Perturbed = std::max(s->Perturbed, 1);
+    return true;
 }
 
 template<class R> void primal_shift_blocking(sopt *s, swork<R> *w)
@@ -92,7 +101,7 @@ template<class R> void primal_shift_blocking(sopt *s, swork<R> *w)
     template bool primal_stalled<R>(const sopt *, popt<R> *);                              \
     template void primal_perturb<R>(sopt *, swork<R> *);                                   \
     template void primal_remove_perturbation<R>(sopt *, swork<R> *);                       \
-    template void primal_shift_infeasible<R>(sopt *, swork<R> *);                          \
+    template bool primal_shift_infeasible<R>(sopt *, swork<R> *);                          \
     template void primal_shift_blocking<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)

@@ -18,20 +18,12 @@ namespace
 {
 constexpr double WEIGHT_OFF = 3; // stored over exact weight that counts as bad
 constexpr int MAX_BAD_WEIGHTS = 3;
-constexpr double WEIGHT_MIN = 1e-4; // floor of rounding
+constexpr double WEIGHT_MIN = 1e-4;  // floor of rounding
+constexpr int SOLVES_PER_LOOK = 100; // start weights between two looks at the limits
 
 template<class R> bool is_steepest(const popt<R> *p)
 {
     return p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
-}
-
-template<class R> R column_dot(const sopt *s, int j, const R *v)
-{
-    if (j >= s->NumCols) return v[j - s->NumCols];
-    R sum = 0;
-    for (int k = s->ColBeg.data[j]; k < s->ColBeg.data[j + 1]; k++)
-        sum += R(s->ColVal.data[k]) * v[s->ColInd.data[k]];
-    return sum;
 }
 
 // gamma: the entering column over the framework.
@@ -103,20 +95,22 @@ template<class R> void column_norms(const sopt *s, popt<R> *p)
     }
 }
 
-// 1 + ||B^-1 a_j||^2 for each nonbasic. Units of the basis need no solve.
+// 1 + ||B^-1 a_j||^2 for each nonbasic, unless a limit ends the run. Units of the basis need no solve.
 template<class R> void start_norms(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    bool slacks = true;
-    for (int k = 0; k < s->NumRows && slacks; k++)
-        slacks = s->BasisHead.data[k] >= s->NumCols;
+    const bool slacks = is_slack_basis(s);
+    int solves = 0;
     for (int j = 0; j < s->NumVars; j++) {
         p->Reference.data[j] = 1;
         R *weight = &p->Weights.data[j];
         *weight = R(1);
         if (is_basic(s, j) || s->VStat.data[j] == AT_FIXED) continue;
         load_column(s, j, &w->Alpha);
-        if (!slacks) Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::NO);
+        if (!slacks) {
+            if (solves++ % SOLVES_PER_LOOK == 0 && limit_reached(s)) return;
+            Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::NO);
+        }
         for (int k = 0; k < w->Alpha.Count; k++) {
             const R a = w->Alpha.Value.data[w->Alpha.Index.data[k]];
             *weight += a * a;

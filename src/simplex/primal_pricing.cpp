@@ -16,13 +16,6 @@ constexpr double PARTIAL_ROUNDS = 2; // iterations that it may take, in numbers 
 constexpr double PATIENCE = 4;       // with it; tuned on published LPs
 constexpr double NORM_SHARE = 0.5;   // of the effort that they may take
 
-bool starts_from_slacks(const sopt *s)
-{
-    for (int k = 0; k < s->NumRows; k++)
-        if (s->BasisHead.data[k] < s->NumCols) return false;
-    return true;
-}
-
 template<class R> double total_work(const sopt *s, const swork<R> *w)
 {
     return s->WorkUnits + w->Lu.WorkUnits;
@@ -62,7 +55,7 @@ int automatic_pricing(const sopt *s)
 {
     if (s->SwitchCount > 0) return PRICE_DEVEX;
     if (s->NumCols >= MANY_COLUMNS * s->NumRows) return PRICE_PARTIAL;
-    return starts_from_slacks(s) ? PRICE_STEEPEST : PRICE_QUICK;
+    return is_slack_basis(s) ? PRICE_STEEPEST : PRICE_QUICK;
 }
 
 } // namespace
@@ -91,7 +84,7 @@ template<class R> void primal_review_pricing(sopt *s, swork<R> *w)
     }
     if (!p->NewWeights) return;
     primal_start_weights(s, w);
-    p->NewWeights = 0;
+    p->NewWeights = s->Status != SIMPLEX_RUNNING; // a limit may have left them half made
 }
 
 // Averages of the cycle that a factorisation ends.

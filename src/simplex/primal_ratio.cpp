@@ -5,6 +5,7 @@
 //             relaxed step the one with the largest |a_i| leaves. Phase 1: the sum of infeasibilities is piecewise linear
 //             in t; breakpoints are passed in order while its slope stays negative, and of those near the end the last
 //             one with a good pivot is taken. The range of the entering variable is one more breakpoint: a flip.
+//             With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops at its first breakpoint.
 // Out         PivotRow, ToUpper, Step.
 // Cost        O(entries of the column); phase 1 also O(k log) for the breakpoints passed.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, Computational Techniques of the Simplex Method, 2003, 9.6.
@@ -183,12 +184,41 @@ template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
     }
     return RATIO_PIVOT;
 }
+// Phase 1 without passing breakpoints: the two passes of Harris over the first ones.
+template<class R> RatioResult ratio_first_break(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    collect_breaks(s, w);
+    R limit = R(s->Infinity), best = 0;
+    for (int k = 0; k < p->BreakCount; k++) {
+        const R size = std::abs(w->Alpha.Value.data[break_row(p->BreakRow.data[k])]);
+        limit = std::min(limit, p->BreakStep.data[k] + R(s->FeasTol) / size);
+    }
+    const R range = entering_range(s, w);
+    if (range <= limit && range < R(s->Infinity)) {
+        p->PivotRow = -1;
+        p->Step = range;
+        return RATIO_FLIP;
+    }
+    if (p->BreakCount == 0) return RATIO_UNBOUNDED;
+    for (int k = 0; k < p->BreakCount; k++) {
+        const int row = break_row(p->BreakRow.data[k]);
+        const R size = std::abs(w->Alpha.Value.data[row]);
+        if (p->BreakStep.data[k] > limit || size <= best) continue;
+        best = size;
+        p->PivotRow = row;
+        p->ToUpper = p->BreakRow.data[k] < 0;
+        p->Step = p->BreakStep.data[k];
+    }
+    return RATIO_PIVOT;
+}
 } // namespace
 
 template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w)
 {
     s->WorkUnits += 2.0 * w->Alpha.Count;
-    return w->Primal->Phase1 ? ratio_phase1(s, w) : ratio_phase2(s, w);
+    if (!w->Primal->Phase1) return ratio_phase2(s, w);
+    return s->Env->TARV_PAR_SIMPLEXPWRATIO ? ratio_phase1(s, w) : ratio_first_break(s, w);
 }
 
 template RatioResult primal_ratio<double>(sopt *, swork<double> *);

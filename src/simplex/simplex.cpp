@@ -238,8 +238,8 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
     TRY(prepare_basis(model, vstat_cols, vstat_rows, &from_slacks));
     if (x_start) start_from_point(s, x_start, slack_start);
     s->Method = choose_method(model, method);
-    if (s->Method == METHOD_DUAL && from_slacks) {
-        TRY(crash_equations(s));
+    if (from_slacks && (s->Method == METHOD_DUAL || !x_start)) {
+        TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));
         row_copy_partition(s);
     }
     TRY(solve(s));

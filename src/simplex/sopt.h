@@ -207,6 +207,16 @@ inline bool is_superbasic(const sopt *s, int j)
            (s->SuperVal.data[j] != 0 || has_lower(s, s->Lower.data[j]) ||
             has_upper(s, s->Upper.data[j]));
 }
+// v . column j of (A I)
+template<class R> inline R column_dot(const sopt *s, int j, const R *v)
+{
+    if (j >= s->NumCols) return v[j - s->NumCols];
+    R sum = 0;
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        sum += R(s->ColVal.data[p]) * v[s->ColInd.data[p]];
+    return sum;
+}
+
 template<class R> swork<R> *live_work(sopt *s);
 template<> inline swork<double> *live_work<double>(sopt *s)
 {
@@ -263,6 +273,9 @@ bool start_from_statuses(sopt *s, const int *statuses);
 void settle_nonbasics(sopt *s); // every nonbasic gets the status that its true bounds allow
 // Nonbasics take the place that a point in user units gives them: a bound, or a value of their own (superbasic).
 void start_from_point(sopt *s, const double *x, const double *slack);
+
+// ---- primal_start.cpp ----
+[[nodiscard]] int primal_start(sopt *s); // improves a slack basis for the primal
 
 // ---- basis.cpp: factor, solve for values ----
 // Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.

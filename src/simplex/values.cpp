@@ -66,21 +66,22 @@ template<class R> double primal_residual(const sopt *s, const swork<R> *w, SVec<
     return largest(x->Value.data, s->NumRows);
 }
 
+// Solves drop what is small against 1, so a residual is solved for as a vector of that size. Its own size.
+template<class R> R normalise(SVec<R> *x, int n)
+{
+    const R size = R(largest(x->Value.data, n));
+    for (int i = 0; i < n && size > 0; i++) x->Value.data[i] /= size;
+    x->Count = -1;
+    return size;
+}
+
 // Bbar += B^-1 x for the residual x, which becomes that of the new values.
 template<class R> void correct_primal(sopt *s, swork<R> *w, SVec<R> *x)
 {
+    const R size = normalise(x, s->NumRows);
     Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
-    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] += x->Value.data[i];
+    for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] += size * x->Value.data[i];
     s->PrimalResidual = primal_residual(s, w, x);
-}
-
-template<class R> R dot_column(const sopt *s, int j, const R *y)
-{
-    if (j >= s->NumCols) return y[j - s->NumCols];
-    R sum = 0;
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        sum += R(s->ColVal.data[p]) * y[s->ColInd.data[p]];
-    return sum;
 }
 
 // x := cost_B - B^T y by position; its largest entry.
@@ -90,7 +91,7 @@ double dual_residual(const sopt *s, const double *cost, const R *y, SVec<R> *x)
     svec_clear(x);
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
-        x->Value.data[k] = R(cost[j]) - dot_column(s, j, y);
+        x->Value.data[k] = R(cost[j]) - column_dot(s, j, y);
     }
     x->Count = -1;
     return largest(x->Value.data, s->NumRows);
@@ -115,11 +116,25 @@ void strike(sopt *s, int *count, int limit)
 }
 } // namespace
 
+// The residual is summed with more digits than the values have: a row that was scaled down by a thousand shows the user
+// a thousand times what is left in it.
 template<class R> void refine_primal(sopt *s, swork<R> *w)
 {
-    (void)primal_residual(s, w, &w->Work);
-    correct_primal(s, w, &w->Work);
-    svec_clear(&w->Work);
+    SVec<R> *x = &w->Work;
+    svec_clear(x);
+    const auto value = [s, w](int j) {
+        return is_basic(s, j) ? static_cast<long double>(w->Bbar.data[s->VStat.data[j]])
+                              : static_cast<long double>(nonbasic_value(s, j));
+    };
+    for (int i = 0; i < s->NumRows; i++) {
+        long double left = s->Rhs.data[i] - value(s->NumCols + i);
+        for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++)
+            left -= static_cast<long double>(s->RowVal.data[p]) * value(s->RowInd.data[p]);
+        x->Value.data[i] = static_cast<R>(left);
+    }
+    x->Count = -1;
+    correct_primal(s, w, x);
+    svec_clear(x);
 }
 
 template<class R> void compute_primal(sopt *s, swork<R> *w)
@@ -147,14 +162,15 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     s->DualResidual = dual_residual(s, cost, pi, x);
     if (s->DualResidual > REFINE_SHARE * s->OptTol) {
         y->Count = -1;
+        const R size = normalise(x, s->NumRows);
         Btran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
         for (int k = 0; k < x->Count; k++)
-            pi[x->Index.data[k]] += x->Value.data[x->Index.data[k]];
+            pi[x->Index.data[k]] += size * x->Value.data[x->Index.data[k]];
         s->DualResidual = dual_residual(s, cost, pi, x);
     }
     svec_clear(x);
     for (int j = 0; j < s->NumVars; j++)
-        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - dot_column(s, j, pi);
+        cbar[j] = is_basic(s, j) ? R(0) : R(cost[j]) - column_dot(s, j, pi);
     y->Count = -1;
     svec_clear(y);
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-// Where two models differ in what a file carries, or "" when they are the same. Senses '<' and '>' count as one, since
-// files hold the stored form; entries are compared column by column in any order, zeros left out.
+// What a file carries of a model, as text: the stored form, entries column by column in order, zeros left out.
 enum class Names { COMPARE, IGNORE };
-std::string model_difference(const TVXmodel *a, const TVXmodel *b, Names names);
+std::string stored_text(const TVXmodel *model, Names names);
+std::string shown(double value); // infinities as "inf"
 
 // An environment and an empty current directory.
 class Files : public testing::Test
@@ -36,13 +36,13 @@ class Files : public testing::Test
         return TVXgeterrormsg(env);
     }
 
-    // Writes `model` under the name, reads it again, and says where the two differ; "" for nowhere.
+    // Writes `model` under the name, reads it again, and shows both if they differ; "" if not.
     std::string round_trip(const std::string &name, Names names);
 
     int column(const std::string &name) const; // -1 when there is none
     int row(const std::string &name) const;
     double coefficient(const std::string &row_name, const std::string &column_name) const;
-    // "C [0,inf]": type and bounds of a column.
+    // "C [0,inf]": type and bounds of a column, or "none".
     std::string domain(const std::string &column_name) const;
 };
 

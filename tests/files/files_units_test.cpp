@@ -68,7 +68,7 @@ TEST(FileNumber, KindsOfFields)
 
 static std::string printable(const std::string &text, int size)
 {
-    std::vector<char> buffer(static_cast<size_t>(size));
+    std::vector<char> buffer(size);
     text_printable(buffer.data(), size, {text.data(), text.data() + text.size()});
     return buffer.data();
 }

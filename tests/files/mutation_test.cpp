@@ -10,24 +10,21 @@
 // A sound model file with everything in it.
 static std::string full_text(bool fixed)
 {
-    const std::string x = fixed ? "X 1" : "X1";
-    return "NAME          FUZZ\nOBJSENSE\n    MAX\nOBJNAME\n    COST\nROWS\n N  COST\n G  "
-           "R1\n L  R2\n"
-           " E  R3\nCOLUMNS\n"
-           "    " +
-           x + (fixed ? "     " : "      ") +
+    return "NAME          FUZZ\nOBJSENSE\n    MAX\nOBJNAME\n    COST\nROWS\n N  COST\n"
+           " G  R1\n L  R2\n E  R3\nCOLUMNS\n" +
+           std::string(fixed ? "    X 1     " : "    X1      ") +
            "  COST               1.5   R1                -1.\n"
            "    M         'MARKER'                 'INTORG'\n"
            "    Y         R2                 1e1   R3               2D-1\n"
            "    Z         R1                  1.   R3                 4.\n"
            "    M         'MARKER'                 'INTEND'\n"
-           "    W         R1                  1.\n"
-           "RHS\n    RHS       R1                  4.   R2               inf\n    RHS      "
-           " COST               -9.\n"
-           "RANGES\n    RNG       R1                  2.   R3                -1.\n"
-           "BOUNDS\n UP BND       Y                  11.\n FR BND       W\n SC BND       Z "
-           "                 5.\n"
-           "SOS\n S1 set1\n    Y                  1\n    Z                  2\nENDATA\n";
+           "    W         R1                  1.\nRHS\n"
+           "    RHS       R1                  4.   R2               inf\n"
+           "    RHS       COST               -9.\nRANGES\n"
+           "    RNG       R1                  2.   R3                -1.\nBOUNDS\n"
+           " UP BND       Y                  11.\n FR BND       W\n"
+           " SC BND       Z                   5.\nSOS\n S1 set1\n"
+           "    Y                  1\n    Z                  2\nENDATA\n";
 }
 
 // A few changes: one byte, a stretch cut out, an odd piece put in, a stretch doubled, the end of another text.
@@ -77,9 +74,7 @@ class Mutation : public Files
     int read_side_files(const std::string &name, const std::string &sound)
     {
         EXPECT_EQ(read(full_text(false)), 0) << message();
-        TVXmodel *before = nullptr;
-        std::swap(model, before);
-        EXPECT_EQ(read(full_text(false)), 0);
+        const std::string before = stored_text(model, Names::COMPARE);
         Dice dice(21);
         int taken = 0;
         for (int k = 0; k < repetitions() && !HasFailure(); k++) {
@@ -91,10 +86,9 @@ class Mutation : public Files
             output.text();
             EXPECT_TRUE(code == 0 || code == TVX_ERROR_FILE_READ) << code << text;
             EXPECT_TRUE(code == 0 || *TVXgetmerrormsg(model)) << text;
-            EXPECT_EQ(model_difference(model, before, Names::COMPARE), "") << text;
+            EXPECT_EQ(stored_text(model, Names::COMPARE), before) << text;
             taken += code == 0 && !*TVXgetmerrormsg(model);
         }
-        TVXfreemodel(before);
         return taken;
     }
 };

@@ -1,11 +1,11 @@
 // The table of attributes is what docs/attributes.md says, row by row, and names are found by their keys.
 #include "frame/attribute_table.h"
-#include "support/lp_tarvex.h"
+#include "support/model_test.h"
+#include <algorithm>
 #include <cctype>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <set>
-#include <string>
+#include <sstream>
 
 namespace
 {
@@ -17,17 +17,8 @@ struct DocumentedAttribute {
 
 int place(const std::string &word, const std::vector<std::string> &words)
 {
-    for (size_t k = 0; k < words.size(); k++)
-        if (words[k] == word) return static_cast<int>(k);
-    return -2; // no code of a call
-}
-
-std::string trimmed(const std::string &text)
-{
-    const size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(' ') - first + 1);
+    const auto at = std::find(words.begin(), words.end(), word);
+    return at == words.end() ? -2 : static_cast<int>(at - words.begin()); // -2: no code
 }
 
 // The rows "| `A`, `B` | type | of | set | meaning |" of the page.
@@ -35,30 +26,26 @@ std::vector<DocumentedAttribute> documented()
 {
     std::vector<DocumentedAttribute> found;
     std::ifstream page(std::string(TARVEX_SOURCE_DIR) + "/docs/attributes.md");
-    for (std::string line; std::getline(page, line);) {
+    for (std::string line, bar; std::getline(page, line);) {
         if (line.rfind("| `", 0) != 0) continue;
-        std::vector<std::string> cells;
-        for (size_t begin = 1; cells.size() < 4;) {
-            const size_t end = line.find('|', begin);
-            cells.push_back(trimmed(line.substr(begin, end - begin)));
-            begin = end + 1;
-        }
-        const int type = place(cells[1], {"char", "int", "double", "string"});
-        const int kind = place(cells[2], {"model", "variable", "constraint", "SOS"});
-        for (size_t at = cells[0].find('`'); at != std::string::npos;) {
-            const size_t end = cells[0].find('`', at + 1);
-            found.push_back(
-                {cells[0].substr(at + 1, end - at - 1), type, kind, cells[3] != "no"});
-            at = cells[0].find('`', end + 1);
+        const size_t end_of_names = line.find('|', 1);
+        std::istringstream cells(line.substr(end_of_names));
+        std::string type, kind, set;
+        cells >> bar >> type >> bar >> kind >> bar >> set;
+        for (size_t at = line.find('`'); at < end_of_names; at = line.find('`', at + 1)) {
+            const size_t end = line.find('`', at + 1);
+            found.push_back({line.substr(at + 1, end - at - 1),
+                             place(type, {"char", "int", "double", "string"}),
+                             place(kind, {"model", "variable", "constraint", "SOS"}),
+                             set != "no"});
+            at = end;
         }
     }
     return found;
 }
 
-struct AttributeTableTest : testing::Test {
-    TestEnv env;
-    LpModel empty;
-    TestModel model{lp_load(env.env, &empty)};
+struct AttributeTableTest : ModelTest {
+    void SetUp() override { load(LpModel{}); }
 };
 
 } // namespace
@@ -99,23 +86,12 @@ TEST_F(AttributeTableTest, case_and_inner_underscores_of_a_name_do_not_matter)
     EXPECT_EQ(attribute_find(std::string(100000, 'x').c_str()), nullptr);
 }
 
-TEST_F(AttributeTableTest,
-       exactly_the_settable_rows_have_a_setter_and_no_row_two_ways_to_be_read)
-{
-    for (const AttributeRow &row : attribute_rows) {
-        EXPECT_EQ(row.settable, row.set != nullptr) << row.name;
-        EXPECT_FALSE(row.compute && row.get) << row.name;
-    }
-}
-
 TEST_F(AttributeTableTest, attribute_info_leaves_minus_one_behind_a_failure)
 {
     int type = 7, kind = 7, settable = 7;
-    EXPECT_EQ(TVXgetattrinfo(model, "Nothing", &type, &kind, &settable), 10004);
-    EXPECT_EQ(type, -1);
-    EXPECT_EQ(kind, -1);
-    EXPECT_EQ(settable, -1);
-    EXPECT_STREQ(TVXgetmerrormsg(model), "Unknown attribute 'Nothing'");
+    refused(10004, "Unknown attribute 'Nothing'",
+            TVXgetattrinfo(model, "Nothing", &type, &kind, &settable));
+    EXPECT_EQ(type + kind + settable, -3);
     EXPECT_EQ(TVXgetattrinfo(model, "X", nullptr, nullptr, nullptr), 0);
     EXPECT_STREQ(TVXgetmerrormsg(model), "");
     EXPECT_EQ(TVXgetattrinfo(nullptr, "X", &type, nullptr, nullptr), 10002);
@@ -129,25 +105,19 @@ TEST_F(AttributeTableTest, every_attribute_of_an_unsolved_model_answers_a_value_
         char c = 0, *s = nullptr;
         int i = 0;
         double d = 0;
-        int code = 0;
+        const char *name = row.name;
         const bool scalar = row.kind == AttrKind::MODEL;
-        switch (row.type) {
-        case AttrType::CHAR:
-            code = TVXgetcharattrarray(model, row.name, 0, -1, &c);
-            break;
-        case AttrType::INT:
-            code = scalar ? TVXgetintattr(model, row.name, &i)
-                          : TVXgetintattrarray(model, row.name, 0, -1, &i);
-            break;
-        case AttrType::DOUBLE:
-            code = scalar ? TVXgetdblattr(model, row.name, &d)
-                          : TVXgetdblattrarray(model, row.name, 0, -1, &d);
-            break;
-        case AttrType::STRING:
-            code = scalar ? TVXgetstrattr(model, row.name, &s)
-                          : TVXgetstrattrarray(model, row.name, 0, -1, &s);
-            break;
-        }
+        const int code = row.type == AttrType::CHAR
+                             ? TVXgetcharattrarray(model, name, 0, -1, &c)
+                         : row.type == AttrType::INT
+                             ? (scalar ? TVXgetintattr(model, name, &i)
+                                       : TVXgetintattrarray(model, name, 0, -1, &i))
+                         : row.type == AttrType::DOUBLE
+                             ? (scalar ? TVXgetdblattr(model, name, &d)
+                                       : TVXgetdblattrarray(model, name, 0, -1, &d))
+                             : (scalar ? TVXgetstrattr(model, name, &s)
+                                       : TVXgetstrattrarray(model, name, 0, -1, &s));
+        EXPECT_EQ(row.settable, row.set != nullptr);
         EXPECT_TRUE(code == 0 || code == 10005) << code;
         if (!code) continue;
         EXPECT_EQ(TVXgetmerrormsg(model),

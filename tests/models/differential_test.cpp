@@ -99,22 +99,6 @@ TEST(Differential, primal_and_dual_find_the_planted_truth)
     }
 }
 
-TEST(Differential, random_settings_agree)
-{
-    const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 7000000);
-        const Subject s = make_subject(seed, &dice);
-        const Settings settings = settings_draw(&dice);
-        LpSolution solution;
-        ASSERT_EQ(solve_fresh(env.env, &s.g.lp, settings, &solution), "")
-            << s.text() << settings_text(settings);
-        ASSERT_TRUE(truth_met(s.g, solution, settings_presolve(settings)))
-            << s.text() << settings_text(settings) << "status " << solution.status
-            << " value " << solution.objval << " planted " << s.g.value;
-    }
-}
-
 // A live model goes through random changes; after each few it must agree with a fresh start of the same model by
 // the other method.
 TEST(Differential, solves_after_changes_agree_with_fresh_ones)
@@ -143,27 +127,6 @@ TEST(Differential, solves_after_changes_agree_with_fresh_ones)
                 if (k == 1) break; // the last change is left to TVXoptimize
                 ASSERT_EQ(TVXupdatemodel(model), 0) << story;
             }
-        }
-    }
-}
-
-TEST(Differential, changed_models_read_back_as_written)
-{
-    const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 2000000);
-        Subject s = make_subject(seed, &dice);
-        const TestModel model(dice.chance(50) ? lp_load(env.env, &s.g.lp)
-                                              : lp_build_by_rows(env.env, &s.g.lp));
-        ASSERT_TRUE(model);
-        std::string story = s.text();
-        for (int round = 0; round < 8; round++) {
-            story += edit_randomly(&dice, &s.g.lp, model) + "\n";
-            ASSERT_EQ(TVXupdatemodel(model), 0);
-            LpModel held;
-            ASSERT_EQ(lp_read_back(model, &held), 0);
-            ASSERT_TRUE(lp_same(&held, &s.g.lp))
-                << story << lp_to_mps(&s.g.lp, "") << lp_to_mps(&held, "");
         }
     }
 }
@@ -247,27 +210,6 @@ TEST(Differential, written_models_solve_alike)
     }
 }
 
-TEST(Differential, mps_text_of_the_tests_reads_as_the_same_model)
-{
-    const TestEnv env;
-    const std::string name = temporary("_text.mps");
-    for (uint64_t seed = 0; seed < subject_count() / 4; seed++) {
-        Dice dice(seed + 6000000);
-        const Subject s = make_subject(seed, &dice);
-        FILE *file = fopen(name.c_str(), "w");
-        ASSERT_TRUE(file);
-        fputs(lp_to_mps(&s.g.lp, s.text()).c_str(), file);
-        fclose(file);
-        TVXmodel *read = nullptr;
-        ASSERT_EQ(TVXreadmodel(env.env, name.c_str(), &read), 0) << TVXgeterrormsg(env.env);
-        const TestModel model(read);
-        LpModel held;
-        ASSERT_EQ(lp_read_back(model, &held), 0);
-        ASSERT_TRUE(lp_same(&held, &s.g.lp)) << s.text() << lp_to_mps(&held, "");
-    }
-    remove(name.c_str());
-}
-
 TEST(Differential, copies_and_second_runs_do_exactly_the_same)
 {
     const TestEnv env;
@@ -297,24 +239,5 @@ TEST(Differential, copies_and_second_runs_do_exactly_the_same)
             ASSERT_EQ(first.x, other->x) << s.text() << settings_text(settings);
             ASSERT_EQ(first.pi, other->pi) << s.text() << settings_text(settings);
         }
-    }
-}
-
-TEST(Differential, solving_again_changes_nothing)
-{
-    const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count() / 3; seed++) {
-        Dice dice(seed + 9000000);
-        const Subject s = make_subject(seed, &dice);
-        const TestModel model(lp_load(env.env, &s.g.lp));
-        ASSERT_EQ(
-            settings_apply(TVXgetenv(model), method(dice.range(0, 1), dice.range(-1, 0))),
-            0);
-        LpSolution first, second;
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &first), "") << s.text();
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &second), "") << s.text();
-        ASSERT_EQ(first.status, second.status) << s.text();
-        ASSERT_EQ(first.iterations, second.iterations) << s.text();
-        ASSERT_EQ(first.x, second.x) << s.text();
     }
 }

@@ -18,8 +18,8 @@ struct Limited {
 
 } // namespace
 
-static const Family families[] = {gen_multi_period, gen_network, gen_transportation,
-                                  gen_planted_optimum, gen_covering};
+static const Family families[] = {gen_multi_period, gen_network, gen_blending,
+                                  gen_planted_optimum};
 static const int methods[] = {0, 1};
 
 static Limited make_limited(TVXenv *env, Family family, int lp_method, int presolve)
@@ -101,57 +101,6 @@ TEST(Limits, a_solve_in_many_legs_arrives)
     });
 }
 
-TEST(Limits, limits_with_presolve_continue_too)
-{
-    const TestEnv env;
-    for (const int lp_method : methods)
-        for (const Family family : families) {
-            const Limited limited = make_limited(env.env, family, lp_method, -1);
-            const TestModel model(lp_load(env.env, &limited.lp));
-            TVXenv *own = TVXgetenv(model);
-            ASSERT_EQ(TVXsetintparam(own, "LPMethod", lp_method), 0);
-            ASSERT_EQ(TVXsetdblparam(own, "IterationLimit", 2), 0);
-            ASSERT_EQ(TVXoptimize(model), 0);
-            const int status = status_of(model);
-            ASSERT_TRUE(status == TVX_ITERATION_LIMIT || status == TVX_OPTIMAL) << status;
-            ASSERT_EQ(TVXsetdblparam(own, "IterationLimit", 1e100), 0);
-            expect_optimum(limited, model);
-        }
-}
-
-TEST(Limits, time_limit_zero_stops_at_once_and_the_next_solve_continues)
-{
-    for_limited_models([](const Limited &limited, TVXmodel *model) {
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "TimeLimit", 0), 0);
-        ASSERT_EQ(TVXoptimize(model), 0);
-        ASSERT_EQ(status_of(model), TVX_TIME_LIMIT);
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "TimeLimit", 1e100), 0);
-        expect_optimum(limited, model);
-    });
-}
-
-TEST(Limits, attributes_of_a_stopped_solve_are_there_and_finite)
-{
-    for_limited_models([](const Limited &limited, TVXmodel *model) {
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 2), 0);
-        ASSERT_EQ(TVXoptimize(model), 0);
-        const int n = limited.lp.num_vars(), m = limited.lp.num_rows();
-        std::vector<double> x(static_cast<size_t>(n)), pi(static_cast<size_t>(m));
-        std::vector<int> vbasis(x.size()), cbasis(pi.size());
-        ASSERT_EQ(TVXgetdblattrarray(model, "X", 0, n, x.data()), 0);
-        ASSERT_EQ(TVXgetdblattrarray(model, "RC", 0, n, x.data()), 0);
-        ASSERT_EQ(TVXgetdblattrarray(model, "Pi", 0, m, pi.data()), 0);
-        ASSERT_EQ(TVXgetdblattrarray(model, "Slack", 0, m, pi.data()), 0);
-        for (const double v : x) ASSERT_TRUE(std::isfinite(v));
-        for (const double v : pi) ASSERT_TRUE(std::isfinite(v));
-        ASSERT_EQ(TVXgetintattrarray(model, "VBasis", 0, n, vbasis.data()), 0);
-        ASSERT_EQ(TVXgetintattrarray(model, "CBasis", 0, m, cbasis.data()), 0);
-        const auto basics = std::count(vbasis.begin(), vbasis.end(), 0) +
-                            std::count(cbasis.begin(), cbasis.end(), 0);
-        ASSERT_EQ(basics, m);
-    });
-}
-
 TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
 {
     for_limited_models([](const Limited &limited, TVXmodel *model) {
@@ -197,28 +146,6 @@ TEST(Limits, a_change_after_a_limit_is_respected)
                   0);
         expect_optimum(changed, model);
     });
-}
-
-TEST(Limits, status_before_and_after_changes)
-{
-    const TestEnv env;
-    LpModel lp;
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}}, '>', 2);
-    const TestModel model(lp_load(env.env, &lp));
-    EXPECT_EQ(status_of(model), TVX_LOADED);
-    ASSERT_EQ(TVXoptimize(model), 0);
-    EXPECT_EQ(status_of(model), TVX_OPTIMAL);
-    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 1), 0);
-    EXPECT_EQ(status_of(model), TVX_OPTIMAL); // still pending
-    ASSERT_EQ(TVXupdatemodel(model), 0);
-    EXPECT_EQ(status_of(model), TVX_LOADED);
-    double value = 0;
-    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), TVX_ERROR_DATA_NOT_AVAILABLE);
-    ASSERT_EQ(TVXoptimize(model), 0);
-    EXPECT_EQ(status_of(model), TVX_INFEASIBLE);
-    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), TVX_ERROR_DATA_NOT_AVAILABLE);
-    EXPECT_EQ(TVXgetdblattrelement(model, "X", 0, &value), TVX_ERROR_DATA_NOT_AVAILABLE);
 }
 
 TEST(Limits, absurd_bounds_are_told_apart)

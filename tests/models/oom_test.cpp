@@ -4,13 +4,13 @@
 // (10001, "Out of memory") or get by without; the same step then succeeds when memory is back, the answer is right, and
 // after freeing everything no block is held. The sweep ends with the first k that no request reaches.
 #include "frame/runtime/memory.h"
+#include "support/model_text.h"
+#include "support/scratch.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #ifdef TVX_DEBUG
 
@@ -80,6 +80,72 @@ static void expect_solves(Scene *scene)
     LpSolution solution;
     ASSERT_EQ(lp_solve(scene->model, &solution), 0) << TVXgetmerrormsg(scene->model);
     ASSERT_EQ(judge_exact(&scene->lp, &truth, true, &solution), "");
+}
+
+// Everything that can be queued, read and copied; the first code that is not 0.
+static int build(Scene *s)
+{
+    constexpr std::nullptr_t NONE = nullptr;
+    const int beg[] = {0, 2, 4}, ind[] = {0, 1, 1, 2, 3}, back[] = {2, 0, 1}, type = 2;
+    const double val[] = {1, 2, 3, 4, 5}, ub[] = {4, 5, 1e20, 1};
+    const std::vector<int> vars(5, TVX_NONBASIC_LOWER), rows(4, TVX_BASIC);
+    char a[] = "a", c[] = "c", *names[] = {a, nullptr, c, nullptr};
+    int count = 0;
+    TVXmodel *&m = s->model;
+    int error = TVXnewmodel(s->env.env, &m, "m", 0, NONE, NONE, NONE, NONE, NONE);
+    if (!error) error = TVXaddvars(m, 4, 0, NONE, NONE, NONE, val, NONE, ub, "CCCC", names);
+    if (!error) error = TVXupdatemodel(m);
+    if (!error) error = TVXaddconstrs(m, 3, 5, beg, ind, val, "<>=", val, NONE);
+    if (!error) error = TVXaddrangeconstr(m, 2, ind, val, 1, 5, "range");
+    if (!error) error = TVXupdatemodel(m);
+    if (!error) error = TVXgetconstrs(m, &count, NONE, NONE, NONE, 0, 4);
+    if (!error) error = TVXaddvar(m, 2, ind, val, 1, -1e30, 9, 'C', "late");
+    if (!error) error = TVXupdatemodel(m);
+    if (!error) error = lp_set_basis(m, vars, rows); // that the update has to carry over
+    if (!error) error = TVXchgcoeffs(m, 3, back, ind, val);
+    if (!error) error = TVXdelvars(m, 1, ind + 4);
+    if (!error) error = TVXdelconstrs(m, 1, back);
+    if (!error) error = TVXsetdblattrelement(m, "LB", 0, 1);
+    if (!error) error = TVXsetcharattrelement(m, "Sense", 0, '>');
+    if (!error) error = TVXsetstrattrelement(m, "VarName", 1, "renamed");
+    if (!error) error = TVXsetstrattr(m, "ModelName", "changed");
+    if (!error) error = TVXupdatemodel(m);
+    if (!error) error = TVXaddsos(m, 1, 3, &type, beg, back, val);
+    if (!error) error = TVXsetcharattrelement(m, "VType", 1, 'I');
+    if (!error) error = TVXupdatemodel(m);
+    TVXmodel *copy = error ? nullptr : TVXcopymodel(m);
+    if (!error && !copy) error = TVX_ERROR_OUT_OF_MEMORY;
+    TVXfreemodel(copy);
+    return error ? error : TVXresetmodel(m);
+}
+
+// What was queued before a failure is all there or all lost, and the model goes on.
+TEST(OutOfMemory, building_and_copying)
+{
+    Scene whole;
+    ASSERT_EQ(build(&whole), 0);
+    const std::string expected = model_text(whole.model);
+    run_sweep({"build", [](Scene *) {}, build,
+               [&](Scene *s, int) {
+                   if (s->model) {
+                       ASSERT_EQ(TVXupdatemodel(s->model), 0);
+                       TVXmodel *copy = TVXcopymodel(s->model);
+                       ASSERT_EQ(TVXfreemodel(s->model) + TVXfreemodel(copy), 0);
+                       s->model = nullptr;
+                   }
+                   ASSERT_EQ(build(s), 0);
+                   ASSERT_EQ(model_text(s->model), expected);
+               }});
+    run_sweep({"load", [](Scene *s) { s->lp = example(gen_multi_period, 12); },
+               [](Scene *s) { // columns out of order, so that overlaps are looked for
+                   const int at[] = {2, 0}, len[] = {1, 2}, ind[] = {0, 1, 1};
+                   const double val[] = {1, 2, 3};
+                   char name[] = "n0", *names[] = {name, nullptr};
+                   return TVXloadmodel(s->env.env, &s->model, "m", 2, 2, -1, 1, nullptr,
+                                       "<>", val, at, len, ind, val, nullptr, nullptr, "CI",
+                                       names, names);
+               },
+               [](Scene *s, int code) { ASSERT_EQ(code != 0, s->model == nullptr); }});
 }
 
 // A failed update may leave the content half changed, but never a model that crashes or cannot be freed.
@@ -155,34 +221,32 @@ TEST(OutOfMemory, solve_again_after_changes)
              [](Scene *s, int) { expect_solves(s); }});
 }
 
-TEST(OutOfMemory, queries)
+// Queries of a solved model, writers and readers of side files: the answer stays right.
+TEST(OutOfMemory, queries_and_side_files)
 {
-    const char *const names[] = {"X",       "RC",      "Xn",    "SAObjLow",
-                                 "SAObjUp", "SALBLow", "SAUBUp"};
-    const char *const scalars[] = {"BoundVio", "ConstrVio", "DualVio", "ComplVio",
-                                   "MaxCoeff", "Kappa",     "N2Kappa", "ObjVal"};
     const auto solve = [](Scene *s) {
         load_example(s);
         ASSERT_EQ(TVXoptimize(s->model), 0);
     };
     const auto still_right = [](Scene *s, int) { expect_solves(s); };
-    for (const char *name : names) {
-        const auto query = [name](Scene *s) {
-            std::vector<double> values(s->lp.obj.size());
-            const int code =
-                TVXgetdblattrarray(s->model, name, 0, s->lp.num_vars(), values.data());
-            return code == TVX_ERROR_DATA_NOT_AVAILABLE ? 0 : code;
-        };
-        run_sweep({name, solve, query, still_right});
-    }
-    for (const char *name : scalars) {
-        const auto query = [name](Scene *s) {
-            double value = 0;
-            const int code = TVXgetdblattr(s->model, name, &value);
-            return code == TVX_ERROR_DATA_NOT_AVAILABLE ? 0 : code;
-        };
-        run_sweep({name, solve, query, still_right});
-    }
+    const auto available = [](int code) {
+        return code == TVX_ERROR_DATA_NOT_AVAILABLE ? 0 : code;
+    };
+    for (const char *name : {"X", "RC", "Xn", "SAObjLow"})
+        run_sweep({name, solve,
+                   [&](Scene *s) {
+                       std::vector<double> values(s->lp.obj.size());
+                       return available(
+                           TVXgetdblattrarray(s->model, name, 0, -1, values.data()));
+                   },
+                   still_right});
+    for (const char *name : {"DualVio", "MaxCoeff", "Kappa", "ObjVal"})
+        run_sweep({name, solve,
+                   [&](Scene *s) {
+                       double value = 0;
+                       return available(TVXgetdblattr(s->model, name, &value));
+                   },
+                   still_right});
     run_sweep({"basis", solve,
                [](Scene *s) {
                    const std::vector<int> vbasis(s->lp.obj.size(), -1),
@@ -190,40 +254,52 @@ TEST(OutOfMemory, queries)
                    return lp_set_basis(s->model, vbasis, cbasis);
                },
                still_right});
-    run_sweep({"rows", load_example,
+    run_sweep({"names", solve,
                [](Scene *s) {
-                   int numnz = 0;
-                   std::vector<int> beg(s->lp.rhs.size() + 1), ind(1000);
-                   std::vector<double> val(1000);
-                   return TVXgetconstrs(s->model, &numnz, beg.data(), ind.data(),
-                                        val.data(), 0, s->lp.num_rows());
+                   std::vector<char *> names(s->lp.obj.size());
+                   return TVXgetstrattrarray(s->model, "VarName", 0, -1, names.data());
                },
                still_right});
+    const Scratch folder;
+    file_put("read.mst", "C0 1\nC3 2\n");
+    for (const char *file : {"w.bas", "w.sol", "w.mst"})
+        run_sweep(
+            {file, solve, [&](Scene *s) { return TVXwrite(s->model, file); }, still_right});
+    for (const char *file : {"w.bas", "read.mst"})
+        run_sweep({file, load_example, [&](Scene *s) { return TVXread(s->model, file); },
+                   still_right});
 }
 
-TEST(OutOfMemory, files)
+// Files with everything in them: what was read is what is written, and the model in memory stays as it is.
+TEST(OutOfMemory, model_files)
 {
-    for (const char *suffix : {".mps", ".mps.gz"}) {
-        const std::string name =
-            testing::TempDir() + "tarvex_oom_" + std::to_string(getpid()) + suffix;
-        const auto write = [&](Scene *s) { return TVXwrite(s->model, name.c_str()); };
-        run_sweep({"write", load_example, write, [&](Scene *s, int) {
-                       ASSERT_EQ(TVXwrite(s->model, name.c_str()), 0);
-                       expect_solves(s);
-                   }});
-        const auto read = [&](Scene *s) {
-            return TVXreadmodel(s->env.env, name.c_str(), &s->model);
-        };
-        run_sweep({"read", [](Scene *s) { s->lp = example(gen_multi_period, 12); }, read,
-                   [&](Scene *s, int code) {
-                       if (code) {
-                           ASSERT_EQ(s->model, nullptr);
-                           ASSERT_EQ(read(s), 0);
-                       }
-                       expect_solves(s);
-                   }});
-        remove(name.c_str());
+    const Scratch folder;
+    file_put("full.mps", "ROWS\n N C\n G R1\n L R2\nCOLUMNS\n X C 1 R1 1\n Y R1 1 NONE 3\n"
+                         " M 'MARKER' 'INTORG'\n Z R1 1\n X R2 3\nRHS\n R R1 4\nRANGES\n"
+                         " R R1 4\nBOUNDS\n UP B X 9\nSOS\n S1 one\n X 1\n Y 2\nENDATA\n");
+    std::string expected;
+    {
+        const TestEnv env;
+        TVXmodel *model = nullptr;
+        ASSERT_EQ(TVXreadmodel(env.env, "full.mps", &model), 0);
+        expected = model_text(model);
+        TVXfreemodel(model);
     }
+    const auto read = [](Scene *s) {
+        return TVXreadmodel(s->env.env, "full.mps", &s->model);
+    };
+    const auto same = [&](Scene *s, int code) {
+        ASSERT_EQ(code != 0, s->model == nullptr);
+        if (code) {
+            ASSERT_EQ(read(s), 0);
+        }
+        ASSERT_EQ(model_text(s->model), expected);
+    };
+    run_sweep({"read", [](Scene *) {}, read, same});
+    for (const char *name : {"w.mps", "w.rew.gz"})
+        run_sweep({name, [&](Scene *s) { ASSERT_EQ(read(s), 0); },
+                   [&](Scene *s) { return TVXwrite(s->model, name); },
+                   [&](Scene *s, int) { same(s, 0); }});
 }
 
 #endif

@@ -49,7 +49,7 @@ static std::vector<LpSolution> solve_one_by_one()
     std::vector<LpSolution> alone(MODELS);
     for (int k = 0; k < MODELS; k++) {
         const TestEnv env;
-        EXPECT_EQ(solve_number(env.env, k, &alone[static_cast<size_t>(k)]), "") << k;
+        EXPECT_EQ(solve_number(env.env, k, &alone[k]), "") << k;
     }
     return alone;
 }
@@ -65,42 +65,12 @@ TEST(ParallelUse, an_environment_per_thread)
             const TestEnv env;
             for (int k = 0; k < MODELS; k++) {
                 const int model = (k + static_cast<int>(t) * 7) % MODELS;
-                wrong[t] +=
-                    solve_number(env.env, model, &found[t][static_cast<size_t>(model)]);
+                wrong[t] += solve_number(env.env, model, &found[t][model]);
             }
         });
     for (std::thread &thread : threads) thread.join();
     for (size_t t = 0; t < THREADS; t++) {
         EXPECT_EQ(wrong[t], "");
-        for (int k = 0; k < MODELS; k++)
-            expect_same(found[t][static_cast<size_t>(k)], alone[static_cast<size_t>(k)], k);
+        for (int k = 0; k < MODELS; k++) expect_same(found[t][k], alone[k], k);
     }
-}
-
-// Models of one environment, made one after another, then solved at the same time: each has its own copy of the
-// environment.
-TEST(ParallelUse, models_of_one_environment_at_the_same_time)
-{
-    const TestEnv env;
-    std::vector<TestModel> models;
-    std::vector<LpSolution> together(MODELS), alone(MODELS);
-    for (int k = 0; k < MODELS; k++) {
-        const GeneratedLp g = model_number(k);
-        models.emplace_back(lp_load(env.env, &g.lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(models.back()), settings_number(k)), 0);
-        const TestModel single(lp_load(env.env, &g.lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(single), settings_number(k)), 0);
-        ASSERT_EQ(lp_solve(single, &alone[static_cast<size_t>(k)]), 0);
-    }
-    std::vector<std::thread> threads;
-    std::vector<int> errors(THREADS, 0);
-    for (size_t t = 0; t < THREADS; t++)
-        threads.emplace_back([&, t] {
-            for (size_t k = t; k < MODELS; k += THREADS)
-                errors[t] += lp_solve(models[k], &together[k]) != 0;
-        });
-    for (std::thread &thread : threads) thread.join();
-    for (const int count : errors) EXPECT_EQ(count, 0);
-    for (int k = 0; k < MODELS; k++)
-        expect_same(together[static_cast<size_t>(k)], alone[static_cast<size_t>(k)], k);
 }

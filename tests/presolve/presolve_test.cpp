@@ -104,7 +104,7 @@ TEST(Presolve, every_setting_gives_the_answer_of_the_model_itself)
 // Presolve may stop behind each of its reductions: what stands then is a model like any other.
 TEST(Presolve, it_may_stop_after_any_reduction)
 {
-    for (const Family family : {gen_multi_period, gen_blending, gen_network, gen_covering})
+    for (const Family family : {gen_multi_period, gen_blending, gen_network, gen_cone})
         for (int limit = 0; limit < 40; limit++) {
             const TestEnv env;
             set_parameters(env.env, {{"TARV_PAR_PRELIMIT", limit}, {"Presolve", 2}});
@@ -220,8 +220,8 @@ static void sweep(Family family, double level)
 
 TEST(Presolve, memory_may_end_anywhere)
 {
-    for (const Family family : {gen_multi_period, gen_blending, gen_network, gen_staircase,
-                                gen_planted_infeasible})
+    for (const Family family :
+         {gen_multi_period, gen_blending, gen_network, gen_cone, gen_planted_infeasible})
         for (const double level : {-1, 2}) sweep(family, level);
 }
 #endif

@@ -35,7 +35,6 @@ struct Dice {
     template<class T> void shuffle(std::vector<T> *list)
     {
         for (int k = static_cast<int>(list->size()) - 1; k > 0; k--)
-            std::swap((*list)[static_cast<size_t>(k)],
-                      (*list)[static_cast<size_t>(range(0, k))]);
+            std::swap((*list)[k], (*list)[range(0, k)]);
     }
 };

@@ -45,7 +45,7 @@ static void weigh(Check *c)
     c->col_weight.assign(n, 0);
     for (const std::vector<LpEntry> &col : c->lp->cols)
         for (const LpEntry &e : col) {
-            long double *w = &c->row_weight[static_cast<size_t>(e.row)];
+            long double *w = &c->row_weight[e.row];
             *w = std::max(*w, std::fabs(static_cast<long double>(e.value)));
         }
     for (long double &w : c->row_weight) w = w > 0 ? 1 / w : 1;
@@ -53,8 +53,7 @@ static void weigh(Check *c)
     for (size_t j = 0; j < n; j++) {
         long double *w = &c->col_weight[j];
         for (const LpEntry &e : c->lp->cols[j])
-            *w = std::max(*w,
-                          std::fabs(e.value * c->row_weight[static_cast<size_t>(e.row)]));
+            *w = std::max(*w, std::fabs(e.value * c->row_weight[e.row]));
         *w = *w > 0 ? 1 / *w : 1;
         const long double cost = std::fabs(c->lp->obj[j] * *w);
         if (cost == 0) continue;
@@ -118,7 +117,7 @@ static void check_rows(Check *c)
     std::vector<long double> size(c->lp->rhs.size(), 1); // largest term of the row's sum
     for (size_t j = 0; j < c->lp->cols.size(); j++)
         for (const LpEntry &e : c->lp->cols[j]) {
-            long double *s = &size[static_cast<size_t>(e.row)];
+            long double *s = &size[e.row];
             *s = std::max(*s, std::fabs(static_cast<long double>(e.value) * c->s->x[j]));
         }
     for (size_t i = 0; i < c->lp->rhs.size(); i++) {
@@ -224,8 +223,8 @@ LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
     c.cover_size.assign(lp->obj.size(), 0);
     for (size_t j = 0; j < lp->cols.size(); j++)
         for (const LpEntry &e : lp->cols[j]) {
-            const long double term = static_cast<long double>(e.value) *
-                                     solution->pi[static_cast<size_t>(e.row)];
+            const long double term =
+                static_cast<long double>(e.value) * solution->pi[e.row];
             c.covered[j] += term;
             c.cover_size[j] = std::max(c.cover_size[j], std::fabs(term));
         }
@@ -238,24 +237,6 @@ LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
     check_values(&c);
     if (solution->has_basis)
         lp_check_basis(lp, solution, tolerances.primal, &report.faults);
-    return report;
-}
-
-PointReport lp_check_point(const LpModel *lp, const std::vector<double> &x)
-{
-    PointReport report;
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        const long double value = x[j];
-        if (!lp_is_infinite(lp->lb[j]))
-            report.bound_vio = std::max(report.bound_vio, lp->lb[j] - value);
-        if (!lp_is_infinite(lp->ub[j]))
-            report.bound_vio = std::max(report.bound_vio, value - lp->ub[j]);
-    }
-    const std::vector<long double> activity = lp_activity(lp, x);
-    for (size_t i = 0; i < lp->rhs.size(); i++)
-        report.row_vio =
-            std::max(report.row_vio, row_violation(lp->senses[i], activity[i], lp->rhs[i]));
-    report.value = lp_objective(lp, x);
     return report;
 }
 

@@ -49,9 +49,3 @@ LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
 // The basis alone: count, nonbasics at existing bounds, regular matrix. Appends to *faults.
 void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
                     std::vector<std::string> *faults);
-
-// Largest violation of a bound or a row by a plain point, unscaled.
-struct PointReport {
-    long double bound_vio = 0, row_vio = 0, value = 0;
-};
-PointReport lp_check_point(const LpModel *lp, const std::vector<double> &x);

@@ -24,8 +24,7 @@ static std::vector<SparseRow> basis_rows(const LpModel *lp, const LpSolution *s)
         long double largest = 0;
         for (const LpEntry &e : lp->cols[j])
             largest = std::max(largest, std::fabs(static_cast<long double>(e.value)));
-        for (const LpEntry &e : lp->cols[j])
-            rows[static_cast<size_t>(e.row)][position] = e.value / largest;
+        for (const LpEntry &e : lp->cols[j]) rows[e.row][position] = e.value / largest;
         position++;
     }
     for (size_t i = 0; i < lp->rhs.size(); i++)
@@ -105,7 +104,7 @@ void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_pr
     std::vector<double> size(m, 1); // largest entry of the row
     for (const std::vector<LpEntry> &col : lp->cols)
         for (const LpEntry &e : col) {
-            double *largest = &size[static_cast<size_t>(e.row)];
+            double *largest = &size[e.row];
             *largest = std::max(*largest, std::fabs(e.value));
         }
     size_t basics = 0;

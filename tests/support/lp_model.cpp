@@ -35,20 +35,20 @@ int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &e
     std::map<int, double> sums;
     for (const auto &[col, value] : entries) sums[col] += value;
     for (const auto &[col, value] : sums)
-        if (value != 0) lp->cols[static_cast<size_t>(col)].push_back({row, value});
+        if (value != 0) lp->cols[col].push_back({row, value});
     return row;
 }
 
 void lp_set_entry(LpModel *lp, int row, int col, double value)
 {
-    std::vector<LpEntry> *entries = &lp->cols[static_cast<size_t>(col)];
+    std::vector<LpEntry> *entries = &lp->cols[col];
     std::erase_if(*entries, [row](const LpEntry &e) { return e.row == row; });
     if (value != 0) entries->push_back({row, value});
 }
 
 double lp_get_entry(const LpModel *lp, int row, int col)
 {
-    for (const LpEntry &e : lp->cols[static_cast<size_t>(col)])
+    for (const LpEntry &e : lp->cols[col])
         if (e.row == row) return e.value;
     return 0;
 }
@@ -105,8 +105,7 @@ std::vector<long double> lp_activity(const LpModel *lp, const std::vector<double
     std::vector<long double> activity(lp->rhs.size(), 0);
     for (size_t j = 0; j < lp->cols.size(); j++)
         for (const LpEntry &e : lp->cols[j])
-            activity[static_cast<size_t>(e.row)] +=
-                static_cast<long double>(e.value) * x[j];
+            activity[e.row] += static_cast<long double>(e.value) * x[j];
     return activity;
 }
 

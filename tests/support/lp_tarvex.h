@@ -25,8 +25,6 @@ struct TestModel {
 
 // The model in one call (columns with TVXloadmodel), or null.
 TVXmodel *lp_load(TVXenv *env, const LpModel *lp);
-// The same model built by rows: variables, update, constraints, update; or null.
-TVXmodel *lp_build_by_rows(TVXenv *env, const LpModel *lp);
 // What the library holds, by queries. 0 or the first code.
 int lp_read_back(TVXmodel *model, LpModel *lp);
 

@@ -19,31 +19,27 @@ struct Flavour {
 
 static void add_random_var(Dice *dice, LpModel *lp)
 {
-    const double inf = LP_INFINITY;
-    const int kind = dice->range(1, 100);
-    const double low = dice->range(-5, 4), high = low + dice->range(1, 6);
+    const double inf = LP_INFINITY, low = dice->range(-5, 4),
+                 high = low + dice->range(1, 6);
     const double obj = dice->chance(25) ? 0 : dice->nonzero(6);
-    if (kind <= 40) {
-        lp_add_var(lp, obj, 0, inf);
-    } else if (kind <= 52) {
-        lp_add_var(lp, obj, 0, dice->range(1, 8));
-    } else if (kind <= 64) {
-        lp_add_var(lp, obj, low, high);
-    } else if (kind <= 74) {
-        lp_add_var(lp, obj, -inf, inf);
-    } else if (kind <= 82) {
-        lp_add_var(lp, obj, -inf, high);
-    } else if (kind <= 90) {
-        lp_add_var(lp, obj, low, inf);
-    } else if (kind <= 95) {
-        lp_add_var(lp, obj, low, low);
-    } else if (kind <= 98) {
-        lp_add_var(lp, obj, 0, 0);
-    } else if (dice->chance(30)) {
-        lp_add_var(lp, obj, high, low); // crossed
-    } else {
-        lp_add_var(lp, obj, dice->range(-2000, 0), dice->range(1, 2000));
-    }
+    const bool crossed = dice->chance(30);
+    const struct {
+        int percent; // of all variables, with those before
+        double lb, ub;
+    } kinds[] = {{40, 0, inf},
+                 {52, 0, double(dice->range(1, 8))},
+                 {64, low, high},
+                 {74, -inf, inf},
+                 {82, -inf, high},
+                 {90, low, inf},
+                 {95, low, low},
+                 {98, 0, 0},
+                 {100, crossed ? high : dice->range(-2000, 0),
+                  crossed ? low : dice->range(1, 2000)}};
+    const int ticket = dice->range(1, 100);
+    const auto *kind = kinds;
+    while (kind->percent < ticket) kind++;
+    lp_add_var(lp, obj, kind->lb, kind->ub);
 }
 
 static char random_sense(Dice *dice)
@@ -126,7 +122,7 @@ static void plant_dual(Dice *dice, LpModel *lp)
         if (lp_is_infinite(lp->lb[j])) d = -std::fabs(d);
         if (lp_is_infinite(lp->ub[j])) d = lp_is_infinite(lp->lb[j]) ? 0 : std::fabs(d);
         d *= lp->sense;
-        for (const LpEntry &e : lp->cols[j]) d += y[static_cast<size_t>(e.row)] * e.value;
+        for (const LpEntry &e : lp->cols[j]) d += y[e.row] * e.value;
         lp->obj[j] = d;
     }
 }
@@ -141,8 +137,7 @@ static void unscale(Dice *dice, LpModel *lp)
     }
     for (size_t j = 0; j < lp->obj.size(); j++) {
         const double factor = std::pow(2.0, dice->range(-7, 7));
-        for (LpEntry &e : lp->cols[j])
-            e.value *= row_factor[static_cast<size_t>(e.row)] * factor;
+        for (LpEntry &e : lp->cols[j]) e.value *= row_factor[e.row] * factor;
         lp->obj[j] *= factor;
         if (!lp_is_infinite(lp->lb[j])) lp->lb[j] /= factor;
         if (!lp_is_infinite(lp->ub[j])) lp->ub[j] /= factor;

@@ -12,18 +12,18 @@ static int count_of(TVXmodel *model, const char *attribute)
 static void put_doubles(std::ostringstream &text, TVXmodel *model, const char *attribute,
                         int n)
 {
-    std::vector<double> values(static_cast<size_t>(n));
+    std::vector<double> values(n);
     text << attribute << ":";
     if (n > 0 && TVXgetdblattrarray(model, attribute, 0, n, values.data()))
         text << " unreadable";
-    for (const double value : values) text << " " << value;
+    for (const double value : values) text << " " << value + 0.0; // no -0
     text << "\n";
 }
 
 static void put_chars(std::ostringstream &text, TVXmodel *model, const char *attribute,
                       int n)
 {
-    std::string values(static_cast<size_t>(n), '?');
+    std::string values(n, '?');
     if (n > 0) TVXgetcharattrarray(model, attribute, 0, n, values.data());
     text << attribute << ": " << values << "\n";
 }
@@ -31,7 +31,7 @@ static void put_chars(std::ostringstream &text, TVXmodel *model, const char *att
 static void put_names(std::ostringstream &text, TVXmodel *model, const char *attribute,
                       int n)
 {
-    std::vector<char *> values(static_cast<size_t>(n), nullptr);
+    std::vector<char *> values(n, nullptr);
     if (n > 0) TVXgetstrattrarray(model, attribute, 0, n, values.data());
     text << attribute << ":";
     for (const char *value : values) text << " " << (value ? value : "(null)");
@@ -45,15 +45,14 @@ static void put_vectors(std::ostringstream &text, TVXmodel *model, Query query, 
     int count = 0;
     if (n == 0) return;
     if (query(model, &count, nullptr, nullptr, nullptr, 0, n)) text << "unreadable";
-    std::vector<int> beg(static_cast<size_t>(n) + 1);
-    std::vector<int> ind(static_cast<size_t>(count) + 1);
-    std::vector<double> val(static_cast<size_t>(count) + 1);
+    std::vector<int> beg(n + 1);
+    std::vector<int> ind(count + 1);
+    std::vector<double> val(count + 1);
     query(model, &count, beg.data(), ind.data(), val.data(), 0, n);
     beg.back() = count;
     for (size_t k = 0; k + 1 < beg.size(); k++) {
         for (int p = beg[k]; p < beg[k + 1]; p++)
-            text << " (" << ind[static_cast<size_t>(p)] << ", "
-                 << val[static_cast<size_t>(p)] << ")";
+            text << " (" << ind[p] << ", " << val[p] << ")";
         text << "\n";
     }
 }
@@ -86,7 +85,7 @@ std::string model_text(TVXmodel *model)
     text << "rows\n";
     put_vectors(text, model, TVXgetconstrs, m);
     text << "sos";
-    std::vector<int> types(static_cast<size_t>(sos));
+    std::vector<int> types(sos);
     int members = 0;
     if (sos > 0)
         TVXgetsos(model, &members, types.data(), nullptr, nullptr, nullptr, 0, sos);

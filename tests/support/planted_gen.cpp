@@ -34,33 +34,16 @@ static char pick_sense(Dice *dice)
 // Bounds around a value, by pattern; returns the value of the planted point.
 static double add_planted_var(Dice *dice, LpModel *lp)
 {
-    const double x = dice->range(-5, 5), room = dice->range(1, 9);
-    switch (dice->range(0, 9)) {
-    case 0:
-        lp_add_var(lp, 0, -LP_INFINITY, LP_INFINITY);
-        return x;
-    case 1:
-        lp_add_var(lp, 0, x, x);
-        return x;
-    case 2:
-        lp_add_var(lp, 0, x - room, x + room);
-        return x;
-    case 3:
-        lp_add_var(lp, 0, -LP_INFINITY, x);
-        return x;
-    case 4:
-        lp_add_var(lp, 0, x - room, x);
-        return x;
-    case 5:
-        lp_add_var(lp, 0, x, x + room);
-        return x;
-    case 6:
-        lp_add_var(lp, 0, 0, LP_INFINITY);
-        return room;
-    default:
-        lp_add_var(lp, 0, 0, LP_INFINITY);
-        return 0;
-    }
+    const double inf = LP_INFINITY, x = dice->range(-5, 5), room = dice->range(1, 9);
+    const struct {
+        double lb, ub, x;
+    } patterns[] = {{-inf, inf, x}, {x, x, x},        {x - room, x + room, x},
+                    {-inf, x, x},   {x - room, x, x}, {x, x + room, x},
+                    {0, inf, room}, {0, inf, 0},      {0, inf, 0},
+                    {0, inf, 0}};
+    const auto &one = patterns[dice->range(0, 9)];
+    lp_add_var(lp, 0, one.lb, one.ub);
+    return one.x;
 }
 
 // A model with optimal point x and multipliers y by complementary slackness.
@@ -92,8 +75,7 @@ static GeneratedLp plant_optimum(Dice *dice, const Plan &plan)
         if (!at_lower && !at_upper) d = 0;
         if (at_upper && (!at_lower || dice->chance(50))) d = -d;
         lp->obj[j] = d * lp->sense;
-        for (const LpEntry &e : lp->cols[j])
-            lp->obj[j] += y[static_cast<size_t>(e.row)] * e.value;
+        for (const LpEntry &e : lp->cols[j]) lp->obj[j] += y[e.row] * e.value;
     }
     g.value = static_cast<double>(lp_objective(lp, x));
     return g;
@@ -121,8 +103,7 @@ GeneratedLp gen_badly_scaled(Dice *dice, int size)
     }
     for (size_t j = 0; j < lp->obj.size(); j++) {
         const double stretch = std::pow(2.0, dice->range(-10, 10));
-        for (LpEntry &e : lp->cols[j])
-            e.value *= factor[static_cast<size_t>(e.row)] * stretch;
+        for (LpEntry &e : lp->cols[j]) e.value *= factor[e.row] * stretch;
         lp->obj[j] *= stretch;
         if (!lp_is_infinite(lp->lb[j])) lp->lb[j] /= stretch;
         if (!lp_is_infinite(lp->ub[j])) lp->ub[j] /= stretch;
@@ -149,8 +130,7 @@ GeneratedLp gen_planted_infeasible(Dice *dice, int size)
     }
     std::vector<std::pair<int, double>> terms;
     for (size_t j = 0; j < sum.size(); j++) {
-        for (const LpEntry &e : lp->cols[j])
-            sum[j] += y[static_cast<size_t>(e.row)] * e.value;
+        for (const LpEntry &e : lp->cols[j]) sum[j] += y[e.row] * e.value;
         const double bound = sum[j] > 0 ? lp->lb[j] : lp->ub[j];
         if (!lp_is_infinite(bound) && dice->chance(40))
             right -= sum[j] * bound;
@@ -175,7 +155,7 @@ GeneratedLp gen_planted_unbounded(Dice *dice, int size)
         const int a = dice->nonzero(4);
         lp_set_entry(lp, i, u, a);
         const int harmless = dice->range(0, 2);
-        const char sense = lp->senses[static_cast<size_t>(i)];
+        const char sense = lp->senses[i];
         lp_set_entry(lp, i, v,
                      sense == '='   ? -a
                      : sense == '<' ? -a - harmless

@@ -117,8 +117,7 @@ static void measure_reduced_costs(Computation *c)
     for (size_t j = 0; j < lp->obj.size(); j++) {
         Sum d;
         d.add(lp->obj[j], 1);
-        for (const LpEntry &e : lp->cols[j])
-            d.add(-e.value, c->s->pi[static_cast<size_t>(e.row)]);
+        for (const LpEntry &e : lp->cols[j]) d.add(-e.value, c->s->pi[e.row]);
         const Real missed = d.value - c->s->rc[j];
         c->found.dual_residual[j] = positive(abs(missed), d.terms);
         const bool at_lower = d.value * lp->sense > 0;
@@ -179,9 +178,8 @@ static void compare(TVXmodel *model, const std::string &name,
     const bool none = place == -1;
     if (none ? max > max_noise : place < 0 || place >= static_cast<int>(amounts.size()))
         faults->push_back(differs(name + "Index", place, max));
-    else if (!none && amounts[static_cast<size_t>(place)].value < max - 2 * max_noise)
-        faults->push_back(differs(name + " at its place", max,
-                                  amounts[static_cast<size_t>(place)].value));
+    else if (!none && amounts[place].value < max - 2 * max_noise)
+        faults->push_back(differs(name + " at its place", max, amounts[place].value));
 }
 
 std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,

@@ -78,7 +78,7 @@ static Dictionary dictionary_build(const LpModel *lp)
         else if (d.upper[j].finite)
             d.value[j] = d.upper[j].value;
         for (const LpEntry &e : lp->cols[j]) {
-            d.coef[static_cast<size_t>(e.row)][j] = e.value;
+            d.coef[e.row][j] = e.value;
             d.value[n + static_cast<size_t>(e.row)] += e.value * d.value[j];
         }
     }
@@ -93,9 +93,9 @@ static Dictionary dictionary_build(const LpModel *lp)
 // Nonbasic k moves by `step`; the basic variables follow.
 static void dictionary_shift(Dictionary *d, size_t k, const mpq_class &step)
 {
-    d->value[static_cast<size_t>(d->nonbasic[k])] += step;
+    d->value[d->nonbasic[k]] += step;
     for (size_t r = 0; r < d->basic.size(); r++)
-        d->value[static_cast<size_t>(d->basic[r])] += d->coef[r][k] * step;
+        d->value[d->basic[r]] += d->coef[r][k] * step;
 }
 
 // basic[r] and nonbasic[k] change places; no value changes.
@@ -133,8 +133,7 @@ static int first_violated(const Dictionary *d)
         const size_t v = static_cast<size_t>(d->basic[r]);
         const bool low = d->lower[v].finite && d->value[v] < d->lower[v].value;
         const bool high = d->upper[v].finite && d->value[v] > d->upper[v].value;
-        if ((low || high) &&
-            (best < 0 || d->basic[r] < d->basic[static_cast<size_t>(best)]))
+        if ((low || high) && (best < 0 || d->basic[r] < d->basic[best]))
             best = static_cast<int>(r);
     }
     return best;
@@ -152,7 +151,7 @@ static int make_feasible(Dictionary *d)
             if (d->coef[r][k] == 0) continue;
             const Move move = (d->coef[r][k] > 0) == low ? Move::UP : Move::DOWN;
             if (!can_move(d, d->nonbasic[k], move)) continue;
-            if (entering < 0 || d->nonbasic[k] < d->nonbasic[static_cast<size_t>(entering)])
+            if (entering < 0 || d->nonbasic[k] < d->nonbasic[entering])
                 entering = static_cast<int>(k);
         }
         if (entering < 0) return found;
@@ -172,7 +171,7 @@ static int first_improving(const Dictionary *d, Move *move_out)
         if (d->cost[k] == 0) continue;
         const Move move = d->cost[k] < 0 ? Move::UP : Move::DOWN;
         if (!can_move(d, d->nonbasic[k], move)) continue;
-        if (best >= 0 && d->nonbasic[k] > d->nonbasic[static_cast<size_t>(best)]) continue;
+        if (best >= 0 && d->nonbasic[k] > d->nonbasic[best]) continue;
         best = static_cast<int>(k);
         *move_out = move;
     }
@@ -269,11 +268,10 @@ static RationalResult solve_unverified(const LpModel *lp)
         const int direction = move == Move::UP ? 1 : -1;
         result.status = LpStatus::UNBOUNDED;
         result.ray.assign(n, 0);
-        if (d.nonbasic[k] < static_cast<int>(n))
-            result.ray[static_cast<size_t>(d.nonbasic[k])] = direction;
+        if (d.nonbasic[k] < static_cast<int>(n)) result.ray[d.nonbasic[k]] = direction;
         for (size_t r = 0; r < m; r++)
             if (d.basic[r] < static_cast<int>(n))
-                result.ray[static_cast<size_t>(d.basic[r])] = d.coef[r][k] * direction;
+                result.ray[d.basic[r]] = d.coef[r][k] * direction;
         return result;
     }
     result.pi.assign(m, 0);
@@ -296,17 +294,4 @@ RationalResult rational_solve(const LpModel *lp)
         abort();
     }
     return result;
-}
-
-bool rational_has_ray(const LpModel *lp)
-{
-    LpModel cone = *lp;
-    cone.objcon = 0;
-    for (double &b : cone.rhs) b = 0;
-    for (size_t j = 0; j < cone.obj.size(); j++) {
-        cone.lb[j] = lp_is_infinite(cone.lb[j]) ? -1 : 0;
-        cone.ub[j] = lp_is_infinite(cone.ub[j]) ? 1 : 0;
-    }
-    const RationalResult result = rational_solve(&cone);
-    return lp->sense > 0 ? result.value < 0 : result.value > 0;
 }

@@ -38,6 +38,3 @@ struct RationalResult {
 RationalResult rational_solve(const LpModel *lp);
 // Empty when the certificates prove the claim, else what is wrong with them.
 std::string rational_verify(const LpModel *lp, const RationalResult *result);
-// Is there a direction that keeps every row and bound and improves the objective? For a feasible model this is
-// the same as unbounded; an infeasible model with such a direction has an infeasible dual too.
-bool rational_has_ray(const LpModel *lp);

@@ -11,8 +11,7 @@ static Vector combine_rows(const LpModel *lp, const Vector &y)
 {
     Vector sum(lp->obj.size());
     for (size_t j = 0; j < lp->cols.size(); j++)
-        for (const LpEntry &e : lp->cols[j])
-            sum[j] += e.value * y[static_cast<size_t>(e.row)];
+        for (const LpEntry &e : lp->cols[j]) sum[j] += e.value * y[e.row];
     return sum;
 }
 
@@ -21,8 +20,7 @@ static Vector activities(const LpModel *lp, const Vector &x)
 {
     Vector sum(lp->rhs.size());
     for (size_t j = 0; j < lp->cols.size(); j++)
-        for (const LpEntry &e : lp->cols[j])
-            sum[static_cast<size_t>(e.row)] += e.value * x[j];
+        for (const LpEntry &e : lp->cols[j]) sum[e.row] += e.value * x[j];
     return sum;
 }
 

@@ -7,12 +7,9 @@ using Terms = std::vector<std::pair<int, double>>;
 const std::vector<FamilyRow> &all_families()
 {
     static const std::vector<FamilyRow> families = {
-        {"transportation", gen_transportation},
         {"assignment", gen_assignment},
         {"multi_period", gen_multi_period},
-        {"covering", gen_covering},
         {"network", gen_network},
-        {"staircase", gen_staircase},
         {"cone", gen_cone},
         {"blending", gen_blending},
         {"planted_optimum", gen_planted_optimum},
@@ -24,43 +21,18 @@ const std::vector<FamilyRow> &all_families()
     return families;
 }
 
-GeneratedLp gen_transportation(Dice *dice, int size)
-{
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
-    const int sources = std::max(2, size / 3), sinks = std::max(2, size - sources);
-    std::vector<Terms> out(static_cast<size_t>(sources)), in(static_cast<size_t>(sinks));
-    for (int s = 0; s < sources; s++)
-        for (int t = 0; t < sinks; t++) {
-            if (s != t % sources && dice->chance(60)) continue; // each sink has a source
-            const int x = lp_add_var(&g.lp, dice->range(1, 20), 0, LP_INFINITY);
-            out[static_cast<size_t>(s)].push_back({x, 1});
-            in[static_cast<size_t>(t)].push_back({x, 1});
-        }
-    std::vector<int> supply(static_cast<size_t>(sources), 0);
-    for (int t = 0; t < sinks; t++) {
-        const int demand = dice->range(1, 30);
-        supply[static_cast<size_t>(t % sources)] += demand;
-        lp_add_row_entries(&g.lp, in[static_cast<size_t>(t)], dice->chance(50) ? '=' : '>',
-                           demand);
-    }
-    for (int s = 0; s < sources; s++)
-        lp_add_row_entries(&g.lp, out[static_cast<size_t>(s)], '<',
-                           supply[static_cast<size_t>(s)]);
-    return g;
-}
-
 GeneratedLp gen_assignment(Dice *dice, int size)
 {
     GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
     const int k = std::max(2, size / 3);
     g.lp.sense = dice->chance(50) ? 1 : -1;
-    std::vector<Terms> row(static_cast<size_t>(k)), col(static_cast<size_t>(k));
+    std::vector<Terms> row(k), col(k);
     for (int i = 0; i < k; i++)
         for (int j = 0; j < k; j++) {
             const int x =
                 lp_add_var(&g.lp, dice->range(1, 4), 0, dice->chance(50) ? 1 : LP_INFINITY);
-            row[static_cast<size_t>(i)].push_back({x, 1});
-            col[static_cast<size_t>(j)].push_back({x, 1});
+            row[i].push_back({x, 1});
+            col[j].push_back({x, 1});
         }
     for (const Terms &terms : row) lp_add_row_entries(&g.lp, terms, '=', 1);
     for (const Terms &terms : col) lp_add_row_entries(&g.lp, terms, '=', 1);
@@ -71,7 +43,7 @@ GeneratedLp gen_multi_period(Dice *dice, int size)
 {
     GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
     const int items = dice->range(2, 4), periods = std::max(2, size / (items + 1));
-    std::vector<int> stock(static_cast<size_t>(items), -1);
+    std::vector<int> stock(items, -1);
     for (int t = 0; t < periods; t++) {
         Terms capacity;
         for (int k = 0; k < items; k++) {
@@ -81,33 +53,12 @@ GeneratedLp gen_multi_period(Dice *dice, int size)
             const int late =
                 lp_add_var(&g.lp, 200, 0, LP_INFINITY); // buying keeps it feasible
             Terms balance = {{make, 1}, {late, 1}, {keep, -1}};
-            if (t > 0) balance.push_back({stock[static_cast<size_t>(k)], 1});
+            if (t > 0) balance.push_back({stock[k], 1});
             lp_add_row_entries(&g.lp, balance, '=', dice->range(0, 25));
-            stock[static_cast<size_t>(k)] = keep;
+            stock[k] = keep;
             capacity.push_back({make, dice->range(1, 5)});
         }
         lp_add_row_entries(&g.lp, capacity, '<', dice->range(30, 120));
-    }
-    return g;
-}
-
-GeneratedLp gen_covering(Dice *dice, int size)
-{
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
-    const int cols = 2 * size;
-    for (int j = 0; j < cols; j++)
-        lp_add_var(&g.lp, dice->range(1, 5), 0, dice->chance(70) ? 1 : LP_INFINITY);
-    for (int i = 0; i < size; i++) {
-        Terms terms;
-        std::vector<int> chosen;
-        const int length = dice->range(2, 6);
-        while (static_cast<int>(chosen.size()) < length) {
-            const int j = dice->range(0, cols - 1);
-            if (std::find(chosen.begin(), chosen.end(), j) == chosen.end())
-                chosen.push_back(j);
-        }
-        for (const int j : chosen) terms.push_back({j, 1});
-        lp_add_row_entries(&g.lp, terms, '>', 1);
     }
     return g;
 }
@@ -116,8 +67,8 @@ GeneratedLp gen_network(Dice *dice, int size)
 {
     GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
     const int nodes = std::max(3, size), arcs = 3 * nodes;
-    std::vector<Terms> balance(static_cast<size_t>(nodes));
-    std::vector<int> net(static_cast<size_t>(nodes), 0);
+    std::vector<Terms> balance(nodes);
+    std::vector<int> net(nodes, 0);
     for (int a = 0; a < arcs; a++) {
         const int from = a < nodes ? a : dice->range(0, nodes - 1);
         int to = a < nodes ? (a + 1) % nodes : dice->range(0, nodes - 1);
@@ -125,44 +76,13 @@ GeneratedLp gen_network(Dice *dice, int size)
         const int flow = dice->chance(40) ? dice->range(0, 12) : 0; // planted
         const double capacity = dice->chance(30) ? LP_INFINITY : flow + dice->range(0, 8);
         const int x = lp_add_var(&g.lp, dice->range(0, 9), 0, capacity);
-        balance[static_cast<size_t>(from)].push_back({x, 1});
-        balance[static_cast<size_t>(to)].push_back({x, -1});
-        net[static_cast<size_t>(from)] += flow;
-        net[static_cast<size_t>(to)] -= flow;
+        balance[from].push_back({x, 1});
+        balance[to].push_back({x, -1});
+        net[from] += flow;
+        net[to] -= flow;
     }
     for (int v = 0; v < nodes; v++) // one row is redundant
-        lp_add_row_entries(&g.lp, balance[static_cast<size_t>(v)], '=',
-                           net[static_cast<size_t>(v)]);
-    return g;
-}
-
-GeneratedLp gen_staircase(Dice *dice, int size)
-{
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
-    const int width = dice->range(3, 5), periods = std::max(2, size / width);
-    std::vector<int> last;
-    std::vector<double> point; // planted: 0, 1, 2 ..
-    g.lp.sense = -1;
-    for (int t = 0; t < periods; t++) {
-        std::vector<int> now;
-        for (int k = 0; k < 2 * width; k++) {
-            now.push_back(lp_add_var(&g.lp, dice->range(-2, 9), 0, dice->range(5, 40)));
-            point.push_back(dice->range(0, 5));
-        }
-        for (int i = 0; i < width; i++) {
-            Terms terms;
-            double activity = 0;
-            for (const int j : now)
-                if (dice->chance(50)) terms.push_back({j, dice->range(1, 9)});
-            for (const int j : last)
-                if (dice->chance(30)) terms.push_back({j, -dice->range(1, 5)});
-            for (const auto &[j, a] : terms) activity += a * point[static_cast<size_t>(j)];
-            const char sense = dice->chance(70) ? '<' : '=';
-            lp_add_row_entries(&g.lp, terms, sense,
-                               activity + (sense == '<' ? dice->range(0, 9) : 0));
-        }
-        last = now;
-    }
+        lp_add_row_entries(&g.lp, balance[v], '=', net[v]);
     return g;
 }
 
@@ -206,7 +126,7 @@ GeneratedLp gen_blending(Dice *dice, int size)
         for (int j = 0; j < raws; j++) {
             const double grade = dice->range(-40, 60) / 8.0;
             terms.push_back({j, grade});
-            activity += grade * point[static_cast<size_t>(j)];
+            activity += grade * point[j];
         }
         const double share = dice->range(-8, 8) / 8.0;
         terms.push_back({total, share});

@@ -25,12 +25,9 @@ struct FamilyRow {
 const std::vector<FamilyRow> &all_families();
 
 // structured_gen.cpp
-GeneratedLp gen_transportation(Dice *dice, int size); // balanced supplies and demands
 GeneratedLp gen_assignment(Dice *dice, int size);   // few distinct costs, highly degenerate
 GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capacity
-GeneratedLp gen_covering(Dice *dice, int size);     // set covering relaxation
 GeneratedLp gen_network(Dice *dice, int size);      // minimum cost flow with capacities
-GeneratedLp gen_staircase(Dice *dice, int size);    // periods linked to the next one only
 GeneratedLp gen_cone(Dice *dice, int size);         // all rows meet in one vertex
 GeneratedLp gen_blending(Dice *dice, int size); // dense ratio rows, free and fixed columns
 // planted_gen.cpp

@@ -1,0 +1,103 @@
+// presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
+//
+// The model's own presolve record, from which a solve that a limit has stopped would go on, stays as it is.
+#include "frame/model_store.h"
+#include "frame/runtime/clock.h"
+#include "presolve/presolve.h"
+#include <cstring>
+#include <utility>
+
+namespace
+{
+constexpr size_t POOL_CHUNK = 4096;
+
+// Names of what is left; default names say where a row or column comes from.
+struct Names {
+    TextPool *pool = nullptr;
+    Array<const char *> vars, constrs;
+    ~Names() { PoolFree(&pool); }
+};
+
+const char *copy_text(TextPool *pool, const char *text)
+{
+    return PoolCopy(pool, text, strlen(text));
+}
+
+int name_column(Names *names, const ModelBody *body, int j, const char **name)
+{
+    char buffer[DEFAULT_NAME_LENGTH];
+    *name = copy_text(names->pool, var_name(body, j, buffer));
+    return *name ? 0 : OUT_OF_MEMORY;
+}
+
+int name_row(Names *names, const ModelBody *body, int i, const char **name)
+{
+    char buffer[DEFAULT_NAME_LENGTH];
+    *name = copy_text(names->pool, constr_name(body, i, buffer));
+    return *name ? 0 : OUT_OF_MEMORY;
+}
+
+int collect_names(const TVXmodel *model, Names *names)
+{
+    const ModelBody *body = model->body, *reduced = model->presolved->body;
+    names->pool = PoolCreate(POOL_CHUNK);
+    if (!names->pool) return OUT_OF_MEMORY;
+    TRY(array_resize(&names->vars, reduced->numvars));
+    TRY(array_resize(&names->constrs, reduced->numconstrs));
+    for (int j = 0; j < body->numvars; j++) {
+        const int k = presolved_var(model->presolve, j);
+        if (k >= 0) TRY(name_column(names, body, j, &names->vars[k]));
+    }
+    for (int i = 0; i < body->numconstrs; i++) {
+        const int k = presolved_constr(model->presolve, i);
+        if (k >= 0) TRY(name_row(names, body, i, &names->constrs[k]));
+    }
+    return 0;
+}
+
+int refuse(TVXmodel *model, int status)
+{
+    if (status == OUT_OF_MEMORY) return status;
+    const char *why = status == PRESOLVE_TIME_LIMIT ? "the time limit is reached"
+                      : status == PRESOLVE_INTERRUPTED
+                          ? "it was interrupted"
+                          : "the model has no optimal solution";
+    return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
+                      "Presolve leaves no model: %s", why);
+}
+
+int make_copy(TVXmodel *model, TVXmodel **out)
+{
+    if (model_is_mip(model))
+        return fail_model(model, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
+                          "Presolve of models with integer variables is not available yet");
+    const int status = presolve_lp(model);
+    if (status != 0) return refuse(model, status);
+    if (!model->presolved) { // nothing is left but the constant
+        const ModelData empty = {.sense = model->body->sense,
+                                 .objcon = presolved_constant(model->presolve)};
+        return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
+    }
+    Names names;
+    TRY(collect_names(model, &names));
+    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
+}
+} // namespace
+
+TVXmodel *TVXpresolvemodel(TVXmodel *model)
+{
+    if (const int error = TVXcheckmodel(model)) {
+        finish_model(model, error);
+        return nullptr;
+    }
+    PresolveResult *presolve = std::exchange(model->presolve, nullptr);
+    TVXmodel *presolved = std::exchange(model->presolved, nullptr);
+    TVXmodel *out = nullptr;
+    model->env->optimize_start = WallClock(); // the time limit counts from here
+    const int code = make_copy(model, &out);
+    presolve_drop(model);
+    model->presolve = presolve;
+    model->presolved = presolved;
+    finish_model(model, code);
+    return out;
+}

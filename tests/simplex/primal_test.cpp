@@ -1,0 +1,119 @@
+// primal_test.cpp -- pricings and starts of the primal: whatever the way, the same answer in a vertex
+#include "simplex/sopt.h"
+#include "support/model_test.h"
+#include "support/structured_gen.h"
+
+namespace
+{
+
+// Solves as set up; with `x` from that point.
+const sopt *solve(TVXmodel *model, int method, const double *x = nullptr)
+{
+    EXPECT_EQ(SimplexOptimize(model, method, nullptr, nullptr, x, nullptr), 0);
+    return model->simplex;
+}
+
+void expect_same(const sopt *a, const sopt *b)
+{
+    ASSERT_EQ(a->Status, b->Status);
+    if (a->Status != SIMPLEX_OPTIMAL) return;
+    EXPECT_NEAR(a->Obj, b->Obj, 1e-6 * (1 + std::abs(a->Obj)));
+}
+
+// More columns than rows by far: the automatic choice begins with partial pricing.
+LpModel wide_covering(Dice *dice, int rows, int columns)
+{
+    LpModel lp;
+    for (int i = 0; i < rows; i++) lp_add_row(&lp, '>', dice->range(1, 9));
+    for (int j = 0; j < columns + rows; j++) { // the last ones cover each row without limit
+        const bool last = j >= columns;
+        lp_add_var(&lp, last ? 100 : dice->range(1, 50), 0,
+                   !last && dice->chance(30) ? dice->range(1, 3) : LP_INFINITY);
+        for (int i = 0; i < rows; i++)
+            if (last ? i == j - columns : dice->chance(40))
+                lp_set_entry(&lp, i, j, last ? 1 : dice->range(1, 5));
+    }
+    return lp;
+}
+
+// A point within the bounds, on them here and there; free variables anywhere.
+std::vector<double> draw_point(const LpModel *lp, Dice *dice)
+{
+    std::vector<double> x;
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const bool lower = !lp_is_infinite(lp->lb[j]), upper = !lp_is_infinite(lp->ub[j]);
+        const double low = lower ? lp->lb[j] : upper ? lp->ub[j] - 10 : -10;
+        const double high = upper ? lp->ub[j] : low + 10;
+        x.push_back(dice->chance(30) ? low : dice->real(low, high));
+    }
+    return x;
+}
+
+int superbasics_left(const sopt *s)
+{
+    int count = 0;
+    for (int j = 0; j < s->NumVars; j++) count += is_superbasic(s, j);
+    return count;
+}
+
+} // namespace
+
+TEST(PrimalPricing, every_kind_finds_the_same_answer_with_and_without_perturbation)
+{
+    const TestEnv env;
+    for (uint64_t seed = 0; seed < 40; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed + 77);
+        const LpModel lp =
+            seed % 4 == 0 ? wide_covering(&dice, 8, 300)
+            : seed % 4 == 1
+                ? (seed % 8 == 1 ? gen_assignment(&dice, 25) : gen_cone(&dice, 40)).lp
+                : dice.pick(all_families()).generate(&dice, dice.range(5, 40)).lp;
+        const TestModel first(lp_load(env.env, &lp));
+        solve(first, METHOD_PRIMAL);
+        for (const int kind : {-1, 1, 2, 3, 10, 20, 30}) // 10 to 30: the partial kinds
+            for (const double perturb : {0.0, 0.0002}) {
+                if (perturb == 0 && seed % 4 != 1) continue;
+                const TestModel other(lp_load(env.env, &lp));
+                TVXenv *own = TVXgetenv(other);
+                own->SimplexPricing = kind < 10 ? kind : 0;
+                own->TARV_PAR_PRIMALPARTIAL = kind / 10;
+                own->PerturbValue = perturb;
+                own->IterationLimit = 50000;
+                expect_same(solve(other, METHOD_PRIMAL), first.model->simplex);
+                ASSERT_FALSE(testing::Test::HasFailure()) << kind << " " << perturb;
+            }
+    }
+}
+
+TEST(PrimalSuper, a_start_from_a_point_ends_in_a_vertex_with_the_same_answer)
+{
+    const TestEnv env;
+    for (uint64_t seed = 0; seed < 60; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed + 31);
+        const LpModel lp = dice.pick(all_families()).generate(&dice, dice.range(4, 40)).lp;
+        const TestModel plain(lp_load(env.env, &lp)), started(lp_load(env.env, &lp));
+        const std::vector<double> x = draw_point(&lp, &dice);
+        const sopt *s = solve(started, METHOD_DUAL, x.data());
+        expect_same(solve(plain, METHOD_DUAL), s);
+        if (s->Status != SIMPLEX_OPTIMAL) continue; // a ray may be met amid the pushes
+        EXPECT_EQ(superbasics_left(s), 0);
+        EXPECT_EQ(s->Superbasics, 0);
+    }
+}
+
+TEST(PrimalSuper, a_limit_amid_the_pushes_leaves_a_start_for_the_next_solve)
+{
+    const TestEnv env;
+    Dice dice(5);
+    const LpModel lp = gen_blending(&dice, 30).lp;
+    const TestModel plain(lp_load(env.env, &lp)), started(lp_load(env.env, &lp));
+    const std::vector<double> x = draw_point(&lp, &dice);
+    TVXgetenv(started)->IterationLimit = 3;
+    ASSERT_EQ(solve(started, METHOD_AUTO, x.data())->Status, SIMPLEX_ITERATION_LIMIT);
+    EXPECT_GT(superbasics_left(started.model->simplex), 0);
+    TVXgetenv(started)->IterationLimit = 1e9;
+    expect_same(solve(started, METHOD_AUTO), solve(plain, METHOD_DUAL));
+    EXPECT_EQ(superbasics_left(started.model->simplex), 0);
+}
