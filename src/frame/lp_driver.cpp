@@ -98,6 +98,8 @@ static void publish(TVXmodel *model, double start)
 static bool stopped_in_presolved(const TVXmodel *model)
 {
     const int status = model->status;
+    const WarmStart *given = warm_start_usable(model);
+    if (given && given->kind == WARM_CHECKED) return false; // set since then
     return model->presolved && model->presolved->simplex && model->env->Presolve != 0 &&
            (status == TVX_ITERATION_LIMIT || status == TVX_TIME_LIMIT ||
             status == TVX_INTERRUPTED);

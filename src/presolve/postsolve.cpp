@@ -11,6 +11,15 @@
 
 namespace
 {
+// A nonbasic column whose bounds have met stands at both: the sign of its reduced cost tells which of them holds it.
+int status_of(const TVXmodel *reduced_model, const LpPoint *reduced, int k)
+{
+    const int status = reduced->status.data[k];
+    const ModelBody *body = reduced_model->body;
+    if (status >= 0 || body->lb.data[k] != body->ub.data[k]) return status;
+    return reduced->dual.data[k] >= 0 ? -1 : -2;
+}
+
 void scatter(const PresolveResult *result, const TVXmodel *reduced_model,
              const LpPoint *reduced, PostPoint *point)
 {
@@ -20,7 +29,8 @@ void scatter(const PresolveResult *result, const TVXmodel *reduced_model,
         const int k = result->ColMap.data[j];
         point->x[j] = k >= 0 ? reduced->x.data[k] : 0;
         point->d[j] = k >= 0 ? reduced->dual.data[k] : 0;
-        if (point->status) point->status[j] = k >= 0 ? reduced->status.data[k] : -1;
+        if (point->status)
+            point->status[j] = k >= 0 ? status_of(reduced_model, reduced, k) : -1;
     }
     for (int i = 0; i < m; i++) {
         const int k = result->RowMap.data[i];
