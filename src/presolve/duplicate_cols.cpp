@@ -7,6 +7,7 @@
 //             A bound that rows imply is taken away first when that lets a column go: then nothing else can lean on it.
 // Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
 // Cost        That of finding the classes, and O(class log class).
+#include "presolve/aggregate.h"
 #include "presolve/duplicates.h"
 #include "presolve/merged_columns.h"
 #include <algorithm>
@@ -15,7 +16,6 @@
 namespace
 {
 constexpr double SAME_PRICE = 1e-12; // of the larger price
-constexpr double IMPLIED = 1e-9;     // what an implied bound may miss
 constexpr double LARGEST_FACTOR =
     1e3; // between scales of two columns that act on each other
 
@@ -31,10 +31,8 @@ bool is_bounded(const PresolveWork *w, const DupLine *l, int side)
 
 bool is_implied(const PresolveWork *w, const DupLine *l, int side)
 {
-    const int j = l->line;
-    const ImpliedBounds implied = implied_bounds(w, j);
-    return side * l->scale > 0 ? implied.ub <= w->Ub.data[j] + IMPLIED
-                               : implied.lb >= w->Lb.data[j] - IMPLIED;
+    const int which = side * l->scale > 0 ? UPPER_MATTERS : LOWER_MATTERS;
+    return (bounds_that_matter(w, l->line) & which) == 0;
 }
 
 void take_bound_away(PresolveWork *w, const DupLine *l, int side)
