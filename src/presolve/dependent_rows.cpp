@@ -19,7 +19,7 @@ constexpr double SAME = 1e-9; // the same of right-hand sides
 constexpr double LARGEST_SUM =
     1e3; // of multipliers: violations of the rows that stay add up in the one that goes
 constexpr double CERTAIN = 10;        // times what tolerances allow: a contradiction
-constexpr double WORK_PER_ENTRY = 50; // limit of the effort
+constexpr double WORK_PER_ENTRY = 20; // limit of the effort
 
 // What a combination of lines leaves of a line.
 struct Remainder {

@@ -162,18 +162,22 @@ int handle_rows(PresolveWork *w, DupLine *members, int count)
     return inequalities(w, members, count);
 }
 
-// The one entry of an equation whose column is in no other row, or -1 when there is none or more than one.
-int slack_entry(const PresolveWork *w, int i)
+constexpr int NONE = -1, SEVERAL = -2;
+
+// In IndexB, for each equation of the list: the entry whose column is in no other row, or NONE, or SEVERAL.
+void find_slacks(PresolveWork *w, const int *list, int count)
 {
-    if (w->Sense.data[i] != '=' || w->RowCnt.data[i] < 2) return -1;
-    int found = -1;
-    for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
-        const int j = w->Nodes.data[p].col;
-        if (w->ColCnt.data[j] > 1) continue;
-        if (found >= 0 || w->ColFlags.data[j] || is_integer(w, j)) return -1;
-        found = p;
+    int *slack = w->IndexB.data;
+    for (int k = 0; k < count; k++) w->Flag.data[list[k]] = w->Sense.data[list[k]] == '=';
+    for (int k = 0; k < count; k++) slack[list[k]] = NONE;
+    for (int j = 0; j < w->NumCols; j++) {
+        if (w->ColCnt.data[j] != 1) continue;
+        const int p = first_in_col(w, j), i = w->Nodes.data[p].row;
+        if (!w->Flag.data[i]) continue;
+        const bool fit = w->ColFlags.data[j] == 0 && !is_integer(w, j);
+        slack[i] = slack[i] == NONE && fit ? p : SEVERAL;
     }
-    return found;
+    for (int k = 0; k < count; k++) w->Flag.data[list[k]] = 0;
 }
 } // namespace
 
@@ -182,9 +186,10 @@ int pre_duplicate_rows(PresolveWork *w)
     const int count = candidate_rows(w, w->IndexA.data);
     Array<DupLine> lines;
     TRY(array_resize(&lines, count));
+    find_slacks(w, w->IndexA.data, count);
     for (int k = 0; k < count; k++) {
         const int i = w->IndexA.data[k];
-        lines.data[k] = {0, 0, 0, i, 0, slack_entry(w, i)};
+        lines.data[k] = {0, 0, 0, i, 0, w->IndexB.data[i]};
     }
     return duplicate_classes(w, Axis::ROWS, lines.data, count, handle_rows);
 }

@@ -133,13 +133,13 @@ int eliminate(Elimination *e, int line, Work *at)
         const Pivot &pivot = e->Pivots.data[k];
         const double v = e->Value.data[pivot.place];
         e->Value.data[pivot.place] = 0;
-        w->Work += 5;
+        w->Work += 10;
         if (std::fabs(v) <= DROP * e->Size.data[pivot.place]) continue;
         const double factor = v / pivot.value;
         TRY(array_append(&e->Lower, Entry{k, factor}));
         for (int64_t u = pivot.upper_begin; u < pivot.upper_end; u++)
             add_term(e, at, e->Upper.data[u].index, -factor * e->Upper.data[u].value);
-        w->Work += 3.0 * static_cast<double>(pivot.upper_end - pivot.upper_begin);
+        w->Work += 5.0 * static_cast<double>(pivot.upper_end - pivot.upper_begin);
     }
     return 0;
 }

@@ -116,6 +116,23 @@ int try_row(PresolveWork *w, int i, double sign, Relief *list)
     for (; k < count; k++) TRY(fix_at_lower(w, list[k].col));
     return 0;
 }
+// Active rows in which a column stands that is in no other row.
+int rows_with_singletons(PresolveWork *w, int *list)
+{
+    int *active = w->IndexB.data;
+    const int count = active_rows(w, active);
+    for (int k = 0; k < count; k++) w->Flag.data[active[k]] = 1;
+    int kept = 0;
+    for (int j = 0; j < w->NumCols; j++) {
+        if (w->ColCnt.data[j] != 1) continue;
+        const int i = w->Nodes.data[first_in_col(w, j)].row;
+        if (!w->Flag.data[i]) continue;
+        w->Flag.data[i] = 0;
+        list[kept++] = i;
+    }
+    for (int k = 0; k < count; k++) w->Flag.data[active[k]] = 0;
+    return kept;
+}
 } // namespace
 
 int pre_singleton_knapsack(PresolveWork *w)
@@ -124,7 +141,7 @@ int pre_singleton_knapsack(PresolveWork *w)
     const bool interior = env->LPMethod == 2 && env->Crossover == 0;
     if (!env->TARV_PAR_DUALREDUCTION || (interior && !w->IsMip)) return 0;
     int *rows = w->IndexA.data;
-    const int count = active_rows(w, rows);
+    const int count = rows_with_singletons(w, rows);
     Array<Relief> list;
     TRY(array_resize(&list, w->NumCols));
     for (int k = 0; k < count; k++) {
