@@ -16,6 +16,7 @@
 namespace
 {
 constexpr double SAME_PRICE = 1e-12; // of the larger price
+constexpr double NO_COST = 1e-13;    // a difference of costs that is rounding
 constexpr double LARGEST_FACTOR =
     1e3; // between scales of two columns that act on each other
 
@@ -104,7 +105,8 @@ int dominate(PresolveWork *w, const DupLine *members, int count, int side)
 bool may_merge(const PresolveWork *w, const DupLine *a, const DupLine *b)
 {
     const double p = price(w, a), q = price(w, b);
-    if (std::fabs(p - q) > SAME_PRICE * std::max(std::fabs(p), std::fabs(q))) return false;
+    const double gap = std::fabs(p - q), size = std::max(std::fabs(p), std::fabs(q));
+    if (gap > SAME_PRICE * size && gap * std::fabs(a->scale) > NO_COST) return false;
     const bool integer = is_integer(w, a->line);
     if (integer != is_integer(w, b->line) || !is_fit(a, b)) return false;
     return !integer || std::fabs(std::fabs(a->scale) - std::fabs(b->scale)) <=
