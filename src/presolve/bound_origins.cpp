@@ -86,7 +86,7 @@ bool end_claim(BoundPropagation *p, bool holds)
         const BoundVersion &b = p->Log.data[p->Trail.data[k]];
         p->Seen.data[p->Trail.data[k]] = SETTLED;
         p->ConState.data[b.con] |=
-            static_cast<char>(b.side == UPPER_SIDE ? CON_HIGH_USED : CON_LOW_USED);
+            static_cast<uint8_t>(b.side == UPPER_SIDE ? CON_HIGH_USED : CON_LOW_USED);
     }
     return holds;
 }
@@ -116,7 +116,7 @@ double activity_of_others(const BoundPropagation *p, int con, int side)
 
 bool claim_con(BoundPropagation *p, int con, int sides)
 {
-    char *state = &p->ConState.data[con];
+    uint8_t *state = &p->ConState.data[con];
     if (*state != 0 || too_much(p)) return false;
     *state = CON_GONE;
     begin_claim(p);

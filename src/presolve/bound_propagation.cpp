@@ -130,6 +130,32 @@ void list_next(BoundPropagation *p)
     }
     p->NumTightened = 0;
 }
+
+int alloc_bounds(BoundPropagation *p)
+{
+    const int64_t places = 2 * int64_t{p->NumVars};
+    for (Array<double> *a : {&p->Start, &p->Bound}) TRY(array_resize(a, places));
+    TRY(array_resize(&p->Limit, 2 * int64_t{p->NumCons}));
+    TRY(array_assign(&p->Newest, places, -1));
+    TRY(array_assign(&p->StartState, places, char(START_FREE)));
+    return array_resize(&p->StartTrail, places);
+}
+
+// The log has room for a version of each bound and each entry.
+int alloc_lists(BoundPropagation *p)
+{
+    const PresolveWork *w = p->w;
+    int64_t room = 2 * int64_t{p->NumVars} + 16;
+    for (int i = 0; i < w->NumRows; i++) room += std::max(0, w->RowCnt.data[i]);
+    TRY(array_reserve(&p->Log, std::min(room, int64_t{INT32_MAX})));
+    TRY(array_assign(&p->Seen, p->Log.room, 0));
+    TRY(array_resize(&p->Trail, p->Log.room));
+    TRY(array_resize(&p->ConList, p->NumCons));
+    TRY(array_resize(&p->VarList, p->NumVars));
+    TRY(array_assign(&p->ConListed, p->NumCons, char(0)));
+    TRY(array_assign(&p->VarListed, p->NumVars, char(0)));
+    return array_assign(&p->ConState, p->NumCons, uint8_t{0});
+}
 } // namespace
 
 int propagation_alloc(BoundPropagation *p, PresolveWork *w, PropagationKind kind)
@@ -140,24 +166,10 @@ int propagation_alloc(BoundPropagation *p, PresolveWork *w, PropagationKind kind
     p->NumVars = primal ? w->NumCols : w->NumRows;
     p->NumCons = primal ? w->NumRows : w->NumCols;
     p->Tol = primal ? w->FeasTol : w->OptTol;
-    const int64_t vars = p->NumVars, cons = p->NumCons;
-    int64_t room = 2 * vars + 16;
-    for (int i = 0; i < w->NumRows; i++) room += std::max(0, w->RowCnt.data[i]);
-    for (Array<double> *a : {&p->Start, &p->Bound}) TRY(array_resize(a, 2 * vars));
-    TRY(array_resize(&p->Limit, 2 * cons));
-    TRY(array_reserve(&p->Log, std::min(room, int64_t{INT32_MAX})));
-    TRY(array_assign(&p->Newest, 2 * vars, -1));
-    TRY(array_resize(&p->ConList, cons));
-    TRY(array_resize(&p->VarList, vars));
-    TRY(array_assign(&p->ConListed, cons, char(0)));
-    TRY(array_assign(&p->VarListed, vars, char(0)));
-    TRY(array_assign(&p->ConState, cons, char(0)));
-    TRY(array_assign(&p->StartState, 2 * vars, char(START_FREE)));
-    TRY(array_assign(&p->Seen, p->Log.room, 0));
-    TRY(array_resize(&p->Trail, p->Log.room));
-    TRY(array_resize(&p->StartTrail, 2 * vars));
-    for (int64_t k = 0; k < 2 * vars; k++) p->Start.data[k] = k & 1 ? w->INF : -w->INF;
-    for (int64_t k = 0; k < 2 * cons; k++) p->Limit.data[k] = k & 1 ? w->INF : -w->INF;
+    TRY(alloc_bounds(p));
+    TRY(alloc_lists(p));
+    for (int64_t k = 0; k < p->Start.size; k++) p->Start.data[k] = k & 1 ? w->INF : -w->INF;
+    for (int64_t k = 0; k < p->Limit.size; k++) p->Limit.data[k] = k & 1 ? w->INF : -w->INF;
     return 0;
 }
 

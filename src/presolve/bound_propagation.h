@@ -39,8 +39,8 @@ struct BoundPropagation {
     int WrongCon = -1;          // where that showed
     double Effort = 0;          // entries looked at
     // Origins: what conclusions rest on.
-    Array<char> ConState;   // [NumCons] bits CON_*
-    Array<char> StartState; // [2 NumVars] START_*
+    Array<uint8_t> ConState; // [NumCons] bits CON_*
+    Array<char> StartState;  // [2 NumVars] START_*
     Array<int> Seen;  // [room of Log] number of the claim that saw the version, or SETTLED
     Array<int> Trail; // [room of Log] versions a claim rests on
     Array<int> StartTrail; // [2 NumVars] bounds of the model it rests on
