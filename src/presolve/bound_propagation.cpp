@@ -43,7 +43,7 @@ Activity activity_of(BoundPropagation *p, int con, int side)
                      bound = p->Bound.data[term_place(var_of_entry(p, e), value, side)];
         p->Effort++;
         if (is_absent(p, bound)) {
-            a.infinite++;
+            if (++a.infinite > 1) break; // nothing follows
             continue;
         }
         a.sum += value * bound;
@@ -105,6 +105,8 @@ void imply(BoundPropagation *p, int con, int side)
         const double own = p->Bound.data[place];
         const bool missing = is_absent(p, own);
         if (all.infinite != (missing ? 1 : 0) || std::fabs(a) < SMALL_ENTRY) continue;
+        const double range = std::fabs(a * (p->Bound.data[place ^ 1] - own));
+        if (!missing && range <= -excess) continue; // not tighter
         const double rest = missing ? all.sum : all.sum - a * own;
         const double t = (limit - rest) / a, slack = margin / std::fabs(a);
         const bool upper = !(place & 1); // the other bound than the one the term used

@@ -64,19 +64,29 @@ TEST(ImpliedBounds, a_contradiction_of_several_rows_is_found)
     EXPECT_EQ(presolve_try(env.env, &lp, {pre_implied_bounds}).status, 0);
 }
 
-TEST(FreeBounds, free_columns_get_bounds_for_the_interior_point_method_only)
+// Column 0 is free, column 1 has a lower bound.
+static LpModel without_bounds()
 {
     LpModel lp;
     lp_add_var(&lp, 1, -LP_INFINITY, LP_INFINITY);
-    lp_add_var(&lp, 1, 0, 4);
+    lp_add_var(&lp, -1, 0, LP_INFINITY);
     lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 6);
     lp_add_row_entries(&lp, {{0, 2}, {1, -1}}, '>', -6);
-    for (const double method : {1, 2}) {
+    return lp;
+}
+
+TEST(FreeBounds, what_the_method_likes_gets_a_bound)
+{
+    const LpModel lp = without_bounds();
+    for (const double method : {0, 1, 2}) {
         const TestEnv env;
         set_parameters(env.env, {{"LPMethod", method}});
         const PresolveTry t = presolve_try(env.env, &lp, {pre_free_bounds});
         EXPECT_EQ(t.faults, "");
+        EXPECT_EQ(t.solution.objval, -6);
         EXPECT_EQ(t.reduced.ub[0] < 1e20, method == 2);
-        EXPECT_GT(t.reduced.ub[0], 6) << "no feasible point may touch it";
+        EXPECT_EQ(t.reduced.ub[1] < 1e20, method == 1);
+        EXPECT_GT(t.reduced.ub[0], 6.001) << "no feasible point may touch it";
+        EXPECT_GT(t.reduced.ub[1], 9) << "no feasible point may touch it";
     }
 }
