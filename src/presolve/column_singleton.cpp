@@ -10,7 +10,7 @@
 // Way back    x_j = (b - rest) / a. With y' the dual of the row that was left, y = y' + c_j / a, and the column takes the
 //             place of the row's slack: basic with it, else at the bound that had become the row.
 // Invariant   A bound counts as implied by the bounds of the other columns as they stand in the record, and these stay.
-// Cost        O(length of the row) per column that goes; a pass has a budget for rows that keep losing slacks.
+// Cost        O(length of the row) per column that goes; an inequality loses one slack, and the others are dominated then.
 #include "presolve/columns.h"
 #include "presolve/postsolve.h"
 #include <cmath>
@@ -25,13 +25,15 @@ constexpr double FREE_RATIO =
 constexpr double IMPLIED_RATIO =
     1e-3; // ... implied free: errors of others show in its bounds
 constexpr double SLACK_RATIO = 1e-3; // ... slack column
+constexpr int LONG_ROW = 50;         // one refusal per pass is enough
 
 // What the pass needs to know of a column singleton.
 struct Singleton {
     int p, row, col;
-    double a, cost, largest; // largest: entry of the rest of the row
+    double a, cost;
     bool free_below, free_above;
     bool bounded; // some of this is implied only
+    bool is_free() const { return free_below && free_above; }
 };
 
 bool may_try(const PresolveWork *w, int j)
@@ -56,27 +58,73 @@ bool is_weak(const PresolveWork *w, int j, double a)
            range * std::fabs(w->Obj.data[j]) > LITTLE_COST;
 }
 
-double largest_other(PresolveWork *w, int i, int p)
-{
-    double largest = 0;
-    for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q))
-        if (q != p) largest = std::fmax(largest, std::fabs(w->Nodes.data[q].value));
-    w->Work += w->RowCnt.data[i];
-    return largest;
-}
-
 Singleton examine(const PresolveWork *w, int j)
 {
     const int p = first_in_col(w, j);
     const PresolveNode &node = w->Nodes.data[p];
     Singleton s = {
-        p, node.row, j, node.value, w->Obj.data[j], 0, !has_lb(w, j), !has_ub(w, j), false};
-    if (s.free_below && s.free_above) return s;
+        p, node.row, j, node.value, w->Obj.data[j], !has_lb(w, j), !has_ub(w, j), false};
+    if (s.is_free()) return s;
     const ImpliedBounds implied = implied_bounds(w, j);
     s.bounded = true;
     s.free_below |= implied.lb >= w->Lb.data[j] - IMPLIED;
     s.free_above |= implied.ub <= w->Ub.data[j] + IMPLIED;
     return s;
+}
+
+// Whether the row may be taken to hold with equality, and at least one bound is none.
+bool may_leave(const PresolveWork *w, const Singleton *s)
+{
+    if (w->Sense.data[s->row] == '=') return s->free_below || s->free_above;
+    // The dual that the inequality gets must not be positive, and on the side on which the row pushes x_j back, its own
+    // bound must not matter.
+    return s->cost * s->a <= NO_COST * s->a * s->a &&
+           (s->a > 0 ? s->free_above : s->free_below);
+}
+
+// Of the slacks of an inequality, the one with the least c / a: the others find their bounds at its dual.
+Singleton best_slack(PresolveWork *w, Singleton best)
+{
+    for (int q = first_in_row(w, best.row); q >= 0; q = next_in_row(w, q)) {
+        const int k = w->Nodes.data[q].col;
+        if (w->ColCnt.data[k] != 1 || w->ColFlags.data[k] || !may_try(w, k)) continue;
+        const Singleton s = examine(w, k);
+        if (s.cost / s.a < best.cost / best.a && may_leave(w, &s) && !s.is_free()) best = s;
+    }
+    w->Work += 3.0 * w->RowCnt.data[best.row];
+    return best;
+}
+
+// What the rest of the row says about accuracy and about the start of the dual simplex.
+struct Rest {
+    double largest;
+    int wrong; // columns whose reduced cost would have the sign of a bound that is absent
+};
+
+Rest examine_rest(PresolveWork *w, const Singleton *s)
+{
+    Rest rest = {0, 0};
+    const double y = s->cost / s->a;
+    for (int q = first_in_row(w, s->row); q >= 0; q = next_in_row(w, q)) {
+        if (q == s->p) continue;
+        const int k = w->Nodes.data[q].col;
+        const double d = w->Obj.data[k] - y * w->Nodes.data[q].value;
+        rest.largest = std::fmax(rest.largest, std::fabs(w->Nodes.data[q].value));
+        rest.wrong += (d < -NO_COST && !has_ub(w, k)) || (d > NO_COST && !has_lb(w, k));
+    }
+    w->Work += w->RowCnt.data[s->row];
+    return rest;
+}
+
+bool is_safe(PresolveWork *w, const Singleton *s)
+{
+    if (is_weak(w, s->col, s->a) || !keeps_integers(w, s->p)) return false;
+    const Rest rest = examine_rest(w, s);
+    if (!s->is_free() && std::fabs(s->cost) > NO_COST && rest.wrong > 0) return false;
+    const double ratio = !s->is_free() ? SLACK_RATIO
+                         : s->bounded  ? IMPLIED_RATIO
+                                       : FREE_RATIO;
+    return std::fabs(s->a) >= ratio * rest.largest;
 }
 
 // The cost of the column moves to the others of its row.
@@ -161,19 +209,18 @@ int pre_column_singleton(PresolveWork *w, int j)
 {
     if (!may_try(w, j)) return 0;
     Singleton s = examine(w, j);
-    const bool equation = w->Sense.data[s.row] == '=';
-    // The dual that an inequality held at equality gets must not be positive.
-    if (!equation && s.cost * s.a > NO_COST * s.a * s.a) return 0;
-    // An inequality pushes x_j back on one side only; there its own bound must not matter.
-    if (!equation && !(s.a > 0 ? s.free_above : s.free_below)) return 0;
-    if (!s.free_below && !s.free_above) return 0;
-    if (is_weak(w, j, s.a) || !keeps_integers(w, s.p)) return 0;
-    s.largest = largest_other(w, s.row, s.p);
-    const bool both = s.free_below && s.free_above;
-    const double ratio = !both ? SLACK_RATIO : s.bounded ? IMPLIED_RATIO : FREE_RATIO;
-    if (std::fabs(s.a) < ratio * s.largest) return 0;
-    if (both) return substitute(w, &s);
-    return absorb(w, &s, s.free_above ? 1 : -1);
+    char *refused = w->Flag.data;
+    if (refused[s.row] || !may_leave(w, &s)) return 0;
+    if (w->Sense.data[s.row] != '=' && !s.is_free()) {
+        if (s.cost == 0) // as stored: nothing is lost at the bound that relaxes the row
+            return s.a > 0 ? fix_at_lower(w, j) : fix_at_upper(w, j);
+        s = best_slack(w, s);
+    }
+    if (!is_safe(w, &s)) {
+        refused[s.row] = w->RowCnt.data[s.row] > LONG_ROW;
+        return 0;
+    }
+    return s.is_free() ? substitute(w, &s) : absorb(w, &s, s.free_above ? 1 : -1);
 }
 
 void undo_slack_column(const UndoRecord *undo, PostPoint *point)

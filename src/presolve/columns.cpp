@@ -8,6 +8,7 @@
 // Cost        O(entries of the columns looked at)
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/columns.h"
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -68,17 +69,24 @@ int try_column(PresolveWork *w, int j, bool dual)
     if (dual) TRY(try_dominated(w, j));
     return w->ColCnt.data[j] == 1 ? pre_column_singleton(w, j) : 0;
 }
+
+int try_columns(PresolveWork *w, const int *list, int count)
+{
+    const bool dual = w->Env->TARV_PAR_DUALREDUCTION != 0;
+    for (int k = 0; k < count; k++) {
+        if (is_live_col(w, list[k])) TRY(try_column(w, list[k], dual));
+        if (check_is_due(k)) TRY(presolve_check(w));
+    }
+    return 0;
+}
 } // namespace
 
 int pre_columns(PresolveWork *w)
 {
     int *list = w->IndexA.data;
     const int count = candidate_cols_by_sense(w, SENSE_LESS | SENSE_EQUAL, list);
-    const bool dual = w->Env->TARV_PAR_DUALREDUCTION != 0;
     w->Work += 10.0 * count * static_cast<double>(w->NumNz) / (w->NumCols + 1);
-    for (int k = 0; k < count; k++) {
-        if (is_live_col(w, list[k])) TRY(try_column(w, list[k], dual));
-        if (check_is_due(k)) TRY(presolve_check(w));
-    }
-    return 0;
+    const int status = try_columns(w, list, count);
+    std::fill_n(w->Flag.data, w->NumRows, char(0)); // rows that refused singletons
+    return status;
 }

@@ -2,7 +2,8 @@
 #pragma once
 #include "presolve/work.h"
 
-// Column j has one entry. It goes through that row, takes the row's place as its slack, or stays. A PresolveStatus.
+// Column j has one entry. It goes through that row, takes the row's place as its slack, or stays; another slack of
+// the row may go in its place. Flag[row] is set when this row need not be tried again. A PresolveStatus.
 [[nodiscard]] int pre_column_singleton(PresolveWork *w, int j);
 // Column j, at no cost and without a bound on that side, can be moved up (sign +1) or down (-1) until all its rows hold:
 // it goes with them, unless that would be inaccurate. A PresolveStatus.
