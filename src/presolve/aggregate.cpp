@@ -5,8 +5,8 @@
 // Method      Doubleton equations first, since they never fill. Then columns in the order of the fill that their shortest
 //             equation threatens; each is tested as the model stands when its turn comes, so that no two columns vouch
 //             for each other. At last free columns without equations become slacks.
-// Numerics    The pivot must not be small against both its column and its row: multiples of the row then do not grow
-//             either the rows (column) or the point and its error (row).
+// Numerics    Multiples of the row grow by the largest of the column over the pivot, the error of the point by the
+//             largest of the row over it: one of the two must be small, and none large.
 // Cost        O(entries of the candidates) for ranking; eliminations as they are.
 // Literature  H. M. Markowitz, "The elimination form of the inverse and its application to linear programming",
 //             Management Science 3, 1957. A. L. Brearley, G. Mitra, H. P. Williams, "Analysis of mathematical
@@ -21,10 +21,10 @@ namespace
 constexpr double SMALL_SUPPORT = 1e-9; // coefficients that imply no bound
 constexpr double IMPLIED = 1e-9;       // by which an implied bound may miss the bound
 constexpr double LEAST_PIVOT = 1e-6;
-constexpr double RELATIVE_PIVOT = 0.01; // against the largest of column or row
+constexpr double RELATIVE_PIVOT = 0.1;   // against the largest of column or row
+constexpr double WORST_PIVOT = 1e-3;     // against the largest of both
 // Effort of one call: dense rows and columns that are met again and again must not cost their square.
 constexpr double EFFORT_PER_ENTRY = 200, EFFORT_AT_LEAST = 1e7;
-constexpr double DOUBLETON_PIVOT = 1e-4; // against the largest of a row of two
 
 // Bounds of a column, as implied by rows.
 struct Implied {
@@ -74,11 +74,10 @@ bool is_stable(const PresolveWork *w, int p, double col_largest)
 {
     const PresolveNode &pivot = w->Nodes.data[p];
     const double size = std::fabs(pivot.value);
-    if (size < LEAST_PIVOT) return false;
-    if (size >= RELATIVE_PIVOT * col_largest) return true;
     const double row_largest = largest_in_row(w, pivot.row);
-    return size >= RELATIVE_PIVOT * row_largest ||
-           (w->RowCnt.data[pivot.row] <= 2 && size >= DOUBLETON_PIVOT * row_largest);
+    return size >= LEAST_PIVOT &&
+           size >= WORST_PIVOT * std::max(row_largest, col_largest) &&
+           size >= RELATIVE_PIVOT * std::min(row_largest, col_largest);
 }
 
 // The entry of the shortest equation of column j through which it may leave, or -1.
