@@ -21,10 +21,10 @@ namespace
 constexpr double SMALL_SUPPORT = 1e-9; // coefficients that imply no bound
 constexpr double IMPLIED = 1e-9;       // by which an implied bound may miss the bound
 constexpr double LEAST_PIVOT = 1e-6;
-constexpr double RELATIVE_PIVOT = 0.1;   // against the largest of column or row
-constexpr double WORST_PIVOT = 1e-3;     // against the largest of both
+constexpr double RELATIVE_PIVOT = 0.1; // against the largest of column or row
+constexpr double WORST_PIVOT = 1e-3;   // against the largest of both
 // Effort of one call: dense rows and columns that are met again and again must not cost their square.
-constexpr double EFFORT_PER_ENTRY = 200, EFFORT_AT_LEAST = 1e7;
+constexpr double EFFORT_PER_ENTRY = 100, EFFORT_AT_LEAST = 1e6;
 
 // Bounds of a column, as implied by rows.
 struct Implied {

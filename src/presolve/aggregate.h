@@ -13,10 +13,17 @@ bool room_for_fill(PresolveWork *w, int64_t fill);
 // Adds multiples of the row of entry p to the objective and all other rows such that the column of p would leave them;
 // its entries there stay. Needs room for (length of row - 1) * (length of column - 1) nodes.
 void eliminate_from_others(PresolveWork *w, int p);
-// Then these entries go.
+// Then these entries go, and activities that lost digits on the way are summed anew.
 void drop_from_others(PresolveWork *w, int p);
-// Both, with the record of a substitution; afterwards row and column are gone. 0 or OUT_OF_MEMORY.
+void sum_anew_if_lost(PresolveWork *w, int i);
+// All of this with the record of a substitution; afterwards row and column are gone. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int substitute_out(PresolveWork *w, int p);
+// For many columns that go into one column k, each through an equation of the two: while k is mapped (IndexB, Flag),
+// entry p goes by its row's other entry q, in k, at the cost of the length of its column. New entries of k stand at the
+// head of its list.
+void map_column(PresolveWork *w, int k);
+void unmap_column(PresolveWork *w, int k);
+[[nodiscard]] int substitute_by_mapped(PresolveWork *w, int p, int q);
 
 // ---- aggregate.cpp ----
 // Sides of column j that matter: a bound is there and the rows do not imply it.

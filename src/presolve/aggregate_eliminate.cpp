@@ -4,7 +4,8 @@
 //             row i -= (a_ij / a) row r, c -= (c_j / a) row r.
 // Method      One sparse vector (the pattern) is scattered and added as a multiple to each of several lists: row r to
 //             the rows of column j, or column j to the columns of row r, whichever lists are shorter in sum. New
-//             entries take nodes of the free list.
+//             entries take nodes of the free list. Where many columns go into the same one, that one is mapped first
+//             (row -> entry), and nothing is searched.
 // Invariant   Counts, right-hand sides and activities follow each single entry. A sum that is zero but for rounding is
 //             an entry less.
 // Cost        O(entries of the lists + length of row * length of column).
@@ -71,6 +72,14 @@ void add_to_entry(PresolveWork *w, int p, double step)
         node->value = after;
 }
 
+// A new entry, unless it would be zero.
+void insert_fill(PresolveWork *w, int i, int j, double value)
+{
+    if (std::fabs(value) < w->ZeroTol) return;
+    coefficient_moves(w, i, j, 0, value);
+    insert_entry(w, i, j, value);
+}
+
 // Takes deleted entries out of a list that is about to be walked: one that meets many eliminations would drag them all.
 void sweep_along(PresolveWork *w, Along along, int line)
 {
@@ -96,13 +105,9 @@ void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double fact
     }
     for (int q = 0; q < pattern->count; q++) {
         const int k = pattern->index[q];
-        const double v = factor * pattern->value[k];
-        if (!w->Flag.data[k] && std::fabs(v) >= w->ZeroTol) {
-            const int i = along == Along::ROW ? line : k,
-                      j = along == Along::ROW ? k : line;
-            coefficient_moves(w, i, j, 0, v);
-            insert_entry(w, i, j, v);
-        }
+        if (!w->Flag.data[k])
+            insert_fill(w, along == Along::ROW ? line : k, along == Along::ROW ? k : line,
+                        factor * pattern->value[k]);
         w->Flag.data[k] = 0;
     }
 }
@@ -171,6 +176,14 @@ void move_rhs(PresolveWork *w, int p)
 }
 } // namespace
 
+void sum_anew_if_lost(PresolveWork *w, int i)
+{
+    if (w->ScratchC.data[i] == 0) return; // not remembered
+    w->ScratchC.data[i] = 0;
+    w->Work += w->RowCnt.data[i];
+    row_activity(w, i);
+}
+
 double largest_in_row(const PresolveWork *w, int i)
 {
     double largest = 0;
@@ -228,6 +241,21 @@ void eliminate_from_others(PresolveWork *w, int p)
     clear_scatter(w, &pattern);
 }
 
+void map_column(PresolveWork *w, int j)
+{
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
+        w->IndexB.data[w->Nodes.data[p].row] = p;
+        w->Flag.data[w->Nodes.data[p].row] = 1;
+    }
+    w->Work += w->ColCnt.data[j];
+}
+
+void unmap_column(PresolveWork *w, int j)
+{
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
+        w->Flag.data[w->Nodes.data[p].row] = 0;
+}
+
 void drop_from_others(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
@@ -236,24 +264,64 @@ void drop_from_others(PresolveWork *w, int p)
         if (q != p) {
             coefficient_moves(w, i, pivot.col, w->Nodes.data[q].value, 0);
             delete_entry(w, q);
-            if (w->ScratchC.data[i] != 0) row_activity(w, i);
-            w->ScratchC.data[i] = 0;
+            sum_anew_if_lost(w, i);
         }
         q = next;
     }
 }
 
-int substitute_out(PresolveWork *w, int p)
+// Entries of column j move into the mapped column k: a x_j + b x_k = rhs.
+static void merge_into_mapped(PresolveWork *w, int p, int k, double b)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
+        const PresolveNode node = w->Nodes.data[q];
+        if (q == p) continue;
+        const double step = -node.value / pivot.value * b;
+        int *at = &w->IndexB.data[node.row];
+        if (w->Flag.data[node.row]) {
+            add_to_entry(w, *at, step);
+            w->Flag.data[node.row] = w->Nodes.data[*at].col == k;
+        } else {
+            const int head = w->ColHead.data[k];
+            insert_fill(w, node.row, k, step);
+            *at = w->ColHead.data[k];
+            w->Flag.data[node.row] = *at != head;
+        }
+    }
+}
+
+// Takes row and column of entry p, which the other rows no longer need, out of the model.
+static void remove_pivot(PresolveWork *w, int p)
 {
     const int r = w->Nodes.data[p].row, j = w->Nodes.data[p].col;
-    TRY(push_substitution(w, p));
-    w->Work += PIVOT_EFFORT * w->ColCnt.data[j] * w->RowCnt.data[r];
-    eliminate_from_others(w, p);
     drop_from_others(w, p);
     remove_row(w, r, ROW_PIVOT);
     w->ColHead.data[j] = -1;
     w->ColCnt.data[j] = col_substituted(r);
     w->ColsRemoved++;
     if (w->ColsRemoved % LOG_EVERY == 0) presolve_log(w);
+}
+
+int substitute_out(PresolveWork *w, int p)
+{
+    const PresolveNode &pivot = w->Nodes.data[p];
+    TRY(push_substitution(w, p));
+    w->Work += PIVOT_EFFORT * w->ColCnt.data[pivot.col] * w->RowCnt.data[pivot.row];
+    eliminate_from_others(w, p);
+    remove_pivot(w, p);
+    return 0;
+}
+
+int substitute_by_mapped(PresolveWork *w, int p, int q)
+{
+    const int r = w->Nodes.data[p].row, k = w->Nodes.data[q].col;
+    TRY(push_substitution(w, p));
+    w->Work += 2 * PIVOT_EFFORT * w->ColCnt.data[w->Nodes.data[p].col];
+    move_objective(w, p);
+    move_rhs(w, p);
+    merge_into_mapped(w, p, k, w->Nodes.data[q].value);
+    remove_pivot(w, p);
+    w->Flag.data[r] = 0;
     return 0;
 }

@@ -3,12 +3,12 @@
 // Problem     a x + b y = c. Then x = (c - b y) / a, and lx <= x <= ux is a bound on y on either side.
 // Method      Bounds of x that the rows do not imply are written onto y where they are tighter; x is free then and is
 //             substituted out. No entry is added in sum. The column with fewer entries is x, unless its pivot is so
-//             small that the error of y would grow in it. Rows that become doubletons by this are met in the same sweep
-//             or in the next pass, so chains collapse.
+//             small that the error of y would grow in it. All doubletons of a column y that stays are done while it is
+//             mapped, those that come to it by a merge as well, so that stars and chains collapse at once.
 // Way back    The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
 //             that x gave, it is x that stands at its bound: y becomes basic in its place, and the row's dual takes
 //             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
-// Cost        O(shorter column + its rows) per row, see aggregate_eliminate.cpp.
+// Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds change.
 #include "presolve/aggregate.h"
 #include "presolve/postsolve.h"
 #include <algorithm>
@@ -73,14 +73,24 @@ Step plan(const PresolveWork *w, int p, int q)
     return s;
 }
 
-// True when removing x by s is better than removing y by t.
-bool is_better(const PresolveWork *w, const Step *s, const Step *t)
+// Whether the column of entry p is the one to leave rather than that of q.
+bool leaves_rather(const PresolveWork *w, int p, int q)
 {
-    if (s->possible != t->possible) return s->possible;
-    const int more =
-        w->ColCnt.data[w->Nodes.data[s->p].col] - w->ColCnt.data[w->Nodes.data[t->p].col];
+    const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
+    const int more = w->ColCnt.data[px.col] - w->ColCnt.data[py.col];
     if (std::abs(more) > SAME_LENGTH) return more < 0;
-    return std::fabs(s->a) >= std::fabs(t->a);
+    const double a = std::fabs(px.value), b = std::fabs(py.value);
+    return a != b ? a > b : px.col < py.col; // as given
+}
+
+// The better way to use a doubleton row.
+Step choose(const PresolveWork *w, int i)
+{
+    const int first = first_in_row(w, i), second = next_in_row(w, first);
+    const bool swap = leaves_rather(w, second, first);
+    const int p = swap ? second : first, q = swap ? first : second;
+    const Step step = plan(w, p, q);
+    return step.possible ? step : plan(w, q, p);
 }
 
 int transfer_bounds(PresolveWork *w, const Step *s)
@@ -102,20 +112,45 @@ int transfer_bounds(PresolveWork *w, const Step *s)
     undo->bound[1] = s->at[1];
     undo->bound[2] = s->ub - s->lb;
     change_bounds(w, y, s->lb, s->ub);
+    w->Work += w->ColCnt.data[y];
     w->BoundsChanged++;
     return 0;
 }
 
-int try_row(PresolveWork *w, int i)
+bool is_doubleton(const PresolveWork *w, int i)
 {
-    const int p = first_in_row(w, i), q = next_in_row(w, p);
-    const Step first = plan(w, p, q), second = plan(w, q, p);
-    const Step *s = is_better(w, &first, &second) ? &first : &second;
-    if (!s->possible) return 0;
-    const int x = w->Nodes.data[s->p].col;
-    if (!room_for_fill(w, w->ColCnt.data[x])) return 0;
-    if (s->mode != 0) TRY(transfer_bounds(w, s));
-    return substitute_out(w, s->p);
+    return w->RowCnt.data[i] == 2 && w->Sense.data[i] == '=';
+}
+
+// The row of entry q of the mapped column, if that column is the one to stay.
+int try_entry(PresolveWork *w, int q)
+{
+    const int i = w->Nodes.data[q].row;
+    if (!is_doubleton(w, i)) return 0;
+    const Step s = choose(w, i);
+    w->Work += w->ColCnt.data[w->Nodes.data[s.p].col];
+    if (!s.possible || s.q != q || w->ColCnt.data[w->Nodes.data[s.p].col] > w->FreeCount)
+        return 0;
+    if (s.mode != 0) TRY(transfer_bounds(w, &s));
+    return substitute_by_mapped(w, s.p, q);
+}
+
+// All doubletons of column y in which it stays. New entries stand before those that were there: they are walked next.
+int merge_into(PresolveWork *w, int y, double most_work)
+{
+    map_column(w, y);
+    int error = 0, walked = -1, steps = 0;
+    while (w->ColHead.data[y] != walked && !error) {
+        const int head = w->ColHead.data[y];
+        for (int q = head; q != walked && !error && w->Work < most_work;
+             q = w->Nodes.data[q].next_in_col) {
+            if (w->Nodes.data[q].col == y) error = try_entry(w, q);
+            if (!error && check_is_due(steps++)) error = presolve_check(w);
+        }
+        walked = head;
+    }
+    unmap_column(w, y);
+    return error;
 }
 } // namespace
 
@@ -123,7 +158,10 @@ int aggregate_doubletons(PresolveWork *w, double most_work)
 {
     for (int i = 0; i < w->NumRows && w->Work < most_work; i++) {
         if (check_is_due(i)) TRY(presolve_check(w));
-        if (w->RowCnt.data[i] == 2 && w->Sense.data[i] == '=') TRY(try_row(w, i));
+        if (!is_doubleton(w, i)) continue;
+        const Step s = choose(w, i);
+        if (s.possible && room_for_fill(w, w->ColCnt.data[w->Nodes.data[s.p].col]))
+            TRY(merge_into(w, w->Nodes.data[s.q].col, most_work));
     }
     w->Work += w->NumRows;
     return 0;

@@ -72,8 +72,7 @@ void become_slack(PresolveWork *w, int p)
         if (change_coefficient(w, node->row, j, node->value, after))
             w->ScratchC.data[node->row] = 1;
         node->value = after;
-        if (w->ScratchC.data[node->row] != 0) row_activity(w, node->row);
-        w->ScratchC.data[node->row] = 0;
+        sum_anew_if_lost(w, node->row);
         mark_row(w, node->row);
     }
 }

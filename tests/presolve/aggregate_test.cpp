@@ -72,6 +72,32 @@ TEST(Aggregate, chains_of_doubletons_collapse_to_one_column)
     EXPECT_EQ(t.cols, 1);
 }
 
+// Each merge by a search through the dense row or the long column would exhaust the effort of a call.
+TEST(Aggregate, stars_and_chains_with_dense_rows_go_within_the_effort)
+{
+    const TestEnv env;
+    const int n = 20000;
+    LpModel star, chain;
+    lp_add_var(&star, -n, 0, 10);
+    lp_add_var(&chain, 1, -1, 2e5);
+    std::vector<std::pair<int, double>> all = {{0, 1}};
+    for (int k = 1; k <= n; k++) {
+        lp_add_var(&star, 1, -5, 20);
+        lp_add_var(&chain, k % 3 - 1, -2e5, 2e5);
+        lp_add_row_entries(&star, {{k, 1}, {0, -1}}, '=', k % 5);
+        lp_add_row_entries(&chain, {{k, 1}, {k - 1, -1}}, '=', k % 7 - 3);
+        all.emplace_back(k, 1);
+    }
+    lp_add_row_entries(&star, all, '<', 5.0 * n);
+    lp_add_row_entries(&chain, all, '>', -n);
+    for (const LpModel *lp : {&star, &chain}) {
+        const PresolveTry t = presolve_try(env.env, lp, {pre_aggregate});
+        EXPECT_EQ(t.faults, "");
+        EXPECT_EQ(t.rows, 1);
+        EXPECT_EQ(t.cols, 1);
+    }
+}
+
 TEST(Aggregate, bounds_that_cross_in_a_doubleton_are_infeasible)
 {
     const TestEnv env;
