@@ -18,46 +18,12 @@
 
 namespace
 {
-constexpr double SMALL_SUPPORT = 1e-9; // coefficients that imply no bound
-constexpr double IMPLIED = 1e-9;       // by which an implied bound may miss the bound
+constexpr double IMPLIED = 1e-9; // by which an implied bound may miss the bound
 constexpr double LEAST_PIVOT = 1e-6;
 constexpr double RELATIVE_PIVOT = 0.1; // against the largest of column or row
 constexpr double WORST_PIVOT = 1e-3;   // against the largest of both
 // Effort of one call: dense rows and columns that are met again and again must not cost their square.
 constexpr double EFFORT_PER_ENTRY = 100, EFFORT_AT_LEAST = 1e6;
-
-// Bounds of a column, as implied by rows.
-struct Implied {
-    double lb, ub;
-};
-
-// One side of a row: a x <= what is left when the others take their least. rest: RMin, or RMax of an equation.
-void imply(double a, double rest, int infinite, double own, double INF, Implied *implied)
-{
-    const bool own_missing = std::fabs(own) >= INF;
-    if (infinite > (own_missing ? 1 : 0)) return;
-    const double t = own_missing ? -rest / a : own - rest / a;
-    if (a > 0)
-        implied->ub = std::min(implied->ub, t);
-    else
-        implied->lb = std::max(implied->lb, t);
-}
-
-Implied implied_by_rows(const PresolveWork *w, int j)
-{
-    const double lb = w->Lb.data[j], ub = w->Ub.data[j];
-    Implied implied = {-w->INF, w->INF};
-    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
-        const double a = w->Nodes.data[p].value;
-        const int i = w->Nodes.data[p].row;
-        if (std::fabs(a) < SMALL_SUPPORT) continue;
-        imply(a, w->RMin.data[i], w->Rmincnt.data[i], a > 0 ? lb : ub, w->INF, &implied);
-        if (w->Sense.data[i] == '=') // the other side: -a x <= -b
-            imply(-a, -w->RMax.data[i], w->Rmaxcnt.data[i], a > 0 ? ub : lb, w->INF,
-                  &implied);
-    }
-    return implied;
-}
 
 bool may_leave(const PresolveWork *w, int j)
 {
@@ -90,7 +56,7 @@ int best_pivot(PresolveWork *w, int j)
         if (w->Sense.data[i] != '=' || w->RowCnt.data[i] >= length) continue;
         if (net_fill(w->ColCnt.data[j], w->RowCnt.data[i]) > w->Env->AggFill) continue;
         w->Work += w->RowCnt.data[i];
-        if (!is_stable(w, p, largest) || !pivot_keeps_integers(w, p)) continue;
+        if (!is_stable(w, p, largest) || !keeps_integers(w, p)) continue;
         best = p;
         length = w->RowCnt.data[i];
     }
@@ -156,7 +122,7 @@ int bounds_that_matter(const PresolveWork *w, int j)
 {
     const bool lower = has_lb(w, j), upper = has_ub(w, j);
     if (!lower && !upper) return 0;
-    const Implied implied = implied_by_rows(w, j);
+    const ImpliedBounds implied = implied_bounds(w, j);
     return (lower && implied.lb < w->Lb.data[j] - IMPLIED ? LOWER_MATTERS : 0) |
            (upper && implied.ub > w->Ub.data[j] + IMPLIED ? UPPER_MATTERS : 0);
 }

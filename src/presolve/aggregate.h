@@ -6,8 +6,6 @@
 // Largest absolute value of the entries of a row or a column.
 double largest_in_row(const PresolveWork *w, int i);
 double largest_in_col(const PresolveWork *w, int j);
-// Whether x_j = (b - sum a_k x_k) / a, a the entry p, makes x_j integer wherever the others are, if it has to be.
-bool pivot_keeps_integers(const PresolveWork *w, int p);
 // Whether `fill` nodes are free; compresses when that would help.
 bool room_for_fill(PresolveWork *w, int64_t fill);
 // Adds multiples of the row of entry p to the objective and all other rows such that the column of p would leave them;

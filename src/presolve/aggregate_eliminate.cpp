@@ -17,14 +17,8 @@ namespace
 {
 constexpr double CANCELLED = 1e-13;        // of the larger term: what is left is rounding
 constexpr double WORTH_COMPRESSING = 0.05; // share of the nodes that must be dead
-constexpr double INTEGRAL = 1e-10;
 constexpr double PIVOT_EFFORT = 20;
 constexpr int LOG_EVERY = 10000; // columns
-
-bool is_integral(double v)
-{
-    return std::fabs(v - std::round(v)) <= INTEGRAL;
-}
 
 // a + b, or zero when the digits have cancelled.
 double add_cleanly(double a, double b, double zero)
@@ -198,19 +192,6 @@ double largest_in_col(const PresolveWork *w, int j)
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
         largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
     return largest;
-}
-
-bool pivot_keeps_integers(const PresolveWork *w, int p)
-{
-    const PresolveNode &pivot = w->Nodes.data[p];
-    if (!is_integer(w, pivot.col)) return true;
-    if (!is_integral(w->Rhs.data[pivot.row] / pivot.value)) return false;
-    for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q)) {
-        const PresolveNode &node = w->Nodes.data[q];
-        if (!is_integer(w, node.col) || !is_integral(node.value / pivot.value))
-            return false;
-    }
-    return true;
 }
 
 bool room_for_fill(PresolveWork *w, int64_t fill)

@@ -62,7 +62,7 @@ Step plan(const PresolveWork *w, int p, int q)
     Step s = {p, q, px.value, py.value, w->Lb.data[y], w->Ub.data[y], 0, {0, 0}, false};
     const double c = w->Rhs.data[px.row], ratio = std::fabs(s.b / s.a);
     if (w->ColFlags.data[x] != 0 || std::fabs(s.a) < LEAST_PIVOT || ratio > FREE_RATIO ||
-        !pivot_keeps_integers(w, p))
+        !keeps_integers(w, p))
         return s;
     const int matters = bounds_that_matter(w, x);
     if (matters != 0 &&
