@@ -167,6 +167,17 @@ TEST(Aggregate, fill_is_bounded_by_the_parameter_and_by_the_nodes)
     EXPECT_EQ(presolve_try(env.env, &lp, {without_free_nodes}).rows, 31);
 }
 
+TEST(Aggregate, fill_that_falls_on_entries_is_none)
+{
+    const TestEnv env;
+    LpModel lp = star(30, -INF, INF);
+    for (int i = 1; i <= 30; i++)
+        for (const int col : {1, 2}) lp_set_entry(&lp, i, col, i % 3 + 0.5);
+    const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.rows, 30);
+}
+
 TEST(Aggregate, a_pivot_that_is_small_in_row_and_column_is_refused)
 {
     const TestEnv env;
