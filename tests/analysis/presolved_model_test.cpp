@@ -1,0 +1,56 @@
+// presolved_model_test.cpp -- the reduced model as a model of its own
+#include "support/model_test.h"
+#include "support/structured_gen.h"
+#include <cmath>
+
+namespace
+{
+struct PresolvedModel : ModelTest {
+    double value_of(TVXmodel *m)
+    {
+        double value = 0;
+        EXPECT_EQ(TVXoptimize(m), 0);
+        EXPECT_EQ(TVXgetdblattr(m, "ObjVal", &value), 0);
+        return value;
+    }
+};
+} // namespace
+
+TEST_F(PresolvedModel, is_smaller_has_the_same_value_and_the_names_of_what_is_left)
+{
+    for (uint64_t seed = 0; seed < 30; seed++) {
+        Dice dice(seed);
+        load(gen_multi_period(&dice, 12).lp);
+        const TestModel reduced(TVXpresolvemodel(model));
+        ASSERT_TRUE(reduced);
+        int vars = 0;
+        ASSERT_EQ(TVXgetintattr(reduced, "NumVars", &vars), 0);
+        EXPECT_LT(vars, integer("NumVars"));
+        for (int j = 0, k = 0; j < vars; j++, k++) {
+            char *name = nullptr;
+            ASSERT_EQ(TVXgetstrattrelement(reduced, "VarName", j, &name), 0);
+            while (k < integer("NumVars") && text("VarName", k) != name) k++;
+            ASSERT_LT(k, integer("NumVars")) << name;
+        }
+        const double value = value_of(model);
+        EXPECT_NEAR(value_of(reduced), value, 1e-6 * (1 + std::fabs(value)));
+    }
+}
+
+TEST_F(PresolvedModel, may_be_empty_or_not_exist)
+{
+    LpModel lp; // max 2 x <= 6
+    lp.sense = -1;
+    lp_add_var(&lp, 2, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 3);
+    load(lp);
+    const TestModel nothing(TVXpresolvemodel(model));
+    ASSERT_TRUE(nothing);
+    EXPECT_EQ(value_of(nothing), 6);
+    lp.rhs[0] = -1;
+    load(lp);
+    EXPECT_EQ(TVXpresolvemodel(model), nullptr);
+    EXPECT_NE(std::string(TVXgetmerrormsg(model)).find("no optimal solution"),
+              std::string::npos);
+    EXPECT_EQ(TVXpresolvemodel(nullptr), nullptr);
+}
