@@ -31,10 +31,9 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
     return 0;
 }
 
-int allocate(PresolveWork *w, int64_t nodes)
+int allocate_lines(PresolveWork *w)
 {
-    const int n = w->NumCols, m = w->NumRows, most = std::max(n, m);
-    TRY(array_resize(&w->Nodes, nodes));
+    const int n = w->NumCols, m = w->NumRows;
     for (Array<int> *a : {&w->RowHead, &w->RowsA.List, &w->RowsB.List})
         TRY(array_assign(a, m, -1));
     for (Array<int> *a : {&w->ColHead, &w->ColsA.List, &w->ColsB.List})
@@ -44,6 +43,12 @@ int allocate(PresolveWork *w, int64_t nodes)
     for (Array<int> *a : {&w->ColCnt, &w->ColMark, &w->ColFlags})
         TRY(array_assign(a, n, 0));
     for (Array<double> *a : {&w->RMax, &w->RMin}) TRY(array_assign(a, m, 0.0));
+    return 0;
+}
+
+int allocate_scratch(PresolveWork *w)
+{
+    const int most = std::max(w->NumCols, w->NumRows);
     for (Array<double> *a : {&w->Scratch, &w->ScratchB, &w->ScratchC})
         TRY(array_assign(a, most, 0.0));
     for (Array<int> *a : {&w->IndexA, &w->IndexB, &w->IndexC}) TRY(array_resize(a, most));
@@ -120,7 +125,9 @@ int work_load(PresolveWork *w, TVXmodel *model)
         std::max({int64_t{w->NumRows}, SPARE_LEAST, int64_t{body->numnz} / SPARE_SHARE});
     if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
     TRY(copy_vectors(w, body));
-    TRY(allocate(w, body->numnz + spare));
+    TRY(array_resize(&w->Nodes, body->numnz + spare));
+    TRY(allocate_lines(w));
+    TRY(allocate_scratch(w));
     const int used = link_entries(w, body);
     w->NumNz = used;
     link_free(w, used);

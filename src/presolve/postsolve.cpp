@@ -15,6 +15,7 @@ namespace
 int status_of(const TVXmodel *reduced_model, const LpPoint *reduced, int k)
 {
     const int status = reduced->status.data[k];
+    if (!reduced_model) return status;
     const ModelBody *body = reduced_model->body;
     if (status >= 0 || body->lb.data[k] != body->ub.data[k]) return status;
     return reduced->dual.data[k] >= 0 ? -1 : -2;

@@ -7,6 +7,7 @@
 #include "frame/model_store.h"
 #include "presolve/work.h"
 #include <algorithm>
+#include <initializer_list>
 
 namespace
 {
@@ -92,43 +93,40 @@ int inner_loop(PresolveWork *w)
     }
 }
 
-int compress_all(PresolveWork *w)
+struct Step {
+    bool wanted;
+    Reduction reduction;
+};
+
+int run_wanted(PresolveWork *w, std::initializer_list<Step> steps)
 {
-    compress(w);
+    for (const Step &step : steps)
+        if (step.wanted) TRY(run(w, step.reduction));
+    presolve_log(w);
     return 0;
 }
 
-int activity_pass(PresolveWork *w)
-{
-    pre_activity(w);
-    return 0;
-}
-
+// What costs more, once in a pass.
 int outer_part(PresolveWork *w, const Plan *plan, int pass)
 {
-    TRY(run(w, pre_redundant_rows));
-    if (plan->network || !plan->dual || (pass >= DUAL_PASSES && !plan->dual_always)) {
-        TRY(run(w, pre_implied_bounds));
-    } else {
-        TRY(run(w, pre_dual_bounds));
-        TRY(run(w, pre_implied_bounds));
-        TRY(run(w, pre_singleton_rows));
-        TRY(run(w, pre_forcing_rows));
-    }
-    presolve_log(w);
-    if (!plan->network && plan->parallel) {
-        if (plan->dual) TRY(run(w, pre_duplicate_cols));
-        TRY(run(w, pre_duplicate_rows));
-    }
-    TRY(compress_all(w));
-    if (plan->dual) TRY(run(w, pre_ineq_to_eq));
-    if (plan->aggregate) TRY(run(w, pre_aggregate));
-    TRY(activity_pass(w));
-    if (plan->two_rows) TRY(run(w, pre_two_rows));
-    if (pass == 0 && (plan->dependent & 1)) TRY(run(w, pre_dependent_rows));
-    if (pass == 0 && (plan->dependent & 2) && plan->dual) TRY(run(w, pre_dependent_cols));
-    presolve_log(w);
-    return 0;
+    const bool duals =
+        !plan->network && plan->dual && (pass < DUAL_PASSES || plan->dual_always);
+    const bool parallel = !plan->network && plan->parallel;
+    TRY(run_wanted(w, {{true, pre_redundant_rows},
+                       {duals, pre_dual_bounds},
+                       {true, pre_implied_bounds},
+                       {duals, pre_singleton_rows},
+                       {duals, pre_forcing_rows},
+                       {parallel && plan->dual, pre_duplicate_cols},
+                       {parallel, pre_duplicate_rows}}));
+    compress(w);
+    TRY(run_wanted(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
+    pre_activity(w);
+    const bool dependent_rows = pass == 0 && (plan->dependent & 1),
+               dependent_cols = pass == 0 && (plan->dependent & 2) && plan->dual;
+    return run_wanted(w, {{plan->two_rows != 0, pre_two_rows},
+                          {dependent_rows, pre_dependent_rows},
+                          {dependent_cols, pre_dependent_cols}});
 }
 
 int passes(PresolveWork *w, const Plan *plan)
