@@ -41,6 +41,7 @@ template<class R> struct LuNode { // entry of the active matrix; dead once Idx[0
 };
 
 // The active matrix during elimination. Axis 0: columns, axis 1: rows. Count lists chain the lines of one count.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's name in the implicit move of arrays
 template<class R> struct LuActive {
     Array<LuNode<R>> Nodes; // size: nodes in use; room bounds the fill
     int FreeNode = -1;      // chain of nodes to use again, through Next[0]
