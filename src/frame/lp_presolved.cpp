@@ -9,6 +9,7 @@
 // Invariant   When this returns with a final status there is no simplex record. presolve and presolved stay only where a
 //             limit stopped the solve, for the next one to go on.
 #include "frame/lp_presolved.h"
+#include "files/files.h"
 #include "frame/lp_form.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
@@ -195,12 +196,21 @@ void log_presolved(const TVXmodel *form, double begin)
            reduced->body->numconstrs, reduced->body->numvars, reduced->body->numnz);
 }
 
+// For whoever wants to look at it. Failing to write it does not stop the solve.
+void write_reduced(TVXmodel *form)
+{
+    if (!form->env->TARV_PAR_WRITEPREMODEL || !form->presolved) return;
+    (void)mps_write(form->presolved, "junk.mps", WriteNames::NUMBERED);
+    (void)finish_model(form, 0); // a failure leaves no text
+}
+
 int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
 {
     const double begin = WallClock();
     int status = form->presolved ? form->status : presolve_lp(form->model);
     if (status == OUT_OF_MEMORY) return status;
     log_presolved(form->model, begin);
+    write_reduced(form->model);
     if (status != 0) {
         const bool hidden = form->model != model && status == TVX_INFEASIBLE;
         settle(model, hidden ? TVX_INF_OR_UNBD : status, start);
