@@ -7,6 +7,7 @@
 #include "frame/model_store.h"
 #include "presolve/work.h"
 #include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
 
 namespace
@@ -33,7 +34,7 @@ int run(PresolveWork *w, Reduction reduction)
     w->Steps++;
     TRY(reduction(w));
 #ifdef TVX_DEBUG
-    if (presolve_verify(w) > 0) return STOP;
+    if (presolve_verify(w) > 0) abort(); // it has told what is wrong
 #endif
     return presolve_check(w);
 }

@@ -15,7 +15,6 @@ enum UndoKind {
         6, // bounds of a column moved to the other one of its doubleton row
     UNDO_SINGLETON_ROW = 7, // row became a bound
     UNDO_FORCING_ROW = 8,   // row fixed all its columns
-    UNDO_SHIFT = 9,         // x = offset + factor * x
     UNDO_FREE_TO_SLACK =
         10, // free column left through an inequality, its place taken by the slack
     UNDO_SLACK_COLUMN =

@@ -81,7 +81,6 @@ struct PresolveWork {
     int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
-    int ChainCount = 0;                 // doubleton chains found; -1: none, not tried again
 
     UndoStack Undo;
     Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
