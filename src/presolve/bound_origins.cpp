@@ -15,9 +15,9 @@
 
 namespace
 {
-constexpr double ROUNDING = 1e-13;  // of the size of a sum
-constexpr int SETTLED = -1;         // all that the version rests on is bound to stay
-constexpr double MOST_EFFORT = 100; // entries looked at, against those of the matrix
+constexpr double ROUNDING = 1e-13; // of the size of a sum
+constexpr int SETTLED = -1;        // all that the version rests on is bound to stay
+constexpr double MOST_EFFORT = 10; // entries looked at, against those of the matrix
 
 // The newest version of a bound older than version `before` that does not come from constraint `not_from`; -1: the model.
 int version_before(const BoundPropagation *p, int place, int before, int not_from)
@@ -97,10 +97,11 @@ bool too_much(const BoundPropagation *p)
 }
 } // namespace
 
-double activity_of_others(const BoundPropagation *p, int con, int side)
+double activity_of_others(BoundPropagation *p, int con, int side)
 {
     double sum = 0, size = 0;
     for (int e = first_in_con(p, con); e >= 0; e = next_in_con(p, e)) {
+        p->Effort++;
         const double a = p->w->Nodes.data[e].value;
         const int place = term_place(var_of_entry(p, e), a, side),
                   version = version_before(p, place, INT_MAX, con);

@@ -23,6 +23,7 @@ constexpr double SMALL_ENTRY = 1e-8;  // says nothing reliable
 constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
 constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
 constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
+constexpr double CHECK_EFFORT = 1e6;  // entries between looks at the limits
 
 bool is_absent(const BoundPropagation *p, double bound)
 {
@@ -204,6 +205,13 @@ void propagation_list_all(BoundPropagation *p)
         if (count[c] > 0) propagation_list(p, c);
 }
 
+int propagation_check(BoundPropagation *p)
+{
+    if (p->Effort < p->NextCheck) return 0;
+    p->NextCheck = p->Effort + CHECK_EFFORT;
+    return presolve_check(p->w);
+}
+
 int propagation_run(BoundPropagation *p, int rounds)
 {
     std::copy_n(p->Start.data, p->Start.size, p->Bound.data);
@@ -211,7 +219,7 @@ int propagation_run(BoundPropagation *p, int rounds)
         for (int k = 0; k < p->NumListed && !p->Contradiction; k++) {
             const int con = p->ConList.data[k];
             p->ConListed.data[con] = 0;
-            if (check_is_due(k)) TRY(presolve_check(p->w));
+            TRY(propagation_check(p));
             imply(p, con, UPPER_SIDE);
             imply(p, con, LOWER_SIDE);
         }

@@ -38,6 +38,7 @@ struct BoundPropagation {
     bool Contradiction = false; // no point satisfies the constraints
     int WrongCon = -1;          // where that showed
     double Effort = 0;          // entries looked at
+    double NextCheck = 0;       // effort at which the limits are tested again
     // Origins: what conclusions rest on.
     Array<uint8_t> ConState; // [NumCons] bits CON_*
     Array<char> StartState;  // [2 NumVars] START_*
@@ -80,10 +81,13 @@ void propagation_list_all(BoundPropagation *p);
 // Tightens bounds until nothing moves, for at most so many rounds. A PresolveStatus of the limits.
 [[nodiscard]] int propagation_run(BoundPropagation *p, int rounds);
 
+// The limits, now and then as effort grows. A PresolveStatus.
+[[nodiscard]] int propagation_check(BoundPropagation *p);
+
 // ---- bound_origins.cpp ----
 // Least (UPPER_SIDE) or greatest (LOWER_SIDE) activity of a constraint over bounds that it did not give itself,
 // rounded outwards; infinite when there is none.
-double activity_of_others(const BoundPropagation *p, int con, int side);
+double activity_of_others(BoundPropagation *p, int con, int side);
 // Constraint `con` may go because of activity_of_others(con, side) for each of the sides (a mask, 1 << side): true when
 // nothing that this rests on is gone or goes with it. Then it counts as gone, and the origins can no longer go.
 [[nodiscard]] bool claim_con(BoundPropagation *p, int con, int sides);

@@ -57,7 +57,7 @@ int fix_columns(BoundPropagation *p, PresolveWork *w)
     for (int j = 0; j < w->NumCols; j++) {
         if (w->ColCnt.data[j] <= 0 || w->ColFlags.data[j]) continue;
         if (w->Ub.data[j] - w->Lb.data[j] <= CLOSED) continue;
-        if (check_is_due(j)) TRY(presolve_check(w));
+        TRY(propagation_check(p));
         TRY(try_column(p, w, j));
     }
     return 0;

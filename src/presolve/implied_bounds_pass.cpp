@@ -36,7 +36,7 @@ int remove_implied(BoundPropagation *p, PresolveWork *w, const int *list, int co
     for (int k = 0; k < count; k++) {
         const int i = list[k];
         if (!is_live_row(w, i)) continue;
-        if (check_is_due(k)) TRY(presolve_check(w));
+        TRY(propagation_check(p));
         if (activity_of_others(p, i, LOWER_SIDE) > w->Rhs.data[i] + w->FeasTol) continue;
         const bool equation = w->Sense.data[i] == '=';
         if (equation && activity_of_others(p, i, UPPER_SIDE) < w->Rhs.data[i] - w->FeasTol)
