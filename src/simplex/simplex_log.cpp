@@ -63,9 +63,11 @@ void simplex_log_final(const sopt *s)
     if (s->Status != SIMPLEX_OPTIMAL || s->Env->quiet_solve) return;
     const double value = s->Sense * (s->Obj + s->ObjOffset);
     if (s->Method == METHOD_DUAL)
-        TVXmsg(s->Env, "Iteration: %7.0f    Optimal Objective = %16.7e\n", iterations(s), value);
+        TVXmsg(s->Env, "Iteration: %7.0f    Optimal Objective = %16.7e\n", iterations(s),
+               value);
     else
-        TVXmsg(s->Env, "Iteration: %7.0f   Optimal Objective = %16.7e\n", iterations(s), value);
+        TVXmsg(s->Env, "Iteration: %7.0f   Optimal Objective = %16.7e\n", iterations(s),
+               value);
 }
 
 bool limit_reached(sopt *s)

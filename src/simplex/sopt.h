@@ -325,7 +325,7 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
 // ---- simplex_log.cpp ----
 void log_iteration(sopt *s, double objective, double primal_inf, double dual_inf);
 bool log_is_due(sopt *s);
-void log_free(sopt *s);  // a line while free columns enter the basis
+void log_free(sopt *s); // a line while free columns enter the basis
 bool limit_reached(
     sopt *s); // tests interrupt, iterations and time in this order; sets Status
 

@@ -21,7 +21,8 @@ TEST(QualityAttributes, agree_with_an_independent_computation_wherever_the_solve
         const TestModel model(lp_load(env.env, &lp));
         ASSERT_NE(model.model, nullptr);
         const bool scaled = dice.chance(30);
-        ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Presolve", 0), 0); // or there is no point
+        ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Presolve", 0),
+                  0); // or there is no point
         ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "ScaleFlag", scaled), 0);
         ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", dice.range(0, 1)), 0);
         const double limit = dice.chance(70) ? dice.range(0, 4) : 1e100;
