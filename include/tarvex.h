@@ -267,6 +267,20 @@ TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
  * solution or is stopped by TimeLimit; 10016 for a model with integer or semi-continuous variables or SOS constraints. */
 TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
 
+/* A linear model in which everything is fixed that a solution of this one decides, called "NAME_fixed", with the same
+ * variables and constraints.
+ *   with integer or semi-continuous variables or SOS constraints: the solution, or the values of attribute Start when
+ *     there is none, decides. Integer variables are fixed at their values; a semi-continuous variable and a member of an
+ *     SOS constraint are fixed at zero if they are zero, else they keep their bounds. Types and SOS constraints go. The
+ *     optimum of the new model is the best solution with these decisions, and it has dual values.
+ *   linear: the optimal solution decides. Variables with a reduced cost other than zero are fixed at their bound, and
+ *     constraints with a dual value other than zero become equations. The feasible points of the new model are the
+ *     optimal solutions of this one: with another objective it finds the best of them.
+ * Zero is what lies within OptimalityTol. Queued changes do not count.
+ * Returns null on failure, and the error text tells why: no memory; 10005 when there is no solution or start, or when a
+ * start lacks a value that is needed or has one that type, bounds or SOS do not allow. */
+TVX_API TVXmodel *TVXconverttofixed(TVXmodel *model);
+
 /* Frees a model with all that belongs to it. Null is ignored.
  * Returns 0; 10017 while it is being solved, and the model stays; 10003 for what is no live model, which is left alone,
  * and for a model whose environment was freed before: it is freed all the same, with the warning that calls on such a

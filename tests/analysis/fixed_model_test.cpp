@@ -1,0 +1,115 @@
+// fixed_model_test.cpp -- models in which is fixed what a solution decides
+#include "support/model_test.h"
+#include "support/structured_gen.h"
+#include <cmath>
+
+namespace
+{
+struct FixedModel : ModelTest {
+    // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than Start.
+    void load_mixed(int start_count)
+    {
+        const double obj[] = {-1, -1, 1, -1, -2}, lb[] = {0, 0, 2, 0, 0},
+                     ub[] = {5, 5, 9, 4, 4}, start[] = {2, 3, 0, 0, 1.5};
+        const int ind[] = {0, 1, 2, 3, 4}, sos[] = {3, 4}, type = 1, beg = 0;
+        const double val[] = {1, 1, -1, 1, 1}, weight[] = {1, 2};
+        TVXfreemodel(model);
+        model = nullptr;
+        ASSERT_EQ(TVXnewmodel(env.env, &model, "mixed", 5, obj, lb, ub, "IISCC", nullptr),
+                  0);
+        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 8, "cap"), 0);
+        ASSERT_EQ(TVXaddsos(model, 1, 2, &type, &beg, sos, weight), 0);
+        update();
+        if (start_count == 0) return;
+        ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, start_count, start), 0);
+    }
+    void none(const std::string &text)
+    {
+        EXPECT_EQ(TVXconverttofixed(model), nullptr);
+        EXPECT_EQ(TVXgetmerrormsg(model), text);
+    }
+    double optimum(TVXmodel *m, const char *sense)
+    {
+        double value = 0;
+        EXPECT_EQ(TVXsetintattr(m, "ModelSense", sense[0] == '>' ? -1 : 1), 0);
+        EXPECT_EQ(TVXoptimize(m), 0);
+        EXPECT_EQ(TVXgetdblattr(m, "ObjVal", &value), 0);
+        return value;
+    }
+};
+} // namespace
+
+TEST_F(FixedModel, of_discrete_decisions_is_the_linear_rest)
+{
+    load_mixed(5);
+    const TestModel fixed(TVXconverttofixed(model));
+    ASSERT_TRUE(fixed);
+    LpModel rest;
+    ASSERT_EQ(lp_read_back(fixed, &rest), 0);
+    EXPECT_EQ(rest.lb, (std::vector<double>{2, 3, 0, 0, 0}));
+    EXPECT_EQ(rest.ub, (std::vector<double>{2, 3, 0, 0, 4}));
+    EXPECT_EQ(optimum(fixed, "<"), -2 - 3 - 2 * 3);
+    double pi = 0;
+    EXPECT_EQ(TVXgetdblattrelement(fixed, "Pi", 0, &pi), 0);
+    EXPECT_EQ(pi, -2);
+    int is_mip = -1;
+    EXPECT_EQ(TVXgetintattr(fixed, "IsMIP", &is_mip), 0);
+    EXPECT_EQ(is_mip, 0);
+    EXPECT_EQ(integer("IsMIP"), 1); // the source stays what it is
+}
+
+TEST_F(FixedModel, needs_values_that_the_model_allows)
+{
+    load_mixed(0);
+    none("The model has no solution and no start to be fixed at");
+    load_mixed(4);
+    none("Variable C4 has no value to be fixed at");
+    const struct {
+        int var;
+        double value;
+        const char *text;
+    } wrong[] = {{0, 2.5, "Variable C0 cannot be fixed at 2.5"},
+                 {1, 6, "Variable C1 cannot be fixed at 6"},
+                 {2, 1, "Variable C2 cannot be fixed at 1"},
+                 {3, 1, "The values to be fixed at violate an SOS constraint"}};
+    for (const auto &w : wrong) {
+        load_mixed(5);
+        ASSERT_EQ(TVXsetdblattrelement(model, "Start", w.var, w.value), 0);
+        none(w.text);
+    }
+    EXPECT_EQ(TVXconverttofixed(nullptr), nullptr);
+}
+
+// Every point of the new model is optimal for the old one, and the old optimum is among them.
+TEST_F(FixedModel, of_a_linear_model_is_the_set_of_its_optimal_solutions)
+{
+    for (uint64_t seed = 0; seed < 40; seed++) {
+        Dice dice(seed);
+        load(seed % 2 ? gen_multi_period(&dice, 8).lp : gen_planted_optimum(&dice, 12).lp);
+        none("The model has no optimal solution to be fixed at");
+        const double best = objective();
+        const TestModel face(TVXconverttofixed(model));
+        ASSERT_TRUE(face);
+        EXPECT_NEAR(optimum(face, "<"), best, 1e-6 * (1 + std::fabs(best)));
+        EXPECT_NEAR(optimum(face, ">"), best, 1e-6 * (1 + std::fabs(best)));
+    }
+}
+
+// max x + y with x + y <= 4, x - y >= -2: the whole edge remains, and nothing else.
+TEST_F(FixedModel, keeps_ties_open)
+{
+    LpModel lp;
+    lp.sense = -1;
+    lp_add_var(&lp, 1, 0, 3);
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, -1}, {1, -1}}, '>', -4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', -2);
+    load(lp);
+    EXPECT_EQ(objective(), 4);
+    const TestModel face(TVXconverttofixed(model));
+    ASSERT_TRUE(face);
+    const double x_only[] = {1, 0};
+    ASSERT_EQ(TVXsetdblattrarray(face, "Obj", 0, 2, x_only), 0);
+    EXPECT_EQ(optimum(face, ">"), 3);
+    EXPECT_EQ(optimum(face, "<"), 1);
+}
