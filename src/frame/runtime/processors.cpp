@@ -75,7 +75,8 @@ static int hierarchy_limit(const char *root, const char *mount, const char *name
     char group[PATH_LENGTH];
     const int top = snprintf(group, sizeof group, "%s%s", root, mount);
     if (top < 0 || static_cast<size_t>(top) + strlen(name) >= sizeof group) return INT_MAX;
-    memcpy(group + top, name, strlen(name) + 1);
+    if (access(group, F_OK) != 0) return INT_MAX; // such a hierarchy is not mounted
+    if (name[strspn(name, "/")] != '\0') strcpy(group + top, name); // else its top alone
     int limit = INT_MAX;
     while (true) {
         limit = std::min(limit, group_limit(group));
