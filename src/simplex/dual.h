@@ -62,6 +62,8 @@ template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // ne
 // dual_row.cpp
 template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);
+template<class R>
+void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *changed); // of the listed rows
 
 // dual_weights.cpp
 template<class R>

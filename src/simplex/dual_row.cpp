@@ -27,14 +27,51 @@ template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
     price_list_set(&d->Rows, i, merit);
 }
 
+// All of them, without a branch in the long loop.
+template<class R> static void set_all_merits(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    const int m = s->NumRows;
+    if (s->Env->NormAdjust >= NORM_BY_LENGTH) {
+        for (int i = 0; i < m; i++) dual_set_merit(s, w, i);
+        return;
+    }
+    const R *__restrict x = w->Bbar.data, *__restrict weight = d->Weights.data;
+    const double *__restrict lower = s->BasicLower.data,
+                 *__restrict upper = s->BasicUpper.data;
+    R *__restrict merit = d->Rows.Merit.data;
+    const R tol = R(s->FeasTol);
+    for (int i = 0; i < m; i++) {
+        R gap = std::max(R(lower[i]) - x[i], x[i] - R(upper[i]));
+        gap = gap > tol ? gap : R(0);
+        merit[i] = gap * gap / weight[i];
+    }
+    if (d->Rejected > 0)
+        for (int i = 0; i < m; i++)
+            if (d->RowRejected.data[i]) merit[i] = R(0);
+    for (int i = 0; i < m; i++)
+        if (merit[i] >= d->Rows.Threshold) price_list_set(&d->Rows, i, merit[i]);
+}
+
+template<class R> void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *changed)
+{
+    if (!svec_is_short(changed)) {
+        set_all_merits(s, w);
+        return;
+    }
+    for (int k = 0; k < changed->Count; k++)
+        dual_set_merit(s, w, changed->Index.data[k]);
+}
+
 template<class R> void dual_list_reset(sopt *s, swork<R> *w)
 {
     price_list_reset(&w->Dual->Rows);
-    for (int i = 0; i < s->NumRows; i++) dual_set_merit(s, w, i);
+    set_all_merits(s, w);
 }
 
 #define INSTANTIATE(R)                                                                     \
     template void dual_set_merit<R>(sopt *, swork<R> *, int);                              \
+    template void dual_set_merits<R>(sopt *, swork<R> *, const SVec<R> *);                 \
     template void dual_list_reset<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)

@@ -19,6 +19,21 @@ template<class R> void add_column(sopt *s, SVec<R> *x, int j, R factor)
         svec_add(x, s->ColInd.data[p], R(s->ColVal.data[p]) * factor);
 }
 
+// Bbar -= factor x.
+template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
+{
+    R *__restrict bbar = w->Bbar.data;
+    const R *__restrict value = x->Value.data;
+    if (!svec_is_short(x)) {
+        for (int i = 0; i < x->Dim; i++) bbar[i] -= factor * value[i];
+        return;
+    }
+    for (int k = 0; k < x->Count; k++) {
+        const int i = x->Index.data[k];
+        bbar[i] -= factor * value[i];
+    }
+}
+
 template<class R> void update_reduced_costs(swork<R> *w, int leaving)
 {
     dopt<R> *d = w->Dual;
@@ -49,11 +64,8 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
     }
     s->Work += d->FlipCount;
     Ftran(&w->Lu, x, SOLVE_FLIPS, Keep::NO);
-    for (int k = 0; k < x->Count; k++) {
-        const int i = x->Index.data[k];
-        w->Bbar.data[i] -= x->Value.data[i];
-        dual_set_merit(s, w, i);
-    }
+    subtract(w, R(1), x);
+    if (svec_is_short(&w->Alpha)) dual_set_merits(s, w, x); // else all merits follow anyway
     svec_clear(x);
 }
 
@@ -62,14 +74,9 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, leaving = s->BasisHead.data[r];
     const R theta = d->ThetaPrimal;
-    R *__restrict bbar = w->Bbar.data;
-    const R *__restrict alpha = w->Alpha.Value.data;
-    for (int k = 0; k < w->Alpha.Count; k++) {
-        const int i = w->Alpha.Index.data[k];
-        bbar[i] -= theta * alpha[i];
-        dual_set_merit(s, w, i);
-    }
-    bbar[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
+    subtract(w, theta, &w->Alpha);
+    dual_set_merits(s, w, &w->Alpha);
+    w->Bbar.data[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
     update_reduced_costs(w, leaving);
     s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;
 }

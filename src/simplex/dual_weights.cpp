@@ -83,12 +83,15 @@ template<class R> void update_steepest(swork<R> *w)
     const R pivot = d->AlphaCol, norm = d->Weights.data[r];
     R *__restrict weights = d->Weights.data;
     const R *__restrict alpha = w->Alpha.Value.data, *__restrict tau = w->Tau.Value.data;
-    for (int k = 0; k < w->Alpha.Count; k++) {
-        const int i = w->Alpha.Index.data[k];
+    const auto update = [=](int i) {
         const R ratio = alpha[i] / pivot;
         weights[i] =
             std::max(weights[i] + ratio * (ratio * norm - 2 * tau[i]), R(WEIGHT_MIN));
-    }
+    };
+    if (svec_is_short(&w->Alpha))
+        for (int k = 0; k < w->Alpha.Count; k++) update(w->Alpha.Index.data[k]);
+    else // where alpha is zero nothing changes
+        for (int i = 0; i < w->Alpha.Dim; i++) update(i);
     weights[r] = std::max(norm / (pivot * pivot), R(WEIGHT_MIN));
 }
 
