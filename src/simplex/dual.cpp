@@ -207,13 +207,32 @@ template<class R> void reject_pivot(sopt *s, swork<R> *w)
         set_row_aside(s, w);
 }
 
+// The column of the entering variable, what the flips move, and what steepest edge needs.
+template<class R> void step_ftrans(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    load_column(s, d->PivotCol, &w->Alpha);
+    FtranTask<R> tasks[MAX_FTRANS] = {{&w->Alpha, SOLVE_COLUMN, Keep::YES}};
+    int count = 1;
+    if (d->PricingCur == PRICE_STEEPEST) {
+        svec_copy(&w->Tau, &w->Rho);
+        tasks[count++] = {&w->Tau, SOLVE_NORM, Keep::VALUES};
+    }
+    if (d->FlipCount > 0) {
+        dual_load_flips(s, w);
+        tasks[count++] = {&w->Work, SOLVE_FLIPS, Keep::NO};
+    }
+    const double before = w->Lu.WorkUnits;
+    FtranJoint(&w->Lu, tasks, count);
+    if (d->PricingCur == PRICE_STEEPEST) d->NormWork += (w->Lu.WorkUnits - before) / count;
+}
+
 // Pivot column, its agreement with the row, and the step lengths.
 template<class R> bool compute_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, q = d->PivotCol;
-    load_column(s, q, &w->Alpha);
-    Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::YES);
+    step_ftrans(s, w);
     d->AlphaCol = w->Alpha.Value.data[r];
     const R gap = std::abs(std::abs(d->AlphaRow) - std::abs(d->AlphaCol));
     if (std::abs(d->AlphaCol) < R(s->ZeroTol) ||

@@ -84,5 +84,6 @@ template<class R>
 bool dual_ratio(sopt *s, swork<R> *w); // PivotCol, Flips; false when nothing blocks
 
 // dual_update.cpp
-template<class R> void dual_apply_flips(sopt *s, swork<R> *w);
+template<class R> void dual_load_flips(sopt *s, swork<R> *w); // into Work, before its FTRAN
+template<class R> void dual_apply_flips(sopt *s, swork<R> *w);   // Work after it
 template<class R> void dual_update_values(sopt *s, swork<R> *w); // Bbar, merits, Cbar

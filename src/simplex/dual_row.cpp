@@ -37,8 +37,8 @@ template<class R> static void set_all_merits(sopt *s, swork<R> *w)
         return;
     }
     const R *__restrict x = w->Bbar.data, *__restrict weight = d->Weights.data;
-    const double *__restrict lower = s->BasicLower.data,
-                 *__restrict upper = s->BasicUpper.data;
+    const double *__restrict lower = s->BasicLower.data, *__restrict upper =
+                                                             s->BasicUpper.data;
     R *__restrict merit = d->Rows.Merit.data;
     const R tol = R(s->FeasTol);
     for (int i = 0; i < m; i++) {
@@ -59,8 +59,7 @@ template<class R> void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *chan
         set_all_merits(s, w);
         return;
     }
-    for (int k = 0; k < changed->Count; k++)
-        dual_set_merit(s, w, changed->Index.data[k]);
+    for (int k = 0; k < changed->Count; k++) dual_set_merit(s, w, changed->Index.data[k]);
 }
 
 template<class R> void dual_list_reset(sopt *s, swork<R> *w)

@@ -49,24 +49,30 @@ template<class R> void update_reduced_costs(swork<R> *w, int leaving)
 }
 } // namespace
 
+template<class R> void dual_load_flips(sopt *s, swork<R> *w)
+{
+    dopt<R> *d = w->Dual;
+    svec_clear(&w->Work);
+    for (int k = 0; k < d->FlipCount; k++) {
+        const int j = d->Flips.data[k];
+        const R range = R(s->WorkUpper.data[j]) - R(s->WorkLower.data[j]);
+        add_column(s, &w->Work, j, s->VStat.data[j] == AT_LOWER ? range : -range);
+    }
+    s->Work += d->FlipCount;
+}
+
 template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     if (d->FlipCount == 0) return;
-    SVec<R> *x = &w->Work;
-    svec_clear(x);
     for (int k = 0; k < d->FlipCount; k++) {
-        const int j = d->Flips.data[k];
-        const R range = R(s->WorkUpper.data[j]) - R(s->WorkLower.data[j]);
-        const bool up = s->VStat.data[j] == AT_LOWER;
-        s->VStat.data[j] = up ? AT_UPPER : AT_LOWER;
-        add_column(s, x, j, up ? range : -range);
+        int *status = &s->VStat.data[d->Flips.data[k]];
+        *status = *status == AT_LOWER ? AT_UPPER : AT_LOWER;
     }
-    s->Work += d->FlipCount;
-    Ftran(&w->Lu, x, SOLVE_FLIPS, Keep::NO);
-    subtract(w, R(1), x);
-    if (svec_is_short(&w->Alpha)) dual_set_merits(s, w, x); // else all merits follow anyway
-    svec_clear(x);
+    subtract(w, R(1), &w->Work);
+    if (svec_is_short(&w->Alpha))
+        dual_set_merits(s, w, &w->Work); // else all merits follow anyway
+    svec_clear(&w->Work);
 }
 
 template<class R> void dual_update_values(sopt *s, swork<R> *w)
@@ -82,6 +88,7 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
 }
 
 #define INSTANTIATE(R)                                                                     \
+    template void dual_load_flips<R>(sopt *, swork<R> *);                                  \
     template void dual_apply_flips<R>(sopt *, swork<R> *);                                 \
     template void dual_update_values<R>(sopt *, swork<R> *);
 INSTANTIATE(double)

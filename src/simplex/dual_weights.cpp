@@ -173,16 +173,10 @@ template<class R> R dual_true_weight(const swork<R> *w)
 
 template<class R> void dual_update_weights(sopt *s, swork<R> *w)
 {
-    dopt<R> *d = w->Dual;
-    if (d->PricingCur == PRICE_DEVEX) {
+    if (w->Dual->PricingCur == PRICE_DEVEX)
         update_devex(s, w);
-        return;
-    }
-    const double before = w->Lu.WorkUnits;
-    svec_copy(&w->Tau, &w->Rho);
-    Ftran(&w->Lu, &w->Tau, SOLVE_NORM, Keep::VALUES);
-    d->NormWork += w->Lu.WorkUnits - before;
-    update_steepest(w);
+    else
+        update_steepest(w);
 }
 
 template<class R> void dual_change_pricing(sopt *s, swork<R> *w)

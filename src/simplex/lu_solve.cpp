@@ -22,7 +22,6 @@ constexpr double REACH_GIVE_UP =
     0.25; // share of places visited at which the walk is abandoned
 constexpr double FULL_SHARE =
     0.1; // share of nonzeros above which no list is kept between triangles
-constexpr double AVERAGE_DECAY = 0.9; // memory of the running density
 
 // One triangle as a directed graph: place i updates the places Ind[Beg[i] .. Beg[i] + Len[i] - 1].
 template<class R> struct Triangle {
@@ -127,12 +126,6 @@ template<class R> bool reach_pays(const lufact<R> *lu, const SVec<R> *x, double 
            expected <= REACH_EXPECT;
 }
 
-template<class R> void remember(const lufact<R> *lu, int nonzeros, double *density)
-{
-    const double share = static_cast<double>(nonzeros) / lu->NumRows;
-    *density = AVERAGE_DECAY * *density + (1 - AVERAGE_DECAY) * share;
-}
-
 // Smallest or largest place in the order among the listed entries.
 template<class R> int edge_place(const lufact<R> *lu, const SVec<R> *x, bool largest)
 {
@@ -150,7 +143,7 @@ template<class R> void after_first(lufact<R> *lu, SVec<R> *x, int swept, double 
 {
     const bool full = swept > FULL_SHARE * lu->NumRows;
     if (!full) svec_tidy(x, lu->DropTol);
-    remember(lu, full ? swept : x->Count, density);
+    lu_remember(lu, full ? swept : x->Count, density);
 }
 
 template<class R> void solve_lower(lufact<R> *lu, SVec<R> *x, double *density)
@@ -161,7 +154,7 @@ template<class R> void solve_lower(lufact<R> *lu, SVec<R> *x, double *density)
     const int count = reach_pays(lu, x, *density) ? reach(lu, &t, x) : -1;
     if (count >= 0) {
         solve_reached(lu, &t, x, count);
-        remember(lu, x->Count, density);
+        lu_remember(lu, x->Count, density);
         return;
     }
     const int columns = static_cast<int>(lu->LColOrder.size);
@@ -180,7 +173,7 @@ template<class R> void solve_lower_transposed(lufact<R> *lu, SVec<R> *x, double 
     else
         solve_sweep(lu, &t, x, lu->LRowOrder.data, rows - 1, -1, rows);
     svec_tidy(x, lu->DropTol);
-    remember(lu, x->Count, density);
+    lu_remember(lu, x->Count, density);
 }
 
 template<class R>
@@ -198,7 +191,7 @@ void solve_upper(lufact<R> *lu, SVec<R> *x, double *density, bool values_only)
         nonzeros = solve_sweep(lu, &t, x, lu->Order.data, last, -1, last + 1);
     }
     if (!values_only) svec_tidy(x, lu->DropTol);
-    remember(lu, nonzeros, density);
+    lu_remember(lu, nonzeros, density);
 }
 
 template<class R> void solve_upper_transposed(lufact<R> *lu, SVec<R> *x, double *density)
@@ -208,7 +201,7 @@ template<class R> void solve_upper_transposed(lufact<R> *lu, SVec<R> *x, double 
     const int count = reach_pays(lu, x, *density) ? reach(lu, &t, x) : -1;
     if (count >= 0) {
         solve_reached(lu, &t, x, count);
-        remember(lu, x->Count, density);
+        lu_remember(lu, x->Count, density);
         return;
     }
     const int first = edge_place(lu, x, false);
@@ -286,15 +279,37 @@ template<class R> int pack(const SVec<R> *x, R drop, int *ind, R *val)
 }
 } // namespace
 
+template<class R> void ftran_lower(lufact<R> *lu, const FtranTask<R> *task)
+{
+    SVec<R> *x = task->X;
+    if (task->Keeps == Keep::YES) lu->SpikeCount = 0;
+    if (x->Count == 0) return;
+    solve_lower(lu, x, &lu->Density[task->Kind][0]);
+    if (lu->NumEtas > 0) apply_etas(lu, x);
+    if (task->Keeps == Keep::YES)
+        lu->SpikeCount = pack(x, lu->DropTol, lu->SpikeInd.data, lu->SpikeVal.data);
+}
+
+template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task)
+{
+    if (task->X->Count != 0)
+        solve_upper(lu, task->X, &lu->Density[task->Kind][1], task->Keeps == Keep::VALUES);
+}
+
+template<class R>
+bool ftran_sweeps(const lufact<R> *lu, const FtranTask<R> *task, int *last)
+{
+    const SVec<R> *x = task->X;
+    if (x->Count == 0 || reach_pays(lu, x, lu->Density[task->Kind][1])) return false;
+    *last = std::max(*last, edge_place(lu, x, true));
+    return true;
+}
+
 template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep)
 {
-    if (keep == Keep::YES) lu->SpikeCount = 0;
-    if (x->Count == 0) return;
-    solve_lower(lu, x, &lu->Density[kind][0]);
-    if (lu->NumEtas > 0) apply_etas(lu, x);
-    if (keep == Keep::YES)
-        lu->SpikeCount = pack(x, lu->DropTol, lu->SpikeInd.data, lu->SpikeVal.data);
-    solve_upper(lu, x, &lu->Density[kind][1], keep == Keep::VALUES);
+    const FtranTask<R> task{x, kind, keep};
+    ftran_lower(lu, &task);
+    ftran_upper(lu, &task);
 }
 
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep)
@@ -314,6 +329,16 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 template void Ftran<double>(lufact<double> *, SVec<double> *, SolveKind, Keep);
 template void Ftran<long double>(lufact<long double> *, SVec<long double> *, SolveKind,
                                  Keep);
+template void ftran_lower<double>(lufact<double> *, const FtranTask<double> *);
+template void ftran_lower<long double>(lufact<long double> *,
+                                       const FtranTask<long double> *);
+template void ftran_upper<double>(lufact<double> *, const FtranTask<double> *);
+template void ftran_upper<long double>(lufact<long double> *,
+                                       const FtranTask<long double> *);
+template bool ftran_sweeps<double>(const lufact<double> *, const FtranTask<double> *,
+                                   int *);
+template bool ftran_sweeps<long double>(const lufact<long double> *,
+                                        const FtranTask<long double> *, int *);
 template void Btran<double>(lufact<double> *, SVec<double> *, SolveKind, Keep);
 template void Btran<long double>(lufact<long double> *, SVec<long double> *, SolveKind,
                                  Keep);

@@ -119,6 +119,7 @@ template<class R> struct lufact {
 
     // Scratch
     Array<char> Mark;                 // [m] zero between uses
+    Array<R> Lanes;                   // [4 m] vectors side by side, zero between uses
     Array<int> Stack, StackPos, List; // [m]
     LuActive<R> Active;
     Array<int> URowTmpBeg,
@@ -169,6 +170,27 @@ template<class R> inline void lu_pivot(lufact<R> *lu, int row, int position, R v
 // no list of it is wanted.
 enum class Keep { NO, YES, VALUES };
 template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
+// Several of them, as if one after the other. Those with full results share one pass over U.
+template<class R> struct FtranTask {
+    SVec<R> *X;
+    SolveKind Kind;
+    Keep Keeps; // YES in one of them at most
+};
+static constexpr int MAX_FTRANS = 3;
+template<class R> void FtranJoint(lufact<R> *lu, const FtranTask<R> *tasks, int count);
+// Its parts: through L and the etas, through U, and whether the latter would be a sweep down from *last.
+template<class R> void ftran_lower(lufact<R> *lu, const FtranTask<R> *task);
+template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task);
+template<class R>
+bool ftran_sweeps(const lufact<R> *lu, const FtranTask<R> *task, int *last);
+// The running average of how full results are.
+static constexpr double LU_AVERAGE_DECAY = 0.9;
+template<class R>
+inline void lu_remember(const lufact<R> *lu, int nonzeros, double *density)
+{
+    const double share = static_cast<double>(nonzeros) / lu->NumRows;
+    *density = LU_AVERAGE_DECAY * *density + (1 - LU_AVERAGE_DECAY) * share;
+}
 // x := B^-T x, tidy. With Keep::YES x must be the unit vector of the row that UpdateFactor will replace.
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
 

@@ -113,6 +113,39 @@ template<class R> void check_solves(Factored<R> *f, double limit, unsigned seed)
     }
 }
 
+// Several FTRANs at once give, to the last bit, what each gives alone.
+template<class R> void check_joint(Factored<R> *f, unsigned seed)
+{
+    const int m = f->pool.m;
+    std::mt19937 rng(seed);
+    const Keep keeps[] = {Keep::YES, Keep::VALUES, Keep::NO};
+    const SolveKind kinds[] = {SOLVE_COLUMN, SOLVE_NORM, SOLVE_FLIPS};
+    SVec<R> alone[MAX_FTRANS], joint[MAX_FTRANS];
+    for (int round = 0; round < 12; round++) {
+        FtranTask<R> tasks[MAX_FTRANS];
+        const int count = 1 + round % MAX_FTRANS;
+        for (int k = 0; k < count; k++) {
+            ASSERT_EQ(0, svec_alloc(&alone[k], m));
+            ASSERT_EQ(0, svec_alloc(&joint[k], m));
+            const int entries = round < 6 ? m : static_cast<int>(rng() % 3);
+            for (int e = 0; e < entries; e++)
+                svec_add(&alone[k], static_cast<int>(rng() % unsigned(m)), R(1 + e % 7));
+            svec_copy(&joint[k], &alone[k]);
+            tasks[k] = {&joint[k], kinds[k], keeps[k]};
+            Ftran(&f->lu, &alone[k], kinds[k], keeps[k]);
+        }
+        const int spike = f->lu.SpikeCount;
+        FtranJoint(&f->lu, tasks, count);
+        EXPECT_EQ(spike, f->lu.SpikeCount);
+        for (int k = 0; k < count; k++) {
+            for (int i = 0; i < m; i++)
+                ASSERT_EQ(alone[k].Value.data[i], joint[k].Value.data[i])
+                    << round << " " << k;
+            EXPECT_TRUE(keeps[k] == Keep::VALUES || f->tidy(joint[k]));
+        }
+    }
+}
+
 // Random exchanges as a simplex would make them.
 template<class R>
 void check_updates(Factored<R> *f, int updates, double limit, unsigned seed)
@@ -148,6 +181,7 @@ void check_updates(Factored<R> *f, int updates, double limit, unsigned seed)
         done++;
     }
     EXPECT_EQ(done, updates);
+    check_joint(f, seed);
     check_solves(f, limit, seed);
 }
 
