@@ -72,11 +72,22 @@ void row_activity(PresolveWork *w, int i)
     }
 }
 
-void pre_activity(PresolveWork *w)
+// Entries are taken as they lie in memory, not row by row, where each would be a miss of the cache.
+int pre_activity(PresolveWork *w)
 {
-    for (int i = 0; i < w->NumRows; i++)
-        if (is_live_row(w, i)) row_activity(w, i);
+    for (int i = 0; i < w->NumRows; i++) {
+        w->RMax.data[i] = w->RMin.data[i] = -w->Rhs.data[i];
+        w->Rmaxcnt.data[i] = w->Rmincnt.data[i] = 0;
+        TRY(check_limits(w, 1));
+    }
+    for (int64_t p = 0; p < w->Nodes.size; p++) {
+        const PresolveNode &node = w->Nodes.data[p];
+        TRY(check_limits(w, 1));
+        if (node.col < 0) continue;
+        add_terms(w, node.row, node.value, {w->Lb.data[node.col], w->Ub.data[node.col]});
+    }
     w->Work += 5.0 * static_cast<double>(w->NumNz);
+    return 0;
 }
 
 void change_bounds(PresolveWork *w, int j, double lb, double ub)

@@ -12,6 +12,7 @@
 //             Management Science 3, 1957. A. L. Brearley, G. Mitra, H. P. Williams, "Analysis of mathematical
 //             programming problems prior to applying the simplex algorithm", Math. Prog. 8, 1975.
 #include "presolve/aggregate.h"
+#include "presolve/sort_keys.h"
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -24,8 +25,8 @@ constexpr double RELATIVE_PIVOT = 0.1;              // against the largest of co
 constexpr double WORST_PIVOT = 1e-3;                // against the largest of both
 constexpr int THREAT_SHARE = 10, THREAT_LEAST = 40; // of the fill that is accepted
 constexpr int OVERLAP_STEPS = 1000;                 // to count the true fill of one pivot
-// Effort of one call: dense rows and columns that are met again and again must not cost their square.
-constexpr double EFFORT_PER_ENTRY = 100, EFFORT_AT_LEAST = 1e6;
+// Effort of one call, and of all: dense rows and columns that are met again and again must not cost their square.
+constexpr double EFFORT_PER_ENTRY = 100, EFFORT_AT_LEAST = 1e6, CALLS = 3;
 
 bool may_leave(const PresolveWork *w, int j)
 {
@@ -87,10 +88,12 @@ bool fills_little(PresolveWork *w, int p)
 int best_pivot(PresolveWork *w, int j)
 {
     const double largest = largest_in_col(w, j);
+    const int64_t most = most_threat(w);
     int best = -1, length = INT_MAX;
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
         const int i = w->Nodes.data[p].row;
         if (w->Sense.data[i] != '=' || w->RowCnt.data[i] >= length) continue;
+        if (net_fill(w->ColCnt.data[j], w->RowCnt.data[i]) > most) continue;
         w->Work += w->RowCnt.data[i];
         if (!is_stable(w, p, largest) || !keeps_integers(w, p) || !fills_little(w, p))
             continue;
@@ -114,42 +117,43 @@ int rank_of(const PresolveWork *w, int j)
     return static_cast<int>(std::min<int64_t>(fill, INT_MAX));
 }
 
-// Candidates in the order of their rank; IndexC holds ranks.
-int rank_columns(PresolveWork *w, int *list)
+// Candidates in the order of their rank.
+int rank_columns(PresolveWork *w, int *list, int *count_out)
 {
     const int count = candidate_cols_by_sense(w, SENSE_EQUAL, list);
     w->Work += 10.0 * count * static_cast<double>(w->NumNz) / (w->NumCols + 1.0);
-    int kept = 0;
-    int *rank = w->IndexC.data;
+    int *rank = w->IndexC.data, kept = 0;
     for (int k = 0; k < count; k++) {
         const int j = list[k];
+        TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));
         if (!may_leave(w, j)) continue;
         rank[j] = rank_of(w, j);
         if (rank[j] >= 0) list[kept++] = j;
     }
-    std::sort(list, list + kept, [rank](int a, int b) {
-        return rank[a] != rank[b] ? rank[a] < rank[b] : a < b;
-    });
-    return kept;
+    *count_out = kept;
+    return sort_by_rank(w, list, w->IndexB.data, kept, rank);
 }
 
 int try_column(PresolveWork *w, int j)
 {
-    if (!may_leave(w, j)) return 0;
+    if (!may_leave(w, j) || bounds_that_matter(w, j) != 0) return 0;
     const int p = best_pivot(w, j);
-    if (p < 0 || bounds_that_matter(w, j) != 0) return 0;
+    if (p < 0) return 0;
     const int64_t fill =
         int64_t{w->ColCnt.data[j] - 1} * (w->RowCnt.data[w->Nodes.data[p].row] - 1);
-    return room_for_fill(w, fill) ? substitute_out(w, p) : 0;
+    bool room = false;
+    TRY(room_for_fill(w, fill, &room));
+    return room ? substitute_out(w, p) : 0;
 }
 
 int aggregate_columns(PresolveWork *w, double most_work)
 {
-    int *list = w->IndexA.data;
-    const int count = rank_columns(w, list);
+    int *list = w->IndexA.data, count = 0;
+    TRY(rank_columns(w, list, &count));
     for (int k = 0; k < count && w->Work < most_work; k++) {
+        const double before = w->Work - std::max(1, w->ColCnt.data[list[k]]);
         TRY(try_column(w, list[k]));
-        if (check_is_due(k)) TRY(presolve_check(w));
+        TRY(check_limits(w, w->Work - before));
     }
     return 0;
 }
@@ -166,9 +170,14 @@ int bounds_that_matter(const PresolveWork *w, int j)
 
 int pre_aggregate(PresolveWork *w)
 {
-    const double most_work =
-        w->Work + EFFORT_PER_ENTRY * static_cast<double>(w->NumNz) + EFFORT_AT_LEAST;
+    const double per_call =
+        EFFORT_PER_ENTRY * static_cast<double>(w->NumNz) + EFFORT_AT_LEAST;
+    const double begin = w->Work,
+                 most_work =
+                     begin + std::min(per_call, CALLS * per_call - w->AggregateWork);
     TRY(aggregate_doubletons(w, most_work));
     TRY(aggregate_columns(w, most_work));
-    return free_to_slack(w, most_work);
+    TRY(free_to_slack(w, most_work));
+    w->AggregateWork += w->Work - begin;
+    return 0;
 }

@@ -6,8 +6,8 @@
 // Largest absolute value of the entries of a row or a column.
 double largest_in_row(const PresolveWork *w, int i);
 double largest_in_col(const PresolveWork *w, int j);
-// Whether `fill` nodes are free; compresses when that would help.
-bool room_for_fill(PresolveWork *w, int64_t fill);
+// Whether `fill` nodes are free; compresses when that would help. A PresolveStatus of the limits.
+[[nodiscard]] int room_for_fill(PresolveWork *w, int64_t fill, bool *there);
 // Adds multiples of the row of entry p to the objective and all other rows such that the column of p would leave them;
 // its entries there stay. Needs room for (length of row - 1) * (length of column - 1) nodes.
 void eliminate_from_others(PresolveWork *w, int p);

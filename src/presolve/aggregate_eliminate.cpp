@@ -3,7 +3,9 @@
 // Problem     Row r, a x_j + sum a_k x_k = b, is to replace x_j in the objective and in the other rows i of column j:
 //             row i -= (a_ij / a) row r, c -= (c_j / a) row r.
 // Method      One sparse vector (the pattern) is scattered and added as a multiple to each of several lists: row r to
-//             the rows of column j, or column j to the columns of row r, whichever lists are shorter in sum. New
+//             the rows of column j, or column j to the columns of row r, whichever lists are shorter in sum. Where
+//             there is a long list on both ways, each entry is searched for by itself in the shorter of its two
+//             lists, and moved to the head, as the next pivot will ask for it again. New
 //             entries take nodes of the free list. Where many columns go into the same one, that one is mapped first
 //             (row -> entry), and nothing is searched.
 // Invariant   Counts, right-hand sides and activities follow each single entry. A sum that is zero but for rounding is
@@ -19,6 +21,7 @@ constexpr double CANCELLED = 1e-13;        // of the larger term: what is left i
 constexpr double WORTH_COMPRESSING = 0.05; // share of the nodes that must be dead
 constexpr double PIVOT_EFFORT = 20;
 constexpr int LOG_EVERY = 10000; // columns
+constexpr int LONG_WAY = 2000;   // entries from which each is searched for by itself
 
 // a + b, or zero when the digits have cancelled.
 double add_cleanly(double a, double b, double zero)
@@ -127,16 +130,61 @@ void clear_scatter(PresolveWork *w, const Pattern *pattern)
     for (int q = 0; q < pattern->count; q++) w->Scratch.data[pattern->index[q]] = 0;
 }
 
-// Row r added to the rows of column j, or column j to the columns of row r: whichever visits fewer entries.
-Along cheaper_way(PresolveWork *w, const PresolveNode *pivot)
+// Entries that are visited when row r is added to the rows of column j, or column j to the columns of row r.
+struct Ways {
+    int64_t by_rows = 0, by_cols = 0;
+};
+Ways ways_of(const PresolveWork *w, const PresolveNode *pivot)
 {
-    int64_t row_entries = 0, col_entries = 0;
+    Ways ways;
     for (int q = first_in_col(w, pivot->col); q >= 0; q = next_in_col(w, q))
-        row_entries += w->RowCnt.data[w->Nodes.data[q].row];
+        ways.by_rows += w->RowCnt.data[w->Nodes.data[q].row];
     for (int q = first_in_row(w, pivot->row); q >= 0; q = next_in_row(w, q))
-        col_entries += w->ColCnt.data[w->Nodes.data[q].col];
-    w->Work += static_cast<double>(std::min(row_entries, col_entries));
-    return col_entries > row_entries ? Along::ROW : Along::COL;
+        ways.by_cols += w->ColCnt.data[w->Nodes.data[q].col];
+    return ways;
+}
+
+// The entry of row i and column k, or -1; it moves to the head of the list in which it was found.
+int find_entry(PresolveWork *w, int i, int k)
+{
+    const bool in_row = w->RowCnt.data[i] <= w->ColCnt.data[k];
+    int *head = in_row ? &w->RowHead.data[i] : &w->ColHead.data[k];
+    int steps = 0;
+    for (int *link = head; *link >= 0; steps++) {
+        const int p = *link;
+        PresolveNode *node = &w->Nodes.data[p];
+        int *next = in_row ? &node->next_in_row : &node->next_in_col;
+        if (node->col == k && node->row == i) {
+            *link = *next;
+            *next = *head;
+            *head = p;
+            w->Work += steps;
+            return p;
+        }
+        link = next;
+    }
+    w->Work += steps;
+    return -1;
+}
+
+void eliminate_pairs(PresolveWork *w, int p)
+{
+    const PresolveNode pivot = w->Nodes.data[p];
+    for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
+        if (q == p) continue;
+        const int i = w->Nodes.data[q].row;
+        const double factor = -w->Nodes.data[q].value / pivot.value;
+        for (int t = first_in_row(w, pivot.row); t >= 0; t = next_in_row(w, t)) {
+            if (t == p) continue;
+            const int k = w->Nodes.data[t].col;
+            const double step = factor * w->Nodes.data[t].value;
+            const int at = find_entry(w, i, k);
+            if (at >= 0)
+                add_to_entry(w, at, step);
+            else
+                insert_fill(w, i, k, step);
+        }
+    }
 }
 
 void move_objective(PresolveWork *w, int p)
@@ -194,21 +242,25 @@ double largest_in_col(const PresolveWork *w, int j)
     return largest;
 }
 
-bool room_for_fill(PresolveWork *w, int64_t fill)
+int room_for_fill(PresolveWork *w, int64_t fill, bool *there)
 {
-    if (fill <= w->FreeCount) return true;
     const double dead = static_cast<double>(w->DeadCount);
-    if (dead < WORTH_COMPRESSING * static_cast<double>(w->Nodes.size)) return false;
-    compress(w);
-    return fill <= w->FreeCount;
+    if (fill > w->FreeCount &&
+        dead >= WORTH_COMPRESSING * static_cast<double>(w->Nodes.size))
+        TRY(compress(w));
+    *there = fill <= w->FreeCount;
+    return 0;
 }
 
 void eliminate_from_others(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
-    const Along way = cheaper_way(w, &pivot);
+    const Ways ways = ways_of(w, &pivot);
     move_objective(w, p);
     move_rhs(w, p);
+    if (std::min(ways.by_rows, ways.by_cols) > LONG_WAY) return eliminate_pairs(w, p);
+    w->Work += 2.0 * static_cast<double>(std::min(ways.by_rows, ways.by_cols));
+    const Along way = ways.by_cols > ways.by_rows ? Along::ROW : Along::COL;
     const Pattern pattern = scatter(w, way, p);
     // Inserting puts entries at the heads of other lists, never of the one walked here.
     const Along lines = way == Along::ROW ? Along::COL : Along::ROW;

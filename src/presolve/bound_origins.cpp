@@ -51,11 +51,12 @@ bool see(BoundPropagation *p, int place, int version)
 // The bounds behind the activity of a constraint, without the term of `but`.
 bool see_terms(BoundPropagation *p, int con, int side, int but, int before, int not_from)
 {
-    for (int e = first_in_con(p, con); e >= 0; e = next_in_con(p, e)) {
-        const int v = var_of_entry(p, e);
+    const ConEntries entries = entries_of(p, con);
+    for (int k = entries.begin; k < entries.end; k++) {
+        const int v = p->ConVar.data[k];
         p->Effort++;
         if (v == but) continue;
-        const int place = term_place(v, p->w->Nodes.data[e].value, side);
+        const int place = term_place(v, p->ConVal.data[k], side);
         if (!see(p, place, version_before(p, place, before, not_from))) return false;
     }
     return true;
@@ -100,10 +101,11 @@ bool too_much(const BoundPropagation *p)
 double activity_of_others(BoundPropagation *p, int con, int side)
 {
     double sum = 0, size = 0;
-    for (int e = first_in_con(p, con); e >= 0; e = next_in_con(p, e)) {
+    const ConEntries entries = entries_of(p, con);
+    for (int k = entries.begin; k < entries.end; k++) {
         p->Effort++;
-        const double a = p->w->Nodes.data[e].value;
-        const int place = term_place(var_of_entry(p, e), a, side),
+        const double a = p->ConVal.data[k];
+        const int place = term_place(p->ConVar.data[k], a, side),
                   version = version_before(p, place, INT_MAX, con);
         const double bound =
             version >= 0 ? p->Log.data[version].value : p->Start.data[place];

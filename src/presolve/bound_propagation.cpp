@@ -24,6 +24,9 @@ constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
 constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
 constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
 constexpr double CHECK_EFFORT = 1e6;  // entries between looks at the limits
+constexpr double SHARE_COPIED =
+    0.1; // of the constraints in the first round: all are copied
+constexpr int64_t CHECK_EVERY = (1 << 20) - 1; // ... in the order of the memory
 
 bool is_absent(const BoundPropagation *p, double bound)
 {
@@ -39,17 +42,20 @@ struct Activity {
 Activity activity_of(BoundPropagation *p, int con, int side)
 {
     Activity a;
-    for (int e = first_in_con(p, con); e >= 0; e = next_in_con(p, e)) {
-        const double value = p->w->Nodes.data[e].value,
-                     bound = p->Bound.data[term_place(var_of_entry(p, e), value, side)];
-        p->Effort++;
+    const ConEntries row = entries_of(p, con);
+    const int *__restrict var = p->ConVar.data;
+    const double *__restrict val = p->ConVal.data, *__restrict bounds = p->Bound.data;
+    int k = row.begin;
+    for (; k < row.end; k++) {
+        const double bound = bounds[term_place(var[k], val[k], side)];
         if (is_absent(p, bound)) {
             if (++a.infinite > 1) break; // nothing follows
             continue;
         }
-        a.sum += value * bound;
-        a.size += std::fabs(value * bound);
+        a.sum += val[k] * bound;
+        a.size += std::fabs(val[k] * bound);
     }
+    p->Effort += k - row.begin;
     return a;
 }
 
@@ -77,6 +83,7 @@ void tighten(BoundPropagation *p, int place, double value, int con, int side)
         return;
     }
     array_push(&p->Log, BoundVersion{value, place, con, side, p->Newest.data[place]});
+    p->Seen.data[p->Log.size - 1] = 0;
     p->Newest.data[place] = static_cast<int>(p->Log.size - 1);
     p->Bound.data[place] = value;
     const int v = place / 2;
@@ -100,9 +107,10 @@ void imply(BoundPropagation *p, int con, int side)
     const double margin = ROUNDING * (all.size + std::fabs(limit));
     const double excess = side == UPPER_SIDE ? all.sum - limit : limit - all.sum;
     if (all.infinite == 0 && excess > p->Tol + margin) return contradict(p, con);
-    for (int e = first_in_con(p, con); e >= 0 && !p->Contradiction; e = next_in_con(p, e)) {
-        const double a = p->w->Nodes.data[e].value;
-        const int place = term_place(var_of_entry(p, e), a, side);
+    const ConEntries row = entries_of(p, con);
+    for (int k = row.begin; k < row.end && !p->Contradiction; k++) {
+        const double a = p->ConVal.data[k];
+        const int place = term_place(p->ConVar.data[k], a, side);
         const double own = p->Bound.data[place];
         const bool missing = is_absent(p, own);
         if (all.infinite != (missing ? 1 : 0) || std::fabs(a) < SMALL_ENTRY) continue;
@@ -117,13 +125,14 @@ void imply(BoundPropagation *p, int con, int side)
 }
 
 // Lists the constraints of the variables that moved.
-void list_next(BoundPropagation *p)
+int list_next(BoundPropagation *p)
 {
+    const bool primal = p->kind == PROPAGATE_PRIMAL;
     p->NumListed = 0;
     for (int k = 0; k < p->NumTightened; k++) {
         const int v = p->VarList.data[k];
         p->VarListed.data[v] = 0;
-        const bool primal = p->kind == PROPAGATE_PRIMAL;
+        TRY(propagation_check(p));
         for (int e = primal ? first_in_col(p->w, v) : first_in_row(p->w, v); e >= 0;
              e = primal ? next_in_col(p->w, e) : next_in_row(p->w, e)) {
             const PresolveNode &node = p->w->Nodes.data[e];
@@ -132,32 +141,48 @@ void list_next(BoundPropagation *p)
         }
     }
     p->NumTightened = 0;
+    return 0;
 }
 
 int alloc_bounds(BoundPropagation *p)
 {
     const int64_t places = 2 * int64_t{p->NumVars};
-    for (Array<double> *a : {&p->Start, &p->Bound}) TRY(array_resize(a, places));
-    TRY(array_resize(&p->Limit, 2 * int64_t{p->NumCons}));
     TRY(array_assign(&p->Newest, places, -1));
+    TRY(presolve_check(p->w));
     TRY(array_assign(&p->StartState, places, char(START_FREE)));
-    return array_resize(&p->StartTrail, places);
+    TRY(array_resize(&p->StartTrail, places));
+    TRY(array_resize(&p->Start, places));
+    for (int64_t k = 0; k < places; k++) p->Start.data[k] = k & 1 ? p->w->INF : -p->w->INF;
+    TRY(presolve_check(p->w));
+    return array_resize(&p->Bound, places);
+}
+
+int alloc_cons(BoundPropagation *p)
+{
+    TRY(array_resize(&p->Limit, 2 * int64_t{p->NumCons}));
+    for (int64_t k = 0; k < p->Limit.size; k++)
+        p->Limit.data[k] = k & 1 ? p->w->INF : -p->w->INF;
+    TRY(presolve_check(p->w));
+    TRY(array_assign(&p->Con, p->NumCons, ConEntries{-1, -1}));
+    TRY(array_resize(&p->ConList, p->NumCons));
+    TRY(array_assign(&p->ConListed, p->NumCons, char(0)));
+    return array_assign(&p->ConState, p->NumCons, uint8_t{0});
 }
 
 // The log has room for a version of each bound and each entry.
 int alloc_lists(BoundPropagation *p)
 {
     const PresolveWork *w = p->w;
-    int64_t room = 2 * int64_t{p->NumVars} + 16;
-    for (int i = 0; i < w->NumRows; i++) room += std::max(0, w->RowCnt.data[i]);
+    int64_t entries = 0;
+    for (int i = 0; i < w->NumRows; i++) entries += std::max(0, w->RowCnt.data[i]);
+    const int64_t room = 2 * int64_t{p->NumVars} + 16 + entries;
     TRY(array_reserve(&p->Log, std::min(room, int64_t{INT32_MAX})));
-    TRY(array_assign(&p->Seen, p->Log.room, 0));
+    TRY(array_resize(&p->Seen, p->Log.room));
     TRY(array_resize(&p->Trail, p->Log.room));
-    TRY(array_resize(&p->ConList, p->NumCons));
+    TRY(array_resize(&p->ConVar, entries));
+    TRY(array_resize(&p->ConVal, entries));
     TRY(array_resize(&p->VarList, p->NumVars));
-    TRY(array_assign(&p->ConListed, p->NumCons, char(0)));
-    TRY(array_assign(&p->VarListed, p->NumVars, char(0)));
-    return array_assign(&p->ConState, p->NumCons, uint8_t{0});
+    return array_assign(&p->VarListed, p->NumVars, char(0));
 }
 } // namespace
 
@@ -170,9 +195,44 @@ int propagation_alloc(BoundPropagation *p, PresolveWork *w, PropagationKind kind
     p->NumCons = primal ? w->NumRows : w->NumCols;
     p->Tol = primal ? w->FeasTol : w->OptTol;
     TRY(alloc_bounds(p));
-    TRY(alloc_lists(p));
-    for (int64_t k = 0; k < p->Start.size; k++) p->Start.data[k] = k & 1 ? w->INF : -w->INF;
-    for (int64_t k = 0; k < p->Limit.size; k++) p->Limit.data[k] = k & 1 ? w->INF : -w->INF;
+    TRY(alloc_cons(p));
+    return alloc_lists(p);
+}
+
+void propagation_copy(BoundPropagation *p, int con)
+{
+    const PresolveWork *w = p->w;
+    const bool primal = p->kind == PROPAGATE_PRIMAL;
+    int k = p->NumCopied;
+    p->Con.data[con].begin = k;
+    for (int e = primal ? first_in_row(w, con) : first_in_col(w, con); e >= 0;
+         e = primal ? next_in_row(w, e) : next_in_col(w, e)) {
+        const PresolveNode &node = w->Nodes.data[e];
+        p->ConVar.data[k] = primal ? node.col : node.row;
+        p->ConVal.data[k++] = node.value;
+    }
+    p->Con.data[con].end = p->NumCopied = k;
+}
+
+static int copy_all(BoundPropagation *p)
+{
+    const PresolveWork *w = p->w;
+    const bool primal = p->kind == PROPAGATE_PRIMAL;
+    const int *count = primal ? w->RowCnt.data : w->ColCnt.data;
+    int at = 0;
+    for (int c = 0; c < p->NumCons; c++) {
+        p->Con.data[c] = {at, at};
+        at += std::max(0, count[c]);
+    }
+    p->NumCopied = at;
+    for (int64_t e = 0; e < w->Nodes.size; e++) {
+        const PresolveNode &node = w->Nodes.data[e];
+        if ((e & CHECK_EVERY) == CHECK_EVERY) TRY(presolve_check(p->w));
+        if (node.col < 0) continue;
+        const int k = p->Con.data[primal ? node.row : node.col].end++;
+        p->ConVar.data[k] = primal ? node.col : node.row;
+        p->ConVal.data[k] = node.value;
+    }
     return 0;
 }
 
@@ -215,6 +275,7 @@ int propagation_check(BoundPropagation *p)
 int propagation_run(BoundPropagation *p, int rounds)
 {
     std::copy_n(p->Start.data, p->Start.size, p->Bound.data);
+    if (p->NumListed > SHARE_COPIED * p->NumCons) TRY(copy_all(p));
     for (int round = 0; round < rounds && p->NumListed > 0; round++) {
         for (int k = 0; k < p->NumListed && !p->Contradiction; k++) {
             const int con = p->ConList.data[k];
@@ -224,7 +285,7 @@ int propagation_run(BoundPropagation *p, int rounds)
             imply(p, con, LOWER_SIDE);
         }
         if (p->Contradiction) break;
-        list_next(p);
+        TRY(list_next(p));
     }
     return 0;
 }

@@ -20,6 +20,10 @@ struct BoundVersion {
     int before; // version of the same bound that it replaced, -1: the bound of the model
 };
 
+struct ConEntries {
+    int begin, end; // in ConVar and ConVal; begin -1: not copied yet
+};
+
 struct BoundPropagation {
     PresolveWork *w = nullptr;
     PropagationKind kind = PROPAGATE_PRIMAL;
@@ -29,6 +33,12 @@ struct BoundPropagation {
     Array<double> Start; // [2 NumVars] bounds of the model
     Array<double> Bound; // [2 NumVars] bounds now
     Array<int> Newest;   // [2 NumVars] version that gave the bound, -1: the model
+    // Entries of the constraints, copied one behind the other when they are first looked at: lists of nodes that are
+    // walked again and again cost a miss of the cache per entry.
+    Array<ConEntries> Con; // [NumCons]
+    Array<int> ConVar;     // [live entries] variable; the first NumCopied
+    Array<double> ConVal;  // [live entries] coefficient
+    int NumCopied = 0;
     Array<BoundVersion> Log; // versions in the order they were found; its room is fixed
     Array<int> ConList;      // [NumCons] constraints to look at; the first NumListed
     Array<int>
@@ -50,19 +60,6 @@ struct BoundPropagation {
 enum { CON_LOW_USED = 1, CON_HIGH_USED = 2, CON_GONE = 4 };
 enum { START_FREE = 0, START_USED = 1, START_SEEN = 2, START_GONE = 3 };
 
-inline int first_in_con(const BoundPropagation *p, int c)
-{
-    return p->kind == PROPAGATE_PRIMAL ? first_in_row(p->w, c) : first_in_col(p->w, c);
-}
-inline int next_in_con(const BoundPropagation *p, int e)
-{
-    return p->kind == PROPAGATE_PRIMAL ? next_in_row(p->w, e) : next_in_col(p->w, e);
-}
-inline int var_of_entry(const BoundPropagation *p, int e)
-{
-    const PresolveNode &node = p->w->Nodes.data[e];
-    return p->kind == PROPAGATE_PRIMAL ? node.col : node.row;
-}
 // Which bound of its variable an entry contributes to the least (side UPPER_SIDE, held against the upper limit) or the
 // greatest (LOWER_SIDE) activity of its constraint.
 inline int term_place(int var, double a, int side)
@@ -71,7 +68,13 @@ inline int term_place(int var, double a, int side)
 }
 
 // ---- bound_propagation.cpp ----
-// Arrays of a system; limits and bounds are absent. 0 or OUT_OF_MEMORY.
+void propagation_copy(BoundPropagation *p, int con); // its entries
+inline ConEntries entries_of(BoundPropagation *p, int con)
+{
+    if (p->Con.data[con].begin < 0) propagation_copy(p, con);
+    return p->Con.data[con];
+}
+// Arrays of a system; limits and bounds are absent. A PresolveStatus of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int propagation_alloc(BoundPropagation *p, PresolveWork *w,
                                     PropagationKind kind);
 // The system of the rows, each wider by `relax` on its finite sides, and the bounds of the columns.

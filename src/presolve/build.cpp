@@ -33,7 +33,7 @@ int collect_rows(const PresolveWork *w, const PresolveResult *result, Reduced *r
     return 0;
 }
 
-int collect_cols(const PresolveWork *w, const PresolveResult *result, Reduced *r)
+int collect_cols(PresolveWork *w, const PresolveResult *result, Reduced *r)
 {
     int64_t entries = 0;
     for (int j = 0; j < w->NumCols; j++)
@@ -51,6 +51,7 @@ int collect_cols(const PresolveWork *w, const PresolveResult *result, Reduced *r
         r->lb.data[k] = w->Lb.data[j];
         r->ub.data[k] = w->Ub.data[j];
         r->beg.data[k] = at;
+        TRY(check_limits(w, 1.0 + w->ColCnt.data[j]));
         for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
             r->ind.data[at] = result->RowMap.data[w->Nodes.data[p].row];
             r->val.data[at++] = w->Nodes.data[p].value;

@@ -13,6 +13,7 @@
 // Cost        O(length of the row) per column that goes; an inequality loses one slack, and the others are dominated then.
 #include "presolve/columns.h"
 #include "presolve/postsolve.h"
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -25,7 +26,6 @@ constexpr double FREE_RATIO =
 constexpr double IMPLIED_RATIO =
     1e-3; // ... implied free: errors of others show in its bounds
 constexpr double SLACK_RATIO = 1e-3; // ... slack column
-constexpr int LONG_ROW = 50;         // one refusal per pass is enough
 
 // What the pass needs to know of a column singleton.
 struct Singleton {
@@ -109,7 +109,7 @@ Rest examine_rest(PresolveWork *w, const Singleton *s)
         if (q == s->p) continue;
         const int k = w->Nodes.data[q].col;
         const double d = w->Obj.data[k] - y * w->Nodes.data[q].value;
-        rest.largest = std::fmax(rest.largest, std::fabs(w->Nodes.data[q].value));
+        rest.largest = std::max(rest.largest, std::fabs(w->Nodes.data[q].value));
         rest.wrong += (d < -NO_COST && !has_ub(w, k)) || (d > NO_COST && !has_lb(w, k));
     }
     w->Work += w->RowCnt.data[s->row];
@@ -195,6 +195,7 @@ int absorb(PresolveWork *w, const Singleton *s, int side)
     w->ColsRemoved++;
     for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q))
         w->Nodes.data[q].value *= factor;
+    w->ScratchB.data[i] *= std::fabs(factor); // what pre_columns has noted
     w->Rhs.data[i] = factor * (w->Rhs.data[i] - s->a * bound);
     w->Sense.data[i] = '<';
     row_activity(w, i);
@@ -209,15 +210,14 @@ int pre_column_singleton(PresolveWork *w, int j)
 {
     if (!may_try(w, j)) return 0;
     Singleton s = examine(w, j);
-    char *refused = w->Flag.data;
-    if (refused[s.row] || !may_leave(w, &s)) return 0;
+    if ((w->Flag.data[s.row] & SINGLETON_REFUSED) || !may_leave(w, &s)) return 0;
     if (w->Sense.data[s.row] != '=' && !s.is_free()) {
         if (s.cost == 0) // as stored: nothing is lost at the bound that relaxes the row
             return s.a > 0 ? fix_at_lower(w, j) : fix_at_upper(w, j);
         s = best_slack(w, s);
     }
     if (!is_safe(w, &s)) {
-        refused[s.row] = w->RowCnt.data[s.row] > LONG_ROW;
+        if (w->RowCnt.data[s.row] > LONG_ROW) note_row(w, s.row, SINGLETON_REFUSED);
         return 0;
     }
     return s.is_free() ? substitute(w, &s) : absorb(w, &s, s.free_above ? 1 : -1);

@@ -70,23 +70,50 @@ int try_column(PresolveWork *w, int j, bool dual)
     return w->ColCnt.data[j] == 1 ? pre_column_singleton(w, j) : 0;
 }
 
-int try_columns(PresolveWork *w, const int *list, int count)
+int try_columns(PresolveWork *w, const int *list, int count, bool dual)
 {
-    const bool dual = w->Env->TARV_PAR_DUALREDUCTION != 0;
     for (int k = 0; k < count; k++) {
-        if (is_live_col(w, list[k])) TRY(try_column(w, list[k], dual));
-        if (check_is_due(k)) TRY(presolve_check(w));
+        const int j = list[k];
+        TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));
+        if (is_live_col(w, j)) TRY(try_column(w, j, dual));
     }
     return 0;
 }
+
+// Those that were touched since the worklist had `begin` columns: a chain collapses at once.
+int try_touched(PresolveWork *w, int begin, bool dual)
+{
+    const WorkList *touched = cols_of_phase(w);
+    for (int k = begin; k < touched->PendingCnt; k++)
+        TRY(try_columns(w, touched->List.data + k, 1, dual));
+    return 0;
+}
+
+void forget_rows(PresolveWork *w)
+{
+    for (int k = 0; k < w->NumNoted; k++) {
+        w->Flag.data[w->IndexB.data[k]] = 0;
+        w->ScratchB.data[w->IndexB.data[k]] = 0;
+    }
+    w->NumNoted = 0;
+}
 } // namespace
+
+void note_row(PresolveWork *w, int i, RowNote note)
+{
+    if (!w->Flag.data[i]) w->IndexB.data[w->NumNoted++] = i;
+    w->Flag.data[i] |= static_cast<char>(note);
+}
 
 int pre_columns(PresolveWork *w)
 {
     int *list = w->IndexA.data;
     const int count = candidate_cols_by_sense(w, SENSE_LESS | SENSE_EQUAL, list);
     w->Work += 10.0 * count * static_cast<double>(w->NumNz) / (w->NumCols + 1);
-    const int status = try_columns(w, list, count);
-    std::fill_n(w->Flag.data, w->NumRows, char(0)); // rows that refused singletons
+    const bool dual = w->Env->TARV_PAR_DUALREDUCTION != 0;
+    const int begin = cols_of_phase(w)->PendingCnt;
+    int status = try_columns(w, list, count, dual);
+    if (status == 0) status = try_touched(w, begin, dual);
+    forget_rows(w);
     return status;
 }

@@ -20,12 +20,16 @@ constexpr double SMALL_SHARE =
 constexpr double TOUCHING = 1e-9; // the bound may be this much tighter than what is implied
 
 // The largest entry of each live row, in Scratch.
-void largest_of_rows(PresolveWork *w)
+int largest_of_rows(PresolveWork *w)
 {
-    for (int i = 0; i < w->NumRows; i++)
-        for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p))
-            w->Scratch.data[i] =
-                std::max(w->Scratch.data[i], std::fabs(w->Nodes.data[p].value));
+    for (int64_t p = 0; p < w->Nodes.size; p++) {
+        const PresolveNode &node = w->Nodes.data[p];
+        TRY(check_limits(w, 1));
+        if (node.col < 0) continue;
+        double *largest = &w->Scratch.data[node.row];
+        *largest = std::max(*largest, std::fabs(node.value));
+    }
+    return 0;
 }
 
 // Does the row of entry p imply the bound of its column by its upper (a x <= b) or lower limit?
@@ -80,7 +84,7 @@ int sort_by_length(PresolveWork *w, Array<int> *start)
     for (int k = 0; k <= longest; k++) start->data[k + 1] += start->data[k];
     for (int j = 0; j < w->NumCols; j++)
         if (is_live_col(w, j)) w->IndexA.data[start->data[w->ColCnt.data[j]]++] = j;
-    return 0;
+    return presolve_check(w);
 }
 } // namespace
 
@@ -89,21 +93,24 @@ int dispensable_bounds(PresolveWork *w, Array<char> *given)
     TRY(array_assign(given, w->NumCols, char(0)));
     Array<int> start;
     TRY(sort_by_length(w, &start));
-    largest_of_rows(w);
+    TRY(largest_of_rows(w));
     int live = 0;
     for (int j = 0; j < w->NumCols; j++) live += is_live_col(w, j);
     for (const int side : {LOWER_SIDE, UPPER_SIDE})
         for (int k = 0; k < live; k++) {
             const int j = w->IndexA.data[k];
+            TRY(check_limits(w, 1 + w->ColCnt.data[j]));
             const bool absent = side == LOWER_SIDE ? !has_lb(w, j) : !has_ub(w, j);
             if (w->ColFlags.data[j] || is_integer(w, j) || absent) continue;
             if (!rows_imply(w, j, side, given->data[j])) continue;
             given->data[j] |= static_cast<char>(1 << side);
             count_missing(w, j, side, 1);
         }
-    for (int j = 0; j < w->NumCols; j++)
+    for (int j = 0; j < w->NumCols; j++) {
+        TRY(check_limits(w, given->data[j] ? 1 + w->ColCnt.data[j] : 1));
         for (const int side : {LOWER_SIDE, UPPER_SIDE})
             if (given->data[j] & (1 << side)) count_missing(w, j, side, -1);
+    }
     std::fill_n(w->Scratch.data, w->NumRows, 0.0);
     w->Work += 5.0 * static_cast<double>(w->NumNz);
     return 0;

@@ -8,22 +8,34 @@
 // Cost        O(entries of the rows)
 #include "presolve/columns.h"
 #include "presolve/postsolve.h"
+#include <algorithm>
 #include <cmath>
 
 namespace
 {
 constexpr double SMALL_RATIO = 1e-6; // the column's entry beside the largest of its row
 
+// The largest entry of row i; of a long row it is noted, as many columns may ask. Entries may have gone since then.
+double largest_of(PresolveWork *w, int i)
+{
+    if (w->Flag.data[i] & LARGEST_KNOWN) return w->ScratchB.data[i];
+    double largest = 0;
+    for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q))
+        largest = std::max(largest, std::fabs(w->Nodes.data[q].value));
+    w->Work += w->RowCnt.data[i];
+    if (w->RowCnt.data[i] <= LONG_ROW) return largest;
+    note_row(w, i, LARGEST_KNOWN);
+    w->ScratchB.data[i] = largest;
+    return largest;
+}
+
 // Entries of the record, 0 when a row should stay.
-int64_t record_length(const PresolveWork *w, int j)
+int64_t record_length(PresolveWork *w, int j)
 {
     int64_t length = 0;
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
         const PresolveNode &node = w->Nodes.data[p];
-        double largest = 0;
-        for (int q = first_in_row(w, node.row); q >= 0; q = next_in_row(w, q))
-            largest = std::fmax(largest, std::fabs(w->Nodes.data[q].value));
-        if (std::fabs(node.value) < SMALL_RATIO * largest) return 0;
+        if (std::fabs(node.value) < SMALL_RATIO * largest_of(w, node.row)) return 0;
         length += 1 + w->RowCnt.data[node.row];
     }
     return length;

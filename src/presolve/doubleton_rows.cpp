@@ -139,13 +139,14 @@ int try_entry(PresolveWork *w, int q)
 int merge_into(PresolveWork *w, int y, double most_work)
 {
     map_column(w, y);
-    int error = 0, walked = -1, steps = 0;
+    int error = 0, walked = -1;
     while (w->ColHead.data[y] != walked && !error) {
         const int head = w->ColHead.data[y];
         for (int q = head; q != walked && !error && w->Work < most_work;
              q = w->Nodes.data[q].next_in_col) {
+            const double before = w->Work;
             if (w->Nodes.data[q].col == y) error = try_entry(w, q);
-            if (!error && check_is_due(steps++)) error = presolve_check(w);
+            if (!error) error = check_limits(w, 1 + w->Work - before);
         }
         walked = head;
     }
@@ -157,11 +158,13 @@ int merge_into(PresolveWork *w, int y, double most_work)
 int aggregate_doubletons(PresolveWork *w, double most_work)
 {
     for (int i = 0; i < w->NumRows && w->Work < most_work; i++) {
-        if (check_is_due(i)) TRY(presolve_check(w));
+        TRY(check_limits(w, 1));
         if (!is_doubleton(w, i)) continue;
         const Step s = choose(w, i);
-        if (s.possible && room_for_fill(w, w->ColCnt.data[w->Nodes.data[s.p].col]))
-            TRY(merge_into(w, w->Nodes.data[s.q].col, most_work));
+        bool room = false;
+        if (s.possible)
+            TRY(room_for_fill(w, w->ColCnt.data[w->Nodes.data[s.p].col], &room));
+        if (room) TRY(merge_into(w, w->Nodes.data[s.q].col, most_work));
     }
     w->Work += w->NumRows;
     return 0;

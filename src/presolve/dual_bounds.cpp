@@ -28,6 +28,7 @@ int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
 {
     TRY(propagation_alloc(p, w, PROPAGATE_DUAL));
     for (int j = 0; j < w->NumCols; j++) {
+        TRY(check_limits(w, 1));
         if (w->ColCnt.data[j] <= 0 || w->ColFlags.data[j] || is_integer(w, j)) continue;
         const bool no_lower = !has_lb(w, j) || (given.data[j] & (1 << LOWER_SIDE)),
                    no_upper = !has_ub(w, j) || (given.data[j] & (1 << UPPER_SIDE));
@@ -63,10 +64,11 @@ int fix_columns(BoundPropagation *p, PresolveWork *w)
     return 0;
 }
 
-void tighten_rows(BoundPropagation *p, PresolveWork *w)
+int tighten_rows(BoundPropagation *p, PresolveWork *w)
 {
     for (int i = 0; i < w->NumRows; i++) {
         const int place = 2 * i + UPPER_SIDE;
+        TRY(check_limits(w, 1));
         if (!is_live_row(w, i) || w->Sense.data[i] == '=') continue;
         if (p->Newest.data[place] < 0 || p->Bound.data[place] >= -w->OptTol) continue;
         if (!claim_start(p, place)) continue;
@@ -74,11 +76,13 @@ void tighten_rows(BoundPropagation *p, PresolveWork *w)
         w->IneqToEq++;
         mark_row(w, i);
         mark_cols_of_row(w, i);
+        TRY(check_limits(w, w->RowCnt.data[i]));
     }
+    return 0;
 }
 
 // What conclusions rest on must hold in the reduced model.
-void drop_bounds(const BoundPropagation *p, PresolveWork *w, const Array<char> &given)
+int drop_bounds(const BoundPropagation *p, PresolveWork *w, const Array<char> &given)
 {
     for (int j = 0; j < w->NumCols; j++) {
         const int used = p->ConState.data[j];
@@ -91,7 +95,9 @@ void drop_bounds(const BoundPropagation *p, PresolveWork *w, const Array<char> &
         w->BoundsChanged++;
         mark_col(w, j);
         mark_rows_of_col(w, j);
+        TRY(check_limits(w, w->ColCnt.data[j]));
     }
+    return 0;
 }
 } // namespace
 
@@ -109,8 +115,8 @@ int pre_dual_bounds(PresolveWork *w)
         status = PRESOLVE_UNBOUNDED;
     } else {
         status = fix_columns(&p, w);
-        if (status == 0) tighten_rows(&p, w);
-        if (status == 0) drop_bounds(&p, w, given);
+        if (status == 0) status = tighten_rows(&p, w);
+        if (status == 0) status = drop_bounds(&p, w, given);
     }
     w->Work += p.Effort;
     return status;

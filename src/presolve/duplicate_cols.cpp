@@ -76,24 +76,30 @@ int send(PresolveWork *w, const DupLine *l, int side)
 }
 
 // Members are sorted so that, on this side, the first one is the best to use: by rising price for upper ends (side 1),
-// by falling price for lower ends (-1). Returns the first one whose end on this side is open, or may be opened.
-int first_open(const PresolveWork *w, const DupLine *members, int count, int side)
+// by falling price for lower ends (-1). The first one whose end on this side is open, or may be opened, or -1.
+int first_open(PresolveWork *w, const DupLine *members, int count, int side, int *open)
 {
+    *open = -1;
     for (int k = 0; k + 1 < count; k++) {
+        TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
-        if (!is_bounded(w, &members[k], side)) return k;
-        if (is_strict(w, &members[k], &members[count - 1]) &&
-            is_implied(w, &members[k], side))
-            return k;
+        if (!is_bounded(w, &members[k], side) ||
+            (is_strict(w, &members[k], &members[count - 1]) &&
+             is_implied(w, &members[k], side))) {
+            *open = k;
+            break;
+        }
     }
-    return -1;
+    return 0;
 }
 
 int dominate(PresolveWork *w, const DupLine *members, int count, int side)
 {
-    const int best = first_open(w, members, count, side);
+    int best = -1;
+    TRY(first_open(w, members, count, side, &best));
     if (best < 0) return 0;
     for (int k = count - 1; k > best; k--) {
+        TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
         if (!is_strict(w, &members[best], &members[k])) continue;
         if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
@@ -118,6 +124,7 @@ int merge_equals(PresolveWork *w, const DupLine *members, int count)
     const DupLine *last = nullptr;
     for (int k = 0; k < count; k++) {
         const DupLine *l = &members[k];
+        TRY(check_limits(w, l->length));
         if (!is_live_col(w, l->line)) continue;
         if (!last || !may_merge(w, last, l)) {
             last = l;
@@ -135,9 +142,7 @@ int handle_cols(PresolveWork *w, DupLine *members, int count)
 {
     // Prices are computed once: fixing sets costs to zero.
     for (int k = 0; k < count; k++) members[k].values = price(w, &members[k]);
-    std::sort(members, members + count, [](const DupLine &a, const DupLine &b) {
-        return a.values < b.values || (a.values == b.values && a.line < b.line);
-    });
+    TRY(sort_members(w, members, count));
     TRY(dominate(w, members, count, 1));
     std::reverse(members, members + count);
     TRY(dominate(w, members, count, -1));
@@ -148,13 +153,10 @@ int handle_cols(PresolveWork *w, DupLine *members, int count)
 int pre_duplicate_cols(PresolveWork *w)
 {
     const int count = candidate_cols(w, w->IndexA.data);
-    Array<DupLine> lines;
-    TRY(array_resize(&lines, count));
     int kept = 0;
     for (int k = 0; k < count; k++) {
         const int j = w->IndexA.data[k];
-        if (w->ColFlags.data[j] || w->ColCnt.data[j] < 1) continue;
-        lines.data[kept++] = {0, 0, 0, j, 0, -1};
+        if (!w->ColFlags.data[j] && w->ColCnt.data[j] >= 1) w->IndexA.data[kept++] = j;
     }
-    return duplicate_classes(w, Axis::COLS, lines.data, kept, handle_cols);
+    return duplicate_classes(w, Axis::COLS, w->IndexA.data, kept, nullptr, handle_cols);
 }

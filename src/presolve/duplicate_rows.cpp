@@ -79,11 +79,15 @@ int classes_with_equation(PresolveWork *w, DupLine *eq, DupLine *members, int co
 {
     for (int k = 0; k < count; k++) {
         DupLine *l = &members[k];
+        TRY(check_limits(w, l->length));
         if (l == eq || l->skip >= 0) continue;
         TRY(judge_by_equation(w, eq, l));
     }
     for (int k = 0; k < count; k++)
-        if (members[k].skip >= 0) TRY(take_off(w, eq, &members[k]));
+        if (members[k].skip >= 0) {
+            TRY(check_limits(w, 2 * members[k].length));
+            TRY(take_off(w, eq, &members[k]));
+        }
     return 0;
 }
 
@@ -93,6 +97,7 @@ int classes_with_slack(PresolveWork *w, DupLine *base, DupLine *members, int cou
     for (const bool equations : {true, false})
         for (int k = 0; k < count; k++) {
             DupLine *l = &members[k];
+            TRY(check_limits(w, 2 * l->length));
             if (l != base && is_equation(w, l) == equations) TRY(take_off(w, base, l));
         }
     return 0;
@@ -143,6 +148,7 @@ int inequalities(PresolveWork *w, DupLine *members, int count)
     for (int k = 0; k < count; k++) {
         DupLine *l = &members[k];
         DupLine **side = l->scale > 0 ? &upper : &lower;
+        TRY(check_limits(w, l->length));
         *side = *side ? keep_tighter(w, *side, l) : l;
     }
     return upper && lower ? judge_range(w, upper, lower) : 0;
@@ -184,14 +190,9 @@ void find_slacks(PresolveWork *w, const int *list, int count)
 int pre_duplicate_rows(PresolveWork *w)
 {
     const int count = candidate_rows(w, w->IndexA.data);
-    Array<DupLine> lines;
-    TRY(array_resize(&lines, count));
     find_slacks(w, w->IndexA.data, count);
-    for (int k = 0; k < count; k++) {
-        const int i = w->IndexA.data[k];
-        lines.data[k] = {0, 0, 0, i, 0, w->IndexB.data[i]};
-    }
-    return duplicate_classes(w, Axis::ROWS, lines.data, count, handle_rows);
+    return duplicate_classes(w, Axis::ROWS, w->IndexA.data, count, w->IndexB.data,
+                             handle_rows);
 }
 
 // The equation a x = b was a x <= b (the row kept) and factor * a x <= factor * b, factor < 0 (the other): a dual above

@@ -5,9 +5,10 @@
 //             of them, which gives classes.
 // Invariant   Members of a class agree with its first member within SAME_VALUE of the largest entry and within
 //             SAME_SHARE of each entry.
-// Cost        O(entries + lines log lines), as long as close keys mean parallel lines; MAX_CLASSES bounds the rest.
+// Cost        O(entries + lines), as long as close keys mean parallel lines; MAX_CLASSES bounds the rest.
 // Literature  J. A. Tomlin and J. S. Welch, "Finding duplicate rows in a linear programming model", OR Letters 5, 1986.
 #include "presolve/duplicates.h"
+#include "presolve/sort_keys.h"
 #include <algorithm>
 #include <cmath>
 
@@ -15,6 +16,9 @@ namespace
 {
 constexpr double SAME_KEY = 1e-10, SAME_VALUE = 1e-11, SAME_SHARE = 1e-10;
 constexpr int MAX_CLASSES = 16; // looked for among lines whose keys are all close
+constexpr int SHORT_CLASS = 500;
+constexpr double SHARE_SCANNED =
+    0.1; // of the lines: their entries are taken as they lie in memory
 
 // A mixing function of 64 bits (splitmix64).
 uint64_t mixed(uint64_t k)
@@ -23,18 +27,6 @@ uint64_t mixed(uint64_t k)
     k = (k ^ (k >> 30)) * 0xbf58476d1ce4e5b9U;
     k = (k ^ (k >> 27)) * 0x94d049bb133111ebU;
     return k ^ (k >> 31);
-}
-
-void set_pattern(const PresolveWork *w, Axis axis, DupLine *l)
-{
-    uint64_t key = 0; // a sum, so that the order of the list does not matter
-    l->length = 0;
-    for (int p = first_of(w, axis, l->line); p >= 0; p = next_of(w, axis, p)) {
-        if (p == l->skip) continue;
-        key += mixed(static_cast<uint64_t>(place_of(w, axis, p)));
-        l->length++;
-    }
-    l->pattern = key;
 }
 
 void set_values(const PresolveWork *w, Axis axis, DupLine *l)
@@ -82,23 +74,26 @@ bool parallel(const PresolveWork *w, Axis axis, const DupLine *l)
     return true;
 }
 
-// Lines with close keys: moves the class of the first one to the front and returns its size.
-int split_class(PresolveWork *w, Axis axis, DupLine *lines, int count)
+// Lines with close keys: moves the class of the first one to the front and tells its size.
+int split_class(PresolveWork *w, Axis axis, DupLine *lines, int count, int *size)
 {
     scatter(w, axis, &lines[0], false);
-    int size = 1;
-    for (int k = 1; k < count; k++)
+    *size = 1;
+    for (int k = 1; k < count; k++) {
+        TRY(check_limits(w, lines[k].length));
         if (lines[k].length == lines[0].length && parallel(w, axis, &lines[k]))
-            std::swap(lines[k], lines[size++]);
+            std::swap(lines[k], lines[(*size)++]);
+    }
     scatter(w, axis, &lines[0], true);
     w->Work += 3.0 * lines[0].length * count;
-    return size;
+    return 0;
 }
 
 int classes_of_run(PresolveWork *w, Axis axis, DupLine *lines, int count, DupHandler handle)
 {
     for (int k = 0; k < MAX_CLASSES && count > 1; k++) {
-        const int size = split_class(w, axis, lines, count);
+        int size = 0;
+        TRY(split_class(w, axis, lines, count, &size));
         if (size > 1) TRY(handle(w, lines, size));
         lines += size;
         count -= size;
@@ -109,10 +104,11 @@ int classes_of_run(PresolveWork *w, Axis axis, DupLine *lines, int count, DupHan
 int classes_of_pattern(PresolveWork *w, Axis axis, DupLine *lines, int count,
                        DupHandler handle)
 {
-    for (int k = 0; k < count; k++) set_values(w, axis, &lines[k]);
-    std::sort(lines, lines + count, [](const DupLine &a, const DupLine &b) {
-        return a.values < b.values || (a.values == b.values && a.line < b.line);
-    });
+    for (int k = 0; k < count; k++) {
+        TRY(check_limits(w, lines[k].length));
+        set_values(w, axis, &lines[k]);
+    }
+    TRY(sort_members(w, lines, count));
     for (int begin = 0, end = 0; begin < count; begin = end) {
         for (end = begin + 1; end < count; end++) {
             const double gap = lines[end].values - lines[end - 1].values;
@@ -123,24 +119,88 @@ int classes_of_pattern(PresolveWork *w, Axis axis, DupLine *lines, int count,
     }
     return 0;
 }
+
+// Sums of the mixed places of lines: of these few, or of all as entries lie in memory.
+int add_patterns(PresolveWork *w, Axis axis, const int *list, int count,
+                 Array<uint64_t> *sum)
+{
+    const int lines = axis == Axis::ROWS ? w->NumRows : w->NumCols;
+    TRY(array_assign(sum, lines, uint64_t{0}));
+    if (count < SHARE_SCANNED * lines) {
+        for (int k = 0; k < count; k++) {
+            TRY(check_limits(w, 1 + length_of(w, axis, list[k])));
+            for (int p = first_of(w, axis, list[k]); p >= 0; p = next_of(w, axis, p))
+                sum->data[list[k]] += mixed(static_cast<uint64_t>(place_of(w, axis, p)));
+        }
+        return 0;
+    }
+    for (int p = 0; p < w->Nodes.size; p++) {
+        TRY(check_limits(w, 1));
+        if (w->Nodes.data[p].col >= 0)
+            sum->data[line_of(w, axis, p)] +=
+                mixed(static_cast<uint64_t>(place_of(w, axis, p)));
+    }
+    return 0;
+}
+
+// Keys of the lines' patterns, sorted; `at` is the line.
+int sort_patterns(PresolveWork *w, Axis axis, const int *list, int count, const int *skip,
+                  Array<SortKey> *keys)
+{
+    Array<uint64_t> sum;
+    Array<SortKey> other;
+    TRY(add_patterns(w, axis, list, count, &sum));
+    TRY(array_resize(keys, count));
+    TRY(array_resize(&other, count));
+    for (int k = 0; k < count; k++) {
+        const int line = list[k], p = skip ? skip[line] : -1;
+        keys->data[k] = {sum.data[line], line};
+        if (p >= 0) keys->data[k].key -= mixed(static_cast<uint64_t>(place_of(w, axis, p)));
+        w->Work += 5.0 * length_of(w, axis, line);
+        TRY(check_limits(w, 1));
+    }
+    return sort_keys(w, keys->data, other.data, count);
+}
 } // namespace
 
-int duplicate_classes(PresolveWork *w, Axis axis, DupLine *lines, int count,
-                      DupHandler handle)
+int sort_members(PresolveWork *w, DupLine *members, int count)
 {
-    for (int k = 0; k < count; k++) {
-        set_pattern(w, axis, &lines[k]);
-        w->Work += 5.0 * lines[k].length;
-        if (check_is_due(k)) TRY(presolve_check(w));
+    if (count <= SHORT_CLASS) {
+        std::sort(members, members + count, [](const DupLine &a, const DupLine &b) {
+            return a.values < b.values || (a.values == b.values && a.line < b.line);
+        });
+        return 0;
     }
-    std::sort(lines, lines + count, [](const DupLine &a, const DupLine &b) {
-        return a.pattern < b.pattern || (a.pattern == b.pattern && a.line < b.line);
-    });
+    Array<SortKey> keys, other;
+    Array<DupLine> sorted;
+    TRY(array_resize(&keys, count));
+    TRY(array_resize(&other, count));
+    TRY(array_resize(&sorted, count));
+    for (int k = 0; k < count; k++) keys.data[k] = {key_of_number(members[k].values), k};
+    TRY(sort_keys(w, keys.data, other.data, count));
+    for (int k = 0; k < count; k++) sorted.data[k] = members[keys.data[k].at];
+    std::copy_n(sorted.data, count, members);
+    return check_limits(w, 2.0 * count);
+}
+
+int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
+                      const int *skip, DupHandler handle)
+{
+    Array<SortKey> keys;
+    Array<DupLine> lines;
+    TRY(sort_patterns(w, axis, list, count, skip, &keys));
     for (int begin = 0, end = 0; begin < count; begin = end) {
         for (end = begin + 1; end < count; end++)
-            if (lines[end].pattern != lines[begin].pattern) break;
-        if (end > begin + 1 && lines[begin].length > 0)
-            TRY(classes_of_pattern(w, axis, lines + begin, end - begin, handle));
+            if (keys.data[end].key != keys.data[begin].key) break;
+        TRY(check_limits(w, end - begin));
+        if (end == begin + 1) continue;
+        TRY(array_resize(&lines, end - begin));
+        for (int k = begin; k < end; k++) {
+            const int line = keys.data[k].at, p = skip ? skip[line] : -1;
+            lines.data[k - begin] = {0, 0, line, length_of(w, axis, line) - (p >= 0), p};
+        }
+        if (lines.data[0].length > 0)
+            TRY(classes_of_pattern(w, axis, lines.data, end - begin, handle));
     }
     return 0;
 }

@@ -11,6 +11,7 @@
 //             Methods and Software 6, 1995; J. R. Gilbert and T. Peierls, "Sparse partial pivoting in time proportional
 //             to arithmetic operations", SIAM J. Sci. Stat. Comp. 9, 1988.
 #include "presolve/elimination.h"
+#include "presolve/sort_keys.h"
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
@@ -65,12 +66,13 @@ int alloc(Elimination *e, int count)
     return array_reserve(&e->Pivots, count);
 }
 
-// Moves independent lines to the back of lines[] and returns how many are left. Size serves as the mark of lines that
-// take part; it is as long as there are places, so lines are marked in the work record's flags.
-int peel(Elimination *e, int *lines, int count)
+// Moves independent lines to the back of lines[] and tells how many are left. Lines that take part are marked in the
+// work record's flags.
+int peel(Elimination *e, int *lines, int count, int *left_out)
 {
     PresolveWork *w = e->w;
     for (int k = 0; k < count; k++) {
+        TRY(check_limits(w, 1 + length_of(w, e->axis, lines[k])));
         w->Flag.data[lines[k]] = 1;
         for (int p = first_of(w, e->axis, lines[k]); p >= 0; p = next_of(w, e->axis, p))
             e->Count.data[place_of(w, e->axis, p)]++;
@@ -86,6 +88,7 @@ int peel(Elimination *e, int *lines, int count)
         int p = first_of(w, other, q);
         while (!w->Flag.data[line_of(w, e->axis, p)]) p = next_of(w, other, p);
         const int line = line_of(w, e->axis, p);
+        TRY(check_limits(w, 1 + length_of(w, e->axis, line)));
         w->Flag.data[line] = 0;
         for (p = first_of(w, e->axis, line); p >= 0; p = next_of(w, e->axis, p)) {
             const int place = place_of(w, e->axis, p);
@@ -93,12 +96,14 @@ int peel(Elimination *e, int *lines, int count)
         }
     }
     int left = 0;
+    TRY(presolve_check(w));
     for (int k = 0; k < count; k++) {
         if (!w->Flag.data[lines[k]]) continue;
         w->Flag.data[lines[k]] = 0;
         std::swap(lines[left++], lines[k]);
     }
-    return left;
+    *left_out = left;
+    return 0;
 }
 
 // Value[place] += term, with what belongs to a place that is met for the first time.
@@ -225,14 +230,14 @@ int dependent_lines(PresolveWork *w, Axis axis, int *lines, int count, double wo
     e.axis = axis;
     TRY(alloc(&e, count));
     const double limit = w->Work + work_limit;
-    const int left = peel(&e, lines, count);
-    std::sort(lines, lines + left, [w, axis](int a, int b) {
-        const int la = length_of(w, axis, a), lb = length_of(w, axis, b);
-        return la < lb || (la == lb && a < b);
-    });
+    int left = 0;
+    TRY(peel(&e, lines, count, &left));
+    TRY(sort_by_rank(w, lines, w->IndexB.data, left,
+                     axis == Axis::ROWS ? w->RowCnt.data : w->ColCnt.data));
     for (int k = 0; k < left && w->Work < limit; k++) {
-        if (check_is_due(k)) TRY(presolve_check(w));
+        const double before = w->Work;
         TRY(try_line(&e, lines[k], handle));
+        TRY(check_limits(w, 1 + w->Work - before));
     }
     return 0;
 }

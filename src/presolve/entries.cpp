@@ -66,7 +66,7 @@ void sweep_marked(PresolveWork *w)
     }
 }
 
-void compress(PresolveWork *w)
+int compress(PresolveWork *w)
 {
     for (int i = 0; i < w->NumRows; i++) {
         w->RowHead.data[i] = -1;
@@ -80,6 +80,7 @@ void compress(PresolveWork *w)
     w->FreeCount = 0;
     for (int p = static_cast<int>(w->Nodes.size) - 1; p >= 0; p--) {
         PresolveNode *node = &w->Nodes.data[p];
+        TRY(check_limits(w, 1));
         if (node->col < 0) {
             node->next_in_row = w->FreeList;
             w->FreeList = p;
@@ -92,6 +93,7 @@ void compress(PresolveWork *w)
     }
     w->DeadCount = 0;
     w->Work += 5.0 * static_cast<double>(w->NumNz);
+    return 0;
 }
 
 void insert_entry(PresolveWork *w, int i, int j, double value)

@@ -28,6 +28,7 @@ int fix_column_if_empty(PresolveWork *w, int j)
 int pre_fix_empty(PresolveWork *w)
 {
     for (int j = 0; j < w->NumCols; j++) {
+        TRY(check_limits(w, 1));
         if (!is_live_col(w, j)) continue;
         if (w->Lb.data[j] > w->Ub.data[j] - CLOSED) TRY(fix_by_range(w, j));
         if (is_live_col(w, j)) TRY(fix_column_if_empty(w, j));

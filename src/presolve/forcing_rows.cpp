@@ -59,12 +59,13 @@ int fix_row(PresolveWork *w, int i, int sign)
 
 int pre_forcing_rows(PresolveWork *w)
 {
-    int *list = w->IndexA.data;
-    const int count = candidate_rows(w, list);
-    for (int k = 0; k < count; k++) {
-        const int i = list[k];
+    const WorkList *rows = rows_of_phase(w);
+    for (int k = 0; k < rows->PendingCnt; k++) { // it grows: a chain collapses at once
+        const int i = rows->List.data[k];
+        TRY(check_limits(w, 1));
         if (w->RowCnt.data[i] < 2) continue;
         const int sign = forcing_sign(w, i);
+        TRY(check_limits(w, sign != 0 ? w->RowCnt.data[i] : 0));
         if (sign != 0) TRY(fix_row(w, i, sign));
     }
     return 0;

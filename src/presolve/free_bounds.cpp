@@ -14,6 +14,7 @@
 //             2002, on boxed columns and the dual simplex.
 #include "presolve/bound_propagation.h"
 #include "simplex/simplex.h"
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -77,7 +78,9 @@ int pre_free_bounds(PresolveWork *w)
     TRY(propagation_run(&p, ROUNDS));
     w->Work += p.Effort;
     if (p.Contradiction) return 0; // the solver tells
-    for (int j = 0; j < w->NumCols; j++)
+    for (int j = 0; j < w->NumCols; j++) {
+        TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));
         if (is_live_col(w, j) && w->ColFlags.data[j] == 0) bound_column(&p, w, j);
+    }
     return 0;
 }

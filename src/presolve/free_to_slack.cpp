@@ -100,7 +100,9 @@ int try_column(PresolveWork *w, int j)
     if (p < 0 || bounds_that_matter(w, j) != 0) return 0;
     const int64_t fill =
         int64_t{w->ColCnt.data[j] - 1} * (w->RowCnt.data[w->Nodes.data[p].row] - 1);
-    return room_for_fill(w, fill) ? swap(w, p) : 0;
+    bool room = false;
+    TRY(room_for_fill(w, fill, &room));
+    return room ? swap(w, p) : 0;
 }
 } // namespace
 
@@ -109,8 +111,9 @@ int free_to_slack(PresolveWork *w, double most_work)
     int *list = w->IndexA.data;
     const int count = candidate_cols_by_sense(w, SENSE_LESS, list);
     for (int k = 0; k < count && w->Work < most_work; k++) {
+        const double before = w->Work - std::max(1, w->ColCnt.data[list[k]]);
         TRY(try_column(w, list[k]));
-        if (check_is_due(k)) TRY(presolve_check(w));
+        TRY(check_limits(w, w->Work - before));
     }
     return 0;
 }

@@ -15,12 +15,13 @@ namespace
 constexpr double SMALL_ENTRY = 1e-9; // says nothing reliable
 
 // What is left for a x_j when the other terms of a row sum to their extreme: -(sum of the others) / a, given the sum
-// over all and the bound of j that entered it. Absent: not finite.
-double rest_over(double sum, int infinite, double bound, double a, double absent)
+// over all and the bound of j that entered it. False when others are infinite.
+bool rest_over(double sum, int infinite, double bound, double a, double absent, double *t)
 {
     const bool own = bound <= -absent || bound >= absent;
-    if (infinite > (own ? 1 : 0)) return NAN;
-    return own ? -sum / a : bound - sum / a;
+    if (infinite > (own ? 1 : 0)) return false;
+    *t = own ? -sum / a : bound - sum / a;
+    return true;
 }
 } // namespace
 
@@ -32,15 +33,21 @@ ImpliedBounds implied_bounds(const PresolveWork *w, int j)
         const int i = w->Nodes.data[p].row;
         const double a = w->Nodes.data[p].value;
         if (std::fabs(a) < SMALL_ENTRY) continue;
-        const double from_min =
-            rest_over(w->RMin.data[i], w->Rmincnt.data[i], a > 0 ? lb : ub, a, w->INF);
-        const double from_max =
-            w->Sense.data[i] == '='
-                ? rest_over(w->RMax.data[i], w->Rmaxcnt.data[i], a > 0 ? ub : lb, a, w->INF)
-                : NAN;
-        b.ub =
-            std::fmin(b.ub, a > 0 ? from_min : from_max); // of a number and NAN: the number
-        b.lb = std::fmax(b.lb, a > 0 ? from_max : from_min);
+        const double in_min = a > 0 ? lb : ub, in_max = a > 0 ? ub : lb;
+        double t = 0;
+        if (rest_over(w->RMin.data[i], w->Rmincnt.data[i], in_min, a, w->INF, &t)) {
+            if (a > 0)
+                b.ub = std::min(b.ub, t);
+            else
+                b.lb = std::max(b.lb, t);
+        }
+        if (w->Sense.data[i] == '=' &&
+            rest_over(w->RMax.data[i], w->Rmaxcnt.data[i], in_max, a, w->INF, &t)) {
+            if (a > 0)
+                b.lb = std::max(b.lb, t);
+            else
+                b.ub = std::min(b.ub, t);
+        }
     }
     if (!is_integer(w, j)) return b;
     if (b.lb > -w->INF) b.lb = std::ceil(b.lb - w->IntTol);

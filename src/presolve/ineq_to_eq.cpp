@@ -61,7 +61,7 @@ bool is_large(PresolveWork *w, int p, double *largest)
     if (largest[node.row] == 0) { // not computed
         for (int q = first_in_row(w, node.row); q >= 0; q = next_in_row(w, q))
             largest[node.row] =
-                std::fmax(largest[node.row], std::fabs(w->Nodes.data[q].value));
+                std::max(largest[node.row], std::fabs(w->Nodes.data[q].value));
         w->Work += w->RowCnt.data[node.row];
     }
     return std::fabs(node.value) >= SMALL_RATIO * largest[node.row];
@@ -96,6 +96,7 @@ int pre_ineq_to_eq(PresolveWork *w)
     w->Work += 5.0 * count * static_cast<double>(w->NumNz) / (w->NumCols + 1);
     for (int k = 0; k < count; k++) {
         const int j = list[k];
+        TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));
         if (w->ColCnt.data[j] > 0 && !w->ColFlags.data[j] &&
             w->Ub.data[j] - w->Lb.data[j] > CLOSED)
             try_column(w, j, w->ScratchB.data);

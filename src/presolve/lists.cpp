@@ -34,15 +34,6 @@ void rotate_list(WorkList *list, int *marks, const int *count, int active, int t
     list->ActiveCnt = list->PendingCnt = kept;
 }
 
-const WorkList *rows_of_phase(const PresolveWork *w)
-{
-    return w->Phase == 1 ? &w->RowsA : &w->RowsB;
-}
-const WorkList *cols_of_phase(const PresolveWork *w)
-{
-    return w->Phase == 1 ? &w->ColsA : &w->ColsB;
-}
-
 int all_rows(const PresolveWork *w, int least, int *list)
 {
     int count = 0;

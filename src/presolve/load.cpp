@@ -20,8 +20,10 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
     const int n = w->NumCols, m = w->NumRows;
     TRY(array_copy(&w->Obj, body->obj.data, n));
     TRY(array_copy(&w->Lb, body->lb.data, n));
+    TRY(presolve_check(w));
     TRY(array_copy(&w->Ub, body->ub.data, n));
     TRY(array_copy(&w->Rhs, body->rhs.data, m));
+    TRY(presolve_check(w));
     TRY(array_resize(&w->Sense, m));
     for (int j = 0; j < n; j++) {
         if (w->Lb.data[j] <= -w->INF) w->Lb.data[j] = -w->INF;
@@ -31,18 +33,25 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
     return 0;
 }
 
+template<class T> int assign_checked(PresolveWork *w, Array<T> *a, int64_t size, T value)
+{
+    TRY(array_assign(a, size, value));
+    return check_limits(w, static_cast<double>(size));
+}
+
+// Worklists and activities are filled when the reductions begin.
 int allocate_lines(PresolveWork *w)
 {
     const int n = w->NumCols, m = w->NumRows;
-    for (Array<int> *a : {&w->RowHead, &w->RowsA.List, &w->RowsB.List})
-        TRY(array_assign(a, m, -1));
-    for (Array<int> *a : {&w->ColHead, &w->ColsA.List, &w->ColsB.List})
-        TRY(array_assign(a, n, -1));
-    for (Array<int> *a : {&w->RowCnt, &w->Rmaxcnt, &w->Rmincnt, &w->RowMark})
-        TRY(array_assign(a, m, 0));
+    for (Array<int> *a : {&w->RowsA.List, &w->RowsB.List, &w->Rmaxcnt, &w->Rmincnt})
+        TRY(array_resize(a, m));
+    for (Array<int> *a : {&w->ColsA.List, &w->ColsB.List}) TRY(array_resize(a, n));
+    for (Array<double> *a : {&w->RMax, &w->RMin}) TRY(array_resize(a, m));
+    TRY(assign_checked(w, &w->RowHead, m, -1));
+    TRY(assign_checked(w, &w->ColHead, n, -1));
+    for (Array<int> *a : {&w->RowCnt, &w->RowMark}) TRY(assign_checked(w, a, m, 0));
     for (Array<int> *a : {&w->ColCnt, &w->ColMark, &w->ColFlags})
-        TRY(array_assign(a, n, 0));
-    for (Array<double> *a : {&w->RMax, &w->RMin}) TRY(array_assign(a, m, 0.0));
+        TRY(assign_checked(w, a, n, 0));
     return 0;
 }
 
@@ -50,16 +59,17 @@ int allocate_scratch(PresolveWork *w)
 {
     const int most = std::max(w->NumCols, w->NumRows);
     for (Array<double> *a : {&w->Scratch, &w->ScratchB, &w->ScratchC})
-        TRY(array_assign(a, most, 0.0));
+        TRY(assign_checked(w, a, most, 0.0));
     for (Array<int> *a : {&w->IndexA, &w->IndexB, &w->IndexC}) TRY(array_resize(a, most));
-    return array_assign(&w->Flag, most, char(0));
+    return assign_checked(w, &w->Flag, most, char(0));
 }
 
 // From the last entry to the first, each at the head of its lists.
-int link_entries(PresolveWork *w, const ModelBody *body)
+int link_entries(PresolveWork *w, const ModelBody *body, int *used_out)
 {
     int used = 0;
     for (int j = w->NumCols - 1; j >= 0; j--) {
+        TRY(check_limits(w, 1.0 + body->vbeg.data[j + 1] - body->vbeg.data[j]));
         for (int p = body->vbeg.data[j + 1] - 1; p >= body->vbeg.data[j]; p--) {
             const double value = body->vval.data[p];
             if (std::fabs(value) <= TINY_ENTRY) continue;
@@ -70,7 +80,8 @@ int link_entries(PresolveWork *w, const ModelBody *body)
             w->ColCnt.data[j]++;
         }
     }
-    return used;
+    *used_out = used;
+    return 0;
 }
 
 void link_free(PresolveWork *w, int used)
@@ -128,11 +139,13 @@ int work_load(PresolveWork *w, TVXmodel *model)
     TRY(array_resize(&w->Nodes, body->numnz + spare));
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));
-    const int used = link_entries(w, body);
+    int used = 0;
+    TRY(link_entries(w, body, &used));
     w->NumNz = used;
     link_free(w, used);
+    TRY(presolve_check(w));
     w->MatrixClass = classify(w, used);
-    return 0;
+    return presolve_check(w);
 }
 
 void work_free(PresolveWork *w)

@@ -120,9 +120,9 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                        {duals, pre_forcing_rows},
                        {parallel && plan->dual, pre_duplicate_cols},
                        {parallel, pre_duplicate_rows}}));
-    compress(w);
+    TRY(compress(w));
     TRY(run_wanted(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
-    pre_activity(w);
+    TRY(pre_activity(w));
     const bool dependent_rows = pass == 0 && (plan->dependent & 1),
                dependent_cols = pass == 0 && (plan->dependent & 2) && plan->dual;
     return run_wanted(w, {{plan->two_rows != 0, pre_two_rows},
@@ -134,6 +134,7 @@ int passes(PresolveWork *w, const Plan *plan)
 {
     for (int pass = 0; pass < plan->passes; pass++) {
         w->Phase = 2;
+        if (pass > 0) rotate(w); // to what the last pass has touched
         if (!plan->network) TRY(inner_loop(w));
         if (nothing_left(w)) return 0;
         w->Phase = 1;
@@ -165,7 +166,7 @@ int reduce(PresolveWork *w)
     mark_everything(w);
     w->Phase = 1;
     if (!plan.network) TRY(remove_free_rows(w));
-    pre_activity(w);
+    TRY(pre_activity(w));
     if (!plan.network && plan.bound) TRY(run(w, pre_singleton_knapsack));
     TRY(passes(w, &plan));
     return finish_loop(w, &plan);

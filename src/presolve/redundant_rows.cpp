@@ -6,6 +6,9 @@ namespace
 {
 constexpr double TINY_SHARE =
     1e-3; // of the tolerance, over all entries that are dropped from a row
+constexpr double LEAST_RANGE = 0.5; // of the columns of such entries
+constexpr double SHARE_SCANNED =
+    0.1; // of the rows: all entries are looked at as they lie in memory
 
 bool is_redundant(const PresolveWork *w, int i)
 {
@@ -24,7 +27,7 @@ void drop_tiny(PresolveWork *w, int i)
         const double a = w->Nodes.data[p].value, lb = w->Lb.data[j], ub = w->Ub.data[j];
         const double worth = std::fabs(a) * (ub - lb);
         if (std::fabs(lb) < w->INF && std::fabs(ub) < w->INF &&
-            moved + worth < TINY_SHARE * w->FeasTol && ub - lb > 0.5) {
+            moved + worth < TINY_SHARE * w->FeasTol && ub - lb > LEAST_RANGE) {
             moved += worth;
             w->Rhs.data[i] -= a * 0.5 * (lb + ub);
             mark_col(w, j);
@@ -37,6 +40,22 @@ void drop_tiny(PresolveWork *w, int i)
     row_activity(w, i);
     mark_row(w, i);
     w->CoefsChanged += dropped;
+}
+
+// Flags the rows that have an entry which may be that small, so that the others need not be walked.
+int flag_tiny(PresolveWork *w, const int *list, int count)
+{
+    const double most = TINY_SHARE * w->FeasTol / LEAST_RANGE;
+    if (count < SHARE_SCANNED * w->NumRows) {
+        for (int k = 0; k < count; k++) w->Flag.data[list[k]] = 1;
+        return 0;
+    }
+    for (int64_t p = 0; p < w->Nodes.size; p++) {
+        const PresolveNode &node = w->Nodes.data[p];
+        TRY(check_limits(w, 1));
+        if (node.col >= 0 && std::fabs(node.value) < most) w->Flag.data[node.row] = 1;
+    }
+    return 0;
 }
 
 int remove_empty(PresolveWork *w, int i)
@@ -56,13 +75,18 @@ int pre_redundant_rows(PresolveWork *w)
     int *list = w->IndexA.data;
     const int count = active_rows(w, list);
     w->Work += 3.0 * count;
+    TRY(flag_tiny(w, list, count));
     for (int k = 0; k < count; k++) {
         const int i = list[k];
-        if (w->RowCnt.data[i] > 0 && !is_redundant(w, i)) drop_tiny(w, i);
+        const bool tiny = w->Flag.data[i] && w->RowCnt.data[i] > 0;
+        const bool redundant = w->RowCnt.data[i] > 0 && is_redundant(w, i);
+        TRY(check_limits(w, tiny || redundant ? w->RowCnt.data[i] : 1));
+        if (tiny && !redundant) drop_tiny(w, i);
         if (w->RowCnt.data[i] == 0)
             TRY(remove_empty(w, i));
         else if (w->RowCnt.data[i] > 0 && is_redundant(w, i))
             remove_row(w, i, ROW_REDUNDANT);
     }
+    for (int i = 0; i < w->NumRows; i++) w->Flag.data[i] = 0;
     return 0;
 }

@@ -146,7 +146,7 @@ int pre_singleton_knapsack(PresolveWork *w)
     TRY(array_resize(&list, w->NumCols));
     for (int k = 0; k < count; k++) {
         const int i = rows[k];
-        if (check_is_due(k)) TRY(presolve_check(w));
+        TRY(check_limits(w, 1 + std::max(0, w->RowCnt.data[i])));
         if (w->RowCnt.data[i] < 2) continue;
         TRY(try_row(w, i, 1, list.data));
         if (w->Sense.data[i] == '=' && w->RowCnt.data[i] >= 2)

@@ -89,10 +89,11 @@ int try_row(PresolveWork *w, int i)
 
 int pre_singleton_rows(PresolveWork *w)
 {
-    int *list = w->IndexA.data;
-    const int count = active_rows(w, list);
-    for (int k = 0; k < count; k++)
-        if (w->RowCnt.data[list[k]] == 1) TRY(try_row(w, list[k]));
+    const WorkList *rows = rows_of_phase(w);
+    for (int k = 0; k < rows->PendingCnt; k++) { // it grows: a chain collapses at once
+        TRY(check_limits(w, 1));
+        if (w->RowCnt.data[rows->List.data[k]] == 1) TRY(try_row(w, rows->List.data[k]));
+    }
     return 0;
 }
 

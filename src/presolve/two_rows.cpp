@@ -166,10 +166,11 @@ int pre_two_rows(PresolveWork *w)
     TRY(array_resize(&pair.Ratios, w->NumCols));
     const double limit = w->Work + WORK_PER_ENTRY * static_cast<double>(w->NumNz);
     for (int k = 0; k < count && w->Work < limit; k++) {
-        if (check_is_due(k)) TRY(presolve_check(w));
+        const double before = w->Work - std::max(1, w->RowCnt.data[rows[k]]);
         if (w->Sense.data[rows[k]] == '=' && w->RowCnt.data[rows[k]] >= 2 &&
             !holds_at_bounds(w, rows[k]))
             TRY(try_equation(&pair, rows[k]));
+        TRY(check_limits(w, w->Work - before));
     }
     return 0;
 }

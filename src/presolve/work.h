@@ -78,6 +78,8 @@ struct PresolveWork {
 
     int BoundsChanged = 0, CoefsChanged = 0, IneqToEq = 0, RowsRemoved = 0, ColsRemoved = 0;
     double Work = 0;                  // effort
+    double AggregateWork = 0;         // effort of pre_aggregate so far
+    double SinceCheck = 0;            // entries looked at since the limits were
     int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
@@ -86,6 +88,7 @@ struct PresolveWork {
     Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
     Array<int> IndexA, IndexB, IndexC;         // [max(NumRows, NumCols)] uninitialised
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
+    int NumNoted = 0;                          // rows of which pre_columns knows something
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -161,6 +164,15 @@ void mark_cols_of_row(PresolveWork *w, int i);
 void mark_everything(PresolveWork *w); // all rows and columns active in both worklists
 void rotate(
     PresolveWork *w); // of the worklist of the phase: what was touched becomes active
+// The lists themselves: what is active, then what has been touched since, which grows as reductions go on.
+inline const WorkList *rows_of_phase(const PresolveWork *w)
+{
+    return w->Phase == 1 ? &w->RowsA : &w->RowsB;
+}
+inline const WorkList *cols_of_phase(const PresolveWork *w)
+{
+    return w->Phase == 1 ? &w->ColsA : &w->ColsB;
+}
 // Fill list and return its length: rows with at least one entry (two for `candidate_rows`) and live columns that the
 // phase's worklist makes worth a look.
 int active_rows(const PresolveWork *w, int *list);
@@ -178,12 +190,14 @@ void remove_row(PresolveWork *w, int i, int state);
 void sweep_row(PresolveWork *w, int i); // takes deleted entries out of the row's list
 void sweep_col(PresolveWork *w, int j);
 void sweep_marked(PresolveWork *w); // all that need it
-void compress(PresolveWork *w);     // all lists; deleted nodes become free
+// All lists; deleted nodes become free. A PresolveStatus of the limits; the lists are of no use then.
+[[nodiscard]] int compress(PresolveWork *w);
 // A new entry at the heads of both lists; a free node must be there. Counts rise; activities are the caller's.
 void insert_entry(PresolveWork *w, int i, int j, double value);
 
 // ---- activity.cpp ----
-void pre_activity(PresolveWork *w);        // all live rows from scratch
+// All live rows from scratch. A PresolveStatus of the limits.
+[[nodiscard]] int pre_activity(PresolveWork *w);
 void row_activity(PresolveWork *w, int i); // one
 // Bounds of column j are about to become these: moves activities along and stores the bounds.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
@@ -225,10 +239,15 @@ ImpliedBounds implied_bounds(const PresolveWork *w, int j);
 void presolve_log(PresolveWork *w); // a progress line when one is due
 [[nodiscard]] int
 presolve_check(PresolveWork *w); // interrupt and time limit: a PresolveStatus
-// The next one of a long scan: tests the limits every so often.
-inline bool check_is_due(int k)
+// In a scan: so many entries (or what takes as long) have been looked at. Tests the limits when it has been many, so
+// that none is overrun by more than some hundredths of a second. A PresolveStatus.
+static constexpr double CHECK_ENTRIES = 1e5;
+[[nodiscard]] inline int check_limits(PresolveWork *w, double entries)
 {
-    return (k & 4095) == 4095;
+    w->SinceCheck += entries;
+    if (w->SinceCheck < CHECK_ENTRIES) return 0;
+    w->SinceCheck = 0;
+    return presolve_check(w);
 }
 
 // ---- build.cpp ----

@@ -20,8 +20,7 @@ LpModel with_singleton_rows()
 int lose_a_row(PresolveWork *w)
 {
     remove_row(w, 1, ROW_REDUNDANT);
-    pre_activity(w);
-    return 0;
+    return pre_activity(w);
 }
 
 } // namespace

@@ -20,11 +20,11 @@ static int reduce(PresolveWork *w, TVXmodel *model,
     if (const int error = work_load(w, model)) return error;
     mark_everything(w);
     for (const Reduction reduction : reductions) {
-        pre_activity(w);
+        if (const int stop = pre_activity(w)) return stop;
         out->status = reduction(w);
         if (out->status != 0) return 0;
         out->broken += broken_invariants(w);
-        compress(w);
+        if (const int stop = compress(w)) return stop;
     }
     return build_reduced(w);
 }
