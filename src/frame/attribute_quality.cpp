@@ -1,10 +1,11 @@
 // attribute_quality.cpp -- attributes that measure how well the last solution fits the model
 //
 // Method   The measures (quality.h) are taken at the first question after a solve and kept in its
-//          result. A MIP has those of bounds, constraints and integrality only.
+//          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
 #include "frame/attribute_routines.h"
 #include "frame/quality.h"
 #include "frame/solution.h"
+#include "simplex/simplex.h"
 
 // In the order of QualityGroup.
 static constexpr Violation Quality::*const groups[QUALITY_GROUPS] = {
@@ -48,4 +49,29 @@ int compute_quality(TVXmodel *model, int part, const void **place)
     if (model->mip_result) return mip_quality(model, part, place);
     TRY(solution_quality(model));
     return show(&model->lp_result->quality, part, place);
+}
+
+// Factors of the basis at hand. To make them, a singular basis may have to be mended: other values, then.
+static int need_factor(TVXmodel *model)
+{
+    if (simplex_has_factor(model->simplex)) return 0;
+    attributes_clear_solution(model);
+    const int code = simplex_refactor(model);
+    if (code == OUT_OF_MEMORY) return code;
+    return simplex_has_factor(model->simplex) ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
+}
+
+int compute_kappa(TVXmodel *model, int part, const void **place)
+{
+    if (!solution_available(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    TRY(need_factor(model));
+    TRY(attributes_make(model));
+    AttributeTable *table = model->attributes;
+    const int group = part == 0 ? HAVE_KAPPA : HAVE_N2KAPPA;
+    if (!(table->have & group))
+        TRY(simplex_kappa(model->simplex, part == 0 ? KappaNorm::ONE : KappaNorm::TWO,
+                          &table->kappa[part]));
+    table->have |= group;
+    *place = &table->kappa[part];
+    return 0;
 }

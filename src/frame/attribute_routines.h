@@ -61,11 +61,15 @@ int get_has_norms(TVXmodel *model, int part, ElementRange range, void *values);
 int set_basis(TVXmodel *model, int part, ElementRange range, const void *values);
 int set_norms(TVXmodel *model, int part, ElementRange range, const void *values);
 
+// ---- attribute_ranges.cpp: sensitivity ----
+int get_range(TVXmodel *model, int part, ElementRange range, void *values); // RangeEnd
+
 // ---- attribute_statistics.cpp ----
 int compute_statistic(TVXmodel *model, int part, const void **place); // Statistic
 
 // ---- attribute_quality.cpp ----
 int compute_quality(TVXmodel *model, int part, const void **place); // quality_part()
+int compute_kappa(TVXmodel *model, int part, const void **place);   // 0: 1-norm, 1: 2-norm
 
 // The groups of quality measures, in the order of the table; attribute_quality.cpp has their
 // fields in the same order.

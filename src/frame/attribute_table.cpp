@@ -107,17 +107,17 @@ constexpr AttributeRow attribute_rows[ATTRIBUTE_COUNT] = {
     QUALITY("IntVioIndex",           INT, INT_VIO,           PART_INDEX),
 
     // condition of the last basis
-    {"Kappa",       DBL, MODEL, nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"N2Kappa",     DBL, MODEL, nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
+    {"Kappa",       DBL, MODEL, compute_kappa,       nullptr,       nullptr,         FIXED,    SOLUTION, 0},
+    {"N2Kappa",     DBL, MODEL, compute_kappa,       nullptr,       nullptr,         FIXED,    SOLUTION, 1},
     // sensitivity ranges
-    {"SAObjLow",    DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SAObjUp",     DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SALBLow",     DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SALBUp",      DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SAUBLow",     DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SAUBUp",      DBL, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SARHSLow",    DBL, CON,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
-    {"SARHSUp",     DBL, CON,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
+    {"SAObjLow",    DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, OBJ_LOW},
+    {"SAObjUp",     DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, OBJ_UP},
+    {"SALBLow",     DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, LB_LOW},
+    {"SALBUp",      DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, LB_UP},
+    {"SAUBLow",     DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, UB_LOW},
+    {"SAUBUp",      DBL, VAR,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, UB_UP},
+    {"SARHSLow",    DBL, CON,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, RHS_LOW},
+    {"SARHSUp",     DBL, CON,   nullptr,             get_range,     nullptr,         FIXED,    SOLUTION, RHS_UP},
     // irreducible inconsistent subsystem
     {"IISLB",       INT, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},
     {"IISUB",       INT, VAR,   nullptr,             nullptr,       nullptr,         FIXED,    SOLUTION, 0},

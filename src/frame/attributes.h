@@ -21,7 +21,10 @@ enum AttributeGroup {
     HAVE_DUALS = 4,
     HAVE_SLACK = 8,
     HAVE_BASIS = 16,
-    HAVE_NORMS = 32
+    HAVE_NORMS = 32,
+    HAVE_RANGING = 64, // the simplex is prepared for ranging; `ranges` hold what is known
+    HAVE_KAPPA = 128,
+    HAVE_N2KAPPA = 256
 };
 
 // Places in AttributeTable::statistics.
@@ -37,6 +40,19 @@ enum Statistic {
     STATISTIC_COUNT
 };
 
+// Places in AttributeTable::ranges.
+enum RangeEnd {
+    OBJ_LOW,
+    OBJ_UP,
+    LB_LOW,
+    LB_UP,
+    UB_LOW,
+    UB_UP,
+    RHS_LOW,
+    RHS_UP,
+    RANGE_ENDS
+};
+
 struct AttributeTable {
     int have = 0;                            // AttributeGroup bits
     double statistics[STATISTIC_COUNT] = {}; // by Statistic
@@ -46,9 +62,12 @@ struct AttributeTable {
     Array<double> slack;                     // [numconstrs] rhs - activity, caller's rows
     Array<int> basis;                        // [numvars + numconstrs] VBasis, then CBasis
     Array<double> norms;                     // [numvars + numconstrs] pricing norms
-    Array<const char *> varnames;    // [numvars] default names made so far, or empty
-    Array<const char *> constrnames; // [numconstrs] likewise
-    TextPool *names = nullptr;       // owns their texts
+    Array<double> ranges[RANGE_ENDS]; // by RangeEnd: [numvars] or [numconstrs], NaN where
+                                      // not asked for yet; empty when nothing was
+    double kappa[2] = {};             // condition of the basis in the 1-norm, in the 2-norm
+    Array<const char *> varnames;     // [numvars] default names made so far, or empty
+    Array<const char *> constrnames;  // [numconstrs] likewise
+    TextPool *names = nullptr;        // owns their texts
 };
 
 [[nodiscard]] int attributes_make(TVXmodel *model); // if absent; 0 or OUT_OF_MEMORY

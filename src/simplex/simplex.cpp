@@ -51,7 +51,9 @@ int go_extended(sopt *s)
 template<class R> int keep_optimal(sopt *s, swork<R> *w)
 {
     if (s->InfeasCheckNeeded) sopt_check_bounds(s);
-    if (s->Status == SIMPLEX_RUNNING && !has_factor(s, w)) TRY(Refactor(s, w));
+    const bool stale =
+        !has_factor(s, w) || (s->Env->TARV_PAR_SIMPLEXENDFAC && w->Lu.NumUpdates > 0);
+    if (s->Status == SIMPLEX_RUNNING && stale) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING || s->Superbasics > 0) return 0;
     finish_values(s, w);
     const Infeasibility inf = measure_infeasibility(s, w);
@@ -225,6 +227,7 @@ bool is_solved(const TVXmodel *model, int method)
     const sopt *s = model->simplex;
     if (!s || model->status != s->Status || s->InfeasCheckNeeded) return false;
     if (method != METHOD_AUTO && method != s->Method) return false;
+    if (s->Env->TARV_PAR_SIMPLEXENDFAC && !simplex_has_fresh_factor(s)) return false;
     return s->Status == SIMPLEX_OPTIMAL || s->Status == SIMPLEX_INFEASIBLE ||
            s->Status == SIMPLEX_UNBOUNDED;
 }

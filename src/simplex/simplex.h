@@ -39,6 +39,31 @@ void simplex_log_final(const sopt *s); // the closing line of an optimal run
 // Refactors a finished record so that later calls find a fresh factor. 0 or a code.
 [[nodiscard]] int simplex_refactor(TVXmodel *model);
 
+// ---- Ranging of an optimal basis (ranging.cpp) ----
+// For a record with fresh factors; begin is called once after the solve, the others then for any element.
+// Steps down and up that leave the basis as good as it is, in the body's units and signs; UNDEFINED_VALUE: any step.
+struct RangeSteps {
+    double Down, Up;
+};
+bool simplex_has_factor(const sopt *s); // of the basis at hand
+bool simplex_has_fresh_factor(const sopt *s);
+void simplex_range_begin(sopt *s);
+RangeSteps simplex_range_cost(sopt *s,
+                              int j); // of the cost of variable j: it stays optimal
+// Of the value of nonbasic k (n + i: slack of row i), were it free to move: the basics stay within their bounds.
+RangeSteps simplex_range_value(sopt *s, int k);
+// Where variable k stands. A fixed nonbasic stands at the bound that its reduced cost pushes it to, if any.
+enum class Place { BASIC, LOWER, UPPER, FREE, FIXED };
+struct VariablePlace {
+    Place At;
+    double Value; // in the body's units
+};
+VariablePlace simplex_place(const sopt *s, int k);
+
+// The condition of the scaled basis, estimated from below (condition.cpp); needs factors. 0 or OUT_OF_MEMORY.
+enum class KappaNorm { ONE, TWO };
+[[nodiscard]] int simplex_kappa(sopt *s, KappaNorm norm, double *kappa);
+
 // A bound of structural j changed in the body. Moves the live record along and returns true, or returns false
 // when the record cannot follow (the variable becomes or stops being free): the caller then drops it.
 [[nodiscard]] bool simplex_change_bound(sopt *s, int j, double lb, double ub);

@@ -121,15 +121,25 @@ int simplex_get_norms(const sopt *s, double *norms)
     return s->Quad ? held_norms(s, s->Extended, norms) : held_norms(s, s->Double, norms);
 }
 
+bool simplex_has_factor(const sopt *s)
+{
+    return s->Quad ? has_factor(s, s->Extended) : has_factor(s, s->Double);
+}
+
+bool simplex_has_fresh_factor(const sopt *s)
+{
+    const int updates = s->Quad ? s->Extended->Lu.NumUpdates : s->Double->Lu.NumUpdates;
+    return simplex_has_factor(s) && updates == 0;
+}
+
 int simplex_refactor(TVXmodel *model)
 {
     sopt *s = model->simplex;
+    if (simplex_has_fresh_factor(s)) return 0;
     if (s->Quad) {
-        if (has_factor(s, s->Extended) && s->Extended->Lu.NumUpdates == 0) return 0;
         TRY(Refactor(s, s->Extended));
         finish_values(s, s->Extended);
     } else {
-        if (has_factor(s, s->Double) && s->Double->Lu.NumUpdates == 0) return 0;
         TRY(Refactor(s, s->Double));
         finish_values(s, s->Double);
     }

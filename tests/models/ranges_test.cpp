@@ -1,0 +1,262 @@
+// ranges_test.cpp -- sensitivity ranges against the exact judge, at each end and just beyond it
+//
+// Within a range the optimal value moves along a line whose slope the solution tells: X for a cost, RC for the bound
+// that holds a variable, Pi for a right-hand side. Beyond an end it leaves the line, when no tie lets another basis
+// take over unseen.
+// TARVEX_RANGES_COUNT=n   how many models (400); TARVEX_RANGES_SEED=s   the first of them (0)
+#include "frame/attributes.h"
+#include "simplex/sopt.h"
+#include "support/model_gen.h"
+#include "support/model_test.h"
+#include "support/rational_lp.h"
+#include "support/settings.h"
+#include <cmath>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace
+{
+constexpr double TIE = 1e-6;    // values closer than this to a limit are at it
+constexpr double BEYOND = 0.25; // a visible step for data that are small integers
+constexpr double FAR = 50;      // where a range has no end
+constexpr double NEAR = 1e-6,
+                 SAME = 1e-9;   // relative, of values that should agree, or differ
+constexpr double INSIDE = 1e-8; // ends are rounded, the judge is not
+
+int from_environment(const char *name, int otherwise)
+{
+    const char *text = getenv(name);
+    return text ? atoi(text) : otherwise;
+}
+
+// A number of the model that moves, and the line that the value follows.
+struct Mover {
+    std::string text;
+    double *place;  // in the copy that is solved again
+    double low, up; // the range
+    double slope;
+    bool no_ties; // beyond an end the value leaves the line
+};
+
+struct Ranges {
+    LpModel lp;
+    LpSolution solution;
+    int at_ends = 0, beyond = 0;
+    std::string wrong;
+
+    double line(const Mover &mover, double from, double to) const
+    {
+        return solution.objval + (mover.slope != 0 ? mover.slope * (to - from) : 0);
+    }
+
+    bool on_line(const Mover &mover, double to, double tolerance)
+    {
+        const double from = std::exchange(*mover.place, to);
+        const RationalResult truth = rational_solve(&lp);
+        *mover.place = from;
+        const double expected = line(mover, from, to);
+        return truth.status == LpStatus::OPTIMAL &&
+               std::fabs(truth.value.get_d() - expected) <
+                   tolerance * (1 + std::fabs(expected));
+    }
+
+    void complain(const Mover &mover, double to, const char *what)
+    {
+        wrong += mover.text + " = " + std::to_string(*mover.place) + " in [" +
+                 std::to_string(mover.low) + ", " + std::to_string(mover.up) + "], slope " +
+                 std::to_string(mover.slope) + ", " + what + " at " + std::to_string(to) +
+                 "\n";
+    }
+
+    // side -1: the low end, +1: the up end
+    void check_end(const Mover &mover, int side)
+    {
+        const double end = side < 0 ? mover.low : mover.up, now = *mover.place;
+        if (lp_is_infinite(end)) {
+            const double far = lp_is_infinite(now) ? now : now + side * FAR;
+            if (!on_line(mover, far, NEAR)) complain(mover, far, "off the line");
+            return;
+        }
+        const double inside = std::fabs(end - now) < TIE ? now : end - side * INSIDE;
+        if (!on_line(mover, inside, NEAR)) complain(mover, inside, "off the line");
+        at_ends++;
+        if (!mover.no_ties) return;
+        beyond++;
+        if (on_line(mover, end + side * BEYOND, SAME))
+            complain(mover, end + side * BEYOND, "on the line");
+    }
+
+    void check(const Mover &mover)
+    {
+        const double now = *mover.place;
+        if (mover.low > now + TIE || mover.up < now - TIE)
+            complain(mover, now, "out of range");
+        check_end(mover, -1);
+        check_end(mover, +1);
+    }
+};
+
+bool within(double value, double lower, double upper)
+{
+    return value > lower + TIE && value < upper - TIE;
+}
+
+bool primal_ties(const LpModel &lp, const LpSolution &s)
+{
+    for (int j = 0; j < lp.num_vars(); j++)
+        if (s.vbasis[j] == 0 && !within(s.x[j], lp.lb[j], lp.ub[j])) return true;
+    for (int i = 0; i < lp.num_rows(); i++)
+        if (s.cbasis[i] == 0 && std::fabs(s.slack[i]) <= TIE) return true;
+    return false;
+}
+
+bool dual_ties(const LpModel &lp, const LpSolution &s)
+{
+    for (int j = 0; j < lp.num_vars(); j++)
+        if (s.vbasis[j] != 0 && lp.lb[j] < lp.ub[j] && std::fabs(s.rc[j]) <= TIE)
+            return true;
+    for (int i = 0; i < lp.num_rows(); i++)
+        if (s.cbasis[i] != 0 && lp.senses[i] != '=' && std::fabs(s.pi[i]) <= TIE)
+            return true;
+    return false;
+}
+
+std::vector<double> read(TVXmodel *model, const char *name, int count)
+{
+    std::vector<double> values(static_cast<size_t>(count) + 1, NAN);
+    EXPECT_EQ(TVXgetdblattrarray(model, name, 0, -1, values.data()), 0) << name;
+    return values;
+}
+
+void check_ranges(TVXmodel *model, Ranges *r)
+{
+    LpModel *lp = &r->lp;
+    const LpSolution &s = r->solution;
+    const int n = lp->num_vars(), m = lp->num_rows();
+    const bool primal = primal_ties(*lp, s), dual = dual_ties(*lp, s);
+    const auto cl = read(model, "SAObjLow", n), cu = read(model, "SAObjUp", n),
+               ll = read(model, "SALBLow", n), lu = read(model, "SALBUp", n),
+               ul = read(model, "SAUBLow", n), uu = read(model, "SAUBUp", n),
+               rl = read(model, "SARHSLow", m), ru = read(model, "SARHSUp", m);
+    for (int j = 0; j < n; j++) {
+        const std::string name = "[" + std::to_string(j) + "]";
+        const double rc = s.vbasis[j] != 0 && std::fabs(s.rc[j]) > TIE ? s.rc[j] : 0;
+        const bool up = lp->sense * rc < 0;
+        r->check({"Obj" + name, &lp->obj[j], cl[j], cu[j], s.x[j], !primal});
+        r->check({"LB" + name, &lp->lb[j], ll[j], lu[j], up ? 0 : rc, !dual});
+        r->check({"UB" + name, &lp->ub[j], ul[j], uu[j], up ? rc : 0, !dual});
+    }
+    for (int i = 0; i < m; i++)
+        r->check(
+            {"RHS[" + std::to_string(i) + "]", &lp->rhs[i], rl[i], ru[i], s.pi[i], !dual});
+}
+
+struct Sensitivity : ModelTest {
+    // The bakery of the examples: 10 oven, 180 flour, 20 work; 5.82 of cake and 3.27 of bread.
+    void bakery(bool solve)
+    {
+        LpModel lp;
+        lp.sense = -1;
+        for (const double profit : {45, 80, 30}) lp_add_var(&lp, profit, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 1.5}, {2, 0.5}}, '<', 10);
+        lp_add_row_entries(&lp, {{0, -14}, {1, -8}, {2, -9}}, '>', -180);
+        lp_add_row_entries(&lp, {{0, 0.6}, {1, 2}, {2, 0.8}}, '<', 20);
+        load(lp);
+        if (solve) objective();
+    }
+    void unavailable()
+    {
+        double d = 0;
+        for (const char *name : {"SAObjLow", "SALBUp", "SAUBLow"})
+            refused(10005, "Unable to retrieve attribute '" + std::string(name) + "'",
+                    TVXgetdblattrelement(model, name, 0, &d));
+    }
+};
+
+} // namespace
+
+TEST(SensitivityRanges, hold_up_to_their_ends_and_not_beyond)
+{
+    const TestEnv env;
+    const int first = from_environment("TARVEX_RANGES_SEED", 0),
+              count = from_environment("TARVEX_RANGES_COUNT", 400);
+    int solved = 0, at_ends = 0, beyond = 0;
+    for (int seed = first; seed < first + count && !testing::Test::HasFailure(); seed++) {
+        Dice dice(seed);
+        Ranges r;
+        r.lp = gen_tiny(&dice, TinyLimits{.max_vars = 6, .max_rows = 5});
+        const TestModel model(lp_load(env.env, &r.lp));
+        const Settings settings = settings_draw(&dice);
+        ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
+        ASSERT_EQ(lp_solve(model, &r.solution), 0);
+        if (r.solution.status != TVX_OPTIMAL) continue;
+        solved++;
+        check_ranges(model, &r);
+        EXPECT_EQ(r.wrong, "") << "TARVEX_RANGES_SEED=" << seed << "\n"
+                               << lp_to_mps(&r.lp, settings_text(settings));
+        at_ends += r.at_ends;
+        beyond += r.beyond;
+    }
+    EXPECT_GT(solved, count / 4);
+    EXPECT_GT(at_ends, count);
+    EXPECT_GT(beyond, count / 2);
+}
+
+TEST_F(Sensitivity, is_there_for_an_optimal_lp_only)
+{
+    bakery(false);
+    unavailable(); // not solved
+    objective();
+    EXPECT_GT(dbl("SAObjUp", 0), 45);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 3), 0);
+    update();
+    unavailable(); // changed
+    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 0), 0);
+    ASSERT_EQ(TVXresetmodel(model), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    unavailable(); // stopped
+    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 1e100), 0);
+    ASSERT_EQ(TVXsetdblattrelement(model, "LB", 0, 11), 0);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 12), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    unavailable(); // infeasible
+    ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'I'), 0);
+    static_cast<void>(TVXoptimize(model));
+    unavailable(); // a MIP
+}
+
+TEST_F(Sensitivity, elements_lists_and_arrays_agree_and_the_solve_stays_as_it_was)
+{
+    bakery(true);
+    const double iterations = dbl("IterCount"), value = dbl("ObjVal");
+    const int list[] = {2, 0, 2};
+    double listed[3];
+    for (const char *name : {"SAObjLow", "SAObjUp", "SALBLow", "SALBUp", "SAUBLow",
+                             "SAUBUp", "SARHSLow", "SARHSUp"}) {
+        const double last = dbl(name, 2); // before any other is known
+        const std::vector<double> array = all(name, 3);
+        ASSERT_EQ(TVXgetdblattrlist(model, name, 3, list, listed), 0);
+        EXPECT_EQ(last, array[2]) << name;
+        EXPECT_EQ(std::vector<double>(listed, listed + 3),
+                  (std::vector<double>{array[2], array[0], array[2]}))
+            << name;
+    }
+    EXPECT_EQ(dbl("IterCount"), iterations);
+    EXPECT_EQ(dbl("ObjVal"), value);
+}
+
+TEST_F(Sensitivity, a_basis_that_is_lost_is_found_again)
+{
+    bakery(true);
+    const std::vector<double> before = all("SARHSUp", 3);
+    const double iterations = dbl("IterCount"), value = dbl("ObjVal");
+    start_slack_basis(model->simplex); // as if the factors had to be mended
+    attributes_clear_solution(model);
+    ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+    Output log;
+    EXPECT_EQ(all("SARHSUp", 3), before);
+    EXPECT_GT(dbl("SAObjUp", 1), 80);
+    EXPECT_EQ(log.text(), "Warning: basis changed during sensitity analysis.\n");
+    EXPECT_GT(dbl("IterCount"), iterations);
+    EXPECT_DOUBLE_EQ(dbl("ObjVal"), value);
+}

@@ -1,0 +1,121 @@
+// kappa_test.cpp -- the condition estimates of a basis against a dense inverse
+#include "support/lp_tarvex.h"
+#include "support/structured_gen.h"
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace
+{
+using Matrix = std::vector<std::vector<long double>>; // by rows
+
+// Columns of the basis that a solve without scaling ended with; signs do not matter.
+Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
+{
+    Matrix b(lp->rhs.size());
+    for (int j = 0; j < lp->num_vars(); j++) {
+        if (s->vbasis[j] != 0) continue;
+        for (auto &row : b) row.push_back(0);
+        for (const LpEntry &e : lp->cols[j]) b[e.row].back() = e.value;
+    }
+    for (int i = 0; i < lp->num_rows(); i++) {
+        if (s->cbasis[i] != 0) continue;
+        for (auto &row : b) row.push_back(0);
+        b[i].back() = 1;
+    }
+    return b;
+}
+
+// Gauss and Jordan with the largest pivot of each column.
+Matrix inverse(Matrix b)
+{
+    const size_t m = b.size();
+    for (size_t i = 0; i < m; i++)
+        for (size_t k = 0; k < m; k++) b[i].push_back(i == k);
+    for (size_t k = 0; k < m; k++) {
+        size_t best = k;
+        for (size_t i = k; i < m; i++)
+            if (std::fabs(b[i][k]) > std::fabs(b[best][k])) best = i;
+        std::swap(b[k], b[best]);
+        const long double pivot = b[k][k];
+        for (long double &v : b[k]) v /= pivot;
+        for (size_t i = 0; i < m; i++) {
+            const long double factor = b[i][k];
+            if (i == k || factor == 0) continue;
+            for (size_t c = 0; c < 2 * m; c++) b[i][c] -= factor * b[k][c];
+        }
+    }
+    for (auto &row : b) row.erase(row.begin(), row.begin() + static_cast<long>(m));
+    return b;
+}
+
+double norm1(const Matrix &b)
+{
+    long double norm = 0;
+    for (size_t c = 0; c < b.size(); c++) {
+        long double sum = 0;
+        for (const auto &row : b) sum += std::fabs(row[c]);
+        norm = std::max(norm, sum);
+    }
+    return static_cast<double>(norm);
+}
+
+double norm2(const Matrix &b) // by many steps of the power method
+{
+    const size_t m = b.size();
+    std::vector<long double> x(m), y(m);
+    for (size_t k = 0; k < m; k++) x[k] = 1 + 0.1L * static_cast<long double>(k % 7);
+    long double norm = 0;
+    for (int step = 0; step < 3000; step++) {
+        for (size_t i = 0; i < m; i++) {
+            y[i] = 0;
+            for (size_t k = 0; k < m; k++) y[i] += b[i][k] * x[k];
+        }
+        long double length = 0;
+        for (size_t k = 0; k < m; k++) {
+            x[k] = 0;
+            for (size_t i = 0; i < m; i++) x[k] += b[i][k] * y[i];
+            length += x[k] * x[k];
+        }
+        norm = std::sqrt(std::sqrt(length));
+        for (long double &v : x) v /= std::sqrt(length);
+    }
+    return static_cast<double>(norm);
+}
+
+} // namespace
+
+TEST(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
+{
+    const TestEnv env;
+    ASSERT_EQ(TVXsetintparam(env.env, "ScaleFlag", 0), 0);
+    for (const FamilyRow &family : all_families()) {
+        for (const int quad : {0, 1}) {
+            SCOPED_TRACE(family.name + std::string(quad ? ", extended" : ""));
+            Dice dice(7);
+            const LpModel lp = family.generate(&dice, 12).lp;
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Quad", quad), 0);
+            LpSolution s;
+            ASSERT_EQ(lp_solve(model, &s), 0);
+            double kappa = 0, kappa2 = 0;
+            const int code = s.status == TVX_OPTIMAL ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
+            EXPECT_EQ(TVXgetdblattr(model, "Kappa", &kappa), code);
+            EXPECT_EQ(TVXgetdblattr(model, "N2Kappa", &kappa2), code);
+            if (code) continue;
+            const Matrix b = basis_matrix(&lp, &s), b1 = inverse(b);
+            const double truth = norm1(b) * norm1(b1), truth2 = norm2(b) * norm2(b1);
+            EXPECT_LE(kappa, truth * (1 + 1e-6));
+            EXPECT_GE(kappa, truth / 3);
+            EXPECT_NEAR(kappa2 / truth2, 1, 0.01);
+        }
+    }
+    LpModel none; // without rows
+    lp_add_var(&none, 1, 0, 1);
+    const TestModel model(lp_load(env.env, &none));
+    double kappa = 0;
+    ASSERT_EQ(TVXoptimize(model), 0);
+    for (const char *name : {"Kappa", "N2Kappa"}) {
+        ASSERT_EQ(TVXgetdblattr(model, name, &kappa), 0);
+        EXPECT_EQ(kappa, 1);
+    }
+}
