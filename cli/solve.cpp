@@ -1,6 +1,5 @@
 // solve.cpp -- one model from file to answer
 #include "solve.h"
-#include "interrupt.h"
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -119,13 +118,14 @@ ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &re
     if (!request.start.empty())
         if (const ExitCode code = read_start(read, request.start)) return code;
 
-    interrupt_watch(read);
+    TVXsetsignal(read);
     const int code = TVXoptimize(read);
-    const bool interrupted = interrupt_unwatch();
     if (code != 0)
         return fail_with("cannot solve '" + file + "'", code, TVXgetmerrormsg(read));
 
     const ExitCode written = write_results(read, request.results);
     if (request.solution) print_solution(read);
-    return interrupted ? EXIT_INTERRUPTED : written;
+    int status = 0;
+    TVXgetintattr(read, "Status", &status);
+    return status == TVX_INTERRUPTED ? EXIT_INTERRUPTED : written;
 }

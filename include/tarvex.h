@@ -518,6 +518,100 @@ TVX_API int TVXoptimize(TVXmodel *model);
  * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
+/* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C), as by
+ * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. What interrupts
+ * meant before stands again after the solve. One model at a time can be watched; where interrupts are ignored nothing
+ * changes. Not from several threads at once.
+ * Returns 0. */
+TVX_API int TVXsetsignal(TVXmodel *model);
+
+/* ---- Callbacks ----
+ *
+ * One function of the caller's is called at certain moments of a solve, on the thread that solves. It may ask for what is
+ * known there (TVXcbget) and stop the solve: by a result other than 0, which becomes the code of TVXoptimize, or by
+ * TVXterminate, after which TVXoptimize returns 0; Status is TVX_INTERRUPTED either way. Once the solve was asked to
+ * stop only messages still reach the function. It may call what reads the model; what changes it waits for the next
+ * update. It must not free the model, nor leave by an exception or a long jump.
+ */
+
+/* Where the function is called from. Later versions may call it from more places. */
+#define TVX_WHERE_POLLING 0                    /* now and then, nothing to report */
+#define TVX_WHERE_PRESOLVE 1                   /* between and within reductions */
+#define TVX_WHERE_SIMPLEX 2                    /* every iteration */
+#define TVX_WHERE_MIP 3                        /* a line of the MIP log */
+#define TVX_WHERE_SOLUTION 4                   /* a new MIP solution */
+#define TVX_WHERE_NODE 5                       /* a MIP node was solved */
+#define TVX_WHERE_MESSAGE 6                    /* a line is logged, whether it is printed or not */
+#define TVX_WHERE_BARRIER 7                    /* an iteration of the barrier method */
+
+/* What it may ask for: int, unless told otherwise. The MIP search and the barrier have no moments yet. */
+#define TVX_CB_PRESOLVE_COLUMNS 1000           /* columns removed */
+#define TVX_CB_PRESOLVE_ROWS 1001              /* rows removed */
+#define TVX_CB_PRESOLVE_EQUATIONS 1002         /* inequalities turned into equations */
+#define TVX_CB_PRESOLVE_BOUNDS 1003            /* bounds changed */
+#define TVX_CB_PRESOLVE_COEFFICIENTS 1004      /* coefficients changed */
+#define TVX_CB_SIMPLEX_ITERATIONS 2000         /* double: iterations of this solve so far */
+#define TVX_CB_SIMPLEX_OBJECTIVE 2001          /* double: objective, of the model as it was given */
+#define TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY 2002 /* double: sum of primal infeasibilities, in the solver's scaling */
+#define TVX_CB_SIMPLEX_DUAL_INFEASIBILITY 2003 /* double: sum of dual infeasibilities, in the solver's scaling */
+#define TVX_CB_SIMPLEX_PERTURBED 2004          /* costs and bounds: 0 the true ones, 1 some were shifted, 2 perturbed */
+#define TVX_CB_MIP_OBJECTIVE 3000              /* double: best objective */
+#define TVX_CB_MIP_BOUND 3001                  /* double: best bound */
+#define TVX_CB_MIP_NODES 3002                  /* double: nodes explored */
+#define TVX_CB_MIP_SOLUTIONS 3003              /* solutions found */
+#define TVX_CB_MIP_CUTS 3004                   /* cuts in use */
+#define TVX_CB_MIP_OPEN_NODES 3005             /* double: nodes still open */
+#define TVX_CB_MIP_ITERATIONS 3006             /* double: simplex iterations */
+#define TVX_CB_SOLUTION_VALUES 4001            /* double [NumVars]: the new solution */
+#define TVX_CB_SOLUTION_OBJECTIVE 4002         /* double: its objective */
+#define TVX_CB_SOLUTION_BEST 4003              /* double: best objective */
+#define TVX_CB_SOLUTION_BOUND 4004             /* double: best bound */
+#define TVX_CB_SOLUTION_NODES 4005             /* double: nodes explored */
+#define TVX_CB_SOLUTION_COUNT 4006             /* solutions found */
+#define TVX_CB_NODE_STATUS 5001                /* status of the node relaxation */
+#define TVX_CB_NODE_VALUES 5002                /* double [NumVars]: its solution */
+#define TVX_CB_NODE_BEST 5003                  /* double: best objective */
+#define TVX_CB_NODE_BOUND 5004                 /* double: best bound */
+#define TVX_CB_NODE_NODES 5005                 /* double: nodes explored */
+#define TVX_CB_NODE_SOLUTIONS 5006             /* solutions found */
+#define TVX_CB_MESSAGE_TEXT 6001               /* const char *: the line, valid during the call */
+#define TVX_CB_SECONDS 6002                    /* double: seconds since TVXoptimize began; from anywhere */
+#define TVX_CB_BARRIER_ITERATIONS 7001         /* iterations */
+#define TVX_CB_BARRIER_PRIMAL_OBJECTIVE 7002   /* double: primal objective */
+#define TVX_CB_BARRIER_DUAL_OBJECTIVE 7003     /* double: dual objective */
+#define TVX_CB_BARRIER_PRIMAL_INFEASIBILITY 7004 /* double: primal infeasibility */
+#define TVX_CB_BARRIER_DUAL_INFEASIBILITY 7005 /* double: dual infeasibility */
+#define TVX_CB_BARRIER_COMPLEMENTARITY 7006    /* double: complementarity */
+
+/* The caller's function.
+ *   model    in  whose solve it is
+ *   cbdata   in  for TVXcbget, valid during the call
+ *   where    in  TVX_WHERE_POLLING ... TVX_WHERE_BARRIER
+ *   usrdata  in  as given to TVXsetcallbackfunc */
+typedef int (*TVXcallback)(TVXmodel *model, void *cbdata, int where, void *usrdata);
+
+/* Installs the function for all later solves of this model, or removes it when it is null. Copies of the model do not
+ * inherit it.
+ * Returns 0. */
+TVX_API int TVXsetcallbackfunc(TVXmodel *model, TVXcallback function, void *usrdata);
+
+/* The function installed, or null.
+ * Returns 0; 10002 function_out is null. */
+TVX_API int TVXgetcallbackfunc(TVXmodel *model, TVXcallback *function_out);
+
+/* Inside the function: what is known at this moment.
+ *   cbdata, where  in   as the function got them
+ *   what           in   one of the codes above that belong to where
+ *   result_out     out  int, double, const char *, or the caller's double [NumVars], as the code tells
+ * Returns 0; 10002 result_out is null; 10005 the array is not known; 10011 no such what here, or cbdata is not valid. */
+TVX_API int TVXcbget(void *cbdata, int where, int what, void *result_out);
+
+/* The type of what a code stands for.
+ *   type_out  out  1 int, 2 double, 3 const char *
+ *   size_out  out  1 for an array, else 0
+ * Returns 0; 10002 an out argument is null; 10011 no such code, or cbdata is not valid. */
+TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_out);
+
 /* ---- Files ----
  *
  * What a file is follows from the end of its name, in any case: .mps and .rew models, .bas bases, .mst MIP starts, .sol

@@ -24,8 +24,6 @@ static constexpr double UNDEFINED_VALUE =
 
 struct ParameterTable; // parameters.h
 struct CallbackRecord; // callback.h
-using CallbackFunction = int (*)(TVXmodel *model, CallbackRecord *record, int where,
-                                 void *usrdata);
 
 // Copied as bytes from terminate_ptr on: plain words and pointers only.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand in table order
@@ -43,11 +41,12 @@ struct TVXenv {
     char *errmsg; // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
     int errcode;  // last code recorded with a text
     int err_hold; // non-zero: errmsg and errcode are frozen
-    ParameterTable *params;     // owned by the master
-    int is_master;              // 1 when made by TVXloadenv
-    FILE *log_file;             // own stream, or null
-    int quiet_solve;            // the model is solved as an inner step: no closing lines
-    CallbackFunction cb_active; // the caller's callback function, or null
+    ParameterTable *params; // owned by the master
+    int is_master;          // 1 when made by TVXloadenv
+    FILE *log_file;         // own stream, or null
+    int quiet_solve;        // the model is solved as an inner step: no closing lines
+    TVXcallback cb_active;  // the caller's callback function, or null
+    int callback_code;      // what it returned in this solve, if not 0: the first
     CallbackRecord
         *cb_record; // one block, owned; its first word is set to 0 before it is freed
     void *hook[3];  // inner solve reports to the outer: function and two arguments

@@ -37,6 +37,7 @@ static void open_run(TVXmodel *model, double now)
     TVXenv *env = model->env;
     env->terminate_ptr = &env->terminate;
     flag_store(env->terminate_ptr, 0);
+    env->callback_code = 0;
     env->optimize_start = now;
     flag_store(&model->busy, 1);
 }
@@ -45,12 +46,14 @@ static void open_run(TVXmodel *model, double now)
 static int close_run(TVXmodel *model, int code)
 {
     TVXenv *env = model->env;
+    if (!code) code = env->callback_code;
     if (code) env->err_hold = 1;
     if (model->mip_result) {
         const int epilogue = log_mip_epilogue(model, code);
         if (!code) code = epilogue;
     }
     env->err_hold = 0;
+    interrupt_end(model);
     flag_store(&model->busy, 0);
     if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out
         return fail_model(model, code, Report::KEEP_FIRST,

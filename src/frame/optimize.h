@@ -17,6 +17,9 @@
 // ---- mip_focus.cpp ----
 // Parameters that MIPFocus presets for one solve, as they were before.
 static constexpr int FOCUS_INTS = 6, FOCUS_DOUBLES = 3;
+// interrupt.cpp: after a solve the console interrupt means what it meant before TVXsetsignal.
+void interrupt_end(TVXmodel *model);
+
 struct MipFocusSaved {
     int ints[FOCUS_INTS];
     double doubles[FOCUS_DOUBLES];

@@ -36,7 +36,7 @@ RangePair in_sense(int sign, const RangePair &range)
 // What a silent run in between may not change or be stopped by.
 struct QuietRun {
     TVXenv *env;
-    CallbackFunction cb_active;
+    TVXcallback cb_active;
     int end_factor, output;
     double iteration_limit, optimize_start;
 };

@@ -1,4 +1,5 @@
 // limits.cpp -- progress lines and limits during presolve
+#include "frame/callback.h"
 #include "frame/runtime/clock.h"
 #include "presolve/work.h"
 #include <cmath>
@@ -16,7 +17,13 @@ void presolve_log(PresolveWork *w)
 
 int presolve_check(PresolveWork *w)
 {
+    callback_poll(w->Env, TVX_WHERE_PRESOLVE, {.presolve = w});
     if (env_stop_requested(w->Env)) return PRESOLVE_INTERRUPTED;
     const bool late = WallClock() - w->Env->optimize_start >= w->Env->TimeLimit;
     return late ? PRESOLVE_TIME_LIMIT : PRESOLVE_OK;
+}
+
+PresolveCounts presolve_counts(const PresolveWork *w)
+{
+    return {w->BoundsChanged, w->CoefsChanged, w->IneqToEq, w->RowsRemoved, w->ColsRemoved};
 }

@@ -40,6 +40,13 @@ struct LpPoint {
 // basic entries; it is made a basis by slacks.
 void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);
 
+// What a presolve has done so far.
+struct PresolveWork;
+struct PresolveCounts {
+    int bounds_changed, coefs_changed, ineq_to_eq, rows_removed, cols_removed;
+};
+PresolveCounts presolve_counts(const PresolveWork *w);
+
 // Where a variable or constraint went: its index in the reduced model, or below zero when it is gone.
 int presolved_var(const PresolveResult *result, int j);
 int presolved_constr(const PresolveResult *result, int i);

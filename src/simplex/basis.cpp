@@ -2,6 +2,7 @@
 //
 // Literature  R. H. Bartels, J. Stoer, C. Zenger in Wilkinson and Reinsch, Linear Algebra, 1971, for the repair of a
 //             singular basis by unit columns.
+#include "frame/callback.h"
 #include "simplex/sopt.h"
 #include <algorithm>
 
@@ -35,6 +36,7 @@ template<class R> int Refactor(sopt *s, swork<R> *w)
     const BasisMatrix matrix{s->NumRows, s->NumCols, s->ColBeg.data, s->ColInd.data,
                              s->ColVal.data};
     s->NumFactor++;
+    callback_poll(s->Env, TVX_WHERE_POLLING, {});
     for (int repairs = 0;; repairs++) {
         const int result = FactorBasis(&w->Lu, &matrix, s->BasisHead.data, s->MarkowitzTol,
                                        s->BadRows.data, s->BadCols.data);

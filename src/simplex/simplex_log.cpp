@@ -1,4 +1,5 @@
 // simplex_log.cpp -- the progress lines of both methods, and the limits that are tested with them
+#include "frame/callback.h"
 #include "frame/runtime/clock.h"
 #include "simplex/sopt.h"
 #include <cmath>
@@ -72,6 +73,7 @@ void simplex_log_final(const sopt *s)
 
 bool limit_reached(sopt *s)
 {
+    callback_poll(s->Env, TVX_WHERE_SIMPLEX, {.simplex = s});
     if (env_stop_requested(s->Env))
         s->Status = SIMPLEX_INTERRUPTED;
     else if (iterations(s) >= s->Env->IterationLimit)

@@ -74,6 +74,21 @@ int simplex_factorizations(const sopt *s)
 {
     return s->NumFactor;
 }
+template<class R> static SimplexProgress progress(const sopt *s, const swork<R> *w)
+{
+    const Infeasibility inf = measure_infeasibility(s, w);
+    return {s->Sense * (true_objective(s, w) + s->ObjOffset), inf.PrimalSum, inf.DualSum};
+}
+
+SimplexProgress simplex_progress(const sopt *s)
+{
+    return s->Quad ? progress(s, s->Extended) : progress(s, s->Double);
+}
+static constexpr int WHOLE_PERTURBATION = 3;
+int simplex_perturbed(const sopt *s)
+{
+    return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE_PERTURBATION ? 1 : 2;
+}
 int simplex_status(const sopt *s)
 {
     return s->Status;

@@ -1,7 +1,6 @@
 // citizen_test.cpp -- the library in its host: silent when asked, no threads, no files, no signals of its own
 //
 // What the command does is looked at in tests/cli/quiet_test.cpp, exported names in tests/install.
-#include "frame/callback.h"
 #include "support/lp_tarvex.h"
 #include "support/scratch.h"
 #include <array>
@@ -64,10 +63,10 @@ struct Inside {
     int changed = 0;
 };
 
-int look(TVXmodel *, CallbackRecord *, int, void *usrdata)
+int look(TVXmodel *, void *, int where, void *usrdata)
 {
     Inside *inside = static_cast<Inside *>(usrdata);
-    inside->lines++;
+    inside->lines += where == TVX_WHERE_MESSAGE;
     inside->most_threads = std::max(inside->most_threads, threads());
     inside->most_entries = std::max(inside->most_entries, entries("."));
     inside->changed += changed_handlers(inside->before);
@@ -76,12 +75,7 @@ int look(TVXmodel *, CallbackRecord *, int, void *usrdata)
 
 void watch(TVXmodel *model, Inside *inside)
 {
-    TVXenv *own = TVXgetenv(model);
-    own->cb_record = static_cast<CallbackRecord *>(MemAllocZero(1, sizeof(CallbackRecord)));
-    own->cb_record->magic = CALLBACK_MAGIC;
-    own->cb_record->model = model;
-    own->cb_record->usrdata = inside;
-    own->cb_active = look;
+    ASSERT_EQ(TVXsetcallbackfunc(model, look, inside), 0);
 }
 
 // Calls of every kind that fail; how many did.

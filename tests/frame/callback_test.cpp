@@ -1,86 +1,247 @@
-// callback_test.cpp -- lines of the log reach the caller's callback function
-#include "frame/callback.h"
+// callback_test.cpp -- the caller's callback function: when it is called, what it may ask, how it stops a solve
 #include "support/model_test.h"
+#include <cmath>
+#include <csignal>
+#include <functional>
+#include <map>
 
 namespace
 {
 
-struct Seen {
-    std::string text;
-    int calls = 0;
-    int code = -1;        // of a query made inside the function
-    bool answers = false; // print from inside the function
-    bool stops = false;   // ask for an interruption from there
-};
-
-int listen(TVXmodel *model, CallbackRecord *record, int where, void *usrdata)
+// Supplies of 10 at most, demands of 5, costs that look like chance.
+LpModel transport(int from, int to)
 {
-    Seen *seen = static_cast<Seen *>(usrdata);
-    EXPECT_EQ(where, 6);
-    seen->text += record->message;
-    seen->calls++;
-    int vars = 0;
-    seen->code = TVXgetintattr(model, "NumVars", &vars);
-    if (seen->stops) TVXterminate(model);
-    if (seen->answers) TVXmsg(TVXgetenv(model), "heard\n");
-    return 0;
+    LpModel lp;
+    for (int k = 0; k < from * to; k++) lp_add_var(&lp, 1 + k * 37 % 101, 0, LP_INFINITY);
+    for (int i = 0; i < from; i++) {
+        std::vector<std::pair<int, double>> row;
+        for (int j = 0; j < to; j++) row.push_back({i * to + j, 1});
+        lp_add_row_entries(&lp, row, '<', 10);
+    }
+    for (int j = 0; j < to; j++) {
+        std::vector<std::pair<int, double>> row;
+        for (int i = 0; i < from; i++) row.push_back({i * to + j, 1});
+        lp_add_row_entries(&lp, row, '=', 5);
+    }
+    return lp;
 }
 
-struct MessageCallback : ModelTest {
-    Seen seen;
+struct Callback : ModelTest {
+    std::map<int, int> calls; // by where
+    std::string log;
+    std::function<int(void *, int)> act = [](void *, int) { return 0; };
+
+    static int enter(TVXmodel *model, void *cbdata, int where, void *usrdata)
+    {
+        Callback *test = static_cast<Callback *>(usrdata);
+        EXPECT_EQ(model, test->model);
+        test->calls[where]++;
+        const char *line = nullptr;
+        if (where == TVX_WHERE_MESSAGE) {
+            EXPECT_EQ(TVXcbget(cbdata, where, TVX_CB_MESSAGE_TEXT, &line), 0);
+            test->log += line;
+        }
+        return test->act(cbdata, where);
+    }
 
     void SetUp() override
     {
-        LpModel lp;
-        lp_add_var(&lp, -1, 0, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 2}}, '<', 6);
-        load(lp);
-        CallbackRecord *record =
-            static_cast<CallbackRecord *>(MemAllocZero(1, sizeof(CallbackRecord)));
-        record->magic = CALLBACK_MAGIC;
-        record->model = model;
-        record->usrdata = &seen;
-        own()->cb_record = record;
-        own()->cb_active = listen;
+        load(transport(12, 15));
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
+    }
+    int solve(int presolve)
+    {
+        calls.clear();
+        log.clear();
+        EXPECT_EQ(TVXsetintparam(own(), "Presolve", presolve), 0);
+        EXPECT_EQ(TVXresetmodel(model), 0);
+        return TVXoptimize(model);
     }
 };
 
+double number(void *cbdata, int where, int what)
+{
+    double value = NAN;
+    EXPECT_EQ(TVXcbget(cbdata, where, what, &value), 0) << what;
+    return value;
+}
+
 } // namespace
 
-TEST_F(MessageCallback, hears_every_line_of_a_solve_also_a_silent_one_and_may_query)
+TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)
 {
-    Output silent;
-    ASSERT_EQ(TVXoptimize(model), 0);
-    EXPECT_EQ(silent.text(), "");
-    EXPECT_NE(seen.text.find("Optimize a model with 1 rows, 1 columns"), std::string::npos);
-    EXPECT_NE(seen.text.find("Optimal objective -3.0"), std::string::npos);
-    EXPECT_EQ(seen.code, 0);
-    EXPECT_EQ(model->in_callback, 0);
+    for (const int presolve : {0, 1}) {
+        ASSERT_EQ(solve(presolve), 0);
+        for (const int where : {TVX_WHERE_POLLING, TVX_WHERE_SIMPLEX, TVX_WHERE_MESSAGE})
+            EXPECT_GT(calls[where], 0) << where;
+        EXPECT_EQ(calls[TVX_WHERE_PRESOLVE] > 0, presolve == 1);
+        const double objective = dbl("ObjVal"), iterations = dbl("IterCount");
+        ASSERT_EQ(TVXsetcallbackfunc(model, nullptr, nullptr), 0);
+        ASSERT_EQ(solve(presolve), 0);
+        EXPECT_TRUE(calls.empty());
+        EXPECT_EQ(dbl("ObjVal"), objective);
+        EXPECT_EQ(dbl("IterCount"), iterations);
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
+    }
+    TVXmodel *copy = TVXcopymodel(model); // copies do not inherit it
+    calls.clear();
+    EXPECT_EQ(TVXoptimize(copy), 0);
+    EXPECT_TRUE(calls.empty());
+    TVXfreemodel(copy);
+}
 
+TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)
+{
+    ASSERT_EQ(solve(1), 0);
+    EXPECT_NE(log.find("Optimize a model with 27 rows"), std::string::npos);
     ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-    seen.text.clear();
+    log.clear();
     Output output;
     ASSERT_EQ(TVXoptimize(model), 0);
-    EXPECT_EQ(output.text(), seen.text);
-}
-
-TEST_F(MessageCallback, hears_others_only_and_a_long_message_cut)
-{
-    TVXmodel *copy = TVXcopymodel(model);
-    ASSERT_EQ(TVXoptimize(copy), 0); // it is not passed on to copies
-    EXPECT_EQ(seen.calls, 0);
-    EXPECT_EQ(TVXfreemodel(copy), 0);
-    seen.answers = true;
+    EXPECT_EQ(output.text(), log);
+    ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 0), 0);
+    log.clear();
+    act = [this](void *, int) { // what is printed meanwhile is not delivered too
+        TVXmsg(own(), "heard\n");
+        return 0;
+    };
     TVXmsg(own(), "%s", std::string(5000, 'x').c_str());
-    EXPECT_EQ(seen.calls, 1);
-    EXPECT_EQ(seen.text, std::string(512, 'x'));
+    EXPECT_EQ(log, std::string(512, 'x'));
 }
 
-TEST_F(MessageCallback, may_stop_a_solve_and_the_next_one_is_not_stopped)
+TEST_F(Callback, stops_a_solve_by_its_result_or_by_terminate_and_is_then_left_alone)
 {
-    seen.stops = true;
-    ASSERT_EQ(TVXoptimize(model), 0);
+    for (const int stop_at :
+         {TVX_WHERE_POLLING, TVX_WHERE_PRESOLVE, TVX_WHERE_SIMPLEX, TVX_WHERE_MESSAGE})
+        for (const int code : {0, 77}) {
+            SCOPED_TRACE(stop_at);
+            int after = 0;
+            bool stopped = false;
+            act = [&](void *, int where) {
+                after += stopped && where != TVX_WHERE_MESSAGE;
+                if (stopped || where != stop_at) return 0;
+                stopped = true;
+                if (code == 0) TVXterminate(model);
+                return code;
+            };
+            EXPECT_EQ(solve(1), code);
+            EXPECT_TRUE(stopped);
+            EXPECT_EQ(after, 0);
+            EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
+            act = [](void *, int) { return 0; };
+            EXPECT_EQ(TVXoptimize(model), 0); // the next one is not stopped
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        }
+}
+
+TEST_F(Callback, may_ask_for_what_belongs_to_the_moment)
+{
+    double iterations = 0, objective = NAN;
+    act = [&](void *data, int where) {
+        int vars = 0;
+        EXPECT_EQ(TVXgetintattr(model, "NumVars", &vars), 0);
+        EXPECT_GE(number(data, where, TVX_CB_SECONDS), 0);
+        double any = 0;
+        for (const int what :
+             {0, 999, 1005, int{TVX_CB_MIP_NODES}, int{TVX_CB_BARRIER_ITERATIONS}})
+            EXPECT_EQ(TVXcbget(data, where, what, &any), TVX_ERROR_CALLBACK) << what;
+        EXPECT_EQ(TVXcbget(data, TVX_WHERE_NODE, TVX_CB_NODE_VALUES, &any),
+                  TVX_ERROR_DATA_NOT_AVAILABLE);
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SECONDS, nullptr), TVX_ERROR_NULL_ARGUMENT);
+        if (where == TVX_WHERE_PRESOLVE) {
+            int count = -1;
+            for (int what = TVX_CB_PRESOLVE_COLUMNS; what <= TVX_CB_PRESOLVE_COEFFICIENTS;
+                 what++) {
+                EXPECT_EQ(TVXcbget(data, where, what, &count), 0);
+                EXPECT_GE(count, 0);
+            }
+        } else {
+            int count = 0;
+            EXPECT_EQ(TVXcbget(data, TVX_WHERE_PRESOLVE, TVX_CB_PRESOLVE_ROWS, &count),
+                      TVX_ERROR_CALLBACK);
+        }
+        if (where == TVX_WHERE_SIMPLEX) {
+            const double now = number(data, where, TVX_CB_SIMPLEX_ITERATIONS);
+            EXPECT_GE(now, iterations);
+            iterations = now;
+            objective = number(data, where, TVX_CB_SIMPLEX_OBJECTIVE);
+            EXPECT_GE(number(data, where, TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY), 0);
+            EXPECT_GE(number(data, where, TVX_CB_SIMPLEX_DUAL_INFEASIBILITY), 0);
+            int perturbed = -1;
+            EXPECT_EQ(TVXcbget(data, where, TVX_CB_SIMPLEX_PERTURBED, &perturbed), 0);
+            EXPECT_TRUE(perturbed >= 0 && perturbed <= 2);
+        }
+        return 0;
+    };
+    for (const int sense : {1, -1})
+        for (const int presolve : {0, 1}) {
+            ASSERT_EQ(TVXsetintattr(model, "ModelSense", sense), 0);
+            iterations = 0;
+            ASSERT_EQ(solve(presolve), 0);
+            EXPECT_EQ(iterations, dbl("IterCount"));
+            EXPECT_NEAR(objective, dbl("ObjVal"), 1e-6 * std::fabs(objective));
+        }
+}
+
+TEST_F(Callback, misuse_is_told)
+{
+    int type = 0, size = 0, garbage = 5;
+    TVXcallback function = nullptr;
+    EXPECT_EQ(TVXgetcallbackfunc(model, &function), 0);
+    EXPECT_EQ(function, enter);
+    refused(TVX_ERROR_NULL_ARGUMENT, "Unable to query callback function",
+            TVXgetcallbackfunc(model, nullptr));
+    EXPECT_EQ(TVXsetcallbackfunc(nullptr, enter, nullptr), TVX_ERROR_NULL_ARGUMENT);
+    for (void *data : {static_cast<void *>(nullptr), static_cast<void *>(&garbage)}) {
+        EXPECT_EQ(TVXcbget(data, 2, TVX_CB_SECONDS, &size), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_SECONDS, &type, &size), TVX_ERROR_CALLBACK);
+    }
+    act = [&](void *data, int) {
+        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_SOLUTION_VALUES, &type, &size), 0);
+        EXPECT_EQ(10 * type + size, 21);
+        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_MESSAGE_TEXT, &type, &size), 0);
+        EXPECT_EQ(10 * type + size, 30);
+        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_MIP_CUTS, &type, &size), 0);
+        EXPECT_EQ(10 * type + size, 10);
+        EXPECT_EQ(TVXgetcbwhatinfo(data, 4000, &type, &size), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXgetcbwhatinfo(data, 4001, nullptr, &size), TVX_ERROR_NULL_ARGUMENT);
+        EXPECT_EQ(TVXoptimize(model), TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+        return 0;
+    };
+    ASSERT_EQ(solve(0), 0);
+}
+
+// The first interrupt ends the solve; the program's own handler is back afterwards, and the default within.
+TEST_F(Callback, an_interrupt_from_the_console_ends_the_solve)
+{
+    const auto own_handler = [](int) {};
+    struct sigaction before = {}, now = {};
+    now.sa_handler = own_handler;
+    sigaction(SIGINT, &now, &before);
+    bool raised = false;
+    act = [&](void *, int where) {
+        if (where != TVX_WHERE_SIMPLEX || raised) return 0;
+        raised = true;
+        raise(SIGINT);
+        struct sigaction inside = {};
+        sigaction(SIGINT, nullptr, &inside);
+        EXPECT_EQ(inside.sa_handler, SIG_DFL);
+        return 0;
+    };
+    ASSERT_EQ(TVXsetsignal(model), 0);
+    ASSERT_EQ(solve(0), 0);
+    EXPECT_TRUE(raised);
     EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
-    seen.stops = false;
-    EXPECT_EQ(objective(), -3);
+    sigaction(SIGINT, nullptr, &now);
+    EXPECT_EQ(now.sa_handler, static_cast<void (*)(int)>(own_handler));
+
+    now.sa_handler = SIG_IGN; // ignored interrupts stay ignored
+    sigaction(SIGINT, &now, nullptr);
+    raised = false;
+    ASSERT_EQ(TVXsetsignal(model), 0);
+    act = [](void *, int where) { return where == TVX_WHERE_SIMPLEX ? raise(SIGINT) : 0; };
+    ASSERT_EQ(solve(0), 0);
+    EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+    sigaction(SIGINT, &before, nullptr);
+    EXPECT_EQ(TVXsetsignal(nullptr), TVX_ERROR_NULL_ARGUMENT);
 }
