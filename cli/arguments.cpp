@@ -9,12 +9,12 @@
 static constexpr const char *DESCRIPTION =
     "Solves linear programs.\n"
     "\n"
-    "MODEL is an MPS file (.mps, .rew), also compressed (.gz, .bz2). Several models are "
-    "solved in turn.\n"
+    "MODEL is a file in MPS (.mps, .rew) or LP format (.lp, .rlp, .ilp), also compressed "
+    "(.gz,\n.bz2). Several models are solved in turn.\n"
     "Name=Value sets a parameter, for example TimeLimit=60 Threads=1 LPMethod=0 "
     "LogFile=run.log.\n"
-    "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew or "
-    ".prm; may be repeated.\n";
+    "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew, "
+    ".lp,\n.rlp or .prm; may be repeated.\n";
 static constexpr const char *CLOSING =
     "A file whose name holds a '=' is written with its folder: ./a=b.mps\n"
     "OutputFlag=0 prints nothing but what an option asks for, not even errors.\n"
@@ -100,10 +100,8 @@ FileKind file_kind(const std::string &name)
         }
     for (const std::string_view suffix : {".bas", ".mst"})
         if (stem.ends_with(suffix)) return FileKind::START;
-    for (const std::string_view suffix : {".mps", ".rew"})
+    for (const std::string_view suffix : {".mps", ".rew", ".lp", ".rlp", ".ilp"})
         if (stem.ends_with(suffix)) return FileKind::MODEL;
-    for (const std::string_view suffix : {".lp", ".rlp", ".ilp"})
-        if (stem.ends_with(suffix)) return FileKind::LP_MODEL;
     for (const std::string_view suffix : {".sol", ".prm"})
         if (stem.ends_with(suffix)) return FileKind::RESULT_ONLY;
     return FileKind::UNKNOWN;

@@ -65,12 +65,9 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
 // Whether a result file could be written after the solve: better known before it.
 static ExitCode check_result(const std::string &file)
 {
-    const FileKind kind = file_kind(file);
-    if (kind == FileKind::UNKNOWN || kind == FileKind::LP_MODEL)
-        return usage(
-            "ResultFile='" + file + "': " +
-            (kind == FileKind::LP_MODEL ? "the LP format is not supported yet; " : "") +
-            "end the name in .sol, .bas, .mst, .prm, .mps or .rew");
+    if (file_kind(file) == FileKind::UNKNOWN)
+        return usage("ResultFile='" + file +
+                     "': end the name in .sol, .bas, .mst, .prm, .mps, .rew, .lp or .rlp");
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     if (std::error_code ignored;
         !folder.empty() && !std::filesystem::is_directory(folder, ignored)) {

@@ -614,10 +614,10 @@ TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_ou
 
 /* ---- Files ----
  *
- * What a file is follows from the end of its name, in any case: .mps and .rew models, .bas bases, .mst MIP starts, .sol
- * solutions, .prm parameters; with .gz or .bz2 behind it the file is compressed by the commands gzip and bzip2, which
- * must be installed. docs/formats.md describes all of them. LP-format files (.lp, .rlp, .ilp) cannot be read or written
- * yet. Texts of errors name the line of the file where there is one; what was odd in a file that was read is told in
+ * What a file is follows from the end of its name, in any case: .mps and .rew models in MPS format, .lp, .rlp and .ilp
+ * models in LP format, .bas bases, .mst MIP starts, .sol solutions, .prm parameters; with .gz or .bz2 behind it the file
+ * is compressed by the commands gzip and bzip2, which must be installed. docs/formats.md describes all of them. Texts of
+ * errors name the line of the file where there is one; what was odd in a file that was read is told in
  * the log.
  */
 
@@ -636,10 +636,10 @@ TVX_API int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out
  * sets no basis and returns 0 all the same, with the reason in the log and in the text of the error. */
 TVX_API int TVXread(TVXmodel *model, const char *filename);
 
-/* Writes the model (.mps; .rew with numbers for names), its basis (.bas), its solution (.sol), its solution as a MIP
+/* Writes the model (.mps or .lp; .rew and .rlp with numbers for names), its basis (.bas), its solution (.sol), its solution as a MIP
  * start (.mst), or its parameters (.prm). Queued changes are not written.
  *   filename  in  is replaced
- * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution or basis to write; 10013 filename is
+ * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution, basis or IIS (.ilp) to write; 10013 filename is
  * null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
 TVX_API int TVXwrite(TVXmodel *model, const char *filename);
 

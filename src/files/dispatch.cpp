@@ -1,8 +1,7 @@
 // dispatch.cpp -- what a file name means, and the three doors: TVXreadmodel, TVXread, TVXwrite
 //
 // Method      One table says for each type by which routine a model is read, data are read into a model, and a file is
-//             written; a missing routine of a model type is the one place that refuses a form which this build does not
-//             know. Names are completed by model and compression suffixes, in table order, until one opens.
+//             written. Names are completed by model and compression suffixes, in table order, until one opens.
 #include "files/dispatch.h"
 #include "files/files.h"
 #include "frame/model.h"
@@ -15,14 +14,32 @@
 using ModelReader = int (*)(TVXenv *env, const char *file_name, TVXmodel **model_out);
 using ModelVisitor = int (*)(TVXmodel *model, const char *file_name);
 
-static int write_own(TVXmodel *model, const char *file_name)
+static int write_mps(TVXmodel *model, const char *file_name)
 {
     return mps_write(model, file_name, WriteNames::OWN);
 }
 
-static int write_numbered(TVXmodel *model, const char *file_name)
+static int write_rew(TVXmodel *model, const char *file_name)
 {
     return mps_write(model, file_name, WriteNames::NUMBERED);
+}
+
+static int write_lp(TVXmodel *model, const char *file_name)
+{
+    return lp_write(model, file_name, WriteNames::OWN);
+}
+
+static int write_rlp(TVXmodel *model, const char *file_name)
+{
+    return lp_write(model, file_name, WriteNames::NUMBERED);
+}
+
+// No model has an irreducible inconsistent subsystem in this build.
+static int write_ilp(TVXmodel *model, const char *file_name)
+{
+    (void)file_name;
+    return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
+                      "No IIS available for current model");
 }
 
 static int read_parameters(TVXmodel *model, const char *file_name)
@@ -41,16 +58,16 @@ struct FileKind {
     const char *form;       // of a model, for people; null: no model
     ModelReader read_model; // null: cannot be read as a model
     ModelVisitor read_into; // null: cannot be read into a model
-    ModelVisitor write;     // null: cannot be written; no model has that
+    ModelVisitor write;
 };
 
 // Rows of models first: they are also the order in which a name without suffix is completed.
 static const FileKind kinds[] = {
-    {FILE_MPS, ".mps", "MPS", mps_read, nullptr, write_own},
-    {FILE_REW, ".rew", "MPS", mps_read, nullptr, write_numbered},
-    {FILE_LP, ".lp", "LP", nullptr, nullptr, nullptr},
-    {FILE_RLP, ".rlp", "LP", nullptr, nullptr, nullptr},
-    {FILE_ILP, ".ilp", "LP", nullptr, nullptr, nullptr},
+    {FILE_MPS, ".mps", "MPS", mps_read, nullptr, write_mps},
+    {FILE_REW, ".rew", "MPS", mps_read, nullptr, write_rew},
+    {FILE_LP, ".lp", "LP", lp_read, nullptr, write_lp},
+    {FILE_RLP, ".rlp", "LP", lp_read, nullptr, write_rlp},
+    {FILE_ILP, ".ilp", "LP", lp_read, nullptr, write_ilp},
     {FILE_MST, ".mst", nullptr, nullptr, mip_start_read, mip_start_write},
     {FILE_SOL, ".sol", nullptr, nullptr, nullptr, solution_write},
     {FILE_BAS, ".bas", nullptr, nullptr, basis_read, basis_write},
@@ -168,10 +185,6 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
     if (!kind || !kind->form)
         return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                     "Unknown file type for file '%s'", name);
-    if (!kind->read_model)
-        return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                    "%s files cannot be read yet, only MPS files: '%s'", kind->form,
-                    completion.name.data);
     TRY(kind->read_model(env, completion.name.data, model_out));
     announce(*model_out, kind, completion.name.data, WallClock() - start);
     return 0;
@@ -239,10 +252,6 @@ static int write_file(TVXmodel *model, const char *name)
                    "Unknown file type for file '%s'", name);
         return cannot_write(model, name);
     }
-    if (!kind->write)
-        return fail_model(model, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
-                          "%s files cannot be written yet, only MPS files: '%s'",
-                          kind->form, name);
     const int error = kind->write(model, name);
     if (error == TVX_ERROR_FILE_WRITE) return cannot_write(model, name);
     return fail_model(model, error, Report::KEEP_FIRST, "Failed to write '%s'", name);

@@ -110,7 +110,21 @@ static int test_distinct(const FileNames *names, bool *distinct)
     return error;
 }
 
-int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind, bool wide)
+// Of the own names, those that pass the test.
+static int keep_names(FileNames *names, NameTest test)
+{
+    TRY(array_copy(&names->kept, names->own, names->count));
+    for (const char *&name : names->kept) {
+        if (!name || test(name)) continue;
+        name = nullptr;
+        names->n_refused++;
+    }
+    names->own = names->kept.data;
+    return 0;
+}
+
+int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind, bool wide,
+                      NameTest test)
 {
     const bool variables = kind == FileNameKind::VARIABLE;
     const Array<const char *> *own = variables ? &body->varnames : &body->constrnames;
@@ -120,6 +134,7 @@ int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind
     names->wide = wide || names->count > SHORT_NUMBERS;
     if (own->size < names->count || !names->count) return 0;
     names->own = own->data;
+    if (test) TRY(keep_names(names, test));
     if (!all_usable(names)) {
         file_names_number(names);
         return 0;

@@ -13,16 +13,20 @@ struct FileNames {
     const char *const *own =
         nullptr;       // [count] the model's names, entries may be null; null: all numbered
     bool wide = false; // numbered names are "C12", not "C0000012"
-    bool has_blanks = false; // some own name holds a blank
-    int longest = 0;         // bytes of the longest own name
+    bool has_blanks = false;  // some own name holds a blank
+    int longest = 0;          // bytes of the longest own name
+    Array<const char *> kept; // own points here when a format refused some names
+    int n_refused = 0;        // and how many
 };
+using NameTest = bool (*)(const char *name);
 static constexpr int FILE_NAME_LENGTH = 16;    // room for a numbered name
 static constexpr int SHORT_NUMBERS = 10000000; // elements that the short form can number
 
 // Looks whether the names of the model can be used. 0 or OUT_OF_MEMORY. With wide false the numbered names are short as
 // long as no own name is longer than 8 bytes and no number than 7 digits.
+// With a test, the names that fail it are numbered one by one.
 [[nodiscard]] int file_names_choose(FileNames *names, const ModelBody *body,
-                                    FileNameKind kind, bool wide);
+                                    FileNameKind kind, bool wide, NameTest test = nullptr);
 void file_names_number(FileNames *names); // gives the model's own names up
 // The name of element k; a numbered one is written into buffer.
 const char *file_name(const FileNames *names, int k, char *buffer);

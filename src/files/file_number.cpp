@@ -17,13 +17,25 @@ NumberKind number_read(TextSpan span, double *value)
     return first == 'i' || first == 'I' ? NumberKind::INFINITE : NumberKind::TOO_LARGE;
 }
 
-int number_write(char *buffer, double value)
+// The length, or 0 when "%g" does not read back the same.
+static int write_general(char *buffer, double value)
 {
     static constexpr int SHORT_DIGITS = 6; // of "%g"
-    // Behind the point of "%.16e": 17 in all tell any two doubles apart.
-    static constexpr int FULL_DIGITS = 16;
     const int length = number_general(buffer, value, SHORT_DIGITS);
     double back = 0.0;
-    if (!text_to_double(buffer, nullptr, &back) && back == value) return length;
-    return number_scientific(buffer, value, FULL_DIGITS);
+    return !text_to_double(buffer, nullptr, &back) && back == value ? length : 0;
+}
+
+int number_write_short(char *buffer, double value)
+{
+    const int length = write_general(buffer, value);
+    return length ? length : number_shortest(buffer, value);
+}
+
+int number_write(char *buffer, double value)
+{
+    // Behind the point of "%.16e": 17 in all tell any two doubles apart.
+    static constexpr int FULL_DIGITS = 16;
+    const int length = write_general(buffer, value);
+    return length ? length : number_scientific(buffer, value, FULL_DIGITS);
 }

@@ -15,3 +15,5 @@ NumberKind number_read(TextSpan span, double *value);
 // The writer's text of a number: as "%g" when that reads back the same, else as "%.16e". buffer has NUMBER_LENGTH
 // characters; the length.
 int number_write(char *buffer, double value);
+// Likewise, but the fewest digits that read back the same instead of "%.16e".
+int number_write_short(char *buffer, double value);

@@ -9,6 +9,9 @@
 [[nodiscard]] int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out);
 enum class WriteNames { OWN, NUMBERED };
 [[nodiscard]] int mps_write(TVXmodel *model, const char *file_name, WriteNames names);
+// Likewise in the LP format.
+[[nodiscard]] int lp_read(TVXenv *env, const char *file_name, TVXmodel **model_out);
+[[nodiscard]] int lp_write(TVXmodel *model, const char *file_name, WriteNames names);
 
 // Sets VBasis and CBasis. Contents that cannot be understood leave the basis as it was and their message recorded; the
 // code is TVX_ERROR_FILE_READ.

@@ -46,14 +46,14 @@ struct BoundLine {
 static bool is_open(const BoundLine *line, int given)
 {
     MpsReader *reader = line->reader;
-    if (!(reader->columns.flags.data[line->column] & given)) return true;
+    if (!(reader->draft.columns.flags.data[line->column] & given)) return true;
     mps_warn(&reader->warnings, MpsWarning::DUPLICATE_BOUND, reader->text.line, line->name);
     return false;
 }
 
 static void set_lower(const BoundLine *line, double value)
 {
-    MpsColumns *columns = &line->reader->columns;
+    DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
     columns->lb.data[j] = value;
     columns->flags.data[j] |= LOWER_GIVEN;
@@ -61,7 +61,7 @@ static void set_lower(const BoundLine *line, double value)
 
 static void set_upper(const BoundLine *line, double value)
 {
-    MpsColumns *columns = &line->reader->columns;
+    DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
     columns->ub.data[j] = value;
     columns->flags.data[j] |= UPPER_GIVEN;
@@ -70,10 +70,10 @@ static void set_upper(const BoundLine *line, double value)
 // The default upper bound 1 of an integer column goes as soon as its lower bound or PL says more.
 static void drop_default_upper(const BoundLine *line)
 {
-    MpsColumns *columns = &line->reader->columns;
+    DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
     if (columns->type.data[j] != 'B' && !(columns->flags.data[j] & UPPER_GIVEN))
-        columns->ub.data[j] = MPS_INFINITY;
+        columns->ub.data[j] = DRAFT_INFINITY;
 }
 
 static void lower_line(const BoundLine *line, double value)
@@ -90,7 +90,7 @@ static void upper_line(const BoundLine *line, double value)
 
 static void binary_line(const BoundLine *line)
 {
-    MpsColumns *columns = &line->reader->columns;
+    DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
     char *type = &columns->type.data[j];
     *type = *type == 'S' || *type == 'N' ? 'N' : 'B';
@@ -101,14 +101,14 @@ static void binary_line(const BoundLine *line)
 
 static void make_integer(const BoundLine *line)
 {
-    char *type = &line->reader->columns.type.data[line->column];
+    char *type = &line->reader->draft.columns.type.data[line->column];
     if (*type == 'C') *type = 'I';
     if (*type == 'S') *type = 'N';
 }
 
 static void make_semicontinuous(const BoundLine *line, Bound bound)
 {
-    char *type = &line->reader->columns.type.data[line->column];
+    char *type = &line->reader->draft.columns.type.data[line->column];
     const bool continuous = *type == 'C' || *type == 'S';
     *type = continuous && bound != Bound::SI ? 'S' : 'N';
 }
@@ -140,13 +140,13 @@ static void apply(const BoundLine *line, Bound bound, double value)
         return;
     case Bound::FR:
         if (!is_open(line, LOWER_GIVEN | UPPER_GIVEN)) return;
-        set_lower(line, -MPS_INFINITY);
+        set_lower(line, -DRAFT_INFINITY);
         drop_default_upper(line);
         return;
     case Bound::MI:
         if (!is_open(line, LOWER_GIVEN)) return;
-        set_lower(line, -MPS_INFINITY);
-        line->reader->columns.flags.data[line->column] |= MINUS_INFINITY;
+        set_lower(line, -DRAFT_INFINITY);
+        line->reader->draft.columns.flags.data[line->column] |= MINUS_INFINITY;
         return;
     case Bound::PL:
         if (is_open(line, UPPER_GIVEN)) drop_default_upper(line);
@@ -163,13 +163,13 @@ static void apply(const BoundLine *line, Bound bound, double value)
 static int value_read(MpsReader *reader, Bound bound, TextSpan field, double *value)
 {
     const MpsBoundValue demand = bounds[static_cast<int>(bound)].value;
-    *value = MPS_INFINITY; // of SC without a value
+    *value = DRAFT_INFINITY; // of SC without a value
     if (demand == MpsBoundValue::NONE ||
         (demand == MpsBoundValue::OPTIONAL && span_empty(field)))
         return 0;
     if (bound == Bound::FX || number_read(field, value) != NumberKind::INFINITE)
         return mps_finite(reader, field, value);
-    *value = std::copysign(MPS_INFINITY, *value);
+    *value = std::copysign(DRAFT_INFINITY, *value);
     return 0;
 }
 

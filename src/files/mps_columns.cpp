@@ -10,37 +10,31 @@
 
 static int segment_open(MpsReader *reader, int column)
 {
-    MpsColumns *columns = &reader->columns;
-    const int begin = static_cast<int>(columns->entry_row.size);
-    TRY(array_append(&columns->segment_column, column));
-    TRY(array_append(&columns->segment_begin, begin));
-    columns->current = column;
+    MpsSegments *segments = &reader->segments;
+    const int begin = static_cast<int>(reader->draft.columns.entry_row.size);
+    TRY(array_append(&segments->column, column));
+    TRY(array_append(&segments->begin, begin));
+    segments->current = column;
     return 0;
 }
 
 static int column_add(MpsReader *reader, TextSpan name)
 {
-    MpsColumns *columns = &reader->columns;
-    const int64_t length = span_length(name);
-    const char *copy = PoolCopy(reader->pool, name.begin, static_cast<size_t>(length));
-    if (!copy) return OUT_OF_MEMORY;
-    TRY(name_table_append(&columns->names, copy, length));
-    const bool integer = columns->integer_mode;
-    const unsigned char flags = integer ? MARKED_INTEGER : 0;
-    TRY(array_append(&columns->obj, 0.0));
-    TRY(array_append(&columns->lb, 0.0));
-    TRY(array_append(&columns->ub, integer ? 1.0 : MPS_INFINITY));
-    TRY(array_append(&columns->type, integer ? 'I' : 'C'));
-    return array_append(&columns->flags, flags);
+    if (!reader->segments.integer_mode)
+        return draft_column(&reader->draft, name, 'C', DRAFT_INFINITY);
+    TRY(draft_column(&reader->draft, name, 'I', 1.0));
+    Array<unsigned char> *flags = &reader->draft.columns.flags;
+    flags->data[flags->size - 1] = MARKED_INTEGER;
+    return 0;
 }
 
 // Makes the column of this line the current one.
 static int column_select(MpsReader *reader, TextSpan name)
 {
-    MpsColumns *columns = &reader->columns;
+    const Array<TableName> *names = &reader->draft.columns.names.entries;
     const int64_t length = span_length(name);
-    if (columns->current >= 0) {
-        const TableName *last = &columns->names.entries.data[columns->current];
+    if (reader->segments.current >= 0) {
+        const TableName *last = &names->data[reader->segments.current];
         if (last->length == length &&
             !memcmp(last->text, name.begin, static_cast<size_t>(length)))
             return 0;
@@ -48,9 +42,9 @@ static int column_select(MpsReader *reader, TextSpan name)
     int column = mps_find_column(reader, name);
     if (column < 0) {
         TRY(column_add(reader, name));
-        column = static_cast<int>(columns->names.entries.size - 1);
+        column = static_cast<int>(names->size - 1);
     } else {
-        columns->split = true;
+        reader->segments.split = true;
         mps_warn(&reader->warnings, MpsWarning::SPLIT_COLUMN, reader->text.line, name);
     }
     return segment_open(reader, column);
@@ -58,8 +52,8 @@ static int column_select(MpsReader *reader, TextSpan name)
 
 static int set_cost(MpsReader *reader, TextSpan row, double value)
 {
-    MpsColumns *columns = &reader->columns;
-    const int column = columns->current;
+    DraftColumns *columns = &reader->draft.columns;
+    const int column = reader->segments.current;
     if (columns->flags.data[column] & COST_GIVEN)
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, reader->text.line, row);
     columns->flags.data[column] |= COST_GIVEN;
@@ -70,15 +64,16 @@ static int set_cost(MpsReader *reader, TextSpan row, double value)
 // An entry of the current column in the row that is name k, or NAME_ABSENT.
 static int add_entry(MpsReader *reader, int k, TextSpan row, double value)
 {
-    MpsColumns *columns = &reader->columns;
+    DraftColumns *columns = &reader->draft.columns;
     if (k == NAME_ABSENT) {
-        columns->n_left_out++;
+        reader->segments.n_left_out++;
         return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_COLUMNS, row);
     }
     MpsPlace *place = &reader->rows.place.data[k];
     if (place->place == PLACE_OBJECTIVE) return set_cost(reader, row, value);
     if (place->place == PLACE_DROPPED) return 0;
-    if (place->mark >= columns->segment_begin.data[columns->segment_begin.size - 1]) {
+    const Array<int> *begin = &reader->segments.begin;
+    if (place->mark >= begin->data[begin->size - 1]) {
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_ENTRY, reader->text.line, row);
         columns->entry_value.data[place->mark] = value;
         return 0;
@@ -111,9 +106,9 @@ static int marker_line(MpsReader *reader, TextSpan which)
     const bool starts = span_is_word(which, "'INTORG'");
     if (!starts && !span_is_word(which, "'INTEND'"))
         return mps_stop(reader, MpsFault::CONTENT, "this kind of marker cannot be read\n");
-    if (reader->columns.integer_mode == starts)
+    if (reader->segments.integer_mode == starts)
         mps_warn(&reader->warnings, MpsWarning::MARKER, reader->text.line, which);
-    reader->columns.integer_mode = starts;
+    reader->segments.integer_mode = starts;
     return 0;
 }
 
@@ -123,7 +118,7 @@ int mps_columns_line(MpsReader *reader)
     TRY(mps_card(reader, &card));
     if (card.marker) return marker_line(reader, card.value[0]);
     if (!span_empty(card.name)) TRY(column_select(reader, card.name));
-    if (reader->columns.current < 0) // only fixed form may leave the name out
+    if (reader->segments.current < 0) // only fixed form may leave the name out
         return mps_stop(reader, MpsFault::CONTENT, "the name of the column is missing\n");
     return add_entries(reader, &card);
 }

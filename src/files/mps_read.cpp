@@ -98,7 +98,7 @@ static int read_sense(MpsReader *reader, TextSpan word)
     const bool maximise = span_is_word(head, "MAX");
     if (!maximise && !span_is_word(head, "MIN"))
         return mps_stop(reader, MpsFault::CONTENT, "the objective's sense is MAX or MIN\n");
-    reader->sense = maximise ? -1 : 1;
+    reader->draft.sense = maximise ? -1 : 1;
     return 0;
 }
 
@@ -268,10 +268,10 @@ static int walk_lines(MpsReader *reader)
             return stop_section(reader, "the file ends here\n");
         }
     }
-    const MpsColumns *columns = &reader->columns;
+    const DraftColumns *columns = &reader->draft.columns;
     bool cost = false;
     for (const unsigned char flags : columns->flags) cost = cost || (flags & COST_GIVEN);
-    if (columns->n_left_out && !columns->entry_row.size && !cost)
+    if (reader->segments.n_left_out && !columns->entry_row.size && !cost)
         return mps_stop(reader, MpsFault::EMPTY, "no entry belongs to a declared row\n");
     return 0;
 }
@@ -281,14 +281,12 @@ static int walk_lines(MpsReader *reader)
 static int attempt(MpsReader *reader, MpsForm form)
 {
     TextFile text = static_cast<TextFile &&>(reader->text);
-    PoolFree(&reader->pool);
+    draft_free(&reader->draft);
     *reader = MpsReader{};
     reader->text = static_cast<TextFile &&>(text);
     reader->form = form;
     text_rewind(&reader->text);
-    static constexpr size_t NAME_CHUNK = 1 << 16;
-    reader->pool = PoolCreate(NAME_CHUNK);
-    if (!reader->pool) return OUT_OF_MEMORY;
+    TRY(draft_open(&reader->draft));
     return walk_lines(reader);
 }
 
@@ -405,6 +403,6 @@ int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out)
         return error == OUT_OF_MEMORY ? report_memory(env) : error;
     }
     const int error = read_loaded(env, &reader, model_out);
-    PoolFree(&reader.pool);
+    draft_free(&reader.draft);
     return error;
 }

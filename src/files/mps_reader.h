@@ -9,13 +9,9 @@
 //            FIXED     strictly by column positions: the only way to read names with blanks and blank fields
 //            FREE      free form to the end, for files that stopped CHECKED and are not fixed either
 #pragma once
+#include "files/draft.h"
 #include "files/mps_warnings.h"
 #include "files/name_table.h"
-#include "files/text_file.h"
-#include "frame/runtime/text_pool.h"
-#include "tarvex.h"
-
-static constexpr double MPS_INFINITY = 1e30; // an infinite bound
 
 enum class MpsForm { CHECKED, FIXED, FREE };
 enum class MpsSection { HEAD, SENSE, OBJNAME, ROWS, COLUMNS, RHS, RANGES, BOUNDS, SOS };
@@ -77,30 +73,14 @@ enum MpsColumnFlag {
     MARKED_INTEGER = 8, // stands between markers
     MINUS_INFINITY = 16 // lower bound from an MI line
 };
-// A column is one segment of entries, or several when the file splits it.
-struct MpsColumns {
-    NameTable names;
-    Array<double> obj;          // [n]
-    Array<double> lb;           // [n] +-1e30 when infinite
-    Array<double> ub;           // [n]
-    Array<char> type;           // [n] 'C' 'I' 'B' 'S' 'N'
-    Array<unsigned char> flags; // [n] MpsColumnFlag bits
-    Array<int> segment_column;  // [segments]
-    Array<int> segment_begin;   // [segments] first entry
-    Array<int> entry_row;       // [entries] constraint number
-    Array<double> entry_value;  // [entries]
-    int64_t n_left_out = 0;     // entries of undeclared rows
-    int current = -1;           // the column of the last line, or -1
-    bool split = false;         // some column has two segments
-    bool integer_mode = false;  // between markers
-};
-
-struct MpsSos {
-    Array<int> type;      // [sets] 1 or 2
-    Array<int> begin;     // [sets]
-    Array<int> member;    // column numbers
-    Array<double> weight; // [members]
-    Array<int> mark;      // [columns, or fewer] the last set that holds the column, or -1
+// A column of the draft is one segment of its entries, or several when the file splits it.
+struct MpsSegments {
+    Array<int> column;         // [segments]
+    Array<int> begin;          // [segments] first entry
+    int64_t n_left_out = 0;    // entries of undeclared rows
+    int current = -1;          // the column of the last line, or -1
+    bool split = false;        // some column has two segments
+    bool integer_mode = false; // between markers
 };
 
 // RHS, RANGES and BOUNDS may hold several named sets: the first counts.
@@ -115,19 +95,16 @@ struct MpsReader {
     MpsSection section = MpsSection::HEAD;
     MpsSection back = MpsSection::HEAD; // section to return to after OBJSENSE or OBJNAME
     TextSpan line;                      // in work
-    TextPool *pool = nullptr;           // texts of row and column names
     TextSpan model_name;                // in text
     TextSpan objective_name;            // from OBJNAME, empty without
-    int sense = 1;                      // -1 maximise
-    double objcon = 0;
     bool objcon_given = false;
     bool seen_rows = false, seen_columns = false, seen_rhs = false;
     MpsRows rows;
-    MpsColumns columns;
-    MpsSos sos;
+    ModelDraft draft;
+    MpsSegments segments;
     MpsSet rhs_set, range_set, bound_set;
     MpsFailure failure;
-    MpsWarnings warnings;
+    ReadWarnings warnings;
 };
 
 // ---- mps_read.cpp ----
@@ -166,7 +143,7 @@ bool mps_fixed_fields(TextSpan line, MpsCard *card);
 [[nodiscard]] int mps_rows_choose_objective(MpsReader *reader);
 inline int mps_find_column(const MpsReader *reader, TextSpan name)
 {
-    return name_table_find(&reader->columns.names, name.begin, span_length(name));
+    return draft_find(&reader->draft, name);
 }
 inline int mps_find_row(const MpsReader *reader, TextSpan name)
 {

@@ -10,7 +10,7 @@ static int side_read(MpsReader *reader, TextSpan field, bool may_be_infinite, do
 {
     if (!may_be_infinite || number_read(field, value) != NumberKind::INFINITE)
         return mps_finite(reader, field, value);
-    *value = std::copysign(MPS_INFINITY, *value);
+    *value = std::copysign(DRAFT_INFINITY, *value);
     return 0;
 }
 
@@ -23,7 +23,7 @@ static int set_constant(MpsReader *reader, TextSpan row, TextSpan field)
         return 0;
     }
     reader->objcon_given = true;
-    reader->objcon = -value;
+    reader->draft.objcon = -value;
     return 0;
 }
 

@@ -36,7 +36,7 @@ static int add_free_row(MpsReader *reader, TextSpan name)
 static int name_add(MpsReader *reader, TextSpan name)
 {
     const char *copy =
-        PoolCopy(reader->pool, name.begin, static_cast<size_t>(span_length(name)));
+        PoolCopy(reader->draft.pool, name.begin, static_cast<size_t>(span_length(name)));
     if (!copy) return OUT_OF_MEMORY;
     return name_table_append(&reader->rows.names, copy, span_length(name));
 }

@@ -33,22 +33,10 @@ static TextSpan fixed_member(const MpsReader *reader, TextSpan weight)
     return all.begin - line.begin >= FIELD2_BEGIN ? second : all;
 }
 
-// Notes that the column is in the last set; twice is an error.
-static int member_mark(MpsReader *reader, int column)
-{
-    MpsSos *sos = &reader->sos;
-    const int set = static_cast<int>(sos->type.size - 1);
-    while (sos->mark.size <= column) TRY(array_append(&sos->mark, -1));
-    if (sos->mark.data[column] == set)
-        return mps_stop(reader, MpsFault::CONTENT, "the column is in this set already\n");
-    sos->mark.data[column] = set;
-    return 0;
-}
-
 static int member_line(MpsReader *reader, const MpsTokens *tokens)
 {
-    MpsSos *sos = &reader->sos;
-    if (!sos->type.size)
+    DraftSets *sets = &reader->draft.sets;
+    if (!sets->type.size)
         return mps_stop(reader, MpsFault::CONTENT, "S1 or S2 must begin a set\n");
     if (tokens->count < 2 || tokens->count > MPS_TOKENS ||
         (tokens->count > 3 && reader->form != MpsForm::FIXED))
@@ -61,9 +49,11 @@ static int member_line(MpsReader *reader, const MpsTokens *tokens)
     const int column = mps_find_column(reader, name);
     if (column < 0)
         return mps_stop(reader, MpsFault::CONTENT, "the set's member is no column\n");
-    TRY(member_mark(reader, column));
-    TRY(array_append(&sos->member, column));
-    return array_append(&sos->weight, value);
+    bool twice = false;
+    TRY(draft_set_member(sets, column, value, &twice));
+    if (twice)
+        return mps_stop(reader, MpsFault::CONTENT, "the column is in this set already\n");
+    return 0;
 }
 
 int mps_sos_line(MpsReader *reader)
@@ -72,6 +62,5 @@ int mps_sos_line(MpsReader *reader)
     mps_split(reader->line, &tokens);
     const int type = header_type(reader, &tokens);
     if (!type) return member_line(reader, &tokens);
-    TRY(array_append(&reader->sos.type, type));
-    return array_append(&reader->sos.begin, static_cast<int>(reader->sos.member.size));
+    return draft_set_begin(&reader->draft.sets, type);
 }

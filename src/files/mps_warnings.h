@@ -1,7 +1,6 @@
-// mps_warnings.h -- what an MPS read found odd and went on from: counted by kind, shown once at the end
+// mps_warnings.h -- what an MPS read found odd and went on from
 #pragma once
-#include "files/text_file.h"
-#include "tarvex.h"
+#include "files/read_warnings.h"
 
 enum class MpsWarning {
     MORE_FREE_ROWS,
@@ -26,18 +25,11 @@ enum class MpsWarning {
     NO_COLUMNS,
     COUNT_
 };
-static constexpr int MPS_WARNING_KINDS = static_cast<int>(MpsWarning::COUNT_);
-static constexpr int MPS_WARNING_SHOWN =
-    5; // occurrences of a kind that are shown with line and name
+static_assert(static_cast<int>(MpsWarning::COUNT_) <= WARNING_KINDS);
 
-struct MpsWarningPlace {
-    int64_t line = 0; // 0: no single line
-    TextSpan name;    // in the text of the file; may be empty
-};
-struct MpsWarnings {
-    int64_t count[MPS_WARNING_KINDS] = {};
-    MpsWarningPlace place[MPS_WARNING_KINDS][MPS_WARNING_SHOWN];
-};
-void mps_warn(MpsWarnings *warnings, MpsWarning kind, int64_t line, TextSpan name);
+inline void mps_warn(ReadWarnings *warnings, MpsWarning kind, int64_t line, TextSpan name)
+{
+    warning_note(warnings, static_cast<int>(kind), line, name);
+}
 // Writes them to the log. The text of the file must still be there.
-void mps_warnings_show(const MpsWarnings *warnings, TVXenv *env);
+void mps_warnings_show(const ReadWarnings *warnings, TVXenv *env);

@@ -69,7 +69,6 @@ TEST_F(CliUsage, RefusesFilesThatCannotBeMeant)
     file_put("plan.bas", "ENDATA\n");
     refuses({"--start", "plan.mps", "plan.mps"}, ".bas");
     refuses({"ResultFile=plan.xyz", "plan.mps"}, ".sol");
-    refuses({"ResultFile=plan.LP.gz", "plan.mps"}, "LP format");
     refuses({"ResultFile=a.sol", "plan.mps", "plan.mps"}, "one at a time");
 }
 

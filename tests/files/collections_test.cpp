@@ -82,6 +82,7 @@ TEST_F(Collections, AreReadWholeAndWrittenTheSame)
             }
             EXPECT_EQ(round_trip("w.mps", Names::COMPARE), "") << file;
             EXPECT_EQ(round_trip("w.rew", Names::IGNORE), "") << file;
+            EXPECT_EQ(round_trip("w.lp", Names::IGNORE), "") << file;
         }
     EXPECT_GT(count, 0);
 }

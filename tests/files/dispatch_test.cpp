@@ -168,17 +168,19 @@ TEST_F(Dispatch, LongFileNamesAreRefusedNotCut)
     EXPECT_EQ(TVXwrite(model, (name + ".mps").c_str()), TVX_ERROR_FILE_WRITE);
 }
 
-TEST_F(Dispatch, FormsOfLaterBuildsAreRefused)
+TEST_F(Dispatch, LpFilesGoThroughTheSameDoors)
 {
     make();
-    for (const char *name : {"x.lp", "x.rlp.gz", "x.ilp"}) {
-        file_put(name, "Minimize\n x\nEnd\n");
-        if (file_type(name) == FILE_LP && read_file(name) == 0)
-            GTEST_SKIP() << "this build reads LP files";
-        EXPECT_EQ(read_file(name), TVX_ERROR_FILE_READ) << name;
-        EXPECT_EQ(message().find("LP files cannot be read yet"), 0u) << message();
-        make();
-        EXPECT_EQ(TVXwrite(model, name), TVX_ERROR_FILE_WRITE) << name;
-        EXPECT_EQ(model_message().find("LP files cannot be written yet"), 0u);
-    }
+    ASSERT_EQ(TVXwrite(model, "x.lp.gz"), 0);
+    EXPECT_EQ(read_file("x"), 0) << message();
+    EXPECT_EQ(log.find("Read LP format model from file x.lp.gz\nReading time = "), 0u);
+    ASSERT_EQ(TVXwrite(model, "y.RLP.bz2"), 0);
+    EXPECT_EQ(read_file("y.RLP.bz2"), 0) << message();
+    EXPECT_EQ(column("C0000001"), 1);
+    EXPECT_EQ(read("min x\nend", "z.ilp"), 0) << message();
+    EXPECT_EQ(TVXwrite(model, "z.ilp"), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_EQ(model_message(), "No IIS available for current model");
+    Output output;
+    EXPECT_EQ(TVXwrite(model, "no/such/directory/x.lp"), TVX_ERROR_FILE_WRITE);
+    EXPECT_EQ(output.text(), "Unable to write to file 'no/such/directory/x.lp'\n");
 }

@@ -69,11 +69,11 @@ int Files::read_file(const std::string &name)
     return code;
 }
 
-int Files::read(const std::string &text)
+int Files::read(const std::string &text, const std::string &name)
 {
-    remove("t.mps"); // some file systems write a truncated file to the disk
-    file_put("t.mps", text);
-    return read_file("t.mps");
+    remove(name.c_str()); // some file systems write a truncated file to the disk
+    file_put(name, text);
+    return read_file(name);
 }
 
 std::string Files::round_trip(const std::string &name, Names names)

@@ -28,9 +28,9 @@ class Files : public testing::Test
 #endif
     }
 
-    // Reads a file, or a text as t.mps, in place of `model`; the code.
+    // Reads a file, or a text under that name, in place of `model`; the code.
     int read_file(const std::string &name);
-    int read(const std::string &text);
+    int read(const std::string &text, const std::string &name = "t.mps");
     std::string message()
     {
         return TVXgeterrormsg(env);

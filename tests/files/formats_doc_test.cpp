@@ -37,6 +37,16 @@ TEST_F(FormatsDoc, ExamplesAreReadWithoutAWarning)
     }
     EXPECT_EQ(domain("trucks") + domain("open") + domain("lease"),
               "I [0,inf]B [0,1]S [5,20]");
+    const std::vector<std::string> lps = examples("lp");
+    ASSERT_EQ(lps.size(), 2u);
+    for (size_t k = 0; k < 2; k++) {
+        ASSERT_EQ(read(lps[k], "t.lp"), 0) << message();
+        EXPECT_EQ(log.find("Warning"), std::string::npos) << log;
+        ASSERT_EQ(TVXwrite(model, "t.mps"), 0);
+        EXPECT_EQ(model->body->numconstrs, k == 0 ? 3 : 2);
+    }
+    EXPECT_EQ(domain("trucks") + domain("open") + domain("lease"),
+              "I [0,inf]B [0,1]S [5,20]");
     EXPECT_EQ(read_into("mst"), "");
 
     ASSERT_EQ(read(models[1]), 0);

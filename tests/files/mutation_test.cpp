@@ -6,6 +6,7 @@
 #include "support/dice.h"
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 // A sound model file with everything in it.
 static std::string full_text(bool fixed)
@@ -27,13 +28,20 @@ static std::string full_text(bool fixed)
            "    Y                  1\n    Z                  2\nENDATA\n";
 }
 
+static const char lp_text[] =
+    "Maximize\n c: 1.5 x + 2y - 4 z + 10 \\ comment\nSubject To\n c1: - x + 1e1 y >= 4\n"
+    " c2: 1 <= x + y\n + z <= 3\n 2d1 + 4 * z >= 0\n x = 2 w - 1\nst: x + y < 9\n"
+    "Bounds\n -infinity <= x <= 4\n y free\n w >= -2\n z = 1\n 7 >= v\nBinaries\n y\n"
+    "Generals\n x z\nSemi-continuous\n w x\nSOS\n s: S1:: x:1 y:2\n S2 :: z:-3\nEnd\n";
+
 // A few changes: one byte, a stretch cut out, an odd piece put in, a stretch doubled, the end of another text.
 static std::string mutated(Dice *dice, std::string text, const std::string &other)
 {
     static const char *const pieces[] = {
-        "\n",    " ",    "\t",          "RHS\n", "COLUMNS\n", "ENDATA\n", "nan",
-        "1e999", "\r",   "*",           "$",     "'MARKER'",  "S1",       "-",
-        "\xff",  "\x01", " FR BND X\n", "Rg",    ""};
+        "\n",     " ",    "\t",          "RHS\n", "COLUMNS\n", "ENDATA\n", "nan",
+        "1e999",  "\r",   "*",           "$",     "'MARKER'",  "S1",       "-",
+        "\xff",   "\x01", " FR BND X\n", "Rg",    "<=",        ":",        "free",
+        "bounds", "st",   "1e308",       "="};
     const int times = dice->range(1, 4);
     for (int k = 0; k < times && !text.empty(); k++) {
         const size_t at =
@@ -47,7 +55,7 @@ static std::string mutated(Dice *dice, std::string text, const std::string &othe
             text.erase(at, length);
             break;
         case 2:
-            text.insert(at, pieces[dice->range(0, 18)]);
+            text.insert(at, pieces[dice->range(0, std::size(pieces) - 1)]);
             break;
         case 3:
             text.insert(at, text.substr(at / 2, length * 5));
@@ -97,19 +105,26 @@ class Mutation : public Files
 TEST_F(Mutation, ModelFiles)
 {
     Dice dice(20);
-    int models = 0;
-    for (int k = 0; k < repetitions(); k++) {
-        const bool fixed = dice.chance(50);
-        const std::string text = mutated(&dice, full_text(fixed), full_text(!fixed));
-        const int code = read(text);
-        ASSERT_TRUE(code == 0 || code == TVX_ERROR_FILE_READ) << code << message() << text;
-        ASSERT_EQ(message().empty(), code == 0) << text;
-        if (code) continue;
-        models++;
-        ASSERT_EQ(round_trip("w.mps", Names::COMPARE), "") << text << "\n---\n"
-                                                           << file_get("w.mps");
+    for (const std::string suffix : {".mps", ".lp"}) {
+        int models = 0;
+        for (int k = 0; k < repetitions(); k++) {
+            const bool fixed = dice.chance(50);
+            const bool lp = suffix == ".lp";
+            const std::string text = mutated(&dice, lp ? lp_text : full_text(fixed),
+                                             lp ? lp_text : full_text(!fixed));
+            const int code = read(text, "t" + suffix);
+            ASSERT_TRUE(code == 0 || code == TVX_ERROR_FILE_READ)
+                << code << message() << text;
+            ASSERT_EQ(message().empty(), code == 0) << text;
+            ASSERT_EQ(model == nullptr, code != 0);
+            if (code) continue;
+            models++;
+            const Names names = lp ? Names::IGNORE : Names::COMPARE;
+            ASSERT_EQ(round_trip("w" + suffix, names), "") << text << "\n---\n"
+                                                           << file_get("w" + suffix);
+        }
+        EXPECT_GT(models, repetitions() / 10) << suffix;
     }
-    EXPECT_GT(models, repetitions() / 10);
 }
 
 TEST_F(Mutation, BasisFiles)

@@ -274,20 +274,15 @@ TEST(OutOfMemory, queries_and_side_files)
 TEST(OutOfMemory, model_files)
 {
     const Scratch folder;
+    file_put("full.lp",
+             "max 2x + y + 3 st a: 1 <= x + y <= 3 x - 2z >= 1 bounds x <= 9 none free "
+             "gen y semi z sos one: S1:: x:1 y:2 end");
     file_put("full.mps", "ROWS\n N C\n G R1\n L R2\nCOLUMNS\n X C 1 R1 1\n Y R1 1 NONE 3\n"
                          " M 'MARKER' 'INTORG'\n Z R1 1\n X R2 3\nRHS\n R R1 4\nRANGES\n"
                          " R R1 4\nBOUNDS\n UP B X 9\nSOS\n S1 one\n X 1\n Y 2\nENDATA\n");
     std::string expected;
-    {
-        const TestEnv env;
-        TVXmodel *model = nullptr;
-        ASSERT_EQ(TVXreadmodel(env.env, "full.mps", &model), 0);
-        expected = model_text(model);
-        TVXfreemodel(model);
-    }
-    const auto read = [](Scene *s) {
-        return TVXreadmodel(s->env.env, "full.mps", &s->model);
-    };
+    const char *file = nullptr;
+    const auto read = [&](Scene *s) { return TVXreadmodel(s->env.env, file, &s->model); };
     const auto same = [&](Scene *s, int code) {
         ASSERT_EQ(code != 0, s->model == nullptr);
         if (code) {
@@ -295,8 +290,14 @@ TEST(OutOfMemory, model_files)
         }
         ASSERT_EQ(model_text(s->model), expected);
     };
-    run_sweep({"read", [](Scene *) {}, read, same});
-    for (const char *name : {"w.mps", "w.rew.gz"})
+    for (const char *name : {"full.lp", "full.mps"}) {
+        Scene whole;
+        file = name;
+        ASSERT_EQ(read(&whole), 0);
+        expected = model_text(whole.model);
+        run_sweep({name, [](Scene *) {}, read, same});
+    }
+    for (const char *name : {"w.mps", "w.rew.gz", "w.lp"})
         run_sweep({name, [&](Scene *s) { ASSERT_EQ(read(s), 0); },
                    [&](Scene *s) { return TVXwrite(s->model, name); },
                    [&](Scene *s, int) { same(s, 0); }});

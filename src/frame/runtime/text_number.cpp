@@ -38,6 +38,7 @@ struct Decimal {
     int Digits = 0;             // how many are in Mantissa
     int64_t Power = 0;          // exponent of ten that belongs to Mantissa
     bool Exact = true;          // no non-zero digit was left out
+    bool Double = true;         // d and D are exponent letters
     const char *Mark = nullptr; // the exponent letter, or null
 };
 
@@ -57,7 +58,8 @@ static void take_digit(Decimal *d, char c, bool fraction)
 // The exponent with its letter; none unless a digit follows.
 static const char *scan_exponent(const char *text, Decimal *d)
 {
-    if (*text != 'e' && *text != 'E' && *text != 'd' && *text != 'D') return text;
+    const char letter = static_cast<char>(*text | 0x20);
+    if (letter != 'e' && !(letter == 'd' && d->Double)) return text;
     const char *p = text + 1;
     const bool negative = *p == '-';
     if (*p == '-' || *p == '+') p++;
@@ -136,15 +138,18 @@ static const char *scan_word(const char *text, double *value)
     return text + length;
 }
 
-int text_to_double(const char *text, const char **end, double *value)
+enum class NumberWords { YES, NO };
+
+// With what *d allows.
+static int convert(const char *text, const char **end, double *value, Decimal d,
+                   NumberWords words)
 {
     const bool negative = *text == '-';
     const char *start = *text == '-' || *text == '+' ? text + 1 : text;
-    Decimal d;
     double magnitude = 0.0;
     const char *stop = scan_decimal(start, &d);
     if (!stop) {
-        stop = scan_word(start, &magnitude);
+        stop = words == NumberWords::YES ? scan_word(start, &magnitude) : nullptr;
     } else if (d.Exact && d.Mantissa <= EXACT_MANTISSA && d.Power >= -EXACT_POWER &&
                d.Power <= EXACT_POWER) {
         const double m = static_cast<double>(d.Mantissa);
@@ -156,6 +161,18 @@ int text_to_double(const char *text, const char **end, double *value)
     if (!stop) return 1;
     *value = negative ? -magnitude : magnitude;
     return 0;
+}
+
+int text_to_double(const char *text, const char **end, double *value)
+{
+    return convert(text, end, value, Decimal{}, NumberWords::YES);
+}
+
+int text_to_decimal(const char *text, const char **end, double *value)
+{
+    Decimal d;
+    d.Double = false;
+    return convert(text, end, value, d, NumberWords::NO);
 }
 
 static int number_finish(char *buffer, std::to_chars_result result)

@@ -12,6 +12,8 @@ static constexpr int NUMBER_LENGTH =
 // a number is infinite, too small a one zero. 0; or 1 when no number stands there, *value then unchanged and
 // *end == text. end may be null.
 int text_to_double(const char *text, const char **end, double *value);
+// Likewise, but no word, and only e and E begin an exponent: "2d1" is a 2 with text behind.
+int text_to_decimal(const char *text, const char **end, double *value);
 
 // Writes value into buffer (NUMBER_LENGTH characters) and returns the length.
 int number_general(char *buffer, double value,

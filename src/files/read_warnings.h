@@ -1,0 +1,33 @@
+// read_warnings.h -- ReadWarnings, what a reader found odd and went on from: counted by kind, shown once at the end
+#pragma once
+#include "files/text_file.h"
+#include "tarvex.h"
+
+static constexpr int WARNING_KINDS = 24; // room for those of any reader
+static constexpr int WARNING_SHOWN =
+    5; // occurrences of a kind that are shown with line and name
+
+struct WarningPlace {
+    int64_t line = 0; // 0: no single line
+    TextSpan name;    // in the text of the file; may be empty
+};
+struct ReadWarnings {
+    int64_t count[WARNING_KINDS] = {};
+    WarningPlace place[WARNING_KINDS][WARNING_SHOWN];
+};
+// Kinds are each reader's own, from 0.
+void warning_note(ReadWarnings *warnings, int kind, int64_t line, TextSpan name);
+inline bool warning_is_shown(const ReadWarnings *warnings,
+                             int kind) // the next of this kind
+{
+    return warnings->count[kind] < WARNING_SHOWN;
+}
+
+struct WarningText {
+    const char *text;
+    const char *behind =
+        nullptr; // if given, `text`, the name and this are printed for each occurrence
+};
+// Writes them to the log in the order of kinds. The text of the file must still be there.
+void warnings_show(const ReadWarnings *warnings, const WarningText *texts, int kinds,
+                   TVXenv *env);
