@@ -4,7 +4,9 @@
 //
 // Iterations, factorisations and work units are counts that do not depend on the machine: two builds can be
 // compared by them while the machine is busy. The solve time is that of the Runtime attribute, finer than the
-// log's. Exit code 0, or 1 with a line on standard error.
+// log's. Of the iterations, clean_up are those after the way back from a reduced model. Of an optimum the worst
+// violations of the model as it was read are told, and whether the basis is one (as many basic entries as rows).
+// Exit code 0, or 1 with a line on standard error.
 #include "frame/model.h"
 #include "simplex/simplex.h"
 #include "tarvex.h"
@@ -47,17 +49,45 @@ static const char *status_name(int status)
     }
 }
 
+static bool has_basis(TVXmodel *model)
+{
+    int n = 0, m = 0, basic = 0, status = 0;
+    TVXgetintattr(model, "NumVars", &n);
+    TVXgetintattr(model, "NumConstrs", &m);
+    for (int k = 0; k < n + m; k++) {
+        const bool var = k < n;
+        if (TVXgetintattrelement(model, var ? "VBasis" : "CBasis", var ? k : k - n, &status))
+            return false;
+        basic += status == TVX_BASIC;
+    }
+    return basic == m;
+}
+
+static double attribute(TVXmodel *model, const char *name)
+{
+    double value = NAN;
+    return TVXgetdblattr(model, name, &value) ? NAN : value;
+}
+
+static void print_optimum(TVXmodel *model)
+{
+    printf(", \"objective\": %.17g", attribute(model, "ObjVal"));
+    const double primal =
+        fmax(attribute(model, "ConstrVio"), attribute(model, "BoundVio"));
+    printf(", \"primal_vio\": %.3e, \"dual_vio\": %.3e, \"basis\": %d", primal,
+           attribute(model, "DualVio"), has_basis(model));
+}
+
 static void print_result(TVXmodel *model)
 {
     int status = 0;
-    double objective = NAN, iterations = 0, seconds = 0;
+    const double iterations = attribute(model, "IterCount");
     TVXgetintattr(model, "Status", &status);
-    TVXgetdblattr(model, "IterCount", &iterations);
-    TVXgetdblattr(model, "Runtime", &seconds);
     printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f",
-           status_name(status), iterations, seconds);
-    if (status == TVX_OPTIMAL && TVXgetdblattr(model, "ObjVal", &objective) == 0)
-        printf(", \"objective\": %.17g", objective);
+           status_name(status), iterations, attribute(model, "Runtime"));
+    if (model->lp_result)
+        printf(", \"clean_up\": %.0f", iterations - model->lp_result->reduced_itercount);
+    if (status == TVX_OPTIMAL) print_optimum(model);
     if (const sopt *s = model->simplex)
         printf(", \"factorizations\": %d, \"work\": %.0f", simplex_factorizations(s),
                simplex_work_units(s));

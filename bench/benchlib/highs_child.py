@@ -35,9 +35,11 @@ def main():
         "presolve": {"on": True, "off": False}.get(wanted["presolve"]),
         "time_limit": float(wanted["time_limit"]),
         "mip_rel_gap": wanted["gap"],
-        "output_flag": False,
-        "log_to_console": False,
+        "output_flag": wanted.get("log", False),
+        "log_to_console": wanted.get("log", False),
     }
+    if "iterations" in wanted:
+        options["simplex_iteration_limit"] = wanted["iterations"]
     strategy = {"dual": 1, "primal": 4}.get(wanted["method"])
     if strategy and not any(lp.kind):  # with it HiGHS would solve the relaxation of a MIP
         options.update(solver="simplex", simplex_strategy=strategy)

@@ -139,6 +139,7 @@ int solve_reduced(TVXmodel *model, TVXmodel *form, int method, int *status)
     const int code = optimize_from(reduced, method, &statuses);
     if (code == OUT_OF_MEMORY) return code;
     count_effort(model, reduced);
+    model->lp_result->reduced_itercount = model->lp_result->itercount;
     *status = code == TVX_ERROR_NUMERIC ? TVX_NUMERIC : reduced->status;
     return code == TVX_ERROR_NUMERIC ? 0 : code;
 }

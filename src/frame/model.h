@@ -107,6 +107,7 @@ struct LpResult {
     Array<double> pi;     // [numconstrs] postsolved duals, or empty
     double objval = 0;    // in the caller's sense
     double itercount = 0; // simplex iterations
+    double reduced_itercount = 0; // of these, on a reduced model
     int bar_itercount = 0;
     int restarted = 0;
     int from_dual = 0; // came from the dual form
