@@ -320,7 +320,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     }
     dual_weights_start(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (s->PerturbAllowed) dual_perturb_start<R>(s);
+    if (s->PerturbAllowed && !s->NearOptimal) dual_perturb_start<R>(s);
     compute_dual(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);

@@ -20,6 +20,9 @@ constexpr double TOLERANCE_FLOOR = 1e-9;
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 
+constexpr double NEAR_SHARE = 0.02; // of the rows: infeasibilities of a basis that is nearly optimal
+constexpr int NEAR_LEAST = 5;
+
 template<class R> int run_method(sopt *s, swork<R> *w)
 {
     if (s->InfeasCheckNeeded) sopt_check_bounds(s);
@@ -57,7 +60,9 @@ template<class R> int keep_optimal(sopt *s, swork<R> *w)
     if (s->Status != SIMPLEX_RUNNING || s->Superbasics > 0) return 0;
     finish_values(s, w);
     const Infeasibility inf = measure_infeasibility(s, w);
-    if (inf.PrimalCount == 0 && inf.DualCount == 0) s->Status = SIMPLEX_OPTIMAL;
+    const int count = inf.PrimalCount + inf.DualCount;
+    if (count == 0) s->Status = SIMPLEX_OPTIMAL;
+    if (count > std::max<double>(NEAR_LEAST, NEAR_SHARE * s->NumRows)) s->NearOptimal = 0;
     return 0;
 }
 
@@ -245,6 +250,7 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
         TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));
         row_copy_partition(s);
     }
+    s->NearOptimal = !from_slacks;
     TRY(solve(s));
     s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);
     if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;
