@@ -128,6 +128,15 @@ void count_effort(TVXmodel *model, const TVXmodel *solved)
     model->node_count += simplex_work_units(solved->simplex);
 }
 
+// The optimal basis of the reduced model as the way back wants it.
+int prepare_basis(const TVXmodel *form)
+{
+    Array<char> rows;
+    TRY(array_assign(&rows, form->presolved->body->numconstrs, char(0)));
+    if (postsolve_equations(form, rows.data) == 0) return 0;
+    return simplex_release_slacks(form->presolved, rows.data);
+}
+
 // The simplex on the reduced model of a form. Its status goes to *status.
 int solve_reduced(TVXmodel *model, TVXmodel *form, int method, int *status)
 {
@@ -136,7 +145,8 @@ int solve_reduced(TVXmodel *model, TVXmodel *form, int method, int *status)
     if (!reduced) return 0;
     Array<int> statuses;
     if (form == model) TRY(crushed_start(model, &statuses));
-    const int code = optimize_from(reduced, method, &statuses);
+    int code = optimize_from(reduced, method, &statuses);
+    if (code == 0 && reduced->status == TVX_OPTIMAL) code = prepare_basis(form);
     if (code == OUT_OF_MEMORY) return code;
     count_effort(model, reduced);
     model->lp_result->reduced_itercount = model->lp_result->itercount;

@@ -90,6 +90,20 @@ int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis)
     return with_basis ? array_assign(&point->status, size, 0) : 0;
 }
 
+int postsolve_equations(const TVXmodel *model, char *rows)
+{
+    const PresolveResult *result = model->presolve;
+    int count = 0;
+    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
+        if (undo->kind != UNDO_ROW_COMBINATION) continue;
+        const int i = result->RowMap.data[undo->other];
+        if (i < 0 || rows[i]) continue;
+        rows[i] = 1;
+        count++;
+    }
+    return count;
+}
+
 int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full)
 {
     const PresolveResult *result = model->presolve;

@@ -32,6 +32,10 @@ struct LpPoint {
 // Room for a model of this size, zeros. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis);
 
+// Marks the equations of the reduced model whose slacks the way back needs nonbasic: rows [its numconstrs], zero before.
+// Returns how many.
+int postsolve_equations(const TVXmodel *model, char *rows);
+
 // Maps a solution of the reduced model (null when nothing is left of it) back to the model. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced,
                                LpPoint *full);

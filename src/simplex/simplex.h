@@ -40,6 +40,10 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col,
 // Pricing norms held: 0 none, 1 dual, 2 primal kind; norms [n + m] may be null.
 int simplex_get_norms(const sopt *s, double *norms);
 
+// After an optimum: slacks of the equations i with rows[i] != 0 [m] leave the basis where that is possible. The basis stays
+// optimal, the point stays where it is. 0 or a code.
+[[nodiscard]] int simplex_release_slacks(TVXmodel *model, const char *rows);
+
 void simplex_log_final(const sopt *s); // the closing line of an optimal run
 
 // Refactors a finished record so that later calls find a fresh factor. 0 or a code.
