@@ -56,7 +56,8 @@ static bool has_basis(TVXmodel *model)
     TVXgetintattr(model, "NumConstrs", &m);
     for (int k = 0; k < n + m; k++) {
         const bool var = k < n;
-        if (TVXgetintattrelement(model, var ? "VBasis" : "CBasis", var ? k : k - n, &status))
+        if (TVXgetintattrelement(model, var ? "VBasis" : "CBasis", var ? k : k - n,
+                                 &status))
             return false;
         basic += status == TVX_BASIC;
     }
@@ -72,8 +73,7 @@ static double attribute(TVXmodel *model, const char *name)
 static void print_optimum(TVXmodel *model)
 {
     printf(", \"objective\": %.17g", attribute(model, "ObjVal"));
-    const double primal =
-        fmax(attribute(model, "ConstrVio"), attribute(model, "BoundVio"));
+    const double primal = fmax(attribute(model, "ConstrVio"), attribute(model, "BoundVio"));
     printf(", \"primal_vio\": %.3e, \"dual_vio\": %.3e, \"basis\": %d", primal,
            attribute(model, "DualVio"), has_basis(model));
 }
@@ -85,6 +85,7 @@ static void print_result(TVXmodel *model)
     TVXgetintattr(model, "Status", &status);
     printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f",
            status_name(status), iterations, attribute(model, "Runtime"));
+    printf(", \"total_work\": %.0f", model->node_count); // with presolve, all stages
     if (model->lp_result)
         printf(", \"clean_up\": %.0f", iterations - model->lp_result->reduced_itercount);
     if (status == TVX_OPTIMAL) print_optimum(model);

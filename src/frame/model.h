@@ -102,11 +102,11 @@ struct Quality {
 };
 
 struct LpResult {
-    double runtime = 0;   // seconds
-    Array<double> x;      // [numvars] postsolved point, or empty
-    Array<double> pi;     // [numconstrs] postsolved duals, or empty
-    double objval = 0;    // in the caller's sense
-    double itercount = 0; // simplex iterations
+    double runtime = 0;           // seconds
+    Array<double> x;              // [numvars] postsolved point, or empty
+    Array<double> pi;             // [numconstrs] postsolved duals, or empty
+    double objval = 0;            // in the caller's sense
+    double itercount = 0;         // simplex iterations
     double reduced_itercount = 0; // of these, on a reduced model
     int bar_itercount = 0;
     int restarted = 0;

@@ -20,7 +20,8 @@ constexpr double TOLERANCE_FLOOR = 1e-9;
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 
-constexpr double NEAR_SHARE = 0.02; // of the rows: infeasibilities of a basis that is nearly optimal
+constexpr double NEAR_SHARE =
+    0.02; // of the rows: infeasibilities of a basis that is nearly optimal
 constexpr int NEAR_LEAST = 5;
 
 template<class R> int run_method(sopt *s, swork<R> *w)

@@ -150,9 +150,10 @@ struct sopt {
     int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
     int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
     int PerturbAllowed = 1; // cleared when a clean run is wanted
-    int NearOptimal = 0;    // began from a given basis with few infeasibilities: costs move only when it stalls
-    double PerturbCur = 0;  // working size of perturbations
-    double DegenCount = 0;  // degenerate iterations
+    int NearOptimal =
+        0; // began from a given basis with few infeasibilities: costs move only when it stalls
+    double PerturbCur = 0; // working size of perturbations
+    double DegenCount = 0; // degenerate iterations
     double LastDegenCount = 0,
            LastPerturbIter = 0; // DegenCount and NPvt at the last test for a stall
     int TightProof =
