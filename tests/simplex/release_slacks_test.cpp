@@ -1,0 +1,34 @@
+// release_slacks_test.cpp -- slacks of equations leave an optimal basis, which stays optimal
+#include "simplex/simplex.h"
+#include "support/solve_judge.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+
+TEST(ReleaseSlacks, equations_at_zero_get_the_dual_that_keeps_the_basis_optimal)
+{
+    const TestEnv env;
+    LpModel lp;
+    for (const double cost : {3.0, 1.0, 2.0}) lp_add_var(&lp, cost, 0, 4);
+    lp_add_row_entries(&lp, {{0, 2}, {1, -1}}, '=', 0);
+    lp_add_row_entries(&lp, {{0, 4}, {1, -2}}, '=', 0); // follows from the first
+    lp_add_row_entries(&lp, {{1, 1}, {2, 1}}, '<', 5);
+    const TestModel model(lp_load(env.env, &lp));
+    ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Presolve", 0), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    TVXmodel *inside = model;
+    int status[6];
+    simplex_get_basis(inside->simplex, status);
+    ASSERT_TRUE(status[3] >= 0 && status[4] >= 0); // or there is nothing to do
+    ASSERT_EQ(simplex_release_slacks(inside, "\1\1\1"), 0);
+    simplex_get_basis(inside->simplex, status);
+    EXPECT_EQ((status[3] >= 0) + (status[4] >= 0), 1); // one is all that can leave
+    EXPECT_GE(status[5], 0);                           // not an equation's
+    EXPECT_EQ(std::count_if(status, status + 6, [](int s) { return s >= 0; }), 3);
+    double x[3], pi[3], rc[3];
+    simplex_get_primal(inside->simplex, x);
+    simplex_get_dual(inside->simplex, pi, rc);
+    for (int j = 0; j < 3; j++) {
+        EXPECT_EQ(x[j], 0);
+        EXPECT_GE(rc[j], 0);
+    }
+}
