@@ -178,7 +178,12 @@ int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *s
 {
     const bool dual = form != model;
     if (status == TVX_OPTIMAL) {
-        TRY(come_back(form, &start->statuses));
+        const int code = come_back(form, &start->statuses);
+        if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
+            settle(model, code, start); // the next solve comes back from where this one was
+            return 0;
+        }
+        TRY(code);
         presolve_drop(form);
         return dual ? leave_dual_form(model, form, method, start) : 0;
     }

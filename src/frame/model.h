@@ -178,6 +178,17 @@ enum class EnvUse { PRIVATE_COPY, SHARED };
 // The worker behind every new model. 0 or a code; *model_out is null on failure.
 [[nodiscard]] int model_create(TVXenv *env, EnvUse use, const ModelData *data,
                                TVXmodel **model_out);
+// The same for arrays in the form that a body has (minimise, '>' rows negated, columns one behind the other), which move
+// into it: for models that the library makes, which have no indices to check, and may be large. The environment is
+// shared. 0, OUT_OF_MEMORY, or TVX_ERROR_INVALID_ARGUMENT for a value that is no finite number.
+struct ModelArrays {
+    int sense = 1;
+    double objcon = 0;
+    Array<double> obj, lb, ub, rhs, vval;
+    Array<char> senses;
+    Array<int> vbeg, vind;
+};
+[[nodiscard]] int model_adopt(TVXenv *env, ModelArrays *arrays, TVXmodel **model_out);
 // A copy of the content, with an environment of its own and these names (null: default ones). 0 or OUT_OF_MEMORY.
 [[nodiscard]] int model_copy(TVXmodel *source, const char *const *varnames,
                              const char *const *constrnames, TVXmodel **copy_out);

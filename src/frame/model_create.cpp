@@ -245,3 +245,63 @@ int model_create(TVXenv *env, EnvUse use, const ModelData *data, TVXmodel **mode
     *model_out = model;
     return 0;
 }
+
+// ---- Arrays that move in ----
+
+static int check_adopted(TVXenv *env, const ModelArrays *arrays)
+{
+    for (const Array<double> *a :
+         {&arrays->obj, &arrays->lb, &arrays->ub, &arrays->rhs, &arrays->vval})
+        TRY(check_values(env, a->size, a->data));
+    return check_value(env, arrays->objcon);
+}
+
+static int adopt_arrays(TVXmodel *model, ModelArrays *arrays)
+{
+    ModelBody *body = model->body = record_create<ModelBody>();
+    if (!body) return OUT_OF_MEMORY;
+    const int n = static_cast<int>(arrays->obj.size);
+    TRY(array_resize(&body->vlen, n));
+    TRY(array_resize(&body->bound_kind, n));
+    body->numvars = n;
+    body->numconstrs = static_cast<int>(arrays->rhs.size);
+    body->numnz = arrays->vbeg[n];
+    body->sense = arrays->sense;
+    body->objcon = arrays->objcon;
+    body->obj = static_cast<Array<double> &&>(arrays->obj);
+    body->lb = static_cast<Array<double> &&>(arrays->lb);
+    body->ub = static_cast<Array<double> &&>(arrays->ub);
+    body->rhs = static_cast<Array<double> &&>(arrays->rhs);
+    body->senses = static_cast<Array<char> &&>(arrays->senses);
+    body->vbeg = static_cast<Array<int> &&>(arrays->vbeg);
+    body->vind = static_cast<Array<int> &&>(arrays->vind);
+    body->vval = static_cast<Array<double> &&>(arrays->vval);
+    for (int j = 0; j < n; j++) {
+        body->vlen[j] = body->vbeg[j + 1] - body->vbeg[j];
+        body->lb[j] = stored_bound(body->lb[j]);
+        body->ub[j] = stored_bound(body->ub[j]);
+        body->bound_kind[j] =
+            bound_kind_of(body->lb[j], body->ub[j], model->env->TARV_PAR_INFBOUND);
+    }
+    body_count_types(body);
+    body_find_flipped(body);
+    model_estimate_size(model);
+    return 0;
+}
+
+int model_adopt(TVXenv *env, ModelArrays *arrays, TVXmodel **model_out)
+{
+    *model_out = nullptr;
+    TRY(check_adopted(env, arrays));
+    TVXmodel *model = record_create<TVXmodel>();
+    if (!model) return OUT_OF_MEMORY;
+    model->magic = MODEL_MAGIC;
+    model->status = TVX_LOADED;
+    model->env = env;
+    if (const int error = adopt_arrays(model, arrays)) {
+        model_free(model);
+        return error;
+    }
+    *model_out = model;
+    return 0;
+}

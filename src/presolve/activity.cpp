@@ -10,6 +10,7 @@ namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
 constexpr double CANCELLED = 1e4; // a term over what is left of the sum
+constexpr int UNKNOWN = 1 << 30;  // infinite terms: more than changes can take away
 
 double raised(double v)
 {
@@ -90,6 +91,29 @@ int pre_activity(PresolveWork *w)
     return 0;
 }
 
+void digits_lost(PresolveWork *w, int i)
+{
+    if (w->RowCnt.data[i] <= LONG_STALE_ROW) return row_activity(w, i);
+    w->Rmaxcnt.data[i] = w->Rmincnt.data[i] = UNKNOWN;
+    if (w->RowMark.data[i] & IS_STALE) return;
+    w->RowMark.data[i] |= IS_STALE;
+    array_push(&w->Stale, i);
+}
+
+int sum_stale(PresolveWork *w)
+{
+    while (w->Stale.size > 0) {
+        const int i = w->Stale.data[--w->Stale.size];
+        w->RowMark.data[i] &= ~IS_STALE;
+        if (!is_live_row(w, i)) continue;
+        row_activity(w, i);
+        mark_row(w, i);
+        w->Work += w->RowCnt.data[i];
+        TRY(check_limits(w, w->RowCnt.data[i]));
+    }
+    return 0;
+}
+
 void change_bounds(PresolveWork *w, int j, double lb, double ub)
 {
     const Bounds old = {w->Lb.data[j], w->Ub.data[j]};
@@ -103,7 +127,7 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub)
                               up ? old.ub : old.lb, up ? ub : lb, true);
         lost |= move_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? old.lb : old.ub,
                           up ? lb : ub, false);
-        if (lost) row_activity(w, i);
+        if (lost) digits_lost(w, i);
     }
 }
 

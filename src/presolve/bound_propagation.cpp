@@ -23,10 +23,9 @@ constexpr double SMALL_ENTRY = 1e-8;  // says nothing reliable
 constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
 constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
 constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
-constexpr double CHECK_EFFORT = 1e6;  // entries between looks at the limits
+constexpr double CHECK_EFFORT = 5e4;  // entries between looks at the limits
 constexpr double SHARE_COPIED =
     0.1; // of the constraints in the first round: all are copied
-constexpr int64_t CHECK_EVERY = (1 << 20) - 1; // ... in the order of the memory
 
 bool is_absent(const BoundPropagation *p, double bound)
 {
@@ -164,6 +163,7 @@ int alloc_cons(BoundPropagation *p)
         p->Limit.data[k] = k & 1 ? p->w->INF : -p->w->INF;
     TRY(presolve_check(p->w));
     TRY(array_assign(&p->Con, p->NumCons, ConEntries{-1, -1}));
+    TRY(presolve_check(p->w));
     TRY(array_resize(&p->ConList, p->NumCons));
     TRY(array_assign(&p->ConListed, p->NumCons, char(0)));
     return array_assign(&p->ConState, p->NumCons, uint8_t{0});
@@ -182,6 +182,7 @@ int alloc_lists(BoundPropagation *p)
     TRY(array_resize(&p->ConVar, entries));
     TRY(array_resize(&p->ConVal, entries));
     TRY(array_resize(&p->VarList, p->NumVars));
+    TRY(presolve_check(w));
     return array_assign(&p->VarListed, p->NumVars, char(0));
 }
 } // namespace
@@ -216,7 +217,7 @@ void propagation_copy(BoundPropagation *p, int con)
 
 static int copy_all(BoundPropagation *p)
 {
-    const PresolveWork *w = p->w;
+    PresolveWork *w = p->w;
     const bool primal = p->kind == PROPAGATE_PRIMAL;
     const int *count = primal ? w->RowCnt.data : w->ColCnt.data;
     int at = 0;
@@ -227,7 +228,7 @@ static int copy_all(BoundPropagation *p)
     p->NumCopied = at;
     for (int64_t e = 0; e < w->Nodes.size; e++) {
         const PresolveNode &node = w->Nodes.data[e];
-        if ((e & CHECK_EVERY) == CHECK_EVERY) TRY(presolve_check(p->w));
+        TRY(check_limits(w, 1));
         if (node.col < 0) continue;
         const int k = p->Con.data[primal ? node.row : node.col].end++;
         p->ConVar.data[k] = primal ? node.col : node.row;
@@ -275,11 +276,13 @@ int propagation_check(BoundPropagation *p)
 int propagation_run(BoundPropagation *p, int rounds)
 {
     std::copy_n(p->Start.data, p->Start.size, p->Bound.data);
+    TRY(presolve_check(p->w));
     if (p->NumListed > SHARE_COPIED * p->NumCons) TRY(copy_all(p));
     for (int round = 0; round < rounds && p->NumListed > 0; round++) {
         for (int k = 0; k < p->NumListed && !p->Contradiction; k++) {
             const int con = p->ConList.data[k];
             p->ConListed.data[con] = 0;
+            p->Effort++;
             TRY(propagation_check(p));
             imply(p, con, UPPER_SIDE);
             imply(p, con, LOWER_SIDE);

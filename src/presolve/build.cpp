@@ -12,85 +12,62 @@ int number_live(const int *state, int count, Array<int> *map, int *live)
     return 0;
 }
 
-// Arrays of the reduced model.
-struct Reduced {
-    int n = 0, m = 0;
-    Array<double> obj, lb, ub, rhs, val;
-    Array<char> senses;
-    Array<int> beg, ind;
-};
-
-int collect_rows(const PresolveWork *w, const PresolveResult *result, Reduced *r)
+int collect_rows(PresolveWork *w, const PresolveResult *result, int m, ModelArrays *r)
 {
-    TRY(array_resize(&r->rhs, r->m));
-    TRY(array_resize(&r->senses, r->m));
+    TRY(array_resize(&r->rhs, m));
+    TRY(array_resize(&r->senses, m));
     for (int i = 0; i < w->NumRows; i++) {
         const int k = result->RowMap.data[i];
         if (k < 0) continue;
         r->rhs.data[k] = w->Rhs.data[i];
         r->senses.data[k] = w->Sense.data[i];
     }
-    return 0;
+    return check_limits(w, w->NumRows);
 }
 
-int collect_cols(PresolveWork *w, const PresolveResult *result, Reduced *r)
+int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
 {
     int64_t entries = 0;
     for (int j = 0; j < w->NumCols; j++)
         if (is_live_col(w, j)) entries += w->ColCnt.data[j];
-    for (Array<double> *a : {&r->obj, &r->lb, &r->ub}) TRY(array_resize(a, r->n));
-    TRY(array_resize(&r->beg, int64_t{r->n} + 1));
-    TRY(array_resize(&r->ind, entries));
-    TRY(array_resize(&r->val, entries));
-    const double sense = w->Model->body->sense;
+    for (Array<double> *a : {&r->obj, &r->lb, &r->ub}) TRY(array_resize(a, n));
+    TRY(array_resize(&r->vbeg, int64_t{n} + 1));
+    TRY(array_resize(&r->vind, entries));
+    TRY(array_resize(&r->vval, entries));
     int at = 0;
     for (int j = 0; j < w->NumCols; j++) {
         const int k = result->ColMap.data[j];
         if (k < 0) continue;
-        r->obj.data[k] = sense * w->Obj.data[j];
+        r->obj.data[k] = w->Obj.data[j];
         r->lb.data[k] = w->Lb.data[j];
         r->ub.data[k] = w->Ub.data[j];
-        r->beg.data[k] = at;
-        TRY(check_limits(w, 1.0 + w->ColCnt.data[j]));
+        r->vbeg.data[k] = at;
+        TRY(check_limits(w, 1 + w->ColCnt.data[j]));
         for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
-            r->ind.data[at] = result->RowMap.data[w->Nodes.data[p].row];
-            r->val.data[at++] = w->Nodes.data[p].value;
+            r->vind.data[at] = result->RowMap.data[w->Nodes.data[p].row];
+            r->vval.data[at++] = w->Nodes.data[p].value;
         }
     }
-    r->beg.data[r->n] = at;
-    return 0;
+    r->vbeg.data[n] = at;
+    return presolve_check(w);
 }
 
-int make_model(const PresolveWork *w, const Reduced *r, TVXmodel **out)
+int fill_result(PresolveWork *w, PresolveResult *result)
 {
-    ModelData data;
-    data.numvars = r->n;
-    data.numconstrs = r->m;
-    data.sense = w->Model->body->sense;
-    data.objcon = data.sense * w->ObjCon;
-    data.obj = r->obj.data;
-    data.lb = r->lb.data;
-    data.ub = r->ub.data;
-    data.rhs = r->rhs.data;
-    data.senses = r->senses.data;
-    data.vbeg = r->beg.data;
-    data.vind = r->ind.data;
-    data.vval = r->val.data;
-    return model_create(w->Env, EnvUse::SHARED, &data, out);
-}
-
-int fill_result(PresolveWork *w, PresolveResult *result, Reduced *reduced)
-{
+    int m = 0, n = 0;
     result->NumCols = w->NumCols;
     result->NumRows = w->NumRows;
     result->INF = w->INF;
     result->ObjCon = w->Model->body->sense * w->ObjCon;
-    TRY(number_live(w->RowCnt.data, w->NumRows, &result->RowMap, &reduced->m));
-    TRY(number_live(w->ColCnt.data, w->NumCols, &result->ColMap, &reduced->n));
-    if (reduced->n > 0 || reduced->m > 0) {
-        TRY(collect_rows(w, result, reduced));
-        TRY(collect_cols(w, result, reduced));
-        TRY(make_model(w, reduced, &w->Model->presolved));
+    TRY(number_live(w->RowCnt.data, w->NumRows, &result->RowMap, &m));
+    TRY(number_live(w->ColCnt.data, w->NumCols, &result->ColMap, &n));
+    if (n > 0 || m > 0) {
+        ModelArrays arrays;
+        arrays.sense = w->Model->body->sense;
+        arrays.objcon = w->ObjCon;
+        TRY(collect_rows(w, result, m, &arrays));
+        TRY(collect_cols(w, result, n, &arrays));
+        TRY(model_adopt(w->Env, &arrays, &w->Model->presolved));
     }
     result->Undo = w->Undo; // the stack changes hands
     w->Undo = UndoStack{};
@@ -103,8 +80,7 @@ int build_reduced(PresolveWork *w)
     PresolveResult *result = record_create<PresolveResult>();
     if (!result) return OUT_OF_MEMORY;
     w->Model->presolve = result;
-    Reduced reduced;
-    return fill_result(w, result, &reduced); // on failure the caller frees the result
+    return fill_result(w, result); // on failure the caller frees the result
 }
 
 void presolve_free(PresolveResult *result)

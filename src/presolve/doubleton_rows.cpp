@@ -8,7 +8,7 @@
 // Way back    The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
 //             that x gave, it is x that stands at its bound: y becomes basic in its place, and the row's dual takes
 //             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
-// Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds change.
+// Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds have changed.
 #include "presolve/aggregate.h"
 #include "presolve/postsolve.h"
 #include <algorithm>
@@ -54,13 +54,24 @@ bool move_bound(Step *s, double c, double bound, bool is_upper)
     return true;
 }
 
+// The column that stays, and the bounds it has been given since it was mapped: they are entered into the activities when
+// the merging into it ends, so that it is not walked for each of them.
+struct Kept {
+    int col;
+    double lb, ub;
+};
+
 // What removing the column of entry p takes; q is the other entry of its row.
-Step plan(const PresolveWork *w, int p, int q)
+Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
 {
     const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
     const int x = px.col, y = py.col;
     Step s = {p, q, px.value, py.value, w->Lb.data[y], w->Ub.data[y], 0, {0, 0}, false};
     const double c = w->Rhs.data[px.row], ratio = std::fabs(s.b / s.a);
+    if (y == kept->col) {
+        s.lb = kept->lb;
+        s.ub = kept->ub;
+    }
     if (w->ColFlags.data[x] != 0 || std::fabs(s.a) < LEAST_PIVOT || ratio > FREE_RATIO ||
         !keeps_integers(w, p))
         return s;
@@ -84,16 +95,16 @@ bool leaves_rather(const PresolveWork *w, int p, int q)
 }
 
 // The better way to use a doubleton row.
-Step choose(const PresolveWork *w, int i)
+Step choose(const PresolveWork *w, int i, const Kept *kept)
 {
     const int first = first_in_row(w, i), second = next_in_row(w, first);
     const bool swap = leaves_rather(w, second, first);
     const int p = swap ? second : first, q = swap ? first : second;
-    const Step step = plan(w, p, q);
-    return step.possible ? step : plan(w, q, p);
+    const Step step = plan(w, p, q, kept);
+    return step.possible ? step : plan(w, q, p, kept);
 }
 
-int transfer_bounds(PresolveWork *w, const Step *s)
+int transfer_bounds(PresolveWork *w, const Step *s, Kept *kept)
 {
     const int x = w->Nodes.data[s->p].col, y = w->Nodes.data[s->q].col;
     if (s->lb > s->ub + 2 * w->FeasTol) {
@@ -111,8 +122,8 @@ int transfer_bounds(PresolveWork *w, const Step *s)
     undo->bound[0] = s->at[0];
     undo->bound[1] = s->at[1];
     undo->bound[2] = s->ub - s->lb;
-    change_bounds(w, y, s->lb, s->ub);
-    w->Work += w->ColCnt.data[y];
+    kept->lb = s->lb;
+    kept->ub = s->ub;
     w->BoundsChanged++;
     return 0;
 }
@@ -123,15 +134,15 @@ bool is_doubleton(const PresolveWork *w, int i)
 }
 
 // The row of entry q of the mapped column, if that column is the one to stay.
-int try_entry(PresolveWork *w, int q)
+int try_entry(PresolveWork *w, int q, Kept *kept)
 {
     const int i = w->Nodes.data[q].row;
     if (!is_doubleton(w, i)) return 0;
-    const Step s = choose(w, i);
+    const Step s = choose(w, i, kept);
     w->Work += w->ColCnt.data[w->Nodes.data[s.p].col];
     if (!s.possible || s.q != q || w->ColCnt.data[w->Nodes.data[s.p].col] > w->FreeCount)
         return 0;
-    if (s.mode != 0) TRY(transfer_bounds(w, &s));
+    if (s.mode != 0) TRY(transfer_bounds(w, &s, kept));
     return substitute_by_mapped(w, s.p, q);
 }
 
@@ -139,19 +150,23 @@ int try_entry(PresolveWork *w, int q)
 int merge_into(PresolveWork *w, int y, double most_work)
 {
     map_column(w, y);
+    Kept kept = {y, w->Lb.data[y], w->Ub.data[y]};
     int error = 0, walked = -1;
     while (w->ColHead.data[y] != walked && !error) {
         const int head = w->ColHead.data[y];
         for (int q = head; q != walked && !error && w->Work < most_work;
              q = w->Nodes.data[q].next_in_col) {
             const double before = w->Work;
-            if (w->Nodes.data[q].col == y) error = try_entry(w, q);
+            if (w->Nodes.data[q].col == y) error = try_entry(w, q, &kept);
             if (!error) error = check_limits(w, 1 + w->Work - before);
         }
         walked = head;
     }
     unmap_column(w, y);
-    return error;
+    if (error || (kept.lb == w->Lb.data[y] && kept.ub == w->Ub.data[y])) return error;
+    change_bounds(w, y, kept.lb, kept.ub);
+    w->Work += w->ColCnt.data[y];
+    return check_limits(w, w->ColCnt.data[y]);
 }
 } // namespace
 
@@ -160,7 +175,8 @@ int aggregate_doubletons(PresolveWork *w, double most_work)
     for (int i = 0; i < w->NumRows && w->Work < most_work; i++) {
         TRY(check_limits(w, 1));
         if (!is_doubleton(w, i)) continue;
-        const Step s = choose(w, i);
+        const Kept none = {-1, 0, 0};
+        const Step s = choose(w, i, &none);
         bool room = false;
         if (s.possible)
             TRY(room_for_fill(w, w->ColCnt.data[w->Nodes.data[s.p].col], &room));

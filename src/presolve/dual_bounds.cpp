@@ -39,7 +39,7 @@ int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
     for (int i = 0; i < w->NumRows; i++)
         if (is_live_row(w, i) && w->Sense.data[i] != '=')
             p->Start.data[2 * i + UPPER_SIDE] = w->OptTol;
-    return 0;
+    return check_limits(w, w->NumRows);
 }
 
 // Bounds of the reduced cost of column j from all duals, not counting what the column itself has implied.

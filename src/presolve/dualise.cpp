@@ -13,6 +13,7 @@
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "frame/model_store.h"
+#include "presolve/limits.h"
 #include <cmath>
 
 namespace
@@ -35,11 +36,11 @@ double base_of(const ModelBody *body, Kind kind, int j)
 struct DualForm {
     int n = 0,
         m = 0; // variables (rows of the model, then boxed columns), rows (columns not fixed)
-    Array<double> obj, lb, ub, rhs, val;
-    Array<char> senses;
-    Array<int> beg, ind;
+    ModelArrays
+        arrays;        // a maximisation of the body's minimum, hence a minimisation of -obj
     Array<int> row_of; // [numvars] row of a column, or -1
     double constant = 0;
+    LimitWatch watch = {nullptr};
 };
 
 int allocate(const ModelBody *body, double infinite, DualForm *d)
@@ -55,67 +56,77 @@ int allocate(const ModelBody *body, double infinite, DualForm *d)
     if (vars + d->m > MODEL_SIZE_LIMIT || entries > MODEL_ENTRY_LIMIT)
         return TVX_ERROR_INVALID_ARGUMENT;
     d->n = static_cast<int>(vars);
-    for (Array<double> *a : {&d->obj, &d->lb, &d->ub}) TRY(array_resize(a, d->n));
-    TRY(array_resize(&d->rhs, d->m));
-    TRY(array_resize(&d->senses, d->m));
-    TRY(array_assign(&d->beg, int64_t{d->n} + 1, 0));
-    TRY(array_resize(&d->ind, entries));
-    return array_resize(&d->val, entries);
+    ModelArrays *a = &d->arrays;
+    for (Array<double> *vector : {&a->obj, &a->lb, &a->ub}) TRY(array_resize(vector, d->n));
+    TRY(array_resize(&a->rhs, d->m));
+    TRY(array_resize(&a->senses, d->m));
+    TRY(array_assign(&a->vbeg, int64_t{d->n} + 1, 0));
+    TRY(array_resize(&a->vind, entries));
+    TRY(array_resize(&a->vval, entries));
+    return limits_reached(d->watch.env);
 }
 
 // Variables y: costs b', signs by the rows; counts their entries.
-void fill_rows(const ModelBody *body, double infinite, DualForm *d)
+int fill_rows(const ModelBody *body, double infinite, DualForm *d)
 {
     const int m = body->numconstrs;
+    ModelArrays *a = &d->arrays;
     for (int i = 0; i < m; i++) {
         const bool free_row =
             body->senses.data[i] != '=' && body->rhs.data[i] >= INFINITE_VALUE;
-        d->obj.data[i] = free_row ? 0 : body->rhs.data[i];
-        d->lb.data[i] = free_row ? 0 : -INFINITE_BOUND;
-        d->ub.data[i] = body->senses.data[i] == '=' ? INFINITE_BOUND : 0;
+        a->obj.data[i] = free_row ? 0 : -body->rhs.data[i];
+        a->lb.data[i] = free_row ? 0 : -INFINITE_BOUND;
+        a->ub.data[i] = body->senses.data[i] == '=' ? INFINITE_BOUND : 0;
     }
     for (int j = 0; j < body->numvars; j++) {
         const double base = base_of(body, kind_of(body, infinite, j), j);
         d->constant += body->obj.data[j] * base;
+        TRY(limits_watch(&d->watch, 1.0 + body->vlen.data[j]));
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
             const int i = body->vind.data[p];
-            d->obj.data[i] -= body->vval.data[p] * base;
-            if (d->row_of.data[j] >= 0) d->beg.data[i + 1]++;
+            a->obj.data[i] += body->vval.data[p] * base;
+            if (d->row_of.data[j] >= 0) a->vbeg.data[i + 1]++;
         }
     }
-    for (int i = 0; i < m; i++) d->beg.data[i + 1] += d->beg.data[i];
+    for (int i = 0; i < m; i++) a->vbeg.data[i + 1] += a->vbeg.data[i];
+    return 0;
 }
 
-// Rows, and the entries of y: beg[i] runs from the start of variable i to its end.
-void fill_columns(const ModelBody *body, double infinite, DualForm *d)
+// Rows, and the entries of y: vbeg[i] runs from the start of variable i to its end. '>' rows are negated, as in a body.
+int fill_columns(const ModelBody *body, double infinite, DualForm *d)
 {
+    ModelArrays *a = &d->arrays;
     for (int j = 0; j < body->numvars; j++) {
         const int row = d->row_of.data[j];
         if (row < 0) continue;
         const Kind kind = kind_of(body, infinite, j);
-        d->rhs.data[row] = body->obj.data[j];
-        d->senses.data[row] = kind == FREE ? '=' : kind == UPPER ? '>' : '<';
+        const double sign = kind == UPPER ? -1 : 1;
+        a->rhs.data[row] = sign * body->obj.data[j];
+        a->senses.data[row] = kind == FREE ? '=' : kind == UPPER ? '>' : '<';
+        TRY(limits_watch(&d->watch, 1.0 + body->vlen.data[j]));
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
-            const int at = d->beg.data[body->vind.data[p]]++;
-            d->ind.data[at] = row;
-            d->val.data[at] = body->vval.data[p];
+            const int at = a->vbeg.data[body->vind.data[p]]++;
+            a->vind.data[at] = row;
+            a->vval.data[at] = sign * body->vval.data[p];
         }
     }
-    for (int i = body->numconstrs; i > 0; i--) d->beg.data[i] = d->beg.data[i - 1];
-    d->beg.data[0] = 0;
+    for (int i = body->numconstrs; i > 0; i--) a->vbeg.data[i] = a->vbeg.data[i - 1];
+    a->vbeg.data[0] = 0;
+    return 0;
 }
 
 void fill_boxes(const ModelBody *body, double infinite, DualForm *d)
 {
-    int k = body->numconstrs, at = d->beg.data[k];
+    ModelArrays *a = &d->arrays;
+    int k = body->numconstrs, at = a->vbeg.data[k];
     for (int j = 0; j < body->numvars; j++) {
         if (kind_of(body, infinite, j) != BOXED) continue;
-        d->obj.data[k] = -(body->ub.data[j] - body->lb.data[j]);
-        d->lb.data[k] = 0;
-        d->ub.data[k] = INFINITE_BOUND;
-        d->ind.data[at] = d->row_of.data[j];
-        d->val.data[at++] = -1;
-        d->beg.data[++k] = at;
+        a->obj.data[k] = body->ub.data[j] - body->lb.data[j];
+        a->lb.data[k] = 0;
+        a->ub.data[k] = INFINITE_BOUND;
+        a->vind.data[at] = d->row_of.data[j];
+        a->vval.data[at++] = -1;
+        a->vbeg.data[++k] = at;
     }
 }
 } // namespace
@@ -126,26 +137,15 @@ int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
     const double infinite = env->TARV_PAR_INFBOUND;
     *out = nullptr;
     DualForm d;
+    d.watch.env = env;
     TRY(allocate(body, infinite, &d));
-    fill_rows(body, infinite, &d);
-    fill_columns(body, infinite, &d);
+    TRY(fill_rows(body, infinite, &d));
+    TRY(fill_columns(body, infinite, &d));
     fill_boxes(body, infinite, &d);
-    // A maximisation of the body's minimum; the caller's sense turns both.
-    for (int k = 0; k < d.n; k++) d.obj.data[k] *= body->sense;
-    ModelData data;
-    data.numvars = d.n;
-    data.numconstrs = d.m;
-    data.sense = -body->sense;
-    data.objcon = body->sense * (body->objcon + d.constant);
-    data.obj = d.obj.data;
-    data.lb = d.lb.data;
-    data.ub = d.ub.data;
-    data.rhs = d.rhs.data;
-    data.senses = d.senses.data;
-    data.vbeg = d.beg.data;
-    data.vind = d.ind.data;
-    data.vval = d.val.data;
-    return model_create(env, EnvUse::SHARED, &data, out);
+    d.arrays.sense = -body->sense; // the caller's sense turns both
+    d.arrays.objcon = -(body->objcon + d.constant);
+    TRY(limits_reached(env));
+    return model_adopt(env, &d.arrays, out);
 }
 
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,

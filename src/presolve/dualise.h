@@ -3,8 +3,8 @@
 #include "frame/model.h"
 
 // The dual of model->body, in a new model that shares the environment. An infeasible dual means an infeasible or unbounded
-// model, an unbounded one an infeasible model. 0, OUT_OF_MEMORY, or TVX_ERROR_INVALID_ARGUMENT when it would be too
-// large; *out is null on failure.
+// model, an unbounded one an infeasible model. A PresolveStatus of the limits, OUT_OF_MEMORY, or
+// TVX_ERROR_INVALID_ARGUMENT when it would be too large; *out is null on failure.
 [[nodiscard]] int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out);
 // The basis of the model that belongs to a basis of its dual; statuses as in warm starts, variables before rows.
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,

@@ -142,6 +142,7 @@ int handle_cols(PresolveWork *w, DupLine *members, int count)
 {
     // Prices are computed once: fixing sets costs to zero.
     for (int k = 0; k < count; k++) members[k].values = price(w, &members[k]);
+    TRY(check_limits(w, count));
     TRY(sort_members(w, members, count));
     TRY(dominate(w, members, count, 1));
     std::reverse(members, members + count);

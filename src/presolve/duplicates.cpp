@@ -177,8 +177,10 @@ int sort_members(PresolveWork *w, DupLine *members, int count)
     TRY(array_resize(&other, count));
     TRY(array_resize(&sorted, count));
     for (int k = 0; k < count; k++) keys.data[k] = {key_of_number(members[k].values), k};
+    TRY(check_limits(w, count));
     TRY(sort_keys(w, keys.data, other.data, count));
     for (int k = 0; k < count; k++) sorted.data[k] = members[keys.data[k].at];
+    TRY(check_limits(w, count));
     std::copy_n(sorted.data, count, members);
     return check_limits(w, 2.0 * count);
 }
@@ -196,6 +198,7 @@ int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
         if (end == begin + 1) continue;
         TRY(array_resize(&lines, end - begin));
         for (int k = begin; k < end; k++) {
+            TRY(check_limits(w, 1));
             const int line = keys.data[k].at, p = skip ? skip[line] : -1;
             lines.data[k - begin] = {0, 0, line, length_of(w, axis, line) - (p >= 0), p};
         }

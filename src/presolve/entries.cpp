@@ -27,10 +27,10 @@ void remove_row(PresolveWork *w, int i, int state)
     w->RowsRemoved++;
 }
 
-void sweep_row(PresolveWork *w, int i)
+int sweep_row(PresolveWork *w, int i)
 {
-    int *link = &w->RowHead.data[i];
-    while (*link >= 0) {
+    int *link = &w->RowHead.data[i], entries = 0;
+    for (; *link >= 0; entries++) {
         PresolveNode *node = &w->Nodes.data[*link];
         if (node->col < 0)
             *link = node->next_in_row;
@@ -38,12 +38,13 @@ void sweep_row(PresolveWork *w, int i)
             link = &node->next_in_row;
     }
     w->RowMark.data[i] &= ~NEEDS_SWEEP;
+    return entries;
 }
 
-void sweep_col(PresolveWork *w, int j)
+int sweep_col(PresolveWork *w, int j)
 {
-    int *link = &w->ColHead.data[j];
-    while (*link >= 0) {
+    int *link = &w->ColHead.data[j], entries = 0;
+    for (; *link >= 0; entries++) {
         PresolveNode *node = &w->Nodes.data[*link];
         if (node->col < 0)
             *link = node->next_in_col;
@@ -51,19 +52,21 @@ void sweep_col(PresolveWork *w, int j)
             link = &node->next_in_col;
     }
     w->ColMark.data[j] &= ~NEEDS_SWEEP;
+    return entries;
 }
 
 // What was marked with a deletion stands in the pending part of both worklists.
-void sweep_marked(PresolveWork *w)
+int sweep_marked(PresolveWork *w)
 {
     for (int k = 0; k < w->RowsB.PendingCnt; k++) {
         const int i = w->RowsB.List.data[k];
-        if (w->RowMark.data[i] & NEEDS_SWEEP) sweep_row(w, i);
+        if (w->RowMark.data[i] & NEEDS_SWEEP) TRY(check_limits(w, 1 + sweep_row(w, i)));
     }
     for (int k = 0; k < w->ColsB.PendingCnt; k++) {
         const int j = w->ColsB.List.data[k];
-        if (w->ColMark.data[j] & NEEDS_SWEEP) sweep_col(w, j);
+        if (w->ColMark.data[j] & NEEDS_SWEEP) TRY(check_limits(w, 1 + sweep_col(w, j)));
     }
+    return 0;
 }
 
 int compress(PresolveWork *w)

@@ -30,7 +30,7 @@ void fix_term(PresolveWork *w, int p, double v)
     const bool lost = settle_term(w, p, v);
     mark_row(w, i);
     delete_entry(w, p);
-    if (lost) row_activity(w, i);
+    if (lost) digits_lost(w, i);
 }
 } // namespace
 

@@ -15,12 +15,17 @@ void presolve_log(PresolveWork *w)
            w->RowsRemoved, w->ColsRemoved, now - w->StartTime);
 }
 
-int presolve_check(PresolveWork *w)
+int limits_reached(const TVXenv *env)
+{
+    if (env_stop_requested(env)) return PRESOLVE_INTERRUPTED;
+    const bool late = WallClock() - env->optimize_start >= env->TimeLimit;
+    return late ? PRESOLVE_TIME_LIMIT : PRESOLVE_OK;
+}
+
+int presolve_check(const PresolveWork *w)
 {
     callback_poll(w->Env, TVX_WHERE_PRESOLVE, {.presolve = w});
-    if (env_stop_requested(w->Env)) return PRESOLVE_INTERRUPTED;
-    const bool late = WallClock() - w->Env->optimize_start >= w->Env->TimeLimit;
-    return late ? PRESOLVE_TIME_LIMIT : PRESOLVE_OK;
+    return limits_reached(w->Env);
 }
 
 PresolveCounts presolve_counts(const PresolveWork *w)

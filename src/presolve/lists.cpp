@@ -121,18 +121,20 @@ void mark_cols_of_row(PresolveWork *w, int i)
         mark_col(w, w->Nodes.data[p].col);
 }
 
-void mark_everything(PresolveWork *w)
+static int fill_list(PresolveWork *w, WorkList *list, int count)
 {
-    for (WorkList *list : {&w->RowsA, &w->RowsB}) {
-        for (int i = 0; i < w->NumRows; i++) list->List.data[i] = i;
-        list->ActiveCnt = list->PendingCnt = w->NumRows;
-    }
-    for (WorkList *list : {&w->ColsA, &w->ColsB}) {
-        for (int j = 0; j < w->NumCols; j++) list->List.data[j] = j;
-        list->ActiveCnt = list->PendingCnt = w->NumCols;
-    }
+    for (int k = 0; k < count; k++) list->List.data[k] = k;
+    list->ActiveCnt = list->PendingCnt = count;
+    return check_limits(w, count);
+}
+
+int mark_everything(PresolveWork *w)
+{
+    for (WorkList *list : {&w->RowsA, &w->RowsB}) TRY(fill_list(w, list, w->NumRows));
+    for (WorkList *list : {&w->ColsA, &w->ColsB}) TRY(fill_list(w, list, w->NumCols));
     for (int i = 0; i < w->NumRows; i++) w->RowMark.data[i] = A_ACTIVE | B_ACTIVE;
     for (int j = 0; j < w->NumCols; j++) w->ColMark.data[j] = A_ACTIVE | B_ACTIVE;
+    return presolve_check(w);
 }
 
 void rotate(PresolveWork *w)

@@ -19,9 +19,11 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
 {
     const int n = w->NumCols, m = w->NumRows;
     TRY(array_copy(&w->Obj, body->obj.data, n));
+    TRY(presolve_check(w));
     TRY(array_copy(&w->Lb, body->lb.data, n));
     TRY(presolve_check(w));
     TRY(array_copy(&w->Ub, body->ub.data, n));
+    TRY(presolve_check(w));
     TRY(array_copy(&w->Rhs, body->rhs.data, m));
     TRY(presolve_check(w));
     TRY(array_resize(&w->Sense, m));
@@ -119,6 +121,7 @@ int work_load(PresolveWork *w, TVXmodel *model)
     const TVXenv *env = model->env;
     w->Model = model;
     w->Env = model->env;
+    w->Watch = {model->env};
     w->NumCols = body->numvars;
     w->NumRows = body->numconstrs;
     w->StartTime = w->LastLogTime = WallClock();
@@ -137,11 +140,13 @@ int work_load(PresolveWork *w, TVXmodel *model)
     if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
     TRY(copy_vectors(w, body));
     TRY(array_resize(&w->Nodes, body->numnz + spare));
+    TRY(array_reserve(&w->Stale, w->Nodes.size / LONG_STALE_ROW + 1));
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));
     int used = 0;
     TRY(link_entries(w, body, &used));
     w->NumNz = used;
+    TRY(presolve_check(w));
     link_free(w, used);
     TRY(presolve_check(w));
     w->MatrixClass = classify(w, used);

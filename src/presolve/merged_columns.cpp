@@ -57,7 +57,7 @@ int merge_columns(PresolveWork *w, int p, int q, double f)
         const bool lost = settle_term(w, e, 0);
         mark_row(w, i);
         delete_entry(w, e);
-        if (lost) row_activity(w, i);
+        if (lost) digits_lost(w, i);
         e = next;
     }
     w->ColHead.data[q] = -1;

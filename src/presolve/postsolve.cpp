@@ -72,13 +72,16 @@ void undo_record(const UndoRecord *undo, PostPoint *point)
     }
 }
 
-void compute_slacks(const ModelBody *body, PostPoint *point)
+int compute_slacks(const ModelBody *body, PostPoint *point, LimitWatch *watch)
 {
     double *slack = point->x + point->n;
     std::copy_n(body->rhs.data, point->m, slack);
-    for (int j = 0; j < point->n; j++)
+    for (int j = 0; j < point->n; j++) {
+        TRY(limits_watch(watch, 1.0 + body->vlen.data[j]));
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++)
             slack[body->vind.data[p]] -= body->vval.data[p] * point->x[j];
+    }
+    return 0;
 }
 } // namespace
 
@@ -110,9 +113,13 @@ int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full)
     TRY(lp_point_alloc(full, model, !reduced || reduced->status.size > 0));
     PostPoint point = {model->body->numvars, model->body->numconstrs, full->x.data,
                        full->dual.data,      full->status.data,       result->INF};
+    LimitWatch watch = {model->env};
+    TRY(limits_reached(model->env));
     scatter(result, model->presolved, reduced, &point);
-    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next)
+    TRY(limits_reached(model->env));
+    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
         undo_record(undo, &point);
-    compute_slacks(model->body, &point);
-    return 0;
+        TRY(limits_watch(&watch, 2.0 + undo->count));
+    }
+    return compute_slacks(model->body, &point, &watch);
 }

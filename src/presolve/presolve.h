@@ -36,7 +36,8 @@ struct LpPoint {
 // Returns how many.
 int postsolve_equations(const TVXmodel *model, char *rows);
 
-// Maps a solution of the reduced model (null when nothing is left of it) back to the model. 0 or OUT_OF_MEMORY.
+// Maps a solution of the reduced model (null when nothing is left of it) back to the model. A PresolveStatus of the
+// limits, or OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced,
                                LpPoint *full);
 

@@ -33,6 +33,7 @@ int run(PresolveWork *w, Reduction reduction)
     if (w->Steps >= w->StepLimit) return STOP;
     w->Steps++;
     TRY(reduction(w));
+    TRY(sum_stale(w));
 #ifdef TVX_DEBUG
     if (presolve_verify(w) > 0) abort(); // it has told what is wrong
 #endif
@@ -66,9 +67,12 @@ Plan make_plan(const PresolveWork *w)
 
 int remove_free_rows(PresolveWork *w)
 {
-    for (int i = 0; i < w->NumRows; i++)
-        if (w->Sense.data[i] != '=' && w->Rhs.data[i] >= INFINITE_VALUE)
-            remove_row(w, i, ROW_REDUNDANT);
+    for (int i = 0; i < w->NumRows; i++) {
+        TRY(check_limits(w, 1));
+        if (w->Sense.data[i] == '=' || w->Rhs.data[i] < INFINITE_VALUE) continue;
+        TRY(check_limits(w, w->RowCnt.data[i]));
+        remove_row(w, i, ROW_REDUNDANT);
+    }
     return 0;
 }
 
@@ -86,7 +90,7 @@ int inner_loop(PresolveWork *w)
         TRY(run(w, pre_columns));
         TRY(run(w, pre_singleton_rows));
         TRY(run(w, pre_forcing_rows));
-        sweep_marked(w);
+        TRY(sweep_marked(w));
         if (cols == w->ColsRemoved && rows == w->RowsRemoved &&
             (bounds == w->BoundsChanged || round > INNER_ROUNDS))
             return 0;
@@ -163,7 +167,7 @@ int finish_loop(PresolveWork *w, const Plan *plan)
 int reduce(PresolveWork *w)
 {
     const Plan plan = make_plan(w);
-    mark_everything(w);
+    TRY(mark_everything(w));
     w->Phase = 1;
     if (!plan.network) TRY(remove_free_rows(w));
     TRY(pre_activity(w));

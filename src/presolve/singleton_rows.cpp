@@ -11,6 +11,7 @@ namespace
 {
 constexpr double SMALL_ENTRY = 1e-8; // a bound from a smaller one would be too inaccurate
 constexpr double TIGHTER = 1e-10;    // least improvement
+constexpr int LONG_COLUMN = 50;
 enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
 
 // What row i says about its column: x = t, x <= t or x >= t. False when it cannot be satisfied.
@@ -64,6 +65,7 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     mark_rows_of_col(w, j);
     mark_col(w, j);
     w->Work += 10.0 * w->ColCnt.data[j];
+    TRY(check_limits(w, 2.0 * w->ColCnt.data[j]));
     return mode == BOTH ? fix_column(w, j, t, STATUS_BY_SIGN) : 0;
 }
 
@@ -85,14 +87,63 @@ int try_row(PresolveWork *w, int i)
     remove_row(w, i, ROW_EMPTY);
     return 0;
 }
+
+// Inequalities of a column that many rows share wait for each other: if each moved its bound, each would walk it.
+bool is_of_long_column(const PresolveWork *w, int i)
+{
+    return w->Sense.data[i] != '=' &&
+           w->ColCnt.data[w->Nodes.data[first_in_row(w, i)].col] > LONG_COLUMN;
+}
+
+// Takes the tightest row of each column and side; the others are redundant then. Scratch and ScratchB hold the bounds,
+// IndexA and IndexB the rows that give them, Flag which of them are set.
+int take_tightest(PresolveWork *w, int *list, int count)
+{
+    Array<int> cols;
+    for (int k = 0; k < count; k++) {
+        TRY(check_limits(w, 1));
+        if (w->RowCnt.data[list[k]] != 1) continue;
+        const PresolveNode &node = w->Nodes.data[first_in_row(w, list[k])];
+        const int j = node.col, bit = node.value > 0 ? UPPER : LOWER;
+        const double t = w->Rhs.data[list[k]] / node.value;
+        double *best = &(bit == UPPER ? w->Scratch : w->ScratchB).data[j];
+        const bool first = !(w->Flag.data[j] & bit);
+        if (!first && (bit == UPPER ? t >= *best : t <= *best)) continue;
+        if (w->Flag.data[j] == 0) TRY(array_append(&cols, j));
+        w->Flag.data[j] |= static_cast<char>(bit);
+        *best = t;
+        (bit == UPPER ? w->IndexA : w->IndexB).data[j] = list[k];
+    }
+    int status = 0;
+    for (const int j : cols) {
+        const int flags = w->Flag.data[j];
+        w->Flag.data[j] = 0;
+        w->Scratch.data[j] = w->ScratchB.data[j] = 0;
+        for (const int i : {(flags & UPPER) ? w->IndexA.data[j] : -1,
+                            (flags & LOWER) ? w->IndexB.data[j] : -1})
+            if (status == 0 && i >= 0 && w->RowCnt.data[i] == 1) status = try_row(w, i);
+    }
+    return status;
+}
 } // namespace
 
 int pre_singleton_rows(PresolveWork *w)
 {
     const WorkList *rows = rows_of_phase(w);
+    int *waiting = w->IndexC.data, n_waiting = 0;
     for (int k = 0; k < rows->PendingCnt; k++) { // it grows: a chain collapses at once
+        const int i = rows->List.data[k];
         TRY(check_limits(w, 1));
-        if (w->RowCnt.data[rows->List.data[k]] == 1) TRY(try_row(w, rows->List.data[k]));
+        if (w->RowCnt.data[i] != 1) continue;
+        if (is_of_long_column(w, i))
+            waiting[n_waiting++] = i;
+        else
+            TRY(try_row(w, i));
+    }
+    TRY(take_tightest(w, waiting, n_waiting));
+    for (int k = 0; k < n_waiting; k++) {
+        TRY(check_limits(w, 1));
+        if (w->RowCnt.data[waiting[k]] == 1) TRY(try_row(w, waiting[k]));
     }
     return 0;
 }

@@ -19,15 +19,18 @@ int part_of(uint64_t key, int part)
     return static_cast<int>(key >> (part * PART_BITS)) & (PART_SIZE - 1);
 }
 
-// One counting sort from `from` to `to`; false when all keys have the same part.
-bool sort_part(const SortKey *from, SortKey *to, int count, int part)
+// One counting sort from `from` to `to`, unless all keys have the same part.
+int sort_part(PresolveWork *w, SortKey **from, SortKey **to, int count, int part)
 {
     int start[PART_SIZE + 1] = {0};
-    for (int k = 0; k < count; k++) start[part_of(from[k].key, part) + 1]++;
-    if (start[part_of(from[0].key, part) + 1] == count) return false;
+    const SortKey *keys = *from;
+    for (int k = 0; k < count; k++) start[part_of(keys[k].key, part) + 1]++;
+    TRY(check_limits(w, count));
+    if (start[part_of(keys[0].key, part) + 1] == count) return 0;
     for (int v = 0; v < PART_SIZE; v++) start[v + 1] += start[v];
-    for (int k = 0; k < count; k++) to[start[part_of(from[k].key, part)]++] = from[k];
-    return true;
+    for (int k = 0; k < count; k++) (*to)[start[part_of(keys[k].key, part)]++] = keys[k];
+    std::swap(*from, *to);
+    return check_limits(w, count);
 }
 } // namespace
 
@@ -49,12 +52,9 @@ int sort_keys(PresolveWork *w, SortKey *keys, SortKey *other, int count)
         return 0;
     }
     SortKey *from = keys, *to = other;
-    for (int part = 0; part < PARTS; part++) {
-        if (sort_part(from, to, count, part)) std::swap(from, to);
-        TRY(check_limits(w, count));
-    }
+    for (int part = 0; part < PARTS; part++) TRY(sort_part(w, &from, &to, count, part));
     if (from != keys) std::copy_n(from, count, keys);
-    return 0;
+    return check_limits(w, count);
 }
 
 int sort_by_rank(PresolveWork *w, int *list, int *other, int count, const int *rank)

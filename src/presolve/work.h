@@ -10,8 +10,11 @@
 //             columns it touches; counts in the five counters; adds its effort to Work.
 // Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
 #pragma once
+#include "presolve/limits.h"
 #include "presolve/presolve.h"
 #include "presolve/undo.h"
+
+static constexpr int LONG_STALE_ROW = 1000; // longer ones are not summed anew at once
 
 struct PresolveNode {
     double value;
@@ -33,7 +36,8 @@ enum WorkMark {
     A_TOUCHED = 2,
     B_ACTIVE = 4,
     B_TOUCHED = 8,
-    NEEDS_SWEEP = 16
+    NEEDS_SWEEP = 16,
+    IS_STALE = 32 // a row whose activity waits to be summed anew
 };
 struct WorkList {
     int ActiveCnt = 0,
@@ -71,15 +75,17 @@ struct PresolveWork {
     // are infinite. Bounds are rounded outwards as they are added.
     Array<double> RMax, RMin; // [NumRows]
     Array<int> Rmaxcnt, Rmincnt;
+    Array<int>
+        Stale; // long rows that have lost digits; until they are summed anew, both counts say infinite
 
     int Phase = 0; // 0 everything is a candidate, 1 worklist A, 2 worklist B
     Array<int> RowMark, ColMark;
     WorkList RowsA, RowsB, ColsA, ColsB;
 
     int BoundsChanged = 0, CoefsChanged = 0, IneqToEq = 0, RowsRemoved = 0, ColsRemoved = 0;
-    double Work = 0;                  // effort
-    double AggregateWork = 0;         // effort of pre_aggregate so far
-    double SinceCheck = 0;            // entries looked at since the limits were
+    double Work = 0;          // effort
+    double AggregateWork = 0; // effort of pre_aggregate so far
+    LimitWatch Watch = {nullptr};
     int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
@@ -161,7 +167,8 @@ void mark_row(PresolveWork *w, int i);
 void mark_col(PresolveWork *w, int j);
 void mark_rows_of_col(PresolveWork *w, int j);
 void mark_cols_of_row(PresolveWork *w, int i);
-void mark_everything(PresolveWork *w); // all rows and columns active in both worklists
+// All rows and columns active in both worklists. A PresolveStatus of the limits.
+[[nodiscard]] int mark_everything(PresolveWork *w);
 void rotate(
     PresolveWork *w); // of the worklist of the phase: what was touched becomes active
 // The lists themselves: what is active, then what has been touched since, which grows as reductions go on.
@@ -187,9 +194,10 @@ void delete_entry(PresolveWork *w,
                   int p); // counts of its row and column fall; activities are the caller's
 // Removes what is left of a row: its state becomes `state`, entries go, its columns are marked.
 void remove_row(PresolveWork *w, int i, int state);
-void sweep_row(PresolveWork *w, int i); // takes deleted entries out of the row's list
-void sweep_col(PresolveWork *w, int j);
-void sweep_marked(PresolveWork *w); // all that need it
+// Takes deleted entries out of the row's list; how many entries it had.
+int sweep_row(PresolveWork *w, int i);
+int sweep_col(PresolveWork *w, int j);
+[[nodiscard]] int sweep_marked(PresolveWork *w); // all that need it; a PresolveStatus
 // All lists; deleted nodes become free. A PresolveStatus of the limits; the lists are of no use then.
 [[nodiscard]] int compress(PresolveWork *w);
 // A new entry at the heads of both lists; a free node must be there. Counts rise; activities are the caller's.
@@ -199,6 +207,10 @@ void insert_entry(PresolveWork *w, int i, int j, double value);
 // All live rows from scratch. A PresolveStatus of the limits.
 [[nodiscard]] int pre_activity(PresolveWork *w);
 void row_activity(PresolveWork *w, int i); // one
+// A change has cost the sums of row i their digits: sums it anew, at once or, when it is long, by sum_stale, which the
+// driver calls behind each reduction; nothing follows from such a row until then.
+void digits_lost(PresolveWork *w, int i);
+[[nodiscard]] int sum_stale(PresolveWork *w); // a PresolveStatus of the limits
 // Bounds of column j are about to become these: moves activities along and stores the bounds.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
 // The coefficient of column j in row i is about to become `after`, 0 when there is none: moves the activities along.
@@ -237,16 +249,14 @@ ImpliedBounds implied_bounds(const PresolveWork *w, int j);
 
 // ---- limits.cpp ----
 void presolve_log(PresolveWork *w); // a progress line when one is due
-[[nodiscard]] int
-presolve_check(PresolveWork *w); // interrupt and time limit: a PresolveStatus
-// In a scan: so many entries (or what takes as long) have been looked at. Tests the limits when it has been many, so
-// that none is overrun by more than some hundredths of a second. A PresolveStatus.
-static constexpr double CHECK_ENTRIES = 1e5;
+// The caller's callback function, interruption and time limit: a PresolveStatus.
+[[nodiscard]] int presolve_check(const PresolveWork *w);
+// The same within a scan, now and then (limits_watch).
 [[nodiscard]] inline int check_limits(PresolveWork *w, double entries)
 {
-    w->SinceCheck += entries;
-    if (w->SinceCheck < CHECK_ENTRIES) return 0;
-    w->SinceCheck = 0;
+    w->Watch.entries += entries;
+    if (w->Watch.entries < CHECK_ENTRIES) return 0;
+    w->Watch.entries = 0;
     return presolve_check(w);
 }
 

@@ -3,6 +3,7 @@
 // TARVEX_PRESOLVE_COUNT=n   generated models (130; a campaign takes some thousand)
 // TARVEX_PRESOLVE_SEED=s    the first of them (0)
 #include "frame/model.h"
+#include "presolve/work.h"
 #include "simplex/sopt.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
@@ -190,18 +191,56 @@ TEST(Presolve, special_models_have_their_answers)
             }
 }
 
+// Kinds of the records that presolve leaves behind, as bits.
+static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
+{
+    const TestModel model(lp_load(env, lp));
+    unsigned kinds = 0;
+    if (presolve_lp(model) != 0) return 0;
+    for (const UndoRecord *undo = model.model->presolve->Undo.head; undo; undo = undo->next)
+        kinds |= 1U << undo->kind;
+    return kinds;
+}
+
+static void append_block(LpModel *lp, const LpModel &block)
+{
+    const int first = lp->num_rows();
+    for (int i = 0; i < block.num_rows(); i++)
+        lp_add_row(lp, block.senses[i], block.rhs[i]);
+    for (int j = 0; j < block.num_vars(); j++) {
+        const int k = lp_add_var(lp, block.sense * block.obj[j], block.lb[j], block.ub[j]);
+        for (const LpEntry &e : block.cols[j]) lp_set_entry(lp, first + e.row, k, e.value);
+    }
+}
+
+// Small models side by side, until presolve needs every kind of record for them.
+static LpModel model_of_all_kinds(TVXenv *env, unsigned wanted)
+{
+    LpModel lp;
+    for (uint64_t seed = 0; seed < 20000; seed++) {
+        Dice dice(seed);
+        const LpModel block = gen_tiny(&dice, TinyLimits{});
+        const unsigned kinds = undo_kinds(env, &block);
+        if ((kinds & wanted) == 0 || rational_solve(&block).status != LpStatus::OPTIMAL)
+            continue;
+        append_block(&lp, block);
+        wanted &= ~kinds;
+        if (wanted == 0) break;
+    }
+    return lp;
+}
+
 #ifdef TVX_DEBUG
 // The k-th request of memory, and all behind it, fail: the code says so, nothing is held, and the model still solves.
-static void sweep(Family family, double level)
+static void sweep(const LpModel &lp, const Settings &settings, int step)
 {
+    const RationalResult truth = rational_solve(&lp);
     const int64_t before = mem_blocks_held();
     bool refused = true;
-    for (int64_t k = 1; refused; k++) {
+    for (int64_t k = 1; refused; k += step) {
         {
             const TestEnv env;
-            set_parameters(env.env, {{"Presolve", level}});
-            Dice dice(9);
-            const LpModel lp = family(&dice, 8).lp;
+            ASSERT_EQ(settings_apply(env.env, settings), 0);
             const TestModel model(lp_load(env.env, &lp));
             ASSERT_TRUE(model);
             mem_fault_arm(k);
@@ -211,8 +250,9 @@ static void sweep(Family family, double level)
             ASSERT_TRUE(code == 0 || (refused && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
             LpSolution solution;
             ASSERT_EQ(lp_solve(model, &solution), 0);
-            const RationalResult truth = rational_solve(&lp);
-            ASSERT_EQ(judge_exact(&lp, &truth, true, &solution), "") << "request " << k;
+            ASSERT_EQ(judge_exact(&lp, &truth, true, &solution), "")
+                << "request " << k << "\n"
+                << settings_text(settings);
         }
         ASSERT_EQ(mem_blocks_held(), before) << "request " << k;
     }
@@ -220,8 +260,22 @@ static void sweep(Family family, double level)
 
 TEST(Presolve, memory_may_end_anywhere)
 {
-    for (const Family family :
-         {gen_multi_period, gen_blending, gen_network, gen_cone, gen_planted_infeasible})
-        for (const double level : {-1, 2}) sweep(family, level);
+    unsigned all_kinds = 0;
+    for (const int kind :
+         {UNDO_FIX, UNDO_SUBSTITUTE, UNDO_DOMINATED, UNDO_MERGE_COLS, UNDO_PARALLEL_ROWS,
+          UNDO_BOUND_TRANSFER, UNDO_SINGLETON_ROW, UNDO_FORCING_ROW, UNDO_FREE_TO_SLACK,
+          UNDO_SLACK_COLUMN, UNDO_ROW_COMBINATION})
+        all_kinds |= 1U << kind;
+    const TestEnv env;
+    set_parameters(env.env, {{"Presolve", 2}});
+    const LpModel lp = model_of_all_kinds(env.env, all_kinds);
+    ASSERT_EQ(undo_kinds(env.env, &lp), all_kinds); // else the sweep has gaps
+    for (const Settings &settings :
+         {Settings{{"Presolve", 2}}, {{"PreDual", 1}}, {{"PreDual", 2}, {"Threads", 2}}})
+        sweep(lp, settings, settings[0].first == "Presolve" ? 1 : 5);
+    for (const Family family : {gen_multi_period, gen_planted_infeasible}) {
+        Dice dice(9);
+        sweep(family(&dice, 8).lp, {{"Presolve", 2}}, 1);
+    }
 }
 #endif

@@ -18,7 +18,7 @@ static int reduce(PresolveWork *w, TVXmodel *model,
                   std::initializer_list<Reduction> reductions, PresolveTry *out)
 {
     if (const int error = work_load(w, model)) return error;
-    mark_everything(w);
+    if (const int stop = mark_everything(w)) return stop;
     for (const Reduction reduction : reductions) {
         if (const int stop = pre_activity(w)) return stop;
         out->status = reduction(w);
