@@ -185,6 +185,19 @@ int sort_members(PresolveWork *w, DupLine *members, int count)
     return check_limits(w, 2.0 * count);
 }
 
+// The lines of keys[0 .. count), which have the same pattern.
+static int lines_of_pattern(PresolveWork *w, Axis axis, const SortKey *keys, int count,
+                            const int *skip, Array<DupLine> *lines)
+{
+    TRY(array_resize(lines, count));
+    for (int k = 0; k < count; k++) {
+        const int line = keys[k].at, p = skip ? skip[line] : -1;
+        lines->data[k] = {0, 0, line, length_of(w, axis, line) - (p >= 0), p};
+        TRY(check_limits(w, 1));
+    }
+    return 0;
+}
+
 int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
                       const int *skip, DupHandler handle)
 {
@@ -196,12 +209,7 @@ int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
             if (keys.data[end].key != keys.data[begin].key) break;
         TRY(check_limits(w, end - begin));
         if (end == begin + 1) continue;
-        TRY(array_resize(&lines, end - begin));
-        for (int k = begin; k < end; k++) {
-            TRY(check_limits(w, 1));
-            const int line = keys.data[k].at, p = skip ? skip[line] : -1;
-            lines.data[k - begin] = {0, 0, line, length_of(w, axis, line) - (p >= 0), p};
-        }
+        TRY(lines_of_pattern(w, axis, keys.data + begin, end - begin, skip, &lines));
         if (lines.data[0].length > 0)
             TRY(classes_of_pattern(w, axis, lines.data, end - begin, handle));
     }

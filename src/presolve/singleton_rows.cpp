@@ -95,33 +95,38 @@ bool is_of_long_column(const PresolveWork *w, int i)
            w->ColCnt.data[w->Nodes.data[first_in_row(w, i)].col] > LONG_COLUMN;
 }
 
-// Takes the tightest row of each column and side; the others are redundant then. Scratch and ScratchB hold the bounds,
-// IndexA and IndexB the rows that give them, Flag which of them are set.
-int take_tightest(PresolveWork *w, int *list, int count)
+// Keeps row i when it is the tightest one of its column and side so far: Scratch and ScratchB hold the bounds, IndexA and
+// IndexB the rows that give them, Flag which of them are set, cols the columns.
+int note_tightest(PresolveWork *w, int i, Array<int> *cols)
+{
+    const PresolveNode &node = w->Nodes.data[first_in_row(w, i)];
+    const int j = node.col, bit = node.value > 0 ? UPPER : LOWER;
+    const double t = w->Rhs.data[i] / node.value;
+    double *best = &(bit == UPPER ? w->Scratch : w->ScratchB).data[j];
+    const bool is_first = !(w->Flag.data[j] & bit);
+    if (!is_first && (bit == UPPER ? t >= *best : t <= *best)) return 0;
+    if (w->Flag.data[j] == 0) TRY(array_append(cols, j));
+    w->Flag.data[j] |= static_cast<char>(bit);
+    *best = t;
+    (bit == UPPER ? w->IndexA : w->IndexB).data[j] = i;
+    return 0;
+}
+
+// Uses the tightest row of each column and side; the others are redundant then.
+int take_tightest(PresolveWork *w, const int *list, int count)
 {
     Array<int> cols;
     for (int k = 0; k < count; k++) {
         TRY(check_limits(w, 1));
-        if (w->RowCnt.data[list[k]] != 1) continue;
-        const PresolveNode &node = w->Nodes.data[first_in_row(w, list[k])];
-        const int j = node.col, bit = node.value > 0 ? UPPER : LOWER;
-        const double t = w->Rhs.data[list[k]] / node.value;
-        double *best = &(bit == UPPER ? w->Scratch : w->ScratchB).data[j];
-        const bool first = !(w->Flag.data[j] & bit);
-        if (!first && (bit == UPPER ? t >= *best : t <= *best)) continue;
-        if (w->Flag.data[j] == 0) TRY(array_append(&cols, j));
-        w->Flag.data[j] |= static_cast<char>(bit);
-        *best = t;
-        (bit == UPPER ? w->IndexA : w->IndexB).data[j] = list[k];
+        if (w->RowCnt.data[list[k]] == 1) TRY(note_tightest(w, list[k], &cols));
     }
     int status = 0;
     for (const int j : cols) {
-        const int flags = w->Flag.data[j];
+        const bool upper = w->Flag.data[j] & UPPER, lower = w->Flag.data[j] & LOWER;
         w->Flag.data[j] = 0;
         w->Scratch.data[j] = w->ScratchB.data[j] = 0;
-        for (const int i : {(flags & UPPER) ? w->IndexA.data[j] : -1,
-                            (flags & LOWER) ? w->IndexB.data[j] : -1})
-            if (status == 0 && i >= 0 && w->RowCnt.data[i] == 1) status = try_row(w, i);
+        if (upper && status == 0) status = try_row(w, w->IndexA.data[j]);
+        if (lower && status == 0) status = try_row(w, w->IndexB.data[j]);
     }
     return status;
 }
