@@ -518,6 +518,24 @@ TVX_API int TVXoptimize(TVXmodel *model);
  * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
+/* What would branching do? For each candidate variable of an optimal LP, with value x and d = floor(x + IntFeasTol): the
+ * optimal objective with x <= d, and with x >= d + 1, all else as it is. The model stays as it was: bounds, solution,
+ * basis, counts. Queued changes do not count.
+ *   numcands          in   0 or more
+ *   ind               in   [numcands] the variables
+ *   iterations        in   limit of the dual simplex iterations for each side, 0 or more
+ *   down_out, up_out  out  [numcands] the objective; a bound on it where the limit was reached or numeric trouble
+ *                          stopped the run; 1e100, or -1e100 for a maximise model, where there is no feasible point or
+ *                          none within Cutoff. Either may be null, and its sides are left out then
+ *   status_out        out  2 done; 9 TimeLimit reached (counted from this call) and 11 stopped by TVXterminate: sides that
+ *                          were not finished show a bound; 0 on failure. May be null
+ * Nothing is logged. Parameters read: IntFeasTol, TimeLimit, Cutoff, SimplexPricing, tolerances.
+ * Returns 0; 10002 ind is null; 10003 a negative count or limit; 10005 without an optimal LP solution (Status 2, no MIP);
+ * 10006 a variable out of range; 10017 from a callback. */
+TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
+                            double iterations, double *down_out, double *up_out,
+                            int *status_out);
+
 /* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C), as by
  * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. What interrupts
  * meant before stands again after the solve. One model at a time can be watched; where interrupts are ignored nothing

@@ -67,14 +67,17 @@ void quiet_end(const QuietRun &saved)
     env->optimize_start = saved.optimize_start;
 }
 
-// The dual runs until it ends on fresh factors.
+// Fresh factors; when the basis turns out not to be optimal with them, the dual runs until it ends on fresh factors.
 int confirm_optimum(TVXmodel *model)
 {
+    bool optimal = false;
+    TRY(simplex_confirm(model, &optimal));
+    if (optimal) return 0;
     const QuietRun saved = quiet_begin(model->env);
     int code = 0;
-    while (!code && model->status == TVX_OPTIMAL && model->simplex &&
-           !simplex_has_fresh_factor(model->simplex))
-        code = SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr);
+    do code = SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr);
+    while (!code && model->status == TVX_OPTIMAL &&
+           !simplex_has_fresh_factor(model->simplex));
     quiet_end(saved);
     return code;
 }
@@ -94,12 +97,12 @@ int make_fresh(TVXmodel *model)
 {
     const double before = model->lp_result->itercount;
     const int code = confirm_optimum(model);
-    if (code || !model->simplex) { // out of memory, or numeric trouble
+    if (!model->simplex) { // lost on the way: out of memory, or numeric trouble
         attributes_clear_solution(model);
         model_free_results(model);
         model->status = TVX_LOADED;
-        return code;
     }
+    if (code) return code;
     if (simplex_iterations(model->simplex) > before) publish_change(model);
     return model->status == TVX_OPTIMAL ? 0 : TVX_ERROR_NUMERIC;
 }

@@ -362,11 +362,8 @@ template<class R> void dopt_free(dopt<R> **d)
     *d = nullptr;
 }
 
-template<class R> int DualRun(sopt *s, swork<R> *w)
+template<class R> int dual_pivots(sopt *s, swork<R> *w)
 {
-    if (!w->Dual) TRY(dopt_create(s, &w->Dual));
-    TRY(setup(s, w));
-    if (s->Status != SIMPLEX_RUNNING) return 0; // without weights
     while (s->Status == SIMPLEX_RUNNING) {
         if (s->RefacReason != REFAC_NONE) {
             watch_start(s, w);
@@ -378,10 +375,23 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
         if (limit_reached(s)) break;
         iterate(s, w);
     }
+    return 0;
+}
+
+template<class R> int DualRun(sopt *s, swork<R> *w)
+{
+    if (!w->Dual) TRY(dopt_create(s, &w->Dual));
+    TRY(setup(s, w));
+    if (s->Status != SIMPLEX_RUNNING) return 0; // without weights
+    TRY(dual_pivots(s, w));
     dual_weights_keep(s, w);
     return 0;
 }
 
+template int dopt_create<double>(const sopt *, dopt<double> **);
+template int dopt_create<long double>(const sopt *, dopt<long double> **);
+template int dual_pivots<double>(sopt *, swork<double> *);
+template int dual_pivots<long double>(sopt *, swork<long double> *);
 template int DualRun<double>(sopt *, swork<double> *);
 template int DualRun<long double>(sopt *, swork<long double> *);
 template void dopt_free<double>(dopt<double> **);

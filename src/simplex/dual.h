@@ -44,6 +44,8 @@ template<class R> struct dopt {
 };
 
 template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
+// Pivots until Status is no longer SIMPLEX_RUNNING: a dual feasible basis with weights and merits. 0 or a code.
+template<class R> [[nodiscard]] int dual_pivots(sopt *s, swork<R> *w);
 
 // dual_start.cpp
 void dual_set_true_bounds(sopt *s);

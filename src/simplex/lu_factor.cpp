@@ -273,13 +273,7 @@ int FactorBasis(lufact<R> *lu, const BasisMatrix *basis, int *head, double marko
     if (int error = build_lower_rows(lu)) return -error;
     for (int k = 0; k < m; k++) lu->HeadNew.data[lu->RowOfPosn.data[k]] = head[k];
     for (int k = 0; k < m; k++) head[k] = lu->HeadNew.data[k];
-    lu->NumPos = m;
-    lu->NumEtas = lu->NumUpdates = 0;
-    lu->EtaInd.size = lu->EtaVal.size = 0;
-    lu->EtaBeg.data[0] = 0;
-    for (int i = 0; i < m; i++) lu->FirstEta.data[i] = INT32_MAX;
-    lu->SpikeNnz = 0;
-    lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
+    lu_forget_updates(lu);
     const auto eta_room = static_cast<int64_t>(lu->EtaFactor * m) + 1000;
     if (int error = reserve_pair(&lu->EtaInd, &lu->EtaVal, eta_room)) return -error;
     lu->NeedBasis = 0;

@@ -198,3 +198,21 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 // 0; UPDATE_UNSTABLE (factors unchanged in meaning, refactor) or UPDATE_NO_ROOM.
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
+
+// As after a factorisation: no updates yet.
+template<class R> inline void lu_forget_updates(lufact<R> *lu)
+{
+    lu->NumPos = lu->NumRows;
+    lu->NumEtas = lu->NumUpdates = 0;
+    lu->EtaInd.size = lu->EtaVal.size = 0;
+    lu->EtaBeg.data[0] = 0;
+    for (int i = 0; i < lu->NumRows; i++) lu->FirstEta.data[i] = INT32_MAX;
+    lu->SpikeNnz = 0;
+    lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
+}
+
+// lu_copy.cpp: keeps the factors of a basis, fresh ones, in a record that is good for nothing else, and brings them back:
+// what updates have changed, or ALL when the basis was factored anew. Keeping: 0 or OUT_OF_MEMORY.
+enum class LuParts { UPDATED, ALL };
+template<class R> [[nodiscard]] int lu_keep(const lufact<R> *lu, lufact<R> *kept);
+template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu);

@@ -48,6 +48,8 @@ void simplex_log_final(const sopt *s); // the closing line of an optimal run
 
 // Refactors a finished record so that later calls find a fresh factor. 0 or a code.
 [[nodiscard]] int simplex_refactor(TVXmodel *model);
+// The same for an optimal record, and whether it is optimal with them too; if not, SimplexOptimize has to run again.
+[[nodiscard]] int simplex_confirm(TVXmodel *model, bool *optimal);
 
 // ---- Ranging of an optimal basis (ranging.cpp) ----
 // For a record with fresh factors; begin is called once after the solve, the others then for any element.
@@ -73,6 +75,24 @@ VariablePlace simplex_place(const sopt *s, int k);
 // The condition of the scaled basis, estimated from below (condition.cpp); needs factors. 0 or OUT_OF_MEMORY.
 enum class KappaNorm { ONE, TWO };
 [[nodiscard]] int simplex_kappa(sopt *s, KappaNorm norm, double *kappa);
+
+// ---- Strong branching on a live optimal record with fresh factors (strong_branch.cpp) ----
+// open keeps the state; each probe tightens one bound, lets the dual run for a while, and brings the state back; close
+// leaves the record as it was. Between open and close the record is used for nothing else. Probes allocate only when
+// factors outgrow their room.
+struct StrongBranch;
+enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
+struct BranchOutcome {
+    int Status; // of the run: 2, 3 or 6 (no better than infeasible), or 7, 9, 11, 12: where it stopped
+    double
+        Value; // objective as simplex_objective: exact, UNDEFINED_VALUE, or a lower bound
+    double Iterations;
+};
+[[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out); // 0 or OUT_OF_MEMORY
+[[nodiscard]] int strong_branch_probe(StrongBranch *branch, int j, BranchSide side,
+                                      double bound, double iteration_limit,
+                                      BranchOutcome *outcome); // likewise
+void strong_branch_close(StrongBranch *branch);                // null is ignored
 
 // A bound of structural j changed in the body. Moves the live record along and returns true, or returns false
 // when the record cannot follow (the variable becomes or stops being free): the caller then drops it.

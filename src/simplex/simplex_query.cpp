@@ -161,6 +161,19 @@ int simplex_refactor(TVXmodel *model)
     return 0;
 }
 
+int simplex_confirm(TVXmodel *model, bool *optimal)
+{
+    sopt *s = model->simplex;
+    const int repairs = s->SingularCount;
+    TRY(simplex_refactor(model));
+    const Infeasibility inf = s->Quad ? measure_infeasibility(s, s->Extended)
+                                      : measure_infeasibility(s, s->Double);
+    *optimal = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs &&
+               inf.PrimalCount == 0 && inf.DualCount == 0;
+    if (!*optimal) s->Status = SIMPLEX_RUNNING; // whatever runs next looks again
+    return 0;
+}
+
 bool simplex_change_bound(sopt *s, int j, double lb, double ub)
 {
     const double scale = s->ColScale.data[j];

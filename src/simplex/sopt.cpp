@@ -96,6 +96,13 @@ int update_limit(const sopt *s, double power)
     return std::max(UPDATES_LEAST, static_cast<int>(std::pow(s->NumRows, power)));
 }
 
+// The cutoff is given for the caller's sense; the default means none whatever the sense.
+void sopt_take_cutoff(sopt *s)
+{
+    s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE ? s->Sense * s->Env->Cutoff - s->ObjOffset
+                                                 : UNDEFINED_VALUE;
+}
+
 void sopt_refresh(sopt *s)
 {
     const TVXenv *env = s->Env;
@@ -129,9 +136,7 @@ void sopt_refresh(sopt *s)
     const double m = s->NumRows;
     s->MaxUpdates = update_limit(s, UPDATES_POWER);
     s->MinUpdates = static_cast<int>(std::pow(m, UPDATES_FREE_POWER));
-    // The cutoff is given for the caller's sense; the default means none whatever the sense.
-    s->Cutoff = env->Cutoff < UNDEFINED_VALUE ? s->Sense * env->Cutoff - s->ObjOffset
-                                              : UNDEFINED_VALUE;
+    sopt_take_cutoff(s);
     random_seed(&s->Rng, RANDOM_SEED);
 }
 

@@ -250,6 +250,7 @@ template<class R> inline R pivot_floor(const swork<R> *w)
 [[nodiscard]] int sopt_create(TVXmodel *model,
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
+void sopt_take_cutoff(sopt *s);            // Cutoff from the parameter
 int update_limit(const sopt *s,
                  double power);  // updates between factorisations: m^power, at least 20
 void sopt_check_bounds(sopt *s); // sets Status 3 or 5 and BadVar on crossed bounds

@@ -240,13 +240,20 @@ TEST(OutOfMemory, queries_and_side_files)
                            TVXgetdblattrarray(s->model, name, 0, -1, values.data()));
                    },
                    still_right});
-    for (const char *name : {"DualVio", "MaxCoeff", "Kappa", "ObjVal"})
+    for (const char *name : {"DualVio", "MaxCoeff", "Kappa", "N2Kappa", "ObjVal"})
         run_sweep({name, solve,
                    [&](Scene *s) {
                        double value = 0;
                        return available(TVXgetdblattr(s->model, name, &value));
                    },
                    still_right});
+    run_sweep({"strong branching", solve,
+               [](Scene *s) {
+                   const int ind[] = {0, 1};
+                   double down[2], up[2];
+                   return TVXstrongbranch(s->model, 2, ind, 10, down, up, nullptr);
+               },
+               still_right});
     run_sweep({"basis", solve,
                [](Scene *s) {
                    const std::vector<int> vbasis(s->lp.obj.size(), -1),

@@ -1,0 +1,84 @@
+// lu_copy.cpp -- keep fresh factors, and go back to them after updates or another factorisation
+//
+// Method      Updates change U, its order and the etas only; L is copied back when the basis was factored anew.
+// Cost        O(m + entries), a small part of a factorisation. Going back allocates nothing: arrays never lose room.
+#include "simplex/lufact.h"
+#include <algorithm>
+
+namespace
+{
+template<class R, class F>
+int for_each_upper(const lufact<R> *from, lufact<R> *to, const F &copy)
+{
+    TRY(copy(from->PosOfRow, &to->PosOfRow));
+    TRY(copy(from->UColBeg, &to->UColBeg));
+    TRY(copy(from->UColLen, &to->UColLen));
+    TRY(copy(from->UColCap, &to->UColCap));
+    TRY(copy(from->UColInd, &to->UColInd));
+    TRY(copy(from->UColVal, &to->UColVal));
+    TRY(copy(from->URowBeg, &to->URowBeg));
+    TRY(copy(from->URowLen, &to->URowLen));
+    TRY(copy(from->URowCap, &to->URowCap));
+    TRY(copy(from->URowInd, &to->URowInd));
+    TRY(copy(from->URowVal, &to->URowVal));
+    return copy(from->UDiag, &to->UDiag);
+}
+
+template<class R, class F>
+int for_each_lower(const lufact<R> *from, lufact<R> *to, const F &copy)
+{
+    TRY(copy(from->LColBeg, &to->LColBeg));
+    TRY(copy(from->LColLen, &to->LColLen));
+    TRY(copy(from->LInd, &to->LInd));
+    TRY(copy(from->LVal, &to->LVal));
+    TRY(copy(from->LColOrder, &to->LColOrder));
+    TRY(copy(from->LRowBeg, &to->LRowBeg));
+    TRY(copy(from->LRowLen, &to->LRowLen));
+    TRY(copy(from->LRowInd, &to->LRowInd));
+    TRY(copy(from->LRowVal, &to->LRowVal));
+    return copy(from->LRowOrder, &to->LRowOrder);
+}
+
+constexpr auto copy_array = [](const auto &from, auto *to) {
+    return array_copy(to, from.data, from.size);
+};
+
+template<class R> void copy_figures(const lufact<R> *from, lufact<R> *to)
+{
+    to->LNonzeros = from->LNonzeros;
+    to->UNonzeros = from->UNonzeros;
+    std::copy_n(from->Density[0], 2 * SOLVE_KINDS, to->Density[0]);
+}
+} // namespace
+
+template<class R> int lu_keep(const lufact<R> *lu, lufact<R> *kept)
+{
+    assert(lu->NeedBasis == 0 && lu->NumUpdates == 0);
+    TRY(array_copy(&kept->Order, lu->Order.data, lu->NumRows));
+    TRY(for_each_upper(lu, kept, copy_array));
+    TRY(for_each_lower(lu, kept, copy_array));
+    copy_figures(lu, kept);
+    return 0;
+}
+
+template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu)
+{
+    const auto put_back = [](const auto &from, auto *to) {
+        assert(to->room >= from.size);
+        std::copy_n(from.data, from.size, to->data);
+        to->size = from.size;
+        return 0;
+    };
+    std::copy_n(kept->Order.data, lu->NumRows, lu->Order.data);
+    static_cast<void>(for_each_upper(kept, lu, put_back));
+    if (parts == LuParts::ALL) static_cast<void>(for_each_lower(kept, lu, put_back));
+    copy_figures(kept, lu);
+    lu_forget_updates(lu);
+    lu->NeedBasis = 0;
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template int lu_keep<R>(const lufact<R> *, lufact<R> *);                               \
+    template void lu_go_back<R>(const lufact<R> *, LuParts, lufact<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

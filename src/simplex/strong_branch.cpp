@@ -1,0 +1,328 @@
+// strong_branch.cpp -- what would one bound do to the optimum? Short dual runs from one optimal basis
+//
+// Problem     For many candidates and both sides: tighten a bound, re-solve for a few iterations, look at the objective.
+// Method      The optimal basis stays dual feasible, so the dual simplex goes on from it at once: only one basic value
+//             is out of bounds. Basis, values, weights and factors are kept once and copied back after each probe,
+//             which costs a few sweeps over memory instead of a factorisation. No perturbation, no confirmation on fresh
+//             factors: what counts is the bound on the objective, and that is valid at every dual feasible basis.
+// Invariant   Between probes the record is what it was at open, but for the order inside rows of the row copy.
+// Cost        A probe: its iterations, and O(n + m + entries of the factors).
+// Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
+#include "simplex/dual.h"
+#include <algorithm>
+
+namespace
+{
+// The record and its environment, as far as runs change them.
+struct KeptScalars {
+    double NPvt, IterBase, Pivots, Work, Obj, MarkowitzTol, RhsSize, PrimalError,
+        PrimalResidual, DualResidual, DegenCount, LastDegenCount, LastPerturbIter;
+    int NumFactor, Method, RefacReason, SwitchCount, NumericCount, SingularCount,
+        PerturbAllowed, FeasTolCount, OptTolCount, TightProof, MaxUpdates;
+};
+
+// Calls f(field of the record, field of the copy) for each.
+template<class F> void for_each_scalar(sopt *s, KeptScalars *k, const F &f)
+{
+    f(&s->NPvt, &k->NPvt);
+    f(&s->IterBase, &k->IterBase);
+    f(&s->Pivots, &k->Pivots);
+    f(&s->Work, &k->Work);
+    f(&s->Obj, &k->Obj);
+    f(&s->MarkowitzTol, &k->MarkowitzTol);
+    f(&s->RhsSize, &k->RhsSize);
+    f(&s->PrimalError, &k->PrimalError);
+    f(&s->PrimalResidual, &k->PrimalResidual);
+    f(&s->DualResidual, &k->DualResidual);
+    f(&s->DegenCount, &k->DegenCount);
+    f(&s->LastDegenCount, &k->LastDegenCount);
+    f(&s->LastPerturbIter, &k->LastPerturbIter);
+    f(&s->NumFactor, &k->NumFactor);
+    f(&s->Method, &k->Method);
+    f(&s->RefacReason, &k->RefacReason);
+    f(&s->SwitchCount, &k->SwitchCount);
+    f(&s->NumericCount, &k->NumericCount);
+    f(&s->SingularCount, &k->SingularCount);
+    f(&s->PerturbAllowed, &k->PerturbAllowed);
+    f(&s->FeasTolCount, &k->FeasTolCount);
+    f(&s->OptTolCount, &k->OptTolCount);
+    f(&s->TightProof, &k->TightProof);
+    f(&s->MaxUpdates, &k->MaxUpdates);
+}
+
+struct KeptEnv {
+    double IterationLimit;
+    int EndFactor, OutputFlag;
+};
+
+template<class R> struct KeptState {
+    lufact<R> Lu;           // see lu_keep
+    Array<int> VStat;       // [NumVars]
+    Array<int> BasisHead;   // [m]
+    Array<R> Cbar;          // [NumVars]
+    Array<R> Bbar, Weights; // [m]
+    Array<char> Reference;  // [NumVars]
+    int PricingCur = 0, PricingFinal = 0, FreeCount = 0;
+    double FrameworkWork = 0;
+};
+} // namespace
+
+struct StrongBranch {
+    sopt *Record = nullptr;
+    KeptScalars Scalars = {};
+    KeptEnv Env = {};
+    bool WeightsKept = false; // those of the last dual run belong to the basis
+    double Optimum = 0;       // the objective without any branching, as simplex_objective
+    KeptState<double> Double;
+    KeptState<long double> Extended;
+};
+
+namespace
+{
+constexpr auto TO_COPY = [](auto *of_record, auto *copy) { *copy = *of_record; };
+constexpr auto TO_RECORD = [](auto *of_record, auto *copy) { *of_record = *copy; };
+
+template<class R> KeptState<R> *kept(StrongBranch *b);
+template<> KeptState<double> *kept<double>(StrongBranch *b)
+{
+    return &b->Double;
+}
+template<> KeptState<long double> *kept<long double>(StrongBranch *b)
+{
+    return &b->Extended;
+}
+
+template<class R> int keep(StrongBranch *b, const swork<R> *w)
+{
+    const sopt *s = b->Record;
+    const dopt<R> *d = w->Dual;
+    KeptState<R> *k = kept<R>(b);
+    TRY(lu_keep(&w->Lu, &k->Lu));
+    TRY(array_copy(&k->VStat, s->VStat.data, s->NumVars));
+    TRY(array_copy(&k->BasisHead, s->BasisHead.data, s->NumRows));
+    TRY(array_copy(&k->Cbar, w->Cbar.data, s->NumVars));
+    TRY(array_copy(&k->Bbar, w->Bbar.data, s->NumRows));
+    TRY(array_copy(&k->Weights, d->Weights.data, s->NumRows));
+    TRY(array_copy(&k->Reference, d->Reference.data, s->NumVars));
+    k->PricingCur = d->PricingCur;
+    k->PricingFinal = d->PricingFinal;
+    k->FreeCount = d->FreeCount;
+    k->FrameworkWork = d->FrameworkWork;
+    return 0;
+}
+
+template<class R> void bring_back(StrongBranch *b, swork<R> *w)
+{
+    sopt *s = b->Record;
+    dopt<R> *d = w->Dual;
+    KeptState<R> *k = kept<R>(b);
+    const bool factored = s->NumFactor != b->Scalars.NumFactor;
+    lu_go_back(&k->Lu, factored ? LuParts::ALL : LuParts::UPDATED, &w->Lu);
+    w->FactorAge = s->BasisAge;
+    std::copy_n(k->VStat.data, s->NumVars, s->VStat.data);
+    std::copy_n(k->BasisHead.data, s->NumRows, s->BasisHead.data);
+    std::copy_n(k->Cbar.data, s->NumVars, w->Cbar.data);
+    std::copy_n(k->Bbar.data, s->NumRows, w->Bbar.data);
+    std::copy_n(k->Weights.data, s->NumRows, d->Weights.data);
+    std::copy_n(k->Reference.data, s->NumVars, d->Reference.data);
+    d->PricingCur = k->PricingCur;
+    d->PricingFinal = k->PricingFinal;
+    d->FreeCount = k->FreeCount;
+    d->FrameworkWork = k->FrameworkWork;
+    if (d->Rejected > 0)
+        for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
+    d->Rejected = 0;
+    if (s->Perturbed) dual_remove_perturbation(s);
+    for_each_scalar(s, &b->Scalars, TO_RECORD);
+    s->Status = SIMPLEX_OPTIMAL;
+    set_basic_bounds(s);
+    row_copy_partition(s);
+}
+
+// True bounds of j become those of the branch, in the form that the working LP wants. A free variable gets a bound far
+// away on its other side: with one bound only it could not be held as it is.
+struct Tightened {
+    int Var;
+    double Lower, Upper; // as they were
+};
+
+Tightened tighten(sopt *s, int j, BranchSide side, double bound)
+{
+    double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
+    const Tightened saved = {j, *lower, *upper};
+    const double scale = s->ColScale.data[j], limit = bound / scale;
+    const bool from_above = (side == BranchSide::DOWN) == (scale > 0);
+    if (from_above)
+        *upper = std::min(*upper, limit);
+    else
+        *lower = std::max(*lower, limit);
+    if (from_above && !has_lower(s, *lower)) *lower = -s->Infinity / 2;
+    s->WorkLower.data[j] = *lower;
+    s->WorkUpper.data[j] = *upper;
+    return saved;
+}
+
+void loosen(sopt *s, const Tightened &saved)
+{
+    s->Lower.data[saved.Var] = s->WorkLower.data[saved.Var] = saved.Lower;
+    s->Upper.data[saved.Var] = s->WorkUpper.data[saved.Var] = saved.Upper;
+}
+
+// A nonbasic variable follows the bound at which it stands; one that was free takes the new one.
+template<class R> void place_nonbasic(sopt *s, swork<R> *w, const Tightened &old)
+{
+    const int j = old.Var;
+    int *status = &s->VStat.data[j];
+    if (s->Lower.data[j] == s->Upper.data[j]) { // assigned alike
+        *status = AT_FIXED;
+        row_copy_remove(s, j);
+    } else if (*status == AT_FREE) {
+        w->Dual->FreeCount--;
+        *status = s->Upper.data[j] < old.Upper ? AT_UPPER : AT_LOWER;
+    }
+    compute_primal(s, w);
+}
+
+template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
+{
+    if (is_basic(s, old.Var))
+        set_basic_bounds(s);
+    else
+        place_nonbasic(s, w, old);
+    s->Status = SIMPLEX_RUNNING;
+    s->RefacReason = REFAC_NONE;
+    s->Method = METHOD_DUAL;
+    s->NPvt = s->IterBase = 0;
+    w->Dual->CycleVar = -1;
+    w->Dual->CycleHits = 0;
+    w->Dual->CycleIter = 0;
+    dual_list_reset(s, w);
+    return dual_pivots(s, w);
+}
+
+template<class R> BranchOutcome outcome_of(const StrongBranch *b, const swork<R> *w)
+{
+    const sopt *s = b->Record;
+    BranchOutcome outcome = {s->Status, b->Optimum, s->NPvt};
+    switch (s->Status) {
+    case SIMPLEX_INFEASIBLE:
+    case SIMPLEX_CUTOFF:
+        outcome.Value = UNDEFINED_VALUE;
+        break;
+    case SIMPLEX_OPTIMAL:
+    case SIMPLEX_ITERATION_LIMIT:
+    case SIMPLEX_TIME_LIMIT:
+    case SIMPLEX_INTERRUPTED: // a bound cannot better the optimum
+        outcome.Value = std::max(b->Optimum, true_objective(s, w) + s->ObjOffset);
+        break;
+    default: // in trouble, or work for another method
+        outcome.Status = SIMPLEX_NUMERIC;
+        break;
+    }
+    if (outcome.Value - s->ObjOffset > s->Cutoff && outcome.Status == SIMPLEX_OPTIMAL)
+        outcome = {SIMPLEX_CUTOFF, UNDEFINED_VALUE, s->NPvt};
+    return outcome;
+}
+
+template<class R>
+int probe(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutcome *outcome)
+{
+    sopt *s = b->Record;
+    const int code = run(s, w, old);
+    *outcome = outcome_of(b, w);
+    loosen(s, old);
+    bring_back(b, w);
+    return code;
+}
+
+template<class R> int open(StrongBranch *b, swork<R> *w)
+{
+    sopt *s = b->Record;
+    if (!w->Dual) TRY(dopt_create(s, &w->Dual));
+    s->PerturbAllowed = 0;
+    s->Status = SIMPLEX_RUNNING;
+    s->StartNorms.size = 0; // belonged to the start of the last run
+    b->WeightsKept = dual_weights_kept(s, w->Dual);
+    dual_weights_start(s, w);
+    for (int i = 0; i < s->NumRows; i++) w->Dual->RowRejected.data[i] = 0;
+    w->Dual->Rejected = w->Dual->FreeCount = 0;
+    for (int j = 0; j < s->NumVars; j++) w->Dual->FreeCount += s->VStat.data[j] == AT_FREE;
+    s->Status = SIMPLEX_OPTIMAL;
+    set_basic_bounds(s);
+    row_copy_partition(s);
+    return keep(b, w);
+}
+
+double value_of(const sopt *s, int j)
+{
+    if (!is_basic(s, j)) return nonbasic_value(s, j);
+    const int r = s->VStat.data[j];
+    return s->Quad ? static_cast<double>(s->Extended->Bbar.data[r])
+                   : s->Double->Bbar.data[r];
+}
+
+void limit_env(StrongBranch *b)
+{
+    TVXenv *env = b->Record->Env;
+    b->Env = {env->IterationLimit, env->TARV_PAR_SIMPLEXENDFAC, env->OutputFlag};
+    env->TARV_PAR_SIMPLEXENDFAC = 0;
+    env->OutputFlag = 0;
+}
+} // namespace
+
+int strong_branch_open(sopt *s, StrongBranch **out)
+{
+    assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_fresh_factor(s));
+    *out = nullptr;
+    void *block = MemAllocZero(1, sizeof(StrongBranch));
+    if (!block) return OUT_OF_MEMORY;
+    StrongBranch *b = static_cast<StrongBranch *>(block);
+    *b = StrongBranch{};
+    b->Record = s;
+    b->Optimum = simplex_objective(s);
+    for_each_scalar(s, &b->Scalars, TO_COPY);
+    limit_env(b);
+    sopt_take_cutoff(s);
+    const int code = s->Quad ? open(b, s->Extended) : open(b, s->Double);
+    if (code)
+        strong_branch_close(b);
+    else
+        *out = b;
+    return code;
+}
+
+int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
+                        double iteration_limit, BranchOutcome *outcome)
+{
+    sopt *s = branch->Record;
+    const double x = value_of(s, j);
+    const Tightened old = tighten(s, j, side, bound);
+    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+    const bool crossed = lower - upper > s->FeasTol,
+               kept_in = x >= lower - s->FeasTol && x <= upper + s->FeasTol;
+    if (crossed || kept_in) {
+        loosen(s, old);
+        *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL,
+                    crossed ? UNDEFINED_VALUE : branch->Optimum, 0};
+        return 0;
+    }
+    s->Env->IterationLimit = iteration_limit;
+    return s->Quad ? probe(branch, s->Extended, old, outcome)
+                   : probe(branch, s->Double, old, outcome);
+}
+
+void strong_branch_close(StrongBranch *branch)
+{
+    if (!branch) return;
+    sopt *s = branch->Record;
+    TVXenv *env = s->Env;
+    env->IterationLimit = branch->Env.IterationLimit;
+    env->TARV_PAR_SIMPLEXENDFAC = branch->Env.EndFactor;
+    env->OutputFlag = branch->Env.OutputFlag;
+    for_each_scalar(s, &branch->Scalars, TO_RECORD);
+    s->Status = SIMPLEX_OPTIMAL;
+    if (branch->WeightsKept)
+        s->Quad ? dual_weights_keep(s, s->Extended) : dual_weights_keep(s, s->Double);
+    *branch = StrongBranch{};
+    MemFree(branch);
+}

@@ -1,0 +1,213 @@
+// strong_branch_test.cpp -- TVXstrongbranch against the exact judge, and the model as it was afterwards
+//
+// TARVEX_BRANCH_COUNT=n   how many models (500); TARVEX_BRANCH_SEED=s   the first of them (0)
+#include "support/model_gen.h"
+#include "support/model_test.h"
+#include "support/model_text.h"
+#include "support/settings.h"
+#include "support/solve_judge.h"
+#include "support/structured_gen.h"
+#include <cmath>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <numeric>
+
+namespace
+{
+constexpr double MANY = 1e9;     // iterations
+constexpr double INT_TOL = 1e-5; // IntFeasTol
+constexpr double NEAR = 1e-6;    // relative
+
+int from_environment(const char *name, int otherwise)
+{
+    const char *text = getenv(name);
+    return text ? atoi(text) : otherwise;
+}
+
+struct Sides {
+    std::vector<double> down, up;
+    int status = -1;
+    bool operator==(const Sides &o) const { return down == o.down && up == o.up; }
+};
+
+Sides branch(TVXmodel *model, const std::vector<int> &ind, double iterations)
+{
+    Sides sides;
+    sides.down.resize(ind.size() + 1);
+    sides.up.resize(ind.size() + 1);
+    EXPECT_EQ(TVXstrongbranch(model, static_cast<int>(ind.size()), ind.data(), iterations,
+                              sides.down.data(), sides.up.data(), &sides.status),
+              0);
+    return sides;
+}
+
+std::vector<int> all_vars(const LpModel &lp)
+{
+    std::vector<int> ind(lp.obj.size());
+    std::iota(ind.begin(), ind.end(), 0);
+    return ind;
+}
+
+// The optimum of the model as it stands, infinite when there is none.
+double truth(const LpModel *lp)
+{
+    const RationalResult r = rational_solve(lp);
+    return r.status == LpStatus::OPTIMAL ? r.value.get_d() : lp->sense * LP_INFINITY;
+}
+
+double judge(LpModel *lp, int j, double x, bool down)
+{
+    const double d = std::floor(x + INT_TOL);
+    double *bound = down ? &lp->ub[j] : &lp->lb[j];
+    const double old =
+        std::exchange(*bound, down ? std::fmin(*bound, d) : std::fmax(*bound, d + 1));
+    const double value = truth(lp);
+    *bound = old;
+    return value;
+}
+
+// What is wrong with the sides after this many iterations; many: they have to be exact.
+std::string compare(LpModel *lp, const LpSolution &s, const Sides &sides, double iterations)
+{
+    std::string wrong;
+    for (int j = 0; j < lp->num_vars(); j++)
+        for (const bool down : {true, false}) {
+            const double found = down ? sides.down[j] : sides.up[j],
+                         exact = judge(lp, j, s.x[j], down),
+                         slack = NEAR * (1 + std::fabs(exact));
+            const double above = lp->sense * (found - exact);
+            if (above > slack || (iterations == MANY && above < -slack))
+                wrong += std::to_string(j) + (down ? " down " : " up ") +
+                         std::to_string(found) + ", exact " + std::to_string(exact) + "\n";
+            if (lp->sense * (found - s.objval) < -slack)
+                wrong += std::to_string(j) + " better than the optimum\n";
+        }
+    return wrong;
+}
+
+std::string state(TVXmodel *model)
+{
+    std::string text = model_text(model);
+    double iterations = 0;
+    int norms = 0;
+    EXPECT_EQ(TVXgetdblattr(model, "IterCount", &iterations), 0);
+    EXPECT_EQ(TVXgetintattr(model, "HasDualNorm", &norms), 0);
+    LpSolution s;
+    EXPECT_EQ(lp_read_solution(model, &s), 0);
+    for (const auto *list : {&s.x, &s.rc, &s.pi, &s.slack})
+        for (const double v : *list) text += std::to_string(v) + " ";
+    for (const auto *list : {&s.vbasis, &s.cbasis})
+        for (const int v : *list) text += std::to_string(v) + " ";
+    return text + std::to_string(iterations) + " " + std::to_string(norms) + " " +
+           std::to_string(s.objval);
+}
+
+void check_tiny(TVXenv *env, int seed, int *branched)
+{
+    Dice dice(seed);
+    LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = 6, .max_rows = 6});
+    const TestModel model(lp_load(env, &lp));
+    const Settings settings = settings_draw(&dice);
+    ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
+    LpSolution s;
+    ASSERT_EQ(lp_solve(model, &s), 0);
+    if (s.status != TVX_OPTIMAL) return;
+    (*branched)++;
+    const std::vector<int> ind = all_vars(lp);
+    const std::string before = state(model);
+    for (const double iterations : {0.0, 1.0, 2.0, MANY}) {
+        const Sides sides = branch(model, ind, iterations);
+        EXPECT_EQ(sides.status, TVX_OPTIMAL);
+        EXPECT_EQ(compare(&lp, s, sides, iterations), "")
+            << iterations << " iterations, TARVEX_BRANCH_SEED=" << seed << "\n"
+            << lp_to_mps(&lp, settings_text(settings));
+        EXPECT_EQ(state(model), before);
+    }
+    if (lp.num_vars() == 0) return; // the live record goes on as if nothing had happened
+    lp.ub[0] = std::fmax(lp.lb[0], std::floor(s.x[0]));
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, lp.ub[0]), 0);
+    const RationalResult result = rational_solve(&lp);
+    ASSERT_EQ(lp_solve(model, &s), 0);
+    EXPECT_EQ(judge_exact(&lp, &result, true, &s), "") << "TARVEX_BRANCH_SEED=" << seed;
+}
+
+using StrongBranching = ModelTest;
+
+} // namespace
+
+TEST(StrongBranch, tells_both_sides_and_leaves_the_model_as_it_was)
+{
+    const TestEnv env;
+    const int first = from_environment("TARVEX_BRANCH_SEED", 0),
+              count = from_environment("TARVEX_BRANCH_COUNT", 500);
+    int branched = 0;
+    for (int seed = first; seed < first + count && !testing::Test::HasFailure(); seed++)
+        check_tiny(env.env, seed, &branched);
+    EXPECT_GT(branched, count / 4);
+}
+
+// Long runs, in which factors are updated and made anew, against plain solves of a copy.
+TEST(StrongBranch, agrees_with_plain_solves_of_larger_models)
+{
+    const TestEnv env;
+    for (const FamilyRow &family : all_families()) {
+        SCOPED_TRACE(family.name);
+        Dice dice(3);
+        const LpModel lp = family.generate(&dice, 60).lp;
+        const TestModel model(lp_load(env.env, &lp));
+        LpSolution s;
+        ASSERT_EQ(lp_solve(model, &s), 0);
+        if (s.status != TVX_OPTIMAL) continue;
+        std::vector<int> ind;
+        for (int j = 0; j < lp.num_vars() && ind.size() < 8; j++)
+            if (s.vbasis[j] == 0) ind.push_back(j);
+        const std::string before = state(model);
+        const Sides sides = branch(model, ind, MANY);
+        EXPECT_TRUE(branch(model, ind, MANY) == sides);
+        EXPECT_EQ(state(model), before);
+        for (size_t k = 0; k < ind.size(); k++) {
+            LpModel up = lp;
+            up.lb[ind[k]] = std::floor(s.x[ind[k]] + INT_TOL) + 1;
+            const TestModel plain(lp_load(env.env, &up));
+            LpSolution solution;
+            ASSERT_EQ(lp_solve(plain, &solution), 0);
+            const double value =
+                solution.status == TVX_OPTIMAL ? solution.objval : lp.sense * LP_INFINITY;
+            EXPECT_NEAR(sides.up[k], value, NEAR * (1 + std::fabs(value))) << ind[k];
+        }
+    }
+}
+
+TEST_F(StrongBranching, refuses_what_it_cannot_do)
+{
+    LpModel lp;
+    lp.sense = -1;
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 2}}, '<', 7);
+    load(lp);
+    const int ind[] = {0, 1};
+    double down = -1, up = -1;
+    int status = -1;
+    refused(10005, "Requested data not available",
+            TVXstrongbranch(model, 1, ind, 10, &down, &up, &status));
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(objective(), 3.5);
+    EXPECT_EQ(TVXstrongbranch(model, 1, nullptr, 10, &down, &up, &status), 10002);
+    EXPECT_EQ(TVXstrongbranch(model, -1, ind, 10, &down, &up, &status), 10003);
+    EXPECT_EQ(TVXstrongbranch(model, 1, ind, -1, &down, &up, &status), 10003);
+    refused(10006, "Index 1 out of range for strong branching",
+            TVXstrongbranch(model, 2, ind, 10, &down, &up, &status));
+    EXPECT_EQ(TVXstrongbranch(nullptr, 1, ind, 10, &down, &up, &status), 10002);
+    EXPECT_TRUE(down == -1 && up == -1);
+    EXPECT_EQ(TVXstrongbranch(model, 0, nullptr, 10, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, &up, &status), 0);
+    EXPECT_TRUE(down == 3 && up == -1e100 && status == 2);
+    ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", 3.2),
+              0); // of a maximise model: at least this
+    EXPECT_EQ(objective(), 3.5);
+    EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, nullptr, &status), 0);
+    EXPECT_EQ(down, -1e100);
+    ASSERT_EQ(TVXsetdblparam(own(), "TimeLimit", 0), 0);
+    EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, &up, &status), 0);
+    EXPECT_TRUE(down == 3.5 && up == 3.5 && status == TVX_TIME_LIMIT);
+}
