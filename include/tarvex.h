@@ -518,6 +518,13 @@ TVX_API int TVXoptimize(TVXmodel *model);
  * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
+/* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C), as by
+ * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. What interrupts
+ * meant before stands again after the solve. One model at a time can be watched; where interrupts are ignored nothing
+ * changes. Not from several threads at once.
+ * Returns 0. */
+TVX_API int TVXsetsignal(TVXmodel *model);
+
 /* What would branching do? For each candidate variable of an optimal LP, with value x and d = floor(x + IntFeasTol): the
  * optimal objective with x <= d, and with x >= d + 1, all else as it is. The model stays as it was: bounds, solution,
  * basis, counts. Queued changes do not count.
@@ -535,13 +542,6 @@ TVX_API void TVXterminate(TVXmodel *model);
 TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
                             double iterations, double *down_out, double *up_out,
                             int *status_out);
-
-/* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C), as by
- * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. What interrupts
- * meant before stands again after the solve. One model at a time can be watched; where interrupts are ignored nothing
- * changes. Not from several threads at once.
- * Returns 0. */
-TVX_API int TVXsetsignal(TVXmodel *model);
 
 /* ---- Callbacks ----
  *

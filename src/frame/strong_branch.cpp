@@ -77,6 +77,8 @@ int run(TVXmodel *model, const Request &request)
     TRY(SensitivityPrepare(model)); // an optimal basis with fresh factors
     TVXenv *env = model->env;
     const double optimize_start = env->optimize_start;
+    const TVXcallback cb_active = env->cb_active; // no moments of a solve
+    env->cb_active = nullptr;
     env->optimize_start = WallClock(); // TimeLimit counts from here
     env->terminate_ptr = &env->terminate;
     flag_store(env->terminate_ptr, 0);
@@ -85,6 +87,7 @@ int run(TVXmodel *model, const Request &request)
     const int code = try_all(model, request);
     flag_store(&model->busy, 0);
     env->optimize_start = optimize_start;
+    env->cb_active = cb_active;
     return code;
 }
 } // namespace

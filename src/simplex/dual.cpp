@@ -88,6 +88,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     d->Rejected = 0;
     dual_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
+    simplex_self_check(s, w, CheckPoint::FACTORED, -1);
     // With true costs and bounds the objective is a lower bound of the optimum.
     if (!s->BoxPhase && !s->Perturbed && s->Cutoff < UNDEFINED_VALUE &&
         true_objective(s, w) > s->Cutoff)
@@ -233,6 +234,7 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, q = d->PivotCol;
     step_ftrans(s, w);
+    simplex_self_check(s, w, CheckPoint::COLUMN, q);
     d->AlphaCol = w->Alpha.Value.data[r];
     const R gap = std::abs(std::abs(d->AlphaRow) - std::abs(d->AlphaCol));
     if (std::abs(d->AlphaCol) < R(s->ZeroTol) ||
@@ -272,6 +274,7 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     s->Work++;
     watch_pivot(s, d);
     s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
+    if (s->RefacReason == REFAC_NONE) simplex_self_check(s, w, CheckPoint::UPDATED, -1);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
 }
 

@@ -70,6 +70,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     else
         primal_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
+    simplex_self_check(s, w, CheckPoint::FACTORED, -1);
     return 0;
 }
 
@@ -289,6 +290,7 @@ template<class R> void apply_pivot(sopt *s, swork<R> *w)
     s->NPvt++;
     s->Work++;
     s->RefacReason = UpdateFactor(&w->Lu, r, pivot);
+    if (s->RefacReason == REFAC_NONE) simplex_self_check(s, w, CheckPoint::UPDATED, -1);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w) && !updates_are_cheap(s, w))
         s->RefacReason = REFAC_FILL;
 }

@@ -254,6 +254,8 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
     s->NearOptimal = !from_slacks;
     TRY(solve(s));
     s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);
+    s->Quad ? simplex_self_check(s, s->Extended, CheckPoint::FINISHED, -1)
+            : simplex_self_check(s, s->Double, CheckPoint::FINISHED, -1);
     if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;
     model->status = s->Status;
     return 0;

@@ -147,18 +147,22 @@ bool simplex_has_fresh_factor(const sopt *s)
     return simplex_has_factor(s) && updates == 0;
 }
 
+template<class R> static int refactor(sopt *s, swork<R> *w)
+{
+    TRY(Refactor(s, w));
+    finish_values(s, w);
+    return 0;
+}
+
 int simplex_refactor(TVXmodel *model)
 {
     sopt *s = model->simplex;
     if (simplex_has_fresh_factor(s)) return 0;
-    if (s->Quad) {
-        TRY(Refactor(s, s->Extended));
-        finish_values(s, s->Extended);
-    } else {
-        TRY(Refactor(s, s->Double));
-        finish_values(s, s->Double);
-    }
-    return 0;
+    const TVXcallback active = s->Env->cb_active; // no moment of a solve
+    s->Env->cb_active = nullptr;
+    const int code = s->Quad ? refactor(s, s->Extended) : refactor(s, s->Double);
+    s->Env->cb_active = active;
+    return code;
 }
 
 int simplex_confirm(TVXmodel *model, bool *optimal)

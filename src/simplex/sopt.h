@@ -321,6 +321,23 @@ struct UserViolations {
 };
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w);
 
+// ---- self_check.cpp ----
+// Computes anew what updates carry along, when TARV_PAR_ITEST asks for it, and warns on the log; how often it warned.
+enum class CheckPoint {
+    FACTORED, // fresh factors, values and reduced costs
+    COLUMN,   // Alpha is the column of q, before the step
+    UPDATED,  // after a pivot
+    FINISHED  // end of a run
+};
+#ifdef TVX_DEBUG
+template<class R> int simplex_self_check(sopt *s, swork<R> *w, CheckPoint point, int q);
+#else
+template<class R> int simplex_self_check(sopt *, swork<R> *, CheckPoint, int)
+{
+    return 0;
+}
+#endif
+
 // ---- precision.cpp ----
 [[nodiscard]] int switch_precision(sopt *s,
                                    int quad); // makes the vectors of that number type live

@@ -8,21 +8,15 @@
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <sstream>
 
 namespace
 {
 constexpr double MANY = 1e9;     // iterations
 constexpr double INT_TOL = 1e-5; // IntFeasTol
 constexpr double NEAR = 1e-6;    // relative
-
-int from_environment(const char *name, int otherwise)
-{
-    const char *text = getenv(name);
-    return text ? atoi(text) : otherwise;
-}
 
 struct Sides {
     std::vector<double> down, up;
@@ -41,29 +35,16 @@ Sides branch(TVXmodel *model, const std::vector<int> &ind, double iterations)
     return sides;
 }
 
-std::vector<int> all_vars(const LpModel &lp)
-{
-    std::vector<int> ind(lp.obj.size());
-    std::iota(ind.begin(), ind.end(), 0);
-    return ind;
-}
-
-// The optimum of the model as it stands, infinite when there is none.
-double truth(const LpModel *lp)
-{
-    const RationalResult r = rational_solve(lp);
-    return r.status == LpStatus::OPTIMAL ? r.value.get_d() : lp->sense * LP_INFINITY;
-}
-
+// The optimum of one side, infinite when there is none.
 double judge(LpModel *lp, int j, double x, bool down)
 {
     const double d = std::floor(x + INT_TOL);
     double *bound = down ? &lp->ub[j] : &lp->lb[j];
-    const double old =
-        std::exchange(*bound, down ? std::fmin(*bound, d) : std::fmax(*bound, d + 1));
-    const double value = truth(lp);
+    const double side = down ? std::fmin(*bound, d) : std::fmax(*bound, d + 1),
+                 old = std::exchange(*bound, side);
+    const RationalResult r = rational_solve(lp);
     *bound = old;
-    return value;
+    return r.status == LpStatus::OPTIMAL ? r.value.get_d() : lp->sense * LP_INFINITY;
 }
 
 // What is wrong with the sides after this many iterations; many: they have to be exact.
@@ -85,21 +66,20 @@ std::string compare(LpModel *lp, const LpSolution &s, const Sides &sides, double
     return wrong;
 }
 
+// All that can be read of the content, and of the solution.
 std::string state(TVXmodel *model)
 {
-    std::string text = model_text(model);
-    double iterations = 0;
+    std::ostringstream text;
     int norms = 0;
-    EXPECT_EQ(TVXgetdblattr(model, "IterCount", &iterations), 0);
-    EXPECT_EQ(TVXgetintattr(model, "HasDualNorm", &norms), 0);
     LpSolution s;
+    EXPECT_EQ(TVXgetintattr(model, "HasDualNorm", &norms), 0);
     EXPECT_EQ(lp_read_solution(model, &s), 0);
+    text << model_text(model) << norms << " " << s.objval << " " << s.iterations;
     for (const auto *list : {&s.x, &s.rc, &s.pi, &s.slack})
-        for (const double v : *list) text += std::to_string(v) + " ";
+        for (const double v : *list) text << " " << v;
     for (const auto *list : {&s.vbasis, &s.cbasis})
-        for (const int v : *list) text += std::to_string(v) + " ";
-    return text + std::to_string(iterations) + " " + std::to_string(norms) + " " +
-           std::to_string(s.objval);
+        for (const int v : *list) text << " " << v;
+    return text.str();
 }
 
 void check_tiny(TVXenv *env, int seed, int *branched)
@@ -113,7 +93,8 @@ void check_tiny(TVXenv *env, int seed, int *branched)
     ASSERT_EQ(lp_solve(model, &s), 0);
     if (s.status != TVX_OPTIMAL) return;
     (*branched)++;
-    const std::vector<int> ind = all_vars(lp);
+    std::vector<int> ind(lp.obj.size());
+    std::iota(ind.begin(), ind.end(), 0);
     const std::string before = state(model);
     for (const double iterations : {0.0, 1.0, 2.0, MANY}) {
         const Sides sides = branch(model, ind, iterations);
@@ -138,8 +119,8 @@ using StrongBranching = ModelTest;
 TEST(StrongBranch, tells_both_sides_and_leaves_the_model_as_it_was)
 {
     const TestEnv env;
-    const int first = from_environment("TARVEX_BRANCH_SEED", 0),
-              count = from_environment("TARVEX_BRANCH_COUNT", 500);
+    const int first = campaign("TARVEX_BRANCH_SEED", 0),
+              count = campaign("TARVEX_BRANCH_COUNT", 500);
     int branched = 0;
     for (int seed = first; seed < first + count && !testing::Test::HasFailure(); seed++)
         check_tiny(env.env, seed, &branched);

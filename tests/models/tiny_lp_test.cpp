@@ -7,23 +7,16 @@
 #include "support/model_edit.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 static constexpr int MAX_FAILURES = 5;
 static constexpr int ROUNDS = 4; // solves of a model that changes
 
-static uint64_t from_environment(const char *name, uint64_t otherwise)
-{
-    const char *text = getenv(name);
-    return text ? strtoull(text, nullptr, 10) : otherwise;
-}
-
 // One case; the text of a failure, or empty.
 static std::string try_seed(TVXenv *env, uint64_t seed)
 {
     Dice dice(seed);
-    const int size = static_cast<int>(from_environment("TARVEX_TINY_SIZE", 8));
+    const int size = campaign("TARVEX_TINY_SIZE", 8);
     const LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = size, .max_rows = size});
     const Settings settings = settings_draw(&dice);
     const std::string wrong = solve_and_judge(env, &lp, settings);
@@ -61,8 +54,8 @@ static std::string try_changes(TVXenv *env, uint64_t seed)
 TEST(TinyLp, status_and_value_are_right_after_changes)
 {
     const TestEnv env;
-    const uint64_t first = from_environment("TARVEX_TINY_SEED", 0),
-                   count = from_environment("TARVEX_TINY_COUNT", 20000) / ROUNDS;
+    const uint64_t first = campaign("TARVEX_TINY_SEED", 0),
+                   count = campaign("TARVEX_TINY_COUNT", 20000) / ROUNDS;
     int failures = 0;
     for (uint64_t seed = first; seed < first + count && failures < MAX_FAILURES; seed++) {
         const std::string wrong = try_changes(env.env, seed);
@@ -74,8 +67,8 @@ TEST(TinyLp, status_and_value_are_right_after_changes)
 TEST(TinyLp, status_and_value_are_right_under_any_settings)
 {
     const TestEnv env;
-    const uint64_t first = from_environment("TARVEX_TINY_SEED", 0),
-                   count = from_environment("TARVEX_TINY_COUNT", 20000);
+    const uint64_t first = campaign("TARVEX_TINY_SEED", 0),
+                   count = campaign("TARVEX_TINY_COUNT", 20000);
     int failures = 0;
     for (uint64_t seed = first; seed < first + count && failures < MAX_FAILURES; seed++) {
         const std::string wrong = try_seed(env.env, seed);

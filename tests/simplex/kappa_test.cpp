@@ -12,16 +12,14 @@ using Matrix = std::vector<std::vector<long double>>; // by rows
 Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {
     Matrix b(lp->rhs.size());
-    for (int j = 0; j < lp->num_vars(); j++) {
-        if (s->vbasis[j] != 0) continue;
+    const auto add = [&b](const std::vector<LpEntry> &column) {
         for (auto &row : b) row.push_back(0);
-        for (const LpEntry &e : lp->cols[j]) b[e.row].back() = e.value;
-    }
-    for (int i = 0; i < lp->num_rows(); i++) {
-        if (s->cbasis[i] != 0) continue;
-        for (auto &row : b) row.push_back(0);
-        b[i].back() = 1;
-    }
+        for (const LpEntry &e : column) b[e.row].back() = e.value;
+    };
+    for (int j = 0; j < lp->num_vars(); j++)
+        if (s->vbasis[j] == 0) add(lp->cols[j]);
+    for (int i = 0; i < lp->num_rows(); i++)
+        if (s->cbasis[i] == 0) add({{i, 1}});
     return b;
 }
 
@@ -62,24 +60,20 @@ double norm1(const Matrix &b)
 double norm2(const Matrix &b) // by many steps of the power method
 {
     const size_t m = b.size();
-    std::vector<long double> x(m), y(m);
-    for (size_t k = 0; k < m; k++) x[k] = 1 + 0.1L * static_cast<long double>(k % 7);
-    long double norm = 0;
-    for (int step = 0; step < 3000; step++) {
+    std::vector<long double> x(m, 1), y(m);
+    x[0] = 2;
+    long double length = 1;
+    for (int step = 0; step < 6000; step++) { // with B and its transpose in turn
+        length = 0;
         for (size_t i = 0; i < m; i++) {
             y[i] = 0;
-            for (size_t k = 0; k < m; k++) y[i] += b[i][k] * x[k];
+            for (size_t k = 0; k < m; k++) y[i] += (step % 2 ? b[k][i] : b[i][k]) * x[k];
+            length += y[i] * y[i];
         }
-        long double length = 0;
-        for (size_t k = 0; k < m; k++) {
-            x[k] = 0;
-            for (size_t i = 0; i < m; i++) x[k] += b[i][k] * y[i];
-            length += x[k] * x[k];
-        }
-        norm = std::sqrt(std::sqrt(length));
-        for (long double &v : x) v /= std::sqrt(length);
+        length = std::sqrt(length);
+        for (size_t i = 0; i < m; i++) x[i] = y[i] / length;
     }
-    return static_cast<double>(norm);
+    return static_cast<double>(length);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 #include "support/dice.h"
 #include "tarvex.h"
+#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,3 +13,10 @@ using Settings = std::vector<std::pair<std::string, double>>; // name, value
 Settings settings_draw(Dice *dice);
 int settings_apply(TVXenv *env, const Settings &settings); // 0 or the first code
 std::string settings_text(const Settings &settings);       // one "name value" per line
+
+// How long a random test runs, or its first seed: an environment variable of that name, for campaigns.
+inline int campaign(const char *name, int otherwise)
+{
+    const char *text = getenv(name);
+    return text ? atoi(text) : otherwise;
+}

@@ -1,0 +1,104 @@
+// self_check_test.cpp -- the checks of debug builds: silent on sound solves, and they see what is planted
+#ifdef TVX_DEBUG
+#include "simplex/sopt.h"
+#include "support/model_gen.h"
+#include "support/model_test.h"
+#include "support/structured_gen.h"
+#include <functional>
+
+namespace
+{
+struct SelfCheck : ModelTest {
+    // Solved by the dual without scaling, factors fresh; checks are on, and heard.
+    sopt *solved(const LpModel &lp)
+    {
+        load(lp);
+        EXPECT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+        EXPECT_EQ(TVXsetintparam(own(), "ScaleFlag", 0), 0);
+        EXPECT_EQ(TVXoptimize(model), 0);
+        EXPECT_EQ(TVXsetintparam(own(), "TARV_PAR_ITEST", 2), 0);
+        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        return model->simplex;
+    }
+};
+
+// max x + y within a pentagon: both are basic in the end.
+LpModel pentagon()
+{
+    LpModel lp;
+    lp.sense = -1;
+    lp_add_var(&lp, 3, 0, LP_INFINITY);
+    lp_add_var(&lp, 2, 0, LP_INFINITY);
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 2}}, '<', 4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 0.5}, {2, 2}}, '<', 3);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 9);
+    return lp;
+}
+
+struct Fault {
+    const char *warning;
+    CheckPoint point;
+    std::function<void(sopt *)> plant;
+};
+} // namespace
+
+TEST_F(SelfCheck, sees_each_planted_fault)
+{
+    int q = -1;
+    const Fault faults[] = {
+        {"Warning in ckdualeud: diff = 5.000000e+00, Dual=", CheckPoint::UPDATED,
+         [](sopt *s) { s->Double->Cbar[s->NumCols] += 5; }},
+        {"Warning in dckrdc: j=2, TCbar=", CheckPoint::UPDATED,
+         [](sopt *s) { s->Double->Cbar[2] += 5; }},
+        {"Warning in dckrhs: i=1, val=", CheckPoint::UPDATED,
+         [](sopt *s) { s->Double->Bbar[1] += 5; }},
+        {"Warning in beqlu: i=0, o=", CheckPoint::FACTORED,
+         [](sopt *s) { s->Double->Lu.UDiag[0] *= 2; }},
+        {"Warning in cksol\nsopt->Obj=", CheckPoint::FINISHED,
+         [](sopt *s) { s->Obj += 5; }},
+        {"Warning in ckrdcupd: Cbar1=", CheckPoint::COLUMN,
+         [&q](sopt *s) {
+             q = 2;
+             load_column(s, q, &s->Double->Alpha);
+             Ftran(&s->Double->Lu, &s->Double->Alpha, SOLVE_COLUMN, Keep::NO);
+             s->Double->Cbar[q] += 5;
+         }},
+    };
+    for (const Fault &fault : faults) {
+        sopt *s = solved(pentagon());
+        Output sound;
+        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::UPDATED, -1), 0);
+        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::FACTORED, -1), 0);
+        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::FINISHED, -1), 0);
+        const std::string silent = sound.text();
+        EXPECT_EQ(silent.rfind("Maximum residual = ", 0), 0u) << silent;
+        EXPECT_EQ(silent.find("Warning"), std::string::npos) << silent;
+        fault.plant(s);
+        Output heard;
+        EXPECT_GT(simplex_self_check(s, s->Double, fault.point, q), 0);
+        const std::string text = heard.text();
+        EXPECT_NE(text.find(fault.warning), std::string::npos) << text;
+    }
+}
+
+TEST_F(SelfCheck, is_silent_on_sound_solves)
+{
+    for (const FamilyRow &family : all_families()) {
+        if (std::string(family.name).find("scaled") != std::string::npos) continue;
+        for (const int method : {0, 1}) {
+            SCOPED_TRACE(family.name + std::string(method ? ", dual" : ", primal"));
+            Dice dice(5);
+            load(family.generate(&dice, 25).lp);
+            ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_ITEST", 2), 0);
+            ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+            ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+            Output log;
+            EXPECT_EQ(TVXoptimize(model), 0);
+            const std::string text = log.text();
+            EXPECT_EQ(text.find("Warning in"), std::string::npos)
+                << text.substr(text.find("Warning in"), 200);
+        }
+    }
+}
+#endif
