@@ -7,36 +7,31 @@
 
 namespace
 {
+// Calls copy(array of one, array of the other) for each until one fails: its code, or 0.
 template<class R, class F>
 int for_each_upper(const lufact<R> *from, lufact<R> *to, const F &copy)
 {
-    TRY(copy(from->PosOfRow, &to->PosOfRow));
-    TRY(copy(from->UColBeg, &to->UColBeg));
-    TRY(copy(from->UColLen, &to->UColLen));
-    TRY(copy(from->UColCap, &to->UColCap));
-    TRY(copy(from->UColInd, &to->UColInd));
-    TRY(copy(from->UColVal, &to->UColVal));
-    TRY(copy(from->URowBeg, &to->URowBeg));
-    TRY(copy(from->URowLen, &to->URowLen));
-    TRY(copy(from->URowCap, &to->URowCap));
-    TRY(copy(from->URowInd, &to->URowInd));
-    TRY(copy(from->URowVal, &to->URowVal));
-    return copy(from->UDiag, &to->UDiag);
+    using Record = lufact<R>;
+    for (Array<int> Record::*a : {&Record::PosOfRow, &Record::UColBeg, &Record::UColLen,
+                                  &Record::UColCap, &Record::UColInd, &Record::URowBeg,
+                                  &Record::URowLen, &Record::URowCap, &Record::URowInd})
+        TRY(copy(from->*a, &(to->*a)));
+    for (Array<R> Record::*a : {&Record::UColVal, &Record::URowVal, &Record::UDiag})
+        TRY(copy(from->*a, &(to->*a)));
+    return 0;
 }
 
 template<class R, class F>
 int for_each_lower(const lufact<R> *from, lufact<R> *to, const F &copy)
 {
-    TRY(copy(from->LColBeg, &to->LColBeg));
-    TRY(copy(from->LColLen, &to->LColLen));
-    TRY(copy(from->LInd, &to->LInd));
-    TRY(copy(from->LVal, &to->LVal));
-    TRY(copy(from->LColOrder, &to->LColOrder));
-    TRY(copy(from->LRowBeg, &to->LRowBeg));
-    TRY(copy(from->LRowLen, &to->LRowLen));
-    TRY(copy(from->LRowInd, &to->LRowInd));
-    TRY(copy(from->LRowVal, &to->LRowVal));
-    return copy(from->LRowOrder, &to->LRowOrder);
+    using Record = lufact<R>;
+    for (Array<int> Record::*a :
+         {&Record::LColBeg, &Record::LColLen, &Record::LInd, &Record::LColOrder,
+          &Record::LRowBeg, &Record::LRowLen, &Record::LRowInd, &Record::LRowOrder})
+        TRY(copy(from->*a, &(to->*a)));
+    for (Array<R> Record::*a : {&Record::LVal, &Record::LRowVal})
+        TRY(copy(from->*a, &(to->*a)));
+    return 0;
 }
 
 constexpr auto copy_array = [](const auto &from, auto *to) {
