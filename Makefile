@@ -9,7 +9,7 @@ export TARVEX_INSTANCES
 # Our own text, for the formatter and the linter.
 CODE = $(shell git ls-files '*.cpp' '*.h' '*.c')
 
-.PHONY: all run test bench install format format-check lint asan tsan clean
+.PHONY: all run test bench fuzz install format format-check lint asan tsan clean
 
 all: build/release/stamp
 
@@ -35,6 +35,12 @@ asan tsan: setup-test
 bench: setup-bench
 	@$(MAKE) --no-print-directory build/bench/stamp
 	bench/run $(BENCH)
+
+# Each fuzz target for FUZZ_TIME seconds.
+FUZZ_TIME ?= 60
+fuzz: setup-fuzz
+	@$(MAKE) --no-print-directory build/fuzz/stamp
+	tests/fuzz/run build/fuzz $(FUZZ_TIME)
 
 install: setup-run
 	@$(MAKE) --no-print-directory build/release/stamp

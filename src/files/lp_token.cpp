@@ -8,6 +8,11 @@
 #include "frame/runtime/text_number.h"
 #include <cstring>
 
+static bool is_compared(char c)
+{
+    return c == '<' || c == '>' || c == '=';
+}
+
 static const char *skip_comment(const LpReader *reader, const char *p)
 {
     const void *newline = memchr(p, '\n', static_cast<size_t>(reader->stop - p));
@@ -153,7 +158,7 @@ bool lp_at_section(const LpReader *reader)
     const char follower = *skip_line_blanks(reader->next);
     if (follower == ':') // two words label nothing
         return token->word == LpWord::SUBJECT_TO && span_length(token->text) > LONGEST_ST;
-    return !memchr("<>=*", follower, 4);
+    return !is_compared(follower) && follower != '*';
 }
 
 bool lp_compared_ahead(const LpReader *reader)
@@ -164,7 +169,7 @@ bool lp_compared_ahead(const LpReader *reader)
         if (kind == LpClass::NEWLINE || kind == LpClass::COMMENT || kind == LpClass::STOP ||
             *p == ':')
             return false;
-        if (*p == '<' || *p == '>' || *p == '=') return true;
+        if (is_compared(*p)) return true;
     }
 }
 
@@ -172,7 +177,7 @@ bool lp_take_label(LpReader *reader, TextSpan *label)
 {
     const char *begin = reader->token.text.begin;
     const char *end = begin;
-    while (lp_class(*end) >= LpClass::SIGN && !memchr("<>=:", *end, 4)) end++;
+    while (lp_class(*end) >= LpClass::SIGN && !is_compared(*end) && *end != ':') end++;
     const char *colon = skip_line_blanks(end);
     if (end == begin || *colon != ':' || colon[1] == ':') return false;
     *label = {begin, end};
