@@ -110,6 +110,7 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
     const double degenerate = s->DegenCount - s->LastDegenCount;
     const int period = s->SwitchCount > 2 || s->Perturbed >= 3 ? 5 : 2;
     if (!s->PerturbAllowed || s->PerturbCur <= 0 || s->NumFactor % period != 0) return;
+    if (s->Env->TARV_PAR_PRIMDUALSWITCH < 0 && s->Perturbed >= 3) return; // once is enough
     const bool stalled = steps > 0 && degenerate > STALL_SHARE * steps;
     s->LastPerturbIter = s->NPvt;
     s->LastDegenCount = s->DegenCount;

@@ -72,17 +72,23 @@ int keep_optimal(sopt *s)
     return s->Quad ? keep_optimal(s, s->Extended) : keep_optimal(s, s->Double);
 }
 
+// A method hands over. Where the caller does not want it, the dual first goes on itself, without perturbation.
+void hand_over(sopt *s)
+{
+    s->Status = SIMPLEX_RUNNING;
+    const bool stay = s->Method == METHOD_DUAL && s->SwitchCount == 0 &&
+                      s->Env->TARV_PAR_PRIMDUALSWITCH <= 0;
+    if (!stay) s->Method = s->Method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
+    if (++s->SwitchCount > 2 || stay) s->PerturbAllowed = 0;
+    if (s->SwitchCount > MAX_SWITCHES) s->Status = SIMPLEX_NUMERIC;
+}
+
 // Until one method ends with a final status.
 int run_methods(sopt *s)
 {
     for (;;) {
         TRY(run_live(s));
-        if (s->Status == SIMPLEX_SWITCH) {
-            s->Status = SIMPLEX_RUNNING;
-            s->Method = s->Method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
-            if (++s->SwitchCount > 2) s->PerturbAllowed = 0;
-            if (s->SwitchCount > MAX_SWITCHES) s->Status = SIMPLEX_NUMERIC;
-        }
+        if (s->Status == SIMPLEX_SWITCH) hand_over(s);
         if ((s->Status == SIMPLEX_NUMERIC || s->Status == SIMPLEX_NEED_QUAD) &&
             may_use_quad(s))
             TRY(go_extended(s));

@@ -10,6 +10,7 @@ constexpr int UPDATES_LEAST = 20;           // updates allowed whatever the size
 constexpr int UPDATES_ROOM = 100;           // few rows: a method may go on longer
 constexpr double UPDATES_POWER = 0.7;       // limit m^0.7
 constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates no fill test is made
+constexpr double ROOM_USUAL = 5, ROOM_MOST = 100; // TARV_PAR_SIMPLEXALLOCS: unit and limit
 constexpr uint64_t RANDOM_SEED = 101;
 constexpr double START_WORK = 50;         // of a run, before anything is touched
 constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed less
@@ -172,6 +173,9 @@ template<class R> int swork_create(sopt *s, swork<R> **out)
     *w = swork<R>{};
     const int m = s->NumRows;
     TRY(lu_alloc(&w->Lu, m, std::max(s->MaxUpdates, UPDATES_ROOM), s->ZeroTol));
+    const double room = std::min(ROOM_MOST, s->Env->TARV_PAR_SIMPLEXALLOCS / ROOM_USUAL);
+    w->Lu.PoolFactor *= room;
+    w->Lu.EtaFactor *= room;
     TRY(array_assign(&w->Cbar, s->NumVars, R(0)));
     TRY(array_assign(&w->Bbar, m, R(0)));
     for (SVec<R> *v : {&w->Rho, &w->Alpha, &w->Tau, &w->Work}) TRY(svec_alloc(v, m));
