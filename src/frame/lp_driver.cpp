@@ -12,11 +12,13 @@
 //             leaves the status at TVX_LOADED, and neither.
 #include "frame/attributes.h"
 #include "frame/lp_presolved.h"
+#include "frame/lp_run.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
+#include "presolve/presolve.h"
 #include "simplex/simplex.h"
 
 static bool already_solved(const TVXmodel *model)
@@ -71,10 +73,7 @@ static int run_simplex(TVXmodel *model, const Array<int> *statuses)
     TVXenv *env = model->env;
     const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
     if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
-    const bool given = statuses->size > 0;
-    const int code = SimplexOptimize(
-        model, choose_method(env), given ? statuses->data : nullptr,
-        given ? statuses->data + model->body->numvars : nullptr, nullptr, nullptr);
+    const int code = lp_run(model, model, choose_method(env), statuses);
     env->TARV_PAR_UNSCALEDVIO = unscaled_check;
     if (code != TVX_ERROR_NUMERIC) return code;
     model->status = TVX_NUMERIC; // an outcome, not an error
@@ -97,12 +96,10 @@ static void publish(TVXmodel *model, double start)
 // A limit or an interruption has stopped the last solve on its reduced model.
 static bool stopped_in_presolved(const TVXmodel *model)
 {
-    const int status = model->status;
     const WarmStart *given = warm_start_usable(model);
     if (given && given->kind == WARM_CHECKED) return false; // set since then
     return model->presolved && model->presolved->simplex && model->env->Presolve != 0 &&
-           (status == TVX_ITERATION_LIMIT || status == TVX_TIME_LIMIT ||
-            status == TVX_INTERRUPTED);
+           is_limit(model->status);
 }
 
 // A solve that a callback has stopped with a code of its own leaves results like any other that was
@@ -118,6 +115,7 @@ static int solve(TVXmodel *model, double start)
     if (basis.final) drop_simplex(model);
     const int code = basis.final ? 0 : run_simplex(model, &basis.statuses);
     if (code == OUT_OF_MEMORY) return code;
+    if (!is_limit(model->status)) presolve_drop(model); // nothing goes on from there
     publish(model, start);
     if (model->simplex) warm_start_drop(model);
     if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))

@@ -6,7 +6,7 @@
 #include "frame/lp_form.h"
 #include "frame/runtime/thread.h"
 #include "presolve/dualise.h"
-#include "presolve/presolve.h"
+#include "simplex/simplex.h"
 
 namespace
 {
@@ -119,6 +119,30 @@ int lp_form_choose(TVXmodel *model, LpForm *form)
     if (choice == BOTH_FORMS) return choose_from_both(model, form);
     const bool dual = choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(model));
     return dual ? take_dual(model, form) : 0;
+}
+
+int lp_form_prepare(const TVXmodel *form)
+{
+    Array<char> rows;
+    TRY(array_assign(&rows, form->presolved->body->numconstrs, char(0)));
+    if (postsolve_equations(form, rows.data) == 0) return 0;
+    return simplex_release_slacks(form->presolved, rows.data);
+}
+
+int lp_form_basis(const TVXmodel *form, PostsolveLimits limits, Array<int> *statuses)
+{
+    LpPoint point, full;
+    const TVXmodel *reduced = form->presolved;
+    if (reduced) {
+        const int n = reduced->body->numvars;
+        TRY(lp_point_alloc(&point, reduced, true));
+        simplex_get_primal(reduced->simplex, point.x.data);
+        simplex_get_dual(reduced->simplex, point.dual.data + n, point.dual.data);
+        simplex_get_basis(reduced->simplex, point.status.data);
+    }
+    TRY(postsolve_lp(form, reduced ? &point : nullptr, &full, limits));
+    *statuses = static_cast<Array<int> &&>(full.status);
+    return 0;
 }
 
 void lp_form_free(LpForm *form, const TVXmodel *model)

@@ -4,6 +4,8 @@
 //             form (the model or its dual); reduce it; solve the reduced model; map an optimum back to a basis of the
 //             form. A dual form is solved from there and its basis turned into one of the model. The caller confirms
 //             the basis on the model itself, usually without an iteration.
+//             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
+//             once, at the same limit, and shows the point.
 //             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
 //             hide: infeasible and unbounded cannot be told apart then.
 // Invariant   When this returns with a final status there is no simplex record. presolve and presolved stay only where a
@@ -11,6 +13,8 @@
 #include "frame/lp_presolved.h"
 #include "files/files.h"
 #include "frame/lp_form.h"
+#include "frame/lp_run.h"
+#include "frame/optimize.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
@@ -25,6 +29,9 @@ namespace
 constexpr double WIDE_COEFFICIENTS =
     1e15;                         // largest over smallest: reductions would lose digits
 constexpr double MANY_FREE = 0.2; // free variables against the smaller dimension, then
+
+constexpr int64_t SHOWN_ENTRIES =
+    5000000; // of a model whose point is made up after a limit: some tenths of a second
 
 bool has_start(const TVXmodel *model)
 {
@@ -93,107 +100,83 @@ int crushed_start(const TVXmodel *model, Array<int> *reduced)
     return 0;
 }
 
-int optimize_from(TVXmodel *model, int method, const Array<int> *statuses)
-{
-    const bool given = statuses->size > 0;
-    return SimplexOptimize(model, method, given ? statuses->data : nullptr,
-                           given ? statuses->data + model->body->numvars : nullptr, nullptr,
-                           nullptr);
-}
-
-int read_point(const TVXmodel *reduced, LpPoint *point)
-{
-    TRY(lp_point_alloc(point, reduced, true));
-    const sopt *s = reduced->simplex;
-    const int n = reduced->body->numvars;
-    simplex_get_primal(s, point->x.data);
-    simplex_get_dual(s, point->dual.data + n, point->dual.data);
-    simplex_get_basis(s, point->status.data);
-    return 0;
-}
-
-int come_back(const TVXmodel *form, Array<int> *statuses)
-{
-    LpPoint reduced, full;
-    if (form->presolved) TRY(read_point(form->presolved, &reduced));
-    TRY(postsolve_lp(form, form->presolved ? &reduced : nullptr, &full));
-    *statuses = static_cast<Array<int> &&>(full.status);
-    return 0;
-}
-
-void count_effort(TVXmodel *model, const TVXmodel *solved)
-{
-    if (!solved->simplex) return;
-    model->lp_result->itercount += simplex_iterations(solved->simplex);
-    model->node_count += simplex_work_units(solved->simplex);
-}
-
-// The optimal basis of the reduced model as the way back wants it.
-int prepare_basis(const TVXmodel *form)
-{
-    Array<char> rows;
-    TRY(array_assign(&rows, form->presolved->body->numconstrs, char(0)));
-    if (postsolve_equations(form, rows.data) == 0) return 0;
-    return simplex_release_slacks(form->presolved, rows.data);
-}
-
-// The simplex on the reduced model of a form. Its status goes to *status.
-int solve_reduced(TVXmodel *model, TVXmodel *form, int method, int *status)
+// The simplex on the reduced model of a form, from `statuses` if there are any. Its status goes to *status.
+int solve_reduced(TVXmodel *model, TVXmodel *form, int method, const Array<int> *statuses,
+                  int *status)
 {
     TVXmodel *reduced = form->presolved;
     *status = TVX_OPTIMAL;
     if (!reduced) return 0;
-    Array<int> statuses;
-    if (form == model) TRY(crushed_start(model, &statuses));
-    int code = optimize_from(reduced, method, &statuses);
-    if (code == 0 && reduced->status == TVX_OPTIMAL) code = prepare_basis(form);
+    int code = lp_run(model, reduced, method, statuses);
+    if (code == 0 && reduced->status == TVX_OPTIMAL) code = lp_form_prepare(form);
     if (code == OUT_OF_MEMORY) return code;
-    count_effort(model, reduced);
+    if (reduced->simplex)
+        model->lp_result->itercount = simplex_iterations(reduced->simplex);
     model->lp_result->reduced_itercount = model->lp_result->itercount;
     *status = code == TVX_ERROR_NUMERIC ? TVX_NUMERIC : reduced->status;
     return code == TVX_ERROR_NUMERIC ? 0 : code;
 }
 
-// A dual form that is solved: the model's own basis.
+// The basis of the dual form as one of the model.
+int turn_basis(const TVXmodel *model, Array<int> *statuses)
+{
+    const ModelBody *body = model->body;
+    Array<int> own;
+    TRY(array_resize(&own, int64_t{body->numvars} + body->numconstrs));
+    dual_basis_to_primal(body, model->env->TARV_PAR_INFBOUND, statuses->data, own.data);
+    *statuses = static_cast<Array<int> &&>(own);
+    return 0;
+}
+
+// A dual form that is solved, or that a limit stops: the model's own basis.
 int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
 {
-    TRY(optimize_from(dual, method, &start->statuses));
-    count_effort(model, dual);
-    if (dual->status != TVX_OPTIMAL) { // the model itself has to tell
-        array_free(&start->statuses);
+    const int code = lp_run(model, dual, method, &start->statuses);
+    if (code && code != TVX_ERROR_NUMERIC) return code;
+    if (code || !(dual->status == TVX_OPTIMAL || is_limit(dual->status))) {
+        array_free(&start->statuses); // the model itself has to tell
         return 0;
     }
-    Array<int> dual_status;
+    simplex_get_basis(dual->simplex, start->statuses.data);
+    return turn_basis(model, &start->statuses);
+}
+
+// A limit has stopped the reduced model. The basis it has come to, in the model, gives its point there, optimal or not;
+// the next solve goes on from the reduced model itself. A huge model shows nothing: to make up its point takes time.
+int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *start)
+{
     const ModelBody *body = model->body;
-    TRY(array_resize(&dual_status, int64_t{dual->body->numvars} + dual->body->numconstrs));
-    simplex_get_basis(dual->simplex, dual_status.data);
-    TRY(array_resize(&start->statuses, int64_t{body->numvars} + body->numconstrs));
-    dual_basis_to_primal(body, model->env->TARV_PAR_INFBOUND, dual_status.data,
-                         start->statuses.data);
+    if (int64_t{body->numnz} + body->numvars + body->numconstrs > SHOWN_ENTRIES) {
+        settle(model, status, start);
+        return 0;
+    }
+    TRY(lp_form_basis(form, PostsolveLimits::IGNORE, &start->statuses));
+    if (form != model) TRY(turn_basis(model, &start->statuses));
+    presolve_mend_basis(body->numvars, body->numconstrs, start->statuses.data);
     return 0;
 }
 
 // What the outcome on the form means for the model.
 int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *start)
 {
-    const bool dual = form != model;
     if (status == TVX_OPTIMAL) {
-        const int code = come_back(form, &start->statuses);
+        const int code = lp_form_basis(form, PostsolveLimits::OBEY, &start->statuses);
         if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
             settle(model, code, start); // the next solve comes back from where this one was
             return 0;
         }
         TRY(code);
         presolve_drop(form);
-        return dual ? leave_dual_form(model, form, method, start) : 0;
+        return form == model ? 0 : leave_dual_form(model, form, method, start);
     }
+    if (is_limit(status)) return show_stopped(model, form, status, start);
     if (status == TVX_NUMERIC) { // the model itself may fare better
         presolve_drop(form);
         return 0;
     }
     const bool open = status == TVX_INFEASIBLE || status == TVX_UNBOUNDED;
     settle(model, open ? TVX_INF_OR_UNBD : status, start);
-    if (open) presolve_drop(form);
+    presolve_drop(form);
     return 0;
 }
 
@@ -232,8 +215,12 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
         settle(model, hidden ? TVX_INF_OR_UNBD : status, start);
         return 0;
     }
-    if (form->model != model) method = 1 - method;
-    TRY(solve_reduced(model, form->model, method, &status));
+    Array<int> statuses;
+    if (form->model != model)
+        method = 1 - method;
+    else if (model->presolved)
+        TRY(crushed_start(model, &statuses));
+    TRY(solve_reduced(model, form->model, method, &statuses, &status));
     return conclude(model, form->model, method, status, start);
 }
 } // namespace
@@ -242,7 +229,8 @@ int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start)
 {
     if (resume) {
         int status = 0;
-        TRY(solve_reduced(model, model, method, &status));
+        const Array<int> as_it_stands;
+        TRY(solve_reduced(model, model, method, &as_it_stands, &status));
         return conclude(model, model, method, status, start);
     }
     presolve_drop(model);

@@ -27,6 +27,13 @@ struct MipFocusSaved {
 MipFocusSaved mip_focus_apply(TVXenv *env);
 void mip_focus_restore(TVXenv *env, const MipFocusSaved &saved);
 
+// A limit or an interruption: the solve can go on.
+inline bool is_limit(int status)
+{
+    return status == TVX_ITERATION_LIMIT || status == TVX_TIME_LIMIT ||
+           status == TVX_INTERRUPTED;
+}
+
 // ---- lp_bounded.cpp ----
 // No objective value can run away within the bounds alone: a model that is infeasible or unbounded
 // is then infeasible.

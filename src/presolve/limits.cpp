@@ -17,6 +17,7 @@ void presolve_log(PresolveWork *w)
 
 int limits_reached(const TVXenv *env)
 {
+    if (!env) return PRESOLVE_OK;
     if (env_stop_requested(env)) return PRESOLVE_INTERRUPTED;
     const bool late = WallClock() - env->optimize_start >= env->TimeLimit;
     return late ? PRESOLVE_TIME_LIMIT : PRESOLVE_OK;

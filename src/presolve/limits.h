@@ -2,14 +2,14 @@
 #pragma once
 #include "frame/env.h"
 
-// A PresolveStatus: 0, or the limit that is reached.
+// A PresolveStatus: 0, or the limit that is reached; none without an environment.
 [[nodiscard]] int limits_reached(const TVXenv *env);
 
 // In a scan: so many entries (or what takes as long) have been looked at since the last call. The limits are looked at when
 // it has been many, so that none is overrun by more than some hundredths of a second.
 static constexpr double CHECK_ENTRIES = 1e5;
 struct LimitWatch {
-    const TVXenv *env;
+    const TVXenv *env; // or null
     double entries = 0; // since the last look
 };
 [[nodiscard]] inline int limits_watch(LimitWatch *watch, double entries)

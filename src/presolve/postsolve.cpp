@@ -107,16 +107,17 @@ int postsolve_equations(const TVXmodel *model, char *rows)
     return count;
 }
 
-int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full)
+int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
+                 PostsolveLimits limits)
 {
     const PresolveResult *result = model->presolve;
     TRY(lp_point_alloc(full, model, !reduced || reduced->status.size > 0));
     PostPoint point = {model->body->numvars, model->body->numconstrs, full->x.data,
                        full->dual.data,      full->status.data,       result->INF};
-    LimitWatch watch = {model->env};
-    TRY(limits_reached(model->env));
+    LimitWatch watch = {limits == PostsolveLimits::OBEY ? model->env : nullptr};
+    TRY(limits_reached(watch.env));
     scatter(result, model->presolved, reduced, &point);
-    TRY(limits_reached(model->env));
+    TRY(limits_reached(watch.env));
     for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
         undo_record(undo, &point);
         TRY(limits_watch(&watch, 2.0 + undo->count));

@@ -37,13 +37,15 @@ struct LpPoint {
 int postsolve_equations(const TVXmodel *model, char *rows);
 
 // Maps a solution of the reduced model (null when nothing is left of it) back to the model. A PresolveStatus of the
-// limits, or OUT_OF_MEMORY.
-[[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced,
-                               LpPoint *full);
+// limits if they are obeyed, or OUT_OF_MEMORY.
+enum class PostsolveLimits { OBEY, IGNORE };
+[[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
+                               PostsolveLimits limits = PostsolveLimits::OBEY);
 
-// Maps a basis of the model to the reduced model: statuses [n + m] of each. The result may have too few or too many
-// basic entries; it is made a basis by slacks.
+// Maps a basis of the model to the reduced model: statuses [n + m] of each.
 void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);
+// Statuses [n + m] with too few or too many basic entries get m of them.
+void presolve_mend_basis(int n, int m, int *statuses);
 
 // What a presolve has done so far.
 struct PresolveWork;

@@ -181,7 +181,7 @@ int solve(sopt *s)
 {
     TRY(keep_optimal(s));
     if (s->Status == SIMPLEX_RUNNING) {
-        TRY(run_methods(s));
+        if (!limit_reached(s)) TRY(run_methods(s));
         finish_live(s);
     }
     const bool look = s->Env->TARV_PAR_UNSCALEDVIO != 0;

@@ -71,6 +71,28 @@ static int status_of(TVXmodel *model)
     return status;
 }
 
+static void expect_basic_point(const Limited &limited, TVXmodel *model)
+{
+    LpSolution point;
+    ASSERT_EQ(lp_read_point(model, &point), 0);
+    const LpModel *lp = &limited.lp;
+    int basics = 0;
+    for (const int code : point.vbasis) basics += code >= 0;
+    for (const int code : point.cbasis) basics += code >= 0;
+    EXPECT_EQ(basics, lp->num_rows());
+    const auto value = static_cast<double>(lp_objective(lp, point.x));
+    EXPECT_NEAR(point.objval, value, 1e-9 * (1 + std::fabs(value)));
+    const std::vector<long double> activity = lp_activity(lp, point.x);
+    double violation = 0, told = 0;
+    for (int i = 0; i < lp->num_rows(); i++) {
+        const auto over = static_cast<double>(activity[i] - lp->rhs[i]);
+        if (lp->senses[i] != '>') violation = std::max(violation, over);
+        if (lp->senses[i] != '<') violation = std::max(violation, -over);
+    }
+    ASSERT_EQ(TVXgetdblattr(model, "ConstrVio", &told), 0);
+    EXPECT_NEAR(told, violation, 1e-9 * (1 + violation));
+}
+
 TEST(Limits, iteration_limit_stops_and_the_next_solve_continues)
 {
     for (const double limit : {0.0, 1.0, 2.0, 7.0})
@@ -85,6 +107,33 @@ TEST(Limits, iteration_limit_stops_and_the_next_solve_continues)
             ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
             expect_optimum(limited, model);
         });
+}
+
+// What is shown of a stopped solve is a basis of the model and the point that belongs to it, also when the reduced model
+// or that of the dual form was stopped; the violations of that point are told as they are.
+TEST(Limits, a_stopped_solve_shows_a_basic_point_of_the_model)
+{
+    const TestEnv env;
+    int shown = 0;
+    for (const Family family : families)
+        for (const int k : {0, 1, 2, 3}) {
+            const int lp_method = k % 2, pre_dual = k / 2;
+            const Limited limited = make_limited(env.env, family, lp_method, 1);
+            const TestModel model(lp_load(env.env, &limited.lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model), {{"LPMethod", lp_method},
+                                                        {"Presolve", 1},
+                                                        {"PreDual", pre_dual},
+                                                        {"IterationLimit", 2}}),
+                      0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            if (status_of(model) == TVX_ITERATION_LIMIT) {
+                expect_basic_point(limited, model);
+                shown++;
+            }
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
+            expect_optimum(limited, model);
+        }
+    EXPECT_GE(shown, 8);
 }
 
 TEST(Limits, a_solve_in_many_legs_arrives)
