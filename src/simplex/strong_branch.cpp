@@ -4,7 +4,8 @@
 // Method      The optimal basis stays dual feasible, so the dual simplex goes on from it at once: only one basic value
 //             is out of bounds. Basis, values, weights and factors are kept once and copied back after each probe,
 //             which costs a few sweeps over memory instead of a factorisation. No perturbation, no confirmation on fresh
-//             factors: what counts is the bound on the objective, and that is valid at every dual feasible basis.
+//             factors: what counts is the bound on the objective, and that is valid at every dual feasible basis. Where
+//             shifted costs have led the dual to a basis that is not, the primal goes on within the same limit.
 // Invariant   Between probes the record is what it was at open, but for the order inside rows of the row copy.
 // Cost        A probe: its iterations, and O(n + m + entries of the factors).
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
@@ -16,7 +17,8 @@ namespace
 // The record and its environment, as far as runs change them.
 struct KeptScalars {
     double NPvt, IterBase, Pivots, Work, Obj, MarkowitzTol, RhsSize, PrimalError,
-        PrimalResidual, DualResidual, DegenCount, LastDegenCount, LastPerturbIter;
+        PrimalResidual, DualResidual, DegenCount, LastDegenCount, LastPerturbIter, FeasTol,
+        OptTol, PerturbCur;
     int NumFactor, Method, RefacReason, SwitchCount, NumericCount, SingularCount,
         PerturbAllowed, FeasTolCount, OptTolCount, TightProof, MaxUpdates;
 };
@@ -37,6 +39,9 @@ template<class F> void for_each_scalar(sopt *s, KeptScalars *k, const F &f)
     f(&s->DegenCount, &k->DegenCount);
     f(&s->LastDegenCount, &k->LastDegenCount);
     f(&s->LastPerturbIter, &k->LastPerturbIter);
+    f(&s->FeasTol, &k->FeasTol);
+    f(&s->OptTol, &k->OptTol);
+    f(&s->PerturbCur, &k->PerturbCur);
     f(&s->NumFactor, &k->NumFactor);
     f(&s->Method, &k->Method);
     f(&s->RefacReason, &k->RefacReason);
@@ -132,7 +137,8 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
     if (d->Rejected > 0)
         for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
     d->Rejected = 0;
-    if (s->Perturbed) dual_remove_perturbation(s);
+    if (s->Perturbed || s->Method == METHOD_PRIMAL) dual_remove_perturbation(s);
+    if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s); // it shifts them
     for_each_scalar(s, &b->Scalars, TO_RECORD);
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
@@ -200,37 +206,97 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
     return dual_pivots(s, w);
 }
 
-template<class R> BranchOutcome outcome_of(const StrongBranch *b, const swork<R> *w)
+// What no solution of the branch can better, from the basis at hand: its objective less what reduced costs of the wrong
+// sign could still gain. Shifts may have left such.
+template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
+{
+    sopt *s = b->Record;
+    if (s->Perturbed) {
+        dual_remove_perturbation(s);
+        compute_dual(s, w);
+    }
+    long double gain = 0;
+    for (int j = 0; j < s->NumVars; j++) {
+        const int status = s->VStat.data[j];
+        if (status >= 0 || status == AT_FIXED) continue;
+        const double d = static_cast<double>(w->Cbar.data[j]),
+                     wrong = status == AT_LOWER   ? -d
+                             : status == AT_UPPER ? d
+                                                  : std::fabs(d);
+        if (wrong <= s->OptTol) continue;
+        const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+        if (!has_lower(s, lower) || !has_upper(s, upper)) return b->Optimum;
+        gain += wrong * (static_cast<long double>(upper) - lower);
+    }
+    const double bound = true_objective(s, w) - static_cast<double>(gain) / s->ObjScale;
+    return std::max(b->Optimum, bound + s->ObjOffset); // a bound cannot better the optimum
+}
+
+// The dual has met true costs for which its basis is not optimal: the primal goes on, in a record of its own, as what
+// the last primal run has left is not this one's.
+template<class R> int run_primal(sopt *s, swork<R> *w)
+{
+    popt<R> *other = w->Primal;
+    w->Primal = nullptr;
+    s->Status = SIMPLEX_RUNNING;
+    s->Method = METHOD_PRIMAL;
+    s->PerturbAllowed = 1;
+    const int code = PrimalRun(s, w);
+    popt_free(&w->Primal);
+    w->Primal = other;
+    return code;
+}
+
+// What the end of a run means; bound is the safe one of its dual part.
+BranchOutcome conclude(const StrongBranch *b, double value, double bound)
 {
     const sopt *s = b->Record;
-    BranchOutcome outcome = {s->Status, b->Optimum, s->NPvt};
     switch (s->Status) {
     case SIMPLEX_INFEASIBLE:
     case SIMPLEX_CUTOFF:
-        outcome.Value = UNDEFINED_VALUE;
-        break;
+        return {s->Status, UNDEFINED_VALUE, s->NPvt};
     case SIMPLEX_OPTIMAL:
+        value = std::max(value, b->Optimum);
+        if (value - s->ObjOffset > s->Cutoff)
+            return {SIMPLEX_CUTOFF, UNDEFINED_VALUE, s->NPvt};
+        return {SIMPLEX_OPTIMAL, value, s->NPvt};
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
-    case SIMPLEX_INTERRUPTED: // a bound cannot better the optimum
-        outcome.Value = std::max(b->Optimum, true_objective(s, w) + s->ObjOffset);
+    case SIMPLEX_INTERRUPTED:
+        return {s->Status, bound, s->NPvt};
+    default:
+        return {SIMPLEX_NUMERIC, bound, s->NPvt};
+    }
+}
+
+template<class R>
+int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutcome *outcome)
+{
+    sopt *s = b->Record;
+    TRY(run(s, w, old));
+    double bound = b->Optimum;
+    switch (s->Status) {
+    case SIMPLEX_SWITCH:
+        bound = safe_bound(b, w);
+        TRY(run_primal(s, w));
         break;
-    default: // in trouble, or work for another method
-        outcome.Status = SIMPLEX_NUMERIC;
+    case SIMPLEX_ITERATION_LIMIT:
+    case SIMPLEX_TIME_LIMIT:
+    case SIMPLEX_INTERRUPTED:
+        bound = safe_bound(b, w);
+        break;
+    default: // optimal, infeasible, or in trouble
         break;
     }
-    if (outcome.Value - s->ObjOffset > s->Cutoff && outcome.Status == SIMPLEX_OPTIMAL)
-        outcome = {SIMPLEX_CUTOFF, UNDEFINED_VALUE, s->NPvt};
-    return outcome;
+    *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
+    return 0;
 }
 
 template<class R>
 int probe(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutcome *outcome)
 {
-    sopt *s = b->Record;
-    const int code = run(s, w, old);
-    *outcome = outcome_of(b, w);
-    loosen(s, old);
+    const int code = solve_branch(b, w, old, outcome);
+    loosen(b->Record, old);
     bring_back(b, w);
     return code;
 }
