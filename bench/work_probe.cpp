@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 static constexpr int INT_TYPE = 1, DOUBLE_TYPE = 2;
 
@@ -78,13 +79,14 @@ static void print_optimum(TVXmodel *model)
            attribute(model, "DualVio"), has_basis(model));
 }
 
-static void print_result(TVXmodel *model)
+static void print_result(TVXmodel *model, double processor_seconds)
 {
     int status = 0;
     const double iterations = attribute(model, "IterCount");
     TVXgetintattr(model, "Status", &status);
-    printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f",
-           status_name(status), iterations, attribute(model, "Runtime"));
+    printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f, "
+           "\"solve_cpu\": %.6f",
+           status_name(status), iterations, attribute(model, "Runtime"), processor_seconds);
     printf(", \"total_work\": %.0f", model->node_count); // with presolve, all stages
     if (model->lp_result)
         printf(", \"clean_up\": %.0f", iterations - model->lp_result->reduced_itercount);
@@ -93,6 +95,14 @@ static void print_result(TVXmodel *model)
         printf(", \"factorizations\": %d, \"work\": %.0f", simplex_factorizations(s),
                simplex_work_units(s));
     printf("}\n");
+}
+
+// Of all threads, in seconds.
+static double processor_time()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
 int main(int argc, char **argv)
@@ -119,9 +129,10 @@ int main(int argc, char **argv)
         error = TVX_ERROR_NULL_ARGUMENT;
     }
     if (!error) error = TVXreadmodel(env, file, &model);
+    const double begin = processor_time();
     if (!error) error = TVXoptimize(model);
     if (!error)
-        print_result(model);
+        print_result(model, processor_time() - begin);
     else
         fprintf(stderr, "tarvex_probe: error %d: %s\n", error, TVXgeterrormsg(env));
     TVXfreemodel(model);

@@ -16,19 +16,19 @@ WORST = 5
 MEASURES = {
     "cpu": "user and system time of the whole process (start, reading, solve)",
     "wall": "elapsed time of the whole process (start, reading, solve)",
-    "solve": "solve time as each program reports it (tarvex and glpsol elapsed, clp processor time)",
+    "solve": "the solve alone as each program tells it (processor time by tarvex_probe, clp and highs, else elapsed)",
 }
 
 
 def seconds(record, measure):
     """The time of one run under a measure, or None when the program does not tell."""
     if record["solver"] == "highs":  # its process is mostly Python and our slow reader
-        return record.get("solve_cpu" if measure == "cpu" else "solve_wall")
+        return record.get("solve_wall" if measure == "wall" else "solve_cpu")
     if measure == "cpu":
         return record["user"] + record["sys"]
     if measure == "wall":
         return record["wall"]
-    return record.get("solve_wall", record.get("solve_cpu"))
+    return record.get("solve_cpu", record.get("solve_wall"))
 
 
 class Table:
