@@ -553,53 +553,56 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
  */
 
 /* Where the function is called from. Later versions may call it from more places. */
-#define TVX_WHERE_POLLING 0                    /* now and then, nothing to report */
-#define TVX_WHERE_PRESOLVE 1                   /* between and within reductions */
-#define TVX_WHERE_SIMPLEX 2                    /* every iteration */
-#define TVX_WHERE_MIP 3                        /* a line of the MIP log */
-#define TVX_WHERE_SOLUTION 4                   /* a new MIP solution */
-#define TVX_WHERE_NODE 5                       /* a MIP node was solved */
-#define TVX_WHERE_MESSAGE 6                    /* a line is logged, whether it is printed or not */
-#define TVX_WHERE_BARRIER 7                    /* an iteration of the barrier method */
+#define TVX_WHERE_POLLING 0  /* now and then, nothing to report */
+#define TVX_WHERE_PRESOLVE 1 /* between and within reductions */
+#define TVX_WHERE_SIMPLEX 2  /* every iteration */
+#define TVX_WHERE_MIP 3      /* a line of the MIP log */
+#define TVX_WHERE_SOLUTION 4 /* a new MIP solution */
+#define TVX_WHERE_NODE 5     /* a MIP node was solved */
+#define TVX_WHERE_MESSAGE 6  /* a line is logged, whether it is printed or not */
+#define TVX_WHERE_BARRIER 7  /* an iteration of the barrier method */
 
 /* What it may ask for: int, unless told otherwise. The MIP search and the barrier have no moments yet. */
-#define TVX_CB_PRESOLVE_COLUMNS 1000           /* columns removed */
-#define TVX_CB_PRESOLVE_ROWS 1001              /* rows removed */
-#define TVX_CB_PRESOLVE_EQUATIONS 1002         /* inequalities turned into equations */
-#define TVX_CB_PRESOLVE_BOUNDS 1003            /* bounds changed */
-#define TVX_CB_PRESOLVE_COEFFICIENTS 1004      /* coefficients changed */
-#define TVX_CB_SIMPLEX_ITERATIONS 2000         /* double: iterations of this solve so far */
-#define TVX_CB_SIMPLEX_OBJECTIVE 2001          /* double: objective, of the model as it was given */
-#define TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY 2002 /* double: sum of primal infeasibilities, in the solver's scaling */
-#define TVX_CB_SIMPLEX_DUAL_INFEASIBILITY 2003 /* double: sum of dual infeasibilities, in the solver's scaling */
-#define TVX_CB_SIMPLEX_PERTURBED 2004          /* costs and bounds: 0 the true ones, 1 some were shifted, 2 perturbed */
-#define TVX_CB_MIP_OBJECTIVE 3000              /* double: best objective */
-#define TVX_CB_MIP_BOUND 3001                  /* double: best bound */
-#define TVX_CB_MIP_NODES 3002                  /* double: nodes explored */
-#define TVX_CB_MIP_SOLUTIONS 3003              /* solutions found */
-#define TVX_CB_MIP_CUTS 3004                   /* cuts in use */
-#define TVX_CB_MIP_OPEN_NODES 3005             /* double: nodes still open */
-#define TVX_CB_MIP_ITERATIONS 3006             /* double: simplex iterations */
-#define TVX_CB_SOLUTION_VALUES 4001            /* double [NumVars]: the new solution */
-#define TVX_CB_SOLUTION_OBJECTIVE 4002         /* double: its objective */
-#define TVX_CB_SOLUTION_BEST 4003              /* double: best objective */
-#define TVX_CB_SOLUTION_BOUND 4004             /* double: best bound */
-#define TVX_CB_SOLUTION_NODES 4005             /* double: nodes explored */
-#define TVX_CB_SOLUTION_COUNT 4006             /* solutions found */
-#define TVX_CB_NODE_STATUS 5001                /* status of the node relaxation */
-#define TVX_CB_NODE_VALUES 5002                /* double [NumVars]: its solution */
-#define TVX_CB_NODE_BEST 5003                  /* double: best objective */
-#define TVX_CB_NODE_BOUND 5004                 /* double: best bound */
-#define TVX_CB_NODE_NODES 5005                 /* double: nodes explored */
-#define TVX_CB_NODE_SOLUTIONS 5006             /* solutions found */
-#define TVX_CB_MESSAGE_TEXT 6001               /* const char *: the line, valid during the call */
-#define TVX_CB_SECONDS 6002                    /* double: seconds since TVXoptimize began; from anywhere */
-#define TVX_CB_BARRIER_ITERATIONS 7001         /* iterations */
-#define TVX_CB_BARRIER_PRIMAL_OBJECTIVE 7002   /* double: primal objective */
-#define TVX_CB_BARRIER_DUAL_OBJECTIVE 7003     /* double: dual objective */
+#define TVX_CB_PRESOLVE_COLUMNS 1000      /* columns removed */
+#define TVX_CB_PRESOLVE_ROWS 1001         /* rows removed */
+#define TVX_CB_PRESOLVE_EQUATIONS 1002    /* inequalities turned into equations */
+#define TVX_CB_PRESOLVE_BOUNDS 1003       /* bounds changed */
+#define TVX_CB_PRESOLVE_COEFFICIENTS 1004 /* coefficients changed */
+#define TVX_CB_SIMPLEX_ITERATIONS 2000    /* double: iterations of this solve so far */
+#define TVX_CB_SIMPLEX_OBJECTIVE 2001 /* double: objective, of the model as it was given */
+#define TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY                                                \
+    2002 /* double: sum of primal infeasibilities, in the solver's scaling */
+#define TVX_CB_SIMPLEX_DUAL_INFEASIBILITY                                                  \
+    2003 /* double: sum of dual infeasibilities, in the solver's scaling */
+#define TVX_CB_SIMPLEX_PERTURBED                                                           \
+    2004 /* costs and bounds: 0 the true ones, 1 some were shifted, 2 perturbed */
+#define TVX_CB_MIP_OBJECTIVE 3000      /* double: best objective */
+#define TVX_CB_MIP_BOUND 3001          /* double: best bound */
+#define TVX_CB_MIP_NODES 3002          /* double: nodes explored */
+#define TVX_CB_MIP_SOLUTIONS 3003      /* solutions found */
+#define TVX_CB_MIP_CUTS 3004           /* cuts in use */
+#define TVX_CB_MIP_OPEN_NODES 3005     /* double: nodes still open */
+#define TVX_CB_MIP_ITERATIONS 3006     /* double: simplex iterations */
+#define TVX_CB_SOLUTION_VALUES 4001    /* double [NumVars]: the new solution */
+#define TVX_CB_SOLUTION_OBJECTIVE 4002 /* double: its objective */
+#define TVX_CB_SOLUTION_BEST 4003      /* double: best objective */
+#define TVX_CB_SOLUTION_BOUND 4004     /* double: best bound */
+#define TVX_CB_SOLUTION_NODES 4005     /* double: nodes explored */
+#define TVX_CB_SOLUTION_COUNT 4006     /* solutions found */
+#define TVX_CB_NODE_STATUS 5001        /* status of the node relaxation */
+#define TVX_CB_NODE_VALUES 5002        /* double [NumVars]: its solution */
+#define TVX_CB_NODE_BEST 5003          /* double: best objective */
+#define TVX_CB_NODE_BOUND 5004         /* double: best bound */
+#define TVX_CB_NODE_NODES 5005         /* double: nodes explored */
+#define TVX_CB_NODE_SOLUTIONS 5006     /* solutions found */
+#define TVX_CB_MESSAGE_TEXT 6001       /* const char *: the line, valid during the call */
+#define TVX_CB_SECONDS 6002 /* double: seconds since TVXoptimize began; from anywhere */
+#define TVX_CB_BARRIER_ITERATIONS 7001           /* iterations */
+#define TVX_CB_BARRIER_PRIMAL_OBJECTIVE 7002     /* double: primal objective */
+#define TVX_CB_BARRIER_DUAL_OBJECTIVE 7003       /* double: dual objective */
 #define TVX_CB_BARRIER_PRIMAL_INFEASIBILITY 7004 /* double: primal infeasibility */
-#define TVX_CB_BARRIER_DUAL_INFEASIBILITY 7005 /* double: dual infeasibility */
-#define TVX_CB_BARRIER_COMPLEMENTARITY 7006    /* double: complementarity */
+#define TVX_CB_BARRIER_DUAL_INFEASIBILITY 7005   /* double: dual infeasibility */
+#define TVX_CB_BARRIER_COMPLEMENTARITY 7006      /* double: complementarity */
 
 /* The caller's function.
  *   model    in  whose solve it is

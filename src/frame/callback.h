@@ -33,7 +33,11 @@ void callback_message(TVXenv *env, const char *format, va_list arguments) TVX_PR
 // becomes the code of TVXoptimize.
 void callback_call(TVXenv *env, int where, const CallbackState &state);
 
+// A solve inside another one has nothing of its own to show: the outer one's function is called as from a long loop.
 inline void callback_poll(TVXenv *env, int where, const CallbackState &state)
 {
-    if (env->cb_active) callback_call(env, where, state);
+    if (env->cb_active)
+        callback_call(env, where, state);
+    else if (env->outer && env->outer->cb_active)
+        callback_call(env->outer, TVX_WHERE_POLLING, CallbackState());
 }

@@ -160,12 +160,14 @@ int TVXsetcallbackfunc(TVXmodel *model, TVXcallback function, void *usrdata)
 
 int TVXgetcallbackfunc(TVXmodel *model, TVXcallback *function_out)
 {
-    int code = TVXcheckmodel(model);
-    if (!code && !function_out)
-        code = fail_model(model, TVX_ERROR_NULL_ARGUMENT, Report::KEEP_FIRST,
-                          "Unable to query callback function");
-    if (!code) *function_out = model->env->cb_active;
-    return finish_model(model, code);
+    const int code = TVXcheckmodel(model);
+    if (code) return finish_model(model, code);
+    if (!function_out)
+        return finish_model(model,
+                            fail_model(model, TVX_ERROR_NULL_ARGUMENT, Report::KEEP_FIRST,
+                                       "Unable to query callback function"));
+    *function_out = model->env->cb_active;
+    return finish_model(model, 0);
 }
 
 int TVXcbget(void *cbdata, int where, int what, void *result_out)

@@ -178,7 +178,7 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
     copy->message_lock = 0;
     copy->cb_record = nullptr;
     copy->cb_active = nullptr;
-    copy->hook[0] = nullptr;
+    copy->outer = nullptr;
     copy->is_master = 0;
     copy->log_file = nullptr;
     flag_store(&source->model_copies, 1);

@@ -49,7 +49,8 @@ struct TVXenv {
     int callback_code;      // what it returned in this solve, if not 0: the first
     CallbackRecord
         *cb_record; // one block, owned; its first word is set to 0 before it is freed
-    void *hook[3];  // inner solve reports to the outer: function and two arguments
+    TVXenv
+        *outer; // of the solve that this one is a part of: its callback is polled; or null
 
     // One field per parameter, named like it.
 #define FIELD_INT(name, minimum, maximum, value) int name;

@@ -120,6 +120,7 @@ int make_env(const TVXmodel *model, double done, Auxiliary *aux)
 {
     TRY(env_copy(&aux->env, model->env, LogReopen::NO));
     TVXenv *env = aux->env;
+    env->outer = model->env;
     env->OutputFlag = 0;
     env->quiet_solve = 1;
     env->Cutoff = UNDEFINED_VALUE;

@@ -53,8 +53,9 @@ template<int LANES> struct Lanes<double, LANES> {
         for (int l = 0; l < LANES / 2; l++) {
             const TwoInts keep = (V[l] > drop) | (V[l] < -drop); // -1 where true
             V[l] = reinterpret_cast<Two>(reinterpret_cast<TwoInts>(V[l] / diag) & keep);
-            counts[2 * l] -= keep[0];
-            counts[2 * l + 1] -= keep[1];
+            counts[0] -= keep[0];
+            counts[1] -= keep[1];
+            counts += 2;
         }
     }
     void subtract(const Lanes &factor, double a)

@@ -1,4 +1,5 @@
 // callback_test.cpp -- the caller's callback function: when it is called, what it may ask, how it stops a solve
+#include "frame/env.h"
 #include "support/model_test.h"
 #include <cmath>
 #include <csignal>
@@ -87,6 +88,11 @@ TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)
     calls.clear();
     EXPECT_EQ(TVXoptimize(copy), 0);
     EXPECT_TRUE(calls.empty());
+    TVXgetenv(copy)->outer = own(); // as in a solve within the solve of the model
+    EXPECT_EQ(TVXresetmodel(copy), 0);
+    EXPECT_EQ(TVXoptimize(copy), 0);
+    EXPECT_GT(calls[TVX_WHERE_POLLING], 0);
+    EXPECT_EQ(calls.size(), 1U);
     TVXfreemodel(copy);
 }
 
