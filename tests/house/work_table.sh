@@ -10,7 +10,7 @@ cd "$folder"
 # A probe that costs what the file "cost" says, and a model to be its argument.
 cat >probe <<'END'
 #!/bin/sh
-case "$*" in *LPMethod=1*) . ./dual ;; *) . ./primal ;; esac
+case "$*" in *LPMethod=1*) . ./dual ;; *LPMethod=0*) . ./primal ;; *) . ./presolved ;; esac
 echo "the log"
 echo "{\"status\": \"$status\", \"iterations\": $iterations, \"factorizations\": 50, \"work\": $work}"
 END
@@ -30,9 +30,10 @@ SOURCE=$1
 
 cost primal optimal 1000 50000
 cost dual optimal 2000 90000
-expect 1 "2 of 2 runs are not in the table"
+cost presolved optimal 500 20000
+expect 1 "3 of 3 runs are not in the table"
 work --update >/dev/null
-expect 0 "work: geometric mean 1.000 of the table's over 2 runs; 0 fell"
+expect 0 "work: geometric mean 1.000 of the table's over 3 runs; 0 fell"
 cost dual optimal 2190 98000 # less than 10 %
 expect 0 "work: geometric mean"
 cost dual optimal 2000 99100
