@@ -142,6 +142,8 @@ int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
     TRY(fill_rows(body, infinite, &d));
     TRY(fill_columns(body, infinite, &d));
     fill_boxes(body, infinite, &d);
+    d.arrays.vind.size = d.arrays.vval.size =
+        d.arrays.vbeg.data[d.n];   // none of fixed columns
     d.arrays.sense = -body->sense; // the caller's sense turns both
     d.arrays.objcon = -(body->objcon + d.constant);
     TRY(limits_reached(env));

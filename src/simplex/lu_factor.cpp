@@ -225,6 +225,9 @@ template<class R> int alloc_others(lufact<R> *lu)
     TRY(array_assign(&a->Work, m, R(0)));
     TRY(array_assign(&a->Stamp, m, 0));
     TRY(array_assign(&lu->Mark, m, char(0)));
+    for (Array<int> *start :
+         {&lu->LColBeg, &lu->URowTmpBeg}) // of what is empty: read, not used
+        TRY(array_assign(start, m, 0));
     TRY(array_assign(&lu->Lanes, int64_t{4} * m, R(0)));
     TRY(array_resize(&lu->EtaRow, lu->MaxMoves));
     return array_resize(&lu->EtaBeg, int64_t{lu->MaxMoves} + 1);
