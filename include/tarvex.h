@@ -281,6 +281,25 @@ TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
  * start lacks a value that is needed or has one that type, bounds or SOS do not allow. */
 TVX_API TVXmodel *TVXconverttofixed(TVXmodel *model);
 
+/* The same for a solution that was found: it alone decides, not attribute Start. Integer variables are fixed at its values,
+ * rounded. A linear model leaves nothing to decide: the new model is a copy of it. Called "NAME_fixed".
+ * Returns null on failure, and the error text tells why: no memory; 10005 without a solution. */
+TVX_API TVXmodel *TVXfixedmodel(TVXmodel *model);
+
+/* The linear relaxation, called "NAME_relaxed", with the same variables and constraints: all variables are continuous
+ * within their bounds, and SOS constraints go. The bounds of a semi-continuous variable are widened to hold 0. The optimum
+ * is a bound on that of the model. Queued changes do not count. Returns null when there is no memory. */
+TVX_API TVXmodel *TVXrelaxmodel(TVXmodel *model);
+
+/* By how much must constraints be violated? A model called "NAME_feasibility" with the variables and constraints of this
+ * one, in which each constraint may be missed: by a new variable "CONSTR_above" that takes up what a '<' or '=' constraint
+ * exceeds, and one "CONSTR_below" that makes up what a '>' or '=' constraint lacks. They stand behind the other variables,
+ * in the order of the constraints. Their sum is to be minimised; the objective goes, and so does parameter Cutoff. Bounds,
+ * types and SOS constraints stay: the optimum is 0 when this model has a feasible point, else the least sum of violations
+ * that these leave. Queued changes do not count. Returns null on failure: no memory, or 10003 when the new model would be
+ * too large. */
+TVX_API TVXmodel *TVXfeasibility(TVXmodel *model);
+
 /* Frees a model with all that belongs to it. Null is ignored.
  * Returns 0; 10017 while it is being solved, and the model stays; 10003 for what is no live model, which is left alone,
  * and for a model whose environment was freed before: it is freed all the same, with the warning that calls on such a

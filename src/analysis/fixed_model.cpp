@@ -1,4 +1,4 @@
-// fixed_model.cpp -- TVXconverttofixed: a model in which is fixed what a solution decides
+// fixed_model.cpp -- TVXfixedmodel, TVXconverttofixed: a model in which is fixed what a solution decides
 //
 // Problem     From a solution of a model, the linear program of all points that share its decisions.
 // Method      Integers, semi-continuous variables, SOS: integer variables are fixed at their values; a semi-continuous
@@ -11,6 +11,7 @@
 // Cost        O(size of the model)
 // Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
 //             Princeton 1956 (the optimal face).
+#include "analysis/derived.h"
 #include "frame/model_store.h"
 #include "frame/quality.h"
 #include "frame/signs.h"
@@ -26,20 +27,26 @@ int unavailable(TVXmodel *model, const char *why)
     return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST, "%s", why);
 }
 
-void set_bounds(ModelBody *copy, int j, double lb, double ub)
-{
-    copy->lb.data[j] = lb;
-    copy->ub.data[j] = ub;
-    copy->bound_kind.data[j] = 0;
-}
-
 // ---- Discrete decisions ----
 
-// The solution, or without one the values that the caller has set to start from.
-int find_values(TVXmodel *model, const double **x)
+struct Decisions {
+    const double *x = nullptr; // [numvars]
+    bool given = false;        // by the caller as attribute Start: it may be wrong
+};
+
+int find_solution(TVXmodel *model, Decisions *found)
 {
-    if (model->mip_result && model->mip_result->has_solution) return solution_x(model, x);
-    *x = model->mip_start.data;
+    if (model->mip_result && model->mip_result->has_solution)
+        return solution_x(model, &found->x);
+    return unavailable(model, "The model has no solution to be fixed at");
+}
+
+// The solution, or without one the values that the caller has set to start from.
+int find_values(TVXmodel *model, Decisions *found)
+{
+    if (model->mip_result && model->mip_result->has_solution)
+        return find_solution(model, found);
+    *found = {.x = model->mip_start.data, .given = true};
     if (model->mip_start.size == model->body->numvars && model->mip_start.size > 0)
         return 0;
     return unavailable(model, "The model has no solution and no start to be fixed at");
@@ -56,37 +63,43 @@ int refuse_value(TVXmodel *model, int j, double value)
                       "Variable %s cannot be fixed at %g", name, value);
 }
 
-int fix_typed(TVXmodel *model, const double *x, ModelBody *copy)
+bool within(const TVXmodel *model, int j, double value)
 {
-    const ModelBody *body = model->body;
     const double tol = model->env->FeasibilityTol;
-    for (int64_t j = 0; j < body->vtypes.size; j++) {
+    return value >= model->body->lb.data[j] - tol &&
+           value <= model->body->ub.data[j] + tol && std::fabs(value) < INFINITE_VALUE;
+}
+
+int fix_typed(TVXmodel *model, const Decisions &decisions, TVXmodel *copy)
+{
+    const TVXenv *env = model->env;
+    const ModelBody *body = model->body;
+    for (int j = 0; j < body->vtypes.size; j++) {
         const char type = body->vtypes.data[j];
-        const double value = x[j], whole = std::floor(value + 0.5);
-        const int var = static_cast<int>(j);
+        const double value = decisions.x[j], whole = std::floor(value + 0.5);
         if (type == 'C') continue;
-        const bool on = value >= body->lb.data[j] - tol &&
-                        value <= body->ub.data[j] + tol &&
-                        std::fabs(value) < INFINITE_VALUE;
-        const bool off = (type == 'S' || type == 'N') && std::fabs(value) <= tol;
-        const bool integral = std::fabs(value - whole) <= model->env->IntFeasTol;
-        if (!(on || off) || !(type == 'S' || integral))
-            return refuse_value(model, var, value);
+        const bool off =
+            (type == 'S' || type == 'N') && std::fabs(value) <= env->FeasibilityTol;
+        const bool integral = type == 'S' || std::fabs(value - whole) <= env->IntFeasTol;
+        const bool on = within(model, j, value);
+        if (decisions.given && !((on || off) && integral))
+            return refuse_value(model, j, value);
         if (type != 'S')
-            set_bounds(copy, var, whole, whole);
-        else if (!on)
-            set_bounds(copy, var, 0, 0);
+            derived_set_bounds(copy, j, whole, whole);
+        else if (off && !on)
+            derived_set_bounds(copy, j, 0, 0);
     }
     return 0;
 }
 
-int fix_members(TVXmodel *model, const double *x, ModelBody *copy)
+int fix_members(TVXmodel *model, const Decisions &decisions, TVXmodel *copy)
 {
     const ModelBody *body = model->body;
+    const double *x = decisions.x;
     const double tol = model->env->FeasibilityTol;
     for (const int j : body->sosind) {
         if (x[j] == START_UNSET) return refuse_value(model, j, x[j]); // assigned
-        if (std::fabs(x[j]) <= tol) set_bounds(copy, j, 0, 0);
+        if (std::fabs(x[j]) <= tol) derived_set_bounds(copy, j, 0, 0);
     }
     for (int k = 0; k < body->numsos; k++)
         if (sos_violation(body, k, x) > tol)
@@ -95,31 +108,18 @@ int fix_members(TVXmodel *model, const double *x, ModelBody *copy)
     return 0;
 }
 
-void make_continuous(ModelBody *copy)
+int fix_discrete(TVXmodel *model, const Decisions &decisions, TVXmodel *copy)
 {
-    array_free(&copy->vtypes);
-    body_count_types(copy);
-    copy->numsos = 0;
-    array_free(&copy->sostype);
-    array_free(&copy->sosbeg);
-    array_free(&copy->sosind);
-    array_free(&copy->soswt);
-}
-
-int fix_discrete(TVXmodel *model, ModelBody *copy)
-{
-    const double *x = nullptr;
-    TRY(find_values(model, &x));
-    TRY(fix_typed(model, x, copy));
-    TRY(fix_members(model, x, copy));
-    make_continuous(copy);
+    TRY(fix_typed(model, decisions, copy));
+    TRY(fix_members(model, decisions, copy));
+    derived_make_linear(copy);
     return 0;
 }
 
 // ---- The optimal face of an LP ----
 
 void fix_priced_vars(const TVXmodel *model, const double *x, const double *rc,
-                     ModelBody *copy)
+                     TVXmodel *copy)
 {
     const ModelBody *body = model->body;
     const double tol = model->env->OptimalityTol, near = model->env->FeasibilityTol;
@@ -127,7 +127,7 @@ void fix_priced_vars(const TVXmodel *model, const double *x, const double *rc,
         const double d = turned(body->sense, rc[j]);
         if (std::fabs(d) <= tol) continue;
         const double bound = d > 0 ? body->lb.data[j] : body->ub.data[j];
-        if (std::fabs(x[j] - bound) <= near) set_bounds(copy, j, bound, bound);
+        if (std::fabs(x[j] - bound) <= near) derived_set_bounds(copy, j, bound, bound);
     }
 }
 
@@ -148,7 +148,7 @@ int equate_priced_rows(const TVXmodel *model, const double *slack, const double 
     return 0;
 }
 
-int fix_optimal(TVXmodel *model, ModelBody *copy)
+int fix_optimal(TVXmodel *model, TVXmodel *copy)
 {
     if (model->status != TVX_OPTIMAL || !solution_available(model))
         return unavailable(model, "The model has no optimal solution to be fixed at");
@@ -157,37 +157,32 @@ int fix_optimal(TVXmodel *model, ModelBody *copy)
     TRY(solution_slack(model, &slack));
     TRY(solution_duals(model, &pi, &rc));
     fix_priced_vars(model, x, rc, copy);
-    return equate_priced_rows(model, slack, pi, copy);
+    return equate_priced_rows(model, slack, pi, copy->body);
 }
 
-int make_fixed(TVXmodel *model, TVXmodel *fixed)
+int fix_decisions(TVXmodel *model, TVXmodel *copy)
 {
-    ModelBody *copy = fixed->body;
-    TRY(model_is_mip(model) ? fix_discrete(model, copy) : fix_optimal(model, copy));
-    const char *name = model->body->modelname;
-    return body_join_name(copy, name ? name : "", SUFFIX, &copy->modelname);
+    if (!model_is_mip(model)) return fix_optimal(model, copy);
+    Decisions decisions;
+    TRY(find_values(model, &decisions));
+    return fix_discrete(model, decisions, copy);
 }
 
-int convert(TVXmodel *model, TVXmodel **out)
+int fix_solution(TVXmodel *model, TVXmodel *copy)
 {
-    const ModelBody *body = model->body;
-    TRY(model_copy(model, body->varnames.size ? body->varnames.data : nullptr,
-                   body->constrnames.size ? body->constrnames.data : nullptr, out));
-    const int code = make_fixed(model, *out);
-    if (!code) return 0;
-    model_free(*out);
-    *out = nullptr;
-    return code;
+    if (!model_is_mip(model)) return 0; // nothing to fix
+    Decisions decisions;
+    TRY(find_solution(model, &decisions));
+    return fix_discrete(model, decisions, copy);
 }
 } // namespace
 
+TVXmodel *TVXfixedmodel(TVXmodel *model)
+{
+    return derive(model, SUFFIX, fix_solution);
+}
+
 TVXmodel *TVXconverttofixed(TVXmodel *model)
 {
-    if (const int error = TVXcheckmodel(model)) {
-        finish_model(model, error);
-        return nullptr;
-    }
-    TVXmodel *out = nullptr;
-    finish_model(model, convert(model, &out));
-    return out;
+    return derive(model, SUFFIX, fix_decisions);
 }

@@ -1,4 +1,5 @@
 // fixed_model_test.cpp -- models in which is fixed what a solution decides
+#include "frame/model.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <cmath>
@@ -112,4 +113,35 @@ TEST_F(FixedModel, keeps_ties_open)
     ASSERT_EQ(TVXsetdblattrarray(face, "Obj", 0, 2, x_only), 0);
     EXPECT_EQ(optimum(face, ">"), 3);
     EXPECT_EQ(optimum(face, "<"), 1);
+}
+
+// There is no search yet: the solution is put into the model by hand, with the noise of one that was computed.
+TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
+{
+    load_mixed(5);
+    EXPECT_EQ(TVXfixedmodel(model), nullptr);
+    EXPECT_STREQ(TVXgetmerrormsg(model), "The model has no solution to be fixed at");
+    MipResult *result = model->mip_result =
+        static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+    result->has_solution = 1;
+    ASSERT_EQ(array_resize(&result->x, 5), 0);
+    const double x[] = {3 + 2e-5, 4 - 1e-9, 2.5, 1.5, 1e-10};
+    std::copy(x, x + 5, result->x.data);
+    const TestModel fixed(TVXfixedmodel(model));
+    ASSERT_TRUE(fixed);
+    LpModel rest;
+    ASSERT_EQ(lp_read_back(fixed, &rest), 0);
+    EXPECT_EQ(rest.lb, (std::vector<double>{3, 4, 2, 0, 0}));
+    EXPECT_EQ(rest.ub, (std::vector<double>{3, 4, 9, 4, 0}));
+    EXPECT_EQ(optimum(fixed, "<"), -3 - 4 + 2 - 3);
+}
+
+TEST_F(FixedModel, of_a_linear_model_without_integers_is_a_copy)
+{
+    Dice dice(1);
+    load(gen_multi_period(&dice, 8).lp);
+    const TestModel fixed(TVXfixedmodel(model));
+    ASSERT_TRUE(fixed);
+    EXPECT_EQ(optimum(fixed, "<"), objective());
+    EXPECT_EQ(TVXfixedmodel(nullptr), nullptr);
 }

@@ -277,6 +277,26 @@ TEST(OutOfMemory, queries_and_side_files)
                    still_right});
 }
 
+// A derived model is there or not; its source stays what it is.
+TEST(OutOfMemory, derived_models)
+{
+    using Derive = TVXmodel *(*)(TVXmodel *);
+    for (const Derive derive : {TVXpresolvemodel, TVXconverttofixed, TVXfixedmodel,
+                                TVXrelaxmodel, TVXfeasibility})
+        run_sweep({"derive",
+                   [](Scene *s) {
+                       load_example(s);
+                       ASSERT_EQ(TVXoptimize(s->model), 0);
+                   },
+                   [&](Scene *s) {
+                       const TestModel derived(derive(s->model));
+                       if (derived) return 0;
+                       const std::string why = TVXgetmerrormsg(s->model);
+                       return why == "Out of memory" ? TVX_ERROR_OUT_OF_MEMORY : -1;
+                   },
+                   [](Scene *s, int) { expect_solves(s); }});
+}
+
 // Files with everything in them: what was read is what is written, and the model in memory stays as it is.
 TEST(OutOfMemory, model_files)
 {

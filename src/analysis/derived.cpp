@@ -1,0 +1,51 @@
+// derived.cpp -- the frame of the calls that make a model from another one
+#include "analysis/derived.h"
+#include "frame/model_store.h"
+
+void derived_set_bounds(TVXmodel *copy, int j, double lb, double ub)
+{
+    ModelBody *body = copy->body;
+    body->lb.data[j] = lb;
+    body->ub.data[j] = ub;
+    body->bound_kind.data[j] = bound_kind_of(lb, ub, copy->env->TARV_PAR_INFBOUND);
+}
+
+void derived_make_linear(TVXmodel *copy)
+{
+    ModelBody *body = copy->body;
+    array_free(&body->vtypes);
+    body_count_types(body);
+    body->numsos = 0;
+    array_free(&body->sostype);
+    array_free(&body->sosbeg);
+    array_free(&body->sosind);
+    array_free(&body->soswt);
+}
+
+static int make_copy(TVXmodel *source, const char *suffix, Derivation change,
+                     TVXmodel **out)
+{
+    const ModelBody *body = source->body;
+    TRY(model_copy(source, body->varnames.size ? body->varnames.data : nullptr,
+                   body->constrnames.size ? body->constrnames.data : nullptr, out));
+    ModelBody *copy = (*out)->body;
+    const char *name = body->modelname;
+    TRY(body_join_name(copy, name ? name : "", suffix, &copy->modelname));
+    return change(source, *out);
+}
+
+TVXmodel *derive(TVXmodel *source, const char *suffix, Derivation change)
+{
+    if (const int error = TVXcheckmodel(source)) {
+        finish_model(source, error);
+        return nullptr;
+    }
+    TVXmodel *copy = nullptr;
+    const int code = make_copy(source, suffix, change, &copy);
+    if (code) {
+        model_free(copy);
+        copy = nullptr;
+    }
+    finish_model(source, code);
+    return copy;
+}

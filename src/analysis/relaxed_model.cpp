@@ -1,0 +1,25 @@
+// relaxed_model.cpp -- TVXrelaxmodel: the linear relaxation
+//
+// Method      Types and SOS constraints go. A semi-continuous variable, 0 or within its bounds, may be anything between:
+//             its interval is widened to hold 0. Integer variables keep their bounds, which are whole numbers.
+// Invariant   Every solution of the model is one of the relaxation, with the same objective.
+#include "analysis/derived.h"
+#include <algorithm>
+
+static int relax(TVXmodel * /*source*/, TVXmodel *copy)
+{
+    const ModelBody *body = copy->body;
+    for (int j = 0; j < body->vtypes.size; j++) {
+        const char type = body->vtypes.data[j];
+        if (type != 'S' && type != 'N') continue;
+        derived_set_bounds(copy, j, std::min(body->lb.data[j], 0.0),
+                           std::max(body->ub.data[j], 0.0));
+    }
+    derived_make_linear(copy);
+    return 0;
+}
+
+TVXmodel *TVXrelaxmodel(TVXmodel *model)
+{
+    return derive(model, "_relaxed", relax);
+}
