@@ -2,6 +2,7 @@
 //
 // Form        A line for each variable: name and value. Lines that begin with '#' are comments. The name is all before
 //             the last field when that is a name of the model (it may hold blanks), else the first field.
+//             A variable whose name begins like a comment goes by its number.
 // Invariant   Start is set for all variables that the file names, or, on failure, for none.
 #include "files/file_names.h"
 #include "files/file_number.h"
@@ -14,6 +15,17 @@
 static int problem(TVXmodel *model, int error)
 {
     return fail_model(model, error, Report::KEEP_FIRST, "Problem reading MIP start");
+}
+
+static bool is_no_comment(const char *name)
+{
+    return *name != '#';
+}
+
+static int choose_names(const TVXmodel *model, FileNames *names)
+{
+    return file_names_choose(names, model->body, FileNameKind::VARIABLE, true,
+                             is_no_comment);
 }
 
 // ---- Reading ----
@@ -97,7 +109,7 @@ static int read_text(TVXmodel *model, TextFile *text)
 {
     StartReader reader{};
     reader.model = model;
-    TRY(file_names_choose(&reader.names, model->body, FileNameKind::VARIABLE, true));
+    TRY(choose_names(model, &reader.names));
     TRY(file_index_make(&reader.index, &reader.names));
     int error = walk_lines(&reader, text);
     if (!error && reader.var.size)
@@ -147,7 +159,7 @@ int mip_start_write(TVXmodel *model, const char *file_name)
 {
     FileNames names;
     Array<double> x;
-    TRY(file_names_choose(&names, model->body, FileNameKind::VARIABLE, true));
+    TRY(choose_names(model, &names));
     TRY(array_resize(&x, model->body->numvars));
     if (const int error = TVXgetdblattrarray(model, "X", 0, model->body->numvars, x.data))
         return no_solution(model, error);

@@ -1,0 +1,131 @@
+// odd_text_test.cpp -- line ends, marks and names of every kind make no difference, whatever file they stand in
+#include "files/files.h"
+#include "files/files_support.h"
+#include "frame/model_store.h"
+#include "frame/warm_start.h"
+#include <functional>
+
+class OddText : public Files
+{
+  protected:
+    // Two integer variables and a row, with a solution as a search would leave it.
+    void make(const std::string &a, const std::string &b)
+    {
+        TVXfreemodel(model);
+        std::string first = a, second = b;
+        char *names[] = {first.data(), second.data()}, types[] = "II";
+        const int ind[] = {0, 1};
+        const double val[] = {1, 1}, ub[] = {9, 9};
+        ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, val, nullptr, ub, types, names), 0);
+        ASSERT_EQ(TVXaddconstr(model, 2, ind, val, '>', 1, b.c_str()), 0);
+        ASSERT_EQ(TVXupdatemodel(model), 0);
+        model->mip_result = record_create<MipResult>();
+        ASSERT_NE(model->mip_result, nullptr);
+        model->mip_result->has_solution = model->mip_result->sol_count = 1;
+        ASSERT_EQ(array_assign(&model->mip_result->x, 2, 3.0), 0);
+        model->mip_result->x[1] = 5;
+    }
+    void write(const char *name)
+    {
+        Output output;
+        EXPECT_EQ(TVXwrite(model, name), 0);
+    }
+    int read_side_file(const std::string &name)
+    {
+        Output output;
+        return TVXread(model, name.c_str());
+    }
+    std::string start()
+    {
+        double values[2] = {};
+        TVXupdatemodel(model);
+        TVXgetdblattrarray(model, "Start", 0, 2, values);
+        return shown(values[0]) + " " + shown(values[1]);
+    }
+    std::string basis()
+    {
+        const WarmStart *warm = warm_start_usable(model);
+        std::string text;
+        for (int k = 0; warm && k < 3; k++)
+            text += std::to_string(std::min(warm->statuses[k], 0)) + " ";
+        return text;
+    }
+    std::string cuts()
+    {
+        int value = 0;
+        TVXgetintparam(TVXgetenv(model), "Cuts", &value);
+        return std::to_string(value);
+    }
+};
+
+TEST_F(OddText, NamesOfEveryKindLeadBackToTheirVariables)
+{
+    const std::string long_name(255, 'n'),
+        pairs[][2] = {{"a b", "a"},
+                      {" a", "a "},
+                      {"a  1", "a"},
+                      {"\xc3\xa9t\xc3\xa9 \xe2\x82\xac", "\xe9"},
+                      {long_name, long_name + "n"},
+                      {std::string(5000, 'l'), std::string(70000, 'l')},
+                      {"same", "same"},
+                      {"", "C0"},
+                      {"#", "# b"},
+                      {"ENDATA", "XL"},
+                      {"1e5", "-inf"},
+                      {"a\tb", "c\nd"},
+                      {"x", "X"},
+                      {"C0000001", "C0"}};
+    for (const auto &pair : pairs) {
+        SCOPED_TRACE(pair[0].substr(0, 20) + " | " + pair[1].substr(0, 20));
+        make(pair[0], pair[1]);
+        write("s.mst");
+        ASSERT_EQ(read_side_file("s.mst"), 0) << message();
+        EXPECT_EQ(start(), "3 5") << file_get("s.mst");
+        const int vbasis[] = {TVX_NONBASIC_UPPER, TVX_BASIC},
+                  cbasis[] = {TVX_NONBASIC_LOWER};
+        ASSERT_EQ(basis_write_statuses(model, vbasis, cbasis, "s.bas"), 0);
+        ASSERT_EQ(read_side_file("s.bas"), 0) << message();
+        EXPECT_EQ(basis(), "-2 0 -1 ") << message() << file_get("s.bas");
+    }
+}
+
+TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
+{
+    const struct {
+        const char *name, *text;
+        std::function<std::string()> result;
+    } files[] = {{"t.lp",
+                  "max x + 2 y\nst\n c: x + y\n <= 4\nbounds\n x <= 3\ngen\n x\nend\n",
+                  [this] { return stored_text(model, Names::COMPARE); }},
+                 {"t.bas", "NAME t\n UL a\n XL b b\nENDATA\n", [this] { return basis(); }},
+                 {"t.mst", "# start\na 1.5\nb -2\n", [this] { return start(); }},
+                 {"t.prm", "# cuts\nCuts 2\n", [this] { return cuts(); }}};
+    for (const auto &file : files) {
+        const std::string text = file.text, name = file.name;
+        const auto with_end = [&](const std::string &end) {
+            std::string other;
+            for (const char c : text) other += c == '\n' ? end : std::string(1, c);
+            return other;
+        };
+        const std::string variants[] = {text,
+                                        with_end("\r\n"),
+                                        with_end("\r"),
+                                        with_end(" \t \n"),
+                                        with_end("\n\n"),
+                                        "\xef\xbb\xbf" + text,
+                                        "\xef\xbb\xbf" + with_end("\r\n"),
+                                        text.substr(0, text.size() - 1),
+                                        with_end("\r\n") + "\r",
+                                        text + "\x1a"};
+        std::string plain;
+        for (const std::string &variant : variants) {
+            SCOPED_TRACE(name + ": " + variant);
+            make("a", "b");
+            file_put(name, variant);
+            ASSERT_EQ(name == "t.lp" ? read_file(name) : read_side_file(name), 0)
+                << message();
+            if (plain.empty()) plain = file.result();
+            EXPECT_EQ(file.result(), plain);
+        }
+    }
+}
