@@ -264,7 +264,8 @@ TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
  * variables and constraints when it is solved by presolve alone. Parameters as for a solve (Presolve, Aggregate,
  * PrePasses, ...); queued changes do not count. An optimal solution of the new model has the objective of this one's.
  * Returns null on failure, and the error text tells why: no memory; 10005 when presolve finds that there is no optimal
- * solution or is stopped by TimeLimit; 10016 for a model with integer or semi-continuous variables or SOS constraints. */
+ * solution or is stopped by TimeLimit (counted from this call), TVXterminate or a callback; 10016 for a model with integer or
+ * semi-continuous variables or SOS constraints; 10017 from a callback. */
 TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
 
 /* A linear model in which everything is fixed that a solution of this one decides, called "NAME_fixed", with the same

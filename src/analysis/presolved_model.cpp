@@ -1,7 +1,9 @@
 // presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
 //
-// The model's own presolve record, from which a solve that a limit has stopped would go on, stays as it is.
+// The model's own presolve record, from which a solve that a limit has stopped would go on, stays as it is. Meanwhile the
+// model is busy as in a solve: TVXterminate stops the call, other calls are refused.
 #include "frame/model_store.h"
+#include "frame/optimize.h"
 #include "frame/runtime/clock.h"
 #include "presolve/presolve.h"
 #include <cstring>
@@ -86,15 +88,19 @@ int make_copy(TVXmodel *model, TVXmodel **out)
 
 TVXmodel *TVXpresolvemodel(TVXmodel *model)
 {
-    if (const int error = TVXcheckmodel(model)) {
-        finish_model(model, error);
+    int code = TVXcheckmodel(model);
+    if (!code && flag_load(&model->busy)) // called from a callback of its solve
+        code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
+    if (code) {
+        finish_model(model, code);
         return nullptr;
     }
     PresolveResult *presolve = std::exchange(model->presolve, nullptr);
     TVXmodel *presolved = std::exchange(model->presolved, nullptr);
     TVXmodel *out = nullptr;
-    model->env->optimize_start = WallClock(); // the time limit counts from here
-    const int code = make_copy(model, &out);
+    optimize_open(model, WallClock());
+    code = make_copy(model, &out);
+    flag_store(&model->busy, 0);
     presolve_drop(model);
     model->presolve = presolve;
     model->presolved = presolved;

@@ -32,7 +32,7 @@ int optimize_run(TVXmodel *model)
     return code;
 }
 
-static void open_run(TVXmodel *model, double now)
+void optimize_open(TVXmodel *model, double now)
 {
     TVXenv *env = model->env;
     env->terminate_ptr = &env->terminate;
@@ -83,7 +83,7 @@ int TVXoptimize(TVXmodel *model)
     if (!code && flag_load(&model->busy)) // called from a callback of this very solve
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     if (code) return finish_model(model, code);
-    open_run(model, now);
+    optimize_open(model, now);
     code = close_run(model, optimize_run(model));
     if (!code) write_result_file(model);
     return code;

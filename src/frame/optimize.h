@@ -6,6 +6,9 @@
 #pragma once
 #include "frame/model.h"
 
+// Opens a call that solves, or works as long as a solve: the model is busy (the caller ends that), TimeLimit counts from
+// `now`, and what has stopped an earlier call is forgotten.
+void optimize_open(TVXmodel *model, double now);
 // Updates and solves the model, without opening and closing steps of TVXoptimize: also the entry for
 // a solve nested in another one. 0 or a code; after OUT_OF_MEMORY the status is TVX_LOADED.
 [[nodiscard]] int optimize_run(TVXmodel *model);

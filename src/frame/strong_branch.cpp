@@ -4,6 +4,7 @@
 //             candidate with value x is split at d = floor(x + IntFeasTol) into x <= d and x >= d + 1.
 // Invariant   The model is busy meanwhile: TVXterminate stops it, other calls are refused.
 #include "frame/attributes.h"
+#include "frame/optimize.h"
 #include "frame/runtime/clock.h"
 #include "frame/sensitivity.h"
 #include "frame/signs.h"
@@ -79,10 +80,7 @@ int run(TVXmodel *model, const Request &request)
     const double optimize_start = env->optimize_start;
     const TVXcallback cb_active = env->cb_active; // no moments of a solve
     env->cb_active = nullptr;
-    env->optimize_start = WallClock(); // TimeLimit counts from here
-    env->terminate_ptr = &env->terminate;
-    flag_store(env->terminate_ptr, 0);
-    flag_store(&model->busy, 1);
+    optimize_open(model, WallClock());
     *request.status = TVX_OPTIMAL;
     const int code = try_all(model, request);
     flag_store(&model->busy, 0);

@@ -54,3 +54,25 @@ TEST_F(PresolvedModel, may_be_empty_or_not_exist)
               std::string::npos);
     EXPECT_EQ(TVXpresolvemodel(nullptr), nullptr);
 }
+
+TEST_F(PresolvedModel, is_stopped_like_a_solve_but_not_by_what_came_before)
+{
+    Dice dice(3);
+    load(gen_multi_period(&dice, 12).lp);
+    TVXterminate(model); // nothing runs: nothing happens
+    EXPECT_TRUE(TestModel(TVXpresolvemodel(model)));
+    int refused = 0;
+    const TVXcallback stop = [](TVXmodel *m, void *, int where, void *refused_out) {
+        if (where != TVX_WHERE_PRESOLVE) return 0;
+        EXPECT_EQ(TVXpresolvemodel(m), nullptr); // from within
+        ++*static_cast<int *>(refused_out);
+        TVXterminate(m);
+        return 0;
+    };
+    ASSERT_EQ(TVXsetcallbackfunc(model, stop, &refused), 0);
+    EXPECT_EQ(TVXpresolvemodel(model), nullptr);
+    EXPECT_EQ(refused, 1);
+    EXPECT_STREQ(TVXgetmerrormsg(model), "Presolve leaves no model: it was interrupted");
+    ASSERT_EQ(TVXsetcallbackfunc(model, nullptr, nullptr), 0);
+    EXPECT_GT(value_of(model), -1e100);
+}
