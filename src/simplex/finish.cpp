@@ -13,9 +13,9 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
     settle_nonbasics(s);
     if (!has_factor(s, w)) return;
     compute_primal(s, w);
-    refine_primal(s,
-                  w); // a residual that is small in a scaled row may be large in the user's
     compute_dual(s, w);
+    refine_primal(s, w); // what is small in a scaled row may be large in the user's
+    refine_dual(s, w);
 }
 
 // User x_j = c_j x_j, slack_i = s_i / r_i, d_j = d_j / (o c_j), pi_i = r_i pi_i / o.

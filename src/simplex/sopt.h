@@ -297,6 +297,7 @@ void distrust_factors(
 template<class R>
 void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
 template<class R> void refine_primal(sopt *s, swork<R> *w); // Bbar once more
+template<class R> void refine_dual(sopt *s, swork<R> *w);   // Cbar once more
 template<class R> void compute_dual(sopt *s, swork<R> *w);  // Cbar from WorkCost
 template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
 // Draws conclusions from the residuals of the last two; may set Status.

@@ -176,6 +176,35 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
 }
 
+// As refine_primal: with costs of 1e8 the sums of doubles alone leave 1e-8 in every column, and more in the user's units.
+template<class R> void refine_dual(sopt *s, swork<R> *w)
+{
+    SVec<R> *x = &w->Work;
+    R *cbar = w->Cbar.data;
+    const R *slack = cbar + s->NumCols; // minus the multipliers
+    const auto reduced_cost = [s, slack](int j) {
+        long double left = s->WorkCost.data[j];
+        if (j >= s->NumCols) return left + slack[j - s->NumCols];
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            left += static_cast<long double>(s->ColVal.data[p]) * slack[s->ColInd.data[p]];
+        return left;
+    };
+    svec_clear(x);
+    for (int k = 0; k < s->NumRows; k++)
+        x->Value.data[k] = static_cast<R>(reduced_cost(s->BasisHead.data[k]));
+    x->Count = -1;
+    s->DualResidual = largest(x->Value.data, s->NumRows);
+    const R size = normalise(x, s->NumRows);
+    Btran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
+    for (int i = 0; i < s->NumRows; i++)
+        if (!is_basic(s, s->NumCols + i)) cbar[s->NumCols + i] -= size * x->Value.data[i];
+    for (int j = 0; j < s->NumCols; j++)
+        if (!is_basic(s, j)) cbar[j] = static_cast<R>(reduced_cost(j));
+    x->Count = -1;
+    svec_clear(x);
+    s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
+}
+
 template<class R> void compute_dual(sopt *s, swork<R> *w)
 {
     compute_dual_for(s, w, s->WorkCost.data, w->Cbar.data);
@@ -195,7 +224,8 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template void compute_primal<R>(sopt *, swork<R> *);                                   \
     template void refine_primal<R>(sopt *, swork<R> *);                                    \
-    template void compute_dual<R>(sopt *, swork<R> *);
+    template void compute_dual<R>(sopt *, swork<R> *);                                     \
+    template void refine_dual<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)
 template void judge_residuals<double>(sopt *, const swork<double> *);

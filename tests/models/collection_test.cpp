@@ -30,6 +30,12 @@ struct Instance {
     double value = 0;
 };
 
+// As the list of tests shows it.
+void PrintTo(const Instance &instance, std::ostream *out)
+{
+    *out << instance.name;
+}
+
 } // namespace
 
 static std::string from_environment(const char *name, const char *otherwise)
