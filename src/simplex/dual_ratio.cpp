@@ -7,11 +7,13 @@
 // Method      Bound flipping with relaxed (Harris) groups. First the breakpoints up to the sign change of the slope are
 //             brought to the front with steps that grow tenfold. Those are split into groups: group g ends at
 //             min (d_k + tol) / a_k over what is left after group g - 1. From the last group back the first one whose
-//             largest a_k is good enough gives q; all groups before it are flipped.
+//             largest a_k is good enough gives q; all groups before it are flipped. Where there are many groups, they
+//             are looked for in windows of the next breakpoints (quicksort that stops when it has come far enough).
 // Out         PivotCol, AlphaRow, Flips; false when no breakpoint stops the slope.
 // Invariant   Reduced costs of what is not flipped stay above -tol after the step: the tolerance is spent once, not anew
 //             in every step, or rounding would add up to costs that send the method in circles.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, EJOR 149, 2003; A. Koberstein, Paderborn 2005.
+//             R. Paredes and G. Navarro, "Optimal incremental sorting", ALENEX 2006 (the windows).
 #include "simplex/dual.h"
 #include <algorithm>
 #include <utility>
@@ -112,16 +114,80 @@ template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
     }
 }
 
+// ---- Groups ----
+
+// The next candidates of a large front, so that a group is not looked for among all that are left. Ends lie inside each
+// other: what stands before End[k] has its breakpoint at Bound[k] at most, what stands behind it has not.
+template<class R> struct Window {
+    static constexpr int LEVELS = 40;
+    int End[LEVELS];
+    R Bound[LEVELS];
+    int Depth = 1; // level 0: the whole front
+};
+constexpr int SMALL_WINDOW = 256; // fronts up to this are taken as they are
+constexpr int WHOLE_GROUPS = 8;   // so are the first groups: most fronts have no more
+constexpr int SAMPLES = 9;
+
+// A breakpoint of medium size among the candidates first..end-1.
+template<class R> R medium_step(const dopt<R> *d, int first, int end)
+{
+    R step[SAMPLES];
+    for (int k = 0; k < SAMPLES; k++) {
+        const int at =
+            first + static_cast<int>(int64_t{end - 1 - first} * k / (SAMPLES - 1));
+        step[k] = d->CandDual.data[at] / d->CandAlpha.data[at];
+    }
+    std::nth_element(step, step + SAMPLES / 2, step + SAMPLES);
+    return step[SAMPLES / 2];
+}
+
+// Those before `end` with a breakpoint at `bound` at most come first; where they end.
+template<class R> int part(dopt<R> *d, int first, int end, R bound)
+{
+    for (int k = first; k < end; k++)
+        if (!(d->CandDual.data[k] > bound * d->CandAlpha.data[k]))
+            swap_candidates(d, first++, k);
+    return first;
+}
+
+// Halves the window that begins at `done` until it is small.
+template<class R> void narrow(dopt<R> *d, int done, Window<R> *w)
+{
+    while (w->Depth > 1 && w->End[w->Depth - 1] <= done) w->Depth--;
+    while (w->Depth < Window<R>::LEVELS) {
+        const int end = w->End[w->Depth - 1];
+        if (end - done <= SMALL_WINDOW) return;
+        const R bound = medium_step(d, done, end);
+        const int middle = part(d, done, end, bound);
+        if (middle == done || middle == end) return; // many equal breakpoints
+        w->End[w->Depth] = middle;
+        w->Bound[w->Depth++] = bound;
+    }
+}
+
+// The bound of the next group. Candidates behind the window do not lower it unless it passes the window's own.
+template<class R> R group_bound(const dopt<R> *d, int done, R tol, R infinity, Window<R> *w)
+{
+    for (;; w->Depth--) {
+        const R bound = step_bound(d, done, w->End[w->Depth - 1], tol, infinity);
+        if (w->Depth == 1 || bound <= w->Bound[w->Depth - 1]) return bound;
+    }
+}
+
 // Splits the front into groups; the last one holds the sign change or everything. Without bound flips there is one.
+// Cost: O(front) for few groups, O(front log front) for many.
 template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
 {
-    const R tol = R(s->OptTol);
+    const R tol = R(s->OptTol), infinity = R(s->Infinity);
     const int most = s->Env->TARV_PAR_SIMPLEXPWRATIO ? front : 1;
     int groups = 0, done = 0;
+    Window<R> window;
+    window.End[0] = front;
     while (done < front && slope >= 0 && groups < most) {
-        const R bound = step_bound(d, done, front, tol, R(s->Infinity));
-        const int before = done;
-        for (int k = done; k < front; k++) {
+        if (groups >= WHOLE_GROUPS) narrow(d, done, &window);
+        const R bound = group_bound(d, done, tol, infinity, &window);
+        const int before = done, end = window.End[window.Depth - 1];
+        for (int k = done; k < end; k++) {
             if (d->CandDual.data[k] > bound * d->CandAlpha.data[k]) continue;
             slope -= d->CandRange.data[k];
             swap_candidates(d, done++, k);
