@@ -87,9 +87,12 @@ double basis_norm(const sopt *s)
     double norm = 0;
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
-        double sum = j < s->NumCols ? 0 : 1;
-        for (int p = s->ColBeg.data[j]; j < s->NumCols && p < s->ColBeg.data[j + 1]; p++)
-            sum += std::fabs(s->ColVal.data[p]);
+        double sum = 1; // of a slack
+        if (j < s->NumCols) {
+            sum = 0;
+            for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+                sum += std::fabs(s->ColVal.data[p]);
+        }
         norm = std::max(norm, sum);
     }
     return norm;
