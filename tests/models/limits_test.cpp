@@ -150,22 +150,27 @@ TEST(Limits, a_solve_in_many_legs_arrives)
     });
 }
 
+// Without presolve, and with both forms presolved at the same time.
 TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
 {
-    for_limited_models([](const Limited &limited, TVXmodel *model) {
-        std::atomic<bool> done{false};
-        std::thread stopper([&] {
-            while (!done)
-                TVXterminate(model); // the start of a solve clears the request: repeat it
+    for (const int presolve : {0, 1})
+        for_limited_models([presolve](const Limited &limited, TVXmodel *model) {
+            ASSERT_EQ(
+                settings_apply(TVXgetenv(model), {{"Presolve", presolve}, {"PreDual", 2}}),
+                0);
+            std::atomic<bool> done{false};
+            std::thread stopper([&] {
+                while (!done) // the start of a solve clears the request: repeat it
+                    TVXterminate(model);
+            });
+            const int error = TVXoptimize(model);
+            done = true;
+            stopper.join();
+            ASSERT_EQ(error, 0);
+            const int status = status_of(model);
+            ASSERT_TRUE(status == TVX_INTERRUPTED || status == TVX_OPTIMAL) << status;
+            expect_optimum(limited, model);
         });
-        const int error = TVXoptimize(model);
-        done = true;
-        stopper.join();
-        ASSERT_EQ(error, 0);
-        const int status = status_of(model);
-        ASSERT_TRUE(status == TVX_INTERRUPTED || status == TVX_OPTIMAL) << status;
-        expect_optimum(limited, model);
-    });
 }
 
 TEST(Limits, cutoff_below_the_optimum_gives_status_6_and_lifting_it_continues)
