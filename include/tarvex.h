@@ -436,14 +436,14 @@ TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg
  * VDualNorm and CDualNorm are taken over at once, as the start of the next solve. A set whose
  * arguments are refused changes nothing.
  *
- * Codes: 0; TVX_ERROR_NULL_ARGUMENT for a null model, name or value; TVX_ERROR_INVALID_ARGUMENT for
- * a bad model, a negative len of a list, a value that is NaN or infinite (an infinite bound is
- * one of magnitude 1e20 and more), or a character or basis code with no meaning;
- * TVX_ERROR_UNKNOWN_ATTRIBUTE for an unknown name, another type, another kind than the call's, or an
- * attribute that may not be set; TVX_ERROR_INDEX_OUT_OF_RANGE; TVX_ERROR_DATA_NOT_AVAILABLE when
- * nothing stands behind the attribute at present, for example X without a solution;
- * TVX_ERROR_OPTIMIZATION_IN_PROGRESS; TVX_ERROR_OUT_OF_MEMORY. On failure output values are
- * unspecified, but for those of TVXget*attr, which are set to 0 before anything else.
+ * Codes: 0; TVX_ERROR_NULL_ARGUMENT for a null model or name, or null values unless there are none;
+ * TVX_ERROR_INVALID_ARGUMENT for a bad model, a negative len of a list, a value that is NaN or
+ * infinite (an infinite bound is one of magnitude 1e20 and more), or a character or basis code with
+ * no meaning; TVX_ERROR_UNKNOWN_ATTRIBUTE for an unknown name, another type, another kind than the
+ * call's, or an attribute that may not be set; TVX_ERROR_INDEX_OUT_OF_RANGE;
+ * TVX_ERROR_DATA_NOT_AVAILABLE when nothing stands behind the attribute at present, for example X
+ * without a solution; TVX_ERROR_OPTIMIZATION_IN_PROGRESS; TVX_ERROR_OUT_OF_MEMORY. On failure output
+ * values are unspecified, but for those of TVXget*attr, which are set to 0 before anything else.
  */
 
 /* Describes an attribute. Every out pointer may be null; each is -1 after a failure.
@@ -579,7 +579,7 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_WHERE_MIP 3      /* a line of the MIP log */
 #define TVX_WHERE_SOLUTION 4 /* a new MIP solution */
 #define TVX_WHERE_NODE 5     /* a MIP node was solved */
-#define TVX_WHERE_MESSAGE 6  /* a line is logged, whether it is printed or not */
+#define TVX_WHERE_MESSAGE 6  /* a line is logged, also outside a solve, printed or not */
 #define TVX_WHERE_BARRIER 7  /* an iteration of the barrier method */
 
 /* What it may ask for: int, unless told otherwise. The MIP search and the barrier have no moments yet. */

@@ -89,7 +89,7 @@ int make_copy(TVXmodel *model, TVXmodel **out)
 TVXmodel *TVXpresolvemodel(TVXmodel *model)
 {
     int code = TVXcheckmodel(model);
-    if (!code && flag_load(&model->busy)) // called from a callback of its solve
+    if (!code && model_is_occupied(model)) // called from a callback
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     if (code) {
         finish_model(model, code);

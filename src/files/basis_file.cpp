@@ -16,6 +16,7 @@
 #include "files/text_file.h"
 #include "files/text_out.h"
 #include "frame/model.h"
+#include "frame/warm_start.h"
 
 static bool is_free(const TVXmodel *model, int j)
 {
@@ -275,11 +276,13 @@ static int reader_make(TVXmodel *model, BasisReader *reader)
     return file_index_make(&reader->constrs, &work->constrs);
 }
 
+// The basis is judged at once, as by an update, but queued changes stay queued. From a callback it waits for the update.
 static int set_basis(TVXmodel *model, const BasisWork *work)
 {
     TRY(TVXsetintattrarray(model, "VBasis", 0, model->body->numvars, work->vbasis.data));
     TRY(TVXsetintattrarray(model, "CBasis", 0, model->body->numconstrs, work->cbasis.data));
-    return TVXupdatemodel(model);
+    if (!model_is_occupied(model)) warm_start_validate(model);
+    return 0;
 }
 
 int basis_read(TVXmodel *model, const char *file_name)

@@ -56,7 +56,7 @@ static int get_values(TVXmodel *model, const char *name, AttrType type,
     const AttributeRow *row = nullptr;
     ElementRange range;
     TRY(attribute_head(model, name, type, AttrAccess::GET, selection, &row, &range));
-    if (!values)
+    if (!values && range.len > 0)
         return fail_model(model, TVX_ERROR_NULL_ARGUMENT, Report::FORCE,
                           "NULL 'value' argument supplied");
     return fail_model(model, retrieve(model, row, range, values), Report::KEEP_FIRST,

@@ -10,7 +10,7 @@ static int set_values(TVXmodel *model, const char *name, AttrType type,
     const AttributeRow *row = nullptr;
     ElementRange range;
     TRY(attribute_head(model, name, type, AttrAccess::SET, selection, &row, &range));
-    if (!values)
+    if (!values && range.len > 0)
         return fail_model(model, TVX_ERROR_NULL_ARGUMENT, Report::FORCE,
                           "NULL 'value' argument supplied");
     int code = 0;

@@ -13,6 +13,11 @@ int model_check(TVXmodel *model)
     return env_check(model->env);
 }
 
+bool model_is_occupied(TVXmodel *model)
+{
+    return flag_load(&model->busy) || flag_load(&model->in_callback);
+}
+
 int TVXcheckmodel(TVXmodel *model)
 {
     TRY(model_check(model));

@@ -141,7 +141,7 @@ int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
     return turn_basis(model, &start->statuses);
 }
 
-// A limit has stopped the reduced model. The basis it has come to, in the model, gives its point there, optimal or not;
+// A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there, optimal or not;
 // the next solve goes on from the reduced model itself. A huge model shows nothing: to make up its point takes time.
 int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *start)
 {
@@ -154,6 +154,17 @@ int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *sta
     if (form != model) TRY(turn_basis(model, &start->statuses));
     presolve_mend_basis(body->numvars, body->numconstrs, start->statuses.data);
     return 0;
+}
+
+// The form has no optimal solution. Without dual reductions an infeasible form is
+// an infeasible model, and for everything else the model itself has to tell, when the caller wants to know.
+void settle_without_optimum(TVXmodel *model, TVXmodel *form, int status, LpStart *start)
+{
+    const bool exact = model->env->TARV_PAR_DUALREDUCTION == 0;
+    const bool infeasible = exact && form == model && status == TVX_INFEASIBLE;
+    presolve_drop(form);
+    if (infeasible || !exact)
+        settle(model, infeasible ? TVX_INFEASIBLE : TVX_INF_OR_UNBD, start);
 }
 
 // What the outcome on the form means for the model.
@@ -169,13 +180,17 @@ int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *s
         presolve_drop(form);
         return form == model ? 0 : leave_dual_form(model, form, method, start);
     }
-    if (is_limit(status)) return show_stopped(model, form, status, start);
+    if (is_limit(status) || status == TVX_CUTOFF)
+        return show_stopped(model, form, status, start);
     if (status == TVX_NUMERIC) { // the model itself may fare better
         presolve_drop(form);
         return 0;
     }
-    const bool open = status == TVX_INFEASIBLE || status == TVX_UNBOUNDED;
-    settle(model, open ? TVX_INF_OR_UNBD : status, start);
+    if (status == TVX_INFEASIBLE || status == TVX_UNBOUNDED) {
+        settle_without_optimum(model, form, status, start);
+        return 0;
+    }
+    settle(model, status, start);
     presolve_drop(form);
     return 0;
 }
@@ -211,8 +226,10 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
     log_presolved(form->model, begin);
     write_reduced(form->model);
     if (status != 0) {
-        const bool hidden = form->model != model && status == TVX_INFEASIBLE;
-        settle(model, hidden ? TVX_INF_OR_UNBD : status, start);
+        if (is_limit(status))
+            settle(model, status, start);
+        else
+            settle_without_optimum(model, form->model, status, start);
         return 0;
     }
     Array<int> statuses;

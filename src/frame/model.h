@@ -197,7 +197,9 @@ void model_free_results(
     TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
 void presolve_free(PresolveResult *presolve); // of the presolve subsystem; null is ignored
 int model_check(TVXmodel *model);             // as TVXcheckmodel but keeps the error state
-bool model_is_mip(const TVXmodel *model);     // integers, semi-continuous variables or SOS
+// A solve runs, or a callback, which may hear a line of any call: nothing may be updated, solved or freed.
+bool model_is_occupied(TVXmodel *model);
+bool model_is_mip(const TVXmodel *model); // integers, semi-continuous variables or SOS
 
 // ---- model_update.cpp ----
 // Makes pending changes real: TVXupdatemodel without its checks and closing report. 0 or OUT_OF_MEMORY.

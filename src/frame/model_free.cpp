@@ -44,7 +44,7 @@ int TVXfreemodel(TVXmodel *model)
 {
     if (!model) return 0;
     if (model->magic != MODEL_MAGIC) return TVX_ERROR_INVALID_ARGUMENT;
-    if (flag_load(&model->busy))
+    if (model_is_occupied(model))
         return finish_model(model, TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
     const int error = TVXcheckmodel(model); // an orphan is told to be one, and freed
     model_free(model);

@@ -124,11 +124,11 @@ int model_update(TVXmodel *model)
     return error;
 }
 
-// From inside a callback the solve that runs still needs what an update would free.
+// From inside a callback the call that runs still needs what an update would free.
 static int check_idle(TVXmodel *model)
 {
     TRY(TVXcheckmodel(model));
-    return model->busy ? TVX_ERROR_OPTIMIZATION_IN_PROGRESS : 0;
+    return model_is_occupied(model) ? TVX_ERROR_OPTIMIZATION_IN_PROGRESS : 0;
 }
 
 int TVXupdatemodel(TVXmodel *model)

@@ -80,7 +80,7 @@ int TVXoptimize(TVXmodel *model)
 {
     const double now = WallClock();
     int code = TVXcheckmodel(model);
-    if (!code && flag_load(&model->busy)) // called from a callback of this very solve
+    if (!code && model_is_occupied(model)) // called from a callback of this very solve
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     if (code) return finish_model(model, code);
     optimize_open(model, now);

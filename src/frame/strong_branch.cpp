@@ -94,7 +94,7 @@ int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind, double iterat
                     double *down_out, double *up_out, int *status_out)
 {
     int code = TVXcheckmodel(model);
-    if (!code && flag_load(&model->busy)) // called from a callback of its solve
+    if (!code && model_is_occupied(model)) // called from a callback
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     int status = 0;
     if (!code) code = run(model, {numcands, ind, iterations, down_out, up_out, &status});

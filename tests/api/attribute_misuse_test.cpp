@@ -89,6 +89,8 @@ TEST_F(AttributeMisuse, indices_and_lengths_are_checked)
     EXPECT_EQ(TVXgetdblattrlist(model, "UB", 1, nullptr, two_d), 0);
     EXPECT_EQ(two_d[0], 4);
     EXPECT_EQ(TVXgetdblattrarray(model, "UB", 2, 0, two_d), 0);
+    EXPECT_EQ(TVXgetdblattrarray(model, "UB", 2, 0, nullptr), 0); // nothing needs no room
+    EXPECT_EQ(TVXsetdblattrarray(model, "UB", 2, 0, nullptr), 0);
 }
 
 TEST_F(AttributeMisuse, values_are_checked_and_nothing_is_queued)

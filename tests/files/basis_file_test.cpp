@@ -148,6 +148,9 @@ TEST_F(BasisFile, WhatIsNoBasisIsNeitherReadNorWritten)
     EXPECT_EQ(read_bas(" XL X R1\n XL Y R1\nENDATA\n"), "");
     EXPECT_EQ(log, "Warning, invalid warm-start basis discarded\n");
     EXPECT_TRUE(start().empty());
+    ASSERT_EQ(TVXsetdblattrelement(model, "Obj", 0, 77), 0);
+    EXPECT_EQ(read_bas(" XL X R1\nENDATA\n"), "");
+    EXPECT_NE(model->body->obj[0], 77); // reading is no update
     remove("b.bas");
     EXPECT_EQ(TVXwrite(model, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
     EXPECT_STREQ(TVXgetmerrormsg(model), "Unable to retrieve basis for current model");

@@ -173,16 +173,25 @@ TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continu
         });
 }
 
+// On the model itself, a reduced one, and its dual, whose values come from the other side.
 TEST(Limits, cutoff_below_the_optimum_gives_status_6_and_lifting_it_continues)
 {
     for_limited_models([](const Limited &limited, TVXmodel *model) {
         if (limited.lp.sense < 0) return;
         const double step = 1e-3 * (1 + std::fabs(limited.value));
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "Cutoff", limited.value - step), 0);
-        ASSERT_EQ(TVXoptimize(model), 0);
-        ASSERT_EQ(status_of(model), TVX_CUTOFF);
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "Cutoff", limited.value + step), 0);
-        expect_optimum(limited, model);
+        for (const Settings &form : {Settings{{"Presolve", 0}}, Settings{{"Presolve", 1}},
+                                     Settings{{"Presolve", 1}, {"PreDual", 1}}}) {
+            LpSolution point;
+            TVXenv *env = TVXgetenv(model);
+            ASSERT_EQ(TVXresetmodel(model), 0);
+            ASSERT_EQ(settings_apply(env, form), 0);
+            ASSERT_EQ(TVXsetdblparam(env, "Cutoff", limited.value - step), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            ASSERT_EQ(status_of(model), TVX_CUTOFF) << settings_text(form);
+            ASSERT_EQ(lp_read_point(model, &point), 0) << settings_text(form);
+            ASSERT_EQ(TVXsetdblparam(env, "Cutoff", limited.value + step), 0);
+            expect_optimum(limited, model);
+        }
     });
 }
 

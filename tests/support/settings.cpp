@@ -25,6 +25,7 @@ static const std::vector<Choice> &choices()
         {"PerturbValue", 30, {0, 0, 1e-5, 0.0002, 0.01}},
         {"Quad", 15, {-1, 0, 1}},
         {"PreDual", 25, {-1, 0, 0, 1}},
+        {"TARV_PAR_DUALREDUCTION", 15, {0}},
         {"FeasibilityTol", 10, {1e-9, 1e-7}},
         {"OptimalityTol", 10, {1e-9, 1e-7}},
         {"MarkowitzTol", 10, {0.0001, 0.1, 0.9}},

@@ -6,7 +6,7 @@ bool settings_presolve(const Settings &settings)
 {
     bool on = true;
     for (const auto &[name, value] : settings)
-        if (name == "Presolve") on = value != 0;
+        if (name == "Presolve" || name == "TARV_PAR_DUALREDUCTION") on = on && value != 0;
     return on;
 }
 

@@ -17,7 +17,7 @@ std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool pre
 std::string judge_optimal(const LpModel *lp, const LpSolution *solution);
 // A fresh model, the settings, one solve, judged exactly.
 std::string solve_and_judge(TVXenv *env, const LpModel *lp, const Settings &settings);
-bool settings_presolve(const Settings &settings); // is presolve on under them?
+bool settings_presolve(const Settings &settings); // may presolve blur the status?
 
 // Do two outcomes of the same model agree? Status 4 goes with 3 and 5. Empty, or the difference.
 std::string same_outcome(const LpSolution *a, const LpSolution *b);

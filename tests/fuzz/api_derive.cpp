@@ -1,0 +1,154 @@
+// api_derive.cpp -- what is made of a fuzzed model: branches, presolved and fixed models, files
+#include "files/files_support.h"
+#include "fuzz/api_model.h"
+#include "support/rational_lp.h"
+#include "support/solve_judge.h"
+#include <cmath>
+
+namespace
+{
+constexpr double NEAR = 1e-6; // relative, of objectives
+
+bool near(double a, double b)
+{
+    return std::fabs(a - b) <= NEAR * (1 + std::fabs(b));
+}
+
+// Results are those of this content and of an optimal solve.
+bool is_solved(const ApiModel *a)
+{
+    int status = 0;
+    TVXgetintattr(a->model, "Status", &status);
+    return status == TVX_OPTIMAL && !a->is_mip();
+}
+
+// The best objective with variable j on one side of d, infinite when there is none.
+double branch_value(LpModel lp, int j, double d, bool down)
+{
+    lp.lb[j] = down ? lp.lb[j] : std::fmax(lp.lb[j], d + 1);
+    lp.ub[j] = down ? std::fmin(lp.ub[j], d) : lp.ub[j];
+    const RationalResult side = rational_solve(&lp);
+    return side.status == LpStatus::OPTIMAL ? side.value.get_d() : lp.sense * LP_INFINITY;
+}
+
+std::string check_names_of(TVXmodel *made, const std::string &suffix)
+{
+    char *name = nullptr;
+    if (TVXgetstrattr(made, "ModelName", &name)) return "no name";
+    const std::string text = name;
+    const bool ends =
+        text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+    return ends ? "" : "is called " + text;
+}
+
+// The best value of a derived model must be that of its source. Its numbers are rounded, so that no exact judge can tell:
+// the library solves it under default parameters.
+std::string same_optimum(TVXmodel *made, const RationalResult *truth)
+{
+    LpSolution solution;
+    TVXenv *env = TVXgetenv(made);
+    if (TVXresetparams(env) || TVXsetintparam(env, "OutputFlag", 0)) return "is stubborn";
+    if (lp_solve(made, &solution)) return "is not solved";
+    if (solution.status == TVX_OPTIMAL && near(solution.objval, truth->value.get_d()))
+        return "";
+    LpModel lp;
+    (void)lp_read_back(made, &lp);
+    return "has status " + std::to_string(solution.status) + " value " +
+           std::to_string(solution.objval) + " for " +
+           std::to_string(truth->value.get_d()) + "\n" + lp_to_mps(&lp, "");
+}
+
+std::string derive_presolved(ApiModel *a, const LpModel *lp, const RationalResult *truth)
+{
+    const TestModel made(TVXpresolvemodel(a->model));
+    if (made) {
+        if (truth->status != LpStatus::OPTIMAL) return ""; // it may be found later
+        const std::string wrong = same_optimum(made, truth);
+        return wrong.empty() ? ""
+                             : "presolved model " + wrong + lp_to_mps(lp, a->settings());
+    }
+    const bool in_time = a->value("TimeLimit", 1e100) >= 1e100;
+    return truth->status == LpStatus::OPTIMAL && in_time
+               ? std::string("not presolved: ") + TVXgetmerrormsg(a->model) + "\n" +
+                     lp_to_mps(lp, a->settings())
+               : "";
+}
+
+std::string derive_fixed(ApiModel *a, const LpModel *lp, const RationalResult *truth)
+{
+    const TestModel made(TVXconverttofixed(a->model));
+    if (!is_solved(a)) return made ? "fixed without a solution" : "";
+    if (!made) return "not fixed";
+    std::string wrong = check_names_of(made, "_fixed");
+    if (wrong.empty()) wrong = same_optimum(made, truth);
+    return wrong.empty() ? "" : "fixed model " + wrong + lp_to_mps(lp, a->settings());
+}
+} // namespace
+
+std::string api_branch(ApiModel *a)
+{
+    const int n = a->player.n_vars();
+    LpModel lp;
+    if (n == 0) return "";
+    const int j = a->dice()->range(0, n - 1), outside = n;
+    const double limit = a->dice()->chance(60) ? 1e9 : a->dice()->range(0, 3);
+    double down = 0, up = 0, x = 0;
+    int status = -1;
+    const int code = TVXstrongbranch(a->model, 1, &j, limit, &down, &up, &status);
+    if (!is_solved(a))
+        return code == TVX_ERROR_DATA_NOT_AVAILABLE ? "" : "branched unsolved";
+    if (TVXstrongbranch(a->model, 1, &outside, limit, &down, &up, nullptr) != 10006)
+        return "branches on what does not exist";
+    if (code) return "strong branching: " + std::to_string(code);
+    if (a->value("TimeLimit", 1e100) < 1e100 || a->value("Cutoff", 1e100) < 1e100)
+        return "";
+    TVXgetdblattrelement(a->model, "X", j, &x);
+    if (!a->to_lp(&lp)) return "";
+    if (TVXstrongbranch(a->model, 1, &j, limit, &down, &up, &status))
+        return "branches once";
+    const double d = std::floor(x + 1e-5);
+    for (const bool below : {true, false}) {
+        const double found = below ? down : up, exact = branch_value(lp, j, d, below);
+        const double over = lp.sense * (found - exact);
+        const double slack = NEAR * (1 + std::fabs(exact));
+        if (over > slack || (limit == 1e9 && over < -slack))
+            return "branch of " + std::to_string(j) + " at " + std::to_string(x) + ": " +
+                   std::to_string(found) + ", exact " + std::to_string(exact) + "\n" +
+                   lp_to_mps(&lp, "");
+    }
+    return "";
+}
+
+std::string api_derive(ApiModel *a)
+{
+    const bool presolved = a->dice()->chance(50);
+    LpModel lp;
+    if (a->is_mip() || !a->to_lp(&lp)) {
+        const TestModel made(presolved ? TVXpresolvemodel(a->model)
+                                       : TVXconverttofixed(a->model));
+        return "";
+    }
+    const RationalResult truth = rational_solve(&lp);
+    return presolved ? derive_presolved(a, &lp, &truth) : derive_fixed(a, &lp, &truth);
+}
+
+std::string api_file(ApiModel *a)
+{
+    static constexpr const char *SUFFIXES[] = {".mps", ".lp",  ".rew", ".rlp", ".bas",
+                                               ".sol", ".mst", ".prm", ".ilp"};
+    const int kind = a->dice()->range(0, static_cast<int>(std::size(SUFFIXES)) - 1);
+    const std::string suffix = SUFFIXES[kind], name = "f" + suffix;
+    const int code = TVXwrite(a->model, name.c_str());
+    if (code == TVX_ERROR_DATA_NOT_AVAILABLE && kind >= 4) return "";
+    if (code) return suffix + " not written: " + TVXgetmerrormsg(a->model);
+    if (suffix == ".sol") return "";
+    if (kind >= 4)
+        return TVXread(a->model, name.c_str()) ? suffix + " is not read back" : "";
+    TVXmodel *read = nullptr;
+    if (TVXreadmodel(a->env(), name.c_str(), &read))
+        return suffix + " is not read back: " + TVXgetmerrormsg(a->model);
+    const TestModel again(read);
+    const std::string was = stored_text(a->model, Names::IGNORE),
+                      is = stored_text(again, Names::IGNORE);
+    return was == is ? "" : "written\n" + was + "read\n" + is;
+}

@@ -1,0 +1,124 @@
+// api_solve.cpp -- a solve of a fuzzed program, and the judgement of its outcome
+//
+// Method      What the solve says must be what the exact judge finds on the reference, and an optimal solution must meet
+//             the optimality conditions. A limit that was set, a cutoff or a callback may end it otherwise, but only in
+//             the way that belongs to it. Parameters must be as they were set.
+#include "fuzz/api_model.h"
+#include "support/model_gen.h"
+#include "support/quality_check.h"
+#include "support/solve_judge.h"
+#include <cmath>
+
+namespace
+{
+constexpr int MIP_LATER = TVX_ERROR_NOT_FOR_MIP; // until there is a search
+
+bool presolve_blurs(const ApiModel *a) // status 4 is an answer
+{
+    return a->value("Presolve", -1) != 0 && a->value("TARV_PAR_DUALREDUCTION", 1) != 0;
+}
+
+// The optimum may be beyond the cutoff, or have no value to compare.
+bool cutoff_fits(const ApiModel *a, const LpModel *lp, const RationalResult *truth)
+{
+    const double cutoff = a->value("Cutoff", 1e100);
+    if (truth->status != LpStatus::OPTIMAL) return truth->status == LpStatus::INFEASIBLE;
+    return lp->sense * (truth->value.get_d() - cutoff) > -1e-6 * (1 + std::fabs(cutoff));
+}
+
+// May the solve end with this status, whatever the model is?
+bool stopped_rightly(const ApiModel *a, int status)
+{
+    const double limit = a->value("IterationLimit", RUNAWAY_ITERATIONS);
+    switch (status) {
+    case TVX_ITERATION_LIMIT:
+        return limit < RUNAWAY_ITERATIONS;
+    case TVX_TIME_LIMIT:
+        return a->value("TimeLimit", 1e100) < 1e100;
+    case TVX_INTERRUPTED:
+        return a->watch.asked;
+    default:
+        return false;
+    }
+}
+
+std::string judge(ApiModel *a, const LpModel *lp)
+{
+    const int status = a->solution.status;
+    if (stopped_rightly(a, status)) return "";
+    const RationalResult truth = rational_solve(lp);
+    if (status == TVX_CUTOFF && a->value("Cutoff", 1e100) < 1e100)
+        return cutoff_fits(a, lp, &truth) ? "" : "cut off below the cutoff";
+    return judge_exact(lp, &truth, presolve_blurs(a), &a->solution);
+}
+
+// A point is there under the statuses that have one; what was stopped may have come to none.
+std::string check_available(ApiModel *a)
+{
+    const int status = a->solution.status;
+    const bool may = status == TVX_OPTIMAL || status > TVX_UNBOUNDED;
+    const bool must = may && !stopped_rightly(a, status);
+    LpSolution point;
+    const int code = lp_read_point(a->model, &point);
+    const bool has = code == 0;
+    if ((must && !has) || (has && !may))
+        return "status " + std::to_string(status) + ", the point answers " +
+               std::to_string(code);
+    for (const auto *list : {&point.x, &point.rc, &point.pi, &point.slack})
+        for (const double v : *list)
+            if (has && !std::isfinite(v)) return "a point that is not finite";
+    return "";
+}
+
+std::string check_parameters(const ApiModel *a)
+{
+    for (const auto &[name, value] : a->values) {
+        int integer = 0;
+        double number = 0;
+        if (TVXgetparamtype(a->env(), name.c_str()) == 2)
+            TVXgetdblparam(a->env(), name.c_str(), &number);
+        else
+            TVXgetintparam(a->env(), name.c_str(), &integer);
+        if (number + integer != value) return "parameter " + name + " has changed";
+    }
+    return "";
+}
+
+std::string check_attributes(ApiModel *a, const LpModel *lp)
+{
+    const bool scaled = a->value("ScaleFlag", 1) != 0;
+    const std::vector<std::string> wrong =
+        check_quality(a->model, lp, &a->solution,
+                      scaled ? QualityScaling::SCALED : QualityScaling::UNSCALED);
+    return wrong.empty() ? "" : wrong[0];
+}
+
+} // namespace
+
+std::string api_solve(ApiModel *a)
+{
+    a->watch = Watch{};
+    a->solution = LpSolution{};
+    if (a->watched) {
+        a->watch.end = static_cast<Watch::End>(a->dice()->range(0, 2));
+        a->watch.at_call = a->dice()->range(1, 40);
+        a->watch.queues = a->dice()->chance(30);
+    }
+    a->player.reference.update(); // what the callback queues waits
+    const int code = TVXoptimize(a->model);
+    if (!a->watch.wrong.empty()) return a->watch.wrong;
+    if (std::string wrong = check_parameters(a); !wrong.empty()) return wrong;
+    if (a->is_mip()) return code == MIP_LATER ? "" : "a MIP: " + std::to_string(code);
+    const bool stopped = a->watch.asked && a->watch.end == Watch::End::CODE;
+    if (code != (stopped ? WATCH_CODE : 0))
+        return "optimize: " + std::to_string(code) + " " + TVXgetmerrormsg(a->model);
+    LpModel lp;
+    if (lp_read_solution(a->model, &a->solution)) return "the solution cannot be read";
+    std::string wrong = check_available(a);
+    const bool clear = a->to_lp(&lp);
+    if (wrong.empty() && clear) wrong = judge(a, &lp);
+    if (wrong.empty() && clear && a->solution.status == TVX_OPTIMAL &&
+        a->dice()->chance(30))
+        wrong = check_attributes(a, &lp);
+    return wrong.empty() ? "" : wrong + "\n" + lp_to_mps(&lp, a->settings());
+}
