@@ -16,14 +16,33 @@ constexpr double START_WORK = 50;         // of a run, before anything is touche
 constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed less
 constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
 
+// The matrix without the coefficients of 0 that a model may hold: in a work vector a listed zero would count as not
+// listed, and its place be listed twice.
+int copy_matrix(sopt *s, const ModelBody *body)
+{
+    const int n = s->NumCols;
+    TRY(array_assign(&s->ColBeg, int64_t{n} + 1, 0));
+    const int room = body->vbeg.data ? body->vbeg.data[n] : 0;
+    TRY(array_resize(&s->ColInd, room));
+    TRY(array_resize(&s->ColVal, room));
+    int count = 0;
+    for (int j = 0; j < n && room > 0; j++) {
+        for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
+            s->ColInd.data[count] = body->vind.data[p];
+            s->ColVal.data[count] = body->vval.data[p];
+            count += body->vval.data[p] != 0;
+        }
+        s->ColBeg.data[j + 1] = count;
+    }
+    TRY(array_resize(&s->ColInd, count));
+    return array_resize(&s->ColVal, count);
+}
+
 int copy_model(sopt *s)
 {
     const ModelBody *body = s->Model->body;
     const int m = s->NumRows, n = s->NumCols, nv = s->NumVars;
-    TRY(array_assign(&s->ColBeg, int64_t{n} + 1, 0));
-    std::copy_n(body->vbeg.data, body->vbeg.data ? n + 1 : 0, s->ColBeg.data);
-    TRY(array_copy(&s->ColInd, body->vind.data, s->ColBeg.data[n]));
-    TRY(array_copy(&s->ColVal, body->vval.data, s->ColBeg.data[n]));
+    TRY(copy_matrix(s, body));
     TRY(array_copy(&s->Rhs, body->rhs.data, m));
     TRY(array_assign(&s->Cost, nv, 0.0));
     TRY(array_assign(&s->Lower, nv, 0.0));

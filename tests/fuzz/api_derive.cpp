@@ -60,6 +60,7 @@ std::string same_optimum(TVXmodel *made, const RationalResult *truth)
 
 std::string derive_presolved(ApiModel *a, const LpModel *lp, const RationalResult *truth)
 {
+    a->watch = Watch{}; // the callback is called, and does not stop it
     const TestModel made(TVXpresolvemodel(a->model));
     if (made) {
         if (truth->status != LpStatus::OPTIMAL) return ""; // it may be found later
