@@ -1,6 +1,6 @@
 // callback.cpp -- calls the caller's callback function
 //
-// Invariant   The model's in_callback is set exactly while the function runs, so that calls which it makes on the
+// Invariant   The model's callback_thread is set exactly while the function runs, so that calls which it makes on the
 //             model pass the model check although the model is busy. Calls may nest: a line that is logged while the
 //             function runs is delivered by another call, after which the state of the outer one stands again.
 #include "frame/callback.h"
@@ -10,11 +10,11 @@ static void call(TVXenv *env, int where, const CallbackState &state)
 {
     CallbackRecord *record = env->cb_record;
     const CallbackState outer_state = record->state;
-    const int outer = flag_load(&record->model->in_callback);
+    const uintptr_t outer = flag_load(&record->model->callback_thread);
     record->state = state;
-    flag_store(&record->model->in_callback, 1);
+    flag_store(&record->model->callback_thread, ThreadSelf());
     const int code = env->cb_active(record->model, record, where, record->usrdata);
-    flag_store(&record->model->in_callback, outer);
+    flag_store(&record->model->callback_thread, outer);
     record->state = outer_state;
     if (code == 0) return;
     if (env->callback_code == 0) env->callback_code = code;

@@ -8,7 +8,7 @@ int model_check(TVXmodel *model)
 {
     if (!model) return TVX_ERROR_NULL_ARGUMENT;
     if (model->magic != MODEL_MAGIC) return TVX_ERROR_INVALID_ARGUMENT;
-    if (flag_load(&model->busy) && !flag_load(&model->in_callback))
+    if (flag_load(&model->busy) && flag_load(&model->callback_thread) != ThreadSelf())
         return TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     return env_check(model->env);
 }

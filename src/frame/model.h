@@ -134,15 +134,15 @@ static constexpr double START_UNSET = 1e101; // entry of `mip_start` that nobody
 
 struct TVXmodel {
     uint32_t magic = 0;
-    int busy = 0;              // TVXoptimize is running
-    int in_callback = 0;       // a user callback runs on this model
-    int signal_set = 0;        // TVXsetsignal was called for this solve
-    int status = 0;            // the Status attribute of an LP
-    double node_count = 0;     // simplex work of a finished LP, as NodeCount reports it
-    double start_time = 0;     // WallClock of the last optimize
-    double run_time = 0;       // its length
-    int64_t size_estimate = 0; // 13 per variable + 7 per constraint + 23 per nonzero
-    sopt *simplex = nullptr;   // live simplex record
+    int busy = 0;                  // TVXoptimize is running
+    uintptr_t callback_thread = 0; // that runs a user callback on this model, or 0
+    int signal_set = 0;            // TVXsetsignal was called for this solve
+    int status = 0;                // the Status attribute of an LP
+    double node_count = 0;         // simplex work of a finished LP, as NodeCount reports it
+    double start_time = 0;         // WallClock of the last optimize
+    double run_time = 0;           // its length
+    int64_t size_estimate = 0;     // 13 per variable + 7 per constraint + 23 per nonzero
+    sopt *simplex = nullptr;       // live simplex record
     ModelBody *body = nullptr;
     TVXenv *env = nullptr;
     int env_owned = 0; // env is this model's own copy

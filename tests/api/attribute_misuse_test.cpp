@@ -143,10 +143,11 @@ TEST_F(AttributeMisuse, dead_and_busy_models_are_told_apart)
     model->busy = 1; // as during a solve
     EXPECT_EQ(TVXgetintattr(model, "NumVars", &i), 10017);
     EXPECT_EQ(TVXoptimize(model), 10017);
-    model->in_callback = 1; // as inside its callback
+    model->callback_thread = ThreadSelf(); // as inside its callback
     EXPECT_EQ(TVXgetintattr(model, "NumVars", &i), 0);
     EXPECT_EQ(TVXoptimize(model), 10017);
-    model->busy = model->in_callback = 0;
+    model->callback_thread = 0;
+    model->busy = 0;
 
     TVXenv *master = nullptr; // that nothing stays behind is seen by a sanitizer build
     ASSERT_EQ(TVXloadenv(&master, nullptr), 0);

@@ -1,10 +1,12 @@
 // callback_test.cpp -- the caller's callback function: when it is called, what it may ask, how it stops a solve
 #include "frame/env.h"
 #include "support/model_test.h"
+#include <atomic>
 #include <cmath>
 #include <csignal>
 #include <functional>
 #include <map>
+#include <thread>
 
 namespace
 {
@@ -113,6 +115,42 @@ TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)
     };
     TVXmsg(own(), "%s", std::string(5000, 'x').c_str());
     EXPECT_EQ(log, std::string(512, 'x'));
+}
+
+TEST_F(Callback, lets_its_own_thread_at_the_model_and_no_other)
+{
+    std::atomic<int> refused{0};
+    std::atomic<bool> enough{false};
+    const auto query = [this, &refused, &enough] {
+        while (!enough) {
+            int status = 0;
+            double x[2];
+            for (const int code :
+                 {TVXgetintattr(model, "Status", &status),
+                  TVXgetdblattrarray(model, "X", 0, 2, x), TVXupdatemodel(model),
+                  TVXoptimize(model), TVXsetdblattrelement(model, "Obj", 0, 1)})
+                EXPECT_EQ(code, TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+            EXPECT_EQ(TVXgetenv(model), nullptr);
+            EXPECT_STREQ(TVXgetmerrormsg(model), "");
+            refused++;
+        }
+        TVXterminate(model);
+    };
+    std::thread other;
+    int count = 0;
+    act = [&](void *, int) {
+        EXPECT_EQ(integer("NumVars"), 180);
+        count++;
+        if (count == 1) other = std::thread(query);
+        if (count != 20) return 0;
+        while (refused < 10) std::this_thread::yield();
+        enough = true;
+        other.join();
+        return 0;
+    };
+    ASSERT_EQ(solve(0), 0);
+    ASSERT_GE(count, 20);
+    EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
 }
 
 TEST_F(Callback, stops_a_solve_by_its_result_or_by_terminate_and_is_then_left_alone)

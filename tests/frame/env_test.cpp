@@ -208,9 +208,10 @@ TEST_F(Env, AModelHandleIsChecked)
               TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
     fail_model(&model, 10014, Report::KEEP_FIRST, "of the solve");
     EXPECT_EQ(message(), "of the solve");
-    model.in_callback = 1;
+    model.callback_thread = ThreadSelf();
     EXPECT_EQ(TVXcheckmodel(&model), 0);
-    model.busy = model.in_callback = 0;
+    model.callback_thread = 0;
+    model.busy = 0;
 
     model.env->terminate_ptr = &model.env->terminate; // as a solve sets it
     EXPECT_FALSE(env_stop_requested(model.env));

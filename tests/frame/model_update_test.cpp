@@ -274,7 +274,7 @@ TEST_F(ModelUpdate, calls_from_a_callback_do_not_pull_the_model_away)
     EXPECT_EQ(TVXupdatemodel(model), 10017);
     EXPECT_EQ(TVXfreemodel(model), 10017);
     EXPECT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, 0, 1, 'C', NONE), 10017);
-    model->in_callback = 1;
+    model->callback_thread = ThreadSelf();
     EXPECT_EQ(TVXupdatemodel(model), 10017);
     EXPECT_EQ(TVXresetmodel(model), 10017);
     EXPECT_EQ(TVXfreemodel(model), 10017);
@@ -282,7 +282,8 @@ TEST_F(ModelUpdate, calls_from_a_callback_do_not_pull_the_model_away)
     EXPECT_EQ(TVXgetcoeff(model, 1, 1, &value), 0);
     EXPECT_EQ(value, 3);
     EXPECT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, 0, 1, 'C', NONE), 0);
-    model->busy = model->in_callback = 0;
+    model->callback_thread = 0;
+    model->busy = 0;
     update();
     EXPECT_EQ(integer("NumVars"), 4);
 }

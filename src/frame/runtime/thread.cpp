@@ -53,6 +53,11 @@ uintptr_t ThreadStart(ThreadFunction function, void *argument)
     return static_cast<uintptr_t>(thread);
 }
 
+uintptr_t ThreadSelf()
+{
+    return static_cast<uintptr_t>(pthread_self());
+}
+
 void ThreadJoin(uintptr_t handle)
 {
     if (handle) pthread_join(static_cast<pthread_t>(handle), nullptr);

@@ -2,6 +2,7 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <type_traits>
 
 using ThreadFunction = void (*)(void *argument);
 
@@ -13,6 +14,8 @@ void ThreadJoin(uintptr_t handle);
 // Gives up the processor. `round` counts the polls of one wait: later rounds sleep longer, up to about 1 ms, so
 // that an idle waiter costs next to nothing.
 void ThreadPause(int round);
+// The calling thread; never 0.
+uintptr_t ThreadSelf();
 
 struct Lock;
 [[nodiscard]] Lock *LockCreate(); // null when out of memory
@@ -29,12 +32,12 @@ int CoreCount();
 // One word that one side stores and another polls. The field itself stays a plain word, so that records which
 // hold it can be copied as bytes.
 // NOLINTBEGIN(readability-non-const-parameter): atomic_ref takes no reference to const
-inline int32_t flag_load(int32_t *word)
+template<class Word> Word flag_load(Word *word)
 {
-    return std::atomic_ref<int32_t>(*word).load(std::memory_order_acquire);
+    return std::atomic_ref<Word>(*word).load(std::memory_order_acquire);
 }
-inline void flag_store(int32_t *word, int32_t value)
+template<class Word> void flag_store(Word *word, std::type_identity_t<Word> value)
 {
-    std::atomic_ref<int32_t>(*word).store(value, std::memory_order_release);
+    std::atomic_ref<Word>(*word).store(value, std::memory_order_release);
 }
 // NOLINTEND(readability-non-const-parameter)
