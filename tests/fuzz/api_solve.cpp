@@ -84,15 +84,13 @@ std::string check_parameters(const ApiModel *a)
     return "";
 }
 
+// ScaleFlag may have changed since the record was scaled, so the scaled measures are not compared.
 std::string check_attributes(ApiModel *a, const LpModel *lp)
 {
-    const bool scaled = a->value("ScaleFlag", 1) != 0;
     const std::vector<std::string> wrong =
-        check_quality(a->model, lp, &a->solution,
-                      scaled ? QualityScaling::SCALED : QualityScaling::UNSCALED);
+        check_quality(a->model, lp, &a->solution, QualityScaling::SCALED);
     return wrong.empty() ? "" : wrong[0];
 }
-
 } // namespace
 
 std::string api_solve(ApiModel *a)
