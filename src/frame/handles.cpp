@@ -15,7 +15,7 @@ int model_check(TVXmodel *model)
 
 bool model_is_occupied(TVXmodel *model)
 {
-    return flag_load(&model->busy) || flag_load(&model->in_callback);
+    return flag_load(&model->busy) || flag_load(&model->callback_thread) != 0;
 }
 
 int TVXcheckmodel(TVXmodel *model)
