@@ -141,8 +141,9 @@ int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
     return turn_basis(model, &start->statuses);
 }
 
-// A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there, optimal or not;
-// the next solve goes on from the reduced model itself. A huge model shows nothing: to make up its point takes time.
+// A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there,
+// optimal or not; the next solve goes on from the reduced model itself. A huge model shows nothing: to make up its point
+// takes time.
 int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *start)
 {
     const ModelBody *body = model->body;
@@ -156,8 +157,8 @@ int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *sta
     return 0;
 }
 
-// The form has no optimal solution. Without dual reductions an infeasible form is
-// an infeasible model, and for everything else the model itself has to tell, when the caller wants to know.
+// The form has no optimal solution. Without dual reductions an infeasible reduced model is an infeasible model, and in
+// every other case the model itself has to tell.
 void settle_without_optimum(TVXmodel *model, TVXmodel *form, int status, LpStart *start)
 {
     const bool exact = model->env->TARV_PAR_DUALREDUCTION == 0;

@@ -9,7 +9,7 @@
 // it has been many, so that none is overrun by more than some hundredths of a second.
 static constexpr double CHECK_ENTRIES = 1e5;
 struct LimitWatch {
-    const TVXenv *env; // or null
+    const TVXenv *env;  // or null
     double entries = 0; // since the last look
 };
 [[nodiscard]] inline int limits_watch(LimitWatch *watch, double entries)

@@ -31,8 +31,9 @@ struct SimplexProgress {
     double objective, primal_infeasibility, dual_infeasibility;
 };
 SimplexProgress simplex_progress(const sopt *s);
-int simplex_perturbed(const sopt *s); // 0 not at all, 1 single costs or bounds, 2 all of them
-int simplex_status(const sopt *s);    // status of its last run
+int simplex_perturbed(
+    const sopt *s);                // 0 not at all, 1 single costs or bounds, 2 all of them
+int simplex_status(const sopt *s); // status of its last run
 double simplex_markowitz_tol(const sopt *s); // in force at the end of the last run
 // Scale factors: scaled column j = col[j] * column, scaled row i = row[i] * row; null when unscaled.
 void simplex_get_scaling(const sopt *s, const double **row, const double **col,
