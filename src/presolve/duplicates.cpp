@@ -120,6 +120,17 @@ int classes_of_pattern(PresolveWork *w, Axis axis, DupLine *lines, int count,
     return 0;
 }
 
+// Lists are walked below by what their lines count: entries that an earlier reduction has deleted go first.
+int sweep_listed(PresolveWork *w, Axis axis, const int *list, int count)
+{
+    const int *mark = axis == Axis::ROWS ? w->RowMark.data : w->ColMark.data;
+    for (int k = 0; k < count; k++)
+        if (mark[list[k]] & NEEDS_SWEEP)
+            TRY(check_limits(w, 1 + (axis == Axis::ROWS ? sweep_row(w, list[k])
+                                                        : sweep_col(w, list[k]))));
+    return 0;
+}
+
 // Sums of the mixed places of lines: of these few, or of all as entries lie in memory.
 int add_patterns(PresolveWork *w, Axis axis, const int *list, int count,
                  Array<uint64_t> *sum)
@@ -149,6 +160,7 @@ int sort_patterns(PresolveWork *w, Axis axis, const int *list, int count, const 
 {
     Array<uint64_t> sum;
     Array<SortKey> other;
+    TRY(sweep_listed(w, axis, list, count));
     TRY(add_patterns(w, axis, list, count, &sum));
     TRY(array_resize(keys, count));
     TRY(array_resize(&other, count));
