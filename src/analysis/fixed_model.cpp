@@ -34,22 +34,17 @@ struct Decisions {
     bool given = false;        // by the caller as attribute Start: it may be wrong
 };
 
-int find_solution(TVXmodel *model, Decisions *found)
+// The values of the solution that was found, or null.
+const double *found_values(const TVXmodel *model)
 {
-    if (model->mip_result && model->mip_result->has_solution)
-        return solution_x(model, &found->x);
-    return unavailable(model, "The model has no solution to be fixed at");
+    const MipResult *mip = model->mip_result;
+    return mip && mip->has_solution ? mip->x.data : nullptr;
 }
 
-// The solution, or without one the values that the caller has set to start from.
-int find_values(TVXmodel *model, Decisions *found)
+// The values that the caller has set to start from, or null.
+const double *start_values(const TVXmodel *model)
 {
-    if (model->mip_result && model->mip_result->has_solution)
-        return find_solution(model, found);
-    *found = {.x = model->mip_start.data, .given = true};
-    if (model->mip_start.size == model->body->numvars && model->mip_start.size > 0)
-        return 0;
-    return unavailable(model, "The model has no solution and no start to be fixed at");
+    return model->mip_start.size == model->body->numvars ? model->mip_start.data : nullptr;
 }
 
 int refuse_value(TVXmodel *model, int j, double value)
@@ -163,17 +158,20 @@ int fix_optimal(TVXmodel *model, TVXmodel *copy)
 int fix_decisions(TVXmodel *model, TVXmodel *copy)
 {
     if (!model_is_mip(model)) return fix_optimal(model, copy);
-    Decisions decisions;
-    TRY(find_values(model, &decisions));
-    return fix_discrete(model, decisions, copy);
+    const double *x = found_values(model);
+    const bool given = !x;
+    if (given) x = start_values(model);
+    if (!x)
+        return unavailable(model, "The model has no solution and no start to be fixed at");
+    return fix_discrete(model, {.x = x, .given = given}, copy);
 }
 
 int fix_solution(TVXmodel *model, TVXmodel *copy)
 {
     if (!model_is_mip(model)) return 0; // nothing to fix
-    Decisions decisions;
-    TRY(find_solution(model, &decisions));
-    return fix_discrete(model, decisions, copy);
+    const double *x = found_values(model);
+    if (!x) return unavailable(model, "The model has no solution to be fixed at");
+    return fix_discrete(model, {.x = x, .given = false}, copy);
 }
 } // namespace
 

@@ -26,7 +26,7 @@ static void copy_out(const void *place, size_t size, const ElementRange &range,
 {
     const char *from = static_cast<const char *>(place);
     char *to = static_cast<char *>(values);
-    if (range.len == 0) return;
+    if (range.len == 0 || !to) return;
     if (!range.ind) {
         memcpy(to, from + static_cast<size_t>(range.start) * size,
                static_cast<size_t>(range.len) * size);
