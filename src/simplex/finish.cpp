@@ -18,18 +18,15 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
     refine_dual(s, w);
 }
 
-// User x_j = c_j x_j, slack_i = s_i / r_i, d_j = d_j / (o c_j), pi_i = r_i pi_i / o.
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w)
 {
     UserViolation primal, dual;
     double value = 0, price = 0; // largest
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
-        const double unit = j < s->NumCols ? std::fabs(s->ColScale.data[j])
-                                           : 1 / s->RowScale.data[j - s->NumCols];
         const double x = static_cast<double>(w->Bbar.data[k]);
         const double gap = std::max({0.0, s->Lower.data[j] - x, x - s->Upper.data[j]});
-        primal.Largest = std::max(primal.Largest, unit * gap);
+        primal.Largest = std::max(primal.Largest, user_unit(s, j) * gap);
         primal.Worth += gap;
         value = std::max(value, std::fabs(x));
     }
@@ -39,13 +36,11 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
         const double d = static_cast<double>(w->Cbar.data[j]);
         price = std::max(price, std::fabs(d));
         if (status == AT_FIXED) continue;
-        const double unit = j < s->NumCols ? 1 / std::fabs(s->ColScale.data[j])
-                                           : s->RowScale.data[j - s->NumCols];
         const double wrong = status == AT_LOWER   ? -d
                              : status == AT_UPPER ? d
                                                   : std::fabs(d);
         const double gap = std::max(0.0, wrong);
-        dual.Largest = std::max(dual.Largest, unit / s->ObjScale * gap);
+        dual.Largest = std::max(dual.Largest, gap / (user_unit(s, j) * s->ObjScale));
         dual.Worth += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
     }
     const double objective =

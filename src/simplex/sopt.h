@@ -194,6 +194,12 @@ inline bool is_basic(const sopt *s, int j)
 {
     return s->VStat.data[j] >= 0;
 }
+// The caller's value of variable j over the scaled one, without the sign. Reduced costs: over this and ObjScale.
+inline double user_unit(const sopt *s, int j)
+{
+    return j < s->NumCols ? std::fabs(s->ColScale.data[j])
+                          : 1 / s->RowScale.data[j - s->NumCols];
+}
 inline bool has_lower(const sopt *s, double bound)
 {
     return bound > -s->Infinity;

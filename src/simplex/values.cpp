@@ -176,7 +176,8 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
 }
 
-// As refine_primal: with costs of 1e8 the sums of doubles alone leave 1e-8 in every column, and more in the user's units.
+// With costs of 1e8 the sums of doubles leave 1e-8 in every column, and more in the user's units: as refine_primal, where
+// that matters.
 template<class R> void refine_dual(sopt *s, swork<R> *w)
 {
     SVec<R> *x = &w->Work;
@@ -190,19 +191,28 @@ template<class R> void refine_dual(sopt *s, swork<R> *w)
         return left;
     };
     svec_clear(x);
-    for (int k = 0; k < s->NumRows; k++)
-        x->Value.data[k] = static_cast<R>(reduced_cost(s->BasisHead.data[k]));
     x->Count = -1;
-    s->DualResidual = largest(x->Value.data, s->NumRows);
-    const R size = normalise(x, s->NumRows);
-    Btran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
-    for (int i = 0; i < s->NumRows; i++)
-        if (!is_basic(s, s->NumCols + i)) cbar[s->NumCols + i] -= size * x->Value.data[i];
-    for (int j = 0; j < s->NumCols; j++)
-        if (!is_basic(s, j)) cbar[j] = static_cast<R>(reduced_cost(j));
-    x->Count = -1;
+    double worst = 0;
+    for (int k = 0; k < s->NumRows; k++) {
+        const int j = s->BasisHead.data[k];
+        x->Value.data[k] = static_cast<R>(reduced_cost(j));
+        const double residual = std::fabs(static_cast<double>(x->Value.data[k]));
+        worst = std::max(worst, residual / (user_unit(s, j) * s->ObjScale));
+    }
+    s->WorkUnits += s->ColBeg.data[s->NumCols];
+    if (worst > REFINE_SHARE * s->OptTol) {
+        s->DualResidual = largest(x->Value.data, s->NumRows);
+        const R size = normalise(x, s->NumRows);
+        Btran(&w->Lu, x, SOLVE_COSTS, Keep::NO);
+        for (int i = 0; i < s->NumRows; i++)
+            if (!is_basic(s, s->NumCols + i))
+                cbar[s->NumCols + i] -= size * x->Value.data[i];
+        for (int j = 0; j < s->NumCols; j++)
+            if (!is_basic(s, j)) cbar[j] = static_cast<R>(reduced_cost(j));
+        x->Count = -1;
+        s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
+    }
     svec_clear(x);
-    s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
 }
 
 template<class R> void compute_dual(sopt *s, swork<R> *w)
