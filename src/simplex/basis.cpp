@@ -96,7 +96,7 @@ template<class R> void accumulate_dense(sopt *s, swork<R> *w)
         for (int p = beg; p < end; p++) acc[ind[p]] += rho * R(val[p]);
     }
     int count = 0;
-    const R drop = R(s->ZeroTol);
+    const R drop = R(ROUNDING_SHARE<R> * s->ZeroTol);
     int *__restrict list = w->RowInd.data;
     R *__restrict row = w->RowVal.data;
     for (int j = 0; j < s->NumCols;
@@ -129,7 +129,7 @@ template<class R> void accumulate_sparse(sopt *s, swork<R> *w)
         }
     }
     int count = 0;
-    const R drop = R(s->ZeroTol);
+    const R drop = R(ROUNDING_SHARE<R> * s->ZeroTol);
     for (int k = 0; k < touched; k++) {
         const int j = list[k];
         const R a = acc[j];

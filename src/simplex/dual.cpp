@@ -162,16 +162,23 @@ template<class R> void set_row_aside(sopt *s, swork<R> *w)
     if (++d->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
 }
 
-// Nothing stops the slope: the row cannot become feasible.
-template<class R> void no_column(sopt *s, swork<R> *w)
+// Nothing stops the slope: the row cannot become feasible, unless entries count that were taken for rounding. True when
+// one of these stops it.
+template<class R> bool no_column(sopt *s, swork<R> *w)
 {
     const bool fresh = w->Lu.NumUpdates == 0;
-    if (!s->BoxPhase && (fresh || !wants_confirmation(s)) && proves_infeasible(s, w))
+    if (!s->BoxPhase && (fresh || !wants_confirmation(s)) && proves_infeasible(s, w)) {
         s->Status = SIMPLEX_INFEASIBLE;
-    else if (!fresh)
+    } else if (!fresh) {
         s->RefacReason = REFAC_CONFIRM;
-    else // rounding: in the box problem every variable has a range, elsewhere the proof would stand
-        set_row_aside(s, w);
+    } else {
+        R largest = 0;
+        for (int k = 0; k < w->RowCount; k++)
+            largest = std::max(largest, std::abs(w->RowVal.data[k]));
+        if (dual_ratio(s, w, noise_share(w) * largest)) return true;
+        set_row_aside(s, w); // in the box problem every variable has a range, elsewhere the proof would stand
+    }
+    return false;
 }
 
 // Row choice with its BTRAN; a weight that proves far too small sends the choice back.
@@ -288,10 +295,7 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     const double before = s->WorkUnits;
     compute_row(s, w);
     w->Dual->RowWork += s->WorkUnits - before;
-    if (!dual_ratio(s, w)) {
-        no_column(s, w);
-        return;
-    }
+    if (!dual_ratio(s, w, pivot_floor(w)) && !no_column(s, w)) return;
     if (compute_step(s, w)) apply_step(s, w);
 }
 

@@ -35,10 +35,9 @@ template<class R> void swap_candidates(dopt<R> *d, int a, int b)
 }
 
 // Candidates from the packed row. Signs are as good as random, so nothing here branches on them.
-template<class R> void collect(sopt *s, swork<R> *w)
+template<class R> void collect(sopt *s, swork<R> *w, R small)
 {
     dopt<R> *d = w->Dual;
-    const R small = pivot_floor(w);
     const R side = d->Delta < 0 ? R(-1) : R(1);
     const int *__restrict vstat = s->VStat.data, *__restrict ind = w->RowInd.data;
     const R *__restrict val = w->RowVal.data, *__restrict cbar = w->Cbar.data;
@@ -58,14 +57,14 @@ template<class R> void collect(sopt *s, swork<R> *w)
 }
 
 // Free variables block in both directions.
-template<class R> void collect_free(sopt *s, swork<R> *w)
+template<class R> void collect_free(sopt *s, swork<R> *w, R small)
 {
     dopt<R> *d = w->Dual;
     int count = d->CandCount;
     for (int k = 0; k < count; k++)
         if (s->VStat.data[w->RowInd.data[d->CandPlace.data[k]]] == AT_FREE)
             d->CandDual.data[k] = R(0);
-    const R side = d->Delta < 0 ? R(-1) : R(1), small = pivot_floor(w);
+    const R side = d->Delta < 0 ? R(-1) : R(1);
     for (int k = 0; k < w->RowCount; k++) {
         const R a = -side * w->RowVal.data[k];
         if (a <= small || s->VStat.data[w->RowInd.data[k]] != AT_FREE) continue;
@@ -230,13 +229,13 @@ template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int 
 }
 } // namespace
 
-template<class R> bool dual_ratio(sopt *s, swork<R> *w)
+template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor)
 {
     dopt<R> *d = w->Dual;
     d->PivotCol = -1;
     d->FlipCount = 0;
-    collect(s, w);
-    if (d->FreeCount > 0) collect_free(s, w);
+    collect(s, w, floor);
+    if (d->FreeCount > 0) collect_free(s, w, floor);
     s->WorkUnits += w->RowCount;
     if (d->CandCount == 0) return false;
     const R slope = std::abs(d->Delta);
@@ -254,5 +253,5 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w)
     return true;
 }
 
-template bool dual_ratio<double>(sopt *, swork<double> *);
-template bool dual_ratio<long double>(sopt *, swork<long double> *);
+template bool dual_ratio<double>(sopt *, swork<double> *, double);
+template bool dual_ratio<long double>(sopt *, swork<long double> *, long double);

@@ -4,7 +4,8 @@
 //             entries may have led it there: the claim needs a proof that stands alone.
 // Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
 //             g x over the bounds stays away from y b by more than the rounding of both. Entries that are rounding
-//             count as zero; any other entry on an unbounded side makes the range infinite, and the proof fails.
+//             count as zero, for values up to FARTHEST; any other entry on an unbounded side makes the range infinite, and
+//             the proof fails. All rows and bounds are held wider by RELAXED.
 //             What is rounding depends on how well y is known. In exact arithmetic g is -1, 0 or 1 in the columns of
 //             the basis; what the solve has left beside these is solved for again, and the corrections are kept beside
 //             y as its lower digits. So multipliers of 1e5 do not hide an infeasibility of 1e-5.
@@ -19,6 +20,10 @@ namespace
 constexpr int REFINEMENTS =
     3; // the first brings y to working accuracy, the others add digits
 constexpr long double ROUNDING = 1e-15L; // left in refined multipliers, against the largest
+constexpr long double RELAXED =
+    1e-9L; // in the user's units: a model with a point that violates no row and bound by more is not refused
+constexpr long double FARTHEST =
+    1e9L; // likewise: how far out a variable without a bound may be for the proof to reach it
 
 // y = High + Low, over rows.
 template<class R> struct Multipliers {
@@ -74,14 +79,18 @@ struct End {
     bool Open = false; // infinite
 };
 
-void extend(const sopt *s, End *end, const Entry &g, long double rounding, double bound)
+void extend(const sopt *s, End *end, int j, const Entry &g, long double rounding,
+            double bound)
 {
-    if (!has_lower(s, bound) || !has_upper(s, bound)) {
+    const long double size = std::fabs(g.Value), unit = user_unit(s, j);
+    if (has_lower(s, bound) && has_upper(s, bound)) {
+        end->Sum += g.Value * bound;
+        end->Unsure += rounding * std::fabs(bound) + size * RELAXED / unit;
+    } else if (size <= rounding) {
+        end->Unsure += size * FARTHEST / unit;
+    } else {
         end->Open = true;
-        return;
     }
-    end->Sum += g.Value * bound;
-    end->Unsure += rounding * std::fabs(bound);
 }
 
 template<class R> bool equation_fails(const sopt *s, const Multipliers<R> &y)
@@ -96,27 +105,36 @@ template<class R> bool equation_fails(const sopt *s, const Multipliers<R> &y)
     for (int j = 0; j < s->NumVars; j++) {
         const Entry g = entry_of(s, y, j);
         const long double rounding = ROUNDING * largest * g.Column;
-        if (std::fabs(g.Value) <= rounding) continue;
         const bool up = g.Value > 0;
-        extend(s, &low, g, rounding, up ? s->Lower.data[j] : s->Upper.data[j]);
-        extend(s, &high, g, rounding, up ? s->Upper.data[j] : s->Lower.data[j]);
+        extend(s, &low, j, g, rounding, up ? s->Lower.data[j] : s->Upper.data[j]);
+        extend(s, &high, j, g, rounding, up ? s->Upper.data[j] : s->Lower.data[j]);
         if (low.Open && high.Open) return false;
     }
     return (!low.Open && low.Sum - target > low.Unsure + unsure) ||
            (!high.Open && target - high.Sum > high.Unsure + unsure);
 }
+
+// Row multipliers, scaled.
+template<class R> void keep(sopt *s, const Multipliers<R> &y)
+{
+    s->Proof = PROOF_FARKAS;
+    std::fill_n(s->ProofVector.data, s->NumVars, 0.0);
+    for (int i = 0; i < s->NumRows; i++)
+        s->ProofVector.data[i] = static_cast<double>(y.at(i));
+}
 } // namespace
 
-template<class R> bool proves_infeasible(const sopt *s, swork<R> *w)
+template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
 {
     svec_clear(&w->Tau);
     const Multipliers<R> y = {&w->Rho, &w->Tau};
     for (int round = 0; round < REFINEMENTS; round++) refine(s, w, y);
     const bool proved = equation_fails(s, y);
+    if (proved) keep(s, y);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);
     return proved;
 }
 
-template bool proves_infeasible<double>(const sopt *, swork<double> *);
-template bool proves_infeasible<long double>(const sopt *, swork<long double> *);
+template bool proves_infeasible<double>(sopt *, swork<double> *);
+template bool proves_infeasible<long double>(sopt *, swork<long double> *);

@@ -20,6 +20,8 @@ constexpr int MAX_REJECTED = 50; // columns set aside before the run gives up
 constexpr double TIGHTEST_TOL =
     1e-9; // of reduced costs when an infeasibility is to be proved
 constexpr double TIGHTEN = 1e-2;
+constexpr double SMALL_PIVOT_GAP =
+    1e-3; // relative, between a small pivot from its row and from its column
 constexpr double PRICE_TRUST =
     1e-3; // relative gap between stored and recomputed reduced cost
 
@@ -145,6 +147,15 @@ template<class R> void no_column(sopt *s, swork<R> *w)
     }
 }
 
+// The column is not chosen again before the next factorisation.
+template<class R> void set_column_aside(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    p->ColRejected.data[p->PivotCol] = 1;
+    primal_set_merit(s, w, p->PivotCol);
+    if (++p->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
+}
+
 template<class R> void no_row(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -154,23 +165,21 @@ template<class R> void no_row(sopt *s, swork<R> *w)
         drop_phase_costs(s, p);
     } else if (p->Phase1 && s->Superbasics > 0) {
         primal_settle_superbasic(s, w);
-    } else if (p->Phase1) {
-        p->ColRejected.data[p->PivotCol] =
-            1; // rounding: the sum of infeasibilities is bounded below
-        primal_set_merit(s, w, p->PivotCol);
-        p->Rejected++;
+    } else if (p->Phase1) { // rounding: the sum of infeasibilities is bounded below
+        set_column_aside(s, w);
     } else if (s->Perturbed) {
         primal_remove_perturbation(s, w);
         s->PerturbAllowed = 0;
         s->RefacReason = REFAC_START;
-    } else {
+    } else if (proves_unbounded(s, w, p->PivotCol, p->Direction)) {
         s->Status = SIMPLEX_UNBOUNDED;
+    } else {
+        set_column_aside(s, w);
     }
 }
 
 template<class R> void reject_column(sopt *s, swork<R> *w)
 {
-    popt<R> *p = w->Primal;
     s->NumericCount++;
     if (w->Lu.NumUpdates > 0) {
         distrust_factors(s);
@@ -180,9 +189,18 @@ template<class R> void reject_column(sopt *s, swork<R> *w)
         primal_settle_superbasic(s, w);
         return;
     }
-    p->ColRejected.data[p->PivotCol] = 1;
-    primal_set_merit(s, w, p->PivotCol);
-    if (++p->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
+    set_column_aside(s, w);
+}
+
+// Is a small pivot the true entry of the tableau? Then its row gives the same value as its column.
+template<class R> bool confirm_small_pivot(sopt *s, swork<R> *w)
+{
+    const popt<R> *p = w->Primal;
+    const R a = w->Alpha.Value.data[p->PivotRow];
+    svec_unit(&w->Rho, p->PivotRow, R(1));
+    Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
+    return std::abs(column_dot(s, p->PivotCol, w->Rho.Value.data) - a) <=
+           R(SMALL_PIVOT_GAP) * std::abs(a);
 }
 
 // False when the stored reduced cost of the entering column was wrong.
@@ -315,7 +333,12 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     case RATIO_PIVOT:
         break;
     }
-    if (std::abs(w->Alpha.Value.data[p->PivotRow]) < R(s->PivotTol)) {
+    if (p->PivotRow < 0) { // numbers that are none any more
+        s->Status = SIMPLEX_NUMERIC;
+        return;
+    }
+    if (std::abs(w->Alpha.Value.data[p->PivotRow]) < R(s->PivotTol) &&
+        (w->Lu.NumUpdates > 0 || !confirm_small_pivot(s, w))) {
         reject_column(s, w);
         return;
     }

@@ -2,7 +2,8 @@
 //
 // Problem     The entering variable moves by t in Direction; basic variable i moves by -t a_i, a_i = Direction alpha_i.
 // Method      Phase 2: two passes with bounds relaxed by the tolerance (Harris); of all rows that block before the
-//             relaxed step the one with the largest |a_i| leaves. Phase 1: the sum of infeasibilities is piecewise linear
+//             relaxed step the one with the largest |a_i| leaves. Entries that are small count only where a step would
+//             carry them visibly beyond a bound: then they are no rounding. Phase 1: the sum of infeasibilities is piecewise linear
 //             in t; breakpoints are passed in order while its slope stays negative, and of those near the end the last
 //             one with a good pivot is taken. The range of the entering variable is one more breakpoint: a flip.
 //             With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops at its first breakpoint.
@@ -43,38 +44,89 @@ template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
     return has_upper(s, upper) ? R(upper) - w->Bbar.data[i] : R(s->Infinity);
 }
 
-template<class R> RatioResult ratio_phase2(sopt *s, swork<R> *w)
+// Pass 1: the longest step that keeps every row with an entry above `floor` within its bounds relaxed by the tolerance.
+// PivotRow: the row that gives it, -1 when none does.
+template<class R> R relaxed_limit(const sopt *s, const swork<R> *w, R floor)
 {
     popt<R> *p = w->Primal;
-    const R tol = R(s->FeasTol), floor = pivot_floor(w), infinite = R(s->Infinity);
+    const R tol = R(s->FeasTol), infinite = R(s->Infinity);
     const R *alpha = w->Alpha.Value.data;
     R limit = infinite;
+    p->PivotRow = -1;
     for (int k = 0; k < w->Alpha.Count; k++) {
         const int i = w->Alpha.Index.data[k];
         const R a = R(p->Direction) * alpha[i], size = std::abs(a);
         if (size <= floor) continue;
         const R gap = distance(s, w, i, a);
-        if (gap < infinite && gap + tol < limit * size) limit = (gap + tol) / size;
+        if (gap >= infinite || gap + tol >= limit * size) continue;
+        limit = (gap + tol) / size;
+        p->PivotRow = i;
     }
-    const R range = entering_range(s, w);
+    return limit;
+}
+
+// Would a step this long carry a row with an entry of at most `floor`, but more than `noise`, beyond its bound?
+template<class R> bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R step)
+{
+    const popt<R> *p = w->Primal;
+    const R tol = R(s->FeasTol), infinite = R(s->Infinity);
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        const R a = R(p->Direction) * w->Alpha.Value.data[i], size = std::abs(a);
+        if (size > floor || size <= noise) continue;
+        const R gap = distance(s, w, i, a);
+        if (gap < infinite && gap + tol < step * size) return true;
+    }
+    return false;
+}
+
+// Pass 2: of the rows that block before `limit` the one with the largest entry. The row that gave the limit is one of
+// them, though gap > limit size may hold in rounding.
+template<class R> void choose_blocking(const sopt *s, const swork<R> *w, R floor, R limit)
+{
+    popt<R> *p = w->Primal;
+    const R *alpha = w->Alpha.Value.data;
+    R best = std::abs(alpha[p->PivotRow]);
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        const R a = R(p->Direction) * alpha[i], size = std::abs(a);
+        if (size <= floor || size <= best || distance(s, w, i, a) > limit * size) continue;
+        best = size;
+        p->PivotRow = i;
+    }
+    const R a = R(p->Direction) * alpha[p->PivotRow];
+    p->ToUpper = a < 0;
+    p->Step = distance(s, w, p->PivotRow, a) / best;
+}
+
+template<class R> R largest_entry(const SVec<R> *x)
+{
+    R most = 0;
+    for (int k = 0; k < x->Count; k++)
+        most = std::max(most, std::abs(x->Value.data[x->Index.data[k]]));
+    return most;
+}
+
+template<class R> RatioResult ratio_phase2(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const R infinite = R(s->Infinity), range = entering_range(s, w);
+    R floor = pivot_floor(w), limit = relaxed_limit(s, w, floor);
+    const R step = std::min(limit, range);
+    if (step * floor > R(s->FeasTol)) {
+        const R noise = noise_share(w) * largest_entry(&w->Alpha);
+        if (small_entry_blocks(s, w, floor, noise, step)) {
+            floor = noise;
+            limit = relaxed_limit(s, w, floor);
+        }
+    }
     if (range <= limit && range < infinite) {
         p->PivotRow = -1;
         p->Step = range;
         return RATIO_FLIP;
     }
-    if (limit >= infinite) return RATIO_UNBOUNDED;
-    R best = 0;
-    for (int k = 0; k < w->Alpha.Count; k++) {
-        const int i = w->Alpha.Index.data[k];
-        const R a = R(p->Direction) * alpha[i], size = std::abs(a);
-        if (size <= floor || size <= best) continue;
-        const R gap = distance(s, w, i, a);
-        if (gap > limit * size) continue;
-        best = size;
-        p->PivotRow = i;
-        p->ToUpper = a < 0;
-        p->Step = gap / size;
-    }
+    if (p->PivotRow < 0) return RATIO_UNBOUNDED;
+    choose_blocking(s, w, floor, limit);
     return RATIO_PIVOT;
 }
 
@@ -217,6 +269,7 @@ template<class R> RatioResult ratio_first_break(sopt *s, swork<R> *w)
 template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w)
 {
     s->WorkUnits += 2.0 * w->Alpha.Count;
+    w->Primal->PivotRow = -1;
     if (!w->Primal->Phase1) return ratio_phase2(s, w);
     return s->Env->TARV_PAR_SIMPLEXPWRATIO ? ratio_phase1(s, w) : ratio_first_break(s, w);
 }

@@ -2,9 +2,11 @@
 //
 // Method      One pass: each row by its largest magnitude, then each column of the result by its largest. Factors are
 //             powers of two, so that scaling is exact in both directions; lines whose largest lies between 1/2 and 2
-//             stay. The objective is scaled by the geometric middle of its smallest and largest cost.
+//             stay. Where that leaves entries close to rounding, passes that centre each line between its smallest and its
+//             largest entry take its place. The objective is scaled by the geometric middle of its smallest and largest cost.
 // In, out     The unscaled arrays of sopt become scaled; RowScale, ColScale (sign: reversed column), ObjScale.
 // Cost        O(nonzeros).
+// Literature  R. Fourer, "Solving staircase linear programs by the simplex method", Math. Prog. 23, 1982 (geometric scaling).
 #include "simplex/sopt.h"
 #include <algorithm>
 #include <cmath>
@@ -15,6 +17,9 @@ constexpr double WIDE_COSTS =
     10000; // sqrt(max / min) of costs that are not centred any more
 constexpr double HUGE_COST =
     1e7; // costs from here on may be artificial: look at their decades
+constexpr double VANISHING = 1e-9; // entries below are less than what any pivot needs
+constexpr int CENTRE_PASSES = 10;  // the spread of hard models settles within these
+constexpr double ROUND_UP = 1.4142135623730951; // to the nearest power of two
 constexpr int DECADES = 16;
 constexpr int DECADE_GAP = 3; // empty decades that set artificial costs apart
 
@@ -33,7 +38,9 @@ double line_factor(sopt *s, double largest)
     return power_of_two(1 / largest);
 }
 
-void scale_rows(sopt *s)
+// ---- One pass: rows, then columns, by their largest magnitude ----
+
+void size_rows_by_largest(sopt *s)
 {
     double *scale = s->RowScale.data;
     std::fill_n(scale, s->NumRows, 0.0);
@@ -41,23 +48,107 @@ void scale_rows(sopt *s)
         double *largest = &scale[s->ColInd.data[p]];
         *largest = std::max(*largest, std::fabs(s->ColVal.data[p]));
     }
-    for (int i = 0; i < s->NumRows; i++) {
-        scale[i] = line_factor(s, scale[i]);
-        s->Rhs.data[i] *= scale[i];
-    }
-    for (int p = 0; p < s->ColBeg.data[s->NumCols]; p++)
-        s->ColVal.data[p] *= scale[s->ColInd.data[p]];
+    for (int i = 0; i < s->NumRows; i++) scale[i] = line_factor(s, scale[i]);
 }
+
+void size_columns_by_largest(sopt *s)
+{
+    for (int j = 0; j < s->NumCols; j++) {
+        double largest = 0;
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            largest = std::max(largest, std::fabs(s->ColVal.data[p]) *
+                                            s->RowScale.data[s->ColInd.data[p]]);
+        s->ColScale.data[j] = line_factor(s, largest);
+    }
+}
+
+// ---- Passes by the geometric middle ----
+
+// Smallest and largest magnitude of a line.
+struct Spread {
+    double Least = INFINITE_BOUND, Most = 0;
+};
+
+void extend(Spread *line, double a)
+{
+    line->Least = std::min(line->Least, a);
+    line->Most = std::max(line->Most, a);
+}
+
+// Smallest and largest entry under the factors at hand.
+Spread spread_of_matrix(const sopt *s)
+{
+    Spread all;
+    for (int j = 0; j < s->NumCols; j++)
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            extend(&all, std::fabs(s->ColVal.data[p]) *
+                             s->RowScale.data[s->ColInd.data[p]] * s->ColScale.data[j]);
+    return all;
+}
+
+double middle_factor(const Spread &line)
+{
+    return line.Most > 0 ? 1 / std::sqrt(line.Least * line.Most) : 1;
+}
+
+void centre_rows(sopt *s, Array<Spread> *rows)
+{
+    for (Spread &row : *rows) row = Spread{};
+    for (int j = 0; j < s->NumCols; j++)
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            extend(&rows->data[s->ColInd.data[p]],
+                   std::fabs(s->ColVal.data[p]) * s->ColScale.data[j]);
+    for (int i = 0; i < s->NumRows; i++)
+        s->RowScale.data[i] = middle_factor(rows->data[i]);
+}
+
+void centre_columns(sopt *s)
+{
+    for (int j = 0; j < s->NumCols; j++) {
+        Spread column;
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            extend(&column, std::fabs(s->ColVal.data[p]) *
+                                s->RowScale.data[s->ColInd.data[p]]);
+        s->ColScale.data[j] = middle_factor(column);
+    }
+}
+
+void round_to_powers(Array<double> *factors)
+{
+    for (double &factor : *factors) factor = power_of_two(factor * ROUND_UP);
+}
+
+// Where factors by the largest entry leave entries so small that no pivot could be taken from them (a row y <= 1e9 z),
+// each line is centred between its smallest and its largest entry instead, if the smallest of all grows by that. 0 or
+// OUT_OF_MEMORY.
+int keep_entries_alive(sopt *s)
+{
+    const double least = spread_of_matrix(s).Least;
+    if (least >= VANISHING) return 0;
+    Array<double> rows, columns;
+    Array<Spread> line;
+    TRY(array_copy(&rows, s->RowScale.data, s->NumRows));
+    TRY(array_copy(&columns, s->ColScale.data, s->NumCols));
+    TRY(array_resize(&line, s->NumRows));
+    for (int pass = 0; pass < CENTRE_PASSES; pass++) {
+        centre_rows(s, &line);
+        centre_columns(s);
+    }
+    round_to_powers(&s->RowScale);
+    round_to_powers(&s->ColScale);
+    if (spread_of_matrix(s).Least > least) return 0;
+    s->RowScale = static_cast<Array<double> &&>(rows);
+    s->ColScale = static_cast<Array<double> &&>(columns);
+    return 0;
+}
+
+// ---- Applying factors ----
 
 void scale_column(sopt *s, int j)
 {
-    double largest = 0;
+    const double factor = s->ColScale.data[j];
     for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        largest = std::max(largest, std::fabs(s->ColVal.data[p]));
-    const double factor = line_factor(s, largest);
-    s->ColScale.data[j] *= factor;
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        s->ColVal.data[p] *= factor;
+        s->ColVal.data[p] *= s->RowScale.data[s->ColInd.data[p]] * factor;
     s->Cost.data[j] *= factor;
     if (has_lower(s, s->Lower.data[j])) s->Lower.data[j] /= factor;
     if (has_upper(s, s->Upper.data[j])) s->Upper.data[j] /= factor;
@@ -129,7 +220,10 @@ int scale_working_lp(sopt *s)
     TRY(array_assign(&s->ColScale, s->NumCols, 1.0));
     s->ObjScale = 1;
     if (s->Env->ScaleFlag) {
-        scale_rows(s);
+        size_rows_by_largest(s);
+        size_columns_by_largest(s);
+        TRY(keep_entries_alive(s));
+        for (int i = 0; i < s->NumRows; i++) s->Rhs.data[i] *= s->RowScale.data[i];
         for (int j = 0; j < s->NumCols; j++) scale_column(s, j);
         s->ObjScale = objective_factor(s);
         for (int j = 0; j < s->NumCols; j++) s->Cost.data[j] *= s->ObjScale;

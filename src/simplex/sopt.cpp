@@ -64,6 +64,7 @@ int allocate_vectors(sopt *s)
     for (Array<double> *a : {&s->WorkCost, &s->WorkLower, &s->WorkUpper})
         TRY(array_resize(a, s->NumVars));
     TRY(array_assign(&s->SuperVal, s->NumVars, 0.0));
+    TRY(array_assign(&s->ProofVector, s->NumVars, 0.0));
     TRY(array_assign(&s->Mark, s->NumVars, 0));
     TRY(array_resize(&s->VStat, s->NumVars));
     for (Array<double> *a : {&s->BasicLower, &s->BasicUpper, &s->RowWork})
@@ -137,6 +138,7 @@ void sopt_refresh(sopt *s)
     s->NumFactor = 0;
     s->Status = SIMPLEX_RUNNING;
     s->BadVar = -1;
+    s->Proof = PROOF_NONE;
     s->FeasTol = env->FeasibilityTol;
     s->OptTol = env->OptimalityTol;
     s->MarkowitzTol = env->MarkowitzTol;
@@ -191,7 +193,8 @@ template<class R> int swork_create(sopt *s, swork<R> **out)
     swork<R> *w = *out = static_cast<swork<R> *>(block);
     *w = swork<R>{};
     const int m = s->NumRows;
-    TRY(lu_alloc(&w->Lu, m, std::max(s->MaxUpdates, UPDATES_ROOM), s->ZeroTol));
+    TRY(lu_alloc(&w->Lu, m, std::max(s->MaxUpdates, UPDATES_ROOM),
+                 ROUNDING_SHARE<R> * s->ZeroTol));
     const double room = std::min(ROOM_MOST, s->Env->TARV_PAR_SIMPLEXALLOCS / ROOM_USUAL);
     w->Lu.PoolFactor *= room;
     w->Lu.EtaFactor *= room;

@@ -44,6 +44,9 @@ enum BasisStatus {
     AT_FIXED = -4, // lower = upper, or kept out of the basis for the rest of a run
 };
 
+// What stands behind an infeasible or unbounded status.
+enum ProofKind { PROOF_NONE, PROOF_FARKAS, PROOF_RAY };
+
 // Why the basis is to be factored again.
 enum RefacReason {
     REFAC_NONE = 0,
@@ -167,6 +170,8 @@ struct sopt {
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
     double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
+    ProofKind Proof = PROOF_NONE; // what proved the status of this run
+    Array<double> ProofVector; // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled
     Random Rng;
 
     // Scratch
@@ -245,11 +250,20 @@ template<class R> inline bool has_factor(const sopt *s, const swork<R> *w)
 {
     return w->Lu.NeedBasis == 0 && w->FactorAge == s->BasisAge;
 }
-// Entries of a row or column below this one cannot pivot: with fresh factors, some, many updates.
+// Rounding of the number type against that of double: what counts as zero or as too small a pivot goes with it.
+template<class R> inline constexpr double ROUNDING_SHARE = 1;
+template<> inline constexpr double ROUNDING_SHARE<long double> = 1e-3;
+
+// Entries of a row or column below this one are not taken as pivots at first: with fresh factors, some, many updates.
 template<class R> inline R pivot_floor(const swork<R> *w)
 {
     const int updates = w->Lu.NumUpdates;
-    return R(updates < 10 ? 1e-9 : updates < 20 ? 1e-8 : 1e-7);
+    return R(ROUNDING_SHARE<R> * (updates < 10 ? 1e-9 : updates < 20 ? 1e-8 : 1e-7));
+}
+// Entries below this share of the largest one of their row or column are rounding.
+template<class R> inline R noise_share(const swork<R> *w)
+{
+    return R(ROUNDING_SHARE<R> * (w->Lu.NumUpdates == 0 ? 1e-12 : 1e-11));
 }
 
 // ---- sopt.cpp: the record ----
@@ -312,7 +326,12 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w);
 // ---- farkas.cpp ----
 // Do the multipliers in Rho prove that no point within the true bounds satisfies the equations? They are refined on
 // the factors, which have to be fresh; Tau and Work are used.
-template<class R> bool proves_infeasible(const sopt *s, swork<R> *w);
+template<class R> bool proves_infeasible(sopt *s, swork<R> *w);
+
+// ---- ray.cpp ----
+// Does the LP fall without end along the edge on which nonbasic q moves by `direction`? The factors have to be fresh;
+// Alpha becomes its column, Tau and Work are used.
+template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int direction);
 
 // ---- finish.cpp ----
 template<class R>
