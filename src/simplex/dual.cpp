@@ -84,6 +84,8 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     row_copy_partition(s);
     compute_primal(s, w);
     judge_residuals(s, w);
+    if (stall_look(s, w) == STALL_PERTURB) dual_perturb_costs(s, w);
+    if (s->Status != SIMPLEX_RUNNING) return 0;
     for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
     d->Rejected = 0;
     dual_list_reset(s, w);

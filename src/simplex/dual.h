@@ -55,6 +55,7 @@ int dual_place_nonbasics(
     sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
 template<class R> void dual_perturb_start(sopt *s);
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
+template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 

@@ -103,7 +103,7 @@ template<class R> void dual_perturb_start(sopt *s)
     s->Perturbed = 3;
 }
 
-// Nearly every step since the last test was degenerate: all reduced costs move away from zero, each time further.
+// Nearly every step since the last test was degenerate.
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
 {
     const double steps = s->NPvt - s->LastPerturbIter;
@@ -114,7 +114,12 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
     const bool stalled = steps > 0 && degenerate > STALL_SHARE * steps;
     s->LastPerturbIter = s->NPvt;
     s->LastDegenCount = s->DegenCount;
-    if (!stalled) return;
+    if (stalled) dual_perturb_costs(s, w);
+}
+
+// All reduced costs move away from zero, each time further.
+template<class R> void dual_perturb_costs(sopt *s, swork<R> *w)
+{
     for (int j = 0; j < s->NumVars; j++) {
         const double share = random_share(&s->Rng);
         const int status = s->VStat.data[j];
@@ -138,6 +143,7 @@ void dual_remove_perturbation(sopt *s)
     template int dual_place_nonbasics<R>(sopt *, swork<R> *);                              \
     template void dual_perturb_start<R>(sopt *);                                           \
     template void dual_perturb_stalled<R>(sopt *, swork<R> *);                             \
+    template void dual_perturb_costs<R>(sopt *, swork<R> *);                               \
     template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);
 INSTANTIATE(double)
 INSTANTIATE(long double)

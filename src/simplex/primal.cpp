@@ -40,6 +40,18 @@ template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
     std::fill_n(cost, s->NumVars, 0.0);
 }
 
+// The true costs may stand in the way of feasibility; else bounds move.
+template<class R> void break_stall(sopt *s, swork<R> *w)
+{
+    popt<R> *p = w->Primal;
+    const StallRemedy remedy = stall_look(s, w);
+    if (remedy == STALL_COSTS) p->CostWeight = 0;
+    if (remedy != STALL_PERTURB) return;
+    p->PerturbPasses = 0;
+    primal_perturb(s, w);
+    primal_classify(s, w);
+}
+
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -59,7 +71,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
         s->OptTol = s->Env->OptimalityTol;
         s->TightProof = 0;
     }
-    primal_watch(s, w);
+    break_stall(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_phase_dual(s, w);
     judge_residuals(s, w);
@@ -80,7 +92,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
 template<class R> void end_phase1(sopt *s, swork<R> *w)
 {
     if (s->Perturbed) {
-        primal_remove_perturbation(s, w);
+        primal_remove_perturbation(s);
         s->PerturbAllowed = 0;
         s->RefacReason = REFAC_CLEAN;
         return;
@@ -113,7 +125,7 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_OPTIMAL;
         return;
     }
-    primal_remove_perturbation(s, w);
+    primal_remove_perturbation(s);
     compute_primal(s, w);
     if (primal_classify(s, w) == 0) {
         s->Status = SIMPLEX_OPTIMAL;
@@ -168,7 +180,7 @@ template<class R> void no_row(sopt *s, swork<R> *w)
     } else if (p->Phase1) { // rounding: the sum of infeasibilities is bounded below
         set_column_aside(s, w);
     } else if (s->Perturbed) {
-        primal_remove_perturbation(s, w);
+        primal_remove_perturbation(s);
         s->PerturbAllowed = 0;
         s->RefacReason = REFAC_START;
     } else if (proves_unbounded(s, w, p->PivotCol, p->Direction)) {
@@ -359,7 +371,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
-    primal_remove_perturbation(s, w);
+    primal_remove_perturbation(s);
     s->BoxPhase = 0;
     settle_nonbasics(s);
     primal_count_superbasics(s, w);
@@ -367,8 +379,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     primal_choose_pricing(s, w);
     p->CostWeight = phase1_cost_weight(s);
     p->PerturbSize = s->Env->PerturbValue;
-    p->PerturbPasses = p->WatchForced = 0;
-    primal_watch_reset(s, p);
+    p->PerturbPasses = 0;
     p->Phase1 = 1;
     p->StallIter = s->NPvt;
     p->StallStart = s->DegenCount;

@@ -67,11 +67,6 @@ template<class R> struct popt {
     double StallIter = 0;
     double PerturbSize = 0; // of the next perturbation
     int PerturbPasses = 0;  // perturbations so far
-    double WatchBest = 0;   // best value of the phase so far, and that phase
-    int WatchPhase1 = 1;
-    int WatchCount = 0;   // factorisations since it fell
-    double WatchIter = 0; // iteration then
-    int WatchForced = 0;  // perturbations that lack of progress forced
     int SuperNext = 0;    // superbasics from here on are done
 };
 
@@ -81,10 +76,6 @@ enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };
 template<class R>
 R primal_exact_cbar(const sopt *s,
                     const swork<R> *w); // of PivotCol, from its column in Alpha
-
-// primal_watch.cpp
-template<class R> void primal_watch_reset(const sopt *s, popt<R> *p);
-template<class R> void primal_watch(sopt *s, swork<R> *w); // may set Status
 
 // primal_super.cpp
 template<class R> int primal_count_superbasics(sopt *s, swork<R> *w);
@@ -126,7 +117,7 @@ template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w);
 // primal_perturb.cpp
 template<class R> bool primal_stalled(const sopt *s, popt<R> *p); // since the last look
 template<class R> void primal_perturb(sopt *s, swork<R> *w);      // Bbar stays
-template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w);
+void primal_remove_perturbation(sopt *s);
 template<class R>
 bool primal_shift_infeasible(sopt *s, swork<R> *w); // false: too far, nothing moved
 template<class R> void primal_shift_blocking(sopt *s, swork<R> *w);

@@ -54,12 +54,12 @@ template<class R> void primal_perturb(sopt *s, swork<R> *w)
     set_basic_bounds(s);
 }
 
-template<class R> void primal_remove_perturbation(sopt *s, swork<R> *w)
+void primal_remove_perturbation(sopt *s)
 {
     std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
     std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
     s->Perturbed = 0;
-    primal_watch_reset(s, w->Primal);
+    stall_reset(s);
 }
 
 // Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound. When one is too large for
@@ -100,7 +100,6 @@ template<class R> void primal_shift_blocking(sopt *s, swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template bool primal_stalled<R>(const sopt *, popt<R> *);                              \
     template void primal_perturb<R>(sopt *, swork<R> *);                                   \
-    template void primal_remove_perturbation<R>(sopt *, swork<R> *);                       \
     template bool primal_shift_infeasible<R>(sopt *, swork<R> *);                          \
     template void primal_shift_blocking<R>(sopt *, swork<R> *);
 INSTANTIATE(double)

@@ -20,6 +20,7 @@ constexpr double TOLERANCE_FLOOR = 1e-9;
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 
+constexpr double STRICT_MARKOWITZ = 0.9;
 constexpr double NEAR_SHARE =
     0.02; // of the rows: infeasibilities of a basis that is nearly optimal
 constexpr int NEAR_LEAST = 5;
@@ -77,10 +78,20 @@ void hand_over(sopt *s)
 {
     s->Status = SIMPLEX_RUNNING;
     const bool stay = s->Method == METHOD_DUAL && s->SwitchCount == 0 &&
-                      s->Env->TARV_PAR_PRIMDUALSWITCH <= 0;
+                      s->Env->TARV_PAR_PRIMDUALSWITCH <= 0 && s->Stall.Taken < STALL_SWITCH;
     if (!stay) s->Method = s->Method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
     if (++s->SwitchCount > 2 || stay) s->PerturbAllowed = 0;
     if (s->SwitchCount > MAX_SWITCHES) s->Status = SIMPLEX_NUMERIC;
+}
+
+// From slacks again, with pivots as strict as they can be.
+void restart(sopt *s)
+{
+    s->MarkowitzTol = STRICT_MARKOWITZ;
+    start_slack_basis(s);
+    row_copy_partition(s);
+    s->SwitchCount = 0;
+    s->Status = SIMPLEX_RUNNING;
 }
 
 // Until one method ends with a final status.
@@ -89,6 +100,7 @@ int run_methods(sopt *s)
     for (;;) {
         TRY(run_live(s));
         if (s->Status == SIMPLEX_SWITCH) hand_over(s);
+        if (s->Status == SIMPLEX_RESTART) restart(s);
         if ((s->Status == SIMPLEX_NUMERIC || s->Status == SIMPLEX_NEED_QUAD) &&
             may_use_quad(s))
             TRY(go_extended(s));

@@ -139,6 +139,8 @@ void sopt_refresh(sopt *s)
     s->Status = SIMPLEX_RUNNING;
     s->BadVar = -1;
     s->Proof = PROOF_NONE;
+    s->Stall = StallGuard{};
+    stall_reset(s);
     s->FeasTol = env->FeasibilityTol;
     s->OptTol = env->OptimalityTol;
     s->MarkowitzTol = env->MarkowitzTol;

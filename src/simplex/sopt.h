@@ -14,6 +14,7 @@
 //                      12     numeric trouble
 //                      101    this method is done, the other one has to finish
 //                      -1002  residuals too large: go on in extended precision
+//                      -1003  no progress: begin again with slacks and strict pivots
 // The record belongs to one model and one thread. Everything that is worked on inside the simplex has the number type R
 // and stands in swork<R>; exactly one of the two is allocated.
 #pragma once
@@ -33,6 +34,7 @@ enum SimplexStatus {
     SIMPLEX_NUMERIC = 12,
     SIMPLEX_SWITCH = 101,
     SIMPLEX_NEED_QUAD = -1002,
+    SIMPLEX_RESTART = -1003,
 };
 
 // Entries of VStat below zero; at or above zero a variable is basic.
@@ -42,6 +44,24 @@ enum BasisStatus {
     AT_UPPER = -2,
     AT_FREE = -3,  // free at zero, or superbasic at a value of its own
     AT_FIXED = -4, // lower = upper, or kept out of the basis for the rest of a run
+};
+
+// The stall guard (stall.cpp). Remedies in the order in which they are taken.
+enum StallPhase { STALL_BOX, STALL_DUAL, STALL_PRIMAL_1, STALL_PRIMAL_2, STALL_PHASES };
+enum StallRemedy {
+    STALL_NONE,
+    STALL_COSTS,   // out of phase 1 of the primal
+    STALL_PERTURB, // costs or bounds
+    STALL_SWITCH,  // to the other method
+    STALL_LONGER,  // numbers
+    STALL_STRICT,  // pivots in the factors, from a start of slacks
+    STALL_END,     // numeric trouble
+};
+struct StallGuard {
+    double Best[STALL_PHASES]; // least value of each phase since the last remedy
+    int Factors = 0;           // factorisations without a better one
+    double Iter = 0;           // NPvt when they began
+    StallRemedy Taken = STALL_NONE; // last one of this run
 };
 
 // What stands behind an infeasible or unbounded status.
@@ -146,6 +166,7 @@ struct sopt {
     double Obj = 0;           // objective in user units, minimisation, without ObjOffset
     int Quad = 0;             // 1: extended precision is live
     int RefacReason = REFAC_NONE;
+    StallGuard Stall;
     int SwitchCount = 0;       // changes of method in this run
     int NumericCount = 0;      // numeric events in this run
     int SingularCount = 0;     // repairs of singular bases
@@ -332,6 +353,12 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w);
 // Does the LP fall without end along the edge on which nonbasic q moves by `direction`? The factors have to be fresh;
 // Alpha becomes its column, Tau and Work are used.
 template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int direction);
+
+// ---- stall.cpp ----
+void stall_reset(sopt *s); // values of the phases are not comparable with those before
+// On fresh factors and values: what to do against a stall. STALL_COSTS and STALL_PERTURB are the method's, for the others
+// Status is set.
+template<class R> StallRemedy stall_look(sopt *s, swork<R> *w);
 
 // ---- finish.cpp ----
 template<class R>

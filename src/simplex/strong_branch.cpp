@@ -21,6 +21,7 @@ struct KeptScalars {
         OptTol, PerturbCur;
     int NumFactor, Method, RefacReason, SwitchCount, NumericCount, SingularCount,
         PerturbAllowed, FeasTolCount, OptTolCount, TightProof, MaxUpdates;
+    StallGuard Stall;
 };
 
 // Calls f(field of the record, field of the copy) for each.
@@ -53,6 +54,7 @@ template<class F> void for_each_scalar(sopt *s, KeptScalars *k, const F &f)
     f(&s->OptTolCount, &k->OptTolCount);
     f(&s->TightProof, &k->TightProof);
     f(&s->MaxUpdates, &k->MaxUpdates);
+    f(&s->Stall, &k->Stall);
 }
 
 struct KeptEnv {
