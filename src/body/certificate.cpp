@@ -1,0 +1,185 @@
+// certificate.cpp -- proofs that a model has no feasible point, or that its objective has no end
+//
+// Problem     Somebody claims that minimise c x, A x <= b or = b, l <= x <= u has no feasible point, or no least value.
+//             Is that so, beyond the rounding of whoever found out?
+// Method      Infeasible: with g = y A and y_i >= 0 for inequalities every feasible x has g x <= y b, while the bounds
+//             allow no g x below
+//                 sum over g_j > 0 of g_j l_j  +  sum over g_j < 0 of g_j u_j.
+//             The claim holds when that exceeds y b although every bound and right-hand side is first moved out by
+//             PROOF_SLACK. An entry on a side without a bound ends the proof, unless it is rounding of its own sum; then
+//             the point is given PROOF_RANGE on that side, and the proof says that no point up to that size is feasible.
+//             Unbounded: r_j >= 0 where l_j is there, r_j <= 0 where u_j is, A r <= 0 or = 0, c r < 0, where an activity
+//             that is rounding of its own sum is zero, and c r must be more than that.
+//             All sums run in twofold doubles, and what these may still be wrong by is held against the claim.
+// Invariant   A vector is scaled by a power of two, which is exact. Entries of a forbidden sign that are nothing beside
+//             the largest one count as zero; the proof is that of the remaining vector. Whatever is no number proves
+//             nothing.
+// Cost        O(nonzeros); two arrays over rows for a ray.
+// Literature  J. Farkas, "Theorie der einfachen Ungleichungen", J. reine angew. Math. 124, 1902.
+#include "body/certificate.h"
+#include "body/double_double.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double ROUNDING =
+    1e-13; // of a sum of products of a solver's numbers, against their sizes
+constexpr double COST_ROUNDING = 1e-12; // the same for c r, which has to be clear
+
+// A sum with the sizes of its terms.
+struct Sum {
+    Twofold value;
+    double size = 0;  // of all terms together
+    double terms = 0; // how many
+    void add(Twofold term)
+    {
+        twofold_add(&value, term);
+        size += std::fabs(term.high);
+        terms++;
+    }
+    double error() const { return (terms + 4) * TWOFOLD_ROUNDING * size; } // at most
+};
+
+// The power of two that brings the largest magnitude into 1 .. 2, or 0 when there is none or it is no number.
+double unit_of(const double *v, int n)
+{
+    double largest = 0;
+    for (int k = 0; k < n; k++) {
+        if (std::isnan(v[k])) return 0;
+        largest = std::max(largest, std::fabs(v[k]));
+    }
+    if (!(largest > 0) || std::isinf(largest)) return 0;
+    int exponent = 0;
+    (void)std::frexp(largest, &exponent);
+    return std::ldexp(1.0, std::clamp(1 - exponent, -1000, 1000));
+}
+
+// Row i holds back no point at all: its multiplier is of no use to a proof.
+bool is_absent_row(const ModelBody *body, double infinity, int i)
+{
+    return body->senses[i] != '=' && body->rhs[i] >= infinity;
+}
+
+// The multiplier that counts: 0 for rows that are absent and for signs that are wrong by rounding. False when the sign is
+// wrong by more.
+bool usable_multiplier(const ModelBody *body, double infinity, int i, double *y)
+{
+    if (body->senses[i] == '=') return true;
+    if (*y < -ROUNDING) return false;
+    if (*y < 0 || is_absent_row(body, infinity, i)) *y = 0;
+    return true;
+}
+
+// One side of the proof: the least of (y A) x - y b, everything moved out by PROOF_SLACK.
+struct Gap {
+    Sum sum;
+    bool open = false; // it has no least value
+};
+
+// y b enters the gap. False when y has a wrong sign.
+bool subtract_rhs(const ModelBody *body, double infinity, const double *y, double unit,
+                  Gap *gap)
+{
+    for (int i = 0; i < body->numconstrs; i++) {
+        double v = unit * y[i];
+        if (!usable_multiplier(body, infinity, i, &v)) return false;
+        if (v == 0) continue;
+        gap->sum.add(two_product(-v, body->rhs[i]));
+        gap->sum.add({-PROOF_SLACK * std::fabs(v)});
+    }
+    return true;
+}
+
+// (y A)_j, of usable multipliers.
+Sum column_sum(const ModelBody *body, double infinity, const double *y, double unit, int j)
+{
+    Sum g;
+    for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++) {
+        const int i = body->vind[p];
+        double v = unit * y[i];
+        if (!usable_multiplier(body, infinity, i, &v) || v == 0) continue;
+        g.add(two_product(v, body->vval[p]));
+    }
+    return g;
+}
+
+void add_column(const ModelBody *body, double infinity, const Sum &g, int j, Gap *gap)
+{
+    const double value = g.value.high;
+    if (g.size == 0 || (value == 0 && g.error() == 0)) return;
+    const double bound = value > 0 ? body->lb[j] : body->ub[j];
+    const bool absent = value > 0 ? bound <= -infinity : bound >= infinity;
+    const double force = std::fabs(value);
+    const bool rounding = force <= ROUNDING * g.size;
+    if (absent && !rounding) {
+        gap->open = true;
+        return;
+    }
+    // a bound further out than the range of the proof is as good as none, and so is one of an unknown side
+    const double outward = value > 0 ? -bound : bound;
+    if (absent || (rounding && outward > PROOF_RANGE) || force <= g.error()) {
+        gap->sum.add({-PROOF_RANGE * (force + g.error())});
+        return;
+    }
+    gap->sum.add(twofold_times(g.value, bound));
+    gap->sum.add({-PROOF_SLACK * force - g.error() * std::fabs(bound)});
+}
+
+// ---- rays ----
+bool bound_in_the_way(const ModelBody *body, double infinity, int j, double r)
+{
+    return r < 0 ? body->lb[j] > -infinity : r > 0 && body->ub[j] < infinity;
+}
+
+// The entry that counts, as for multipliers.
+bool usable_step(const ModelBody *body, double infinity, int j, double *r)
+{
+    if (!bound_in_the_way(body, infinity, j, *r)) return true;
+    if (std::fabs(*r) > ROUNDING) return false;
+    *r = 0;
+    return true;
+}
+
+bool rows_allow(const ModelBody *body, double infinity, const Sum *activity)
+{
+    for (int i = 0; i < body->numconstrs; i++) {
+        if (is_absent_row(body, infinity, i)) continue;
+        const double a = activity[i].value.high, zero = ROUNDING * activity[i].size;
+        const bool rises = !(a <= zero), falls = !(a >= -zero);
+        if (rises || (falls && body->senses[i] == '=')) return false;
+    }
+    return true;
+}
+} // namespace
+
+bool farkas_holds(const ModelBody *body, double infinity, const double *y)
+{
+    const double unit = unit_of(y, body->numconstrs);
+    Gap gap;
+    if (unit == 0 || !subtract_rhs(body, infinity, y, unit, &gap)) return false;
+    for (int j = 0; j < body->numvars && !gap.open; j++)
+        add_column(body, infinity, column_sum(body, infinity, y, unit, j), j, &gap);
+    return !gap.open && gap.sum.value.high > gap.sum.error();
+}
+
+int ray_holds(const ModelBody *body, double infinity, const double *ray, bool *holds)
+{
+    *holds = false;
+    const double unit = unit_of(ray, body->numvars);
+    if (unit == 0) return 0;
+    Array<Sum> activity;
+    TRY(array_assign(&activity, body->numconstrs, Sum{}));
+    Sum cost;
+    for (int j = 0; j < body->numvars; j++) {
+        double r = unit * ray[j];
+        if (!usable_step(body, infinity, j, &r)) return 0;
+        if (r == 0) continue;
+        cost.add(two_product(r, body->obj[j]));
+        for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++)
+            activity[body->vind[p]].add(two_product(r, body->vval[p]));
+    }
+    *holds = cost.value.high < -COST_ROUNDING * cost.size &&
+             rows_allow(body, infinity, activity.data);
+    return 0;
+}

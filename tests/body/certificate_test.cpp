@@ -1,0 +1,173 @@
+// certificate_test.cpp -- proofs of infeasibility and unboundedness: right ones, near misses, and exact ones by the score
+#include "body/certificate.h"
+#include "frame/signs.h"
+#include "support/model_gen.h"
+#include "support/model_test.h"
+#include "support/rational_lp.h"
+#include <cmath>
+#include <gtest/gtest.h>
+
+static constexpr double INF = 1e30;
+
+struct Certificate : ModelTest {
+    bool farkas(const std::vector<double> &y)
+    {
+        return farkas_holds(model->body, INF, y.data());
+    }
+    bool ray(const std::vector<double> &r)
+    {
+        bool holds = true;
+        EXPECT_EQ(ray_holds(model->body, INF, r.data(), &holds), 0);
+        return holds;
+    }
+};
+
+// x + y >= 3 with x, y <= 1
+static LpModel too_much(double rhs)
+{
+    LpModel lp;
+    for (int j = 0; j < 2; j++) lp_add_var(&lp, 0, -LP_INFINITY, 1);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', rhs);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 7);
+    return lp;
+}
+
+TEST_F(Certificate, rows_that_bounds_cannot_meet_are_infeasible)
+{
+    load(too_much(3));
+    for (const double size : {1e-300, 1e-8, 1.0, 1e200}) EXPECT_TRUE(farkas({size, 0}));
+    EXPECT_TRUE(farkas({1, -1e-14})) << "a sign wrong by rounding";
+    EXPECT_FALSE(farkas({1, -1e-9})) << "a sign that is wrong";
+    EXPECT_FALSE(farkas({-1, 0})) << "the other sign";
+    EXPECT_FALSE(farkas({1, 1.5})) << "a side without bound";
+    EXPECT_FALSE(farkas({0, 0}));
+    EXPECT_FALSE(farkas({NAN, 0}));
+    EXPECT_FALSE(farkas({1, NAN}));
+    EXPECT_FALSE(farkas({HUGE_VAL, 0}));
+}
+
+TEST_F(Certificate, violations_below_the_slack_are_not_proved)
+{
+    load(too_much(2 + 2.9e-9)); // two bounds and a row, a billionth each
+    EXPECT_FALSE(farkas({1, 0}));
+    load(too_much(2 + 3.1e-9));
+    EXPECT_TRUE(farkas({1, 0}));
+    load(too_much(2));
+    EXPECT_FALSE(farkas({1, 0}));
+}
+
+// x + y = 1 and (1 + error) x + y = 1 - gap with x free: far out there is a point if error is there at all.
+static LpModel nearly_parallel(double error, double gap)
+{
+    LpModel lp;
+    lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, 1);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '=', 1);
+    lp_add_row_entries(&lp, {{0, 1 + error}, {1, 1}}, '=', 1 - gap);
+    return lp;
+}
+
+TEST_F(Certificate, entries_on_an_open_side_count_as_zero_when_they_are_rounding)
+{
+    const std::vector<double> y = {-1, 1}; // g_x = error, y b = -gap
+    load(nearly_parallel(0, 1));
+    EXPECT_TRUE(farkas(y)) << "nothing is left of x";
+    load(nearly_parallel(4e-16, 1));
+    EXPECT_TRUE(farkas(y)) << "points up to 1e9 are excluded";
+    load(nearly_parallel(4e-16, 1e-7));
+    EXPECT_FALSE(farkas(y)) << "a point of 1e9 is not";
+    load(nearly_parallel(1e-11, 1));
+    EXPECT_FALSE(farkas(y)) << "no rounding";
+}
+
+TEST_F(Certificate, absent_rows_prove_nothing_and_hinder_nothing)
+{
+    LpModel lp = too_much(3);
+    lp.rhs[0] = -1e30; // x + y >= minus infinity
+    lp.obj = {1, 0};
+    load(lp);
+    EXPECT_FALSE(farkas({1, 0}));
+    EXPECT_TRUE(ray({-1, 0}));
+}
+
+// minimise x - 2 y, x - y >= -1 or so
+static LpModel endless(char sense)
+{
+    LpModel lp;
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_var(&lp, -2, -5, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, 1);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}, {2, 1}}, sense, -1);
+    return lp;
+}
+
+TEST_F(Certificate, directions_that_no_row_or_bound_stops_are_rays)
+{
+    for (const char sense : {'>', '='}) {
+        load(endless(sense));
+        for (const double size : {1e-300, 1.0, 1e250})
+            EXPECT_TRUE(ray({size, size, 0})) << sense;
+        EXPECT_TRUE(ray({1, 1, 1e-14})) << "a bound met by rounding";
+        EXPECT_FALSE(ray({1, 1, 1e-9})) << "a bound that is met";
+        EXPECT_FALSE(ray({-1, -1, 0})) << "bounds and costs against it";
+        EXPECT_FALSE(ray({1, 1 + 1e-9, 0})) << "a row that is met";
+        EXPECT_EQ(ray({1, 1 - 1e-9, 0}), sense == '>');
+        EXPECT_FALSE(ray({0, 0, 0}));
+        EXPECT_FALSE(ray({1, NAN, 0}));
+        EXPECT_FALSE(ray({1, HUGE_VAL, 0}));
+    }
+}
+
+TEST_F(Certificate, a_cost_that_is_rounding_is_no_gain)
+{
+    LpModel lp = endless('>');
+    lp.obj[0] = 2 - 1e-12;
+    load(lp);
+    EXPECT_FALSE(ray({1, 1, 0}));
+    lp.obj[0] = 2 - 1e-10;
+    load(lp);
+    EXPECT_TRUE(ray({1, 1, 0}));
+}
+
+// The exact judge's vectors in the body's form. Proofs of infeasibility may come with either sign.
+static std::vector<double> in_body_form(const ModelBody *body,
+                                        const std::vector<mpq_class> &exact, int sign)
+{
+    std::vector<double> y;
+    for (int i = 0; i < body->numconstrs; i++)
+        y.push_back(sign * row_sign(body, i) * exact[static_cast<size_t>(i)].get_d());
+    return y;
+}
+
+TEST_F(Certificate, exact_proofs_hold_and_feasible_models_are_not_refuted)
+{
+    int infeasible = 0, unbounded = 0, refuted = 0;
+    for (uint64_t seed = 0; seed < 1500; seed++) {
+        Dice dice(seed);
+        LpModel lp = gen_tiny(&dice, {});
+        const RationalResult exact = rational_solve(&lp);
+        load(lp);
+        if (exact.status == LpStatus::UNBOUNDED) {
+            unbounded++;
+            std::vector<double> r;
+            for (const mpq_class &entry : exact.ray) r.push_back(entry.get_d());
+            EXPECT_TRUE(ray(r)) << seed;
+        }
+        if (exact.status != LpStatus::INFEASIBLE || exact.crossed >= 0) continue;
+        infeasible++;
+        const auto both_signs = [&]() {
+            return farkas(in_body_form(model->body, exact.farkas, 1)) ||
+                   farkas(in_body_form(model->body, exact.farkas, -1));
+        };
+        EXPECT_TRUE(both_signs()) << seed;
+        for (double &rhs : lp.rhs)
+            rhs += dice.range(-3, 3); // the same vector on another model
+        load(lp);
+        if (rational_solve(&lp).status == LpStatus::INFEASIBLE) continue;
+        refuted++;
+        EXPECT_FALSE(both_signs()) << seed;
+    }
+    EXPECT_GT(infeasible, 100);
+    EXPECT_GT(unbounded, 100);
+    EXPECT_GT(refuted, 10);
+}
