@@ -84,8 +84,9 @@ template<class R> void dual_change_pricing(sopt *s, swork<R> *w); // between fac
 
 // dual_ratio.cpp
 template<class R>
-bool dual_ratio(sopt *s, swork<R> *w,
-                R floor); // PivotCol, Flips by entries above floor; false when nothing blocks
+bool dual_ratio(
+    sopt *s, swork<R> *w,
+    R floor); // PivotCol, Flips by entries above floor; false when nothing blocks
 
 // dual_update.cpp
 template<class R> void dual_load_flips(sopt *s, swork<R> *w); // into Work, before its FTRAN

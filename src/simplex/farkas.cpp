@@ -3,115 +3,136 @@
 // Problem     A method stops because a row cannot become feasible, by more than the tolerance. Rounding and dropped
 //             entries may have led it there: the claim needs a proof that stands alone.
 // Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
-//             g x over the bounds stays away from y b by more than the rounding of both. Entries that are rounding
-//             count as zero, for values up to FARTHEST; any other entry on an unbounded side makes the range infinite, and
-//             the proof fails. All rows and bounds are held wider by RELAXED.
-//             What is rounding depends on how well y is known. In exact arithmetic g is -1, 0 or 1 in the columns of
-//             the basis; what the solve has left beside these is solved for again, and the corrections are kept beside
-//             y as its lower digits. So multipliers of 1e5 do not hide an infeasibility of 1e-5.
-// Cost        O(nonzeros) and REFINEMENTS solves.
+//             g x over the bounds stays away from y b, all rows and bounds held wider by RELAXED. On a side without a
+//             bound an entry of g ends the proof, unless the gap is wider than what it is worth out to FARTHEST.
+//             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve
+//             has left beside these is solved for again, and the corrections are kept beside y as its lower digits.
+//             Sums run in twofold doubles. Then multipliers of 1e5 do not hide an infeasibility of 1e-5, and an entry
+//             of 1e-16 is told from rounding.
+// Cost        O(nonzeros) and REFINEMENTS solves at most.
 // Literature  J. Farkas, "Theorie der einfachen Ungleichungen", J. reine angew. Math. 124, 1902.
 //             N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 12 (refinement).
+#include "body/double_double.h"
 #include "simplex/sopt.h"
 #include <algorithm>
 
 namespace
 {
-constexpr int REFINEMENTS =
-    3; // the first brings y to working accuracy, the others add digits
-constexpr long double ROUNDING = 1e-15L; // left in refined multipliers, against the largest
-constexpr long double RELAXED =
-    1e-9L; // in the user's units: a model with a point that violates no row and bound by more is not refused
-constexpr long double FARTHEST =
-    1e9L; // likewise: how far out a variable without a bound may be for the proof to reach it
+constexpr int REFINEMENTS = 8; // each adds digits, fewer where the basis is ill-conditioned
+constexpr double ENOUGH =
+    0x1p-98; // what the basis columns may have left, against the multipliers
+constexpr double RELAXED =
+    1e-9; // in the user's units: a model with a point that violates no row and no bound by
+          // more is not refused
+constexpr double FARTHEST = 1e20; // likewise: bounds from here on count as none
 
 // y = High + Low, over rows.
 template<class R> struct Multipliers {
     SVec<R> *High, *Low;
-    long double at(int i) const
+    Twofold at(int i) const
     {
-        return static_cast<long double>(High->Value.data[i]) + Low->Value.data[i];
+        const R high = High->Value.data[i], low = Low->Value.data[i];
+        const double first = static_cast<double>(high);
+        return two_sum(first, static_cast<double>((high - R(first)) + low));
     }
 };
 
-// Entry j of g, and the size of its column.
-struct Entry {
-    long double Value = 0, Column = 0;
+// A sum with the sizes of its terms.
+struct Sum {
+    Twofold Value;
+    double Size = 0;
+    void add(Twofold term)
+    {
+        twofold_add(&Value, term);
+        Size += std::fabs(term.high);
+    }
+    double error() const { return ERROR_TERMS * TWOFOLD_ROUNDING * Size; }
+    static constexpr double ERROR_TERMS =
+        100; // roundings that add up in long sums, as a rule
 };
 
-template<class R> Entry entry_of(const sopt *s, const Multipliers<R> &y, int j)
+// Entry j of g.
+template<class R> Sum entry_of(const sopt *s, const Multipliers<R> &y, int j)
 {
-    if (j >= s->NumCols) return {y.at(j - s->NumCols), 1};
-    Entry g;
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
-        const long double a = s->ColVal.data[p];
-        g.Value += a * y.at(s->ColInd.data[p]);
-        g.Column += std::fabs(a);
+    Sum g;
+    if (j >= s->NumCols) {
+        g.add(y.at(j - s->NumCols));
+        return g;
     }
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        g.add(twofold_times(y.at(s->ColInd.data[p]), s->ColVal.data[p]));
     return g;
 }
 
-// Low += B^-T (what g should be in the basis - what it is)
-template<class R> void refine(const sopt *s, swork<R> *w, const Multipliers<R> &y)
+// What g lacks in the column of basis position k.
+template<class R> double missing(const sopt *s, const Multipliers<R> &y, int k)
+{
+    const Twofold g = entry_of(s, y, s->BasisHead.data[k]).Value;
+    return (std::round(g.high) - g.high) - g.low;
+}
+
+// Low += B^-T (what g should be in the basis - what it is). Returns the largest of that before.
+template<class R> double refine(const sopt *s, swork<R> *w, const Multipliers<R> &y)
 {
     SVec<R> *change = &w->Work;
     svec_clear(change);
-    R largest = 0;
+    double largest = 0;
     for (int k = 0; k < s->NumRows; k++) {
-        const long double g = entry_of(s, y, s->BasisHead.data[k]).Value;
-        const R missing = static_cast<R>(std::round(g) - g);
-        if (missing == R(0)) continue; // g is the very integer
-        svec_add(change, k, missing);
-        largest = std::max(largest, std::abs(missing));
+        const double left = missing(s, y, k);
+        if (left != 0) svec_add(change, k, R(left)); // 0: g is the very integer
+        largest = std::max(largest, std::fabs(left));
     }
-    if (largest == R(0)) return;
+    if (largest == 0) return 0;
     for (int k = 0; k < change->Count; k++) // solves drop small values
-        change->Value.data[change->Index.data[k]] /= largest;
+        change->Value.data[change->Index.data[k]] /= R(largest);
     Btran(&w->Lu, change, SOLVE_COSTS, Keep::NO);
     for (int i = 0; i < s->NumRows; i++)
-        y.Low->Value.data[i] += largest * change->Value.data[i];
+        y.Low->Value.data[i] += R(largest) * change->Value.data[i];
     svec_clear(change);
+    return largest;
 }
 
-// One end of the range of g x, seen so far.
+template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> &y)
+{
+    double largest = 0;
+    for (int i = 0; i < s->NumRows; i++)
+        largest = std::max(largest, std::fabs(y.at(i).high));
+    return largest;
+}
+
+// One end of the range of g x - y b, seen so far.
 struct End {
-    long double Sum = 0, Unsure = 0;
-    bool Open = false; // infinite
+    Sum Value;
+    double Unsure = 0;
 };
 
-void extend(const sopt *s, End *end, int j, const Entry &g, long double rounding,
-            double bound)
+void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
 {
-    const long double size = std::fabs(g.Value), unit = user_unit(s, j);
-    if (has_lower(s, bound) && has_upper(s, bound)) {
-        end->Sum += g.Value * bound;
-        end->Unsure += rounding * std::fabs(bound) + size * RELAXED / unit;
-    } else if (size <= rounding) {
-        end->Unsure += size * FARTHEST / unit;
+    const double size = std::fabs(g.Value.high), unit = user_unit(s, j);
+    if (std::fabs(bound) * unit < FARTHEST && has_lower(s, bound) && has_upper(s, bound)) {
+        end->Value.add(twofold_times(g.Value, bound));
+        end->Unsure += g.error() * std::fabs(bound) + size * RELAXED / unit;
     } else {
-        end->Open = true;
+        end->Unsure += (size + g.error()) * FARTHEST / unit;
     }
 }
 
 template<class R> bool equation_fails(const sopt *s, const Multipliers<R> &y)
 {
-    long double largest = 0, target = 0, unsure = 0;
-    for (int i = 0; i < s->NumRows; i++) largest = std::max(largest, std::fabs(y.at(i)));
-    for (int i = 0; i < s->NumRows; i++) {
-        target += y.at(i) * s->Rhs.data[i];
-        unsure += ROUNDING * largest * std::fabs(s->Rhs.data[i]);
-    }
     End low, high;
-    for (int j = 0; j < s->NumVars; j++) {
-        const Entry g = entry_of(s, y, j);
-        const long double rounding = ROUNDING * largest * g.Column;
-        const bool up = g.Value > 0;
-        extend(s, &low, j, g, rounding, up ? s->Lower.data[j] : s->Upper.data[j]);
-        extend(s, &high, j, g, rounding, up ? s->Upper.data[j] : s->Lower.data[j]);
-        if (low.Open && high.Open) return false;
+    for (int i = 0; i < s->NumRows; i++) {
+        const Twofold term = twofold_times(y.at(i), -s->Rhs.data[i]);
+        low.Value.add(term);
+        high.Value.add(term);
     }
-    return (!low.Open && low.Sum - target > low.Unsure + unsure) ||
-           (!high.Open && target - high.Sum > high.Unsure + unsure);
+    for (int j = 0; j < s->NumVars; j++) {
+        const Sum g = entry_of(s, y, j);
+        const bool up = g.Value.high > 0;
+        extend(s, &low, j, g, up ? s->Lower.data[j] : s->Upper.data[j]);
+        extend(s, &high, j, g, up ? s->Upper.data[j] : s->Lower.data[j]);
+    }
+    return low.Value.Value.high > low.Unsure + low.Value.error() ||
+           -high.Value.Value.high > high.Unsure + high.Value.error();
 }
 
 // Row multipliers, scaled.
@@ -119,8 +140,7 @@ template<class R> void keep(sopt *s, const Multipliers<R> &y)
 {
     s->Proof = PROOF_FARKAS;
     std::fill_n(s->ProofVector.data, s->NumVars, 0.0);
-    for (int i = 0; i < s->NumRows; i++)
-        s->ProofVector.data[i] = static_cast<double>(y.at(i));
+    for (int i = 0; i < s->NumRows; i++) s->ProofVector.data[i] = y.at(i).high;
 }
 } // namespace
 
@@ -128,7 +148,12 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
 {
     svec_clear(&w->Tau);
     const Multipliers<R> y = {&w->Rho, &w->Tau};
-    for (int round = 0; round < REFINEMENTS; round++) refine(s, w, y);
+    double before = INFINITE_BOUND;
+    for (int round = 0; round < REFINEMENTS; round++) {
+        const double left = refine(s, w, y);
+        if (left <= ENOUGH * largest_multiplier(s, y) || left >= before) break;
+        before = left;
+    }
     const bool proved = equation_fails(s, y);
     if (proved) keep(s, y);
     w->Tau.Count = -1; // not listed

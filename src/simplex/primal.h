@@ -67,7 +67,7 @@ template<class R> struct popt {
     double StallIter = 0;
     double PerturbSize = 0; // of the next perturbation
     int PerturbPasses = 0;  // perturbations so far
-    int SuperNext = 0;    // superbasics from here on are done
+    int SuperNext = 0;      // superbasics from here on are done
 };
 
 enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };

@@ -66,7 +66,8 @@ template<class R> R relaxed_limit(const sopt *s, const swork<R> *w, R floor)
 }
 
 // Would a step this long carry a row with an entry of at most `floor`, but more than `noise`, beyond its bound?
-template<class R> bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R step)
+template<class R>
+bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R step)
 {
     const popt<R> *p = w->Primal;
     const R tol = R(s->FeasTol), infinite = R(s->Infinity);

@@ -98,8 +98,7 @@ void centre_rows(sopt *s, Array<Spread> *rows)
         for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
             extend(&rows->data[s->ColInd.data[p]],
                    std::fabs(s->ColVal.data[p]) * s->ColScale.data[j]);
-    for (int i = 0; i < s->NumRows; i++)
-        s->RowScale.data[i] = middle_factor(rows->data[i]);
+    for (int i = 0; i < s->NumRows; i++) s->RowScale.data[i] = middle_factor(rows->data[i]);
 }
 
 void centre_columns(sopt *s)
@@ -107,8 +106,8 @@ void centre_columns(sopt *s)
     for (int j = 0; j < s->NumCols; j++) {
         Spread column;
         for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            extend(&column, std::fabs(s->ColVal.data[p]) *
-                                s->RowScale.data[s->ColInd.data[p]]);
+            extend(&column,
+                   std::fabs(s->ColVal.data[p]) * s->RowScale.data[s->ColInd.data[p]]);
         s->ColScale.data[j] = middle_factor(column);
     }
 }

@@ -58,9 +58,9 @@ enum StallRemedy {
     STALL_END,     // numeric trouble
 };
 struct StallGuard {
-    double Best[STALL_PHASES]; // least value of each phase since the last remedy
-    int Factors = 0;           // factorisations without a better one
-    double Iter = 0;           // NPvt when they began
+    double Best[STALL_PHASES];      // least value of each phase since the last remedy
+    int Factors = 0;                // factorisations without a better one
+    double Iter = 0;                // NPvt when they began
     StallRemedy Taken = STALL_NONE; // last one of this run
 };
 
@@ -191,8 +191,9 @@ struct sopt {
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
     double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
-    ProofKind Proof = PROOF_NONE; // what proved the status of this run
-    Array<double> ProofVector; // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled
+    ProofKind Proof = PROOF_NONE;        // what proved the status of this run
+    Array<double>
+        ProofVector; // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled
     Random Rng;
 
     // Scratch

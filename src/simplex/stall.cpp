@@ -92,8 +92,7 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
         s->NPvt - g->Iter < STALL_ROUNDS * s->NumVars + STALL_LEAST)
         return STALL_NONE;
     stall_reset(s);
-    do
-        g->Taken = static_cast<StallRemedy>(g->Taken + 1);
+    do g->Taken = static_cast<StallRemedy>(g->Taken + 1);
     while (!applies(s, w, phase, g->Taken));
     if (g->Taken >= STALL_END) g->Taken = STALL_END;
     if (g->Taken == STALL_SWITCH) s->Status = SIMPLEX_SWITCH;
