@@ -73,7 +73,8 @@ static int run_simplex(TVXmodel *model, const Array<int> *statuses)
     TVXenv *env = model->env;
     const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
     if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
-    const int code = lp_run(model, model, choose_method(env), statuses);
+    const int method = statuses->size > 0 ? METHOD_BY_START : choose_method(env);
+    const int code = lp_run(model, model, method, statuses);
     env->TARV_PAR_UNSCALEDVIO = unscaled_check;
     if (code != TVX_ERROR_NUMERIC) return code;
     model->status = TVX_NUMERIC; // an outcome, not an error

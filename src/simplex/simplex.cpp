@@ -64,6 +64,8 @@ template<class R> int keep_optimal(sopt *s, swork<R> *w)
     const Infeasibility inf = measure_infeasibility(s, w);
     const int count = inf.PrimalCount + inf.DualCount;
     if (count == 0) s->Status = SIMPLEX_OPTIMAL;
+    if (s->MethodByStart && inf.PrimalCount == 0) s->Method = METHOD_PRIMAL;
+    if (s->MethodByStart && inf.DualCount == 0) s->Method = METHOD_DUAL;
     if (count > std::max<double>(NEAR_LEAST, NEAR_SHARE * s->NumRows)) s->NearOptimal = 0;
     return 0;
 }
@@ -241,7 +243,7 @@ int choose_method(const TVXmodel *model, int method)
 {
     const sopt *s = model->simplex;
     if (s->Superbasics > 0) return METHOD_PRIMAL;
-    if (method != METHOD_AUTO) return method;
+    if (method != METHOD_AUTO && method != METHOD_BY_START) return method;
     return model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
 }
 
@@ -250,7 +252,7 @@ bool is_solved(const TVXmodel *model, int method)
 {
     const sopt *s = model->simplex;
     if (!s || model->status != s->Status || s->InfeasCheckNeeded) return false;
-    if (method != METHOD_AUTO && method != s->Method) return false;
+    if (method >= 0 && method != s->Method) return false;
     if (s->Env->TARV_PAR_SIMPLEXENDFAC && !simplex_has_fresh_factor(s)) return false;
     return s->Status == SIMPLEX_OPTIMAL || s->Status == SIMPLEX_INFEASIBLE ||
            s->Status == SIMPLEX_UNBOUNDED;
@@ -265,6 +267,7 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
     TRY(prepare_basis(model, vstat_cols, vstat_rows, &from_slacks));
     if (x_start) start_from_point(s, x_start, slack_start);
     s->Method = choose_method(model, method);
+    s->MethodByStart = method == METHOD_BY_START && s->Superbasics == 0;
     if (from_slacks && (s->Method == METHOD_DUAL || !x_start)) {
         TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));
         row_copy_partition(s);

@@ -5,7 +5,14 @@
 #pragma once
 #include "frame/model.h"
 
-enum SimplexMethod { METHOD_AUTO = -1, METHOD_PRIMAL = 0, METHOD_DUAL = 1 };
+// METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else as
+// METHOD_AUTO.
+enum SimplexMethod {
+    METHOD_BY_START = -2,
+    METHOD_AUTO = -1,
+    METHOD_PRIMAL = 0,
+    METHOD_DUAL = 1
+};
 
 // Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
 // scratch, in this order. The result is model->status and the record model->simplex.

@@ -162,9 +162,11 @@ struct sopt {
     // Run
     int Status = 0;
     int Method = METHOD_DUAL; // method of the last run
-    int BadVar = -1;          // variable whose bounds proved infeasibility
-    double Obj = 0;           // objective in user units, minimisation, without ObjOffset
-    int Quad = 0;             // 1: extended precision is live
+    int MethodByStart =
+        0;           // the first method is the one for which the start basis is feasible
+    int BadVar = -1; // variable whose bounds proved infeasibility
+    double Obj = 0;  // objective in user units, minimisation, without ObjOffset
+    int Quad = 0;    // 1: extended precision is live
     int RefacReason = REFAC_NONE;
     StallGuard Stall;
     int SwitchCount = 0;       // changes of method in this run
