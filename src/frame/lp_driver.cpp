@@ -12,7 +12,7 @@
 //             leaves the status at TVX_LOADED, and neither.
 #include "frame/attributes.h"
 #include "frame/lp_presolved.h"
-#include "frame/lp_run.h"
+#include "frame/lp_secure.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
 #include "frame/runtime/clock.h"
@@ -74,11 +74,9 @@ static int run_simplex(TVXmodel *model, const Array<int> *statuses)
     const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
     if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
     const int method = statuses->size > 0 ? METHOD_BY_START : choose_method(env);
-    const int code = lp_run(model, model, method, statuses);
+    const int code = lp_secure(model, method, statuses);
     env->TARV_PAR_UNSCALEDVIO = unscaled_check;
-    if (code != TVX_ERROR_NUMERIC) return code;
-    model->status = TVX_NUMERIC; // an outcome, not an error
-    return 0;
+    return code;
 }
 
 static void publish(TVXmodel *model, double start)

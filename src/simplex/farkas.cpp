@@ -3,7 +3,7 @@
 // Problem     A method stops because a row cannot become feasible, by more than the tolerance. Rounding and dropped
 //             entries may have led it there: the claim needs a proof that stands alone.
 // Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
-//             g x over the bounds stays away from y b, all rows and bounds held wider by RELAXED. On a side without a
+//             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. On a side without a
 //             bound an entry of g ends the proof, unless the gap is wider than what it is worth out to FARTHEST.
 //             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve
 //             has left beside these is solved for again, and the corrections are kept beside y as its lower digits.
@@ -21,7 +21,7 @@ namespace
 constexpr int REFINEMENTS = 8; // each adds digits, fewer where the basis is ill-conditioned
 constexpr double ENOUGH =
     0x1p-98; // what the basis columns may have left, against the multipliers
-constexpr double RELAXED =
+constexpr double SLACK =
     1e-9; // in the user's units: a model with a point that violates no row and no bound by
           // more is not refused
 constexpr double FARTHEST = 1e20; // likewise: bounds from here on count as none
@@ -103,7 +103,8 @@ template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> 
 // One end of the range of g x - y b, seen so far.
 struct End {
     Sum Value;
-    double Unsure = 0;
+    double Unsure = 0; // rounding, and what variables without a bound may add
+    double Weight = 0; // what rows and bounds held wider by 1 may add
 };
 
 void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
@@ -111,13 +112,30 @@ void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
     const double size = std::fabs(g.Value.high), unit = user_unit(s, j);
     if (std::fabs(bound) * unit < FARTHEST && has_lower(s, bound) && has_upper(s, bound)) {
         end->Value.add(twofold_times(g.Value, bound));
-        end->Unsure += g.error() * std::fabs(bound) + size * RELAXED / unit;
+        end->Unsure += g.error() * std::fabs(bound);
+        end->Weight += size / unit;
     } else {
         end->Unsure += (size + g.error()) * FARTHEST / unit;
     }
 }
 
-template<class R> bool equation_fails(const sopt *s, const Multipliers<R> &y)
+// How sure it is that g x = y b cannot hold.
+enum class Gap {
+    NONE,
+    EXACT,
+    RELAXED,
+    WIDE
+}; // beyond rounding; with rows and bounds held wider: by SLACK, by FeasibilityTol
+
+Gap judge(const sopt *s, const End &end, int sign)
+{
+    const double gap = sign * end.Value.Value.high - end.Unsure - end.Value.error();
+    if (gap > s->Env->FeasibilityTol * end.Weight) return Gap::WIDE;
+    if (gap > SLACK * end.Weight) return Gap::RELAXED;
+    return gap > 0 ? Gap::EXACT : Gap::NONE;
+}
+
+template<class R> Gap equation_fails(const sopt *s, const Multipliers<R> &y)
 {
     End low, high;
     for (int i = 0; i < s->NumRows; i++) {
@@ -131,8 +149,7 @@ template<class R> bool equation_fails(const sopt *s, const Multipliers<R> &y)
         extend(s, &low, j, g, up ? s->Lower.data[j] : s->Upper.data[j]);
         extend(s, &high, j, g, up ? s->Upper.data[j] : s->Lower.data[j]);
     }
-    return low.Value.Value.high > low.Unsure + low.Value.error() ||
-           -high.Value.Value.high > high.Unsure + high.Value.error();
+    return std::max(judge(s, low, 1), judge(s, high, -1));
 }
 
 // Row multipliers, scaled.
@@ -154,7 +171,10 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
         if (left <= ENOUGH * largest_multiplier(s, y) || left >= before) break;
         before = left;
     }
-    const bool proved = equation_fails(s, y);
+    const Gap gap = equation_fails(s, y);
+    const bool proved = gap >= Gap::RELAXED;
+    s->WideProof = gap == Gap::WIDE;
+    if (gap == Gap::EXACT) s->WeakFarkas = 1;
     if (proved) keep(s, y);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);

@@ -218,7 +218,9 @@ int scale_working_lp(sopt *s)
     TRY(array_assign(&s->RowScale, s->NumRows, 1.0));
     TRY(array_assign(&s->ColScale, s->NumCols, 1.0));
     s->ObjScale = 1;
-    if (s->Env->ScaleFlag) {
+    const SimplexTuning::Scaling wish = s->Tuning.Scale;
+    if (wish == SimplexTuning::SCALED ||
+        (wish == SimplexTuning::BY_PARAMETER && s->Env->ScaleFlag)) {
         size_rows_by_largest(s);
         size_columns_by_largest(s);
         TRY(keep_entries_alive(s));

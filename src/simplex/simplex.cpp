@@ -16,7 +16,7 @@ namespace
 {
 constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in numeric trouble
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
-constexpr double TOLERANCE_FLOOR = 1e-9;
+constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened tolerances
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 
@@ -126,19 +126,20 @@ void finish_live(sopt *s)
 
 // Tightens one tolerance so that what is above the limit would not have passed. False when nothing is, or when the
 // tolerance cannot go lower.
-bool tighten(double *tol, double limit, double violation)
+bool tighten(const sopt *s, double *tol, double limit, double violation)
 {
     if (violation <= limit) return false;
-    const double wish = std::max(TOLERANCE_FLOOR, *tol * POLISH_SHARE * limit / violation);
+    const double floor = s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR;
+    const double wish = std::max(floor, *tol * POLISH_SHARE * limit / violation);
     if (wish >= *tol) return false;
     *tol = wish;
     return true;
 }
 
-bool tighten_for(double *tol, double limit, const UserViolation &violation)
+bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &violation)
 {
-    const bool by_size = tighten(tol, limit, violation.Largest);
-    return tighten(tol, WORTH_LIMIT, violation.Worth) || by_size;
+    const bool by_size = tighten(s, tol, limit, violation.Largest);
+    return tighten(s, tol, WORTH_LIMIT, violation.Worth) || by_size;
 }
 
 // Another run from the basis at hand.
@@ -176,8 +177,8 @@ int polish(sopt *s)
         if (acceptable.size == 0 && v.Primal.Largest <= s->Env->FeasibilityTol &&
             v.Dual.Largest <= s->Env->OptimalityTol)
             TRY(array_copy(&acceptable, s->VStat.data, s->NumVars));
-        const bool primal = tighten_for(&s->FeasTol, s->Env->FeasibilityTol, v.Primal),
-                   dual = tighten_for(&s->OptTol, s->Env->OptimalityTol, v.Dual);
+        const bool primal = tighten_for(s, &s->FeasTol, s->Env->FeasibilityTol, v.Primal),
+                   dual = tighten_for(s, &s->OptTol, s->Env->OptimalityTol, v.Dual);
         if (!primal && !dual) return 0;
         TRY(run_again(s, primal ? METHOD_DUAL : METHOD_PRIMAL));
     }
@@ -203,33 +204,39 @@ int solve(sopt *s)
 }
 
 // The record for this model, with tolerances and counters for a new run.
-int prepare_record(TVXmodel *model)
+int prepare_record(TVXmodel *model, const SimplexTuning &tuning)
 {
     const bool fresh = !model->simplex;
-    if (fresh) TRY(sopt_create(model, &model->simplex));
+    if (fresh) TRY(sopt_create(model, tuning, &model->simplex));
     sopt *s = model->simplex;
     sopt_refresh(s);
-    const int wish = s->Env->Quad;
+    const int wish = s->Tuning.Extended ? 1 : s->Env->Quad;
     if (wish == 0 && s->Quad == 1) TVXmsg(s->Env, "Switch to double precision\n");
     return switch_precision(s, wish == 1 || (wish == -1 && s->Quad));
 }
 
+// What a run starts from: a basis or a point, or null. Scratch: from nothing else then.
+struct Start {
+    const int *vstat_cols = nullptr, *vstat_rows = nullptr;
+    const double *x = nullptr, *slack = nullptr;
+    bool scratch = false;
+};
+
 // A start basis: given, live, stored with the model, or made of slacks, which a crash may then improve.
-int prepare_basis(TVXmodel *model, const int *vstat_cols, const int *vstat_rows,
-                  bool *from_slacks)
+int prepare_basis(TVXmodel *model, const Start &start, bool *from_slacks)
 {
     sopt *s = model->simplex;
     s->StartNorms.size = 0;
-    if (vstat_cols && vstat_rows) {
+    if (start.vstat_cols && start.vstat_rows) {
         Array<int> statuses;
         TRY(array_resize(&statuses, s->NumVars));
-        std::copy_n(vstat_cols, s->NumCols, statuses.data);
-        std::copy_n(vstat_rows, s->NumRows, statuses.data + s->NumCols);
+        std::copy_n(start.vstat_cols, s->NumCols, statuses.data);
+        std::copy_n(start.vstat_rows, s->NumRows, statuses.data + s->NumCols);
         *from_slacks = !start_from_statuses(s, statuses.data);
     } else if (s->HasBasis) {
         settle_nonbasics(s);
     } else {
-        const WarmStart *warm = warm_start_usable(model);
+        const WarmStart *warm = start.scratch ? nullptr : warm_start_usable(model);
         *from_slacks = !warm || !start_from_statuses(s, warm->statuses.data);
         if (!*from_slacks && warm->norms.size == s->NumVars)
             TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
@@ -258,17 +265,16 @@ bool is_solved(const TVXmodel *model, int method)
            s->Status == SIMPLEX_UNBOUNDED;
 }
 
-int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vstat_rows,
-             const double *x_start, const double *slack_start)
+int optimize(TVXmodel *model, int method, const Start &start, const SimplexTuning &tuning)
 {
-    TRY(prepare_record(model));
+    TRY(prepare_record(model, tuning));
     sopt *s = model->simplex;
     bool from_slacks = false;
-    TRY(prepare_basis(model, vstat_cols, vstat_rows, &from_slacks));
-    if (x_start) start_from_point(s, x_start, slack_start);
+    TRY(prepare_basis(model, start, &from_slacks));
+    if (start.x) start_from_point(s, start.x, start.slack);
     s->Method = choose_method(model, method);
     s->MethodByStart = method == METHOD_BY_START && s->Superbasics == 0;
-    if (from_slacks && (s->Method == METHOD_DUAL || !x_start)) {
+    if (from_slacks && (s->Method == METHOD_DUAL || !start.x)) {
         TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));
         row_copy_partition(s);
     }
@@ -283,14 +289,53 @@ int optimize(TVXmodel *model, int method, const int *vstat_cols, const int *vsta
 }
 } // namespace
 
+static void drop(TVXmodel *model)
+{
+    simplex_free(model->simplex);
+    model->simplex = nullptr;
+}
+
 int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
                     const int *vstat_rows, const double *x_start, const double *slack_start)
 {
     if (!vstat_cols && !x_start && is_solved(model, method)) return 0;
-    const int error = optimize(model, method, vstat_cols, vstat_rows, x_start, slack_start);
-    if (error) { // parts of the record may be half built
-        simplex_free(model->simplex);
-        model->simplex = nullptr;
-    }
+    const Start start = {vstat_cols, vstat_rows, x_start, slack_start};
+    const int error = optimize(model, method, start, SimplexTuning{});
+    if (error) drop(model); // parts of the record may be half built
     return error;
+}
+
+int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
+                  const SimplexTuning &tuning)
+{
+    drop(model);
+    Start start;
+    start.vstat_cols = statuses;
+    start.vstat_rows = statuses ? statuses + model->body->numvars : nullptr;
+    start.scratch = true;
+    const int error = optimize(model, method, start, tuning);
+    if (error) drop(model);
+    return error;
+}
+
+SimplexAssessment simplex_assess(const sopt *s)
+{
+    SimplexAssessment a;
+    a.WeakFarkas = s->WeakFarkas != 0;
+    if (s->Status == SIMPLEX_NUMERIC) return a;
+    a.Foot = s->Proof == PROOF_FARKAS && !s->WideProof ? Footing::NARROW : Footing::SURE;
+    const bool point = s->Status == SIMPLEX_OPTIMAL ||
+                       (s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY);
+    if (!point) return a;
+    const UserViolations v = violations(s);
+    a.Excess = v.Primal.Largest / s->Env->FeasibilityTol;
+    if (s->Status == SIMPLEX_OPTIMAL)
+        a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
+    if (a.Excess > 1) a.Foot = Footing::UNSURE;
+    return a;
+}
+
+void simplex_declare_infeasible(TVXmodel *model)
+{
+    model->status = model->simplex->Status = SIMPLEX_INFEASIBLE;
 }

@@ -14,6 +14,14 @@ enum SimplexMethod {
     METHOD_DUAL = 1
 };
 
+// How a record is built and run where that is not the environment's choice. The default is the environment's.
+struct SimplexTuning {
+    enum Scaling { BY_PARAMETER, SCALED, UNSCALED } Scale = BY_PARAMETER;
+    bool Extended = false;   // from the start in extended precision
+    double Tolerance = 1e-6; // feasibility and optimality tolerances are at most this
+    double Markowitz = 0;    // pivots in the factors are at least this strict
+};
+
 // Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
 // scratch, in this order. The result is model->status and the record model->simplex.
 //   vstat_cols [n], vstat_rows [m]   start basis, or both null
@@ -22,7 +30,27 @@ enum SimplexMethod {
 [[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
                                   const int *vstat_rows, const double *x_start,
                                   const double *slack_start);
+// The same after trouble: anew from `statuses` [n + m], or from slacks when they are null.
+[[nodiscard]] int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
+                                const SimplexTuning &tuning);
 void simplex_free(sopt *s); // null is ignored
+
+// How well the status of the last run is founded, best first.
+enum class Footing {
+    SURE,   // optimal within the tolerances in the user's units, proved, or a limit
+    NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
+    UNSURE, // optimal or unbounded, but the point violates tolerances in the user's units
+    NONE    // no answer
+};
+struct SimplexAssessment {
+    Footing Foot = Footing::NONE;
+    double Excess = 0; // UNSURE: largest violation over its tolerance
+    bool WeakFarkas =
+        false; // some multipliers prove the model infeasible, but not if it were changed a little
+};
+SimplexAssessment simplex_assess(const sopt *s);
+// After WeakFarkas, when nothing else has given an answer.
+void simplex_declare_infeasible(TVXmodel *model);
 
 // Results of the last run; any out pointer may be null. None can fail.
 void simplex_get_primal(const sopt *s, double *x); // [n]

@@ -86,7 +86,7 @@ int build(sopt *s)
 }
 } // namespace
 
-int sopt_create(TVXmodel *model, sopt **out)
+int sopt_create(TVXmodel *model, const SimplexTuning &tuning, sopt **out)
 {
     *out = nullptr;
     void *block = MemAllocZero(1, sizeof(sopt));
@@ -94,6 +94,7 @@ int sopt_create(TVXmodel *model, sopt **out)
     sopt *s = static_cast<sopt *>(block);
     *s = sopt{};
     s->Model = model;
+    s->Tuning = tuning;
     s->Env = model->env;
     s->Infinity = model->env->TARV_PAR_INFBOUND;
     s->NumRows = model->body->numconstrs;
@@ -141,9 +142,10 @@ void sopt_refresh(sopt *s)
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
-    s->FeasTol = env->FeasibilityTol;
-    s->OptTol = env->OptimalityTol;
-    s->MarkowitzTol = env->MarkowitzTol;
+    s->WeakFarkas = 0;
+    s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
+    s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
+    s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);
     s->PivotTol = env->TARV_PAR_PIVOTTOL;
     s->BigTol = env->TARV_PAR_BIGTOL;
     s->ZeroTol = env->TARV_PAR_ZERO;

@@ -103,6 +103,7 @@ template<class R> struct swork {
 
 struct sopt {
     TVXmodel *Model = nullptr; // owner
+    SimplexTuning Tuning;      // what differs from the environment's parameters
     TVXenv *Env = nullptr;     // its environment
 
     // Time, limits, log
@@ -193,7 +194,11 @@ struct sopt {
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
     double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
-    ProofKind Proof = PROOF_NONE;        // what proved the status of this run
+    int WeakFarkas =
+        0; // multipliers prove the LP infeasible, but not with rows and bounds held wider
+    int WideProof =
+        0; // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol
+    ProofKind Proof = PROOF_NONE; // what proved the status of this run
     Array<double>
         ProofVector; // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled
     Random Rng;
@@ -291,7 +296,7 @@ template<class R> inline R noise_share(const swork<R> *w)
 }
 
 // ---- sopt.cpp: the record ----
-[[nodiscard]] int sopt_create(TVXmodel *model,
+[[nodiscard]] int sopt_create(TVXmodel *model, const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
 void sopt_take_cutoff(sopt *s);            // Cutoff from the parameter
