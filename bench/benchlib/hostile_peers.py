@@ -17,10 +17,12 @@ TIME_LIMIT_SECONDS = 10
 KILL_SECONDS = 30
 
 
-def run(call):
+def run(call, folder):
+    """What it prints, and seconds; in a folder where it may leave logs."""
     begin = time.perf_counter()
     try:
-        done = subprocess.run(call, capture_output=True, text=True, errors="replace", check=False, timeout=KILL_SECONDS)
+        done = subprocess.run(call, capture_output=True, text=True, errors="replace", check=False, cwd=folder,
+                              timeout=KILL_SECONDS)
     except subprocess.TimeoutExpired:
         return "", KILL_SECONDS
     return done.stdout, time.perf_counter() - begin
@@ -42,7 +44,8 @@ class Clp:
 
     def solve(self, model):
         solution = model + ".clp"
-        text, seconds = run([self.path, model, "-seconds", str(TIME_LIMIT_SECONDS), "-solve", "-saveSolution", solution])
+        text, seconds = run([self.path, model, "-seconds", str(TIME_LIMIT_SECONDS), "-solve", "-saveSolution", solution],
+                            os.path.dirname(model))
         status = next((status for mark, status in self.STATUS if mark in text),
                       TIME_LIMIT if seconds >= KILL_SECONDS else NUMERIC)
         iterations = re.findall(r"objective \S+ - (\d+) iterations", text)
@@ -75,7 +78,7 @@ class Highs:
         solution, settings = model + ".sol", model + ".set"
         with open(settings, "w") as file:
             file.write(f"threads = 1\ntime_limit = {TIME_LIMIT_SECONDS}\nsolution_file = {solution}\n")
-        text, seconds = run([self.path, "--options_file", settings, model])
+        text, seconds = run([self.path, "--options_file", settings, model], os.path.dirname(model))
         said = re.findall(r"^Model status\s*:\s*(.*\S)", text, re.MULTILINE)
         status = self.STATUS.get(said[-1], NUMERIC) if said else (TIME_LIMIT if seconds >= KILL_SECONDS else NUMERIC)
         iterations = re.findall(r"^Simplex\s+iterations:\s*(\d+)", text, re.MULTILINE)

@@ -11,6 +11,7 @@
 //             B. Dutertre, L. de Moura, "A fast linear-arithmetic solver for DPLL(T)", CAV 2006.
 #pragma once
 #include "support/rational_lp.h"
+#include <cmath>
 
 // Where the method stopped. Variables: columns 0 .. n-1, row activities n .. n+m-1.
 struct DictionaryEnd {
@@ -35,7 +36,7 @@ inline int sign(const mpq_class &v)
 }
 inline int sign(const mpf_class &v)
 {
-    return abs(v) < NOISE ? 0 : sgn(v);
+    return std::fabs(v.get_d()) < NOISE ? 0 : sgn(v);
 }
 
 template<class T> struct Bound {

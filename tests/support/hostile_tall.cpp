@@ -13,19 +13,25 @@
 namespace
 {
 
+enum class Columns { MIXED, FREE, NONNEGATIVE, BOXED };
+
 struct Shape {
     int cols = 0, rows = 0;
     int density = 0;                      // percent of entries
     double low = 0, high = 0;             // powers of ten of the coefficients
     double value_low = 0, value_high = 0; // ... of the point
     int digits = 0;                       // of the coefficients, or 0: all of them
-    int copies = 0, sums = 0;             // percent of rows that depend on others
-    int near_parallel = 0;                // percent of rows that nearly depend on one other
-    double largest_activity = 0;          // rows beyond are scaled down; 0: none is
+    int whole = 40;                       // percent of columns that stand at an integer
+    Columns columns = Columns::MIXED;
+    int equations = 8;        // percent of rows
+    int tight = 70;           // percent of other rows that hold with equality
+    int planted = 85;         // percent of models whose costs make the point nearly optimal
+    int copies = 0, sums = 0; // percent of rows that depend on others
+    int near_parallel = 0;    // percent of rows that nearly depend on one other
+    double largest_activity = 0; // rows beyond are scaled down; 0: none is
 };
 
 constexpr double TALL_ACTIVITY = 5e4; // half a unit in the last place is 3.6e-12
-constexpr int TIGHT = 70;             // percent of rows
 
 struct Plan {
     const Shape *shape = nullptr;
@@ -41,24 +47,46 @@ static double coefficient(Dice *dice, const Shape *shape)
     return shape->digits > 0 ? with_digits(a, shape->digits) : a;
 }
 
-static void add_column(Dice *dice, Plan *plan)
+// Bounds of all kinds around x; the value may move to where the usual kind has it.
+static void add_mixed_column(Dice *dice, Plan *plan, double x, double room)
 {
-    const Shape *s = plan->shape;
     const double inf = LP_INFINITY;
-    double x = signed_log_uniform(dice, s->value_low, s->value_high);
-    if (dice->chance(40)) x = std::round(x);
-    const double room = log_uniform(dice, s->value_low, s->value_high);
     const struct {
         double lb, ub;
     } kinds[] = {{-inf, inf}, {x, x},          {x - room, x + room},
                  {-inf, x},   {x - room, x},   {x, x + room},
                  {x, inf},    {x - room, inf}, {-inf, x + room}};
     const auto &one = kinds[dice->range(0, 8)];
-    if (dice->chance(30)) { // the usual kind
+    if (dice->chance(30)) {
         x = dice->chance(50) ? 0 : std::fabs(x);
         lp_add_var(&plan->lp, 0, 0, inf);
     } else {
         lp_add_var(&plan->lp, 0, one.lb, one.ub);
+    }
+    plan->x.push_back(x);
+}
+
+static void add_column(Dice *dice, Plan *plan)
+{
+    const Shape *s = plan->shape;
+    double x = signed_log_uniform(dice, s->value_low, s->value_high);
+    if (dice->chance(s->whole)) x = std::round(x);
+    const double room = log_uniform(dice, s->value_low, s->value_high);
+    const bool at_end = dice->chance(40);
+    switch (s->columns) {
+    case Columns::MIXED:
+        add_mixed_column(dice, plan, x, room);
+        return;
+    case Columns::FREE:
+        lp_add_var(&plan->lp, 0, -LP_INFINITY, LP_INFINITY);
+        break;
+    case Columns::NONNEGATIVE:
+        x = at_end ? 0 : std::fabs(x);
+        lp_add_var(&plan->lp, 0, 0, LP_INFINITY);
+        break;
+    case Columns::BOXED:
+        lp_add_var(&plan->lp, 0, at_end ? x : x - room, x + room);
+        break;
     }
     plan->x.push_back(x);
 }
@@ -131,7 +159,7 @@ static void add_rows(Dice *dice, Plan *plan)
     for (size_t i = 0; i < plan->lp.rhs.size(); i++) {
         const char sense = plan->lp.senses[i];
         long double rhs = activity[i];
-        if (sense != '=' && !dice->chance(TIGHT)) {
+        if (sense != '=' && !dice->chance(s->tight)) {
             const double room = log_uniform(dice, -9, 1);
             rhs += sense == '<' ? room : -room;
         }
@@ -169,10 +197,10 @@ static LpModel around_point(Dice *dice, const Shape &shape)
     plan.lp.objcon = dice->chance(20) ? dice->range(-50, 50) : 0;
     for (int j = 0; j < shape.cols; j++) add_column(dice, &plan);
     add_rows(dice, &plan);
-    if (dice->chance(85))
+    if (dice->chance(shape.planted))
         plant_costs(dice, &plan);
     else
-        for (double &c : plan.lp.obj) c = dice->nonzero(9);
+        for (double &c : plan.lp.obj) c = dice->range(-4, 4);
     return plan.lp;
 }
 
@@ -181,14 +209,22 @@ LpModel hostile_tall(Dice *dice)
     Shape s;
     s.cols = dice->chance(70) ? dice->range(5, 14) : dice->range(5, 40);
     s.rows = s.cols * dice->range(3, s.cols > 25 ? 6 : 10);
-    s.density = dice->range(10, 80);
-    s.low = dice->range(-4, 0);
-    s.high = dice->range(0, 4);
+    s.density = dice->chance(60) ? dice->range(10, 40) : dice->range(40, 90);
+    s.low = dice->chance(60) ? -4 : dice->range(-4, 0);
+    s.high = dice->chance(60) ? 4 : dice->range(0, 4);
     s.value_low = -1;
     s.value_high = 1.5;
-    s.digits = dice->pick(std::vector<int>{0, 0, 3, 6});
-    s.copies = dice->range(0, 15);
-    s.sums = dice->range(0, 25);
+    s.whole = dice->pick(std::vector<int>{40, 100});
+    s.columns =
+        dice->pick(std::vector<Columns>{Columns::MIXED, Columns::MIXED, Columns::FREE,
+                                        Columns::NONNEGATIVE, Columns::BOXED});
+    s.equations = dice->pick(std::vector<int>{0, 8, 30, 100});
+    s.tight = dice->pick(std::vector<int>{30, 70, 100});
+    s.planted =
+        s.columns == Columns::FREE && s.equations < 100 ? 100 : 50; // else mostly unbounded
+    s.digits = dice->pick(std::vector<int>{0, 0, 0, 3, 6});
+    s.copies = dice->chance(50) ? 0 : dice->range(0, 15);
+    s.sums = dice->chance(50) ? 0 : dice->range(0, 25);
     s.largest_activity = TALL_ACTIVITY;
     return around_point(dice, s);
 }
