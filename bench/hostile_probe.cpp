@@ -151,7 +151,7 @@ static bool read_numbers(std::istream *in, size_t count, std::vector<double> *va
     return true;
 }
 
-// Words: status (in our numbers), iterations, seconds, tolerance, objective, then under status 2 the values of columns,
+// Words: status (in our numbers), iterations, seconds, tolerance, rounding of the numbers, objective, then under status 2 the values of columns,
 // their reduced costs and the multipliers of rows, of the model as a minimisation. The objective nan means that of the
 // values; reduced costs that begin with nan: those that the multipliers give.
 static bool read_outcome(const std::string &file, const LpModel &lp,
@@ -159,13 +159,14 @@ static bool read_outcome(const std::string &file, const LpModel &lp,
 {
     std::ifstream in(file);
     std::vector<double> head;
-    if (!in || !read_numbers(&in, 5, &head)) return false;
+    if (!in || !read_numbers(&in, 6, &head)) return false;
     LpSolution *s = &outcome->solution;
     s->status = static_cast<int>(head[0]);
     s->iterations = head[1];
     outcome->seconds = head[2];
     outcome->feasibility = outcome->optimality = head[3];
-    s->objval = head[4];
+    outcome->rounding = head[4];
+    s->objval = head[5];
     if (s->status != TVX_OPTIMAL) return true;
     const size_t n = lp.obj.size();
     if (!read_numbers(&in, n, &s->x) || !read_numbers(&in, n, &s->rc) ||

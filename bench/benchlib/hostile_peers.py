@@ -1,7 +1,8 @@
 """Other solvers as whole programs on one small MPS file, their answers as the judge of bench/hostile reads them.
 
-An answer is a text of numbers: status (in Tarvex's numbers), iterations, seconds, tolerance, objective, and under status 2
-the values of columns, their reduced costs, and the multipliers of rows. All at default tolerances.
+An answer is a text of numbers: status (in Tarvex's numbers), iterations, seconds, tolerance, relative rounding of the
+numbers reported, objective, and under status 2 the values of columns, their reduced costs, and the multipliers of rows. All
+at default tolerances.
 """
 
 import os
@@ -28,14 +29,15 @@ def run(call, folder):
     return done.stdout, time.perf_counter() - begin
 
 
-def answer(status, iterations, seconds, objective=float("nan"), values=()):
-    return " ".join(repr(v) for v in (status, iterations, seconds, TOLERANCE, objective, *values)) + "\n"
+def answer(status, iterations, seconds, rounding, values):
+    return " ".join(repr(v) for v in (status, iterations, seconds, TOLERANCE, rounding, float("nan"), *values)) + "\n"
 
 
 class Clp:
     """Its solution file is binary: two counts, the objective, then activities, row duals, values and reduced costs."""
 
     label = "clp"
+    ROUNDING = 1e-17
     STATUS = [("Optimal objective", OPTIMAL), ("PrimalInfeasible objective", INFEASIBLE),
               ("DualInfeasible objective", UNBOUNDED), ("Stopped", TIME_LIMIT)]
 
@@ -54,7 +56,7 @@ class Clp:
             values = self.read(solution)
         if os.path.exists(solution):
             os.remove(solution)
-        return answer(status, int(iterations[-1]) if iterations else 0, seconds, values=values)
+        return answer(status, int(iterations[-1]) if iterations else 0, seconds, self.ROUNDING, values)
 
     @staticmethod
     def read(path):
@@ -68,6 +70,7 @@ class Clp:
 
 class Highs:
     label = "highs"
+    ROUNDING = 1e-14  # values are text of about 15 digits
     STATUS = {"Optimal": OPTIMAL, "Infeasible": INFEASIBLE, "Unbounded": UNBOUNDED,
               "Primal infeasible or unbounded": INF_OR_UNBD, "Time limit reached": TIME_LIMIT}
 
@@ -86,7 +89,7 @@ class Highs:
         for path in (solution, settings):
             if os.path.exists(path):
                 os.remove(path)
-        return answer(status, int(iterations[-1]) if iterations else 0, seconds, values=values)
+        return answer(status, int(iterations[-1]) if iterations else 0, seconds, self.ROUNDING, values)
 
     @staticmethod
     def read(path):

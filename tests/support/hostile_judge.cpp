@@ -7,9 +7,10 @@
 
 static constexpr double NEARBY =
     1e-9; // a point that breaks nothing by more is never refused
-static constexpr double LOOSE_VALUE = 1e-6; // relative
-static constexpr double SUM_ROUNDING =
-    1e-15; // of the terms of a sum in long double, and of the library's own sum
+static constexpr double LOOSE_VALUE = 1e-6;   // relative
+static constexpr double SUM_ROUNDING = 1e-15; // of the terms of what tolerances explain
+static constexpr double RC_ROUNDING =
+    1e-14; // of the terms of c - pi A: what rounding pi and the sum may cost
 static constexpr double VALUE_ROUNDING = 1e-12; // of the terms of the objective, for ObjVal
 static constexpr double PLACE_RELATIVE =
     1e-9; // of the numbers behind a distance: the DualVio attribute's rule
@@ -92,7 +93,8 @@ struct Point {
     std::vector<long double> activity, activity_size; // [m] a_i x, and sum |a_ij x_j|
     std::vector<long double> cost, cost_size; // [n] c_j - pi A_j, and the size of its terms
     long double value = 0, value_size = 0;    // c x, and the size of its terms
-    long double primal = 0, dual = 0;         // largest violations, less their rounding
+    long double residual = 0; // largest difference of RC from c - pi A that is not rounding
+    long double primal = 0, dual = 0; // largest violations, less their rounding
 };
 
 } // namespace
@@ -141,8 +143,11 @@ static void measure_primal(Point *p)
     const LpModel *lp = p->lp;
     for (size_t j = 0; j < lp->obj.size(); j++) {
         const long double x = p->outcome->solution.x[j];
-        if (!lp_is_infinite(lp->lb[j])) p->primal = std::max(p->primal, lp->lb[j] - x);
-        if (!lp_is_infinite(lp->ub[j])) p->primal = std::max(p->primal, x - lp->ub[j]);
+        const long double rounding = p->outcome->rounding * std::fabs(x);
+        if (!lp_is_infinite(lp->lb[j]))
+            p->primal = std::max(p->primal, lp->lb[j] - x - rounding);
+        if (!lp_is_infinite(lp->ub[j]))
+            p->primal = std::max(p->primal, x - lp->ub[j] - rounding);
     }
     for (size_t i = 0; i < lp->rhs.size(); i++) {
         if (lp_is_infinite(lp->rhs[i])) continue;
@@ -150,7 +155,7 @@ static void measure_primal(Point *p)
         const long double vio = lp->senses[i] == '<'   ? over
                                 : lp->senses[i] == '>' ? -over
                                                        : std::fabs(over);
-        p->primal = std::max(p->primal, vio - SUM_ROUNDING * p->activity_size[i]);
+        p->primal = std::max(p->primal, vio - p->outcome->rounding * p->activity_size[i]);
     }
 }
 
@@ -192,11 +197,13 @@ static void measure_dual(Point *p)
     }
     for (size_t j = 0; j < p->lp->obj.size(); j++) {
         const Stand s = stand_of_column(p, j);
-        const long double rounding = SUM_ROUNDING * p->cost_size[j];
+        const long double rounding = p->outcome->rounding * p->cost_size[j];
         if (!s.priced || s.distance > s.place)
             p->dual = std::max(p->dual, std::fabs(s.force) - rounding);
-        const long double missed = std::fabs(p->cost[j] - p->outcome->solution.rc[j]);
-        p->dual = std::max(p->dual, missed - rounding);
+        const long double rc = p->outcome->solution.rc[j];
+        const long double missed = std::fabs(p->cost[j] - rc);
+        if (missed > RC_ROUNDING * p->cost_size[j])
+            p->residual = std::max(p->residual, missed);
     }
 }
 
@@ -267,6 +274,8 @@ static HostileJudgement judge_point(HostileTruth *truth, const Point *p)
     if (primal && truth->relaxed(2 * o->feasibility).status == LpStatus::INFEASIBLE)
         return say(Verdict::FALSE_OPTIMAL, "optimal, violation %.3Lg; infeasible within %g",
                    p->primal, 2 * o->feasibility);
+    if (p->residual > o->optimality)
+        return say(Verdict::SILENT, "RC is %.3Lg from c - pi A", p->residual);
     if ((primal && !o->warned_primal) || (dual && !o->warned_dual))
         return say(Verdict::SILENT, "violation primal %.3Lg%s, dual %.3Lg%s", p->primal,
                    primal && !o->warned_primal ? " untold" : "", p->dual,
