@@ -127,6 +127,11 @@ TEST(HostileJudge, sees_each_planted_fault_of_an_optimum)
              move_second(o, 1.1e-6);
              o->warned_primal = true;
          }},
+        {Verdict::GROSS,
+         [](HostileOutcome *o) {
+             move_second(o, 1.1e-3);
+             o->warned_primal = true;
+         }},
         {Verdict::SILENT, // a warning of the other kind does not count
          [](HostileOutcome *o) {
              move_second(o, 1.1e-6);

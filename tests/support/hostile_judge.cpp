@@ -7,6 +7,7 @@
 
 static constexpr double NEARBY =
     1e-9; // a point that breaks nothing by more is never refused
+static constexpr double GROSS_FACTOR = 1000;  // of the tolerances
 static constexpr double LOOSE_VALUE = 1e-6;   // relative
 static constexpr double SUM_ROUNDING = 1e-15; // of the terms of what tolerances explain
 static constexpr double RC_ROUNDING =
@@ -18,9 +19,9 @@ static constexpr double PLACE_RELATIVE =
 const char *verdict_name(Verdict verdict)
 {
     static constexpr const char *NAMES[] = {
-        "right",           "loose",         "warned", "refused",   "refused_either",
-        "false_unbounded", "false_optimal", "silent", "objective", "numeric",
-        "runaway",         "slow",          "other"};
+        "right",          "loose",           "warned",        "gross",  "refused",
+        "refused_either", "false_unbounded", "false_optimal", "silent", "objective",
+        "numeric",        "runaway",         "slow",          "other"};
     static_assert(sizeof NAMES / sizeof *NAMES == static_cast<size_t>(Verdict::COUNT));
     return NAMES[static_cast<size_t>(verdict)];
 }
@@ -280,9 +281,11 @@ static HostileJudgement judge_point(HostileTruth *truth, const Point *p)
         return say(Verdict::SILENT, "violation primal %.3Lg%s, dual %.3Lg%s", p->primal,
                    primal && !o->warned_primal ? " untold" : "", p->dual,
                    dual && !o->warned_dual ? " untold" : "");
+    const bool gross =
+        p->primal > GROSS_FACTOR * o->feasibility || p->dual > GROSS_FACTOR * o->optimality;
     if (primal || dual)
-        return say(Verdict::WARNED, "violation primal %.3Lg, dual %.3Lg", p->primal,
-                   p->dual);
+        return say(gross ? Verdict::GROSS : Verdict::WARNED,
+                   "violation primal %.3Lg, dual %.3Lg", p->primal, p->dual);
     return judge_value(truth, p);
 }
 

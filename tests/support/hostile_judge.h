@@ -27,6 +27,7 @@ enum class Verdict {
     RIGHT,
     LOOSE, // right, value further than 1e-6 from the exact one, within what the tolerances explain
     WARNED,          // optimal with violations above the tolerance that a warning names
+    GROSS,           // the same, with violations above 1000 times the tolerance
     REFUSED,         // infeasible although a point is feasible within 1e-9
     REFUSED_EITHER,  // infeasible or unbounded although there is an optimum within 1e-9
     FALSE_UNBOUNDED, // unbounded without a ray
@@ -42,7 +43,7 @@ enum class Verdict {
 const char *verdict_name(Verdict verdict);
 inline bool verdict_wrong(Verdict verdict)
 {
-    return verdict > Verdict::WARNED;
+    return verdict > Verdict::GROSS;
 }
 
 inline constexpr double HOSTILE_RUNAWAY = 50; // iterations per row and column
