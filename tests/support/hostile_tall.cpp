@@ -1,4 +1,4 @@
-// hostile_tall.cpp -- many rows around one point: tall and tight models, and models over many decades
+// hostile_tall.cpp -- rows around one point: tall and tight models, and models over many decades
 //
 // Problem     Rows that meet in one point up to the rounding of their right-hand sides: a solver that trusts its own
 //             rounding finds them contradictory.
@@ -31,6 +31,8 @@ struct Shape {
     double largest_activity = 0; // rows beyond are scaled down; 0: none is
 };
 
+constexpr double WILD_ACTIVITY =
+    1e18;                             // right-hand sides stay below what counts as infinite
 constexpr double TALL_ACTIVITY = 5e4; // half a unit in the last place is 3.6e-12
 
 struct Plan {
@@ -244,5 +246,26 @@ LpModel hostile_wide(Dice *dice)
     s.copies = 5;
     s.sums = 10;
     s.near_parallel = medium ? 30 : 5;
+    return around_point(dice, s);
+}
+
+LpModel hostile_wild(Dice *dice)
+{
+    Shape s;
+    s.cols = dice->range(3, 24);
+    s.rows = dice->range(2, 24);
+    s.density = dice->range(10, 60);
+    s.low = dice->real(-18, -6);
+    s.high = dice->real(6, 18);
+    s.value_low = dice->range(-9, 0);
+    s.value_high = dice->range(0, 9);
+    s.digits = dice->pick(std::vector<int>{0, 1, 6});
+    s.columns = dice->pick(
+        std::vector<Columns>{Columns::MIXED, Columns::NONNEGATIVE, Columns::BOXED});
+    s.equations = dice->pick(std::vector<int>{0, 20, 60});
+    s.planted = 60;
+    s.copies = 5;
+    s.near_parallel = 10;
+    s.largest_activity = WILD_ACTIVITY;
     return around_point(dice, s);
 }
