@@ -1,0 +1,39 @@
+// hostile_gen.h -- small LPs on which floating point goes wrong, by families, each from a seed
+//
+//   tall      5 to 40 columns, 3 to 10 times as many rows around one point, coefficients over 8 decades
+//   bigm      coefficients from 1e5 to 1e12 on switches, chains, indicators and penalties
+//   residue   equations whose substitution leaves rounding where exact arithmetic leaves nothing
+//   wide      numbers over 12 and more decades, or over 6 with nearly parallel rows
+//   wild      over up to 36 decades: nobody can be asked for much, but for an end and no wrong claim
+//   ties      integer data with many equal coefficients: assignment, covering, networks, cycles
+//
+// Three members of five are as the family makes them; one is made infeasible, by 1e-9 to 1, and one is given a ray.
+// What the truth is, rational_solve tells: the right-hand sides are rounded, so it may differ from what was meant.
+#pragma once
+#include "support/dice.h"
+#include "support/lp_model.h"
+#include <string>
+#include <vector>
+
+enum class HostileKind { PLAIN, INFEASIBLE, UNBOUNDED };
+
+struct HostileModel {
+    std::string name;                      // family-seed
+    HostileKind kind = HostileKind::PLAIN; // what the maker had in mind
+    LpModel lp;
+};
+
+struct HostileFamily {
+    const char *name;
+    LpModel (*generate)(Dice *dice);
+};
+const std::vector<HostileFamily> &hostile_families();
+HostileModel hostile_generate(const HostileFamily &family, uint64_t seed);
+
+// The families, one file each (hostile_tall.cpp also has wide and wild).
+LpModel hostile_tall(Dice *dice);
+LpModel hostile_wide(Dice *dice);
+LpModel hostile_wild(Dice *dice);
+LpModel hostile_bigm(Dice *dice);
+LpModel hostile_residue(Dice *dice);
+LpModel hostile_ties(Dice *dice);
