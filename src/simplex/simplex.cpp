@@ -323,7 +323,9 @@ SimplexAssessment simplex_assess(const sopt *s)
     SimplexAssessment a;
     a.WeakFarkas = s->WeakFarkas != 0;
     if (s->Status == SIMPLEX_NUMERIC) return a;
-    a.Foot = s->Proof == PROOF_FARKAS && !s->WideProof ? Footing::NARROW : Footing::SURE;
+    const bool narrow =
+        s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WideProof;
+    a.Foot = narrow ? Footing::NARROW : Footing::SURE;
     const bool point = s->Status == SIMPLEX_OPTIMAL ||
                        (s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY);
     if (!point) return a;
