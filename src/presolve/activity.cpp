@@ -3,8 +3,7 @@
 // RMin and RMax are sums of finite terms less the right-hand side; Rmincnt and Rmaxcnt count the infinite ones. Every
 // bound is rounded outwards as it is added, so that a sum errs to the safe side. Changes are added and taken away;
 // where a term that goes was far larger than what is left, digits have been lost, and the row is summed anew.
-#include "presolve/work.h"
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
@@ -155,6 +154,8 @@ bool settle_term(PresolveWork *w, int p, double v)
     bool lost = take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a, up ? ub : lb, true);
     lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? lb : ub, false);
     w->Rhs.data[i] -= a * v;
+    add_to_rhs_error(w, i, size_of_entry(w, p) * std::fabs(v),
+                     std::fabs(a) * w->BoundErr.data[node.col]);
     w->RMax.data[i] += a * v;
     w->RMin.data[i] += a * v;
     return lost;

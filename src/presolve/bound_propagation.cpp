@@ -13,8 +13,7 @@
 //             M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
 //             ORSA J. Computing 6, 1994.
 #include "presolve/bound_propagation.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
@@ -242,13 +241,15 @@ void propagation_set_rows(BoundPropagation *p, double relax)
     const PresolveWork *w = p->w;
     for (int i = 0; i < w->NumRows; i++) {
         if (!is_live_row(w, i)) continue;
-        p->Limit.data[2 * i + UPPER_SIDE] = w->Rhs.data[i] + relax;
+        const double wider = std::max(relax, rhs_error(w, i));
+        p->Limit.data[2 * i + UPPER_SIDE] = w->Rhs.data[i] + wider;
         if (w->Sense.data[i] == '=')
-            p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - relax;
+            p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - wider;
     }
     for (int j = 0; j < w->NumCols; j++) {
-        p->Start.data[2 * j + LOWER_SIDE] = w->Lb.data[j];
-        p->Start.data[2 * j + UPPER_SIDE] = w->Ub.data[j];
+        const double wider = bound_error(w, j); // nothing for bounds as given
+        p->Start.data[2 * j + LOWER_SIDE] = has_lb(w, j) ? w->Lb.data[j] - wider : -w->INF;
+        p->Start.data[2 * j + UPPER_SIDE] = has_ub(w, j) ? w->Ub.data[j] + wider : w->INF;
     }
 }
 

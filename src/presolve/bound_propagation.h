@@ -77,7 +77,7 @@ inline ConEntries entries_of(BoundPropagation *p, int con)
 // Arrays of a system; limits and bounds are absent. A PresolveStatus of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int propagation_alloc(BoundPropagation *p, PresolveWork *w,
                                     PropagationKind kind);
-// The system of the rows, each wider by `relax` on its finite sides, and the bounds of the columns.
+// The system of the rows, each wider by `relax` or by its error on its finite sides, and the bounds of the columns.
 void propagation_set_rows(BoundPropagation *p, double relax);
 void propagation_list(BoundPropagation *p, int con); // to look at in the first round
 void propagation_list_all(BoundPropagation *p);

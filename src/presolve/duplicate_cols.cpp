@@ -9,9 +9,8 @@
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/aggregate.h"
 #include "presolve/duplicates.h"
+#include "presolve/errors.h"
 #include "presolve/merged_columns.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -60,9 +59,10 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
     const double a = price(w, by), b = price(w, l);
     const double factor =
         std::fabs(l->scale / by->scale); // on an error of the other's reduced cost
+    const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
+                        factor * cost_error(w, by->line);
     return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
-           std::fabs(a - b) * std::fabs(l->scale) > w->OptTol * (1 + factor) &&
-           is_fit(by, l);
+           std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
 // Column l goes to the end of its X on this side. Unbounded when there is none.

@@ -9,10 +9,9 @@
 //             that the sign of the dual names gets it.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/duplicates.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
 #include "presolve/row_combination.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -32,7 +31,9 @@ bool beyond_tolerance(const PresolveWork *w, const DupLine *a, const DupLine *b,
 {
     const double allowed = 1 / std::fabs(a->scale) + 1 / std::fabs(b->scale);
     const double size = std::max(std::fabs(level(w, a)), std::fabs(level(w, b)));
-    return gap > w->FeasTol * allowed + ROUNDING * size;
+    const double error = rhs_error(w, a->line) / std::fabs(a->scale) +
+                         rhs_error(w, b->line) / std::fabs(b->scale);
+    return gap > w->FeasTol * allowed + ROUNDING * size + error;
 }
 bool is_rounding(const PresolveWork *w, const DupLine *a, const DupLine *b, double gap)
 {

@@ -7,9 +7,8 @@
 //             costs are d_q = f d_p.
 // Cost        O(entries of q).
 #include "presolve/merged_columns.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -64,6 +63,8 @@ int merge_columns(PresolveWork *w, int p, int q, double f)
     w->ColCnt.data[q] = COL_EMPTY;
     w->Obj.data[q] = 0;
     w->ColsRemoved++;
+    raise_to(&w->BoundErr.data[p], std::fabs(f) * w->BoundErr.data[q]);
+    raise_to(&w->ObjErr.data[p], w->ObjErr.data[q] / std::fabs(f));
     change_bounds(w, p, lb, ub);
     mark_col(w, p);
     return 0;

@@ -4,8 +4,8 @@
 //             A bound that is not tighter than what stands makes the row redundant.
 // Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
 //             the reduced cost as its dual, and the column the row's place in the basis.
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <cmath>
 
 namespace
 {
@@ -17,7 +17,8 @@ enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
 // What row i says about its column: x = t, x <= t or x >= t. False when it cannot be satisfied.
 bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
 {
-    const double lb = w->Lb.data[j], ub = w->Ub.data[j], tol = w->FeasTol;
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j],
+                 tol = w->FeasTol + rhs_error(w, i) / std::fabs(a) + bound_error(w, j);
     if (w->Sense.data[i] == '=') {
         *mode = BOTH;
         return lb - tol <= t && t <= ub + tol;
@@ -56,6 +57,7 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     undo->mode = mode;
     undo->value = w->Nodes.data[p].value;
     // An equation says nothing new about a side whose bound it meets: there the bound itself holds the column.
+    bound_from_row(w, i, j, undo->value, std::fabs(w->Rhs.data[i]));
     delete_entry(w, p);
     w->RowHead.data[i] = -1;
     w->RowCnt.data[i] = ROW_EMPTY;

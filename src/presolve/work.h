@@ -8,6 +8,8 @@
 // Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before it
 //             removes anything that the way back needs; keeps activities and counts up to date; marks the rows and
 //             columns it touches; counts in the five counters; adds its effort to Work.
+// Errors      Reductions work on sums, and what is left of a sum may be rounding. errors.h tells how large that can be;
+//             whoever ends the model, fixes a column or drops a row by a sign or a size asks there.
 // Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
 #pragma once
 #include "presolve/limits.h"
@@ -64,7 +66,14 @@ struct PresolveWork {
     Array<int>
         ColFlags; // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
 
+    double DataErr = 0;     // violation of the model's own rows that counts as rounding
+    Array<double> RhsErr;   // [NumRows] of Rhs
+    Array<double> ObjErr;   // [NumCols] of Obj
+    Array<double> BoundErr; // [NumCols] of Lb and Ub, 0 for bounds as given
+
     Array<PresolveNode> Nodes;
+    Array<float>
+        EntrySize; // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger
     Array<int> RowHead, ColHead; // first node, -1 when none
     Array<int> RowCnt, ColCnt;   // live entries, or a state below zero
     int FreeCount = 0;           // nodes on FreeList
