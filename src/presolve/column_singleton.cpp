@@ -236,12 +236,12 @@ void undo_slack_column(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
     const double a = undo->factor, y = undo->bound[1] * point->d[i];
-    double left = undo->value;
+    double left = point->constants * undo->value;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[j] = left / a;
     point->d[j] = -a * y;
-    point->d[i] = y + undo->cost / a;
+    point->d[i] = y + point->constants * undo->cost / a;
     if (!point->status) return;
     const bool basic = point->status[i] >= 0;
     if (!basic) point->x[j] = undo->bound[0];

@@ -8,6 +8,7 @@
 // Cost        O(entries of the columns looked at)
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/columns.h"
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 
 namespace
@@ -40,7 +41,7 @@ int run_away(PresolveWork *w, int j, int sign)
 {
     if (sign * w->Obj.data[j] < -w->OptTol - cost_error(w, j)) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w, {{j, static_cast<double>(sign)}});
     }
     const bool costs = std::fabs(w->Obj.data[j]) > NO_COST + cost_error(w, j);
     return costs || w->KeepCrush ? 0 : pre_dominated(w, j, sign);

@@ -82,7 +82,7 @@ int judge_row(PresolveWork *w, int i, const LineTerm *terms, int count)
     if (gap > CERTAIN * r.sum * w->FeasTol + ERROR_MARGIN * r.error &&
         gap > SAME * r.size) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        return claim_row_sum(w, i, terms, count, r.gap > 0 ? 1 : -1);
     }
     if (gap <= std::min(SAME * (1 + r.size), 0.1 * w->FeasTol))
         remove_row(w, i, ROW_REDUNDANT);
@@ -96,7 +96,7 @@ int judge_col(PresolveWork *w, int j, const LineTerm *terms, int count)
     if (!r.exact || r.sum > LARGEST_SUM) return 0;
     if (gap > CERTAIN * r.sum * w->OptTol + ERROR_MARGIN * r.error && gap > SAME * r.size) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_col_sum(w, j, terms, count, r.gap > 0 ? -1 : 1);
     }
     return gap <= std::min(SAME * (1 + r.size), 0.1 * w->OptTol) ? fix_column(w, j, 0, -3)
                                                                  : 0;

@@ -10,6 +10,7 @@
 //             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
 // Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds have changed.
 #include "presolve/aggregate.h"
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 
@@ -115,7 +116,7 @@ int transfer_bounds(PresolveWork *w, const Step *s, Kept *kept)
     raise_to(&w->BoundErr.data[y], w->BoundErr.data[x] * std::fabs(s->a / s->b));
     if (s->lb > s->ub + 2 * w->FeasTol + bound_error(w, y)) {
         w->InfeasCol = y;
-        return PRESOLVE_INFEASIBLE;
+        return claim_infeasible(w, {{i, (s->mode & LOWER ? 1 : -1) / s->b}}); // d_y = -+1
     }
     UndoRecord *undo = undo_push(&w->Undo, UNDO_BOUND_TRANSFER, 0);
     if (!undo) return OUT_OF_MEMORY;
@@ -207,7 +208,7 @@ void undo_bound_transfer(const UndoRecord *undo, PostPoint *point)
     point->d[i] += d / b;
     point->d[y] = 0;
     point->d[x] = -a * d / b;
-    point->x[x] = undo->bound[side == LOWER ? 0 : 1];
+    point->x[x] = point->constants * undo->bound[side == LOWER ? 0 : 1];
     if (!point->status) return;
     point->status[y] = 0;
     point->status[x] = (side == LOWER) == (a / b > 0) ? -2 : -1;

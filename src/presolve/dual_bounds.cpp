@@ -16,6 +16,7 @@
 //             J. Gondzio, "Presolve analysis of linear programs prior to applying an interior point method",
 //             INFORMS J. Computing 9, 1997.
 #include "presolve/dual_bounds.h"
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 
 namespace
@@ -113,7 +114,7 @@ int pre_dual_bounds(PresolveWork *w)
     int status = 0;
     if (p.Contradiction) { // no dual is feasible
         w->InfeasCol = p.WrongCon;
-        status = PRESOLVE_UNBOUNDED;
+        status = claim_propagated(w, &p);
     } else {
         status = fix_columns(&p, w);
         if (status == 0) status = tighten_rows(&p, w);

@@ -8,6 +8,7 @@
 // Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/aggregate.h"
+#include "presolve/claim.h"
 #include "presolve/duplicates.h"
 #include "presolve/errors.h"
 #include "presolve/merged_columns.h"
@@ -65,12 +66,13 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
            std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
-// Column l goes to the end of its X on this side. Unbounded when there is none.
-int send(PresolveWork *w, const DupLine *l, int side)
+// Column l goes to the end of its X on this side, as `by` replaces it. Unbounded when there is none.
+int send(PresolveWork *w, const DupLine *by, const DupLine *l, int side)
 {
     if (!is_bounded(w, l, side)) {
         w->InfeasCol = l->line;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w,
+                               {{l->line, side / l->scale}, {by->line, -side / by->scale}});
     }
     return side * l->scale > 0 ? fix_at_upper(w, l->line) : fix_at_lower(w, l->line);
 }
@@ -103,7 +105,7 @@ int dominate(PresolveWork *w, const DupLine *members, int count, int side)
         if (!is_live_col(w, members[k].line)) continue;
         if (!is_strict(w, &members[best], &members[k])) continue;
         if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
-        TRY(send(w, &members[k], -side));
+        TRY(send(w, &members[best], &members[k], -side));
     }
     return 0;
 }

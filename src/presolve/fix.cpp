@@ -81,10 +81,10 @@ int fix_by_range(PresolveWork *w, int j)
 void undo_fix(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col;
-    double d = undo->cost;
+    double d = point->constants * undo->cost;
     for (int k = 0; k < undo->count; k++)
         d -= point->d[point->n + undo->entry[k].index] * undo->entry[k].value;
-    point->x[j] = undo->value;
+    point->x[j] = point->constants * undo->value;
     point->d[j] = d;
     if (!point->status) return;
     point->status[j] = undo->mode != STATUS_BY_SIGN ? undo->mode : d >= 0 ? -1 : -2;

@@ -1,6 +1,7 @@
 // fix_empty.cpp -- columns without entries go to the bound that their cost wants
 //
 // A cost within its error is none: it does not tell where the column should go, and says nothing about the model.
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 
 namespace
@@ -12,7 +13,7 @@ int fix_empty_column(PresolveWork *w, int j)
     const double cost = w->Obj.data[j], zero = w->OptTol + cost_error(w, j);
     if ((cost > zero && !has_lb(w, j)) || (cost < -zero && !has_ub(w, j))) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w, {{j, cost > 0 ? -1.0 : 1.0}});
     }
     if (cost > w->OptTol && has_lb(w, j)) return fix_at_lower(w, j);
     if (cost < -w->OptTol && has_ub(w, j)) return fix_at_upper(w, j);

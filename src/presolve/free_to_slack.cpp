@@ -127,7 +127,7 @@ void undo_free_to_slack(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
     const double slack = point->x[j];
-    double left = undo->value - slack;
+    double left = point->constants * undo->value - slack;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[i] = slack;

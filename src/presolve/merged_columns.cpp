@@ -125,7 +125,9 @@ void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
 {
     const int p = undo->col, q = undo->other;
     const double sum = point->x[p], *bound = undo->bound;
-    const MergedPair pair = {bound[0], bound[1], bound[2], bound[3], undo->factor};
+    const MergedPair pair = {bound_of(point, bound[0]), bound_of(point, bound[1]),
+                             bound_of(point, bound[2]), bound_of(point, bound[3]),
+                             undo->factor};
     double x_p = 0, x_q = 0;
     const Split split = split_merged_columns(&pair, point->INF, sum, &x_p, &x_q);
     point->x[p] = x_p;

@@ -1,4 +1,5 @@
 // redundant_rows.cpp -- rows that nothing can violate go; entries too small to matter go as well
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 
 namespace
@@ -63,7 +64,7 @@ int remove_empty(PresolveWork *w, int i)
     const double b = w->Rhs.data[i], zero = w->FeasTol + rhs_error(w, i);
     if (b < -zero || (w->Sense.data[i] == '=' && b > zero)) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        return claim_infeasible(w, {{i, b > 0 ? 1.0 : -1.0}});
     }
     remove_row(w, i, ROW_EMPTY);
     return 0;

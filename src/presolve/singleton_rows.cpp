@@ -4,6 +4,7 @@
 //             A bound that is not tighter than what stands makes the row redundant.
 // Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
 //             the reduced cost as its dual, and the column the row's place in the basis.
+#include "presolve/claim.h"
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 
@@ -82,7 +83,9 @@ int try_row(PresolveWork *w, int i)
     int mode = REDUNDANT;
     if (!judge(w, i, a, j, t, &mode)) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        // against the upper bound the multiplier has the sign of a, and the reduced cost the other one
+        const double factor = t > w->Ub.data[j] ? 1 / a : -1 / a;
+        return claim_infeasible(w, {{i, factor}});
     }
     if (mode != REDUNDANT) return make_bound(w, i, p, mode, t);
     mark_col(w, j);

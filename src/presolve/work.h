@@ -98,12 +98,17 @@ struct PresolveWork {
     int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
+    bool WantsProof = false;
+    Array<double>
+        Proof; // [NumCols + NumRows] direction (PostPoint) that proves what ends the model, or empty
 
     UndoStack Undo;
     Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
     Array<int> IndexA, IndexB, IndexC;         // [max(NumRows, NumCols)] uninitialised
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
-    int NumNoted = 0;                          // rows of which pre_columns knows something
+    Array<char>
+        GivenBounds; // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
+    int NumNoted = 0; // rows of which pre_columns knows something
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -113,7 +118,9 @@ struct PresolveResult {
     int NumCols = 0, NumRows = 0; // of the original model
     UndoStack Undo;
     Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
-    double ObjCon = 0;         // constant of the reduced objective, in the caller's sense
+    Array<char>
+        GivenBounds; // [NumCols] bits 1 << Side: bounds of the reduced model by pre_free_bounds; or empty
+    double ObjCon = 0; // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
 };
 
@@ -271,6 +278,11 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 
 // ---- build.cpp ----
 [[nodiscard]] int build_reduced(PresolveWork *w); // model->presolve and model->presolved
+
+// ---- free_bounds.cpp ----
+// Directions of duals of the reduced model, y [rows] and d [columns], that lean on bounds given by pre_free_bounds come to
+// lean on others. Where a limit stops that they stay as they are. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int replace_given_bounds(const TVXmodel *model, double *y, double *d);
 
 // ---- self_check.cpp ----
 #ifdef TVX_DEBUG
