@@ -8,8 +8,9 @@
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
-constexpr double CANCELLED = 1e4; // a term over what is left of the sum
-constexpr int UNKNOWN = 1 << 30;  // infinite terms: more than changes can take away
+constexpr double CANCELLED =
+    1e3; // a term over what is left of the sum; errors of several steps add up
+constexpr int UNKNOWN = 1 << 30; // infinite terms: more than changes can take away
 
 double raised(double v)
 {
@@ -145,6 +146,14 @@ bool change_coefficient(PresolveWork *w, int i, int j, double before, double aft
     return lost;
 }
 
+bool move_activity(PresolveWork *w, int i, double step)
+{
+    w->RMax.data[i] += step;
+    w->RMin.data[i] += step;
+    const double left = std::min(std::fabs(w->RMax.data[i]), std::fabs(w->RMin.data[i]));
+    return std::fabs(step) > CANCELLED * (1 + left);
+}
+
 bool settle_term(PresolveWork *w, int p, double v)
 {
     const PresolveNode &node = w->Nodes.data[p];
@@ -156,7 +165,5 @@ bool settle_term(PresolveWork *w, int p, double v)
     w->Rhs.data[i] -= a * v;
     add_to_rhs_error(w, i, size_of_entry(w, p) * std::fabs(v),
                      std::fabs(a) * w->BoundErr.data[node.col]);
-    w->RMax.data[i] += a * v;
-    w->RMin.data[i] += a * v;
-    return lost;
+    return move_activity(w, i, a * v) || lost;
 }

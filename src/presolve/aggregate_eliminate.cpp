@@ -247,8 +247,7 @@ void move_rhs(PresolveWork *w, int p)
         const double before = w->Rhs.data[i],
                      after = add_cleanly(before, factor.value * rhs, std::fabs(before), 0);
         w->Rhs.data[i] = after;
-        w->RMax.data[i] += before - after;
-        w->RMin.data[i] += before - after;
+        if (move_activity(w, i, before - after)) w->ScratchC.data[i] = 1;
     }
 }
 } // namespace

@@ -234,6 +234,9 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub);
 [[nodiscard]] bool change_coefficient(PresolveWork *w, int i, int j, double before,
                                       double after);
 
+// Both sums of row i move by a step. True when the row is to be summed anew.
+[[nodiscard]] bool move_activity(PresolveWork *w, int i, double step);
+
 // The term of entry p becomes the constant value * v: right-hand side and activities follow, the entry is still there.
 // True when the row is to be summed anew once it is gone.
 [[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
