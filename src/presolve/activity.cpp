@@ -3,14 +3,14 @@
 // RMin and RMax are sums of finite terms less the right-hand side; Rmincnt and Rmaxcnt count the infinite ones. Every
 // bound is rounded outwards as it is added, so that a sum errs to the safe side. Changes are added and taken away;
 // where a term that goes was far larger than what is left, digits have been lost, and the row is summed anew.
-#include "presolve/work.h"
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
-constexpr double CANCELLED = 1e4; // a term over what is left of the sum
-constexpr int UNKNOWN = 1 << 30;  // infinite terms: more than changes can take away
+constexpr double CANCELLED =
+    1e3; // a term over what is left of the sum; errors of several steps add up
+constexpr int UNKNOWN = 1 << 30; // infinite terms: more than changes can take away
 
 double raised(double v)
 {
@@ -146,6 +146,14 @@ bool change_coefficient(PresolveWork *w, int i, int j, double before, double aft
     return lost;
 }
 
+bool move_activity(PresolveWork *w, int i, double step)
+{
+    w->RMax.data[i] += step;
+    w->RMin.data[i] += step;
+    const double left = std::min(std::fabs(w->RMax.data[i]), std::fabs(w->RMin.data[i]));
+    return std::fabs(step) > CANCELLED * (1 + left);
+}
+
 bool settle_term(PresolveWork *w, int p, double v)
 {
     const PresolveNode &node = w->Nodes.data[p];
@@ -155,7 +163,7 @@ bool settle_term(PresolveWork *w, int p, double v)
     bool lost = take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a, up ? ub : lb, true);
     lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? lb : ub, false);
     w->Rhs.data[i] -= a * v;
-    w->RMax.data[i] += a * v;
-    w->RMin.data[i] += a * v;
-    return lost;
+    add_to_rhs_error(w, i, size_of_entry(w, p) * std::fabs(v),
+                     std::fabs(a) * w->BoundErr.data[node.col]);
+    return move_activity(w, i, a * v) || lost;
 }

@@ -12,10 +12,9 @@
 //             Management Science 3, 1957. A. L. Brearley, G. Mitra, H. P. Williams, "Analysis of mathematical
 //             programming problems prior to applying the simplex algorithm", Math. Prog. 8, 1975.
 #include "presolve/aggregate.h"
+#include "presolve/errors.h"
 #include "presolve/sort_keys.h"
-#include <algorithm>
 #include <climits>
-#include <cmath>
 
 namespace
 {
@@ -46,7 +45,8 @@ bool is_stable(const PresolveWork *w, int p, double col_largest)
     const double row_largest = largest_in_row(w, pivot.row);
     return size >= LEAST_PIVOT &&
            size >= WORST_PIVOT * std::max(row_largest, col_largest) &&
-           size >= RELATIVE_PIVOT * std::min(row_largest, col_largest);
+           size >= RELATIVE_PIVOT * std::min(row_largest, col_largest) &&
+           errors_allow(w, p, col_largest, row_largest);
 }
 
 // How many entries of the pivot row's pattern the other rows of the pivot column have already; at least so many.

@@ -8,27 +8,49 @@
 //             lists, and moved to the head, as the next pivot will ask for it again. New
 //             entries take nodes of the free list. Where many columns go into the same one, that one is mapped first
 //             (row -> entry), and nothing is searched.
-// Invariant   Counts, right-hand sides and activities follow each single entry. A sum that is zero but for rounding is
-//             an entry less.
+// Errors      With s the size of the terms of an entry, a step a_ij a_k / a has the size
+//             max(s_ij a_k, s_k a_ij, a_ij a_k s / a) / a, as the factor a_ij / a is as wrong as what it is made from. A sum
+//             that is rounding beside its size is zero, and the entry goes.
+// Invariant   Counts, right-hand sides, activities and errors follow each single entry.
 // Cost        O(entries of the lists + length of row * length of column).
 #include "presolve/aggregate.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
-constexpr double CANCELLED = 1e-13;        // of the larger term: what is left is rounding
+constexpr double CANCELLED = 1e-13;        // of the largest term: what is left is rounding
 constexpr double WORTH_COMPRESSING = 0.05; // share of the nodes that must be dead
 constexpr double PIVOT_EFFORT = 20;
 constexpr int LOG_EVERY = 10000; // columns
 constexpr int LONG_WAY = 2000;   // entries from which each is searched for by itself
 
-// a + b, or zero when the digits have cancelled.
-double add_cleanly(double a, double b, double zero)
+// a + b, or zero when the digits have cancelled; `size` is that of the terms of both.
+double add_cleanly(double a, double b, double size, double zero)
 {
     const double sum = a + b;
-    const double noise = std::max(zero, CANCELLED * std::fabs(a));
+    const double noise = std::max(zero, CANCELLED * size);
     return std::fabs(sum) < noise ? 0 : sum;
+}
+
+// A number with the size of the terms that made it.
+struct Sized {
+    double value, size;
+};
+
+Sized entry_at(const PresolveWork *w, int p)
+{
+    return {w->Nodes.data[p].value, size_of_entry(w, p)};
+}
+Sized product(Sized a, Sized b)
+{
+    return {a.value * b.value,
+            std::max(std::fabs(a.value) * b.size, a.size * std::fabs(b.value))};
+}
+// -a / b
+Sized factor_of(Sized a, Sized b)
+{
+    const double value = -a.value / b.value, size = std::fabs(b.value);
+    return {value, std::max(a.size, std::fabs(value) * b.size) / size};
 }
 
 // Which way a list and its pattern run.
@@ -37,8 +59,8 @@ enum class Along { ROW, COL };
 struct Pattern {
     Along along;
     int count;
-    const int *index;    // columns (ROW) or rows (COL)
-    const double *value; // scattered
+    const int *index;           // columns (ROW) or rows (COL)
+    const double *value, *size; // scattered
 };
 
 int first_along(const PresolveWork *w, Along along, int line)
@@ -58,23 +80,25 @@ void coefficient_moves(PresolveWork *w, int i, int j, double before, double afte
     mark_col(w, j);
 }
 
-void add_to_entry(PresolveWork *w, int p, double step)
+void add_to_entry(PresolveWork *w, int p, Sized step)
 {
     PresolveNode *node = &w->Nodes.data[p];
-    const double after = add_cleanly(node->value, step, w->ZeroTol);
+    const double size = std::max(size_of_entry(w, p), step.size);
+    const double after = add_cleanly(node->value, step.value, size, w->ZeroTol);
     coefficient_moves(w, node->row, node->col, node->value, after);
     if (after == 0) // assigned so
-        delete_entry(w, p);
-    else
-        node->value = after;
+        return delete_entry(w, p);
+    node->value = after;
+    set_entry_size(w, p, size);
 }
 
 // A new entry, unless it would be zero.
-void insert_fill(PresolveWork *w, int i, int j, double value)
+void insert_fill(PresolveWork *w, int i, int j, Sized step)
 {
-    if (std::fabs(value) < w->ZeroTol) return;
-    coefficient_moves(w, i, j, 0, value);
-    insert_entry(w, i, j, value);
+    if (std::fabs(step.value) < std::max(w->ZeroTol, CANCELLED * step.size)) return;
+    coefficient_moves(w, i, j, 0, step.value);
+    insert_entry(w, i, j, step.value);
+    set_entry_size(w, w->RowHead.data[i], step.size);
 }
 
 // Takes deleted entries out of a list that is about to be walked: one that meets many eliminations would drag them all.
@@ -85,7 +109,7 @@ void sweep_along(PresolveWork *w, Along along, int line)
 }
 
 // line += factor * pattern
-void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double factor)
+void add_multiple(PresolveWork *w, const Pattern *pattern, int line, Sized factor)
 {
     const Along along = pattern->along;
     sweep_along(w, along, line);
@@ -96,7 +120,7 @@ void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double fact
         const double v = pattern->value[k];
         if (v != 0) { // scattered
             w->Flag.data[k] = 1;
-            add_to_entry(w, p, factor * v);
+            add_to_entry(w, p, product(factor, {v, pattern->size[k]}));
         }
         p = next;
     }
@@ -104,7 +128,7 @@ void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double fact
         const int k = pattern->index[q];
         if (!w->Flag.data[k])
             insert_fill(w, along == Along::ROW ? line : k, along == Along::ROW ? k : line,
-                        factor * pattern->value[k]);
+                        product(factor, {pattern->value[k], pattern->size[k]}));
         w->Flag.data[k] = 0;
     }
 }
@@ -113,7 +137,7 @@ void add_multiple(PresolveWork *w, const Pattern *pattern, int line, double fact
 Pattern scatter(PresolveWork *w, Along along, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
-    Pattern pattern = {along, 0, w->IndexB.data, w->Scratch.data};
+    Pattern pattern = {along, 0, w->IndexB.data, w->Scratch.data, w->ScratchB.data};
     const int line = along == Along::ROW ? pivot.row : pivot.col;
     for (int q = first_along(w, along, line); q >= 0; q = next_along(w, along, q)) {
         if (q == p) continue;
@@ -121,13 +145,15 @@ Pattern scatter(PresolveWork *w, Along along, int p)
         const int k = along == Along::ROW ? node.col : node.row;
         w->IndexB.data[pattern.count++] = k;
         w->Scratch.data[k] = node.value;
+        w->ScratchB.data[k] = size_of_entry(w, q);
     }
     return pattern;
 }
 
 void clear_scatter(PresolveWork *w, const Pattern *pattern)
 {
-    for (int q = 0; q < pattern->count; q++) w->Scratch.data[pattern->index[q]] = 0;
+    for (int q = 0; q < pattern->count; q++)
+        w->Scratch.data[pattern->index[q]] = w->ScratchB.data[pattern->index[q]] = 0;
 }
 
 // Entries that are visited when row r is added to the rows of column j, or column j to the columns of row r.
@@ -170,14 +196,15 @@ int find_entry(PresolveWork *w, int i, int k)
 void eliminate_pairs(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
+    const Sized divisor = entry_at(w, p);
     for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
         if (q == p) continue;
         const int i = w->Nodes.data[q].row;
-        const double factor = -w->Nodes.data[q].value / pivot.value;
+        const Sized factor = factor_of(entry_at(w, q), divisor);
         for (int t = first_in_row(w, pivot.row); t >= 0; t = next_in_row(w, t)) {
             if (t == p) continue;
             const int k = w->Nodes.data[t].col;
-            const double step = factor * w->Nodes.data[t].value;
+            const Sized step = product(factor, entry_at(w, t));
             const int at = find_entry(w, i, k);
             if (at >= 0)
                 add_to_entry(w, at, step);
@@ -190,30 +217,37 @@ void eliminate_pairs(PresolveWork *w, int p)
 void move_objective(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
-    const double ratio = w->Obj.data[pivot.col] / pivot.value;
-    if (ratio == 0) return; // no cost at all
+    const Sized ratio =
+        factor_of({w->Obj.data[pivot.col], w->ObjErr.data[pivot.col] / ROUNDING_UNIT},
+                  entry_at(w, p));
+    if (ratio.value == 0) return; // no cost at all
     for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q)) {
-        const PresolveNode &node = w->Nodes.data[q];
-        double *cost = &w->Obj.data[node.col];
-        *cost = q == p ? 0 : add_cleanly(*cost, -ratio * node.value, w->ZeroTol);
-        mark_col(w, node.col);
+        const int k = w->Nodes.data[q].col;
+        double *cost = &w->Obj.data[k];
+        const Sized step = product(ratio, entry_at(w, q));
+        add_to_cost_error(w, k, step.size, 0);
+        *cost = q == p ? 0 : add_cleanly(*cost, step.value, std::fabs(*cost), w->ZeroTol);
+        mark_col(w, k);
     }
-    w->ObjCon += ratio * w->Rhs.data[pivot.row];
+    w->ObjCon -= ratio.value * w->Rhs.data[pivot.row];
 }
 
 void move_rhs(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
-    const double ratio = w->Rhs.data[pivot.row] / pivot.value;
-    if (ratio == 0) return; // exactly: nothing moves
+    const double rhs = w->Rhs.data[pivot.row], error = w->RhsErr.data[pivot.row];
+    const Sized divisor = entry_at(w, p);
     for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
         if (q == p) continue;
         const int i = w->Nodes.data[q].row;
+        const Sized factor = factor_of(entry_at(w, q), divisor);
+        add_to_rhs_error(w, i, factor.size * std::fabs(rhs),
+                         std::fabs(factor.value) * error);
+        if (rhs == 0) continue; // exactly: nothing moves
         const double before = w->Rhs.data[i],
-                     after = add_cleanly(before, -ratio * w->Nodes.data[q].value, 0);
+                     after = add_cleanly(before, factor.value * rhs, std::fabs(before), 0);
         w->Rhs.data[i] = after;
-        w->RMax.data[i] += before - after;
-        w->RMin.data[i] += before - after;
+        if (move_activity(w, i, before - after)) w->ScratchC.data[i] = 1;
     }
 }
 } // namespace
@@ -265,11 +299,12 @@ void eliminate_from_others(PresolveWork *w, int p)
     // Inserting puts entries at the heads of other lists, never of the one walked here.
     const Along lines = way == Along::ROW ? Along::COL : Along::ROW;
     const int through = way == Along::ROW ? pivot.col : pivot.row;
+    const Sized divisor = entry_at(w, p);
     for (int q = first_along(w, lines, through); q >= 0; q = next_along(w, lines, q)) {
         if (q == p) continue;
-        const PresolveNode node = w->Nodes.data[q];
+        const PresolveNode &node = w->Nodes.data[q];
         add_multiple(w, &pattern, way == Along::ROW ? node.row : node.col,
-                     -node.value / pivot.value);
+                     factor_of(entry_at(w, q), divisor));
     }
     clear_scatter(w, &pattern);
 }
@@ -304,13 +339,14 @@ void drop_from_others(PresolveWork *w, int p)
 }
 
 // Entries of column j move into the mapped column k: a x_j + b x_k = rhs.
-static void merge_into_mapped(PresolveWork *w, int p, int k, double b)
+static void merge_into_mapped(PresolveWork *w, int p, int k, Sized b)
 {
     const PresolveNode pivot = w->Nodes.data[p];
+    const Sized divisor = entry_at(w, p);
     for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q)) {
         const PresolveNode node = w->Nodes.data[q];
         if (q == p) continue;
-        const double step = -node.value / pivot.value * b;
+        const Sized step = product(factor_of(entry_at(w, q), divisor), b);
         int *at = &w->IndexB.data[node.row];
         if (w->Flag.data[node.row]) {
             add_to_entry(w, *at, step);
@@ -353,7 +389,7 @@ int substitute_by_mapped(PresolveWork *w, int p, int q)
     w->Work += 2 * PIVOT_EFFORT * w->ColCnt.data[w->Nodes.data[p].col];
     move_objective(w, p);
     move_rhs(w, p);
-    merge_into_mapped(w, p, k, w->Nodes.data[q].value);
+    merge_into_mapped(w, p, k, entry_at(w, q));
     remove_pivot(w, p);
     w->Flag.data[r] = 0;
     return 0;

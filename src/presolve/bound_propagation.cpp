@@ -13,8 +13,7 @@
 //             M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
 //             ORSA J. Computing 6, 1994.
 #include "presolve/bound_propagation.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
@@ -58,10 +57,11 @@ Activity activity_of(BoundPropagation *p, int con, int side)
     return a;
 }
 
-void contradict(BoundPropagation *p, int con)
+void contradict(BoundPropagation *p, int con, int side)
 {
     p->Contradiction = true;
     p->WrongCon = con;
+    p->WrongSide = side;
 }
 
 // Constraint `con` implies that bound `place` is at least as tight as `value`.
@@ -78,7 +78,7 @@ void tighten(BoundPropagation *p, int place, double value, int con, int side)
     const double crossed = upper ? other - value : value - other;
     if (!is_absent(p, other) && crossed > 0) { // within the tolerance: no news
         if (crossed > p->Tol * (1 + ROUNDING / SMALL_ENTRY * std::fabs(other)))
-            contradict(p, con);
+            contradict(p, con, side);
         return;
     }
     array_push(&p->Log, BoundVersion{value, place, con, side, p->Newest.data[place]});
@@ -105,7 +105,7 @@ void imply(BoundPropagation *p, int con, int side)
     if (all.infinite > 1) return;
     const double margin = ROUNDING * (all.size + std::fabs(limit));
     const double excess = side == UPPER_SIDE ? all.sum - limit : limit - all.sum;
-    if (all.infinite == 0 && excess > p->Tol + margin) return contradict(p, con);
+    if (all.infinite == 0 && excess > p->Tol + margin) return contradict(p, con, side);
     const ConEntries row = entries_of(p, con);
     for (int k = row.begin; k < row.end && !p->Contradiction; k++) {
         const double a = p->ConVal.data[k];
@@ -242,13 +242,15 @@ void propagation_set_rows(BoundPropagation *p, double relax)
     const PresolveWork *w = p->w;
     for (int i = 0; i < w->NumRows; i++) {
         if (!is_live_row(w, i)) continue;
-        p->Limit.data[2 * i + UPPER_SIDE] = w->Rhs.data[i] + relax;
+        const double wider = std::max(relax, rhs_error(w, i));
+        p->Limit.data[2 * i + UPPER_SIDE] = w->Rhs.data[i] + wider;
         if (w->Sense.data[i] == '=')
-            p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - relax;
+            p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - wider;
     }
     for (int j = 0; j < w->NumCols; j++) {
-        p->Start.data[2 * j + LOWER_SIDE] = w->Lb.data[j];
-        p->Start.data[2 * j + UPPER_SIDE] = w->Ub.data[j];
+        const double wider = bound_error(w, j); // nothing for bounds as given
+        p->Start.data[2 * j + LOWER_SIDE] = has_lb(w, j) ? w->Lb.data[j] - wider : -w->INF;
+        p->Start.data[2 * j + UPPER_SIDE] = has_ub(w, j) ? w->Ub.data[j] + wider : w->INF;
     }
 }
 
@@ -290,5 +292,44 @@ int propagation_run(BoundPropagation *p, int rounds)
         if (p->Contradiction) break;
         TRY(list_next(p));
     }
+    return 0;
+}
+
+// Adds t times constraint `con` to the sum.
+static void add_multiple(BoundPropagation *p, int con, double t, double *cons, double *vars)
+{
+    const ConEntries row = entries_of(p, con);
+    cons[con] += t;
+    for (int k = row.begin; k < row.end; k++)
+        vars[p->ConVar.data[k]] -= t * p->ConVal.data[k];
+}
+
+static double coefficient(BoundPropagation *p, int con, int var)
+{
+    const ConEntries row = entries_of(p, con);
+    int k = row.begin;
+    while (p->ConVar.data[k] != var) k++;
+    return p->ConVal.data[k];
+}
+
+// From the newest bound to the oldest: where the sum leans on one, the constraint that gave it takes its place.
+void propagation_unfold(BoundPropagation *p, double *con, double *var)
+{
+    for (int64_t k = p->Log.size - 1; k >= 0; k--) {
+        const BoundVersion &b = p->Log.data[k];
+        const int v = b.place / 2;
+        const double d = var[v];
+        if (b.place & 1 ? d >= 0 : d <= 0) continue;
+        add_multiple(p, b.con, d / coefficient(p, b.con, v), con, var);
+        var[v] = 0;
+    }
+}
+
+int propagation_proof(BoundPropagation *p, Array<double> *con, Array<double> *var)
+{
+    TRY(array_assign(con, p->NumCons, 0.0));
+    TRY(array_assign(var, p->NumVars, 0.0));
+    add_multiple(p, p->WrongCon, p->WrongSide == UPPER_SIDE ? -1 : 1, con->data, var->data);
+    propagation_unfold(p, con->data, var->data);
     return 0;
 }

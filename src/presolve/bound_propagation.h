@@ -45,10 +45,10 @@ struct BoundPropagation {
         VarList; // [NumVars] variables tightened in this round; the first NumTightened
     Array<char> ConListed, VarListed; // [NumCons], [NumVars]
     int NumListed = 0, NumTightened = 0;
-    bool Contradiction = false; // no point satisfies the constraints
-    int WrongCon = -1;          // where that showed
-    double Effort = 0;          // entries looked at
-    double NextCheck = 0;       // effort at which the limits are tested again
+    bool Contradiction = false;       // no point satisfies the constraints
+    int WrongCon = -1, WrongSide = 0; // where that showed
+    double Effort = 0;                // entries looked at
+    double NextCheck = 0;             // effort at which the limits are tested again
     // Origins: what conclusions rest on.
     Array<uint8_t> ConState; // [NumCons] bits CON_*
     Array<char> StartState;  // [2 NumVars] START_*
@@ -77,12 +77,18 @@ inline ConEntries entries_of(BoundPropagation *p, int con)
 // Arrays of a system; limits and bounds are absent. A PresolveStatus of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int propagation_alloc(BoundPropagation *p, PresolveWork *w,
                                     PropagationKind kind);
-// The system of the rows, each wider by `relax` on its finite sides, and the bounds of the columns.
+// The system of the rows, each wider by `relax` or by its error on its finite sides, and the bounds of the columns.
 void propagation_set_rows(BoundPropagation *p, double relax);
 void propagation_list(BoundPropagation *p, int con); // to look at in the first round
 void propagation_list_all(BoundPropagation *p);
 // Tightens bounds until nothing moves, for at most so many rounds. A PresolveStatus of the limits.
 [[nodiscard]] int propagation_run(BoundPropagation *p, int rounds);
+// After a contradiction: multipliers of the constraints [NumCons] and what they leave for the bounds of the model,
+// -(their sum) [NumVars], as in a direction of duals. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int propagation_proof(BoundPropagation *p, Array<double> *con,
+                                    Array<double> *var);
+// Such a pair, which leans on bounds that were found, becomes one that leans on those of the model only.
+void propagation_unfold(BoundPropagation *p, double *con, double *var);
 
 // The limits, now and then as effort grows. A PresolveStatus.
 [[nodiscard]] int propagation_check(BoundPropagation *p);

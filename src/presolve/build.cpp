@@ -69,6 +69,7 @@ int fill_result(PresolveWork *w, PresolveResult *result)
         TRY(collect_cols(w, result, n, &arrays));
         TRY(model_adopt(w->Env, &arrays, &w->Model->presolved));
     }
+    result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
     result->Undo = w->Undo; // the stack changes hands
     w->Undo = UndoStack{};
     return 0;

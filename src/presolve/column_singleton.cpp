@@ -12,9 +12,8 @@
 // Invariant   A bound counts as implied by the bounds of the other columns as they stand in the record, and these stay.
 // Cost        O(length of the row) per column that goes; an inequality loses one slack, and the others are dominated then.
 #include "presolve/columns.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -131,10 +130,14 @@ bool is_safe(PresolveWork *w, const Singleton *s)
 void move_cost(PresolveWork *w, const Singleton *s)
 {
     if (s->cost == 0) return; // as stored
-    const double y = s->cost / s->a;
+    const double y = s->cost / s->a, size = std::fabs(s->a),
+                 lost = size_of_entry(w, s->p) / size,
+                 error = w->ObjErr.data[s->col] / size;
     for (int q = first_in_row(w, s->row); q >= 0; q = next_in_row(w, q)) {
         const int k = w->Nodes.data[q].col;
         const double shift = y * w->Nodes.data[q].value, cost = w->Obj.data[k] - shift;
+        add_to_cost_error(w, k, std::fabs(y) * size_of_entry(w, q) * lost,
+                          error * std::fabs(w->Nodes.data[q].value));
         const bool cancelled = std::fabs(cost) <= w->ZeroTol * std::fabs(shift);
         w->Obj.data[k] = cancelled ? 0 : cost;
     }
@@ -193,8 +196,14 @@ int absorb(PresolveWork *w, const Singleton *s, int side)
     w->ColHead.data[s->col] = -1;
     w->ColCnt.data[s->col] = COL_FIXED;
     w->ColsRemoved++;
-    for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q))
+    for (int q = first_in_row(w, i); q >= 0; q = next_in_row(w, q)) {
+        const double size = std::fabs(factor) * size_of_entry(w, q);
         w->Nodes.data[q].value *= factor;
+        set_entry_size(w, q, size);
+    }
+    add_to_rhs_error(w, i, size_of_entry(w, s->p) * std::fabs(bound),
+                     std::fabs(s->a) * w->BoundErr.data[s->col]);
+    w->RhsErr.data[i] *= std::fabs(factor);
     w->ScratchB.data[i] *= std::fabs(factor); // what pre_columns has noted
     w->Rhs.data[i] = factor * (w->Rhs.data[i] - s->a * bound);
     w->Sense.data[i] = '<';
@@ -227,12 +236,12 @@ void undo_slack_column(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
     const double a = undo->factor, y = undo->bound[1] * point->d[i];
-    double left = undo->value;
+    double left = point->constants * undo->value;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[j] = left / a;
     point->d[j] = -a * y;
-    point->d[i] = y + undo->cost / a;
+    point->d[i] = y + point->constants * undo->cost / a;
     if (!point->status) return;
     const bool basic = point->status[i] >= 0;
     if (!basic) point->x[j] = undo->bound[0];

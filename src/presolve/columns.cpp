@@ -8,8 +8,8 @@
 // Cost        O(entries of the columns looked at)
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/columns.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 
 namespace
 {
@@ -23,8 +23,8 @@ struct Ways {
 
 Ways free_ways(const PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j];
-    Ways ways = {cost<NO_COST, cost> - NO_COST};
+    const double cost = w->Obj.data[j], none = NO_COST + cost_error(w, j);
+    Ways ways = {cost<none, cost> - none};
     for (int p = first_in_col(w, j); p >= 0 && (ways.up || ways.down);
          p = next_in_col(w, p)) {
         if (w->Sense.data[w->Nodes.data[p].row] == '=') return {false, false};
@@ -39,11 +39,11 @@ Ways free_ways(const PresolveWork *w, int j)
 // Nothing bounds column j upwards (sign +1) or downwards (-1), and nothing holds it back.
 int run_away(PresolveWork *w, int j, int sign)
 {
-    if (sign * w->Obj.data[j] < -w->OptTol) {
+    if (sign * w->Obj.data[j] < -w->OptTol - cost_error(w, j)) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w, {{j, static_cast<double>(sign)}});
     }
-    const bool costs = std::fabs(w->Obj.data[j]) > NO_COST;
+    const bool costs = std::fabs(w->Obj.data[j]) > NO_COST + cost_error(w, j);
     return costs || w->KeepCrush ? 0 : pre_dominated(w, j, sign);
 }
 
@@ -59,7 +59,7 @@ int try_dominated(PresolveWork *w, int j)
 int try_column(PresolveWork *w, int j, bool dual)
 {
     const double lb = w->Lb.data[j], ub = w->Ub.data[j];
-    if (lb > ub + w->FeasTol) {
+    if (lb > ub + w->FeasTol + bound_error(w, j)) {
         w->InfeasCol = j;
         return PRESOLVE_INFEASIBLE;
     }

@@ -8,8 +8,7 @@
 //             that combination of others, hence zero.
 // Cost        A fixed number of times the entries at most.
 #include "presolve/elimination.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
@@ -24,9 +23,10 @@ constexpr double WORK_PER_ENTRY = 20; // limit of the effort
 // What a combination of lines leaves of a line.
 struct Remainder {
     bool exact = true;
-    double gap = 0;  // right-hand side or cost less the same combination
-    double size = 0; // of the terms of the gap
-    double sum = 1;  // of multipliers, with that of the line itself
+    double gap = 0;   // right-hand side or cost less the same combination
+    double size = 0;  // of the terms of the gap
+    double sum = 1;   // of multipliers, with that of the line itself
+    double error = 0; // of the gap
 };
 
 void add_line(PresolveWork *w, Axis axis, int line, double factor)
@@ -53,8 +53,10 @@ Remainder remainder_of(PresolveWork *w, Axis axis, int line, const LineTerm *ter
                        int count)
 {
     const double *sides = axis == Axis::ROWS ? w->Rhs.data : w->Obj.data;
+    const double *errors = axis == Axis::ROWS ? w->RhsErr.data : w->ObjErr.data;
     Remainder r;
     r.gap = sides[line];
+    r.error = errors[line];
     r.size = std::fabs(r.gap);
     add_line(w, axis, line, 1);
     for (int k = 0; k < count; k++) {
@@ -63,6 +65,7 @@ Remainder remainder_of(PresolveWork *w, Axis axis, int line, const LineTerm *ter
         r.gap -= term;
         r.size = std::max(r.size, std::fabs(term));
         r.sum += std::fabs(terms[k].factor);
+        raise_to(&r.error, std::fabs(terms[k].factor) * errors[terms[k].line]);
         w->Work += 4.0 * length_of(w, axis, terms[k].line);
     }
     r.exact = line_is_zero(w, axis, line);
@@ -76,9 +79,10 @@ int judge_row(PresolveWork *w, int i, const LineTerm *terms, int count)
     const Remainder r = remainder_of(w, Axis::ROWS, i, terms, count);
     const double gap = std::fabs(r.gap);
     if (!r.exact || r.sum > LARGEST_SUM) return 0;
-    if (gap > CERTAIN * r.sum * w->FeasTol && gap > SAME * r.size) {
+    if (gap > CERTAIN * r.sum * w->FeasTol + ERROR_MARGIN * r.error &&
+        gap > SAME * r.size) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        return claim_row_sum(w, i, terms, count, r.gap > 0 ? 1 : -1);
     }
     if (gap <= std::min(SAME * (1 + r.size), 0.1 * w->FeasTol))
         remove_row(w, i, ROW_REDUNDANT);
@@ -90,9 +94,9 @@ int judge_col(PresolveWork *w, int j, const LineTerm *terms, int count)
     const Remainder r = remainder_of(w, Axis::COLS, j, terms, count);
     const double gap = std::fabs(r.gap);
     if (!r.exact || r.sum > LARGEST_SUM) return 0;
-    if (gap > CERTAIN * r.sum * w->OptTol && gap > SAME * r.size) {
+    if (gap > CERTAIN * r.sum * w->OptTol + ERROR_MARGIN * r.error && gap > SAME * r.size) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_col_sum(w, j, terms, count, r.gap > 0 ? -1 : 1);
     }
     return gap <= std::min(SAME * (1 + r.size), 0.1 * w->OptTol) ? fix_column(w, j, 0, -3)
                                                                  : 0;

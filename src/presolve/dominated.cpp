@@ -91,12 +91,12 @@ void undo_dominated(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col;
     const double sign = undo->mode;
-    double x = undo->value;
+    double x = point->constants * undo->value;
     int deciding = -1;
     for (int k = 0; k < undo->count;) {
         const int i = undo->entry[k].index, others = undo->entry[k + 1].index;
         const double a = undo->entry[k + 1].value;
-        double left = undo->entry[k].value;
+        double left = point->constants * undo->entry[k].value;
         k += 2;
         for (const int end = k + others; k < end; k++)
             left -= undo->entry[k].value * point->x[undo->entry[k].index];
@@ -105,7 +105,7 @@ void undo_dominated(const UndoRecord *undo, PostPoint *point)
         deciding = i;
     }
     point->x[j] = undo->other ? sign * std::ceil(sign * x) : x;
-    point->d[j] = undo->cost;
+    point->d[j] = point->constants * undo->cost;
     if (!point->status) return;
     point->status[j] = deciding >= 0 ? 0 : sign > 0 ? -1 : -2;
     if (deciding >= 0) point->status[point->n + deciding] = -1;

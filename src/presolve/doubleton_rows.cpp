@@ -10,9 +10,9 @@
 //             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
 // Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds have changed.
 #include "presolve/aggregate.h"
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -73,7 +73,8 @@ Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
         s.ub = kept->ub;
     }
     if (w->ColFlags.data[x] != 0 || std::fabs(s.a) < LEAST_PIVOT || ratio > FREE_RATIO ||
-        !keeps_integers(w, p))
+        !keeps_integers(w, p) ||
+        !errors_allow(w, p, largest_in_col(w, x), std::max(std::fabs(s.a), std::fabs(s.b))))
         return s;
     const int matters = bounds_that_matter(w, x);
     if (matters != 0 &&
@@ -106,16 +107,22 @@ Step choose(const PresolveWork *w, int i, const Kept *kept)
 
 int transfer_bounds(PresolveWork *w, const Step *s, Kept *kept)
 {
-    const int x = w->Nodes.data[s->p].col, y = w->Nodes.data[s->q].col;
-    if (s->lb > s->ub + 2 * w->FeasTol) {
+    const int x = w->Nodes.data[s->p].col, y = w->Nodes.data[s->q].col,
+              i = w->Nodes.data[s->p].row;
+    const double from_x = std::max(std::fabs(s->mode & LOWER ? s->at[0] : 0),
+                                   std::fabs(s->mode & UPPER ? s->at[1] : 0));
+    bound_from_row(w, i, y, s->b,
+                   std::max(std::fabs(w->Rhs.data[i]), size_of_entry(w, s->p) * from_x));
+    raise_to(&w->BoundErr.data[y], w->BoundErr.data[x] * std::fabs(s->a / s->b));
+    if (s->lb > s->ub + 2 * w->FeasTol + bound_error(w, y)) {
         w->InfeasCol = y;
-        return PRESOLVE_INFEASIBLE;
+        return claim_infeasible(w, {{i, (s->mode & LOWER ? 1 : -1) / s->b}}); // d_y = -+1
     }
     UndoRecord *undo = undo_push(&w->Undo, UNDO_BOUND_TRANSFER, 0);
     if (!undo) return OUT_OF_MEMORY;
     undo->col = x;
     undo->other = y;
-    undo->row = w->Nodes.data[s->p].row;
+    undo->row = i;
     undo->mode = s->mode;
     undo->value = s->a;
     undo->factor = s->b;
@@ -201,7 +208,7 @@ void undo_bound_transfer(const UndoRecord *undo, PostPoint *point)
     point->d[i] += d / b;
     point->d[y] = 0;
     point->d[x] = -a * d / b;
-    point->x[x] = undo->bound[side == LOWER ? 0 : 1];
+    point->x[x] = point->constants * undo->bound[side == LOWER ? 0 : 1];
     if (!point->status) return;
     point->status[y] = 0;
     point->status[x] = (side == LOWER) == (a / b > 0) ? -2 : -1;

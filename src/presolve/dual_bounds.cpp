@@ -16,7 +16,8 @@
 //             J. Gondzio, "Presolve analysis of linear programs prior to applying an interior point method",
 //             INFORMS J. Computing 9, 1997.
 #include "presolve/dual_bounds.h"
-#include <cmath>
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 
 namespace
 {
@@ -32,8 +33,9 @@ int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
         if (w->ColCnt.data[j] <= 0 || w->ColFlags.data[j] || is_integer(w, j)) continue;
         const bool no_lower = !has_lb(w, j) || (given.data[j] & (1 << LOWER_SIDE)),
                    no_upper = !has_ub(w, j) || (given.data[j] & (1 << UPPER_SIDE));
-        if (no_upper) p->Limit.data[2 * j + UPPER_SIDE] = w->Obj.data[j] + w->OptTol;
-        if (no_lower) p->Limit.data[2 * j + LOWER_SIDE] = w->Obj.data[j] - w->OptTol;
+        const double wider = w->OptTol + cost_error(w, j);
+        if (no_upper) p->Limit.data[2 * j + UPPER_SIDE] = w->Obj.data[j] + wider;
+        if (no_lower) p->Limit.data[2 * j + LOWER_SIDE] = w->Obj.data[j] - wider;
         if (no_upper || no_lower) propagation_list(p, j);
     }
     for (int i = 0; i < w->NumRows; i++)
@@ -45,10 +47,10 @@ int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
 // Bounds of the reduced cost of column j from all duals, not counting what the column itself has implied.
 int try_column(BoundPropagation *p, PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j];
-    if (has_lb(w, j) && cost - activity_of_others(p, j, LOWER_SIDE) > w->OptTol)
+    const double cost = w->Obj.data[j], zero = w->OptTol + cost_error(w, j);
+    if (has_lb(w, j) && cost - activity_of_others(p, j, LOWER_SIDE) > zero)
         return claim_con(p, j, 1 << LOWER_SIDE) ? fix_at_lower(w, j) : 0;
-    if (has_ub(w, j) && cost - activity_of_others(p, j, UPPER_SIDE) < -w->OptTol)
+    if (has_ub(w, j) && cost - activity_of_others(p, j, UPPER_SIDE) < -zero)
         return claim_con(p, j, 1 << UPPER_SIDE) ? fix_at_upper(w, j) : 0;
     return 0;
 }
@@ -112,7 +114,7 @@ int pre_dual_bounds(PresolveWork *w)
     int status = 0;
     if (p.Contradiction) { // no dual is feasible
         w->InfeasCol = p.WrongCon;
-        status = PRESOLVE_UNBOUNDED;
+        status = claim_propagated(w, &p);
     } else {
         status = fix_columns(&p, w);
         if (status == 0) status = tighten_rows(&p, w);

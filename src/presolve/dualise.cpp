@@ -10,10 +10,14 @@
 //             where x_j is measured from its bound, so b' = b - sum of a_j bound_j. Fixed columns only shift b'.
 // Way back    The slack of row j (or q_j) is the reduced cost of column j: basic there means nonbasic here, and the other
 //             way round; y_i basic means that the slack of row i is nonbasic.
+// Proofs      A ray of the dual has y <= 0 for inequalities, -A_j y of the sign of the bounds of column j and a positive
+//             b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows that prove
+//             it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "frame/model_store.h"
 #include "presolve/limits.h"
+#include "presolve/presolve.h"
 #include <cmath>
 
 namespace
@@ -167,4 +171,23 @@ void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dua
         if (!slack_basic && !box_basic) status[j] = 0;
     }
     for (int i = 0; i < m; i++) status[n + i] = dual_status[i] >= 0 ? -1 : 0;
+}
+
+void dual_ray_to_farkas(const ModelBody *body, double infinite, const double *dual_ray,
+                        double *farkas)
+{
+    for (int i = 0; i < body->numconstrs; i++) farkas[i] = -dual_ray[i];
+    farkas_clean(body, infinite, farkas);
+}
+
+void dual_farkas_to_ray(const ModelBody *body, double infinite, const double *dual_farkas,
+                        double *ray)
+{
+    int row = 0;
+    for (int j = 0; j < body->numvars; j++) {
+        const Kind kind = kind_of(body, infinite, j);
+        ray[j] = kind == FIXED ? 0 : dual_farkas[row++];
+        if (kind == UPPER) ray[j] = -ray[j]; // its row is held negated
+    }
+    ray_clean(body, infinite, ray);
 }

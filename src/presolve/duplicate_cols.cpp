@@ -8,10 +8,10 @@
 // Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/aggregate.h"
+#include "presolve/claim.h"
 #include "presolve/duplicates.h"
+#include "presolve/errors.h"
 #include "presolve/merged_columns.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -60,17 +60,19 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
     const double a = price(w, by), b = price(w, l);
     const double factor =
         std::fabs(l->scale / by->scale); // on an error of the other's reduced cost
+    const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
+                        factor * cost_error(w, by->line);
     return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
-           std::fabs(a - b) * std::fabs(l->scale) > w->OptTol * (1 + factor) &&
-           is_fit(by, l);
+           std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
-// Column l goes to the end of its X on this side. Unbounded when there is none.
-int send(PresolveWork *w, const DupLine *l, int side)
+// Column l goes to the end of its X on this side, as `by` replaces it. Unbounded when there is none.
+int send(PresolveWork *w, const DupLine *by, const DupLine *l, int side)
 {
     if (!is_bounded(w, l, side)) {
         w->InfeasCol = l->line;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w,
+                               {{l->line, side / l->scale}, {by->line, -side / by->scale}});
     }
     return side * l->scale > 0 ? fix_at_upper(w, l->line) : fix_at_lower(w, l->line);
 }
@@ -103,7 +105,7 @@ int dominate(PresolveWork *w, const DupLine *members, int count, int side)
         if (!is_live_col(w, members[k].line)) continue;
         if (!is_strict(w, &members[best], &members[k])) continue;
         if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
-        TRY(send(w, &members[k], -side));
+        TRY(send(w, &members[best], &members[k], -side));
     }
     return 0;
 }

@@ -8,11 +8,11 @@
 // Way back    Rows that follow have their slack basic and no dual. Of two inequalities that became an equation the one
 //             that the sign of the dual names gets it.
 // Cost        That of finding the classes, and O(class log class).
+#include "presolve/claim.h"
 #include "presolve/duplicates.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
 #include "presolve/row_combination.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -32,7 +32,9 @@ bool beyond_tolerance(const PresolveWork *w, const DupLine *a, const DupLine *b,
 {
     const double allowed = 1 / std::fabs(a->scale) + 1 / std::fabs(b->scale);
     const double size = std::max(std::fabs(level(w, a)), std::fabs(level(w, b)));
-    return gap > w->FeasTol * allowed + ROUNDING * size;
+    const double error = rhs_error(w, a->line) / std::fabs(a->scale) +
+                         rhs_error(w, b->line) / std::fabs(b->scale);
+    return gap > w->FeasTol * allowed + ROUNDING * size + error;
 }
 bool is_rounding(const PresolveWork *w, const DupLine *a, const DupLine *b, double gap)
 {
@@ -45,10 +47,12 @@ bool can_stand_for(const DupLine *kept, const DupLine *gone)
     return std::fabs(gone->scale) <= COARSE * std::fabs(kept->scale);
 }
 
-int infeasible(PresolveWork *w, int row)
+// v x cannot be at most the level of `low` and at least that of `high`.
+int infeasible(PresolveWork *w, const DupLine *low, const DupLine *high)
 {
-    w->InfeasRow = row;
-    return PRESOLVE_INFEASIBLE;
+    w->InfeasRow = low->line;
+    return claim_infeasible(w,
+                            {{low->line, -1 / low->scale}, {high->line, 1 / high->scale}});
 }
 
 // Row l next to the equation eq of its class.
@@ -59,7 +63,8 @@ int judge_by_equation(PresolveWork *w, const DupLine *eq, const DupLine *l)
         gap = std::fabs(gap);
     else if (l->scale < 0)
         gap = -gap;
-    if (beyond_tolerance(w, eq, l, gap)) return infeasible(w, l->line);
+    if (beyond_tolerance(w, eq, l, gap))
+        return level(w, eq) > level(w, l) ? infeasible(w, l, eq) : infeasible(w, eq, l);
     if (is_rounding(w, eq, l, gap) && can_stand_for(eq, l))
         remove_row(w, l->line, ROW_REDUNDANT);
     return 0;
@@ -129,7 +134,7 @@ int record_parallel(PresolveWork *w, const DupLine *kept, const DupLine *gone)
 int judge_range(PresolveWork *w, DupLine *upper, DupLine *lower)
 {
     const double gap = level(w, upper) - level(w, lower);
-    if (beyond_tolerance(w, upper, lower, -gap)) return infeasible(w, upper->line);
+    if (beyond_tolerance(w, upper, lower, -gap)) return infeasible(w, upper, lower);
     if (!is_rounding(w, upper, lower, std::fabs(gap))) return 0;
     DupLine *kept = upper, *gone = lower;
     if (std::fabs(lower->scale) > std::fabs(upper->scale)) std::swap(kept, gone);

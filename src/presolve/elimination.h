@@ -1,11 +1,8 @@
 // elimination.h -- lines (rows or columns) that are linear combinations of others
 #pragma once
 #include "presolve/axis.h"
+#include "presolve/claim.h"
 
-struct LineTerm {
-    int line;
-    double factor;
-};
 // What is done with a line that looks like the sum of these multiples of others. It may remove that line. A
 // PresolveStatus or OUT_OF_MEMORY.
 using DependentHandler = int (*)(PresolveWork *w, int line, const LineTerm *terms,

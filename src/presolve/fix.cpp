@@ -1,9 +1,8 @@
 // fix.cpp -- a column leaves at a value
 //
 // The way back needs the column's cost and entries: its reduced cost is computed there from the duals.
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -64,7 +63,7 @@ int fix_by_range(PresolveWork *w, int j)
 {
     const double lb = w->Lb.data[j], ub = w->Ub.data[j], range = ub - lb,
                  cost = w->Obj.data[j];
-    if (-range > 2 * w->FeasTol) {
+    if (-range > 2 * w->FeasTol + bound_error(w, j)) {
         w->InfeasCol = j;
         return PRESOLVE_INFEASIBLE;
     }
@@ -73,17 +72,19 @@ int fix_by_range(PresolveWork *w, int j)
         largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
     if (range > CLOSED && largest * range > w->FeasTol) return 0;
     double v = 0.5 * (lb + ub);
-    if (WORTHLESS * w->FeasTol <= std::fabs(range * cost)) v = cost > 0 ? lb : ub;
+    if (WORTHLESS * w->FeasTol <= std::fabs(range * cost) &&
+        std::fabs(cost) > cost_error(w, j))
+        v = cost > 0 ? lb : ub;
     return fix_column(w, j, v, STATUS_BY_SIGN);
 }
 
 void undo_fix(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col;
-    double d = undo->cost;
+    double d = point->constants * undo->cost;
     for (int k = 0; k < undo->count; k++)
         d -= point->d[point->n + undo->entry[k].index] * undo->entry[k].value;
-    point->x[j] = undo->value;
+    point->x[j] = point->constants * undo->value;
     point->d[j] = d;
     if (!point->status) return;
     point->status[j] = undo->mode != STATUS_BY_SIGN ? undo->mode : d >= 0 ? -1 : -2;

@@ -1,6 +1,8 @@
 // fix_empty.cpp -- columns without entries go to the bound that their cost wants
-#include "presolve/work.h"
-#include <cmath>
+//
+// A cost within its error is none: it does not tell where the column should go, and says nothing about the model.
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 
 namespace
 {
@@ -8,13 +10,13 @@ constexpr double CLOSED = 1e-10;
 
 int fix_empty_column(PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j];
-    if ((cost > w->OptTol && !has_lb(w, j)) || (cost < -w->OptTol && !has_ub(w, j))) {
+    const double cost = w->Obj.data[j], zero = w->OptTol + cost_error(w, j);
+    if ((cost > zero && !has_lb(w, j)) || (cost < -zero && !has_ub(w, j))) {
         w->InfeasCol = j;
-        return PRESOLVE_UNBOUNDED;
+        return claim_unbounded(w, {{j, cost > 0 ? -1.0 : 1.0}});
     }
-    if (cost > w->OptTol) return fix_at_lower(w, j);
-    if (cost < -w->OptTol) return fix_at_upper(w, j);
+    if (cost > w->OptTol && has_lb(w, j)) return fix_at_lower(w, j);
+    if (cost < -w->OptTol && has_ub(w, j)) return fix_at_upper(w, j);
     if (has_lb(w, j)) return fix_at_lower(w, j);
     return has_ub(w, j) ? fix_at_upper(w, j) : fix_column(w, j, 0, -3);
 }

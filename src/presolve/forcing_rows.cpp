@@ -4,8 +4,8 @@
 //             stand at the bound that gives it.
 // Way back    All columns are nonbasic. A dual for the row repairs the reduced costs of the wrong sign: the largest one
 //             needed decides, its column becomes basic, and the row's slack nonbasic.
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <cmath>
 
 namespace
 {
@@ -48,6 +48,7 @@ int fix_row(PresolveWork *w, int i, int sign)
     w->Work += 20.0 * undo->count;
     for (k = 0; k < undo->count; k++) {
         const UndoEntry &e = undo->entry[k];
+        bound_from_row(w, i, e.index, e.value, std::fabs(w->Rhs.data[i]));
         TRY(sign * e.value > 0 ? fix_at_lower(w, e.index) : fix_at_upper(w, e.index));
     }
     w->RowHead.data[i] = -1;

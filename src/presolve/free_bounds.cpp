@@ -7,8 +7,8 @@
 //             free columns get one of those that follow, for the dual simplex columns with one bound the other one;
 //             each is moved away by a part, so that no feasible point stands at it. The primal simplex does better
 //             without (9 % more iterations on netlib), and the dual with 6 % less on netlib, Kennington and Meszaros.
-// Way back    Such a bound is not active at a feasible point, so that an optimal basis has no column there; nothing to
-//             remember.
+// Way back    Such a bound is not active at a feasible point, so that an optimal basis has no column there. A proof that
+//             the reduced model is infeasible may use it: the propagation is then done again, for its reasons.
 // Cost        O(entries) for each of few rounds.
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,
 //             2002, on boxed columns and the dual simplex.
@@ -53,6 +53,7 @@ bool give_bound(const BoundPropagation *p, PresolveWork *w, int j, int side)
     const bool upper = side == UPPER_SIDE;
     change_bounds(w, j, upper ? w->Lb.data[j] : moved_away(bound, side),
                   upper ? moved_away(bound, side) : w->Ub.data[j]);
+    w->GivenBounds.data[j] |= static_cast<char>(1 << side);
     w->BoundsChanged++;
     return true;
 }
@@ -66,17 +67,64 @@ void bound_column(const BoundPropagation *p, PresolveWork *w, int j)
         give_bound(p, w, j, LOWER_SIDE);
     }
 }
+int propagate(BoundPropagation *p, PresolveWork *w)
+{
+    TRY(propagation_alloc(p, w, PROPAGATE_PRIMAL));
+    propagation_set_rows(p, w->FeasTol);
+    propagation_list_all(p);
+    TRY(propagation_run(p, ROUNDS));
+    w->Work += p->Effort;
+    return 0;
+}
+
+// The bound of column j of the reduced model that a direction of duals d_j leans on was given.
+bool leans_on_given(const PresolveResult *result, int j, double d)
+{
+    const int side = d > 0 ? LOWER_SIDE : UPPER_SIDE;
+    return d != 0 &&
+           (result->GivenBounds.data[j] & (1 << side)); // nothing leans on a bound
+}
+
+// The reduced model without the bounds that were given.
+int load_reduced(PresolveWork *w, const TVXmodel *model)
+{
+    const PresolveResult *result = model->presolve;
+    TRY(work_load(w, model->presolved));
+    for (int j = 0; j < result->NumCols; j++) {
+        const int k = result->ColMap.data[j], given = result->GivenBounds.data[j];
+        if (k < 0) continue;
+        if (given & (1 << LOWER_SIDE)) w->Lb.data[k] = -w->INF;
+        if (given & (1 << UPPER_SIDE)) w->Ub.data[k] = w->INF;
+    }
+    return 0;
+}
 } // namespace
+
+int replace_given_bounds(const TVXmodel *model, double *y, double *d)
+{
+    const PresolveResult *result = model->presolve;
+    if (result->GivenBounds.size == 0) return 0;
+    bool leans = false;
+    for (int j = 0; j < result->NumCols && !leans; j++) {
+        const int k = result->ColMap.data[j];
+        leans = k >= 0 && leans_on_given(result, j, d[k]);
+    }
+    if (!leans) return 0;
+    PresolveWork w;
+    BoundPropagation p;
+    int status = load_reduced(&w, model);
+    if (status == 0) status = propagate(&p, &w);
+    if (status == 0) propagation_unfold(&p, y, d);
+    work_free(&w);
+    return status == OUT_OF_MEMORY ? status : 0;
+}
 
 int pre_free_bounds(PresolveWork *w)
 {
     if (!is_worth_it(w)) return 0;
     BoundPropagation p;
-    TRY(propagation_alloc(&p, w, PROPAGATE_PRIMAL));
-    propagation_set_rows(&p, w->FeasTol);
-    propagation_list_all(&p);
-    TRY(propagation_run(&p, ROUNDS));
-    w->Work += p.Effort;
+    TRY(propagate(&p, w));
+    TRY(array_assign(&w->GivenBounds, w->NumCols, char(0)));
     if (p.Contradiction) return 0; // the solver tells
     for (int j = 0; j < w->NumCols; j++) {
         TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));

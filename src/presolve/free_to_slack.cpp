@@ -8,9 +8,8 @@
 //             follows from the row and is basic.
 // Cost        as an elimination (aggregate_eliminate.cpp).
 #include "presolve/aggregate.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -68,10 +67,11 @@ void become_slack(PresolveWork *w, int p)
     for (int q = first_in_col(w, j); q >= 0; q = next_in_col(w, q)) {
         PresolveNode *node = &w->Nodes.data[q];
         if (q == p) continue;
-        const double after = -node->value / a;
+        const double after = -node->value / a, size = size_of_entry(w, q) / std::fabs(a);
         if (change_coefficient(w, node->row, j, node->value, after))
             w->ScratchC.data[node->row] = 1;
         node->value = after;
+        set_entry_size(w, q, size);
         sum_anew_if_lost(w, node->row);
         mark_row(w, node->row);
     }
@@ -82,10 +82,13 @@ int swap(PresolveWork *w, int p)
     const int r = w->Nodes.data[p].row, j = w->Nodes.data[p].col;
     TRY(push_record(w, p));
     w->Work += PIVOT_EFFORT * w->ColCnt.data[j] * w->RowCnt.data[r];
-    const double cost = -w->Obj.data[j] / w->Nodes.data[p].value;
+    const double cost = -w->Obj.data[j] / w->Nodes.data[p].value,
+                 error = w->ObjErr.data[j] / std::fabs(w->Nodes.data[p].value);
     eliminate_from_others(w, p);
     become_slack(w, p);
     w->Obj.data[j] = cost;
+    w->ObjErr.data[j] = error;
+    w->BoundErr.data[j] = 0;
     remove_row(w, r, ROW_PIVOT);
     mark_col(w, j);
     return 0;
@@ -97,7 +100,9 @@ int try_column(PresolveWork *w, int j)
         is_integer(w, j))
         return 0;
     const int p = best_pivot(w, j);
-    if (p < 0 || bounds_that_matter(w, j) != 0) return 0;
+    if (p < 0 || bounds_that_matter(w, j) != 0 ||
+        !errors_allow(w, p, largest_in_col(w, j), largest_in_row(w, w->Nodes.data[p].row)))
+        return 0;
     const int64_t fill =
         int64_t{w->ColCnt.data[j] - 1} * (w->RowCnt.data[w->Nodes.data[p].row] - 1);
     bool room = false;
@@ -122,7 +127,7 @@ void undo_free_to_slack(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
     const double slack = point->x[j];
-    double left = undo->value - slack;
+    double left = point->constants * undo->value - slack;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[i] = slack;

@@ -11,6 +11,7 @@
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
 //             ORSA J. Computing 6, 1994.
 #include "presolve/bound_propagation.h"
+#include "presolve/claim.h"
 #include <algorithm>
 
 namespace
@@ -62,7 +63,7 @@ int pre_implied_bounds(PresolveWork *w)
     }
     if (p.Contradiction) {
         w->InfeasRow = p.WrongCon;
-        return PRESOLVE_INFEASIBLE;
+        return claim_propagated(w, &p);
     }
     return remove_implied(&p, w, list, count);
 }

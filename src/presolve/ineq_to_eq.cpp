@@ -9,9 +9,7 @@
 // Invariant   A bound of the column counts as one that does not matter when the row keeps the column away from it by more
 //             than the tolerance. Bounds stay as they are, so nothing else can rest on this.
 // Cost        O(entries of the columns and of the rows that are converted)
-#include "presolve/work.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
@@ -34,8 +32,8 @@ void count_block(int *block, int p)
 
 Blocks find_blocks(const PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j];
-    Blocks b = {cost > NO_COST ? MANY : NONE, cost < -NO_COST ? MANY : NONE};
+    const double cost = w->Obj.data[j], none = NO_COST + cost_error(w, j);
+    Blocks b = {cost > none ? MANY : NONE, cost < -none ? MANY : NONE};
     for (int p = first_in_col(w, j); p >= 0 && (b.up != MANY || b.down != MANY);
          p = next_in_col(w, p)) {
         if (w->Sense.data[w->Nodes.data[p].row] == '=') return {MANY, MANY};

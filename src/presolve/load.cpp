@@ -3,13 +3,13 @@
 // Method      Vectors are copied; entries go into the pool column by column, linked so that lists run in ascending order.
 //             Entries that are zero but for rounding are left out. Spare nodes give room for fill.
 #include "frame/runtime/clock.h"
-#include "presolve/work.h"
-#include <algorithm>
-#include <cmath>
+#include "presolve/errors.h"
 
 namespace
 {
 constexpr double TINY_ENTRY = 1e-13;
+// Violations that points of a feasible model have by the rounding of its data: DataErr.
+constexpr double DATA_ERROR = 1e-9, DATA_ERROR_SHARE = 1e-3; // of the tolerance, at most
 constexpr int64_t SPARE_LEAST = 10000;
 constexpr int SPARE_SHARE = 10;        // of the entries
 constexpr int LONG_COLUMN = 5;         // of the class with unit entries
@@ -33,6 +33,21 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
     }
     for (int i = 0; i < m; i++) w->Sense.data[i] = body->senses.data[i] == '=' ? '=' : '<';
     return 0;
+}
+
+// Numbers as given are off by the rounding of whoever wrote them down.
+int set_errors(PresolveWork *w)
+{
+    w->DataErr = std::min(DATA_ERROR, DATA_ERROR_SHARE * w->FeasTol);
+    TRY(array_assign(&w->BoundErr, w->NumCols, 0.0));
+    TRY(array_resize(&w->ObjErr, w->NumCols));
+    TRY(array_resize(&w->RhsErr, w->NumRows));
+    TRY(presolve_check(w));
+    for (int j = 0; j < w->NumCols; j++)
+        w->ObjErr.data[j] = ROUNDING_UNIT * std::fabs(w->Obj.data[j]);
+    for (int i = 0; i < w->NumRows; i++)
+        w->RhsErr.data[i] = std::max(w->DataErr, ROUNDING_UNIT * std::fabs(w->Rhs.data[i]));
+    return presolve_check(w);
 }
 
 template<class T> int assign_checked(PresolveWork *w, Array<T> *a, int64_t size, T value)
@@ -139,7 +154,9 @@ int work_load(PresolveWork *w, TVXmodel *model)
         std::max({int64_t{w->NumRows}, SPARE_LEAST, int64_t{body->numnz} / SPARE_SHARE});
     if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
     TRY(copy_vectors(w, body));
+    TRY(set_errors(w));
     TRY(array_resize(&w->Nodes, body->numnz + spare));
+    TRY(array_assign(&w->EntrySize, w->Nodes.size, 0.0F));
     TRY(array_reserve(&w->Stale, w->Nodes.size / LONG_STALE_ROW + 1));
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));

@@ -7,9 +7,8 @@
 //             costs are d_q = f d_p.
 // Cost        O(entries of q).
 #include "presolve/merged_columns.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -64,6 +63,8 @@ int merge_columns(PresolveWork *w, int p, int q, double f)
     w->ColCnt.data[q] = COL_EMPTY;
     w->Obj.data[q] = 0;
     w->ColsRemoved++;
+    raise_to(&w->BoundErr.data[p], std::fabs(f) * w->BoundErr.data[q]);
+    raise_to(&w->ObjErr.data[p], w->ObjErr.data[q] / std::fabs(f));
     change_bounds(w, p, lb, ub);
     mark_col(w, p);
     return 0;
@@ -124,7 +125,9 @@ void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
 {
     const int p = undo->col, q = undo->other;
     const double sum = point->x[p], *bound = undo->bound;
-    const MergedPair pair = {bound[0], bound[1], bound[2], bound[3], undo->factor};
+    const MergedPair pair = {bound_of(point, bound[0]), bound_of(point, bound[1]),
+                             bound_of(point, bound[2]), bound_of(point, bound[3]),
+                             undo->factor};
     double x_p = 0, x_q = 0;
     const Split split = split_merged_columns(&pair, point->INF, sum, &x_p, &x_q);
     point->x[p] = x_p;

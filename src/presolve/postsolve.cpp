@@ -85,6 +85,15 @@ int compute_slacks(const ModelBody *body, PostPoint *point, LimitWatch *watch)
 }
 } // namespace
 
+int undo_all(const UndoRecord *undo, PostPoint *point, LimitWatch *watch)
+{
+    for (; undo; undo = undo->next) {
+        undo_record(undo, point);
+        TRY(limits_watch(watch, 2.0 + undo->count));
+    }
+    return 0;
+}
+
 int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis)
 {
     const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
@@ -118,9 +127,6 @@ int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
     TRY(limits_reached(watch.env));
     scatter(result, model->presolved, reduced, &point);
     TRY(limits_reached(watch.env));
-    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
-        undo_record(undo, &point);
-        TRY(limits_watch(&watch, 2.0 + undo->count));
-    }
+    TRY(undo_all(result->Undo.head, &point, &watch));
     return compute_slacks(model->body, &point, &watch);
 }

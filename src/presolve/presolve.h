@@ -16,10 +16,20 @@ enum PresolveStatus {
     PRESOLVE_INTERRUPTED = 11,
 };
 
+// What presolve says of a model without optimum, as a vector of the model itself that should prove it
+// (body/certificate.h tells whether it does). Both are empty where a reduction loses its reasons.
+struct LpClaim {
+    Array<double>
+        farkas; // [numconstrs] multipliers of an infeasible model, for inequalities >= 0
+    Array<double>
+        ray; // [numvars] direction in which the objective of a model falls for ever
+};
+
 // Reduces the continuous model `model`. On PRESOLVE_OK model->presolve holds the way back, and model->presolved the
 // reduced model, which shares the environment, or null when nothing is left. Any earlier result is dropped first. Other
-// results leave neither. A status of PresolveStatus, or OUT_OF_MEMORY.
-[[nodiscard]] int presolve_lp(TVXmodel *model);
+// results leave neither; `claim`, unless it is null, then gets the proof of what is said. A status of PresolveStatus, or
+// OUT_OF_MEMORY.
+[[nodiscard]] int presolve_lp(TVXmodel *model, LpClaim *claim = nullptr);
 void presolve_drop(TVXmodel *model); // result and reduced model, if there are any
 
 // A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,
@@ -41,6 +51,16 @@ int postsolve_equations(const TVXmodel *model, char *rows);
 enum class PostsolveLimits { OBEY, IGNORE };
 [[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
                                PostsolveLimits limits = PostsolveLimits::OBEY);
+
+// The same for proofs of what is said of the reduced model: multipliers of its rows give those of the rows of the model, a
+// direction of its variables one of the model's. What comes back is to be judged: reductions that keep an optimum may
+// lose a proof of infeasibility. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int postsolve_farkas(const TVXmodel *model, const double *reduced,
+                                   double *full);
+[[nodiscard]] int postsolve_ray(const TVXmodel *model, const double *reduced, double *full);
+// Entries that only rounding can have made: multipliers of the wrong sign or of absent rows, steps against a bound.
+void farkas_clean(const ModelBody *body, double infinite, double *farkas);
+void ray_clean(const ModelBody *body, double infinite, double *ray);
 
 // Maps a basis of the model to the reduced model: statuses [n + m] of each.
 void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);

@@ -5,7 +5,7 @@
 //             one has removed nothing, or with their budget; empty columns and rows go last.
 // Out         The reduced model and the way back, or a final status.
 #include "frame/model_store.h"
-#include "presolve/work.h"
+#include "presolve/claim.h"
 #include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
@@ -205,12 +205,17 @@ int load_and_reduce(PresolveWork *w, TVXmodel *model)
 }
 } // namespace
 
-int presolve_lp(TVXmodel *model)
+int presolve_lp(TVXmodel *model, LpClaim *claim)
 {
     presolve_drop(model);
     PresolveWork work;
+    work.WantsProof = claim != nullptr;
     int status = load_and_reduce(&work, model);
     if (status != 0) presolve_drop(model);
+    if (work.Proof.size > 0) {
+        const int stop = claim_finish(&work, status, claim);
+        if (stop != 0) status = stop;
+    }
     if (status != 0 && status != OUT_OF_MEMORY) status = final_status(&work, status);
     model->node_count += work.Work;
     work_free(&work);

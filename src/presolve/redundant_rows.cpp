@@ -1,6 +1,6 @@
 // redundant_rows.cpp -- rows that nothing can violate go; entries too small to matter go as well
-#include "presolve/work.h"
-#include <cmath>
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 
 namespace
 {
@@ -30,6 +30,7 @@ void drop_tiny(PresolveWork *w, int i)
             moved + worth < TINY_SHARE * w->FeasTol && ub - lb > LEAST_RANGE) {
             moved += worth;
             w->Rhs.data[i] -= a * 0.5 * (lb + ub);
+            add_to_rhs_error(w, i, size_of_entry(w, p) * std::max(-lb, ub), moved);
             mark_col(w, j);
             delete_entry(w, p);
             dropped++;
@@ -60,10 +61,10 @@ int flag_tiny(PresolveWork *w, const int *list, int count)
 
 int remove_empty(PresolveWork *w, int i)
 {
-    const double b = w->Rhs.data[i];
-    if (b < -w->FeasTol || (w->Sense.data[i] == '=' && b > w->FeasTol)) {
+    const double b = w->Rhs.data[i], zero = w->FeasTol + rhs_error(w, i);
+    if (b < -zero || (w->Sense.data[i] == '=' && b > zero)) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        return claim_infeasible(w, {{i, b > 0 ? 1.0 : -1.0}});
     }
     remove_row(w, i, ROW_EMPTY);
     return 0;

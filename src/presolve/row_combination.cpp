@@ -6,15 +6,22 @@
 //             whose reduced cost comes down to zero first takes its place.
 // Cost        O(entries of both rows).
 #include "presolve/row_combination.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <algorithm>
-#include <cmath>
 
 namespace
 {
 constexpr double CANCELLED = 3e-10; // of the larger of two terms: their sum is rounding
 constexpr int SHORT_ROW = 2;        // entries of a sum that are kept for the way back
 constexpr double CANCELLED_RHS = 1e-13;
+
+// What a small entry that goes adds at most to the row, where that is known.
+double worth(const PresolveWork *w, int j, double entry)
+{
+    const double lb = has_lb(w, j) ? w->Lb.data[j] : 0,
+                 ub = has_ub(w, j) ? w->Ub.data[j] : 0;
+    return std::fabs(entry) * std::max(std::fabs(lb), std::fabs(ub));
+}
 
 // Adds to the entries that the target has, and takes the terms out of Scratch.
 void add_to_entries(PresolveWork *w, int target)
@@ -24,13 +31,17 @@ void add_to_entries(PresolveWork *w, int target)
         const double term = w->Scratch.data[j], old = w->Nodes.data[p].value;
         w->Scratch.data[j] = 0;
         if (term != 0) { // assigned below, or zero
-            const double sum = old + term;
+            const double sum = old + term,
+                         size = std::max(size_of_entry(w, p), std::fabs(term));
             mark_col(w, j);
             w->CoefsChanged++;
-            if (std::fabs(sum) <= CANCELLED * std::max(std::fabs(old), std::fabs(term)))
+            if (std::fabs(sum) <= CANCELLED * std::max(std::fabs(old), std::fabs(term))) {
+                add_to_rhs_error(w, target, 0, worth(w, j, sum));
                 delete_entry(w, p);
-            else
+            } else {
                 w->Nodes.data[p].value = sum;
+                set_entry_size(w, p, size);
+            }
         }
         p = next;
     }
@@ -63,6 +74,7 @@ void add_rhs(PresolveWork *w, int target, int equation, double factor)
     const double old = w->Rhs.data[target], term = factor * w->Rhs.data[equation];
     const double sum = old + term, size = std::max(std::fabs(old), std::fabs(term));
     w->Rhs.data[target] = std::fabs(sum) <= CANCELLED_RHS * size ? 0 : sum;
+    add_to_rhs_error(w, target, size, std::fabs(factor) * w->RhsErr.data[equation]);
 }
 } // namespace
 

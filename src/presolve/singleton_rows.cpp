@@ -2,22 +2,27 @@
 //
 // Method      a x <= b gives x <= b / a (a > 0) or x >= b / a (a < 0); a x = b gives both, and the column goes at once.
 //             A bound that is not tighter than what stands makes the row redundant.
+//             An equation whose entry is small beside others of its column waits until the better ones are done, as in
+//             the choice of a pivot; a tiny one stays, as the error of the value would show in the other rows.
 // Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
 //             the reduced cost as its dual, and the column the row's place in the basis.
+#include "presolve/claim.h"
+#include "presolve/errors.h"
 #include "presolve/postsolve.h"
-#include <cmath>
 
 namespace
 {
 constexpr double SMALL_ENTRY = 1e-8; // a bound from a smaller one would be too inaccurate
 constexpr double TIGHTER = 1e-10;    // least improvement
 constexpr int LONG_COLUMN = 50;
+constexpr double WAITS = 1e-3, STAYS = 1e-6; // entry beside the largest of its column
 enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
 
 // What row i says about its column: x = t, x <= t or x >= t. False when it cannot be satisfied.
 bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
 {
-    const double lb = w->Lb.data[j], ub = w->Ub.data[j], tol = w->FeasTol;
+    const double lb = w->Lb.data[j], ub = w->Ub.data[j],
+                 tol = w->FeasTol + rhs_error(w, i) / std::fabs(a) + bound_error(w, j);
     if (w->Sense.data[i] == '=') {
         *mode = BOTH;
         return lb - tol <= t && t <= ub + tol;
@@ -56,6 +61,7 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     undo->mode = mode;
     undo->value = w->Nodes.data[p].value;
     // An equation says nothing new about a side whose bound it meets: there the bound itself holds the column.
+    bound_from_row(w, i, j, undo->value, std::fabs(w->Rhs.data[i]));
     delete_entry(w, p);
     w->RowHead.data[i] = -1;
     w->RowCnt.data[i] = ROW_EMPTY;
@@ -80,7 +86,9 @@ int try_row(PresolveWork *w, int i)
     int mode = REDUNDANT;
     if (!judge(w, i, a, j, t, &mode)) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        // against the upper bound the multiplier has the sign of a, and the reduced cost the other one
+        const double factor = t > w->Ub.data[j] ? 1 / a : -1 / a;
+        return claim_infeasible(w, {{i, factor}});
     }
     if (mode != REDUNDANT) return make_bound(w, i, p, mode, t);
     mark_col(w, j);
@@ -130,21 +138,57 @@ int take_tightest(PresolveWork *w, const int *list, int count)
     }
     return status;
 }
+
+// Entry of the equation i beside the largest of its column.
+double pivot_share(PresolveWork *w, int i)
+{
+    const int own = first_in_row(w, i);
+    double largest = 0;
+    for (int p = first_in_col(w, w->Nodes.data[own].col); p >= 0; p = next_in_col(w, p))
+        largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
+    w->Work += w->ColCnt.data[w->Nodes.data[own].col];
+    return std::fabs(w->Nodes.data[own].value) / largest;
+}
+
+// Rows that are not tried as they are met.
+struct Waiting {
+    int *of_long, n_long = 0; // inequalities of long columns
+    Array<int> weak;          // equations with small entries
+};
+
+int try_or_wait(PresolveWork *w, int i, Waiting *waiting)
+{
+    TRY(check_limits(w, 1));
+    if (w->RowCnt.data[i] != 1) return 0;
+    if (is_of_long_column(w, i)) {
+        waiting->of_long[waiting->n_long++] = i;
+        return 0;
+    }
+    if (w->Sense.data[i] == '=') {
+        const double share = pivot_share(w, i);
+        if (share < STAYS) return 0;
+        if (share < WAITS) return array_append(&waiting->weak, i);
+    }
+    return try_row(w, i);
+}
 } // namespace
 
 int pre_singleton_rows(PresolveWork *w)
 {
     const WorkList *rows = rows_of_phase(w);
-    int *waiting = w->IndexC.data, n_waiting = 0;
-    for (int k = 0; k < rows->PendingCnt; k++) { // it grows: a chain collapses at once
-        const int i = rows->List.data[k];
-        TRY(check_limits(w, 1));
-        if (w->RowCnt.data[i] != 1) continue;
-        if (is_of_long_column(w, i))
-            waiting[n_waiting++] = i;
-        else
-            TRY(try_row(w, i));
+    Waiting waiting_rows = {w->IndexC.data, 0, {}};
+    int next_weak = 0;
+    for (int k = 0;;) { // the list grows: a chain collapses at once
+        if (k < rows->PendingCnt) {
+            TRY(try_or_wait(w, rows->List.data[k++], &waiting_rows));
+        } else if (next_weak < waiting_rows.weak.size) {
+            const int i = waiting_rows.weak.data[next_weak++];
+            if (w->RowCnt.data[i] == 1) TRY(try_row(w, i));
+        } else {
+            break;
+        }
     }
+    const int *waiting = waiting_rows.of_long, n_waiting = waiting_rows.n_long;
     TRY(take_tightest(w, waiting, n_waiting));
     for (int k = 0; k < n_waiting; k++) {
         TRY(check_limits(w, 1));

@@ -52,7 +52,7 @@ int push_substitution(PresolveWork *w, int p)
 void undo_substitute(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
-    double left = undo->value, cost = undo->cost;
+    double left = point->constants * undo->value, cost = point->constants * undo->cost;
     for (int k = 0; k < undo->split; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     for (int k = undo->split; k < undo->count; k++)

@@ -8,6 +8,8 @@
 // Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before it
 //             removes anything that the way back needs; keeps activities and counts up to date; marks the rows and
 //             columns it touches; counts in the five counters; adds its effort to Work.
+// Errors      Reductions work on sums, and what is left of a sum may be rounding. errors.h tells how large that can be;
+//             whoever ends the model, fixes a column or drops a row by a sign or a size asks there.
 // Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
 #pragma once
 #include "presolve/limits.h"
@@ -64,7 +66,14 @@ struct PresolveWork {
     Array<int>
         ColFlags; // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
 
+    double DataErr = 0;     // violation of the model's own rows that counts as rounding
+    Array<double> RhsErr;   // [NumRows] of Rhs
+    Array<double> ObjErr;   // [NumCols] of Obj
+    Array<double> BoundErr; // [NumCols] of Lb and Ub, 0 for bounds as given
+
     Array<PresolveNode> Nodes;
+    Array<float>
+        EntrySize; // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger
     Array<int> RowHead, ColHead; // first node, -1 when none
     Array<int> RowCnt, ColCnt;   // live entries, or a state below zero
     int FreeCount = 0;           // nodes on FreeList
@@ -89,12 +98,17 @@ struct PresolveWork {
     int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
+    bool WantsProof = false;
+    Array<double>
+        Proof; // [NumCols + NumRows] direction (PostPoint) that proves what ends the model, or empty
 
     UndoStack Undo;
     Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
     Array<int> IndexA, IndexB, IndexC;         // [max(NumRows, NumCols)] uninitialised
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
-    int NumNoted = 0;                          // rows of which pre_columns knows something
+    Array<char>
+        GivenBounds; // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
+    int NumNoted = 0; // rows of which pre_columns knows something
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -104,7 +118,9 @@ struct PresolveResult {
     int NumCols = 0, NumRows = 0; // of the original model
     UndoStack Undo;
     Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
-    double ObjCon = 0;         // constant of the reduced objective, in the caller's sense
+    Array<char>
+        GivenBounds; // [NumCols] bits 1 << Side: bounds of the reduced model by pre_free_bounds; or empty
+    double ObjCon = 0; // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
 };
 
@@ -218,6 +234,9 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub);
 [[nodiscard]] bool change_coefficient(PresolveWork *w, int i, int j, double before,
                                       double after);
 
+// Both sums of row i move by a step. True when the row is to be summed anew.
+[[nodiscard]] bool move_activity(PresolveWork *w, int i, double step);
+
 // The term of entry p becomes the constant value * v: right-hand side and activities follow, the entry is still there.
 // True when the row is to be summed anew once it is gone.
 [[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
@@ -262,6 +281,11 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 
 // ---- build.cpp ----
 [[nodiscard]] int build_reduced(PresolveWork *w); // model->presolve and model->presolved
+
+// ---- free_bounds.cpp ----
+// Directions of duals of the reduced model, y [rows] and d [columns], that lean on bounds given by pre_free_bounds come to
+// lean on others. Where a limit stops that they stay as they are. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int replace_given_bounds(const TVXmodel *model, double *y, double *d);
 
 // ---- self_check.cpp ----
 #ifdef TVX_DEBUG

@@ -1,0 +1,25 @@
+// errors.cpp -- whether a substitution would make errors that tolerances do not hide
+#include "presolve/errors.h"
+
+namespace
+{
+constexpr double MOST_RHS_ERROR = 1;  // feasibility tolerances
+constexpr double MOST_COST_ERROR = 1; // optimality tolerances
+constexpr double MOST_LOST =
+    1e6; // size of an entry's terms over the pivot: nine digits are left
+} // namespace
+
+bool errors_allow(const PresolveWork *w, int p, double col_largest, double row_largest)
+{
+    const PresolveNode &pivot = w->Nodes.data[p];
+    const double a = std::fabs(pivot.value);
+    if (w->RhsErr.data[pivot.row] * col_largest > MOST_RHS_ERROR * w->FeasTol * a ||
+        w->ObjErr.data[pivot.col] * row_largest > MOST_COST_ERROR * w->OptTol * a)
+        return false;
+    float size = 0;
+    for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q))
+        size = std::max(size, w->EntrySize.data[q]);
+    for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q))
+        size = std::max(size, w->EntrySize.data[q]);
+    return static_cast<double>(size) <= MOST_LOST * a;
+}
