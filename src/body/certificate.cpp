@@ -74,7 +74,8 @@ bool usable_multiplier(const ModelBody *body, double infinity, int i, double *y)
 // One side of the proof: the least of (y A) x - y b, everything moved out by PROOF_SLACK.
 struct Gap {
     Sum sum;
-    bool open = false; // it has no least value
+    bool open = false;          // it has no least value
+    double slack = PROOF_SLACK; // by which everything is moved out
 };
 
 // y b enters the gap. False when y has a wrong sign.
@@ -86,7 +87,7 @@ bool subtract_rhs(const ModelBody *body, double infinity, const double *y, doubl
         if (!usable_multiplier(body, infinity, i, &v)) return false;
         if (v == 0) continue;
         gap->sum.add(two_product(-v, body->rhs[i]));
-        gap->sum.add({-PROOF_SLACK * std::fabs(v)});
+        gap->sum.add({-gap->slack * std::fabs(v)});
     }
     return true;
 }
@@ -123,7 +124,7 @@ void add_column(const ModelBody *body, double infinity, const Sum &g, int j, Gap
         return;
     }
     gap->sum.add(twofold_times(g.value, bound));
-    gap->sum.add({-PROOF_SLACK * force - g.error() * std::fabs(bound)});
+    gap->sum.add({-gap->slack * force - g.error() * std::fabs(bound)});
 }
 
 // ---- rays ----
@@ -153,10 +154,11 @@ bool rows_allow(const ModelBody *body, double infinity, const Sum *activity)
 }
 } // namespace
 
-bool farkas_holds(const ModelBody *body, double infinity, const double *y)
+bool farkas_holds(const ModelBody *body, double infinity, const double *y, double slack)
 {
     const double unit = unit_of(y, body->numconstrs);
     Gap gap;
+    gap.slack = slack;
     if (unit == 0 || !subtract_rhs(body, infinity, y, unit, &gap)) return false;
     for (int j = 0; j < body->numvars && !gap.open; j++)
         add_column(body, infinity, column_sum(body, infinity, y, unit, j), j, &gap);

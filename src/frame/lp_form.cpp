@@ -95,7 +95,7 @@ int choose_from_both(TVXmodel *model, LpForm *form)
     t.env->optimize_start = model->env->optimize_start;
     const uintptr_t thread = ThreadStart(run_dual, &t);
     form->presolved = true;
-    form->status = presolve_lp(model);
+    form->status = presolve_lp(model, &form->claim);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
     if (thread) {
         ThreadJoin(thread);

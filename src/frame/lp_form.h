@@ -6,6 +6,7 @@ struct LpForm {
     TVXmodel *model = nullptr; // the model itself, or its dual, which this record owns
     bool presolved = false;    // presolve has run on it, with this status
     int status = 0;
+    LpClaim claim; // behind a status without optimum
 };
 // By PreDual and the shape; PreDual 2 presolves both, on two threads, and compares. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_form_choose(TVXmodel *model, LpForm *form);

@@ -12,6 +12,7 @@
 //             limit stopped the solve, for the next one to go on.
 #include "frame/lp_presolved.h"
 #include "files/files.h"
+#include "frame/lp_claim.h"
 #include "frame/lp_form.h"
 #include "frame/lp_run.h"
 #include "frame/optimize.h"
@@ -157,15 +158,19 @@ int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *sta
     return 0;
 }
 
-// The form has no optimal solution. Without dual reductions an infeasible reduced model is an infeasible model, and in
-// every other case the model itself has to tell.
-void settle_without_optimum(TVXmodel *model, TVXmodel *form, int status, LpStart *start)
+// The form is said to have no optimal solution. Where the claim is not proved the model itself has to tell. Without dual
+// reductions an infeasible reduced model is an infeasible model, and in every other case the model itself has to tell.
+int settle_without_optimum(TVXmodel *model, TVXmodel *form, int status,
+                           const LpClaim *claim, LpStart *start)
 {
     const bool exact = model->env->TARV_PAR_DUALREDUCTION == 0;
     const bool infeasible = exact && form == model && status == TVX_INFEASIBLE;
+    bool proved = false;
+    TRY(lp_claim_holds(model, form, claim, &proved));
     presolve_drop(form);
-    if (infeasible || !exact)
+    if (proved && (infeasible || !exact))
         settle(model, infeasible ? TVX_INFEASIBLE : TVX_INF_OR_UNBD, start);
+    return 0;
 }
 
 // What the outcome on the form means for the model.
@@ -188,8 +193,9 @@ int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *s
         return 0;
     }
     if (status == TVX_INFEASIBLE || status == TVX_UNBOUNDED) {
-        settle_without_optimum(model, form, status, start);
-        return 0;
+        LpClaim claim;
+        TRY(lp_claim_of_reduced(form, &claim));
+        return settle_without_optimum(model, form, status, &claim, start);
     }
     settle(model, status, start);
     presolve_drop(form);
@@ -222,15 +228,14 @@ void write_reduced(TVXmodel *form)
 int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
 {
     const double begin = WallClock();
-    int status = form->presolved ? form->status : presolve_lp(form->model);
+    int status = form->presolved ? form->status : presolve_lp(form->model, &form->claim);
     if (status == OUT_OF_MEMORY) return status;
     log_presolved(form->model, begin);
     write_reduced(form->model);
     if (status != 0) {
-        if (is_limit(status))
-            settle(model, status, start);
-        else
-            settle_without_optimum(model, form->model, status, start);
+        if (!is_limit(status))
+            return settle_without_optimum(model, form->model, status, &form->claim, start);
+        settle(model, status, start);
         return 0;
     }
     Array<int> statuses;

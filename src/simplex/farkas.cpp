@@ -135,7 +135,8 @@ Gap judge(const sopt *s, const End &end, int sign)
     return gap > 0 ? Gap::EXACT : Gap::NONE;
 }
 
-template<class R> Gap equation_fails(const sopt *s, const Multipliers<R> &y)
+// sign: by what y is multiplied so that the least value of g x exceeds y b.
+template<class R> Gap equation_fails(const sopt *s, const Multipliers<R> &y, int *sign)
 {
     End low, high;
     for (int i = 0; i < s->NumRows; i++) {
@@ -149,15 +150,17 @@ template<class R> Gap equation_fails(const sopt *s, const Multipliers<R> &y)
         extend(s, &low, j, g, up ? s->Lower.data[j] : s->Upper.data[j]);
         extend(s, &high, j, g, up ? s->Upper.data[j] : s->Lower.data[j]);
     }
-    return std::max(judge(s, low, 1), judge(s, high, -1));
+    const Gap above = judge(s, low, 1), below = judge(s, high, -1);
+    *sign = above >= below ? 1 : -1;
+    return std::max(above, below);
 }
 
 // Row multipliers, scaled.
-template<class R> void keep(sopt *s, const Multipliers<R> &y)
+template<class R> void keep(sopt *s, const Multipliers<R> &y, int sign)
 {
     s->Proof = PROOF_FARKAS;
     std::fill_n(s->ProofVector.data, s->NumVars, 0.0);
-    for (int i = 0; i < s->NumRows; i++) s->ProofVector.data[i] = y.at(i).high;
+    for (int i = 0; i < s->NumRows; i++) s->ProofVector.data[i] = sign * y.at(i).high;
 }
 } // namespace
 
@@ -171,11 +174,12 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
         if (left <= ENOUGH * largest_multiplier(s, y) || left >= before) break;
         before = left;
     }
-    const Gap gap = equation_fails(s, y);
+    int sign = 1;
+    const Gap gap = equation_fails(s, y, &sign);
     const bool proved = gap >= Gap::RELAXED;
     s->WideProof = gap == Gap::WIDE;
     if (gap == Gap::EXACT) s->WeakFarkas = 1;
-    if (proved) keep(s, y);
+    if (proved) keep(s, y, sign);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);
     return proved;

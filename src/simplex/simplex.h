@@ -49,6 +49,10 @@ struct SimplexAssessment {
         false; // some multipliers prove the model infeasible, but not if it were changed a little
 };
 SimplexAssessment simplex_assess(const sopt *s);
+// What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h). False
+// when there is no such proof.
+[[nodiscard]] bool simplex_get_farkas(const sopt *s, double *farkas);
+[[nodiscard]] bool simplex_get_ray(const sopt *s, double *ray);
 // After WeakFarkas, when nothing else has given an answer.
 void simplex_declare_infeasible(TVXmodel *model);
 

@@ -62,6 +62,21 @@ void simplex_get_basis(const sopt *s, int *statuses)
     }
 }
 
+bool simplex_get_farkas(const sopt *s, double *farkas)
+{
+    if (s->Status != SIMPLEX_INFEASIBLE || s->Proof != PROOF_FARKAS) return false;
+    for (int i = 0; i < s->NumRows; i++)
+        farkas[i] = s->ProofVector.data[i] * s->RowScale.data[i];
+    return true;
+}
+
+bool simplex_get_ray(const sopt *s, double *ray)
+{
+    if (s->Status != SIMPLEX_UNBOUNDED || s->Proof != PROOF_RAY) return false;
+    for (int j = 0; j < s->NumCols; j++) ray[j] = user_value(s, j, s->ProofVector.data[j]);
+    return true;
+}
+
 double simplex_objective(const sopt *s)
 {
     return s->Obj + s->ObjOffset;
