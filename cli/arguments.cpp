@@ -19,7 +19,7 @@ static constexpr const char *CLOSING =
     "A file whose name holds a '=' is written with its folder: ./a=b.mps\n"
     "OutputFlag=0 prints nothing but what an option asks for, not even errors.\n"
     "Exit code: 0 solved or stopped at a limit, 1 an error was reported, 2 wrong usage, "
-    "130 interrupted.";
+    "130 interrupted (Ctrl-C, SIGTERM).";
 
 static std::string version_text()
 {
@@ -102,7 +102,7 @@ FileKind file_kind(const std::string &name)
         if (stem.ends_with(suffix)) return FileKind::START;
     for (const std::string_view suffix : {".mps", ".rew", ".lp", ".rlp", ".ilp"})
         if (stem.ends_with(suffix)) return FileKind::MODEL;
-    for (const std::string_view suffix : {".sol", ".prm"})
-        if (stem.ends_with(suffix)) return FileKind::RESULT_ONLY;
+    if (stem.ends_with(".sol")) return FileKind::SOLUTION;
+    if (stem.ends_with(".prm")) return FileKind::PARAMETERS;
     return FileKind::UNKNOWN;
 }

@@ -24,5 +24,5 @@ bool split_setting(const std::string &word, std::string *name, std::string *valu
 std::string name_key(const std::string &name);
 
 // What a file name says by its suffix, in any case and with a compression suffix left aside.
-enum class FileKind { MODEL, START, RESULT_ONLY, UNKNOWN };
+enum class FileKind { MODEL, START, SOLUTION, PARAMETERS, UNKNOWN };
 FileKind file_kind(const std::string &name);

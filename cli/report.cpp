@@ -41,7 +41,8 @@ static const char *hint(int code)
 {
     switch (code) {
     case TVX_ERROR_OUT_OF_MEMORY:
-        return "give the process more memory, or lower Threads or NodefileStart";
+        return "give the process more memory: a higher limit (ulimit -v), fewer programs "
+               "beside it";
     case TVX_ERROR_INVALID_ARGUMENT: // of the calls made here: a file that cannot be opened
         return "check name, folder and permissions";
     case TVX_ERROR_FILE_WRITE:

@@ -1,5 +1,7 @@
 // solve.cpp -- one model from file to answer
 #include "solve.h"
+#include "arguments.h"
+#include "frame/runtime/file.h"
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -67,19 +69,62 @@ static ExitCode read_start(TVXmodel *model, const std::string &file)
     return fail_with("cannot start from '" + file + "'", code, message);
 }
 
+// ---- Result files ----
+
+// Whether only a solve can make the file: what stands there from an earlier one must not pass for the result of this.
+static bool is_result_of_solve(const std::string &file)
+{
+    const FileKind kind = file_kind(file);
+    return kind == FileKind::START || kind == FileKind::SOLUTION;
+}
+
+static void drop_old_result(TVXmodel *model, const std::string &file)
+{
+    TVXenv *env = TVXgetenv(model);
+    TVXmsg(env, "WARNING: unable to write requested result file '%s'\n", file.c_str());
+    if (FileRemove(file.c_str()))
+        TVXmsg(env, "         The file of that name was older and is removed\n");
+    else if (FileCanRead(file.c_str()))
+        TVXmsg(env,
+               "         The file of that name is older, not the result of this solve\n");
+}
+
+static void drop_old_results(TVXmodel *model, const std::vector<std::string> &files)
+{
+    for (const std::string &file : files)
+        if (is_result_of_solve(file)) drop_old_result(model, file);
+}
+
+// A solve that ends without a point is an answer, and so is a file that is not there.
+static ExitCode write_result(TVXmodel *model, const std::string &file)
+{
+    const int code = TVXwrite(model, file.c_str());
+    if (code == 0) {
+        TVXmsg(TVXgetenv(model), "Wrote requested result file '%s'\n", file.c_str());
+        return EXIT_SOLVED;
+    }
+    const std::string message = TVXgetmerrormsg(model);
+    int status = TVX_LOADED;
+    TVXgetintattr(model, "Status", &status);
+    const bool absent = code == TVX_ERROR_DATA_NOT_AVAILABLE && is_result_of_solve(file);
+    if (absent) drop_old_result(model, file);
+    if (absent && status != TVX_OPTIMAL) {
+        TVXmsg(TVXgetenv(model), "         There is nothing to write: %s\n",
+               status_text(status));
+        return EXIT_SOLVED;
+    }
+    return fail_with("cannot write '" + file + "'", code, message.c_str());
+}
+
 static ExitCode write_results(TVXmodel *model, const std::vector<std::string> &files)
 {
     ExitCode exit_code = EXIT_SOLVED;
-    for (const std::string &file : files) {
-        const int code = TVXwrite(model, file.c_str());
-        if (code == 0)
-            TVXmsg(TVXgetenv(model), "Wrote requested result file '%s'\n", file.c_str());
-        else
-            exit_code =
-                fail_with("cannot write '" + file + "'", code, TVXgetmerrormsg(model));
-    }
+    for (const std::string &file : files)
+        if (const ExitCode code = write_result(model, file)) exit_code = code;
     return exit_code;
 }
+
+// ---- The model ----
 
 static void print_solution(TVXmodel *model)
 {
@@ -120,8 +165,11 @@ ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &re
 
     TVXsetsignal(read);
     const int code = TVXoptimize(read);
-    if (code != 0)
-        return fail_with("cannot solve '" + file + "'", code, TVXgetmerrormsg(read));
+    if (code != 0) {
+        const std::string message = TVXgetmerrormsg(read);
+        drop_old_results(read, request.results);
+        return fail_with("cannot solve '" + file + "'", code, message.c_str());
+    }
 
     const ExitCode written = write_results(read, request.results);
     if (request.solution) print_solution(read);

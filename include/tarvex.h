@@ -256,13 +256,19 @@ TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, in
                          const double *lb, const double *ub, const char *vtype,
                          char **varnames, char **constrnames);
 
-/* A new model with the content and the parameters of this one, called "NAME_copy". Queued changes, a start and
- * results are not copied; a warning on the log tells of queued changes. Returns null on failure. */
+/* A new model with the content and the parameters of this one (ResultFile too), called "NAME_copy", or "(null)_copy" when
+ * this one has no name. Queued changes, a start and results are not copied; a warning on the log tells of queued changes.
+ * Returns null on failure. */
 TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
 
-/* What presolve leaves of this model, as a new model with the names of the variables and constraints that are left; no
- * variables and constraints when it is solved by presolve alone. Parameters as for a solve (Presolve, Aggregate,
- * PrePasses, ...); queued changes do not count. An optimal solution of the new model has the objective of this one's.
+/* The five calls below make a model from another one. It has the parameters of this one, but for those that write files
+ * after a solve: ResultFile is empty, so that a result of this model is not overwritten. Its name is that of this one with
+ * the ending told below; without a name it is the ending alone. */
+
+/* What presolve leaves of this model, as a new model with the names of the variables and constraints that are left, called
+ * "NAME_presolved"; no variables and constraints when it is solved by presolve alone, and all of them with Presolve 0.
+ * Other parameters as for a solve (Aggregate, PrePasses, ...); queued changes do not count. Figures and results of the last
+ * solve stay as they are. An optimal solution of the new model has the objective of this one's.
  * Returns null on failure, and the error text tells why: no memory; 10005 when presolve finds that there is no optimal
  * solution or is stopped by TimeLimit (counted from this call), TVXterminate or a callback; 10016 for a model with integer or
  * semi-continuous variables or SOS constraints; 10017 from a callback. */
@@ -529,7 +535,8 @@ TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const 
  *   a callback returned.
  * Parameters read: all; those of limits, tolerances and LPMethod matter most. With ResultFile set,
  *   the model or its result is written under that name after a solve; failing to do so is
- *   told in the log and does not change the code.
+ *   told in the log and does not change the code. When the solve leaves no solution or basis to
+ *   write (.sol, .mst, .bas), or fails, an older file of that name is removed.
  * Sets: the attributes of results, see docs/attributes.md. */
 TVX_API int TVXoptimize(TVXmodel *model);
 
@@ -538,10 +545,11 @@ TVX_API int TVXoptimize(TVXmodel *model);
  * solve, and for a model that is not valid, nothing happens: the next TVXoptimize starts afresh. */
 TVX_API void TVXterminate(TVXmodel *model);
 
-/* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C), as by
- * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. What interrupts
- * meant before stands again after the solve. One model at a time can be watched; where interrupts are ignored nothing
- * changes. Not from several threads at once.
+/* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C) from now on, as by
+ * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. The signal
+ * SIGTERM does the same, unless the program has a handler for it or ignores it. What both meant before stands again after
+ * the solve, or when the model is freed. One model at a time can be watched; where interrupts are ignored they stay
+ * ignored. Not from several threads at once.
  * Returns 0. */
 TVX_API int TVXsetsignal(TVXmodel *model);
 

@@ -22,15 +22,20 @@ void derived_make_linear(TVXmodel *copy)
     array_free(&body->soswt);
 }
 
+int derived_finish(TVXmodel *copy, const TVXmodel *source, const char *suffix)
+{
+    const char *name = source->body->modelname;
+    env_write_no_files(copy->env);
+    return body_join_name(copy->body, name ? name : "", suffix, &copy->body->modelname);
+}
+
 static int make_copy(TVXmodel *source, const char *suffix, Derivation change,
                      TVXmodel **out)
 {
     const ModelBody *body = source->body;
     TRY(model_copy(source, body->varnames.size ? body->varnames.data : nullptr,
                    body->constrnames.size ? body->constrnames.data : nullptr, out));
-    ModelBody *copy = (*out)->body;
-    const char *name = body->modelname;
-    TRY(body_join_name(copy, name ? name : "", suffix, &copy->modelname));
+    TRY(derived_finish(*out, source, suffix));
     return change(source, *out);
 }
 

@@ -1,7 +1,8 @@
 // presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
 //
-// The model's own presolve record, from which a solve that a limit has stopped would go on, stays as it is. Meanwhile the
+// The model's own presolve record, from which a solve that a limit has stopped would go on, and its figures stay as they are. Meanwhile the
 // model is busy as in a solve: TVXterminate stops the call, other calls are refused.
+#include "analysis/derived.h"
 #include "frame/model_store.h"
 #include "frame/optimize.h"
 #include "frame/runtime/clock.h"
@@ -68,21 +69,39 @@ int refuse(TVXmodel *model, int status)
                       "Presolve leaves no model: %s", why);
 }
 
+// A model of which nothing is left but the constant.
+int make_empty(TVXmodel *model, TVXmodel **out)
+{
+    const ModelData empty = {.sense = model->body->sense,
+                             .objcon = presolved_constant(model->presolve)};
+    return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
+}
+
+int make_reduced(TVXmodel *model, TVXmodel **out)
+{
+    const int status = presolve_lp(model);
+    if (status != 0) return refuse(model, status);
+    if (!model->presolved) return make_empty(model, out);
+    Names names;
+    TRY(collect_names(model, &names));
+    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
+}
+
+// With Presolve 0 nothing is reduced, as in a solve.
+int make_unreduced(TVXmodel *model, TVXmodel **out)
+{
+    const ModelBody *body = model->body;
+    return model_copy(model, body->varnames.size ? body->varnames.data : nullptr,
+                      body->constrnames.size ? body->constrnames.data : nullptr, out);
+}
+
 int make_copy(TVXmodel *model, TVXmodel **out)
 {
     if (model_is_mip(model))
         return fail_model(model, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
                           "Presolve of models with integer variables is not available yet");
-    const int status = presolve_lp(model);
-    if (status != 0) return refuse(model, status);
-    if (!model->presolved) { // nothing is left but the constant
-        const ModelData empty = {.sense = model->body->sense,
-                                 .objcon = presolved_constant(model->presolve)};
-        return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
-    }
-    Names names;
-    TRY(collect_names(model, &names));
-    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
+    TRY(model->env->Presolve == 0 ? make_unreduced(model, out) : make_reduced(model, out));
+    return derived_finish(*out, model, "_presolved");
 }
 } // namespace
 
@@ -97,11 +116,18 @@ TVXmodel *TVXpresolvemodel(TVXmodel *model)
     }
     PresolveResult *presolve = std::exchange(model->presolve, nullptr);
     TVXmodel *presolved = std::exchange(model->presolved, nullptr);
+    const double node_count =
+        model->node_count; // of the last solve; presolve adds its work
     TVXmodel *out = nullptr;
     optimize_open(model, WallClock());
     code = make_copy(model, &out);
     flag_store(&model->busy, 0);
+    if (code) {
+        model_free(out);
+        out = nullptr;
+    }
     presolve_drop(model);
+    model->node_count = node_count;
     model->presolve = presolve;
     model->presolved = presolved;
     finish_model(model, code);

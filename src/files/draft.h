@@ -9,6 +9,7 @@
 #include "tarvex.h"
 
 static constexpr double DRAFT_INFINITY = 1e30; // an infinite bound or side
+static constexpr double DRAFT_HUGE = 1e20;     // a side of this magnitude is infinite, too
 
 struct DraftColumns {
     NameTable names;            // texts in the draft's pool, terminated

@@ -30,14 +30,13 @@ static int note(LpReader *reader, Bound *bound, LpKind sense, double value, Text
     return 0;
 }
 
-// Behind a comparison: a value. An infinite one equals nothing.
-static int take_value(LpReader *reader, LpKind sense, double *value)
+// The bound "name <sense> infinite value", said by that text: a word for infinity sets no bound or takes one away.
+static int check_infinite(LpReader *reader, LpKind sense, double value, TextSpan at)
 {
-    bool infinite = false;
-    const TextSpan at = reader->token.text;
-    TRY(lp_value(reader, value, &infinite));
-    if (infinite && sense == LpKind::EQUAL)
+    if (sense == LpKind::EQUAL)
         return lp_stop(reader, at, "a variable cannot be fixed at infinity");
+    if ((sense == LpKind::LESS) == (value < 0.0))
+        return lp_stop(reader, at, "the bound is infinite, nothing can meet it");
     return 0;
 }
 
@@ -50,10 +49,9 @@ static int take_left(LpReader *reader, Bound *bound)
     LpKind sense{};
     TRY(lp_value(reader, &value, &infinite));
     TRY(lp_comparison(reader, &sense));
-    if (infinite && sense == LpKind::EQUAL)
-        return lp_stop(reader, at, "a variable cannot be fixed at infinity");
     if (sense != LpKind::EQUAL)
         sense = sense == LpKind::LESS ? LpKind::GREATER : LpKind::LESS;
+    if (infinite) TRY(check_infinite(reader, sense, value, at));
     return note(reader, bound, sense, value, at);
 }
 
@@ -61,9 +59,12 @@ static int take_right(LpReader *reader, Bound *bound)
 {
     const TextSpan at = reader->token.text;
     LpKind sense{};
+    bool infinite = false;
     double value = 0.0;
     TRY(lp_comparison(reader, &sense));
-    TRY(take_value(reader, sense, &value));
+    const TextSpan behind = reader->token.text;
+    TRY(lp_value(reader, &value, &infinite));
+    if (infinite) TRY(check_infinite(reader, sense, value, behind));
     return note(reader, bound, sense, value, at);
 }
 

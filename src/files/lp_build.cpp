@@ -13,9 +13,11 @@ static const WarningText texts[] = { // in the order of LpWarning
     {"Warning: unknown variable '", "' in bounds section\n"},
     {"Warning: unknown variable '", "' in integer section\n"},
     {"Warning: a bound is given twice, the later one stands: '", "'\n"},
-    {"Warning: negative upper bound, no lower bound any more: '", "'\n"},
+    {"Warning: negative upper bound under the default lower bound 0: '", "'\n"},
     {"Warning: constraint name used twice: '", "'\n"},
-    {"Warning: lower side of a range above its upper side: '", "'\n"}};
+    {"Warning: lower side of a range above its upper side: '", "'\n"},
+    {"Warning: bounds of a binary variable are cut to 0 and 1: '", "'\n"},
+    {"Warning: text behind the end is not read: '", "'\n"}};
 
 void lp_warnings_show(const LpReader *reader, TVXenv *env)
 {
@@ -24,18 +26,24 @@ void lp_warnings_show(const LpReader *reader, TVXenv *env)
     warnings_show(&reader->warnings, texts, KINDS, env);
 }
 
-// An upper bound below 0 on a variable whose lower bound nobody set makes that lower bound infinite, as in MPS.
-static void settle_bounds(LpReader *reader)
+static void warn_of(LpReader *reader, LpWarning kind, TextSpan name)
 {
-    DraftColumns *columns = &reader->draft.columns;
+    warning_note(&reader->warnings, static_cast<int>(kind), 0, name);
+}
+
+// Warns of bounds that say something else than their author may think. An upper bound below 0 does not move the lower
+// bound 0: the variable has no value then.
+static void check_bounds(LpReader *reader)
+{
+    const DraftColumns *columns = &reader->draft.columns;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
-        const bool moves = columns->ub.data[j] < 0.0 && columns->lb.data[j] == 0.0 &&
-                           !(columns->flags.data[j] & LP_LOWER_GIVEN);
-        if (!moves) continue;
-        columns->lb.data[j] = -DRAFT_INFINITY;
-        const TableName *name = &columns->names.entries.data[j];
-        warning_note(&reader->warnings, static_cast<int>(LpWarning::NEGATIVE_UPPER), 0,
-                     {name->text, name->text + name->length});
+        const double lb = columns->lb.data[j], ub = columns->ub.data[j];
+        const TableName *entry = &columns->names.entries.data[j];
+        const TextSpan name = {entry->text, entry->text + entry->length};
+        if (ub < 0.0 && lb == 0.0 && !(columns->flags.data[j] & LP_LOWER_GIVEN))
+            warn_of(reader, LpWarning::NEGATIVE_UPPER, name);
+        if (columns->type.data[j] == 'B' && (lb < 0.0 || ub > 1.0))
+            warn_of(reader, LpWarning::BINARY_CUT, name);
     }
 }
 
@@ -126,7 +134,7 @@ static void fold_constant(ModelDraft *draft, int j)
 int lp_build(TVXenv *env, LpReader *reader, TVXmodel **model_out)
 {
     ModelDraft *draft = &reader->draft;
-    settle_bounds(reader);
+    check_bounds(reader);
     lp_warnings_show(reader, env);
     reader->text = TextFile{};
     TRY(settle_columns(reader));

@@ -61,8 +61,7 @@ struct Constraint {
 
 static bool is_infinite(const LpSum *side)
 {
-    static constexpr double HUGE_SIDE = 1e20; // a side of this magnitude is infinite
-    return side->infinite || std::fabs(side->constant) >= HUGE_SIDE;
+    return side->infinite || std::fabs(side->constant) >= DRAFT_HUGE;
 }
 
 // side - constant, infinite sides as they are.
@@ -86,7 +85,10 @@ static int settle_plain(LpReader *reader, const Constraint *row)
         return lp_stop(reader, row->at, "infinity cannot stand here");
     double rhs = 0.0;
     TRY(shifted(reader, row, side, sum->constant, &rhs));
-    return close_row(reader, turned ? mirrored(row->first) : row->first, rhs);
+    const LpKind sense = turned ? mirrored(row->first) : row->first;
+    if (side->infinite && (sense == LpKind::LESS) == (rhs < 0.0))
+        return lp_stop(reader, row->at, "the right side is infinite, nothing can meet it");
+    return close_row(reader, sense, rhs);
 }
 
 // low <= sum <= high.
@@ -129,12 +131,27 @@ static int take_limit(LpReader *reader, Constraint *row)
     return lp_stop(reader, at, "a chain of comparisons begins and ends with a number");
 }
 
+// What the first token of a constraint must not be: a number behind that of the constraint before, as in "<= 1 000", or a
+// section with a colon, as in "bounds:", whose lines would become constraints.
+static int check_begin(LpReader *reader, const LpToken *begin, bool named)
+{
+    const bool first = !reader->rows.begin.size;
+    if (!named && begin->kind == LpKind::NUMBER && !begin->fresh && !first)
+        return lp_stop(reader, begin->text, "a number cannot follow a number");
+    const bool section = begin->word >= LpWord::BOUNDS && begin->word <= LpWord::END;
+    if (named && section && begin->fresh && reader->token.fresh)
+        return lp_stop(reader, begin->text, "the word of a section has no colon behind it");
+    return 0;
+}
+
 static int take_constraint(LpReader *reader)
 {
     Constraint row;
     TextSpan label;
     row.at = reader->token.text;
-    lp_take_label(reader, &label);
+    const LpToken begin = reader->token;
+    const bool named = lp_take_label(reader, &label);
+    TRY(check_begin(reader, &begin, named));
     TRY(open_row(reader, label));
     TRY(lp_sum(reader, LpPlace::LEFT, &row.left));
     TRY(lp_comparison(reader, &row.first));

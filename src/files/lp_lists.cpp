@@ -1,10 +1,10 @@
 // lp_lists.cpp -- the types of variables and the special ordered sets of an LP-format file
 //
 // Types       Lists of names. Their order means nothing: integer and semi-continuous make semi-integer, binary and
-//             general make binary. A binary variable lies between 0 and 1 as far as no line says otherwise.
+//             general make binary. A binary variable lies between 0 and 1, or within narrower bounds that a line gives.
 // Sets        "name: S1:: x:1 y:2", the name may be missing. What cannot be understood is an error, not a warning: a set
 //             with fewer members is another model.
-#include "files/lp_reader.h"
+#include "files/lp_names.h"
 
 // ---- Types ----
 
@@ -28,18 +28,40 @@ static void make_type(DraftColumns *columns, int j, LpWord section)
         *type = *type == 'S' || *type == 'N' ? 'N' : 'I';
 }
 
+// A name that no variable has is passed over with a warning, but not one that may have been meant as the heading of the
+// names below it: they would get the type of the section above. Such a word is alone on its line, and looks like a
+// heading or stands further left than the names of the list, which begin at `indent`.
+static int take_unknown(LpReader *reader, int64_t indent)
+{
+    const LpToken *token = &reader->token;
+    if (token->word != LpWord::NONE) // free, inf
+        return lp_stop_here(reader, "this is no variable");
+    const bool alone = token->fresh && lp_ends_line(reader);
+    if (alone && (lp_indent(reader) < indent || lp_like_heading(token->text)))
+        return lp_stop_here(reader, "this is neither a variable nor a section");
+    lp_warn(reader, LpWarning::UNKNOWN_IN_LIST, token->text);
+    return 0;
+}
+
 int lp_types(LpReader *reader, LpWord section)
 {
+    int64_t indent = -1; // of the first name that begins a line
     for (;; lp_next(reader)) {
         const LpToken *token = &reader->token;
-        if (token->kind == LpKind::END || lp_at_section(reader)) return 0;
+        if (token->kind == LpKind::END) return 0;
+        const bool is_section = lp_at_section(reader);
+        const int j =
+            token->kind == LpKind::NAME ? draft_find(&reader->draft, token->text) : -1;
+        if (is_section && j >= 0)
+            return lp_stop_here(reader, "this could be the section or the variable");
+        if (is_section) return 0;
         if (token->kind != LpKind::NAME)
             return lp_stop_here(reader, "only names of variables can stand here");
-        const int j = draft_find(&reader->draft, token->text);
         if (j < 0)
-            lp_warn(reader, LpWarning::UNKNOWN_IN_LIST, token->text);
+            TRY(take_unknown(reader, indent));
         else
             make_type(&reader->draft.columns, j, section);
+        if (token->fresh && indent < 0) indent = lp_indent(reader);
     }
 }
 

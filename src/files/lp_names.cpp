@@ -4,7 +4,9 @@
 //             not begin with a digit, a point, a bracket, a comma or a semicolon, and does not end in one of the last
 //             two: "3(x+y);" or "x, y" of other languages must not be read as names by accident.
 #include "files/lp_names.h"
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 static constexpr LpClass class_of(unsigned char c)
 {
@@ -66,10 +68,11 @@ static const struct {
              {"BINARIES", LpWord::BINARIES}, {"BIN", LpWord::BINARIES},
              {"GENERAL", LpWord::GENERALS},  {"GENERALS", LpWord::GENERALS},
              {"GEN", LpWord::GENERALS},      {"INTEGERS", LpWord::GENERALS},
-             {"SEMIS", LpWord::SEMIS},       {"SEMI", LpWord::SEMIS},
-             {"SOS", LpWord::SOS},           {"END", LpWord::END},
-             {"INFINITY", LpWord::INFINITE}, {"INF", LpWord::INFINITE},
-             {"FREE", LpWord::FREE}};
+             {"INTEGER", LpWord::GENERALS},  {"INTS", LpWord::GENERALS},
+             {"INT", LpWord::GENERALS},      {"SEMIS", LpWord::SEMIS},
+             {"SEMI", LpWord::SEMIS},        {"SOS", LpWord::SOS},
+             {"END", LpWord::END},           {"INFINITY", LpWord::INFINITE},
+             {"INF", LpWord::INFINITE},      {"FREE", LpWord::FREE}};
 
 static constexpr int64_t SHORTEST_WORD = 2;
 static constexpr int64_t LONGEST_WORD = 8;
@@ -84,6 +87,61 @@ LpWord lp_word(TextSpan name)
     for (const auto &row : words)
         if (span_is_word(name, row.text)) return row.word;
     return LpWord::NONE;
+}
+
+// ---- Headings that are no words of the format ----
+
+// Sections of other dialects.
+static const char *const foreign[] = {
+    "SEC",     "SIN",  "SOS1",       "SOS2",        "LAZY",     "USER",     "RANGE",
+    "RANGES",  "RHS",  "INDICATOR",  "INDICATORS",  "PWLOBJ",   "DISCRETE", "CONTINUOUS",
+    "SUBJECT", "SUCH", "CONSTRAINT", "CONSTRAINTS", "VARIABLES"};
+
+static char capital(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// One or two characters are wrong, missing, too many, or two neighbours have changed places.
+static constexpr int64_t LONG_WORD = 6; // from here on two faults are forgiven, else one
+static constexpr int64_t SHORTEST_MISSPELT = 5;
+static constexpr int64_t LONGEST_COMPARED = LONGEST_WORD + 2;
+
+// The least number of such faults that turn one word into the other (optimal string alignment).
+static int64_t spelling_faults(TextSpan name, const char *word, int64_t length)
+{
+    int64_t rows[LONGEST_COMPARED + 1][LONGEST_WORD + 1];
+    const int64_t n = span_length(name);
+    for (int64_t j = 0; j <= length; j++) rows[0][j] = j;
+    for (int64_t i = 1; i <= n; i++) {
+        rows[i][0] = i;
+        for (int64_t j = 1; j <= length; j++) {
+            const char a = capital(name.begin[i - 1]);
+            const int64_t change = rows[i - 1][j - 1] + (a != word[j - 1]);
+            rows[i][j] = std::min({change, rows[i - 1][j] + 1, rows[i][j - 1] + 1});
+            if (i > 1 && j > 1 && a == word[j - 2] &&
+                capital(name.begin[i - 2]) == word[j - 1])
+                rows[i][j] = std::min(rows[i][j], rows[i - 2][j - 2] + 1);
+        }
+    }
+    return rows[n][length];
+}
+
+bool lp_like_heading(TextSpan name)
+{
+    static constexpr int64_t SEMI = 4; // letters: of semiint, semicontinuous, ...
+    if (span_length(name) > SEMI && span_is_word({name.begin, name.begin + SEMI}, "SEMI"))
+        return true;
+    for (const char *word : foreign)
+        if (span_is_word(name, word)) return true;
+    if (span_length(name) > LONGEST_COMPARED) return false;
+    for (const auto &row : words) {
+        const int64_t length = static_cast<int64_t>(strlen(row.text));
+        if (length < SHORTEST_MISSPELT) continue;
+        if (spelling_faults(name, row.text, length) <= (length < LONG_WORD ? 1 : 2))
+            return true;
+    }
+    return false;
 }
 
 const char *lp_second_word(TextSpan first, const char *stop)

@@ -134,13 +134,26 @@ static int take_section(LpReader *reader, LpWord section)
     }
 }
 
+// Where text follows, the word must be alone on its line: "end + x >= 1" and "3 x + 2 end" may be meant as terms.
+static int take_end(LpReader *reader)
+{
+    const LpToken end = reader->token;
+    const bool alone = end.fresh && lp_ends_line(reader);
+    lp_next(reader);
+    if (reader->token.kind == LpKind::END) return 0;
+    if (!alone)
+        return lp_stop(reader, end.text, "this ends the file, but more text follows");
+    lp_warn(reader, LpWarning::BEHIND_END, reader->token.text);
+    return 0;
+}
+
 static int parse(LpReader *reader)
 {
     TRY(take_objective(reader));
     while (reader->token.kind != LpKind::END) {
         const LpWord word = reader->token.word;
         if (!lp_at_section(reader)) return lp_stop_here(reader, "this cannot stand here");
-        if (word == LpWord::END) return 0;
+        if (word == LpWord::END) return take_end(reader);
         if (word < LpWord::BOUNDS)
             return lp_stop_here(reader, "this section must stand before the others");
         lp_next(reader);

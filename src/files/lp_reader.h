@@ -51,6 +51,8 @@ enum class LpWarning {
     NEGATIVE_UPPER,
     NAME_TWICE,
     EMPTY_RANGE,
+    BINARY_CUT,
+    BEHIND_END,
     COUNT_
 };
 
@@ -103,7 +105,9 @@ void lp_start(LpReader *reader); // the first token is in hand
 void lp_next(LpReader *reader);  // at the end of the text END comes again and again
 // Whether the token in hand begins a section: not as a name that is compared, multiplied or labels something.
 bool lp_at_section(const LpReader *reader);
-bool lp_before_colon(const LpReader *reader);   // whether a colon follows the token in hand
+bool lp_before_colon(const LpReader *reader); // whether a colon follows the token in hand
+bool lp_ends_line(const LpReader *reader); // nothing behind the token in hand but a comment
+int64_t lp_indent(const LpReader *reader); // bytes before the token in hand on its line
 bool lp_compared_ahead(const LpReader *reader); // on the line, without a label between
 // A label, "anything without blanks :"; with one, *label is set and the token behind the colon is in hand.
 bool lp_take_label(LpReader *reader, TextSpan *label);

@@ -18,6 +18,7 @@ struct Term {
     bool number = false; // a number was given
     bool infinite = false;
     TextSpan at;
+    TextSpan digits; // the number given last
 };
 
 static int take_number(LpReader *reader, double *factor)
@@ -76,12 +77,23 @@ static bool is_factor(const LpReader *reader, LpPlace place, const Term *term, b
     return wanted && !token->fresh;
 }
 
+// "x <= 1d2", "x <= 5abc": behind a comparison a name that touches its number is more likely part of a number that is not
+// understood, unless a variable of that name is known.
+static bool is_bad_number(const LpReader *reader, LpPlace place, const Term *term)
+{
+    const TextSpan name = reader->token.text;
+    const char before = term->number ? name.begin[-1] : ' ';
+    const bool touches = (before >= '0' && before <= '9') || before == '.';
+    return place == LpPlace::RIGHT && touches && draft_find(&reader->draft, name) < 0;
+}
+
 // The factors of a term behind its signs; `wanted` says that one must come.
 static int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term)
 {
     for (;;) {
         const LpToken *token = &reader->token;
         if (token->kind == LpKind::NUMBER && (wanted || !term->number)) {
+            term->digits = token->text;
             TRY(take_number(reader, &term->factor));
             term->number = true;
         } else if (token->kind == LpKind::NAME && token->word == LpWord::INFINITE &&
@@ -92,6 +104,8 @@ static int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term
         } else if (is_factor(reader, place, term, wanted)) {
             if (term->column >= 0)
                 return lp_stop_here(reader, "a product of two variables is not linear");
+            if (is_bad_number(reader, place, term))
+                return lp_stop_here(reader, "this is no variable so far, and no number");
             TRY(take_column(reader, &term->column));
         } else if (wanted) {
             return lp_stop_here(reader, "a number or a name is missing here");
@@ -104,6 +118,26 @@ static int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term
         else if (term->column >= 0)
             return 0;
     }
+}
+
+// "x + 2e1" where a variable is called e1: a number of its own, or a term.
+static bool is_ambiguous(const LpReader *reader, LpPlace place, const Term *term)
+{
+    if (!term->number || term->column >= 0) return false;
+    if (place == LpPlace::RIGHT || place == LpPlace::LIMIT) return false; // a number
+    if (term->first && lp_is_comparison(reader->token.kind)) return false;
+    const char *p = term->digits.begin;
+    while (p < term->digits.end && *p != 'e' && *p != 'E') p++;
+    return draft_find(&reader->draft, {p, term->digits.end}) >= 0;
+}
+
+// "min x + 2 bin": the word of a section behind a number of the objective, at the end of the line.
+static bool is_swallowed(const LpReader *reader, LpPlace place, const Term *term)
+{
+    const LpToken *token = &reader->token;
+    const bool section = token->word >= LpWord::BOUNDS && token->word < LpWord::END;
+    return place == LpPlace::OBJECTIVE && term->number && term->column < 0 &&
+           !token->fresh && section && lp_at_section(reader) && lp_ends_line(reader);
 }
 
 // ---- Where terms go ----
@@ -185,6 +219,12 @@ int lp_sum(LpReader *reader, LpPlace place, LpSum *sum)
         const bool wanted = signs || place != LpPlace::OBJECTIVE;
         TRY(take_factors(reader, place, wanted, &term));
         if (!term.number && term.column < 0 && !term.infinite) return 0; // an empty sum
+        if (is_ambiguous(reader, place, &term))
+            return lp_stop(reader, term.digits,
+                           "this could be a number, or a factor and a variable");
+        if (is_swallowed(reader, place, &term))
+            return lp_stop_here(reader,
+                                "this could be a section, or a variable with its factor");
         if (sum->infinite || (term.infinite && !first))
             return lp_stop(reader, term.at, "infinity cannot be part of a sum");
         TRY(add_term(reader, place, &term, sum));

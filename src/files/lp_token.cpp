@@ -161,6 +161,20 @@ bool lp_at_section(const LpReader *reader)
     return !is_compared(follower) && follower != '*';
 }
 
+bool lp_ends_line(const LpReader *reader)
+{
+    const LpClass kind = lp_class(*skip_line_blanks(reader->next));
+    return kind == LpClass::NEWLINE || kind == LpClass::COMMENT || kind == LpClass::STOP;
+}
+
+int64_t lp_indent(const LpReader *reader)
+{
+    const char *const first = reader->text.bytes.data;
+    const char *p = reader->token.text.begin;
+    while (p > first && p[-1] != '\n') p--;
+    return reader->token.text.begin - p;
+}
+
 bool lp_compared_ahead(const LpReader *reader)
 {
     const char *p = reader->token.text.begin;

@@ -170,6 +170,10 @@ static int value_read(MpsReader *reader, Bound bound, TextSpan field, double *va
     if (bound == Bound::FX || number_read(field, value) != NumberKind::INFINITE)
         return mps_finite(reader, field, value);
     *value = std::copysign(DRAFT_INFINITY, *value);
+    const bool lower = bound == Bound::LO || bound == Bound::LI;
+    if (lower == (*value > 0.0))
+        return mps_stop(reader, MpsFault::CONTENT,
+                        "the bound is infinite, nothing can meet it\n");
     return 0;
 }
 

@@ -130,12 +130,14 @@ static void settle_bounds(MpsReader *reader)
         if (columns->lb.data[j] == 0.0 && columns->ub.data[j] < 0.0 &&
             !(flags & LOWER_GIVEN))
             columns->lb.data[j] = -DRAFT_INFINITY;
+        const TableName *entry = &columns->names.entries.data[j];
+        const TextSpan name = {entry->text, entry->text + entry->length};
         const bool odd = (flags & MINUS_INFINITY) && (flags & MARKED_INTEGER) &&
                          !(flags & UPPER_GIVEN) && columns->ub.data[j] == 1.0;
-        if (!odd) continue;
-        const TableName *name = &columns->names.entries.data[j];
-        mps_warn(&reader->warnings, MpsWarning::INTEGER_MINUS_INFINITY, 0,
-                 {name->text, name->text + name->length});
+        if (odd) mps_warn(&reader->warnings, MpsWarning::INTEGER_MINUS_INFINITY, 0, name);
+        if (columns->type.data[j] == 'B' &&
+            (columns->lb.data[j] < 0.0 || columns->ub.data[j] > 1.0))
+            mps_warn(&reader->warnings, MpsWarning::BINARY_CUT, 0, name);
     }
 }
 
@@ -144,19 +146,18 @@ static void settle_bounds(MpsReader *reader)
 // The sides of row i with its range.
 static int apply_range(MpsReader *reader, int i)
 {
-    static constexpr double HUGE_SIDE = 1e20; // a side of this magnitude is infinite
     ModelDraft *draft = &reader->draft;
     const double b = draft->rhs.data[i];
     const double range = reader->rows.range.data[i];
     const double width = std::fabs(range);
     char *sense = &draft->row_sense.data[i];
-    if (std::fabs(b) >= HUGE_SIDE) {
+    if (std::fabs(b) >= DRAFT_HUGE) {
         const char *name = draft->row_names.data[i];
         mps_warn(&reader->warnings, MpsWarning::RANGE_OF_INFINITE, 0,
                  {name, name + strlen(name)});
         return 0;
     }
-    if (width >= HUGE_SIDE) {
+    if (width >= DRAFT_HUGE) {
         if (*sense == 'E') *sense = range > 0.0 ? 'G' : 'L';
         return 0;
     }
@@ -226,6 +227,8 @@ static int copy_model_name(MpsReader *reader)
 static void warn_of_whole(MpsReader *reader)
 {
     ReadWarnings *warnings = &reader->warnings;
+    if (reader->segments.integer_mode) // 'INTEND' never came
+        mps_warn(warnings, MpsWarning::MARKER, 0, TextSpan{});
     if (!reader->seen_rhs) mps_warn(warnings, MpsWarning::NO_RHS, 0, TextSpan{});
     if (!reader->rows.type.size)
         mps_warn(warnings, MpsWarning::NO_CONSTRAINTS, 0, TextSpan{});

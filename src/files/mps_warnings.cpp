@@ -20,6 +20,7 @@ static const WarningText texts[] = {
     {"Warning: column name in bound section not defined\n"},
     {"Warning: duplicate bounds for a column.\n"},
     {"Warning: integer column with lower bound MI keeps its default upper bound 1.\n"},
+    {"Warning: bounds of a binary variable are cut to 0 and 1.\n"},
     {"Warning: more than one set in rhs section, the first one is used.\n"},
     {"Warning: more than one set in ranges section, the first one is used.\n"},
     {"Warning: more than one set in bounds section, the first one is used.\n"},

@@ -163,6 +163,12 @@ int TVXloadenv(TVXenv **env_out, const char *log_file_name)
     return finish(env, 0);
 }
 
+void env_write_no_files(TVXenv *copy)
+{
+    copy->ResultFile[0] = '\0';
+    copy->TARV_PAR_DUMP = 0;
+}
+
 int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
 {
     *copy_out = nullptr;
@@ -181,6 +187,7 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
     copy->outer = nullptr;
     copy->is_master = 0;
     copy->log_file = nullptr;
+    if (log == LogReopen::NO) env_write_no_files(copy);
     flag_store(&source->model_copies, 1);
     hold(source->master);
     if (log == LogReopen::YES && source->log_file && source->LogFile[0])

@@ -1,6 +1,7 @@
 // model_free.cpp -- letting go of a model, or of what solves left in it
 #include "frame/attributes.h"
 #include "frame/model_store.h"
+#include "frame/optimize.h"
 #include "frame/warm_start.h"
 #include "simplex/simplex.h"
 
@@ -27,6 +28,7 @@ void model_free(TVXmodel *model)
 {
     while (model) { // a presolved model may hold a presolved one of its own
         TVXmodel *presolved = model->presolved;
+        interrupt_end(model);
         free_own_results(model);
         simplex_free(model->simplex);
         pending_free(model->pending);

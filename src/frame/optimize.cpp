@@ -6,9 +6,12 @@
 // Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
 //             survives the closing lines (err_hold).
 #include "frame/optimize.h"
+#include "files/dispatch.h"
 #include "files/files.h"
 #include "frame/optimize_log.h"
 #include "frame/runtime/clock.h"
+#include "frame/runtime/file.h"
+#include <cstring>
 
 // Writes model and parameters as they are about to be solved, for a bug report. Failing to do so does
 // not stop the solve.
@@ -61,19 +64,79 @@ static int close_run(TVXmodel *model, int code)
     return finish_model(model, code);
 }
 
-static void write_result_file(TVXmodel *model)
+// ---- The result file ----
+
+// What the file would hold, if only a solve can make it: the file of an earlier solve must not pass for that of this one.
+static const char *result_of_solve(const char *file_name)
+{
+    switch (file_type(file_name)) {
+    case FILE_SOL:
+    case FILE_MST:
+        return "solution";
+    case FILE_BAS:
+        return "basis";
+    default:
+        return nullptr;
+    }
+}
+
+static void call_older(TVXenv *env)
+{
+    TVXmsg(env, "         The file of that name is older, not the result of this solve\n");
+}
+
+static void drop_old_result(TVXenv *env, const char *name)
+{
+    if (FileRemove(name))
+        TVXmsg(env, "         The file of that name was older and is removed\n");
+    else if (FileCanRead(name))
+        call_older(env);
+}
+
+// The file could not be written, for this code; or the solve has failed, and nothing was tried.
+static void explain_no_result(TVXenv *env, const char *name, int code, bool solved)
+{
+    const char *what = result_of_solve(name);
+    TVXmsg(env, "WARNING: unable to write requested result file '%s'\n", name);
+    if (!what) return;
+    if (!solved)
+        TVXmsg(env, "         The solve has failed\n");
+    else if (code == TVX_ERROR_DATA_NOT_AVAILABLE)
+        TVXmsg(env, "         The solve ended without a %s\n", what);
+    if (code != TVX_ERROR_FILE_WRITE)
+        drop_old_result(env, name);
+    else if (FileCanRead(name)) // perhaps protected by its owner
+        call_older(env);
+}
+
+static void write_result_file(TVXmodel *model, const char *name)
 {
     TVXenv *env = model->env;
-    if (!env->ResultFile[0]) return;
-    const int code = TVXwrite(model, env->ResultFile);
+    const int code = TVXwrite(model, name);
     TVXmsg(env, "\n");
     if (code)
-        TVXmsg(env, "WARNING: unable to write requested result file '%s'\n",
-               env->ResultFile);
+        explain_no_result(env, name, code, true);
     else
-        TVXmsg(env, "Wrote requested result file '%s'\n", env->ResultFile);
+        TVXmsg(env, "Wrote requested result file '%s'\n", name);
     TVXmsg(env, "\n");
     (void)finish_model(model, 0); // the solve went well: its call leaves no text
+}
+
+// Behind a solve with this code. A callback that hears the lines written here may change parameters and make calls of its
+// own: the name is kept, and so is the text of a failure.
+static void settle_result_file(TVXmodel *model, int solve_code)
+{
+    TVXenv *env = model->env;
+    char name[sizeof env->ResultFile];
+    memcpy(name, env->ResultFile, sizeof name);
+    if (!*name) return;
+    if (!solve_code) {
+        write_result_file(model, name);
+    } else if (result_of_solve(name)) {
+        env->err_hold = 1;
+        explain_no_result(env, name, solve_code, false);
+        env->err_hold = 0;
+    }
 }
 
 int TVXoptimize(TVXmodel *model)
@@ -84,7 +147,8 @@ int TVXoptimize(TVXmodel *model)
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     if (code) return finish_model(model, code);
     optimize_open(model, now);
+    interrupt_begin(model);
     code = close_run(model, optimize_run(model));
-    if (!code) write_result_file(model);
+    settle_result_file(model, code);
     return code;
 }

@@ -17,12 +17,15 @@ void optimize_open(TVXmodel *model, double now);
 // Solves a model with them.
 [[nodiscard]] int mip_driver(TVXmodel *model);
 
+// ---- interrupt.cpp ----
+// A solve opens, its stop flag cleared: a signal that has come since TVXsetsignal stops it.
+void interrupt_begin(TVXmodel *model);
+// After a solve, or before the model goes, signals mean what they meant before TVXsetsignal.
+void interrupt_end(TVXmodel *model);
+
 // ---- mip_focus.cpp ----
 // Parameters that MIPFocus presets for one solve, as they were before.
 static constexpr int FOCUS_INTS = 6, FOCUS_DOUBLES = 3;
-// interrupt.cpp: after a solve the console interrupt means what it meant before TVXsetsignal.
-void interrupt_end(TVXmodel *model);
-
 struct MipFocusSaved {
     int ints[FOCUS_INTS];
     double doubles[FOCUS_DOUBLES];

@@ -76,3 +76,57 @@ TEST_F(PresolvedModel, is_stopped_like_a_solve_but_not_by_what_came_before)
     ASSERT_EQ(TVXsetcallbackfunc(model, nullptr, nullptr), 0);
     EXPECT_GT(value_of(model), -1e100);
 }
+
+TEST_F(PresolvedModel, leaves_the_figures_of_its_source_alone)
+{
+    Dice dice(5);
+    load(gen_multi_period(&dice, 12).lp);
+    value_of(model);
+    const double nodes = dbl("NodeCount"), iterations = dbl("IterCount");
+    EXPECT_TRUE(TestModel(TVXpresolvemodel(model)));
+    EXPECT_EQ(dbl("NodeCount"), nodes);
+    EXPECT_EQ(dbl("IterCount"), iterations);
+}
+
+TEST_F(PresolvedModel, is_the_whole_model_without_presolve)
+{
+    Dice dice(7);
+    load(gen_multi_period(&dice, 12).lp);
+    ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+    const TestModel whole(TVXpresolvemodel(model));
+    ASSERT_TRUE(whole);
+    for (const char *count : {"NumVars", "NumConstrs", "NumNZs"}) {
+        int value = 0;
+        ASSERT_EQ(TVXgetintattr(whole, count, &value), 0);
+        EXPECT_EQ(value, integer(count)) << count;
+    }
+    const double value = value_of(model);
+    EXPECT_NEAR(value_of(whole), value, 1e-6 * (1 + std::fabs(value)));
+}
+
+TEST_F(PresolvedModel, and_all_other_derived_models_have_names)
+{
+    using Maker = TVXmodel *(*)(TVXmodel *);
+    const std::pair<Maker, std::string> cases[] = {{TVXpresolvemodel, "_presolved"},
+                                                   {TVXfixedmodel, "_fixed"},
+                                                   {TVXconverttofixed, "_fixed"},
+                                                   {TVXrelaxmodel, "_relaxed"},
+                                                   {TVXfeasibility, "_feasibility"}};
+    Dice dice(9);
+    LpModel solved_by_presolve;
+    lp_add_var(&solved_by_presolve, 1, 2, 5);
+    lp_add_row_entries(&solved_by_presolve, {{0, 1}}, '<', 3);
+    for (const LpModel &lp : {gen_multi_period(&dice, 12).lp, solved_by_presolve})
+        for (const char *name : {"", "plan"}) {
+            load(lp);
+            ASSERT_EQ(TVXsetstrattr(model, "ModelName", name), 0);
+            value_of(model);
+            for (const auto &[make, suffix] : cases) {
+                const TestModel derived(make(model));
+                ASSERT_TRUE(derived) << suffix;
+                char *found = nullptr;
+                ASSERT_EQ(TVXgetstrattr(derived, "ModelName", &found), 0);
+                EXPECT_EQ(found, name + suffix);
+            }
+        }
+}

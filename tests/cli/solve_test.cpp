@@ -94,9 +94,11 @@ TEST_F(CliSolve, ALineOfAParameterFileThatCannotBeUsedIsAnError)
                     Not(HasSubstr("Optimal objective")))
             << line;
     }
-    file_put("set.prm", "ResultFile never.sol\n");
-    fails({"--params", "set.prm", "never.mps"}, "never.sol");
-    solves({"ResultFile=", "--params", "set.prm", "never.mps"});
+    file_put("set.prm", "ResultFile plan.sol\n");
+    solves({"ResultFile=", "--params", "set.prm", "plan.mps"});
+    EXPECT_FALSE(std::filesystem::exists("plan.sol"));
+    solves({"--params", "set.prm", "plan.mps"});
+    EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\n"));
 }
 
 TEST_F(CliSolve, TheLogGoesToAFileAsWell)
@@ -111,7 +113,27 @@ TEST_F(CliSolve, ResultFilesAreWritten)
     solves({"ResultFile=plan.sol", "Result_File=again.MPS", "plan.mps"});
     EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
     EXPECT_THAT(file_get("again.MPS"), HasSubstr("ENDATA"));
-    fails({"ResultFile=never.sol", "never.mps"}, "never.sol");
+    solves({"Presolve=0", "IterationLimit=0", "ResultFile=plan.sol", "plan.mps"});
+    EXPECT_THAT(file_get("plan.sol"), HasSubstr("\n# Not optimal (iteration limit): "));
+}
+
+TEST_F(CliSolve, AnOlderResultFileDoesNotPassForTheResult)
+{
+    for (const char *file : {"x.sol", "x.bas", "x.mst"}) {
+        file_put(file, "older\n");
+        const std::string result = std::string("ResultFile=") + file;
+        EXPECT_THAT(solves({result, "Presolve=1", "never.mps"}).out,
+                    HasSubstr("There is nothing to write: infeasible"));
+        EXPECT_FALSE(std::filesystem::exists(file)) << file;
+    }
+    file_put("whole.lp", "min x st c: x >= 1 general x end\n");
+    file_put("x.sol", "older\n");
+    fails({"ResultFile=x.sol", "whole.lp"}, "whole.lp");
+    EXPECT_FALSE(std::filesystem::exists("x.sol"));
+    file_put("x.sol", "older\n"); // nothing was solved
+    fails({"ResultFile=x.sol", "absent.mps"}, "absent.mps");
+    EXPECT_TRUE(std::filesystem::exists("x.sol"));
+    fails({"ResultFile=x.ilp", "never.mps"}, "IIS");
 }
 
 TEST_F(CliSolve, ABasisWrittenIsABasisToStartFrom)

@@ -76,13 +76,15 @@ TEST_F(LpFormat, Constraints)
         {"min Rga st a: 1 <= x <= 3 a: 2 <= x <= 5",
          "min + Rga; R0000000: + x + Rga_ = 3, R0000001: + x + Rga_1 = 5; Rga_ <= 2, Rga_1 "
          "<= 3,"},
-        {"min st x - x + y <= 3 c: 0 <= 5 d: 1 <= 2 <= 4 0 x >= -1",
+        {"min st x - x + y <= 3 c: 0 <= 5 d: 1 <= 2 <= 4\n0 x >= -1",
          "min + 0 x; R0: + y <= 3, c: + 0 x <= 5, d: + Rgd = 2, R3: + 0 x >= -1; Rgd <= "
          "3,"},
         {"min Bin_ + st1 st bounds: x >= 1 + bin - free\n end >= 3 free + "
          "gen\nsemi-continuous free",
          "min + Bin_ + st1; R0000000: + x - C0000003 + C0000004 >= 1, R1: - 3 C0000004 + "
          "C0000005 - C0000006 >= 0;Semi-continuous, C0000004,"},
+        {"min e1 st c: e1 <= 2e1 d: 2e1 >= 2e1 e1 + x",
+         "min + e1; c: + e1 <= 20, d: + 20 e1 + x <= 20;"},
         {"min st x + y <= inf\n x - y >= -infinity",
          "min; R0: + x + y <= 1e+30, R1: + x - y >= -1e+30;"},
     });
@@ -95,15 +97,16 @@ TEST_F(LpFormat, BoundsTypesAndSets)
          "min + x + y;; -1 <= x <= 4, 2 <= y <= 3,"},
         {"min x + y bound 5>=x>=1 -Inf<=y<=+INFINITY",
          "min + x + y;; 1 <= x <= 5, y free,"},
-        {"min x + y bounds x<=-2 -inf<=y<=- 3",
+        {"min x + y bounds -inf<=x<=-2 -inf<=y<=- 3",
          "min + x + y;; -infinity <= x <= -2, -infinity <= y <= -3,"},
-        {"min x + y bounds x>=0 x<=-2 0<=y<=-3",
-         "min + x + y;; 0 <= x <= -2, 0 <= y <= -3,"},
+        {"min x + y bounds x<=-2 0<=y<=-3", "min + x + y;; 0 <= x <= -2, 0 <= y <= -3,"},
         {"min x + free bounds x free free free 5 = x x free free = 3 bounds",
          "min + x + C0000001;; x free, C0000001 = 3,"},
         {"min x bounds x <= 1e20 x >= -1e30", "min + x;; x free,"},
         {"min x + y bin x GENERALS y bounds x<=3 y<=3",
          "min + x + y;; y <= 3,Binaries, x,Generals, y,"},
+        {"min x+y+z+w binaries\n y\nINTEGER\n x\nints\n z\nint w bounds x<=7 z<=8 w<=9",
+         "min + x + y + z + w;; x <= 7, z <= 8, w <= 9,Binaries, y,Generals, x z w,"},
         {"min x + y + z + w bounds -1<=x y<=7 binaries x y z w gen w",
          "min + x + y + z + w;;Binaries, x y z w,"},
         {"min x + y + z semis x y z integers y bin z bounds x<=5 2<=y",
@@ -133,9 +136,42 @@ TEST_F(LpFormat, WarnsOfWhatHasOneMeaningAllTheSame)
         "Warning: unknown variable 'q' in integer section\n         line 7\n"
         "Warning: unknown variable 'r' in integer section\n         line 7\n"
         "Warning: a bound is given twice, the later one stands: 'x'\n         line 5\n"
-        "Warning: negative upper bound, no lower bound any more: 'x'\n"
+        "Warning: negative upper bound under the default lower bound 0: 'x'\n"
         "Warning: constraint name used twice: 'c'\n         line 2\n"
         "Warning: lower side of a range above its upper side: '1'\n         line 3\n");
+}
+
+TEST_F(LpFormat, WarnsOfBoundsThatBinariesCannotHaveAndOfTextBehindTheEnd)
+{
+    ASSERT_EQ(read("min x + y bounds x<=3 binary x y\nend\n\n\\ note\nbounds y<=5", "t.lp"),
+              0);
+    EXPECT_EQ(log.substr(0, log.find("Read LP")),
+              "Warning: bounds of a binary variable are cut to 0 and 1: 'x'\n"
+              "Warning: text behind the end is not read: 'bounds'\n         line 5\n");
+    ASSERT_EQ(read("min x + y bounds 1<=x binary x y end \\ note\n\n", "t.lp"), 0);
+    EXPECT_EQ(log.substr(0, log.find("Read LP")), "");
+    EXPECT_EQ(domain("x"), "B [1,1]");
+}
+
+// Heads that are misspelt, or sections of other dialects, must not leave the names below them to the section above.
+TEST_F(LpFormat, AWordThatMayHeadASectionIsNeverPassedOver)
+{
+    for (const char *word :
+         {"generls", "Intgers", "GNERAL", "binaris", "semicontinuos", "sec", "SIN", "sos2",
+          "Bonds", "free", "inf", "Lazy", "subject"}) {
+        const std::string text =
+            std::string("min x + y\nst\nc: x + y >= 1\nbinary\ny\n") + word + "\nx\nend";
+        EXPECT_EQ(read(text, "t.lp"), TVX_ERROR_FILE_READ) << word;
+        EXPECT_NE(message().find("line 6, column 1: '"), std::string::npos) << message();
+    }
+    // Any other that stands further left than the names.
+    EXPECT_EQ(read("min x + y\nbinary\n  y\n whole\n  x\nend", "t.lp"),
+              TVX_ERROR_FILE_READ);
+    // An unknown name among names is one, and so is a variable whose name looks like a head.
+    ASSERT_EQ(read("min x + generls\nbinary\n x ghost\n ghost\n  generls\nend", "t.lp"), 0);
+    EXPECT_EQ(domain("generls"), "B [0,1]");
+    // The word of a section that is a variable, too.
+    EXPECT_EQ(read("min x + bin\ngeneral\n x\n bin\nend", "t.lp"), TVX_ERROR_FILE_READ);
 }
 
 TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
@@ -179,6 +215,19 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x bounds x = inf", "column 18: 'inf': a variable cannot be fixed"},
         {"min x bounds - free", "column 16: 'free': a number is missing"},
         {"min x gen x, y", "column 11: 'x,': this is no name"},
+        {"min x st c: x <= 1 000\n y >= 2", "column 20: '000': a number cannot follow"},
+        {"min x st x <= 1.5.2\n y >= 2", "column 18: '.2': a number cannot follow"},
+        {"min x st x <= 1d2", "column 16: 'd2': this is no variable so far"},
+        {"min x st x <= 1e5e3", "column 18: 'e3': this is no variable so far"},
+        {"min x st\nc: x >= 1\nbounds:\nx <= 5", "line 3, column 1: 'bounds': the word"},
+        {"min x + end st\nend + x >= 2\nx <= 1", "line 2, column 1: 'end': this ends"},
+        {"min x st c: x >= inf", "column 10: 'c': the right side is infinite"},
+        {"min x st c: -inf >= x", "column 10: 'c': the right side is infinite"},
+        {"min x bounds x <= -inf", "column 19: '-': the bound is infinite"},
+        {"min x bounds inf <= x", "column 14: 'inf': the bound is infinite"},
+        {"min x + 2 bin\nst\n", "column 11: 'bin': this could be a section"},
+        {"min x + 2 end\nst\n", "line 1, column 11: 'end': this ends"},
+        {"min e1 st x + 2e1 <= 4", "column 15: '2e1': this could be a number, or"},
         {"min x gen 3", "column 11: '3': only names"},
         {"min x sos x:1", "column 11: 'x': S1:: or S2:: must begin"},
         {"min x sos S1:: y:1", "column 16: 'y': the set's member"},

@@ -347,3 +347,17 @@ TEST_F(MpsRead, DollarBeginsACommentUnlessItIsAName)
     EXPECT_EQ(rhs("$R"), 5);
     EXPECT_EQ(domain("$Z") + domain("X"), "C [0,7]C [-inf,inf]");
 }
+
+TEST_F(MpsRead, WarnsOfMarkersThatAreLeftOpenAndOfBoundsThatBinariesCannotHave)
+{
+    ASSERT_EQ(
+        read("ROWS\n N C\n L R\nCOLUMNS\n M 'MARKER' 'INTORG'\n X R 1\nRHS\nENDATA\n"), 0);
+    EXPECT_TRUE(warned("Warning: marker is wrong.\n"));
+    EXPECT_EQ(domain("X"), "I [0,1]");
+    ASSERT_EQ(
+        read(mps_with("RHS\nBOUNDS\n BV B X\n UP B X 3\n BV B Y\n FX B Y 1\nENDATA\n")), 0);
+    EXPECT_TRUE(
+        warned("Warning: bounds of a binary variable are cut to 0 and 1.\n         X\n"));
+    EXPECT_EQ(domain("X"), "B [0,1]");
+    EXPECT_EQ(domain("Y"), "B [1,1]");
+}

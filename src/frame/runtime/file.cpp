@@ -249,11 +249,11 @@ int FileClose(FileHandle *file)
     return failed;
 }
 
-void FileRemove(const char *name)
+bool FileRemove(const char *name)
 {
     struct stat status {
     };
-    if (lstat(name, &status) == 0 && S_ISREG(status.st_mode)) unlink(name);
+    return lstat(name, &status) == 0 && S_ISREG(status.st_mode) && unlink(name) == 0;
 }
 
 bool FileCanRead(const char *name)

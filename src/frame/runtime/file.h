@@ -24,6 +24,8 @@ const char *FileCommand(const char *name); // "gzip", "bzip2", or null for a pla
 // Flushes and closes; a handle without stream is ignored. 0; or 1 when data could not be written, or the
 // command behind a pipe failed (for reading only when the stream was read to its end).
 int FileClose(FileHandle *file);
-void FileRemove(const char *name); // if it is a regular file: a device or a link stays
+bool FileRemove(
+    const char
+        *name); // if it is a regular file: a device or a link stays. Whether it is gone now
 bool FileCanRead(
     const char *name); // it opens as a plain file for reading, and is not a directory

@@ -1,0 +1,140 @@
+// interrupt_test.cpp -- signals end a solve and nothing else; each case is a process of its own
+#include "support/model_test.h"
+#include <csignal>
+#include <functional>
+#include <unistd.h>
+
+namespace
+{
+// Solves the model, and sends the process the signal at its first iterations.
+struct Interrupt : ModelTest {
+    int signal_number = 0; // to be sent, each time
+    int times = 1;
+
+    static int enter(TVXmodel *, void *, int where, void *test)
+    {
+        Interrupt *self = static_cast<Interrupt *>(test);
+        if (where != TVX_WHERE_SIMPLEX || self->times == 0) return 0;
+        self->times--;
+        raise(self->signal_number);
+        return 0;
+    }
+    void SetUp() override
+    {
+        load(diamond());
+        ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
+    }
+    // max x + y, x + 2y <= 4, 3x + y <= 6
+    static LpModel diamond()
+    {
+        LpModel lp;
+        lp.sense = -1;
+        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 4);
+        lp_add_row_entries(&lp, {{0, 3}, {1, 1}}, '<', 6);
+        return lp;
+    }
+    // The status of a solve that is sent the signal so often while it runs.
+    int solve(int number, int count)
+    {
+        signal_number = number;
+        times = count;
+        EXPECT_EQ(TVXresetmodel(model), 0);
+        EXPECT_EQ(TVXoptimize(model), 0);
+        return integer("Status");
+    }
+    // In a process of its own: what must hold there, else it ends with 1.
+    void expect_in_child(const std::function<bool()> &holds)
+    {
+        EXPECT_EXIT(_exit(holds() ? 0 : 1), testing::ExitedWithCode(0), "");
+    }
+    static bool is_default(int number)
+    {
+        struct sigaction now = {};
+        sigaction(number, nullptr, &now);
+        return now.sa_handler == SIG_DFL;
+    }
+};
+volatile sig_atomic_t own_calls = 0;
+void own_handler(int /*signal*/)
+{
+    own_calls = own_calls + 1;
+}
+} // namespace
+
+TEST_F(Interrupt, the_first_signal_ends_the_solve_and_what_signals_meant_comes_back)
+{
+    for (const int number : {SIGINT, SIGTERM})
+        expect_in_child([&] {
+            return TVXsetsignal(model) == 0 && solve(number, 1) == TVX_INTERRUPTED &&
+                   is_default(SIGINT) && is_default(SIGTERM) &&
+                   solve(number, 0) == TVX_OPTIMAL;
+        });
+}
+
+TEST_F(Interrupt, the_second_signal_ends_the_program_whichever_came_first)
+{
+    for (const int first : {SIGINT, SIGTERM})
+        for (const int second : {SIGINT, SIGTERM})
+            EXPECT_EXIT(
+                {
+                    TVXsetsignal(model);
+                    raise(first);
+                    raise(second);
+                },
+                testing::KilledBySignal(second), "");
+}
+
+TEST_F(Interrupt, a_signal_between_the_call_and_the_solve_is_not_lost)
+{
+    expect_in_child([&] {
+        return TVXsetsignal(model) == 0 && raise(SIGINT) == 0 &&
+               solve(SIGINT, 0) == TVX_INTERRUPTED && solve(SIGINT, 0) == TVX_OPTIMAL &&
+               TVXsetsignal(model) == 0 && solve(SIGINT, 0) == TVX_OPTIMAL;
+    });
+}
+
+TEST_F(Interrupt, a_model_that_is_freed_is_not_watched_any_more)
+{
+    EXPECT_EXIT(
+        {
+            TVXsetsignal(model);
+            TVXfreemodel(model);
+            raise(SIGINT);
+        },
+        testing::KilledBySignal(SIGINT), "");
+    expect_in_child([&] { // of two models the last one; the first goes meanwhile
+        TVXmodel *other = TVXcopymodel(model);
+        const bool set = TVXsetsignal(other) == 0 && TVXsetsignal(model) == 0;
+        TVXfreemodel(other);
+        return set && solve(SIGINT, 1) == TVX_INTERRUPTED && is_default(SIGINT);
+    });
+}
+
+TEST_F(Interrupt, handlers_of_the_program_are_left_alone_or_brought_back)
+{
+    expect_in_child([&] { // SIGTERM is the program's own
+        signal(SIGTERM, own_handler);
+        return TVXsetsignal(model) == 0 && solve(SIGTERM, 1) == TVX_OPTIMAL &&
+               own_calls == 1;
+    });
+    expect_in_child([&] { // both ignored
+        signal(SIGTERM, SIG_IGN);
+        signal(SIGINT, SIG_IGN);
+        return TVXsetsignal(model) == 0 && solve(SIGTERM, 1) == TVX_OPTIMAL &&
+               TVXsetsignal(model) == 0 && solve(SIGINT, 1) == TVX_OPTIMAL;
+    });
+    expect_in_child([&] { // the program's own comes back when the model goes
+        signal(SIGINT, own_handler);
+        const bool set = TVXsetsignal(model) == 0;
+        TVXfreemodel(model);
+        return set && raise(SIGINT) == 0 && own_calls == 1;
+    });
+    expect_in_child([&] { // one that is installed after the call stays
+        const bool set = TVXsetsignal(model) == 0;
+        signal(SIGINT, own_handler);
+        return set && solve(SIGTERM, 1) == TVX_INTERRUPTED && raise(SIGINT) == 0 &&
+               own_calls == 1;
+    });
+}

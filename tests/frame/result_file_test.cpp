@@ -1,0 +1,121 @@
+// result_file_test.cpp -- ResultFile: the result of this solve or no file, and only for the caller's own model
+#include "support/model_test.h"
+#include <gmock/gmock.h>
+
+namespace
+{
+struct ResultFile : ModelTest {
+    Scratch scratch;
+
+    // max x + y, x + 2y <= 4, 3x + y <= limit: infeasible with a limit below 0
+    void load_with(double limit, const char *file)
+    {
+        LpModel lp;
+        lp.sense = -1;
+        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 4);
+        lp_add_row_entries(&lp, {{0, 3}, {1, 1}}, '<', limit);
+        load(lp);
+        ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", file), 0);
+    }
+    std::string log_of_solve()
+    {
+        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        Output output;
+        EXPECT_EQ(TVXoptimize(model), 0);
+        return output.text();
+    }
+    static constexpr char OLD[] = "older\n";
+};
+} // namespace
+
+TEST_F(ResultFile, an_older_file_does_not_pass_for_the_result_of_a_solve_without_one)
+{
+    for (const char *file : {"x.sol", "x.SOL", "x.mst"}) {
+        file_put(file, OLD);
+        load_with(-1, file);
+        const std::string log = log_of_solve();
+        EXPECT_THAT(log,
+                    testing::HasSubstr("WARNING: unable to write requested result file '" +
+                                       std::string(file) +
+                                       "'\n         The solve ended without a solution\n"
+                                       "         The file of that name was older and is "
+                                       "removed\n"));
+        EXPECT_FALSE(std::filesystem::exists(file));
+        EXPECT_STREQ(TVXgetmerrormsg(model), "");
+    }
+    file_put("x.prm", OLD); // this can be written after any solve
+    load_with(-1, "x.prm");
+    EXPECT_THAT(log_of_solve(),
+                testing::HasSubstr("Wrote requested result file 'x.prm'\n"));
+    EXPECT_NE(file_get("x.prm"), OLD);
+}
+
+TEST_F(ResultFile, what_cannot_be_removed_is_called_older)
+{
+    file_put("target.sol", OLD);
+    std::filesystem::create_symlink("target.sol", "x.sol");
+    load_with(-1, "x.sol");
+    EXPECT_THAT(log_of_solve(),
+                testing::HasSubstr("The file of that name is older, not the "
+                                   "result of this solve\n"));
+    EXPECT_EQ(file_get("target.sol"), OLD);
+}
+
+TEST_F(ResultFile, a_solve_that_fails_leaves_none)
+{
+    file_put("x.sol", OLD);
+    load_with(6, "x.sol");
+    const TVXcallback fail_it = [](TVXmodel *, void *, int where, void *) {
+        return where == TVX_WHERE_SIMPLEX || where == TVX_WHERE_PRESOLVE ? 77 : 0;
+    };
+    ASSERT_EQ(TVXsetcallbackfunc(model, fail_it, nullptr), 0);
+    EXPECT_EQ(TVXoptimize(model), 77);
+    EXPECT_FALSE(std::filesystem::exists("x.sol"));
+}
+
+TEST_F(ResultFile, a_point_that_is_not_optimal_is_called_so)
+{
+    load_with(6, "x.sol");
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(file_get("x.sol").find('#'), std::string::npos); // no name, and optimal
+    ASSERT_EQ(TVXresetmodel(model), 0);
+    ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 0), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    ASSERT_EQ(integer("Status"), TVX_ITERATION_LIMIT);
+    EXPECT_THAT(
+        file_get("x.sol"),
+        testing::StartsWith("# Not optimal (iteration limit): violates bounds by 0, "
+                            "constraints by 0, integrality by 0\nC0 "));
+    std::filesystem::rename("x.sol", "x.mst"); // the comment is one to readers too
+    EXPECT_EQ(TVXread(model, "x.mst"), 0);
+    EXPECT_EQ(dbl("Start", 1), dbl("X", 1));
+}
+
+TEST_F(ResultFile, derived_models_do_not_write_over_it)
+{
+    load_with(6, "x.sol");
+    ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_DUMP", 1), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    const std::string mine = file_get("x.sol");
+    EXPECT_NE(file_get("tarvex.rew"), "");
+    for (const auto make : {TVXfixedmodel, TVXconverttofixed, TVXrelaxmodel, TVXfeasibility,
+                            TVXpresolvemodel}) {
+        file_put("x.sol", OLD);
+        file_put("tarvex.rew", OLD);
+        file_put("tarvex.prm", OLD);
+        const TestModel derived(make(model));
+        ASSERT_TRUE(derived);
+        ASSERT_EQ(TVXoptimize(derived), 0);
+        for (const char *file : {"x.sol", "tarvex.rew", "tarvex.prm"})
+            EXPECT_EQ(file_get(file), OLD) << file;
+        char file[TVX_PARAM_LENGTH + 1] = "";
+        EXPECT_EQ(TVXgetstrparam(TVXgetenv(derived), "ResultFile", file), 0);
+        EXPECT_STREQ(file, "");
+    }
+    char file[TVX_PARAM_LENGTH + 1] = "";
+    EXPECT_EQ(TVXgetstrparam(own(), "ResultFile", file), 0); // the model's own stays
+    EXPECT_STREQ(file, "x.sol");
+    EXPECT_NE(mine, "");
+}
