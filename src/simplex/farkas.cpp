@@ -4,7 +4,7 @@
 //             entries may have led it there: the claim needs a proof that stands alone.
 // Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
 //             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. On a side without a
-//             bound an entry of g ends the proof, unless the gap is wider than what it is worth out to FARTHEST.
+//             bound an entry of g ends the proof, unless the gap is wider than what it is worth out to RANGE.
 //             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve
 //             has left beside these is solved for again, and the corrections are kept beside y as its lower digits.
 //             Sums run in twofold doubles. Then multipliers of 1e5 do not hide an infeasibility of 1e-5, and an entry
@@ -22,9 +22,10 @@ constexpr int REFINEMENTS = 8; // each adds digits, fewer where the basis is ill
 constexpr double ENOUGH =
     0x1p-98; // what the basis columns may have left, against the multipliers
 constexpr double SLACK =
-    1e-9; // in the user's units: a model with a point that violates no row and no bound by
-          // more is not refused
-constexpr double FARTHEST = 1e20; // likewise: bounds from here on count as none
+    1e-9; // in the user's units: a model with a point that violates no row and no bound by more is
+    // not refused
+constexpr double RANGE = 1e15,
+                 NEAR_RANGE = 1e9; // likewise: points up to this far out are excluded
 
 // y = High + Low, over rows.
 template<class R> struct Multipliers {
@@ -103,36 +104,40 @@ template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> 
 // One end of the range of g x - y b, seen so far.
 struct End {
     Sum Value;
-    double Unsure = 0; // rounding, and what variables without a bound may add
-    double Weight = 0; // what rows and bounds held wider by 1 may add
+    double Rounding = 0; // of what the sum is made of
+    double Open =
+        0; // what variables without a bound may add, for each unit of the user that they go out
+    double Weight = 0; // what rows and bounds held wider by a unit of the user may add
 };
 
 void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
 {
     const double size = std::fabs(g.Value.high), unit = user_unit(s, j);
-    if (std::fabs(bound) * unit < FARTHEST && has_lower(s, bound) && has_upper(s, bound)) {
+    if (std::fabs(bound) * unit < INFINITE_VALUE && has_lower(s, bound) &&
+        has_upper(s, bound)) {
         end->Value.add(twofold_times(g.Value, bound));
-        end->Unsure += g.error() * std::fabs(bound);
+        end->Rounding += g.error() * std::fabs(bound);
         end->Weight += size / unit;
     } else {
-        end->Unsure += (size + g.error()) * FARTHEST / unit;
+        end->Open += (size + g.error()) / unit;
     }
 }
 
-// How sure it is that g x = y b cannot hold.
+// How sure it is that g x = y b cannot hold, each stage with the one before.
 enum class Gap {
     NONE,
-    EXACT,
-    RELAXED,
-    WIDE
-}; // beyond rounding; with rows and bounds held wider: by SLACK, by FeasibilityTol
+    NEAR,    // for values up to NEAR_RANGE
+    RELAXED, // for values up to RANGE, with rows and bounds held wider by SLACK
+    WIDE     // with rows and bounds held wider by FeasibilityTol
+};
 
 Gap judge(const sopt *s, const End &end, int sign)
 {
-    const double gap = sign * end.Value.Value.high - end.Unsure - end.Value.error();
-    if (gap > s->Env->FeasibilityTol * end.Weight) return Gap::WIDE;
-    if (gap > SLACK * end.Weight) return Gap::RELAXED;
-    return gap > 0 ? Gap::EXACT : Gap::NONE;
+    const double gap = sign * end.Value.Value.high - end.Rounding - end.Value.error();
+    const double far = gap - RANGE * end.Open, near = gap - NEAR_RANGE * end.Open;
+    if (far > std::max(SLACK, s->Env->FeasibilityTol) * end.Weight) return Gap::WIDE;
+    if (far > SLACK * end.Weight) return Gap::RELAXED;
+    return near > 0 ? Gap::NEAR : Gap::NONE;
 }
 
 // sign: by what y is multiplied so that the least value of g x exceeds y b.
@@ -178,7 +183,7 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
     const Gap gap = equation_fails(s, y, &sign);
     const bool proved = gap >= Gap::RELAXED;
     s->WideProof = gap == Gap::WIDE;
-    if (gap == Gap::EXACT) s->WeakFarkas = 1;
+    if (gap == Gap::NEAR) s->WeakFarkas = 1;
     if (proved) keep(s, y, sign);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);
