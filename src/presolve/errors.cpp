@@ -3,7 +3,8 @@
 
 namespace
 {
-constexpr double MOST_RHS_ERROR = 1;  // feasibility tolerances
+constexpr double MOST_RHS_ERROR =
+    10; // feasibility tolerances: rows of the model enlarged ten thousand times
 constexpr double MOST_COST_ERROR = 1; // optimality tolerances
 constexpr double MOST_LOST =
     1e6; // size of an entry's terms over the pivot: nine digits are left

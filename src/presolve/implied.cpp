@@ -12,8 +12,8 @@
 
 namespace
 {
-constexpr double SMALL_ENTRY =
-    1e-9; // says nothing reliable, like a row that tolerances do not hide the errors of
+constexpr double SMALL_ENTRY = 1e-9; // says nothing reliable
+constexpr double LARGE_ERROR = 10; // tolerances: neither does a row that is off by so much
 
 // What is left for a x_j when the other terms of a row sum to their extreme: -(sum of the others) / a, given the sum
 // over all and the bound of j that entered it. False when others are infinite.
@@ -33,7 +33,8 @@ ImpliedBounds implied_bounds(const PresolveWork *w, int j)
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
         const int i = w->Nodes.data[p].row;
         const double a = w->Nodes.data[p].value;
-        if (std::fabs(a) < SMALL_ENTRY || w->RhsErr.data[i] > w->FeasTol) continue;
+        if (std::fabs(a) < SMALL_ENTRY || w->RhsErr.data[i] > LARGE_ERROR * w->FeasTol)
+            continue;
         const double in_min = a > 0 ? lb : ub, in_max = a > 0 ? ub : lb;
         double t = 0;
         if (rest_over(w->RMin.data[i], w->Rmincnt.data[i], in_min, a, w->INF, &t)) {

@@ -71,6 +71,19 @@ void check_activity(const PresolveWork *w, int i, Checker *c)
     c->expect(std::fabs(low - w->RMin.data[i]) <= tol, "RMin", i, w->RMin.data[i], low);
     c->expect(std::fabs(high - w->RMax.data[i]) <= tol, "RMax", i, w->RMax.data[i], high);
 }
+
+void check_errors(const PresolveWork *w, Checker *c)
+{
+    for (int i = 0; i < w->NumRows; i++)
+        c->expect(w->RhsErr.data[i] >= w->DataErr, "RhsErr", i, w->RhsErr.data[i],
+                  w->DataErr);
+    for (int j = 0; j < w->NumCols; j++)
+        c->expect(w->ObjErr.data[j] >= 0 && w->BoundErr.data[j] >= 0, "ObjErr or BoundErr",
+                  j, w->ObjErr.data[j], w->BoundErr.data[j]);
+    for (int p = 0; p < w->EntrySize.size; p++)
+        c->expect(w->EntrySize.data[p] >= 0, "EntrySize", p,
+                  static_cast<double>(w->EntrySize.data[p]), 0);
+}
 } // namespace
 
 int presolve_verify(const PresolveWork *w)
@@ -80,6 +93,7 @@ int presolve_verify(const PresolveWork *w)
     check_cols(w, &c);
     for (int i = 0; i < w->NumRows; i++)
         if (is_live_row(w, i)) check_activity(w, i, &c);
+    check_errors(w, &c);
     for (int k = 0; k < w->Flag.size; k++)
         c.expect(w->Flag.data[k] == 0 && w->Scratch.data[k] == 0 &&
                      w->ScratchB.data[k] == 0 && w->ScratchC.data[k] == 0,
