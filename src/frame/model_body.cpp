@@ -103,6 +103,13 @@ void body_drop_rows(ModelBody *body)
     array_free(&body->row_val);
 }
 
+void body_find_kinds(ModelBody *body, double infinite)
+{
+    body->kind_infinity = infinite;
+    for (int j = 0; j < body->numvars; j++)
+        body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], infinite);
+}
+
 void model_estimate_size(TVXmodel *model)
 {
     const ModelBody *body = model->body;
