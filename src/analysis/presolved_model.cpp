@@ -4,6 +4,7 @@
 // model is busy as in a solve: TVXterminate stops the call, other calls are refused.
 #include "frame/model_store.h"
 #include "frame/optimize.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "presolve/presolve.h"
 #include <cstring>
@@ -60,9 +61,10 @@ int collect_names(const TVXmodel *model, Names *names)
 int refuse(TVXmodel *model, int status)
 {
     if (status == OUT_OF_MEMORY) return status;
-    const char *why = status == PRESOLVE_TIME_LIMIT ? "the time limit is reached"
-                      : status == PRESOLVE_INTERRUPTED
-                          ? "it was interrupted"
+    const char *why = status == PRESOLVE_TIME_LIMIT    ? "the time limit is reached"
+                      : status == PRESOLVE_INTERRUPTED ? "it was interrupted"
+                      : status == TVX_ERROR_INVALID_ARGUMENT
+                          ? "its numbers are too large"
                           : "the model has no optimal solution";
     return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
                       "Presolve leaves no model: %s", why);
@@ -80,6 +82,8 @@ int make_copy(TVXmodel *model, TVXmodel **out)
                                  .objcon = presolved_constant(model->presolve)};
         return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
     }
+    if (!all_rows_ordinary(model->presolved->body)) // free rows do not get this far
+        return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
     Names names;
     TRY(collect_names(model, &names));
     return model_copy(model->presolved, names.vars.data, names.constrs.data, out);

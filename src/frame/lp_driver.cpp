@@ -2,12 +2,14 @@
 //
 // Method      1  A model that is solved and unchanged is not solved again; only its closing lines are.
 //             2  After a limit or an interruption the live simplex record continues.
+//                A row that no point satisfies makes the model infeasible without a solve.
 //             3  Else the start is the caller's basis if one was set since the last solve, the live
 //                record, the basis that an update carried over, or nothing.
 //             4  Without a basis to start from, presolve reduces the model (lp_presolved.cpp). The simplex
 //                solves what is left, and the way back gives a basis of the model.
 //             5  The simplex solves the model itself, from that basis usually without an iteration.
-//             6  Results are published as lp_result, and the closing lines say how it ended.
+//             6  Results are published as lp_result. An optimum that does not fit the model's own numbers is told as
+//                numeric trouble (lp_credible.cpp). The closing lines say how it ended.
 // Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
 //             leaves the status at TVX_LOADED, and neither.
 #include "frame/attributes.h"
@@ -15,6 +17,7 @@
 #include "frame/lp_run.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
@@ -93,6 +96,35 @@ static void publish(TVXmodel *model, double start)
     simplex_log_final(simplex);
 }
 
+// A row that no point satisfies settles the model, whatever else it holds.
+static bool has_impossible_row(TVXmodel *model)
+{
+    const ModelBody *body = model->body;
+    const int i = find_row(body, RowKind::IMPOSSIBLE);
+    if (i < 0) return false;
+    char buffer[DEFAULT_NAME_LENGTH];
+    TVXmsg(model->env, "Warning: constraint %s has the infinite right-hand side %g\n",
+           constr_name(body, i, buffer), turned(row_sign(body, i), body->rhs[i]));
+    return true;
+}
+
+static int find_start(TVXmodel *model, bool resume, LpStart *start)
+{
+    if (!has_impossible_row(model))
+        return lp_presolved(model, choose_method(model->env), resume, start);
+    model->status = TVX_INFEASIBLE;
+    start->final = true;
+    return 0;
+}
+
+static int judge_optimum(TVXmodel *model)
+{
+    bool credible = true;
+    if (model->status == TVX_OPTIMAL) TRY(lp_credible(model, &credible));
+    if (!credible) model->status = TVX_NUMERIC;
+    return 0;
+}
+
 // A limit or an interruption has stopped the last solve on its reduced model.
 static bool stopped_in_presolved(const TVXmodel *model)
 {
@@ -111,7 +143,7 @@ static int solve(TVXmodel *model, double start)
     choose_start(model);
     model->node_count = 0;
     LpStart basis;
-    TRY(lp_presolved(model, choose_method(model->env), resume, &basis));
+    TRY(find_start(model, resume, &basis));
     if (basis.final) drop_simplex(model);
     const int code = basis.final ? 0 : run_simplex(model, &basis.statuses);
     if (code == OUT_OF_MEMORY) return code;
@@ -120,6 +152,7 @@ static int solve(TVXmodel *model, double start)
     if (model->simplex) warm_start_drop(model);
     if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))
         model->status = TVX_INFEASIBLE;
+    TRY(judge_optimum(model));
     return code;
 }
 

@@ -15,6 +15,7 @@
 #include "frame/lp_form.h"
 #include "frame/lp_run.h"
 #include "frame/optimize.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
@@ -56,7 +57,7 @@ bool is_wide(const ModelBody *body)
 bool has_bad_bounds(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     for (int j = 0; j < body->numvars; j++) {
         const double lb = body->lb.data[j], ub = body->ub.data[j];
         if (lb >= infinite || ub <= -infinite || lb - ub > model->env->FeasibilityTol)
@@ -123,7 +124,7 @@ int turn_basis(const TVXmodel *model, Array<int> *statuses)
     const ModelBody *body = model->body;
     Array<int> own;
     TRY(array_resize(&own, int64_t{body->numvars} + body->numconstrs));
-    dual_basis_to_primal(body, model->env->TARV_PAR_INFBOUND, statuses->data, own.data);
+    dual_basis_to_primal(body, infinite_bound(model->env), statuses->data, own.data);
     *statuses = static_cast<Array<int> &&>(own);
     return 0;
 }
@@ -219,11 +220,22 @@ void write_reduced(TVXmodel *form)
     (void)finish_model(form, 0); // a failure leaves no text
 }
 
+// Numbers have grown beyond what a model may hold, or into what counts as infinite there.
+bool is_overgrown(const TVXmodel *form, int status)
+{
+    if (status >= TVX_ERROR_OUT_OF_MEMORY) return true;
+    return status == 0 && form->presolved && !all_rows_ordinary(form->presolved->body);
+}
+
 int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
 {
     const double begin = WallClock();
     int status = form->presolved ? form->status : presolve_lp(form->model);
     if (status == OUT_OF_MEMORY) return status;
+    if (is_overgrown(form->model, status)) { // the model itself has to tell
+        presolve_drop(form->model);
+        return 0;
+    }
     log_presolved(form->model, begin);
     write_reduced(form->model);
     if (status != 0) {

@@ -6,6 +6,7 @@
 // Invariant   The measures of `result` that are not taken keep their empty state.
 // Cost        O(n + m + nonzeros + SOS members)
 #include "frame/quality_parts.h"
+#include "frame/row_kind.h"
 #include <algorithm>
 #include <cmath>
 
@@ -51,7 +52,7 @@ void quality_rows(const ModelBody *body, const RowActivity &rows, const QualityS
 {
     for (int i = 0; i < body->numconstrs; i++) {
         const double slack = static_cast<double>(body->rhs[i] - rows.sum[i]);
-        const double amount = body->senses[i] == '=' ? fabs(slack) : -slack;
+        const double amount = is_equation(body, i) ? fabs(slack) : -slack;
         violation_add(&result->ConstrVio, i, amount);
         violation_add(&result->ConstrSVio, i, amount * scale_at(scale.row, i));
     }

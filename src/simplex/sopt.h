@@ -109,7 +109,7 @@ struct sopt {
     double ObjScale = 1;
     Array<double> RowScale, ColScale; // [m], [n]
     int Scaled = 0;                   // some factor differs from +-1
-    double Infinity = 1e30;           // TARV_PAR_INFBOUND
+    double Infinity = 1e30;           // infinite_bound of the environment
 
     // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
     Array<int> RowBeg;      // [m + 1]
@@ -165,7 +165,8 @@ struct sopt {
            PrimalResidual = 0; // of the last values: as solved, after refinement
     double DualResidual = 0;   // of the last reduced costs, after refinement
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
-    double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
+    double Cutoff =
+        1e100; // in user units, minimisation, without offset: as Obj; HUGE_VAL: none
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
     Random Rng;
 
