@@ -75,7 +75,8 @@ int make_copy(TVXmodel *model, TVXmodel **out)
     if (model_is_mip(model))
         return fail_model(model, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
                           "Presolve of models with integer variables is not available yet");
-    const int status = presolve_lp(model);
+    const int status =
+        body_is_extreme(model->body) ? TVX_ERROR_INVALID_ARGUMENT : presolve_lp(model);
     if (status != 0) return refuse(model, status);
     if (!model->presolved) { // nothing is left but the constant
         const ModelData empty = {.sense = model->body->sense,

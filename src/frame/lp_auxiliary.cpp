@@ -92,7 +92,9 @@ int is_wanted(const TVXmodel *model, int method, bool *wanted)
 {
     const TVXenv *env = model->env;
     *wanted = false;
-    if (model->body->numvars < LARGE || !env->Presolve || !env->PrePasses) return 0;
+    if (model->body->numvars < LARGE || !env->Presolve || !env->PrePasses ||
+        body_is_extreme(model->body))
+        return 0;
     if (method == METHOD_DUAL) {
         *wanted = dual_pays(model);
         return 0;

@@ -1,9 +1,10 @@
 // lp_presolved.cpp -- presolve, the simplex on what is left, and the way back to a basis of the model
 //
-// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve. Else: choose the
-//             form (the model or its dual); reduce it; solve the reduced model; map an optimum back to a basis of the
-//             form. A dual form is solved from there and its basis turned into one of the model. The caller confirms
-//             the basis on the model itself, usually without an iteration.
+// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve, and so is one
+//             whose numbers would overflow in a reduction. Else: choose the form (the model or its dual); reduce it;
+//             solve the reduced model; map an optimum back to a basis of the form. A dual form is solved from there and
+//             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
+//             an iteration.
 //             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
 //             once, at the same limit, and shows the point.
 //             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
@@ -14,6 +15,7 @@
 #include "files/files.h"
 #include "frame/lp_form.h"
 #include "frame/lp_run.h"
+#include "frame/model_store.h"
 #include "frame/optimize.h"
 #include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
@@ -71,6 +73,7 @@ bool wants_presolve(const TVXmodel *model)
     const TVXenv *env = model->env;
     if (env->Presolve == 0 || has_bad_bounds(model)) return false;
     if (env->Presolve < 0 && has_start(model)) return false;
+    if (body_is_extreme(model->body)) return false;
     return !(env->PreDual == -1 && env->LPMethod < 2 && env->Presolve < 2 &&
              is_wide(model->body));
 }

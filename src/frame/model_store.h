@@ -103,6 +103,8 @@ void body_negate_rows(ModelBody *body, const char *marked);
 void body_count_types(ModelBody *body);  // numintvars, numbinvars
 void body_find_flipped(ModelBody *body); // row_flipped
 void body_drop_rows(ModelBody *body);    // the row-wise copy
+// Holds coefficients or costs whose products may leave the range of a double. Cost: O(n + nonzeros)
+bool body_is_extreme(const ModelBody *body);
 // bound_kind of all variables, for another magnitude of infinite bounds.
 void body_find_kinds(ModelBody *body, double infinite);
 // Members of each SOS in weight order (model_sos.cpp). 0 or OUT_OF_MEMORY.
