@@ -16,7 +16,7 @@
 
 namespace
 {
-constexpr double GROSS_TOLERANCES = 1000; // one digit in three is lost in usual scalings
+constexpr double GROSS_TOLERANCES = 1000; // scale factors of usual models hide so much
 constexpr double GROSS_SHARE = 1e-3; // three correct digits are the least for an answer
 
 struct Judge {
