@@ -60,6 +60,10 @@ void run_dual(void *argument)
     DualThread *t = static_cast<DualThread *>(argument);
     t->status = dualise(t->source, t->env, &t->dual);
     if (t->status == 0) t->status = presolve_lp(t->dual);
+    if (t->status != 0) { // to give back much memory takes time: not after the other form
+        model_free(t->dual);
+        t->dual = nullptr;
+    }
     flag_store(&t->done, 1);
 }
 

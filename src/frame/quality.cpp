@@ -38,7 +38,9 @@ void quality_bounds(const ModelBody *body, const double *x, const QualityScale &
                     Quality *result)
 {
     for (int j = 0; j < body->numvars; j++) {
-        double amount = outside(x[j], body->lb[j], body->ub[j]);
+        const double lb = body->bound_kind[j] & 1 ? -HUGE_VAL : body->lb[j],
+                     ub = body->bound_kind[j] & 2 ? HUGE_VAL : body->ub[j];
+        double amount = outside(x[j], lb, ub);
         const char type = var_type(body, j);
         // a semi-continuous variable may also be zero: count the nearer of the two
         if (type == 'S' || type == 'N') amount = std::min(amount, fabs(x[j]));

@@ -98,7 +98,6 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
                       const double *pi, const QualityScale &scale, Quality *result)
 {
     const int sign = point.signs == PointSigns::CALLER ? body->sense : 1; // of point.rc
-    const double infinity = infinite_bound(env);
     for (int j = 0; j < body->numvars; j++) {
         const double x = point.x[j], lb = body->lb[j], ub = body->ub[j];
         const long double exact = reduced_cost(body, pi, j);
@@ -107,8 +106,8 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
         const double near = d > 0 ? lb : ub;
         judge({.index = j,
                .multiplier = d,
-               .below = lb <= -infinity ? HUGE_VAL : x - lb,
-               .above = ub >= infinity ? HUGE_VAL : ub - x,
+               .below = body->bound_kind[j] & 1 ? HUGE_VAL : x - lb,
+               .above = body->bound_kind[j] & 2 ? HUGE_VAL : ub - x,
                .tolerance = env->FeasibilityTol + RELATIVE_PLACE_TOLERANCE * fabs(near),
                .scale = factor},
               result);

@@ -141,3 +141,16 @@ TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
     ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e30), 0);
     EXPECT_EQ(objective(), -5e6);
 }
+
+TEST_F(HugeNumbers, a_bound_that_counts_as_infinite_is_not_violated)
+{
+    LpModel lp = two_costs(-1, 1, 5e6);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 6e6);
+    more = {{"TARV_PAR_INFBOUND", 1e6}};
+    solve_all(lp, [&](int status) {
+        ASSERT_EQ(status, TVX_OPTIMAL);
+        EXPECT_EQ(dbl("X", 0), 6e6);
+        for (const char *name : {"BoundVio", "DualVio", "ComplVio"})
+            EXPECT_LE(dbl(name), 1e-6) << name;
+    });
+}
