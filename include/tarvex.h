@@ -210,11 +210,14 @@ TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
  * variable that is queued cannot be named in a constraint. A call that fails has queued nothing. Many changes before
  * one update cost one pass over the matrix.
  *
- * Values      Bounds of magnitude 1e20 and more are infinite; NaN and infinities are refused.
+ * Values      Bounds of magnitude 1e20 and more are infinite, and so are right-hand sides: "at most" 1e20 or more asks for
+ *             nothing, at most -1e20 or less makes the model infeasible; likewise "at least", and an equation with either
+ *             is infeasible. They read back as given. NaN and infinities are refused.
  * Types       'C' continuous, 'B' binary, 'I' integer, 'S' semi-continuous (0 or within its bounds), 'N' semi-integer;
  *             lower case will do. Bounds of 'B', 'I' and 'N' are rounded inwards to integers (a fraction of 1e-5 is
- *             forgiven), those of 'B' cut to 0 and 1.
- * Senses      '<' (also 'L', 'l'), '>' ('G', 'g'), '=' ('E', 'e').
+ *             forgiven), those of 'B' cut to 0 and 1. The bounds given are kept: after a change of
+ *             type it is they that are rounded, or stand again.
+ * Senses      '<' (also 'L', 'l'), '>' ('G', 'g'), '=' ('E', 'e'). Any other character stands as it came and counts as '<'.
  * Names       Null or "" asks for the default, "C" or "R" with a number. Names need not differ.
  *
  * Calls on a model return 10002 for a null one, 10003 for one that is not alive or whose environment was freed, 10017
@@ -270,8 +273,8 @@ TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
  * Other parameters as for a solve (Aggregate, PrePasses, ...); queued changes do not count. Figures and results of the last
  * solve stay as they are. An optimal solution of the new model has the objective of this one's.
  * Returns null on failure, and the error text tells why: no memory; 10005 when presolve finds that there is no optimal
- * solution or is stopped by TimeLimit (counted from this call), TVXterminate or a callback; 10016 for a model with integer or
- * semi-continuous variables or SOS constraints; 10017 from a callback. */
+ * solution, meets numbers beyond about 1e100, or is stopped by TimeLimit (counted from this call), TVXterminate or a
+ * callback; 10016 for a model with integer or semi-continuous variables or SOS constraints; 10017 from a callback. */
 TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
 
 /* A linear model in which everything is fixed that a solution of this one decides, called "NAME_fixed", with the same
@@ -303,8 +306,8 @@ TVX_API TVXmodel *TVXrelaxmodel(TVXmodel *model);
  * exceeds, and one "CONSTR_below" that makes up what a '>' or '=' constraint lacks. They stand behind the other variables,
  * in the order of the constraints. Their sum is to be minimised; the objective goes, and so does parameter Cutoff. Bounds,
  * types and SOS constraints stay: the optimum is 0 when this model has a feasible point, else the least sum of violations
- * that these leave. Queued changes do not count. Returns null on failure: no memory, or 10003 when the new model would be
- * too large. */
+ * that these leave. An infinite right-hand side that makes this model infeasible makes the new one infeasible too. Queued
+ * changes do not count. Returns null on failure: no memory, or 10003 when the new model would be too large. */
 TVX_API TVXmodel *TVXfeasibility(TVXmodel *model);
 
 /* Frees a model with all that belongs to it. Null is ignored.

@@ -7,13 +7,18 @@ void derived_set_bounds(TVXmodel *copy, int j, double lb, double ub)
     ModelBody *body = copy->body;
     body->lb.data[j] = lb;
     body->ub.data[j] = ub;
-    body->bound_kind.data[j] = bound_kind_of(lb, ub, copy->env->TARV_PAR_INFBOUND);
+    body->bound_kind.data[j] = bound_kind_of(lb, ub, body->kind_infinity);
+    if (body->vtypes.size == 0) return;
+    body->given_lb.data[j] = lb;
+    body->given_ub.data[j] = ub;
 }
 
 void derived_make_linear(TVXmodel *copy)
 {
     ModelBody *body = copy->body;
     array_free(&body->vtypes);
+    array_free(&body->given_lb);
+    array_free(&body->given_ub);
     body_count_types(body);
     body->numsos = 0;
     array_free(&body->sostype);

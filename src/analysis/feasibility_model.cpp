@@ -10,6 +10,7 @@
 #include "analysis/derived.h"
 #include "frame/model_store.h"
 #include "frame/parameters.h"
+#include "frame/row_kind.h"
 
 namespace
 {
@@ -56,7 +57,7 @@ void drop_objective(TVXmodel *copy)
 int count_sides(const ModelBody *body)
 {
     int n = body->numconstrs;
-    for (const char sense : body->senses) n += sense == '=';
+    for (int i = 0; i < body->numconstrs; i++) n += is_equation(body, i);
     return n;
 }
 
@@ -68,8 +69,9 @@ int make_elastic(TVXmodel * /*source*/, TVXmodel *copy)
     drop_objective(copy);
     TRY(elastic_alloc(&e, n));
     for (int i = 0; i < body->numconstrs; i++) {
-        if (body->senses.data[i] != '>') TRY(elastic_add(body, i, -1, &e));
-        if (body->senses.data[i] != '<') TRY(elastic_add(body, i, 1, &e));
+        const char sense = counted_sense(body->senses.data[i]);
+        if (sense != '>') TRY(elastic_add(body, i, -1, &e));
+        if (sense != '<') TRY(elastic_add(body, i, 1, &e));
     }
     TRY(TVXaddvars(copy, n, n, e.beg.data, e.row.data, e.value.data, e.cost.data, nullptr,
                    nullptr, nullptr, e.name.data));

@@ -1,10 +1,12 @@
 // presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
 //
-// The model's own presolve record, from which a solve that a limit has stopped would go on, and its figures stay as they are. Meanwhile the
-// model is busy as in a solve: TVXterminate stops the call, other calls are refused.
+// The model's own presolve record, from which a solve that a limit has stopped would go on, and its figures stay as they
+// are. Meanwhile the model is busy as in a solve: TVXterminate stops the call, other calls are refused.
 #include "analysis/derived.h"
+#include "frame/lp_claim.h"
 #include "frame/model_store.h"
 #include "frame/optimize.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "presolve/presolve.h"
 #include <cstring>
@@ -61,9 +63,10 @@ int collect_names(const TVXmodel *model, Names *names)
 int refuse(TVXmodel *model, int status)
 {
     if (status == OUT_OF_MEMORY) return status;
-    const char *why = status == PRESOLVE_TIME_LIMIT ? "the time limit is reached"
-                      : status == PRESOLVE_INTERRUPTED
-                          ? "it was interrupted"
+    const char *why = status == PRESOLVE_TIME_LIMIT    ? "the time limit is reached"
+                      : status == PRESOLVE_INTERRUPTED ? "it was interrupted"
+                      : status == TVX_ERROR_INVALID_ARGUMENT
+                          ? "its numbers are too large"
                           : "the model has no optimal solution";
     return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
                       "Presolve leaves no model: %s", why);
@@ -77,22 +80,32 @@ int make_empty(TVXmodel *model, TVXmodel **out)
     return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
 }
 
-int make_reduced(TVXmodel *model, TVXmodel **out)
-{
-    const int status = presolve_lp(model);
-    if (status != 0) return refuse(model, status);
-    if (!model->presolved) return make_empty(model, out);
-    Names names;
-    TRY(collect_names(model, &names));
-    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
-}
-
 // With Presolve 0 nothing is reduced, as in a solve.
 int make_unreduced(TVXmodel *model, TVXmodel **out)
 {
     const ModelBody *body = model->body;
     return model_copy(model, body->varnames.size ? body->varnames.data : nullptr,
                       body->constrnames.size ? body->constrnames.data : nullptr, out);
+}
+
+int make_reduced(TVXmodel *model, TVXmodel **out)
+{
+    if (body_is_extreme(model->body)) return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
+    LpClaim claim;
+    bool proved = false;
+    const int status = presolve_lp(model, &claim);
+    if (status == OUT_OF_MEMORY) return status;
+    if (status != 0 && !is_limit(status)) {
+        TRY(lp_claim_holds(model, model, &claim, &proved));
+        if (!proved) return make_unreduced(model, out); // rounding has misled a reduction
+    }
+    if (status != 0) return refuse(model, status);
+    if (!model->presolved) return make_empty(model, out);
+    if (!all_rows_ordinary(model->presolved->body)) // free rows do not get this far
+        return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
+    Names names;
+    TRY(collect_names(model, &names));
+    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
 }
 
 int make_copy(TVXmodel *model, TVXmodel **out)

@@ -20,7 +20,7 @@
 
 static bool is_free(const TVXmodel *model, int j)
 {
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     return model->body->lb.data[j] <= -infinite && model->body->ub.data[j] >= infinite;
 }
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <limits>
 
-static void fill_ranges(TVXmodel *model, int part, int k)
+static int fill_ranges(TVXmodel *model, int part, int k)
 {
     Array<double> *ends = model->attributes->ranges;
     const auto put = [ends, k](int low, const RangePair &range) {
@@ -22,8 +22,11 @@ static void fill_ranges(TVXmodel *model, int part, int k)
         put(LB_LOW, ranges.Lower);
         put(UB_LOW, ranges.Upper);
     } else {
-        put(RHS_LOW, range_of_rhs(model, k));
+        RangePair range;
+        TRY(range_of_rhs(model, k, &range));
+        put(RHS_LOW, range);
     }
+    return 0;
 }
 
 // Room for the ends that come with this one, all unknown.
@@ -52,7 +55,8 @@ int get_range(TVXmodel *model, int part, ElementRange range, void *values)
     double *out = static_cast<double *>(values);
     for (int i = 0; i < range.len; i++) {
         const int k = element_at(range, i);
-        if (std::isnan(model->attributes->ranges[part][k])) fill_ranges(model, part, k);
+        if (std::isnan(model->attributes->ranges[part][k]))
+            TRY(fill_ranges(model, part, k));
         out[i] = model->attributes->ranges[part][k];
     }
     return 0;

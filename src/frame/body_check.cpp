@@ -42,6 +42,8 @@ static bool check_shape(const ModelBody *b, Faults *f)
            -1);
     expect(f, is_sized(b->bound_kind.size, n), "bound_kind has the wrong size", -1);
     expect(f, is_optional(b->vtypes.size, n), "vtypes has the wrong size", -1);
+    expect(f, b->given_lb.size == b->vtypes.size && b->given_ub.size == b->vtypes.size,
+           "given_lb or given_ub: wrong size", -1);
     expect(f, is_optional(b->varnames.size, n), "varnames has the wrong size", -1);
     expect(f, is_sized(b->vbeg.size, n + 1), "vbeg has the wrong size", -1);
     expect(f, is_sized(b->vlen.size, n), "vlen has the wrong size", -1);
@@ -65,8 +67,9 @@ static bool is_bound(double value)
            std::fabs(value) == INFINITE_BOUND; // assigned
 }
 
-static void check_vars(const ModelBody *b, double infinite, Faults *f)
+static void check_vars(const ModelBody *b, Faults *f)
 {
+    const double infinite = b->kind_infinity;
     int n_int = 0;
     int n_bin = 0;
     for (int j = 0; j < b->numvars; j++) {
@@ -81,6 +84,9 @@ static void check_vars(const ModelBody *b, double infinite, Faults *f)
         expect(f, (b->bound_kind[j] & 1) == (lb <= -infinite), "bound_kind of variable", j);
         expect(f, (b->bound_kind[j] & 2) == (ub >= infinite ? 2 : 0),
                "bound_kind of variable", j);
+        if (strchr("CS", vtype) && b->vtypes.size)
+            expect(f, lb == b->given_lb[j] && ub == b->given_ub[j], // copies
+                   "bounds of a variable that is not integral", j);
         if (strchr("BIN", vtype))
             expect(f, lb == std::floor(lb) && ub == std::floor(ub),
                    "fractional bound of variable", j);
@@ -160,12 +166,12 @@ static void check_sos(const ModelBody *b, Faults *f)
     }
 }
 
-int body_check(const ModelBody *body, double infinite, char *where)
+int body_check(const ModelBody *body, char *where)
 {
     Faults faults = {.where = where};
     where[0] = 0;
     if (!check_shape(body, &faults)) return faults.count;
-    check_vars(body, infinite, &faults);
+    check_vars(body, &faults);
     check_constrs(body, &faults);
     check_columns(body, &faults);
     if (faults.count == 0) check_rows(body, &faults);

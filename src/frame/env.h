@@ -63,6 +63,14 @@ struct TVXenv {
 #undef FIELD_STR
 };
 
+// Bounds of this magnitude and more are infinite for a solve: by parameter TARV_PAR_INFBOUND, but never above the value
+// that stands for an infinite bound, else a variable without bound would have one.
+inline double infinite_bound(const TVXenv *env)
+{
+    return env->TARV_PAR_INFBOUND < INFINITE_BOUND ? env->TARV_PAR_INFBOUND
+                                                   : INFINITE_BOUND;
+}
+
 enum class LogReopen { NO, YES };
 // A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
 // warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.

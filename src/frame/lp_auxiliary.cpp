@@ -22,6 +22,7 @@
 #include "frame/lp_auxiliary.h"
 #include "frame/lp_form.h"
 #include "frame/model_store.h"
+#include "frame/row_kind.h"
 #include "presolve/presolve.h"
 #include "simplex/simplex.h"
 #include <algorithm>
@@ -43,7 +44,7 @@ struct Shape {
 Shape shape_of(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
-    const double tol = model->env->OptimalityTol, infinite = model->env->TARV_PAR_INFBOUND;
+    const double tol = model->env->OptimalityTol, infinite = infinite_bound(model->env);
     Shape shape;
     for (int j = 0; j < body->numvars; j++) {
         const bool lower = body->lb.data[j] > -infinite,
@@ -63,7 +64,7 @@ bool dual_pays(const TVXmodel *model)
 
 double start_value(const TVXmodel *model, int j)
 {
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     const double lower = model->body->lb.data[j], upper = model->body->ub.data[j];
     return lower > -infinite ? lower : upper < infinite ? upper : 0;
 }
@@ -83,8 +84,7 @@ int count_violated(const TVXmodel *model, double *violated)
     const double tol = model->env->FeasibilityTol;
     *violated = 0;
     for (int i = 0; i < body->numconstrs; i++)
-        *violated +=
-            slack.data[i] < -tol || (body->senses.data[i] == '=' && slack.data[i] > tol);
+        *violated += slack.data[i] < -tol || (is_equation(body, i) && slack.data[i] > tol);
     return 0;
 }
 
@@ -92,7 +92,9 @@ int is_wanted(const TVXmodel *model, int method, bool *wanted)
 {
     const TVXenv *env = model->env;
     *wanted = false;
-    if (model->body->numvars < LARGE || !env->Presolve || !env->PrePasses) return 0;
+    if (model->body->numvars < LARGE || !env->Presolve || !env->PrePasses ||
+        body_is_extreme(model->body))
+        return 0;
     if (method == METHOD_DUAL) {
         *wanted = dual_pays(model);
         return 0;
@@ -131,8 +133,8 @@ int make_env(const TVXmodel *model, double done, Auxiliary *aux)
 
 void make_homogeneous(ModelBody *body, double infinite)
 {
-    for (double &rhs : body->rhs)
-        if (rhs < INFINITE_VALUE) rhs = 0; // else the row is free
+    for (int i = 0; i < body->numconstrs; i++)
+        if (row_kind(body, i) != RowKind::FREE) body->rhs[i] = 0;
     for (int j = 0; j < body->numvars; j++) {
         double *lower = &body->lb.data[j], *upper = &body->ub.data[j];
         if (*lower > -infinite) *lower = 0;
@@ -159,8 +161,7 @@ int make_model(const TVXmodel *model, int method, Auxiliary *aux)
                             .lb = body->lb.data,
                             .ub = body->ub.data};
     TRY(model_create(aux->env, EnvUse::SHARED, &data, &aux->model));
-    if (method == METHOD_DUAL)
-        make_homogeneous(aux->model->body, aux->env->TARV_PAR_INFBOUND);
+    if (method == METHOD_DUAL) make_homogeneous(aux->model->body, infinite_bound(aux->env));
     return 0;
 }
 

@@ -8,7 +8,7 @@
 
 bool objective_is_bounded(const TVXenv *env, const ModelBody *body)
 {
-    const double infinity = std::min(env->TARV_PAR_INFBOUND, INFINITE_BOUND);
+    const double infinity = infinite_bound(env);
     for (int j = 0; j < body->numvars; j++) {
         const double cost = body->obj[j];
         if (cost > 0 && body->lb[j] <= -infinity) return false;

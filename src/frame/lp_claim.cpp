@@ -14,20 +14,20 @@ namespace
 int judge_farkas(const TVXmodel *model, double *farkas, bool *holds)
 {
     const TVXenv *env = model->env;
-    farkas_clean(model->body, env->TARV_PAR_INFBOUND, farkas);
-    *holds = farkas_holds(model->body, env->TARV_PAR_INFBOUND, farkas, env->FeasibilityTol);
+    farkas_clean(model->body, infinite_bound(env), farkas);
+    *holds = farkas_holds(model->body, infinite_bound(env), farkas, env->FeasibilityTol);
     return 0;
 }
 
 int judge_ray(const TVXmodel *model, double *ray, bool *holds)
 {
-    ray_clean(model->body, model->env->TARV_PAR_INFBOUND, ray);
-    return ray_holds(model->body, model->env->TARV_PAR_INFBOUND, ray, holds);
+    ray_clean(model->body, infinite_bound(model->env), ray);
+    return ray_holds(model->body, infinite_bound(model->env), ray, holds);
 }
 
 int judge_dual(const TVXmodel *model, const LpClaim *claim, bool *holds)
 {
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     Array<double> own;
     if (claim->ray.size > 0) {
         TRY(array_resize(&own, model->body->numconstrs));

@@ -2,11 +2,13 @@
 //
 // Method      1  A model that is solved and unchanged is not solved again; only its closing lines are.
 //             2  After a limit or an interruption the live simplex record continues.
+//                A row that no point satisfies makes the model infeasible without a solve.
 //             3  Else the start is the caller's basis if one was set since the last solve, the live
 //                record, the basis that an update carried over, or nothing.
 //             4  Without a basis to start from, presolve reduces the model (lp_presolved.cpp). The simplex
 //                solves what is left, and the way back gives a basis of the model.
 //             5  The simplex solves the model itself, from that basis usually without an iteration.
+//                An answer that is not sure is sought in other ways (lp_secure.cpp).
 //             6  Results are published as lp_result, and the closing lines say how it ended.
 // Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
 //             leaves the status at TVX_LOADED, and neither.
@@ -15,6 +17,7 @@
 #include "frame/lp_secure.h"
 #include "frame/optimize.h"
 #include "frame/optimize_log.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
@@ -39,6 +42,11 @@ static void drop_simplex(TVXmodel *model)
 // one which a caller has set stands only when it is newer than the simplex record.
 static void choose_start(TVXmodel *model)
 {
+    if (model->simplex && simplex_is_tuned(model->simplex)) { // its way was for one solve
+        const WarmStart *newer = warm_start_usable(model);
+        if (!newer || newer->kind != WARM_CHECKED) warm_start_from_simplex(model);
+        drop_simplex(model);
+    }
     if (!model->simplex)
         return; // the warm start, if there is one, is loaded by the simplex
     const WarmStart *given = warm_start_usable(model);
@@ -92,6 +100,27 @@ static void publish(TVXmodel *model, double start)
     simplex_log_final(simplex);
 }
 
+// A row that no point satisfies settles the model, whatever else it holds.
+static bool has_impossible_row(TVXmodel *model)
+{
+    const ModelBody *body = model->body;
+    const int i = find_row(body, RowKind::IMPOSSIBLE);
+    if (i < 0) return false;
+    char buffer[DEFAULT_NAME_LENGTH];
+    TVXmsg(model->env, "Warning: constraint %s has the infinite right-hand side %g\n",
+           constr_name(body, i, buffer), turned(row_sign(body, i), body->rhs[i]));
+    return true;
+}
+
+static int find_start(TVXmodel *model, bool resume, LpStart *start)
+{
+    if (!has_impossible_row(model))
+        return lp_presolved(model, choose_method(model->env), resume, start);
+    model->status = TVX_INFEASIBLE;
+    start->final = true;
+    return 0;
+}
+
 // A limit or an interruption has stopped the last solve on its reduced model.
 static bool stopped_in_presolved(const TVXmodel *model)
 {
@@ -110,7 +139,7 @@ static int solve(TVXmodel *model, double start)
     choose_start(model);
     model->node_count = 0;
     LpStart basis;
-    TRY(lp_presolved(model, choose_method(model->env), resume, &basis));
+    TRY(find_start(model, resume, &basis));
     if (basis.final) drop_simplex(model);
     const int code = basis.final ? 0 : run_simplex(model, &basis.statuses);
     if (code == OUT_OF_MEMORY) return code;

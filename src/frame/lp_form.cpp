@@ -4,8 +4,11 @@
 //             two threads; the sizes that are left decide. Both always run to their end, so the choice does not depend on
 //             which is faster.
 #include "frame/lp_form.h"
+#include "frame/optimize.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/thread.h"
 #include "presolve/dualise.h"
+#include "presolve/limits.h"
 #include "simplex/simplex.h"
 
 namespace
@@ -22,7 +25,7 @@ bool dual_for_barrier(const ModelBody *body)
     if (m > TALL * n) return true;
     if (m < WIDE * n) return false;
     int equations = 0, free = 0;
-    for (const char sense : body->senses) equations += sense == '=';
+    for (int i = 0; i < body->numconstrs; i++) equations += is_equation(body, i);
     for (const char kind : body->bound_kind) free += kind == 3;
     return equations == 0 || (free > 0 && equations < 2 * free);
 }
@@ -57,6 +60,10 @@ void run_dual(void *argument)
     DualThread *t = static_cast<DualThread *>(argument);
     t->status = dualise(t->source, t->env, &t->dual);
     if (t->status == 0) t->status = presolve_lp(t->dual);
+    if (t->status != 0) { // to give back much memory takes time: not after the other form
+        model_free(t->dual);
+        t->dual = nullptr;
+    }
     flag_store(&t->done, 1);
 }
 
@@ -97,11 +104,13 @@ int choose_from_both(TVXmodel *model, LpForm *form)
     form->presolved = true;
     form->status = presolve_lp(model, &form->claim);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
-    if (thread) {
-        ThreadJoin(thread);
-        if (form->status == 0 && t.status == 0 && dual_is_smaller(model, t.dual))
-            adopt(model, &t, form);
-    }
+    if (thread) ThreadJoin(thread);
+    // One form may have been ready long before the other: a limit is looked at before anything is made of either.
+    if (form->status == 0) form->status = limits_reached(model->env);
+    if (is_limit(form->status))
+        presolve_drop(model);
+    else if (thread && form->status == 0 && t.status == 0 && dual_is_smaller(model, t.dual))
+        adopt(model, &t, form);
     model_free(t.dual);
     env_free(t.env);
     return 0;

@@ -1,9 +1,10 @@
 // lp_presolved.cpp -- presolve, the simplex on what is left, and the way back to a basis of the model
 //
-// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve. Else: choose the
-//             form (the model or its dual); reduce it; solve the reduced model; map an optimum back to a basis of the
-//             form. A dual form is solved from there and its basis turned into one of the model. The caller confirms
-//             the basis on the model itself, usually without an iteration.
+// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve, and so is one
+//             whose numbers would overflow in a reduction. Else: choose the form (the model or its dual); reduce it;
+//             solve the reduced model; map an optimum back to a basis of the form. A dual form is solved from there and
+//             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
+//             an iteration.
 //             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
 //             once, at the same limit, and shows the point.
 //             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
@@ -15,7 +16,9 @@
 #include "frame/lp_claim.h"
 #include "frame/lp_form.h"
 #include "frame/lp_run.h"
+#include "frame/model_store.h"
 #include "frame/optimize.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/warm_start.h"
@@ -57,7 +60,7 @@ bool is_wide(const ModelBody *body)
 bool has_bad_bounds(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     for (int j = 0; j < body->numvars; j++) {
         const double lb = body->lb.data[j], ub = body->ub.data[j];
         if (lb >= infinite || ub <= -infinite || lb - ub > model->env->FeasibilityTol)
@@ -71,6 +74,7 @@ bool wants_presolve(const TVXmodel *model)
     const TVXenv *env = model->env;
     if (env->Presolve == 0 || has_bad_bounds(model)) return false;
     if (env->Presolve < 0 && has_start(model)) return false;
+    if (body_is_extreme(model->body)) return false;
     return !(env->PreDual == -1 && env->LPMethod < 2 && env->Presolve < 2 &&
              is_wide(model->body));
 }
@@ -124,7 +128,7 @@ int turn_basis(const TVXmodel *model, Array<int> *statuses)
     const ModelBody *body = model->body;
     Array<int> own;
     TRY(array_resize(&own, int64_t{body->numvars} + body->numconstrs));
-    dual_basis_to_primal(body, model->env->TARV_PAR_INFBOUND, statuses->data, own.data);
+    dual_basis_to_primal(body, infinite_bound(model->env), statuses->data, own.data);
     *statuses = static_cast<Array<int> &&>(own);
     return 0;
 }
@@ -225,11 +229,22 @@ void write_reduced(TVXmodel *form)
     (void)finish_model(form, 0); // a failure leaves no text
 }
 
+// Numbers have grown beyond what a model may hold, or into what counts as infinite there.
+bool is_overgrown(const TVXmodel *form, int status)
+{
+    if (status >= TVX_ERROR_OUT_OF_MEMORY) return true;
+    return status == 0 && form->presolved && !all_rows_ordinary(form->presolved->body);
+}
+
 int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
 {
     const double begin = WallClock();
     int status = form->presolved ? form->status : presolve_lp(form->model, &form->claim);
     if (status == OUT_OF_MEMORY) return status;
+    if (is_overgrown(form->model, status)) { // the model itself has to tell
+        presolve_drop(form->model);
+        return 0;
+    }
     log_presolved(form->model, begin);
     write_reduced(form->model);
     if (status != 0) {

@@ -2,13 +2,15 @@
 //
 // Problem     A run may end in numeric trouble, at a point that violates the tolerances in the user's units, or with a
 //             claim that it cannot prove.
-// Method      The answer is sure when it is optimal within the tolerances in the user's units, proved, or a limit. Otherwise the model is
-//             solved again, each time in another way (table `ways`), until an answer is sure: from the best basis so far
-//             in extended precision, by the other method, with scaling the other way round, with both. When none is,
-//             the best optimum stands, and the closing lines tell what it violates. Without any, multipliers that prove
-//             the model infeasible as it stands, though a tiny change could make it feasible, are proof enough.
+// Method      The answer is sure when it is optimal within the tolerances in the user's units, proved, or a limit.
+//             Otherwise the model is solved again, each time in another way (table WAYS), until an answer is sure: from the
+//             best basis so far in extended precision, by the other method, with scaling the other way round, with
+//             both; at last with rows and bounds held wider within the tolerance, as the data of a model that is meant to
+//             be feasible may contradict each other by rounding. When none is sure the best one stands, and the closing
+//             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
+//             size are proof enough.
 // Invariant   A limit ends the attempts; the best answer so far stands, the limit if there is none.
-// Cost        Nothing where the first answer is sure.
+// Cost        Where the first answer is sure, the measures that the closing lines need anyway.
 #include "frame/lp_secure.h"
 #include "frame/attributes.h"
 #include "frame/lp_run.h"
@@ -22,45 +24,47 @@ namespace
 enum Begin { BEST_BASIS, SLACKS };
 
 struct Way {
-    const char *text;
-    Begin begin;       // ways from the best basis need one
-    bool other_method; // than that of the first run
-    bool turn_scaling; // off when it was on
-    bool extended;
+    Begin begin;                 // ways from the best basis need one
+    bool other_method;           // than that of the first run
+    bool turn_scaling;           // off when it was on
+    bool extended;               // precision
+    bool widen;                  // rows and bounds
     double tolerance, markowitz; // of SimplexTuning
 };
-constexpr double TIGHT =
-    1e-9; // feasibility and optimality tolerance that leave room for scaling
+constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
 constexpr double USUAL = 1e-6;
-constexpr double STRICT = 0.9;    // pivots in the factors
-constexpr int SMALL_MODEL = 5000; // entries
+constexpr double STRICT = 0.9;      // pivots in the factors
+constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
 
 constexpr Way WAYS[] = {
-    {"in extended precision", BEST_BASIS, false, false, true, TIGHT, 0},
-    {"with the other method", SLACKS, true, false, false, USUAL, 0},
-    {"with other scaling", SLACKS, false, true, false, USUAL, 0},
-    {"with the other method and other scaling", SLACKS, true, true, false, USUAL, 0},
-    {"with other scaling in extended precision", SLACKS, true, true, true, TIGHT, STRICT},
-    {"in extended precision", SLACKS, false, false, true, TIGHT, STRICT},
+    {BEST_BASIS, false, false, true, false, TIGHT, 0},
+    {SLACKS, true, false, false, false, USUAL, 0},
+    {SLACKS, false, true, false, false, USUAL, 0},
+    {SLACKS, true, true, false, false, USUAL, 0},
+    {SLACKS, true, true, true, false, TIGHT, STRICT},
+    {SLACKS, false, false, true, false, TIGHT, STRICT},
+    {SLACKS, false, false, true, true, TIGHT, STRICT},
 };
+constexpr int SMALL_MODEL = 5000; // entries
+constexpr double GROSS_EXCESS =
+    1000; // violation over its tolerance that needs a look at its numbers
 
 // Answers, best first.
 enum class Grade {
     SURE,
     ROUNDED, // as SURE, but as doubles the point violates tolerances in the user's units
-    NARROW,  // the others as in Footing
-    UNSURE,
+    NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
+    UNSURE, // optimal or unbounded at a point that violates tolerances
     NONE
 };
 
-// The best answer so far.
 struct Best {
     Grade grade = Grade::NONE;
-    double excess = 0; // ROUNDED, UNSURE: largest violation over its tolerance
-    Array<int> basis;  // [n + m] of a point that is not SURE, else empty
-    SimplexTuning tuning;
-    bool is_last = false;     // the live record holds it
-    bool weak_farkas = false; // of some run
+    double excess = 0;      // ROUNDED, UNSURE: largest violation over its tolerance
+    sopt *record = nullptr; // that holds it, while it is not the live one; owned
+    int status = TVX_NUMERIC;
+    FarkasReach near = FarkasReach::NOTHING; // of all runs
+    ~Best() { simplex_free(record); }
 };
 
 Grade grade_of(Footing foot)
@@ -79,7 +83,7 @@ Grade grade_of(Footing foot)
 }
 
 // What the caller will find when he puts the point into his model.
-int look_as_caller(TVXmodel *model, Best *now)
+int look_as_caller(TVXmodel *model, Grade *grade, double *excess)
 {
     const TVXenv *env = model->env;
     attributes_clear_solution(model);
@@ -87,40 +91,44 @@ int look_as_caller(TVXmodel *model, Best *now)
     if (model->status != TVX_OPTIMAL || env->TARV_PAR_UNSCALEDVIO == 0) return 0;
     TRY(solution_quality(model));
     const Quality *q = &model->lp_result->quality;
-    now->excess = std::max({q->BoundVio.max / env->FeasibilityTol,
-                            q->ConstrVio.max / env->FeasibilityTol,
-                            q->DualVio.max / env->OptimalityTol});
-    if (now->grade == Grade::SURE && now->excess > 1) now->grade = Grade::ROUNDED;
+    *excess = std::max({q->BoundVio.max / env->FeasibilityTol,
+                        q->ConstrVio.max / env->FeasibilityTol,
+                        q->DualVio.max / env->OptimalityTol});
+    if (*grade == Grade::SURE && *excess > 1) *grade = Grade::ROUNDED;
+    if (*excess <= 1 && *grade == Grade::UNSURE && simplex_is_tuned(model->simplex))
+        *grade = Grade::SURE; // the record itself may be stricter
     return 0;
 }
 
-int note(TVXmodel *model, const SimplexTuning &tuning, Best *best)
+// An optimum that misses the model by as much as its own numbers is none.
+int refuse_gross(TVXmodel *model, Grade *grade, double excess)
+{
+    bool credible = true;
+    if (model->status != TVX_OPTIMAL) return 0;
+    if (excess > GROSS_EXCESS || model->env->TARV_PAR_UNSCALEDVIO == 0)
+        TRY(lp_credible(model, &credible));
+    if (!credible) *grade = Grade::NONE;
+    return 0;
+}
+
+// Grades the live record, and keeps it as the best if it is.
+int note(TVXmodel *model, Best *best)
 {
     const SimplexAssessment a = simplex_assess(model->simplex);
-    Best now;
-    now.grade = grade_of(a.Foot);
-    now.excess = a.Excess;
-    TRY(look_as_caller(model, &now));
-    best->weak_farkas |= a.WeakFarkas;
-    best->is_last =
-        now.grade < best->grade || (now.grade == best->grade && now.excess < best->excess);
-    if (!best->is_last) return 0;
-    best->grade = now.grade;
-    best->excess = now.excess;
-    best->tuning = tuning;
-    best->basis.size = 0;
-    if (now.grade != Grade::ROUNDED && now.grade != Grade::UNSURE) return 0;
-    TRY(array_resize(&best->basis,
-                     int64_t{model->body->numvars} + model->body->numconstrs));
-    simplex_get_basis(model->simplex, best->basis.data);
+    Grade grade = grade_of(a.Foot);
+    double excess = a.Excess;
+    TRY(look_as_caller(model, &grade, &excess));
+    TRY(refuse_gross(model, &grade, excess));
+    best->near = std::max(best->near, a.Near);
+    const bool better =
+        grade < best->grade || (grade == best->grade && excess < best->excess);
+    if (!better || grade == Grade::NONE) return 0;
+    simplex_free(best->record);
+    best->record = nullptr;
+    best->grade = grade;
+    best->excess = excess;
+    best->status = model->status;
     return 0;
-}
-
-// Rounding cannot always be helped: it is tried where that costs next to nothing.
-bool is_good_enough(const TVXmodel *model, const Best &best)
-{
-    return best.grade == Grade::SURE ||
-           (best.grade == Grade::ROUNDED && model->body->numnz > SMALL_MODEL);
 }
 
 // What a run of the simplex leaves: numeric trouble is an outcome, not an error.
@@ -133,8 +141,9 @@ int outcome(TVXmodel *model, int code)
 
 bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
-    if (way.extended && env->Quad == 0) return false;
-    return way.begin != BEST_BASIS || best.basis.size > 0;
+    if (way.extended && env->Quad == 0 && !way.widen) return false;
+    return way.begin != BEST_BASIS || best.grade == Grade::ROUNDED ||
+           best.grade == Grade::UNSURE;
 }
 
 SimplexTuning tuning_of(const TVXenv *env, const Way &way)
@@ -142,43 +151,73 @@ SimplexTuning tuning_of(const TVXenv *env, const Way &way)
     SimplexTuning t;
     if (way.turn_scaling)
         t.Scale = env->ScaleFlag ? SimplexTuning::UNSCALED : SimplexTuning::SCALED;
-    t.Extended = way.extended;
+    t.Extended = way.extended && env->Quad != 0;
     t.Tolerance = way.tolerance;
     t.Markowitz = way.markowitz;
+    if (way.widen) t.Widen = WIDEN_SHARE * env->FeasibilityTol;
     return t;
 }
 
-int repeat(TVXmodel *model, int method, const int *statuses, const SimplexTuning &tuning)
+// The live record makes room for the next one: it is kept when it holds the best answer.
+void set_aside(TVXmodel *model, Best *best)
 {
-    if (model->simplex) model->lp_result->itercount = simplex_iterations(model->simplex);
-    return outcome(model, SimplexRepeat(model, method, statuses, tuning));
+    if (!model->simplex) return;
+    model->lp_result->itercount = simplex_iterations(model->simplex);
+    if (best->grade != Grade::NONE && !best->record)
+        best->record = model->simplex;
+    else
+        simplex_free(model->simplex);
+    model->simplex = nullptr;
 }
 
 int try_way(TVXmodel *model, const Way &way, int method, Best *best)
 {
-    const SimplexTuning tuning = tuning_of(model->env, way);
-    const bool from_best = way.begin == BEST_BASIS;
-    if (way.other_method) method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
-    TVXmsg(model->env, "Warning: answer not sure, solving again %s\n", way.text);
-    TRY(repeat(model, from_best ? METHOD_BY_START : method,
-               from_best ? best->basis.data : nullptr, tuning));
-    if (!model->simplex) return 0;
-    return note(model, tuning, best);
+    Array<int> basis;
+    if (way.begin == BEST_BASIS) {
+        TRY(array_resize(&basis, int64_t{model->body->numvars} + model->body->numconstrs));
+        simplex_get_basis(best->record ? best->record : model->simplex, basis.data);
+        method = METHOD_BY_START;
+    } else if (way.other_method) {
+        method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
+    }
+    set_aside(model, best);
+    TRY(outcome(model,
+                SimplexRepeat(model, method, basis.data, tuning_of(model->env, way))));
+    return model->simplex ? note(model, best) : 0;
+}
+
+// Rounding cannot always be helped: it is tried where that costs next to nothing.
+bool is_good_enough(const TVXmodel *model, const Best &best)
+{
+    return best.grade == Grade::SURE ||
+           (best.grade == Grade::ROUNDED && model->body->numnz > SMALL_MODEL);
 }
 
 // The live record gets the best answer.
-int settle(TVXmodel *model, const Best &best)
+int settle(TVXmodel *model, Best *best)
 {
-    if (best.is_last || best.grade == Grade::SURE) return 0;
-    if (best.basis.size > 0) {
-        TRY(repeat(model, METHOD_BY_START, best.basis.data, best.tuning));
-        Best same;
-        return look_as_caller(model, &same);
-    }
-    const bool infeasible = best.grade == Grade::NARROW || best.weak_farkas;
-    if (infeasible && model->simplex && !is_limit(model->status))
+    const bool stopped = is_limit(model->status);
+    const double iterations =
+        model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
+    const bool beats_point =
+        best->grade == Grade::UNSURE && best->near == FarkasReach::WIDE;
+    const bool beats_none =
+        best->grade == Grade::NONE && best->near != FarkasReach::NOTHING;
+    if (model->simplex && !stopped && (beats_point || beats_none)) {
         simplex_declare_infeasible(model);
-    return 0;
+        return 0;
+    }
+    if (best->grade == Grade::NONE && model->status == TVX_OPTIMAL)
+        model->status = TVX_NUMERIC;
+    if (!best->record) return 0;
+    simplex_free(model->simplex);
+    model->simplex = best->record;
+    best->record = nullptr;
+    simplex_count_on(model->simplex, iterations);
+    model->status = best->status;
+    Grade grade = best->grade;
+    double excess = 0;
+    return look_as_caller(model, &grade, &excess);
 }
 } // namespace
 
@@ -188,10 +227,13 @@ int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
     if (!model->simplex) return 0;
     const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
     Best best;
-    TRY(note(model, SimplexTuning{}, &best));
+    TRY(note(model, &best));
+    if (!is_good_enough(model, best) && !is_limit(model->status))
+        TVXmsg(model->env,
+               "Warning: the answer is not sure, solving again in other ways\n");
     for (const Way &way : WAYS) {
         if (is_good_enough(model, best) || is_limit(model->status)) break;
         if (applies(model->env, way, best)) TRY(try_way(model, way, first, &best));
     }
-    return settle(model, best);
+    return settle(model, &best);
 }

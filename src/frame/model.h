@@ -36,8 +36,10 @@ struct ModelBody {
     Array<double> lb;   // [numvars] -1e30 when infinite
     Array<double> ub;   // [numvars] 1e30 when infinite
     Array<char> vtypes; // [numvars] 'C' 'B' 'I' 'S' 'N', or empty: all 'C'
-    Array<char>
-        bound_kind; // [numvars] 1 when lb is infinite, plus 2 when ub is (by TARV_PAR_INFBOUND)
+    // With vtypes, of their size: the bounds as given, before the type rounded them. A change of type starts from them.
+    Array<double> given_lb, given_ub;
+    Array<char> bound_kind;   // [numvars] 1 when lb is infinite, plus 2 when ub is
+    double kind_infinity = 0; // magnitude from which bound_kind says so: infinite_bound
 
     Array<int> vbeg;    // [numvars + 1] column starts; columns contiguous and in order
     Array<int> vlen;    // [numvars] column lengths, vbeg[j + 1] - vbeg[j]
@@ -50,7 +52,7 @@ struct ModelBody {
     Array<double> row_val; // [numnz]
 
     Array<double> rhs;  // [numconstrs] negated for '>' rows
-    Array<char> senses; // [numconstrs] '<' '>' '=', or what the caller gave
+    Array<char> senses; // [numconstrs] '<' '>' '=', or what the caller gave (row_kind.h)
 
     int sos_sorted = 0;  // members stand in weight order
     Array<int> sostype;  // [numsos] 1 or 2

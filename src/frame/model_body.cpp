@@ -103,6 +103,26 @@ void body_drop_rows(ModelBody *body)
     array_free(&body->row_val);
 }
 
+// Three such numbers multiplied still fit.
+static constexpr double EXTREME = 1e100;
+
+bool body_is_extreme(const ModelBody *body)
+{
+    for (const double a : body->vval)
+        if (a != 0 && !(std::fabs(a) <= EXTREME && std::fabs(a) >= 1 / EXTREME))
+            return true;
+    for (const double cost : body->obj)
+        if (!(std::fabs(cost) <= EXTREME)) return true;
+    return false;
+}
+
+void body_find_kinds(ModelBody *body, double infinite)
+{
+    body->kind_infinity = infinite;
+    for (int j = 0; j < body->numvars; j++)
+        body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], infinite);
+}
+
 void model_estimate_size(TVXmodel *model)
 {
     const ModelBody *body = model->body;

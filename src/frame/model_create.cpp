@@ -129,13 +129,19 @@ static int fill_vars(ModelBody *body, const ModelData *data, double infinite)
     TRY(array_resize(&body->lb, n));
     TRY(array_resize(&body->ub, n));
     TRY(array_resize(&body->bound_kind, n));
+    if (data->vtype)
+        for (Array<double> *given : {&body->given_lb, &body->given_ub})
+            TRY(array_resize(given, n));
     if (data->vtype) TRY(array_resize(&body->vtypes, n));
+    body->kind_infinity = infinite;
     for (int j = 0; j < n; j++) {
         body->obj[j] = data->obj ? body->sense * data->obj[j] : 0;
         double lb = data->lb ? stored_bound(data->lb[j]) : 0;
         double ub = data->ub ? stored_bound(data->ub[j]) : INFINITE_BOUND;
         if (data->vtype) {
             body->vtypes[j] = normal_vtype(data->vtype[j]);
+            body->given_lb[j] = lb;
+            body->given_ub[j] = ub;
             round_bounds(body->vtypes[j], &lb, &ub);
         }
         body->lb[j] = lb;
@@ -206,7 +212,7 @@ static int fill_body(TVXmodel *model, const ModelData *data, int64_t numnz)
     if (!body) return OUT_OF_MEMORY;
     body->sense = data->sense < 0 ? -1 : 1;
     body->objcon = body->sense * data->objcon;
-    TRY(fill_vars(body, data, model->env->TARV_PAR_INFBOUND));
+    TRY(fill_vars(body, data, infinite_bound(model->env)));
     TRY(fill_constrs(body, data));
     TRY(fill_matrix(body, data, numnz));
     if (data->name) TRY(body_store_name(body, data->name, &body->modelname));
@@ -276,12 +282,12 @@ static int adopt_arrays(TVXmodel *model, ModelArrays *arrays)
     body->vbeg = static_cast<Array<int> &&>(arrays->vbeg);
     body->vind = static_cast<Array<int> &&>(arrays->vind);
     body->vval = static_cast<Array<double> &&>(arrays->vval);
+    body->kind_infinity = infinite_bound(model->env);
     for (int j = 0; j < n; j++) {
         body->vlen[j] = body->vbeg[j + 1] - body->vbeg[j];
         body->lb[j] = stored_bound(body->lb[j]);
         body->ub[j] = stored_bound(body->ub[j]);
-        body->bound_kind[j] =
-            bound_kind_of(body->lb[j], body->ub[j], model->env->TARV_PAR_INFBOUND);
+        body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], body->kind_infinity);
     }
     body_count_types(body);
     body_find_flipped(body);

@@ -83,6 +83,8 @@ static int complete_copy(ModelBody *copy, const ModelBody *source)
         body_negate_rows(copy, flipped.data);
     }
     copy->sense = source->sense;
+    TRY(array_copy(&copy->given_lb, source->given_lb.data, source->given_lb.size));
+    TRY(array_copy(&copy->given_ub, source->given_ub.data, source->given_ub.size));
     copy->numsos = source->numsos;
     copy->sos_sorted = source->sos_sorted;
     TRY(array_copy(&copy->sostype, source->sostype.data, source->sostype.size));

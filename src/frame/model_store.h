@@ -103,6 +103,10 @@ void body_negate_rows(ModelBody *body, const char *marked);
 void body_count_types(ModelBody *body);  // numintvars, numbinvars
 void body_find_flipped(ModelBody *body); // row_flipped
 void body_drop_rows(ModelBody *body);    // the row-wise copy
+// Holds coefficients or costs whose products may leave the range of a double. Cost: O(n + nonzeros)
+bool body_is_extreme(const ModelBody *body);
+// bound_kind of all variables, for another magnitude of infinite bounds.
+void body_find_kinds(ModelBody *body, double infinite);
 // Members of each SOS in weight order (model_sos.cpp). 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sos_sort_members(int n_sos, const int *beg, int *ind, double *weight);
 void model_estimate_size(TVXmodel *model); // size_estimate
@@ -111,5 +115,5 @@ void model_estimate_size(TVXmodel *model); // size_estimate
 // Counts broken invariants of a body (body_check.cpp); 0 for a sound one. The first one is described
 // in where, which has BODY_CHECK_LENGTH characters.
 static constexpr int BODY_CHECK_LENGTH = 100;
-int body_check(const ModelBody *body, double infinite, char *where);
+int body_check(const ModelBody *body, char *where);
 #endif

@@ -62,8 +62,7 @@ static constexpr int64_t CHECKED_SIZE =
 static bool is_sound(const TVXmodel *model)
 {
     char where[BODY_CHECK_LENGTH];
-    return model->size_estimate > CHECKED_SIZE ||
-           body_check(model->body, model->env->TARV_PAR_INFBOUND, where) == 0;
+    return model->size_estimate > CHECKED_SIZE || body_check(model->body, where) == 0;
 }
 #endif
 
@@ -88,9 +87,27 @@ static int apply_pending(TVXmodel *model)
     return 0;
 }
 
+// Another parameter value makes other bounds infinite: the model is another one for the solvers, which may start from the
+// basis of before.
+static void follow_infinity(TVXmodel *model)
+{
+    const double infinite = infinite_bound(model->env);
+    if (infinite == model->body->kind_infinity) return; // assigned
+    body_find_kinds(model->body, infinite);
+    if (!model->simplex) return;
+    const WarmStart *given = model->warm_start;
+    if (!given || given->kind == WARM_NONE) warm_start_from_simplex(model);
+    simplex_free(model->simplex);
+    model->simplex = nullptr;
+    model_free_results(model);
+    attributes_clear(model);
+    model->status = TVX_LOADED;
+}
+
 static int update_steps(TVXmodel *model)
 {
     ModelBody *body = model->body;
+    follow_infinity(model);
     if (body->numsos > 0 && !body->sos_sorted) {
         TRY(sos_sort_members(body->numsos, body->sosbeg.data, body->sosind.data,
                              body->soswt.data));

@@ -40,6 +40,10 @@ inline bool is_limit(int status)
            status == TVX_INTERRUPTED;
 }
 
+// ---- lp_credible.cpp ----
+// Is the solution of an optimal model finite, and does it miss no constraint grossly? 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_credible(TVXmodel *model, bool *credible);
+
 // ---- lp_bounded.cpp ----
 // No objective value can run away within the bounds alone: a model that is infeasible or unbounded
 // is then infeasible.

@@ -6,6 +6,7 @@
 // Invariant   The measures of `result` that are not taken keep their empty state.
 // Cost        O(n + m + nonzeros + SOS members)
 #include "frame/quality_parts.h"
+#include "frame/row_kind.h"
 #include <algorithm>
 #include <cmath>
 
@@ -37,7 +38,9 @@ void quality_bounds(const ModelBody *body, const double *x, const QualityScale &
                     Quality *result)
 {
     for (int j = 0; j < body->numvars; j++) {
-        double amount = outside(x[j], body->lb[j], body->ub[j]);
+        const double lb = body->bound_kind[j] & 1 ? -HUGE_VAL : body->lb[j],
+                     ub = body->bound_kind[j] & 2 ? HUGE_VAL : body->ub[j];
+        double amount = outside(x[j], lb, ub);
         const char type = var_type(body, j);
         // a semi-continuous variable may also be zero: count the nearer of the two
         if (type == 'S' || type == 'N') amount = std::min(amount, fabs(x[j]));
@@ -51,7 +54,7 @@ void quality_rows(const ModelBody *body, const RowActivity &rows, const QualityS
 {
     for (int i = 0; i < body->numconstrs; i++) {
         const double slack = static_cast<double>(body->rhs[i] - rows.sum[i]);
-        const double amount = body->senses[i] == '=' ? fabs(slack) : -slack;
+        const double amount = is_equation(body, i) ? fabs(slack) : -slack;
         violation_add(&result->ConstrVio, i, amount);
         violation_add(&result->ConstrSVio, i, amount * scale_at(scale.row, i));
     }

@@ -41,7 +41,7 @@ struct LpPoint {
 
 enum class QualityWarnings { NO, YES };
 
-// All measures of an LP's point; tolerances and infinity from env. 0 or OUT_OF_MEMORY.
+// All measures of an LP's point; tolerances from env. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int LpQuality(TVXenv *env, const ModelBody *body, const LpPoint &point,
                             const QualityScale &scale, Quality *result);
 // BoundVio, ConstrVio and IntVio of a MIP's point, and warnings on the log for those above their

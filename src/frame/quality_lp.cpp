@@ -11,6 +11,7 @@
 // Cost        O(n + m + nonzeros), three arrays over rows.
 // Literature  H. W. Kuhn, A. W. Tucker, "Nonlinear programming", Berkeley Symposium 2, 1951.
 #include "frame/quality_parts.h"
+#include "frame/row_kind.h"
 #include "frame/signs.h"
 #include <algorithm>
 #include <cmath>
@@ -59,7 +60,7 @@ static void row_residuals(const ModelBody *body, const LpPoint &point,
 {
     for (int i = 0; i < body->numconstrs; i++) {
         const bool held = point.row_basis && point.row_basis[i] < 0;
-        if (!held && body->senses[i] != '=') continue;
+        if (!held && !is_equation(body, i)) continue;
         const double residual = static_cast<double>(fabsl(body->rhs[i] - rows.sum[i]));
         violation_add(&result->ConstrResidual, i, residual);
         violation_add(&result->ConstrSResidual, i, residual * scale_at(scale.row, i));
@@ -70,7 +71,7 @@ static void row_duals(const TVXenv *env, const ModelBody *body, const double *pi
                       const RowActivity &rows, const QualityScale &scale, Quality *result)
 {
     for (int i = 0; i < body->numconstrs; i++) {
-        if (body->senses[i] == '=' && !std::isnan(pi[i])) continue; // any sign will do
+        if (is_equation(body, i) && !std::isnan(pi[i])) continue; // any sign will do
         const double size = std::max(fabs(body->rhs[i]), rows.size[i]);
         judge({.index = body->numvars + i,
                .multiplier = -pi[i],
@@ -97,7 +98,6 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
                       const double *pi, const QualityScale &scale, Quality *result)
 {
     const int sign = point.signs == PointSigns::CALLER ? body->sense : 1; // of point.rc
-    const double infinity = std::min(env->TARV_PAR_INFBOUND, INFINITE_BOUND);
     for (int j = 0; j < body->numvars; j++) {
         const double x = point.x[j], lb = body->lb[j], ub = body->ub[j];
         const long double exact = reduced_cost(body, pi, j);
@@ -106,8 +106,8 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
         const double near = d > 0 ? lb : ub;
         judge({.index = j,
                .multiplier = d,
-               .below = lb <= -infinity ? HUGE_VAL : x - lb,
-               .above = ub >= infinity ? HUGE_VAL : ub - x,
+               .below = body->bound_kind[j] & 1 ? HUGE_VAL : x - lb,
+               .above = body->bound_kind[j] & 2 ? HUGE_VAL : ub - x,
                .tolerance = env->FeasibilityTol + RELATIVE_PLACE_TOLERANCE * fabs(near),
                .scale = factor},
               result);

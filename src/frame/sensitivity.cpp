@@ -5,6 +5,7 @@
 // Cost        See sensitivity.h. Preparing: a factorisation at most, usually nothing.
 #include "frame/sensitivity.h"
 #include "frame/attributes.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "frame/signs.h"
 #include "frame/solution.h"
@@ -160,7 +161,21 @@ BoundRanges ranges_of_bounds(TVXmodel *model, int j)
     return {{-NONE, kept}, {kept, NONE}};
 }
 
-RangePair range_of_rhs(TVXmodel *model, int i)
+// A free row binds from where the point stands in it; the simplex leaves it out, so its slack there tells nothing.
+static int range_of_free_rhs(TVXmodel *model, int i, RangePair *range)
+{
+    const double *x = nullptr;
+    TRY(solution_x(model, &x));
+    TRY(body_build_rows(model->body));
+    const ModelBody *body = model->body;
+    long double activity = 0;
+    for (int p = body->row_beg[i]; p < body->row_beg[i + 1]; p++)
+        activity += static_cast<long double>(body->row_val[p]) * x[body->row_ind[p]];
+    *range = {static_cast<double>(activity), NONE};
+    return 0;
+}
+
+static RangePair range_of_bound_rhs(const TVXmodel *model, int i)
 {
     const ModelBody *body = model->body;
     const double b = body->rhs[i];
@@ -170,8 +185,18 @@ RangePair range_of_rhs(TVXmodel *model, int i)
     if (place != Place::BASIC && place != Place::FREE) {
         const RangeSteps steps = simplex_range_value(model->simplex, slack);
         range = around(b, {steps.Up, steps.Down}); // the slack falls as the side rises
-    } else if (body->senses[i] != '=') {
+    } else if (!is_equation(body, i)) {
         range = {b - std::max(0.0, value), NONE};
     }
-    return in_sense(row_sign(body, i), range);
+    return range;
+}
+
+int range_of_rhs(TVXmodel *model, int i, RangePair *range)
+{
+    if (row_kind(model->body, i) == RowKind::FREE)
+        TRY(range_of_free_rhs(model, i, range));
+    else
+        *range = range_of_bound_rhs(model, i);
+    *range = in_sense(row_sign(model->body, i), *range);
+    return 0;
 }

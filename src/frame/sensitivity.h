@@ -22,4 +22,5 @@ struct BoundRanges {
 // None can fail.                                             cost: one solve with the factors, or none
 RangePair range_of_cost(TVXmodel *model, int j);
 BoundRanges ranges_of_bounds(TVXmodel *model, int j);
-RangePair range_of_rhs(TVXmodel *model, int i);
+// 0 or OUT_OF_MEMORY.
+[[nodiscard]] int range_of_rhs(TVXmodel *model, int i, RangePair *range);

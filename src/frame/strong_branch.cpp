@@ -23,7 +23,7 @@ struct Request {
 
 int check(TVXmodel *model, const Request &request)
 {
-    if (request.count < 0 || request.iterations < 0)
+    if (request.count < 0 || !(request.iterations >= 0)) // no number is no limit
         return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
                           "Negative count or iteration limit");
     if (request.count > 0 && !request.ind) return TVX_ERROR_NULL_ARGUMENT;

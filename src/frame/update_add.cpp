@@ -36,11 +36,15 @@ static void push_bounds(TVXmodel *model, const UpdatePlan *plan, char vtype, dou
                         double ub)
 {
     ModelBody *body = model->body;
+    if (plan->has_vtypes) {
+        array_push(&body->vtypes, vtype);
+        array_push(&body->given_lb, lb);
+        array_push(&body->given_ub, ub);
+    }
     round_bounds(vtype, &lb, &ub);
     array_push(&body->lb, lb);
     array_push(&body->ub, ub);
-    array_push(&body->bound_kind, bound_kind_of(lb, ub, model->env->TARV_PAR_INFBOUND));
-    if (plan->has_vtypes) array_push(&body->vtypes, vtype);
+    array_push(&body->bound_kind, bound_kind_of(lb, ub, body->kind_infinity));
 }
 
 static void add_vars(TVXmodel *model, const UpdatePlan *plan)

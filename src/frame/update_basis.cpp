@@ -44,7 +44,7 @@ static bool changes_freedom(const TVXmodel *model)
 {
     const PendingBounds *bounds = &model->pending->bound_changes;
     const ModelBody *body = model->body;
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     for (const int who : bounds->who) {
         const int j = who >= 0 ? who : -who - 1;
         const int lower = bounds->lower_pos[j];
@@ -93,7 +93,7 @@ static int carry_statuses(const TVXmodel *model, const int *statuses,
     const ModelBody *body = model->body;
     const PendingVars *vars = &model->pending->added_vars;
     const PendingConstrs *constrs = &model->pending->added_constrs;
-    const double infinite = model->env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(model->env);
     Array<int> *to = &carried->statuses;
     TRY(array_reserve(to, int64_t{plan->numvars()} + plan->numconstrs()));
     for (int j = 0; j < body->numvars; j++)

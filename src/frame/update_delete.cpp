@@ -74,6 +74,8 @@ void update_delete(TVXmodel *model, const UpdatePlan *plan)
         compact_array(&body->ub, plan->var_map, n);
         compact_array(&body->bound_kind, plan->var_map, n);
         compact_array(&body->vtypes, plan->var_map, n);
+        compact_array(&body->given_lb, plan->var_map, n);
+        compact_array(&body->given_ub, plan->var_map, n);
         compact_array(&body->varnames, plan->var_map, n);
         compact_array(&model->mip_start, plan->var_map, n);
         body->numvars = n;

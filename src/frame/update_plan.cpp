@@ -125,7 +125,20 @@ static int reserve_vars(ModelBody *body, int64_t n)
     return array_grow(&body->vlen, n);
 }
 
-// Arrays that may be absent: types, names, start. All 'C' or no names say the same as no array.
+// All 'C' and their bounds as they are say the same as no arrays.
+static int reserve_types(ModelBody *body, int64_t n)
+{
+    TRY(array_grow(&body->vtypes, n));
+    TRY(array_grow(&body->given_lb, n));
+    TRY(array_grow(&body->given_ub, n));
+    if (body->vtypes.size > 0) return 0;
+    array_append_n(&body->vtypes, static_cast<const char *>(nullptr), body->numvars, 'C');
+    array_append_n(&body->given_lb, body->lb.data, body->numvars, 0.0);
+    array_append_n(&body->given_ub, body->ub.data, body->numvars, 0.0);
+    return 0;
+}
+
+// Arrays that may be absent: types, names, start. No names say the same as no array.
 static int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
 {
     ModelBody *body = model->body;
@@ -134,10 +147,7 @@ static int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
     plan->has_vtypes =
         body->vtypes.size > 0 || p->vars.n_type > 0 || adds_type(&p->added_vars);
     plan->has_varnames = body->varnames.size > 0 || n > body->numvars;
-    if (plan->has_vtypes) {
-        TRY(array_extend(&body->vtypes, body->numvars, 'C'));
-        TRY(array_grow(&body->vtypes, n));
-    }
+    if (plan->has_vtypes) TRY(reserve_types(body, n));
     if (plan->has_varnames) {
         TRY(array_extend(&body->varnames, body->numvars,
                          static_cast<const char *>(nullptr)));

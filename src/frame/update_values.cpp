@@ -3,7 +3,7 @@
 //
 // Indices are those before deletions. Order matters twice: a new side is stored by the row's old
 // sense before the sense changes (which then negates it with the row), and bounds are rounded for
-// integer variables when both types and bounds are final.
+// integer variables when both types and bounds are final, from the bounds as they were given.
 // Cost: O(changes); plus one pass over the matrix when a row becomes or ceases to be '>', and one
 // over the objective when its sense changes.
 #include "frame/update.h"
@@ -49,29 +49,36 @@ static void apply_objective(ModelBody *body, const PendingChanges *p)
         if (p->vars.flags[j] & PENDING_VALUE) body->obj[j] = body->sense * p->vars.value[j];
 }
 
-static void settle_bounds(ModelBody *body, int j, double infinite)
+// From the bounds as given: what an earlier type has made of them does not count.
+static void settle_bounds(ModelBody *body, int j)
 {
-    if (body->vtypes.size) round_bounds(body->vtypes[j], &body->lb[j], &body->ub[j]);
-    body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], infinite);
+    double *lb = &body->lb[j], *ub = &body->ub[j];
+    if (body->vtypes.size) {
+        *lb = body->given_lb[j];
+        *ub = body->given_ub[j];
+        round_bounds(body->vtypes[j], lb, ub);
+    }
+    body->bound_kind[j] = bound_kind_of(*lb, *ub, body->kind_infinity);
 }
 
-static void apply_types_and_bounds(ModelBody *body, const PendingChanges *p,
-                                   double infinite)
+static void apply_types_and_bounds(ModelBody *body, const PendingChanges *p)
 {
+    const bool typed = body->vtypes.size > 0;
+    Array<double> *lower = typed ? &body->given_lb : &body->lb,
+                  *upper = typed ? &body->given_ub : &body->ub;
     for (const int j : p->vars.touched)
         if (p->vars.flags[j] & PENDING_TYPE) body->vtypes[j] = p->vars.type[j];
     const PendingBounds *bounds = &p->bound_changes;
     for (int64_t k = 0; k < bounds->who.size; k++) {
         const int who = bounds->who[k];
         if (who >= 0)
-            body->ub[who] = bounds->val[k];
+            (*upper)[who] = bounds->val[k];
         else
-            body->lb[-who - 1] = bounds->val[k];
+            (*lower)[-who - 1] = bounds->val[k];
     }
     for (const int j : p->vars.touched)
-        if (p->vars.flags[j] & PENDING_TYPE) settle_bounds(body, j, infinite);
-    for (const int who : bounds->who)
-        settle_bounds(body, who >= 0 ? who : -who - 1, infinite);
+        if (p->vars.flags[j] & PENDING_TYPE) settle_bounds(body, j);
+    for (const int who : bounds->who) settle_bounds(body, who >= 0 ? who : -who - 1);
 }
 
 void update_values(TVXmodel *model, const UpdatePlan *plan)
@@ -79,5 +86,5 @@ void update_values(TVXmodel *model, const UpdatePlan *plan)
     const PendingChanges *p = model->pending;
     apply_constrs(model->body, &p->constrs, plan);
     apply_objective(model->body, p);
-    apply_types_and_bounds(model->body, p, model->env->TARV_PAR_INFBOUND);
+    apply_types_and_bounds(model->body, p);
 }

@@ -68,7 +68,7 @@ static int check_codes(TVXmodel *model, const char *attribute, int lowest, int l
                        const int *codes)
 {
     for (int k = 0; k < len; k++)
-        if (codes[k] < lowest)
+        if (codes[k] < lowest || codes[k] > TVX_BASIC)
             return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
                               "Invalid %s value %d", attribute, codes[k]);
     return 0;
@@ -80,7 +80,7 @@ static int set_statuses(TVXmodel *model, int first, ElementRange range, const in
     if (!fits(model)) TRY(warm_start_make(model));
     WarmStart *warm = model->warm_start;
     for (int k = 0; k < range.len; k++)
-        warm->statuses[first + element_at(range, k)] = codes[k] > 0 ? TVX_BASIC : codes[k];
+        warm->statuses[first + element_at(range, k)] = codes[k];
     warm->kind = WARM_UNCHECKED;
     warm->repair = 0;
     return 0;

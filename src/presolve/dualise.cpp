@@ -16,6 +16,7 @@
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "frame/model_store.h"
+#include "frame/row_kind.h"
 #include "presolve/limits.h"
 #include "presolve/presolve.h"
 #include <cmath>
@@ -52,7 +53,10 @@ int allocate(const ModelBody *body, double infinite, DualForm *d)
     int64_t boxed = 0;
     TRY(array_resize(&d->row_of, body->numvars));
     for (int j = 0; j < body->numvars; j++) {
+        TRY(limits_watch(&d->watch, 1));
         const Kind kind = kind_of(body, infinite, j);
+        if (kind != FIXED && std::fabs(body->obj.data[j]) >= INFINITE_VALUE)
+            return TVX_ERROR_INVALID_ARGUMENT; // as a right-hand side it would be infinite
         d->row_of.data[j] = kind == FIXED ? -1 : d->m++;
         boxed += kind == BOXED;
     }
@@ -65,6 +69,7 @@ int allocate(const ModelBody *body, double infinite, DualForm *d)
     TRY(array_resize(&a->rhs, d->m));
     TRY(array_resize(&a->senses, d->m));
     TRY(array_assign(&a->vbeg, int64_t{d->n} + 1, 0));
+    TRY(limits_reached(d->watch.env));
     TRY(array_resize(&a->vind, entries));
     TRY(array_resize(&a->vval, entries));
     return limits_reached(d->watch.env);
@@ -76,11 +81,11 @@ int fill_rows(const ModelBody *body, double infinite, DualForm *d)
     const int m = body->numconstrs;
     ModelArrays *a = &d->arrays;
     for (int i = 0; i < m; i++) {
-        const bool free_row =
-            body->senses.data[i] != '=' && body->rhs.data[i] >= INFINITE_VALUE;
+        TRY(limits_watch(&d->watch, 1));
+        const bool free_row = row_kind(body, i) == RowKind::FREE;
         a->obj.data[i] = free_row ? 0 : -body->rhs.data[i];
         a->lb.data[i] = free_row ? 0 : -INFINITE_BOUND;
-        a->ub.data[i] = body->senses.data[i] == '=' ? INFINITE_BOUND : 0;
+        a->ub.data[i] = is_equation(body, i) ? INFINITE_BOUND : 0;
     }
     for (int j = 0; j < body->numvars; j++) {
         const double base = base_of(body, kind_of(body, infinite, j), j);
@@ -119,11 +124,12 @@ int fill_columns(const ModelBody *body, double infinite, DualForm *d)
     return 0;
 }
 
-void fill_boxes(const ModelBody *body, double infinite, DualForm *d)
+int fill_boxes(const ModelBody *body, double infinite, DualForm *d)
 {
     ModelArrays *a = &d->arrays;
     int k = body->numconstrs, at = a->vbeg.data[k];
     for (int j = 0; j < body->numvars; j++) {
+        TRY(limits_watch(&d->watch, 1));
         if (kind_of(body, infinite, j) != BOXED) continue;
         a->obj.data[k] = body->ub.data[j] - body->lb.data[j];
         a->lb.data[k] = 0;
@@ -132,20 +138,21 @@ void fill_boxes(const ModelBody *body, double infinite, DualForm *d)
         a->vval.data[at++] = -1;
         a->vbeg.data[++k] = at;
     }
+    return 0;
 }
 } // namespace
 
 int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
 {
     const ModelBody *body = model->body;
-    const double infinite = env->TARV_PAR_INFBOUND;
+    const double infinite = infinite_bound(env);
     *out = nullptr;
     DualForm d;
     d.watch.env = env;
     TRY(allocate(body, infinite, &d));
     TRY(fill_rows(body, infinite, &d));
     TRY(fill_columns(body, infinite, &d));
-    fill_boxes(body, infinite, &d);
+    TRY(fill_boxes(body, infinite, &d));
     d.arrays.vind.size = d.arrays.vval.size =
         d.arrays.vbeg.data[d.n];   // none of fixed columns
     d.arrays.sense = -body->sense; // the caller's sense turns both

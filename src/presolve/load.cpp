@@ -2,6 +2,7 @@
 //
 // Method      Vectors are copied; entries go into the pool column by column, linked so that lists run in ascending order.
 //             Entries that are zero but for rounding are left out. Spare nodes give room for fill.
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include "presolve/errors.h"
 
@@ -31,7 +32,10 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
         if (w->Lb.data[j] <= -w->INF) w->Lb.data[j] = -w->INF;
         if (w->Ub.data[j] >= w->INF) w->Ub.data[j] = w->INF;
     }
-    for (int i = 0; i < m; i++) w->Sense.data[i] = body->senses.data[i] == '=' ? '=' : '<';
+    for (int i = 0; i < m; i++) {
+        if (row_kind(body, i) == RowKind::IMPOSSIBLE) return PRESOLVE_INFEASIBLE;
+        w->Sense.data[i] = is_equation(body, i) ? '=' : '<';
+    }
     return 0;
 }
 
@@ -140,7 +144,7 @@ int work_load(PresolveWork *w, TVXmodel *model)
     w->NumCols = body->numvars;
     w->NumRows = body->numconstrs;
     w->StartTime = w->LastLogTime = WallClock();
-    w->INF = env->TARV_PAR_INFBOUND;
+    w->INF = infinite_bound(env);
     w->FeasTol = env->FeasibilityTol;
     w->OptTol = env->OptimalityTol;
     w->ZeroTol = env->TARV_PAR_ZERO;

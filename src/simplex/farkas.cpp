@@ -23,7 +23,7 @@ constexpr double ENOUGH =
     0x1p-98; // what the basis columns may have left, against the multipliers
 constexpr double SLACK =
     1e-9; // in the user's units: a model with a point that violates no row and no bound by more is
-    // not refused
+// not refused
 constexpr double RANGE = 1e15,
                  NEAR_RANGE = 1e9; // likewise: points up to this far out are excluded
 
@@ -126,17 +126,20 @@ void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
 // How sure it is that g x = y b cannot hold, each stage with the one before.
 enum class Gap {
     NONE,
-    NEAR,    // for values up to NEAR_RANGE
-    RELAXED, // for values up to RANGE, with rows and bounds held wider by SLACK
-    WIDE     // with rows and bounds held wider by FeasibilityTol
+    NEAR,      // for values up to NEAR_RANGE
+    NEAR_WIDE, // also with rows and bounds held wider by FeasibilityTol
+    RELAXED,   // for values up to RANGE, with rows and bounds held wider by SLACK
+    WIDE       // with rows and bounds held wider by FeasibilityTol
 };
 
 Gap judge(const sopt *s, const End &end, int sign)
 {
     const double gap = sign * end.Value.Value.high - end.Rounding - end.Value.error();
     const double far = gap - RANGE * end.Open, near = gap - NEAR_RANGE * end.Open;
-    if (far > std::max(SLACK, s->Env->FeasibilityTol) * end.Weight) return Gap::WIDE;
+    const double wide = std::max(SLACK, s->Env->FeasibilityTol) * end.Weight;
+    if (far > wide) return Gap::WIDE;
     if (far > SLACK * end.Weight) return Gap::RELAXED;
+    if (near > wide) return Gap::NEAR_WIDE;
     return near > 0 ? Gap::NEAR : Gap::NONE;
 }
 
@@ -183,7 +186,8 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
     const Gap gap = equation_fails(s, y, &sign);
     const bool proved = gap >= Gap::RELAXED;
     s->WideProof = gap == Gap::WIDE;
-    if (gap == Gap::NEAR) s->WeakFarkas = 1;
+    if (gap == Gap::NEAR) s->NearFarkas = std::max(s->NearFarkas, FarkasReach::EXACT);
+    if (gap == Gap::NEAR_WIDE) s->NearFarkas = FarkasReach::WIDE;
     if (proved) keep(s, y, sign);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);

@@ -321,7 +321,7 @@ int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
 SimplexAssessment simplex_assess(const sopt *s)
 {
     SimplexAssessment a;
-    a.WeakFarkas = s->WeakFarkas != 0;
+    a.Near = s->NearFarkas;
     if (s->Status == SIMPLEX_NUMERIC) return a;
     const bool narrow =
         s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WideProof;
@@ -340,4 +340,16 @@ SimplexAssessment simplex_assess(const sopt *s)
 void simplex_declare_infeasible(TVXmodel *model)
 {
     model->status = model->simplex->Status = SIMPLEX_INFEASIBLE;
+}
+
+bool simplex_is_tuned(const sopt *s)
+{
+    const SimplexTuning &t = s->Tuning, usual;
+    return t.Scale != usual.Scale || t.Extended || t.Tolerance != usual.Tolerance ||
+           t.Markowitz != 0 || t.Widen != 0;
+}
+
+void simplex_count_on(sopt *s, double iterations)
+{
+    s->IterBase = iterations - s->NPvt;
 }

@@ -20,6 +20,7 @@ struct SimplexTuning {
     bool Extended = false;   // from the start in extended precision
     double Tolerance = 1e-6; // feasibility and optimality tolerances are at most this
     double Markowitz = 0;    // pivots in the factors are at least this strict
+    double Widen = 0;        // rows and bounds are held wider by this, in the user\'s units
 };
 
 // Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
@@ -35,6 +36,13 @@ struct SimplexTuning {
                                 const SimplexTuning &tuning);
 void simplex_free(sopt *s); // null is ignored
 
+// Infeasibility out to where the values of usual models end.
+enum class FarkasReach {
+    NOTHING,
+    EXACT, // of the model as it stands
+    WIDE   // also if rows and bounds were held wider by the tolerance
+};
+
 // How well the status of the last run is founded, best first.
 enum class Footing {
     SURE,   // optimal within the tolerances in the user's units, proved, or a limit
@@ -45,15 +53,18 @@ enum class Footing {
 struct SimplexAssessment {
     Footing Foot = Footing::NONE;
     double Excess = 0; // UNSURE: largest violation over its tolerance
-    bool WeakFarkas =
-        false; // some multipliers prove the model infeasible, but not if it were changed a little
+    // What multipliers prove that do not prove the model infeasible out to where numbers end.
+    FarkasReach Near = FarkasReach::NOTHING;
 };
 SimplexAssessment simplex_assess(const sopt *s);
 // What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h). False
 // when there is no such proof.
 [[nodiscard]] bool simplex_get_farkas(const sopt *s, double *farkas);
 [[nodiscard]] bool simplex_get_ray(const sopt *s, double *ray);
-// After WeakFarkas, when nothing else has given an answer.
+bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
+void simplex_count_on(sopt *s,
+                      double iterations); // as if the last run had ended with that count
+// After FarkasReach EXACT or more, when nothing else has given an answer.
 void simplex_declare_infeasible(TVXmodel *model);
 
 // Results of the last run; any out pointer may be null. None can fail.

@@ -1,5 +1,6 @@
 // sopt.cpp -- the working LP: built from a model body, refreshed for each run
 #include "simplex/sopt.h"
+#include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,7 @@ constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed les
 constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
 
 // The matrix without the coefficients of 0 that a model may hold: in a work vector a listed zero would count as not
-// listed, and its place be listed twice.
+// listed, and its place be listed twice. Free rows stay empty: their slack is basic and 0 whatever the point.
 int copy_matrix(sopt *s, const ModelBody *body)
 {
     const int n = s->NumCols;
@@ -28,9 +29,10 @@ int copy_matrix(sopt *s, const ModelBody *body)
     int count = 0;
     for (int j = 0; j < n && room > 0; j++) {
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
-            s->ColInd.data[count] = body->vind.data[p];
+            const int i = body->vind.data[p];
+            s->ColInd.data[count] = i;
             s->ColVal.data[count] = body->vval.data[p];
-            count += body->vval.data[p] != 0;
+            count += body->vval.data[p] != 0 && row_kind(body, i) != RowKind::FREE;
         }
         s->ColBeg.data[j + 1] = count;
     }
@@ -52,8 +54,10 @@ int copy_model(sopt *s)
         s->Lower.data[j] = std::max(body->lb.data[j], -s->Infinity);
         s->Upper.data[j] = std::min(body->ub.data[j], s->Infinity);
     }
-    for (int i = 0; i < m; i++)
-        s->Upper.data[n + i] = body->senses.data[i] == '=' ? 0 : s->Infinity;
+    for (int i = 0; i < m; i++) {
+        s->Upper.data[n + i] = is_equation(body, i) ? 0 : s->Infinity;
+        if (row_kind(body, i) == RowKind::FREE) s->Rhs.data[i] = 0;
+    }
     s->ObjOffset = body->objcon;
     s->Sense = body->sense;
     return 0;
@@ -74,12 +78,24 @@ int allocate_vectors(sopt *s)
     return 0;
 }
 
+// A last resort for models that are infeasible by rounding.
+void widen(sopt *s)
+{
+    if (s->Tuning.Widen <= 0) return;
+    for (int j = 0; j < s->NumVars; j++) {
+        const double step = s->Tuning.Widen / user_unit(s, j);
+        if (has_lower(s, s->Lower.data[j])) s->Lower.data[j] -= step;
+        if (has_upper(s, s->Upper.data[j])) s->Upper.data[j] += step;
+    }
+}
+
 int build(sopt *s)
 {
     TRY(copy_model(s));
     TRY(allocate_vectors(s));
     random_seed(&s->Rng, RANDOM_SEED);
     TRY(scale_working_lp(s));
+    widen(s);
     TRY(row_copy_build(s));
     s->WorkUnits += 5.0 * s->NumRows + 3.0 * s->NumVars;
     return 0;
@@ -96,7 +112,7 @@ int sopt_create(TVXmodel *model, const SimplexTuning &tuning, sopt **out)
     s->Model = model;
     s->Tuning = tuning;
     s->Env = model->env;
-    s->Infinity = model->env->TARV_PAR_INFBOUND;
+    s->Infinity = infinite_bound(model->env);
     s->NumRows = model->body->numconstrs;
     s->NumCols = model->body->numvars;
     if (s->NumRows > INT32_MAX - s->NumCols) {
@@ -118,11 +134,11 @@ int update_limit(const sopt *s, double power)
     return std::max(UPDATES_LEAST, static_cast<int>(std::pow(s->NumRows, power)));
 }
 
-// The cutoff is given for the caller's sense; the default means none whatever the sense.
+// The cutoff is given for the caller's sense; the default means none whatever the sense, and is above every objective.
 void sopt_take_cutoff(sopt *s)
 {
     s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE ? s->Sense * s->Env->Cutoff - s->ObjOffset
-                                                 : UNDEFINED_VALUE;
+                                                 : HUGE_VAL;
 }
 
 void sopt_refresh(sopt *s)
@@ -142,7 +158,7 @@ void sopt_refresh(sopt *s)
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
-    s->WeakFarkas = 0;
+    s->NearFarkas = FarkasReach::NOTHING;
     s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
     s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
     s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);

@@ -133,7 +133,7 @@ struct sopt {
     double ObjScale = 1;
     Array<double> RowScale, ColScale; // [m], [n]
     int Scaled = 0;                   // some factor differs from +-1
-    double Infinity = 1e30;           // TARV_PAR_INFBOUND
+    double Infinity = 1e30;           // infinite_bound of the environment
 
     // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
     Array<int> RowBeg;      // [m + 1]
@@ -192,10 +192,11 @@ struct sopt {
            PrimalResidual = 0; // of the last values: as solved, after refinement
     double DualResidual = 0;   // of the last reduced costs, after refinement
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
-    double Cutoff = 1e100; // in user units, minimisation, without offset: as Obj
+    double Cutoff =
+        1e100; // in user units, minimisation, without offset: as Obj; HUGE_VAL: none
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
-    int WeakFarkas =
-        0; // multipliers prove the LP infeasible, but not with rows and bounds held wider
+    FarkasReach NearFarkas = FarkasReach::
+        NOTHING; // the most that multipliers without a full proof have shown in this run
     int WideProof =
         0; // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol
     ProofKind Proof = PROOF_NONE; // what proved the status of this run

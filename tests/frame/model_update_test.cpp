@@ -3,6 +3,7 @@
 #include "frame/warm_start.h"
 #include "simplex/simplex.h"
 #include "support/model_test.h"
+#include <climits>
 #include <cmath>
 #include <functional>
 
@@ -208,6 +209,50 @@ TEST_F(ModelUpdate, names_and_empty_updates_leave_the_solved_state_and_a_reset_d
     optimize();
 }
 
+// ---- Types and bounds ----
+
+TEST_F(ModelUpdate, bounds_as_given_survive_changes_of_type)
+{
+    const auto type = [&](char letter) {
+        ASSERT_EQ(TVXsetcharattrelement(model, "VType", Y_VAR, letter), 0);
+        update();
+    };
+    const auto expect_bounds = [&](double lb, double ub) {
+        EXPECT_EQ(dbl("LB", Y_VAR), lb);
+        EXPECT_EQ(dbl("UB", Y_VAR), ub);
+    };
+    set("LB", Y_VAR, 0.25);
+    set("UB", Y_VAR, 5.5);
+    type('B');
+    expect_bounds(1, 1);
+    type('I');
+    expect_bounds(1, 5);
+    ASSERT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, -0.5, 2.5, 'I', NONE), 0);
+    set("UB", Y_VAR, 1e100); // the lower one stays as it was given
+    type('N');
+    expect_bounds(1, 1e100);
+    const TestModel copy(TVXcopymodel(model));
+    type('C');
+    expect_bounds(0.25, 1e100);
+    const int first = 0;
+    ASSERT_EQ(TVXdelvars(model, 1, &first), 0);
+    ASSERT_EQ(TVXsetcharattrelement(model, "VType", 3, 'C'), 0);
+    update();
+    EXPECT_EQ(all("LB", 3), (std::vector<double>{0.25, 0, -0.5}));
+    EXPECT_EQ(all("UB", 3), (std::vector<double>{1e100, 1e100, 2.5}));
+
+    double bound = 0;
+    ASSERT_EQ(TVXsetcharattrelement(copy, "VType", Y_VAR, 'S'), 0);
+    ASSERT_EQ(TVXupdatemodel(copy), 0);
+    EXPECT_EQ(TVXgetdblattrelement(copy, "LB", Y_VAR, &bound), 0);
+    EXPECT_EQ(bound, 0.25) << "a copy knows them too";
+    const TestModel relaxed(TVXrelaxmodel(copy)); // and a derived model has its own
+    ASSERT_EQ(TVXsetcharattrelement(relaxed, "VType", Y_VAR, 'C'), 0);
+    ASSERT_EQ(TVXupdatemodel(relaxed), 0);
+    EXPECT_EQ(TVXgetdblattrelement(relaxed, "LB", Y_VAR, &bound), 0);
+    EXPECT_EQ(bound, 0) << "semi-continuous: widened to hold 0";
+}
+
 // ---- The caller's start ----
 
 TEST_F(ModelUpdate, a_start_is_taken_when_it_is_a_basis_and_else_discarded_with_a_warning)
@@ -236,6 +281,11 @@ TEST_F(ModelUpdate, a_start_survives_changes_of_bounds_with_its_norms)
 {
     refused(10003, "Invalid VBasis value -4", TVXsetintattrelement(model, "VBasis", 0, -4));
     EXPECT_EQ(TVXsetintattrelement(model, "CBasis", 0, -2), 10003);
+    for (const int code : {1, 7, INT_MAX, INT_MIN, -10}) {
+        const int codes[] = {0, -1, code};
+        EXPECT_EQ(TVXsetintattrarray(model, "VBasis", 0, 3, codes), 10003) << code;
+        EXPECT_EQ(TVXsetintattrarray(model, "CBasis", 0, 3, codes), 10003) << code;
+    }
     EXPECT_EQ(model->warm_start, nullptr);
     EXPECT_EQ(TVXsetdblattrelement(model, "VDualNorm", 0, 1), 10003) << "no start yet";
     set_basis({-2, 0, -1}, {-1, 0, 0});
@@ -319,21 +369,21 @@ TEST_F(ModelUpdate, the_checker_sees_planted_faults)
 {
     ModelBody *body = model->body;
     char where[BODY_CHECK_LENGTH];
-    const double infinite = model->env->TARV_PAR_INFBOUND;
     ASSERT_EQ(body_build_rows(body), 0);
     // Each fault is planted, seen, and taken back.
     const auto sees = [&](auto &place, auto fault, const char *text) {
         const auto good = place;
         place = static_cast<std::remove_reference_t<decltype(place)>>(fault);
-        EXPECT_GT(body_check(body, infinite, where), 0) << text;
+        EXPECT_GT(body_check(body, where), 0) << text;
         EXPECT_STREQ(where, text);
         place = good;
-        EXPECT_EQ(body_check(body, infinite, where), 0) << where;
+        EXPECT_EQ(body_check(body, where), 0) << where;
     };
     sees(body->numvars, 4, "obj has the wrong size, -1");
     sees(body->sense, 0, "sense, 0");
     sees(body->ub[1], 1e25, "bounds of variable, 1");
     sees(body->bound_kind[1], 3, "bound_kind of variable, 1");
+    sees(body->kind_infinity, 1, "bound_kind of variable, 0");
     sees(body->numintvars, 1, "numintvars, -1");
     sees(body->row_flipped, -1, "row_flipped, -1");
     sees(body->vlen[0], 2, "start or length of column, 0");

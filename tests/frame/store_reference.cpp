@@ -5,15 +5,18 @@
 #include <cmath>
 #include <sstream>
 
-static void round_to_type(StoreReference::Var *var)
+// The bounds that the type makes of those given.
+static double shown_lower(const StoreReference::Var &var)
 {
-    if (var->vtype == 'C' || var->vtype == 'S') return;
-    var->lb = std::ceil(var->lb - 1e-5);
-    var->ub = std::floor(var->ub + 1e-5);
-    if (var->vtype == 'B') {
-        var->lb = std::max(var->lb, 0.0);
-        var->ub = std::min(var->ub, 1.0);
-    }
+    if (var.vtype == 'C' || var.vtype == 'S') return var.lb;
+    const double whole = std::ceil(var.lb - 1e-5);
+    return var.vtype == 'B' ? std::max(whole, 0.0) : whole;
+}
+static double shown_upper(const StoreReference::Var &var)
+{
+    if (var.vtype == 'C' || var.vtype == 'S') return var.ub;
+    const double whole = std::floor(var.ub + 1e-5);
+    return var.vtype == 'B' ? std::min(whole, 1.0) : whole;
 }
 
 static double bounded(double value)
@@ -89,7 +92,6 @@ void StoreReference::update_values()
     for (const auto &[j, value] : queue.vtype) vars[j].vtype = value;
     for (const auto &[j, value] : queue.lb) vars[j].lb = bounded(value);
     for (const auto &[j, value] : queue.ub) vars[j].ub = bounded(value);
-    for (Var &var : vars) round_to_type(&var);
 }
 
 // The last change of a place counts, at the time it came.
@@ -152,10 +154,7 @@ void StoreReference::update_deletions()
 
 void StoreReference::update_additions()
 {
-    for (Var var : queue.vars) {
-        round_to_type(&var);
-        vars.push_back(var);
-    }
+    for (const Var &var : queue.vars) vars.push_back(var);
     std::vector<Var> ranges;
     for (const NewConstr &added : queue.constrs) {
         const int i = static_cast<int>(constrs.size());
@@ -231,8 +230,8 @@ static std::string reference_text(const StoreReference &r)
     line("VarName:", r.vars, name_of);
     line("VType: ", r.vars, [](const Var &v) { return v.vtype; });
     line("Obj:", r.vars, [&](const Var &v) { return blank(v.obj); });
-    line("LB:", r.vars, [&](const Var &v) { return blank(shown_bound(v.lb)); });
-    line("UB:", r.vars, [&](const Var &v) { return blank(shown_bound(v.ub)); });
+    line("LB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_lower(v))); });
+    line("UB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_upper(v))); });
     line("ConstrName:", r.constrs, name_of);
     line("Sense: ", r.constrs, [](const Constr &c) { return c.sense; });
     line("RHS:", r.constrs, [&](const Constr &c) { return blank(c.rhs); });
@@ -258,8 +257,7 @@ std::string compare(TVXmodel *model, const StoreReference &r)
         }
 #ifdef TVX_DEBUG
     char where[BODY_CHECK_LENGTH];
-    if (body_check(model->body, model->env->TARV_PAR_INFBOUND, where))
-        wrong += std::string("broken invariant: ") + where;
+    if (body_check(model->body, where)) wrong += std::string("broken invariant: ") + where;
 #endif
     return wrong;
 }

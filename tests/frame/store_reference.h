@@ -16,8 +16,8 @@ using Entries = std::vector<std::pair<int, double>>; // index, value
 
 struct StoreReference {
     struct Var {
-        std::string name; // "": by its index
-        double obj = 0, lb = 0, ub = 1e30;
+        std::string name;                  // "": by its index
+        double obj = 0, lb = 0, ub = 1e30; // bounds as given, whatever the type
         char vtype = 'C';
         Entries column; // rows in stored order
     };

@@ -58,8 +58,7 @@ std::string check_model(const std::string &suffix)
     }
     char where[256] = "";
 #ifdef TVX_DEBUG
-    static constexpr double INFINITE = 1e20;
-    if (body_check(session.model->body, INFINITE, where)) return where;
+    if (body_check(session.model->body, where)) return where;
 #endif
     std::string wrong;
     for (const std::string other : {".mps", ".lp"})

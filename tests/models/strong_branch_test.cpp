@@ -176,6 +176,7 @@ TEST_F(StrongBranching, refuses_what_it_cannot_do)
     EXPECT_EQ(TVXstrongbranch(model, 1, nullptr, 10, &down, &up, &status), 10002);
     EXPECT_EQ(TVXstrongbranch(model, -1, ind, 10, &down, &up, &status), 10003);
     EXPECT_EQ(TVXstrongbranch(model, 1, ind, -1, &down, &up, &status), 10003);
+    EXPECT_EQ(TVXstrongbranch(model, 1, ind, NAN, &down, &up, &status), 10003);
     refused(10006, "Index 1 out of range for strong branching",
             TVXstrongbranch(model, 2, ind, 10, &down, &up, &status));
     EXPECT_EQ(TVXstrongbranch(nullptr, 1, ind, 10, &down, &up, &status), 10002);

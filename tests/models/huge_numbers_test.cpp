@@ -1,0 +1,155 @@
+// huge_numbers_test.cpp -- numbers near what a double can hold, and what counts as an infinite bound
+//
+// An answer may be numeric trouble where products overflow; it is never a wrong status, nor an optimum without value.
+#include "support/model_test.h"
+#include "support/settings.h"
+#include <cmath>
+
+namespace
+{
+
+constexpr double INF = LP_INFINITY;
+const double SIZES[] = {1e15, 1e19, 1e20, 1e30, 1e99, 1e100, 1e200, 1e300, 1e307};
+
+struct HugeNumbers : ModelTest {
+    Settings more; // on all roads
+
+    // Calls look(road) after each solve; `fresh` holds the fixture's model otherwise.
+    template<class Look> void solve_all(const LpModel &lp, const Look &look)
+    {
+        for (const double method : {0, 1})
+            for (const double form : {0, 1, 2})
+                for (const double presolve : {-1, 0})
+                    for (const double scale : {0, 1}) {
+                        Settings road = {{"LPMethod", method},
+                                         {"Presolve", presolve},
+                                         {"PreDual", form},
+                                         {"ScaleFlag", scale}};
+                        road.insert(road.end(), more.begin(), more.end());
+                        load(lp);
+                        ASSERT_EQ(settings_apply(own(), road), 0);
+                        ASSERT_EQ(TVXoptimize(model), 0) << settings_text(road);
+                        SCOPED_TRACE(settings_text(road));
+                        look(integer("Status"));
+                        if (HasFailure()) return;
+                    }
+    }
+    void expect_optimum(const LpModel &lp, double value)
+    {
+        solve_all(lp, [&](int status) {
+            ASSERT_EQ(status, TVX_OPTIMAL);
+            EXPECT_NEAR(dbl("ObjVal") / value, 1, 1e-9) << value;
+        });
+    }
+    void expect_unbounded(const LpModel &lp)
+    {
+        solve_all(lp, [](int status) {
+            EXPECT_TRUE(status == TVX_UNBOUNDED || status == TVX_INF_OR_UNBD) << status;
+        });
+    }
+    // An optimum has numbers, and its point misses no constraint.
+    void expect_honest(const LpModel &lp)
+    {
+        solve_all(lp, [&](int status) {
+            if (status == TVX_NUMERIC) return;
+            ASSERT_EQ(status, TVX_OPTIMAL);
+            EXPECT_TRUE(std::isfinite(dbl("ObjVal")));
+            EXPECT_LE(dbl("BoundVio"), 1e-3);
+            EXPECT_LE(dbl("ConstrVio"), 1e-3);
+        });
+    }
+};
+
+// min a x + b y  subject to  x + y >= 3,  0 <= x, y <= ub
+LpModel two_costs(double a, double b, double ub)
+{
+    LpModel lp;
+    lp_add_var(&lp, a, 0, ub);
+    lp_add_var(&lp, b, 0, ub);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 3);
+    return lp;
+}
+
+} // namespace
+
+TEST_F(HugeNumbers, an_objective_beyond_any_cutoff_is_an_optimum)
+{
+    for (const double size : SIZES) {
+        expect_optimum(two_costs(size, size, INF), 3 * size);
+        expect_optimum(two_costs(size, -size, 4), -4 * size);
+        LpModel lp = two_costs(-size, -size, 5);
+        lp.sense = -1;
+        expect_optimum(lp, -3 * size);
+        lp = two_costs(1, 1, INF);
+        lp.objcon = size;
+        expect_optimum(lp, size);
+    }
+}
+
+TEST_F(HugeNumbers, a_cutoff_that_is_set_holds_for_any_objective)
+{
+    load(two_costs(1e90, 1e90, INF));
+    ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", 1e80), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(integer("Status"), TVX_CUTOFF);
+}
+
+TEST_F(HugeNumbers, overflow_is_told_as_numeric_trouble)
+{
+    expect_honest(two_costs(1.7e308, 1.7e308, INF));
+    for (const double size : {1e10, 1e19, 1e100, 1e160, 1e300, 1.7e308}) {
+        LpModel lp; // min x + y with size x + y >= 3: scaled away, x = 0 looks feasible
+        lp_add_var(&lp, 1, 0, INF);
+        lp_add_var(&lp, 1, 0, INF);
+        lp_add_row_entries(&lp, {{0, size}, {1, 1}}, '>', 3);
+        expect_honest(lp);
+        lp = LpModel(); // products of coefficients overflow
+        lp_add_var(&lp, -1, 0, INF);
+        lp_add_var(&lp, -2, 0, INF);
+        lp_add_row_entries(&lp, {{0, size}, {1, 1}}, '<', 1e10);
+        lp_add_row_entries(&lp, {{0, 1}, {1, size}}, '<', 4);
+        expect_honest(lp);
+    }
+}
+
+TEST_F(HugeNumbers, what_counts_as_infinite_never_exceeds_what_is_stored_as_infinite)
+{
+    LpModel rising; // min y - x  subject to  x - y >= -5
+    lp_add_var(&rising, -1, -INF, INF);
+    lp_add_var(&rising, 0.5, 0, INF);
+    lp_add_row_entries(&rising, {{0, 1}, {1, -1}}, '>', -5);
+    LpModel capped = two_costs(-1, 1, 5e6);
+    for (const double infinite : {1e6, 1e20, 1e30, 1e31, 1e100}) {
+        more = {{"TARV_PAR_INFBOUND", infinite}};
+        expect_unbounded(rising);
+        if (infinite == 1e6)
+            expect_unbounded(capped);
+        else
+            expect_optimum(capped, -5e6);
+    }
+}
+
+TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
+{
+    load(two_costs(-1, 1, 5e6));
+    EXPECT_EQ(objective(), -5e6);
+    ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e6), 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(integer("Status"), TVX_UNBOUNDED);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 1, 7e6), 0);
+    update(); // bounds of both kinds, checked in debug builds
+    ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e30), 0);
+    EXPECT_EQ(objective(), -5e6);
+}
+
+TEST_F(HugeNumbers, a_bound_that_counts_as_infinite_is_not_violated)
+{
+    LpModel lp = two_costs(-1, 1, 5e6);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 6e6);
+    load(lp);
+    ASSERT_EQ(settings_apply(own(), {{"TARV_PAR_INFBOUND", 1e6}, {"Presolve", 0}}), 0);
+    EXPECT_EQ(objective(), -6e6);
+    EXPECT_EQ(dbl("X", 0), 6e6);
+    for (const char *name : {"BoundVio", "DualVio", "ComplVio"})
+        EXPECT_LE(dbl(name), 1e-6) << name;
+}
