@@ -19,9 +19,9 @@ static constexpr double PLACE_RELATIVE =
 const char *verdict_name(Verdict verdict)
 {
     static constexpr const char *NAMES[] = {
-        "right",          "loose",           "warned",        "gross",  "refused",
-        "refused_either", "false_unbounded", "false_optimal", "silent", "objective",
-        "numeric",        "runaway",         "slow",          "other"};
+        "right",     "loose",          "warned",          "gross",         "far",
+        "refused",   "refused_either", "false_unbounded", "false_optimal", "silent",
+        "objective", "numeric",        "runaway",         "slow",          "other"};
     static_assert(sizeof NAMES / sizeof *NAMES == static_cast<size_t>(Verdict::COUNT));
     return NAMES[static_cast<size_t>(verdict)];
 }
@@ -305,22 +305,56 @@ static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome
     return j;
 }
 
-static HostileJudgement judge_infeasible(HostileTruth *truth)
+// By how much x, rounded to doubles, violates a row or bound at most.
+static mpq_class rounded_violation(const LpModel *lp, const std::vector<mpq_class> &x)
+{
+    std::vector<mpq_class> activity(lp->rhs.size());
+    mpq_class worst = 0;
+    const auto at_least = [&worst](const mpq_class &v, double bound) {
+        if (!lp_is_infinite(bound))
+            worst = std::max<mpq_class>(worst, mpq_class(bound) - v);
+    };
+    const auto at_most = [&worst](const mpq_class &v, double bound) {
+        if (!lp_is_infinite(bound))
+            worst = std::max<mpq_class>(worst, v - mpq_class(bound));
+    };
+    for (int j = 0; j < lp->num_vars(); j++) {
+        const mpq_class v(x[j].get_d());
+        for (const LpEntry &e : lp->cols[j]) activity[e.row] += v * mpq_class(e.value);
+        at_least(v, lp->lb[j]);
+        at_most(v, lp->ub[j]);
+    }
+    for (int i = 0; i < lp->num_rows(); i++) {
+        if (lp->senses[i] != '<') at_least(activity[i], lp->rhs[i]);
+        if (lp->senses[i] != '>') at_most(activity[i], lp->rhs[i]);
+    }
+    return worst;
+}
+
+// Wrong where doubles can hold the point of the model relaxed by `relax`.
+static Verdict unless_far(HostileTruth *truth, double relax, double tol, Verdict wrong)
+{
+    return rounded_violation(truth->lp, truth->relaxed(relax).x) <= tol ? wrong
+                                                                        : Verdict::FAR;
+}
+
+static HostileJudgement judge_infeasible(HostileTruth *truth, double tol)
 {
     for (const double relax : {0.0, NEARBY})
         if (truth->relaxed(relax).status != LpStatus::INFEASIBLE)
-            return say(Verdict::REFUSED, "infeasible, but relaxed by %g it is %s", relax,
+            return say(unless_far(truth, relax, tol, Verdict::REFUSED),
+                       "infeasible, but relaxed by %g it is %s", relax,
                        lp_status_name(truth->relaxed(relax).status));
     return {};
 }
 
-static HostileJudgement judge_either(HostileTruth *truth)
+static HostileJudgement judge_either(HostileTruth *truth, double tol)
 {
     for (const double relax : {0.0, NEARBY}) {
         const LpStatus status = truth->relaxed(relax).status;
         if (status == LpStatus::UNBOUNDED) return {};
         if (status == LpStatus::OPTIMAL)
-            return say(Verdict::REFUSED_EITHER,
+            return say(unless_far(truth, relax, tol, Verdict::REFUSED_EITHER),
                        "infeasible or unbounded, but relaxed by %g it is optimal", relax);
     }
     return {};
@@ -333,7 +367,7 @@ static HostileJudgement judge_unbounded(HostileTruth *truth, double tol)
         const LpStatus status = truth->relaxed(relax).status;
         if (status == LpStatus::UNBOUNDED) return {};
         if (status == LpStatus::OPTIMAL)
-            return say(Verdict::FALSE_UNBOUNDED,
+            return say(unless_far(truth, relax, tol, Verdict::FALSE_UNBOUNDED),
                        "unbounded, but relaxed by %g it is optimal with %.12g", relax,
                        truth->relaxed(relax).value.get_d());
     }
@@ -356,9 +390,9 @@ HostileJudgement hostile_judge(HostileTruth *truth, const HostileOutcome *outcom
     case TVX_OPTIMAL:
         return judge_solution(truth, outcome);
     case TVX_INFEASIBLE:
-        return judge_infeasible(truth);
+        return judge_infeasible(truth, outcome->feasibility);
     case TVX_INF_OR_UNBD:
-        return judge_either(truth);
+        return judge_either(truth, outcome->feasibility);
     case TVX_UNBOUNDED:
         return judge_unbounded(truth, outcome->feasibility);
     case TVX_NUMERIC:

@@ -10,6 +10,9 @@
 //               optimal               wrong when nothing is feasible within 2 FeasibilityTol; when X, or Pi and RC,
 //                                     break a tolerance in the caller's units and no warning says so; when the
 //                                     objective is off by more than the tolerances can explain (see below)
+//             A point counts where doubles can hold it: rounded to doubles it violates FeasibilityTol nowhere, in exact
+//             arithmetic. Columns that are parallel but for rounding of 1/3 meet at 1e16, if anywhere; what is said of such
+//             a model is "far", not wrong.
 //             A numeric error, an endless run and a slow one are faults of their own. Not wrong, but counted: a
 //             violation that a warning names, and a value further than 1e-6 from the exact one that is explained.
 // Explained   With multipliers pi and reduced costs d = c - pi A, for any feasible x*:
@@ -26,8 +29,9 @@
 enum class Verdict {
     RIGHT,
     LOOSE, // right, value further than 1e-6 from the exact one, within what the tolerances explain
-    WARNED,          // optimal with violations above the tolerance that a warning names
-    GROSS,           // the same, with violations above 1000 times the tolerance
+    WARNED, // optimal with violations above the tolerance that a warning names
+    GROSS,  // the same, with violations above 1000 times the tolerance
+    FAR,    // refused or unbounded, where doubles cannot hold the point that says otherwise
     REFUSED,         // infeasible although a point is feasible within 1e-9
     REFUSED_EITHER,  // infeasible or unbounded although there is an optimum within 1e-9
     FALSE_UNBOUNDED, // unbounded without a ray
@@ -43,7 +47,7 @@ enum class Verdict {
 const char *verdict_name(Verdict verdict);
 inline bool verdict_wrong(Verdict verdict)
 {
-    return verdict > Verdict::GROSS;
+    return verdict > Verdict::FAR;
 }
 
 inline constexpr double HOSTILE_RUNAWAY = 50; // iterations per row and column
