@@ -73,15 +73,16 @@ Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
         s.ub = kept->ub;
     }
     if (w->ColFlags.data[x] != 0 || std::fabs(s.a) < LEAST_PIVOT || ratio > FREE_RATIO ||
-        !keeps_integers(w, p) ||
-        !errors_allow(w, p, largest_in_col(w, x), std::max(std::fabs(s.a), std::fabs(s.b))))
+        !keeps_integers(w, p))
         return s;
     const int matters = bounds_that_matter(w, x);
     if (matters != 0 &&
         (ratio > MOST_RATIO || ratio < 1 / MOST_RATIO || w->ColFlags.data[y] != 0))
         return s;
-    s.possible = (!(matters & LOWER_MATTERS) || move_bound(&s, c, w->Lb.data[x], false)) &&
-                 (!(matters & UPPER_MATTERS) || move_bound(&s, c, w->Ub.data[x], true));
+    s.possible =
+        (!(matters & LOWER_MATTERS) || move_bound(&s, c, w->Lb.data[x], false)) &&
+        (!(matters & UPPER_MATTERS) || move_bound(&s, c, w->Ub.data[x], true)) &&
+        errors_allow(w, p, largest_in_col(w, x), std::max(std::fabs(s.a), std::fabs(s.b)));
     return s;
 }
 

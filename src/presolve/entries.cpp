@@ -106,7 +106,7 @@ void insert_entry(PresolveWork *w, int i, int j, double value)
     w->FreeList = node->next_in_row;
     w->FreeCount--;
     *node = {value, i, j, w->RowHead.data[i], w->ColHead.data[j]};
-    w->EntrySize.data[p] = 0;
+    if (w->HasSizes) w->EntrySize.data[p] = 0;
     w->RowHead.data[i] = w->ColHead.data[j] = p;
     w->RowCnt.data[i]++;
     w->ColCnt.data[j]++;

@@ -17,6 +17,7 @@ bool errors_allow(const PresolveWork *w, int p, double col_largest, double row_l
     if (w->RhsErr.data[pivot.row] * col_largest > MOST_RHS_ERROR * w->FeasTol * a ||
         w->ObjErr.data[pivot.col] * row_largest > MOST_COST_ERROR * w->OptTol * a)
         return false;
+    if (!w->HasSizes) return true;
     float size = 0;
     for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q))
         size = std::max(size, w->EntrySize.data[q]);

@@ -44,13 +44,15 @@ inline double bound_error(const PresolveWork *w, int j)
 // Size of the terms that made entry p.
 inline double size_of_entry(const PresolveWork *w, int p)
 {
-    return std::max(std::fabs(w->Nodes.data[p].value),
-                    static_cast<double>(w->EntrySize.data[p]));
+    const double value = std::fabs(w->Nodes.data[p].value);
+    return w->HasSizes ? std::max(value, static_cast<double>(w->EntrySize.data[p])) : value;
 }
 inline void set_entry_size(PresolveWork *w, int p, double size)
 {
     const bool matters = size > KEPT_SIZE * std::fabs(w->Nodes.data[p].value);
+    if (!matters && !w->HasSizes) return;
     w->EntrySize.data[p] = matters ? static_cast<float>(size) : 0;
+    w->HasSizes = true;
 }
 
 // ---- what changes make of errors ----

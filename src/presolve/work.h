@@ -74,6 +74,7 @@ struct PresolveWork {
     Array<PresolveNode> Nodes;
     Array<float>
         EntrySize; // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger
+    bool HasSizes = false;       // some EntrySize may be set
     Array<int> RowHead, ColHead; // first node, -1 when none
     Array<int> RowCnt, ColCnt;   // live entries, or a state below zero
     int FreeCount = 0;           // nodes on FreeList

@@ -271,7 +271,7 @@ TEST(Claim, proofs_of_reduced_models_are_proofs_of_the_models)
 {
     const TestEnv env;
     Score score[2];
-    for (uint64_t seed = 0; seed < 8000; seed++) {
+    for (uint64_t seed = 0; seed < 3000; seed++) {
         Dice dice(seed);
         LpModel lp = gen_tiny(&dice, {.max_vars = 12, .max_rows = 12});
         const TestModel model(lp_load(env.env, &lp));
@@ -294,7 +294,7 @@ TEST(Claim, proofs_of_reduced_models_are_proofs_of_the_models)
         score[small.ray.size > 0].add(proof);
         expect_right(&lp, &claim, proof, seed);
     }
-    EXPECT_GT(score[0].holds + score[1].holds, 100);
+    EXPECT_GT(score[0].holds + score[1].holds, 40);
     EXPECT_LT(score[0].share(), LOST) << score[0].holds << " " << score[0].wrong;
     EXPECT_LT(score[1].share(), LOST) << score[1].holds << " " << score[1].wrong;
 }
