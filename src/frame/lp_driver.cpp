@@ -126,8 +126,7 @@ static bool stopped_in_presolved(const TVXmodel *model)
 {
     const WarmStart *given = warm_start_usable(model);
     if (given && given->kind == WARM_CHECKED) return false; // set since then
-    return model->presolved && model->presolved->simplex && model->env->Presolve != 0 &&
-           is_limit(model->status);
+    return lp_can_resume(model) && model->env->Presolve != 0 && is_limit(model->status);
 }
 
 // A solve that a callback has stopped with a code of its own leaves results like any other that was

@@ -87,21 +87,35 @@ void settle(TVXmodel *model, int status, LpStart *start)
     start->final = true;
 }
 
-// The basis that a caller or an earlier solve left, in the reduced model; empty when there is none.
-int crushed_start(const TVXmodel *model, Array<int> *reduced)
+// The basis that a caller or an earlier solve left, as one of the form.
+int start_in_form(const TVXmodel *model, const TVXmodel *form, Array<int> *statuses)
 {
-    const ModelBody *body = model->body, *small = model->presolved->body;
-    const int64_t size = int64_t{body->numvars} + body->numconstrs;
+    const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
     const WarmStart *warm = warm_start_usable(model);
-    if (!warm && !model->simplex) return 0;
-    Array<int> full;
-    TRY(array_resize(&full, size));
+    Array<int> own;
+    TRY(array_resize(&own, size));
     if (warm)
-        std::copy_n(warm->statuses.data, size, full.data);
+        std::copy_n(warm->statuses.data, size, own.data);
     else
-        simplex_get_basis(model->simplex, full.data);
+        simplex_get_basis(model->simplex, own.data);
+    if (form == model) {
+        *statuses = static_cast<Array<int> &&>(own);
+        return 0;
+    }
+    TRY(array_resize(statuses, int64_t{form->body->numvars} + form->body->numconstrs));
+    primal_basis_to_dual(model->body, infinite_bound(model->env), own.data, statuses->data);
+    return 0;
+}
+
+// That basis in the reduced model of the form; empty when there is none.
+int crushed_start(const TVXmodel *model, const TVXmodel *form, Array<int> *reduced)
+{
+    if (!has_start(model) || !form->presolved) return 0;
+    const ModelBody *small = form->presolved->body;
+    Array<int> full;
+    TRY(start_in_form(model, form, &full));
     TRY(array_resize(reduced, int64_t{small->numvars} + small->numconstrs));
-    presolve_crush_basis(model, full.data, reduced->data);
+    presolve_crush_basis(form, full.data, reduced->data);
     return 0;
 }
 
@@ -254,28 +268,50 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
         return 0;
     }
     Array<int> statuses;
-    if (form->model != model)
-        method = 1 - method;
-    else if (model->presolved)
-        TRY(crushed_start(model, &statuses));
+    if (form->model != model) method = 1 - method;
+    TRY(crushed_start(model, form->model, &statuses));
     TRY(solve_reduced(model, form->model, method, &statuses, &status));
     return conclude(model, form->model, method, status, start);
 }
+// Goes on where a limit has stopped the reduced model of a form.
+int resume_form(TVXmodel *model, TVXmodel *form, int method, LpStart *start)
+{
+    int status = 0;
+    const Array<int> as_it_stands;
+    if (form != model) method = 1 - method;
+    TRY(solve_reduced(model, form, method, &as_it_stands, &status));
+    return conclude(model, form, method, status, start);
+}
+
+bool was_stopped(const TVXmodel *form)
+{
+    return form->presolved && form->presolved->simplex && is_limit(form->presolved->status);
+}
 } // namespace
+
+bool lp_can_resume(const TVXmodel *model)
+{
+    return was_stopped(model->dual_form ? model->dual_form : model);
+}
 
 int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start)
 {
-    if (resume) {
-        int status = 0;
-        const Array<int> as_it_stands;
-        TRY(solve_reduced(model, model, method, &as_it_stands, &status));
-        return conclude(model, model, method, status, start);
-    }
-    presolve_drop(model);
-    if (!wants_presolve(model)) return 0;
     LpForm form;
-    TRY(lp_form_choose(model, &form));
-    const int code = presolve_and_solve(model, &form, method, start);
+    int code = 0;
+    if (resume) {
+        form.model = model->dual_form ? model->dual_form : model;
+        model->dual_form = nullptr;
+        code = resume_form(model, form.model, method, start);
+    } else {
+        presolve_drop(model);
+        if (!wants_presolve(model)) return 0;
+        TRY(lp_form_choose(model, &form));
+        code = presolve_and_solve(model, &form, method, start);
+    }
+    if (code == 0 && form.model != model && was_stopped(form.model)) {
+        model->dual_form = form.model; // for the next solve to go on from
+        form.model = model;
+    }
     lp_form_free(&form, model);
     return code;
 }

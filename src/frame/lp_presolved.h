@@ -9,4 +9,6 @@ struct LpStart {
 };
 // Presolves, solves what is left and comes back, if the parameters and the start want it; else the start stays empty. A
 // solve that a limit has stopped continues on the reduced model. 0 or a code.
+bool lp_can_resume(
+    const TVXmodel *model); // a limit has stopped a reduced model, which is there
 [[nodiscard]] int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start);

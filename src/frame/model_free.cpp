@@ -19,14 +19,26 @@ static void free_own_results(TVXmodel *model)
 void model_free_results(TVXmodel *model)
 {
     model_free(model->presolved);
+    model_free(model->dual_form);
     model->presolved = nullptr;
+    model->dual_form = nullptr;
     free_own_results(model);
     attributes_clear_solution(model);
+}
+
+// The models that a model holds as one chain.
+static void link_forms(TVXmodel *model)
+{
+    TVXmodel *last = model;
+    while (last->presolved) last = last->presolved;
+    last->presolved = model->dual_form;
+    model->dual_form = nullptr;
 }
 
 void model_free(TVXmodel *model)
 {
     while (model) { // a presolved model may hold a presolved one of its own
+        link_forms(model);
         TVXmodel *presolved = model->presolved;
         interrupt_end(model);
         free_own_results(model);

@@ -198,3 +198,22 @@ void dual_farkas_to_ray(const ModelBody *body, double infinite, const double *du
     }
     ray_clean(body, infinite, ray);
 }
+
+void primal_basis_to_dual(const ModelBody *body, double infinite, const int *status,
+                          int *dual_status)
+{
+    const int n = body->numvars, m = body->numconstrs;
+    int vars = m;
+    for (int j = 0; j < n; j++) vars += kind_of(body, infinite, j) == BOXED;
+    for (int i = 0; i < m; i++)
+        dual_status[i] = status[n + i] < 0 ? 0 : body->senses[i] == '=' ? -3 : -2;
+    int row = vars, box = m;
+    for (int j = 0; j < n; j++) {
+        const Kind kind = kind_of(body, infinite, j);
+        if (kind == FIXED) continue;
+        const bool at_box = kind == BOXED && status[j] == -2;
+        if (kind == BOXED) dual_status[box++] = at_box ? 0 : -1;
+        dual_status[row++] = status[j] < 0 && !at_box ? 0 : -1;
+    }
+    presolve_mend_basis(vars, row - vars, dual_status);
+}

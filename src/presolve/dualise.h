@@ -12,6 +12,9 @@ void dual_ray_to_farkas(const ModelBody *body, double infinite, const double *du
                         double *farkas);
 void dual_farkas_to_ray(const ModelBody *body, double infinite, const double *dual_farkas,
                         double *ray);
+// The basis of the dual that belongs to a basis of the model; statuses as in warm starts, variables before rows.
+void primal_basis_to_dual(const ModelBody *body, double infinite, const int *status,
+                          int *dual_status);
 // The basis of the model that belongs to a basis of its dual; statuses as in warm starts, variables before rows.
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,
                           int *status);

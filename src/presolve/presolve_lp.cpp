@@ -226,6 +226,8 @@ void presolve_drop(TVXmodel *model)
 {
     presolve_free(model->presolve);
     model_free(model->presolved);
+    model_free(model->dual_form);
     model->presolve = nullptr;
     model->presolved = nullptr;
+    model->dual_form = nullptr;
 }

@@ -71,6 +71,31 @@ template<class R> void watch_pivot(const sopt *s, dopt<R> *d)
         d->CycleHits++;
 }
 
+bool has_cutoff(const sopt *s)
+{
+    return s->Cutoff < UNDEFINED_VALUE;
+}
+
+// Is the least value of the objective over the bounds, with the multipliers of the basis for the true costs, beyond the
+// cutoff? That is a bound of the optimum whatever the perturbation. RowVal is used.
+template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
+{
+    R *d = w->RowVal.data;
+    compute_dual_for(s, w, s->Cost.data, d);
+    long double bound = 0;
+    for (int i = 0; i < s->NumRows; i++)
+        bound -= static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i];
+    for (int j = 0; j < s->NumVars; j++) {
+        if (is_basic(s, j)) continue;
+        const double side = d[j] > 0 ? s->Lower.data[j] : s->Upper.data[j];
+        if (has_lower(s, side) && has_upper(s, side))
+            bound += static_cast<long double>(d[j]) * side;
+        else if (std::abs(d[j]) > R(s->OptTol))
+            return false;
+    }
+    return static_cast<double>(bound) / s->ObjScale > s->Cutoff;
+}
+
 // Fresh factors and values.
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
@@ -91,9 +116,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     dual_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
-    // With true costs and bounds the objective is a lower bound of the optimum.
-    if (!s->BoxPhase && !s->Perturbed && s->Cutoff < UNDEFINED_VALUE &&
-        true_objective(s, w) > s->Cutoff)
+    if (has_cutoff(s) && !s->BoxPhase && bound_passes_cutoff(s, w))
         s->Status = SIMPLEX_CUTOFF;
     return 0;
 }
@@ -331,7 +354,8 @@ template<class R> int setup(sopt *s, swork<R> *w)
     }
     dual_weights_start(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (s->PerturbAllowed && !s->NearOptimal) dual_perturb_start<R>(s);
+    // Perturbed costs would hide that the bound has passed a cutoff: they wait for a stall.
+    if (s->PerturbAllowed && !s->NearOptimal && !has_cutoff(s)) dual_perturb_start<R>(s);
     compute_dual(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);
