@@ -91,6 +91,8 @@ int make_unreduced(TVXmodel *model, TVXmodel **out)
 int make_reduced(TVXmodel *model, TVXmodel **out)
 {
     if (body_is_extreme(model->body)) return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
+    if (find_row(model->body, RowKind::IMPOSSIBLE) >= 0)
+        return refuse(model, PRESOLVE_INFEASIBLE);
     LpClaim claim;
     bool proved = false;
     const int status = presolve_lp(model, &claim);

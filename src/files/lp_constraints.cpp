@@ -85,10 +85,7 @@ static int settle_plain(LpReader *reader, const Constraint *row)
         return lp_stop(reader, row->at, "infinity cannot stand here");
     double rhs = 0.0;
     TRY(shifted(reader, row, side, sum->constant, &rhs));
-    const LpKind sense = turned ? mirrored(row->first) : row->first;
-    if (side->infinite && (sense == LpKind::LESS) == (rhs < 0.0))
-        return lp_stop(reader, row->at, "the right side is infinite, nothing can meet it");
-    return close_row(reader, sense, rhs);
+    return close_row(reader, turned ? mirrored(row->first) : row->first, rhs);
 }
 
 // low <= sum <= high.

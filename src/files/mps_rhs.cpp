@@ -30,7 +30,7 @@ static int set_constant(MpsReader *reader, TextSpan row, TextSpan field)
 static int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
 {
     MpsRows *rows = &reader->rows;
-    double value = 0.0, side = 0.0;
+    double value = 0.0;
     const int k = mps_find_row(reader, row);
     const int i = k < 0 ? static_cast<int>(PLACE_DROPPED) : rows->place.data[k].place;
     if (i == PLACE_OBJECTIVE) return set_constant(reader, row, field);
@@ -41,11 +41,6 @@ static int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_RHS, reader->text.line, row);
         return 0;
     }
-    if (std::fabs(value) >= DRAFT_INFINITY &&
-        number_read(field, &side) == NumberKind::INFINITE &&
-        (rows->type.data[i] == 'G') == (side > 0.0))
-        return mps_stop(reader, MpsFault::CONTENT,
-                        "the right side is infinite, nothing can meet it\n");
     rows->given.data[i] |= RHS_GIVEN;
     rows->rhs.data[i] = value;
     return 0;

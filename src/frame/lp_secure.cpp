@@ -18,6 +18,7 @@
 #include "frame/solution.h"
 #include "simplex/simplex.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -105,8 +106,9 @@ int refuse_gross(TVXmodel *model, Grade *grade, double excess)
 {
     bool credible = true;
     if (model->status != TVX_OPTIMAL) return 0;
-    if (excess > GROSS_EXCESS || model->env->TARV_PAR_UNSCALEDVIO == 0)
-        TRY(lp_credible(model, &credible));
+    const bool usual =
+        excess <= GROSS_EXCESS && std::isfinite(simplex_objective(model->simplex));
+    if (!usual || model->env->TARV_PAR_UNSCALEDVIO == 0) TRY(lp_credible(model, &credible));
     if (!credible) *grade = Grade::NONE;
     return 0;
 }
@@ -142,6 +144,8 @@ int outcome(TVXmodel *model, int code)
 bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
+    if (way.widen && best.grade == Grade::NARROW)
+        return false; // infeasible beyond rounding
     return way.begin != BEST_BASIS || best.grade == Grade::ROUNDED ||
            best.grade == Grade::UNSURE;
 }

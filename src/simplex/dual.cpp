@@ -409,6 +409,7 @@ template<class R> int dual_pivots(sopt *s, swork<R> *w)
         }
         if (limit_reached(s)) break;
         iterate(s, w);
+        stall_count_pass(s);
     }
     return 0;
 }

@@ -81,7 +81,7 @@ template<class R> R range_of(const sopt *s, const swork<R> *w, int k)
     const dopt<R> *d = w->Dual;
     const int j = w->RowInd.data[d->CandPlace.data[k]];
     const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
-    return range < s->Infinity ? R(range) * d->CandAlpha.data[k] : R(s->Infinity);
+    return range < s->Infinity ? R(range) * d->CandAlpha.data[k] : R(HUGE_VAL);
 }
 
 // Largest step that keeps every candidate from first on above -tol.
@@ -98,8 +98,7 @@ template<class R> R step_bound(const dopt<R> *d, int first, int end, R tol, R bo
 template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
 {
     dopt<R> *d = w->Dual;
-    R step =
-        R(WIDEN) * step_bound(d, 0, d->CandCount, R(s->OptTol), R(s->Infinity)) + R(1e-7);
+    R step = R(WIDEN) * step_bound(d, 0, d->CandCount, R(s->OptTol), R(HUGE_VAL)) + R(1e-7);
     int front = 0;
     for (;;) {
         for (int k = front; k < d->CandCount; k++) {
@@ -177,7 +176,7 @@ template<class R> R group_bound(const dopt<R> *d, int done, R tol, R infinity, W
 // Cost: O(front) for few groups, O(front log front) for many.
 template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
 {
-    const R tol = R(s->OptTol), infinity = R(s->Infinity);
+    const R tol = R(s->OptTol), infinity = R(HUGE_VAL);
     const int most = s->Env->TARV_PAR_SIMPLEXPWRATIO ? front : 1;
     int groups = 0, done = 0;
     Window<R> window;

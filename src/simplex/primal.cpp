@@ -10,6 +10,8 @@
 // Invariant   Between refreshes: Bbar, Cbar (of the phase), RowState and merits belong to the basis.
 #include "simplex/primal.h"
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 namespace
 {
@@ -83,6 +85,16 @@ template<class R> int refresh(sopt *s, swork<R> *w)
         primal_partial_refresh(s, w);
     else
         primal_list_reset(s, w);
+    if (getenv("DBG")) {
+        Infeasibility f = measure_infeasibility(s, w);
+        fprintf(stderr,
+                "P it %.0f ph1 %d pert %d allow %d obj %.12g pinf %g (%d) dinf %g (%d) ft "
+                "%g ot %g reason %d sw %d mk %g pass %d price %d\n",
+                s->NPvt, p->Phase1, s->Perturbed, s->PerturbAllowed, true_objective(s, w),
+                f.PrimalSum, f.PrimalCount, f.DualSum, f.DualCount, s->FeasTol, s->OptTol,
+                s->RefacReason, s->SwitchCount, s->MarkowitzTol, p->PerturbPasses,
+                p->PricingCur);
+    }
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
     return 0;
@@ -463,6 +475,7 @@ template<class R> int PrimalRun(sopt *s, swork<R> *w)
         }
         if (limit_reached(s)) break;
         iterate(s, w);
+        stall_count_pass(s);
     }
     popt<R> *p = w->Primal;
     const bool exact = p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;

@@ -23,25 +23,27 @@ template<class R> R entering_range(const sopt *s, const swork<R> *w)
     const popt<R> *p = w->Primal;
     const int q = p->PivotCol;
     const double lower = s->WorkLower.data[q], upper = s->WorkUpper.data[q];
-    if (s->VStat.data[q] != AT_FREE) return R(upper) - R(lower);
+    if (s->VStat.data[q] != AT_FREE)
+        return has_lower(s, lower) && has_upper(s, upper) ? R(upper) - R(lower)
+                                                          : R(HUGE_VAL);
     const double x = s->SuperVal.data[q];
     if (p->Direction > 0 && has_upper(s, upper)) return R(upper) - R(x);
     if (p->Direction < 0 && has_lower(s, lower)) return R(x) - R(lower);
     const bool aims_at_zero =
         p->Direction * x < 0 && !has_lower(s, lower) && !has_upper(s, upper);
     return aims_at_zero && std::abs(w->Cbar.data[q]) <= R(s->OptTol) ? R(std::fabs(x))
-                                                                     : R(s->Infinity);
+                                                                     : R(HUGE_VAL);
 }
 
-// Phase 2. Distance of basic variable i to the bound it moves to; Infinity when there is none.
+// Phase 2. Distance of basic variable i to the bound it moves to; HUGE_VAL when there is none.
 template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
 {
     if (a > 0) {
         const double lower = s->BasicLower.data[i];
-        return has_lower(s, lower) ? w->Bbar.data[i] - R(lower) : R(s->Infinity);
+        return has_lower(s, lower) ? w->Bbar.data[i] - R(lower) : R(HUGE_VAL);
     }
     const double upper = s->BasicUpper.data[i];
-    return has_upper(s, upper) ? R(upper) - w->Bbar.data[i] : R(s->Infinity);
+    return has_upper(s, upper) ? R(upper) - w->Bbar.data[i] : R(HUGE_VAL);
 }
 
 // Pass 1: the longest step that keeps every row with an entry above `floor` within its bounds relaxed by the tolerance.
@@ -49,7 +51,7 @@ template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
 template<class R> R relaxed_limit(const sopt *s, const swork<R> *w, R floor)
 {
     popt<R> *p = w->Primal;
-    const R tol = R(s->FeasTol), infinite = R(s->Infinity);
+    const R tol = R(s->FeasTol), infinite = R(HUGE_VAL);
     const R *alpha = w->Alpha.Value.data;
     R limit = infinite;
     p->PivotRow = -1;
@@ -70,7 +72,7 @@ template<class R>
 bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R step)
 {
     const popt<R> *p = w->Primal;
-    const R tol = R(s->FeasTol), infinite = R(s->Infinity);
+    const R tol = R(s->FeasTol), infinite = R(HUGE_VAL);
     for (int k = 0; k < w->Alpha.Count; k++) {
         const int i = w->Alpha.Index.data[k];
         const R a = R(p->Direction) * w->Alpha.Value.data[i], size = std::abs(a);
@@ -111,7 +113,7 @@ template<class R> R largest_entry(const SVec<R> *x)
 template<class R> RatioResult ratio_phase2(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
-    const R infinite = R(s->Infinity), range = entering_range(s, w);
+    const R infinite = R(HUGE_VAL), range = entering_range(s, w);
     R floor = pivot_floor(w), limit = relaxed_limit(s, w, floor);
     const R step = std::min(limit, range);
     if (step * floor > R(s->FeasTol)) {
@@ -204,7 +206,7 @@ template<class R> Stop pass_breaks(sopt *s, swork<R> *w, R range, int *first_pop
         sift_down(p, 0, left);
     }
     *first_popped = left;
-    if (slope < 0 && range < R(s->Infinity)) return Stop::RANGE;
+    if (slope < 0 && range < R(HUGE_VAL)) return Stop::RANGE;
     const bool endless = p->CostWeight > 0 && slope < -R(s->OptTol);
     return endless || left == p->BreakCount ? Stop::NOTHING : Stop::BREAK;
 }
@@ -242,13 +244,13 @@ template<class R> RatioResult ratio_first_break(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     collect_breaks(s, w);
-    R limit = R(s->Infinity), best = 0;
+    R limit = R(HUGE_VAL), best = 0;
     for (int k = 0; k < p->BreakCount; k++) {
         const R size = std::abs(w->Alpha.Value.data[break_row(p->BreakRow.data[k])]);
         limit = std::min(limit, p->BreakStep.data[k] + R(s->FeasTol) / size);
     }
     const R range = entering_range(s, w);
-    if (range <= limit && range < R(s->Infinity)) {
+    if (range <= limit && range < R(HUGE_VAL)) {
         p->PivotRow = -1;
         p->Step = range;
         return RATIO_FLIP;

@@ -196,7 +196,7 @@ int simplex_confirm(TVXmodel *model, bool *optimal)
 bool simplex_change_bound(sopt *s, int j, double lb, double ub)
 {
     const double scale = s->ColScale.data[j];
-    double lower = std::max(lb, -s->Infinity), upper = std::min(ub, s->Infinity);
+    double lower = working_bound(s, lb), upper = working_bound(s, ub);
     if (scale < 0) {
         std::swap(lower, upper);
         lower = -lower;

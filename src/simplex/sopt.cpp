@@ -51,8 +51,8 @@ int copy_model(sopt *s)
     TRY(array_assign(&s->Upper, nv, 0.0));
     std::copy_n(body->obj.data, n, s->Cost.data);
     for (int j = 0; j < n; j++) {
-        s->Lower.data[j] = std::max(body->lb.data[j], -s->Infinity);
-        s->Upper.data[j] = std::min(body->ub.data[j], s->Infinity);
+        s->Lower.data[j] = working_bound(s, body->lb.data[j]);
+        s->Upper.data[j] = working_bound(s, body->ub.data[j]);
     }
     for (int i = 0; i < m; i++) {
         s->Upper.data[n + i] = is_equation(body, i) ? 0 : s->Infinity;
@@ -112,7 +112,6 @@ int sopt_create(TVXmodel *model, const SimplexTuning &tuning, sopt **out)
     s->Model = model;
     s->Tuning = tuning;
     s->Env = model->env;
-    s->Infinity = infinite_bound(model->env);
     s->NumRows = model->body->numconstrs;
     s->NumCols = model->body->numvars;
     if (s->NumRows > INT32_MAX - s->NumCols) {

@@ -47,6 +47,7 @@ enum BasisStatus {
 };
 
 // The stall guard (stall.cpp). Remedies in the order in which they are taken.
+static constexpr int PASSES_PER_UPDATE = 2, PASSES_LEAST = 100;
 enum StallPhase { STALL_BOX, STALL_DUAL, STALL_PRIMAL_1, STALL_PRIMAL_2, STALL_PHASES };
 enum StallRemedy {
     STALL_NONE,
@@ -58,9 +59,11 @@ enum StallRemedy {
     STALL_END,     // numeric trouble
 };
 struct StallGuard {
-    double Best[STALL_PHASES];      // least value of each phase since the last remedy
-    int Factors = 0;                // factorisations without a better one
-    double Iter = 0;                // NPvt when they began
+    double Best[STALL_PHASES]; // least value of each phase since the last remedy
+    int Factors = 0;           // factorisations without a better one
+    double Iter = 0;           // NPvt when they began
+    double Begin = 0;          // NPvt at the last remedy
+    int Passes = 0;            // of the loop since the last factorisation: flips need none
     StallRemedy Taken = STALL_NONE; // last one of this run
 };
 
@@ -133,7 +136,8 @@ struct sopt {
     double ObjScale = 1;
     Array<double> RowScale, ColScale; // [m], [n]
     int Scaled = 0;                   // some factor differs from +-1
-    double Infinity = 1e30;           // infinite_bound of the environment
+    double Infinity =
+        INFINITE_BOUND; // a bound that is none; values may go beyond TARV_PAR_INFBOUND
 
     // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
     Array<int> RowBeg;      // [m + 1]
@@ -234,6 +238,12 @@ inline double user_unit(const sopt *s, int j)
 {
     return j < s->NumCols ? std::fabs(s->ColScale.data[j])
                           : 1 / s->RowScale.data[j - s->NumCols];
+}
+// A bound of the model as the working LP holds it.
+inline double working_bound(const sopt *s, double bound)
+{
+    const double infinite = infinite_bound(s->Env);
+    return bound <= -infinite ? -s->Infinity : bound >= infinite ? s->Infinity : bound;
 }
 inline bool has_lower(const sopt *s, double bound)
 {
@@ -365,6 +375,14 @@ template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int directi
 
 // ---- stall.cpp ----
 void stall_reset(sopt *s); // values of the phases are not comparable with those before
+// A pass of the loop is done; too many of them without a factorisation ask for one.
+inline void stall_count_pass(sopt *s)
+{
+    if (s->RefacReason != REFAC_NONE)
+        s->Stall.Passes = 0;
+    else if (++s->Stall.Passes > PASSES_PER_UPDATE * s->MaxUpdates + PASSES_LEAST)
+        s->RefacReason = REFAC_UPDATES;
+}
 // On fresh factors and values: what to do against a stall. STALL_COSTS and STALL_PERTURB are the method's, for the others
 // Status is set.
 template<class R> StallRemedy stall_look(sopt *s, swork<R> *w);

@@ -14,9 +14,13 @@
 
 namespace
 {
-constexpr int STALL_FACTORS = 10;       // factorisations without progress
-constexpr double STALL_ROUNDS = 2;      // and iterations, in numbers of variables
-constexpr double STALL_LEAST = 100;     // plus these
+constexpr int STALL_FACTORS = 10;   // factorisations without progress
+constexpr double STALL_ROUNDS = 2;  // and iterations, in numbers of variables
+constexpr double STALL_LEAST = 100; // plus these
+constexpr double LONG_ROUNDS =
+    25; // iterations since the last remedy, in numbers of variables: costs that are shifted
+        // again and again look like progress
+constexpr double LONG_LEAST = 5000;     // plus these
 constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
 
 // The objective at the basis under the costs and bounds in force: in the dual the dual objective.
@@ -82,16 +86,18 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
-    if (value < *best - STALL_PROGRESS * (1 + std::fabs(value))) {
+    const bool long_run = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
+    if (!long_run && value < *best - STALL_PROGRESS * (1 + std::fabs(value))) {
         *best = value;
         begin(s);
         return STALL_NONE;
     }
     g->Factors++;
-    if (g->Factors < STALL_FACTORS ||
-        s->NPvt - g->Iter < STALL_ROUNDS * s->NumVars + STALL_LEAST)
+    if (!long_run && (g->Factors < STALL_FACTORS ||
+                      s->NPvt - g->Iter < STALL_ROUNDS * s->NumVars + STALL_LEAST))
         return STALL_NONE;
     stall_reset(s);
+    g->Begin = s->NPvt;
     do g->Taken = static_cast<StallRemedy>(g->Taken + 1);
     while (!applies(s, w, phase, g->Taken));
     if (g->Taken >= STALL_END) g->Taken = STALL_END;

@@ -47,8 +47,6 @@ TEST_F(MpsErrors, EveryBadFieldHasItsReason)
         {"BOUNDS\n", " UP X", NOT_FREE},
         {"BOUNDS\n", " FX B X inf", "an infinite value cannot stand here"},
         {"BOUNDS\n", " UP B X nan", "'nan' is not a number"},
-        {"RHS\n", " RHS R1 inf", "the right side is infinite, nothing can meet it"},
-        {"RHS\n", " RHS R2 -inf", "the right side is infinite, nothing can meet it"},
         {"BOUNDS\n", " UP B X -inf", "the bound is infinite, nothing can meet it"},
         {"BOUNDS\n", " LI B X inf", "the bound is infinite, nothing can meet it"},
         {"SOS\n", " X 1", "S1 or S2 must begin a set"},

@@ -334,8 +334,9 @@ static mpq_class rounded_violation(const LpModel *lp, const std::vector<mpq_clas
 // Wrong where doubles can hold the point of the model relaxed by `relax`.
 static Verdict unless_far(HostileTruth *truth, double relax, double tol, Verdict wrong)
 {
-    return rounded_violation(truth->lp, truth->relaxed(relax).x) <= tol ? wrong
-                                                                        : Verdict::FAR;
+    const mpq_class most = mpq_class(relax) + mpq_class(tol);
+    return rounded_violation(truth->lp, truth->relaxed(relax).x) <= most ? wrong
+                                                                         : Verdict::FAR;
 }
 
 static HostileJudgement judge_infeasible(HostileTruth *truth, double tol)
