@@ -14,13 +14,15 @@
 
 namespace
 {
-constexpr int STALL_FACTORS = 10;   // factorisations without progress
-constexpr double STALL_ROUNDS = 2;  // and iterations, in numbers of variables
-constexpr double STALL_LEAST = 100; // plus these
+constexpr int STALL_FACTORS = 10;  // factorisations without progress
+constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
+constexpr double STALL_LEAST = 30; // plus these
+constexpr int STUCK_FACTORS = 50; // factorisations without progress and with hardly a pivot
+constexpr double STUCK_PIVOTS = 2; // in each
 constexpr double LONG_ROUNDS =
     25; // iterations since the last remedy, in numbers of variables: costs that are shifted
         // again and again look like progress
-constexpr double LONG_LEAST = 5000;     // plus these
+constexpr double LONG_LEAST = 1000;     // plus these
 constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
 
 // The objective at the basis under the costs and bounds in force: in the dual the dual objective.
@@ -86,16 +88,18 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
-    const bool long_run = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
-    if (!long_run && value < *best - STALL_PROGRESS * (1 + std::fabs(value))) {
+    const double since = s->NPvt - g->Iter;
+    const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
+    if (!endless && value < *best - STALL_PROGRESS * (1 + std::fabs(value))) {
         *best = value;
         begin(s);
         return STALL_NONE;
     }
     g->Factors++;
-    if (!long_run && (g->Factors < STALL_FACTORS ||
-                      s->NPvt - g->Iter < STALL_ROUNDS * s->NumVars + STALL_LEAST))
-        return STALL_NONE;
+    const bool stalled =
+        g->Factors >= STALL_FACTORS && since >= STALL_ROUNDS * s->NumVars + STALL_LEAST;
+    const bool stuck = g->Factors >= STUCK_FACTORS && since < STUCK_PIVOTS * g->Factors;
+    if (!stalled && !stuck && !endless) return STALL_NONE;
     stall_reset(s);
     g->Begin = s->NPvt;
     do g->Taken = static_cast<StallRemedy>(g->Taken + 1);

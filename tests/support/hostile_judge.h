@@ -12,7 +12,8 @@
 //                                     objective is off by more than the tolerances can explain (see below)
 //             A point counts where doubles can hold it: rounded to doubles it violates FeasibilityTol nowhere, in exact
 //             arithmetic. Columns that are parallel but for rounding of 1/3 meet at 1e16, if anywhere; what is said of such
-//             a model is "far", not wrong.
+//             a model is "far", not wrong. So is "unbounded" where a ray violates rows by the rounding of their
+//             coefficients alone.
 //             A numeric error, an endless run and a slow one are faults of their own. Not wrong, but counted: a
 //             violation that a warning names, and a value further than 1e-6 from the exact one that is explained.
 // Explained   With multipliers pi and reduced costs d = c - pi A, for any feasible x*:
@@ -29,9 +30,9 @@
 enum class Verdict {
     RIGHT,
     LOOSE, // right, value further than 1e-6 from the exact one, within what the tolerances explain
-    WARNED, // optimal with violations above the tolerance that a warning names
-    GROSS,  // the same, with violations above 1000 times the tolerance
-    FAR,    // refused or unbounded, where doubles cannot hold the point that says otherwise
+    WARNED,          // optimal with violations above the tolerance that a warning names
+    GROSS,           // the same, with violations above 1000 times the tolerance
+    FAR,             // refused or unbounded, where doubles cannot hold what says otherwise
     REFUSED,         // infeasible although a point is feasible within 1e-9
     REFUSED_EITHER,  // infeasible or unbounded although there is an optimum within 1e-9
     FALSE_UNBOUNDED, // unbounded without a ray
