@@ -331,6 +331,20 @@ static mpq_class rounded_violation(const LpModel *lp, const std::vector<mpq_clas
     return worst;
 }
 
+// By how much rows move at x, at most, when coefficients that are no short numbers, such as 1/3, are what their writer
+// meant: something within their rounding.
+static double coefficient_doubt(const LpModel *lp, const std::vector<mpq_class> &x)
+{
+    static constexpr double SHORT =
+        0x1p20; // multiples of its inverse are meant as they stand
+    std::vector<double> doubt(lp->rhs.size(), 0.0);
+    for (int j = 0; j < lp->num_vars(); j++)
+        for (const LpEntry &e : lp->cols[j])
+            if (std::rint(e.value * SHORT) != e.value * SHORT)
+                doubt[e.row] += 0x1p-53 * std::fabs(e.value * x[j].get_d());
+    return doubt.empty() ? 0 : *std::max_element(doubt.begin(), doubt.end());
+}
+
 // Is there a ray but for the rounding of the coefficients? Columns whose ratios differ by the rounding of 0.3 / 0.9 have
 // none in exact arithmetic, and nobody who wrote the model would say so.
 static bool has_rounded_ray(const LpModel *lp)
@@ -355,12 +369,14 @@ static bool has_rounded_ray(const LpModel *lp)
     return rational_solve(&cone, ROUNDING).value * lp->sense < -CLEAR * cost;
 }
 
-// Wrong where doubles can hold the point of the model relaxed by `relax`.
+// Wrong where doubles can hold the point of the model relaxed by `relax`, and it does not hang on their rounding.
 static Verdict unless_far(HostileTruth *truth, double relax, double tol, Verdict wrong)
 {
-    const mpq_class most = mpq_class(relax) + mpq_class(tol);
-    return rounded_violation(truth->lp, truth->relaxed(relax).x) <= most ? wrong
-                                                                         : Verdict::FAR;
+    const std::vector<mpq_class> &x = truth->relaxed(relax).x;
+    const bool held =
+        rounded_violation(truth->lp, x) <= mpq_class(relax) + mpq_class(tol) &&
+        coefficient_doubt(truth->lp, x) <= tol;
+    return held ? wrong : Verdict::FAR;
 }
 
 static HostileJudgement judge_infeasible(HostileTruth *truth, double tol)
