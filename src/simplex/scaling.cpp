@@ -51,15 +51,22 @@ void size_rows_by_largest(sopt *s)
     for (int i = 0; i < s->NumRows; i++) scale[i] = line_factor(s, scale[i]);
 }
 
-void size_columns_by_largest(sopt *s)
+// Returns the smallest entry under the factors.
+double size_columns_by_largest(sopt *s)
 {
+    double all = INFINITE_BOUND;
     for (int j = 0; j < s->NumCols; j++) {
-        double largest = 0;
-        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            largest = std::max(largest, std::fabs(s->ColVal.data[p]) *
-                                            s->RowScale.data[s->ColInd.data[p]]);
+        double largest = 0, least = INFINITE_BOUND;
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
+            const double a =
+                std::fabs(s->ColVal.data[p]) * s->RowScale.data[s->ColInd.data[p]];
+            largest = std::max(largest, a);
+            least = std::min(least, a);
+        }
         s->ColScale.data[j] = line_factor(s, largest);
+        all = std::min(all, least * s->ColScale.data[j]);
     }
+    return all;
 }
 
 // ---- Passes by the geometric middle ----
@@ -120,9 +127,8 @@ void round_to_powers(Array<double> *factors)
 // Where factors by the largest entry leave entries so small that no pivot could be taken from them (a row y <= 1e9 z),
 // each line is centred between its smallest and its largest entry instead, if the smallest of all grows by that. 0 or
 // OUT_OF_MEMORY.
-int keep_entries_alive(sopt *s)
+int keep_entries_alive(sopt *s, double least)
 {
-    const double least = spread_of_matrix(s).Least;
     if (least >= VANISHING) return 0;
     Array<double> rows, columns;
     Array<Spread> line;
@@ -222,8 +228,8 @@ int scale_working_lp(sopt *s)
     if (wish == SimplexTuning::SCALED ||
         (wish == SimplexTuning::BY_PARAMETER && s->Env->ScaleFlag)) {
         size_rows_by_largest(s);
-        size_columns_by_largest(s);
-        TRY(keep_entries_alive(s));
+        const double least = size_columns_by_largest(s);
+        TRY(keep_entries_alive(s, least));
         for (int i = 0; i < s->NumRows; i++) s->Rhs.data[i] *= s->RowScale.data[i];
         for (int j = 0; j < s->NumCols; j++) scale_column(s, j);
         s->ObjScale = objective_factor(s);

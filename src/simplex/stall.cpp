@@ -2,18 +2,19 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      At each factorisation the value that the phase brings down is compared with its best in this run: the sum of
+// Method      At every third factorisation the value that the phase brings down is compared with its best in this run: the sum of
 //             infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
 //             changed (dual, box problem and phase 2). After many factorisations and iterations without a better one the
 //             run takes the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the
 //             other method takes over; the same basis goes on in longer numbers; the run begins again with slacks and
 //             strict pivots in the factors; it ends in numeric trouble. Each is taken once, so that there is an end.
-// Cost        one pass over the variables per factorisation.
+// Cost        one pass over the variables per look.
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
+constexpr int LOOK_PERIOD = 3;     // factorisations between looks
 constexpr int STALL_FACTORS = 10;  // factorisations without progress
 constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
 constexpr double STALL_LEAST = 30; // plus these
@@ -28,13 +29,13 @@ constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
 // The objective at the basis under the costs and bounds in force: in the dual the dual objective.
 template<class R> double working_objective(const sopt *s, const swork<R> *w)
 {
-    long double sum = 0;
+    double sum = 0;
     for (int j = 0; j < s->NumVars; j++)
         if (s->WorkCost.data[j] != 0) // most slacks have none
-            sum += static_cast<long double>(s->WorkCost.data[j]) *
+            sum += s->WorkCost.data[j] *
                    (is_basic(s, j) ? static_cast<double>(w->Bbar.data[s->VStat.data[j]])
                                    : nonbasic_value(s, j));
-    return static_cast<double>(sum);
+    return sum;
 }
 
 template<class R> double infeasibility(const sopt *s, const swork<R> *w)
@@ -85,6 +86,8 @@ void stall_reset(sopt *s)
 template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
+    g->Factors++;
+    if (s->NumFactor % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
@@ -95,7 +98,6 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
         begin(s);
         return STALL_NONE;
     }
-    g->Factors++;
     const bool stalled =
         g->Factors >= STALL_FACTORS && since >= STALL_ROUNDS * s->NumVars + STALL_LEAST;
     const bool stuck = g->Factors >= STUCK_FACTORS && since < STUCK_PIVOTS * g->Factors;
