@@ -66,6 +66,7 @@ template<class R>
 bool applies(const sopt *s, const swork<R> *w, StallPhase phase, StallRemedy remedy)
 {
     if (remedy == STALL_COSTS) return phase == STALL_PRIMAL_1 && w->Primal->CostWeight > 0;
+    if (remedy == STALL_STRICT) return !simplex_is_tuned(s); // one of other ways already
     if (remedy == STALL_PERTURB) return s->PerturbAllowed && s->Env->PerturbValue > 0;
     return remedy != STALL_LONGER || (!s->Quad && s->Env->Quad == -1);
 }
@@ -87,7 +88,7 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
     g->Factors++;
-    if (s->NumFactor % LOOK_PERIOD != 0) return STALL_NONE;
+    if (g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
