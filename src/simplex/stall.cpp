@@ -2,8 +2,8 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      At every third factorisation the value that the phase brings down is compared with its best in this run: the sum of
-//             infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
+// Method      At every third factorisation the value that the phase brings down is compared with its best in this run: the
+//             sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
 //             changed (dual, box problem and phase 2). After many factorisations and iterations without a better one the
 //             run takes the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the
 //             other method takes over; the same basis goes on in longer numbers; the run begins again with slacks and

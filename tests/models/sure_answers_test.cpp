@@ -1,0 +1,124 @@
+// sure_answers_test.cpp -- answers that hold in the units of the model, cutoffs, and starts in the dual form
+#include "support/model_test.h"
+#include "support/solve_judge.h"
+#include "support/structured_gen.h"
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace
+{
+struct SureAnswers : ModelTest {
+    void load_with(const LpModel &lp, const Settings &settings)
+    {
+        load(lp);
+        ASSERT_EQ(settings_apply(own(), settings), 0);
+    }
+};
+
+const std::vector<Settings> ROUTES = {{},
+                                      {{"Presolve", 0}},
+                                      {{"LPMethod", 0}, {"Presolve", 0}},
+                                      {{"PreDual", 1}},
+                                      {{"ScaleFlag", 0}, {"Presolve", 0}}};
+
+// max x,  x <= y,  y <= M z,  z <= 1
+LpModel chain(double m)
+{
+    LpModel lp;
+    lp.sense = -1;
+    for (const double obj : {1, 0, 0}) lp_add_var(&lp, obj, 0, LP_INFINITY);
+    lp.ub[2] = 1;
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 0);
+    lp_add_row_entries(&lp, {{1, 1}, {2, -m}}, '<', 0);
+    return lp;
+}
+
+// min -3 x + 7,  -x + 4 y >= 1,  3 x + y - 5 z >= 42,  y <= M z,  z <= 1: x = 4 M - 1
+LpModel big_m(double m)
+{
+    LpModel lp;
+    lp.objcon = 7;
+    for (const double obj : {-3, 0, 0}) lp_add_var(&lp, obj, 0, LP_INFINITY);
+    lp.ub[2] = 1;
+    lp_add_row_entries(&lp, {{0, -1}, {1, 4}}, '>', 1);
+    lp_add_row_entries(&lp, {{0, 3}, {1, 1}, {2, -5}}, '>', 42);
+    lp_add_row_entries(&lp, {{1, 1}, {2, -m}}, '<', 0);
+    return lp;
+}
+} // namespace
+
+TEST_F(SureAnswers, a_coefficient_of_one_beside_a_huge_one_still_blocks)
+{
+    for (double m = 1e5; m <= 1e12; m *= 10)
+        for (const Settings &settings : ROUTES) {
+            load_with(chain(m), settings);
+            EXPECT_NEAR(objective(), m, 1e-9 * m) << settings_text(settings);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << m << "\n"
+                                                      << settings_text(settings);
+            load_with(big_m(m), settings);
+            EXPECT_NEAR(objective(), 10 - 12 * m, 1e-9 * m) << settings_text(settings);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << m << "\n"
+                                                      << settings_text(settings);
+        }
+}
+
+// A step of 1e12 makes the distance to the bound and the tolerance one number.
+TEST_F(SureAnswers, a_row_blocks_however_far_it_is)
+{
+    LpModel lp; // min -x, x <= 1e12 by a row
+    lp_add_var(&lp, -1, 0, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, 1);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 1e12);
+    for (const double tol : {1e-6, 1e-9}) {
+        load_with(lp, {{"LPMethod", 0}, {"Presolve", 0}, {"FeasibilityTol", tol}});
+        EXPECT_EQ(objective(), -1e12);
+    }
+}
+
+TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
+{
+    for (const Family family : {gen_multi_period, gen_network, gen_planted_optimum}) {
+        Dice dice(7);
+        const GeneratedLp lp = family(&dice, 60);
+        load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}});
+        const double value = objective(), iterations = dbl("IterCount"),
+                     size = std::fabs(value);
+        for (const double share : {-100.0, -1e-3, 1e-3}) { // of the value
+            load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}});
+            const double cutoff = value + lp.lp.sense * share * (1 + size);
+            ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", cutoff), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            EXPECT_EQ(integer("Status"), share < 0 ? TVX_CUTOFF : TVX_OPTIMAL);
+            EXPECT_LE(dbl("IterCount"), 2 * iterations + 10);
+            if (share < -1) {
+                EXPECT_LE(dbl("IterCount"), 0.7 * iterations);
+            }
+        }
+    }
+}
+
+TEST_F(SureAnswers, the_dual_form_takes_a_basis_and_goes_on_after_a_limit)
+{
+    for (const double presolve : {-1, 1, 2}) {
+        const Settings settings = {{"PreDual", 1}, {"Presolve", presolve}};
+        Dice dice(11);
+        const LpModel lp = gen_multi_period(&dice, 80).lp;
+        load_with(lp, settings);
+        const double value = objective(), iterations = dbl("IterCount");
+        LpSolution optimum;
+        ASSERT_EQ(lp_read_solution(model, &optimum), 0);
+
+        load_with(lp, settings);
+        ASSERT_EQ(lp_set_basis(model, optimum.vbasis, optimum.cbasis), 0);
+        EXPECT_NEAR(objective(), value, 1e-6 * (1 + std::fabs(value)));
+        EXPECT_LE(dbl("IterCount"), 0.6 * iterations);
+
+        load_with(lp, settings);
+        ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 10), 0);
+        int calls = 0;
+        do ASSERT_EQ(TVXoptimize(model), 0);
+        while (integer("Status") == TVX_ITERATION_LIMIT && ++calls < iterations);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << calls << " calls";
+        EXPECT_NEAR(dbl("ObjVal"), value, 1e-6 * (1 + std::fabs(value)));
+    }
+}
