@@ -131,6 +131,7 @@ TVXmodel *TVXpresolvemodel(TVXmodel *model)
     }
     PresolveResult *presolve = std::exchange(model->presolve, nullptr);
     TVXmodel *presolved = std::exchange(model->presolved, nullptr);
+    TVXmodel *dual_form = std::exchange(model->dual_form, nullptr);
     const double node_count =
         model->node_count; // of the last solve; presolve adds its work
     TVXmodel *out = nullptr;
@@ -145,6 +146,7 @@ TVXmodel *TVXpresolvemodel(TVXmodel *model)
     model->node_count = node_count;
     model->presolve = presolve;
     model->presolved = presolved;
+    model->dual_form = dual_form;
     finish_model(model, code);
     return out;
 }

@@ -116,6 +116,7 @@ int refuse_gross(TVXmodel *model, Grade *grade, double excess)
 // Grades the live record, and keeps it as the best if it is.
 int note(TVXmodel *model, Best *best)
 {
+    if (is_limit(model->status) && best->grade != Grade::NONE) return 0;
     const SimplexAssessment a = simplex_assess(model->simplex);
     Grade grade = grade_of(a.Foot);
     double excess = a.Excess;
@@ -203,8 +204,8 @@ int settle(TVXmodel *model, Best *best)
     const bool stopped = is_limit(model->status);
     const double iterations =
         model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
-    const bool beats_point =
-        best->grade == Grade::UNSURE && best->near == FarkasReach::WIDE;
+    const bool beats_point = best->grade == Grade::UNSURE && best->status == TVX_OPTIMAL &&
+                             best->near == FarkasReach::WIDE;
     const bool beats_none =
         best->grade == Grade::NONE && best->near != FarkasReach::NOTHING;
     if (model->simplex && !stopped && (beats_point || beats_none)) {

@@ -152,6 +152,7 @@ struct TVXmodel {
     MipResult *mip_result = nullptr;
     PresolveResult *presolve = nullptr; // way back from `presolved`
     TVXmodel *presolved = nullptr;
+    int no_cutoff = 0; // a dual form, or reduced from one: Cutoff is not for it
     TVXmodel *dual_form = nullptr; // dual of the model, on which a limit has stopped a solve
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;

@@ -68,6 +68,7 @@ int fill_result(PresolveWork *w, PresolveResult *result)
         TRY(collect_rows(w, result, m, &arrays));
         TRY(collect_cols(w, result, n, &arrays));
         TRY(model_adopt(w->Env, &arrays, &w->Model->presolved));
+        w->Model->presolved->no_cutoff = w->Model->no_cutoff;
     }
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
     result->Undo = w->Undo; // the stack changes hands

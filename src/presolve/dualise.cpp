@@ -158,7 +158,9 @@ int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
     d.arrays.sense = -body->sense; // the caller's sense turns both
     d.arrays.objcon = -(body->objcon + d.constant);
     TRY(limits_reached(env));
-    return model_adopt(env, &d.arrays, out);
+    TRY(model_adopt(env, &d.arrays, out));
+    (*out)->no_cutoff = 1;
+    return 0;
 }
 
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,

@@ -10,8 +10,6 @@
 // Invariant   Between refreshes: Bbar, Cbar (of the phase), RowState and merits belong to the basis.
 #include "simplex/primal.h"
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 namespace
 {
@@ -69,8 +67,8 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     const bool bridged = infeasible > 0 && was_feasible && s->PerturbAllowed &&
                          primal_shift_infeasible(s, w);
     p->Phase1 = infeasible > 0 && !bridged;
-    if (!p->Phase1 && s->TightProof) { // feasible after all: the caller's tolerance again
-        s->OptTol = s->Env->OptimalityTol;
+    if (!p->Phase1 && s->TightProof) { // feasible after all
+        s->OptTol = s->UsualOptTol;
         s->TightProof = 0;
     }
     break_stall(s, w);
@@ -85,16 +83,6 @@ template<class R> int refresh(sopt *s, swork<R> *w)
         primal_partial_refresh(s, w);
     else
         primal_list_reset(s, w);
-    if (getenv("DBG")) {
-        Infeasibility f = measure_infeasibility(s, w);
-        fprintf(stderr,
-                "P it %.0f ph1 %d pert %d allow %d obj %.12g pinf %g (%d) dinf %g (%d) ft "
-                "%g ot %g reason %d sw %d mk %g pass %d price %d\n",
-                s->NPvt, p->Phase1, s->Perturbed, s->PerturbAllowed, true_objective(s, w),
-                f.PrimalSum, f.PrimalCount, f.DualSum, f.DualCount, s->FeasTol, s->OptTol,
-                s->RefacReason, s->SwitchCount, s->MarkowitzTol, p->PerturbPasses,
-                p->PricingCur);
-    }
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
     return 0;
@@ -123,6 +111,7 @@ template<class R> void end_phase1(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_INFEASIBLE;
     } else if (s->OptTol >
                TIGHTEST_TOL) { // reduced costs that were taken for zero still matter
+        if (!s->TightProof) s->UsualOptTol = s->OptTol;
         s->OptTol = std::max(TIGHTEST_TOL, TIGHTEN * s->OptTol);
         s->TightProof = 1;
         primal_list_reset(s, w);

@@ -136,8 +136,9 @@ int update_limit(const sopt *s, double power)
 // The cutoff is given for the caller's sense; the default means none whatever the sense, and is above every objective.
 void sopt_take_cutoff(sopt *s)
 {
-    s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE ? s->Sense * s->Env->Cutoff - s->ObjOffset
-                                                 : HUGE_VAL;
+    s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE && !s->Model->no_cutoff
+                    ? s->Sense * s->Env->Cutoff - s->ObjOffset
+                    : HUGE_VAL;
 }
 
 void sopt_refresh(sopt *s)
@@ -185,7 +186,7 @@ void sopt_check_bounds(sopt *s)
 {
     for (int j = 0; j < s->NumCols; j++) {
         double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
-        const bool crossed = *lower - *upper > s->FeasTol;
+        const bool crossed = (*lower - *upper) * user_unit(s, j) > s->Env->FeasibilityTol;
         if (!crossed && *lower<s->Infinity && * upper> - s->Infinity) {
             if (*lower > *upper)
                 *upper = *lower; // crossed by less than the tolerance: fixed

@@ -187,6 +187,7 @@ struct sopt {
     double DegenCount = 0; // degenerate iterations
     double LastDegenCount = 0,
            LastPerturbIter = 0; // DegenCount and NPvt at the last test for a stall
+    double UsualOptTol = 1e-6;  // OptTol before TightProof
     int TightProof =
         0; // an infeasibility could not be proved: smaller reduced costs count as well
     double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,

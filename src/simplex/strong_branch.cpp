@@ -201,6 +201,8 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
     s->RefacReason = REFAC_NONE;
     s->Method = METHOD_DUAL;
     s->NPvt = s->IterBase = 0;
+    s->Stall = StallGuard{};
+    stall_reset(s);
     w->Dual->CycleVar = -1;
     w->Dual->CycleHits = 0;
     w->Dual->CycleIter = 0;
