@@ -145,8 +145,9 @@ int outcome(TVXmodel *model, int code)
 bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
-    if (way.widen && best.grade == Grade::NARROW)
-        return false; // infeasible beyond rounding
+    const bool contradicts =
+        best.grade == Grade::NARROW || best.near != FarkasReach::NOTHING;
+    if (way.widen && contradicts) return false; // the model is infeasible as it stands
     return way.begin != BEST_BASIS || best.grade == Grade::ROUNDED ||
            best.grade == Grade::UNSURE;
 }
@@ -186,6 +187,7 @@ int try_way(TVXmodel *model, const Way &way, int method, Best *best)
         method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
     }
     set_aside(model, best);
+    model->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
     TRY(outcome(model,
                 SimplexRepeat(model, method, basis.data, tuning_of(model->env, way))));
     return model->simplex ? note(model, best) : 0;

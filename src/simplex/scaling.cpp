@@ -155,8 +155,9 @@ void scale_column(sopt *s, int j)
     for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
         s->ColVal.data[p] *= s->RowScale.data[s->ColInd.data[p]] * factor;
     s->Cost.data[j] *= factor;
-    if (has_lower(s, s->Lower.data[j])) s->Lower.data[j] /= factor;
-    if (has_upper(s, s->Upper.data[j])) s->Upper.data[j] /= factor;
+    for (double *bound : {&s->Lower.data[j], &s->Upper.data[j]})
+        if (std::fabs(*bound) < s->Infinity)
+            *bound /= factor; // infinite on either side: stays
 }
 
 // A column bounded above only is reversed, so that everything else may count on a lower bound.

@@ -205,8 +205,10 @@ bool simplex_change_bound(sopt *s, int j, double lb, double ub)
     const bool bounded_below = has_lower(s, lower), bounded_above = has_upper(s, upper);
     const bool was_free = !has_lower(s, s->Lower.data[j]);
     if (bounded_below == was_free || (!bounded_below && bounded_above)) return false;
-    s->Lower.data[j] = bounded_below ? lower / std::fabs(scale) : -s->Infinity;
-    s->Upper.data[j] = bounded_above ? upper / std::fabs(scale) : s->Infinity;
+    for (double *bound : {&lower, &upper})
+        if (std::fabs(*bound) < s->Infinity) *bound /= std::fabs(scale);
+    s->Lower.data[j] = lower;
+    s->Upper.data[j] = upper;
     s->InfeasCheckNeeded = 1;
     return true;
 }

@@ -87,13 +87,13 @@ void stall_reset(sopt *s)
 template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
+    const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
     g->Factors++;
-    if (g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
+    if (!endless && g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
     const double since = s->NPvt - g->Iter;
-    const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
     if (!endless && value < *best - STALL_PROGRESS * (1 + std::fabs(value))) {
         *best = value;
         begin(s);
