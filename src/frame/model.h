@@ -153,7 +153,8 @@ struct TVXmodel {
     PresolveResult *presolve = nullptr; // way back from `presolved`
     TVXmodel *presolved = nullptr;
     int no_cutoff = 0; // a dual form, or reduced from one: Cutoff is not for it
-    TVXmodel *dual_form = nullptr; // dual of the model, on which a limit has stopped a solve
+    TVXmodel *dual_form =
+        nullptr; // dual of the model, on which a limit has stopped a solve
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;

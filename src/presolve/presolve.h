@@ -30,7 +30,8 @@ struct LpClaim {
 // results leave neither; `claim`, unless it is null, then gets the proof of what is said. A status of PresolveStatus, or
 // OUT_OF_MEMORY.
 [[nodiscard]] int presolve_lp(TVXmodel *model, LpClaim *claim = nullptr);
-void presolve_drop(TVXmodel *model); // result, reduced model and dual form, if there are any
+void presolve_drop(
+    TVXmodel *model); // result, reduced model and dual form, if there are any
 
 // A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,
 // -3 free or superbasic); the slack of row i is b_i - a_i x.
