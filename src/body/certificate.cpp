@@ -27,20 +27,6 @@ constexpr double ROUNDING =
     1e-13; // of a sum of products of a solver's numbers, against their sizes
 constexpr double COST_ROUNDING = 1e-12; // the same for c r, which has to be clear
 
-// A sum with the sizes of its terms.
-struct Sum {
-    Twofold value;
-    double size = 0;  // of all terms together
-    double terms = 0; // how many
-    void add(Twofold term)
-    {
-        twofold_add(&value, term);
-        size += std::fabs(term.high);
-        terms++;
-    }
-    double error() const { return (terms + 4) * TWOFOLD_ROUNDING * size; } // at most
-};
-
 // The power of two that brings the largest magnitude into 1 .. 2, or 0 when there is none or it is no number.
 double unit_of(const double *v, int n)
 {
@@ -73,7 +59,7 @@ bool usable_multiplier(const ModelBody *body, double infinity, int i, double *y)
 
 // One side of the proof: the least of (y A) x - y b, everything moved out by PROOF_SLACK.
 struct Gap {
-    Sum sum;
+    TwofoldSum sum;
     bool open = false;          // it has no least value
     double slack = PROOF_SLACK; // by which everything is moved out
 };
@@ -93,9 +79,10 @@ bool subtract_rhs(const ModelBody *body, double infinity, const double *y, doubl
 }
 
 // (y A)_j, of usable multipliers.
-Sum column_sum(const ModelBody *body, double infinity, const double *y, double unit, int j)
+TwofoldSum column_sum(const ModelBody *body, double infinity, const double *y, double unit,
+                      int j)
 {
-    Sum g;
+    TwofoldSum g;
     for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++) {
         const int i = body->vind[p];
         double v = unit * y[i];
@@ -105,7 +92,8 @@ Sum column_sum(const ModelBody *body, double infinity, const double *y, double u
     return g;
 }
 
-void add_column(const ModelBody *body, double infinity, const Sum &g, int j, Gap *gap)
+void add_column(const ModelBody *body, double infinity, const TwofoldSum &g, int j,
+                Gap *gap)
 {
     const double value = g.value.high;
     if (g.size == 0 || (value == 0 && g.error() == 0)) return;
@@ -142,7 +130,7 @@ bool usable_step(const ModelBody *body, double infinity, int j, double *r)
     return true;
 }
 
-bool rows_allow(const ModelBody *body, double infinity, const Sum *activity)
+bool rows_allow(const ModelBody *body, double infinity, const TwofoldSum *activity)
 {
     for (int i = 0; i < body->numconstrs; i++) {
         if (is_absent_row(body, infinity, i)) continue;
@@ -170,9 +158,9 @@ int ray_holds(const ModelBody *body, double infinity, const double *ray, bool *h
     *holds = false;
     const double unit = unit_of(ray, body->numvars);
     if (unit == 0) return 0;
-    Array<Sum> activity;
-    TRY(array_assign(&activity, body->numconstrs, Sum{}));
-    Sum cost;
+    Array<TwofoldSum> activity;
+    TRY(array_assign(&activity, body->numconstrs, TwofoldSum{}));
+    TwofoldSum cost;
     for (int j = 0; j < body->numvars; j++) {
         double r = unit * ray[j];
         if (!usable_step(body, infinity, j, &r)) return 0;

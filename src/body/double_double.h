@@ -37,3 +37,17 @@ inline Twofold twofold_times(Twofold a, double b)
     const Twofold product = two_product(a.high, b);
     return two_sum(product.high, product.low + a.low * b);
 }
+
+// A sum with the sizes of its terms, from which follows what it may be wrong by.
+struct TwofoldSum {
+    Twofold value;
+    double size = 0;  // of all terms together
+    double terms = 0; // how many
+    void add(Twofold term)
+    {
+        twofold_add(&value, term);
+        size += std::fabs(term.high);
+        terms++;
+    }
+    double error() const { return (terms + 4) * TWOFOLD_ROUNDING * size; } // at most
+};

@@ -64,7 +64,7 @@ struct Best {
     double excess = 0;      // ROUNDED, UNSURE: largest violation over its tolerance
     sopt *record = nullptr; // that holds it, while it is not the live one; owned
     int status = TVX_NUMERIC;
-    FarkasReach near = FarkasReach::NOTHING; // of all runs
+    FarkasReach near; // of all runs
     ~Best() { simplex_free(record); }
 };
 
@@ -122,7 +122,8 @@ int note(TVXmodel *model, Best *best)
     double excess = a.Excess;
     TRY(look_as_caller(model, &grade, &excess));
     TRY(refuse_gross(model, &grade, excess));
-    best->near = std::max(best->near, a.Near);
+    best->near.Exact |= a.Near.Exact;
+    best->near.Wide |= a.Near.Wide;
     const bool better =
         grade < best->grade || (grade == best->grade && excess < best->excess);
     if (!better || grade == Grade::NONE) return 0;
@@ -146,7 +147,7 @@ bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
     const bool contradicts =
-        best.grade == Grade::NARROW || best.near != FarkasReach::NOTHING;
+        best.grade == Grade::NARROW || best.near.Exact || best.near.Wide;
     if (way.widen && contradicts) return false; // the model is infeasible as it stands
     return way.begin != BEST_BASIS || best.grade == Grade::ROUNDED ||
            best.grade == Grade::UNSURE;
@@ -206,10 +207,9 @@ int settle(TVXmodel *model, Best *best)
     const bool stopped = is_limit(model->status);
     const double iterations =
         model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
-    const bool beats_point = best->grade == Grade::UNSURE && best->status == TVX_OPTIMAL &&
-                             best->near == FarkasReach::WIDE;
-    const bool beats_none =
-        best->grade == Grade::NONE && best->near != FarkasReach::NOTHING;
+    const bool beats_point =
+        best->grade == Grade::UNSURE && best->status == TVX_OPTIMAL && best->near.Wide;
+    const bool beats_none = best->grade == Grade::NONE && best->near.Exact;
     if (model->simplex && !stopped && (beats_point || beats_none)) {
         simplex_declare_infeasible(model);
         return 0;

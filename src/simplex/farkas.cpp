@@ -24,10 +24,9 @@ constexpr double ENOUGH =
 constexpr double SLACK =
     1e-9; // in the user's units: a model with a point that violates no row and no bound by more is
 // not refused
-constexpr double RANGE = 1e15,
-                 NEAR_RANGE = 1e9; // likewise: points up to this far out are excluded
-
-// y = High + Low, over rows.
+constexpr double RANGE = 1e15; // likewise: points up to this far out are excluded
+constexpr double EXACT_RANGE = 1e12,
+                 WIDE_RANGE = 1e9; // the same of the weaker claims in FarkasReach
 template<class R> struct Multipliers {
     SVec<R> *High, *Low;
     Twofold at(int i) const
@@ -38,24 +37,10 @@ template<class R> struct Multipliers {
     }
 };
 
-// A sum with the sizes of its terms.
-struct Sum {
-    Twofold Value;
-    double Size = 0;
-    void add(Twofold term)
-    {
-        twofold_add(&Value, term);
-        Size += std::fabs(term.high);
-    }
-    double error() const { return ERROR_TERMS * TWOFOLD_ROUNDING * Size; }
-    static constexpr double ERROR_TERMS =
-        100; // roundings that add up in long sums, as a rule
-};
-
 // Entry j of g.
-template<class R> Sum entry_of(const sopt *s, const Multipliers<R> &y, int j)
+template<class R> TwofoldSum entry_of(const sopt *s, const Multipliers<R> &y, int j)
 {
-    Sum g;
+    TwofoldSum g;
     if (j >= s->NumCols) {
         g.add(y.at(j - s->NumCols));
         return g;
@@ -68,7 +53,7 @@ template<class R> Sum entry_of(const sopt *s, const Multipliers<R> &y, int j)
 // What g lacks in the column of basis position k.
 template<class R> double missing(const sopt *s, const Multipliers<R> &y, int k)
 {
-    const Twofold g = entry_of(s, y, s->BasisHead.data[k]).Value;
+    const Twofold g = entry_of(s, y, s->BasisHead.data[k]).value;
     return (std::round(g.high) - g.high) - g.low;
 }
 
@@ -103,19 +88,19 @@ template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> 
 
 // One end of the range of g x - y b, seen so far.
 struct End {
-    Sum Value;
+    TwofoldSum Total;
     double Rounding = 0; // of what the sum is made of
     double Open =
         0; // what variables without a bound may add, for each unit of the user that they go out
     double Weight = 0; // what rows and bounds held wider by a unit of the user may add
 };
 
-void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
+void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
 {
-    const double size = std::fabs(g.Value.high), unit = user_unit(s, j);
+    const double size = std::fabs(g.value.high), unit = user_unit(s, j);
     if (std::fabs(bound) * unit < INFINITE_VALUE && has_lower(s, bound) &&
         has_upper(s, bound)) {
-        end->Value.add(twofold_times(g.Value, bound));
+        end->Total.add(twofold_times(g.value, bound));
         end->Rounding += g.error() * std::fabs(bound);
         end->Weight += size / unit;
     } else {
@@ -123,44 +108,46 @@ void extend(const sopt *s, End *end, int j, const Sum &g, double bound)
     }
 }
 
-// How sure it is that g x = y b cannot hold, each stage with the one before.
-enum class Gap {
-    NONE,
-    NEAR,      // for values up to NEAR_RANGE
-    NEAR_WIDE, // also with rows and bounds held wider by FeasibilityTol
-    RELAXED,   // for values up to RANGE, with rows and bounds held wider by SLACK
-    WIDE       // with rows and bounds held wider by FeasibilityTol
+// What the multipliers prove.
+struct Proof {
+    bool Full = false; // infeasible out to RANGE, with rows and bounds held wider by SLACK
+    bool Wide = false; // also with rows and bounds held wider by FeasibilityTol
+    FarkasReach Near;
 };
 
-Gap judge(const sopt *s, const End &end, int sign)
+Proof judge(const sopt *s, const End &end, int sign)
 {
-    const double gap = sign * end.Value.Value.high - end.Rounding - end.Value.error();
-    const double far = gap - RANGE * end.Open, near = gap - NEAR_RANGE * end.Open;
+    const double gap = sign * end.Total.value.high - end.Rounding - end.Total.error();
     const double wide = std::max(SLACK, s->Env->FeasibilityTol) * end.Weight;
-    if (far > wide) return Gap::WIDE;
-    if (far > SLACK * end.Weight) return Gap::RELAXED;
-    if (near > wide) return Gap::NEAR_WIDE;
-    return near > 0 ? Gap::NEAR : Gap::NONE;
+    Proof proof;
+    proof.Full = gap - RANGE * end.Open > SLACK * end.Weight;
+    proof.Wide = gap - RANGE * end.Open > wide;
+    proof.Near.Exact = gap - EXACT_RANGE * end.Open > 0;
+    proof.Near.Wide = gap - WIDE_RANGE * end.Open > wide;
+    return proof;
 }
 
 // sign: by what y is multiplied so that the least value of g x exceeds y b.
-template<class R> Gap equation_fails(const sopt *s, const Multipliers<R> &y, int *sign)
+template<class R> Proof equation_fails(const sopt *s, const Multipliers<R> &y, int *sign)
 {
     End low, high;
     for (int i = 0; i < s->NumRows; i++) {
         const Twofold term = twofold_times(y.at(i), -s->Rhs.data[i]);
-        low.Value.add(term);
-        high.Value.add(term);
+        low.Total.add(term);
+        high.Total.add(term);
     }
     for (int j = 0; j < s->NumVars; j++) {
-        const Sum g = entry_of(s, y, j);
-        const bool up = g.Value.high > 0;
+        const TwofoldSum g = entry_of(s, y, j);
+        const bool up = g.value.high > 0;
         extend(s, &low, j, g, up ? s->Lower.data[j] : s->Upper.data[j]);
         extend(s, &high, j, g, up ? s->Upper.data[j] : s->Lower.data[j]);
     }
-    const Gap above = judge(s, low, 1), below = judge(s, high, -1);
-    *sign = above >= below ? 1 : -1;
-    return std::max(above, below);
+    const Proof above = judge(s, low, 1), below = judge(s, high, -1);
+    *sign = below.Full ? -1 : 1;
+    Proof proof = below.Full ? below : above;
+    proof.Near.Exact = above.Near.Exact || below.Near.Exact;
+    proof.Near.Wide = above.Near.Wide || below.Near.Wide;
+    return proof;
 }
 
 // Row multipliers, scaled.
@@ -183,11 +170,11 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
         before = left;
     }
     int sign = 1;
-    const Gap gap = equation_fails(s, y, &sign);
-    const bool proved = gap >= Gap::RELAXED;
-    s->WideProof = gap == Gap::WIDE;
-    if (gap == Gap::NEAR) s->NearFarkas = std::max(s->NearFarkas, FarkasReach::EXACT);
-    if (gap == Gap::NEAR_WIDE) s->NearFarkas = FarkasReach::WIDE;
+    const Proof proof = equation_fails(s, y, &sign);
+    const bool proved = proof.Full;
+    s->WideProof = proof.Wide;
+    s->NearFarkas.Exact |= proof.Near.Exact;
+    s->NearFarkas.Wide |= proof.Near.Wide;
     if (proved) keep(s, y, sign);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);

@@ -36,11 +36,11 @@ struct SimplexTuning {
                                 const SimplexTuning &tuning);
 void simplex_free(sopt *s); // null is ignored
 
-// Infeasibility out to where the values of usual models end.
-enum class FarkasReach {
-    NOTHING,
-    EXACT, // of the model as it stands
-    WIDE   // also if rows and bounds were held wider by the tolerance
+// What multipliers show that do not prove the model infeasible for values of any size.
+struct FarkasReach {
+    bool Exact =
+        false; // no point up to 1e12 is feasible: doubles cannot hold those beyond within a usual tolerance
+    bool Wide = false; // no point up to 1e9 comes within the tolerance of feasibility
 };
 
 // How well the status of the last run is founded, best first.
@@ -53,8 +53,7 @@ enum class Footing {
 struct SimplexAssessment {
     Footing Foot = Footing::NONE;
     double Excess = 0; // UNSURE: largest violation over its tolerance
-    // What multipliers prove that do not prove the model infeasible out to where numbers end.
-    FarkasReach Near = FarkasReach::NOTHING;
+    FarkasReach Near;  // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
 // What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h). False
@@ -64,7 +63,7 @@ SimplexAssessment simplex_assess(const sopt *s);
 bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
 void simplex_count_on(sopt *s,
                       double iterations); // as if the last run had ended with that count
-// After FarkasReach EXACT or more, when nothing else has given an answer.
+// After FarkasReach, when nothing else has given an answer.
 void simplex_declare_infeasible(TVXmodel *model);
 
 // Results of the last run; any out pointer may be null. None can fail.

@@ -158,7 +158,7 @@ void sopt_refresh(sopt *s)
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
-    s->NearFarkas = FarkasReach::NOTHING;
+    s->NearFarkas = FarkasReach{};
     s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
     s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
     s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);

@@ -200,8 +200,7 @@ struct sopt {
     double Cutoff =
         1e100; // in user units, minimisation, without offset: as Obj; HUGE_VAL: none
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
-    FarkasReach NearFarkas = FarkasReach::
-        NOTHING; // the most that multipliers without a full proof have shown in this run
+    FarkasReach NearFarkas; // what multipliers without a full proof have shown in this run
     int WideProof =
         0; // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol
     ProofKind Proof = PROOF_NONE; // what proved the status of this run
