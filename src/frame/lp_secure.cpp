@@ -19,6 +19,7 @@
 #include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace
 {
@@ -47,21 +48,34 @@ constexpr Way WAYS[] = {
     {SLACKS, false, false, true, true, TIGHT, STRICT},
 };
 constexpr int SMALL_MODEL = 5000; // entries
+// Iterations that ways may take on other models, over those of the first run.
+constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
 constexpr double GROSS_EXCESS =
     1000; // violation over its tolerance that needs a look at its numbers
 
 // Answers, best first.
 enum class Grade {
     SURE,
-    ROUNDED, // as SURE, but as doubles the point violates tolerances in the user's units
+    ROUNDED, // as SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a
+             // visible part of the objective
     NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
     UNSURE, // optimal or unbounded at a point that violates tolerances
     NONE
 };
 
-struct Best {
+struct Answer {
     Grade grade = Grade::NONE;
-    double excess = 0;      // ROUNDED, UNSURE: largest violation over its tolerance
+    double excess = 0; // largest violation over its tolerance
+    double worth = 0;  // what violations may stand for in the objective (simplex.h)
+    bool is_better_than(const Answer &other) const
+    {
+        const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);
+        return std::tie(grade, more, worth) < std::tie(other.grade, less, other.worth);
+    }
+};
+
+struct Best {
+    Answer answer;
     sopt *record = nullptr; // that holds it, while it is not the live one; owned
     int status = TVX_NUMERIC;
     FarkasReach near; // of all runs
@@ -84,7 +98,7 @@ Grade grade_of(Footing foot)
 }
 
 // What the caller will find when he puts the point into his model.
-int look_as_caller(TVXmodel *model, Grade *grade, double *excess)
+int look_as_caller(TVXmodel *model, Answer *answer)
 {
     const TVXenv *env = model->env;
     attributes_clear_solution(model);
@@ -92,45 +106,44 @@ int look_as_caller(TVXmodel *model, Grade *grade, double *excess)
     if (model->status != TVX_OPTIMAL || env->TARV_PAR_UNSCALEDVIO == 0) return 0;
     TRY(solution_quality(model));
     const Quality *q = &model->lp_result->quality;
-    *excess = std::max({q->BoundVio.max / env->FeasibilityTol,
-                        q->ConstrVio.max / env->FeasibilityTol,
-                        q->DualVio.max / env->OptimalityTol});
-    if (*grade == Grade::SURE && *excess > 1) *grade = Grade::ROUNDED;
-    if (*excess <= 1 && *grade == Grade::UNSURE && simplex_is_tuned(model->simplex))
-        *grade = Grade::SURE; // the record itself may be stricter
+    answer->excess = std::max({q->BoundVio.max / env->FeasibilityTol,
+                               q->ConstrVio.max / env->FeasibilityTol,
+                               q->DualVio.max / env->OptimalityTol});
+    const bool within = answer->excess <= 1;
+    if (answer->grade == Grade::UNSURE && within && simplex_is_tuned(model->simplex))
+        answer->grade = Grade::SURE; // the record itself may be stricter
+    const bool visible = answer->worth > 1 && model->body->numnz <= SMALL_MODEL;
+    if (answer->grade == Grade::SURE && (!within || visible))
+        answer->grade = Grade::ROUNDED;
     return 0;
 }
 
 // An optimum that misses the model by as much as its own numbers is none.
-int refuse_gross(TVXmodel *model, Grade *grade, double excess)
+int refuse_gross(TVXmodel *model, Answer *answer)
 {
     bool credible = true;
     if (model->status != TVX_OPTIMAL) return 0;
     const bool usual =
-        excess <= GROSS_EXCESS && std::isfinite(simplex_objective(model->simplex));
+        answer->excess <= GROSS_EXCESS && std::isfinite(simplex_objective(model->simplex));
     if (!usual || model->env->TARV_PAR_UNSCALEDVIO == 0) TRY(lp_credible(model, &credible));
-    if (!credible) *grade = Grade::NONE;
+    if (!credible) answer->grade = Grade::NONE;
     return 0;
 }
 
 // Grades the live record, and keeps it as the best if it is.
 int note(TVXmodel *model, Best *best)
 {
-    if (is_limit(model->status) && best->grade != Grade::NONE) return 0;
+    if (is_limit(model->status) && best->answer.grade != Grade::NONE) return 0;
     const SimplexAssessment a = simplex_assess(model->simplex);
-    Grade grade = grade_of(a.Foot);
-    double excess = a.Excess;
-    TRY(look_as_caller(model, &grade, &excess));
-    TRY(refuse_gross(model, &grade, excess));
+    Answer answer = {grade_of(a.Foot), a.Excess, a.Worth};
+    TRY(look_as_caller(model, &answer));
+    TRY(refuse_gross(model, &answer));
     best->near.Exact |= a.Near.Exact;
     best->near.Wide |= a.Near.Wide;
-    const bool better =
-        grade < best->grade || (grade == best->grade && excess < best->excess);
-    if (!better || grade == Grade::NONE) return 0;
+    if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
     simplex_free(best->record);
     best->record = nullptr;
-    best->grade = grade;
-    best->excess = excess;
+    best->answer = answer;
     best->status = model->status;
     return 0;
 }
@@ -147,10 +160,10 @@ bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
     const bool contradicts =
-        best.grade == Grade::NARROW || best.near.Exact || best.near.Wide;
+        best.answer.grade == Grade::NARROW || best.near.Exact || best.near.Wide;
     if (way.widen && contradicts) return false; // the model is infeasible as it stands
-    return way.begin != BEST_BASIS || best.grade == Grade::ROUNDED ||
-           best.grade == Grade::UNSURE;
+    return way.begin != BEST_BASIS || best.answer.grade == Grade::ROUNDED ||
+           best.answer.grade == Grade::UNSURE;
 }
 
 SimplexTuning tuning_of(const TVXenv *env, const Way &way)
@@ -170,7 +183,7 @@ void set_aside(TVXmodel *model, Best *best)
 {
     if (!model->simplex) return;
     model->lp_result->itercount = simplex_iterations(model->simplex);
-    if (best->grade != Grade::NONE && !best->record)
+    if (best->answer.grade != Grade::NONE && !best->record)
         best->record = model->simplex;
     else
         simplex_free(model->simplex);
@@ -194,11 +207,28 @@ int try_way(TVXmodel *model, const Way &way, int method, Best *best)
     return model->simplex ? note(model, best) : 0;
 }
 
-// Rounding cannot always be helped: it is tried where that costs next to nothing.
-bool is_good_enough(const TVXmodel *model, const Best &best)
+// Rounding cannot always be helped: beyond the first of the ways it is tried where that costs next to nothing.
+bool is_good_enough(const TVXmodel *model, const Best &best, int tried)
 {
-    return best.grade == Grade::SURE ||
-           (best.grade == Grade::ROUNDED && model->body->numnz > SMALL_MODEL);
+    const bool small = model->body->numnz <= SMALL_MODEL;
+    return best.answer.grade == Grade::SURE ||
+           (best.answer.grade == Grade::ROUNDED && !small && tried > 0);
+}
+
+// A large model with any answer at all is not solved over and over for a better one.
+bool is_spent(const TVXmodel *model, const Best &best, double first_iterations)
+{
+    if (best.answer.grade == Grade::NONE || model->body->numnz <= SMALL_MODEL) return false;
+    const double now =
+        model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
+    return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
+}
+
+bool proved_near_enough(const Best &best)
+{
+    if (best.answer.grade == Grade::NONE) return best.near.Exact;
+    return best.answer.grade == Grade::UNSURE && best.status == TVX_OPTIMAL &&
+           best.near.Wide;
 }
 
 // The live record gets the best answer.
@@ -207,24 +237,23 @@ int settle(TVXmodel *model, Best *best)
     const bool stopped = is_limit(model->status);
     const double iterations =
         model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
-    const bool beats_point =
-        best->grade == Grade::UNSURE && best->status == TVX_OPTIMAL && best->near.Wide;
-    const bool beats_none = best->grade == Grade::NONE && best->near.Exact;
-    if (model->simplex && !stopped && (beats_point || beats_none)) {
-        simplex_declare_infeasible(model);
+    if (model->simplex && !stopped && proved_near_enough(*best)) {
+        simplex_declare(model, TVX_INFEASIBLE);
+        model->lp_result->quality = Quality{};
         return 0;
     }
-    if (best->grade == Grade::NONE && model->status == TVX_OPTIMAL)
-        model->status = TVX_NUMERIC;
+    if (best->answer.grade == Grade::NONE && model->simplex &&
+        model->status == TVX_OPTIMAL) {
+        simplex_declare(model, TVX_NUMERIC);
+        model->lp_result->quality = Quality{};
+    }
     if (!best->record) return 0;
     simplex_free(model->simplex);
     model->simplex = best->record;
     best->record = nullptr;
     simplex_count_on(model->simplex, iterations);
     model->status = best->status;
-    Grade grade = best->grade;
-    double excess = 0;
-    return look_as_caller(model, &grade, &excess);
+    return look_as_caller(model, &best->answer);
 }
 } // namespace
 
@@ -233,14 +262,19 @@ int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
     TRY(outcome(model, lp_run(model, model, method, statuses)));
     if (!model->simplex) return 0;
     const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
+    const double first_iterations = simplex_iterations(model->simplex);
     Best best;
     TRY(note(model, &best));
-    if (!is_good_enough(model, best) && !is_limit(model->status))
+    if (!is_good_enough(model, best, 0) && !is_limit(model->status))
         TVXmsg(model->env,
                "Warning: the answer is not sure, solving again in other ways\n");
+    int tried = 0;
     for (const Way &way : WAYS) {
-        if (is_good_enough(model, best) || is_limit(model->status)) break;
-        if (applies(model->env, way, best)) TRY(try_way(model, way, first, &best));
+        if (is_good_enough(model, best, tried) || is_limit(model->status)) break;
+        if (is_spent(model, best, first_iterations)) break;
+        if (!applies(model->env, way, best)) continue;
+        TRY(try_way(model, way, first, &best));
+        tried++;
     }
     return settle(model, &best);
 }

@@ -9,6 +9,7 @@
 // Literature  A. Koberstein, Paderborn 2005.
 #include "simplex/dual.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -18,6 +19,8 @@ constexpr int MAX_REJECTED = 20;       // rows set aside before a switch of meth
 constexpr int PRICING_PERIOD = 3;      // factorisations between looks at the pricing
 constexpr double UPDATES_POWER = 0.65; // limit m^0.65: rows are cheap only with few etas
 constexpr int CYCLE_HITS = 30;         // rounds after which the method gives up
+// Of a sum of products, against the sizes of its terms: the multipliers come from solves with the factors.
+constexpr double CUTOFF_ROUNDING = 1e-10;
 
 // Weights follow their variables through a factorisation.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
@@ -76,24 +79,48 @@ bool has_cutoff(const sopt *s)
     return s->Cutoff < UNDEFINED_VALUE;
 }
 
+// A sum of products with the sizes of its terms, from which follows what it may be wrong by.
+struct BoundSum {
+    long double value = 0, size = 0;
+    void add(long double term)
+    {
+        value += term;
+        size += std::fabs(term);
+    }
+};
+
+template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
+{
+    R largest = 1;
+    for (int i = 0; i < s->NumRows; i++)
+        largest = std::max<R>(largest, std::abs(w->Bbar.data[i]));
+    return static_cast<double>(largest);
+}
+
 // Is the least value of the objective over the bounds, with the multipliers of the basis for the true costs, beyond the
-// cutoff? That is a bound of the optimum whatever the perturbation. RowVal is used.
+// cutoff by more than rounding? That is a bound of the optimum whatever the perturbation. Where a bound is missing a
+// reduced cost within the tolerance is charged with the largest value of the basis. RowVal is used.
 template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
 {
     R *d = w->RowVal.data;
     compute_dual_for(s, w, s->Cost.data, d);
-    long double bound = 0;
+    BoundSum bound;
+    double open = 0; // reduced costs without a bound
     for (int i = 0; i < s->NumRows; i++)
-        bound -= static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i];
+        bound.add(-static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i]);
     for (int j = 0; j < s->NumVars; j++) {
         if (is_basic(s, j)) continue;
         const double side = d[j] > 0 ? s->Lower.data[j] : s->Upper.data[j];
         if (has_lower(s, side) && has_upper(s, side))
-            bound += static_cast<long double>(d[j]) * side;
-        else if (std::abs(d[j]) > R(s->OptTol))
+            bound.add(static_cast<long double>(d[j]) * side);
+        else if (std::abs(d[j]) <= R(s->OptTol))
+            open += static_cast<double>(std::abs(d[j]));
+        else
             return false;
     }
-    return static_cast<double>(bound) / s->ObjScale > s->Cutoff;
+    if (open > 0) open *= largest_basic_value(s, w);
+    const long double sure = bound.value - CUTOFF_ROUNDING * bound.size - open;
+    return static_cast<double>(sure) / s->ObjScale > s->Cutoff;
 }
 
 // Fresh factors and values.

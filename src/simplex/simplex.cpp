@@ -19,6 +19,7 @@ constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
 constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened tolerances
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
+constexpr double WORTH_SEEN = 1e-6;
 
 constexpr double STRICT_MARKOWITZ = 0.9;
 constexpr double NEAR_SHARE =
@@ -329,17 +330,21 @@ SimplexAssessment simplex_assess(const sopt *s)
     const bool point = s->Status == SIMPLEX_OPTIMAL ||
                        (s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY);
     if (!point) return a;
+    if (s->Env->TARV_PAR_UNSCALEDVIO == 0)
+        return a; // the caller takes what the scaled model allows
     const UserViolations v = violations(s);
     a.Excess = v.Primal.Largest / s->Env->FeasibilityTol;
     if (s->Status == SIMPLEX_OPTIMAL)
         a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
+    if (s->Status == SIMPLEX_OPTIMAL)
+        a.Worth = std::max(v.Primal.Worth, v.Dual.Worth) / WORTH_SEEN;
     if (a.Excess > 1) a.Foot = Footing::UNSURE;
     return a;
 }
 
-void simplex_declare_infeasible(TVXmodel *model)
+void simplex_declare(TVXmodel *model, int status)
 {
-    model->status = model->simplex->Status = SIMPLEX_INFEASIBLE;
+    model->status = model->simplex->Status = status;
 }
 
 bool simplex_is_tuned(const sopt *s)

@@ -53,6 +53,7 @@ enum class Footing {
 struct SimplexAssessment {
     Footing Foot = Footing::NONE;
     double Excess = 0; // UNSURE: largest violation over its tolerance
+    double Worth = 0;  // optimal: what violations may stand for in the objective, over what users would see of it
     FarkasReach Near;  // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
@@ -63,8 +64,8 @@ SimplexAssessment simplex_assess(const sopt *s);
 bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
 void simplex_count_on(sopt *s,
                       double iterations); // as if the last run had ended with that count
-// After FarkasReach, when nothing else has given an answer.
-void simplex_declare_infeasible(TVXmodel *model);
+// What the looks after a run found instead of its status: infeasible after FarkasReach, or numeric trouble.
+void simplex_declare(TVXmodel *model, int status);
 
 // Results of the last run; any out pointer may be null. None can fail.
 void simplex_get_primal(const sopt *s, double *x); // [n]
