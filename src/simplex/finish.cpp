@@ -2,6 +2,16 @@
 #include "simplex/sopt.h"
 #include <algorithm>
 
+namespace
+{
+void take_largest(UserViolation *violation, double in_user_units, double in_working_units)
+{
+    if (in_user_units <= violation->Largest) return;
+    violation->Largest = in_user_units;
+    violation->Working = in_working_units;
+}
+} // namespace
+
 // Perturbations, shifts and the box of phase 1 go; values and reduced costs are those of the true LP.
 template<class R> void finish_values(sopt *s, swork<R> *w)
 {
@@ -26,7 +36,7 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
         const int j = s->BasisHead.data[k];
         const double x = static_cast<double>(w->Bbar.data[k]);
         const double gap = std::max({0.0, s->Lower.data[j] - x, x - s->Upper.data[j]});
-        primal.Largest = std::max(primal.Largest, user_unit(s, j) * gap);
+        take_largest(&primal, user_unit(s, j) * gap, gap);
         primal.Worth += gap;
         value = std::max(value, std::fabs(x));
     }
@@ -40,7 +50,7 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
                              : status == AT_UPPER ? d
                                                   : std::fabs(d);
         const double gap = std::max(0.0, wrong);
-        dual.Largest = std::max(dual.Largest, gap / (user_unit(s, j) * s->ObjScale));
+        take_largest(&dual, gap / (user_unit(s, j) * s->ObjScale), gap);
         dual.Worth += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
     }
     const double objective =

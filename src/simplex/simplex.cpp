@@ -11,6 +11,7 @@
 #include "frame/warm_start.h"
 #include "simplex/sopt.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -18,6 +19,8 @@ constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in num
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
 constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened tolerances
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
+constexpr double LIMIT_ROOM =
+    0.999; // of the limit: rounding may not carry the measure of the user beyond it
 constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
 constexpr double WORTH_SEEN = 1e-6;
 
@@ -125,22 +128,23 @@ void finish_live(sopt *s)
         finish_values(s, s->Double);
 }
 
-// Tightens one tolerance so that what is above the limit would not have passed. False when nothing is, or when the
-// tolerance cannot go lower.
-bool tighten(const sopt *s, double *tol, double limit, double violation)
+// Tightens one tolerance by what is asked. False when it is low enough already or cannot go lower.
+bool tighten(const sopt *s, double *tol, double wish)
 {
-    if (violation <= limit) return false;
-    const double floor = s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR;
-    const double wish = std::max(floor, *tol * POLISH_SHARE * limit / violation);
+    wish = std::max(wish, s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR);
     if (wish >= *tol) return false;
     *tol = wish;
     return true;
 }
 
-bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &violation)
+// So that what is above its limit would not have passed.
+bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &v)
 {
-    const bool by_size = tighten(s, tol, limit, violation.Largest);
-    return tighten(s, tol, WORTH_LIMIT, violation.Worth) || by_size;
+    double wish = HUGE_VAL;
+    if (v.Largest > LIMIT_ROOM * limit) wish = POLISH_SHARE * v.Working * limit / v.Largest;
+    if (v.Worth > WORTH_LIMIT)
+        wish = std::min(wish, POLISH_SHARE * *tol * WORTH_LIMIT / v.Worth);
+    return tighten(s, tol, wish);
 }
 
 // Another run from the basis at hand.
@@ -327,17 +331,16 @@ SimplexAssessment simplex_assess(const sopt *s)
     const bool narrow =
         s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WideProof;
     a.Foot = narrow ? Footing::NARROW : Footing::SURE;
-    const bool point = s->Status == SIMPLEX_OPTIMAL ||
-                       (s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY);
-    if (!point) return a;
-    if (s->Env->TARV_PAR_UNSCALEDVIO == 0)
-        return a; // the caller takes what the scaled model allows
+    // Where the caller asks for no look at an optimum in his units, what the scaled model allows will do.
+    const bool optimal = s->Status == SIMPLEX_OPTIMAL && s->Env->TARV_PAR_UNSCALEDVIO != 0;
+    const bool unbounded = s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY;
+    if (!optimal && !unbounded) return a;
     const UserViolations v = violations(s);
     a.Excess = v.Primal.Largest / s->Env->FeasibilityTol;
-    if (s->Status == SIMPLEX_OPTIMAL)
+    if (optimal) {
         a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
-    if (s->Status == SIMPLEX_OPTIMAL)
         a.Worth = std::max(v.Primal.Worth, v.Dual.Worth) / WORTH_SEEN;
+    }
     if (a.Excess > 1) a.Foot = Footing::UNSURE;
     return a;
 }

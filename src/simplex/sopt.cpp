@@ -26,13 +26,17 @@ int copy_matrix(sopt *s, const ModelBody *body)
     const int room = body->vbeg.data ? body->vbeg.data[n] : 0;
     TRY(array_resize(&s->ColInd, room));
     TRY(array_resize(&s->ColVal, room));
+    Array<char> free_rows;
+    TRY(array_resize(&free_rows, s->NumRows));
+    for (int i = 0; i < s->NumRows; i++)
+        free_rows.data[i] = row_kind(body, i) == RowKind::FREE;
     int count = 0;
     for (int j = 0; j < n && room > 0; j++) {
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
             const int i = body->vind.data[p];
             s->ColInd.data[count] = i;
             s->ColVal.data[count] = body->vval.data[p];
-            count += body->vval.data[p] != 0 && row_kind(body, i) != RowKind::FREE;
+            count += body->vval.data[p] != 0 && !free_rows.data[i];
         }
         s->ColBeg.data[j + 1] = count;
     }
@@ -187,9 +191,10 @@ void sopt_check_bounds(sopt *s)
     for (int j = 0; j < s->NumCols; j++) {
         double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
         const bool crossed = (*lower - *upper) * user_unit(s, j) > s->Env->FeasibilityTol;
-        if (!crossed && *lower<s->Infinity && * upper> - s->Infinity) {
-            if (*lower > *upper)
-                *upper = *lower; // crossed by less than the tolerance: fixed
+        const bool passable = *lower < s->Infinity && -*upper < s->Infinity;
+        if (!crossed && passable) {
+            // Crossed by less than the tolerance: fixed.
+            if (*lower > *upper) *upper = *lower;
             continue;
         }
         const bool runs_away = (*lower >= s->Infinity && s->Cost.data[j] < 0) ||

@@ -395,6 +395,7 @@ void finish_values(sopt *s,
 // share of 1 + |objective|: their sum at the price of the largest reduced cost (primal) or value (dual) there is.
 struct UserViolation {
     double Largest = 0, Worth = 0;
+    double Working = 0; // the largest one in the units of the working LP
 };
 struct UserViolations {
     UserViolation Primal, Dual;

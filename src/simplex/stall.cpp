@@ -2,7 +2,7 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      At every third factorisation the value that the phase brings down is compared with its best in this run: the
+// Method      At every third factorisation, once the run is no longer young, the value that the phase brings down is compared with its best in this run: the
 //             sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
 //             changed (dual, box problem and phase 2). After many factorisations and iterations without a better one the
 //             run takes the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the
@@ -14,7 +14,10 @@
 
 namespace
 {
-constexpr int LOOK_PERIOD = 3;     // factorisations between looks
+constexpr int LOOK_PERIOD = 3; // factorisations between looks
+// No look before so many factorisations or iterations (in numbers of variables): most runs have ended by then.
+constexpr int FIRST_FACTORS = 30;
+constexpr double FIRST_ROUNDS = 0.5;
 constexpr int STALL_FACTORS = 10;  // factorisations without progress
 constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
 constexpr double STALL_LEAST = 30; // plus these
@@ -88,6 +91,8 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
     const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
+    if (s->NumFactor < FIRST_FACTORS && s->NPvt < FIRST_ROUNDS * s->NumVars)
+        return STALL_NONE;
     g->Factors++;
     if (!endless && g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
