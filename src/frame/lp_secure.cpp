@@ -59,7 +59,7 @@ enum class Grade {
     ROUNDED, // as SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a
              // visible part of the objective
     NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
-    UNSURE, // optimal or unbounded at a point that violates tolerances
+    UNSURE, // optimal at a point that violates tolerances, or a proved ray without a feasible point
     NONE
 };
 
@@ -247,13 +247,18 @@ int settle(TVXmodel *model, Best *best)
         simplex_declare(model, TVX_NUMERIC);
         model->lp_result->quality = Quality{};
     }
-    if (!best->record) return 0;
-    simplex_free(model->simplex);
-    model->simplex = best->record;
-    best->record = nullptr;
-    simplex_count_on(model->simplex, iterations);
-    model->status = best->status;
-    return look_as_caller(model, &best->answer);
+    const bool restored = best->record != nullptr;
+    if (restored) {
+        simplex_free(model->simplex);
+        model->simplex = best->record;
+        best->record = nullptr;
+        simplex_count_on(model->simplex, iterations);
+        model->status = best->status;
+    }
+    // The ray holds; whether it starts from a feasible point is open.
+    if (best->answer.grade == Grade::UNSURE && model->status == TVX_UNBOUNDED)
+        simplex_declare(model, TVX_INF_OR_UNBD);
+    return restored ? look_as_caller(model, &best->answer) : 0;
 }
 } // namespace
 
