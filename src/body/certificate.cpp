@@ -86,7 +86,7 @@ TwofoldSum column_sum(const ModelBody *body, double infinity, const double *y, d
     for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++) {
         const int i = body->vind[p];
         double v = unit * y[i];
-        if (!usable_multiplier(body, infinity, i, &v) || v == 0) continue;
+        if (v == 0 || !usable_multiplier(body, infinity, i, &v) || v == 0) continue;
         g.add(two_product(v, body->vval[p]));
     }
     return g;

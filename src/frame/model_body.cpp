@@ -1,6 +1,7 @@
 // model_body.cpp -- rules that hold for every body, whichever way it was built
 #include "frame/model_store.h"
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 // How far a caller's bound of an integer variable may lie beyond an integer and still mean it.
@@ -106,11 +107,19 @@ void body_drop_rows(ModelBody *body)
 // Three such numbers multiplied still fit.
 static constexpr double EXTREME = 1e100;
 
+// The bits of |a| order magnitudes as integers do, so that one comparison sees both ends: every solve looks at every entry.
+static bool is_extreme(double a)
+{
+    constexpr uint64_t LEAST = std::bit_cast<uint64_t>(1 / EXTREME) << 1,
+                       MOST = std::bit_cast<uint64_t>(EXTREME) << 1;
+    const uint64_t size = std::bit_cast<uint64_t>(a) << 1;
+    return size - LEAST > MOST - LEAST && size != 0;
+}
+
 bool body_is_extreme(const ModelBody *body)
 {
     for (const double a : body->vval)
-        if (a != 0 && !(std::fabs(a) <= EXTREME && std::fabs(a) >= 1 / EXTREME))
-            return true;
+        if (is_extreme(a)) return true;
     for (const double cost : body->obj)
         if (!(std::fabs(cost) <= EXTREME)) return true;
     return false;
