@@ -33,14 +33,17 @@ static int norms_kind(const TVXmodel *model)
     return model->simplex ? simplex_get_norms(model->simplex, nullptr) : 0;
 }
 
+// The weights of a run in progress belong to no basis yet.
 int get_has_norms(TVXmodel *model, int, ElementRange, void *values)
 {
+    TRY(check_idle(model));
     *static_cast<int *>(values) = norms_kind(model);
     return 0;
 }
 
 int compute_norms(TVXmodel *model, int part, const void **place)
 {
+    TRY(check_idle(model));
     if (!norms_kind(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     TRY(attributes_make(model));
     AttributeTable *table = model->attributes;

@@ -64,6 +64,7 @@ static int need_factor(TVXmodel *model)
 int compute_kappa(TVXmodel *model, int part, const void **place)
 {
     if (!solution_available(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    TRY(check_idle(model)); // the estimate works on the record
     TRY(need_factor(model));
     TRY(attributes_make(model));
     AttributeTable *table = model->attributes;

@@ -18,6 +18,11 @@ bool model_is_occupied(TVXmodel *model)
     return flag_load(&model->busy) || flag_load(&model->callback_thread) != 0;
 }
 
+int check_idle(TVXmodel *model)
+{
+    return model_is_occupied(model) ? TVX_ERROR_OPTIMIZATION_IN_PROGRESS : 0;
+}
+
 int TVXcheckmodel(TVXmodel *model)
 {
     TRY(model_check(model));

@@ -204,6 +204,8 @@ void presolve_free(PresolveResult *presolve); // of the presolve subsystem; null
 int model_check(TVXmodel *model);             // as TVXcheckmodel but keeps the error state
 // A solve runs, or a callback, which may hear a line of any call: nothing may be updated, solved or freed.
 bool model_is_occupied(TVXmodel *model);
+// TVX_ERROR_OPTIMIZATION_IN_PROGRESS then, else 0: opens whatever works on the live simplex record.
+[[nodiscard]] int check_idle(TVXmodel *model);
 bool model_is_mip(const TVXmodel *model); // integers, semi-continuous variables or SOS
 
 // ---- model_update.cpp ----

@@ -94,12 +94,13 @@ static void follow_infinity(TVXmodel *model)
     const double infinite = infinite_bound(model->env);
     if (infinite == model->body->kind_infinity) return; // assigned
     body_find_kinds(model->body, infinite);
-    if (!model->simplex) return;
-    const WarmStart *given = model->warm_start;
-    if (!given || given->kind == WARM_NONE) warm_start_from_simplex(model);
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
-    model_free_results(model);
+    if (model->simplex) {
+        const WarmStart *given = model->warm_start;
+        if (!given || given->kind == WARM_NONE) warm_start_from_simplex(model);
+        simplex_free(model->simplex);
+        model->simplex = nullptr;
+    }
+    model_free_results(model); // presolve alone may have made them
     attributes_clear(model);
     model->status = TVX_LOADED;
 }
@@ -142,22 +143,22 @@ int model_update(TVXmodel *model)
 }
 
 // From inside a callback the call that runs still needs what an update would free.
-static int check_idle(TVXmodel *model)
+static int open_call(TVXmodel *model)
 {
     TRY(TVXcheckmodel(model));
-    return model_is_occupied(model) ? TVX_ERROR_OPTIMIZATION_IN_PROGRESS : 0;
+    return check_idle(model);
 }
 
 int TVXupdatemodel(TVXmodel *model)
 {
-    int error = check_idle(model);
+    int error = open_call(model);
     if (!error) error = model_update(model);
     return finish_model(model, error);
 }
 
 int TVXresetmodel(TVXmodel *model)
 {
-    int error = check_idle(model);
+    int error = open_call(model);
     if (error) return finish_model(model, error);
     error = model_update(model);
     if (error) {

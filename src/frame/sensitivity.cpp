@@ -98,7 +98,7 @@ int make_fresh(TVXmodel *model)
 {
     const double before = model->lp_result->itercount;
     const int code = confirm_optimum(model);
-    if (!model->simplex) { // lost on the way: out of memory, or numeric trouble
+    if (!model->simplex) { // lost on the way: out of memory
         attributes_clear_solution(model);
         model_free_results(model);
         model->status = TVX_LOADED;
@@ -113,6 +113,7 @@ int SensitivityPrepare(TVXmodel *model)
 {
     if (!solution_available(model) || model->status != TVX_OPTIMAL || !model->lp_result)
         return TVX_ERROR_DATA_NOT_AVAILABLE;
+    TRY(check_idle(model));
     TRY(attributes_make(model));
     if (model->attributes->have & HAVE_RANGING) return 0;
     if (!simplex_has_fresh_factor(model->simplex)) TRY(make_fresh(model));

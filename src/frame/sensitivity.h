@@ -17,7 +17,8 @@ struct BoundRanges {
 
 // Fresh factors for the ranges of an optimal model, without a trace for the caller; a basis that turns out not to be
 // optimal with them is replaced, with a warning. To be called first. 0; TVX_ERROR_DATA_NOT_AVAILABLE without an
-// optimal LP solution; OUT_OF_MEMORY; TVX_ERROR_NUMERIC when no optimal basis is found any more.
+// optimal LP solution; TVX_ERROR_OPTIMIZATION_IN_PROGRESS from inside a callback; OUT_OF_MEMORY; TVX_ERROR_NUMERIC when
+// no optimal basis is found any more.
 [[nodiscard]] int SensitivityPrepare(TVXmodel *model);
 // None can fail.                                             cost: one solve with the factors, or none
 RangePair range_of_cost(TVXmodel *model, int j);

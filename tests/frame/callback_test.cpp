@@ -227,6 +227,39 @@ TEST_F(Callback, may_ask_for_what_belongs_to_the_moment)
         }
 }
 
+// At any moment, also when lines after the run are logged and the solution is there already.
+TEST_F(Callback, queries_that_would_work_on_the_running_simplex_are_refused)
+{
+    int refused = 0;
+    const auto expect_refused = [&refused](int code) {
+        EXPECT_TRUE(code == TVX_ERROR_OPTIMIZATION_IN_PROGRESS ||
+                    code == TVX_ERROR_DATA_NOT_AVAILABLE)
+            << code;
+        refused += code == TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
+    };
+    act = [&](void *, int) {
+        double value = 0;
+        int norms = 0;
+        const int first = 0;
+        for (const char *name : {"SAObjLow", "SALBUp", "SAUBLow", "SARHSLow", "SARHSUp",
+                                 "VDualNorm", "CDualNorm"})
+            expect_refused(TVXgetdblattrelement(model, name, 0, &value));
+        for (const char *name : {"Kappa", "N2Kappa"})
+            expect_refused(TVXgetdblattr(model, name, &value));
+        expect_refused(TVXgetintattr(model, "HasDualNorm", &norms));
+        expect_refused(TVXstrongbranch(model, 1, &first, 1, &value, &value, nullptr));
+        return 0;
+    };
+    for (const int presolve : {0, 1}) {
+        refused = 0;
+        ASSERT_EQ(solve(presolve), 0);
+        EXPECT_GT(refused, 20);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        EXPECT_GE(dbl("Kappa"), 1);
+        EXPECT_LE(dbl("SAObjLow", 0), dbl("Obj", 0));
+    }
+}
+
 TEST_F(Callback, misuse_is_told)
 {
     int type = 0, size = 0, garbage = 5;
