@@ -18,10 +18,10 @@ bool errors_allow(const PresolveWork *w, int p, double col_largest, double row_l
         w->ObjErr.data[pivot.col] * row_largest > MOST_COST_ERROR * w->OptTol * a)
         return false;
     if (!w->HasSizes) return true;
-    float size = 0;
+    double size = 0;
     for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q))
         size = std::max(size, w->EntrySize.data[q]);
     for (int q = first_in_col(w, pivot.col); q >= 0; q = next_in_col(w, q))
         size = std::max(size, w->EntrySize.data[q]);
-    return static_cast<double>(size) <= MOST_LOST * a;
+    return size <= MOST_LOST * a;
 }

@@ -45,13 +45,13 @@ inline double bound_error(const PresolveWork *w, int j)
 inline double size_of_entry(const PresolveWork *w, int p)
 {
     const double value = std::fabs(w->Nodes.data[p].value);
-    return w->HasSizes ? std::max(value, static_cast<double>(w->EntrySize.data[p])) : value;
+    return w->HasSizes ? std::max(value, w->EntrySize.data[p]) : value;
 }
 inline void set_entry_size(PresolveWork *w, int p, double size)
 {
     const bool matters = size > KEPT_SIZE * std::fabs(w->Nodes.data[p].value);
     if (!matters && !w->HasSizes) return;
-    w->EntrySize.data[p] = matters ? static_cast<float>(size) : 0;
+    w->EntrySize.data[p] = matters ? size : 0;
     w->HasSizes = true;
 }
 

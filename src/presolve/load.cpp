@@ -160,7 +160,7 @@ int work_load(PresolveWork *w, TVXmodel *model)
     TRY(copy_vectors(w, body));
     TRY(set_errors(w));
     TRY(array_resize(&w->Nodes, body->numnz + spare));
-    TRY(array_assign(&w->EntrySize, w->Nodes.size, 0.0F));
+    TRY(array_assign(&w->EntrySize, w->Nodes.size, 0.0));
     TRY(array_reserve(&w->Stale, w->Nodes.size / LONG_STALE_ROW + 1));
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));

@@ -81,8 +81,7 @@ void check_errors(const PresolveWork *w, Checker *c)
         c->expect(w->ObjErr.data[j] >= 0 && w->BoundErr.data[j] >= 0, "ObjErr or BoundErr",
                   j, w->ObjErr.data[j], w->BoundErr.data[j]);
     for (int p = 0; p < w->EntrySize.size; p++)
-        c->expect(w->EntrySize.data[p] >= 0, "EntrySize", p,
-                  static_cast<double>(w->EntrySize.data[p]), 0);
+        c->expect(w->EntrySize.data[p] >= 0, "EntrySize", p, w->EntrySize.data[p], 0);
 }
 } // namespace
 

@@ -72,8 +72,8 @@ struct PresolveWork {
     Array<double> BoundErr; // [NumCols] of Lb and Ub, 0 for bounds as given
 
     Array<PresolveNode> Nodes;
-    Array<float>
-        EntrySize; // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger
+    // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger. It may be any double.
+    Array<double> EntrySize;
     bool HasSizes = false;       // some EntrySize may be set
     Array<int> RowHead, ColHead; // first node, -1 when none
     Array<int> RowCnt, ColCnt;   // live entries, or a state below zero

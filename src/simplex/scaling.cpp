@@ -2,13 +2,16 @@
 //
 // Method      One pass: each row by its largest magnitude, then each column of the result by its largest. Factors are
 //             powers of two, so that scaling is exact in both directions; lines whose largest lies between 1/2 and 2
-//             stay. Where that leaves entries close to rounding, passes that centre each line between its smallest and its
-//             largest entry take its place. The objective is scaled by the geometric middle of its smallest and largest cost.
+//             stay. Where that leaves entries close to rounding, passes that centre each line between its smallest and
+//             its largest entry take its place. The objective is scaled by the geometric middle of its smallest and
+//             largest cost.
 // In, out     The unscaled arrays of sopt become scaled; RowScale, ColScale (sign: reversed column), ObjScale.
 // Cost        O(nonzeros).
-// Literature  R. Fourer, "Solving staircase linear programs by the simplex method", Math. Prog. 23, 1982 (geometric scaling).
+// Literature  R. Fourer, "Solving staircase linear programs by the simplex method", Math. Prog. 23, 1982 (geometric
+//             scaling).
 #include "simplex/sopt.h"
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace
@@ -20,12 +23,23 @@ constexpr double HUGE_COST =
 constexpr double VANISHING = 1e-9; // entries below are less than what any pivot needs
 constexpr int CENTRE_PASSES = 10;  // the spread of hard models settles within these
 constexpr double ROUND_UP = 1.4142135623730951; // to the nearest power of two
+// By which the smallest entry has to grow. Rounding alone can make a difference of 8: factors by the largest entry are
+// rounded down, by up to 2 each for row and column, those of the middle to the nearest, by up to ROUND_UP each.
+constexpr double CLEAR_GAIN = 10;
+constexpr double MOST = DBL_MAX; // coefficients are not bounded by INFINITE_BOUND
+constexpr double LEAST_FACTOR = 0x1p-1000,
+                 MOST_FACTOR = 0x1p1000; // finite, and so the inverse
 constexpr int DECADES = 16;
 constexpr int DECADE_GAP = 3; // empty decades that set artificial costs apart
 
+double usable(double factor)
+{
+    return std::clamp(factor, LEAST_FACTOR, MOST_FACTOR);
+}
+
 double power_of_two(double v)
 {
-    return std::exp2(std::floor(std::log2(v)));
+    return std::exp2(std::floor(std::log2(usable(v))));
 }
 
 // Factor that brings `largest` near 1.
@@ -33,7 +47,7 @@ double line_factor(sopt *s, double largest)
 {
     if (largest == 0) return 1; // an empty line
     if (s->Env->TARV_PAR_ALTSCALE)
-        return (double(random_next(&s->Rng)) / RANDOM_MAX + 1) / largest;
+        return usable((double(random_next(&s->Rng)) / RANDOM_MAX + 1) / largest);
     if (largest > 0.5 && largest < 2) return 1;
     return power_of_two(1 / largest);
 }
@@ -54,9 +68,9 @@ void size_rows_by_largest(sopt *s)
 // Returns the smallest entry under the factors.
 double size_columns_by_largest(sopt *s)
 {
-    double all = INFINITE_BOUND;
+    double all = MOST;
     for (int j = 0; j < s->NumCols; j++) {
-        double largest = 0, least = INFINITE_BOUND;
+        double largest = 0, least = MOST;
         for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
             const double a =
                 std::fabs(s->ColVal.data[p]) * s->RowScale.data[s->ColInd.data[p]];
@@ -73,7 +87,7 @@ double size_columns_by_largest(sopt *s)
 
 // Smallest and largest magnitude of a line.
 struct Spread {
-    double Least = INFINITE_BOUND, Most = 0;
+    double Least = MOST, Most = 0;
 };
 
 void extend(Spread *line, double a)
@@ -93,9 +107,11 @@ Spread spread_of_matrix(const sopt *s)
     return all;
 }
 
+// The product of the two may be no double, that of their roots is one.
 double middle_factor(const Spread &line)
 {
-    return line.Most > 0 ? 1 / std::sqrt(line.Least * line.Most) : 1;
+    if (line.Most == 0) return 1; // an empty line
+    return usable(1 / (std::sqrt(line.Least) * std::sqrt(line.Most)));
 }
 
 void centre_rows(sopt *s, Array<Spread> *rows)
@@ -119,14 +135,25 @@ void centre_columns(sopt *s)
     }
 }
 
+// A finite bound that passes for an infinite one would change the model.
+bool bounds_stay_finite(const sopt *s)
+{
+    for (int j = 0; j < s->NumCols; j++)
+        for (const double bound : {s->Lower.data[j], s->Upper.data[j]})
+            if (std::fabs(bound) < s->Infinity &&
+                std::fabs(bound / s->ColScale.data[j]) >= s->Infinity)
+                return false;
+    return true;
+}
+
 void round_to_powers(Array<double> *factors)
 {
     for (double &factor : *factors) factor = power_of_two(factor * ROUND_UP);
 }
 
 // Where factors by the largest entry leave entries so small that no pivot could be taken from them (a row y <= 1e9 z),
-// each line is centred between its smallest and its largest entry instead, if the smallest of all grows by that. 0 or
-// OUT_OF_MEMORY.
+// each line is centred between its smallest and its largest entry instead, if the smallest of all clearly grows by
+// that. 0 or OUT_OF_MEMORY.
 int keep_entries_alive(sopt *s, double least)
 {
     if (least >= VANISHING) return 0;
@@ -141,7 +168,9 @@ int keep_entries_alive(sopt *s, double least)
     }
     round_to_powers(&s->RowScale);
     round_to_powers(&s->ColScale);
-    if (spread_of_matrix(s).Least > least) return 0;
+    const Spread all = spread_of_matrix(s);
+    if (all.Least > CLEAR_GAIN * least && std::isfinite(all.Most) && bounds_stay_finite(s))
+        return 0;
     s->RowScale = static_cast<Array<double> &&>(rows);
     s->ColScale = static_cast<Array<double> &&>(columns);
     return 0;
@@ -153,7 +182,8 @@ void scale_column(sopt *s, int j)
 {
     const double factor = s->ColScale.data[j];
     for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        s->ColVal.data[p] *= s->RowScale.data[s->ColInd.data[p]] * factor;
+        s->ColVal.data[p] =
+            s->ColVal.data[p] * s->RowScale.data[s->ColInd.data[p]] * factor;
     s->Cost.data[j] *= factor;
     for (double *bound : {&s->Lower.data[j], &s->Upper.data[j]})
         if (std::fabs(*bound) < s->Infinity)
@@ -175,8 +205,9 @@ void flip_column(sopt *s, int j)
 
 double centre(double largest, double smallest)
 {
-    return std::sqrt(largest / smallest) <= WIDE_COSTS ? std::sqrt(largest * smallest)
-                                                       : largest / WIDE_COSTS;
+    return std::sqrt(largest / smallest) <= WIDE_COSTS
+               ? std::sqrt(largest) * std::sqrt(smallest)
+               : largest / WIDE_COSTS;
 }
 
 // Costs far above all others (big-M penalties) should not decide the scale: the largest of the rest, or 0.
@@ -203,7 +234,7 @@ double objective_factor(const sopt *s)
     const double wish = s->Env->ObjScale;
     if (wish == 1) return 1; // the value that means none
     if (wish > 0) return power_of_two(1 / wish);
-    double largest = 0, smallest = INFINITE_BOUND;
+    double largest = 0, smallest = MOST;
     for (int j = 0; j < s->NumCols; j++) {
         const double c = std::fabs(s->Cost.data[j]);
         largest = std::max(largest, c);

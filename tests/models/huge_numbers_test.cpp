@@ -1,6 +1,7 @@
 // huge_numbers_test.cpp -- numbers near what a double can hold, and what counts as an infinite bound
 //
 // An answer may be numeric trouble where products overflow; it is never a wrong status, nor an optimum without value.
+#include "simplex/simplex.h"
 #include "support/model_test.h"
 #include "support/settings.h"
 #include <cmath>
@@ -140,6 +141,47 @@ TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
     update(); // bounds of both kinds, checked in debug builds
     ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e30), 0);
     EXPECT_EQ(objective(), -5e6);
+
+    LpModel lp; // presolve alone finds it infeasible, and no simplex record is left
+    for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, 5e6);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 2e7);
+    load(lp);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(integer("Status"), TVX_INFEASIBLE);
+    EXPECT_EQ(model->simplex, nullptr);
+    ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e6), 0);
+    update();
+    EXPECT_EQ(integer("Status"), TVX_LOADED);
+    double iterations = 0;
+    EXPECT_EQ(TVXgetdblattr(model, "IterCount", &iterations), 10005);
+    EXPECT_EQ(objective(), 2e7);
+}
+
+// Products of entries overflow or vanish, and so would factors made of them.
+TEST_F(HugeNumbers, lines_of_huge_and_tiny_entries_are_scaled)
+{
+    for (const double size : {1e-200, 1e-160, 1e154, 1e170, 1e290}) {
+        LpModel lp; // min x + y,  size (x - y / 2) >= 0,  size (1e-11 x - y) <= 0,  y >= 4
+        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 4 * j, 10);
+        lp_add_row_entries(&lp, {{0, size}, {1, -size / 2}}, '>', 0);
+        lp_add_row_entries(&lp, {{0, 1e-11 * size}, {1, -size}}, '<', 0);
+        SCOPED_TRACE(size);
+        for (const double method : {0, 1}) {
+            load(lp);
+            ASSERT_EQ(settings_apply(own(), {{"LPMethod", method}, {"Presolve", 0}}), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            const double *row = nullptr, *col = nullptr;
+            double factor = 0;
+            simplex_get_scaling(model->simplex, &row, &col, &factor);
+            ASSERT_NE(row, nullptr);
+            for (const double f : {row[0], row[1], col[0], col[1], factor})
+                EXPECT_TRUE(std::isnormal(f)) << f;
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+            if (size > 1) { // else the rows ask for nothing that a tolerance would not hide
+                EXPECT_NEAR(dbl("ObjVal"), 6, 1e-6);
+            }
+        }
+    }
 }
 
 TEST_F(HugeNumbers, a_bound_that_counts_as_infinite_is_not_violated)
