@@ -564,7 +564,9 @@ TVX_API int TVXsetsignal(TVXmodel *model);
  *   iterations        in   limit of the dual simplex iterations for each side, 0 or more
  *   down_out, up_out  out  [numcands] the objective; a bound on it where the limit was reached or numeric trouble
  *                          stopped the run; 1e100, or -1e100 for a maximise model, where there is no feasible point or
- *                          none within Cutoff. Either may be null, and its sides are left out then
+ *                          none within Cutoff. Where the optimum itself is as bad as that or worse the largest
+ *                          number of its sign, 1.8e308, stands in its place. An objective is never exactly either, nor
+ *                          NaN or infinite. Either may be null, and its sides are left out then
  *   status_out        out  2 done; 9 TimeLimit reached (counted from this call) and 11 stopped by TVXterminate: sides that
  *                          were not finished show a bound; 0 on failure. May be null
  * Nothing is logged. Parameters read: IntFeasTol, TimeLimit, Cutoff, SimplexPricing, tolerances.
@@ -688,11 +690,11 @@ TVX_API int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out
  * sets no basis and returns 0 all the same, with the reason in the log and in the text of the error. */
 TVX_API int TVXread(TVXmodel *model, const char *filename);
 
-/* Writes the model (.mps or .lp; .rew and .rlp with numbers for names), its basis (.bas), its solution (.sol), its solution as a MIP
- * start (.mst), or its parameters (.prm). Queued changes are not written.
+/* Writes the model (.mps or .lp; .rew and .rlp with numbers for names), its basis (.bas), its solution (.sol), its
+ * solution as a MIP start (.mst), or its parameters (.prm). Queued changes are not written.
  *   filename  in  is replaced
- * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution, basis or IIS (.ilp) to write; 10013 filename is
- * null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
+ * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution, basis or IIS (.ilp) to write; 10013
+ * filename is null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
 TVX_API int TVXwrite(TVXmodel *model, const char *filename);
 
 #ifdef __cplusplus

@@ -10,6 +10,7 @@
 #include "frame/signs.h"
 #include "simplex/simplex.h"
 #include <cmath>
+#include <limits>
 
 namespace
 {
@@ -39,15 +40,29 @@ bool is_stop(int status)
     return status == TVX_TIME_LIMIT || status == TVX_INTERRUPTED;
 }
 
+// What a caller reads of a side, in the form of a minimisation. Values of models with huge objectives may reach and pass
+// the one that stands for no solution: then the largest number stands for it, and a value that meets it moves up by its
+// last digit.
+double shown(const BranchOutcome &outcome, double optimum)
+{
+    const bool huge = optimum >= UNDEFINED_VALUE;
+    const double none = huge ? std::numeric_limits<double>::max() : UNDEFINED_VALUE;
+    if (branch_is_closed(outcome)) return none;
+    if (outcome.Value == UNDEFINED_VALUE) // met by chance
+        return std::nextafter(UNDEFINED_VALUE, std::numeric_limits<double>::max());
+    return outcome.Value;
+}
+
 // One candidate, or the optimum for one that is not looked at any more.
 int try_candidate(const TVXmodel *model, StrongBranch *branch, const Request &request,
                   int k)
 {
     const int j = request.ind[k], sense = model->body->sense;
     const double x = simplex_place(model->simplex, j).Value,
-                 below = std::floor(x + model->env->IntFeasTol);
+                 below = std::floor(x + model->env->IntFeasTol),
+                 optimum = simplex_objective(model->simplex);
     for (const BranchSide side : {BranchSide::DOWN, BranchSide::UP}) {
-        BranchOutcome outcome = {TVX_OPTIMAL, simplex_objective(model->simplex), 0};
+        BranchOutcome outcome = {TVX_OPTIMAL, optimum, 0};
         double *place = side == BranchSide::DOWN ? request.down : request.up;
         if (place && !is_stop(*request.status)) {
             TRY(strong_branch_probe(branch, j, side,
@@ -56,7 +71,7 @@ int try_candidate(const TVXmodel *model, StrongBranch *branch, const Request &re
             message_debug(model->env, "Strong branch result: %d\n", outcome.Status);
             if (is_stop(outcome.Status)) *request.status = outcome.Status;
         }
-        if (place) place[k] = turned(sense, outcome.Value);
+        if (place) place[k] = turned(sense, shown(outcome, optimum));
     }
     return 0;
 }

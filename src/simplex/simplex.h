@@ -5,8 +5,8 @@
 #pragma once
 #include "frame/model.h"
 
-// METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else as
-// METHOD_AUTO.
+// METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else
+// as METHOD_AUTO.
 enum SimplexMethod {
     METHOD_BY_START = -2,
     METHOD_AUTO = -1,
@@ -20,14 +20,14 @@ struct SimplexTuning {
     bool Extended = false;   // from the start in extended precision
     double Tolerance = 1e-6; // feasibility and optimality tolerances are at most this
     double Markowitz = 0;    // pivots in the factors are at least this strict
-    double Widen = 0;        // rows and bounds are held wider by this, in the user\'s units
+    double Widen = 0;        // rows and bounds are held wider by this, in the user's units
 };
 
 // Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
 // scratch, in this order. The result is model->status and the record model->simplex.
 //   vstat_cols [n], vstat_rows [m]   start basis, or both null
 //   x_start [n], slack_start [m]     start point that classifies nonbasics, or null
-// 0 (limits and infeasibility too), OUT_OF_MEMORY, or TVX_ERROR_NUMERIC.
+// 0 (limits, infeasibility and numeric trouble too) or OUT_OF_MEMORY.
 [[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
                                   const int *vstat_rows, const double *x_start,
                                   const double *slack_start);
@@ -38,9 +38,10 @@ void simplex_free(sopt *s); // null is ignored
 
 // What multipliers show that do not prove the model infeasible for values of any size.
 struct FarkasReach {
-    bool Exact =
-        false; // no point up to 1e12 is feasible: doubles cannot hold those beyond within a usual tolerance
-    bool Wide = false; // no point up to 1e9 comes within the tolerance of feasibility
+    // No point up to 1e12 is feasible: doubles cannot hold those beyond within a usual tolerance.
+    bool Exact = false;
+    // No point up to 1e9 comes within the tolerance of feasibility.
+    bool Wide = false;
 };
 
 // How well the status of the last run is founded, best first.
@@ -57,8 +58,8 @@ struct SimplexAssessment {
     FarkasReach Near;  // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
-// What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h). False
-// when there is no such proof.
+// What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h).
+// False when there is no such proof.
 [[nodiscard]] bool simplex_get_farkas(const sopt *s, double *farkas);
 [[nodiscard]] bool simplex_get_ray(const sopt *s, double *ray);
 bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
@@ -74,7 +75,9 @@ void simplex_get_dual(const sopt *s, double *pi,
 void simplex_get_basis(const sopt *s, int *statuses); // [n + m] as in WarmStart
 double simplex_objective(const sopt *s); // minimisation form, constant included
 double simplex_iterations(const sopt *s);
-double simplex_work_units(const sopt *s);
+double simplex_work_units(const sopt *s); // in the life of the record
+// Those since this was last called: so each is counted once, whether the record is freed or lives on.
+double simplex_take_work(sopt *s);
 int simplex_factorizations(const sopt *s);
 // A run in progress: the figures of a line of its log, in the caller's sense. cost: a pass over the variables
 struct SimplexProgress {
@@ -91,8 +94,8 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col,
 // Pricing norms held: 0 none, 1 dual, 2 primal kind; norms [n + m] may be null.
 int simplex_get_norms(const sopt *s, double *norms);
 
-// After an optimum: slacks of the equations i with rows[i] != 0 [m] leave the basis where that is possible. The basis stays
-// optimal, the point stays where it is. 0 or a code.
+// After an optimum: slacks of the equations i with rows[i] != 0 [m] leave the basis where that is possible. The basis
+// stays optimal, the point stays where it is. 0 or a code.
 [[nodiscard]] int simplex_release_slacks(TVXmodel *model, const char *rows);
 
 void simplex_log_final(const sopt *s); // the closing line of an optimal run
@@ -123,7 +126,8 @@ struct VariablePlace {
 };
 VariablePlace simplex_place(const sopt *s, int k);
 
-// The condition of the scaled basis, estimated from below (condition.cpp); needs factors. 0 or OUT_OF_MEMORY.
+// The condition of the scaled basis, estimated from below (condition.cpp); needs factors. 1 to UNDEFINED_VALUE, which
+// stands for all beyond. 0 or OUT_OF_MEMORY.
 enum class KappaNorm { ONE, TWO };
 [[nodiscard]] int simplex_kappa(sopt *s, KappaNorm norm, double *kappa);
 
@@ -135,10 +139,15 @@ struct StrongBranch;
 enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
 struct BranchOutcome {
     int Status; // of the run: 2, 3 or 6 (no better than infeasible), or 7, 9, 11, 12: where it stopped
-    double
-        Value; // objective as simplex_objective: exact, UNDEFINED_VALUE, or a lower bound
+    // Objective as simplex_objective, always finite: exact with 2, else a lower bound. Of 3 and 6 it tells nothing.
+    double Value;
     double Iterations;
 };
+// No solution there, or none worth having: no value means that, as an objective may be any number.
+inline bool branch_is_closed(const BranchOutcome &outcome)
+{
+    return outcome.Status == TVX_INFEASIBLE || outcome.Status == TVX_CUTOFF;
+}
 [[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out); // 0 or OUT_OF_MEMORY
 [[nodiscard]] int strong_branch_probe(StrongBranch *branch, int j, BranchSide side,
                                       double bound, double iteration_limit,

@@ -11,6 +11,7 @@
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
 #include "simplex/dual.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -210,6 +211,12 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
     return dual_pivots(s, w);
 }
 
+// A branch cannot better the optimum. A value that has overflowed says no more than that.
+double at_least_optimum(const StrongBranch *b, double value)
+{
+    return std::isfinite(value) ? std::max(b->Optimum, value) : b->Optimum;
+}
+
 // What no solution of the branch can better, from the basis at hand: its objective less what reduced costs of the wrong
 // sign could still gain. Shifts may have left such.
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
@@ -233,7 +240,7 @@ template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
         gain += wrong * (static_cast<long double>(upper) - lower);
     }
     const double bound = true_objective(s, w) - static_cast<double>(gain) / s->ObjScale;
-    return std::max(b->Optimum, bound + s->ObjOffset); // a bound cannot better the optimum
+    return at_least_optimum(b, bound + s->ObjOffset);
 }
 
 // The dual has met true costs for which its basis is not optimal: the primal goes on, in a record of its own, as what
@@ -258,12 +265,12 @@ BranchOutcome conclude(const StrongBranch *b, double value, double bound)
     switch (s->Status) {
     case SIMPLEX_INFEASIBLE:
     case SIMPLEX_CUTOFF:
-        return {s->Status, UNDEFINED_VALUE, s->NPvt};
+        return {s->Status, b->Optimum, s->NPvt};
     case SIMPLEX_OPTIMAL:
-        value = std::max(value, b->Optimum);
-        if (value - s->ObjOffset > s->Cutoff)
-            return {SIMPLEX_CUTOFF, UNDEFINED_VALUE, s->NPvt};
-        return {SIMPLEX_OPTIMAL, value, s->NPvt};
+        if (!std::isfinite(value)) return {SIMPLEX_NUMERIC, bound, s->NPvt};
+        value = at_least_optimum(b, value);
+        return {value - s->ObjOffset > s->Cutoff ? SIMPLEX_CUTOFF : SIMPLEX_OPTIMAL, value,
+                s->NPvt};
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
     case SIMPLEX_INTERRUPTED:
@@ -372,8 +379,7 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
                kept_in = x >= lower - s->FeasTol && x <= upper + s->FeasTol;
     if (crossed || kept_in) {
         loosen(s, old);
-        *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL,
-                    crossed ? UNDEFINED_VALUE : branch->Optimum, 0};
+        *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
     }
     s->Env->IterationLimit = iteration_limit;

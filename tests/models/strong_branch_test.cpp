@@ -7,6 +7,7 @@
 #include "support/settings.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
+#include <cfloat>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -192,4 +193,32 @@ TEST_F(StrongBranching, refuses_what_it_cannot_do)
     ASSERT_EQ(TVXsetdblparam(own(), "TimeLimit", 0), 0);
     EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, &up, &status), 0);
     EXPECT_TRUE(down == 3.5 && up == 3.5 && status == TVX_TIME_LIMIT);
+}
+
+// What stands for no solution must not pass for the value of one, nor the other way round.
+TEST_F(StrongBranching, values_as_large_as_the_one_for_no_solution_are_told_apart_from_it)
+{
+    const int ind[] = {0};
+    double down = 0, up = 0;
+    for (const int sense : {1, -1})
+        for (const double cost : {1e99, 1e100, 1e101, 1e150}) {
+            LpModel lp; // cost x >= cost 2.5, x at most 2.75 or 8
+            lp.sense = sense;
+            lp_add_var(&lp, sense * cost, 0, 8);
+            lp_add_row_entries(&lp, {{0, 2}}, '>', 5);
+            for (const bool open : {true, false}) {
+                lp.ub[0] = open ? 8 : 2.75;
+                load(lp);
+                ASSERT_EQ(settings_apply(own(), {{"Presolve", 0}}), 0);
+                ASSERT_EQ(TVXoptimize(model), 0);
+                ASSERT_EQ(integer("Status"), TVX_OPTIMAL) << cost;
+                ASSERT_EQ(TVXstrongbranch(model, 1, ind, MANY, &down, &up, nullptr), 0);
+                const double none = cost < 1e99 * 2.5 ? 1e100 : DBL_MAX;
+                EXPECT_EQ(sense * down, none) << cost;
+                if (open)
+                    EXPECT_NEAR(sense * up / cost, 3, 1e-9) << cost;
+                else
+                    EXPECT_EQ(sense * up, none) << cost;
+            }
+        }
 }
