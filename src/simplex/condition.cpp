@@ -46,9 +46,9 @@ template<class R> void solve_transposed(swork<R> *w, SVec<R> *x)
 }
 
 // The place of the largest entry of B^-T sign(B^-1 ..): along this unit vector the norm rises fastest.
-template<class R> int steepest_place(swork<R> *w, SVec<R> *x, SVec<R> *y)
+template<class R> int steepest_place(swork<R> *w, double size, SVec<R> *x, SVec<R> *y)
 {
-    fill(y, [x](int i) { return x->Value.data[i] < R(0) ? -1 : 1; });
+    fill(y, [x, size](int i) { return (x->Value.data[i] < R(0) ? -1 : 1) / size; });
     solve_transposed(w, y);
     int best = 0;
     for (int i = 1; i < y->Dim; i++)
@@ -63,14 +63,16 @@ template<class R> double inverse_norm(const sopt *s, swork<R> *w)
     fill(x, [](int) { return 1; }); // divided later: solves drop what is small against 1
     solve(w, x);
     double norm = sum_of_magnitudes(x) / m;
+    if (!(norm > 0)) return 0; // beyond what a number holds
     int place = -1;
     for (int round = 0; round < ASCENTS; round++) {
-        const int next = steepest_place(w, x, y);
+        const double size = std::min(norm, 1.0); // solves drop no part of their result then
+        const int next = steepest_place(w, size, x, y);
         if (next == place) break;
         place = next;
-        svec_unit(x, place, R(1));
+        svec_unit(x, place, R(1) / R(size));
         solve(w, x);
-        const double risen = sum_of_magnitudes(x);
+        const double risen = sum_of_magnitudes(x) * size;
         if (risen <= norm) break;
         norm = risen;
     }
@@ -100,7 +102,8 @@ double basis_norm(const sopt *s)
 
 enum class Operator { SQUARE, INVERSE }; // B^T B, (B B^T)^-1
 
-template<class R> void apply_square(const sopt *s, swork<R> *w, const R *x, R *result)
+template<class R>
+void apply_square(const sopt *s, swork<R> *w, double size, const R *x, R *result)
 {
     SVec<R> *y = &w->Work;
     R *value = y->Value.data;
@@ -108,25 +111,41 @@ template<class R> void apply_square(const sopt *s, swork<R> *w, const R *x, R *r
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
         if (j >= s->NumCols) {
-            value[j - s->NumCols] += x[k];
+            value[j - s->NumCols] += x[k] / R(size);
             continue;
         }
         for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            value[s->ColInd.data[p]] += R(s->ColVal.data[p]) * x[k];
+            value[s->ColInd.data[p]] += R(s->ColVal.data[p]) / R(size) * x[k];
     }
     y->Count = -1;
     for (int k = 0; k < s->NumRows; k++)
-        result[k] = column_dot(s, s->BasisHead.data[k], value);
+        result[k] = column_dot(s, s->BasisHead.data[k], value) / R(size);
     svec_clear(y);
 }
 
-template<class R> void apply_inverse(const sopt *s, swork<R> *w, const R *x, R *result)
+// Norms of B and of B^-1, about: operators are applied over them, as their squares may be no doubles.
+struct Sizes {
+    double Basis, Inverse;
+};
+
+// Solves drop what is small against 1: vectors are divided before a solve that makes them smaller, else behind it, and
+// between the two by their largest entry.
+template<class R>
+void apply_inverse(const sopt *s, swork<R> *w, double size, const R *x, R *result)
 {
     SVec<R> *y = &w->Work;
-    fill(y, [x](int i) { return x[i]; });
+    const R small = R(std::min(size, 1.0)), large = R(std::max(size, 1.0));
+    fill(y, [x, small](int i) { return x[i] / small; });
     solve(w, y);
+    R largest = 0;
+    for (int i = 0; i < s->NumRows; i++)
+        largest = std::max(largest, std::abs(y->Value.data[i]));
+    if (largest > R(0))
+        for (int i = 0; i < s->NumRows; i++)
+            y->Value.data[i] = y->Value.data[i] / largest / small;
     solve_transposed(w, y);
-    std::copy_n(y->Value.data, s->NumRows, result);
+    const R factor = largest / large / large;
+    for (int i = 0; i < s->NumRows; i++) result[i] = y->Value.data[i] * factor;
     svec_clear(y);
 }
 
@@ -171,7 +190,8 @@ template<class R> R normalise(R *x, int n)
 }
 
 template<class R>
-double spectral_radius(const sopt *s, swork<R> *w, Operator kind, Lanczos<R> *l)
+double spectral_radius(const sopt *s, swork<R> *w, Operator kind, const Sizes &sizes,
+                       Lanczos<R> *l)
 {
     const int m = s->NumRows, steps = std::min(m, LANCZOS_STEPS);
     double diagonal[LANCZOS_STEPS], square[LANCZOS_STEPS] = {};
@@ -187,9 +207,9 @@ double spectral_radius(const sopt *s, swork<R> *w, Operator kind, Lanczos<R> *l)
     int n = 0;
     for (;;) {
         if (kind == Operator::SQUARE)
-            apply_square(s, w, now, next);
+            apply_square(s, w, sizes.Basis, now, next);
         else
-            apply_inverse(s, w, now, next);
+            apply_inverse(s, w, sizes.Inverse, now, next);
         R alpha = 0;
         for (int i = 0; i < m; i++) alpha += now[i] * next[i];
         for (int i = 0; i < m; i++) next[i] -= alpha * now[i] + beta * before[i];
@@ -205,18 +225,25 @@ double spectral_radius(const sopt *s, swork<R> *w, Operator kind, Lanczos<R> *l)
     return largest_eigenvalue(diagonal, square, n);
 }
 
+// What was estimated, within what a condition can be: 1 at least, and the attributes' infinity where it is not finite.
+double sound_kappa(double estimate)
+{
+    return estimate < UNDEFINED_VALUE ? std::max(estimate, 1.0) : UNDEFINED_VALUE;
+}
+
 template<class R> int condition(const sopt *s, swork<R> *w, KappaNorm norm, double *kappa)
 {
     *kappa = 1; // without rows nothing is lost
     if (s->NumRows == 0) return 0;
-    if (norm == KappaNorm::ONE) {
-        *kappa = basis_norm(s) * inverse_norm(s, w);
-        return 0;
-    }
+    const Sizes sizes = {basis_norm(s), inverse_norm(s, w)};
+    *kappa = sound_kappa(sizes.Inverse > 0 ? sizes.Basis * sizes.Inverse : HUGE_VAL);
+    if (norm == KappaNorm::ONE || *kappa == UNDEFINED_VALUE) return 0; // assigned
     Lanczos<R> l;
     for (Array<R> *v : {&l.Now, &l.Before, &l.Next}) TRY(array_resize(v, s->NumRows));
-    *kappa = std::sqrt(spectral_radius(s, w, Operator::SQUARE, &l)) *
-             std::sqrt(spectral_radius(s, w, Operator::INVERSE, &l));
+    const double square = spectral_radius(s, w, Operator::SQUARE, sizes, &l),
+                 inverse = spectral_radius(s, w, Operator::INVERSE, sizes, &l);
+    *kappa =
+        sound_kappa(std::sqrt(square) * sizes.Basis * std::sqrt(inverse) * sizes.Inverse);
     return 0;
 }
 } // namespace

@@ -1,5 +1,6 @@
 // kappa_test.cpp -- the condition estimates of a basis against a dense inverse
 #include "support/lp_tarvex.h"
+#include "support/settings.h"
 #include "support/structured_gen.h"
 #include <cmath>
 #include <gtest/gtest.h>
@@ -111,5 +112,32 @@ TEST(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
     for (const char *name : {"Kappa", "N2Kappa"}) {
         ASSERT_EQ(TVXgetdblattr(model, name, &kappa), 0);
         EXPECT_EQ(kappa, 1);
+    }
+}
+
+// Numbers whose squares, or whose conditions, are no doubles.
+TEST(Kappa, is_a_number_from_one_to_1e100)
+{
+    struct Case {
+        double first, second, kappa;
+    };
+    const TestEnv env;
+    for (const Case &c : {Case{1e200, 1e200, 1}, Case{1e-200, 1e-200, 1},
+                          Case{1e160, 1e150, 1e10}, Case{1e200, 1, 1e100}}) {
+        LpModel lp; // the basis is diagonal, one row a variable
+        for (const double a : {c.first, c.second}) {
+            const int j = lp_add_var(&lp, 1, 0, LP_INFINITY);
+            lp_add_row_entries(&lp, {{j, a}}, '=', 0);
+        }
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(settings_apply(TVXgetenv(model), {{"ScaleFlag", 0}, {"Presolve", 0}}), 0);
+        const std::vector<int> basic(2, TVX_BASIC), nonbasic(2, TVX_NONBASIC_LOWER);
+        ASSERT_EQ(lp_set_basis(model, basic, nonbasic), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        for (const char *name : {"Kappa", "N2Kappa"}) {
+            double kappa = 0;
+            ASSERT_EQ(TVXgetdblattr(model, name, &kappa), 0) << c.first;
+            EXPECT_NEAR(kappa / c.kappa, 1, 0.01) << name << " " << c.first;
+        }
     }
 }
