@@ -73,17 +73,17 @@ inline double infinite_bound(const TVXenv *env)
 
 enum class LogReopen { NO, YES };
 // A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
-// warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
+// warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the
+// solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
-// For the copy of a derived model or an inner solve: the files that parameters ask for (ResultFile, TARV_PAR_DUMP) are those
-// of the caller's own model.
+// For the copy of a derived model or an inner solve: the files that parameters ask for (ResultFile, TARV_PAR_DUMP) are
+// those of the caller's own model.
 void env_write_no_files(TVXenv *copy);
 void env_free(TVXenv *env);        // a copy or a master; null is ignored
 bool env_alive(const TVXenv *env); // not null, alive, and its master too; prints nothing
 int env_check(TVXenv *env); // 0, or the code of the first failed test; clears nothing
-int env_enter(
-    TVXenv *
-        env); // env_check, and on success forgets the last error: the start of an exported function
+// env_check, and on success forgets the last error: the start of an exported function.
+int env_enter(TVXenv *env);
 // Opens `name` as this environment's log, or closes the log for an empty name. 0 or TVX_ERROR_FILE_WRITE.
 int env_open_log(TVXenv *env, const char *name);
 

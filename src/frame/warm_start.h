@@ -9,8 +9,8 @@
 #pragma once
 #include "frame/pending.h"
 
-// VBasis and CBasis: basis codes of a caller (TVX_BASIC, TVX_NONBASIC_LOWER; of variables also TVX_NONBASIC_UPPER, TVX_SUPERBASIC)
-// go into the record at once. The first set makes it with all entries unset.
+// VBasis and CBasis: basis codes of a caller (TVX_BASIC, TVX_NONBASIC_LOWER; of variables also TVX_NONBASIC_UPPER,
+// TVX_SUPERBASIC) go into the record at once. The first set makes it with all entries unset.
 // 0, OUT_OF_MEMORY, or TVX_ERROR_INVALID_ARGUMENT with its message for another code; nothing is set on failure.
 [[nodiscard]] int warm_start_set_vars(TVXmodel *model, ElementRange range,
                                       const int *codes);

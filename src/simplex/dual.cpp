@@ -228,9 +228,8 @@ template<class R> bool no_column(sopt *s, swork<R> *w)
         for (int k = 0; k < w->RowCount; k++)
             largest = std::max(largest, std::abs(w->RowVal.data[k]));
         if (dual_ratio(s, w, noise_share(w) * largest)) return true;
-        set_row_aside(
-            s,
-            w); // in the box problem every variable has a range, elsewhere the proof would stand
+        // In the box problem every variable has a range, elsewhere the proof would stand.
+        set_row_aside(s, w);
     }
     return false;
 }

@@ -19,14 +19,15 @@
 namespace
 {
 constexpr int REFINEMENTS = 8; // each adds digits, fewer where the basis is ill-conditioned
-constexpr double ENOUGH =
-    0x1p-98; // what the basis columns may have left, against the multipliers
-constexpr double SLACK =
-    1e-9; // in the user's units: a model with a point that violates no row and no bound by more is
-// not refused
-constexpr double RANGE = 1e15; // likewise: points up to this far out are excluded
-constexpr double EXACT_RANGE = 1e12,
-                 WIDE_RANGE = 1e9; // the same of the weaker claims in FarkasReach
+// What the basis columns may have left, against the multipliers.
+constexpr double ENOUGH = 0x1p-98;
+// In the user's units: a model with a point that violates no row and no bound by more is not refused.
+constexpr double SLACK = 1e-9;
+// Likewise: points up to this far out are excluded.
+constexpr double RANGE = 1e15;
+// The same of the weaker claims in FarkasReach.
+constexpr double EXACT_RANGE = 1e12, WIDE_RANGE = 1e9;
+
 template<class R> struct Multipliers {
     SVec<R> *High, *Low;
     Twofold at(int i) const

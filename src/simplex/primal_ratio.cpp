@@ -3,13 +3,14 @@
 // Problem     The entering variable moves by t in Direction; basic variable i moves by -t a_i, a_i = Direction alpha_i.
 // Method      Phase 2: two passes with bounds relaxed by the tolerance (Harris); of all rows that block before the
 //             relaxed step the one with the largest |a_i| leaves. Entries that are small count only where a step would
-//             carry them visibly beyond a bound: then they are no rounding. Phase 1: the sum of infeasibilities is piecewise linear
-//             in t; breakpoints are passed in order while its slope stays negative, and of those near the end the last
-//             one with a good pivot is taken. The range of the entering variable is one more breakpoint: a flip.
-//             With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops at its first breakpoint.
+//             carry them visibly beyond a bound: then they are no rounding. Phase 1: the sum of infeasibilities is
+//             piecewise linear in t; breakpoints are passed in order while its slope stays negative, and of those near
+//             the end the last one with a good pivot is taken. The range of the entering variable is one more
+//             breakpoint: a flip. With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops at its first breakpoint.
 // Out         PivotRow, ToUpper, Step.
 // Cost        O(entries of the column); phase 1 also O(k log) for the breakpoints passed.
-// Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, Computational Techniques of the Simplex Method, 2003, 9.6.
+// Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, Computational Techniques of the Simplex Method, 2003,
+//             9.6.
 #include "simplex/primal.h"
 #include <algorithm>
 
@@ -188,8 +189,9 @@ inline int break_row(int code)
 // What stops the entering variable in phase 1.
 enum class Stop { BREAK, RANGE, NOTHING };
 
-// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first. Infeasibility alone
-// is bounded below, so that a slope that stays negative is rounding; with true costs in it the way may have no end.
+// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first. Infeasibility
+// alone is bounded below, so that a slope that stays negative is rounding; with true costs in it the way may have no
+// end.
 template<class R> Stop pass_breaks(sopt *s, swork<R> *w, R range, int *first_popped)
 {
     popt<R> *p = w->Primal;

@@ -11,9 +11,9 @@
 //                                     break a tolerance in the caller's units and no warning says so; when the
 //                                     objective is off by more than the tolerances can explain (see below)
 //             A point counts where doubles can hold it: rounded to doubles it violates FeasibilityTol nowhere, in exact
-//             arithmetic, nor when coefficients such as 1/3 move within their own rounding. Columns that are parallel but for rounding of 1/3 meet at 1e16, if anywhere; what is said of such
-//             a model is "far", not wrong. So is "unbounded" where a ray violates rows by the rounding of their
-//             coefficients alone.
+//             arithmetic, nor when coefficients such as 1/3 move within their own rounding. Columns that are parallel
+//             but for rounding of 1/3 meet at 1e16, if anywhere; what is said of such a model is "far", not wrong. So
+//             is "unbounded" where a ray violates rows by the rounding of their coefficients alone.
 //             A numeric error, an endless run and a slow one are faults of their own. Not wrong, but counted: a
 //             violation that a warning names, and a value further than 1e-6 from the exact one that is explained.
 // Explained   With multipliers pi and reduced costs d = c - pi A, for any feasible x*:
