@@ -182,11 +182,9 @@ int solve(TVXmodel *aux, int method, int *status)
     if (method == METHOD_DUAL && !is_smaller(aux)) return 0;
     *status = TVX_OPTIMAL;
     if (!aux->presolved) return 0;
-    int code =
-        SimplexOptimize(aux->presolved, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr);
-    if (code == 0 && aux->presolved->status == TVX_OPTIMAL) code = lp_form_prepare(aux);
-    if (code == OUT_OF_MEMORY) return code;
-    *status = code ? TVX_NUMERIC : aux->presolved->status;
+    TRY(SimplexOptimize(aux->presolved, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr));
+    if (aux->presolved->status == TVX_OPTIMAL) TRY(lp_form_prepare(aux));
+    *status = aux->presolved->status;
     return 0;
 }
 } // namespace
@@ -202,9 +200,10 @@ int lp_auxiliary_start(const TVXmodel *model, int method, double done,
     TRY(make_model(model, method, &aux));
     int status = 0;
     TRY(solve(aux.model, method, &status));
+    start->work = aux.model->node_count; // of presolve
     if (const TVXmodel *small = aux.model->presolved; small && small->simplex) {
         start->iterations = simplex_iterations(small->simplex);
-        start->work = simplex_work_units(small->simplex);
+        start->work += simplex_take_work(small->simplex);
     }
     if (status != TVX_OPTIMAL) return 0;
     const int code = lp_form_basis(aux.model, PostsolveLimits::OBEY, &start->statuses);

@@ -5,6 +5,8 @@
 //                A row that no point satisfies makes the model infeasible without a solve.
 //             3  Else the start is the caller's basis if one was set since the last solve, the live
 //                record, the basis that an update carried over, or nothing.
+//                Where a limit has stopped a solve with presolve, on the reduced model or on the way back, it
+//                goes on there; where it has stopped the run on the model itself, without presolve.
 //             4  Without a basis to start from, presolve reduces the model (lp_presolved.cpp). The simplex
 //                solves what is left, and the way back gives a basis of the model.
 //             5  The simplex solves the model itself, from that basis usually without an iteration.
@@ -90,13 +92,13 @@ static int run_simplex(TVXmodel *model, const Array<int> *statuses)
 static void publish(TVXmodel *model, double start)
 {
     LpResult *result = model->lp_result;
-    const sopt *simplex = model->simplex;
+    sopt *simplex = model->simplex;
     result->runtime = WallClock() - start;
     attributes_clear_solution(model); // what a callback has asked for during the solve
     if (!simplex) return;
     result->objval = turned(model->body->sense, simplex_objective(simplex));
     result->itercount = simplex_iterations(simplex);
-    model->node_count += simplex_work_units(simplex);
+    model->node_count += simplex_take_work(simplex);
     simplex_log_final(simplex);
 }
 
@@ -112,42 +114,54 @@ static bool has_impossible_row(TVXmodel *model)
     return true;
 }
 
-static int find_start(TVXmodel *model, bool resume, LpStart *start)
+// Where the last solve was stopped by a limit or an interruption, and this one goes on.
+enum class Stopped { NOWHERE, IN_PRESOLVED, ON_MODEL };
+
+static Stopped where_stopped(const TVXmodel *model)
 {
-    if (!has_impossible_row(model))
-        return lp_presolved(model, choose_method(model->env), resume, start);
-    model->status = TVX_INFEASIBLE;
-    start->final = true;
+    const WarmStart *given = warm_start_usable(model);
+    if (!is_limit(model->status) ||
+        (given && given->kind == WARM_CHECKED)) // set since then
+        return Stopped::NOWHERE;
+    if (lp_can_resume(model) && model->env->Presolve != 0) return Stopped::IN_PRESOLVED;
+    return model->simplex ? Stopped::ON_MODEL : Stopped::NOWHERE;
+}
+
+static int find_start(TVXmodel *model, Stopped stopped, LpStart *start)
+{
+    if (has_impossible_row(model)) {
+        model->status = TVX_INFEASIBLE;
+        start->final = true;
+    } else if (stopped == Stopped::ON_MODEL) { // presolve would begin anew each time
+        presolve_drop(model);
+    } else {
+        return lp_presolved(model, choose_method(model->env),
+                            stopped == Stopped::IN_PRESOLVED, start);
+    }
     return 0;
 }
 
-// A limit or an interruption has stopped the last solve on its reduced model.
-static bool stopped_in_presolved(const TVXmodel *model)
-{
-    const WarmStart *given = warm_start_usable(model);
-    if (given && given->kind == WARM_CHECKED) return false; // set since then
-    return lp_can_resume(model) && model->env->Presolve != 0 && is_limit(model->status);
-}
-
 // A solve that a callback has stopped with a code of its own leaves results like any other that was
-// interrupted, and the code.
+// interrupted; TVXoptimize finds the code in the environment.
 static int solve(TVXmodel *model, double start)
 {
-    const bool resume = stopped_in_presolved(model);
+    const Stopped stopped = where_stopped(model);
     TRY(open_result(model));
     choose_start(model);
     model->node_count = 0;
+    if (model->simplex) (void)simplex_take_work(model->simplex); // of earlier solves
     LpStart basis;
-    TRY(find_start(model, resume, &basis));
-    if (basis.final) drop_simplex(model);
-    const int code = basis.final ? 0 : run_simplex(model, &basis.statuses);
-    if (code == OUT_OF_MEMORY) return code;
+    TRY(find_start(model, stopped, &basis));
+    if (basis.final)
+        drop_simplex(model);
+    else
+        TRY(run_simplex(model, &basis.statuses));
     if (!is_limit(model->status)) presolve_drop(model); // nothing goes on from there
     publish(model, start);
     if (model->simplex) warm_start_drop(model);
     if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))
         model->status = TVX_INFEASIBLE;
-    return code;
+    return 0;
 }
 
 // A fresh factor for queries to come. That the old one cannot be replaced costs only speed.

@@ -10,6 +10,7 @@
 #include "presolve/dualise.h"
 #include "presolve/limits.h"
 #include "simplex/simplex.h"
+#include <utility>
 
 namespace
 {
@@ -105,6 +106,7 @@ int choose_from_both(TVXmodel *model, LpForm *form)
     form->status = presolve_lp(model, &form->claim);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
     if (thread) ThreadJoin(thread);
+    if (t.dual) model->node_count += std::exchange(t.dual->node_count, 0.0);
     // One form may have been ready long before the other: a limit is looked at before anything is made of either.
     if (form->status == 0) form->status = limits_reached(model->env);
     if (is_limit(form->status))

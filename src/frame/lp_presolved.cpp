@@ -6,7 +6,9 @@
 //             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
 //             an iteration.
 //             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
-//             once, at the same limit, and shows the point.
+//             once, at the same limit, and shows the point. The next solve goes on from the reduced model, or, when the
+//             limit came on the way back, with the way back. A limit in the run on the model itself leaves its simplex
+//             record, and the driver goes on from that without presolve (lp_driver.cpp).
 //             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
 //             hide: infeasible and unbounded cannot be told apart then.
 // Invariant   When this returns with a final status there is no simplex record. presolve and presolved stay only where a
@@ -27,6 +29,7 @@
 #include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -126,14 +129,13 @@ int solve_reduced(TVXmodel *model, TVXmodel *form, int method, const Array<int> 
     TVXmodel *reduced = form->presolved;
     *status = TVX_OPTIMAL;
     if (!reduced) return 0;
-    int code = lp_run(model, reduced, method, statuses);
-    if (code == 0 && reduced->status == TVX_OPTIMAL) code = lp_form_prepare(form);
-    if (code == OUT_OF_MEMORY) return code;
-    if (reduced->simplex)
-        model->lp_result->itercount = simplex_iterations(reduced->simplex);
+    TRY(lp_run(model, reduced, method, statuses));
+    if (reduced->status == TVX_OPTIMAL) TRY(lp_form_prepare(form));
+    model->lp_result->itercount = simplex_iterations(reduced->simplex);
     model->lp_result->reduced_itercount = model->lp_result->itercount;
-    *status = code == TVX_ERROR_NUMERIC ? TVX_NUMERIC : reduced->status;
-    return code == TVX_ERROR_NUMERIC ? 0 : code;
+    model->node_count += simplex_take_work(reduced->simplex);
+    *status = reduced->status;
+    return 0;
 }
 
 // The basis of the dual form as one of the model.
@@ -150,9 +152,8 @@ int turn_basis(const TVXmodel *model, Array<int> *statuses)
 // A dual form that is solved, or that a limit stops: the model's own basis.
 int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
 {
-    const int code = lp_run(model, dual, method, &start->statuses);
-    if (code && code != TVX_ERROR_NUMERIC) return code;
-    if (code || !(dual->status == TVX_OPTIMAL || is_limit(dual->status))) {
+    TRY(lp_run(model, dual, method, &start->statuses));
+    if (dual->status != TVX_OPTIMAL && !is_limit(dual->status)) {
         array_free(&start->statuses); // the model itself has to tell
         return 0;
     }
@@ -254,6 +255,8 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
 {
     const double begin = WallClock();
     int status = form->presolved ? form->status : presolve_lp(form->model, &form->claim);
+    if (form->model != model)
+        model->node_count += std::exchange(form->model->node_count, 0.0);
     if (status == OUT_OF_MEMORY) return status;
     if (is_overgrown(form->model, status)) { // the model itself has to tell
         presolve_drop(form->model);
@@ -273,19 +276,30 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
     TRY(solve_reduced(model, form->model, method, &statuses, &status));
     return conclude(model, form->model, method, status, start);
 }
-// Goes on where a limit has stopped the reduced model of a form.
+
+// A limit has stopped the way back, not the reduced model; nothing may be left of that.
+bool waits_for_way_back(const TVXmodel *form)
+{
+    return form->presolve && (!form->presolved || form->presolved->status == TVX_OPTIMAL);
+}
+
+// A limit has stopped the reduced model of a form, or the way back from it.
+bool was_stopped(const TVXmodel *form)
+{
+    const TVXmodel *reduced = form->presolved;
+    return waits_for_way_back(form) ||
+           (reduced && reduced->simplex && is_limit(reduced->status));
+}
+
+// Goes on where a limit has stopped a form.
 int resume_form(TVXmodel *model, TVXmodel *form, int method, LpStart *start)
 {
     int status = 0;
     const Array<int> as_it_stands;
     if (form != model) method = 1 - method;
+    if (waits_for_way_back(form)) return conclude(model, form, method, TVX_OPTIMAL, start);
     TRY(solve_reduced(model, form, method, &as_it_stands, &status));
     return conclude(model, form, method, status, start);
-}
-
-bool was_stopped(const TVXmodel *form)
-{
-    return form->presolved && form->presolved->simplex && is_limit(form->presolved->status);
 }
 } // namespace
 

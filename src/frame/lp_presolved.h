@@ -7,8 +7,8 @@ struct LpStart {
     bool final = false;  // model->status is final, there is nothing more to solve
     Array<int> statuses; // [numvars + numconstrs] start basis, or empty
 };
-// Presolves, solves what is left and comes back, if the parameters and the start want it; else the start stays empty. A
-// solve that a limit has stopped continues on the reduced model. 0 or a code.
-bool lp_can_resume(
-    const TVXmodel *model); // a limit has stopped a reduced model, which is there
+// A limit has stopped the last solve on its reduced model, or on the way back from there, and both are still there.
+bool lp_can_resume(const TVXmodel *model);
+// Presolves, solves what is left and comes back, if the parameters and the start want it; else the start stays empty.
+// With `resume` it goes on where lp_can_resume says. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start);

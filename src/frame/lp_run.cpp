@@ -45,6 +45,6 @@ int lp_run(TVXmodel *model, TVXmodel *form, int method, const Array<int> *status
                                      nullptr, nullptr);
     if (form == model || !form->simplex) return code;
     model->lp_result->itercount = simplex_iterations(form->simplex);
-    model->node_count += simplex_work_units(form->simplex);
+    model->node_count += simplex_take_work(form->simplex);
     return code;
 }

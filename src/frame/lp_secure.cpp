@@ -183,6 +183,7 @@ void set_aside(TVXmodel *model, Best *best)
 {
     if (!model->simplex) return;
     model->lp_result->itercount = simplex_iterations(model->simplex);
+    model->node_count += simplex_take_work(model->simplex);
     if (best->answer.grade != Grade::NONE && !best->record)
         best->record = model->simplex;
     else
@@ -249,6 +250,7 @@ int settle(TVXmodel *model, Best *best)
     }
     const bool restored = best->record != nullptr;
     if (restored) {
+        if (model->simplex) model->node_count += simplex_take_work(model->simplex);
         simplex_free(model->simplex);
         model->simplex = best->record;
         best->record = nullptr;

@@ -8,6 +8,8 @@ int switch_precision(sopt *s, int quad)
 {
     if (quad && !s->Extended) TRY(swork_create(s, &s->Extended));
     if (!quad && !s->Double) TRY(swork_create(s, &s->Double));
+    if (quad && s->Double) s->FactorWork += s->Double->Lu.WorkUnits;
+    if (!quad && s->Extended) s->FactorWork += s->Extended->Lu.WorkUnits;
     if (quad)
         swork_free(&s->Double);
     else

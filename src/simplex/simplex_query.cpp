@@ -118,7 +118,14 @@ double simplex_work_units(const sopt *s)
     const double factors = s->Double     ? s->Double->Lu.WorkUnits
                            : s->Extended ? s->Extended->Lu.WorkUnits
                                          : 0;
-    return s->WorkUnits + factors;
+    return s->WorkUnits + s->FactorWork + factors;
+}
+
+double simplex_take_work(sopt *s)
+{
+    const double taken = s->WorkTaken;
+    s->WorkTaken = simplex_work_units(s);
+    return s->WorkTaken - taken;
 }
 
 void simplex_get_scaling(const sopt *s, const double **row, const double **col, double *obj)

@@ -2,8 +2,10 @@
 #include "simplex/sopt.h"
 #include "frame/row_kind.h"
 #include "frame/runtime/clock.h"
+#include "frame/runtime/text_number.h"
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace
 {
@@ -13,6 +15,7 @@ constexpr double UPDATES_POWER = 0.7;       // limit m^0.7
 constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates no fill test is made
 constexpr double ROOM_USUAL = 5, ROOM_MOST = 100; // TARV_PAR_SIMPLEXALLOCS: unit and limit
 constexpr uint64_t RANDOM_SEED = 101;
+constexpr int SHOWN_DIGITS = 6;           // of %g
 constexpr double START_WORK = 50;         // of a run, before anything is touched
 constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed less
 constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
@@ -186,6 +189,20 @@ void sopt_refresh(sopt *s)
     random_seed(&s->Rng, RANDOM_SEED);
 }
 
+// The first line shows six digits, in which bounds that cross by little look the same.
+static void tell_bad_bounds(const sopt *s, int j)
+{
+    char name[DEFAULT_NAME_LENGTH], below[NUMBER_LENGTH], above[NUMBER_LENGTH];
+    const ModelBody *body = s->Model->body;
+    const double lower = body->lb.data[j], upper = body->ub.data[j];
+    TVXmsg(s->Env, "Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
+           var_name(body, j, name), lower, upper);
+    number_general(below, lower, SHOWN_DIGITS);
+    number_general(above, upper, SHOWN_DIGITS);
+    if (strcmp(below, above) == 0)
+        TVXmsg(s->Env, "         in full, lower = %.17g and upper = %.17g\n", lower, upper);
+}
+
 void sopt_check_bounds(sopt *s)
 {
     for (int j = 0; j < s->NumCols; j++) {
@@ -201,10 +218,7 @@ void sopt_check_bounds(sopt *s)
                                (*upper <= -s->Infinity && s->Cost.data[j] > 0);
         s->Status = !crossed && runs_away ? SIMPLEX_UNBOUNDED : SIMPLEX_INFEASIBLE;
         s->BadVar = j;
-        char buffer[DEFAULT_NAME_LENGTH];
-        const ModelBody *body = s->Model->body;
-        TVXmsg(s->Env, "Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
-               var_name(body, j, buffer), body->lb.data[j], body->ub.data[j]);
+        tell_bad_bounds(s, j);
         return; // the next run has to look again
     }
     s->InfeasCheckNeeded = 0;

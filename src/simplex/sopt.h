@@ -75,8 +75,8 @@ enum RefacReason {
     REFAC_NONE = 0,
     REFAC_START = 1,   // start of a method
     REFAC_UPDATES = 2, // update limit
-    REFAC_CLEAN =
-        4, // perturbation changed, or a result is to be confirmed on fresh factors
+    // Perturbation changed, or a result is to be confirmed on fresh factors.
+    REFAC_CLEAN = 4,
     REFAC_CONFIRM = 5, // infeasible or unbounded by old factors
     REFAC_PIVOT = 6,   // pivots from row and column differ, or the update failed
     REFAC_FILL = 10,   // factors have filled up
@@ -119,7 +119,9 @@ struct sopt {
     double NPvt = 0;         // iterations of this run
     double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
     double Work = 0;         // NPvt plus bound flips
-    double WorkUnits = 0;    // deterministic effort besides the factor records
+    double WorkUnits = 0;    // deterministic effort besides that of the live factors
+    double WorkTaken = 0;    // of all effort, what simplex_take_work has handed out
+    double FactorWork = 0;   // of the factors that a change of precision has freed
     int HeaderDone = 0;      // the column header of the log stands
     int NumFactor = 0;       // factorisations
 
@@ -136,8 +138,8 @@ struct sopt {
     double ObjScale = 1;
     Array<double> RowScale, ColScale; // [m], [n]
     int Scaled = 0;                   // some factor differs from +-1
-    double Infinity =
-        INFINITE_BOUND; // a bound that is none; values may go beyond TARV_PAR_INFBOUND
+    // A bound that is none; values may go beyond TARV_PAR_INFBOUND.
+    double Infinity = INFINITE_BOUND;
 
     // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
     Array<int> RowBeg;      // [m + 1]
@@ -153,22 +155,22 @@ struct sopt {
     Array<int> BasisHead;   // [m] variable by position
     Array<double> SuperVal; // [NumVars] value of a nonbasic at AT_FREE; 0 unless superbasic
     Array<double> WorkCost; // [NumVars] Cost plus perturbation and shifts
-    Array<double> WorkLower,
-        WorkUpper; // [NumVars] bounds in force: true, box of phase 1, or perturbed
-    Array<double> BasicLower,
-        BasicUpper; // [m] WorkLower and WorkUpper of the basic variables, by position
-    Array<double>
-        StartNorms; // [NumVars] squared norms of the basics that came with the basis, or empty
+    // [NumVars] bounds in force: true, box of phase 1, or perturbed.
+    Array<double> WorkLower, WorkUpper;
+    // [m] WorkLower and WorkUpper of the basic variables, by position.
+    Array<double> BasicLower, BasicUpper;
+    // [NumVars] squared norms of the basics that came with the basis, or empty.
+    Array<double> StartNorms;
     int Superbasics = 0; // nonbasics that stand at a value of their own
     int HasBasis = 0;    // VStat and BasisHead hold a basis
-    int BasisAge =
-        0; // counts replacements of the basis as a whole; factors and weights remember theirs
+    // Counts replacements of the basis as a whole; factors and weights remember theirs.
+    int BasisAge = 0;
 
     // Run
     int Status = 0;
     int Method = METHOD_DUAL; // method of the last run
-    int MethodByStart =
-        0;           // the first method is the one for which the start basis is feasible
+    // The first method is the one for which the start basis is feasible.
+    int MethodByStart = 0;
     int BadVar = -1; // variable whose bounds proved infeasibility
     double Obj = 0;  // objective in user units, minimisation, without ObjOffset
     int Quad = 0;    // 1: extended precision is live
@@ -181,31 +183,31 @@ struct sopt {
     int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
     int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
     int PerturbAllowed = 1; // cleared when a clean run is wanted
-    int NearOptimal =
-        0; // began from a given basis with few infeasibilities: costs move only when it stalls
+    // Began from a given basis with few infeasibilities: costs move only when it stalls.
+    int NearOptimal = 0;
     double PerturbCur = 0; // working size of perturbations
     double DegenCount = 0; // degenerate iterations
-    double LastDegenCount = 0,
-           LastPerturbIter = 0; // DegenCount and NPvt at the last test for a stall
-    double UsualOptTol = 1e-6;  // OptTol before TightProof
-    int TightProof =
-        0; // an infeasibility could not be proved: smaller reduced costs count as well
+    // DegenCount and NPvt at the last test for a stall.
+    double LastDegenCount = 0, LastPerturbIter = 0;
+    double UsualOptTol = 1e-6; // OptTol before TightProof
+    // An infeasibility could not be proved: smaller reduced costs count as well.
+    int TightProof = 0;
     double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
            BigTol = 3e-6, ZeroTol = 1e-13;
     double RhsSize = 0; // largest entry of the right-hand side after the nonbasics
-    double PrimalError = 0,
-           PrimalResidual = 0; // of the last values: as solved, after refinement
-    double DualResidual = 0;   // of the last reduced costs, after refinement
+    // Of the last values: as solved, after refinement.
+    double PrimalError = 0, PrimalResidual = 0;
+    double DualResidual = 0;               // of the last reduced costs, after refinement
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
-    double Cutoff =
-        1e100; // in user units, minimisation, without offset: as Obj; HUGE_VAL: none
+    // In user units, minimisation, without offset: as Obj; HUGE_VAL: none.
+    double Cutoff = 1e100;
     int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
     FarkasReach NearFarkas; // what multipliers without a full proof have shown in this run
-    int WideProof =
-        0; // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol
+    // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol.
+    int WideProof = 0;
     ProofKind Proof = PROOF_NONE; // what proved the status of this run
-    Array<double>
-        ProofVector; // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled
+    // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled.
+    Array<double> ProofVector;
     Random Rng;
 
     // Scratch

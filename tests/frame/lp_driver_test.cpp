@@ -4,6 +4,7 @@
 #include "frame/model.h"
 #include "frame/optimize.h"
 #include "support/model_test.h"
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -157,6 +158,16 @@ TEST_F(LpDriver, stops_at_a_limit_and_goes_on_from_there)
     set("TimeLimit", 1e100);
     EXPECT_EQ(objective(), 2);
     EXPECT_EQ(all("X", 3), (std::vector<double>{0, 1, 3})) << "not what was read before";
+}
+
+TEST_F(LpDriver, bounds_that_cross_by_little_are_told_in_full)
+{
+    ASSERT_EQ(TVXsetdblattrelement(model, "LB", 0, 1234567.25), 0);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 1234567), 0);
+    const std::vector<std::string> lines = solve_log();
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "         in full, lower = 1234567.25 and upper = 1234567"),
+              lines.end());
 }
 
 TEST_F(LpDriver, a_basis_set_after_a_limit_is_newer_than_the_stopped_simplex)

@@ -1,4 +1,8 @@
 // limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
+#include "frame/lp_presolved.h"
+#include "simplex/simplex.h"
+#include "support/hostile_gen.h"
+#include "support/settings.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <atomic>
@@ -21,6 +25,7 @@ struct Limited {
 static const Family families[] = {gen_multi_period, gen_network, gen_blending,
                                   gen_planted_optimum};
 static const int methods[] = {0, 1};
+static const int MANY_CALLS = 3000;
 
 static Limited make_limited(TVXenv *env, Family family, int lp_method, int presolve)
 {
@@ -151,6 +156,170 @@ TEST(Limits, a_solve_in_many_legs_arrives)
 }
 
 // Without presolve, and with both forms presolved at the same time.
+// Roads with presolve.
+static const Settings roads[] = {
+    {{"Presolve", -1}},
+    {{"Presolve", 1}},
+    {{"Presolve", 2}},
+    {{"Presolve", 1}, {"LPMethod", 0}},
+    {{"Presolve", 1}, {"PreDual", 1}},
+    {{"Presolve", -1}, {"PreDual", 1}, {"LPMethod", 0}},
+};
+
+// One iteration a call: wherever a call stops, the next one gets further.
+TEST(Limits, a_solve_with_presolve_arrives_in_steps_of_one_iteration)
+{
+    const TestEnv env;
+    for (const Family family : families)
+        for (const Settings &road : roads) {
+            SCOPED_TRACE(settings_text(road));
+            Dice dice(42);
+            const LpModel lp = family(&dice, 60).lp;
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+            LpSolution whole, last;
+            ASSERT_EQ(lp_solve(model, &whole), 0);
+            ASSERT_EQ(TVXresetmodel(model), 0);
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1), 0);
+            int calls = 0;
+            do {
+                ASSERT_EQ(lp_solve(model, &last), 0);
+                ASSERT_LE(last.iterations, 1);
+            } while (last.status == TVX_ITERATION_LIMIT && calls++ < MANY_CALLS);
+            ASSERT_EQ(last.status, TVX_OPTIMAL)
+                << calls << " calls, in one " << whole.iterations << " iterations";
+            EXPECT_NEAR(last.objval, whole.objval, 1e-6 * (1 + std::fabs(whole.objval)));
+            EXPECT_EQ(judge_optimal(&lp, &last), "");
+        }
+}
+
+// The reduced model is solved, and the basis that comes back from it is not optimal yet.
+TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
+{
+    const TestEnv env;
+    int stopped = 0;
+    for (uint64_t seed = 0; seed < 60; seed++)
+        for (const Settings &road : roads) {
+            SCOPED_TRACE(settings_text(road));
+            Dice dice(seed);
+            const LpModel lp = hostile_tall(&dice);
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+            LpSolution whole, last;
+            ASSERT_EQ(lp_solve(model, &whole), 0);
+            if (whole.status != TVX_OPTIMAL ||
+                whole.iterations <= model.model->lp_result->reduced_itercount)
+                continue;
+            ASSERT_EQ(TVXresetmodel(model), 0);
+            ASSERT_EQ(
+                TVXsetdblparam(TVXgetenv(model), "IterationLimit", whole.iterations - 1),
+                0);
+            ASSERT_EQ(lp_solve(model, &last), 0);
+            stopped += last.status == TVX_ITERATION_LIMIT && !lp_can_resume(model);
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1), 0);
+            for (int call = 0; call < 50 && last.status == TVX_ITERATION_LIMIT; call++)
+                ASSERT_EQ(lp_solve(model, &last), 0);
+            ASSERT_EQ(last.status, TVX_OPTIMAL) << seed;
+            EXPECT_NEAR(last.objval, whole.objval, 1e-3 * (1 + std::fabs(whole.objval)))
+                << "more than tolerances are worth where numbers differ by 1e8";
+        }
+    EXPECT_GT(stopped, 0);
+}
+
+struct StopAt {
+    int call = 0, stop = 0; // calls of the function so far; the one that stops the solve
+};
+
+static int stop_at(TVXmodel *model, void *, int, void *data)
+{
+    StopAt *at = static_cast<StopAt *>(data);
+    if (++at->call == at->stop) TVXterminate(model);
+    return 0;
+}
+
+// At any moment of the solve at which the caller hears of it.
+TEST(Limits, a_solve_that_is_interrupted_anywhere_is_gone_on_from)
+{
+    const TestEnv env;
+    for (const Settings &road : roads) {
+        SCOPED_TRACE(settings_text(road));
+        Dice dice(5);
+        const LpModel lp = gen_multi_period(&dice, 12).lp;
+        StopAt at;
+        LpSolution whole, last;
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+        ASSERT_EQ(TVXsetcallbackfunc(model, stop_at, &at), 0);
+        ASSERT_EQ(lp_solve(model, &whole), 0);
+        for (int stop = 1, calls = at.call; stop <= calls; stop++) {
+            ASSERT_EQ(TVXresetmodel(model), 0);
+            at = {0, stop};
+            ASSERT_EQ(lp_solve(model, &last), 0);
+            at = {0, 0};
+            ASSERT_EQ(lp_solve(model, &last), 0);
+            ASSERT_EQ(last.status, TVX_OPTIMAL) << stop;
+            EXPECT_NEAR(last.objval, whole.objval, 1e-6 * (1 + std::fabs(whole.objval)));
+        }
+    }
+}
+
+// The reduced model is solved, the way back has not begun: as a limit leaves it there.
+TEST(Limits, the_way_back_from_presolve_is_gone_on_from)
+{
+    const TestEnv env;
+    for (const Settings &road : roads) {
+        SCOPED_TRACE(settings_text(road));
+        Dice dice(5);
+        const LpModel lp = gen_multi_period(&dice, 30).lp;
+        const TestModel model(lp_load(env.env, &lp));
+        LpSolution whole, last;
+        ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+        ASSERT_EQ(lp_solve(model, &whole), 0);
+        ASSERT_EQ(TVXresetmodel(model), 0);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 5), 0);
+        ASSERT_EQ(lp_solve(model, &last), 0);
+        ASSERT_TRUE(lp_can_resume(model));
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
+        TVXmodel *form = model.model->dual_form ? model.model->dual_form : model.model;
+        ASSERT_EQ(SimplexOptimize(form->presolved, METHOD_DUAL, nullptr, nullptr, nullptr,
+                                  nullptr),
+                  0);
+        ASSERT_EQ(form->presolved->status, TVX_OPTIMAL);
+        ASSERT_TRUE(lp_can_resume(model));
+        ASSERT_EQ(lp_solve(model, &last), 0);
+        ASSERT_EQ(last.status, TVX_OPTIMAL);
+        EXPECT_NEAR(last.objval, whole.objval, 1e-6 * (1 + std::fabs(whole.objval)));
+        EXPECT_EQ(judge_optimal(&lp, &last), "");
+        EXPECT_LE(last.iterations, 2) << "those of the reduced model are done";
+    }
+}
+
+// What a solve in two legs tells of its work is that of the second leg alone.
+TEST(Limits, work_is_that_of_the_last_call)
+{
+    const TestEnv env;
+    for (const double presolve : {0, 1}) {
+        Dice dice(42);
+        const LpModel lp = gen_multi_period(&dice, 60).lp;
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(settings_apply(TVXgetenv(model), {{"Presolve", presolve}}), 0);
+        LpSolution whole, leg;
+        double work = 0, first = 0, second = 0;
+        ASSERT_EQ(lp_solve(model, &whole), 0);
+        ASSERT_EQ(TVXgetdblattr(model, "NodeCount", &work), 0);
+        ASSERT_EQ(TVXresetmodel(model), 0);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", whole.iterations - 5),
+                  0);
+        ASSERT_EQ(lp_solve(model, &leg), 0);
+        ASSERT_EQ(TVXgetdblattr(model, "NodeCount", &first), 0);
+        ASSERT_EQ(lp_solve(model, &leg), 0);
+        ASSERT_EQ(TVXgetdblattr(model, "NodeCount", &second), 0);
+        EXPECT_GT(first, 0.5 * work);
+        EXPECT_LT(second, 0.5 * work);
+        EXPECT_GT(second, 0);
+    }
+}
+
 TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
 {
     for (const int presolve : {0, 1})

@@ -1,8 +1,11 @@
 // sure_answers_test.cpp -- answers that hold in the units of the model, cutoffs, and starts in the dual form
+#include "simplex/simplex.h"
+#include "support/hostile_gen.h"
 #include "support/model_test.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace
@@ -121,4 +124,43 @@ TEST_F(SureAnswers, the_dual_form_takes_a_basis_and_goes_on_after_a_limit)
         EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << calls << " calls";
         EXPECT_NEAR(dbl("ObjVal"), value, 1e-6 * (1 + std::fabs(value)));
     }
+}
+
+namespace
+{
+struct Heard {
+    bool again = false;    // other ways were tried
+    double iterations = 0; // the most that a simplex has told of
+};
+
+int hear(TVXmodel *, void *cbdata, int where, void *data)
+{
+    Heard *heard = static_cast<Heard *>(data);
+    const char *line = "";
+    double iterations = 0;
+    if (where == TVX_WHERE_MESSAGE && !TVXcbget(cbdata, where, TVX_CB_MESSAGE_TEXT, &line))
+        heard->again |= strstr(line, "solving again in other ways") != nullptr;
+    if (where == TVX_WHERE_SIMPLEX &&
+        !TVXcbget(cbdata, where, TVX_CB_SIMPLEX_ITERATIONS, &iterations))
+        heard->iterations = std::fmax(heard->iterations, iterations);
+    return 0;
+}
+} // namespace
+
+TEST_F(SureAnswers, figures_hold_the_iterations_and_the_work_of_all_ways)
+{
+    int again = 0;
+    for (uint64_t seed = 0; seed < 200; seed++) {
+        Dice dice(seed);
+        load_with(hostile_wide(&dice), {{"Presolve", 0}});
+        Heard heard;
+        ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_GE(dbl("IterCount"), heard.iterations) << seed;
+        if (!heard.again || !model->simplex) continue;
+        again++;
+        const double shown = simplex_work_units(model->simplex); // one way's
+        EXPECT_GT(dbl("NodeCount"), 1.3 * shown) << seed;
+    }
+    EXPECT_GT(again, 5);
 }
