@@ -54,8 +54,9 @@ enum class Footing {
 struct SimplexAssessment {
     Footing Foot = Footing::NONE;
     double Excess = 0; // UNSURE: largest violation over its tolerance
-    double Worth = 0;  // optimal: what violations may stand for in the objective, over what users would see of it
-    FarkasReach Near;  // of the run
+    // Optimal: what violations may stand for in the objective, over what users would see of it.
+    double Worth = 0;
+    FarkasReach Near; // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
 // What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h).
