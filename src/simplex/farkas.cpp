@@ -91,10 +91,23 @@ template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> 
 struct End {
     TwofoldSum Total;
     double Rounding = 0; // of what the sum is made of
-    double Open =
-        0; // what variables without a bound may add, for each unit of the user that they go out
+    // What variables without a bound may add, for each unit of the user that the columns go out.
+    double Open = 0;
     double Weight = 0; // what rows and bounds held wider by a unit of the user may add
 };
+
+// How far variable j may go for each unit that the columns do: a slack by the largest coefficient of its row.
+double reach(const sopt *s, int j)
+{
+    double largest = 1;
+    if (j < s->NumCols) return largest;
+    const int i = j - s->NumCols;
+    for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++) {
+        const double scale = std::fabs(s->ColScale.data[s->RowInd.data[p]]);
+        largest = std::max(largest, std::fabs(s->RowVal.data[p]) / scale * user_unit(s, j));
+    }
+    return largest;
+}
 
 void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
 {
@@ -105,7 +118,8 @@ void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
         end->Rounding += g.error() * std::fabs(bound);
         end->Weight += size / unit;
     } else {
-        end->Open += (size + g.error()) / unit;
+        const double open = (size + g.error()) / unit;
+        if (open > 0) end->Open += open * reach(s, j);
     }
 }
 

@@ -180,6 +180,13 @@ TEST_F(HugeNumbers, lines_of_huge_and_tiny_entries_are_scaled)
             if (size > 1) { // else the rows ask for nothing that a tolerance would not hide
                 EXPECT_NEAR(dbl("ObjVal"), 6, 1e-6);
             }
+            // Unscaled, slacks go as far as the entries of their rows are large.
+            load(lp);
+            ASSERT_EQ(settings_apply(
+                          own(), {{"LPMethod", method}, {"Presolve", 0}, {"ScaleFlag", 0}}),
+                      0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            EXPECT_NE(integer("Status"), TVX_INFEASIBLE);
         }
     }
 }
