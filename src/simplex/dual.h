@@ -53,7 +53,7 @@ void dual_set_box_bounds(sopt *s);
 template<class R>
 int dual_place_nonbasics(
     sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
-template<class R> void dual_perturb_start(sopt *s);
+template<class R> void dual_perturb_start(sopt *s, swork<R> *w); // needs Cbar
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);

@@ -78,9 +78,11 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
     s->Perturbed = std::max(s->Perturbed, 1);
 }
 
-// Before the first pivot every cost moves a little to the side that keeps it dual feasible, relative to its own size.
-// Long columns move more: they become less attractive, and the bases sparser.
-template<class R> void dual_perturb_start(sopt *s)
+// Before the first pivot every reduced cost of a nonbasic moves a little away from zero, to the side on which it is,
+// relative to the size of the cost. Long columns move more: they become less attractive, and the bases sparser. Costs of
+// basics stay: they would go into the reduced costs of all others with any sign, and boxed variables of cost zero would
+// begin at the wrong bound, thousands of them.
+template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
 {
     const double size = START_SHARE * s->Env->PerturbValue;
     if (size <= 0 || s->PerturbCur <= 0) return;
@@ -89,7 +91,7 @@ template<class R> void dual_perturb_start(sopt *s)
     for (int j = 0; j < s->NumVars; j++) {
         const double lower = s->Lower.data[j], upper = s->Upper.data[j];
         const double share = 0.5 + 0.5 * random_share(&s->Rng);
-        if (lower == upper || !has_lower(s, lower))
+        if (is_basic(s, j) || lower == upper || !has_lower(s, lower))
             continue; // fixed: no matter; free: has to stay at zero
         double step = share * size * SLACK_WEIGHT;
         if (j < s->NumCols) {
@@ -97,8 +99,9 @@ template<class R> void dual_perturb_start(sopt *s)
             step = share * size * (1 + std::fabs(s->Cost.data[j])) *
                    std::clamp(length / mean_length, WEIGHT_LEAST, WEIGHT_MOST);
         }
-        const bool down = has_upper(s, upper) && s->Cost.data[j] < 0;
-        s->WorkCost.data[j] += down ? -step : step;
+        if (has_upper(s, upper) && w->Cbar.data[j] < R(-s->OptTol)) step = -step;
+        s->WorkCost.data[j] += step;
+        w->Cbar.data[j] += R(step);
     }
     s->Perturbed = 3;
 }
@@ -141,7 +144,7 @@ void dual_remove_perturbation(sopt *s)
 
 #define INSTANTIATE(R)                                                                     \
     template int dual_place_nonbasics<R>(sopt *, swork<R> *);                              \
-    template void dual_perturb_start<R>(sopt *);                                           \
+    template void dual_perturb_start<R>(sopt *, swork<R> *);                               \
     template void dual_perturb_stalled<R>(sopt *, swork<R> *);                             \
     template void dual_perturb_costs<R>(sopt *, swork<R> *);                               \
     template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);

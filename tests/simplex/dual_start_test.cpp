@@ -1,0 +1,60 @@
+// dual_start_test.cpp -- where variables stand when the dual begins with perturbed costs
+#include "simplex/sopt.h"
+#include "support/lp_tarvex.h"
+#include "support/model_test.h"
+#include <gtest/gtest.h>
+
+namespace
+{
+constexpr int VARS = 300, ROWS = 60, ROWS_OF_VAR = 12;
+
+// Rows of sums that are at most 1, over columns that cost nothing, and apart from them min -y with y at most 1: y goes to
+// its upper bound without a pivot, and nothing else has to move.
+LpModel packing(double upper)
+{
+    LpModel lp;
+    for (int i = 0; i < ROWS; i++) lp_add_row(&lp, '<', 1);
+    for (int j = 0; j < VARS; j++) {
+        lp_add_var(&lp, 0, 0, upper);
+        for (int k = 0; k < ROWS_OF_VAR; k++) lp_set_entry(&lp, (j + k * k) % ROWS, j, 1);
+    }
+    lp_add_var(&lp, -1, 0, 1);
+    return lp;
+}
+
+double dual_iterations(const LpModel *lp, double optimum)
+{
+    const TestEnv env;
+    const TestModel model(lp_load(env.env, lp));
+    EXPECT_EQ(SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr), 0);
+    const sopt *s = model.model->simplex;
+    EXPECT_EQ(s->Status, SIMPLEX_OPTIMAL);
+    EXPECT_NEAR(s->Obj, optimum, 1e-9);
+    return s->NPvt;
+}
+} // namespace
+
+// Perturbed costs of basic slacks would give the columns reduced costs below zero: boxed ones would begin at their upper
+// bounds, all rows violated, and others would ask for a phase 1.
+TEST(DualStart, perturbation_moves_no_column_to_the_other_bound)
+{
+    for (const double upper : {1.0, LP_INFINITY}) {
+        const LpModel lp = packing(upper);
+        EXPECT_EQ(dual_iterations(&lp, -1), 0) << "upper bound " << upper;
+    }
+}
+
+// sum x + t = 50 with t basic from the start: all x cost as much as t, so their reduced costs are zero though their costs
+// are not.
+TEST(DualStart, perturbation_goes_by_reduced_costs)
+{
+    LpModel lp = packing(1);
+    lp_add_row(&lp, '=', 50);
+    for (int j = 0; j < VARS; j++) {
+        lp.obj[static_cast<size_t>(j)] = -1;
+        lp_set_entry(&lp, ROWS, j, 1);
+    }
+    const int t = lp_add_var(&lp, -1, 0, LP_INFINITY);
+    lp_set_entry(&lp, ROWS, t, 1);
+    EXPECT_EQ(dual_iterations(&lp, -51), 0);
+}
