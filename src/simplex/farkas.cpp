@@ -27,6 +27,7 @@ constexpr double SLACK = 1e-9;
 constexpr double RANGE = 1e15;
 // The same of the weaker claims in FarkasReach.
 constexpr double EXACT_RANGE = 1e12, WIDE_RANGE = 1e9;
+constexpr double USUAL_VALUE = 1e6; // of a column whose coefficients are huge
 
 template<class R> struct Multipliers {
     SVec<R> *High, *Low;
@@ -96,17 +97,17 @@ struct End {
     double Weight = 0; // what rows and bounds held wider by a unit of the user may add
 };
 
-// How far variable j may go for each unit that the columns do: a slack by the largest coefficient of its row.
+// How far variable j goes in units of the range: a slack also as far as columns of usual size carry it.
 double reach(const sopt *s, int j)
 {
-    double largest = 1;
-    if (j < s->NumCols) return largest;
+    if (j < s->NumCols) return 1;
+    double largest = 0;
     const int i = j - s->NumCols;
     for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++) {
         const double scale = std::fabs(s->ColScale.data[s->RowInd.data[p]]);
         largest = std::max(largest, std::fabs(s->RowVal.data[p]) / scale * user_unit(s, j));
     }
-    return largest;
+    return std::max(1.0, USUAL_VALUE / RANGE * largest);
 }
 
 void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
