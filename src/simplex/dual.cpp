@@ -380,9 +380,11 @@ template<class R> int setup(sopt *s, swork<R> *w)
     }
     dual_weights_start(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
+    const bool goes_on = sopt_take_up_perturbation(s);
     compute_dual(s, w);
     // Perturbed costs would hide that the bound has passed a cutoff: they wait for a stall.
-    if (s->PerturbAllowed && !s->NearOptimal && !has_cutoff(s)) dual_perturb_start(s, w);
+    if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !has_cutoff(s))
+        dual_perturb_start(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);
     s->RefacReason = REFAC_START;

@@ -201,7 +201,10 @@ int solve(sopt *s)
 {
     TRY(keep_optimal(s));
     if (s->Status == SIMPLEX_RUNNING) {
-        if (!limit_reached(s)) TRY(run_methods(s));
+        if (!limit_reached(s)) {
+            TRY(run_methods(s));
+            TRY(sopt_keep_perturbation(s));
+        }
         finish_live(s);
     }
     const bool look = s->Env->TARV_PAR_UNSCALEDVIO != 0;
@@ -247,6 +250,7 @@ int prepare_basis(TVXmodel *model, const Start &start, bool *from_slacks)
             TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
     }
     if (*from_slacks) start_slack_basis(s);
+    if (*from_slacks || start.vstat_cols) array_free(&s->LimitPerturbation);
     row_copy_partition(s);
     return 0;
 }

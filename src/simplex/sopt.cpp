@@ -148,6 +148,29 @@ void sopt_take_cutoff(sopt *s)
                     : HUGE_VAL;
 }
 
+int sopt_keep_perturbation(sopt *s)
+{
+    array_free(&s->LimitPerturbation);
+    const bool stopped = s->Status == SIMPLEX_ITERATION_LIMIT ||
+                         s->Status == SIMPLEX_TIME_LIMIT ||
+                         s->Status == SIMPLEX_INTERRUPTED;
+    if (!stopped || s->Method != METHOD_DUAL || !s->Perturbed) return 0;
+    TRY(array_resize(&s->LimitPerturbation, s->NumVars));
+    for (int j = 0; j < s->NumVars; j++)
+        s->LimitPerturbation.data[j] = s->WorkCost.data[j] - s->Cost.data[j];
+    return 0;
+}
+
+bool sopt_take_up_perturbation(sopt *s)
+{
+    if (s->LimitPerturbation.size == 0) return false;
+    for (int j = 0; j < s->NumVars; j++)
+        s->WorkCost.data[j] += s->LimitPerturbation.data[j];
+    array_free(&s->LimitPerturbation);
+    s->Perturbed = 3;
+    return true;
+}
+
 void sopt_refresh(sopt *s)
 {
     const TVXenv *env = s->Env;

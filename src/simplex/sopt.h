@@ -185,6 +185,9 @@ struct sopt {
     int PerturbAllowed = 1; // cleared when a clean run is wanted
     // Began from a given basis with few infeasibilities: costs move only when it stalls.
     int NearOptimal = 0;
+    // [NumVars] or empty: by how much the dual had its costs perturbed when a limit stopped it. The run that goes on takes
+    // them up: another perturbation could undo the pivots of the last, and short runs would never arrive.
+    Array<double> LimitPerturbation;
     double PerturbCur = 0; // working size of perturbations
     double DegenCount = 0; // degenerate iterations
     // DegenCount and NPvt at the last test for a stall.
@@ -312,6 +315,8 @@ template<class R> inline R noise_share(const swork<R> *w)
 [[nodiscard]] int sopt_create(TVXmodel *model, const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
+[[nodiscard]] int sopt_keep_perturbation(sopt *s); // LimitPerturbation, after a limit
+bool sopt_take_up_perturbation(sopt *s);           // false if there is none
 void sopt_take_cutoff(sopt *s);            // Cutoff from the parameter
 int update_limit(const sopt *s,
                  double power);  // updates between factorisations: m^power, at least 20
