@@ -21,6 +21,8 @@ constexpr double UPDATES_POWER = 0.65; // limit m^0.65: rows are cheap only with
 constexpr int CYCLE_HITS = 30;         // rounds after which the method gives up
 // Of a sum of products, against the sizes of its terms: the multipliers come from solves with the factors.
 constexpr double CUTOFF_ROUNDING = 1e-10;
+// How far a column without a bound may go: at least, and in numbers of the largest value of the basis at hand.
+constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
 
 // Weights follow their variables through a factorisation.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
@@ -89,23 +91,26 @@ struct BoundSum {
     }
 };
 
+// In the user's units.
 template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
 {
-    R largest = 1;
-    for (int i = 0; i < s->NumRows; i++)
-        largest = std::max<R>(largest, std::abs(w->Bbar.data[i]));
-    return static_cast<double>(largest);
+    double largest = 0;
+    for (int i = 0; i < s->NumRows; i++) {
+        const double value = std::fabs(static_cast<double>(w->Bbar.data[i]));
+        largest = std::max(largest, value * user_unit(s, s->BasisHead.data[i]));
+    }
+    return largest;
 }
 
 // Is the least value of the objective over the bounds, with the multipliers of the basis for the true costs, beyond the
 // cutoff by more than rounding? That is a bound of the optimum whatever the perturbation. Where a bound is missing a
-// reduced cost within the tolerance is charged with the largest value of the basis. RowVal is used.
+// reduced cost within the tolerance is charged with a value far beyond those of the basis. RowVal is used.
 template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
 {
     R *d = w->RowVal.data;
     compute_dual_for(s, w, s->Cost.data, d);
     BoundSum bound;
-    double open = 0; // reduced costs without a bound
+    double open = 0; // reduced costs without a bound, for each unit of the user
     for (int i = 0; i < s->NumRows; i++)
         bound.add(-static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i]);
     for (int j = 0; j < s->NumVars; j++) {
@@ -114,11 +119,11 @@ template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
         if (has_lower(s, side) && has_upper(s, side))
             bound.add(static_cast<long double>(d[j]) * side);
         else if (std::abs(d[j]) <= R(s->OptTol))
-            open += static_cast<double>(std::abs(d[j]));
+            open += static_cast<double>(std::abs(d[j])) / user_unit(s, j);
         else
             return false;
     }
-    if (open > 0) open *= largest_basic_value(s, w);
+    if (open > 0) open *= std::max(OPEN_LEAST, OPEN_SHARE * largest_basic_value(s, w));
     const long double sure = bound.value - CUTOFF_ROUNDING * bound.size - open;
     return static_cast<double>(sure) / s->ObjScale > s->Cutoff;
 }

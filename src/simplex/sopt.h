@@ -60,7 +60,8 @@ enum StallRemedy {
 };
 struct StallGuard {
     double Best[STALL_PHASES]; // least value of each phase since the last remedy
-    int Factors = 0;           // factorisations without a better one
+    int Looks = 0;             // of this run; each refresh of factors and values is one
+    int Factors = 0;           // looks without a better one
     double Iter = 0;           // NPvt when they began
     double Begin = 0;          // NPvt at the last remedy
     int Passes = 0;            // of the loop since the last factorisation: flips need none
@@ -317,7 +318,7 @@ template<class R> inline R noise_share(const swork<R> *w)
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
 [[nodiscard]] int sopt_keep_perturbation(sopt *s); // LimitPerturbation, after a limit
 bool sopt_take_up_perturbation(sopt *s);           // false if there is none
-void sopt_take_cutoff(sopt *s);            // Cutoff from the parameter
+void sopt_take_cutoff(sopt *s);                    // Cutoff from the parameter
 int update_limit(const sopt *s,
                  double power);  // updates between factorisations: m^power, at least 20
 void sopt_check_bounds(sopt *s); // sets Status 3 or 5 and BadVar on crossed bounds
@@ -385,10 +386,9 @@ void stall_reset(sopt *s); // values of the phases are not comparable with those
 // A pass of the loop is done; too many of them without a factorisation ask for one.
 inline void stall_count_pass(sopt *s)
 {
-    if (s->RefacReason != REFAC_NONE)
-        s->Stall.Passes = 0;
-    else if (++s->Stall.Passes > PASSES_PER_UPDATE * s->MaxUpdates + PASSES_LEAST)
-        s->RefacReason = REFAC_UPDATES;
+    const bool many = ++s->Stall.Passes > PASSES_PER_UPDATE * s->MaxUpdates + PASSES_LEAST;
+    if (many && s->RefacReason == REFAC_NONE) s->RefacReason = REFAC_UPDATES;
+    if (s->RefacReason != REFAC_NONE) s->Stall.Passes = 0;
 }
 // On fresh factors and values: what to do against a stall. STALL_COSTS and STALL_PERTURB are the method's, for the others
 // Status is set.

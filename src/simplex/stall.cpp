@@ -2,31 +2,32 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      At every third factorisation, once the run is no longer young, the value that the phase brings down is compared with its best in this run: the
-//             sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
-//             changed (dual, box problem and phase 2). After many factorisations and iterations without a better one the
-//             run takes the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the
-//             other method takes over; the same basis goes on in longer numbers; the run begins again with slacks and
-//             strict pivots in the factors; it ends in numeric trouble. Each is taken once, so that there is an end.
+// Method      Each refresh of factors and values is a look. At every third one, once the run is no longer young, the value
+//             that the phase brings down is compared with its best in this run: the sum of infeasibilities (primal, phase
+//             1), the objective (primal, phase 2), the dual objective with its sign changed (dual, box problem and phase
+//             2). After many looks and iterations without a better one the run takes the next remedy: the true costs leave
+//             phase 1 of the primal; costs or bounds are perturbed; the other method takes over; the same basis goes on in
+//             longer numbers; the run begins again with slacks and strict pivots in the factors; it ends in numeric
+//             trouble. Each is taken once, so that there is an end.
 // Cost        one pass over the variables per look.
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
-constexpr int LOOK_PERIOD = 3; // factorisations between looks
-// No look before so many factorisations or iterations (in numbers of variables): most runs have ended by then.
-constexpr int FIRST_FACTORS = 30;
+constexpr int LOOK_PERIOD = 3; // looks from one comparison to the next
+// Nothing is compared before so many looks or iterations (in numbers of variables): most runs have ended by then.
+constexpr int FIRST_LOOKS = 30;
 constexpr double FIRST_ROUNDS = 0.5;
-constexpr int STALL_FACTORS = 10;  // factorisations without progress
+constexpr int STALL_FACTORS = 10;  // looks without progress
 constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
 constexpr double STALL_LEAST = 30; // plus these
-constexpr int STUCK_FACTORS = 50; // factorisations without progress and with hardly a pivot
+constexpr int STUCK_FACTORS = 50;  // looks without progress and with hardly a pivot
 constexpr double STUCK_PIVOTS = 2; // in each
 constexpr double LONG_ROUNDS =
     25; // iterations since the last remedy, in numbers of variables: costs that are shifted
         // again and again look like progress
-constexpr double LONG_LEAST = 1000;     // plus these
+constexpr double LONG_LEAST = 500;      // plus these
 constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
 
 // The objective at the basis under the costs and bounds in force: in the dual the dual objective.
@@ -91,8 +92,9 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
     const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
-    if (s->NumFactor < FIRST_FACTORS && s->NPvt < FIRST_ROUNDS * s->NumVars)
-        return STALL_NONE;
+    // Refreshes count, not factorisations: a run without pivots makes none.
+    g->Looks++;
+    if (g->Looks < FIRST_LOOKS && s->NPvt < FIRST_ROUNDS * s->NumVars) return STALL_NONE;
     g->Factors++;
     if (!endless && g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
