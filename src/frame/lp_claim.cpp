@@ -51,6 +51,14 @@ int lp_claim_holds(const TVXmodel *model, const TVXmodel *form, const LpClaim *c
     return judge_ray(model, claim->ray.data, holds);
 }
 
+int lp_ray_holds(const TVXmodel *model, bool *holds)
+{
+    Array<double> ray;
+    TRY(array_resize(&ray, model->body->numvars));
+    *holds = !simplex_get_ray(model->simplex, ray.data);
+    return *holds ? 0 : judge_ray(model, ray.data, holds);
+}
+
 int lp_claim_of_reduced(const TVXmodel *form, LpClaim *claim)
 {
     const TVXmodel *reduced = form->presolved;

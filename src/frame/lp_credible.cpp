@@ -10,7 +10,6 @@
 #include "frame/optimize.h"
 #include "frame/row_activity.h"
 #include "frame/row_kind.h"
-#include "frame/solution.h"
 #include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
@@ -19,14 +18,16 @@ namespace
 {
 constexpr double GROSS_TOLERANCES = 1000; // scale factors of usual models hide so much
 constexpr double GROSS_SHARE = 1e-3; // three correct digits are the least for an answer
+constexpr double ROUNDING_SHARE_OF_ROW = 1e-14; // of the terms of a row, or of a bound
 
 struct Judge {
     double tolerance; // violations up to here pass whatever the numbers
+    double share;     // and so do those up to this share of what they come from
 
     // Written so that what is no number does not pass.
     bool passes(double violation, double size) const
     {
-        return violation <= std::max(tolerance, GROSS_SHARE * size);
+        return violation <= std::max(tolerance, share * size);
     }
 };
 
@@ -53,18 +54,29 @@ bool bounds_hold(const ModelBody *body, const double *x, const Judge &judge)
     }
     return true;
 }
+
+int point_holds(TVXmodel *model, const Judge &judge, bool *holds)
+{
+    const ModelBody *body = model->body;
+    Array<double> x;
+    TRY(array_resize(&x, body->numvars));
+    simplex_get_primal(model->simplex, x.data);
+    RowActivity rows;
+    TRY(row_activity(body, x.data, &rows));
+    *holds = bounds_hold(body, x.data, judge) && rows_hold(body, rows, judge);
+    return 0;
+}
 } // namespace
 
 int lp_credible(TVXmodel *model, bool *credible)
 {
-    const ModelBody *body = model->body;
     *credible = std::isfinite(simplex_objective(model->simplex));
     if (!*credible) return 0;
-    const double *x = nullptr;
-    TRY(solution_x(model, &x));
-    RowActivity rows;
-    TRY(row_activity(body, x, &rows));
-    const Judge judge = {GROSS_TOLERANCES * model->env->FeasibilityTol};
-    *credible = bounds_hold(body, x, judge) && rows_hold(body, rows, judge);
-    return 0;
+    const double tolerance = GROSS_TOLERANCES * model->env->FeasibilityTol;
+    return point_holds(model, {tolerance, GROSS_SHARE}, credible);
+}
+
+int lp_point_holds(TVXmodel *model, bool *holds)
+{
+    return point_holds(model, {model->env->FeasibilityTol, ROUNDING_SHARE_OF_ROW}, holds);
 }

@@ -9,10 +9,12 @@
 //             be feasible may contradict each other by rounding. When none is sure the best one stands, and the closing
 //             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
 //             size are proof enough.
-// Invariant   A limit ends the attempts; the best answer so far stands, the limit if there is none.
+// Invariant   A limit ends the attempts. The best point so far is kept; its status stands if it is sure but for rounding,
+//             else the limit does, and the next solve goes on from the point.
 // Cost        Where the first answer is sure, the measures that the closing lines need anyway.
 #include "frame/lp_secure.h"
 #include "frame/attributes.h"
+#include "frame/lp_claim.h"
 #include "frame/lp_run.h"
 #include "frame/optimize.h"
 #include "frame/solution.h"
@@ -36,6 +38,7 @@ struct Way {
 constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
 constexpr double USUAL = 1e-6;
 constexpr double STRICT = 0.9;      // pivots in the factors
+constexpr double MOVED_MOST = 0.1;  // of the objective by widening: more is another model
 constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
 
 constexpr Way WAYS[] = {
@@ -130,6 +133,19 @@ int refuse_gross(TVXmodel *model, Answer *answer)
     return 0;
 }
 
+// Unbounded: along a ray of the caller's model, from a point that is feasible there.
+int look_at_ray(TVXmodel *model, Answer *answer)
+{
+    bool holds = true;
+    if (model->status != TVX_UNBOUNDED) return 0;
+    TRY(lp_ray_holds(model, &holds));
+    if (!holds) answer->grade = Grade::NONE;
+    if (answer->grade != Grade::SURE) return 0;
+    TRY(lp_point_holds(model, &holds));
+    if (!holds) answer->grade = Grade::UNSURE;
+    return 0;
+}
+
 // Grades the live record, and keeps it as the best if it is.
 int note(TVXmodel *model, Best *best)
 {
@@ -138,6 +154,8 @@ int note(TVXmodel *model, Best *best)
     Answer answer = {grade_of(a.Foot), a.Excess, a.Worth};
     TRY(look_as_caller(model, &answer));
     TRY(refuse_gross(model, &answer));
+    if (!(a.Moved <= MOVED_MOST)) answer.grade = Grade::NONE;
+    TRY(look_at_ray(model, &answer));
     best->near.Exact |= a.Near.Exact;
     best->near.Wide |= a.Near.Wide;
     if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
@@ -225,6 +243,13 @@ bool is_spent(const TVXmodel *model, const Best &best, double first_iterations)
     return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
 }
 
+// Worth telling although a limit has stopped the search for a better one.
+bool is_final(const Answer &answer)
+{
+    return answer.grade == Grade::SURE ||
+           (answer.grade == Grade::ROUNDED && answer.excess <= 1);
+}
+
 bool proved_near_enough(const Best &best)
 {
     if (best.answer.grade == Grade::NONE) return best.near.Exact;
@@ -235,10 +260,10 @@ bool proved_near_enough(const Best &best)
 // The live record gets the best answer.
 int settle(TVXmodel *model, Best *best)
 {
-    const bool stopped = is_limit(model->status);
+    const int limit = is_limit(model->status) ? model->status : 0;
     const double iterations =
         model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
-    if (model->simplex && !stopped && proved_near_enough(*best)) {
+    if (model->simplex && !limit && proved_near_enough(*best)) {
         simplex_declare(model, TVX_INFEASIBLE);
         model->lp_result->quality = Quality{};
         return 0;
@@ -256,6 +281,10 @@ int settle(TVXmodel *model, Best *best)
         best->record = nullptr;
         simplex_count_on(model->simplex, iterations);
         model->status = best->status;
+    }
+    if (restored && limit && !is_final(best->answer)) {
+        simplex_declare(model, limit);
+        return look_as_caller(model, &best->answer);
     }
     // The ray holds; whether it starts from a feasible point is open.
     if (best->answer.grade == Grade::UNSURE && model->status == TVX_UNBOUNDED)

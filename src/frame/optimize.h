@@ -43,6 +43,8 @@ inline bool is_limit(int status)
 // ---- lp_credible.cpp ----
 // Is the solution of an optimal model finite, and does it miss no constraint grossly? 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_credible(TVXmodel *model, bool *credible);
+// Does the point of the simplex hold in the model, to the tolerance or to rounding? 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_point_holds(TVXmodel *model, bool *holds);
 
 // ---- lp_bounded.cpp ----
 // No objective value can run away within the bounds alone: a model that is infeasible or unbounded

@@ -327,6 +327,22 @@ int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
     return error;
 }
 
+template<class R> static double price_sum(const sopt *s, const swork<R> *w)
+{
+    double sum = 0;
+    for (int j = 0; j < s->NumVars; j++)
+        if (!is_basic(s, j))
+            sum += std::fabs(static_cast<double>(w->Cbar.data[j])) / user_unit(s, j);
+    return sum / s->ObjScale;
+}
+
+static double moved_by_widening(const sopt *s)
+{
+    if (s->Tuning.Widen <= 0) return 0;
+    const double price = s->Quad ? price_sum(s, s->Extended) : price_sum(s, s->Double);
+    return s->Tuning.Widen * price / (1 + std::fabs(s->Obj + s->ObjOffset));
+}
+
 SimplexAssessment simplex_assess(const sopt *s)
 {
     SimplexAssessment a;
@@ -342,6 +358,7 @@ SimplexAssessment simplex_assess(const sopt *s)
     const UserViolations v = violations(s);
     a.Excess = v.Primal.Largest / s->Env->FeasibilityTol;
     if (optimal) {
+        a.Moved = moved_by_widening(s);
         a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
         a.Worth = std::max(v.Primal.Worth, v.Dual.Worth) / WORTH_SEEN;
     }

@@ -56,6 +56,7 @@ struct SimplexAssessment {
     double Excess = 0; // UNSURE: largest violation over its tolerance
     // Optimal: what violations may stand for in the objective, over what users would see of it.
     double Worth = 0;
+    double Moved = 0;  // optimal, of a widened run: share of the objective that the wider rows and bounds may have brought
     FarkasReach Near; // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
