@@ -5,6 +5,7 @@
 // Where it ends  A constraint ends where nothing more can follow; see lp_sum.cpp for line ends. "x <= 2 y" and a next
 //             line "- z >= 1" could be two constraints or one: that is an error, a label says what is meant.
 // Infinite    An infinite side of a range leaves an inequality.
+#include "files/lp_names.h"
 #include "files/lp_reader.h"
 #include <climits>
 #include <cmath>
@@ -128,11 +129,15 @@ static int take_limit(LpReader *reader, Constraint *row)
     return lp_stop(reader, at, "a chain of comparisons begins and ends with a number");
 }
 
-// What the first token of a constraint must not be: a number behind that of the constraint before, as in "<= 1 000", or a
-// section with a colon, as in "bounds:", whose lines would become constraints.
-static int check_begin(LpReader *reader, const LpToken *begin, bool named)
+// What the first token of a constraint must not be: a number behind that of the constraint before, as in "<= 1 000"; a
+// section with a colon, as in "bounds:", whose lines would become constraints; or a word that looks like a heading, alone
+// on its line and unknown so far, which a sign on the next line would make a variable.
+static int check_begin(LpReader *reader, const LpToken *begin, bool named, bool alone)
 {
     const bool first = !reader->rows.begin.size;
+    if (!named && alone && begin->kind == LpKind::NAME && lp_like_heading(begin->text) &&
+        draft_find(&reader->draft, begin->text) < 0)
+        return lp_stop(reader, begin->text, "this is neither a variable nor a section");
     if (!named && begin->kind == LpKind::NUMBER && !begin->fresh && !first)
         return lp_stop(reader, begin->text, "a number cannot follow a number");
     const bool section = begin->word >= LpWord::BOUNDS && begin->word <= LpWord::END;
@@ -147,8 +152,9 @@ static int take_constraint(LpReader *reader)
     TextSpan label;
     row.at = reader->token.text;
     const LpToken begin = reader->token;
+    const bool alone = begin.fresh && lp_ends_line(reader);
     const bool named = lp_take_label(reader, &label);
-    TRY(check_begin(reader, &begin, named));
+    TRY(check_begin(reader, &begin, named, alone));
     TRY(open_row(reader, label));
     TRY(lp_sum(reader, LpPlace::LEFT, &row.left));
     TRY(lp_comparison(reader, &row.first));

@@ -374,9 +374,10 @@ template<class R> int setup(sopt *s, swork<R> *w)
     s->MaxUpdates = std::min(s->MaxUpdates, update_limit(s, UPDATES_POWER));
     dual_set_true_bounds(s);
     dual_remove_perturbation(s);
+    const bool goes_on = sopt_take_up_stop(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (has_free_nonbasics(s)) {
+    if (!goes_on && has_free_nonbasics(s)) { // the box problem may have taken some out again
         compute_dual(s, w);
         TRY(dual_enter_free(s, w));
         if (s->Status != SIMPLEX_RUNNING) return 0;
@@ -385,7 +386,6 @@ template<class R> int setup(sopt *s, swork<R> *w)
     }
     dual_weights_start(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    const bool goes_on = sopt_take_up_perturbation(s);
     compute_dual(s, w);
     // Perturbed costs would hide that the bound has passed a cutoff: they wait for a stall.
     if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !has_cutoff(s))

@@ -374,13 +374,16 @@ template<class R> int setup(sopt *s, swork<R> *w)
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
     primal_remove_perturbation(s);
     s->BoxPhase = 0;
+    const bool goes_on = sopt_take_up_stop(s);
     settle_nonbasics(s);
     primal_count_superbasics(s, w);
     row_copy_partition(s);
     primal_choose_pricing(s, w);
-    p->CostWeight = phase1_cost_weight(s);
-    p->PerturbSize = s->Env->PerturbValue;
-    p->PerturbPasses = 0;
+    if (!goes_on) {
+        p->CostWeight = phase1_cost_weight(s);
+        p->PerturbSize = s->Env->PerturbValue;
+        p->PerturbPasses = 0;
+    }
     p->Phase1 = 1;
     p->StallIter = s->NPvt;
     p->StallStart = s->DegenCount;

@@ -203,7 +203,7 @@ int solve(sopt *s)
     if (s->Status == SIMPLEX_RUNNING) {
         if (!limit_reached(s)) {
             TRY(run_methods(s));
-            TRY(sopt_keep_perturbation(s));
+            TRY(sopt_keep_stop(s));
         }
         finish_live(s);
     }
@@ -250,15 +250,19 @@ int prepare_basis(TVXmodel *model, const Start &start, bool *from_slacks)
             TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
     }
     if (*from_slacks) start_slack_basis(s);
-    if (*from_slacks || start.vstat_cols) array_free(&s->LimitPerturbation);
+    if (*from_slacks || start.vstat_cols) {
+        s->Stopped = 0;
+    }
     row_copy_partition(s);
     return 0;
 }
 
+// A run that a limit stopped goes on by the method that was running.
 int choose_method(const TVXmodel *model, int method)
 {
     const sopt *s = model->simplex;
     if (s->Superbasics > 0) return METHOD_PRIMAL;
+    if (s->Stopped && s->AskedMethod == method) return s->StoppedMethod;
     if (method != METHOD_AUTO && method != METHOD_BY_START) return method;
     return model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
 }
@@ -282,6 +286,8 @@ int optimize(TVXmodel *model, int method, const Start &start, const SimplexTunin
     TRY(prepare_basis(model, start, &from_slacks));
     if (start.x) start_from_point(s, start.x, start.slack);
     s->Method = choose_method(model, method);
+    if (s->AskedMethod != method || s->Method != s->StoppedMethod) s->Stopped = 0;
+    s->AskedMethod = method;
     s->MethodByStart = method == METHOD_BY_START && s->Superbasics == 0;
     if (from_slacks && (s->Method == METHOD_DUAL || !start.x)) {
         TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));

@@ -148,25 +148,47 @@ void sopt_take_cutoff(sopt *s)
                     : HUGE_VAL;
 }
 
-int sopt_keep_perturbation(sopt *s)
+int sopt_keep_stop(sopt *s)
 {
-    array_free(&s->LimitPerturbation);
-    const bool stopped = s->Status == SIMPLEX_ITERATION_LIMIT ||
-                         s->Status == SIMPLEX_TIME_LIMIT ||
-                         s->Status == SIMPLEX_INTERRUPTED;
-    if (!stopped || s->Method != METHOD_DUAL || !s->Perturbed) return 0;
-    TRY(array_resize(&s->LimitPerturbation, s->NumVars));
-    for (int j = 0; j < s->NumVars; j++)
-        s->LimitPerturbation.data[j] = s->WorkCost.data[j] - s->Cost.data[j];
+    array_free(&s->StoppedShift);
+    s->Stopped = s->Status == SIMPLEX_ITERATION_LIMIT || s->Status == SIMPLEX_TIME_LIMIT ||
+                 s->Status == SIMPLEX_INTERRUPTED;
+    s->StoppedMethod = s->Method;
+    s->StoppedPerturb = s->PerturbAllowed;
+    if (!s->Stopped || !s->Perturbed) return 0;
+    const int nv = s->NumVars;
+    const bool dual = s->Method == METHOD_DUAL;
+    TRY(array_assign(&s->StoppedShift, dual ? nv : 2 * int64_t{nv}, 0.0));
+    double *shift = s->StoppedShift.data;
+    for (int j = 0; j < nv; j++) {
+        const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+        if (dual) {
+            shift[j] = s->WorkCost.data[j] - s->Cost.data[j];
+            continue;
+        }
+        if (has_lower(s, lower)) shift[j] = s->WorkLower.data[j] - lower;
+        if (has_upper(s, upper)) shift[nv + j] = s->WorkUpper.data[j] - upper;
+    }
     return 0;
 }
 
-bool sopt_take_up_perturbation(sopt *s)
+bool sopt_take_up_stop(sopt *s)
 {
-    if (s->LimitPerturbation.size == 0) return false;
-    for (int j = 0; j < s->NumVars; j++)
-        s->WorkCost.data[j] += s->LimitPerturbation.data[j];
-    array_free(&s->LimitPerturbation);
+    if (!s->Stopped) return false;
+    s->Stopped = 0;
+    s->PerturbAllowed = s->StoppedPerturb;
+    if (s->StoppedShift.size == 0) return true;
+    const int nv = s->NumVars;
+    const double *shift = s->StoppedShift.data;
+    for (int j = 0; j < nv; j++) {
+        if (s->Method == METHOD_DUAL) {
+            s->WorkCost.data[j] += shift[j];
+        } else {
+            s->WorkLower.data[j] += shift[j];
+            s->WorkUpper.data[j] += shift[nv + j];
+        }
+    }
+    array_free(&s->StoppedShift);
     s->Perturbed = 3;
     return true;
 }

@@ -186,9 +186,13 @@ struct sopt {
     int PerturbAllowed = 1; // cleared when a clean run is wanted
     // Began from a given basis with few infeasibilities: costs move only when it stalls.
     int NearOptimal = 0;
-    // [NumVars] or empty: by how much the dual had its costs perturbed when a limit stopped it. The run that goes on takes
-    // them up: another perturbation could undo the pivots of the last, and short runs would never arrive.
-    Array<double> LimitPerturbation;
+    // The last run was stopped by a limit, and this one is to go on from there: by the method that ran, with its
+    // perturbation. Another one could undo the pivots of the last run, and short runs would never arrive.
+    int Stopped = 0;
+    int AskedMethod = 0, StoppedMethod = 0; // the caller's wish then; the method that ran
+    int StoppedPerturb = 0;                 // PerturbAllowed
+    // Empty, or what was added to the costs [NumVars] (dual), to lower and then upper bounds [2 NumVars] (primal).
+    Array<double> StoppedShift;
     double PerturbCur = 0; // working size of perturbations
     double DegenCount = 0; // degenerate iterations
     // DegenCount and NPvt at the last test for a stall.
@@ -316,8 +320,8 @@ template<class R> inline R noise_share(const swork<R> *w)
 [[nodiscard]] int sopt_create(TVXmodel *model, const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
-[[nodiscard]] int sopt_keep_perturbation(sopt *s); // LimitPerturbation, after a limit
-bool sopt_take_up_perturbation(sopt *s);           // false if there is none
+[[nodiscard]] int sopt_keep_stop(sopt *s); // Stopped and what follows it, at the end of a run
+bool sopt_take_up_stop(sopt *s);           // the first method goes on with it; false: begins anew
 void sopt_take_cutoff(sopt *s);                    // Cutoff from the parameter
 int update_limit(const sopt *s,
                  double power);  // updates between factorisations: m^power, at least 20

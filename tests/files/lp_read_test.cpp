@@ -220,6 +220,7 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x st x <= 1d2", "column 16: 'd2': this is no variable so far"},
         {"min x st x <= 1e5e3", "column 18: 'e3': this is no variable so far"},
         {"min x st\nc: x >= 1\nbounds:\nx <= 5", "line 3, column 1: 'bounds': the word"},
+        {"min x st\nc: x >= 1\nlazy\n+ x <= 5", "line 3, column 1: 'lazy': this is neither"},
         {"min x + end st\nend + x >= 2\nx <= 1", "line 2, column 1: 'end': this ends"},
         {"min x bounds x <= -inf", "column 19: '-': the bound is infinite"},
         {"min x bounds inf <= x", "column 14: 'inf': the bound is infinite"},
