@@ -100,6 +100,22 @@ TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
     }
 }
 
+// A reduced cost of -5e-7 is within the tolerance, but x goes to 1e6: the least value is -0.5.
+TEST_F(SureAnswers, a_reduced_cost_within_the_tolerance_is_no_bound_for_a_cutoff)
+{
+    LpModel lp;
+    lp_add_var(&lp, -5e-7, 0, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 1e6);
+    lp_add_row_entries(&lp, {{1, 1}}, '>', 1); // so that there is something to do
+    for (const double method : {0, 1}) {
+        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}, {"ScaleFlag", 0}});
+        ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", -0.3), 0);
+        EXPECT_NEAR(objective(), -0.5, 1e-9);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+    }
+}
+
 TEST_F(SureAnswers, the_dual_form_takes_a_basis_and_goes_on_after_a_limit)
 {
     for (const double presolve : {-1, 1, 2}) {
@@ -146,6 +162,27 @@ int hear(TVXmodel *, void *cbdata, int where, void *data)
     return 0;
 }
 } // namespace
+
+// A cost of millions scales the objective down, and with it a reduced cost of -5e-6 into the tolerance. The simplex sees
+// to it by itself, without another way.
+TEST_F(SureAnswers, violations_count_in_the_units_of_the_model)
+{
+    LpModel
+        lp; // min 9e6 y - 5e-6 x, x <= 1 by a row, y >= 1 by another: x counts for nothing in the objective
+    lp_add_var(&lp, -5e-6, 0, LP_INFINITY);
+    lp_add_var(&lp, 9e6, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 1);
+    lp_add_row_entries(&lp, {{1, 1}}, '>', 1);
+    for (const double method : {0, 1}) {
+        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}});
+        Heard heard;
+        ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        EXPECT_FALSE(heard.again) << method;
+        EXPECT_LE(dbl("DualVio"), 1e-6);
+    }
+}
 
 TEST_F(SureAnswers, figures_hold_the_iterations_and_the_work_of_all_ways)
 {
