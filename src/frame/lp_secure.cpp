@@ -130,7 +130,8 @@ int refuse_gross(TVXmodel *model, Answer *answer)
     return 0;
 }
 
-// Grades the live record, and keeps it as the best if it is.
+// Grades the answer of the live record. When it is better than the best so far it becomes the best, and the record that
+// held that one is freed.
 int note(TVXmodel *model, Best *best)
 {
     if (is_limit(model->status) && best->answer.grade != Grade::NONE) return 0;

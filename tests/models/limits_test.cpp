@@ -155,8 +155,7 @@ TEST(Limits, a_solve_in_many_legs_arrives)
     });
 }
 
-// Without presolve, and with both forms presolved at the same time.
-// Roads with presolve.
+// Settings with presolve, by either method and on the dual form.
 static const Settings roads[] = {
     {{"Presolve", -1}},
     {{"Presolve", 1}},
