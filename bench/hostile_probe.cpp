@@ -151,9 +151,9 @@ static bool read_numbers(std::istream *in, size_t count, std::vector<double> *va
     return true;
 }
 
-// Words: status (in our numbers), iterations, seconds, tolerance, rounding of the numbers, objective, then under status 2 the values of columns,
-// their reduced costs and the multipliers of rows, of the model as a minimisation. The objective nan means that of the
-// values; reduced costs that begin with nan: those that the multipliers give.
+// Words: status (in our numbers), iterations, seconds, tolerance, rounding of the numbers, objective, then under status
+// 2 the values of columns, their reduced costs and the multipliers of rows, of the model as a minimisation. The
+// objective nan means that of the values; reduced costs that begin with nan: those that the multipliers give.
 static bool read_outcome(const std::string &file, const LpModel &lp,
                          HostileOutcome *outcome)
 {

@@ -55,8 +55,9 @@ int lp_ray_holds(const TVXmodel *model, bool *holds)
 {
     Array<double> ray;
     TRY(array_resize(&ray, model->body->numvars));
-    *holds = !simplex_get_ray(model->simplex, ray.data);
-    return *holds ? 0 : judge_ray(model, ray.data, holds);
+    *holds = false;
+    return simplex_get_ray(model->simplex, ray.data) ? judge_ray(model, ray.data, holds)
+                                                     : 0;
 }
 
 int lp_claim_of_reduced(const TVXmodel *form, LpClaim *claim)

@@ -10,6 +10,5 @@
 // The claim about `form` from the status of the simplex on its reduced model; empty when the simplex has no proof. 0 or
 // OUT_OF_MEMORY.
 [[nodiscard]] int lp_claim_of_reduced(const TVXmodel *form, LpClaim *claim);
-// Does the ray of the simplex on the model itself hold in the user's units? True when its status needs none. 0 or
-// OUT_OF_MEMORY.
+// Does the ray of the simplex on the model itself hold in the user's units? 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_ray_holds(const TVXmodel *model, bool *holds);

@@ -277,7 +277,7 @@ int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start
     return conclude(model, form->model, method, status, start);
 }
 
-// A limit has stopped the way back, not the reduced model; nothing may be left of that.
+// A limit has stopped the way back: the reduced model is solved, or presolve has left none to solve.
 bool waits_for_way_back(const TVXmodel *form)
 {
     return form->presolve && (!form->presolved || form->presolved->status == TVX_OPTIMAL);

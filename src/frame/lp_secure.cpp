@@ -10,7 +10,8 @@
 //             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
 //             size are proof enough.
 // Invariant   A limit ends the attempts. The best point so far is kept; its status stands if it is sure but for rounding,
-//             else the limit does, and the next solve goes on from the point.
+//             else the limit does, and the next solve goes on from the point. When that gets no further within its own
+//             limit the best answer stands after all, so that repeated calls come to an end.
 // Cost        Where the first answer is sure, the measures that the closing lines need anyway.
 #include "frame/lp_secure.h"
 #include "frame/attributes.h"
@@ -81,7 +82,8 @@ struct Best {
     Answer answer;
     sopt *record = nullptr; // that holds it, while it is not the live one; owned
     int status = TVX_NUMERIC;
-    FarkasReach near; // of all runs
+    bool moved = true; // the first run made iterations
+    FarkasReach near;  // of all runs
     ~Best() { simplex_free(record); }
 };
 
@@ -134,10 +136,10 @@ int refuse_gross(TVXmodel *model, Answer *answer)
 }
 
 // Unbounded: along a ray of the caller's model, from a point that is feasible there.
-int look_at_ray(TVXmodel *model, Answer *answer)
+int look_at_ray(TVXmodel *model, bool by_ray, Answer *answer)
 {
     bool holds = true;
-    if (model->status != TVX_UNBOUNDED) return 0;
+    if (model->status != TVX_UNBOUNDED || !by_ray) return 0;
     TRY(lp_ray_holds(model, &holds));
     if (!holds) answer->grade = Grade::NONE;
     if (answer->grade != Grade::SURE) return 0;
@@ -146,7 +148,8 @@ int look_at_ray(TVXmodel *model, Answer *answer)
     return 0;
 }
 
-// Grades the live record, and keeps it as the best if it is.
+// Grades the answer of the live record. When it is better than the best so far it becomes the best, and the record that
+// held that one is freed.
 int note(TVXmodel *model, Best *best)
 {
     if (is_limit(model->status) && best->answer.grade != Grade::NONE) return 0;
@@ -155,7 +158,7 @@ int note(TVXmodel *model, Best *best)
     TRY(look_as_caller(model, &answer));
     TRY(refuse_gross(model, &answer));
     if (!(a.Moved <= MOVED_MOST)) answer.grade = Grade::NONE;
-    TRY(look_at_ray(model, &answer));
+    TRY(look_at_ray(model, a.ByRay, &answer));
     best->near.Exact |= a.Near.Exact;
     best->near.Wide |= a.Near.Wide;
     if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
@@ -282,7 +285,7 @@ int settle(TVXmodel *model, Best *best)
         simplex_count_on(model->simplex, iterations);
         model->status = best->status;
     }
-    if (restored && limit && !is_final(best->answer)) {
+    if (restored && limit && best->moved && !is_final(best->answer)) {
         simplex_declare(model, limit);
         return look_as_caller(model, &best->answer);
     }
@@ -300,6 +303,7 @@ int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
     const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
     const double first_iterations = simplex_iterations(model->simplex);
     Best best;
+    best.moved = first_iterations > 0;
     TRY(note(model, &best));
     if (!is_good_enough(model, best, 0) && !is_limit(model->status))
         TVXmsg(model->env,

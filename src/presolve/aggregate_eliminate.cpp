@@ -9,8 +9,8 @@
 //             entries take nodes of the free list. Where many columns go into the same one, that one is mapped first
 //             (row -> entry), and nothing is searched.
 // Errors      With s the size of the terms of an entry, a step a_ij a_k / a has the size
-//             max(s_ij a_k, s_k a_ij, a_ij a_k s / a) / a, as the factor a_ij / a is as wrong as what it is made from. A sum
-//             that is rounding beside its size is zero, and the entry goes.
+//             max(s_ij a_k, s_k a_ij, a_ij a_k s / a) / a, as the factor a_ij / a is as wrong as what it is made from.
+//             A sum that is rounding beside its size is zero, and the entry goes.
 // Invariant   Counts, right-hand sides, activities and errors follow each single entry.
 // Cost        O(entries of the lists + length of row * length of column).
 #include "presolve/aggregate.h"

@@ -1,7 +1,8 @@
 // claim.cpp -- proofs of what presolve says, and of what is said of a reduced model, as vectors of the model itself
 //
-// Problem     A reduction, or a solver behind it, finds a contradiction in a model that many reductions have changed. Who
-//             is to believe it wants multipliers of the rows as they were given; and the same for a direction without end.
+// Problem     A reduction, or a solver behind it, finds a contradiction in a model that many reductions have changed.
+//             To check it, multipliers of the rows of the model as it was given are needed; for a claim of
+//             unboundedness a direction of its columns.
 // Method      A proof of infeasibility is a direction of the duals: with all costs zero, y <= 0 for inequalities and
 //             d = -A^T y, the dual objective y b + sum of d_j times its bound rises for ever. A direction of points is one
 //             of the model with all constants zero. So both come back like a solution, record by record (PostPoint).

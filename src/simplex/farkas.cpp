@@ -3,8 +3,9 @@
 // Problem     A method stops because a row cannot become feasible, by more than the tolerance. Rounding and dropped
 //             entries may have led it there: the claim needs a proof that stands alone.
 // Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
-//             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. On a side without a
-//             bound an entry of g ends the proof, unless the gap is wider than what it is worth out to RANGE.
+//             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. An entry of g
+//             on a side without a bound ends the proof, unless the gap is wider than that entry times RANGE (for
+//             slacks see `reach`).
 //             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve
 //             has left beside these is solved for again, and the corrections are kept beside y as its lower digits.
 //             Sums run in twofold doubles. Then multipliers of 1e5 do not hide an infeasibility of 1e-5, and an entry

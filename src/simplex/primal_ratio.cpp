@@ -241,6 +241,7 @@ template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
     }
     return RATIO_PIVOT;
 }
+
 // Phase 1 without passing breakpoints: the two passes of Harris over the first ones.
 template<class R> RatioResult ratio_first_break(sopt *s, swork<R> *w)
 {

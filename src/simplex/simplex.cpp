@@ -21,12 +21,13 @@ constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double LIMIT_ROOM =
     0.999; // of the limit: rounding may not carry the measure of the user beyond it
-constexpr double WORTH_LIMIT = 1e-7; // share of the objective: users compare six digits
-constexpr double WORTH_SEEN = 1e-6;
+// Share of the objective that violations may stand for (UserViolation::Worth): users compare six digits.
+constexpr double WORTH_LIMIT = 1e-7; // above this tolerances are tightened
+constexpr double WORTH_SEEN = 1e-6;  // above this users would see it
 
-constexpr double STRICT_MARKOWITZ = 0.9;
-constexpr double NEAR_SHARE =
-    0.02; // of the rows: infeasibilities of a basis that is nearly optimal
+constexpr double STRICT_MARKOWITZ = 0.9; // pivots in the factors after a restart
+// A basis is nearly optimal with no more infeasibilities than this share of the rows, or NEAR_LEAST if that is more.
+constexpr double NEAR_SHARE = 0.02;
 constexpr int NEAR_LEAST = 5;
 
 template<class R> int run_method(sopt *s, swork<R> *w)
@@ -360,6 +361,7 @@ SimplexAssessment simplex_assess(const sopt *s)
     // Where the caller asks for no look at an optimum in his units, what the scaled model allows will do.
     const bool optimal = s->Status == SIMPLEX_OPTIMAL && s->Env->TARV_PAR_UNSCALEDVIO != 0;
     const bool unbounded = s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY;
+    a.ByRay = unbounded;
     if (!optimal && !unbounded) return a;
     const UserViolations v = violations(s);
     a.Excess = v.Primal.Largest / s->Env->FeasibilityTol;

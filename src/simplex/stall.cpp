@@ -2,13 +2,13 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      Each refresh of factors and values is a look. At every third one, once the run is no longer young, the value
-//             that the phase brings down is compared with its best in this run: the sum of infeasibilities (primal, phase
-//             1), the objective (primal, phase 2), the dual objective with its sign changed (dual, box problem and phase
-//             2). After many looks and iterations without a better one the run takes the next remedy: the true costs leave
-//             phase 1 of the primal; costs or bounds are perturbed; the other method takes over; the same basis goes on in
-//             longer numbers; the run begins again with slacks and strict pivots in the factors; it ends in numeric
-//             trouble. Each is taken once, so that there is an end.
+// Method      Each refresh of factors and values is a look. At every LOOK_PERIOD-th, once the run is past FIRST_LOOKS or
+//             FIRST_ROUNDS, the value that the phase brings down is compared with its best since the last remedy: the sum
+//             of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
+//             changed (dual, box problem and phase 2). After many looks and iterations without a better one the run takes
+//             the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the other method
+//             takes over; the same basis goes on in longer numbers; the run begins again with slacks and strict pivots in
+//             the factors; it ends in numeric trouble. Each is taken once, so that there is an end.
 // Cost        one pass over the variables per look.
 #include "simplex/primal.h"
 #include <algorithm>
@@ -24,10 +24,10 @@ constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
 constexpr double STALL_LEAST = 30; // plus these
 constexpr int STUCK_FACTORS = 50;  // looks without progress and with hardly a pivot
 constexpr double STUCK_PIVOTS = 2; // in each
-constexpr double LONG_ROUNDS =
-    25; // iterations since the last remedy, in numbers of variables: costs that are shifted
-        // again and again look like progress
-constexpr double LONG_LEAST = 500;      // plus these
+// Iterations since the last remedy, in numbers of variables, after which progress counts no more: costs that are
+// shifted again and again look like progress.
+constexpr double LONG_ROUNDS = 25;
+constexpr double LONG_LEAST = 1000;     // plus these
 constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
 
 // The objective at the basis under the costs and bounds in force: in the dual the dual objective.

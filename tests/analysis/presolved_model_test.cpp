@@ -37,6 +37,34 @@ TEST_F(PresolvedModel, is_smaller_has_the_same_value_and_the_names_of_what_is_le
     }
 }
 
+// The constant of the reduced objective is what columns that have left cost. A cutoff is compared with it.
+TEST_F(PresolvedModel, keeps_what_fixed_and_substituted_columns_cost)
+{
+    LpModel
+        lp; // min 3 f + 7 x + 2 y + z + w, f = 2, x + 2 y = 10, z and w in three rows that no bound can take over
+    lp_add_var(&lp, 3, 2, 2);
+    for (const double cost : {7, 2, 1, 1}) lp_add_var(&lp, cost, 0, 9);
+    lp_add_row_entries(&lp, {{1, 1}, {2, 2}}, '=', 10);
+    lp_add_row_entries(&lp, {{1, 1}, {3, 1}, {4, 1}}, '>', 3);
+    lp_add_row_entries(&lp, {{2, 1}, {3, 2}, {4, 1}}, '>', 8);
+    lp_add_row_entries(&lp, {{2, 1}, {3, 1}, {4, 3}}, '>', 9);
+    load(lp);
+    const double value = value_of(model);
+    const TestModel reduced(TVXpresolvemodel(model));
+    ASSERT_TRUE(reduced);
+    int vars = 0;
+    ASSERT_EQ(TVXgetintattr(reduced, "NumVars", &vars), 0);
+    EXPECT_GT(vars, 0);
+    EXPECT_LT(vars, 4);
+    EXPECT_NEAR(value_of(reduced), value, 1e-9);
+    for (const double room : {-0.5, 0.5}) {
+        load(lp);
+        ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", value + room), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_EQ(integer("Status"), room < 0 ? TVX_CUTOFF : TVX_OPTIMAL);
+    }
+}
+
 TEST_F(PresolvedModel, may_be_empty_or_not_exist)
 {
     LpModel lp; // max 2 x <= 6

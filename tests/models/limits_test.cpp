@@ -9,6 +9,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -155,8 +156,7 @@ TEST(Limits, a_solve_in_many_legs_arrives)
     });
 }
 
-// Without presolve, and with both forms presolved at the same time.
-// Roads with presolve.
+// Settings with presolve, by either method and on the dual form.
 static const Settings roads[] = {
     {{"Presolve", -1}},
     {{"Presolve", 1}},
@@ -165,13 +165,17 @@ static const Settings roads[] = {
     {{"Presolve", 1}, {"PreDual", 1}},
     {{"Presolve", -1}, {"PreDual", 1}, {"LPMethod", 0}},
 };
+static const Settings direct_roads[] = {{{"Presolve", 0}},
+                                        {{"Presolve", 0}, {"LPMethod", 0}}};
 
 // One iteration a call: wherever a call stops, the next one gets further.
-TEST(Limits, a_solve_with_presolve_arrives_in_steps_of_one_iteration)
+TEST(Limits, a_solve_arrives_in_steps_of_one_iteration)
 {
     const TestEnv env;
+    std::vector<Settings> all(std::begin(roads), std::end(roads));
+    all.insert(all.end(), std::begin(direct_roads), std::end(direct_roads));
     for (const Family family : families)
-        for (const Settings &road : roads) {
+        for (const Settings &road : all) {
             SCOPED_TRACE(settings_text(road));
             Dice dice(42);
             const LpModel lp = family(&dice, 60).lp;

@@ -66,6 +66,47 @@ TEST_F(SureAnswers, a_coefficient_of_one_beside_a_huge_one_still_blocks)
 }
 
 // A step of 1e12 makes the distance to the bound and the tolerance one number.
+// Each entry of the ray is small against the next one, and none is rounding: x_t = k x_t+1, the last one bounded.
+TEST_F(SureAnswers, a_chain_of_factors_is_bounded_by_its_far_end)
+{
+    const std::pair<double, int> chains[] = {{2, 55}, {10, 17}, {1000, 6}, {1e4, 5}};
+    for (const auto &[factor, periods] : chains)
+        for (const Settings &settings : ROUTES) {
+            LpModel lp;
+            for (int t = 0; t <= periods; t++)
+                lp_add_var(&lp, t == 0 ? -1 : 0, 0, t < periods ? LP_INFINITY : 1);
+            for (int t = 0; t < periods; t++)
+                lp_add_row_entries(&lp, {{t, 1}, {t + 1, -factor}}, '=', 0);
+            load_with(lp, settings);
+            const double best = -std::pow(factor, periods);
+            EXPECT_NEAR(objective(), best, 1e-9 * -best) << factor << "\n"
+                                                         << settings_text(settings);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        }
+}
+
+// No pivot, no flip: nothing but looks of the stall guard ends such a run.
+TEST_F(SureAnswers, a_run_that_never_pivots_ends)
+{
+    LpModel lp;
+    lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, 0);
+    const double entry[] = {9, 3, -1, 8, 2, -3, 2}, rhs[] = {9, 6, 1, 10, 2, -3, 2};
+    for (int i = 0; i < 7; i++) {
+        if (i == 2)
+            lp_add_row_entries(&lp, {{0, entry[i]}, {1, -1e-300}}, '<', rhs[i]);
+        else if (i == 4)
+            lp_add_row_entries(&lp, {{0, entry[i]}, {1, 1e-20}}, '=', rhs[i]);
+        else
+            lp_add_row_entries(&lp, {{0, entry[i]}}, '<', rhs[i]);
+    }
+    for (const Settings &settings : ROUTES) {
+        load_with(lp, settings);
+        EXPECT_EQ(objective(), 0);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << settings_text(settings);
+    }
+}
+
 TEST_F(SureAnswers, a_row_blocks_however_far_it_is)
 {
     LpModel lp; // min -x, x <= 1e12 by a row
@@ -97,6 +138,22 @@ TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
                 EXPECT_LE(dbl("IterCount"), 0.7 * iterations);
             }
         }
+    }
+}
+
+// A reduced cost of -5e-7 is within the tolerance, but x goes to 1e6: the least value is -0.5.
+TEST_F(SureAnswers, a_reduced_cost_within_the_tolerance_is_no_bound_for_a_cutoff)
+{
+    LpModel lp;
+    lp_add_var(&lp, -5e-7, 0, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 1e6);
+    lp_add_row_entries(&lp, {{1, 1}}, '>', 1); // so that there is something to do
+    for (const double method : {0, 1}) {
+        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}, {"ScaleFlag", 0}});
+        ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", -0.3), 0);
+        EXPECT_NEAR(objective(), -0.5, 1e-9);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
     }
 }
 
@@ -146,6 +203,27 @@ int hear(TVXmodel *, void *cbdata, int where, void *data)
     return 0;
 }
 } // namespace
+
+// A cost of millions scales the objective down, and with it a reduced cost of -5e-6 into the tolerance. The simplex sees
+// to it by itself, without another way.
+TEST_F(SureAnswers, violations_count_in_the_units_of_the_model)
+{
+    LpModel
+        lp; // min 9e6 y - 5e-6 x, x <= 1 by a row, y >= 1 by another: x counts for nothing in the objective
+    lp_add_var(&lp, -5e-6, 0, LP_INFINITY);
+    lp_add_var(&lp, 9e6, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}}, '<', 1);
+    lp_add_row_entries(&lp, {{1, 1}}, '>', 1);
+    for (const double method : {0, 1}) {
+        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}});
+        Heard heard;
+        ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        EXPECT_FALSE(heard.again) << method;
+        EXPECT_LE(dbl("DualVio"), 1e-6);
+    }
+}
 
 TEST_F(SureAnswers, figures_hold_the_iterations_and_the_work_of_all_ways)
 {

@@ -1,7 +1,8 @@
 // dual_start_test.cpp -- where variables stand when the dual begins with perturbed costs
-#include "simplex/sopt.h"
+#include "simplex/dual.h"
 #include "support/lp_tarvex.h"
 #include "support/model_test.h"
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace
@@ -57,4 +58,27 @@ TEST(DualStart, perturbation_goes_by_reduced_costs)
     const int t = lp_add_var(&lp, -1, 0, LP_INFINITY);
     lp_set_entry(&lp, ROWS, t, 1);
     EXPECT_EQ(dual_iterations(&lp, -51), 0);
+}
+
+// Whenever a run stalls, and each time further.
+TEST(DualStart, perturbation_of_a_stalled_run_moves_reduced_costs_away_from_zero)
+{
+    const LpModel lp = packing(1);
+    const TestEnv env;
+    const TestModel model(lp_load(env.env, &lp));
+    ASSERT_EQ(SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr), 0);
+    sopt *s = model.model->simplex;
+    int moved = 0;
+    for (int j = 0; j < s->NumVars; j++) s->Double->Cbar[j] = 0;
+    for (int round = 0; round < 2; round++) {
+        const Array<double> &cbar = s->Double->Cbar;
+        const double before = std::fabs(cbar[0]);
+        dual_perturb_costs(s, s->Double);
+        EXPECT_GT(std::fabs(cbar[0]), before);
+        for (int j = 0; j < s->NumVars; j++) {
+            moved += cbar[j] != 0;
+            EXPECT_GE(s->VStat[j] == AT_UPPER ? -cbar[j] : cbar[j], 0) << j;
+        }
+    }
+    EXPECT_GT(moved, VARS);
 }

@@ -5,18 +5,21 @@
 namespace
 {
 
-// Right by the exact judge under either method, scaling and precision.
+// Right by the exact judge under either method, scaling and precision, with presolve and without.
 void expect_right(const LpModel &lp)
 {
     const TestEnv env;
     for (const double lp_method : {0, 1})
         for (const double scale : {0, 1})
-            for (const double quad : {0, 1}) {
-                const Settings settings = {
-                    {"LPMethod", lp_method}, {"ScaleFlag", scale}, {"Quad", quad}};
-                EXPECT_EQ(solve_and_judge(env.env, &lp, settings), "")
-                    << settings_text(settings);
-            }
+            for (const double quad : {0, 1})
+                for (const double presolve : {-1, 0}) {
+                    const Settings settings = {{"LPMethod", lp_method},
+                                               {"ScaleFlag", scale},
+                                               {"Quad", quad},
+                                               {"Presolve", presolve}};
+                    EXPECT_EQ(solve_and_judge(env.env, &lp, settings), "")
+                        << settings_text(settings);
+                }
 }
 
 // x0 = START, each variable twice the one before, the last one at most `end`: the first row has multiplier 2^17.

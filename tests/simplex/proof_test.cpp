@@ -1,0 +1,127 @@
+// proof_test.cpp -- what a method claims at its end, against what is so: multipliers and rays that hold and near misses
+#include "simplex/sopt.h"
+#include "support/model_test.h"
+#include <gtest/gtest.h>
+
+namespace
+{
+struct Proof : ModelTest {
+    // Not scaled, at the basis of slacks, with factors.
+    sopt *at_slacks(const LpModel &lp)
+    {
+        load(lp);
+        for (const char *name : {"Presolve", "ScaleFlag"})
+            EXPECT_EQ(TVXsetintparam(own(), name, 0), 0);
+        EXPECT_EQ(TVXsetdblparam(own(), "IterationLimit", 0), 0);
+        EXPECT_EQ(TVXoptimize(model), 0);
+        return model->simplex;
+    }
+    // Does this multiplier of the one row prove the model infeasible?
+    bool refuted(const LpModel &lp, double multiplier)
+    {
+        sopt *s = at_slacks(lp);
+        s->NearFarkas = FarkasReach{};
+        svec_clear(&s->Double->Rho);
+        svec_add(&s->Double->Rho, 0, multiplier);
+        return proves_infeasible(s, s->Double);
+    }
+    bool unbounded(const LpModel &lp)
+    {
+        sopt *s = at_slacks(lp);
+        return proves_unbounded(s, s->Double, 0, 1);
+    }
+};
+
+// x + entry z >= 1 with x at most 1 - gap: feasible from z = gap / entry on.
+LpModel far_point(double gap, double entry)
+{
+    LpModel lp;
+    lp_add_var(&lp, 1, 0, 1 - gap);
+    lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, entry}}, '>', 1);
+    return lp;
+}
+
+// min cost x, entry x - y <= 1 with y at most `most`
+LpModel far_end(double cost, double entry, double most)
+{
+    LpModel lp;
+    lp_add_var(&lp, cost, 0, LP_INFINITY);
+    lp_add_var(&lp, 0, 0, most);
+    lp_add_row_entries(&lp, {{0, entry}, {1, -1}}, '<', 1);
+    return lp;
+}
+} // namespace
+
+TEST_F(Proof, infeasibility_reaches_as_far_as_it_says)
+{
+    struct Case {
+        double gap, entry;
+        bool full, wide, near_exact, near_wide;
+    };
+    constexpr Case CASES[] = {
+        {0.01, 0, true, true, true, true},
+        {0.01, 1e-15, false, false, true, true},   // a point at 1e13
+        {0.01, 1e-13, false, false, false, true},  // at 1e11
+        {0.01, 1e-10, false, false, false, false}, // at 1e8
+        {1e-6, 0, true, false, true,
+         false}, // shared by row and bound: within the tolerance
+        {4e-6, 0, true, true, true, true},
+        {3e-9, 0, true, false, true, false},
+        {1.5e-9, 0, false, false, true, false}, // violations below 1e-9 each
+        {-1, 0, false, false, false, false},
+        {0, 0, false, false, false, false},
+    };
+    for (const Case &c : CASES)
+        for (const double multiplier : {1.0, -1.0}) {
+            const bool full = refuted(far_point(c.gap, c.entry), multiplier);
+            const sopt *s = model->simplex;
+            const std::string text = std::to_string(c.gap * 1e9) + "e-9, entry " +
+                                     std::to_string(c.entry * 1e15) + "e-15";
+            EXPECT_EQ(full, c.full) << text;
+            EXPECT_EQ(s->WideProof != 0, c.wide) << text;
+            EXPECT_EQ(s->NearFarkas.Exact, c.near_exact) << text;
+            EXPECT_EQ(s->NearFarkas.Wide, c.near_wide) << text;
+        }
+}
+
+TEST_F(Proof, multipliers_are_solved_for_again_and_kept_with_the_sign_of_the_proof)
+{
+    for (const double multiplier : {1 + 1e-7, -1 + 1e-7}) {
+        ASSERT_TRUE(refuted(far_point(0.01, 0), multiplier));
+        EXPECT_EQ(model->simplex->Proof, PROOF_FARKAS);
+        EXPECT_EQ(model->simplex->ProofVector[0], 1) << multiplier; // of -x <= -1
+    }
+}
+
+TEST_F(Proof, a_ray_gains_and_meets_nothing)
+{
+    EXPECT_TRUE(unbounded(far_end(-1, -1, 1)));
+    EXPECT_TRUE(unbounded(far_end(-1, 0, 1)));
+    EXPECT_FALSE(unbounded(far_end(1, -1, 1))) << "it costs";
+    EXPECT_FALSE(unbounded(far_end(0, -1, 1))) << "it gains nothing";
+    EXPECT_FALSE(unbounded(far_end(-1, 1e-12, 1))) << "the row blocks";
+    EXPECT_FALSE(unbounded(far_end(-1, 1, LP_INFINITY))) << "the row blocks x alone";
+}
+
+// The factors are those of other numbers, as after many updates: solving again mends little, and sees much.
+TEST_F(Proof, a_ray_by_wrong_factors_is_mended_or_refused)
+{
+    for (const double wrong : {1.0, 1 + 1e-6, 3.0}) {
+        LpModel lp; // min -x - y, x = 2 y, both basic or at a bound
+        lp_add_var(&lp, -1, 0, LP_INFINITY);
+        lp_add_var(&lp, -1, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, -2}}, '=', 0);
+        load(lp);
+        for (const char *name : {"Presolve", "ScaleFlag"})
+            ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(integer("Status"), TVX_UNBOUNDED);
+        sopt *s = model->simplex;
+        const int basic = s->BasisHead[0];
+        ASSERT_LT(basic, 2);
+        ASSERT_EQ(s->Double->Lu.NumUpdates, 0);
+        s->Double->Lu.UDiag[0] *= wrong;
+        EXPECT_EQ(proves_unbounded(s, s->Double, 1 - basic, 1), wrong < 2) << wrong;
+    }
+}

@@ -1,0 +1,83 @@
+// stall_test.cpp -- the remedies of a run that does not get on: their order, when they come, and that they end
+#include "simplex/primal.h"
+#include "support/model_test.h"
+#include <gtest/gtest.h>
+
+namespace
+{
+struct Stall : ModelTest {
+    sopt *s = nullptr;
+
+    // A run that has factored often.
+    void begin(int method, int phase1)
+    {
+        LpModel lp;
+        lp_add_var(&lp, 1, 0, 9);
+        lp_add_row_entries(&lp, {{0, 1}}, '>', 1);
+        load(lp);
+        for (const char *name : {"Presolve", "ScaleFlag"})
+            ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);
+        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        s = model->simplex;
+        s->Method = method;
+        s->PerturbAllowed = 1;
+        s->NumFactor = 1000;
+        if (s->Double->Primal) s->Double->Primal->Phase1 = phase1 != 0;
+        s->Stall = StallGuard{};
+        stall_reset(s);
+    }
+    // The remedies that looks bring until the run is given up, `pivots` apart; `better`: each look finds progress.
+    std::vector<StallRemedy> remedies(double pivots, bool better)
+    {
+        std::vector<StallRemedy> found;
+        for (int look = 0; look < 2000; look++) {
+            s->Status = SIMPLEX_RUNNING;
+            s->NPvt += pivots;
+            if (better)
+                for (double &best : s->Stall.Best) best = INFINITE_BOUND;
+            const StallRemedy remedy = stall_look(s, s->Double);
+            if (remedy == STALL_NONE) continue;
+            found.push_back(remedy);
+            if (remedy == STALL_END) break;
+            EXPECT_NE(s->Status, SIMPLEX_NUMERIC);
+        }
+        EXPECT_EQ(s->Status, SIMPLEX_NUMERIC) << "it goes on for ever";
+        return found;
+    }
+};
+const std::vector<StallRemedy> OF_DUAL = {STALL_PERTURB, STALL_SWITCH, STALL_LONGER,
+                                          STALL_STRICT, STALL_END};
+constexpr double FEW = 0, SOME = 20; // pivots between factorisations
+} // namespace
+
+TEST_F(Stall, every_remedy_is_taken_once_and_then_the_run_ends)
+{
+    for (const double pivots : {FEW, SOME}) {
+        begin(METHOD_DUAL, 0);
+        EXPECT_EQ(remedies(pivots, false), OF_DUAL);
+        begin(METHOD_PRIMAL, 0);
+        EXPECT_EQ(remedies(pivots, false), OF_DUAL);
+        begin(METHOD_PRIMAL, 1);
+        s->Double->Primal->CostWeight = 1;
+        std::vector<StallRemedy> all = OF_DUAL;
+        all.insert(all.begin(), STALL_COSTS);
+        EXPECT_EQ(remedies(pivots, false), all);
+    }
+}
+
+TEST_F(Stall, remedies_that_are_not_allowed_are_passed_over)
+{
+    begin(METHOD_DUAL, 0);
+    s->PerturbAllowed = 0;
+    ASSERT_EQ(TVXsetintparam(own(), "Quad", 0), 0);
+    EXPECT_EQ(remedies(SOME, false),
+              (std::vector<StallRemedy>{STALL_SWITCH, STALL_STRICT, STALL_END}));
+}
+
+TEST_F(Stall, progress_that_never_ends_is_none)
+{
+    begin(METHOD_DUAL, 0);
+    EXPECT_EQ(remedies(SOME, true), OF_DUAL);
+    EXPECT_GT(s->NPvt, 5000) << "a run that gets on is left alone for long";
+}
