@@ -364,6 +364,13 @@ bool has_free_nonbasics(const sopt *s)
     return false;
 }
 
+// Where reduced costs are zero either side of the box is right, but only one is where the last run had come to.
+void place_as_stopped(sopt *s)
+{
+    for (int j = 0; j < s->StoppedUpper.size; j++)
+        if (s->StoppedUpper.data[j] && !is_basic(s, j)) s->VStat.data[j] = AT_UPPER;
+}
+
 // Prepares costs, bounds and phase for the basis at hand.
 template<class R> int setup(sopt *s, swork<R> *w)
 {
@@ -377,7 +384,8 @@ template<class R> int setup(sopt *s, swork<R> *w)
     const bool goes_on = sopt_take_up_stop(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (!goes_on && has_free_nonbasics(s)) { // the box problem may have taken some out again
+    if (!goes_on &&
+        has_free_nonbasics(s)) { // the box problem may have taken some out again
         compute_dual(s, w);
         TRY(dual_enter_free(s, w));
         if (s->Status != SIMPLEX_RUNNING) return 0;
@@ -392,6 +400,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
         dual_perturb_start(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);
+    if (s->BoxPhase && goes_on) place_as_stopped(s);
     s->RefacReason = REFAC_START;
     return 0;
 }

@@ -151,12 +151,17 @@ void sopt_take_cutoff(sopt *s)
 int sopt_keep_stop(sopt *s)
 {
     array_free(&s->StoppedShift);
+    array_free(&s->StoppedUpper);
     s->Stopped = s->Status == SIMPLEX_ITERATION_LIMIT || s->Status == SIMPLEX_TIME_LIMIT ||
                  s->Status == SIMPLEX_INTERRUPTED;
     s->StoppedMethod = s->Method;
     s->StoppedPerturb = s->PerturbAllowed;
-    if (!s->Stopped || !s->Perturbed) return 0;
     const int nv = s->NumVars;
+    if (s->Stopped && s->BoxPhase) {
+        TRY(array_resize(&s->StoppedUpper, nv));
+        for (int j = 0; j < nv; j++) s->StoppedUpper.data[j] = s->VStat.data[j] == AT_UPPER;
+    }
+    if (!s->Stopped || !s->Perturbed) return 0;
     const bool dual = s->Method == METHOD_DUAL;
     TRY(array_assign(&s->StoppedShift, dual ? nv : 2 * int64_t{nv}, 0.0));
     double *shift = s->StoppedShift.data;

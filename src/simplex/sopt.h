@@ -193,6 +193,7 @@ struct sopt {
     int StoppedPerturb = 0;                 // PerturbAllowed
     // Empty, or what was added to the costs [NumVars] (dual), to lower and then upper bounds [2 NumVars] (primal).
     Array<double> StoppedShift;
+    Array<char> StoppedUpper; // [NumVars] or empty: nonbasics at the upper side of their box in phase 1 of the dual
     double PerturbCur = 0; // working size of perturbations
     double DegenCount = 0; // degenerate iterations
     // DegenCount and NPvt at the last test for a stall.

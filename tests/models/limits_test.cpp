@@ -197,6 +197,44 @@ TEST(Limits, a_solve_arrives_in_steps_of_one_iteration)
         }
 }
 
+// A few rows, many free columns: optima, rays and contradictions after some steps of the box problem.
+static LpModel make_free(Dice *dice)
+{
+    LpModel lp;
+    const int columns = dice->range(2, 5), rows = dice->range(1, 4);
+    for (int j = 0; j < columns; j++)
+        lp_add_var(&lp, dice->range(-4, 4), dice->chance(40) ? -LP_INFINITY : 0,
+                   LP_INFINITY);
+    for (int i = 0; i < rows; i++) {
+        std::vector<std::pair<int, double>> row;
+        for (int j = 0; j < columns; j++)
+            if (const int a = dice->range(-3, 3)) row.push_back({j, a});
+        lp_add_row_entries(&lp, row, "<>="[dice->range(0, 2)], dice -> range(-4, 6));
+    }
+    return lp;
+}
+
+TEST(Limits, short_runs_arrive_whatever_the_end_is)
+{
+    const TestEnv env;
+    for (uint64_t seed = 0; seed < 600; seed++)
+        for (const Settings &road : direct_roads) {
+            Dice dice(seed);
+            const LpModel lp = make_free(&dice);
+            const TestModel model(lp_load(env.env, &lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+            LpSolution whole, last;
+            ASSERT_EQ(lp_solve(model, &whole), 0);
+            ASSERT_EQ(TVXresetmodel(model), 0);
+            ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1), 0);
+            for (int calls = 0; calls < 100; calls++) {
+                ASSERT_EQ(lp_solve(model, &last), 0);
+                if (last.status != TVX_ITERATION_LIMIT) break;
+            }
+            ASSERT_EQ(last.status, whole.status) << seed << "\n" << settings_text(road);
+        }
+}
+
 // The reduced model is solved, and the basis that comes back from it is not optimal yet.
 TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
 {
