@@ -10,8 +10,8 @@
 //             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
 //             size are proof enough.
 // Invariant   A limit ends the attempts. The best point so far is kept; its status stands if it is sure but for rounding,
-//             else the limit does, and the next solve goes on from the point. When that gets no further within its own
-//             limit the best answer stands after all, so that repeated calls come to an end.
+//             else the limit does, and the next solve goes on from the point. When that one finds no surer answer within
+//             its own limit the best one stands after all, so that repeated calls come to an end.
 // Cost        Where the first answer is sure, the measures that the closing lines need anyway.
 #include "frame/lp_secure.h"
 #include "frame/attributes.h"
@@ -60,8 +60,9 @@ constexpr double GROSS_EXCESS =
 // Answers, best first.
 enum class Grade {
     SURE,
-    ROUNDED, // as SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a
-             // visible part of the objective
+    // As SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a visible
+    // part of the objective.
+    ROUNDED,
     NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
     UNSURE, // optimal at a point that violates tolerances, or a proved ray without a feasible point
     NONE
@@ -82,8 +83,9 @@ struct Best {
     Answer answer;
     sopt *record = nullptr; // that holds it, while it is not the live one; owned
     int status = TVX_NUMERIC;
-    bool moved = true; // the first run made iterations
-    FarkasReach near;  // of all runs
+    // Begun where a limit had stopped the last search, and the first run brought no iteration.
+    bool repeated = false;
+    FarkasReach near; // of all runs
     ~Best() { simplex_free(record); }
 };
 
@@ -169,14 +171,6 @@ int note(TVXmodel *model, Best *best)
     return 0;
 }
 
-// What a run of the simplex leaves: numeric trouble is an outcome, not an error.
-int outcome(TVXmodel *model, int code)
-{
-    if (code != TVX_ERROR_NUMERIC) return code;
-    model->status = TVX_NUMERIC;
-    return 0;
-}
-
 bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
@@ -202,7 +196,6 @@ SimplexTuning tuning_of(const TVXenv *env, const Way &way)
 // The live record makes room for the next one: it is kept when it holds the best answer.
 void set_aside(TVXmodel *model, Best *best)
 {
-    if (!model->simplex) return;
     model->lp_result->itercount = simplex_iterations(model->simplex);
     model->node_count += simplex_take_work(model->simplex);
     if (best->answer.grade != Grade::NONE && !best->record)
@@ -224,9 +217,8 @@ int try_way(TVXmodel *model, const Way &way, int method, Best *best)
     }
     set_aside(model, best);
     model->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
-    TRY(outcome(model,
-                SimplexRepeat(model, method, basis.data, tuning_of(model->env, way))));
-    return model->simplex ? note(model, best) : 0;
+    TRY(SimplexRepeat(model, method, basis.data, tuning_of(model->env, way)));
+    return note(model, best);
 }
 
 // Rounding cannot always be helped: beyond the first of the ways it is tried where that costs next to nothing.
@@ -241,8 +233,7 @@ bool is_good_enough(const TVXmodel *model, const Best &best, int tried)
 bool is_spent(const TVXmodel *model, const Best &best, double first_iterations)
 {
     if (best.answer.grade == Grade::NONE || model->body->numnz <= SMALL_MODEL) return false;
-    const double now =
-        model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
+    const double now = simplex_iterations(model->simplex);
     return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
 }
 
@@ -264,28 +255,26 @@ bool proved_near_enough(const Best &best)
 int settle(TVXmodel *model, Best *best)
 {
     const int limit = is_limit(model->status) ? model->status : 0;
-    const double iterations =
-        model->simplex ? simplex_iterations(model->simplex) : model->lp_result->itercount;
-    if (model->simplex && !limit && proved_near_enough(*best)) {
+    const double iterations = simplex_iterations(model->simplex);
+    if (!limit && proved_near_enough(*best)) {
         simplex_declare(model, TVX_INFEASIBLE);
         model->lp_result->quality = Quality{};
         return 0;
     }
-    if (best->answer.grade == Grade::NONE && model->simplex &&
-        model->status == TVX_OPTIMAL) {
+    if (best->answer.grade == Grade::NONE && model->status == TVX_OPTIMAL) {
         simplex_declare(model, TVX_NUMERIC);
         model->lp_result->quality = Quality{};
     }
     const bool restored = best->record != nullptr;
     if (restored) {
-        if (model->simplex) model->node_count += simplex_take_work(model->simplex);
+        model->node_count += simplex_take_work(model->simplex);
         simplex_free(model->simplex);
         model->simplex = best->record;
         best->record = nullptr;
         simplex_count_on(model->simplex, iterations);
         model->status = best->status;
     }
-    if (restored && limit && best->moved && !is_final(best->answer)) {
+    if (restored && limit && !best->repeated && !is_final(best->answer)) {
         simplex_declare(model, limit);
         return look_as_caller(model, &best->answer);
     }
@@ -298,12 +287,12 @@ int settle(TVXmodel *model, Best *best)
 
 int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
 {
-    TRY(outcome(model, lp_run(model, model, method, statuses)));
-    if (!model->simplex) return 0;
+    const bool stopped = model->simplex && is_limit(simplex_status(model->simplex));
+    TRY(lp_run(model, model, method, statuses));
     const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
     const double first_iterations = simplex_iterations(model->simplex);
     Best best;
-    best.moved = first_iterations > 0;
+    best.repeated = stopped && first_iterations == 0;
     TRY(note(model, &best));
     if (!is_good_enough(model, best, 0) && !is_limit(model->status))
         TVXmsg(model->env,

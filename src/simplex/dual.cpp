@@ -384,8 +384,8 @@ template<class R> int setup(sopt *s, swork<R> *w)
     const bool goes_on = sopt_take_up_stop(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    if (!goes_on &&
-        has_free_nonbasics(s)) { // the box problem may have taken some out again
+    // A run that goes on may be in the box problem, which takes free variables out again.
+    if (!goes_on && has_free_nonbasics(s)) {
         compute_dual(s, w);
         TRY(dual_enter_free(s, w));
         if (s->Status != SIMPLEX_RUNNING) return 0;

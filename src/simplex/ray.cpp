@@ -16,7 +16,8 @@
 namespace
 {
 constexpr int REFINEMENTS = 2;
-constexpr long double ENTRY_ROUNDING = 1e-14L;    // of a term of a row, against the sum of its terms
+constexpr long double ENTRY_ROUNDING =
+    1e-14L; // of a term of a row, against the sum of its terms
 constexpr long double RESIDUAL_ROUNDING = 1e-15L; // of a row, against the sum of its terms
 constexpr long double COST_ROUNDING = 1e-13L;     // of the objective, likewise
 

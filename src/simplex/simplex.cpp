@@ -207,6 +207,8 @@ int solve(sopt *s)
             TRY(sopt_keep_stop(s));
         }
         finish_live(s);
+    } else {
+        s->Stopped = 0;
     }
     const bool look = s->Env->TARV_PAR_UNSCALEDVIO != 0;
     return s->Status == SIMPLEX_OPTIMAL && look ? polish(s) : 0;
@@ -251,9 +253,7 @@ int prepare_basis(TVXmodel *model, const Start &start, bool *from_slacks)
             TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
     }
     if (*from_slacks) start_slack_basis(s);
-    if (*from_slacks || start.vstat_cols) {
-        s->Stopped = 0;
-    }
+    if (*from_slacks || start.vstat_cols) s->Stopped = 0;
     row_copy_partition(s);
     return 0;
 }
@@ -287,7 +287,7 @@ int optimize(TVXmodel *model, int method, const Start &start, const SimplexTunin
     TRY(prepare_basis(model, start, &from_slacks));
     if (start.x) start_from_point(s, start.x, start.slack);
     s->Method = choose_method(model, method);
-    if (s->AskedMethod != method || s->Method != s->StoppedMethod) s->Stopped = 0;
+    if (s->AskedMethod != method) s->Stopped = 0;
     s->AskedMethod = method;
     s->MethodByStart = method == METHOD_BY_START && s->Superbasics == 0;
     if (from_slacks && (s->Method == METHOD_DUAL || !start.x)) {

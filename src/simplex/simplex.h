@@ -56,9 +56,10 @@ struct SimplexAssessment {
     double Excess = 0; // UNSURE: largest violation over its tolerance
     // Optimal: what violations may stand for in the objective, over what users would see of it.
     double Worth = 0;
-    double Moved = 0;  // optimal, of a widened run: share of the objective that the wider rows and bounds may have brought
+    double Moved =
+        0; // optimal, of a widened run: share of the objective that the wider rows and bounds may have brought
     bool ByRay = false; // unbounded along a ray, not by bounds at infinity
-    FarkasReach Near; // of the run
+    FarkasReach Near;   // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
 // What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h).

@@ -179,8 +179,9 @@ int sopt_keep_stop(sopt *s)
 
 bool sopt_take_up_stop(sopt *s)
 {
-    if (!s->Stopped) return false;
+    const bool goes_on = s->Stopped && s->Method == s->StoppedMethod;
     s->Stopped = 0;
+    if (!goes_on) return false;
     s->PerturbAllowed = s->StoppedPerturb;
     if (s->StoppedShift.size == 0) return true;
     const int nv = s->NumVars;

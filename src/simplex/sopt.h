@@ -61,7 +61,7 @@ enum StallRemedy {
 struct StallGuard {
     double Best[STALL_PHASES]; // least value of each phase since the last remedy
     int Looks = 0;             // of this run; each refresh of factors and values is one
-    int Factors = 0;           // looks without a better one
+    int IdleLooks = 0;         // looks without a better one
     double Iter = 0;           // NPvt when they began
     double Begin = 0;          // NPvt at the last remedy
     int Passes = 0;            // of the loop since the last factorisation: flips need none
@@ -193,7 +193,8 @@ struct sopt {
     int StoppedPerturb = 0;                 // PerturbAllowed
     // Empty, or what was added to the costs [NumVars] (dual), to lower and then upper bounds [2 NumVars] (primal).
     Array<double> StoppedShift;
-    Array<char> StoppedUpper; // [NumVars] or empty: nonbasics at the upper side of their box in phase 1 of the dual
+    // [NumVars] or empty: nonbasics at the upper side of their box in phase 1 of the dual.
+    Array<char> StoppedUpper;
     double PerturbCur = 0; // working size of perturbations
     double DegenCount = 0; // degenerate iterations
     // DegenCount and NPvt at the last test for a stall.
@@ -321,9 +322,11 @@ template<class R> inline R noise_share(const swork<R> *w)
 [[nodiscard]] int sopt_create(TVXmodel *model, const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
-[[nodiscard]] int sopt_keep_stop(sopt *s); // Stopped and what follows it, at the end of a run
-bool sopt_take_up_stop(sopt *s);           // the first method goes on with it; false: begins anew
-void sopt_take_cutoff(sopt *s);                    // Cutoff from the parameter
+// Stopped and what follows it, at the end of a run. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int sopt_keep_stop(sopt *s);
+// The first method of a run goes on from there; false: it begins anew.
+bool sopt_take_up_stop(sopt *s);
+void sopt_take_cutoff(sopt *s); // Cutoff from the parameter
 int update_limit(const sopt *s,
                  double power);  // updates between factorisations: m^power, at least 20
 void sopt_check_bounds(sopt *s); // sets Status 3 or 5 and BadVar on crossed bounds

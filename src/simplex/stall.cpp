@@ -19,10 +19,10 @@ constexpr int LOOK_PERIOD = 3; // looks from one comparison to the next
 // Nothing is compared before so many looks or iterations (in numbers of variables): most runs have ended by then.
 constexpr int FIRST_LOOKS = 30;
 constexpr double FIRST_ROUNDS = 0.5;
-constexpr int STALL_FACTORS = 10;  // looks without progress
+constexpr int STALL_LOOKS = 10;    // looks without progress
 constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
 constexpr double STALL_LEAST = 30; // plus these
-constexpr int STUCK_FACTORS = 50;  // looks without progress and with hardly a pivot
+constexpr int STUCK_LOOKS = 50;    // looks without progress and with hardly a pivot
 constexpr double STUCK_PIVOTS = 2; // in each
 // Iterations since the last remedy, in numbers of variables, after which progress counts no more: costs that are
 // shifted again and again look like progress.
@@ -77,7 +77,7 @@ bool applies(const sopt *s, const swork<R> *w, StallPhase phase, StallRemedy rem
 
 void begin(sopt *s)
 {
-    s->Stall.Factors = 0;
+    s->Stall.IdleLooks = 0;
     s->Stall.Iter = s->NPvt;
 }
 } // namespace
@@ -95,8 +95,8 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     // Refreshes count, not factorisations: a run without pivots makes none.
     g->Looks++;
     if (g->Looks < FIRST_LOOKS && s->NPvt < FIRST_ROUNDS * s->NumVars) return STALL_NONE;
-    g->Factors++;
-    if (!endless && g->Factors % LOOK_PERIOD != 0) return STALL_NONE;
+    g->IdleLooks++;
+    if (!endless && g->IdleLooks % LOOK_PERIOD != 0) return STALL_NONE;
     const StallPhase phase = phase_of(s, w);
     const double value = phase_value(s, w, phase);
     double *best = &g->Best[phase];
@@ -107,8 +107,8 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
         return STALL_NONE;
     }
     const bool stalled =
-        g->Factors >= STALL_FACTORS && since >= STALL_ROUNDS * s->NumVars + STALL_LEAST;
-    const bool stuck = g->Factors >= STUCK_FACTORS && since < STUCK_PIVOTS * g->Factors;
+        g->IdleLooks >= STALL_LOOKS && since >= STALL_ROUNDS * s->NumVars + STALL_LEAST;
+    const bool stuck = g->IdleLooks >= STUCK_LOOKS && since < STUCK_PIVOTS * g->IdleLooks;
     if (!stalled && !stuck && !endless) return STALL_NONE;
     stall_reset(s);
     g->Begin = s->NPvt;

@@ -268,6 +268,41 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
     EXPECT_GT(stopped, 0);
 }
 
+// A bound of -9.9e19 leads the first run to a point that misses a row by 10; others are looked for, and a limit may come
+// in between.
+TEST(Limits, an_unsure_answer_is_not_final)
+{
+    LpModel lp;
+    const double obj[] = {6, 6, 1, -5, -5, -3, -1, 6, -1, -3},
+                 lb[] = {0, 0, -2, -5, -1, -LP_INFINITY, -LP_INFINITY, -4, -9.9e19, -4},
+                 ub[] = {LP_INFINITY, 1, LP_INFINITY, 5, -1, 0, LP_INFINITY, 7, 1e15, 1};
+    for (int j = 0; j < 10; j++) lp_add_var(&lp, obj[j], lb[j], ub[j]);
+    lp_add_row_entries(&lp, {{3, -1}, {7, 2}, {9, -3}}, '<', 14);
+    lp_add_row_entries(&lp, {{0, -3}, {2, -5}, {3, 4}, {5, 3}, {6, -2}, {8, 2}}, '<', -13);
+    lp_add_row_entries(&lp, {{1, 2}, {2, -8}, {3, -3}, {4, 2}, {6, -3}, {8, -3}, {9, -3}},
+                       '=', -13);
+    const TestEnv env;
+    const TestModel model(lp_load(env.env, &lp));
+    const Settings road = {
+        {"LPMethod", 0}, {"ScaleFlag", 0}, {"PreDual", 0}, {"Presolve", 2}};
+    ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+    LpSolution whole, last;
+    ASSERT_EQ(lp_solve(model, &whole), 0);
+    ASSERT_EQ(judge_optimal(&lp, &whole), "");
+    int limited = 0;
+    for (double limit = 0; limit < whole.iterations; limit++) {
+        ASSERT_EQ(TVXresetmodel(model), 0);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", limit), 0);
+        ASSERT_EQ(lp_solve(model, &last), 0);
+        limited += last.status == TVX_ITERATION_LIMIT;
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
+        ASSERT_EQ(lp_solve(model, &last), 0);
+        EXPECT_EQ(judge_optimal(&lp, &last), "") << limit;
+        EXPECT_NEAR(last.objval, whole.objval, 1e-6) << limit;
+    }
+    EXPECT_EQ(limited, whole.iterations);
+}
+
 struct StopAt {
     int call = 0, stop = 0; // calls of the function so far; the one that stops the solve
 };
