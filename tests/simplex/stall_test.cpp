@@ -8,7 +8,7 @@ namespace
 struct Stall : ModelTest {
     sopt *s = nullptr;
 
-    // A run that has factored often.
+    // A run that has not pivoted yet.
     void begin(int method, int phase1)
     {
         LpModel lp;
@@ -22,7 +22,7 @@ struct Stall : ModelTest {
         s = model->simplex;
         s->Method = method;
         s->PerturbAllowed = 1;
-        s->NumFactor = 1000;
+        s->NPvt = s->NumFactor = 0;
         if (s->Double->Primal) s->Double->Primal->Phase1 = phase1 != 0;
         s->Stall = StallGuard{};
         stall_reset(s);
