@@ -83,10 +83,11 @@ TwofoldSum column_sum(const ModelBody *body, double infinity, const double *y, d
                       int j)
 {
     TwofoldSum g;
-    for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++) {
-        const int i = body->vind[p];
-        double v = unit * y[i];
-        if (v == 0 || !usable_multiplier(body, infinity, i, &v) || v == 0) continue;
+    const int *row = body->vind.data;
+    for (int p = body->vbeg[j], end = p + body->vlen[j]; p < end; p++) {
+        if (y[row[p]] == 0) continue; // most are: a proof has few rows
+        double v = unit * y[row[p]];
+        if (!usable_multiplier(body, infinity, row[p], &v) || v == 0) continue;
         g.add(two_product(v, body->vval[p]));
     }
     return g;

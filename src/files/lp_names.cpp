@@ -2,7 +2,8 @@
 //
 // Names       Any printable characters but blanks, the signs + - * < > = : ^ and the backslash; UTF-8 too. A name does
 //             not begin with a digit, a point, a bracket, a comma or a semicolon, and does not end in one of the last
-//             two: "3(x+y);" or "x, y" of other languages must not be read as names by accident.
+//             two: "3(x+y);" or "x, y" of other languages must not be read as names by accident. For the same reason
+//             blanks and dashes of Unicode are refused: "2 x" with a no-break space would be a new variable.
 #include "files/lp_names.h"
 #include <algorithm>
 #include <array>
@@ -160,6 +161,25 @@ const char *lp_second_word(TextSpan first, const char *stop)
     return span_is_word({p, end}, subject ? "TO" : "THAT") ? end : nullptr;
 }
 
+bool lp_has_foreign_sign(TextSpan text)
+{
+    static constexpr unsigned char ASCII_END = 0x80;
+    static constexpr const char *signs[] = {
+        "\u00a0", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005",
+        "\u2006", "\u2007", "\u2008", "\u2009", "\u200a", "\u200b", "\u202f",
+        "\u205f", "\u3000",                                                    // blanks
+        "\u2010", "\u2011", "\u2012", "\u2013", "\u2014", "\u2015", "\u2212"}; // dashes
+    for (const char *p = text.begin; p < text.end; p++) {
+        if (static_cast<unsigned char>(*p) < ASCII_END) continue;
+        for (const char *sign : signs) {
+            const auto length = static_cast<int64_t>(strlen(sign));
+            if (text.end - p >= length && memcmp(p, sign, static_cast<size_t>(length)) == 0)
+                return true;
+        }
+    }
+    return false;
+}
+
 bool lp_is_name(const char *text)
 {
     if (lp_class(*text) != LpClass::LETTER) return false;
@@ -167,6 +187,6 @@ bool lp_is_name(const char *text)
     while (lp_in_name(*end)) end++;
     if (*end || end[-1] == ',' || end[-1] == ';') return false;
     const TextSpan name = {text, end};
-    return lp_word(name) == LpWord::NONE && !span_is_word(name, "SUBJECT") &&
-           !span_is_word(name, "SUCH");
+    return lp_word(name) == LpWord::NONE && !lp_has_foreign_sign(name) &&
+           !span_is_word(name, "SUBJECT") && !span_is_word(name, "SUCH");
 }

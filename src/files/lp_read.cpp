@@ -6,7 +6,7 @@
 //             end of the file closes it.
 // Cost        One pass over the text, then a counting sort of the entries into columns.
 #include "files/files.h"
-#include "files/lp_reader.h"
+#include "files/lp_names.h"
 #include "frame/env.h"
 #include "frame/runtime/text_number.h"
 #include <climits>
@@ -26,6 +26,7 @@ int lp_stop(LpReader *reader, TextSpan at, const char *format, ...)
 // What is wrong with a token that cannot stand anywhere.
 static const char *odd_reason(TextSpan text)
 {
+    if (lp_has_foreign_sign(text)) return "a blank or dash that is not the one of ASCII";
     switch (*text.begin) {
     case '^':
     case '[':

@@ -6,6 +6,7 @@
 // Cost        One pass; looking ahead goes to the end of a word or line, at most once for each word or constraint.
 #include "files/lp_names.h"
 #include "frame/runtime/text_number.h"
+#include <algorithm>
 #include <cstring>
 
 static bool is_compared(char c)
@@ -49,10 +50,11 @@ static void take_name(LpReader *reader)
 {
     LpToken *token = &reader->token;
     const char *end = token->text.begin;
-    while (lp_in_name(*end)) end++;
+    signed char least = 0; // negative where a byte is beyond ASCII
+    for (; lp_in_name(*end); end++) least = std::min(least, static_cast<signed char>(*end));
     token->text.end = end;
-    const bool odd =
-        lp_class(*token->text.begin) != LpClass::LETTER || end[-1] == ',' || end[-1] == ';';
+    const bool odd = lp_class(*token->text.begin) != LpClass::LETTER || end[-1] == ',' ||
+                     end[-1] == ';' || (least < 0 && lp_has_foreign_sign(token->text));
     token->kind = odd ? LpKind::ODD : LpKind::NAME;
     if (odd) return;
     token->word = lp_word(token->text);

@@ -188,6 +188,8 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min 3 * x * y", "column 13: 'y': a product of two variables"},
         {"min x^2", "column 6: '^': quadratic"},
         {"min x + [ x * y ] / 2", "column 9: '[': quadratic"},
+        {"min 2\u00a0x", "a blank or dash that is not"},
+        {"min 2 x \u2212 y", "column 9: '\u2212': a blank or dash that is not"},
         {"min 3 (x + y)", "column 7: '(x': brackets"},
         {"max: 3x+2y;", "column 10: 'y;'"},
         {"min x\nst\n \xc3\xa9: x +\n <= 2", "line 4, column 2: '<=': a number or a name"},

@@ -156,6 +156,14 @@ TEST(Limits, a_solve_in_many_legs_arrives)
     });
 }
 
+// From nothing, stopped after `limit` iterations; the limit stays.
+static void solve_anew(TVXmodel *model, double limit, LpSolution *solution)
+{
+    ASSERT_EQ(TVXresetmodel(model), 0);
+    ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", limit), 0);
+    ASSERT_EQ(lp_solve(model, solution), 0);
+}
+
 // Settings with presolve, by either method and on the dual form.
 static const Settings roads[] = {
     {{"Presolve", -1}},
@@ -195,6 +203,29 @@ TEST(Limits, a_solve_arrives_in_steps_of_one_iteration)
             EXPECT_NEAR(last.objval, whole.objval, 1e-6 * (1 + std::fabs(whole.objval)));
             EXPECT_EQ(judge_optimal(&lp, &last), "");
         }
+}
+
+// Else each call would start from the costs without perturbation, and undo what the one before had done.
+TEST(Limits, a_stopped_run_keeps_its_perturbation)
+{
+    const TestEnv env;
+    Dice dice(7);
+    const LpModel lp = gen_assignment(&dice, 500).lp;
+    for (const Settings &road : direct_roads) {
+        SCOPED_TRACE(settings_text(road));
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
+        LpSolution whole, last;
+        ASSERT_EQ(lp_solve(model, &whole), 0);
+        ASSERT_EQ(TVXresetmodel(model), 0);
+        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 20), 0);
+        double steps = 0;
+        do {
+            ASSERT_EQ(lp_solve(model, &last), 0);
+            steps += last.iterations;
+        } while (last.status == TVX_ITERATION_LIMIT && steps < 2 * whole.iterations);
+        EXPECT_EQ(last.status, TVX_OPTIMAL) << steps << " of " << whole.iterations;
+    }
 }
 
 // A few rows, many free columns: optima, rays and contradictions after some steps of the box problem.
@@ -252,11 +283,7 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
             if (whole.status != TVX_OPTIMAL ||
                 whole.iterations <= model.model->lp_result->reduced_itercount)
                 continue;
-            ASSERT_EQ(TVXresetmodel(model), 0);
-            ASSERT_EQ(
-                TVXsetdblparam(TVXgetenv(model), "IterationLimit", whole.iterations - 1),
-                0);
-            ASSERT_EQ(lp_solve(model, &last), 0);
+            solve_anew(model, whole.iterations - 1, &last);
             stopped += last.status == TVX_ITERATION_LIMIT && !lp_can_resume(model);
             ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1), 0);
             for (int call = 0; call < 50 && last.status == TVX_ITERATION_LIMIT; call++)
@@ -291,9 +318,7 @@ TEST(Limits, an_unsure_answer_is_not_final)
     ASSERT_EQ(judge_optimal(&lp, &whole), "");
     int limited = 0;
     for (double limit = 0; limit < whole.iterations; limit++) {
-        ASSERT_EQ(TVXresetmodel(model), 0);
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", limit), 0);
-        ASSERT_EQ(lp_solve(model, &last), 0);
+        solve_anew(model, limit, &last);
         limited += last.status == TVX_ITERATION_LIMIT;
         ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
         ASSERT_EQ(lp_solve(model, &last), 0);
@@ -352,9 +377,7 @@ TEST(Limits, the_way_back_from_presolve_is_gone_on_from)
         LpSolution whole, last;
         ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
         ASSERT_EQ(lp_solve(model, &whole), 0);
-        ASSERT_EQ(TVXresetmodel(model), 0);
-        ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 5), 0);
-        ASSERT_EQ(lp_solve(model, &last), 0);
+        solve_anew(model, 5, &last);
         ASSERT_TRUE(lp_can_resume(model));
         ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
         TVXmodel *form = model.model->dual_form ? model.model->dual_form : model.model;
