@@ -7,8 +7,8 @@
 //
 // The way back starts from made-up values of the reduced model: its cost does not depend on them. Times are those of
 // the processor; `late` is what the solve still used of it after the limit, so that a busy machine does not count.
-#include "frame/model.h"
 #include "growth_families.h"
+#include "model/model.h"
 #include "presolve/presolve.h"
 #include <algorithm>
 #include <atomic>

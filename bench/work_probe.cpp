@@ -7,7 +7,7 @@
 // log's. Of the iterations, clean_up are those after the way back from a reduced model. Of an optimum the worst
 // violations of the model as it was read are told, and whether the basis is one (as many basic entries as rows).
 // Exit code 0, or 1 with a line on standard error.
-#include "frame/model.h"
+#include "model/model.h"
 #include "simplex/simplex.h"
 #include "tarvex.h"
 #include <cmath>

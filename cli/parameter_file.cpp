@@ -5,8 +5,8 @@
 // Method      The same form (a name and a value on each line, '#' begins a comment), every line set like Name=Value;
 //             the first one that is wrong ends it, with its number.
 #include "parameter_file.h"
-#include "frame/runtime/file.h"
 #include "parameters.h"
+#include "runtime/file.h"
 #include <sstream>
 #include <vector>
 

@@ -1,7 +1,7 @@
 // solve.cpp -- one model from file to answer
 #include "solve.h"
 #include "arguments.h"
-#include "frame/runtime/file.h"
+#include "runtime/file.h"
 #include <charconv>
 #include <cstdio>
 #include <memory>

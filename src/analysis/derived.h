@@ -2,7 +2,7 @@
 //
 // Each of them copies its model under a new name and changes the copy. The source stays as it is.
 #pragma once
-#include "frame/model.h"
+#include "model/model.h"
 
 // Changes the copy. 0 or a code, with a text where there is a specific one.
 using Derivation = int (*)(TVXmodel *source, TVXmodel *copy);

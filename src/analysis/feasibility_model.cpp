@@ -8,9 +8,9 @@
 // Literature  G. B. Dantzig, "Linear Programming and Extensions", Princeton 1963, ch. 5 (phase one).
 //             J. W. Chinneck, "Feasibility and Infeasibility in Optimization", Springer 2008, ch. 6 (elastic programs).
 #include "analysis/derived.h"
-#include "frame/model_store.h"
-#include "frame/parameters.h"
-#include "frame/row_kind.h"
+#include "body/row_kind.h"
+#include "env/parameters.h"
+#include "model/model_store.h"
 
 namespace
 {

@@ -12,10 +12,10 @@
 // Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
 //             Princeton 1956 (the optimal face).
 #include "analysis/derived.h"
-#include "frame/model_store.h"
-#include "frame/quality.h"
-#include "frame/signs.h"
-#include "frame/solution.h"
+#include "attributes/solution.h"
+#include "body/quality.h"
+#include "body/signs.h"
+#include "model/model_store.h"
 #include <cmath>
 
 namespace

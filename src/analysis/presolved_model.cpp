@@ -3,12 +3,12 @@
 // The model's own presolve record, from which a solve that a limit has stopped would go on, and its figures stay as they
 // are. Meanwhile the model is busy as in a solve: TVXterminate stops the call, other calls are refused.
 #include "analysis/derived.h"
-#include "frame/lp_claim.h"
-#include "frame/model_store.h"
-#include "frame/optimize.h"
-#include "frame/row_kind.h"
-#include "frame/runtime/clock.h"
+#include "api/optimize.h"
+#include "body/row_kind.h"
+#include "lp/lp_claim.h"
+#include "model/model_store.h"
 #include "presolve/presolve.h"
+#include "runtime/clock.h"
 #include <cstring>
 #include <utility>
 

@@ -15,8 +15,8 @@
 #include "files/files.h"
 #include "files/text_file.h"
 #include "files/text_out.h"
-#include "frame/model.h"
-#include "frame/warm_start.h"
+#include "model/model.h"
+#include "model/warm_start.h"
 
 static bool is_free(const TVXmodel *model, int j)
 {

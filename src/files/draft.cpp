@@ -4,7 +4,7 @@
 //             the variable is taken, an underscore follows it, and perhaps a number.
 #include "files/draft.h"
 #include "files/file_names.h"
-#include "frame/model.h"
+#include "model/model.h"
 #include <charconv>
 #include <climits>
 #include <cstring>

@@ -5,7 +5,7 @@
 #pragma once
 #include "files/name_table.h"
 #include "files/text_file.h"
-#include "frame/runtime/text_pool.h"
+#include "runtime/text_pool.h"
 #include "tarvex.h"
 
 static constexpr double DRAFT_INFINITY = 1e30; // an infinite bound or side

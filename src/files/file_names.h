@@ -1,8 +1,8 @@
 // file_names.h -- FileNames, the names under which files know the variables or the constraints of a model
 #pragma once
 #include "files/name_table.h"
-#include "frame/model.h"
-#include "frame/runtime/text_pool.h"
+#include "model/model.h"
+#include "runtime/text_pool.h"
 
 enum class FileNameKind : char { VARIABLE = 'C', CONSTRAINT = 'R' };
 

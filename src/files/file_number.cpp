@@ -1,6 +1,6 @@
 // file_number.cpp -- one field of a file as a number
 #include "files/file_number.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include <cmath>
 
 NumberKind number_read(TextSpan span, double *value)

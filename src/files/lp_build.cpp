@@ -6,7 +6,7 @@
 //             A variable of that name which stands nowhere else becomes the constant again.
 // Memory      The text of the file and the rows are given back before the model is made.
 #include "files/lp_reader.h"
-#include "frame/model.h"
+#include "model/model.h"
 #include <cmath>
 
 static const WarningText texts[] = { // in the order of LpWarning

@@ -5,10 +5,10 @@
 // Order       The objective, the constraints, then bounds, types and sets in any order, also repeatedly; "end" or the
 //             end of the file closes it.
 // Cost        One pass over the text, then a counting sort of the entries into columns.
+#include "env/env.h"
 #include "files/files.h"
 #include "files/lp_names.h"
-#include "frame/env.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include <climits>
 
 // ---- Failures and warnings ----

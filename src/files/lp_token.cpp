@@ -5,7 +5,7 @@
 // Line ends   They part tokens and are no tokens; a token knows whether it is the first of its line.
 // Cost        One pass; looking ahead goes to the end of a word or line, at most once for each word or constraint.
 #include "files/lp_names.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include <algorithm>
 #include <cstring>
 

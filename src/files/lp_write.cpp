@@ -16,9 +16,9 @@
 #include "files/files.h"
 #include "files/lp_names.h"
 #include "files/text_out.h"
-#include "frame/model.h"
-#include "frame/pending.h"
-#include "frame/runtime/text_number.h"
+#include "model/model.h"
+#include "model/pending.h"
+#include "runtime/text_number.h"
 #include <cstring>
 
 static constexpr int64_t LINE_LENGTH = 75; // bytes

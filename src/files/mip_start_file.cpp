@@ -9,8 +9,8 @@
 #include "files/files.h"
 #include "files/text_file.h"
 #include "files/text_out.h"
-#include "frame/model.h"
-#include "frame/runtime/text_number.h"
+#include "model/model.h"
+#include "runtime/text_number.h"
 
 static int problem(TVXmodel *model, int error)
 {

@@ -7,8 +7,8 @@
 // Memory      The text of the file is given back before the model is made.
 #include "files/file_number.h"
 #include "files/mps_reader.h"
-#include "frame/model.h"
-#include "frame/runtime/text_number.h"
+#include "model/model.h"
+#include "runtime/text_number.h"
 #include <climits>
 #include <cmath>
 #include <cstring>

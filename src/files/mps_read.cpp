@@ -8,11 +8,11 @@
 // Order       NAME, OBJSENSE and OBJNAME may be missing; ROWS, then COLUMNS, then RHS, RANGES, BOUNDS and SOS in any
 //             order, also repeatedly; ENDATA must end the file.
 // Cost        One pass for nearly all files, at most three.
+#include "env/env.h"
 #include "files/file_number.h"
 #include "files/files.h"
 #include "files/mps_reader.h"
-#include "frame/env.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include <climits>
 
 // ---- Failures ----

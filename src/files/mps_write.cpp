@@ -14,9 +14,9 @@
 #include "files/file_names.h"
 #include "files/files.h"
 #include "files/text_out.h"
-#include "frame/model.h"
-#include "frame/pending.h"
-#include "frame/runtime/text_number.h"
+#include "model/model.h"
+#include "model/pending.h"
+#include "runtime/text_number.h"
 #include <cstring>
 
 static constexpr int FIXED_NAME_LENGTH = 8;

@@ -2,7 +2,7 @@
 //
 // For the millions of look-ups of a file reader; names keep their case and may be any bytes.
 #pragma once
-#include "frame/runtime/array.h"
+#include "runtime/array.h"
 
 struct TableName {
     const char *text; // owned by the caller, lives as long as the table

@@ -3,11 +3,11 @@
 // Form        "# Solution for model NAME" when the model has a name, then for each variable its name, as the name query
 //             gives it, and the shortest decimal number that reads back as its value. A point that is no optimal
 //             solution is called so in a comment, with the reason and its largest violations.
+#include "attributes/solution.h"
 #include "files/files.h"
 #include "files/text_out.h"
-#include "frame/model.h"
-#include "frame/runtime/text_number.h"
-#include "frame/solution.h"
+#include "model/model.h"
+#include "runtime/text_number.h"
 
 // Why a solve has left a point that is not optimal.
 static const char *reason(int status)

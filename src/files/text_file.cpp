@@ -11,8 +11,8 @@
 //             skipped; the DOS end-of-file character (26) at the very end is cut.
 // Cost        One pass at memory speed; the text stays in memory until the record goes.
 #include "files/text_file.h"
-#include "frame/env.h"
-#include "frame/runtime/file.h"
+#include "env/env.h"
+#include "runtime/file.h"
 #include <cctype>
 #include <cstring>
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 // text_file.h -- TextFile, the whole text of a model or side file, handed out line by line
 #pragma once
-#include "frame/runtime/array.h"
+#include "runtime/array.h"
 #include "tarvex.h"
 
 // A stretch of bytes inside a larger text; not terminated.

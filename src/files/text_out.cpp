@@ -6,10 +6,10 @@
 //             conversion costs. A failed file is unlinked when the name is that of a regular file: a device or a link
 //             stays.
 #include "files/text_out.h"
+#include "env/env.h"
 #include "files/file_number.h"
 #include "files/text_file.h"
-#include "frame/env.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include <charconv>
 #include <cstring>
 

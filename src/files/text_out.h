@@ -1,7 +1,7 @@
 // text_out.h -- TextOut, a text file being written: complete, or reported and removed
 #pragma once
-#include "frame/runtime/array.h"
-#include "frame/runtime/file.h"
+#include "runtime/array.h"
+#include "runtime/file.h"
 #include "tarvex.h"
 
 // States   closed   file.stream is null

@@ -1,5 +1,5 @@
 // build.cpp -- the reduced model and the way back, from the presolve record
-#include "frame/model_store.h"
+#include "model/model_store.h"
 #include "presolve/work.h"
 
 namespace

@@ -15,8 +15,8 @@
 //             it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
-#include "frame/model_store.h"
-#include "frame/row_kind.h"
+#include "body/row_kind.h"
+#include "model/model_store.h"
 #include "presolve/limits.h"
 #include "presolve/presolve.h"
 #include <cmath>

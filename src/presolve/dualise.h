@@ -1,6 +1,6 @@
 // dualise.h -- the dual of a linear model as a model of its own, and the way back from its basis
 #pragma once
-#include "frame/model.h"
+#include "model/model.h"
 
 // The dual of model->body, in a new model that shares the environment. An infeasible dual means an infeasible or unbounded
 // model, an unbounded one an infeasible model. A PresolveStatus of the limits, OUT_OF_MEMORY, or

@@ -1,7 +1,7 @@
 // limits.cpp -- progress lines and limits during presolve
-#include "frame/callback.h"
-#include "frame/runtime/clock.h"
+#include "env/callback.h"
 #include "presolve/work.h"
+#include "runtime/clock.h"
 #include <cmath>
 
 void presolve_log(PresolveWork *w)

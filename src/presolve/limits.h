@@ -1,6 +1,6 @@
 // limits.h -- a look at time limit and interruption within long loops
 #pragma once
-#include "frame/env.h"
+#include "env/env.h"
 
 // A PresolveStatus: 0, or the limit that is reached; none without an environment.
 [[nodiscard]] int limits_reached(const TVXenv *env);

@@ -2,9 +2,9 @@
 //
 // Method      Vectors are copied; entries go into the pool column by column, linked so that lists run in ascending order.
 //             Entries that are zero but for rounding are left out. Spare nodes give room for fill.
-#include "frame/row_kind.h"
-#include "frame/runtime/clock.h"
+#include "body/row_kind.h"
 #include "presolve/errors.h"
+#include "runtime/clock.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 // Signs: rows are a x <= b or a x = b as the model body holds them, minimise. Duals y are those of the Lagrangean
 // c x + y (b - a x), so that a row a x <= b has y <= 0, and reduced costs are d = c - A^T y.
 #pragma once
-#include "frame/model.h"
+#include "model/model.h"
 
 // Status of a presolve that leaves no reduced model behind, and of each reduction.
 enum PresolveStatus {

@@ -4,7 +4,7 @@
 //             the reductions that cost more. What a reduction touches is what the next ones look at. The passes end when
 //             one has removed nothing, or with their budget; empty columns and rows go last.
 // Out         The reduced model and the way back, or a final status.
-#include "frame/model_store.h"
+#include "model/model_store.h"
 #include "presolve/claim.h"
 #include <algorithm>
 #include <cstdlib>

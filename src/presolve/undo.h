@@ -3,7 +3,7 @@
 // Records are pushed by reductions and undone in reverse order. They live in an arena that grows by blocks and is freed
 // as a whole.
 #pragma once
-#include "frame/runtime/array.h"
+#include "runtime/array.h"
 
 enum UndoKind {
     UNDO_FIX = 1,           // column fixed

@@ -2,7 +2,7 @@
 //
 // Literature  R. H. Bartels, J. Stoer, C. Zenger in Wilkinson and Reinsch, Linear Algebra, 1971, for the repair of a
 //             singular basis by unit columns.
-#include "frame/callback.h"
+#include "env/callback.h"
 #include "simplex/sopt.h"
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 // Invariant   Merit[i] >= Threshold implies InList[i]; merits are >= 0, 0 means not eligible.
 // Cost        best: length of the list; O(Dim) per rebuild. Allocates nothing after price_list_alloc.
 #pragma once
-#include "frame/runtime/array.h"
+#include "runtime/array.h"
 #include <algorithm>
 
 // Kinds of pricing, as SimplexPricing names them.

@@ -7,8 +7,8 @@
 //             objective, tolerances are tightened and the run goes on from the same basis.
 // In, out     The record model->simplex; model->status.
 #include "simplex/simplex.h"
-#include "frame/runtime/clock.h"
-#include "frame/warm_start.h"
+#include "model/warm_start.h"
+#include "runtime/clock.h"
 #include "simplex/sopt.h"
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 // The model body is read only here: scaling, sign flips of columns and the row copy live in the record `sopt`
 // that a model owns in TVXmodel::simplex. Everything handed out is in the body's own units and signs.
 #pragma once
-#include "frame/model.h"
+#include "model/model.h"
 
 // METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else
 // as METHOD_AUTO.

@@ -1,6 +1,6 @@
 // simplex_log.cpp -- the progress lines of both methods, and the limits that are tested with them
-#include "frame/callback.h"
-#include "frame/runtime/clock.h"
+#include "env/callback.h"
+#include "runtime/clock.h"
 #include "simplex/sopt.h"
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // sopt.cpp -- the working LP: built from a model body, refreshed for each run
 #include "simplex/sopt.h"
-#include "frame/row_kind.h"
-#include "frame/runtime/clock.h"
-#include "frame/runtime/text_number.h"
+#include "body/row_kind.h"
+#include "runtime/clock.h"
+#include "runtime/text_number.h"
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -18,8 +18,8 @@
 // The record belongs to one model and one thread. Everything that is worked on inside the simplex has the number type R
 // and stands in swork<R>; exactly one of the two is allocated.
 #pragma once
-#include "frame/runtime/random.h"
-#include "simplex/lufact.h"
+#include "lu/lufact.h"
+#include "runtime/random.h"
 #include "simplex/simplex.h"
 
 enum SimplexStatus {

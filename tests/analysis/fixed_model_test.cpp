@@ -1,5 +1,5 @@
 // fixed_model_test.cpp -- models in which is fixed what a solution decides
-#include "frame/model.h"
+#include "model/model.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <cmath>

@@ -1,5 +1,5 @@
 // attribute_misuse_test.cpp -- attribute calls used wrongly: each mistake has its code and its text, and changes nothing
-#include "frame/model.h"
+#include "model/model.h"
 #include "support/model_test.h"
 #include <climits>
 #include <cmath>

@@ -1,6 +1,6 @@
 // certificate_test.cpp -- proofs of infeasibility and unboundedness: right ones, near misses, and exact ones by the score
 #include "body/certificate.h"
-#include "frame/signs.h"
+#include "body/signs.h"
 #include "support/model_gen.h"
 #include "support/model_test.h"
 #include "support/rational_lp.h"

@@ -1,7 +1,7 @@
 // basis_file_test.cpp -- bases through files: exactly what was written comes back
 #include "files/files.h"
 #include "files/files_support.h"
-#include "frame/warm_start.h"
+#include "model/warm_start.h"
 #include "support/dice.h"
 #include <algorithm>
 

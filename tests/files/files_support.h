@@ -1,6 +1,6 @@
 // files_support.h -- what the tests of model files share
 #pragma once
-#include "frame/model.h"
+#include "model/model.h"
 #include "support/scratch.h"
 #include <string>
 #include <vector>

@@ -2,7 +2,7 @@
 #include "files/file_number.h"
 #include "files/name_table.h"
 #include "files/text_file.h"
-#include "frame/runtime/text_number.h"
+#include "runtime/text_number.h"
 #include "support/dice.h"
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // odd_text_test.cpp -- line ends, marks and names of every kind make no difference, whatever file they stand in
 #include "files/files.h"
 #include "files/files_support.h"
-#include "frame/model_store.h"
-#include "frame/warm_start.h"
+#include "model/model_store.h"
+#include "model/warm_start.h"
 #include <functional>
 
 class OddText : public Files

@@ -1,6 +1,6 @@
 // solution_files_test.cpp -- MIP starts and solutions
 #include "files/files_support.h"
-#include "frame/model_store.h"
+#include "model/model_store.h"
 
 class SolutionFiles : public Files
 {

@@ -1,6 +1,6 @@
 // api_model.h -- ApiModel, one model of a fuzzed program with all that is known about it besides the library
 #pragma once
-#include "frame/store_player.h"
+#include "model/store_player.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
 #include <map>

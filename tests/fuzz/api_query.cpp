@@ -1,6 +1,6 @@
 // api_query.cpp -- attributes and parameters of a fuzzed model: every form of a query must tell the same
-#include "frame/attribute_table.h"
-#include "frame/parameter_table.h"
+#include "attributes/attribute_table.h"
+#include "env/parameter_table.h"
 #include "fuzz/api_model.h"
 #include <algorithm>
 #include <cmath>

@@ -6,8 +6,8 @@
 // Ends        With the bytes. Models and environment are then freed in an order that the last draw chooses, and no memory
 //             may be left.
 #include "fuzz/fuzz_api.h"
-#include "frame/runtime/memory.h"
 #include "fuzz/api_model.h"
+#include "runtime/memory.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"
 #include <memory>

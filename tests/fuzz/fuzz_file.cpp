@@ -6,7 +6,7 @@
 //             then can be read back.
 #include "fuzz/fuzz_file.h"
 #include "files/files_support.h"
-#include "frame/model_store.h"
+#include "model/model_store.h"
 
 namespace
 {

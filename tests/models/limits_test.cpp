@@ -1,5 +1,5 @@
 // limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
-#include "frame/lp_presolved.h"
+#include "lp/lp_presolved.h"
 #include "simplex/simplex.h"
 #include "support/hostile_gen.h"
 #include "support/settings.h"

@@ -3,7 +3,7 @@
 // For k = 1, 2, 3, ...: the k-th request of the step under test, and all after it, are refused. The step must say so
 // (10001, "Out of memory") or get by without; the same step then succeeds when memory is back, the answer is right, and
 // after freeing everything no block is held. The sweep ends with the first k that no request reaches.
-#include "frame/runtime/memory.h"
+#include "runtime/memory.h"
 #include "support/model_text.h"
 #include "support/scratch.h"
 #include "support/solve_judge.h"

@@ -1,6 +1,6 @@
 // claim_test.cpp -- what presolve says of models without optimum is proved on the models themselves
 #include "body/certificate.h"
-#include "frame/signs.h"
+#include "body/signs.h"
 #include "presolve/claim.h"
 #include "presolve/dualise.h"
 #include "support/dice.h"

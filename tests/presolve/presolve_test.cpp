@@ -2,7 +2,7 @@
 //
 // TARVEX_PRESOLVE_COUNT=n   generated models (130; a campaign takes some thousand)
 // TARVEX_PRESOLVE_SEED=s    the first of them (0)
-#include "frame/model.h"
+#include "model/model.h"
 #include "presolve/work.h"
 #include "simplex/sopt.h"
 #include "support/model_gen.h"

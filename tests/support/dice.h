@@ -4,7 +4,7 @@
 // possibilities, two for up to 65536, else four, low byte first, and the remainder by their number counts. Behind the
 // last byte the choices are those of seed 0.
 #pragma once
-#include "frame/runtime/random.h"
+#include "runtime/random.h"
 #include <cstddef>
 #include <cstdint>
 #include <utility>

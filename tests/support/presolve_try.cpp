@@ -1,6 +1,6 @@
 // presolve_try.cpp -- see the header
 #include "support/presolve_try.h"
-#include "frame/signs.h"
+#include "body/signs.h"
 #include "simplex/simplex.h"
 #include "support/settings.h"
 #include <cstdlib>

@@ -1,0 +1,154 @@
+// optimize.cpp -- TVXoptimize: one solve from the caller's call to the last line of the log
+//
+// Method      Opening (clock, stop flag, busy flag), the driver, the closing lines, the result file.
+//             Between opening and closing the model is busy: other calls on it are refused, but for
+//             those made from inside a callback.
+// Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
+//             survives the closing lines (err_hold).
+#include "api/optimize.h"
+#include "api/file_calls.h"
+#include "api/optimize_log.h"
+#include "files/files.h"
+#include "runtime/clock.h"
+#include "runtime/file.h"
+#include <cstring>
+
+// Writes model and parameters as they are about to be solved, for a bug report. Failing to do so does
+// not stop the solve.
+static void dump(TVXmodel *model)
+{
+    (void)mps_write(model, "tarvex.rew", WriteNames::NUMBERED);
+    (void)TVXwriteparams(model->env, "tarvex.prm");
+    (void)finish_model(model, 0); // a failure leaves no text
+}
+
+int optimize_run(TVXmodel *model)
+{
+    const double start = WallClock();
+    TRY(model_update(model));
+    log_model_size(model);
+    model->start_time = start;
+    model->run_time = 0;
+    if (model->env->TARV_PAR_DUMP) dump(model);
+    const int code = model_is_mip(model) ? mip_driver(model) : lp_driver(model);
+    model->run_time = WallClock() - start;
+    return code;
+}
+
+void optimize_open(TVXmodel *model, double now)
+{
+    TVXenv *env = model->env;
+    env->terminate_ptr = &env->terminate;
+    flag_store(env->terminate_ptr, 0);
+    env->callback_code = 0;
+    env->optimize_start = now;
+    flag_store(&model->busy, 1);
+}
+
+// The closing lines and the text of an error; the code of the whole call.
+static int close_run(TVXmodel *model, int code)
+{
+    TVXenv *env = model->env;
+    if (!code) code = env->callback_code;
+    if (code) env->err_hold = 1;
+    if (model->mip_result) {
+        const int epilogue = log_mip_epilogue(model, code);
+        if (!code) code = epilogue;
+    }
+    env->err_hold = 0;
+    interrupt_end(model);
+    flag_store(&model->busy, 0);
+    if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out
+        return fail_model(model, code, Report::KEEP_FIRST,
+                          "Optimization exhausted available memory");
+    return finish_model(model, code);
+}
+
+// ---- The result file ----
+
+// What the file would hold, if only a solve can make it: the file of an earlier solve must not pass for that of this one.
+static const char *result_of_solve(const char *file_name)
+{
+    switch (file_type(file_name)) {
+    case FILE_SOL:
+    case FILE_MST:
+        return "solution";
+    case FILE_BAS:
+        return "basis";
+    default:
+        return nullptr;
+    }
+}
+
+static void call_older(TVXenv *env)
+{
+    TVXmsg(env, "         The file of that name is older, not the result of this solve\n");
+}
+
+static void drop_old_result(TVXenv *env, const char *name)
+{
+    if (FileRemove(name))
+        TVXmsg(env, "         The file of that name was older and is removed\n");
+    else if (FileCanRead(name))
+        call_older(env);
+}
+
+// The file could not be written, for this code; or the solve has failed, and nothing was tried.
+static void explain_no_result(TVXenv *env, const char *name, int code, bool solved)
+{
+    const char *what = result_of_solve(name);
+    TVXmsg(env, "WARNING: unable to write requested result file '%s'\n", name);
+    if (!what) return;
+    if (!solved)
+        TVXmsg(env, "         The solve has failed\n");
+    else if (code == TVX_ERROR_DATA_NOT_AVAILABLE)
+        TVXmsg(env, "         The solve ended without a %s\n", what);
+    if (code != TVX_ERROR_FILE_WRITE)
+        drop_old_result(env, name);
+    else if (FileCanRead(name)) // perhaps protected by its owner
+        call_older(env);
+}
+
+static void write_result_file(TVXmodel *model, const char *name)
+{
+    TVXenv *env = model->env;
+    const int code = TVXwrite(model, name);
+    TVXmsg(env, "\n");
+    if (code)
+        explain_no_result(env, name, code, true);
+    else
+        TVXmsg(env, "Wrote requested result file '%s'\n", name);
+    TVXmsg(env, "\n");
+    (void)finish_model(model, 0); // the solve went well: its call leaves no text
+}
+
+// Behind a solve with this code. A callback that hears the lines written here may change parameters and make calls of its
+// own: the name is kept, and so is the text of a failure.
+static void settle_result_file(TVXmodel *model, int solve_code)
+{
+    TVXenv *env = model->env;
+    char name[sizeof env->ResultFile];
+    memcpy(name, env->ResultFile, sizeof name);
+    if (!*name) return;
+    if (!solve_code) {
+        write_result_file(model, name);
+    } else if (result_of_solve(name)) {
+        env->err_hold = 1;
+        explain_no_result(env, name, solve_code, false);
+        env->err_hold = 0;
+    }
+}
+
+int TVXoptimize(TVXmodel *model)
+{
+    const double now = WallClock();
+    int code = TVXcheckmodel(model);
+    if (!code && model_is_occupied(model)) // called from a callback of this very solve
+        code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
+    if (code) return finish_model(model, code);
+    optimize_open(model, now);
+    interrupt_begin(model);
+    code = close_run(model, optimize_run(model));
+    settle_result_file(model, code);
+    return code;
+}

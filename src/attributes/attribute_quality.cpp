@@ -1,0 +1,78 @@
+// attribute_quality.cpp -- attributes that measure how well the last solution fits the model
+//
+// Method   The measures (quality.h) are taken at the first question after a solve and kept in its
+//          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
+#include "attributes/attribute_routines.h"
+#include "attributes/solution.h"
+#include "body/quality.h"
+#include "simplex/simplex.h"
+
+// In the order of QualityGroup.
+static constexpr Violation Quality::*const groups[QUALITY_GROUPS] = {
+    &Quality::BoundVio,      &Quality::BoundSVio,      &Quality::ConstrVio,
+    &Quality::ConstrSVio,    &Quality::ConstrResidual, &Quality::ConstrSResidual,
+    &Quality::DualVio,       &Quality::DualSVio,       &Quality::DualResidual,
+    &Quality::DualSResidual, &Quality::ComplVio,       &Quality::IntVio,
+};
+
+static int show(const Quality *quality, int part, const void **place)
+{
+    const Violation *violation = &(quality->*groups[part / VIOLATION_PARTS]);
+    switch (part % VIOLATION_PARTS) {
+    case PART_MAX:
+        *place = &violation->max;
+        break;
+    case PART_SUM:
+        *place = &violation->sum;
+        break;
+    default:
+        *place = &violation->index;
+        break;
+    }
+    return 0;
+}
+
+static int mip_quality(TVXmodel *model, int part, const void **place)
+{
+    const int group = part / VIOLATION_PARTS;
+    if (group != BOUND_VIO && group != CONSTR_VIO && group != INT_VIO)
+        return TVX_ERROR_DATA_NOT_AVAILABLE;
+    const double *x = nullptr;
+    TRY(solution_x(model, &x));
+    Quality *quality = &model->mip_result->quality;
+    if (!quality->computed) TRY(MipQuality(model, x, quality, QualityWarnings::NO));
+    return show(quality, part, place);
+}
+
+int compute_quality(TVXmodel *model, int part, const void **place)
+{
+    if (model->mip_result) return mip_quality(model, part, place);
+    TRY(solution_quality(model));
+    return show(&model->lp_result->quality, part, place);
+}
+
+// Factors of the basis at hand. To make them, a singular basis may have to be mended: other values, then.
+static int need_factor(TVXmodel *model)
+{
+    if (simplex_has_factor(model->simplex)) return 0;
+    attributes_clear_solution(model);
+    const int code = simplex_refactor(model);
+    if (code == OUT_OF_MEMORY) return code;
+    return simplex_has_factor(model->simplex) ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
+}
+
+int compute_kappa(TVXmodel *model, int part, const void **place)
+{
+    if (!solution_available(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    TRY(check_idle(model)); // the estimate works on the record
+    TRY(need_factor(model));
+    TRY(attributes_make(model));
+    AttributeTable *table = model->attributes;
+    const int group = part == 0 ? HAVE_KAPPA : HAVE_N2KAPPA;
+    if (!(table->have & group))
+        TRY(simplex_kappa(model->simplex, part == 0 ? KappaNorm::ONE : KappaNorm::TWO,
+                          &table->kappa[part]));
+    table->have |= group;
+    *place = &table->kappa[part];
+    return 0;
+}

@@ -1,0 +1,80 @@
+// attribute_result.cpp -- figures of the last solve: status, objective, counts, time
+//
+// Method   Figures stand in the record that the solve left, the MIP's when there is one, else the
+//          LP's. They are pointed at where they stand; no record, no figure.
+#include "attributes/attribute_routines.h"
+#include "attributes/solution.h"
+
+int get_status(TVXmodel *model, int, ElementRange, void *values)
+{
+    *static_cast<int *>(values) = solution_status(model);
+    return 0;
+}
+
+int get_solcount(TVXmodel *model, int, ElementRange, void *values)
+{
+    int count = 0;
+    if (model->mip_result)
+        count = model->mip_result->sol_count;
+    else if (model->simplex)
+        count = model->status == TVX_OPTIMAL;
+    *static_cast<int *>(values) = count;
+    return 0;
+}
+
+int compute_runtime(TVXmodel *model, int, const void **place)
+{
+    *place = &model->run_time;
+    return 0;
+}
+
+// Points *place at the figure of the record that counts, or says that there is none.
+static int stand_at(const void *figure, const void **place)
+{
+    *place = figure;
+    return figure ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
+}
+
+// An objective means something only when a point or a bound stands behind it.
+static bool has_objective(const TVXmodel *model)
+{
+    const int status = solution_status(model);
+    return status > TVX_LOADED && status != TVX_INFEASIBLE && status != TVX_INF_OR_UNBD &&
+           status != TVX_UNBOUNDED;
+}
+
+int compute_objval(TVXmodel *model, int, const void **place)
+{
+    const MipResult *mip = model->mip_result;
+    const LpResult *lp = model->lp_result;
+    const double *figure = nullptr;
+    if (mip)
+        figure = &mip->objval;
+    else if (lp)
+        figure = &lp->objval;
+    return stand_at(has_objective(model) ? figure : nullptr, place);
+}
+
+int compute_objbound(TVXmodel *model, int, const void **place)
+{
+    const MipResult *mip = model->mip_result;
+    return stand_at(mip && has_objective(model) ? &mip->objbound : nullptr, place);
+}
+
+int compute_itercount(TVXmodel *model, int, const void **place)
+{
+    if (model->mip_result) return stand_at(&model->mip_result->iter_count, place);
+    return stand_at(model->lp_result ? &model->lp_result->itercount : nullptr, place);
+}
+
+int compute_bar_itercount(TVXmodel *model, int, const void **place)
+{
+    if (model->mip_result) return stand_at(&model->mip_result->bar_iter_count, place);
+    return stand_at(model->lp_result ? &model->lp_result->bar_itercount : nullptr, place);
+}
+
+int compute_nodecount(TVXmodel *model, int, const void **place)
+{
+    if (model->mip_result) return stand_at(&model->mip_result->node_count, place);
+    return stand_at(model->lp_result ? &model->node_count : nullptr, place);
+}

@@ -1,0 +1,18 @@
+// lp_bounded.cpp -- tells infeasible from unbounded without solving
+//
+// Method   The objective of the body's form is at least the sum of c_j * (lower bound if c_j > 0, upper
+//          bound if c_j < 0). When all those bounds are finite, it is bounded over any rows.
+// Cost     O(n)
+#include "api/optimize.h"
+#include <algorithm>
+
+bool objective_is_bounded(const TVXenv *env, const ModelBody *body)
+{
+    const double infinity = infinite_bound(env);
+    for (int j = 0; j < body->numvars; j++) {
+        const double cost = body->obj[j];
+        if (cost > 0 && body->lb[j] <= -infinity) return false;
+        if (cost < 0 && body->ub[j] >= infinity) return false;
+    }
+    return true;
+}

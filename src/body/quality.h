@@ -1,0 +1,54 @@
+// quality.h -- how well a point satisfies a model: violations and residuals
+//
+// The measures share no code with the solvers. They are taken on the unscaled body with sums in
+// long double, so that they can judge what a solver claims. The measures, each as maximum, sum
+// and place of the maximum (-1 when nothing is violated):
+//   BoundVio        by how much x_j lies outside its bounds
+//   ConstrVio       by how much a row's activity is on the wrong side of its right-hand side
+//   ConstrResidual  |b_i - a_i x| of rows whose slack the basis holds at zero, and of equalities
+//   DualVio         by how much a multiplier breaks the sign that optimality demands of it where
+//                   its variable, or the slack of its row, stands: at the lower bound, at the
+//                   upper, at both (any sign), or at none (it must be 0). The multiplier of a
+//                   variable is c_j - sum_i a_ij Pi_i, computed here
+//   DualResidual    |c_j - sum_i a_ij Pi_i - RC_j|, what the solver's reduced costs miss
+//   ComplVio        product of a multiplier with the distance to the bound that it prices
+//   IntVio          distance of an integer variable to the nearest integer
+// Places are variables; rows for ConstrVio and ConstrResidual; for DualVio and ComplVio, which
+// look at both, i + numvars is row i. The measures with S are those of the scaled model:
+// x_j / col_j, rows times row_i, costs times col_j * obj.
+// A value that is not a number counts as a violation of 1e100.
+#pragma once
+#include "model/model.h"
+
+// Factors of the scaled model: column j times col[j], row i times row[i], costs times obj.
+struct QualityScale {
+    const double *row = nullptr; // [numconstrs], or null: 1
+    const double *col = nullptr; // [numvars], or null: 1
+    double obj = 1;
+};
+
+enum class PointSigns {
+    BODY,  // minimise, rows with sense '>' negated
+    CALLER // as attributes show it (solution.h)
+};
+struct LpPoint {
+    const double *x = nullptr;      // [numvars]
+    const double *pi = nullptr;     // [numconstrs]
+    const double *rc = nullptr;     // [numvars], or null: no dual residual
+    const int *row_basis = nullptr; // [numconstrs] negative: slack held at zero; or null
+    PointSigns signs = PointSigns::BODY; // of pi and rc
+};
+
+enum class QualityWarnings { NO, YES };
+
+// All measures of an LP's point; tolerances from env. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int LpQuality(TVXenv *env, const ModelBody *body, const LpPoint &point,
+                            const QualityScale &scale, Quality *result);
+// BoundVio, ConstrVio and IntVio of a MIP's point, and warnings on the log for those above their
+// tolerance, the violation of SOS constraints included. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int MipQuality(TVXmodel *model, const double *x, Quality *result,
+                             QualityWarnings warnings);
+
+// Largest magnitude of a member outside the window of one (type 1) or two adjacent (type 2)
+// members that the SOS allows, for the best place of the window.
+double sos_violation(const ModelBody *body, int k, const double *x);

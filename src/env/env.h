@@ -1,0 +1,118 @@
+// env.h -- TVXenv, the environment: parameter values, the error buffer, the log, the stop flag
+//
+// States   alive   magic == ENV_MAGIC, from TVXloadenv (or env_copy) to TVXfreeenv (or env_free)
+//          dead    magic == 0: every call refuses it. The record of a dead master stays until its last copy is
+//                  freed, so that a copy can always look whether its master lives.
+// A master (is_master) owns errmsg and params. A copy, made for each model, is a byte copy that shares errmsg, params
+// and master with it and has parameter values, log stream, callback record and stop flag of its own.
+#pragma once
+#include "env/parameter_table.h"
+#include "runtime/array.h"
+#include "runtime/thread.h"
+#include "tarvex.h"
+#include <cstdint>
+#include <cstdio>
+
+static constexpr uint32_t ENV_MAGIC = 0x129e2d82;
+static constexpr int MESSAGE_LENGTH =
+    512; // characters of an error text, a log line slot, a string value
+static constexpr double INFINITE_VALUE =
+    1e20; // a caller's bound of this magnitude or more is infinite
+static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is stored
+static constexpr double UNDEFINED_VALUE =
+    1e100; // no incumbent; an infinite bound as attributes report it
+
+struct ParameterTable; // parameters.h
+struct CallbackRecord; // callback.h
+
+// Copied as bytes from terminate_ptr on: plain words and pointers only.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand in table order
+struct TVXenv {
+    uint32_t magic;       // ENV_MAGIC while alive, 0 after
+    int32_t terminate;    // non-zero asks the running solve to stop
+    int32_t model_copies; // non-zero once a copy was taken from this environment
+    int32_t holders;      // in a master: itself while alive, and every copy
+    int32_t message_lock; // in a master: 1 while a thread writes errmsg
+    // The four words above may be touched by several threads, so atomically only, and are not copied as bytes.
+    int32_t *terminate_ptr;   // the flag that solver loops poll
+    double optimize_start;    // WallClock at the start of the current TVXoptimize
+    const char *version_text; // constant
+    TVXenv *master;           // owner of the parameter table; itself in a master
+    char *errmsg; // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
+    int errcode;  // last code recorded with a text
+    int err_hold; // non-zero: errmsg and errcode are frozen
+    ParameterTable *params; // owned by the master
+    int is_master;          // 1 when made by TVXloadenv
+    FILE *log_file;         // own stream, or null
+    int quiet_solve;        // the model is solved as an inner step: no closing lines
+    TVXcallback cb_active;  // the caller's callback function, or null
+    int callback_code;      // what it returned in this solve, if not 0: the first
+    CallbackRecord
+        *cb_record; // one block, owned; its first word is set to 0 before it is freed
+    TVXenv
+        *outer; // of the solve that this one is a part of: its callback is polled; or null
+
+    // One field per parameter, named like it.
+#define FIELD_INT(name, minimum, maximum, value) int name;
+#define FIELD_DBL(name, minimum, maximum, value) double name;
+#define FIELD_STR(name, value) char name[MESSAGE_LENGTH + 1];
+    PUBLIC_PARAMETERS(FIELD_INT, FIELD_DBL, FIELD_STR)
+    HIDDEN_PARAMETERS(FIELD_INT, FIELD_DBL, FIELD_STR)
+#undef FIELD_INT
+#undef FIELD_DBL
+#undef FIELD_STR
+};
+
+// Bounds of this magnitude and more are infinite for a solve: by parameter TARV_PAR_INFBOUND, but never above the value
+// that stands for an infinite bound, else a variable without bound would have one.
+inline double infinite_bound(const TVXenv *env)
+{
+    return env->TARV_PAR_INFBOUND < INFINITE_BOUND ? env->TARV_PAR_INFBOUND
+                                                   : INFINITE_BOUND;
+}
+
+enum class LogReopen { NO, YES };
+// A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
+// warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the
+// solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
+// For the copy of a derived model or an inner solve: the files that parameters ask for (ResultFile, TARV_PAR_DUMP) are
+// those of the caller's own model.
+void env_write_no_files(TVXenv *copy);
+void env_free(TVXenv *env);        // a copy or a master; null is ignored
+bool env_alive(const TVXenv *env); // not null, alive, and its master too; prints nothing
+int env_check(TVXenv *env); // 0, or the code of the first failed test; clears nothing
+// env_check, and on success forgets the last error: the start of an exported function.
+int env_enter(TVXenv *env);
+// Opens `name` as this environment's log, or closes the log for an empty name. 0 or TVX_ERROR_FILE_WRITE.
+int env_open_log(TVXenv *env, const char *name);
+
+// A solver loop asks whether it has to stop.
+inline bool env_stop_requested(const TVXenv *env)
+{
+    return flag_load(env->terminate_ptr) != 0;
+}
+
+// ---- Errors (error.cpp) ----
+// The first specific text of a failing call survives to its end; FORCE replaces it.
+enum class Report { KEEP_FIRST, FORCE };
+// Records code and text and returns code; code 0 does nothing.
+int fail(TVXenv *env, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
+int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)
+    TVX_PRINTF(4, 5);
+// The end of every exported function: completes the message for `code` and returns it.
+int finish(TVXenv *env, int code);
+int finish_model(TVXmodel *model, int code);
+// NaN and infinities in data from a caller. 0 or TVX_ERROR_INVALID_ARGUMENT; a null array or n < 1 passes.
+int check_value(TVXenv *env, double value);
+int check_values(TVXenv *env, int64_t n, const double *values);
+
+void error_clear(TVXenv *env); // forgets the last error, unless err_hold; env is alive
+
+// ---- Log (log.cpp; TVXmsg is the routine for lines) ----
+// For conditions met before or outside the log: standard output only, nothing unless OutputFlag > 0.
+void message_stdout(const TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);
+void log_started(TVXenv *env, FILE *stream); // the line that opens a log
+void warn_dead_master(const TVXenv *env);    // on standard output; safe in a signal handler
+// Diagnostics of the engine: the single point through which such lines pass. Prints nothing.
+void message_debug(TVXenv *env, const char *format, ...) TVX_PRINTF(2, 3);

@@ -1,0 +1,309 @@
+// lp_secure.cpp -- a sure answer from the simplex, by other ways where the first one fails
+//
+// Problem     A run may end in numeric trouble, at a point that violates the tolerances in the user's units, or with a
+//             claim that it cannot prove.
+// Method      The answer is sure when it is optimal within the tolerances in the user's units, proved, or a limit.
+//             Otherwise the model is solved again, each time in another way (table WAYS), until an answer is sure: from the
+//             best basis so far in extended precision, by the other method, with scaling the other way round, with
+//             both; at last with rows and bounds held wider within the tolerance, as the data of a model that is meant to
+//             be feasible may contradict each other by rounding. When none is sure the best one stands, and the closing
+//             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
+//             size are proof enough.
+// Invariant   A limit ends the attempts. The best point so far is kept; its status stands if it is sure but for rounding,
+//             else the limit does, and the next solve goes on from the point. When that one finds no surer answer within
+//             its own limit the best one stands after all, so that repeated calls come to an end.
+// Cost        Where the first answer is sure, the measures that the closing lines need anyway.
+#include "lp/lp_secure.h"
+#include "api/optimize.h"
+#include "attributes/attributes.h"
+#include "attributes/solution.h"
+#include "lp/lp_claim.h"
+#include "lp/lp_run.h"
+#include "simplex/simplex.h"
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+namespace
+{
+enum Begin { BEST_BASIS, SLACKS };
+
+struct Way {
+    Begin begin;                 // ways from the best basis need one
+    bool other_method;           // than that of the first run
+    bool turn_scaling;           // off when it was on
+    bool extended;               // precision
+    bool widen;                  // rows and bounds
+    double tolerance, markowitz; // of SimplexTuning
+};
+constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
+constexpr double USUAL = 1e-6;
+constexpr double STRICT = 0.9;      // pivots in the factors
+constexpr double MOVED_MOST = 0.1;  // of the objective by widening: more is another model
+constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
+
+constexpr Way WAYS[] = {
+    {BEST_BASIS, false, false, true, false, TIGHT, 0},
+    {SLACKS, true, false, false, false, USUAL, 0},
+    {SLACKS, false, true, false, false, USUAL, 0},
+    {SLACKS, true, true, false, false, USUAL, 0},
+    {SLACKS, true, true, true, false, TIGHT, STRICT},
+    {SLACKS, false, false, true, false, TIGHT, STRICT},
+    {SLACKS, false, false, true, true, TIGHT, STRICT},
+};
+constexpr int SMALL_MODEL = 5000; // entries
+// Iterations that ways may take on other models, over those of the first run.
+constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
+constexpr double GROSS_EXCESS =
+    1000; // violation over its tolerance that needs a look at its numbers
+
+// Answers, best first.
+enum class Grade {
+    SURE,
+    // As SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a visible
+    // part of the objective.
+    ROUNDED,
+    NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
+    UNSURE, // optimal at a point that violates tolerances, or a proved ray without a feasible point
+    NONE
+};
+
+struct Answer {
+    Grade grade = Grade::NONE;
+    double excess = 0; // largest violation over its tolerance
+    double worth = 0;  // what violations may stand for in the objective (simplex.h)
+    bool is_better_than(const Answer &other) const
+    {
+        const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);
+        return std::tie(grade, more, worth) < std::tie(other.grade, less, other.worth);
+    }
+};
+
+struct Best {
+    Answer answer;
+    sopt *record = nullptr; // that holds it, while it is not the live one; owned
+    int status = TVX_NUMERIC;
+    // Begun where a limit had stopped the last search, and the first run brought no iteration.
+    bool repeated = false;
+    FarkasReach near; // of all runs
+    ~Best() { simplex_free(record); }
+};
+
+Grade grade_of(Footing foot)
+{
+    switch (foot) {
+    case Footing::SURE:
+        return Grade::SURE;
+    case Footing::NARROW:
+        return Grade::NARROW;
+    case Footing::UNSURE:
+        return Grade::UNSURE;
+    case Footing::NONE:
+        break;
+    }
+    return Grade::NONE;
+}
+
+// What the caller will find when he puts the point into his model.
+int look_as_caller(TVXmodel *model, Answer *answer)
+{
+    const TVXenv *env = model->env;
+    attributes_clear_solution(model);
+    model->lp_result->quality = Quality{};
+    if (model->status != TVX_OPTIMAL || env->TARV_PAR_UNSCALEDVIO == 0) return 0;
+    TRY(solution_quality(model));
+    const Quality *q = &model->lp_result->quality;
+    answer->excess = std::max({q->BoundVio.max / env->FeasibilityTol,
+                               q->ConstrVio.max / env->FeasibilityTol,
+                               q->DualVio.max / env->OptimalityTol});
+    const bool within = answer->excess <= 1;
+    if (answer->grade == Grade::UNSURE && within && simplex_is_tuned(model->simplex))
+        answer->grade = Grade::SURE; // the record itself may be stricter
+    const bool visible = answer->worth > 1 && model->body->numnz <= SMALL_MODEL;
+    if (answer->grade == Grade::SURE && (!within || visible))
+        answer->grade = Grade::ROUNDED;
+    return 0;
+}
+
+// An optimum that misses the model by as much as its own numbers is none.
+int refuse_gross(TVXmodel *model, Answer *answer)
+{
+    bool credible = true;
+    if (model->status != TVX_OPTIMAL) return 0;
+    const bool usual =
+        answer->excess <= GROSS_EXCESS && std::isfinite(simplex_objective(model->simplex));
+    if (!usual || model->env->TARV_PAR_UNSCALEDVIO == 0) TRY(lp_credible(model, &credible));
+    if (!credible) answer->grade = Grade::NONE;
+    return 0;
+}
+
+// Unbounded: along a ray of the caller's model, from a point that is feasible there.
+int look_at_ray(TVXmodel *model, bool by_ray, Answer *answer)
+{
+    bool holds = true;
+    if (model->status != TVX_UNBOUNDED || !by_ray) return 0;
+    TRY(lp_ray_holds(model, &holds));
+    if (!holds) answer->grade = Grade::NONE;
+    if (answer->grade != Grade::SURE) return 0;
+    TRY(lp_point_holds(model, &holds));
+    if (!holds) answer->grade = Grade::UNSURE;
+    return 0;
+}
+
+// Grades the answer of the live record. When it is better than the best so far it becomes the best, and the record that
+// held that one is freed.
+int note(TVXmodel *model, Best *best)
+{
+    if (is_limit(model->status) && best->answer.grade != Grade::NONE) return 0;
+    const SimplexAssessment a = simplex_assess(model->simplex);
+    Answer answer = {grade_of(a.Foot), a.Excess, a.Worth};
+    TRY(look_as_caller(model, &answer));
+    TRY(refuse_gross(model, &answer));
+    if (!(a.Moved <= MOVED_MOST)) answer.grade = Grade::NONE;
+    TRY(look_at_ray(model, a.ByRay, &answer));
+    best->near.Exact |= a.Near.Exact;
+    best->near.Wide |= a.Near.Wide;
+    if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
+    simplex_free(best->record);
+    best->record = nullptr;
+    best->answer = answer;
+    best->status = model->status;
+    return 0;
+}
+
+bool applies(const TVXenv *env, const Way &way, const Best &best)
+{
+    if (way.extended && env->Quad == 0 && !way.widen) return false;
+    const bool contradicts =
+        best.answer.grade == Grade::NARROW || best.near.Exact || best.near.Wide;
+    if (way.widen && contradicts) return false; // the model is infeasible as it stands
+    return way.begin != BEST_BASIS || best.answer.grade == Grade::ROUNDED ||
+           best.answer.grade == Grade::UNSURE;
+}
+
+SimplexTuning tuning_of(const TVXenv *env, const Way &way)
+{
+    SimplexTuning t;
+    if (way.turn_scaling)
+        t.Scale = env->ScaleFlag ? SimplexTuning::UNSCALED : SimplexTuning::SCALED;
+    t.Extended = way.extended && env->Quad != 0;
+    t.Tolerance = way.tolerance;
+    t.Markowitz = way.markowitz;
+    if (way.widen) t.Widen = WIDEN_SHARE * env->FeasibilityTol;
+    return t;
+}
+
+// The live record makes room for the next one: it is kept when it holds the best answer.
+void set_aside(TVXmodel *model, Best *best)
+{
+    model->lp_result->itercount = simplex_iterations(model->simplex);
+    model->node_count += simplex_take_work(model->simplex);
+    if (best->answer.grade != Grade::NONE && !best->record)
+        best->record = model->simplex;
+    else
+        simplex_free(model->simplex);
+    model->simplex = nullptr;
+}
+
+int try_way(TVXmodel *model, const Way &way, int method, Best *best)
+{
+    Array<int> basis;
+    if (way.begin == BEST_BASIS) {
+        TRY(array_resize(&basis, int64_t{model->body->numvars} + model->body->numconstrs));
+        simplex_get_basis(best->record ? best->record : model->simplex, basis.data);
+        method = METHOD_BY_START;
+    } else if (way.other_method) {
+        method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
+    }
+    set_aside(model, best);
+    model->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
+    TRY(SimplexRepeat(model, method, basis.data, tuning_of(model->env, way)));
+    return note(model, best);
+}
+
+// Rounding cannot always be helped: beyond the first of the ways it is tried where that costs next to nothing.
+bool is_good_enough(const TVXmodel *model, const Best &best, int tried)
+{
+    const bool small = model->body->numnz <= SMALL_MODEL;
+    return best.answer.grade == Grade::SURE ||
+           (best.answer.grade == Grade::ROUNDED && !small && tried > 0);
+}
+
+// A large model with any answer at all is not solved over and over for a better one.
+bool is_spent(const TVXmodel *model, const Best &best, double first_iterations)
+{
+    if (best.answer.grade == Grade::NONE || model->body->numnz <= SMALL_MODEL) return false;
+    const double now = simplex_iterations(model->simplex);
+    return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
+}
+
+// Worth telling although a limit has stopped the search for a better one.
+bool is_final(const Answer &answer)
+{
+    return answer.grade == Grade::SURE ||
+           (answer.grade == Grade::ROUNDED && answer.excess <= 1);
+}
+
+bool proved_near_enough(const Best &best)
+{
+    if (best.answer.grade == Grade::NONE) return best.near.Exact;
+    return best.answer.grade == Grade::UNSURE && best.status == TVX_OPTIMAL &&
+           best.near.Wide;
+}
+
+// The live record gets the best answer.
+int settle(TVXmodel *model, Best *best)
+{
+    const int limit = is_limit(model->status) ? model->status : 0;
+    const double iterations = simplex_iterations(model->simplex);
+    if (!limit && proved_near_enough(*best)) {
+        simplex_declare(model, TVX_INFEASIBLE);
+        model->lp_result->quality = Quality{};
+        return 0;
+    }
+    if (best->answer.grade == Grade::NONE && model->status == TVX_OPTIMAL) {
+        simplex_declare(model, TVX_NUMERIC);
+        model->lp_result->quality = Quality{};
+    }
+    const bool restored = best->record != nullptr;
+    if (restored) {
+        model->node_count += simplex_take_work(model->simplex);
+        simplex_free(model->simplex);
+        model->simplex = best->record;
+        best->record = nullptr;
+        simplex_count_on(model->simplex, iterations);
+        model->status = best->status;
+    }
+    if (restored && limit && !best->repeated && !is_final(best->answer)) {
+        simplex_declare(model, limit);
+        return look_as_caller(model, &best->answer);
+    }
+    // The ray holds; whether it starts from a feasible point is open.
+    if (best->answer.grade == Grade::UNSURE && model->status == TVX_UNBOUNDED)
+        simplex_declare(model, TVX_INF_OR_UNBD);
+    return restored ? look_as_caller(model, &best->answer) : 0;
+}
+} // namespace
+
+int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
+{
+    const bool stopped = model->simplex && is_limit(simplex_status(model->simplex));
+    TRY(lp_run(model, model, method, statuses));
+    const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
+    const double first_iterations = simplex_iterations(model->simplex);
+    Best best;
+    best.repeated = stopped && first_iterations == 0;
+    TRY(note(model, &best));
+    if (!is_good_enough(model, best, 0) && !is_limit(model->status))
+        TVXmsg(model->env,
+               "Warning: the answer is not sure, solving again in other ways\n");
+    int tried = 0;
+    for (const Way &way : WAYS) {
+        if (is_good_enough(model, best, tried) || is_limit(model->status)) break;
+        if (is_spent(model, best, first_iterations)) break;
+        if (!applies(model->env, way, best)) continue;
+        TRY(try_way(model, way, first, &best));
+        tried++;
+    }
+    return settle(model, &best);
+}

@@ -1,0 +1,218 @@
+// lufact.h -- lufact, the factors of a basis and their updates
+//
+// B = L * R_1^-1 * ... * R_k^-1 * U up to row order. A basis position is named by its pivot row: after a factorisation
+// BasisHead[r] is the variable whose pivot lies in row r, so vectors over rows and over positions share one index
+// and no solve maps anything.
+//   L      unit lower triangular in pivot order, by columns (FTRAN) and by rows (BTRAN)
+//   R_t    row etas of the Forrest-Tomlin update: x[row] += sum Val * x[Ind]
+//   U      upper triangular in the order of Order; off-diagonals by columns and by rows, pivots in UDiag
+// Invariants   U entry (i, r) stands once in column r and once in row i, with PosOfRow[i] < PosOfRow[r];
+//              Order[PosOfRow[r]] == r; other cells of Order are -1; between solves Mark is all zero.
+// States       empty      NeedBasis == 1: FactorBasis has to run
+//              factored   NeedBasis == 0, NumUpdates >= 0: Ftran, Btran, UpdateFactor may be called
+// Literature   Suhl and Suhl, "Computing sparse LU factorizations for large-scale linear programming bases", ORSA J.
+//              Comp. 2, 1990; Forrest and Tomlin, "Updated triangular factors of the basis ...", Math. Prog. 2, 1972.
+#pragma once
+#include "lu/svec.h"
+
+// Columns of the basis come from here: variable j < NumCols is column j, the others are unit columns.
+struct BasisMatrix {
+    int NumRows = 0;
+    int NumCols = 0;
+    const int *ColBeg = nullptr; // [NumCols + 1]
+    const int *ColInd = nullptr;
+    const double *ColVal = nullptr;
+};
+
+// Which solve, for the running averages that foretell how full its result will be.
+enum SolveKind {
+    SOLVE_COLUMN,
+    SOLVE_ROW,
+    SOLVE_FLIPS,
+    SOLVE_NORM,
+    SOLVE_COSTS,
+    SOLVE_KINDS
+};
+
+template<class R> struct LuNode { // entry of the active matrix; dead once Idx[0] is -1
+    R Val;
+    int Idx[2];  // column (basis position), row
+    int Next[2]; // next entry in the same column, in the same row; -1 at the end
+};
+
+// The active matrix during elimination. Axis 0: columns, axis 1: rows. Count lists chain the lines of one count.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's name in the implicit move of arrays
+template<class R> struct LuActive {
+    Array<LuNode<R>> Nodes; // size: nodes in use; room bounds the fill
+    int FreeNode = -1;      // chain of nodes to use again, through Next[0]
+    int FreeNodes = 0;      // their number
+    Array<int> Head[2];     // [m] first node of a line, -1 when none
+    Array<int> Count[2];    // [m] live entries of a line, -1 once pivoted or never active
+    Array<R> Max[2];        // [m] largest magnitude in a line, 0 when not known
+    Array<int> First[2];    // [m + 1] by count: first line, -1 when none
+    Array<int> Prev[2];     // [m] neighbours in the count list; Prev is -1 at the front
+    Array<int> Next[2];     // [m]
+    int Lines = 0;          // active rows (and columns) left
+    int64_t Entries = 0;    // live entries
+    Array<R> Work;          // [m] zero between uses
+    Array<int> Stamp;       // [m] last line that met this place
+    int StampNow = 0;
+};
+
+template<class R> struct lufact {
+    int NumRows = 0;   // m
+    int NeedBasis = 1; // a factorisation has to come before the next solve
+    R DropTol = 0;     // magnitudes at or below count as zero
+    int Growths = 0;   // how often a pool had to grow
+
+    // Pivot order
+    Array<int>
+        Order; // [m + MaxPos] row at a place of the order, -1 where an update moved it away
+    Array<int> PosOfRow; // [m] place of a row
+    int NumPos = 0;      // places in use
+    int MaxMoves = 0;    // places kept for updates
+
+    // L
+    Array<int> LColBeg, LColLen; // [m] by pivot row
+    Array<int> LInd;
+    Array<R> LVal;
+    Array<int> LColOrder;        // pivot rows of columns with entries, in pivot order
+    Array<int> LRowBeg, LRowLen; // [m]
+    Array<int> LRowInd;          // pivot rows
+    Array<R> LRowVal;
+    Array<int> LRowOrder; // rows of L with entries, in pivot order
+    int64_t LNonzeros = 0;
+
+    // U
+    Array<R> UDiag;                       // [m]
+    Array<int> UColBeg, UColLen, UColCap; // [m] by pivot row
+    Array<int> UColInd;
+    Array<R> UColVal;
+    Array<int> URowBeg, URowLen, URowCap; // [m]
+    Array<int> URowInd;
+    Array<R> URowVal;
+    int64_t UNonzeros = 0; // off-diagonals and diagonals of U at the last factor
+    double PoolFactor =
+        2; // room of the U pools over what the factor needs; grows when updates fill them
+    double EtaFactor = 2; // room of the eta pool over m; likewise
+
+    // Row etas and the state of the update
+    Array<int> EtaRow; // [MaxMoves] pivot row
+    Array<int> EtaBeg; // [MaxMoves + 1]
+    Array<int> EtaInd;
+    Array<R> EtaVal;
+    Array<int> FirstEta; // [m] oldest eta that reads the row; INT32_MAX: none
+    int NumEtas = 0;
+    int NumUpdates = 0;
+    int64_t SpikeNnz = 0; // sum of spike sizes since the last factor
+    Array<int> SpikeInd;  // [m] the column kept by Ftran: after L and the etas, before U
+    Array<R> SpikeVal;    // [m]
+    int SpikeCount = -1;  // entries, -1 when none is kept
+    Array<int> PartInd;   // [m] the row kept by Btran: after U^T, before the etas
+    Array<R> PartVal;     // [m]
+    int PartCount = -1;
+    int PartRow = -1; // the unit vector it came from
+
+    double Density[SOLVE_KINDS][2] =
+        {}; // running share of nonzeros after the first and the second triangle
+    double WorkUnits = 0; // entries touched by solves, factors and updates
+
+    // Scratch
+    Array<char> Mark;                 // [m] zero between uses
+    Array<R> Lanes;                   // [4 m] vectors side by side, zero between uses
+    Array<int> Stack, StackPos, List; // [m]
+    LuActive<R> Active;
+    Array<int> URowTmpBeg,
+        URowTmpLen; // [m] rows of U found by elimination, columns as basis positions
+    Array<int> URowTmpInd;
+    Array<R> URowTmpVal;
+    Array<int> PatBeg, PatInd; // pattern of the basis by rows (positions of columns)
+    Array<int> RowCount,
+        RowSum; // [m] active entries of a row, and the xor of their positions
+    Array<int> ColCount, ColSum;   // [m] the same for basis positions, xor of rows
+    Array<int> RowOfPosn;          // [m] pivot row of a basis position, -1 when not pivoted
+    int NumPivots = 0;             // pivots booked so far
+    int NumTriangular = 0;         // those of the triangular stage
+    Array<R> Dense;                // the dense tail, row by row
+    Array<int> DenseRow, DenseCol; // rows and positions of the tail
+    Array<int> HeadNew;            // [m]
+};
+
+template<class R>
+[[nodiscard]] int lu_alloc(lufact<R> *lu, int num_rows, int max_updates, double drop_tol);
+
+// Factors the basis of the variables in head[0..m-1] and puts head into pivot-row order.
+// 0 done; k > 0: rank deficiency k, unpivoted rows and the basis positions of unpivoted columns in
+// bad_rows[0..k-1], bad_cols[0..k-1] ([m] each; the caller mends head and calls again; head is unchanged);
+// -OUT_OF_MEMORY.
+template<class R>
+[[nodiscard]] int FactorBasis(lufact<R> *lu, const BasisMatrix *basis, int *head,
+                              double markowitz_tol, int *bad_rows, int *bad_cols);
+
+// Stages of FactorBasis. LU_NEED_ROOM, LU_NEED_DENSE: the pools, or the arrays of the dense tail, are too small: grow
+// them and begin again.
+static constexpr int LU_NEED_ROOM = -1, LU_NEED_DENSE = -2;
+template<class R>
+int lu_singletons(lufact<R> *lu, const BasisMatrix *basis, const int *head);
+template<class R>
+int lu_markowitz(lufact<R> *lu, const BasisMatrix *basis, const int *head, R tol);
+template<class R> int lu_dense_tail(lufact<R> *lu);
+// Books a pivot: row and basis position leave the active part.
+template<class R> inline void lu_pivot(lufact<R> *lu, int row, int position, R value)
+{
+    lu->PosOfRow.data[row] = lu->NumPivots;
+    lu->Order.data[lu->NumPivots++] = row;
+    lu->RowOfPosn.data[position] = row;
+    lu->UDiag.data[row] = value;
+}
+
+// x := B^-1 x. With Keep::YES the spike for UpdateFactor is stored. The vector comes back tidy, unless VALUES says that
+// no list of it is wanted.
+enum class Keep { NO, YES, VALUES };
+template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
+// Several of them, as if one after the other. Those with full results share one pass over U.
+template<class R> struct FtranTask {
+    SVec<R> *X;
+    SolveKind Kind;
+    Keep Keeps; // YES in one of them at most
+};
+static constexpr int MAX_FTRANS = 3;
+template<class R> void FtranJoint(lufact<R> *lu, const FtranTask<R> *tasks, int count);
+// Its parts: through L and the etas, through U, and whether the latter would be a sweep down from *last.
+template<class R> void ftran_lower(lufact<R> *lu, const FtranTask<R> *task);
+template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task);
+template<class R>
+bool ftran_sweeps(const lufact<R> *lu, const FtranTask<R> *task, int *last);
+// The running average of how full results are.
+static constexpr double LU_AVERAGE_DECAY = 0.9;
+template<class R>
+inline void lu_remember(const lufact<R> *lu, int nonzeros, double *density)
+{
+    const double share = static_cast<double>(nonzeros) / lu->NumRows;
+    *density = LU_AVERAGE_DECAY * *density + (1 - LU_AVERAGE_DECAY) * share;
+}
+// x := B^-T x, tidy. With Keep::YES x must be the unit vector of the row that UpdateFactor will replace.
+template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
+
+// Replaces the column of position r by the one whose spike Ftran kept. `pivot` is entry r of that Ftran's result.
+// 0; UPDATE_UNSTABLE (factors unchanged in meaning, refactor) or UPDATE_NO_ROOM.
+enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
+template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
+
+// As after a factorisation: no updates yet.
+template<class R> inline void lu_forget_updates(lufact<R> *lu)
+{
+    lu->NumPos = lu->NumRows;
+    lu->NumEtas = lu->NumUpdates = 0;
+    lu->EtaInd.size = lu->EtaVal.size = 0;
+    lu->EtaBeg.data[0] = 0;
+    for (int i = 0; i < lu->NumRows; i++) lu->FirstEta.data[i] = INT32_MAX;
+    lu->SpikeNnz = 0;
+    lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
+}
+
+// lu_copy.cpp: keeps the factors of a basis, fresh ones, in a record that is good for nothing else, and brings them back:
+// what updates have changed, or ALL when the basis was factored anew. Keeping: 0 or OUT_OF_MEMORY.
+enum class LuParts { UPDATED, ALL };
+template<class R> [[nodiscard]] int lu_keep(const lufact<R> *lu, lufact<R> *kept);
+template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu);

@@ -1,0 +1,270 @@
+// file.cpp -- opening plain and compressed files
+//
+// Problem     Read and write model files, plain or compressed by gzip or bzip2, under any name a file can have.
+// Method      We open the file itself and hand its descriptor to the command as standard input or output, so that
+//             the command never sees the name and no shell exists. The command's other end is a pipe for reading;
+//             for writing it is a socket pair behind a custom stream, since a write to a socket can be told not
+//             to raise SIGPIPE when the command has died. The command's messages are discarded: its exit status is
+//             what counts.
+//             A file is emptied only when the command runs: it writes nothing before it gets input from us.
+// Invariant   Every descriptor is closed on exec and numbered 3 or above, also in a process without standard
+//             streams: a file can never take the place of standard output.
+// Cost        One process per compressed file.
+#include "runtime/file.h"
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+static constexpr int FIRST_DESCRIPTOR = 3; // above the standard streams
+static constexpr mode_t NEW_FILE_MODE = 0666;
+
+// Moves a descriptor above the standard streams; -1 stays -1.
+static int descriptor_raise(int descriptor)
+{
+    if (descriptor < 0 || descriptor >= FIRST_DESCRIPTOR) return descriptor;
+    const int raised = fcntl(descriptor, F_DUPFD_CLOEXEC, FIRST_DESCRIPTOR);
+    close(descriptor);
+    return raised;
+}
+
+// A descriptor of the file, or -1. Directories do not open.
+static int descriptor_open(const char *name, char mode)
+{
+    const int flags = mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT;
+    const int descriptor = descriptor_raise(open(name, flags | O_CLOEXEC, NEW_FILE_MODE));
+    struct stat status {
+    };
+    if (descriptor < 0) return -1;
+    if (fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode)) return descriptor;
+    close(descriptor);
+    return -1;
+}
+
+// Whether the name ends in the suffix, which is in small letters. Not by the locale.
+static bool ends_in(const char *name, const char *suffix)
+{
+    const size_t length = strlen(name);
+    const size_t n = strlen(suffix);
+    if (n > length) return false;
+    for (const char *p = name + length - n; *p; p++, suffix++)
+        if ((*p >= 'A' && *p <= 'Z' ? *p - 'A' + 'a' : *p) != *suffix) return false;
+    return true;
+}
+
+const char *FileCommand(const char *name)
+{
+    if (ends_in(name, ".gz")) return "gzip";
+    return ends_in(name, ".bz2") ? "bzip2" : nullptr;
+}
+
+// Runs command with the two descriptors as its standard input and output. The process id, or 0. The command gets
+// default SIGPIPE and an empty signal mask, whatever the caller's process uses.
+static pid_t command_start(const char *command, char mode, int input, int output)
+{
+    const char *option = mode == 'r' ? "-dc" : "-c";
+    char *arguments[] = {const_cast<char *>(command), const_cast<char *>(option),
+                         nullptr}; // not written to
+
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+    if (posix_spawn_file_actions_init(&actions)) return 0;
+    if (posix_spawnattr_init(&attributes)) {
+        posix_spawn_file_actions_destroy(&actions);
+        return 0;
+    }
+    sigset_t none;
+    sigset_t restored;
+    sigemptyset(&none);
+    sigemptyset(&restored);
+    sigaddset(&restored, SIGPIPE);
+    int error = posix_spawnattr_setsigmask(&attributes, &none);
+    if (!error) error = posix_spawnattr_setsigdefault(&attributes, &restored);
+    if (!error)
+        error = posix_spawnattr_setflags(&attributes,
+                                         POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    if (!error) error = posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    if (!error) error = posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    if (!error)
+        error = posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null",
+                                                 O_WRONLY, 0);
+    pid_t child = 0;
+    if (!error)
+        error = posix_spawnp(&child, command, &actions, &attributes, arguments, environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+    return error ? 0 : child;
+}
+
+// True when the command ended well. A status that somebody else collected is unknown, and not trusted.
+static bool command_succeeded(pid_t child)
+{
+    int status = 0;
+    pid_t waited = 0;
+    do waited = waitpid(child, &status, 0);
+    while (waited < 0 && errno == EINTR);
+    return waited == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// ---- The stream into a command: a socket whose writes fail instead of raising SIGPIPE ----
+
+static int cookie_descriptor(void *cookie)
+{
+    return static_cast<int>(reinterpret_cast<intptr_t>(cookie));
+}
+
+static ssize_t socket_write(void *cookie, const char *bytes, size_t count)
+{
+    size_t sent = 0;
+    while (sent < count) {
+        const ssize_t n =
+            send(cookie_descriptor(cookie), bytes + sent, count - sent, MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        sent += static_cast<size_t>(n);
+    }
+    return static_cast<ssize_t>(sent); // fewer than count is an error to the stream
+}
+
+static int socket_close(void *cookie)
+{
+    return close(cookie_descriptor(cookie));
+}
+
+static FILE *socket_stream(int descriptor)
+{
+    cookie_io_functions_t functions{};
+    functions.write = socket_write;
+    functions.close = socket_close;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the cookie is the number itself
+    return fopencookie(reinterpret_cast<void *>(static_cast<intptr_t>(descriptor)), "w",
+                       functions);
+}
+
+// Our end and the command's end of a connection. 0 or 1.
+static int connection_open(char mode, int *ours, int *theirs)
+{
+    int ends[2] = {-1, -1};
+    const int error = mode == 'r'
+                          ? pipe2(ends, O_CLOEXEC)
+                          : socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends);
+    if (error) return 1;
+    *ours = descriptor_raise(ends[0]);
+    *theirs = descriptor_raise(ends[1]);
+    if (*ours >= 0 && *theirs >= 0) return 0;
+    if (*ours >= 0) close(*ours);
+    if (*theirs >= 0) close(*theirs);
+    return 1;
+}
+
+// Takes over descriptor `target`; closes it unless it is kept in *file.
+static int open_through_command(const char *command, char mode, int target,
+                                FileHandle *file)
+{
+    int ours = -1;
+    int theirs = -1;
+    if (connection_open(mode, &ours, &theirs)) {
+        close(target);
+        return FILE_NO_COMMAND;
+    }
+    const bool reading = mode == 'r';
+    const pid_t child =
+        command_start(command, mode, reading ? target : theirs, reading ? theirs : target);
+    close(theirs);
+    FILE *stream = nullptr;
+    if (child) stream = reading ? fdopen(ours, "r") : socket_stream(ours);
+    if (!stream) {
+        close(ours);
+        close(target);
+        if (child) static_cast<void>(command_succeeded(child));
+        return FILE_NO_COMMAND;
+    }
+    if (reading) close(target);
+    *file = {.stream = stream,
+             .kind = 'p',
+             .mode = mode,
+             .child = child,
+             .target = reading ? -1 : target};
+    return 0;
+}
+
+static int open_plain(char mode, int descriptor, FileHandle *file)
+{
+    FILE *stream = fdopen(descriptor, mode == 'r' ? "r" : "w");
+    if (!stream) {
+        close(descriptor);
+        return FILE_UNREACHABLE;
+    }
+    *file = {.stream = stream, .kind = 'f', .mode = mode, .child = 0, .target = -1};
+    return 0;
+}
+
+// Empties the file that was opened for writing; devices and queues have nothing to lose. 0 or 1.
+static int empty_file(const FileHandle *file)
+{
+    const int descriptor = file->kind == 'p' ? file->target : fileno(file->stream);
+    struct stat status {
+    };
+    if (fstat(descriptor, &status)) return 1;
+    return S_ISREG(status.st_mode) && ftruncate(descriptor, 0);
+}
+
+int FileOpen(const char *name, char mode, FileHandle *file)
+{
+    *file = FileHandle{};
+    if (!name || !*name) return FILE_UNREACHABLE;
+    const bool is_new = mode == 'w' && access(name, F_OK) != 0;
+    const int descriptor = descriptor_open(name, mode);
+    if (descriptor < 0) return FILE_UNREACHABLE;
+    const char *command = FileCommand(name);
+    int fault = command ? open_through_command(command, mode, descriptor, file)
+                        : open_plain(mode, descriptor, file);
+    if (!fault && mode == 'w' && empty_file(file)) {
+        FileClose(file);
+        fault = FILE_UNREACHABLE;
+    }
+    if (fault && is_new) FileRemove(name);
+    return fault;
+}
+
+int FileClose(FileHandle *file)
+{
+    if (!file->stream) return 0;
+    const FileHandle closed = *file;
+    *file = FileHandle{};
+    const bool at_end = feof(closed.stream) != 0;
+    bool failed = ferror(closed.stream) != 0;
+    if (fclose(closed.stream) && closed.mode == 'w') failed = true;
+    if (closed.kind == 'p') {
+        const bool succeeded = command_succeeded(closed.child);
+        if (!succeeded && (closed.mode == 'w' || at_end)) failed = true;
+    }
+    if (closed.target >= 0 && close(closed.target)) failed = true;
+    return failed;
+}
+
+bool FileRemove(const char *name)
+{
+    struct stat status {
+    };
+    return lstat(name, &status) == 0 && S_ISREG(status.st_mode) && unlink(name) == 0;
+}
+
+bool FileCanRead(const char *name)
+{
+    if (!name || !*name) return false;
+    const int descriptor = open(
+        name, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a queue without writer must not wait
+    if (descriptor < 0) return false;
+    struct stat status {
+    };
+    const bool readable = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode);
+    close(descriptor);
+    return readable;
+}

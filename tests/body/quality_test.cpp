@@ -1,0 +1,191 @@
+// quality_test.cpp -- the measures of quality, on points made by hand with violations planted in them
+//
+// What is measured of solves is compared with an independent computation in tests/models; here stands what
+// a solve does not come across: factors of a scaling, what is no number, signs of the body, integer models.
+#include "body/quality.h"
+#include "support/model_test.h"
+#include <cmath>
+
+namespace
+{
+
+// min x0 + 2 x1    x0 + x1 + x2 >= 4  (row 0)    x0 - x1 <= 2  (row 1)    x0 + x2 = 3  (row 2)
+//                  0 <= x0 <= 2,  0 <= x1,  x2 free
+// Optimum (0, 1, 3), value 2, Pi = (2, 0, -2), RC = (1, 0, 0), slack of row 1 is 3.
+struct QualityOfLp : ModelTest {
+    std::vector<double> x{0, 1, 3}, pi{2, 0, -2}, rc{1, 0, 0};
+    std::vector<int> row_basis{-1, 0, -1};
+    QualityScale scale;
+    Quality quality;
+
+    void SetUp() override
+    {
+        LpModel lp;
+        lp_add_var(&lp, 1, 0, 2);
+        lp_add_var(&lp, 2, 0, LP_INFINITY);
+        lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '>', 4);
+        lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 2);
+        lp_add_row_entries(&lp, {{0, 1}, {2, 1}}, '=', 3);
+        load(lp);
+    }
+    void measure(PointSigns signs = PointSigns::CALLER)
+    {
+        const LpPoint point = {x.data(), pi.data(), rc.data(), row_basis.data(), signs};
+        ASSERT_EQ(LpQuality(model->env, model->body, point, scale, &quality), 0);
+    }
+};
+
+void expect_violation(const Violation &violation, double max, double sum, int index)
+{
+    EXPECT_DOUBLE_EQ(violation.max, max);
+    EXPECT_DOUBLE_EQ(violation.sum, sum);
+    EXPECT_EQ(violation.index, index);
+}
+
+const std::vector<Violation Quality::*> all_groups = {
+    &Quality::BoundVio,      &Quality::BoundSVio,      &Quality::ConstrVio,
+    &Quality::ConstrSVio,    &Quality::ConstrResidual, &Quality::ConstrSResidual,
+    &Quality::DualVio,       &Quality::DualSVio,       &Quality::DualResidual,
+    &Quality::DualSResidual, &Quality::ComplVio,       &Quality::IntVio};
+
+void expect_all_zero(const Quality &quality)
+{
+    for (const auto group : all_groups) expect_violation(quality.*group, 0, 0, -1);
+}
+
+} // namespace
+
+TEST_F(QualityOfLp, an_optimal_point_violates_nothing_and_a_moved_one_where_it_was_moved)
+{
+    measure();
+    expect_all_zero(quality);
+    x = {2.5, -1, 0.5}; // 0.5 above, 1 below; x2 is free
+    measure();
+    expect_violation(quality.BoundVio, 1, 1.5, 1);
+    x = {0, 1.5, 3}; // row 0 satisfied with slack 0.5, though the basis holds it at zero
+    measure();
+    expect_violation(quality.ConstrResidual, 0.5, 0.5, 0);
+    row_basis = {0, 0, 0}; // basic slacks leave no residual, but for the equality
+    x = {0, 1.5, 3.25};
+    measure();
+    expect_violation(quality.ConstrResidual, 0.25, 0.25, 2);
+}
+
+TEST_F(QualityOfLp, distances_within_the_tolerance_count_as_being_at_the_bound)
+{
+    x = {5e-7, 1, 3 - 5e-7};
+    measure();
+    expect_violation(quality.DualVio, 0, 0, -1);
+    EXPECT_GT(quality.ComplVio.max, 0);
+    x = {5e-6, 1, 3 - 5e-6};
+    measure();
+    expect_violation(quality.DualVio, 1, 1, 0);
+}
+
+TEST_F(QualityOfLp, the_scaled_measures_use_the_factors)
+{
+    const std::vector<double> row{4, 2, 1}, col{0.5, 0.25, 1};
+    scale = {row.data(), col.data(), 8};
+    x = {2.5, 1, 0.5}; // bound of x0 by 0.5; rows 0 and 2 hold
+    rc = {1, 0.5, 0};
+    row_basis = {0, -1, -1};
+    measure(); // row 1: slack 0.5 held at zero
+    EXPECT_EQ(quality.BoundSVio.max, 0.5 / 0.5);
+    EXPECT_EQ(quality.ConstrSResidual.max, 2 * 0.5);
+    EXPECT_EQ(quality.DualSVio.max, 1 * 0.5 * 8); // x0 beyond its bound, reduced cost 1
+    EXPECT_EQ(quality.DualSResidual.max, 0.5 * 0.25 * 8);
+}
+
+TEST_F(QualityOfLp, body_signs_and_callers_signs_mean_the_same_multipliers)
+{
+    pi = {-1, 0.5, 1};
+    rc = {1, 3, 0.5};
+    measure();
+    const Quality callers = quality;
+    pi[0] = 1; // minimise already; row 0 is held negated
+    measure(PointSigns::BODY);
+    for (const auto group : all_groups)
+        expect_violation(quality.*group, (callers.*group).max, (callers.*group).sum,
+                         (callers.*group).index);
+}
+
+TEST_F(QualityOfLp, what_is_not_a_number_counts_as_a_huge_violation)
+{
+    x[1] = NAN;
+    measure();
+    EXPECT_EQ(quality.BoundVio.max, 1e100);
+    EXPECT_EQ(quality.ConstrVio.max, 1e100);
+    x[1] = 1;
+    pi[1] = NAN;
+    measure();
+    EXPECT_EQ(quality.DualVio.max, 1e100);
+}
+
+// ---- Integer solutions ----
+
+namespace
+{
+
+struct QualityOfMip : ModelTest {
+    Quality quality;
+
+    void SetUp() override
+    {
+        // five variables: continuous, integer, binary, semi-continuous 2..5, semi-integer 2..5
+        const double lb[] = {0, 0, 0, 2, 2}, ub[] = {10, 10, 1, 5, 5};
+        ASSERT_EQ(
+            TVXnewmodel(env.env, &model, nullptr, 5, nullptr, lb, ub, "CIBSN", nullptr), 0);
+        const int ind[] = {0, 1, 2, 3, 4}, types[] = {1, 2}, beg[] = {0, 3},
+                  members[] = {0, 1, 2, 0, 1, 2, 3};
+        const double val[] = {1, 1, 1, 1, 1}, weight[] = {1, 2, 3, 1, 2, 3, 4};
+        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 12, nullptr), 0);
+        ASSERT_EQ(TVXaddsos(model, 2, 7, types, beg, members, weight), 0);
+        update();
+    }
+    // What is printed while the point is measured.
+    std::string measure(const std::vector<double> &x)
+    {
+        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        Output output;
+        EXPECT_EQ(MipQuality(model, x.data(), &quality, QualityWarnings::YES), 0);
+        return output.text();
+    }
+};
+
+} // namespace
+
+TEST_F(QualityOfMip, types_decide_what_is_a_violation)
+{
+    EXPECT_EQ(measure({0, 3, 0, 0, 4}), "");
+    expect_all_zero(quality);
+    measure({0.5, 2.75, 0, 2.5, 3.375}); // integrality of integer types only
+    expect_violation(quality.IntVio, 0.375, 0.625, 4);
+    measure({0, 0, 0, 1.5, 0}); // semi-continuous: to its lower bound, not to zero
+    expect_violation(quality.BoundVio, 0.5, 0.5, 3);
+    measure({0, 0, 0, 0.25, 6});
+    expect_violation(quality.BoundVio, 1, 1.25, 4);
+}
+
+TEST_F(QualityOfMip, an_sos_counts_what_is_outside_its_best_window)
+{
+    const auto sos = [&](int k, const std::vector<double> &x) {
+        return sos_violation(model->body, k, x.data());
+    };
+    EXPECT_EQ(sos(0, {1, 0, 0, 0, 0}), 0);
+    EXPECT_EQ(sos(0, {1, -4, 2, 0, 0}), 2);
+    EXPECT_EQ(sos(1, {0, 3, 3, 0, 0}), 0);
+    EXPECT_EQ(sos(1, {3, 0, 3, 0, 0}), 3);
+    EXPECT_EQ(sos(1, {1, 5, 2, 0, 0}), 1);
+    EXPECT_EQ(sos(1, {2, 5, 1, 0.5, 0}), 1);
+}
+
+TEST_F(QualityOfMip, warnings_tell_what_exceeds_its_tolerance)
+{
+    EXPECT_EQ(measure({20, 0.25, 0, 1, 0}),
+              "Warning: max constraint violation (9.2500e+00) exceeds tolerance\n"
+              "Warning: max bound violation (1.0000e+01) exceeds tolerance\n"
+              "Warning: max integrality violation (2.5000e-01) exceeds tolerance\n"
+              "Warning: max SOS violation (1.0000e+00) exceeds tolerance\n");
+    EXPECT_EQ(measure({0, 1 + 1e-6, 0, 0, 0}), "");
+}

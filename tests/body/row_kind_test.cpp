@@ -1,0 +1,206 @@
+// row_kind_test.cpp -- rows with infinite right-hand sides and with senses that are none, on every road of a solve
+#include "body/row_kind.h"
+#include "support/model_test.h"
+#include "support/settings.h"
+
+namespace
+{
+
+const double SIDES[] = {1e20, 1e50, 1e100, 1.7e308};
+
+// The roads of a solve.
+std::vector<Settings> roads()
+{
+    std::vector<Settings> list;
+    for (const double method : {0, 1})
+        for (const double form : {0, 1, 2})
+            for (const double presolve : {-1, 0})
+                list.push_back(
+                    {{"LPMethod", method}, {"Presolve", presolve}, {"PreDual", form}});
+    return list;
+}
+
+// max x + 2 y  subject to  R0: x + y <= 10,  R1: x - y (sense) (side),  x, y >= 0: y = 10 when R1 asks for nothing.
+struct RowKinds : ModelTest {
+    void plan(char sense, double side)
+    {
+        LpModel lp;
+        lp.sense = -1;
+        lp_add_var(&lp, 1, 0, LP_INFINITY);
+        lp_add_var(&lp, 2, 0, LP_INFINITY);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 10);
+        lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, sense, side);
+        load(lp);
+    }
+    void expect_status(int status)
+    {
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_EQ(integer("Status"), status);
+    }
+    // On all roads; `made` gives the fixture a fresh model.
+    template<class Make> void on_all_roads(const Make &made, int status)
+    {
+        for (const Settings &road : roads()) {
+            made();
+            ASSERT_EQ(settings_apply(own(), road), 0);
+            expect_status(status);
+            if (status == TVX_OPTIMAL) {
+                ASSERT_DOUBLE_EQ(dbl("ObjVal"), 20);
+            }
+            if (HasFatalFailure()) FAIL() << settings_text(road);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(RowKinds, an_infinite_side_asks_for_nothing_or_for_what_no_point_has)
+{
+    for (const double side : SIDES) {
+        on_all_roads([&] { plan('<', side); }, TVX_OPTIMAL);
+        on_all_roads([&] { plan('>', -side); }, TVX_OPTIMAL);
+        for (const auto &[sense, value] :
+             {std::pair{'<', -side}, {'>', side}, {'=', side}, {'=', -side}, {'?', -side}})
+            on_all_roads([&, s = sense, v = value] { plan(s, v); }, TVX_INFEASIBLE);
+    }
+    plan('<', -9.9e19); // still a number
+    ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+    expect_status(TVX_INFEASIBLE);
+    plan('<', 9.9e19);
+    expect_status(TVX_OPTIMAL);
+}
+
+TEST_F(RowKinds, a_free_row_reads_back_as_given_and_binds_when_its_side_comes_down)
+{
+    plan('<', 1e100);
+    expect_status(TVX_OPTIMAL);
+    EXPECT_EQ(dbl("RHS", 1), 1e100);
+    EXPECT_EQ(dbl("Pi", 1), 0);
+    EXPECT_EQ(dbl("SARHSLow", 1), -10) << "where the point stands";
+    EXPECT_EQ(dbl("SARHSUp", 1), 1e100);
+    for (const char *name : {"ConstrVio", "BoundVio", "DualVio", "ComplVio"})
+        EXPECT_EQ(dbl(name), 0) << name;
+    EXPECT_EQ(TVXgetdblattrelement(TestModel(TVXpresolvemodel(model)), "RHS", 0, nullptr),
+              10006)
+        << "nothing is left";
+
+    const auto bind = [&](double side, double objective) {
+        ASSERT_EQ(TVXsetdblattrelement(model, "RHS", 1, side), 0);
+        expect_status(TVX_OPTIMAL);
+        EXPECT_EQ(dbl("ObjVal"), objective) << side;
+    };
+    ASSERT_EQ(TVXsetcharattrelement(model, "Sense", 1, '>'), 0);
+    bind(-4, 17); // x = 3, y = 7
+    bind(-1e100, 20);
+    EXPECT_EQ(dbl("SARHSUp", 1), -10);
+    EXPECT_EQ(dbl("SARHSLow", 1), -1e100);
+    ASSERT_EQ(TVXsetdblattrelement(model, "RHS", 1, 1e100), 0);
+    ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+    Output log;
+    expect_status(TVX_INFEASIBLE);
+    const std::string text = log.text();
+    EXPECT_NE(text.find("Warning: constraint R1 has the infinite right-hand side 1e+100\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("\nInfeasible model\n"), std::string::npos) << text;
+}
+
+TEST_F(RowKinds, a_start_that_holds_a_free_row_is_mended)
+{
+    plan('<', 1e100);
+    for (const auto &vbasis : {std::vector{0, 0}, {0, -1}, {-1, 0}})
+        for (const auto &cbasis : {std::vector{-1, -1}, {0, -1}, {-1, 0}}) {
+            if (std::count(vbasis.begin(), vbasis.end(), 0) +
+                    std::count(cbasis.begin(), cbasis.end(), 0) !=
+                2)
+                continue;
+            ASSERT_EQ(lp_set_basis(model, vbasis, cbasis), 0);
+            EXPECT_EQ(objective(), 20);
+        }
+}
+
+TEST_F(RowKinds, ranges_with_infinite_sides)
+{
+    const int ind[] = {0, 1};
+    const double val[] = {1, -1};
+    struct Sides {
+        double lower, upper;
+        int status;
+    };
+    for (const Sides &s : {Sides{-1e100, 1e100, TVX_OPTIMAL},
+                           {-1e20, 1e20, TVX_OPTIMAL},
+                           {-1e100, -1e100, TVX_INFEASIBLE},
+                           {1e100, 1e100, TVX_INFEASIBLE},
+                           {1e100, 5, TVX_INFEASIBLE},
+                           {5, -1e100, TVX_INFEASIBLE}})
+        on_all_roads(
+            [&] {
+                plan('<', 1e100);
+                ASSERT_EQ(TVXaddrangeconstr(model, 2, ind, val, s.lower, s.upper, nullptr),
+                          0);
+            },
+            s.status);
+}
+
+TEST_F(RowKinds, files_keep_infinite_sides)
+{
+    const Scratch scratch;
+    const std::pair<const char *, int> rows[] = {
+        {"<= 1e100", TVX_OPTIMAL},   {">= -1e20", TVX_OPTIMAL},
+        {"<= inf", TVX_OPTIMAL},     {"<= -inf", TVX_INFEASIBLE},
+        {">= 1e50", TVX_INFEASIBLE}, {"= -1e100", TVX_INFEASIBLE}};
+    for (const auto &[side, status] : rows) {
+        file_put("a.lp", std::string("max\nx + 2 y\nst\na: x + y <= 10\nb: x - y ") + side +
+                             "\nend\n");
+        for (const char *file : {"a.lp", "b.mps", "c.lp"}) {
+            TVXfreemodel(model);
+            ASSERT_EQ(TVXreadmodel(env.env, file, &model), 0) << side;
+            expect_status(status);
+            ASSERT_EQ(TVXwrite(model, "b.mps"), 0);
+            ASSERT_EQ(TVXwrite(model, "c.lp"), 0);
+        }
+    }
+}
+
+// The new variables of a model with such rows used to lie outside their arrays.
+TEST_F(RowKinds, a_sense_that_is_none_stays_and_counts_as_less)
+{
+    for (const char sense : {'?', '\0', 'x', '\377'}) {
+        LpModel lp;
+        lp.sense = -1;
+        lp_add_var(&lp, 1, 0, LP_INFINITY);
+        for (int i = 0; i < 50; i++) lp_add_row_entries(&lp, {{0, 1}}, sense, 5 + i);
+        for (const Settings &road : roads()) {
+            load(lp);
+            ASSERT_EQ(settings_apply(own(), road), 0);
+            expect_status(TVX_OPTIMAL);
+            EXPECT_EQ(dbl("ObjVal"), 5);
+            EXPECT_EQ(dbl("ConstrVio"), 0);
+        }
+        char kept = 0;
+        EXPECT_EQ(TVXgetcharattrelement(model, "Sense", 3, &kept), 0);
+        EXPECT_EQ(kept, sense);
+        const TestModel elastic(TVXfeasibility(model));
+        int n = 0;
+        char *name = nullptr;
+        EXPECT_EQ(TVXgetintattr(elastic, "NumVars", &n), 0);
+        EXPECT_EQ(n, 51);
+        EXPECT_EQ(TVXgetstrattrelement(elastic, "VarName", 50, &name), 0);
+        EXPECT_STREQ(name, "R49_above");
+    }
+}
+
+TEST_F(RowKinds, feasibility_models_hold_to_rows_that_no_violation_satisfies)
+{
+    const auto status_of = [](TVXmodel *elastic) {
+        int status = 0;
+        EXPECT_EQ(TVXoptimize(elastic), 0);
+        EXPECT_EQ(TVXgetintattr(elastic, "Status", &status), 0);
+        return status;
+    };
+    plan('<', 1e100);
+    EXPECT_EQ(status_of(TestModel(TVXfeasibility(model))), TVX_OPTIMAL);
+    plan('=', 1e100);
+    EXPECT_EQ(status_of(TestModel(TVXfeasibility(model))), TVX_INFEASIBLE);
+    EXPECT_EQ(TVXpresolvemodel(model), nullptr);
+}

@@ -1,0 +1,299 @@
+// env_test.cpp -- environments: start and end, copies, the log, error texts, freed masters, lack of memory
+#include "env/env.h"
+#include "model/model.h"
+#include "support/scratch.h"
+#include <cmath>
+#include <thread>
+
+// An environment in a scratch directory.
+class Env : public testing::Test
+{
+  protected:
+    Scratch scratch;
+    TVXenv *env = nullptr;
+    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
+    void TearDown() override { TVXfreeenv(env); }
+    std::string message() { return TVXgeterrormsg(env); }
+    FILE *stream()
+    {
+        FILE *attached = stderr;
+        EXPECT_EQ(TVXgetlogfile(env, &attached), 0);
+        return attached;
+    }
+};
+
+TEST(EnvStart, PrintsNothingWithoutParameterFileAndAppendsItsLineToALog)
+{
+    const Scratch scratch;
+    file_put("a.log", "old\n");
+    const std::string warning = "Warning: Failed to open log file 'no/such/dir.log'\n";
+    for (const char *name : {"", "a.log", "no/such/dir.log"}) {
+        Output output;
+        TVXenv *env = nullptr;
+        EXPECT_EQ(TVXloadenv(&env, *name ? name : nullptr), 0);
+        EXPECT_STREQ(TVXgeterrormsg(env), "");
+        TVXfreeenv(env);
+        EXPECT_EQ(output.text(), *name == 'n' ? warning : "");
+    }
+    const std::string log = file_get("a.log"),
+                      start = std::string("old\n\nTarvex 3.0.3 (") + TVXplatform() +
+                              ") logging started ";
+    EXPECT_TRUE(log.starts_with(start) && log.ends_with("\n\n")) << log;
+    EXPECT_EQ(log.size(), start.size() + 24 + 2); // "Thu Jan  1 00:00:00 1970" and ends
+    EXPECT_EQ(TVXloadenv(nullptr, nullptr), TVX_ERROR_NULL_ARGUMENT);
+    TVXfreeenv(nullptr);
+    int major = 0, minor = 1, technical = 0;
+    TVXversion(&major, &minor, &technical);
+    EXPECT_TRUE(major == 3 && minor == 0 && technical == 3);
+    TVXversion(nullptr, nullptr, nullptr);
+    EXPECT_STREQ(TVXsvnrevision(), "7014");
+}
+
+// ---- Log ----
+
+TEST_F(Env, LinesGoToBothOutputsUnlessSilenced)
+{
+    ASSERT_EQ(TVXsetstrparam(env, "LogFile", "a.log"), 0);
+    const size_t opening = file_get("a.log").size();
+    Output output;
+    const char *volatile nothing = nullptr;
+    TVXmsg(env, "one %d %s\n", 1, nothing);
+    EXPECT_EQ(file_get("a.log").substr(opening), "one 1 (null)\n"); // there at once
+    ASSERT_EQ(TVXsetintparam(env, "OutputFlag", 0), 0);
+    TVXmsg(env, "two\n");
+    EXPECT_EQ(TVXsetstrparam(env, "LogFile", "no/such/dir.log"), TVX_ERROR_FILE_WRITE);
+    EXPECT_EQ(message(), "Failed to open log file 'no/such/dir.log'");
+    EXPECT_EQ(TVXsetstrparam(env, "LogFile", std::string(513, 'x').c_str()),
+              TVX_ERROR_FILE_WRITE);
+    EXPECT_STREQ(env->LogFile, "a.log") << "a log that cannot be opened leaves the last";
+    EXPECT_EQ(TVXsetstrparam(env, "LogFile", "b.log"), 0);
+    TVXmsg(nullptr, "three\n");
+    TVXmsg(env, nullptr);
+    EXPECT_EQ(output.text(), "one 1 (null)\n");
+    EXPECT_EQ(file_get("a.log").substr(opening), "one 1 (null)\n");
+    EXPECT_EQ(file_get("b.log"), "");
+    EXPECT_EQ(TVXsetstrparam(env, "LogFile", ""), 0);
+    EXPECT_EQ(stream(), nullptr);
+}
+
+TEST_F(Env, AStreamOfTheCallerBecomesTheLog)
+{
+    ASSERT_EQ(TVXsetstrparam(env, "LogFile", "a.log"), 0);
+    FILE *file = fopen("b.log", "w");
+    EXPECT_EQ(TVXsetlogfile(env, file), 0);
+    EXPECT_EQ(TVXsetlogfile(env, file), 0); // the same again: not closed in between
+    EXPECT_EQ(stream(), file);
+    EXPECT_EQ(TVXgetlogfile(env, nullptr), TVX_ERROR_NULL_ARGUMENT);
+    TVXmsg(env, "line\n");
+    EXPECT_NE(file_get("b.log").find("line\n"), std::string::npos);
+    EXPECT_EQ(TVXsetlogfile(env, stdout), 0); // closes b.log, and will not close stdout
+    EXPECT_EQ(TVXsetlogfile(env, nullptr), 0);
+    EXPECT_NE(fileno(stdout), -1);
+    if (FILE *full = fopen("/dev/full", "w")) {
+        Output said;
+        ASSERT_EQ(TVXsetlogfile(env, full), 0);
+        TVXmsg(env, "lost\n");
+        EXPECT_EQ(said.text(),
+                  "Warning: the log file cannot be written to its end\nlost\n");
+    }
+    EXPECT_EQ(TVXsetlogfile(nullptr, stdout), TVX_ERROR_NULL_ARGUMENT);
+}
+
+// ---- Errors ----
+
+TEST_F(Env, TheFirstTextStandsUnlessForcedOrOutOfMemory)
+{
+    EXPECT_EQ(fail(env, 0, Report::FORCE, "no failure"), 0);
+    EXPECT_EQ(message(), "");
+    EXPECT_EQ(fail(env, 10005, Report::KEEP_FIRST, "inner %d", 1), 10005);
+    EXPECT_EQ(fail(env, 10003, Report::KEEP_FIRST, "outer"), 10003);
+    EXPECT_EQ(finish(env, 10003), 10003);
+    EXPECT_EQ(message(), "inner 1");
+    fail(env, 10007, Report::FORCE, "again: %s", env->errmsg); // from its own old text
+    EXPECT_EQ(message(), "again: inner 1");
+    finish(env, 10001);
+    EXPECT_EQ(message(), "Out of memory");
+    for (const auto &[code, text] : {std::pair{0, ""},
+                                     {10009, "Error number 10009"},
+                                     {-1, "Error number -1"},
+                                     {10016, "Not available for MIP models"}}) {
+        finish(env, 0);
+        finish(env, code);
+        EXPECT_EQ(message(), text);
+    }
+    fail(env, 10003, Report::FORCE, "%s", std::string(2000, 'x').c_str());
+    EXPECT_EQ(message(), std::string(512, 'x'));
+    EXPECT_EQ(TVXgetintparam(env, "MIPFocus", nullptr), 10002); // a new call, a new text
+    EXPECT_EQ(message(), "NULL argument for required parameter");
+
+    fail(env, 10014, Report::FORCE, "deep");
+    env->err_hold = 1; // a held text is not touched
+    fail(env, 10003, Report::FORCE, "epilogue");
+    EXPECT_EQ(env_enter(env), 0);
+    EXPECT_EQ(message(), "deep");
+    EXPECT_EQ(env->errcode, 10014);
+    env->err_hold = 0;
+    EXPECT_EQ(env_enter(env), 0);
+    EXPECT_EQ(message(), "");
+}
+
+TEST_F(Env, NanAndInfinityInDataAreFound)
+{
+    for (const double value : {HUGE_VAL, -HUGE_VAL, double{NAN}}) {
+        EXPECT_EQ(check_value(env, value), 10003);
+        EXPECT_EQ(message(), "Double value is Nan or Inf.");
+    }
+    for (const double value : {1e308, 5e-324}) EXPECT_EQ(check_value(env, value), 0);
+    const double values[] = {1, -0.0, NAN, HUGE_VAL};
+    for (const int count : {2, 0, -1}) EXPECT_EQ(check_values(env, count, values), 0);
+    EXPECT_EQ(check_values(env, 4, nullptr), 0);
+    finish(env, 0);
+    EXPECT_EQ(check_values(env, 4, values), 10003);
+    EXPECT_EQ(message(), "Element 2 of a double array is Nan or Inf.");
+}
+
+// ---- Copies and handles ----
+
+TEST_F(Env, ACopyHasItsOwnValuesAndOpensTheLogAgain)
+{
+    std::filesystem::create_directory("d");
+    ASSERT_EQ(TVXsetstrparam(env, "LogFile", "d/a.log"), 0);
+    TVXenv *copy = nullptr, *second = nullptr, *third = nullptr;
+    ASSERT_EQ(env_copy(&copy, env, LogReopen::YES), 0);
+    ASSERT_EQ(TVXsetintparam(copy, "Cuts", 3), 0);
+    EXPECT_EQ(env->Cuts, -1);
+    EXPECT_NE(copy->log_file, env->log_file);
+    TVXmsg(copy, "from the copy\n");
+    EXPECT_NE(file_get("d/a.log").find("from the copy\n"), std::string::npos);
+    fail(copy, 10003, Report::FORCE, "shared");
+    EXPECT_EQ(message(), "shared");
+    TVXfreeenv(copy); // belongs to its model: ignored
+    EXPECT_EQ(env_check(copy), 0);
+    ASSERT_EQ(env_copy(&second, copy, LogReopen::NO), 0);
+    EXPECT_EQ(second->log_file, nullptr);
+    env_free(copy);
+    EXPECT_EQ(TVXsetintparam(second, "Cuts", 1), 0); // holds the master, not the copy
+    env_free(second);
+
+    std::filesystem::remove_all("d"); // a log that has gone is done without
+    Output output;
+    ASSERT_EQ(env_copy(&third, env, LogReopen::YES), 0);
+    EXPECT_EQ(output.text(), "Warning: Failed to open log file 'd/a.log'\n");
+    EXPECT_EQ(third->log_file, nullptr);
+    EXPECT_STREQ(TVXgeterrormsg(third), "");
+    env_free(third);
+}
+
+TEST_F(Env, AModelHandleIsChecked)
+{
+    TVXmodel model;
+    EXPECT_EQ(TVXcheckmodel(nullptr), TVX_ERROR_NULL_ARGUMENT);
+    EXPECT_EQ(TVXcheckmodel(&model), TVX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(TVXgetenv(&model), nullptr);
+    EXPECT_STREQ(TVXgetmerrormsg(&model), "");
+    TVXterminate(nullptr);
+    TVXterminate(&model);
+    model.magic = MODEL_MAGIC;
+    EXPECT_EQ(TVXcheckmodel(&model), TVX_ERROR_NULL_ARGUMENT); // no environment
+
+    ASSERT_EQ(env_copy(&model.env, env, LogReopen::NO), 0);
+    fail_model(&model, 10003, Report::FORCE, "text");
+    finish_model(&model, 10003);
+    for (int k = 0; k < 2; k++) EXPECT_STREQ(TVXgetmerrormsg(&model), "text");
+    EXPECT_EQ(TVXcheckmodel(&model), 0);
+    EXPECT_STREQ(TVXgetmerrormsg(&model), "");
+
+    model.busy = 1; // the refusal of another call does not hide what the solve says
+    EXPECT_EQ(finish_model(&model, TVXcheckmodel(&model)),
+              TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
+    fail_model(&model, 10014, Report::KEEP_FIRST, "of the solve");
+    EXPECT_EQ(message(), "of the solve");
+    model.callback_thread = ThreadSelf();
+    EXPECT_EQ(TVXcheckmodel(&model), 0);
+    model.callback_thread = 0;
+    model.busy = 0;
+
+    model.env->terminate_ptr = &model.env->terminate; // as a solve sets it
+    EXPECT_FALSE(env_stop_requested(model.env));
+    TVXterminate(&model);
+    EXPECT_TRUE(env_stop_requested(model.env));
+    env_free(model.env);
+    model.env = nullptr;
+}
+
+TEST_F(Env, AfterTheMasterIsFreedItsModelsRefuseWithAWarning)
+{
+    const std::string warning =
+        "Warning: invalid Tarvex environment. Was it freed too early?\n";
+    TVXmodel model;
+    model.magic = MODEL_MAGIC;
+    ASSERT_EQ(env_copy(&model.env, env, LogReopen::NO), 0);
+    TVXfreeenv(env);
+    env = nullptr;
+    Output output;
+    EXPECT_EQ(TVXcheckmodel(&model), TVX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(TVXgetenv(&model), nullptr);
+    EXPECT_EQ(TVXsetintparam(model.env, "Cuts", 1), TVX_ERROR_INVALID_ARGUMENT);
+    EXPECT_STREQ(TVXgetmerrormsg(&model), "");
+    TVXterminate(&model);
+    EXPECT_EQ(output.text(), warning + warning + warning + warning + warning);
+    EXPECT_EQ(model.env->terminate, 0);
+    model.env->OutputFlag = 0;
+    Output silent;
+    EXPECT_EQ(finish_model(&model, fail_model(&model, 10003, Report::FORCE, "lost")),
+              10003);
+    EXPECT_EQ(TVXcheckmodel(&model), TVX_ERROR_INVALID_ARGUMENT);
+    TVXmsg(model.env, "nothing\n");
+    EXPECT_EQ(silent.text(), "");
+    env_free(model.env);
+    model.env = nullptr;
+}
+
+TEST_F(Env, WorkersOnCopiesMayFailAndStopAtTheSameTime)
+{
+    const auto work = [this](int number) {
+        for (int k = 0; k < 200; k++) {
+            TVXenv *copy = nullptr;
+            ASSERT_EQ(env_copy(&copy, env, LogReopen::NO), 0);
+            fail(copy, 10014, k % 2 ? Report::FORCE : Report::KEEP_FIRST, "worker %d",
+                 number);
+            flag_store(copy->terminate_ptr, 1); // all point at the master's flag
+            finish(copy, k % 3 ? 10014 : 0);
+            env_free(copy);
+        }
+    };
+    std::thread one(work, 1), two(work, 2);
+    one.join();
+    two.join();
+    EXPECT_EQ(env->holders, 1);
+}
+
+#ifdef TVX_DEBUG
+TEST(EnvMemory, EveryRefusedRequestEndsTheStartCleanlyAndACopyLeavesItsSourceAlone)
+{
+    const Scratch scratch;
+    file_put("tarvex.env", "Presolve 2\n");
+    const int64_t before = mem_blocks_held();
+    TVXenv *env = nullptr;
+    for (int fail_at = 1; !env; fail_at++) {
+        Output output;
+        mem_fault_arm(fail_at);
+        const int error = TVXloadenv(&env, "a.log");
+        mem_fault_arm(0);
+        const std::string text = output.text();
+        if (!error) break;
+        ASSERT_EQ(error, TVX_ERROR_OUT_OF_MEMORY);
+        ASSERT_EQ(env, nullptr);
+        ASSERT_EQ(text, fail_at == 1 ? "" : "\nERROR: Out of memory\n\n");
+        ASSERT_EQ(mem_blocks_held(), before);
+    }
+    TVXenv *copy = env;
+    mem_fault_arm(1);
+    EXPECT_EQ(env_copy(&copy, env, LogReopen::YES), OUT_OF_MEMORY);
+    mem_fault_arm(0);
+    EXPECT_EQ(copy, nullptr);
+    EXPECT_EQ(env->holders + env->model_copies, 1);
+    TVXfreeenv(env);
+    EXPECT_EQ(mem_blocks_held(), before);
+}
+#endif

@@ -1,0 +1,351 @@
+// parameters_test.cpp -- parameters by name and from files
+#include "env/env.h"
+#include "env/parameter_table.h"
+#include "support/scratch.h"
+#include <cmath>
+#include <vector>
+
+class Parameters : public testing::Test
+{
+  protected:
+    Scratch scratch;
+    TVXenv *env = nullptr;
+    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
+    void TearDown() override { TVXfreeenv(env); }
+
+    int get_int(const char *name)
+    {
+        int value = -12345;
+        EXPECT_EQ(TVXgetintparam(env, name, &value), 0) << name;
+        return value;
+    }
+    double get_dbl(const char *name)
+    {
+        double value = -12345;
+        EXPECT_EQ(TVXgetdblparam(env, name, &value), 0) << name;
+        return value;
+    }
+    std::string get_str(const char *name)
+    {
+        char value[TVX_PARAM_LENGTH + 1] = "?";
+        EXPECT_EQ(TVXgetstrparam(env, name, value), 0) << name;
+        return value;
+    }
+    std::string message() { return TVXgeterrormsg(env); }
+    // What reading a file of this text prints.
+    std::string read(const std::string &text)
+    {
+        file_put("t.prm", text);
+        Output output;
+        EXPECT_EQ(TVXreadparams(env, "t.prm"), 0);
+        EXPECT_EQ(message(), "");
+        return output.text();
+    }
+    std::string written()
+    {
+        EXPECT_EQ(TVXwriteparams(env, "w.prm"), 0);
+        return file_get("w.prm");
+    }
+};
+
+// ---- Every row ----
+
+template<class T> struct Row {
+    const char *name;
+    T minimum, maximum, value;
+};
+#define NOTHING(...)
+#define ROW(name, minimum, maximum, value) {#name, minimum, maximum, value},
+#define NAME_ROW(name, ...) #name,
+static const std::vector<Row<int>> int_rows = {
+    PUBLIC_PARAMETERS(ROW, NOTHING, NOTHING) HIDDEN_PARAMETERS(ROW, NOTHING, NOTHING)};
+static const std::vector<Row<double>> dbl_rows = {
+    PUBLIC_PARAMETERS(NOTHING, ROW, NOTHING) HIDDEN_PARAMETERS(NOTHING, ROW, NOTHING)};
+
+TEST_F(Parameters, IntRowsKeepTheirRangeAndDefault)
+{
+    EXPECT_EQ(int_rows.size() + dbl_rows.size() + 4, 63u + 59u);
+    for (const auto &[row_name, minimum, maximum, standard] : int_rows) {
+        SCOPED_TRACE(row_name);
+        const std::string name = row_name;
+        const int value = name == "Threads" ? ProcessorCount() : standard;
+        int i[4] = {};
+        ASSERT_EQ(TVXgetparamtype(env, row_name), 1);
+        ASSERT_EQ(TVXgetintparaminfo(env, row_name, i, i + 1, i + 2, i + 3), 0);
+        EXPECT_EQ(std::vector<int>(i, i + 4),
+                  (std::vector<int>{value, minimum, maximum, value}));
+        EXPECT_EQ(TVXgetintparaminfo(env, row_name, nullptr, nullptr, nullptr, nullptr), 0);
+        for (const int bound : {minimum, maximum}) {
+            ASSERT_EQ(TVXsetintparam(env, row_name, bound), 0);
+            ASSERT_EQ(get_int(row_name), bound);
+            if (abs(bound) >= 2000000000) continue; // no value is further
+            const bool low = bound == minimum;
+            const std::string beyond = std::to_string(low ? bound - 1 : bound + 1);
+            ASSERT_EQ(TVXsetintparam(env, row_name, stoi(beyond)), 10008);
+            ASSERT_EQ(message(), "Unable to set parameter " + name + " to value " + beyond +
+                                     (low ? " (minimum is " : " (maximum is ") +
+                                     std::to_string(bound) + ")");
+            ASSERT_EQ(get_int(row_name), bound); // unchanged by the failure
+            if (minimum == maximum) break;
+        }
+        double number = 0;
+        ASSERT_EQ(TVXgetdblparam(env, row_name, &number), TVX_ERROR_UNKNOWN_PARAMETER);
+        ASSERT_EQ(message(), "Wrong type for parameter: " + name);
+    }
+    ASSERT_EQ(TVXresetparams(env), 0);
+    EXPECT_EQ(written(), "");
+}
+
+TEST_F(Parameters, DoubleRowsKeepTheirRangeAndDefault)
+{
+    for (const auto &[name, minimum, maximum, value] : dbl_rows) {
+        SCOPED_TRACE(name);
+        double d[4] = {};
+        ASSERT_EQ(TVXgetparamtype(env, name), 2);
+        ASSERT_EQ(TVXgetdblparaminfo(env, name, d, d + 1, d + 2, d + 3), 0);
+        EXPECT_EQ(std::vector<double>(d, d + 4),
+                  (std::vector<double>{value, minimum, maximum, value}));
+        EXPECT_EQ(TVXgetdblparaminfo(env, name, nullptr, nullptr, nullptr, nullptr), 0);
+        for (const double bound : {minimum, maximum}) {
+            ASSERT_EQ(TVXsetdblparam(env, name, bound), 0);
+            ASSERT_EQ(get_dbl(name), bound);
+        }
+        ASSERT_EQ(TVXsetdblparam(env, name, HUGE_VAL), maximum == 1e100 ? 0 : 10008);
+        if (minimum > -1e100) {
+            ASSERT_EQ(TVXsetdblparam(env, name, std::nextafter(minimum, -HUGE_VAL)), 10008);
+        }
+        ASSERT_EQ(TVXsetdblparam(env, name, NAN), 10008);
+        ASSERT_EQ(get_dbl(name), maximum);
+        ASSERT_EQ(TVXsetintparam(env, name, 1), TVX_ERROR_UNKNOWN_PARAMETER);
+    }
+    EXPECT_EQ(TVXsetdblparam(env, "FeasibilityTol", 0.5), 10008);
+    EXPECT_EQ(message(),
+              "Unable to set parameter FeasibilityTol to value 0.5 (maximum is 0.01)");
+    EXPECT_EQ(TVXsetdblparam(env, "time_limit", -1e300), 10008);
+    EXPECT_EQ(message(),
+              "Unable to set parameter TimeLimit to value -1e+100 (minimum is 0)");
+}
+
+TEST_F(Parameters, StringsHoldTheirFirst512Characters)
+{
+    char current[TVX_PARAM_LENGTH + 1], standard[TVX_PARAM_LENGTH + 1];
+    EXPECT_EQ(TVXgetparamtype(env, "NodefileDir"), 3);
+    EXPECT_EQ(TVXsetstrparam(env, "NodefileDir", std::string(600, 'd').c_str()), 0);
+    EXPECT_EQ(TVXgetstrparaminfo(env, "NodefileDir", current, standard), 0);
+    EXPECT_EQ(current, std::string(512, 'd'));
+    EXPECT_STREQ(standard, ".");
+    EXPECT_EQ(TVXgetstrparaminfo(env, "ResultFile", nullptr, nullptr), 0);
+    EXPECT_EQ(TVXresetparams(env), 0);
+    EXPECT_EQ(get_str("NodefileDir"), std::string(512, 'd')); // strings are not reset
+}
+
+// ---- Names ----
+
+TEST_F(Parameters, NamesIgnoreCaseAndInnerUnderscoresAndUnknownOnesAreTold)
+{
+    for (const char *name : {"TimeLimit", "TIMELIMIT", "time_limit", "T_i_m_e_limit__"}) {
+        EXPECT_EQ(TVXsetdblparam(env, name, 17), 0) << name;
+        EXPECT_EQ(get_dbl("TimeLimit"), 17);
+        EXPECT_EQ(TVXresetparams(env), 0);
+    }
+    int value = 0;
+    for (const char *name : {"NoSuch", "_TimeLimit", "", "Time Limit", "%s%n"}) {
+        EXPECT_EQ(TVXgetintparam(env, name, &value), 10007);
+        EXPECT_EQ(message(), std::string("Unknown parameter: ") + name);
+        EXPECT_EQ(TVXgetparamtype(env, name), -1);
+    }
+    EXPECT_EQ(TVXgetintparam(env, std::string(5000, 'n').c_str(), &value), 10007);
+    EXPECT_EQ(TVXgetintparam(env, "EndPublic", &value), 10007);
+    EXPECT_EQ(TVXsetstrparam(env, "Dummy", "EndPublic 1"), 10007);
+    EXPECT_EQ(message(), "Unknown parameter: EndPublic");
+}
+
+TEST_F(Parameters, PublicNamesCanBeListedInTableOrder)
+{
+    const char *names[] = {PUBLIC_PARAMETERS(NAME_ROW, NAME_ROW, NAME_ROW)};
+    char *name = nullptr;
+    ASSERT_EQ(TVXgetnumparams(env), 63);
+    for (int k = 0; k < 63; k++) {
+        ASSERT_EQ(TVXgetparamname(env, k, &name), 0);
+        EXPECT_STREQ(name, names[k]);
+    }
+    for (const int k : {63, -1, 2000000000}) {
+        EXPECT_EQ(TVXgetparamname(env, k, &name), TVX_ERROR_INVALID_ARGUMENT);
+        EXPECT_EQ(name, nullptr);
+    }
+}
+
+TEST_F(Parameters, NullArgumentsAreRefused)
+{
+    int i = 0;
+    double d = 0;
+    char s[TVX_PARAM_LENGTH + 1];
+    for (TVXenv *handle : {static_cast<TVXenv *>(nullptr), env}) {
+        for (const int code :
+             {TVXgetintparam(handle, nullptr, &i), TVXgetdblparam(handle, nullptr, &d),
+              TVXgetstrparam(handle, nullptr, s), TVXgetintparam(handle, "Cuts", nullptr),
+              TVXgetdblparam(handle, "Cutoff", nullptr),
+              TVXgetstrparam(handle, "LogFile", nullptr),
+              TVXsetintparam(handle, nullptr, 1), TVXsetdblparam(handle, nullptr, 1),
+              TVXsetstrparam(handle, nullptr, "x"),
+              TVXsetstrparam(handle, "LogFile", nullptr),
+              TVXsetstrparam(handle, "Dummy", nullptr),
+              TVXsetstrparam(handle, "ResultFile", nullptr),
+              TVXgetintparaminfo(handle, nullptr, &i, &i, &i, &i),
+              TVXgetdblparaminfo(handle, nullptr, &d, &d, &d, &d),
+              TVXgetstrparaminfo(handle, nullptr, s, s), TVXreadparams(handle, nullptr),
+              TVXwriteparams(handle, nullptr)})
+            EXPECT_EQ(code, TVX_ERROR_NULL_ARGUMENT);
+        EXPECT_EQ(TVXgetparamtype(handle, nullptr), -1);
+    }
+    EXPECT_EQ(TVXresetparams(nullptr), TVX_ERROR_NULL_ARGUMENT);
+    EXPECT_EQ(TVXgetparamname(env, 0, nullptr), TVX_ERROR_NULL_ARGUMENT);
+    EXPECT_EQ(TVXgetnumparams(nullptr), 0);
+}
+
+TEST_F(Parameters, DummySetsAnyNumberByText)
+{
+    EXPECT_EQ(TVXsetstrparam(env, "Dummy", "  time_limit\t1.5d1 x"), 0);
+    EXPECT_EQ(get_dbl("TimeLimit"), 15);
+    EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 1.9"), 0);
+    EXPECT_EQ(get_int("Presolve"), 1);
+    EXPECT_EQ(get_str("Dummy"), "");
+    EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 1e300"), 10008);
+    EXPECT_EQ(message(),
+              "Unable to set parameter Presolve to value 2000000000 (maximum is 2)");
+    for (const std::string &text : {std::string(), std::string(4000, 'n') + " 1",
+                                    std::string("Presolve"), std::string("Presolve 2x"),
+                                    std::string("LogFile 1"), std::string("Presolve nan")})
+        EXPECT_EQ(TVXsetstrparam(env, "Dummy", text.c_str()), 10007) << text;
+    EXPECT_EQ(get_int("Presolve"), 1);
+}
+
+TEST_F(Parameters, AMasterWithModelsWarnsOnce)
+{
+    Output quiet;
+    ASSERT_EQ(TVXsetintparam(env, "Cuts", 1), 0);
+    EXPECT_EQ(quiet.text(), ""); // no model yet
+    TVXenv *copy = nullptr;
+    ASSERT_EQ(env_copy(&copy, env, LogReopen::NO), 0);
+    Output output;
+    TVXsetintparam(copy, "Cuts", 2); // a model's own environment
+    TVXsetintparam(env, "OutputFlag", 0);
+    TVXsetintparam(env, "OutputFlag", 1); // off: not printed, still to come
+    TVXsetdblparam(env, "Cutoff", 2);
+    TVXsetstrparam(env, "ResultFile", "x");
+    EXPECT_EQ(output.text(), "Warning: parameter changes on this environment will not "
+                             "affect existing models.\n");
+    env_free(copy);
+}
+
+// ---- Files ----
+
+TEST_F(Parameters, WhatIsWrittenReadsBack)
+{
+    ASSERT_EQ(TVXsetintparam(env, "MIPFocus", 2), 0);
+    ASSERT_EQ(TVXsetdblparam(env, "TimeLimit", 12.5), 0);
+    ASSERT_EQ(TVXsetdblparam(env, "Cutoff", -1e100), 0);
+    ASSERT_EQ(TVXsetintparam(env, "TARV_PAR_ITEST", -2000000000), 0);
+    ASSERT_EQ(TVXsetintparam(env, "TARV_PAR_MASTERENVWARN", 0), 0);
+    ASSERT_EQ(TVXsetstrparam(env, "ResultFile", "r.sol"), 0);
+    const std::string text = written();
+    EXPECT_EQ(text, "Cutoff  -1e+100\nTimeLimit  12.5\nMIPFocus  2\n"
+                    "TARV_PAR_ITEST  -2000000000\n");
+    ASSERT_EQ(TVXwriteparams(env, "w.prm.gz"), 0);
+    for (const char *file : {"w.prm", "w.prm.gz"}) {
+        ASSERT_EQ(TVXresetparams(env), 0);
+        Output output;
+        ASSERT_EQ(TVXreadparams(env, file), 0);
+        EXPECT_EQ(output.text(), "Set parameter Cutoff to value -1e+100\n"
+                                 "Set parameter TimeLimit to value 12.5\n"
+                                 "Set parameter MIPFocus to value 2\n"
+                                 "Set parameter TARV_PAR_ITEST to value -2e+09\n");
+        EXPECT_EQ(written(), text);
+    }
+}
+
+TEST_F(Parameters, EveryLineOfAFileIsToldInTheLog)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"# only\n#comments 1\n", ""},
+        {"\xef\xbb\xbf\n \t\r\nCuts 1\r\r\n\n\x1a", "Set parameter Cuts to value 1\n"},
+        {"#" + std::string(158, ' ') + "Presolve 1\n", ""}, // a comment of any length
+        {"Presolve  5\n", "Failed to set parameter Presolve to value 5\n"},
+        {"\tpre_solve\t 1.9 trailing words\r\n", "Set parameter pre_solve to value 1.9\n"},
+        {"TimeLimit 2x", "Failed to set parameter TimeLimit to value 2x\n"},
+        {"TimeLimit nan", "Failed to set parameter TimeLimit to value nan\n"},
+        {"TimeLimit inf", "Set parameter TimeLimit to value inf\n"},
+        {"EndPublic 1\n", "Failed to set parameter EndPublic to value 1\n"},
+        {"NodefileDir nodes\nResultFile 12\n",
+         "Set parameter NodefileDir to value nodes\nSet parameter ResultFile to value "
+         "12\n"},
+        {" # x\nNoSuch 1\nCuts 2\n", "Warning: unknown parameter # in t.prm\n"
+                                     "Warning: unknown parameter NoSuch in t.prm\n"
+                                     "Set parameter Cuts to value 2\n"
+                                     "2 warnings while reading parameter file t.prm\n"},
+        // 159 characters: the name and blanks; the next piece starts a new line
+        {"Cuts" + std::string(155, ' ') + "Presolve 2\n",
+         "Failed to set parameter Cuts to value \nSet parameter Presolve to value 2\n"}};
+    for (const auto &[text, said] : cases) EXPECT_EQ(read(text), said);
+    EXPECT_EQ(get_int("Presolve"), 2);
+    EXPECT_EQ(get_dbl("TimeLimit"), 1e100);
+    EXPECT_EQ(get_str("NodefileDir") + get_str("ResultFile"), "nodes"); // 12 is no string
+    const std::string said = read(std::string(1000, 'n') + " 1\n");
+    EXPECT_NE(said.find("\n7 warnings while reading"), std::string::npos);
+}
+
+TEST_F(Parameters, FilesThatCannotBeUsedAreErrors)
+{
+    file_put("t.prm", std::string("Cuts 1\r\n\xff\xfe\nMIPFocus 1\0 2\n", 25));
+    Output output;
+    EXPECT_EQ(TVXreadparams(env, "t.prm"), 10012);
+    EXPECT_EQ(message(),
+              "Parameter file t.prm is no text file: control character in line 3");
+    EXPECT_EQ(output.text(), "Set parameter Cuts to value 1\nWarning: unknown parameter "
+                             "\xff\xfe in t.prm\n1 warnings while reading parameter file "
+                             "t.prm\n");
+    file_put("bad.prm.gz", "not compressed");
+    EXPECT_EQ(TVXreadparams(env, "none.prm"), 10003);
+    EXPECT_EQ(message(), "Unable to read parameter file none.prm");
+    EXPECT_EQ(TVXreadparams(env, "."), 10003);
+    EXPECT_EQ(TVXreadparams(env, "bad.prm.gz"), 10012);
+    EXPECT_EQ(message(), "Unable to read parameter file bad.prm.gz");
+    EXPECT_EQ(TVXwriteparams(env, "no/such/w.prm"), 10003);
+    EXPECT_EQ(message(), "Unable to write to parameter file no/such/w.prm");
+    ASSERT_EQ(TVXsetintparam(env, "Cuts", 1), 0);
+    if (!std::filesystem::exists("/dev/full")) return;
+    EXPECT_EQ(TVXwriteparams(env, "/dev/full"), 10013);
+    EXPECT_EQ(message(), "Unable to write to parameter file /dev/full");
+}
+
+TEST(ParameterFile, TheStartReadsTarvexEnvOfTheCurrentDirectory)
+{
+    const Scratch scratch;
+    file_put("tarvex.env", "Presolve 2\nNoSuch 1\nLogFile b.log\nOutputFlag 0\nCuts 9\n");
+    Output output;
+    TVXenv *env = nullptr;
+    ASSERT_EQ(TVXloadenv(&env, "a.log"), 0);
+    const std::string said = "Set parameter Presolve to value 2\n"
+                             "Warning: unknown parameter NoSuch in tarvex.env\n",
+                      log = "Set parameter LogFile to value b.log\n"; // then silence
+    EXPECT_EQ(output.text(), said + log);
+    EXPECT_STREQ(TVXgeterrormsg(env), "");
+    EXPECT_EQ(env->Presolve, 2);
+    TVXfreeenv(env);
+    EXPECT_NE(file_get("a.log").find(said), std::string::npos);
+    EXPECT_NE(file_get("b.log").find(log), std::string::npos);
+}
+
+#ifdef TVX_DEBUG
+TEST_F(Parameters, SettingReadingAndWritingNeedNoMemory)
+{
+    file_put("t.prm", "Cuts 1\nTimeLimit 3\nLogFile a.log\nNoSuch 2\n");
+    Output output;
+    mem_fault_arm(1);
+    EXPECT_EQ(TVXreadparams(env, "t.prm") + TVXwriteparams(env, "w.prm"), 0);
+    EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 2") + TVXresetparams(env), 0);
+    EXPECT_EQ(mem_fault_hits(), 0);
+    mem_fault_arm(0);
+    EXPECT_EQ(file_get("w.prm"), "TimeLimit  3\nCuts  1\n");
+}
+#endif

@@ -1,0 +1,254 @@
+// lp_driver_test.cpp -- the route of a linear program as a caller sees it: log lines, statuses, second solves
+//
+// Values and multipliers are judged in tests/models; what survives an update is in model_update_test.cpp.
+#include "api/optimize.h"
+#include "model/model.h"
+#include "support/model_test.h"
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+namespace
+{
+
+// min x0 + 2 x1    x0 + x1 + x2 >= 4    x0 - x1 <= 2    x0 + x2 = 3    0 <= x0 <= 2,  0 <= x1,  x2 free
+// Optimum (0, 1, 3), value 2.
+LpModel small_lp()
+{
+    LpModel lp;
+    lp_add_var(&lp, 1, 0, 2);
+    lp_add_var(&lp, 2, 0, LP_INFINITY);
+    lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '>', 4);
+    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 2);
+    lp_add_row_entries(&lp, {{0, 1}, {2, 1}}, '=', 3);
+    return lp;
+}
+
+const std::vector<int> OPTIMAL_VARS = {TVX_NONBASIC_LOWER, TVX_BASIC, TVX_BASIC},
+                       OPTIMAL_ROWS = {TVX_NONBASIC_LOWER, TVX_BASIC, TVX_NONBASIC_LOWER};
+
+struct LpDriver : ModelTest {
+    Scratch folder;
+
+    void SetUp() override
+    {
+        ASSERT_EQ(TVXsetintparam(env.env, "Presolve", 0), 0); // the simplex alone
+        load(small_lp());
+    }
+    void set(const char *name, double value)
+    {
+        ASSERT_EQ(TVXsetdblparam(own(), name, value), 0);
+    }
+    int status() { return integer("Status"); }
+
+    // The lines of one solve, the same in the log file and on standard output; seconds replaced by "#".
+    std::vector<std::string> solve_log()
+    {
+        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        EXPECT_EQ(TVXsetstrparam(own(), "LogFile", "solve.log"), 0);
+        Output output;
+        EXPECT_EQ(TVXoptimize(model), 0);
+        const std::string shown = output.text();
+        EXPECT_EQ(TVXsetstrparam(own(), "LogFile", ""), 0);
+        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 0), 0);
+        EXPECT_TRUE(file_get("solve.log").ends_with("\n\n" + shown));
+        std::filesystem::remove("solve.log");
+        std::vector<std::string> lines;
+        std::istringstream in(shown);
+        for (std::string line; std::getline(in, line);) {
+            const size_t at = line.find(" and "), end = line.find(" seconds");
+            if (at < end && end != std::string::npos)
+                line.replace(at + 5, end - at - 5, "#");
+            lines.push_back(line);
+        }
+        return lines;
+    }
+    std::string effort(const char *word)
+    {
+        char line[64];
+        snprintf(line, sizeof line, "%s in %.0f iterations and # seconds", word,
+                 dbl("IterCount"));
+        return line;
+    }
+};
+
+} // namespace
+
+TEST_F(LpDriver, writes_its_lines_in_order_and_only_the_last_ones_for_what_is_solved)
+{
+    const std::string size = "Optimize a model with 3 rows, 3 columns and 7 nonzeros",
+                      outcome = "Optimal objective  2.000000000e+00";
+    const std::vector<std::string> lines = solve_log();
+    ASSERT_GE(lines.size(), 6u);
+    EXPECT_EQ(lines[0], size);
+    EXPECT_EQ(lines[1], "Iteration    Objective       Primal Inf.    Dual Inf.      Time");
+    EXPECT_EQ(std::vector<std::string>(lines.end() - 3, lines.end()),
+              (std::vector<std::string>{"", effort("Solved"), outcome}));
+    const double iterations = dbl("IterCount");
+    EXPECT_EQ(solve_log(), (std::vector<std::string>{size, "", effort("Solved"), outcome}));
+    EXPECT_EQ(dbl("IterCount"), iterations);
+    EXPECT_EQ(dbl("ObjVal"), 2);
+    EXPECT_EQ(integer("SolCount"), 1);
+    EXPECT_EQ(all("X", 3), all("Xn", 3));
+    double value = 0;
+    EXPECT_EQ(TVXgetdblattr(model, "ObjBound", &value), 10005); // of a MIP only
+    EXPECT_EQ(own()->TARV_PAR_UNSCALEDVIO, -2) << "changed for the solve only";
+    EXPECT_EQ(own()->MarkowitzTol, 0.0078125);
+}
+
+TEST_F(LpDriver, logs_no_objective_at_bounds_that_do_not_exist)
+{
+    LpModel lp; // neither variable has an upper bound, both costs pull upwards
+    lp.sense = -1;
+    lp_add_var(&lp, 1, 0, LP_INFINITY);
+    lp_add_var(&lp, 2, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 4);
+    for (const int method : {0, 1}) {
+        load(lp);
+        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+        const std::vector<std::string> lines = solve_log();
+        double iterations = -1, objective = LP_INFINITY;
+        ASSERT_EQ(sscanf(lines[2].c_str(), "%lf %lf", &iterations, &objective), 2);
+        EXPECT_EQ(iterations, 0);
+        EXPECT_LE(std::fabs(objective), 1e3) << lines[2];
+    }
+}
+
+TEST_F(LpDriver, tells_infeasible_from_unbounded_and_shows_no_solution)
+{
+    LpModel infeasible = small_lp(), unbounded = small_lp();
+    infeasible.rhs[2] = -50; // x2 <= -50, so x1 must grow; forbid it
+    infeasible.ub[1] = 1;
+    unbounded.obj[1] = -1;
+    for (const int expected : {TVX_INFEASIBLE, TVX_UNBOUNDED}) {
+        const bool none = expected == TVX_INFEASIBLE;
+        load(none ? infeasible : unbounded);
+        const std::vector<std::string> lines = solve_log();
+        EXPECT_EQ(lines.back(), none ? "Infeasible model" : "Unbounded model");
+        EXPECT_EQ(lines[lines.size() - 2], effort("Solved"));
+        EXPECT_EQ(status(), expected);
+        double value = 0;
+        int i = 0;
+        for (const char *name : {"X", "RC", "Xn", "Pi", "Slack"})
+            EXPECT_EQ(TVXgetdblattrelement(model, name, 0, &value), 10005) << name;
+        for (const char *name : {"ObjVal", "BoundVio", "DualVioSum"})
+            EXPECT_EQ(TVXgetdblattr(model, name, &value), 10005) << name;
+        EXPECT_EQ(TVXgetintattrelement(model, "VBasis", 0, &i), 10005);
+        EXPECT_EQ(TVXgetintattr(model, "DualVioIndex", &i), 10005);
+        EXPECT_EQ(integer("SolCount"), 0);
+        ASSERT_EQ(TVXoptimize(model), 0); // once more, at once
+        EXPECT_EQ(status(), expected);
+    }
+}
+
+TEST_F(LpDriver, stops_at_a_limit_and_goes_on_from_there)
+{
+    set("IterationLimit", 0);
+    std::vector<std::string> lines = solve_log();
+    ASSERT_EQ(status(), TVX_ITERATION_LIMIT);
+    EXPECT_EQ(lines[lines.size() - 2], "Stopped in 0 iterations and # seconds");
+    EXPECT_EQ(lines.back(), "Iteration limit exceeded");
+    (void)all("X", 3); // where the simplex stands
+    (void)dbl("BoundVio");
+    set("IterationLimit", 1e100);
+    set("TimeLimit", 0);
+    EXPECT_EQ(solve_log().back(), "Time limit exceeded");
+    ASSERT_EQ(status(), TVX_TIME_LIMIT);
+    set("TimeLimit", 1e100);
+    EXPECT_EQ(objective(), 2);
+    EXPECT_EQ(all("X", 3), (std::vector<double>{0, 1, 3})) << "not what was read before";
+}
+
+TEST_F(LpDriver, bounds_that_cross_by_little_are_told_in_full)
+{
+    ASSERT_EQ(TVXsetdblattrelement(model, "LB", 0, 1234567.25), 0);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 1234567), 0);
+    const std::vector<std::string> lines = solve_log();
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "         in full, lower = 1234567.25 and upper = 1234567"),
+              lines.end());
+}
+
+TEST_F(LpDriver, a_basis_set_after_a_limit_is_newer_than_the_stopped_simplex)
+{
+    set("IterationLimit", 0);
+    ASSERT_EQ(TVXoptimize(model), 0);
+    ASSERT_EQ(status(), TVX_ITERATION_LIMIT);
+    ASSERT_EQ(lp_set_basis(model, OPTIMAL_VARS, OPTIMAL_ROWS), 0);
+    set("IterationLimit", 1e100);
+    EXPECT_EQ(objective(), 2);
+    EXPECT_EQ(dbl("IterCount"), 0);
+}
+
+TEST_F(LpDriver, an_update_takes_the_results_away_when_it_is_made)
+{
+    ASSERT_EQ(TVXoptimize(model), 0);
+    const std::vector<double> x = all("X", 3);
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 1), 0);
+    EXPECT_EQ(all("X", 3), x) << "still there before the update";
+    update();
+    EXPECT_EQ(status(), TVX_LOADED);
+    double value = 0;
+    EXPECT_EQ(TVXgetdblattrelement(model, "X", 0, &value), 10005);
+    for (const char *name : {"ObjVal", "IterCount", "DualVio"})
+        EXPECT_EQ(TVXgetdblattr(model, name, &value), 10005) << name;
+    EXPECT_EQ(objective(), 2);
+}
+
+TEST_F(LpDriver, says_that_there_is_no_barrier_and_solves_by_dual_simplex)
+{
+    ASSERT_EQ(TVXsetintparam(own(), "LPMethod", 2), 0);
+    EXPECT_EQ(solve_log()[1], "Warning: barrier is not available, using dual simplex");
+    EXPECT_EQ(status(), TVX_OPTIMAL);
+    EXPECT_EQ(own()->LPMethod, 2);
+}
+
+TEST_F(LpDriver, writes_the_result_file_or_says_that_it_cannot_and_dumps_when_asked)
+{
+    ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", "result.sol"), 0);
+    ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_DUMP", 1), 0);
+    std::vector<std::string> lines = solve_log();
+    EXPECT_EQ(
+        std::vector<std::string>(lines.end() - 3, lines.end()),
+        (std::vector<std::string>{"", "Wrote requested result file 'result.sol'", ""}));
+    for (const char *file : {"result.sol", "tarvex.rew", "tarvex.prm"})
+        EXPECT_TRUE(std::filesystem::exists(file)) << file;
+    ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", "no/such/folder/result.sol"), 0);
+    lines = solve_log();
+    EXPECT_EQ(lines[lines.size() - 2],
+              "WARNING: unable to write requested result file 'no/such/folder/result.sol'");
+    EXPECT_STREQ(TVXgetmerrormsg(model), "");
+}
+
+TEST_F(LpDriver, refuses_what_needs_a_search_and_solves_it_once_it_is_continuous)
+{
+    ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'I'), 0);
+    refused(10016,
+            "Only continuous models can be solved: this one has 1 integer or "
+            "semi-continuous variables and 0 SOS constraints",
+            TVXoptimize(model));
+    EXPECT_EQ(status(), TVX_LOADED);
+    double value = 0;
+    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), 10005);
+    ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'C'), 0);
+    EXPECT_EQ(objective(), 2);
+}
+
+TEST(ObjectiveIsBounded, needs_a_finite_bound_where_each_cost_would_run)
+{
+    TestEnv env;
+    const auto bounded = [&](int sense, double cost, double lb, double ub) {
+        LpModel lp;
+        lp.sense = sense;
+        lp_add_var(&lp, cost, lb, ub);
+        TestModel model(lp_load(env.env, &lp));
+        return objective_is_bounded(model.model->env, model.model->body);
+    };
+    EXPECT_TRUE(bounded(1, 1, 0, LP_INFINITY));
+    EXPECT_FALSE(bounded(1, -1, 0, LP_INFINITY));
+    EXPECT_TRUE(bounded(-1, -1, 0, LP_INFINITY));
+    EXPECT_FALSE(bounded(-1, 1, 0, LP_INFINITY));
+    EXPECT_FALSE(bounded(1, 1, -LP_INFINITY, 0));
+    EXPECT_TRUE(bounded(1, 0, -LP_INFINITY, LP_INFINITY));
+}

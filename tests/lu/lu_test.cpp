@@ -1,0 +1,263 @@
+// Factors, solves and updates against the columns of the basis themselves: every result is put back into the equations.
+#include "lu/lufact.h"
+#include "gtest/gtest.h"
+#include <random>
+#include <vector>
+
+namespace
+{
+// A pool of sparse columns, with 1.5 on place j of column j so that the first m of them are likely a basis.
+struct Pool {
+    int m, n;
+    std::vector<int> beg, ind;
+    std::vector<double> val;
+    BasisMatrix matrix() const { return {m, n, beg.data(), ind.data(), val.data()}; }
+};
+
+Pool random_pool(int m, int n, double extra, unsigned seed)
+{
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<double> share(0, 1);
+    Pool pool{m, n, {0}, {}, {}};
+    for (int j = 0; j < n; j++) {
+        std::vector<char> used(m, 0);
+        const auto put = [&](int i, double v) {
+            if (used[i]) return;
+            used[i] = 1;
+            pool.ind.push_back(i);
+            pool.val.push_back(v);
+        };
+        put(j % m, 1.5);
+        while (share(rng) < extra)
+            put(static_cast<int>(rng() % unsigned(m)), 2 * share(rng) - 1);
+        pool.beg.push_back(static_cast<int>(pool.ind.size()));
+    }
+    return pool;
+}
+
+template<class R> struct Factored {
+    Pool pool;
+    lufact<R> lu;
+    std::vector<int> head, bad_rows, bad_cols;
+
+    explicit Factored(Pool p) : pool(std::move(p))
+    {
+        const auto m = static_cast<size_t>(pool.m);
+        head.resize(m);
+        bad_rows.resize(m);
+        bad_cols.resize(m);
+        EXPECT_EQ(0, lu_alloc(&lu, pool.m, 100, 1e-13));
+    }
+    int factor(double tol = 0.01)
+    {
+        const BasisMatrix matrix = pool.matrix();
+        return FactorBasis(&lu, &matrix, head.data(), tol, bad_rows.data(),
+                           bad_cols.data());
+    }
+    void column(int var, SVec<R> *x) const
+    {
+        svec_clear(x);
+        if (var >= pool.n) {
+            svec_unit(x, var - pool.n, R(1));
+            return;
+        }
+        for (int p = pool.beg[var]; p < pool.beg[var + 1]; p++)
+            svec_add(x, pool.ind[p], R(pool.val[p]));
+    }
+    // Largest entry of B x - b, or of B^T x - b.
+    double error(bool forward, const std::vector<R> &b, const SVec<R> &x) const
+    {
+        std::vector<R> rest(b);
+        SVec<R> col;
+        EXPECT_EQ(0, svec_alloc(&col, pool.m));
+        for (int k = 0; k < pool.m; k++) {
+            column(head[k], &col);
+            for (int i = 0; i < pool.m; i++)
+                rest[forward ? i : k] -= col.Value.data[i] * x.Value.data[forward ? k : i];
+        }
+        double most = 0;
+        for (const R r : rest) most = std::max(most, double(std::abs(r)));
+        return most;
+    }
+    bool tidy(const SVec<R> &x) const // the list holds exactly the nonzeros
+    {
+        int nonzeros = 0;
+        for (int i = 0; i < pool.m; i++) nonzeros += x.Value.data[i] != R(0);
+        return nonzeros == x.Count;
+    }
+};
+
+// Right-hand sides with one, a few and all entries, with and without a list.
+template<class R> void check_solves(Factored<R> *f, double limit, unsigned seed)
+{
+    const int m = f->pool.m;
+    std::mt19937 rng(seed);
+    SVec<R> x;
+    ASSERT_EQ(0, svec_alloc(&x, m));
+    for (int kind = 0; kind < 12; kind++) {
+        const int entries = kind / 4 == 0 ? 1 : kind / 4 == 1 ? 3 : m;
+        const bool forward = kind % 2;
+        std::vector<R> b(m, R(0));
+        for (int k = 0; k < entries; k++)
+            b[entries == m ? unsigned(k) : rng() % unsigned(m)] = R(1 + k % 7);
+        svec_clear(&x);
+        for (int i = 0; i < m; i++)
+            if (b[i] != R(0)) svec_add(&x, i, b[i]);
+        if (kind / 2 % 2) x.Count = -1; // not listed
+        if (forward)
+            Ftran(&f->lu, &x, SOLVE_FLIPS, Keep::NO);
+        else
+            Btran(&f->lu, &x, SOLVE_COSTS, Keep::NO);
+        EXPECT_LT(f->error(forward, b, x), limit) << "kind " << kind;
+        EXPECT_TRUE(f->tidy(x));
+    }
+}
+
+// Several FTRANs at once give, to the last bit, what each gives alone.
+template<class R> void check_joint(Factored<R> *f, unsigned seed)
+{
+    const int m = f->pool.m;
+    std::mt19937 rng(seed);
+    const Keep keeps[] = {Keep::YES, Keep::VALUES, Keep::NO};
+    const SolveKind kinds[] = {SOLVE_COLUMN, SOLVE_NORM, SOLVE_FLIPS};
+    SVec<R> alone[MAX_FTRANS], joint[MAX_FTRANS];
+    for (int round = 0; round < 12; round++) {
+        FtranTask<R> tasks[MAX_FTRANS];
+        const int count = 1 + round % MAX_FTRANS;
+        for (int k = 0; k < count; k++) {
+            ASSERT_EQ(0, svec_alloc(&alone[k], m));
+            ASSERT_EQ(0, svec_alloc(&joint[k], m));
+            const int entries = round < 6 ? m : static_cast<int>(rng() % 3);
+            for (int e = 0; e < entries; e++)
+                svec_add(&alone[k], static_cast<int>(rng() % unsigned(m)), R(1 + e % 7));
+            svec_copy(&joint[k], &alone[k]);
+            tasks[k] = {&joint[k], kinds[k], keeps[k]};
+            Ftran(&f->lu, &alone[k], kinds[k], keeps[k]);
+        }
+        const int spike = f->lu.SpikeCount;
+        FtranJoint(&f->lu, tasks, count);
+        EXPECT_EQ(spike, f->lu.SpikeCount);
+        for (int k = 0; k < count; k++) {
+            for (int i = 0; i < m; i++)
+                ASSERT_EQ(alone[k].Value.data[i], joint[k].Value.data[i])
+                    << round << " " << k;
+            EXPECT_TRUE(keeps[k] == Keep::VALUES || f->tidy(joint[k]));
+        }
+    }
+}
+
+// Random exchanges as a simplex would make them.
+template<class R>
+void check_updates(Factored<R> *f, int updates, double limit, unsigned seed)
+{
+    const int m = f->pool.m;
+    std::mt19937 rng(seed);
+    SVec<R> alpha, rho;
+    ASSERT_EQ(0, svec_alloc(&alpha, m));
+    ASSERT_EQ(0, svec_alloc(&rho, m));
+    std::vector<char> basic(size_t(f->pool.n + m), 0);
+    for (const int var : f->head) basic[var] = 1;
+    int done = 0;
+    for (int tries = 0; tries < 50 * updates && done < updates; tries++) {
+        const int q = static_cast<int>(rng() % unsigned(f->pool.n + m));
+        if (basic[q]) continue;
+        f->column(q, &alpha);
+        Ftran(&f->lu, &alpha, SOLVE_COLUMN, Keep::YES);
+        int r = -1; // a pivot of fair size
+        for (int k = 0; k < alpha.Count; k++)
+            if (std::abs(alpha.Value.data[alpha.Index.data[k]]) > R(0.1) && rng() % 3)
+                r = alpha.Index.data[k];
+        if (r < 0) continue;
+        svec_unit(&rho, r, R(1));
+        Btran(&f->lu, &rho, SOLVE_ROW, Keep::YES);
+        const int result = UpdateFactor(&f->lu, r, alpha.Value.data[r]);
+        if (result != UPDATE_DONE) { // the old basis stands
+            ASSERT_EQ(0, f->factor());
+            continue;
+        }
+        basic[f->head[size_t(r)]] = 0;
+        basic[q] = 1;
+        f->head[r] = q;
+        done++;
+    }
+    EXPECT_EQ(done, updates);
+    check_joint(f, seed);
+    check_solves(f, limit, seed);
+}
+
+template<class R> void check_random_bases(double limit)
+{
+    struct Shape {
+        int m;
+        double extra;
+    };
+    unsigned seed = 1;
+    for (const Shape shape : {Shape{1, 0.0}, {7, 0.5}, {60, 0.5}, {60, 0.9}, {300, 0.66}}) {
+        for (int round = 0; round < 4; round++, seed++) {
+            SCOPED_TRACE(seed);
+            Factored<R> f(random_pool(shape.m, 2 * shape.m, shape.extra, seed));
+            for (int k = 0; k < shape.m; k++) // structurals and slacks mixed
+                f.head[k] = round && k % (round + 1) == 0 ? f.pool.n + k : k;
+            ASSERT_EQ(0, f.factor());
+            check_solves(&f, limit, seed);
+            check_updates(&f, std::min(shape.m, 40), limit * 100, seed);
+        }
+    }
+}
+} // namespace
+
+TEST(Lu, solves_and_updates_satisfy_the_equations)
+{
+    check_random_bases<double>(1e-8);
+}
+
+TEST(Lu, extended_precision_is_more_accurate)
+{
+    check_random_bases<long double>(1e-11);
+}
+
+TEST(Lu, dense_basis)
+{
+    Factored<double> f(random_pool(120, 120, 0.99, 7));
+    for (int k = 0; k < 120; k++) f.head[k] = k;
+    ASSERT_EQ(0, f.factor(0.1));
+    check_solves(&f, 1e-8, 7);
+}
+
+// A deficient basis names as many rows as columns; slacks of those rows in those positions mend it.
+TEST(Lu, singular_basis_is_mended_by_the_slacks_it_names)
+{
+    for (unsigned seed = 1; seed <= 20; seed++) {
+        SCOPED_TRACE(seed);
+        Factored<double> f(random_pool(40, 80, 0.6, seed));
+        for (int k = 0; k < 40; k++) f.head[k] = k % 7 == 3 ? 40 + k - 1 : k;
+        for (int k = 5; k < 40; k += 9) f.head[k] = f.head[k - 1]; // twice
+        const std::vector<int> before = f.head;
+        const int missing = f.factor();
+        ASSERT_GT(missing, 0);
+        EXPECT_EQ(before, f.head);
+        EXPECT_EQ(1, f.lu.NeedBasis);
+        for (int k = 0; k < missing; k++)
+            f.head[f.bad_cols[size_t(k)]] = f.pool.n + f.bad_rows[k];
+        ASSERT_EQ(0, f.factor());
+        check_solves(&f, 1e-7, seed);
+    }
+}
+
+TEST(Lu, update_refuses_a_vanishing_pivot_and_leaves_the_factors)
+{
+    Factored<double> f(random_pool(30, 60, 0.5, 3));
+    for (int k = 0; k < 30; k++) f.head[k] = k;
+    ASSERT_EQ(0, f.factor());
+    SVec<double> alpha, rho;
+    ASSERT_EQ(0, svec_alloc(&alpha, 30));
+    ASSERT_EQ(0, svec_alloc(&rho, 30));
+    f.column(f.head[4],
+             &alpha); // a column that is basic elsewhere: entry 5 of the result is 0
+    Ftran(&f.lu, &alpha, SOLVE_COLUMN, Keep::YES);
+    svec_unit(&rho, 5, 1.0);
+    Btran(&f.lu, &rho, SOLVE_ROW, Keep::YES);
+    EXPECT_EQ(UPDATE_UNSTABLE, UpdateFactor(&f.lu, 5, alpha.Value.data[5]));
+    EXPECT_EQ(0, f.lu.NumUpdates);
+    check_solves(&f, 1e-8, 3);
+}

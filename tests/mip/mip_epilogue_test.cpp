@@ -1,0 +1,106 @@
+// mip_epilogue_test.cpp -- the closing lines of a MIP, from results made by hand
+#include "api/optimize_log.h"
+#include "model/model.h"
+#include "support/model_test.h"
+
+namespace
+{
+
+struct MipEpilogue : ModelTest {
+    MipResult *result = nullptr;
+
+    void SetUp() override
+    {
+        const double ub[] = {10, 10};
+        ASSERT_EQ(
+            TVXnewmodel(env.env, &model, nullptr, 2, nullptr, nullptr, ub, "II", nullptr),
+            0);
+        ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        result = model->mip_result =
+            static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+        result->status = TVX_OPTIMAL;
+        result->node_count = 12;
+        result->iter_count = 345;
+        result->thread_count = 2;
+        result->objval = 100;
+        result->objbound = 99;
+    }
+    // Everything from the line behind "Thread count" on.
+    std::string closing(int error = 0)
+    {
+        Output output;
+        EXPECT_EQ(log_mip_epilogue(model, error), 0);
+        const std::string text = output.text();
+        EXPECT_TRUE(text.starts_with("\nExplored 12 nodes (345 simplex iterations) in "))
+            << text;
+        const size_t threads = text.find("Thread count was 2 (of ");
+        EXPECT_NE(threads, std::string::npos);
+        return text.substr(text.find('\n', threads) + 1);
+    }
+};
+
+} // namespace
+
+TEST_F(MipEpilogue, has_a_line_for_every_status)
+{
+    const std::pair<int, const char *> lines[] = {
+        {TVX_OPTIMAL, "Optimal solution found (tolerance 1.00e-04)"},
+        {TVX_INFEASIBLE, "Model is infeasible"},
+        {TVX_INF_OR_UNBD, "Model is infeasible or unbounded"},
+        {TVX_UNBOUNDED, "Model is unbounded"},
+        {TVX_CUTOFF, "Model objective exceeds cutoff"},
+        {TVX_ITERATION_LIMIT, "Iteration limit reached"},
+        {TVX_NODE_LIMIT, "Node limit reached"},
+        {TVX_TIME_LIMIT, "Time limit reached"},
+        {TVX_SOLUTION_LIMIT, "Solution limit reached"},
+        {TVX_INTERRUPTED, "Solve interrupted"},
+    };
+    for (const auto &[status, line] : lines) {
+        result->status = status;
+        EXPECT_TRUE(closing().starts_with(std::string("\n") + line + "\nBest")) << line;
+    }
+    EXPECT_TRUE(closing(10011).starts_with("\nSolve interrupted (error code 10011)\nBest"));
+}
+
+TEST_F(MipEpilogue, a_gap_needs_two_finite_values_and_an_objective_off_zero)
+{
+    const struct {
+        double objval, objbound;
+        const char *line;
+    } cases[] = {{100, 99, "1.0000000000e+02, best bound 9.9000000000e+01, gap 1.0000%"},
+                 {1e100, 99, "-, best bound 9.9000000000e+01, gap -"},
+                 {1e-7, 99, "1.0000000000e-07, best bound 9.9000000000e+01, gap -"},
+                 {0, 0, "0.0000000000e+00, best bound 0.0000000000e+00, gap 0.0%"},
+                 {-50, -1e100, "-5.0000000000e+01, best bound -, gap -"}};
+    for (const auto &one : cases) {
+        result->objval = one.objval;
+        result->objbound = one.objbound;
+        EXPECT_TRUE(closing().ends_with(std::string("\nBest objective ") + one.line + "\n"))
+            << one.line;
+    }
+}
+
+TEST_F(MipEpilogue, results_are_read_from_the_record_of_the_mip)
+{
+    double value = 0;
+    EXPECT_EQ(dbl("ObjBound"), 99);
+    EXPECT_EQ(dbl("NodeCount"), 12);
+    EXPECT_EQ(TVXgetdblattrelement(model, "X", 0, &value), 10005); // no solution
+    const double x[] = {0.5, 0};
+    result->has_solution = result->sol_count = 1;
+    ASSERT_EQ(array_copy(&result->x, x, 2), 0);
+    EXPECT_NE(closing().find("Warning: max integrality violation (5.0000e-01) exceeds "
+                             "tolerance\nBest objective"),
+              std::string::npos);
+    EXPECT_EQ(dbl("IntVio"), 0.5);
+    EXPECT_EQ(integer("IntVioIndex"), 0);
+    EXPECT_EQ(integer("SolCount"), 1);
+    EXPECT_EQ(TVXgetdblattr(model, "DualVio", &value), 10005); // not for a MIP
+    EXPECT_EQ(TVXgetdblattrelement(model, "RC", 0, &value), 10005);
+    for (const int status : {TVX_INFEASIBLE, TVX_INF_OR_UNBD, TVX_UNBOUNDED}) {
+        result->status = status;
+        EXPECT_EQ(integer("Status"), status);
+        EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), 10005);
+        EXPECT_EQ(TVXgetdblattr(model, "ObjBound", &value), 10005);
+    }
+}

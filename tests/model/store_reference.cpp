@@ -1,0 +1,263 @@
+#include "model/store_reference.h"
+#include "model/model_store.h"
+#include "support/model_text.h"
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+// The bounds that the type makes of those given.
+static double shown_lower(const StoreReference::Var &var)
+{
+    if (var.vtype == 'C' || var.vtype == 'S') return var.lb;
+    const double whole = std::ceil(var.lb - 1e-5);
+    return var.vtype == 'B' ? std::max(whole, 0.0) : whole;
+}
+static double shown_upper(const StoreReference::Var &var)
+{
+    if (var.vtype == 'C' || var.vtype == 'S') return var.ub;
+    const double whole = std::floor(var.ub + 1e-5);
+    return var.vtype == 'B' ? std::min(whole, 1.0) : whole;
+}
+
+static double bounded(double value)
+{
+    if (value >= 1e20) return 1e30;
+    return value <= -1e20 ? -1e30 : value;
+}
+
+void StoreReference::add_var(Var var)
+{
+    if (var.name.empty()) {
+        const int number = std::max(next_var_name, static_cast<int>(vars.size()));
+        var.name = "C" + std::to_string(number);
+        next_var_name = number + 1;
+    }
+    var.lb = bounded(var.lb);
+    var.ub = bounded(var.ub);
+    queue.vars.push_back(var);
+}
+
+void StoreReference::add_constr(NewConstr added)
+{
+    if (added.constr.name.empty()) {
+        const int number = std::max(next_constr_name, static_cast<int>(constrs.size()));
+        added.constr.name = "R" + std::to_string(number);
+        next_constr_name = number + 1;
+    }
+    if (added.is_range && added.lower <= -1e20) {
+        added.is_range = false;
+        added.constr.sense = '<';
+    } else if (added.is_range && added.constr.rhs >= 1e20) {
+        added.is_range = false;
+        added.constr.sense = '>';
+        added.constr.rhs = added.lower;
+    } else if (added.is_range) {
+        added.constr.sense = '=';
+    }
+    queue.constrs.push_back(added);
+}
+
+void StoreReference::add_sos(Sos set)
+{
+    Entries &members = set.members;
+    const auto up = [](const auto &a, const auto &b) { return a.second < b.second; };
+    const auto down = [](const auto &a, const auto &b) { return a.second > b.second; };
+    if (!std::is_sorted(members.begin(), members.end(), up) &&
+        !std::is_sorted(members.begin(), members.end(), down)) {
+        std::stable_sort(members.begin(), members.end(), up);
+        std::set<double> weights;
+        for (const auto &[j, weight] : members) weights.insert(weight);
+        double gap = 1e10;
+        for (auto w = weights.begin(); std::next(w) != weights.end(); w++)
+            gap = std::min(gap, *std::next(w) - *w);
+        double position = 0;
+        if (weights.size() < members.size()) {
+            const double step = gap / (2.0 * static_cast<double>(members.size()));
+            for (auto &[j, weight] : members) weight += step * position++;
+        }
+    }
+    queue.sos.push_back(set);
+}
+
+void StoreReference::update_values()
+{
+    if (queue.name) name = queue.name;
+    for (const auto &[j, text] : queue.varname) vars[j].name = text;
+    for (const auto &[i, text] : queue.constrname) constrs[i].name = text;
+    for (const auto &[i, value] : queue.rhs) constrs[i].rhs = value;
+    for (const auto &[i, value] : queue.sense) constrs[i].sense = value;
+    sense = queue.model_sense.value_or(sense); // the caller's costs stay as they are
+    for (const auto &[j, value] : queue.obj) vars[j].obj = value;
+    objcon = queue.objcon.value_or(objcon);
+    for (const auto &[j, value] : queue.vtype) vars[j].vtype = value;
+    for (const auto &[j, value] : queue.lb) vars[j].lb = bounded(value);
+    for (const auto &[j, value] : queue.ub) vars[j].ub = bounded(value);
+}
+
+// The last change of a place counts, at the time it came.
+void StoreReference::update_coefs()
+{
+    std::map<std::pair<int, int>, size_t> last; // var, row
+    for (size_t k = 0; k < queue.coefs.size(); k++)
+        last[{queue.coefs[k].var, queue.coefs[k].row}] = k;
+    for (size_t k = 0; k < queue.coefs.size(); k++) {
+        const Coef &change = queue.coefs[k];
+        if (last[{change.var, change.row}] != k) continue;
+        Entries &column = vars[change.var].column;
+        auto entry =
+            std::find_if(column.begin(), column.end(),
+                         [row = change.row](const auto &e) { return e.first == row; });
+        const bool vanishes = std::fabs(change.value) < 1e-13;
+        if (entry != column.end() && vanishes)
+            column.erase(entry);
+        else if (entry != column.end())
+            entry->second = change.value;
+        else if (!vanishes)
+            column.emplace_back(change.row, change.value);
+    }
+}
+
+// New index of each of n elements, -1 for those that are gone.
+static std::vector<int> numbering(size_t n, const std::set<int> &gone)
+{
+    std::vector<int> map;
+    int next = 0;
+    for (size_t k = 0; k < n; k++)
+        map.push_back(gone.count(static_cast<int>(k)) ? -1 : next++);
+    return map;
+}
+
+static void renumber(Entries *entries, const std::vector<int> &map)
+{
+    std::erase_if(*entries, [&map](const auto &e) { return map[e.first] < 0; });
+    for (auto &[k, value] : *entries) k = map[k];
+}
+
+template<class T> static void erase_gone(std::vector<T> *list, const std::set<int> &gone)
+{
+    for (auto k = gone.rbegin(); k != gone.rend(); k++) list->erase(list->begin() + *k);
+}
+
+void StoreReference::update_deletions()
+{
+    const std::vector<int> var_map = numbering(vars.size(), queue.gone_vars),
+                           constr_map = numbering(constrs.size(), queue.gone_constrs);
+    for (std::vector<Var> *list : {&vars, &queue.vars})
+        for (Var &var : *list) renumber(&var.column, constr_map);
+    for (NewConstr &added : queue.constrs) renumber(&added.row, var_map);
+    for (std::vector<Sos> *list : {&sos, &queue.sos})
+        for (Sos &set : *list) renumber(&set.members, var_map);
+    erase_gone(&vars, queue.gone_vars);
+    erase_gone(&constrs, queue.gone_constrs);
+    erase_gone(&sos, queue.gone_sos);
+}
+
+void StoreReference::update_additions()
+{
+    for (const Var &var : queue.vars) vars.push_back(var);
+    std::vector<Var> ranges;
+    for (const NewConstr &added : queue.constrs) {
+        const int i = static_cast<int>(constrs.size());
+        for (const auto &[j, value] : added.row) vars[j].column.emplace_back(i, value);
+        constrs.push_back(added.constr);
+        if (!added.is_range) continue;
+        Var range;
+        range.name = "Rg" + added.constr.name;
+        range.ub = bounded(added.constr.rhs - added.lower);
+        range.column.emplace_back(i, 1.0);
+        ranges.push_back(range);
+    }
+    vars.insert(vars.end(), ranges.begin(), ranges.end());
+    sos.insert(sos.end(), queue.sos.begin(), queue.sos.end());
+}
+
+void StoreReference::update()
+{
+    update_values();
+    update_coefs();
+    update_deletions();
+    update_additions();
+    queue = Queue{};
+}
+
+// ---- Comparing ----
+
+static double shown_bound(double value)
+{
+    return std::fabs(value) >= 1e30 ? std::copysign(1e100, value) : value + 0.0; // no -0
+}
+
+// The reference in the form of model_text.
+static std::string reference_text(const StoreReference &r)
+{
+    using Var = StoreReference::Var;
+    using Constr = StoreReference::Constr;
+    std::ostringstream text;
+    text.precision(17);
+    const auto line = [&](const char *title, const auto &list, const auto &value) {
+        text << title;
+        for (const auto &element : list) text << value(element);
+        text << "\n";
+    };
+    const auto vectors = [&](const std::vector<Entries> &list) {
+        for (const Entries &entries : list) {
+            for (const auto &[k, value] : entries)
+                text << " (" << k << ", " << value << ")";
+            text << "\n";
+        }
+    };
+    std::vector<Entries> columns, rows(r.constrs.size()), members;
+    size_t numnz = 0, integers = 0, binaries = 0;
+    for (size_t j = 0; j < r.vars.size(); j++) {
+        columns.push_back(r.vars[j].column);
+        for (const auto &[i, value] : columns[j])
+            rows[i].emplace_back(static_cast<int>(j), value);
+        numnz += columns[j].size();
+        integers += r.vars[j].vtype != 'C';
+        binaries += r.vars[j].vtype == 'B';
+    }
+    for (const StoreReference::Sos &set : r.sos) members.push_back(set.members);
+    const auto blank = [](auto value) {
+        std::ostringstream out;
+        out.precision(17);
+        out << " " << value;
+        return out.str();
+    };
+    const auto name_of = [&](const auto &element) { return blank(element.name); };
+    text << r.name.value_or("") << " sense " << r.sense << " constant " << r.objcon
+         << " nonzeros " << numnz << " integers " << integers << " binaries " << binaries
+         << "\n";
+    line("VarName:", r.vars, name_of);
+    line("VType: ", r.vars, [](const Var &v) { return v.vtype; });
+    line("Obj:", r.vars, [&](const Var &v) { return blank(v.obj); });
+    line("LB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_lower(v))); });
+    line("UB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_upper(v))); });
+    line("ConstrName:", r.constrs, name_of);
+    line("Sense: ", r.constrs, [](const Constr &c) { return c.sense; });
+    line("RHS:", r.constrs, [&](const Constr &c) { return blank(c.rhs); });
+    text << "columns\n";
+    vectors(columns);
+    text << "rows\n";
+    vectors(rows);
+    line("sos", r.sos, [&](const StoreReference::Sos &set) { return blank(set.type); });
+    vectors(members);
+    return text.str();
+}
+
+std::string compare(TVXmodel *model, const StoreReference &r)
+{
+    const std::string is = model_text(model), should = reference_text(r);
+    std::string wrong = is == should ? "" : "is\n" + is + "should be\n" + should;
+    for (size_t j = 0; j < r.vars.size(); j++)
+        for (const auto &[i, value] : r.vars[j].column) {
+            double coeff = NAN;
+            if (TVXgetcoeff(model, i, static_cast<int>(j), &coeff) || coeff != value)
+                wrong +=
+                    "coefficient " + std::to_string(i) + " " + std::to_string(j) + "\n";
+        }
+#ifdef TVX_DEBUG
+    char where[BODY_CHECK_LENGTH];
+    if (body_check(model->body, where)) wrong += std::string("broken invariant: ") + where;
+#endif
+    return wrong;
+}

@@ -1,0 +1,151 @@
+// text_number_test.cpp -- numbers to text and back, against the C library in the "C" locale
+#include "runtime/text_number.h"
+#include "support/comma_locale.h"
+#include "support/dice.h"
+#include <bit>
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+
+static uint64_t bits(double value)
+{
+    return std::bit_cast<uint64_t>(value);
+}
+
+// All bit patterns, and numbers as models have them.
+static double random_double(Dice *dice)
+{
+    if (dice->chance(30))
+        return dice->range(-2000000000, 2000000000) / std::pow(10, dice->range(0, 9));
+    double value = 0;
+    do {
+        const uint64_t high = static_cast<uint64_t>(dice->range(0, 0x3fffffff));
+        const uint64_t low = static_cast<uint64_t>(dice->range(0, 0x3fffffff));
+        value = std::bit_cast<double>((high << 34) ^ (low << 10) ^ high);
+    } while (!std::isfinite(value));
+    return value;
+}
+
+TEST(TextNumber, PrintsAsPrintfAndReadsAsStrtodOnRandomNumbers)
+{
+    Dice dice(4);
+    char ours[NUMBER_LENGTH];
+    char theirs[64];
+    for (int k = 0; k < 200'000; k++) {
+        const double value = random_double(&dice);
+        const int digits = dice.range(1, 17);
+        const bool general = dice.chance(50);
+        const int length = general ? number_general(ours, value, digits)
+                                   : number_scientific(ours, value, digits);
+        snprintf(theirs, sizeof theirs, general ? "%.*g" : "%.*e", digits, value);
+        ASSERT_STREQ(ours, theirs);
+        ASSERT_EQ(length, static_cast<int>(strlen(theirs)));
+        for (int fortran = 0; fortran < 2; fortran++) {
+            double read = 0;
+            const char *end = nullptr;
+            ASSERT_EQ(text_to_double(ours, &end, &read), 0) << ours;
+            ASSERT_EQ(*end, '\0');
+            ASSERT_EQ(bits(read), bits(strtod(theirs, nullptr))) << ours;
+            for (char *c = ours; *c; c++)
+                if (*c == 'e') *c = dice.chance(50) ? 'D' : 'd';
+        }
+        number_shortest(ours, value);
+        ASSERT_EQ(bits(strtod(ours, nullptr)), bits(value)) << ours;
+    }
+}
+
+TEST(TextNumber, LongAndExtremeNumbersAreRoundedCorrectly)
+{
+    const std::string zeros(1500, '0'), half = "9007199254740993"; // 2^53 + 1, a tie
+    // clang-format off
+    const std::string texts[] = {
+        half, half + "." + zeros + "1", half + "." + zeros, "0." + zeros + "123e1510",
+        std::string(400, '7') + "e-300", zeros + "1." + zeros, "1e400", "-1e400", "1e-400",
+        "1e99999999999999999999", "-1e-99999999999999999999", "0e99999999999999999999",
+        "0.000e-5", "2.2250738585072011e-308", // and just above and below half the smallest number
+        "2.4703282292062328e-324", "2.4703282292062327e-324", "1.7976931348623158e308",
+        "1.7976931348623159e308", "123456789012345678901234567890e-30", "9007199254740992e22",
+        "9007199254740991e-22", "1e23", ".5", "5.", "+.5e+01", "-0"};
+    // clang-format on
+    for (std::string text : texts) {
+        const double expected = strtod(text.c_str(), nullptr);
+        for (int fortran = 0; fortran < 2; fortran++) {
+            double value = 7;
+            const char *end = nullptr;
+            EXPECT_EQ(text_to_double(text.c_str(), &end, &value), 0) << text;
+            EXPECT_EQ(*end, '\0') << text;
+            EXPECT_EQ(bits(value), bits(expected)) << text;
+            if (text.find('e') == std::string::npos) text += "e0";
+            text[text.find('e')] = 'D';
+        }
+    }
+}
+
+TEST(TextNumber, WordsStandForInfinityAndNanInAnyCase)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    double value = 0;
+    const char *end = nullptr;
+    for (const char *text : {"inf", "Inf", "+INFINITY", "iNfInItY"}) {
+        ASSERT_EQ(text_to_double(text, &end, &value), 0);
+        EXPECT_EQ(*end, '\0');
+        EXPECT_EQ(value, infinity);
+    }
+    ASSERT_EQ(text_to_double("-infinite", &end, &value), 0);
+    EXPECT_STREQ(end, "inite");
+    EXPECT_EQ(value, -infinity);
+    ASSERT_EQ(text_to_double("NaN ", &end, &value), 0);
+    EXPECT_STREQ(end, " ");
+    EXPECT_TRUE(std::isnan(value));
+}
+
+TEST(TextNumber, StopsBehindTheNumberAndRefusesWhatIsNone)
+{
+    double value = 7;
+    const char *end = nullptr;
+    const char *stops[][2] = {{"1e+", "e+"}, {"12abc", "abc"}, {"1.5.5", ".5"},
+                              {"1d", "d"},   {"3,5", ",5"},    {"0x10", "x10"},
+                              {"1-2", "-2"}, {"1ee5", "ee5"}};
+    for (const auto &[text, rest] : stops) {
+        EXPECT_EQ(text_to_double(text, &end, &value), 0) << text;
+        EXPECT_STREQ(end, rest);
+    }
+    value = 7;
+    for (const char *text :
+         {"", "+", "-", ".", "e5", "-.e1", " 1", "+-1", "in", "na", "\xff", "d"}) {
+        EXPECT_EQ(text_to_double(text, &end, &value), 1) << text;
+        EXPECT_EQ(end, text);
+        EXPECT_EQ(value, 7);
+    }
+    EXPECT_EQ(text_to_double("x", nullptr, &value), 1);
+}
+
+TEST(TextNumber, FormatsCutLongTextsAndSurviveNullOnes)
+{
+    char buffer[8];
+    EXPECT_EQ(text_format(buffer, sizeof buffer, "%d %s", 12345, "many words"), 16);
+    EXPECT_STREQ(buffer, "12345 m");
+    const char *volatile nothing = nullptr;
+    text_format(buffer, sizeof buffer, "%s", nothing);
+    EXPECT_STREQ(buffer, "(null)");
+}
+
+TEST(TextNumber, TheLocaleOfTheProcessDoesNotMatter)
+{
+    const CommaLocale comma;
+    if (!comma.in_force)
+        GTEST_SKIP() << "the C library does not take the locale made for this test";
+    char buffer[NUMBER_LENGTH];
+    text_format(buffer, sizeof buffer, "%g %.1f", 0.5, 1234.5);
+    EXPECT_STREQ(buffer, "0.5 1234.5");
+    number_general(buffer, 0.5, 6);
+    EXPECT_STREQ(buffer, "0.5");
+    double value = 0;
+    EXPECT_EQ(text_to_double("123456789.123456789123456789", nullptr, &value), 0);
+    EXPECT_EQ(value, 123456789.123456789123456789);
+    snprintf(buffer, sizeof buffer, "%g", 0.5);
+    EXPECT_STREQ(buffer, "0,5"); // the caller's locale is still in force
+}
