@@ -131,7 +131,7 @@ static void fold_constant(ModelDraft *draft, int j)
 
 // ---- The model ----
 
-int lp_build(TVXenv *env, LpReader *reader, TVXmodel **model_out)
+int lp_build(TVXenv *env, LpReader *reader)
 {
     ModelDraft *draft = &reader->draft;
     check_bounds(reader);
@@ -142,5 +142,5 @@ int lp_build(TVXenv *env, LpReader *reader, TVXmodel **model_out)
     reader->rows = LpRows{};
     const int constant = find_constant(draft);
     if (constant >= 0) fold_constant(draft, constant);
-    return draft_model(env, draft, model_out);
+    return 0;
 }

@@ -4,7 +4,7 @@
 // that holds a variable, Pi for a right-hand side. Beyond an end it leaves the line, when no tie lets another basis
 // take over unseen.
 // TARVEX_RANGES_COUNT=n   how many models (400); TARVEX_RANGES_SEED=s   the first of them (0)
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 #include "simplex/sopt.h"
 #include "support/model_gen.h"
 #include "support/model_test.h"

@@ -86,10 +86,9 @@ bool leans_on_given(const PresolveResult *result, int j, double d)
 }
 
 // The reduced model without the bounds that were given.
-int load_reduced(PresolveWork *w, const TVXmodel *model)
+int load_reduced(PresolveWork *w, const PresolveResult *result)
 {
-    const PresolveResult *result = model->presolve;
-    TRY(work_load(w, model->presolved));
+    TRY(work_load(w, result->Reduced, result->Env));
     for (int j = 0; j < result->NumCols; j++) {
         const int k = result->ColMap.data[j], given = result->GivenBounds.data[j];
         if (k < 0) continue;
@@ -100,9 +99,8 @@ int load_reduced(PresolveWork *w, const TVXmodel *model)
 }
 } // namespace
 
-int replace_given_bounds(const TVXmodel *model, double *y, double *d)
+int replace_given_bounds(const PresolveResult *result, double *y, double *d)
 {
-    const PresolveResult *result = model->presolve;
     if (result->GivenBounds.size == 0) return 0;
     bool leans = false;
     for (int j = 0; j < result->NumCols && !leans; j++) {
@@ -112,7 +110,7 @@ int replace_given_bounds(const TVXmodel *model, double *y, double *d)
     if (!leans) return 0;
     PresolveWork w;
     BoundPropagation p;
-    int status = load_reduced(&w, model);
+    int status = load_reduced(&w, result);
     if (status == 0) status = propagate(&p, &w);
     if (status == 0) propagation_unfold(&p, y, d);
     work_free(&w);
