@@ -81,8 +81,8 @@ int answer(const CallbackRecord *record, int where, int what, void *result)
         *static_cast<const char **>(result) = record->message;
         return 0;
     }
-    if (const CallbackSource &source = record->source; source.answer)
-        return source.answer(source.solver, what, result);
+    const CallbackSource &source = record->source;
+    if (source.answer && source.answer(source.solver, what, result) == 0) return 0;
     return row->array ? TVX_ERROR_DATA_NOT_AVAILABLE : TVX_ERROR_CALLBACK;
 }
 

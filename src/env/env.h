@@ -23,6 +23,9 @@ static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is store
 static constexpr double UNDEFINED_VALUE =
     1e100; // no incumbent; an infinite bound as attributes report it
 
+// Values of the parameter LPMethod.
+enum LpMethod { LP_PRIMAL_SIMPLEX = 0, LP_DUAL_SIMPLEX = 1, LP_BARRIER = 2 };
+
 struct ParameterTable; // parameters.h
 struct CallbackRecord; // callback.h
 

@@ -5,8 +5,8 @@
 // Constant    The form of old for a constant c of the objective is a term "c Constant" with the bound "Constant = 1".
 //             A variable of that name which stands nowhere else becomes the constant again.
 // Memory      The text of the file and the rows are given back before the model is made.
+#include "body/body.h"
 #include "files/lp_reader.h"
-#include "model/model.h"
 #include <cmath>
 
 static const WarningText texts[] = { // in the order of LpWarning

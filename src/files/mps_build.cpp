@@ -5,9 +5,9 @@
 //             worker behind all new models.
 // Ranges      Of width 0 they are plain equations, infinite ones plain inequalities, others as in draft.cpp.
 // Memory      The text of the file is given back before the model is made.
+#include "body/body.h"
 #include "files/file_number.h"
 #include "files/mps_reader.h"
-#include "model/model.h"
 #include "runtime/text_number.h"
 #include <climits>
 #include <cmath>

@@ -31,7 +31,7 @@ bool dual_for_barrier(const ModelBody *body)
 
 bool automatic_dual(const ModelBody *body, const TVXenv *env)
 {
-    if (env->LPMethod == 2) return dual_for_barrier(body);
+    if (env->LPMethod == LP_BARRIER) return dual_for_barrier(body);
     return body->numconstrs > TALL * body->numvars;
 }
 

@@ -66,7 +66,7 @@ bool wants_presolve(const LpSolve *lp, const LpStart *start)
     if (env->Presolve == 0 || has_bad_bounds(lp->body, env)) return false;
     if (env->Presolve < 0 && start->from != LpFrom::SCRATCH) return false;
     if (body_is_extreme(lp->body)) return false;
-    return !(env->PreDual == -1 && env->LPMethod < 2 && env->Presolve < 2 &&
+    return !(env->PreDual == -1 && env->LPMethod != LP_BARRIER && env->Presolve < 2 &&
              is_wide(lp->body));
 }
 
@@ -170,7 +170,8 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
     by_basis.method = method_on(form, start->method);
     TRY(lp_run(lp, {form->dual, &of_dual.simplex, false}, by_basis));
     const int status = simplex_status(of_dual.simplex);
-    if (status != TVX_OPTIMAL && !is_limit(status)) return 0; // the model itself has to tell
+    if (status != TVX_OPTIMAL && !is_limit(status))
+        return 0; // the model itself has to tell
     Array<int> own;
     TRY(array_resize(&own, int64_t{form->dual->numvars} + form->dual->numconstrs));
     simplex_get_basis(of_dual.simplex, own.data);
@@ -182,8 +183,8 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
 int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     Array<int> statuses;
-    const int code = lp_postsolve_basis(form->presolve, form->simplex,
-                                        PostsolveLimits::OBEY, &statuses);
+    const int code =
+        lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::OBEY, &statuses);
     if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
         settle(lp, code, final); // the next solve begins with postsolve
         return 0;
@@ -296,8 +297,9 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 // A limit has stopped postsolve: the reduced model is solved, or presolve has left none to solve.
 bool waits_for_postsolve(const LpForm *form)
 {
-    return form->presolve && (!lp_form_reduced(form) ||
-                              (form->simplex && simplex_status(form->simplex) == TVX_OPTIMAL));
+    return form->presolve &&
+           (!lp_form_reduced(form) ||
+            (form->simplex && simplex_status(form->simplex) == TVX_OPTIMAL));
 }
 
 // A limit has stopped the reduced model of a form, or postsolve.

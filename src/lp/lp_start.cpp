@@ -10,7 +10,7 @@ namespace
 {
 int choose_method(TVXenv *env)
 {
-    if (env->LPMethod < 2) return env->LPMethod;
+    if (env->LPMethod != LP_BARRIER) return env->LPMethod;
     TVXmsg(env, "Warning: barrier is not available, using dual simplex\n");
     return METHOD_DUAL;
 }
@@ -26,8 +26,7 @@ int take_given(const LpSolve *lp, const LpGiven &given, LpStart *start)
 int take_basis(const LpSolve *lp, LpStart *start)
 {
     start->from = LpFrom::BASIS;
-    TRY(array_resize(&start->statuses,
-                     int64_t{lp->body->numvars} + lp->body->numconstrs));
+    TRY(array_resize(&start->statuses, int64_t{lp->body->numvars} + lp->body->numconstrs));
     simplex_get_basis(lp->simplex, start->statuses.data);
     return 0;
 }

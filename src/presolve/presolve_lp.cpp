@@ -57,11 +57,11 @@ Plan make_plan(const PresolveWork *w)
                                       : PASSES;
     plan.dependent = env->PreDepRow;
     if (plan.dependent < 0)
-        plan.dependent = level == 2   ? 3
-                         : level == 1 ? 0
-                         : env->LPMethod == 2 || w->MatrixClass == MATRIX_UNIT_EQUATIONS
-                             ? 3
-                             : 0;
+        plan.dependent =
+            level == 2                                                               ? 3
+            : level == 1                                                             ? 0
+            : env->LPMethod == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
+                                                                                     : 0;
     return plan;
 }
 

@@ -13,13 +13,11 @@
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,
 //             2002, on boxed columns and the dual simplex.
 #include "presolve/bound_propagation.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-constexpr int METHOD_INTERIOR = 2;
 constexpr int ROUNDS = 10;
 constexpr double SAFE_SHARE = 0.001;  // of 1 + |bound| that the bound is moved away
 constexpr double LARGEST = 1e7;       // larger bounds help nobody
@@ -28,7 +26,7 @@ constexpr double LONG_COLUMNS = 1000; // entries per column from which it is not
 bool is_worth_it(const PresolveWork *w)
 {
     const int method = w->Env->LPMethod;
-    if (method != METHOD_DUAL && method != METHOD_INTERIOR) return false;
+    if (method != LP_DUAL_SIMPLEX && method != LP_BARRIER) return false;
     if (!w->Env->TARV_PAR_PREBOUND || w->MatrixClass == MATRIX_UNIT_EQUATIONS) return false;
     double entries = 0, cols = 0;
     for (int j = 0; j < w->NumCols; j++) {
@@ -61,7 +59,7 @@ bool give_bound(const BoundPropagation *p, PresolveWork *w, int j, int side)
 void bound_column(const BoundPropagation *p, PresolveWork *w, int j)
 {
     const bool lower = has_lb(w, j), upper = has_ub(w, j);
-    if (w->Env->LPMethod == METHOD_DUAL) {
+    if (w->Env->LPMethod == LP_DUAL_SIMPLEX) {
         if (lower != upper) give_bound(p, w, j, lower ? UPPER_SIDE : LOWER_SIDE);
     } else if (!lower && !upper && !give_bound(p, w, j, UPPER_SIDE)) {
         give_bound(p, w, j, LOWER_SIDE);
