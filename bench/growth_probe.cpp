@@ -142,7 +142,7 @@ int measure(TVXmodel *model)
            "\"entries_left\": %d, \"presolve\": %.6f, \"postsolve\": %.6f, \"work\": %.0f, "
            "\"memory\": %.1f}\n",
            body->numconstrs, body->numvars, body->numnz, status, left->numconstrs,
-           left->numvars, left->numnz, t1 - t0, t3 - t2, model->node_count, peak);
+           left->numvars, left->numnz, t1 - t0, t3 - t2, model->lp.work, peak);
     return error;
 }
 

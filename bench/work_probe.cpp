@@ -87,9 +87,9 @@ static void print_result(TVXmodel *model, double processor_seconds)
     printf("\n{\"status\": \"%s\", \"iterations\": %.0f, \"solve_wall\": %.6f, "
            "\"solve_cpu\": %.6f",
            status_name(status), iterations, attribute(model, "Runtime"), processor_seconds);
-    printf(", \"total_work\": %.0f", model->node_count); // with presolve, all stages
-    if (model->lp_result)
-        printf(", \"clean_up\": %.0f", iterations - model->lp_result->reduced_itercount);
+    printf(", \"total_work\": %.0f", model->lp.work); // with presolve, all stages
+    if (model->lp.result)
+        printf(", \"clean_up\": %.0f", iterations - model->lp.result->reduced_itercount);
     if (status == TVX_OPTIMAL) print_optimum(model);
     if (const sopt *s = model->simplex)
         printf(", \"factorizations\": %d, \"work\": %.0f", simplex_factorizations(s),

@@ -12,10 +12,10 @@
 // Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
 //             Princeton 1956 (the optimal face).
 #include "analysis/derived.h"
-#include "model/solution.h"
 #include "body/quality.h"
 #include "body/signs.h"
 #include "model/model_store.h"
+#include "model/solution.h"
 #include <cmath>
 
 namespace
@@ -37,7 +37,7 @@ struct Decisions {
 // The values of the solution that was found, or null.
 const double *found_values(const TVXmodel *model)
 {
-    const MipResult *mip = model->mip_result;
+    const MipResult *mip = model->mip.result;
     return mip && mip->has_solution ? mip->x.data : nullptr;
 }
 

@@ -6,10 +6,10 @@
 // Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
 //             survives the closing lines (err_hold).
 #include "api/optimize.h"
-#include "model/attribute_cache.h"
-#include "env/callback.h"
 #include "api/file_calls.h"
+#include "env/callback.h"
 #include "files/files.h"
+#include "model/attribute_cache.h"
 #include "model/interrupt.h"
 #include "model/warm_start.h"
 #include "runtime/clock.h"
@@ -58,9 +58,15 @@ static int run_lp(TVXmodel *model)
 
 static int run_mip(TVXmodel *model)
 {
-    model_free_results(model);
+    MipSolve *mip = &model->mip;
+    mip->body = model->body;
+    mip->env = model->env;
+    lp_drop_results(&model->lp);
     model->lp.status = TVX_LOADED;
-    return mip_solve(model->body, model->env, &model->mip_result);
+    attributes_clear_solution(model);
+    const int code = mip_solve(mip);
+    attributes_clear_solution(model);
+    return code;
 }
 
 int optimize_run(TVXmodel *model)
@@ -82,9 +88,8 @@ static int close_run(TVXmodel *model, int code)
     TVXenv *env = model->env;
     if (!code) code = callback_code(env);
     if (code) env->err_hold = 1;
-    if (model->mip_result) {
-        const int epilogue =
-            mip_log_result(env, model->body, model->mip_result, code);
+    if (model->mip.result) {
+        const int epilogue = mip_log_result(&model->mip, code);
         if (!code) code = epilogue;
     }
     env->err_hold = 0;

@@ -3,8 +3,8 @@
 // Method   The measures (quality.h) are taken at the first question after a solve and kept in its
 //          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
 #include "attributes/attribute_routines.h"
-#include "model/solution.h"
 #include "body/quality.h"
+#include "model/solution.h"
 #include "simplex/simplex.h"
 
 // In the order of QualityGroup.
@@ -39,15 +39,15 @@ static int mip_quality(TVXmodel *model, int part, const void **place)
         return TVX_ERROR_DATA_NOT_AVAILABLE;
     const double *x = nullptr;
     TRY(solution_x(model, &x));
-    Quality *quality = &model->mip_result->quality;
-    if (!quality->computed) TRY(MipQuality(model->env, model->body, x, quality,
-                                             QualityWarnings::NO));
+    Quality *quality = &model->mip.result->quality;
+    if (!quality->computed)
+        TRY(MipQuality(model->env, model->body, x, quality, QualityWarnings::NO));
     return show(quality, part, place);
 }
 
 int compute_quality(TVXmodel *model, int part, const void **place)
 {
-    if (model->mip_result) return mip_quality(model, part, place);
+    if (model->mip.result) return mip_quality(model, part, place);
     TRY(solution_quality(model));
     return show(&model->lp.result->quality, part, place);
 }
@@ -55,6 +55,7 @@ int compute_quality(TVXmodel *model, int part, const void **place)
 // Factors of the basis at hand. To make them, a singular basis may have to be mended: other values, then.
 static int need_factor(TVXmodel *model)
 {
+    if (!model->lp.simplex) return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (simplex_has_factor(model->lp.simplex)) return 0;
     attributes_clear_solution(model);
     const int code = simplex_refactor(model->lp.simplex);

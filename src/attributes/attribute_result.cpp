@@ -14,9 +14,9 @@ int get_status(TVXmodel *model, int, ElementRange, void *values)
 int get_solcount(TVXmodel *model, int, ElementRange, void *values)
 {
     int count = 0;
-    if (model->mip_result)
-        count = model->mip_result->sol_count;
-    else if (model->lp.simplex)
+    if (model->mip.result)
+        count = model->mip.result->sol_count;
+    else if (lp_has_point(&model->lp))
         count = model->lp.status == TVX_OPTIMAL;
     *static_cast<int *>(values) = count;
     return 0;
@@ -45,7 +45,7 @@ static bool has_objective(const TVXmodel *model)
 
 int compute_objval(TVXmodel *model, int, const void **place)
 {
-    const MipResult *mip = model->mip_result;
+    const MipResult *mip = model->mip.result;
     const LpResult *lp = model->lp.result;
     const double *figure = nullptr;
     if (mip)
@@ -57,24 +57,24 @@ int compute_objval(TVXmodel *model, int, const void **place)
 
 int compute_objbound(TVXmodel *model, int, const void **place)
 {
-    const MipResult *mip = model->mip_result;
+    const MipResult *mip = model->mip.result;
     return stand_at(mip && has_objective(model) ? &mip->objbound : nullptr, place);
 }
 
 int compute_itercount(TVXmodel *model, int, const void **place)
 {
-    if (model->mip_result) return stand_at(&model->mip_result->iter_count, place);
+    if (model->mip.result) return stand_at(&model->mip.result->iter_count, place);
     return stand_at(model->lp.result ? &model->lp.result->itercount : nullptr, place);
 }
 
 int compute_bar_itercount(TVXmodel *model, int, const void **place)
 {
-    if (model->mip_result) return stand_at(&model->mip_result->bar_iter_count, place);
+    if (model->mip.result) return stand_at(&model->mip.result->bar_iter_count, place);
     return stand_at(model->lp.result ? &model->lp.result->bar_itercount : nullptr, place);
 }
 
 int compute_nodecount(TVXmodel *model, int, const void **place)
 {
-    if (model->mip_result) return stand_at(&model->mip_result->node_count, place);
+    if (model->mip.result) return stand_at(&model->mip.result->node_count, place);
     return stand_at(model->lp.result ? &model->lp.work : nullptr, place);
 }

@@ -10,11 +10,12 @@ int compute_x(TVXmodel *model, int, const void **place)
     return 0;
 }
 
-// Solution number 0 is the best one; others exist only where a search has collected them.
-int compute_xn(TVXmodel *model, int part, const void **place)
+int compute_xn(TVXmodel *model, int, const void **place)
 {
-    if (model->env->SolutionNumber > 0) return TVX_ERROR_DATA_NOT_AVAILABLE;
-    return compute_x(model, part, place);
+    const double *x = nullptr;
+    TRY(solution_number(model, model->env->SolutionNumber, &x));
+    *place = x;
+    return 0;
 }
 
 int compute_slack(TVXmodel *model, int, const void **place)

@@ -15,9 +15,9 @@
 struct LpForm; // form.h
 
 struct LpResult {
-    double runtime = 0;           // seconds
-    Array<double> x;              // [numvars] point of a solver that leaves no simplex record, or empty
-    Array<double> pi;             // [numconstrs] its duals, in the body's signs, or empty
+    double runtime = 0; // seconds
+    Array<double> x;  // [numvars] point of a solver that leaves no simplex record, or empty
+    Array<double> pi; // [numconstrs] its duals, in the body's signs, or empty
     double objval = 0;            // in the caller's sense
     double itercount = 0;         // simplex iterations
     double reduced_itercount = 0; // of these, on a reduced model
@@ -43,7 +43,8 @@ void lp_drop(LpSolve *lp); // all; status TVX_LOADED
 struct LpGiven {
     const int *statuses = nullptr; // [n + m], or null: none
     const double *norms = nullptr; // [n + m] dual pricing norms, or null
-    bool newer = false;            // than the last solve, so that it counts more than what that has left
+    bool newer =
+        false; // than the last solve, so that it counts more than what that has left
 };
 // Solves lp->body with lp->env from where the last solve ended, the given basis, or scratch. Log lines of the result are
 // the caller's (lp_log.h). 0 or OUT_OF_MEMORY: everything is dropped then. When a callback asks for a stop by a code of its
@@ -58,6 +59,9 @@ inline bool is_limit(int status)
 }
 // A point stands in the record or in the result.
 bool lp_has_point(const LpSolve *lp);
+void lp_get_x(const LpSolve *lp, double *x); // [n]
+void lp_get_duals(const LpSolve *lp, double *pi,
+                  double *rc); // [m], [n], in the body's signs
 // Fills result->quality if that has not been done since the solve. 0, TVX_ERROR_DATA_NOT_AVAILABLE or OUT_OF_MEMORY.
 [[nodiscard]] int lp_quality(LpSolve *lp);
 // The optimal basis gets fresh factors; where it is not optimal with them the dual runs on, and *changed is set. 0, a code,

@@ -43,11 +43,6 @@ void lp_drop(LpSolve *lp)
     lp->status = TVX_LOADED;
 }
 
-bool lp_has_point(const LpSolve *lp)
-{
-    return lp->simplex || (lp->result && lp->result->x.size > 0);
-}
-
 static bool already_solved(const LpSolve *lp)
 {
     if (!lp->simplex || !lp->result) return false;
@@ -133,27 +128,6 @@ int lp_solve(LpSolve *lp, const LpGiven &given)
     const int code = already_solved(lp) ? refresh_factor(lp) : solve(lp, given);
     if (code) lp_drop(lp); // nothing that a solve has left unfinished is used again
     return code;
-}
-
-int lp_quality(LpSolve *lp)
-{
-    LpResult *result = lp->result;
-    if (!lp->simplex || !result) return TVX_ERROR_DATA_NOT_AVAILABLE;
-    if (result->quality.computed) return 0;
-    const int n = lp->body->numvars, m = lp->body->numconstrs;
-    Array<double> x, pi, rc;
-    Array<int> basis;
-    TRY(array_resize(&x, n));
-    TRY(array_resize(&pi, m));
-    TRY(array_resize(&rc, n));
-    TRY(array_resize(&basis, int64_t{n} + m));
-    simplex_get_primal(lp->simplex, x.data);
-    simplex_get_dual(lp->simplex, pi.data, rc.data);
-    simplex_get_basis(lp->simplex, basis.data);
-    const JudgedPoint point = {x.data, pi.data, rc.data, basis.data + n};
-    QualityScale scale;
-    simplex_get_scaling(lp->simplex, &scale.row, &scale.col, &scale.obj);
-    return LpQuality(lp->env, lp->body, point, scale, &result->quality);
 }
 
 static int run_to_fresh_factors(LpSolve *lp, TVXenv *env)

@@ -6,25 +6,35 @@
 struct MipResult {
     int status = 0;
     int has_solution = 0;
-    Array<double> x;     // [numvars]
-    Array<double> slack; // [numconstrs]
-    double objval = 0;
-    double objbound = 0;
-    double node_count = 0;
-    double run_time = 0;
-    double iter_count = 0;
-    int bar_iter_count = 0;
-    int sol_count = 0;
-    int thread_count = 0;
-    Quality quality;
+    Array<double> x;        // [numvars] the best solution
+    Array<double> slack;    // [numconstrs] of it
+    Array<double> others;   // [other_count][numvars] further solutions, the best first
+    int other_count = 0;    // solution number k > 0 is others[k - 1]
+    double objval = 0;      // of the best solution, in the caller's sense
+    double objbound = 0;    // likewise: no solution is better
+    double node_count = 0;  // nodes explored
+    double run_time = 0;    // seconds
+    double iter_count = 0;  // simplex iterations
+    int bar_iter_count = 0; // barrier iterations
+    int sol_count = 0;      // solutions found
+    int thread_count = 0;   // threads used
+    Quality quality;        // of the best solution, filled on first query
 };
+
+// What a model keeps between MIP solves: a search that a limit has stopped goes on with what stands here.
+struct MipSolve {
+    const ModelBody *body = nullptr; // not owned; set by each call of mip_solve
+    TVXenv *env = nullptr;           // likewise
+    MipResult *result =
+        nullptr; // owned; null before the first solve, and after one that left nothing
+};
+void mip_drop(MipSolve *mip);
 
 // Presets of MIPFocus in an environment of its own for one solve (mip_focus.cpp). A preset changes a parameter only where
 // it still has its default, so that what a caller has chosen stands.
 void mip_focus_apply(TVXenv *env);
-// Solves a body with integers, semi-continuous variables or SOS constraints. 0 or a code, with its text recorded; *result
-// is null where there is none.
-[[nodiscard]] int mip_solve(const ModelBody *body, TVXenv *env, MipResult **result);
+// Solves mip->body, which has integers, semi-continuous variables or SOS constraints, with mip->env. 0 or a code, with its
+// text recorded.
+[[nodiscard]] int mip_solve(MipSolve *mip);
 // The closing lines; `error` is the code with which the solve ended. 0 or OUT_OF_MEMORY (mip_log.cpp).
-[[nodiscard]] int mip_log_result(TVXenv *env, const ModelBody *body, MipResult *result,
-                                 int error);
+[[nodiscard]] int mip_log_result(MipSolve *mip, int error);

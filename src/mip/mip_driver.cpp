@@ -13,13 +13,19 @@ static int search(const ModelBody *body, TVXenv *env)
                 body->numintvars, body->numsos);
 }
 
-int mip_solve(const ModelBody *body, TVXenv *env, MipResult **result)
+void mip_drop(MipSolve *mip)
 {
-    *result = nullptr;
+    record_free(mip->result);
+    mip->result = nullptr;
+}
+
+int mip_solve(MipSolve *mip)
+{
+    mip_drop(mip);
     TVXenv *own = nullptr;
-    TRY(env_variant(&own, env));
+    TRY(env_variant(&own, mip->env));
     mip_focus_apply(own);
-    const int code = search(body, own);
+    const int code = search(mip->body, own);
     env_free(own);
     return code;
 }

@@ -77,8 +77,10 @@ static const char *gap(double objective, double bound, char *text)
     return text;
 }
 
-int mip_log_result(TVXenv *env, const ModelBody *body, MipResult *result, int error)
+int mip_log_result(MipSolve *mip, int error)
 {
+    TVXenv *env = mip->env;
+    MipResult *result = mip->result;
     TVXmsg(env, "\nExplored %.0f nodes (%.0f simplex iterations) in %.2f seconds\n",
            result->node_count, result->iter_count, WallClock() - env->optimize_start);
     TVXmsg(env, "Thread count was %d (of %d available processors)\n", result->thread_count,
@@ -86,7 +88,8 @@ int mip_log_result(TVXenv *env, const ModelBody *body, MipResult *result, int er
     TVXmsg(env, "\n");
     log_outcome(env, result->status, error);
     if (result->has_solution)
-        TRY(MipQuality(env, body, result->x.data, &result->quality, QualityWarnings::YES));
+        TRY(MipQuality(env, mip->body, result->x.data, &result->quality,
+                       QualityWarnings::YES));
     char objective[FIGURE_LENGTH], bound[FIGURE_LENGTH], percent[FIGURE_LENGTH];
     TVXmsg(env, "Best objective %s, best bound %s, gap %s\n",
            figure(result->objval, objective), figure(result->objbound, bound),

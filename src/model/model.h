@@ -46,8 +46,8 @@ struct TVXmodel {
     ModelBody *body = nullptr;
     TVXenv *env = nullptr;
     int env_owned = 0; // env is this model's own copy
-    LpSolve lp;      // of an LP: what solves have left, and the Status attribute
-    MipResult *mip_result = nullptr;
+    LpSolve lp;        // of an LP: what solves have left, and the Status attribute
+    MipSolve mip;      // of a MIP: what solves have left
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;
@@ -73,7 +73,7 @@ struct ModelDraft;
 void model_free(TVXmodel *model); // any state, half-built too; null is ignored
 void model_free_results(
     TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
-int model_check(TVXmodel *model);             // as TVXcheckmodel but keeps the error state
+int model_check(TVXmodel *model); // as TVXcheckmodel but keeps the error state
 // Opens a call that solves, or works as long as a solve: the model is busy (the caller ends that), TimeLimit counts from
 // `now`, and what has stopped an earlier call is forgotten.
 void model_open_solve(TVXmodel *model, double now);

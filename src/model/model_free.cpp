@@ -7,8 +7,7 @@
 void model_free_results(TVXmodel *model)
 {
     lp_drop_results(&model->lp);
-    record_free(model->mip_result);
-    model->mip_result = nullptr;
+    mip_drop(&model->mip);
     attributes_clear_solution(model);
 }
 

@@ -97,8 +97,7 @@ static void follow_infinity(TVXmodel *model)
     if (model->lp.simplex) {
         const WarmStart *given = model->warm_start;
         if (!given || given->kind == WARM_NONE) warm_start_from_simplex(model);
-        simplex_free(model->lp.simplex);
-        model->lp.simplex = nullptr;
+        lp_drop_simplex(&model->lp);
     }
     model_free_results(model); // presolve alone may have made them
     attributes_clear(model);
@@ -166,8 +165,7 @@ int TVXresetmodel(TVXmodel *model)
         return finish_model(model, error);
     }
     warm_start_drop(model);
-    simplex_free(model->lp.simplex);
-    model->lp.simplex = nullptr;
+    lp_drop_simplex(&model->lp);
     model_free_results(model);
     model->body->solve_tag = -1;
     model->lp.status = TVX_LOADED;

@@ -5,24 +5,25 @@
 //          Slack_i = f_i * (rhs_i - activity_i). Each group is made once per solve and kept.
 // Cost     O(n + m), Slack O(nonzeros).
 #include "model/solution.h"
-#include "model/attribute_cache.h"
 #include "body/row_activity.h"
 #include "body/signs.h"
+#include "model/attribute_cache.h"
 #include "simplex/simplex.h"
 
 int solution_status(const TVXmodel *model)
 {
-    return model->mip_result ? model->mip_result->status : model->lp.status;
+    return model->mip.result ? model->mip.result->status : model->lp.status;
 }
 
 int solution_quality(TVXmodel *model)
 {
-    return solution_available(model) ? lp_quality(&model->lp) : TVX_ERROR_DATA_NOT_AVAILABLE;
+    return solution_available(model) ? lp_quality(&model->lp)
+                                     : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
 bool solution_available(const TVXmodel *model)
 {
-    if (!model->body || !lp_has_point(&model->lp) || model->mip_result) return false;
+    if (!model->body || !lp_has_point(&model->lp) || model->mip.result) return false;
     switch (model->lp.status) {
     case TVX_OPTIMAL:
     case TVX_CUTOFF:
@@ -48,7 +49,7 @@ static int enter(TVXmodel *model, AttributeTable **table)
 
 int solution_x(TVXmodel *model, const double **x)
 {
-    const MipResult *mip = model->mip_result;
+    const MipResult *mip = model->mip.result;
     if (mip) {
         *x = mip->x.data;
         return mip->has_solution ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
@@ -57,16 +58,25 @@ int solution_x(TVXmodel *model, const double **x)
     TRY(enter(model, &table));
     if (!(table->have & HAVE_X)) {
         TRY(array_resize(&table->x, model->body->numvars));
-        simplex_get_primal(model->lp.simplex, table->x.data);
+        lp_get_x(&model->lp, table->x.data);
         table->have |= HAVE_X;
     }
     *x = table->x.data;
     return 0;
 }
 
+int solution_number(TVXmodel *model, int k, const double **x)
+{
+    const MipResult *mip = model->mip.result;
+    if (k == 0) return solution_x(model, x);
+    if (!mip || k > mip->other_count) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    *x = mip->others.data + int64_t{k - 1} * model->body->numvars;
+    return 0;
+}
+
 int solution_slack(TVXmodel *model, const double **slack)
 {
-    const MipResult *mip = model->mip_result;
+    const MipResult *mip = model->mip.result;
     if (mip) {
         *slack = mip->slack.data;
         return mip->has_solution ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
@@ -97,7 +107,7 @@ int solution_duals(TVXmodel *model, const double **pi, const double **rc)
         const ModelBody *body = model->body;
         TRY(array_resize(&table->pi, body->numconstrs));
         TRY(array_resize(&table->rc, body->numvars));
-        simplex_get_dual(model->lp.simplex, table->pi.data, table->rc.data);
+        lp_get_duals(&model->lp, table->pi.data, table->rc.data);
         for (int i = 0; i < body->numconstrs; i++)
             table->pi[i] = turned(body->sense * row_sign(body, i), table->pi[i]);
         for (int j = 0; j < body->numvars; j++)
@@ -133,6 +143,7 @@ int solution_basis(TVXmodel *model, const int **codes)
 {
     AttributeTable *table = nullptr;
     TRY(enter(model, &table));
+    if (!model->lp.simplex) return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (!(table->have & HAVE_BASIS)) {
         const int n = model->body->numvars, m = model->body->numconstrs;
         TRY(array_resize(&table->basis, int64_t{n} + m));

@@ -20,6 +20,8 @@ int solution_status(const TVXmodel *model); // the Status attribute
 bool solution_available(const TVXmodel *model);
 
 [[nodiscard]] int solution_x(TVXmodel *model, const double **x); // [numvars], LP or MIP
+// Solution number k of a MIP, 0 the best one; of an LP there is that one alone.
+[[nodiscard]] int solution_number(TVXmodel *model, int k, const double **x);
 [[nodiscard]] int solution_slack(TVXmodel *model,
                                  const double **slack); // [numconstrs], LP or MIP
 [[nodiscard]] int solution_duals(TVXmodel *model, const double **pi, const double **rc);

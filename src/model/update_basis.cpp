@@ -158,8 +158,7 @@ void update_plan_free(UpdatePlan *plan)
 void update_release_basis(TVXmodel *model, const UpdatePlan *plan)
 {
     if (plan->mode == BasisMode::LIVE) return;
-    simplex_free(model->lp.simplex);
-    model->lp.simplex = nullptr;
+    lp_drop_simplex(&model->lp);
 }
 
 // Hands the new bounds to the live record; where it cannot follow, its statuses are carried over.
@@ -170,8 +169,7 @@ static void move_bounds(TVXmodel *model)
         const int j = who >= 0 ? who : -who - 1;
         if (simplex_change_bound(model->lp.simplex, j, body->lb[j], body->ub[j])) continue;
         warm_start_from_simplex(model);
-        simplex_free(model->lp.simplex);
-        model->lp.simplex = nullptr;
+        lp_drop_simplex(&model->lp);
         return;
     }
 }

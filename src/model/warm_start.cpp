@@ -139,8 +139,7 @@ void warm_start_validate(TVXmodel *model)
     }
     warm->kind = WARM_CHECKED;
     if (!model->lp.simplex) return;
-    simplex_free(model->lp.simplex);
-    model->lp.simplex = nullptr;
+    lp_drop_simplex(&model->lp);
     model_free_results(model);
     model->lp.status = TVX_LOADED;
 }

@@ -121,7 +121,7 @@ TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
     load_mixed(5);
     EXPECT_EQ(TVXfixedmodel(model), nullptr);
     EXPECT_STREQ(TVXgetmerrormsg(model), "The model has no solution to be fixed at");
-    MipResult *result = model->mip_result =
+    MipResult *result = model->mip.result =
         static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
     result->has_solution = 1;
     ASSERT_EQ(array_resize(&result->x, 5), 0);

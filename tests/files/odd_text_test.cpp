@@ -19,11 +19,11 @@ class OddText : public Files
         ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, val, nullptr, ub, types, names), 0);
         ASSERT_EQ(TVXaddconstr(model, 2, ind, val, '>', 1, b.c_str()), 0);
         ASSERT_EQ(TVXupdatemodel(model), 0);
-        model->mip_result = record_create<MipResult>();
-        ASSERT_NE(model->mip_result, nullptr);
-        model->mip_result->has_solution = model->mip_result->sol_count = 1;
-        ASSERT_EQ(array_assign(&model->mip_result->x, 2, 3.0), 0);
-        model->mip_result->x[1] = 5;
+        model->mip.result = record_create<MipResult>();
+        ASSERT_NE(model->mip.result, nullptr);
+        model->mip.result->has_solution = model->mip.result->sol_count = 1;
+        ASSERT_EQ(array_assign(&model->mip.result->x, 2, 3.0), 0);
+        model->mip.result->x[1] = 5;
     }
     void write(const char *name)
     {

@@ -9,14 +9,14 @@ class SolutionFiles : public Files
     void solved(double x, double y)
     {
         ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n LI B X 0\nENDATA\n")), 0);
-        model->mip_result = record_create<MipResult>();
-        ASSERT_NE(model->mip_result, nullptr);
-        model->mip_result->status = TVX_OPTIMAL;
-        model->mip_result->has_solution = 1;
-        model->mip_result->sol_count = 1;
-        ASSERT_EQ(array_resize(&model->mip_result->x, 2), 0);
-        model->mip_result->x[0] = x;
-        model->mip_result->x[1] = y;
+        model->mip.result = record_create<MipResult>();
+        ASSERT_NE(model->mip.result, nullptr);
+        model->mip.result->status = TVX_OPTIMAL;
+        model->mip.result->has_solution = 1;
+        model->mip.result->sol_count = 1;
+        ASSERT_EQ(array_resize(&model->mip.result->x, 2), 0);
+        model->mip.result->x[0] = x;
+        model->mip.result->x[1] = y;
     }
     int read_start(const std::string &text)
     {

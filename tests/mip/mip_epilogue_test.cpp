@@ -15,8 +15,10 @@ struct MipEpilogue : ModelTest {
             TVXnewmodel(env.env, &model, nullptr, 2, nullptr, nullptr, ub, "II", nullptr),
             0);
         ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-        result = model->mip_result =
+        result = model->mip.result =
             static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+        model->mip.body = model->body;
+        model->mip.env = model->env;
         result->status = TVX_OPTIMAL;
         result->node_count = 12;
         result->iter_count = 345;
@@ -28,7 +30,7 @@ struct MipEpilogue : ModelTest {
     std::string closing(int error = 0)
     {
         Output output;
-        EXPECT_EQ(mip_log_result(model->env, model->body, result, error), 0);
+        EXPECT_EQ(mip_log_result(&model->mip, error), 0);
         const std::string text = output.text();
         EXPECT_TRUE(text.starts_with("\nExplored 12 nodes (345 simplex iterations) in "))
             << text;
@@ -94,6 +96,14 @@ TEST_F(MipEpilogue, results_are_read_from_the_record_of_the_mip)
     EXPECT_EQ(dbl("IntVio"), 0.5);
     EXPECT_EQ(integer("IntVioIndex"), 0);
     EXPECT_EQ(integer("SolCount"), 1);
+    const double other[] = {1, 7};
+    ASSERT_EQ(array_copy(&result->others, other, 2), 0);
+    result->other_count = 1;
+    for (const int number : {0, 1, 2}) {
+        ASSERT_EQ(TVXsetintparam(own(), "SolutionNumber", number), 0);
+        EXPECT_EQ(TVXgetdblattrelement(model, "Xn", 1, &value), number < 2 ? 0 : 10005);
+        EXPECT_EQ(value, number == 0 ? 0 : 7);
+    }
     EXPECT_EQ(TVXgetdblattr(model, "DualVio", &value), 10005); // not for a MIP
     EXPECT_EQ(TVXgetdblattrelement(model, "RC", 0, &value), 10005);
     for (const int status : {TVX_INFEASIBLE, TVX_INF_OR_UNBD, TVX_UNBOUNDED}) {
