@@ -6,6 +6,7 @@
 namespace
 {
 enum WhatType { INT_TYPE = 1, DOUBLE_TYPE = 2, STRING_TYPE = 3 };
+
 constexpr int ANYWHERE = -1;
 
 struct What {

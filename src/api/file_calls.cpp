@@ -11,23 +11,26 @@
 
 // ---- The table ----
 
+namespace
+{
 using ModelReader = int (*)(TVXenv *env, const char *file_name, ModelDraft *draft);
+
 using ModelVisitor = int (*)(TVXmodel *model, const char *file_name);
 
 // No model has an irreducible inconsistent subsystem in this build.
-static int write_ilp(TVXmodel *model, const char *file_name)
+int write_ilp(TVXmodel *model, const char *file_name)
 {
     (void)file_name;
     return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
                       "No IIS available for current model");
 }
 
-static int read_parameters(TVXmodel *model, const char *file_name)
+int read_parameters(TVXmodel *model, const char *file_name)
 {
     return TVXreadparams(model->env, file_name);
 }
 
-static int write_parameters(TVXmodel *model, const char *file_name)
+int write_parameters(TVXmodel *model, const char *file_name)
 {
     return TVXwriteparams(model->env, file_name);
 }
@@ -42,7 +45,7 @@ struct FileKind {
 };
 
 // Rows of models first: they are also the order in which a name without suffix is completed.
-static const FileKind kinds[] = {
+const FileKind kinds[] = {
     {FILE_MPS, ".mps", "MPS", mps_read, nullptr, write_mps},
     {FILE_REW, ".rew", "MPS", mps_read, nullptr, write_rew},
     {FILE_LP, ".lp", "LP", lp_read, nullptr, write_lp},
@@ -53,15 +56,16 @@ static const FileKind kinds[] = {
     {FILE_BAS, ".bas", nullptr, nullptr, read_basis, write_basis},
     {FILE_PRM, ".prm", nullptr, nullptr, read_parameters, write_parameters},
 };
-static const char *const compressions[] = {"", ".gz", ".bz2"};
 
-static char small_letter(char c)
+const char *const compressions[] = {"", ".gz", ".bz2"};
+
+char small_letter(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // Whether name[0..length-1] ends in the suffix; *rest is the length before it.
-static bool ends_in(const char *name, size_t length, const char *suffix, size_t *rest)
+bool ends_in(const char *name, size_t length, const char *suffix, size_t *rest)
 {
     const size_t n = strlen(suffix);
     if (n > length) return false;
@@ -72,7 +76,7 @@ static bool ends_in(const char *name, size_t length, const char *suffix, size_t 
 }
 
 // The row of a name, or null. The last match wins.
-static const FileKind *kind_of(const char *name)
+const FileKind *kind_of(const char *name)
 {
     const FileKind *found = nullptr;
     for (const FileKind &kind : kinds)
@@ -83,6 +87,7 @@ static const FileKind *kind_of(const char *name)
         }
     return found;
 }
+} // namespace
 
 FileType file_type(const char *file_name)
 {
@@ -92,14 +97,16 @@ FileType file_type(const char *file_name)
 
 // ---- Completing names ----
 
+namespace
+{
 struct Completion {
     Array<char> name;                 // that opens, terminated
     const FileKind *suffix = nullptr; // model suffix that was added, or null
 };
 
 // name + suffix + compression. 0 or OUT_OF_MEMORY.
-static int compose(Array<char> *composed, const char *name, const char *suffix,
-                   const char *compression)
+int compose(Array<char> *composed, const char *name, const char *suffix,
+            const char *compression)
 {
     const char *const parts[] = {name, suffix, compression};
     int64_t length = 1;
@@ -111,8 +118,8 @@ static int compose(Array<char> *composed, const char *name, const char *suffix,
 }
 
 // Tries the compression suffixes. *found says whether one opens.
-static int complete_compression(Completion *completion, const char *name,
-                                const FileKind *suffix, bool *found)
+int complete_compression(Completion *completion, const char *name, const FileKind *suffix,
+                         bool *found)
 {
     *found = false;
     for (const char *compression : compressions) {
@@ -125,7 +132,7 @@ static int complete_compression(Completion *completion, const char *name,
 }
 
 // The name as it is, then with each model suffix.
-static int complete_model(Completion *completion, const char *name, bool *found)
+int complete_model(Completion *completion, const char *name, bool *found)
 {
     TRY(complete_compression(completion, name, nullptr, found));
     for (const FileKind &kind : kinds) {
@@ -135,7 +142,7 @@ static int complete_model(Completion *completion, const char *name, bool *found)
     return 0;
 }
 
-static int cannot_open(TVXenv *env, const char *file_name)
+int cannot_open(TVXenv *env, const char *file_name)
 {
     return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
                 "Unable to open file '%s' for input", file_name);
@@ -143,8 +150,7 @@ static int cannot_open(TVXenv *env, const char *file_name)
 
 // ---- Reading models ----
 
-static void announce(TVXmodel *model, const FileKind *kind, const char *file_name,
-                     double seconds)
+void announce(TVXmodel *model, const FileKind *kind, const char *file_name, double seconds)
 {
     const ModelBody *body = model->body;
     TVXmsg(model->env, "Read %s format model from file %s\n", kind->form, file_name);
@@ -154,8 +160,7 @@ static void announce(TVXmodel *model, const FileKind *kind, const char *file_nam
            body->numnz);
 }
 
-static int read_draft(TVXenv *env, const FileKind *kind, const char *name,
-                      TVXmodel **model_out)
+int read_draft(TVXenv *env, const FileKind *kind, const char *name, TVXmodel **model_out)
 {
     ModelDraft draft;
     int error = kind->read_model(env, name, &draft);
@@ -164,7 +169,7 @@ static int read_draft(TVXenv *env, const FileKind *kind, const char *name,
     return error;
 }
 
-static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
+int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
 {
     const double start = WallClock();
     Completion completion;
@@ -179,6 +184,7 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
     announce(*model_out, kind, completion.name.data, WallClock() - start);
     return 0;
 }
+} // namespace
 
 int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out)
 {
@@ -196,7 +202,9 @@ int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out)
 
 // ---- Reading into a model ----
 
-static int read_into(TVXmodel *model, const char *name)
+namespace
+{
+int read_into(TVXmodel *model, const char *name)
 {
     Completion completion;
     bool found = false;
@@ -211,6 +219,7 @@ static int read_into(TVXmodel *model, const char *name)
                           "Can't import file '%s' into a model", name);
     return kind->read_into(model, completion.name.data);
 }
+} // namespace
 
 int TVXread(TVXmodel *model, const char *filename)
 {
@@ -228,13 +237,15 @@ int TVXread(TVXmodel *model, const char *filename)
 
 // ---- Writing ----
 
-static int cannot_write(TVXmodel *model, const char *name)
+namespace
+{
+int cannot_write(TVXmodel *model, const char *name)
 {
     return fail_model(model, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
                       "Unable to open file '%s' for output", name);
 }
 
-static int write_file(TVXmodel *model, const char *name)
+int write_file(TVXmodel *model, const char *name)
 {
     const FileKind *kind = kind_of(name);
     if (!kind) {
@@ -246,6 +257,7 @@ static int write_file(TVXmodel *model, const char *name)
     if (error == TVX_ERROR_FILE_WRITE) return cannot_write(model, name);
     return fail_model(model, error, Report::KEEP_FIRST, "Failed to write '%s'", name);
 }
+} // namespace
 
 int TVXwrite(TVXmodel *model, const char *filename)
 {

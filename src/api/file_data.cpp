@@ -8,18 +8,21 @@
 
 // ---- Models ----
 
-static void warn_of_pending(TVXmodel *model, const char *file_name)
+namespace
+{
+void warn_of_pending(TVXmodel *model, const char *file_name)
 {
     if (!model_has_pending(model)) return;
     TVXmsg(model->env, "Warning: model has pending changes.\n");
     TVXmsg(model->env, "File '%s' does not contain these changes.\n", file_name);
 }
 
-static int mps(TVXmodel *model, const char *file_name, WriteNames names)
+int mps(TVXmodel *model, const char *file_name, WriteNames names)
 {
     warn_of_pending(model, file_name);
     return mps_write(model->body, model->env, file_name, names);
 }
+} // namespace
 
 int write_mps(TVXmodel *model, const char *file_name)
 {
@@ -31,12 +34,15 @@ int write_rew(TVXmodel *model, const char *file_name)
     return mps(model, file_name, WriteNames::NUMBERED);
 }
 
-static int lp(TVXmodel *model, const char *file_name, WriteNames names)
+namespace
+{
+int lp(TVXmodel *model, const char *file_name, WriteNames names)
 {
     warn_of_pending(model, file_name);
     TRY(body_build_rows(model->body));
     return lp_write(model->body, model->env, file_name, names);
 }
+} // namespace
 
 int write_lp(TVXmodel *model, const char *file_name)
 {
@@ -50,12 +56,15 @@ int write_rlp(TVXmodel *model, const char *file_name)
 
 // ---- Bases ----
 
+namespace
+{
 // Says more than that an attribute is missing.
-static int no_basis(TVXmodel *model, int error)
+int no_basis(TVXmodel *model, int error)
 {
     return fail_model(model, error, Report::FORCE,
                       "Unable to retrieve basis for current model");
 }
+} // namespace
 
 int write_basis(TVXmodel *model, const char *file_name)
 {
@@ -67,7 +76,8 @@ int write_basis(TVXmodel *model, const char *file_name)
     TRY(array_resize(&cbasis, m));
     int error = n ? TVXgetintattrarray(model, "VBasis", 0, n, vbasis.data) : 0;
     if (!error && m) error = TVXgetintattrarray(model, "CBasis", 0, m, cbasis.data);
-    if (!error) error = basis_write(model->body, model->env, vbasis.data, cbasis.data, file_name);
+    if (!error)
+        error = basis_write(model->body, model->env, vbasis.data, cbasis.data, file_name);
     return error && error != TVX_ERROR_FILE_WRITE && error != OUT_OF_MEMORY
                ? no_basis(model, error)
                : error;
@@ -92,9 +102,8 @@ int read_start(TVXmodel *model, const char *file_name)
     StartValues start;
     TRY(mip_start_read(model->body, model->env, file_name, &start));
     if (start.var.size == 0) return 0;
-    const int error =
-        TVXsetdblattrlist(model, "Start", static_cast<int>(start.var.size), start.var.data,
-                          start.value.data);
+    const int error = TVXsetdblattrlist(model, "Start", static_cast<int>(start.var.size),
+                                        start.var.data, start.value.data);
     return fail_model(model, error, Report::KEEP_FIRST, "Problem reading MIP start");
 }
 
@@ -111,8 +120,10 @@ int write_start(TVXmodel *model, const char *file_name)
 
 // ---- Solutions ----
 
+namespace
+{
 // Why a solve has left a point that is not optimal.
-static const char *reason(int status)
+const char *reason(int status)
 {
     switch (status) {
     case TVX_CUTOFF:
@@ -136,7 +147,7 @@ static const char *reason(int status)
 
 // The comment on a point that is not optimal, with the reason and its largest violations; else nothing. 0 or
 // OUT_OF_MEMORY.
-static int describe_point(TVXmodel *model, char *text, int size)
+int describe_point(TVXmodel *model, char *text, int size)
 {
     static constexpr int MEASURES = 3;
     static const char *const attributes[MEASURES] = {"BoundVio", "ConstrVio", "IntVio"};
@@ -160,6 +171,7 @@ static int describe_point(TVXmodel *model, char *text, int size)
                     reason(status));
     return 0;
 }
+} // namespace
 
 int write_solution(TVXmodel *model, const char *file_name)
 {

@@ -16,16 +16,18 @@
 #include "runtime/file.h"
 #include <cstring>
 
+namespace
+{
 // Writes model and parameters as they are about to be solved, for a bug report. Failing to do so does
 // not stop the solve.
-static void dump(TVXmodel *model)
+void dump(TVXmodel *model)
 {
     (void)mps_write(model->body, model->env, "tarvex.rew", WriteNames::NUMBERED);
     (void)TVXwriteparams(model->env, "tarvex.prm");
     (void)finish_model(model, 0); // a failure leaves no text
 }
 
-static void log_size(const TVXmodel *model)
+void log_size(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
     TVXmsg(model->env, "Optimize a model with %d rows, %d columns and %d nonzeros\n",
@@ -34,7 +36,7 @@ static void log_size(const TVXmodel *model)
 
 // Results are for calls to come: what has been derived from earlier ones goes, before and, as a callback may have asked
 // for more, after the solve.
-static int run_lp(TVXmodel *model)
+int run_lp(TVXmodel *model)
 {
     LpSolve *lp = &model->lp;
     const double start = WallClock();
@@ -56,7 +58,7 @@ static int run_lp(TVXmodel *model)
     return code ? code : outcome;
 }
 
-static int run_mip(TVXmodel *model)
+int run_mip(TVXmodel *model)
 {
     MipSolve *mip = &model->mip;
     mip->body = model->body;
@@ -68,6 +70,7 @@ static int run_mip(TVXmodel *model)
     attributes_clear_solution(model);
     return code;
 }
+} // namespace
 
 int optimize_run(TVXmodel *model)
 {
@@ -82,8 +85,10 @@ int optimize_run(TVXmodel *model)
     return code;
 }
 
+namespace
+{
 // The closing lines and the text of an error; the code of the whole call.
-static int close_run(TVXmodel *model, int code)
+int close_run(TVXmodel *model, int code)
 {
     TVXenv *env = model->env;
     if (!code) code = callback_code(env);
@@ -104,7 +109,7 @@ static int close_run(TVXmodel *model, int code)
 // ---- The result file ----
 
 // What the file would hold, if only a solve can make it: the file of an earlier solve must not pass for that of this one.
-static const char *result_of_solve(const char *file_name)
+const char *result_of_solve(const char *file_name)
 {
     switch (file_type(file_name)) {
     case FILE_SOL:
@@ -117,12 +122,12 @@ static const char *result_of_solve(const char *file_name)
     }
 }
 
-static void call_older(TVXenv *env)
+void call_older(TVXenv *env)
 {
     TVXmsg(env, "         The file of that name is older, not the result of this solve\n");
 }
 
-static void drop_old_result(TVXenv *env, const char *name)
+void drop_old_result(TVXenv *env, const char *name)
 {
     if (FileRemove(name))
         TVXmsg(env, "         The file of that name was older and is removed\n");
@@ -131,7 +136,7 @@ static void drop_old_result(TVXenv *env, const char *name)
 }
 
 // The file could not be written, for this code; or the solve has failed, and nothing was tried.
-static void explain_no_result(TVXenv *env, const char *name, int code, bool solved)
+void explain_no_result(TVXenv *env, const char *name, int code, bool solved)
 {
     const char *what = result_of_solve(name);
     TVXmsg(env, "WARNING: unable to write requested result file '%s'\n", name);
@@ -146,7 +151,7 @@ static void explain_no_result(TVXenv *env, const char *name, int code, bool solv
         call_older(env);
 }
 
-static void write_result_file(TVXmodel *model, const char *name)
+void write_result_file(TVXmodel *model, const char *name)
 {
     TVXenv *env = model->env;
     const int code = TVXwrite(model, name);
@@ -161,7 +166,7 @@ static void write_result_file(TVXmodel *model, const char *name)
 
 // Behind a solve with this code. A callback that hears the lines written here may change parameters and make calls of its
 // own: the name is kept, and so is the text of a failure.
-static void settle_result_file(TVXmodel *model, int solve_code)
+void settle_result_file(TVXmodel *model, int solve_code)
 {
     TVXenv *env = model->env;
     char name[sizeof env->ResultFile];
@@ -175,6 +180,7 @@ static void settle_result_file(TVXmodel *model, int solve_code)
         env->err_hold = 0;
     }
 }
+} // namespace
 
 int TVXoptimize(TVXmodel *model)
 {

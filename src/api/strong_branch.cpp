@@ -4,9 +4,9 @@
 //             candidate with value x is split at d = floor(x + IntFeasTol) into x <= d and x >= d + 1.
 // Invariant   The model is busy meanwhile: TVXterminate stops it, other calls are refused.
 #include "api/optimize.h"
-#include "model/attribute_cache.h"
 #include "attributes/sensitivity.h"
 #include "body/signs.h"
+#include "model/attribute_cache.h"
 #include "runtime/clock.h"
 #include "simplex/simplex.h"
 #include <cmath>

@@ -6,7 +6,9 @@
 #include "env/callback.h"
 #include "runtime/text_number.h"
 
-static void call(TVXenv *env, int where, const CallbackSource &source)
+namespace
+{
+void call(TVXenv *env, int where, const CallbackSource &source)
 {
     CallbackRecord *record = env->cb_record;
     const CallbackSource outer_source = record->source;
@@ -20,6 +22,7 @@ static void call(TVXenv *env, int where, const CallbackSource &source)
     if (record->code == 0) record->code = code;
     flag_store(env->terminate_ptr, 1);
 }
+} // namespace
 
 void callback_call(TVXenv *env, int where, const CallbackSource &source)
 {

@@ -9,11 +9,16 @@
 #include "env/parameters.h"
 #include <cstring>
 
-static constexpr int VERSION_MAJOR = 3;
-static constexpr int VERSION_MINOR = 0;
-static constexpr int VERSION_TECHNICAL = 3;
-static const char parameter_file[] =
-    "tarvex.env"; // read at start-up from the current directory
+namespace
+{
+constexpr int VERSION_MAJOR = 3;
+
+constexpr int VERSION_MINOR = 0;
+
+constexpr int VERSION_TECHNICAL = 3;
+
+const char parameter_file[] = "tarvex.env"; // read at start-up from the current directory
+} // namespace
 
 void TVXversion(int *major, int *minor, int *technical)
 {
@@ -40,13 +45,16 @@ const char *TVXsvnrevision(void)
 
 // ---- Log file ----
 
+namespace
+{
 // Streams of the process are the caller's to close.
-static void close_log(TVXenv *env)
+void close_log(TVXenv *env)
 {
     if (env->log_file && env->log_file != stdout && env->log_file != stderr)
         fclose(env->log_file);
     env->log_file = nullptr;
 }
+} // namespace
 
 int env_open_log(TVXenv *env, const char *name)
 {
@@ -90,12 +98,14 @@ int TVXgetlogfile(TVXenv *env, FILE **stream_out)
 
 // ---- Life ----
 
-static void hold(TVXenv *master)
+namespace
+{
+void hold(TVXenv *master)
 {
     std::atomic_ref(master->holders).fetch_add(1, std::memory_order_relaxed);
 }
 
-static void release(TVXenv *master)
+void release(TVXenv *master)
 {
     if (std::atomic_ref(master->holders).fetch_sub(1, std::memory_order_acq_rel) > 1)
         return;
@@ -103,6 +113,7 @@ static void release(TVXenv *master)
     MemFree(master->errmsg);
     MemFree(master);
 }
+} // namespace
 
 void env_free(TVXenv *env)
 {
@@ -125,8 +136,10 @@ void TVXfreeenv(TVXenv *env)
     if (env && env->magic == ENV_MAGIC && env->is_master) env_free(env);
 }
 
+namespace
+{
 // Fills in everything behind the bare record. 0 or a code.
-static int load(TVXenv *env, const char *log_file_name)
+int load(TVXenv *env, const char *log_file_name)
 {
     env->OutputFlag = 1;
     env->errmsg = static_cast<char *>(MemAllocZero(MESSAGE_LENGTH + 1, 1));
@@ -138,6 +151,7 @@ static int load(TVXenv *env, const char *log_file_name)
     static_cast<void>(parameters_read(env, parameter_file)); // usually there is none
     return 0;
 }
+} // namespace
 
 int TVXloadenv(TVXenv **env_out, const char *log_file_name)
 {

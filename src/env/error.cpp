@@ -11,8 +11,10 @@
 #include <bit>
 #include <cstring>
 
+namespace
+{
 // The text of a code for which nothing more specific was recorded, or null.
-static const char *default_text(int code)
+const char *default_text(int code)
 {
     switch (code) {
     case TVX_ERROR_OUT_OF_MEMORY:
@@ -50,25 +52,27 @@ static const char *default_text(int code)
     }
 }
 
-static void message_lock(TVXenv *env)
+void message_lock(TVXenv *env)
 {
     for (int round = 0;
          std::atomic_ref(env->master->message_lock).exchange(1, std::memory_order_acquire);
          round++)
         ThreadPause(round);
 }
-static void message_unlock(TVXenv *env)
+
+void message_unlock(TVXenv *env)
 {
     flag_store(&env->master->message_lock, 0);
 }
 
 // No text to keep. That of a call refused because another thread solves the model does not count: it must not hide
 // what the solve itself has to say.
-static bool message_is_free(const TVXenv *env)
+bool message_is_free(const TVXenv *env)
 {
     return env->errmsg[0] == '\0' ||
            !strcmp(env->errmsg, default_text(TVX_ERROR_OPTIMIZATION_IN_PROGRESS));
 }
+} // namespace
 
 void error_clear(TVXenv *env)
 {
@@ -79,8 +83,9 @@ void error_clear(TVXenv *env)
     message_unlock(env);
 }
 
-static void record(TVXenv *env, int code, Report report, const char *format,
-                   va_list arguments)
+namespace
+{
+void record(TVXenv *env, int code, Report report, const char *format, va_list arguments)
 {
     char text[MESSAGE_LENGTH + 1]; // first, since an argument may be the old message
     text_format_v(text, sizeof text, format, arguments);
@@ -90,6 +95,7 @@ static void record(TVXenv *env, int code, Report report, const char *format,
         memcpy(env->errmsg, text, sizeof text);
     message_unlock(env);
 }
+} // namespace
 
 int fail_v(TVXenv *env, int code, Report report, const char *format, va_list arguments)
 {
@@ -124,12 +130,15 @@ int finish(TVXenv *env, int code)
     return code;
 }
 
+namespace
+{
 // All ones in the exponent, by the bits: no comparison can be optimised away.
-static bool is_nan_or_infinite(double value)
+bool is_nan_or_infinite(double value)
 {
     static constexpr uint64_t EXPONENT = 0x7ff0000000000000u;
     return (std::bit_cast<uint64_t>(value) & EXPONENT) == EXPONENT;
 }
+} // namespace
 
 int check_value(TVXenv *env, double value)
 {

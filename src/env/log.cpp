@@ -11,7 +11,9 @@
 #include <ctime>
 #include <unistd.h>
 
-static void print_flushed(FILE *stream, const char *format, va_list arguments)
+namespace
+{
+void print_flushed(FILE *stream, const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
@@ -21,17 +23,18 @@ static void print_flushed(FILE *stream, const char *format, va_list arguments)
 }
 
 // On a full disk, for example. Told at the first line that is lost.
-static void warn_lost(const TVXenv *env)
+void warn_lost(const TVXenv *env)
 {
     message_stdout(env, "Warning: the log file cannot be written to its end\n");
 }
 
-static void print_log_file(const TVXenv *env, const char *format, va_list arguments)
+void print_log_file(const TVXenv *env, const char *format, va_list arguments)
 {
     const bool failed_before = ferror(env->log_file) != 0;
     print_flushed(env->log_file, format, arguments);
     if (!failed_before && ferror(env->log_file)) warn_lost(env);
 }
+} // namespace
 
 void TVXmsg(TVXenv *env, const char *format, ...)
 {

@@ -12,17 +12,23 @@
 #include <cmath>
 #include <cstring>
 
-static constexpr int LINE_LENGTH = 159; // characters of a file that are taken at once
+namespace
+{
+constexpr int LINE_LENGTH = 159; // characters of a file that are taken at once
+} // namespace
+
 static_assert(LINE_LENGTH <= PARAMETER_LINE);
 
+namespace
+{
 // White space of the "C" locale.
-static bool is_space(char c)
+bool is_space(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 // Length of the word that starts at *text after white space; *text moves to it.
-static int next_word(const char **text)
+int next_word(const char **text)
 {
     while (is_space(**text)) ++*text;
     int length = 0;
@@ -30,12 +36,13 @@ static int next_word(const char **text)
     return length;
 }
 
-static void copy_word(char *target, const char *word, int length)
+void copy_word(char *target, const char *word, int length)
 {
     const int kept = length < PARAMETER_LINE ? length : PARAMETER_LINE;
     memcpy(target, word, static_cast<size_t>(kept));
     target[kept] = '\0';
 }
+} // namespace
 
 bool parameter_line_scan(const char *line, ParameterLine *scanned)
 {
@@ -53,7 +60,9 @@ bool parameter_line_scan(const char *line, ParameterLine *scanned)
     return scanned->name[0] != '\0';
 }
 
-static int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLine *line)
+namespace
+{
+int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLine *line)
 {
     if (row->type == PARAMETER_INT && line->numeric)
         return parameter_set_int(env, row, line->number);
@@ -68,7 +77,7 @@ static int set_from_line(TVXenv *env, const ParameterRow *row, const ParameterLi
 enum class LineStep { LINE, END, BINARY };
 
 // The next line without its end, or LINE_LENGTH characters of a longer one. Of a comment only the start.
-static LineStep next_line(FILE *stream, char *text)
+LineStep next_line(FILE *stream, char *text)
 {
     static constexpr int DOS_END = 26; // the old end-of-file character
     int length = 0;
@@ -91,14 +100,14 @@ static LineStep next_line(FILE *stream, char *text)
 }
 
 // The text behind a byte-order mark of UTF-8, which can only stand at the very beginning.
-static const char *behind_mark(const char *text)
+const char *behind_mark(const char *text)
 {
     static constexpr char MARK[] = "\xef\xbb\xbf";
     return strncmp(text, MARK, sizeof MARK - 1) ? text : text + sizeof MARK - 1;
 }
 
 // One line that is no comment. False when the name is unknown.
-static bool read_line(TVXenv *env, const char *file_name, const char *text)
+bool read_line(TVXenv *env, const char *file_name, const char *text)
 {
     ParameterLine line;
     if (!parameter_line_scan(text, &line)) return true; // blank
@@ -114,6 +123,7 @@ static bool read_line(TVXenv *env, const char *file_name, const char *text)
         TVXmsg(env, "%s parameter %s to value %s\n", outcome, line.name, line.text);
     return true;
 }
+} // namespace
 
 int parameters_read(TVXenv *env, const char *file_name)
 {
@@ -143,7 +153,9 @@ int parameters_read(TVXenv *env, const char *file_name)
 
 // ---- Writing ----
 
-static void write_row(TVXenv *env, const ParameterRow *row, FILE *stream)
+namespace
+{
+void write_row(TVXenv *env, const ParameterRow *row, FILE *stream)
 {
     if (row->no_write) return;
     if (row->type == PARAMETER_INT) {
@@ -156,6 +168,7 @@ static void write_row(TVXenv *env, const ParameterRow *row, FILE *stream)
             text_print(stream, "%s  %g\n", row->name, value);
     }
 }
+} // namespace
 
 int parameters_write(TVXenv *env, const char *file_name)
 {

@@ -11,28 +11,41 @@
 #include <type_traits>
 
 static_assert(std::is_standard_layout_v<TVXenv>);
-static constexpr size_t WARN_FIELD = offsetof(TVXenv, TARV_PAR_MASTERENVWARN);
-static constexpr int INDEX_BUCKETS = 1000;
-static constexpr double INT_LIMIT = 2e9;   // larger values are taken as this one
-static constexpr double DBL_LIMIT = 1e100; // likewise
+
+namespace
+{
+constexpr size_t WARN_FIELD = offsetof(TVXenv, TARV_PAR_MASTERENVWARN);
+
+constexpr int INDEX_BUCKETS = 1000;
+
+constexpr double INT_LIMIT = 2e9; // larger values are taken as this one
+
+constexpr double DBL_LIMIT = 1e100; // likewise
+} // namespace
 
 #define ROW_INT(name, minimum, maximum, value)                                             \
     {#name,         offsetof(TVXenv, name),                                                \
      minimum,       maximum,                                                               \
      value,         "",                                                                    \
      PARAMETER_INT, offsetof(TVXenv, name) == WARN_FIELD},
+
 #define ROW_DBL(name, minimum, maximum, value)                                             \
     {#name, offsetof(TVXenv, name), minimum, maximum, value, "", PARAMETER_DBL, false},
+
 #define ROW_STR(name, value)                                                               \
     {#name, offsetof(TVXenv, name), 0, 0, 0, value, PARAMETER_STR, false},
 
-static constexpr ParameterRow static_rows[] = {
+namespace
+{
+constexpr ParameterRow static_rows[] = {
     PUBLIC_PARAMETERS(ROW_INT, ROW_DBL, ROW_STR) //
     {"EndPublic", 0, 0, 0, 0, "", PARAMETER_DIVIDER, false},
     HIDDEN_PARAMETERS(ROW_INT, ROW_DBL, ROW_STR) //
 };
-static constexpr int N_ROWS = static_cast<int>(std::size(static_rows));
-static constexpr int divider_row()
+
+constexpr int N_ROWS = static_cast<int>(std::size(static_rows));
+
+constexpr int divider_row()
 {
     int k = 0;
     while (static_rows[k].type != PARAMETER_DIVIDER) k++;
@@ -41,7 +54,7 @@ static constexpr int divider_row()
 
 // ---- The table ----
 
-static int table_fill(ParameterTable *table)
+int table_fill(ParameterTable *table)
 {
     table->n_public = divider_row();
     TRY(array_copy(&table->rows, static_rows, N_ROWS));
@@ -56,6 +69,7 @@ static int table_fill(ParameterTable *table)
     }
     return 0;
 }
+} // namespace
 
 int parameters_create(ParameterTable **table_out)
 {
@@ -75,15 +89,17 @@ void parameters_free(ParameterTable **table)
     *table = nullptr;
 }
 
+namespace
+{
 // At most MESSAGE_LENGTH characters, into a buffer that has room for them. source may be target.
-static void copy_text(char *target, const char *source)
+void copy_text(char *target, const char *source)
 {
     const size_t length = strnlen(source, MESSAGE_LENGTH);
     memmove(target, source, length);
     target[length] = '\0';
 }
 
-static void reset_numbers(TVXenv *env)
+void reset_numbers(TVXenv *env)
 {
     for (const ParameterRow &row : env->params->rows) {
         if (row.type == PARAMETER_INT)
@@ -92,6 +108,7 @@ static void reset_numbers(TVXenv *env)
             *parameter_dbl(env, &row) = row.default_value;
     }
 }
+} // namespace
 
 void parameters_set_defaults(TVXenv *env)
 {
@@ -109,9 +126,12 @@ const ParameterRow *parameter_find(const TVXenv *env, const char *name)
     return k < 0 ? nullptr : &env->params->rows[k];
 }
 
+namespace
+{
 // The row of a name; or null with *error set, and the message that callers see. TYPE_ANY: whatever has a value.
-static constexpr int TYPE_ANY = 0;
-static const ParameterRow *find_row(TVXenv *env, const char *name, int type, int *error)
+constexpr int TYPE_ANY = 0;
+
+const ParameterRow *find_row(TVXenv *env, const char *name, int type, int *error)
 {
     *error = TVX_ERROR_NULL_ARGUMENT;
     if (!name) return nullptr;
@@ -129,7 +149,7 @@ static const ParameterRow *find_row(TVXenv *env, const char *name, int type, int
 // ---- Setting ----
 
 // Once: models made before keep the values they were made with.
-static void warn_master(TVXenv *env)
+void warn_master(TVXenv *env)
 {
     if (env->master != env || !flag_load(&env->model_copies) ||
         !env->TARV_PAR_MASTERENVWARN || !env->OutputFlag)
@@ -138,6 +158,7 @@ static void warn_master(TVXenv *env)
                 "models.\n");
     env->TARV_PAR_MASTERENVWARN = 0;
 }
+} // namespace
 
 int parameter_set_int(TVXenv *env, const ParameterRow *row, double value)
 {
@@ -171,8 +192,10 @@ int parameter_set_dbl(TVXenv *env, const ParameterRow *row, double value)
     return 0;
 }
 
+namespace
+{
 // The parameter Dummy holds nothing: its value names a numeric parameter and a number for it.
-static int set_by_text(TVXenv *env, const char *value)
+int set_by_text(TVXenv *env, const char *value)
 {
     ParameterLine line;
     if (!parameter_line_scan(value, &line) || !line.numeric)
@@ -184,6 +207,7 @@ static int set_by_text(TVXenv *env, const char *value)
     if (row->type == PARAMETER_DBL) return parameter_set_dbl(env, row, line.number);
     return TVX_ERROR_UNKNOWN_PARAMETER;
 }
+} // namespace
 
 int parameter_set_text(TVXenv *env, const ParameterRow *row, const char *value)
 {

@@ -43,7 +43,9 @@ void lp_drop(LpSolve *lp)
     lp->status = TVX_LOADED;
 }
 
-static bool already_solved(const LpSolve *lp)
+namespace
+{
+bool already_solved(const LpSolve *lp)
 {
     if (!lp->simplex || !lp->result) return false;
     return lp->status >= TVX_OPTIMAL && lp->status <= TVX_UNBOUNDED &&
@@ -51,7 +53,7 @@ static bool already_solved(const LpSolve *lp)
 }
 
 // An empty result in place of any earlier one. 0 or OUT_OF_MEMORY.
-static int open_result(LpSolve *lp)
+int open_result(LpSolve *lp)
 {
     lp->status = TVX_LOADED;
     lp->work = 0;
@@ -62,7 +64,7 @@ static int open_result(LpSolve *lp)
     return 0;
 }
 
-static void publish(LpSolve *lp, double start)
+void publish(LpSolve *lp, double start)
 {
     LpResult *result = lp->result;
     result->runtime = WallClock() - start;
@@ -74,7 +76,7 @@ static void publish(LpSolve *lp, double start)
 }
 
 // A row that no point satisfies settles the model, whatever else it holds.
-static bool has_impossible_row(const LpSolve *lp)
+bool has_impossible_row(const LpSolve *lp)
 {
     const ModelBody *body = lp->body;
     const int i = find_row(body, RowKind::IMPOSSIBLE);
@@ -85,7 +87,7 @@ static bool has_impossible_row(const LpSolve *lp)
     return true;
 }
 
-static int solve_from(LpSolve *lp, LpStart *start)
+int solve_from(LpSolve *lp, LpStart *start)
 {
     bool final = false;
     TRY(lp_presolved(lp, start, &final));
@@ -99,7 +101,7 @@ static int solve_from(LpSolve *lp, LpStart *start)
     return 0;
 }
 
-static int solve(LpSolve *lp, const LpGiven &given)
+int solve(LpSolve *lp, const LpGiven &given)
 {
     const double begin = WallClock();
     LpStart start;
@@ -117,11 +119,12 @@ static int solve(LpSolve *lp, const LpGiven &given)
 }
 
 // A fresh factor for queries to come. That the old one cannot be replaced costs only speed.
-static int refresh_factor(LpSolve *lp)
+int refresh_factor(LpSolve *lp)
 {
     if (!lp->env->TARV_PAR_SIMPLEXENDFAC) return 0;
     return simplex_refactor(lp->simplex) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
 }
+} // namespace
 
 int lp_solve(LpSolve *lp, const LpGiven &given)
 {
@@ -130,7 +133,9 @@ int lp_solve(LpSolve *lp, const LpGiven &given)
     return code;
 }
 
-static int run_to_fresh_factors(LpSolve *lp, TVXenv *env)
+namespace
+{
+int run_to_fresh_factors(LpSolve *lp, TVXenv *env)
 {
     const SimplexCall call = {.Method = METHOD_DUAL, .Iterations = lp->result->itercount};
     do {
@@ -141,7 +146,7 @@ static int run_to_fresh_factors(LpSolve *lp, TVXenv *env)
 }
 
 // In an environment of its own: without callback and limit of iterations, with fresh factors at the end.
-static int confirm_by_dual(LpSolve *lp)
+int confirm_by_dual(LpSolve *lp)
 {
     TVXenv *env = nullptr;
     TRY(env_inner(&env, lp->env));
@@ -154,6 +159,7 @@ static int confirm_by_dual(LpSolve *lp)
     env_free(env);
     return code;
 }
+} // namespace
 
 int lp_confirm(LpSolve *lp, bool *changed)
 {

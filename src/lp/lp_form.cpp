@@ -13,8 +13,10 @@
 namespace
 {
 constexpr double TALL = 5, WIDE = 2; // rows over columns: the dual, the primal form
+
 constexpr double VAR_WEIGHT = 3, ROW_WEIGHT = 5, NZ_WEIGHT = 2,
                  BETTER = 25; // of the comparison
+
 enum PreDualChoice { AUTOMATIC = -1, PRIMAL_FORM = 0, DUAL_FORM = 1, BOTH_FORMS = 2 };
 
 // For the barrier: the form with the smaller system, which free variables and inequalities spoil.

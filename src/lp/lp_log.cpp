@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <climits>
 
-static void log_effort(const LpSolve *lp, double start)
+namespace
+{
+void log_effort(const LpSolve *lp, double start)
 {
     const bool solved = lp->status >= TVX_OPTIMAL && lp->status <= TVX_UNBOUNDED;
     const double iterations = lp->result ? lp->result->itercount : 0;
@@ -14,7 +16,7 @@ static void log_effort(const LpSolve *lp, double start)
 }
 
 // An optimal basis of the scaled model may violate the tolerances of the model as given: say so.
-static int warn_unscaled(LpSolve *lp)
+int warn_unscaled(LpSolve *lp)
 {
     TVXenv *env = lp->env;
     if (env->TARV_PAR_UNSCALEDVIO == 0) return 0;
@@ -30,7 +32,7 @@ static int warn_unscaled(LpSolve *lp)
     return 0;
 }
 
-static const char *lp_outcome(int status)
+const char *lp_outcome(int status)
 {
     switch (status) {
     case TVX_INFEASIBLE:
@@ -51,6 +53,7 @@ static const char *lp_outcome(int status)
         return "";
     }
 }
+} // namespace
 
 int lp_log_result(LpSolve *lp, double start)
 {

@@ -33,10 +33,15 @@ struct Way {
     bool widen;                  // rows and bounds
     double tolerance, markowitz; // of SimplexTuning
 };
+
 constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
+
 constexpr double USUAL = 1e-6;
-constexpr double STRICT = 0.9;      // pivots in the factors
-constexpr double MOVED_MOST = 0.1;  // of the objective by widening: more is another model
+
+constexpr double STRICT = 0.9; // pivots in the factors
+
+constexpr double MOVED_MOST = 0.1; // of the objective by widening: more is another model
+
 constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
 
 constexpr Way WAYS[] = {
@@ -48,9 +53,12 @@ constexpr Way WAYS[] = {
     {SLACKS, false, false, true, false, TIGHT, STRICT},
     {SLACKS, false, false, true, true, TIGHT, STRICT},
 };
+
 constexpr int SMALL_MODEL = 5000; // entries
+
 // Iterations that ways may take on other models, over those of the first run.
 constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
+
 constexpr double GROSS_EXCESS =
     1000; // violation over its tolerance that needs a look at its numbers
 
@@ -303,8 +311,7 @@ int lp_secure(LpSolve *lp, const LpStart &start)
     best.repeated = stopped && first_iterations == 0;
     TRY(note(lp, &best));
     if (!is_good_enough(lp, best, 0) && !is_limit(lp->status))
-        TVXmsg(lp->env,
-               "Warning: the answer is not sure, solving again in other ways\n");
+        TVXmsg(lp->env, "Warning: the answer is not sure, solving again in other ways\n");
     int tried = 0;
     for (const Way &way : WAYS) {
         if (is_good_enough(lp, best, tried) || is_limit(lp->status)) break;

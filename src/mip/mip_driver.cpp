@@ -4,14 +4,17 @@
 //          search yet, so the model is refused as a whole: its relaxation alone would be an answer to another question.
 #include "mip/mip.h"
 
+namespace
+{
 // Where the search is to be called. Leaves no result, so that the status stays TVX_LOADED.
-static int search(const ModelBody *body, TVXenv *env)
+int search(const ModelBody *body, TVXenv *env)
 {
     return fail(env, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
                 "Only continuous models can be solved: this one has %d integer or "
                 "semi-continuous variables and %d SOS constraints",
                 body->numintvars, body->numsos);
 }
+} // namespace
 
 void mip_drop(MipSolve *mip)
 {

@@ -4,6 +4,8 @@
 //          chosen stands.
 #include "mip/mip.h"
 
+namespace
+{
 template<class T> struct Preset {
     int focus;        // value of MIPFocus
     T TVXenv::*field; // the parameter
@@ -12,7 +14,7 @@ template<class T> struct Preset {
 };
 
 // clang-format off
-static constexpr Preset<int> int_presets[] = {
+constexpr Preset<int> int_presets[] = {
     {1, &TVXenv::Cuts,             -1, 1},
     {1, &TVXenv::TARV_PAR_CUTPASS, -1, 5},
     {1, &TVXenv::VarBranch,        -1, 1},
@@ -23,27 +25,30 @@ static constexpr Preset<int> int_presets[] = {
     {3, &TVXenv::CutAggPasses,     -1, 20},
     {3, &TVXenv::Presolve,         -1, 2},
 };
-static constexpr Preset<double> double_presets[] = {
+
+constexpr Preset<double> double_presets[] = {
     {1, &TVXenv::Heuristics,          0.05, 0.2},
     {1, &TVXenv::TARV_PAR_CUTORTHTOL, 0.95, 0.8},
     {2, &TVXenv::TARV_PAR_CUTORTHTOL, 0.95, 0.99},
     {3, &TVXenv::TARV_PAR_ASPIRE,     1.0,  0.2},
     {3, &TVXenv::TARV_PAR_CUTORTHTOL, 0.95, 0.99},
 };
+
 // clang-format on
 
-static constexpr int AGGRESSIVE_CUTS =
-    2; // Cuts from which without focus cuts may be more alike
-static constexpr Preset<double> aggressive_cuts_preset = {0, &TVXenv::TARV_PAR_CUTORTHTOL,
-                                                          0.95, 0.99};
+constexpr int AGGRESSIVE_CUTS = 2; // Cuts from which without focus cuts may be more alike
 
-template<class T> static void apply(TVXenv *env, const Preset<T> &preset)
+constexpr Preset<double> aggressive_cuts_preset = {0, &TVXenv::TARV_PAR_CUTORTHTOL, 0.95,
+                                                   0.99};
+
+template<class T> void apply(TVXenv *env, const Preset<T> &preset)
 {
     if (preset.focus != env->MIPFocus) return;
     T *value = &(env->*preset.field);
     if (*value == preset.default_value)
         *value = preset.preset; // was assigned, compares exactly
 }
+} // namespace
 
 void mip_focus_apply(TVXenv *env)
 {

@@ -5,7 +5,9 @@
 #include "runtime/thread.h"
 #include <cmath>
 
-static void log_outcome(TVXenv *env, int status, int error)
+namespace
+{
+void log_outcome(TVXenv *env, int status, int error)
 {
     switch (status) {
     case TVX_OPTIMAL:
@@ -46,17 +48,18 @@ static void log_outcome(TVXenv *env, int status, int error)
     }
 }
 
-static constexpr int FIGURE_LENGTH =
-    32; // characters of "%.10e" or of a percentage, and more
-static constexpr double SAME_VALUE = 1e-10;     // objective and bound that meet
-static constexpr double NO_RELATIVE_GAP = 1e-6; // objective too close to 0 for a percentage
+constexpr int FIGURE_LENGTH = 32; // characters of "%.10e" or of a percentage, and more
 
-static bool is_finite_value(double value)
+constexpr double SAME_VALUE = 1e-10; // objective and bound that meet
+
+constexpr double NO_RELATIVE_GAP = 1e-6; // objective too close to 0 for a percentage
+
+bool is_finite_value(double value)
 {
     return fabs(value) < UNDEFINED_VALUE;
 }
 
-static const char *figure(double value, char *text)
+const char *figure(double value, char *text)
 {
     if (is_finite_value(value))
         text_format(text, FIGURE_LENGTH, "%.10e", value);
@@ -65,7 +68,7 @@ static const char *figure(double value, char *text)
     return text;
 }
 
-static const char *gap(double objective, double bound, char *text)
+const char *gap(double objective, double bound, char *text)
 {
     const double difference = fabs(objective - bound);
     text_format(text, FIGURE_LENGTH, "-");
@@ -76,6 +79,7 @@ static const char *gap(double objective, double bound, char *text)
         text_format(text, FIGURE_LENGTH, "%.4f%%", 100 * difference / fabs(objective));
     return text;
 }
+} // namespace
 
 int mip_log_result(MipSolve *mip, int error)
 {

@@ -7,12 +7,14 @@
 #include "model/add_vectors.h"
 #include <algorithm>
 
-static int vector_end(const NewVectors *v, int k)
+namespace
+{
+int vector_end(const NewVectors *v, int k)
 {
     return k + 1 < v->count ? v->beg[k + 1] : v->numnz;
 }
 
-static int check_starts(TVXmodel *model, const NewVectors *v)
+int check_starts(TVXmodel *model, const NewVectors *v)
 {
     for (int k = 0; k < v->count; k++) {
         const int end = vector_end(v, k);
@@ -24,7 +26,7 @@ static int check_starts(TVXmodel *model, const NewVectors *v)
 }
 
 // Indices must name one of n_elements, each at most once per vector.
-static int check_indices(const NewVectors *v, int n_elements, ElementChanges *scratch)
+int check_indices(const NewVectors *v, int n_elements, ElementChanges *scratch)
 {
     TRY(array_extend(&scratch->mark, n_elements, 0));
     int *__restrict mark = scratch->mark.data;
@@ -42,7 +44,7 @@ static int check_indices(const NewVectors *v, int n_elements, ElementChanges *sc
 }
 
 // The model as it will be must stay countable.
-static int check_growth(TVXmodel *model, int64_t n_elements, int64_t n_entries)
+int check_growth(TVXmodel *model, int64_t n_elements, int64_t n_entries)
 {
     const ModelBody *body = model->body;
     const PendingChanges *p = model->pending;
@@ -58,12 +60,13 @@ static int check_growth(TVXmodel *model, int64_t n_elements, int64_t n_entries)
                       static_cast<long long>(elements), static_cast<long long>(entries));
 }
 
-static int check_counts(const NewVectors *v)
+int check_counts(const NewVectors *v)
 {
     if (v->numnz < 0) return TVX_ERROR_INVALID_ARGUMENT;
     if (v->numnz > 0 && !(v->beg && v->ind && v->val)) return TVX_ERROR_NULL_ARGUMENT;
     return 0;
 }
+} // namespace
 
 int new_vectors_check(TVXmodel *model, NameKind kind, const NewVectors *v, int64_t n_new)
 {
@@ -78,13 +81,16 @@ int new_vectors_check(TVXmodel *model, NameKind kind, const NewVectors *v, int64
     return check_indices(v, model->body->numvars, &model->pending->vars);
 }
 
-static int reserve_batch(PendingVectors *batch, const NewVectors *v)
+namespace
+{
+int reserve_batch(PendingVectors *batch, const NewVectors *v)
 {
     TRY(array_grow(&batch->beg, int64_t{batch->count} + v->count + 1));
     TRY(array_grow(&batch->ind, batch->ind.size + v->numnz));
     TRY(array_grow(&batch->val, batch->val.size + v->numnz));
     return array_grow(&batch->names, batch->names.size + v->count);
 }
+} // namespace
 
 int new_vectors_prepare(ModelBody *body, NameKind kind, PendingVectors *batch,
                         const NewVectors *v, int *next)

@@ -13,12 +13,15 @@ int attributes_make(TVXmodel *model)
     return model->attributes ? 0 : OUT_OF_MEMORY;
 }
 
-static void forget_names(AttributeTable *table)
+namespace
+{
+void forget_names(AttributeTable *table)
 {
     array_free(&table->varnames);
     array_free(&table->constrnames);
     PoolFree(&table->names);
 }
+} // namespace
 
 void attributes_free(AttributeTable *table)
 {

@@ -17,15 +17,21 @@
 namespace
 {
 constexpr int SIGNALS = 2;
+
 constexpr int numbers[SIGNALS] = {SIGINT, SIGTERM};
 
 // A signal handler has no other way to its model.
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 std::atomic<TVXmodel *> watched{nullptr};
+
 std::atomic<int32_t> handlers{0}; // that run now
-std::atomic<int32_t> pending{0};  // 1: the watched model has been asked to stop
+
+std::atomic<int32_t> pending{0}; // 1: the watched model has been asked to stop
+
 struct sigaction before[SIGNALS]; // while a model is watched
-bool taken[SIGNALS];              // the handler was installed for this signal
+
+bool taken[SIGNALS]; // the handler was installed for this signal
+
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 void stop_watched()
@@ -44,8 +50,10 @@ extern "C" {
 static void on_signal(int signal);
 }
 
+namespace
+{
 // From now on the signals have their usual meaning, unless someone else has given them one.
-static void restore_defaults()
+void restore_defaults()
 {
     struct sigaction usual = {}, now = {};
     usual.sa_handler = SIG_DFL;
@@ -54,6 +62,7 @@ static void restore_defaults()
         if (sigaction(number, nullptr, &now) == 0 && now.sa_handler == on_signal)
             sigaction(number, &usual, nullptr);
 }
+} // namespace
 
 extern "C" {
 static void on_signal(int /*signal*/)
@@ -67,14 +76,16 @@ static void on_signal(int /*signal*/)
 }
 }
 
+namespace
+{
 // Whether the present meaning of the signal may be taken over.
-static bool may_take(int number, const struct sigaction *now)
+bool may_take(int number, const struct sigaction *now)
 {
     if (now->sa_handler == SIG_IGN) return false;
     return number == SIGINT || now->sa_handler == SIG_DFL || now->sa_handler == on_signal;
 }
 
-static void take(int k)
+void take(int k)
 {
     const bool again = taken[k];
     struct sigaction now = {};
@@ -91,7 +102,7 @@ static void take(int k)
 }
 
 // Back to what stood before, unless someone else has set something since.
-static void give_back(int k)
+void give_back(int k)
 {
     struct sigaction now = {};
     sigaction(numbers[k], nullptr, &now);
@@ -99,6 +110,7 @@ static void give_back(int k)
     if (taken[k] && ours) sigaction(numbers[k], &before[k], nullptr);
     taken[k] = false;
 }
+} // namespace
 
 int TVXsetsignal(TVXmodel *model)
 {

@@ -7,13 +7,15 @@
 
 // ---- Variables ----
 
+namespace
+{
 struct NewVars {
     NewVectors columns;
     const double *obj = nullptr, *lb = nullptr, *ub = nullptr; // [count], or null: default
     const char *vtype = nullptr;
 };
 
-static int check_vars(TVXmodel *model, const NewVars *given)
+int check_vars(TVXmodel *model, const NewVars *given)
 {
     const int count = given->columns.count;
     TRY(check_values(model->env, count, given->obj));
@@ -25,7 +27,7 @@ static int check_vars(TVXmodel *model, const NewVars *given)
     return 0;
 }
 
-static int reserve_vars(PendingVars *batch, int64_t count)
+int reserve_vars(PendingVars *batch, int64_t count)
 {
     TRY(array_grow(&batch->obj, count));
     TRY(array_grow(&batch->lb, count));
@@ -33,7 +35,7 @@ static int reserve_vars(PendingVars *batch, int64_t count)
     return array_grow(&batch->vtype, count);
 }
 
-static int add_vars(TVXmodel *model, const NewVars *given)
+int add_vars(TVXmodel *model, const NewVars *given)
 {
     TRY(check_vars(model, given));
     const NewVectors *v = &given->columns;
@@ -53,7 +55,7 @@ static int add_vars(TVXmodel *model, const NewVars *given)
     return 0;
 }
 
-static int add_vars_call(TVXmodel *model, const NewVars *given)
+int add_vars_call(TVXmodel *model, const NewVars *given)
 {
     if (const int error = TVXcheckmodel(model)) return finish_model(model, error);
     int error = 0;
@@ -61,6 +63,7 @@ static int add_vars_call(TVXmodel *model, const NewVars *given)
     fail_model(model, error, Report::KEEP_FIRST, "Problem adding variables");
     return finish_model(model, error);
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-function-size): the interface is fixed
 int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg, const int *vind,
@@ -100,6 +103,8 @@ int TVXaddvar(TVXmodel *model, int numnz, const int *vind, const double *vval, d
 
 // ---- Constraints ----
 
+namespace
+{
 struct NewConstrs {
     NewVectors rows;
     const char *sense = nullptr; // [count], or null: '<'
@@ -117,7 +122,7 @@ struct RowForm {
 
 // A range with one infinite side is an ordinary row. Sides that cross stay a range, whose extra
 // variable then gets crossed bounds: the model is infeasible, as it was written.
-static RowForm row_form(const NewConstrs *given, int k)
+RowForm row_form(const NewConstrs *given, int k)
 {
     if (!given->upper)
         return {.sense = given->sense ? normal_sense(given->sense[k]) : '<',
@@ -129,14 +134,14 @@ static RowForm row_form(const NewConstrs *given, int k)
     return {.sense = '=', .rhs = upper, .lower = lower};
 }
 
-static int reserve_constrs(PendingConstrs *batch, int64_t count)
+int reserve_constrs(PendingConstrs *batch, int64_t count)
 {
     TRY(array_grow(&batch->sense, count));
     TRY(array_grow(&batch->rhs, count));
     return array_grow(&batch->lower, count);
 }
 
-static int add_constrs(TVXmodel *model, const NewConstrs *given)
+int add_constrs(TVXmodel *model, const NewConstrs *given)
 {
     const NewVectors *v = &given->rows;
     TRY(check_values(model->env, v->count, given->rhs));
@@ -163,7 +168,7 @@ static int add_constrs(TVXmodel *model, const NewConstrs *given)
     return 0;
 }
 
-static int add_constrs_call(TVXmodel *model, const NewConstrs *given, bool complete)
+int add_constrs_call(TVXmodel *model, const NewConstrs *given, bool complete)
 {
     if (const int error = TVXcheckmodel(model)) return finish_model(model, error);
     int error = 0;
@@ -172,6 +177,7 @@ static int add_constrs_call(TVXmodel *model, const NewConstrs *given, bool compl
     fail_model(model, error, Report::KEEP_FIRST, "Problem adding constraints");
     return finish_model(model, error);
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-function-size): the interface is fixed
 int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg,

@@ -8,7 +8,9 @@ void model_estimate_size(TVXmodel *model)
                            23 * int64_t{body->numnz};
 }
 
-static int fill_model(TVXmodel *model, TVXenv *env, EnvUse use, ModelBody *body)
+namespace
+{
+int fill_model(TVXmodel *model, TVXenv *env, EnvUse use, ModelBody *body)
 {
     model->magic = MODEL_MAGIC;
     model->lp.status = TVX_LOADED;
@@ -22,6 +24,7 @@ static int fill_model(TVXmodel *model, TVXenv *env, EnvUse use, ModelBody *body)
     model->env_owned = 1;
     return 0;
 }
+} // namespace
 
 int model_of_body(TVXenv *env, EnvUse use, ModelBody *body, TVXmodel **model_out)
 {

@@ -4,7 +4,9 @@
 // or nothing; deleting an element twice is the same as once. Cost: O(entries of the call).
 #include "model/model_store.h"
 
-static int check_list(int count, const int *ind, int n_elements)
+namespace
+{
+int check_list(int count, const int *ind, int n_elements)
 {
     if (!ind) return TVX_ERROR_NULL_ARGUMENT;
     for (int k = 0; k < count; k++)
@@ -12,7 +14,7 @@ static int check_list(int count, const int *ind, int n_elements)
     return 0;
 }
 
-static int delete_elements(TVXmodel *model, NameKind kind, int numdel, const int *ind)
+int delete_elements(TVXmodel *model, NameKind kind, int numdel, const int *ind)
 {
     const bool vars = kind == NameKind::VAR;
     const int n_elements = vars ? model->body->numvars : model->body->numconstrs;
@@ -23,6 +25,7 @@ static int delete_elements(TVXmodel *model, NameKind kind, int numdel, const int
     for (int k = 0; k < numdel; k++) element_changes_flag(changes, ind[k], PENDING_DELETED);
     return 0;
 }
+} // namespace
 
 int TVXdelvars(TVXmodel *model, int numdel, const int *ind)
 {
@@ -42,7 +45,9 @@ int TVXdelconstrs(TVXmodel *model, int numdel, const int *ind)
     return finish_model(model, error);
 }
 
-static int delete_sos(TVXmodel *model, int numdel, const int *ind)
+namespace
+{
+int delete_sos(TVXmodel *model, int numdel, const int *ind)
 {
     TRY(check_list(numdel, ind, model->body->numsos));
     TRY(pending_get(model));
@@ -54,6 +59,7 @@ static int delete_sos(TVXmodel *model, int numdel, const int *ind)
     }
     return 0;
 }
+} // namespace
 
 int TVXdelsos(TVXmodel *model, int numdel, const int *ind)
 {
@@ -66,8 +72,10 @@ int TVXdelsos(TVXmodel *model, int numdel, const int *ind)
 
 // ---- Coefficients ----
 
-static int change_coeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind,
-                         const double *val)
+namespace
+{
+int change_coeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind,
+                  const double *val)
 {
     const ModelBody *body = model->body;
     TRY(check_list(numchgs, cind, body->numconstrs));
@@ -91,6 +99,7 @@ static int change_coeffs(TVXmodel *model, int numchgs, const int *cind, const in
     array_append_n(&coefs->val, val, numchgs, 0.0);
     return 0;
 }
+} // namespace
 
 int TVXchgcoeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind,
                  const double *val)

@@ -2,7 +2,9 @@
 #include "files/draft.h"
 #include "model/model.h"
 
-static int create(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
+namespace
+{
+int create(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
 {
     const DraftColumns *columns = &draft->columns;
     Array<const char *> varnames;
@@ -29,7 +31,7 @@ static int create(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
     return model_create(env, EnvUse::PRIVATE_COPY, &model_data, model_out);
 }
 
-static int add_sets(const DraftSets *sets, TVXmodel *model)
+int add_sets(const DraftSets *sets, TVXmodel *model)
 {
     if (!sets->type.size) return 0;
     TRY(TVXaddsos(model, static_cast<int>(sets->type.size),
@@ -37,6 +39,7 @@ static int add_sets(const DraftSets *sets, TVXmodel *model)
                   sets->member.data, sets->weight.data));
     return TVXupdatemodel(model);
 }
+} // namespace
 
 int model_from_draft(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
 {

@@ -1,14 +1,18 @@
 // model_load.cpp -- TVXnewmodel, TVXloadmodel, TVXcopymodel: callers' ways to a new model
 #include "model/model_store.h"
 
-static constexpr char COPY_SUFFIX[] = "_copy";
-static constexpr char NO_NAME[] = "(null)"; // stands for a missing name in a copy's name
+namespace
+{
+constexpr char COPY_SUFFIX[] = "_copy";
 
-static int new_model(TVXenv *env, TVXmodel **model_out, const ModelData *data)
+constexpr char NO_NAME[] = "(null)"; // stands for a missing name in a copy's name
+
+int new_model(TVXenv *env, TVXmodel **model_out, const ModelData *data)
 {
     if (!model_out) return TVX_ERROR_NULL_ARGUMENT;
     return model_create(env, EnvUse::PRIVATE_COPY, data, model_out);
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-function-size): the interface is fixed
 int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
@@ -28,12 +32,15 @@ int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars
     return finish(env, new_model(env, model_out, &data));
 }
 
-static bool lacks_array(const ModelData *data)
+namespace
+{
+bool lacks_array(const ModelData *data)
 {
     if (data->numvars > 0 && !(data->vbeg && data->vlen && data->vind && data->vval))
         return true;
     return data->numconstrs > 0 && !(data->senses && data->rhs);
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-function-size): the interface is fixed
 int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
@@ -69,9 +76,11 @@ int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvar
 
 // ---- Copies ----
 
+namespace
+{
 // What model_create does not know, and signs: it has negated the '>' rows a second time, and was
 // given the minimisation form of the objective.
-static int complete_copy(ModelBody *copy, const ModelBody *source)
+int complete_copy(ModelBody *copy, const ModelBody *source)
 {
     if (source->row_flipped > 0) {
         Array<char> flipped;
@@ -96,6 +105,7 @@ static int complete_copy(ModelBody *copy, const ModelBody *source)
     return body_join_name(copy, source->modelname ? source->modelname : NO_NAME,
                           COPY_SUFFIX, &copy->modelname);
 }
+} // namespace
 
 int model_copy(TVXmodel *source, const char *const *varnames,
                const char *const *constrnames, TVXmodel **copy_out)

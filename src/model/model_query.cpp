@@ -6,7 +6,9 @@
 #include "model/model_store.h"
 #include <algorithm>
 
-static int read_coeff(TVXmodel *model, int row, int var, double *value_out)
+namespace
+{
+int read_coeff(TVXmodel *model, int row, int var, double *value_out)
 {
     const ModelBody *body = model->body;
     if (!value_out) return TVX_ERROR_NULL_ARGUMENT;
@@ -22,6 +24,7 @@ static int read_coeff(TVXmodel *model, int row, int var, double *value_out)
             *value_out = body->senses[row] == '>' ? -body->vval[p] : body->vval[p];
     return 0;
 }
+} // namespace
 
 int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out)
 {
@@ -32,8 +35,10 @@ int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out)
     return finish_model(model, error);
 }
 
+namespace
+{
 // start .. start + len - 1 must be a stretch of at least one of the `count` elements.
-static int check_range(TVXmodel *model, const char *what, int start, int len, int count)
+int check_range(TVXmodel *model, const char *what, int start, int len, int count)
 {
     if (start >= 0 && len >= 1 && int64_t{start} + len <= count) return 0;
     const int64_t last =
@@ -51,8 +56,8 @@ struct VectorsOut {
 };
 
 // Copies vectors start .. start + len - 1 of a compressed matrix, signs as they stand.
-static void copy_vectors(const int *beg, const int *ind, const double *val, int start,
-                         int len, const VectorsOut *out)
+void copy_vectors(const int *beg, const int *ind, const double *val, int start, int len,
+                  const VectorsOut *out)
 {
     const int first = beg[start];
     const int count = beg[start + len] - first;
@@ -63,7 +68,7 @@ static void copy_vectors(const int *beg, const int *ind, const double *val, int 
     std::copy_n(val + first, count, out->val);
 }
 
-static int read_vars(TVXmodel *model, const VectorsOut *out, int start, int len)
+int read_vars(TVXmodel *model, const VectorsOut *out, int start, int len)
 {
     const ModelBody *body = model->body;
     if (!out->numnz) return TVX_ERROR_NULL_ARGUMENT;
@@ -74,6 +79,7 @@ static int read_vars(TVXmodel *model, const VectorsOut *out, int start, int len)
         if (body->senses[out->ind[p]] == '>') out->val[p] = -out->val[p];
     return 0;
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-non-const-parameter): written through VectorsOut
 int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval,
@@ -87,7 +93,9 @@ int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vv
     return finish_model(model, error);
 }
 
-static int read_constrs(TVXmodel *model, const VectorsOut *out, int start, int len)
+namespace
+{
+int read_constrs(TVXmodel *model, const VectorsOut *out, int start, int len)
 {
     ModelBody *body = model->body;
     if (!out->numnz) return TVX_ERROR_NULL_ARGUMENT;
@@ -103,6 +111,7 @@ static int read_constrs(TVXmodel *model, const VectorsOut *out, int start, int l
     }
     return 0;
 }
+} // namespace
 
 // NOLINTNEXTLINE(readability-non-const-parameter): written through VectorsOut
 int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind, double *cval,
@@ -116,7 +125,9 @@ int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind, double 
     return finish_model(model, error);
 }
 
-static int read_sos(TVXmodel *model, int *types, const VectorsOut *out, int start, int len)
+namespace
+{
+int read_sos(TVXmodel *model, int *types, const VectorsOut *out, int start, int len)
 {
     const ModelBody *body = model->body;
     if (!out->numnz) return TVX_ERROR_NULL_ARGUMENT;
@@ -125,6 +136,7 @@ static int read_sos(TVXmodel *model, int *types, const VectorsOut *out, int star
     if (types) std::copy_n(body->sostype.data + start, len, types);
     return 0;
 }
+} // namespace
 
 // NOLINTBEGIN(readability-non-const-parameter): written through VectorsOut
 int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *ind,
@@ -137,4 +149,5 @@ int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg, int *i
     fail_model(model, error, Report::KEEP_FIRST, "Failed to retrieve SOS constraints");
     return finish_model(model, error);
 }
+
 // NOLINTEND(readability-non-const-parameter)

@@ -1,18 +1,20 @@
 // model_sos.cpp -- new special ordered sets are queued
 #include "model/model_store.h"
 
+namespace
+{
 struct NewSos {
     int count = 0, n_members = 0;
     const int *types = nullptr, *beg = nullptr, *ind = nullptr;
     const double *weight = nullptr;
 };
 
-static int sos_end(const NewSos *given, int s)
+int sos_end(const NewSos *given, int s)
 {
     return s + 1 < given->count ? given->beg[s + 1] : given->n_members;
 }
 
-static int check_sos(TVXmodel *model, const NewSos *given)
+int check_sos(TVXmodel *model, const NewSos *given)
 {
     if (given->n_members < 0) return TVX_ERROR_INVALID_ARGUMENT;
     if (!given->types) return TVX_ERROR_NULL_ARGUMENT;
@@ -33,7 +35,7 @@ static int check_sos(TVXmodel *model, const NewSos *given)
 }
 
 // Members are existing variables, each once per set; as in model_add.cpp.
-static int check_members(const NewSos *given, int numvars, ElementChanges *scratch)
+int check_members(const NewSos *given, int numvars, ElementChanges *scratch)
 {
     TRY(array_extend(&scratch->mark, numvars, 0));
     int *__restrict mark = scratch->mark.data;
@@ -50,7 +52,7 @@ static int check_members(const NewSos *given, int numvars, ElementChanges *scrat
     return 0;
 }
 
-static int add_sos(TVXmodel *model, const NewSos *given)
+int add_sos(TVXmodel *model, const NewSos *given)
 {
     TRY(check_sos(model, given));
     TRY(pending_get(model));
@@ -91,6 +93,7 @@ static int add_sos(TVXmodel *model, const NewSos *given)
     }
     return error;
 }
+} // namespace
 
 int TVXaddsos(TVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
               const int *ind, const double *weight)

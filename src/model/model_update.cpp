@@ -12,9 +12,11 @@
 #include "model/warm_start.h"
 #include "simplex/simplex.h"
 
-static constexpr int STATUS_BROKEN = 0; // an update failed
+namespace
+{
+constexpr int STATUS_BROKEN = 0; // an update failed
 
-static bool changes_only_names(const PendingChanges *p)
+bool changes_only_names(const PendingChanges *p)
 {
     return !(p->new_sense || p->has_objcon || p->vars.n_deleted || p->vars.n_type ||
              p->vars.n_value || p->constrs.n_deleted || p->constrs.n_type ||
@@ -24,7 +26,7 @@ static bool changes_only_names(const PendingChanges *p)
              p->sos_changes.n_deleted);
 }
 
-static int reserve_names(ModelBody *body, const PendingChanges *p)
+int reserve_names(ModelBody *body, const PendingChanges *p)
 {
     const char *none = nullptr;
     if (p->vars.n_name) TRY(array_extend(&body->varnames, body->numvars, none));
@@ -32,7 +34,7 @@ static int reserve_names(ModelBody *body, const PendingChanges *p)
     return 0;
 }
 
-static void apply(TVXmodel *model, UpdatePlan *plan)
+void apply(TVXmodel *model, UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingChanges *p = model->pending;
@@ -55,18 +57,26 @@ static void apply(TVXmodel *model, UpdatePlan *plan)
     model->lp.status = TVX_LOADED;
     model_estimate_size(model);
 }
+} // namespace
 
 #ifdef TVX_DEBUG
-static constexpr int64_t CHECKED_SIZE =
-    20000; // larger bodies are not checked at each update
-static bool is_sound(const TVXmodel *model)
+
+namespace
+{
+constexpr int64_t CHECKED_SIZE = 20000; // larger bodies are not checked at each update
+
+bool is_sound(const TVXmodel *model)
 {
     char where[BODY_CHECK_LENGTH];
     return model->size_estimate > CHECKED_SIZE || body_check(model->body, where) == 0;
 }
+} // namespace
+
 #endif
 
-static int apply_pending(TVXmodel *model)
+namespace
+{
+int apply_pending(TVXmodel *model)
 {
     TRY(reserve_names(model->body, model->pending));
     if (changes_only_names(model->pending)) {
@@ -89,7 +99,7 @@ static int apply_pending(TVXmodel *model)
 
 // Another parameter value makes other bounds infinite: the model is another one for the solvers, which may start from the
 // basis of before.
-static void follow_infinity(TVXmodel *model)
+void follow_infinity(TVXmodel *model)
 {
     const double infinite = infinite_bound(model->env);
     if (infinite == model->body->kind_infinity) return; // assigned
@@ -104,7 +114,7 @@ static void follow_infinity(TVXmodel *model)
     model->lp.status = TVX_LOADED;
 }
 
-static int update_steps(TVXmodel *model)
+int update_steps(TVXmodel *model)
 {
     ModelBody *body = model->body;
     follow_infinity(model);
@@ -119,7 +129,7 @@ static int update_steps(TVXmodel *model)
 }
 
 // The queue goes, and with it the default numbers that it had taken.
-static void discard_pending(TVXmodel *model)
+void discard_pending(TVXmodel *model)
 {
     const PendingChanges *p = model->pending;
     if (p && p->added_vars.columns.count)
@@ -129,6 +139,7 @@ static void discard_pending(TVXmodel *model)
     pending_free(model->pending);
     model->pending = nullptr;
 }
+} // namespace
 
 int model_update(TVXmodel *model)
 {
@@ -141,12 +152,15 @@ int model_update(TVXmodel *model)
     return error;
 }
 
+namespace
+{
 // From inside a callback the call that runs still needs what an update would free.
-static int open_call(TVXmodel *model)
+int open_call(TVXmodel *model)
 {
     TRY(TVXcheckmodel(model));
     return check_idle(model);
 }
+} // namespace
 
 int TVXupdatemodel(TVXmodel *model)
 {

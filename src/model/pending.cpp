@@ -31,18 +31,21 @@ void pending_free(PendingChanges *pending)
     record_free(pending);
 }
 
-static void clear_elements(ElementChanges *changes)
+namespace
+{
+void clear_elements(ElementChanges *changes)
 {
     for (const int k : changes->touched) changes->flags[k] = 0;
     changes->touched.size = 0;
     changes->n_deleted = changes->n_type = changes->n_value = changes->n_name = 0;
 }
 
-static void clear_vectors(PendingVectors *vectors)
+void clear_vectors(PendingVectors *vectors)
 {
     vectors->count = 0;
     vectors->beg.size = vectors->ind.size = vectors->val.size = vectors->names.size = 0;
 }
+} // namespace
 
 void pending_clear(PendingChanges *p)
 {
@@ -112,8 +115,10 @@ int element_changes_stamp(ElementChanges *changes)
     return ++changes->stamp;
 }
 
-static int queue_values(ElementChanges *changes, int n_elements, ElementRange range,
-                        const double *values)
+namespace
+{
+int queue_values(ElementChanges *changes, int n_elements, ElementRange range,
+                 const double *values)
 {
     TRY(element_changes_reserve(changes, n_elements, range.len));
     if (changes->value.size < n_elements) TRY(array_resize(&changes->value, n_elements));
@@ -125,8 +130,8 @@ static int queue_values(ElementChanges *changes, int n_elements, ElementRange ra
     return 0;
 }
 
-static int queue_types(ElementChanges *changes, int n_elements, ElementRange range,
-                       const char *values, char (*normal)(char))
+int queue_types(ElementChanges *changes, int n_elements, ElementRange range,
+                const char *values, char (*normal)(char))
 {
     TRY(element_changes_reserve(changes, n_elements, range.len));
     if (changes->type.size < n_elements) TRY(array_resize(&changes->type, n_elements));
@@ -138,8 +143,8 @@ static int queue_types(ElementChanges *changes, int n_elements, ElementRange ran
     return 0;
 }
 
-static int queue_names(ModelBody *body, ElementChanges *changes, NameKind kind,
-                       ElementRange range, const char *const *values)
+int queue_names(ModelBody *body, ElementChanges *changes, NameKind kind, ElementRange range,
+                const char *const *values)
 {
     const int n_elements = kind == NameKind::VAR ? body->numvars : body->numconstrs;
     TRY(element_changes_reserve(changes, n_elements, range.len));
@@ -160,6 +165,7 @@ static int queue_names(ModelBody *body, ElementChanges *changes, NameKind kind,
     }
     return 0;
 }
+} // namespace
 
 int pending_set_obj(TVXmodel *model, ElementRange range, const double *values)
 {

@@ -38,14 +38,17 @@ bool solution_available(const TVXmodel *model)
     }
 }
 
+namespace
+{
 // Tests that there is a solution, and makes the table that keeps what is derived from it.
-static int enter(TVXmodel *model, AttributeTable **table)
+int enter(TVXmodel *model, AttributeTable **table)
 {
     if (!solution_available(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     TRY(attributes_make(model));
     *table = model->attributes;
     return 0;
 }
+} // namespace
 
 int solution_x(TVXmodel *model, const double **x)
 {
@@ -119,8 +122,10 @@ int solution_duals(TVXmodel *model, const double **pi, const double **rc)
     return 0;
 }
 
+namespace
+{
 // The codes of a caller for a status of the simplex; temporary fixes read as the bound they sit at.
-static int var_code(int status)
+int var_code(int status)
 {
     switch (status) {
     case -1:
@@ -134,10 +139,11 @@ static int var_code(int status)
     }
 }
 
-static int constr_code(int status)
+int constr_code(int status)
 {
     return status >= 0 ? TVX_BASIC : TVX_NONBASIC_LOWER;
 }
+} // namespace
 
 int solution_basis(TVXmodel *model, const int **codes)
 {

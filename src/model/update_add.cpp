@@ -10,7 +10,9 @@
 
 // ---- New variables ----
 
-static void begin_column(TVXmodel *model, const UpdatePlan *plan, const char *name)
+namespace
+{
+void begin_column(TVXmodel *model, const UpdatePlan *plan, const char *name)
 {
     ModelBody *body = model->body;
     array_push(&body->vlen, 0);
@@ -19,21 +21,20 @@ static void begin_column(TVXmodel *model, const UpdatePlan *plan, const char *na
     body->numvars++;
 }
 
-static void push_entry(ModelBody *body, int i, double value)
+void push_entry(ModelBody *body, int i, double value)
 {
     array_push(&body->vind, i);
     array_push(&body->vval, body->senses[i] == '>' ? -value : value);
     body->vlen[body->numvars - 1]++;
 }
 
-static void end_column(ModelBody *body)
+void end_column(ModelBody *body)
 {
     body->numnz = static_cast<int>(body->vind.size);
     array_push(&body->vbeg, body->numnz);
 }
 
-static void push_bounds(TVXmodel *model, const UpdatePlan *plan, char vtype, double lb,
-                        double ub)
+void push_bounds(TVXmodel *model, const UpdatePlan *plan, char vtype, double lb, double ub)
 {
     ModelBody *body = model->body;
     if (plan->has_vtypes) {
@@ -47,7 +48,7 @@ static void push_bounds(TVXmodel *model, const UpdatePlan *plan, char vtype, dou
     array_push(&body->bound_kind, bound_kind_of(lb, ub, body->kind_infinity));
 }
 
-static void add_vars(TVXmodel *model, const UpdatePlan *plan)
+void add_vars(TVXmodel *model, const UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingVars *added = &model->pending->added_vars;
@@ -66,8 +67,7 @@ static void add_vars(TVXmodel *model, const UpdatePlan *plan)
 
 // ---- New constraints ----
 
-static void add_constrs(ModelBody *body, const PendingConstrs *added,
-                        const UpdatePlan *plan)
+void add_constrs(ModelBody *body, const PendingConstrs *added, const UpdatePlan *plan)
 {
     for (int k = 0; k < added->rows.count; k++) {
         const bool flip = added->sense[k] == '>';
@@ -79,7 +79,7 @@ static void add_constrs(ModelBody *body, const PendingConstrs *added,
 }
 
 // lower <= row <= upper is held as row + r = upper with 0 <= r <= upper - lower.
-static void add_range_vars(TVXmodel *model, const UpdatePlan *plan)
+void add_range_vars(TVXmodel *model, const UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingConstrs *added = &model->pending->added_constrs;
@@ -96,7 +96,7 @@ static void add_range_vars(TVXmodel *model, const UpdatePlan *plan)
 
 // ---- Merging entries ----
 
-static void count_entries(const PendingVectors *rows, UpdatePlan *plan)
+void count_entries(const PendingVectors *rows, UpdatePlan *plan)
 {
     for (const CoefEdit &edit : plan->inserts)
         plan->extra[mapped(plan->var_map, edit.var)]++;
@@ -107,7 +107,7 @@ static void count_entries(const PendingVectors *rows, UpdatePlan *plan)
 }
 
 // Leaves extra[j] free places behind column j.
-static void spread_columns(ModelBody *body, const Array<int> &extra, int total)
+void spread_columns(ModelBody *body, const Array<int> &extra, int total)
 {
     const int64_t numnz = int64_t{body->numnz} + total;
     body->vind.size = body->vval.size = numnz;
@@ -127,14 +127,14 @@ static void spread_columns(ModelBody *body, const Array<int> &extra, int total)
     }
 }
 
-static void deposit(ModelBody *body, int j, int i, double value)
+void deposit(ModelBody *body, int j, int i, double value)
 {
     const int at = body->vbeg[j] + body->vlen[j]++;
     body->vind.data[at] = i;
     body->vval.data[at] = body->senses[i] == '>' ? -value : value;
 }
 
-static void merge_entries(ModelBody *body, const PendingVectors *rows, UpdatePlan *plan)
+void merge_entries(ModelBody *body, const PendingVectors *rows, UpdatePlan *plan)
 {
     count_entries(rows, plan);
     int total = 0;
@@ -150,6 +150,7 @@ static void merge_entries(ModelBody *body, const PendingVectors *rows, UpdatePla
         }
     }
 }
+} // namespace
 
 void update_add(TVXmodel *model, UpdatePlan *plan)
 {
@@ -163,8 +164,10 @@ void update_add(TVXmodel *model, UpdatePlan *plan)
 
 // ---- SOS ----
 
+namespace
+{
 // Sets that are deleted go, members lose deleted variables. A set without members stays a set.
-static void compact_sos(ModelBody *body, const PendingSos *sos, const Array<int> &var_map)
+void compact_sos(ModelBody *body, const PendingSos *sos, const Array<int> &var_map)
 {
     int kept = 0;
     int next = 0;
@@ -188,7 +191,7 @@ static void compact_sos(ModelBody *body, const PendingSos *sos, const Array<int>
     body->sosind.size = body->soswt.size = next;
 }
 
-static void add_sos(ModelBody *body, const PendingSos *sos, const Array<int> &var_map)
+void add_sos(ModelBody *body, const PendingSos *sos, const Array<int> &var_map)
 {
     if (body->numsos == 0) {
         body->sosbeg.size = 0;
@@ -206,6 +209,7 @@ static void add_sos(ModelBody *body, const PendingSos *sos, const Array<int> &va
         body->numsos++;
     }
 }
+} // namespace
 
 void update_sos(TVXmodel *model, const UpdatePlan *plan)
 {

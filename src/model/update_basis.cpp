@@ -14,8 +14,10 @@
 
 // ---- Which changes there are ----
 
+namespace
+{
 // After the update the model has, or had before, something that a plain basis does not serve.
-static bool concerns_mip(const TVXmodel *model)
+bool concerns_mip(const TVXmodel *model)
 {
     const PendingChanges *p = model->pending;
     if (body_is_mip(model->body) || p->sos_changes.type.size) return true;
@@ -26,21 +28,21 @@ static bool concerns_mip(const TVXmodel *model)
     return false;
 }
 
-static bool changes_matrix(const PendingChanges *p, const UpdatePlan *plan)
+bool changes_matrix(const PendingChanges *p, const UpdatePlan *plan)
 {
     return plan->edits.size || plan->inserts.size || p->constrs.n_type ||
            plan->var_map.size || plan->constr_map.size || plan->added_vars ||
            plan->added_constrs;
 }
 
-static bool changes_only_bounds(const PendingChanges *p, const UpdatePlan *plan)
+bool changes_only_bounds(const PendingChanges *p, const UpdatePlan *plan)
 {
     return !changes_matrix(p, plan) && !p->new_sense && !p->has_objcon &&
            !p->vars.n_value && !p->constrs.n_value;
 }
 
 // Some variable becomes or ceases to be free.
-static bool changes_freedom(const TVXmodel *model)
+bool changes_freedom(const TVXmodel *model)
 {
     const PendingBounds *bounds = &model->pending->bound_changes;
     const ModelBody *body = model->body;
@@ -59,7 +61,7 @@ static bool changes_freedom(const TVXmodel *model)
 
 // ---- Carrying statuses over ----
 
-static bool breaks_basis(const TVXmodel *model, const int *statuses)
+bool breaks_basis(const TVXmodel *model, const int *statuses)
 {
     const PendingChanges *p = model->pending;
     const int n = model->body->numvars;
@@ -70,7 +72,7 @@ static bool breaks_basis(const TVXmodel *model, const int *statuses)
     return false;
 }
 
-static bool edits_basic_column(const UpdatePlan *plan, const int *statuses)
+bool edits_basic_column(const UpdatePlan *plan, const int *statuses)
 {
     for (const CoefEdit &edit : plan->edits)
         if (statuses[edit.var] >= 0) return true;
@@ -79,16 +81,16 @@ static bool edits_basic_column(const UpdatePlan *plan, const int *statuses)
     return false;
 }
 
-static constexpr int BASIC = 0; // any status at or above it
+constexpr int BASIC = 0; // any status at or above it
 
-static int added_var_status(double lb, double ub, double infinite)
+int added_var_status(double lb, double ub, double infinite)
 {
     if (lb > -infinite) return TVX_NONBASIC_LOWER;
     return ub < infinite ? TVX_NONBASIC_UPPER : TVX_SUPERBASIC;
 }
 
-static int carry_statuses(const TVXmodel *model, const int *statuses,
-                          const UpdatePlan *plan, WarmStart *carried)
+int carry_statuses(const TVXmodel *model, const int *statuses, const UpdatePlan *plan,
+                   WarmStart *carried)
 {
     const ModelBody *body = model->body;
     const PendingVars *vars = &model->pending->added_vars;
@@ -112,7 +114,7 @@ static int carry_statuses(const TVXmodel *model, const int *statuses,
     return 0;
 }
 
-static int plan_carry(TVXmodel *model, UpdatePlan *plan)
+int plan_carry(TVXmodel *model, UpdatePlan *plan)
 {
     const WarmStart *warm = model->lp.simplex ? nullptr : warm_start_usable(model);
     Array<int> live;
@@ -133,6 +135,7 @@ static int plan_carry(TVXmodel *model, UpdatePlan *plan)
     plan->carried->repair = repair || (warm && warm->repair);
     return carry_statuses(model, statuses, plan, plan->carried);
 }
+} // namespace
 
 int update_plan_basis(TVXmodel *model, UpdatePlan *plan)
 {
@@ -161,8 +164,10 @@ void update_release_basis(TVXmodel *model, const UpdatePlan *plan)
     lp_drop_simplex(&model->lp);
 }
 
+namespace
+{
 // Hands the new bounds to the live record; where it cannot follow, its statuses are carried over.
-static void move_bounds(TVXmodel *model)
+void move_bounds(TVXmodel *model)
 {
     const ModelBody *body = model->body;
     for (const int who : model->pending->bound_changes.who) {
@@ -175,7 +180,7 @@ static void move_bounds(TVXmodel *model)
 }
 
 // A nonbasic variable stands on a bound that exists.
-static void settle_statuses(const TVXmodel *model, const UpdatePlan *plan, WarmStart *warm)
+void settle_statuses(const TVXmodel *model, const UpdatePlan *plan, WarmStart *warm)
 {
     const ModelBody *body = model->body;
     for (const int who : model->pending->bound_changes.who) {
@@ -194,6 +199,7 @@ static void settle_statuses(const TVXmodel *model, const UpdatePlan *plan, WarmS
             *status = has_upper ? TVX_NONBASIC_UPPER : TVX_SUPERBASIC;
     }
 }
+} // namespace
 
 void update_basis(TVXmodel *model, UpdatePlan *plan)
 {

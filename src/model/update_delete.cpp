@@ -6,9 +6,11 @@
 #include "model/update.h"
 #include <cmath>
 
-static constexpr int GONE = -1; // in vind: the entry is to be removed
+namespace
+{
+constexpr int GONE = -1; // in vind: the entry is to be removed
 
-static void apply_edits(ModelBody *body, const UpdatePlan *plan, double zero)
+void apply_edits(ModelBody *body, const UpdatePlan *plan, double zero)
 {
     for (const CoefEdit &edit : plan->edits) {
         if (std::fabs(edit.value) < zero)
@@ -19,7 +21,7 @@ static void apply_edits(ModelBody *body, const UpdatePlan *plan, double zero)
     }
 }
 
-static void compact_matrix(ModelBody *body, const UpdatePlan *plan)
+void compact_matrix(ModelBody *body, const UpdatePlan *plan)
 {
     const int *row_map = plan->constr_map.size ? plan->constr_map.data : nullptr;
     int *__restrict ind = body->vind.data;
@@ -46,13 +48,14 @@ static void compact_matrix(ModelBody *body, const UpdatePlan *plan)
 }
 
 // Moves the entries that stay together; an array that is not there stays so.
-template<class T> static void compact_array(Array<T> *a, const Array<int> &map, int kept)
+template<class T> void compact_array(Array<T> *a, const Array<int> &map, int kept)
 {
     if (a->size == 0) return;
     for (int64_t k = 0; k < map.size; k++)
         if (map[k] >= 0) a->data[map[k]] = a->data[k];
     a->size = kept;
 }
+} // namespace
 
 void update_delete(TVXmodel *model, const UpdatePlan *plan)
 {

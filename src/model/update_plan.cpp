@@ -11,7 +11,9 @@
 
 // ---- Shape ----
 
-static int plan_map(const ElementChanges *changes, int count, Array<int> *map, int *kept)
+namespace
+{
+int plan_map(const ElementChanges *changes, int count, Array<int> *map, int *kept)
 {
     *kept = count - changes->n_deleted;
     if (changes->n_deleted == 0) return 0;
@@ -22,7 +24,7 @@ static int plan_map(const ElementChanges *changes, int count, Array<int> *map, i
     return 0;
 }
 
-static int plan_shape(const TVXmodel *model, UpdatePlan *plan)
+int plan_shape(const TVXmodel *model, UpdatePlan *plan)
 {
     const PendingChanges *p = model->pending;
     plan->added_vars = p->added_vars.columns.count;
@@ -36,8 +38,7 @@ static int plan_shape(const TVXmodel *model, UpdatePlan *plan)
 // ---- Coefficient changes ----
 
 // The changes that count, by variable and row.
-static int collect_edits(const PendingCoefs *coefs, const UpdatePlan *plan,
-                         Array<CoefEdit> *edits)
+int collect_edits(const PendingCoefs *coefs, const UpdatePlan *plan, Array<CoefEdit> *edits)
 {
     TRY(array_resize(edits, coefs->var.size));
     edits->size = 0;
@@ -65,7 +66,7 @@ static int collect_edits(const PendingCoefs *coefs, const UpdatePlan *plan,
 }
 
 // Finds the entries of column j among its edits first .. last - 1, which are sorted by row.
-static void find_places(const ModelBody *body, CoefEdit *first, CoefEdit *last)
+void find_places(const ModelBody *body, CoefEdit *first, CoefEdit *last)
 {
     const int j = first->var;
     for (int p = body->vbeg[j]; p < body->vbeg[j + 1]; p++) {
@@ -76,7 +77,7 @@ static void find_places(const ModelBody *body, CoefEdit *first, CoefEdit *last)
     }
 }
 
-static int plan_coefs(const TVXmodel *model, UpdatePlan *plan)
+int plan_coefs(const TVXmodel *model, UpdatePlan *plan)
 {
     const PendingCoefs *coefs = &model->pending->coef_changes;
     const double zero = model->env->TARV_PAR_ZERO;
@@ -108,14 +109,14 @@ static int plan_coefs(const TVXmodel *model, UpdatePlan *plan)
 
 // ---- Rooms ----
 
-static bool adds_type(const PendingVars *vars)
+bool adds_type(const PendingVars *vars)
 {
     for (const char vtype : vars->vtype)
         if (vtype != 'C') return true;
     return false;
 }
 
-static int reserve_vars(ModelBody *body, int64_t n)
+int reserve_vars(ModelBody *body, int64_t n)
 {
     TRY(array_grow(&body->obj, n));
     TRY(array_grow(&body->lb, n));
@@ -126,7 +127,7 @@ static int reserve_vars(ModelBody *body, int64_t n)
 }
 
 // All 'C' and their bounds as they are say the same as no arrays.
-static int reserve_types(ModelBody *body, int64_t n)
+int reserve_types(ModelBody *body, int64_t n)
 {
     TRY(array_grow(&body->vtypes, n));
     TRY(array_grow(&body->given_lb, n));
@@ -139,7 +140,7 @@ static int reserve_types(ModelBody *body, int64_t n)
 }
 
 // Arrays that may be absent: types, names, start. No names say the same as no array.
-static int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
+int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingChanges *p = model->pending;
@@ -156,7 +157,7 @@ static int reserve_var_options(TVXmodel *model, UpdatePlan *plan)
     return model->mip_start.size ? array_grow(&model->mip_start, n) : 0;
 }
 
-static int reserve_constrs(ModelBody *body, UpdatePlan *plan)
+int reserve_constrs(ModelBody *body, UpdatePlan *plan)
 {
     const int64_t m = int64_t{body->numconstrs} + plan->added_constrs;
     plan->has_constrnames = body->constrnames.size > 0 || m > body->numconstrs;
@@ -168,7 +169,7 @@ static int reserve_constrs(ModelBody *body, UpdatePlan *plan)
     return array_grow(&body->constrnames, m);
 }
 
-static int reserve_matrix(TVXmodel *model, UpdatePlan *plan)
+int reserve_matrix(TVXmodel *model, UpdatePlan *plan)
 {
     ModelBody *body = model->body;
     const PendingChanges *p = model->pending;
@@ -180,7 +181,7 @@ static int reserve_matrix(TVXmodel *model, UpdatePlan *plan)
     return merged > 0 ? array_assign(&plan->extra, plan->numvars(), 0) : 0;
 }
 
-static int reserve_sos(ModelBody *body, const PendingSos *sos)
+int reserve_sos(ModelBody *body, const PendingSos *sos)
 {
     if (sos->type.size == 0) return 0;
     TRY(array_grow(&body->sostype, body->sostype.size + sos->type.size));
@@ -189,7 +190,7 @@ static int reserve_sos(ModelBody *body, const PendingSos *sos)
     return array_grow(&body->soswt, body->soswt.size + sos->ind.size);
 }
 
-static int plan_negations(const TVXmodel *model, UpdatePlan *plan)
+int plan_negations(const TVXmodel *model, UpdatePlan *plan)
 {
     const ElementChanges *changes = &model->pending->constrs;
     const ModelBody *body = model->body;
@@ -202,7 +203,7 @@ static int plan_negations(const TVXmodel *model, UpdatePlan *plan)
     return 0;
 }
 
-static int plan_range_names(const TVXmodel *model, UpdatePlan *plan)
+int plan_range_names(const TVXmodel *model, UpdatePlan *plan)
 {
     const PendingConstrs *added = &model->pending->added_constrs;
     TRY(array_reserve(&plan->range_names, plan->n_ranges));
@@ -214,6 +215,7 @@ static int plan_range_names(const TVXmodel *model, UpdatePlan *plan)
     }
     return 0;
 }
+} // namespace
 
 int update_plan(TVXmodel *model, UpdatePlan *plan)
 {

@@ -8,12 +8,15 @@
 // over the objective when its sense changes.
 #include "model/update.h"
 
-static void apply_names(const ElementChanges *changes, Array<const char *> *names)
+namespace
+{
+void apply_names(const ElementChanges *changes, Array<const char *> *names)
 {
     if (changes->n_name == 0) return;
     for (const int k : changes->touched)
         if (changes->flags[k] & PENDING_NAME) (*names)[k] = changes->name[k];
 }
+} // namespace
 
 void update_names(TVXmodel *model)
 {
@@ -23,8 +26,9 @@ void update_names(TVXmodel *model)
     apply_names(&p->constrs, &model->body->constrnames);
 }
 
-static void apply_constrs(ModelBody *body, const ElementChanges *changes,
-                          const UpdatePlan *plan)
+namespace
+{
+void apply_constrs(ModelBody *body, const ElementChanges *changes, const UpdatePlan *plan)
 {
     for (const int i : changes->touched)
         if (changes->flags[i] & PENDING_VALUE)
@@ -37,7 +41,7 @@ static void apply_constrs(ModelBody *body, const ElementChanges *changes,
     if (plan->negate.size) body_negate_rows(body, plan->negate.data);
 }
 
-static void apply_objective(ModelBody *body, const PendingChanges *p)
+void apply_objective(ModelBody *body, const PendingChanges *p)
 {
     if (p->new_sense && p->new_sense != body->sense) {
         for (double &obj : body->obj) obj = -obj;
@@ -50,7 +54,7 @@ static void apply_objective(ModelBody *body, const PendingChanges *p)
 }
 
 // From the bounds as given: what an earlier type has made of them does not count.
-static void settle_bounds(ModelBody *body, int j)
+void settle_bounds(ModelBody *body, int j)
 {
     double *lb = &body->lb[j], *ub = &body->ub[j];
     if (body->vtypes.size) {
@@ -61,7 +65,7 @@ static void settle_bounds(ModelBody *body, int j)
     body->bound_kind[j] = bound_kind_of(*lb, *ub, body->kind_infinity);
 }
 
-static void apply_types_and_bounds(ModelBody *body, const PendingChanges *p)
+void apply_types_and_bounds(ModelBody *body, const PendingChanges *p)
 {
     const bool typed = body->vtypes.size > 0;
     Array<double> *lower = typed ? &body->given_lb : &body->lb,
@@ -80,6 +84,7 @@ static void apply_types_and_bounds(ModelBody *body, const PendingChanges *p)
         if (p->vars.flags[j] & PENDING_TYPE) settle_bounds(body, j);
     for (const int who : bounds->who) settle_bounds(body, who >= 0 ? who : -who - 1);
 }
+} // namespace
 
 void update_values(TVXmodel *model, const UpdatePlan *plan)
 {

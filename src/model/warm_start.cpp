@@ -8,15 +8,18 @@
 #include "model/model_store.h"
 #include "simplex/simplex.h"
 
-static constexpr int STALE = -1; // count of a record that holds nothing
+namespace
+{
+constexpr int STALE = -1; // count of a record that holds nothing
 
-static bool fits(const TVXmodel *model)
+bool fits(const TVXmodel *model)
 {
     const WarmStart *warm = model->warm_start;
     const ModelBody *body = model->body;
     return warm && warm->kind != WARM_NONE && warm->count == body->numvars &&
            warm->statuses.size == int64_t{body->numvars} + body->numconstrs;
 }
+} // namespace
 
 const WarmStart *warm_start_usable(const TVXmodel *model)
 {
@@ -64,8 +67,10 @@ void warm_start_from_simplex(TVXmodel *model)
 
 // ---- Setters ----
 
-static int check_codes(TVXmodel *model, const char *attribute, int lowest, int len,
-                       const int *codes)
+namespace
+{
+int check_codes(TVXmodel *model, const char *attribute, int lowest, int len,
+                const int *codes)
 {
     for (int k = 0; k < len; k++)
         if (codes[k] < lowest || codes[k] > TVX_BASIC)
@@ -75,7 +80,7 @@ static int check_codes(TVXmodel *model, const char *attribute, int lowest, int l
 }
 
 // Entries first, first + 1, ... of the record are those of the elements 0, 1, ...
-static int set_statuses(TVXmodel *model, int first, ElementRange range, const int *codes)
+int set_statuses(TVXmodel *model, int first, ElementRange range, const int *codes)
 {
     if (!fits(model)) TRY(warm_start_make(model));
     WarmStart *warm = model->warm_start;
@@ -85,6 +90,7 @@ static int set_statuses(TVXmodel *model, int first, ElementRange range, const in
     warm->repair = 0;
     return 0;
 }
+} // namespace
 
 int warm_start_set_vars(TVXmodel *model, ElementRange range, const int *codes)
 {
@@ -98,7 +104,9 @@ int warm_start_set_constrs(TVXmodel *model, ElementRange range, const int *codes
     return set_statuses(model, model->body->numvars, range, codes);
 }
 
-static int set_norms(TVXmodel *model, int first, ElementRange range, const double *norms)
+namespace
+{
+int set_norms(TVXmodel *model, int first, ElementRange range, const double *norms)
 {
     if (!fits(model))
         return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
@@ -110,6 +118,7 @@ static int set_norms(TVXmodel *model, int first, ElementRange range, const doubl
         warm->norms[first + element_at(range, k)] = norms[k];
     return 0;
 }
+} // namespace
 
 int warm_start_set_var_norms(TVXmodel *model, ElementRange range, const double *norms)
 {
