@@ -72,8 +72,9 @@ typedef struct TVXmodel TVXmodel;
  * An environment holds parameter values, the text of the last error and the log. Every model works on a private
  * copy of the environment it was created on (TVXgetenv), so that parameters set later on one do not reach the other.
  *
- * Every function that takes an environment returns 10002 for a null one and 10003 for one that was freed, and writes
- * no error text then. In the descriptions, "in" arguments are read, "out" arguments written.
+ * Every function that takes an environment returns TVX_ERROR_NULL_ARGUMENT for a null one and
+ * TVX_ERROR_INVALID_ARGUMENT for one that was freed, and writes no error text then. In the descriptions, "in" arguments
+ * are read, "out" arguments written.
  */
 
 /* Creates an environment.
@@ -81,12 +82,12 @@ typedef struct TVXmodel TVXmodel;
  *   log_file_name  in    file to which the log is appended, or null for none; when it cannot be opened there is a
  *                        warning on standard output, and no log file
  * The parameter file "tarvex.env" of the current directory is read if there is one (see TVXreadparams).
- * Returns 0; 10001 out of memory; 10002 when env_out is null. Free with TVXfreeenv. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY; TVX_ERROR_NULL_ARGUMENT when env_out is null. Free with TVXfreeenv. */
 TVX_API int TVXloadenv(TVXenv **env_out, const char *log_file_name);
 
 /* Frees an environment made by TVXloadenv and closes its log. Null is ignored, and so is the environment of a model,
- * which goes with its model. Free the models first: those that are left refuse all further calls with 10003 and a
- * warning; TVXfreemodel still frees them. */
+ * which goes with its model. Free the models first: those that are left refuse all further calls with
+ * TVX_ERROR_INVALID_ARGUMENT and a warning; TVXfreemodel still frees them. */
 TVX_API void TVXfreeenv(TVXenv *env);
 
 /* The environment that belongs to a model: parameters set on it act on this model only. It lives as long as the
@@ -99,8 +100,8 @@ TVX_API const char *TVXgeterrormsg(TVXenv *env);
 TVX_API const char *TVXgetmerrormsg(TVXmodel *model);
 
 /* Is this a model that can be used now? On success the text of the last error is forgotten.
- * Returns 0; 10002 null; 10003 no live model, or its environment was freed; 10017 it is being solved, and the call does
- * not come from its callback. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT; TVX_ERROR_INVALID_ARGUMENT no live model, or its environment was freed;
+ * TVX_ERROR_OPTIMIZATION_IN_PROGRESS it is being solved, and the call does not come from its callback. */
 TVX_API int TVXcheckmodel(TVXmodel *model);
 
 /* Prints a message as the solver prints its own: to standard output and to the log file, each flushed at once.
@@ -116,7 +117,7 @@ TVX_API int TVXsetlogfile(TVXenv *env, FILE *stream);
 
 /* The stream of the log.
  *   stream_out  out  null when there is none
- * Returns 0; 10002 when stream_out is null. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT when stream_out is null. */
 TVX_API int TVXgetlogfile(TVXenv *env, FILE **stream_out);
 
 /* Version numbers of the library, 3.0.3. Each argument is out, one int, and may be null. */
@@ -129,35 +130,35 @@ TVX_API const char *TVXsvnrevision(void);
 /* ---- Parameters ----
  *
  * A parameter is of type 1 (int), 2 (double) or 3 (string). Names ignore case and, behind the first other character,
- * underscores: "TimeLimit" and "time_limit" are one. Functions that take a name return 10002 when it is null, and 10007
- * for an unknown name ("Unknown parameter: ...") or another type ("Wrong type for parameter: ...").
- * To set a parameter for one model, use its own environment, TVXgetenv(model).
+ * underscores: "TimeLimit" and "time_limit" are one. Functions that take a name return TVX_ERROR_NULL_ARGUMENT when it
+ * is null, and TVX_ERROR_UNKNOWN_PARAMETER for an unknown name ("Unknown parameter: ...") or another type ("Wrong type
+ * for parameter: ..."). To set a parameter for one model, use its own environment, TVXgetenv(model).
  */
 
 #define TVX_PARAM_LENGTH 512 /* characters of a string parameter, without the end */
 
 /* The value of a parameter.
  *   value_out  out  one number; for a string, room for TVX_PARAM_LENGTH + 1 characters
- * Returns 0; 10002 null argument; 10007. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT; TVX_ERROR_UNKNOWN_PARAMETER. */
 TVX_API int TVXgetintparam(TVXenv *env, const char *name, int *value_out);
 TVX_API int TVXgetdblparam(TVXenv *env, const char *name, double *value_out);
 TVX_API int TVXgetstrparam(TVXenv *env, const char *name, char *value_out);
 
 /* Sets a parameter.
- *   value  in  a number within the parameter's range. Ints beyond 2e9 in magnitude count as 2e9, doubles beyond 1e100 as
- *              1e100. Of a string the first TVX_PARAM_LENGTH characters are kept.
+ *   value  in  a number within the parameter's range. Ints beyond 2e9 in magnitude count as 2e9, doubles beyond 1e100
+ *              as 1e100. Of a string the first TVX_PARAM_LENGTH characters are kept.
  * Setting LogFile opens that file for appending, or closes the log for an empty name. Setting Dummy to a text such as
  * "Presolve 2" sets the named int or double parameter.
  * On an environment from which models were made, a warning says once that they are not affected.
- * Returns 0; 10002 null argument; 10007; 10008 value outside the range; 10013 log file cannot be opened. After an error
- * the parameter has its old value. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT; TVX_ERROR_UNKNOWN_PARAMETER; TVX_ERROR_VALUE_OUT_OF_RANGE value
+ * outside the range; TVX_ERROR_FILE_WRITE log file cannot be opened. After an error the parameter has its old value. */
 TVX_API int TVXsetintparam(TVXenv *env, const char *name, int value);
 TVX_API int TVXsetdblparam(TVXenv *env, const char *name, double value);
 TVX_API int TVXsetstrparam(TVXenv *env, const char *name, const char *value);
 
 /* Present value, range and default of a parameter. All arguments behind the name are out and may be null; strings need
  * room for TVX_PARAM_LENGTH + 1 characters.
- * Returns 0; 10002 when name is null; 10007. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT when name is null; TVX_ERROR_UNKNOWN_PARAMETER. */
 TVX_API int TVXgetintparaminfo(TVXenv *env, const char *name, int *current, int *minimum,
                                int *maximum, int *default_value);
 TVX_API int TVXgetdblparaminfo(TVXenv *env, const char *name, double *current,
@@ -174,7 +175,7 @@ TVX_API int TVXgetnumparams(TVXenv *env);
 /* The name of a parameter.
  *   index     in   0 .. TVXgetnumparams(env) - 1
  *   name_out  out  constant text, not to be changed or freed; null on failure
- * Returns 0; 10002 when name_out is null; 10003 index out of range. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT when name_out is null; TVX_ERROR_INVALID_ARGUMENT index out of range. */
 TVX_API int TVXgetparamname(TVXenv *env, int index, char **name_out);
 
 /* Gives every int and double parameter its default; strings keep their values. Returns 0. */
@@ -184,15 +185,15 @@ TVX_API int TVXresetparams(TVXenv *env);
  * passed over. What each line did is told in the log. Unknown names and bad values do not end the reading. Lines longer
  * than 159 characters are taken apart there, comments excepted.
  *   file_name  in  names ending in .gz and .bz2 are decompressed
- * Returns 0, also after warnings; 10002 null argument; 10003 the file cannot be opened; 10012 it cannot be read to its
- * end, or is no text file (what was read before is set). */
+ * Returns 0, also after warnings; TVX_ERROR_NULL_ARGUMENT; TVX_ERROR_INVALID_ARGUMENT the file cannot be
+ * opened; TVX_ERROR_FILE_READ it cannot be read to its end, or is no text file (what was read before is set). */
 TVX_API int TVXreadparams(TVXenv *env, const char *file_name);
 
 /* Writes the int and double parameters that differ from their defaults, one "name  value" a line, in a form that
  * TVXreadparams takes; doubles with six digits.
  *   file_name  in  is replaced; names ending in .gz and .bz2 are compressed
- * Returns 0; 10002 null argument; 10003 the file cannot be opened; 10013 it could not be written completely, and is
- * removed. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT; TVX_ERROR_INVALID_ARGUMENT the file cannot be opened;
+ * TVX_ERROR_FILE_WRITE it could not be written completely, and is removed. */
 TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
 
 /* ---- Building and querying models ----
@@ -210,20 +211,22 @@ TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
  * variable that is queued cannot be named in a constraint. A call that fails has queued nothing. Many changes before
  * one update cost one pass over the matrix.
  *
- * Values      Bounds of magnitude 1e20 and more are infinite, and so are right-hand sides: "at most" 1e20 or more asks for
- *             nothing, at most -1e20 or less makes the model infeasible; likewise "at least", and an equation with either
- *             is infeasible. They read back as given. NaN and infinities are refused.
+ * Values      Bounds of magnitude 1e20 and more are infinite, and so are right-hand sides: "at most" 1e20 or more asks
+ *             for nothing, at most -1e20 or less makes the model infeasible; likewise "at least", and an equation with
+ *             either is infeasible. They read back as given. NaN and infinities are refused.
  * Types       'C' continuous, 'B' binary, 'I' integer, 'S' semi-continuous (0 or within its bounds), 'N' semi-integer;
  *             lower case will do. Bounds of 'B', 'I' and 'N' are rounded inwards to integers (a fraction of 1e-5 is
- *             forgiven), those of 'B' cut to 0 and 1. The bounds given are kept: after a change of
- *             type it is they that are rounded, or stand again.
- * Senses      '<' (also 'L', 'l'), '>' ('G', 'g'), '=' ('E', 'e'). Any other character stands as it came and counts as '<'.
+ *             forgiven), those of 'B' cut to 0 and 1. The bounds given are kept: after a change of type they are
+ *             rounded anew, or stand again.
+ * Senses      '<' (also 'L', 'l'), '>' ('G', 'g'), '=' ('E', 'e'). Any other character is kept as given and counts as
+ *             '<'.
  * Names       Null or "" asks for the default, "C" or "R" with a number. Names need not differ.
  *
- * Calls on a model return 10002 for a null one, 10003 for one that is not alive or whose environment was freed, 10017
- * while it is being solved (calls from its callback pass, but for TVXupdatemodel, TVXresetmodel and TVXfreemodel), and
- * 10001 when memory is exhausted; these are not repeated below. A count below 1 of things to add, delete or change is
- * a successful call without effect. All arrays are in unless said otherwise, and are copied.
+ * Calls on a model return TVX_ERROR_NULL_ARGUMENT for a null one, TVX_ERROR_INVALID_ARGUMENT for one that is not alive
+ * or whose environment was freed, TVX_ERROR_OPTIMIZATION_IN_PROGRESS while it is being solved (calls from its callback
+ * pass, but for TVXupdatemodel, TVXresetmodel and TVXfreemodel), and TVX_ERROR_OUT_OF_MEMORY when memory is exhausted;
+ * these are not repeated below. A count below 1 of things to add, delete or change is a successful call without effect.
+ * All arrays are in unless said otherwise, and are copied.
  */
 
 /* Creates a model with variables and no constraints.
@@ -234,7 +237,8 @@ TVX_API int TVXwriteparams(TVXenv *env, const char *file_name);
  *   vtype            [numvars] types, default 'C'
  *   varnames         [numvars] names
  * Every array may be null for its default. The model works on a private copy of env.
- * Returns 0; 10001; 10002 model_out is null; 10003 env is not alive, negative numvars, NaN or infinity, unknown type. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY; TVX_ERROR_NULL_ARGUMENT model_out is null; TVX_ERROR_INVALID_ARGUMENT env is not
+ * alive, negative numvars, NaN or infinity, unknown type. */
 TVX_API int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
                         const double *obj, const double *lb, const double *ub,
                         const char *vtype, char **varnames);
@@ -249,9 +253,10 @@ TVX_API int TVXnewmodel(TVXenv *env, TVXmodel **model_out, const char *name, int
  *   vind, vval                 row indices and coefficients. These four are required when there are variables
  *   constrnames                [numconstrs] names
  *   others                     as in TVXnewmodel
- * Returns 0; 10001; 10002 a required argument is null; 10003 env is not alive, a negative count, NaN or infinity,
- * unknown type; 10006 a row index, a start or a length is out of range, or columns overlap; 10018 a row index twice in
- * one column. The text tells where. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY; TVX_ERROR_NULL_ARGUMENT a required argument is null; TVX_ERROR_INVALID_ARGUMENT
+ * env is not alive, a negative count, NaN or infinity, unknown type; TVX_ERROR_INDEX_OUT_OF_RANGE a row index, a start
+ * or a length is out of range, or columns overlap; TVX_ERROR_DUPLICATES a row index twice in one column. The text tells
+ * where. */
 TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, int numvars,
                          int numconstrs, int objsense, double objcon, const double *obj,
                          const char *sense, const double *rhs, const int *vbeg,
@@ -259,22 +264,24 @@ TVX_API int TVXloadmodel(TVXenv *env, TVXmodel **model_out, const char *name, in
                          const double *lb, const double *ub, const char *vtype,
                          char **varnames, char **constrnames);
 
-/* A new model with the content and the parameters of this one (ResultFile too), called "NAME_copy", or "(null)_copy" when
- * this one has no name. Queued changes, a start and results are not copied; a warning on the log tells of queued changes.
+/* A new model with the content and the parameters of this one (ResultFile too), called "NAME_copy", or "(null)_copy"
+ * when this one has no name. Queued changes, a start and results are not copied; a warning on the log tells of queued
+ * changes.
  * Returns null on failure. */
 TVX_API TVXmodel *TVXcopymodel(TVXmodel *model);
 
 /* The five calls below make a model from another one. It has the parameters of this one, but for those that write files
- * after a solve: ResultFile is empty, so that a result of this model is not overwritten. Its name is that of this one with
- * the ending told below; without a name it is the ending alone. */
+ * after a solve: ResultFile is empty, so that a result of this model is not overwritten. Its name is that of this one
+ * with the ending told below; without a name it is the ending alone. */
 
-/* What presolve leaves of this model, as a new model with the names of the variables and constraints that are left, called
- * "NAME_presolved"; no variables and constraints when it is solved by presolve alone, and all of them with Presolve 0.
- * Other parameters as for a solve (Aggregate, PrePasses, ...); queued changes do not count. Figures and results of the last
- * solve stay as they are. An optimal solution of the new model has the objective of this one's.
- * Returns null on failure, and the error text tells why: no memory; 10005 when presolve finds that there is no optimal
- * solution, meets numbers beyond about 1e100, or is stopped by TimeLimit (counted from this call), TVXterminate or a
- * callback; 10016 for a model with integer or semi-continuous variables or SOS constraints; 10017 from a callback. */
+/* What presolve leaves of this model, as a new model with the names of the variables and constraints that are left,
+ * called "NAME_presolved"; no variables and constraints when it is solved by presolve alone, and all of them with
+ * Presolve 0. Other parameters as for a solve (Aggregate, PrePasses, ...); queued changes do not count. Figures and
+ * results of the last solve stay as they are. An optimal solution of the new model has the objective of this one's.
+ * Returns null on failure, and the error text tells why: no memory; TVX_ERROR_DATA_NOT_AVAILABLE when presolve finds
+ * that there is no optimal solution, meets numbers beyond about 1e100, or is stopped by TimeLimit (counted from this
+ * call), TVXterminate or a callback; TVX_ERROR_NOT_FOR_MIP for a model with integer or semi-continuous variables or SOS
+ * constraints; TVX_ERROR_OPTIMIZATION_IN_PROGRESS from a callback. */
 TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
 
 /* A linear model in which everything is fixed that a solution of this one decides, called "NAME_fixed", with the same
@@ -287,33 +294,34 @@ TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
  *     constraints with a dual value other than zero become equations. The feasible points of the new model are the
  *     optimal solutions of this one: with another objective it finds the best of them.
  * Zero is what lies within OptimalityTol. Queued changes do not count.
- * Returns null on failure, and the error text tells why: no memory; 10005 when there is no solution or start, or when a
- * start lacks a value that is needed or has one that type, bounds or SOS do not allow. */
+ * Returns null on failure, and the error text tells why: no memory; TVX_ERROR_DATA_NOT_AVAILABLE when there is no
+ * solution or start, or when a start lacks a value that is needed or has one that type, bounds or SOS do not allow. */
 TVX_API TVXmodel *TVXconverttofixed(TVXmodel *model);
 
-/* The same for a solution that was found: it alone decides, not attribute Start. Integer variables are fixed at its values,
- * rounded. A linear model leaves nothing to decide: the new model is a copy of it. Called "NAME_fixed".
- * Returns null on failure, and the error text tells why: no memory; 10005 without a solution. */
+/* The same for a solution that was found: it alone decides, not attribute Start. Integer variables are fixed at its
+ * values, rounded. A linear model leaves nothing to decide: the new model is a copy of it. Called "NAME_fixed".
+ * Returns null on failure, and the error text tells why: no memory; TVX_ERROR_DATA_NOT_AVAILABLE without a solution. */
 TVX_API TVXmodel *TVXfixedmodel(TVXmodel *model);
 
 /* The linear relaxation, called "NAME_relaxed", with the same variables and constraints: all variables are continuous
- * within their bounds, and SOS constraints go. The bounds of a semi-continuous variable are widened to hold 0. The optimum
- * is a bound on that of the model. Queued changes do not count. Returns null when there is no memory. */
+ * within their bounds, and SOS constraints go. The bounds of a semi-continuous variable are widened to hold 0. The
+ * optimum is a bound on that of the model. Queued changes do not count. Returns null when there is no memory. */
 TVX_API TVXmodel *TVXrelaxmodel(TVXmodel *model);
 
-/* By how much must constraints be violated? A model called "NAME_feasibility" with the variables and constraints of this
- * one, in which each constraint may be missed: by a new variable "CONSTR_above" that takes up what a '<' or '=' constraint
- * exceeds, and one "CONSTR_below" that makes up what a '>' or '=' constraint lacks. They stand behind the other variables,
- * in the order of the constraints. Their sum is to be minimised; the objective goes, and so does parameter Cutoff. Bounds,
- * types and SOS constraints stay: the optimum is 0 when this model has a feasible point, else the least sum of violations
- * that these leave. An infinite right-hand side that makes this model infeasible makes the new one infeasible too. Queued
- * changes do not count. Returns null on failure: no memory, or 10003 when the new model would be too large. */
+/* By how much must constraints be violated? A model called "NAME_feasibility" with the variables and constraints of
+ * this one, in which each constraint may be missed: by a new variable "CONSTR_above" that takes up what a '<' or '='
+ * constraint exceeds, and one "CONSTR_below" that makes up what a '>' or '=' constraint lacks. They stand behind the
+ * other variables, in the order of the constraints. Their sum is to be minimised; the objective goes, and so does
+ * parameter Cutoff. Bounds, types and SOS constraints stay: the optimum is 0 when this model has a feasible point, else
+ * the least sum of violations that these leave. An infinite right-hand side that makes this model infeasible makes the
+ * new one infeasible too. Queued changes do not count. Returns null on failure: no memory, or
+ * TVX_ERROR_INVALID_ARGUMENT when the new model would be too large. */
 TVX_API TVXmodel *TVXfeasibility(TVXmodel *model);
 
 /* Frees a model with all that belongs to it. Null is ignored.
- * Returns 0; 10017 while it is being solved, and the model stays; 10003 for what is no live model, which is left alone,
- * and for a model whose environment was freed before: it is freed all the same, with the warning that calls on such a
- * model print. */
+ * Returns 0; TVX_ERROR_OPTIMIZATION_IN_PROGRESS while it is being solved, and the model stays;
+ * TVX_ERROR_INVALID_ARGUMENT for what is no live model, which is left alone, and for a model whose environment was
+ * freed before: it is freed all the same, with the warning that calls on such a model print. */
 TVX_API int TVXfreemodel(TVXmodel *model);
 
 /* Makes the queued changes real, in this order: names; right-hand sides, senses, objective, types and bounds;
@@ -322,7 +330,7 @@ TVX_API int TVXfreemodel(TVXmodel *model);
  * next solve starts from the last basis if it survives: it does not when a basic variable or a nonbasic constraint is
  * deleted, or integer variables or SOS are involved.
  * A start set through VBasis and CBasis is checked; a warning on the log tells when it is no basis.
- * Returns 0; 10001: the model is as before, but the queued changes are lost and Status is 0. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY: the model is as before, but the queued changes are lost and Status is 0. */
 TVX_API int TVXupdatemodel(TVXmodel *model);
 
 /* Updates, then forgets every solve: results and start basis. The next solve starts from scratch.
@@ -335,8 +343,9 @@ TVX_API int TVXresetmodel(TVXmodel *model);
  *   vind, vval           [numnz] rows (existing ones) and coefficients
  *   obj, lb, ub, vtype   [numvars] as in TVXnewmodel; null for the defaults
  *   varnames             [numvars] names, or null
- * Returns 0; 10002 numnz is positive and one of its arrays null; 10003 negative numnz, NaN or infinity, unknown type;
- * 10006 a row or a start out of range; 10018 a row twice in one column. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT numnz is positive and one of its arrays null; TVX_ERROR_INVALID_ARGUMENT negative
+ * numnz, NaN or infinity, unknown type; TVX_ERROR_INDEX_OUT_OF_RANGE a row or a start out of range;
+ * TVX_ERROR_DUPLICATES a row twice in one column. */
 TVX_API int TVXaddvar(TVXmodel *model, int numnz, const int *vind, const double *vval,
                       double obj, double lb, double ub, char vtype, const char *varname);
 TVX_API int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg,
@@ -350,7 +359,8 @@ TVX_API int TVXaddvars(TVXmodel *model, int numvars, int numnz, const int *vbeg,
  *   cind, cval        [numnz] variables (existing ones) and coefficients
  *   sense, rhs        [numconstrs] null for all '<' and all 0
  *   constrnames       [numconstrs] names, or null
- * Returns 0; 10002, 10003, 10006 and 10018 as TVXaddvars. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT, TVX_ERROR_INVALID_ARGUMENT, TVX_ERROR_INDEX_OUT_OF_RANGE and TVX_ERROR_DUPLICATES
+ * as TVXaddvars. */
 TVX_API int TVXaddconstr(TVXmodel *model, int numnz, const int *cind, const double *cval,
                          char sense, double rhs, const char *constrname);
 TVX_API int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int *cbeg,
@@ -361,9 +371,9 @@ TVX_API int TVXaddconstrs(TVXmodel *model, int numconstrs, int numnz, const int 
  *   lower, upper      [numconstrs] required. An infinite lower side makes an ordinary '<' row, else an infinite upper
  *                     side an ordinary '>' row. Sides that cross make an infeasible model
  * A row NAME with two finite sides becomes an equation with right-hand side upper and one more variable, "RgNAME", with
- * bounds 0 and upper - lower and coefficient 1. These variables come behind all others that the update adds, in order of
- * their rows, and are normal variables from then on.
- * Returns as TVXaddconstrs; 10002 also when lower or upper is null. */
+ * bounds 0 and upper - lower and coefficient 1. These variables come behind all others that the update adds, in order
+ * of their rows, and are normal variables from then on.
+ * Returns as TVXaddconstrs; TVX_ERROR_NULL_ARGUMENT also when lower or upper is null. */
 TVX_API int TVXaddrangeconstr(TVXmodel *model, int numnz, const int *cind,
                               const double *cval, double lower, double upper,
                               const char *constrname);
@@ -378,27 +388,29 @@ TVX_API int TVXaddrangeconstrs(TVXmodel *model, int numconstrs, int numnz, const
  *   ind, weight      [nummembers] variables (existing ones) and their weights, which give the order. Members whose
  *                    weights go up and down are sorted by increasing weight; equal weights in such a set then become
  *                    slightly different, in the order given
- * Returns 0; 10002 a required array is null; 10003 negative nummembers, unknown type, NaN or infinity; 10006 a variable
- * or a start out of range; 10018 a variable twice in one set. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT a required array is null; TVX_ERROR_INVALID_ARGUMENT negative nummembers, unknown
+ * type, NaN or infinity; TVX_ERROR_INDEX_OUT_OF_RANGE a variable or a start out of range; TVX_ERROR_DUPLICATES a
+ * variable twice in one set. */
 TVX_API int TVXaddsos(TVXmodel *model, int numsos, int nummembers, const int *types,
                       const int *beg, const int *ind, const double *weight);
 
 /* Queues deletions. Indices behind a deleted element move up at the update; a deleted variable also leaves its SOS.
  *   ind  [numdel] may hold an index twice
- * Returns 0; 10002 ind is null; 10006 an index out of range. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT ind is null; TVX_ERROR_INDEX_OUT_OF_RANGE an index out of range. */
 TVX_API int TVXdelvars(TVXmodel *model, int numdel, const int *ind);
 TVX_API int TVXdelconstrs(TVXmodel *model, int numdel, const int *ind);
 TVX_API int TVXdelsos(TVXmodel *model, int numdel, const int *ind);
 
 /* Queues new values of coefficients, stored or not; a value of 0 removes the coefficient.
  *   cind, vind, val  [numchgs] constraint, variable and value; of two changes to one place the later counts
- * Returns 0; 10002 an array is null; 10003 NaN or infinity; 10006 an index out of range. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null; TVX_ERROR_INVALID_ARGUMENT NaN or infinity;
+ * TVX_ERROR_INDEX_OUT_OF_RANGE an index out of range. */
 TVX_API int TVXchgcoeffs(TVXmodel *model, int numchgs, const int *cind, const int *vind,
                          const double *val);
 
 /* One coefficient.
  *   value_out  out  0 for a coefficient that is not stored
- * Returns 0; 10002 value_out is null; 10006 row or variable out of range. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT value_out is null; TVX_ERROR_INDEX_OUT_OF_RANGE row or variable out of range. */
 TVX_API int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out);
 
 /* The coefficients of len consecutive variables (columns), or constraints (rows), from start on.
@@ -407,7 +419,8 @@ TVX_API int TVXgetcoeff(TVXmodel *model, int row, int var, double *value_out);
  *   vind, vval        out  [*numnz_out] constraints (variables) and coefficients. Without all three arrays only the
  *                          number is told, so that a first call can ask for the room needed
  * Columns list their entries in the order in which they came, rows by increasing variable.
- * Returns 0; 10002 numnz_out is null; 10006 len below 1 or elements that do not exist. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT numnz_out is null; TVX_ERROR_INDEX_OUT_OF_RANGE len below 1 or elements that do
+ * not exist. */
 TVX_API int TVXgetvars(TVXmodel *model, int *numnz_out, int *vbeg, int *vind, double *vval,
                        int start, int len);
 TVX_API int TVXgetconstrs(TVXmodel *model, int *numnz_out, int *cbeg, int *cind,
@@ -550,15 +563,15 @@ TVX_API void TVXterminate(TVXmodel *model);
 
 /* Ends the solve that is about to run on this model at the first interrupt from the console (Ctrl-C) from now on, as by
  * TVXterminate, with the line "Interrupt request received"; a second interrupt ends the program as usual. The signal
- * SIGTERM does the same, unless the program has a handler for it or ignores it. What both meant before stands again after
- * the solve, or when the model is freed. One model at a time can be watched; where interrupts are ignored they stay
- * ignored. Not from several threads at once.
+ * SIGTERM does the same, unless the program has a handler for it or ignores it. What both meant before stands again
+ * after the solve, or when the model is freed. One model at a time can be watched; where interrupts are ignored they
+ * stay ignored. Not from several threads at once.
  * Returns 0. */
 TVX_API int TVXsetsignal(TVXmodel *model);
 
-/* What would branching do? For each candidate variable of an optimal LP, with value x and d = floor(x + IntFeasTol): the
- * optimal objective with x <= d, and with x >= d + 1, all else as it is. The model stays as it was: bounds, solution,
- * basis, counts. Queued changes do not count.
+/* What would branching do? For each candidate variable of an optimal LP, with value x and d = floor(x + IntFeasTol):
+ * the optimal objective with x <= d, and with x >= d + 1, all else as it is. The model stays as it was: bounds,
+ * solution, basis, counts. Queued changes do not count.
  *   numcands          in   0 or more
  *   ind               in   [numcands] the variables
  *   iterations        in   limit of the dual simplex iterations for each side, 0 or more
@@ -570,16 +583,17 @@ TVX_API int TVXsetsignal(TVXmodel *model);
  *   status_out        out  2 done; 9 TimeLimit reached (counted from this call) and 11 stopped by TVXterminate: sides that
  *                          were not finished show a bound; 0 on failure. May be null
  * Nothing is logged. Parameters read: IntFeasTol, TimeLimit, Cutoff, SimplexPricing, tolerances.
- * Returns 0; 10002 ind is null; 10003 a negative count or limit; 10005 without an optimal LP solution (Status 2, no MIP);
- * 10006 a variable out of range; 10017 from a callback. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT ind is null; TVX_ERROR_INVALID_ARGUMENT a negative count or limit;
+ * TVX_ERROR_DATA_NOT_AVAILABLE without an optimal LP solution (Status 2, no MIP); TVX_ERROR_INDEX_OUT_OF_RANGE a
+ * variable out of range; TVX_ERROR_OPTIMIZATION_IN_PROGRESS from a callback. */
 TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
                             double iterations, double *down_out, double *up_out,
                             int *status_out);
 
 /* ---- Callbacks ----
  *
- * One function of the caller's is called at certain moments of a solve, on the thread that solves. It may ask for what is
- * known there (TVXcbget) and stop the solve: by a result other than 0, which becomes the code of TVXoptimize, or by
+ * One function of the caller's is called at certain moments of a solve, on the thread that solves. It may ask for what
+ * is known there (TVXcbget) and stop the solve: by a result other than 0, which becomes the code of TVXoptimize, or by
  * TVXterminate, after which TVXoptimize returns 0; Status is TVX_INTERRUPTED either way. Once the solve was asked to
  * stop only messages still reach the function. It may call what reads the model; what changes it waits for the next
  * update. It must not free the model, nor leave by an exception or a long jump.
@@ -650,51 +664,55 @@ typedef int (*TVXcallback)(TVXmodel *model, void *cbdata, int where, void *usrda
 TVX_API int TVXsetcallbackfunc(TVXmodel *model, TVXcallback function, void *usrdata);
 
 /* The function installed, or null.
- * Returns 0; 10002 function_out is null. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT function_out is null. */
 TVX_API int TVXgetcallbackfunc(TVXmodel *model, TVXcallback *function_out);
 
 /* Inside the function: what is known at this moment.
  *   cbdata, where  in   as the function got them
  *   what           in   one of the codes above that belong to where
  *   result_out     out  int, double, const char *, or the caller's double [NumVars], as the code tells
- * Returns 0; 10002 result_out is null; 10005 the array is not known; 10011 no such what here, or cbdata is not valid. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT result_out is null; TVX_ERROR_DATA_NOT_AVAILABLE the array is not known;
+ * TVX_ERROR_CALLBACK no such what here, or cbdata is not valid. */
 TVX_API int TVXcbget(void *cbdata, int where, int what, void *result_out);
 
 /* The type of what a code stands for.
  *   type_out  out  1 int, 2 double, 3 const char *
  *   size_out  out  1 for an array, else 0
- * Returns 0; 10002 an out argument is null; 10011 no such code, or cbdata is not valid. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT an out argument is null; TVX_ERROR_CALLBACK no such code, or cbdata is not valid. */
 TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_out);
 
 /* ---- Files ----
  *
  * What a file is follows from the end of its name, in any case: .mps and .rew models in MPS format, .lp, .rlp and .ilp
- * models in LP format, .bas bases, .mst MIP starts, .sol solutions, .prm parameters; with .gz or .bz2 behind it the file
- * is compressed by the commands gzip and bzip2, which must be installed. docs/formats.md describes all of them. Texts of
- * errors name the line of the file where there is one; what was odd in a file that was read is told in
- * the log.
+ * models in LP format, .bas bases, .mst MIP starts, .sol solutions, .prm parameters; with .gz or .bz2 behind it the
+ * file is compressed by the commands gzip and bzip2, which must be installed. docs/formats.md describes all of them.
+ * Texts of errors name the line of the file where there is one; what was odd in a file that was read is told in the
+ * log.
  */
 
 /* Reads a model from a file.
  *   filename   in   when no file of this name opens, it is tried with .gz, .bz2, .mps, .mps.gz, ... behind it
  *   model_out  out  the model, on a private copy of env; null when the call fails. Free with TVXfreemodel
- * Returns 0; 10001; 10002 model_out is null; 10003 env is not alive, filename is null, or no such file opens; 10012 the
- * file is of another type, damaged, or no model. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY; TVX_ERROR_NULL_ARGUMENT model_out is null; TVX_ERROR_INVALID_ARGUMENT env is not
+ * alive, filename is null, or no such file opens; TVX_ERROR_FILE_READ the file is of another type, damaged, or no
+ * model. */
 TVX_API int TVXreadmodel(TVXenv *env, const char *filename, TVXmodel **model_out);
 
 /* Reads what belongs to a model: a basis (.bas) or a MIP start (.mst), from which the next solve starts, or parameters
  * (.prm), for this model alone (see TVXreadparams).
  *   filename  in  also tried with .gz and .bz2 behind it
- * Returns 0; 10003 filename is null or no such file opens; 10012 the file is of another type, damaged, or a line of a
- * MIP start is not understood: no value is set then. A basis file that is damaged or names what the model does not have
- * sets no basis and returns 0 all the same, with the reason in the log and in the text of the error. */
+ * Returns 0; TVX_ERROR_INVALID_ARGUMENT filename is null or no such file opens; TVX_ERROR_FILE_READ the file is of
+ * another type, damaged, or a line of a MIP start is not understood: no value is set then. A basis file that is damaged
+ * or names what the model does not have sets no basis and returns 0 all the same, with the reason in the log and in the
+ * text of the error. */
 TVX_API int TVXread(TVXmodel *model, const char *filename);
 
 /* Writes the model (.mps or .lp; .rew and .rlp with numbers for names), its basis (.bas), its solution (.sol), its
  * solution as a MIP start (.mst), or its parameters (.prm). Queued changes are not written.
  *   filename  in  is replaced
- * Returns 0; 10001; 10003 a parameter file does not open; 10005 there is no solution, basis or IIS (.ilp) to write; 10013
- * filename is null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
+ * Returns 0; TVX_ERROR_OUT_OF_MEMORY; TVX_ERROR_INVALID_ARGUMENT a parameter file does not open;
+ * TVX_ERROR_DATA_NOT_AVAILABLE there is no solution, basis or IIS (.ilp) to write; TVX_ERROR_FILE_WRITE filename is
+ * null or of unknown type, the file does not open, or could not be written to its end: it is removed then. */
 TVX_API int TVXwrite(TVXmodel *model, const char *filename);
 
 #ifdef __cplusplus
