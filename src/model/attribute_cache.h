@@ -2,9 +2,8 @@
 //
 // The table of all attributes is constant (attribute_table.h). Per model only derived values
 // are kept: statistics of the content, the last solution in the caller's signs, and texts of
-// default names. Each group is made when it is first asked for and forgotten when what it was
-// made from changes, so nothing here can dangle, and a model that nobody questions pays
-// nothing.
+// default names. Each group is computed lazily, when it is first asked for, and forgotten when
+// what it was computed from changes.
 //
 // States   absent   model->attributes == nullptr: nothing was asked for yet
 //          made     the groups with a bit in `have` are valid

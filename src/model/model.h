@@ -1,10 +1,18 @@
 // model.h -- TVXmodel, the model store: body, pending changes, warm start, results
 //
-// States   alive    magic == MODEL_MAGIC
-//          busy     during TVXoptimize; only calls from inside a callback pass the model check
-//          loaded   status == 1: nothing solved since the last change of content
-//          solved   status >  1: simplex and result records hold what the attributes show
-// TVXupdatemodel and TVXfreemodel are the only events that release solver records.
+// State     Condition                  Entered by                                  Left by
+// alive     magic == MODEL_MAGIC       model_of_body                               model_free
+// loaded    lp.status TVX_LOADED       model_of_body; model_update with changes    optimize_run
+//                                      or a new value of TARV_PAR_INFBOUND;
+//                                      warm_start_validate with a valid basis;
+//                                      TVXresetmodel; out of memory in a solve
+// solved    lp.status > TVX_LOADED,    optimize_run (lp_solve, mip_solve)          as loaded is entered
+//           or mip.result
+// broken    lp.status STATUS_BROKEN    model_update without memory                 as loaded is entered
+// changed   model_has_pending          adds, deletes, sets of attributes           model_update
+// busy      busy != 0                  model_open_solve                            the end of that call
+// In the state solved the records lp and mip hold what attributes show. They are released by model_update, by the next
+// solve and by model_free. While a model is busy only calls from inside a callback pass model_check.
 #pragma once
 #include "body/build.h"
 #include "lp/lp.h"
@@ -13,7 +21,7 @@
 static constexpr uint32_t MODEL_MAGIC = 0x231d8a78;
 
 struct PendingChanges; // pending.h
-struct AttributeTable; // attributes/attributes.h
+struct AttributeTable; // attribute_cache.h
 
 enum WarmStartKind {
     WARM_NONE = 0,

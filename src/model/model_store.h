@@ -1,7 +1,4 @@
 // model_store.h -- what the files of the model store share
-//
-// Small rules that creation, adds and updates all follow, so that a body looks the same
-// whichever way it was built: infinite bounds, integral bounds, letters, names, negated rows.
 #pragma once
 #include "model/model.h"
 #include "model/pending.h"

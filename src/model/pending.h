@@ -1,6 +1,6 @@
 // pending.h -- PendingChanges, what callers asked for and the next update makes real
 //
-// Every add, delete and set of a caller lands here; the body is untouched until
+// Every add, delete and set of a caller is queued here; the body is not changed before
 // TVXupdatemodel. A routine costs no more than its own entries (arrays grow geometrically,
 // per-element arrays are made on first use), and leaves the record as it was when it fails.
 //
