@@ -5,7 +5,7 @@
 //   tarvex_growth FAMILY ENTRIES limits COUNT [Name=Value...]  stop a solve at so many moments of presolve: overruns
 //   tarvex_growth                                             names of the families
 //
-// The way back starts from made-up values of the reduced model: its cost does not depend on them. Times are those of
+// Postsolve starts from made-up values of the reduced model: its cost does not depend on them. Times are those of
 // the processor; `late` is what the solve still used of it after the limit, so that a busy machine does not count.
 #include "growth_families.h"
 #include "model/model.h"
@@ -107,10 +107,10 @@ int set_parameter(TVXenv *env, const char *word)
                : TVXsetdblparam(env, name.c_str(), atof(value));
 }
 
-// A point of the reduced model that sends the way back through its longer branches.
-int made_up_point(const TVXmodel *reduced, LpPoint *point)
+// A point of the reduced model that sends postsolve through its longer branches.
+int made_up_point(const ModelBody *reduced, LpPoint *point)
 {
-    const int n = reduced->body->numvars, m = reduced->body->numconstrs;
+    const int n = reduced->numvars, m = reduced->numconstrs;
     if (const int error = lp_point_alloc(point, reduced, true)) return error;
     for (int k = 0; k < n + m; k++) {
         point->x.data[k] = k % 7;
@@ -125,24 +125,27 @@ int measure(TVXmodel *model)
     const ModelBody *body = model->body;
     const double at_start = memory("VmRSS:");
     const double t0 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
-    const int status = presolve_lp(model);
+    PresolveResult *result = nullptr;
+    double work = 0;
+    const int status = presolve_lp(body, model->env, &result, &work);
     const double t1 = processor_time(CLOCK_PROCESS_CPUTIME_ID),
                  peak = memory("VmHWM:") - at_start;
     LpPoint reduced, full;
     int error = 0;
-    const TVXmodel *small = model->presolved;
+    const ModelBody *small = result ? presolve_reduced(result) : nullptr;
     if (small) error = made_up_point(small, &reduced);
     const double t2 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
     if (!error && status == 0)
-        error = postsolve_lp(model, small ? &reduced : nullptr, &full);
+        error = postsolve_lp(result, small ? &reduced : nullptr, &full);
     const double t3 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
-    const ModelBody none, *left = small ? small->body : &none;
+    const ModelBody none, *left = small ? small : &none;
     printf("{\"rows\": %d, \"cols\": %d, \"entries\": %d, \"status\": %d, \"rows_left\": "
            "%d, \"cols_left\": %d, "
            "\"entries_left\": %d, \"presolve\": %.6f, \"postsolve\": %.6f, \"work\": %.0f, "
            "\"memory\": %.1f}\n",
            body->numconstrs, body->numvars, body->numnz, status, left->numconstrs,
-           left->numvars, left->numnz, t1 - t0, t3 - t2, model->lp.work, peak);
+           left->numvars, left->numnz, t1 - t0, t3 - t2, work, peak);
+    presolve_free(result);
     return error;
 }
 
@@ -197,7 +200,10 @@ int stop(TVXmodel *model, bool terminate, double limit, double *late)
 int stop_often(TVXmodel *model, int count)
 {
     const double begin = processor_time(CLOCK_PROCESS_CPUTIME_ID);
-    const int status = presolve_lp(model);
+    PresolveResult *result = nullptr;
+    double work = 0;
+    const int status = presolve_lp(model->body, model->env, &result, &work);
+    presolve_free(result);
     const double seconds = processor_time(CLOCK_PROCESS_CPUTIME_ID) - begin;
     double worst = 0, worst_at = 0;
     for (int k = 1; k <= count; k++) {

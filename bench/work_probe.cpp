@@ -91,7 +91,7 @@ static void print_result(TVXmodel *model, double processor_seconds)
     if (model->lp.result)
         printf(", \"clean_up\": %.0f", iterations - model->lp.result->reduced_itercount);
     if (status == TVX_OPTIMAL) print_optimum(model);
-    if (const sopt *s = model->simplex)
+    if (const sopt *s = model->lp.simplex)
         printf(", \"factorizations\": %d, \"work\": %.0f", simplex_factorizations(s),
                simplex_work_units(s));
     printf("}\n");
