@@ -22,6 +22,8 @@ if(TARVEX_CLI AND NOT TARVEX_SANITIZE)
   add_test(NAME install.exports COMMAND ${install}/exports.sh ${lib}/libtarvex.so ${prefix}/include/tarvex.h)
   add_test(NAME install.needs COMMAND ${install}/needs.sh ${lib}/libtarvex.a ${lib}/libtarvex.so)
   add_test(NAME install.consumer COMMAND ${install}/consumer.sh ${PROJECT_SOURCE_DIR} ${prefix} ${release}/consumer)
+  add_test(NAME install.subproject COMMAND ${install}/subproject.sh ${PROJECT_SOURCE_DIR} ${release}_subproject)
+  set_tests_properties(install.subproject PROPERTIES PROCESSORS 2 TIMEOUT 1200)
   add_test(NAME install.pkgconfig COMMAND ${install}/pkgconfig.sh ${PROJECT_SOURCE_DIR} ${prefix} ${release}/pkgconfig)
   add_test(NAME install.command COMMAND ${install}/command.sh ${PROJECT_SOURCE_DIR} ${prefix})
   set_tests_properties(install.exports install.needs install.consumer install.pkgconfig install.command PROPERTIES
