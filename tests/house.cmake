@@ -6,6 +6,7 @@ add_test(NAME house.readme_example COMMAND ${house}/readme_example.sh ${PROJECT_
 add_test(NAME house.work_table COMMAND ${house}/work_table.sh ${PROJECT_SOURCE_DIR})
 set_tests_properties(house.work_table PROPERTIES SKIP_RETURN_CODE 77)
 add_test(NAME house.pages COMMAND ${house}/pages.sh ${PROJECT_SOURCE_DIR})
+add_test(NAME house.parameters COMMAND ${house}/parameters.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:parameters_page>)
 foreach(compiler gcc clang)
   add_test(NAME house.header.${compiler} COMMAND ${house}/header_alone.sh ${compiler})
   set_tests_properties(house.header.${compiler} PROPERTIES SKIP_RETURN_CODE 77)
