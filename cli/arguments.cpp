@@ -15,8 +15,8 @@ static constexpr const char *DESCRIPTION =
     "MODEL is a file in MPS (.mps, .rew) or LP format (.lp, .rlp, .ilp), also compressed "
     "(.gz,\n.bz2), or - for standard input. Several models are solved in turn.\n"
     "Name=Value sets a parameter, for example TimeLimit=60 Threads=1 LPMethod=dual "
-    "Presolve=off\nLogFile=run.log; so does --name-of-parameter VALUE: --time-limit 60 "
-    "--lp-method dual, and --method\ndual, --quiet for short.\n"
+    "Presolve=off\nLogFile=run.log. Every parameter is an option as well: --time-limit 60 "
+    "--lp-method dual;\n--method and --quiet are short for --lp-method and OutputFlag=0.\n"
     "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew, "
     ".lp,\n.rlp or .prm; may be repeated.\n";
 static constexpr const char *CLOSING =
