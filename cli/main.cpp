@@ -277,6 +277,8 @@ static ExitCode run(const Arguments &arguments, bool silent)
 
     if (work.convert)
         return convert_file(env.get(), work.models[0], work.models[1], work.request.input);
+    // An older file must not pass for the result of this call, whatever ends it.
+    if (!work.json_file.empty() && !json_out) FileRemove(work.json_file.c_str());
     std::vector<std::string> objects;
     const ExitCode solved = solve_all(env.get(), work, &objects);
     const ExitCode written = write_json(work, objects, json_out);

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 static constexpr size_t LETTERS_PER_SLIP = 3;
+static constexpr size_t LONGEST_WORD = 64;   // longer ones resemble no name
 static constexpr size_t LEAST_BEGINNING = 3; // shorter ones begin too many names
 
 // cost[i][j] leads from the first i letters of a to the first j letters of b.
@@ -34,6 +35,7 @@ std::string nearest_name(const std::string &word, const std::vector<std::string>
 {
     const std::string key = name_key(word);
     std::string best;
+    if (key.size() > LONGEST_WORD) return best;
     size_t least = std::max<size_t>(1, key.size() / LETTERS_PER_SLIP) + 1;
     for (const std::string &name : names) {
         const std::string other = name_key(name);

@@ -56,6 +56,8 @@ std::vector<std::string> option_words(int argc, char **argv, std::string *error)
         const bool whole = parameter.find('=') != std::string::npos;
         if (parameter.empty()) {
             words.push_back(word);
+            if (word.starts_with("--") && word.back() == '=' && error->empty())
+                *error = "'" + word + "' needs a value";
         } else if (whole) {
             words.push_back(parameter);
             if (equals != std::string::npos && error->empty())

@@ -44,23 +44,32 @@ static const char *basis_word(int status, bool is_constraint)
     }
 }
 
-// One column of a section as text, or empty when the model does not have it.
-static std::vector<std::string> column_texts(TVXmodel *model, const Column &column,
-                                             int count)
+// The values of one column: numbers or places in the basis, as the column has it.
+struct Values {
+    const Column *column;
+    std::vector<double> numbers;
+    std::vector<int> places;
+};
+
+// False when the model does not have them.
+static bool column_values(TVXmodel *model, const Column &column, int count, Values *values)
 {
-    std::vector<std::string> texts;
+    values->column = &column;
     const size_t size = static_cast<size_t>(count);
     if (column.is_basis) {
-        std::vector<int> values(size);
-        if (TVXgetintattrarray(model, column.attribute, 0, count, values.data()) == 0)
-            for (const int value : values)
-                texts.emplace_back(basis_word(value, column.attribute[0] == 'C'));
-    } else {
-        std::vector<double> values(size);
-        if (TVXgetdblattrarray(model, column.attribute, 0, count, values.data()) == 0)
-            for (const double value : values) texts.push_back(number_text(value));
+        values->places.resize(size);
+        return TVXgetintattrarray(model, column.attribute, 0, count,
+                                  values->places.data()) == 0;
     }
-    return texts;
+    values->numbers.resize(size);
+    return TVXgetdblattrarray(model, column.attribute, 0, count, values->numbers.data()) ==
+           0;
+}
+
+static std::string value_text(const Values &values, size_t j)
+{
+    if (!values.column->is_basis) return number_text(values.numbers[j]);
+    return basis_word(values.places[j], values.column->attribute[0] == 'C');
 }
 
 struct Section {
@@ -77,16 +86,16 @@ static void write_section(FILE *stream, TVXmodel *model, const Section &section,
     int count = 0;
     TVXgetintattr(model, section.count, &count);
     std::string head = "name";
-    std::vector<std::vector<std::string>> columns;
+    std::vector<Values> columns;
     for (size_t k = 0; k < section.n_columns; k++) {
         const Column &column = section.columns[k];
         if (column.is_range && !ranging) continue;
-        columns.push_back(column_texts(model, column, count));
-        if (count > 0 && columns.back().empty()) {
+        Values values;
+        if (count > 0 && !column_values(model, column, count, &values)) {
             if (k == 0) return;
-            columns.pop_back();
             continue;
         }
+        columns.push_back(std::move(values));
         head += std::string("\t") + column.title;
     }
     fprintf(stream, "[%s]\n%s\n", section.title, head.c_str());
@@ -94,8 +103,8 @@ static void write_section(FILE *stream, TVXmodel *model, const Section &section,
         char *name = nullptr;
         if (TVXgetstrattrelement(model, section.name, j, &name) != 0) return;
         fputs(name, stream);
-        for (const std::vector<std::string> &column : columns)
-            fprintf(stream, "\t%s", column[static_cast<size_t>(j)].c_str());
+        for (const Values &values : columns)
+            fprintf(stream, "\t%s", value_text(values, static_cast<size_t>(j)).c_str());
         fputc('\n', stream);
     }
 }

@@ -139,8 +139,10 @@ class Clock
 static Failure solve_model(TVXmodel *model, const std::string &file,
                            const SolveRequest &request)
 {
+    // An older file must not pass for the result of this solve.
+    if (!request.solution_file.empty()) FileRemove(request.solution_file.c_str());
     if (!request.start.empty()) {
-        const Failure failure = read_start(model, request.start);
+        Failure failure = read_start(model, request.start);
         if (!failure.text.empty()) {
             report_error(failure.text);
             return failure;
@@ -150,12 +152,11 @@ static Failure solve_model(TVXmodel *model, const std::string &file,
     if (const int code = TVXoptimize(model)) {
         const std::string message = TVXgetmerrormsg(model);
         drop_old_results(model, request.results);
-        const Failure failure =
-            failed_call("cannot solve '" + file + "'", code, message.c_str());
+        Failure failure = failed_call("cannot solve '" + file + "'", code, message.c_str());
         report_error(failure.text);
         return failure;
     }
-    const Failure failure = write_results(model, request);
+    Failure failure = write_results(model, request);
     if (request.solution) print_solution(model);
     return failure;
 }

@@ -112,6 +112,10 @@ TEST_F(CliAnswers, ASolutionFileHoldsValuesPricesAndBasis)
                 Not(HasSubstr("cost_low"))); // no ranges of such a point
     run({"--solution=never.txt", "Presolve=0", "never.mps"});
     EXPECT_EQ(file_get("never.txt"), "# Solution of model never\n# Status 3 infeasible\n");
+    file_put("whole.lp", "min x st c: x >= 1 general x end\n");
+    file_put("never.txt", "older\n"); // must not pass for the result
+    EXPECT_EQ(run({"--solution=never.txt", "whole.lp"}).exit_code, 1);
+    EXPECT_FALSE(std::filesystem::exists("never.txt"));
     EXPECT_EQ(run({"--solution=a.txt", "plan.mps", "never.mps"}).exit_code, 2);
     EXPECT_EQ(run({"--ranging", "plan.mps"}).exit_code, 2);
 }

@@ -50,6 +50,8 @@ TEST_F(CliUsage, RefusesUnknownWords)
     refuses({"--nonsense", "plan.mps"}, "--nonsense");
     refuses({"NoSuchThing=5", "plan.mps"}, "'NoSuchThing'");
     refuses({"=5", "--start"}, "--start");
+    refuses({"--solution=", "plan.mps"}, "'--solution=' needs a value");
+    refuses({"-x", "plan.mps"}, "'-x'");
 }
 
 TEST_F(CliUsage, RefusesValuesThatAreNone)
