@@ -210,9 +210,9 @@ std::string json_result(TVXmodel *model, const std::string &file, const Failure 
     return members.object();
 }
 
-std::string json_document(const std::vector<std::string> &objects)
+std::string json_document(const std::vector<std::string> &objects, JsonForm form)
 {
-    if (objects.size() == 1) return objects[0] + "\n";
+    if (form == JsonForm::OBJECT) return objects.at(0) + "\n";
     std::string text = "[";
     for (const std::string &object : objects)
         text += (text.size() > 1 ? ",\n" : "\n") + object;

@@ -16,8 +16,9 @@ struct SolveTimes {
 std::string json_result(TVXmodel *model, const std::string &file, const Failure &failure,
                         const SolveTimes &times);
 
-// What the file holds: the one object, or an array of them.
-std::string json_document(const std::vector<std::string> &objects);
+enum class JsonForm { OBJECT, ARRAY };
+// What the file holds: the one object, or an array of any number of them.
+std::string json_document(const std::vector<std::string> &objects, JsonForm form);
 
 // Text with quotes. Bytes that are no UTF-8 become U+FFFD.
 std::string json_text(const std::string &text);

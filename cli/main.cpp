@@ -220,7 +220,9 @@ static ExitCode write_json(const Work &work, const std::vector<std::string> &obj
                            FILE *out)
 {
     if (work.json_file.empty()) return EXIT_SOLVED;
-    const std::string text = json_document(objects);
+    // Also when an interrupt has ended the call after the first of several.
+    const JsonForm form = work.models.size() > 1 ? JsonForm::ARRAY : JsonForm::OBJECT;
+    const std::string text = json_document(objects, form);
     FileHandle handle;
     if (out)
         handle = {.stream = out, .kind = 'f', .mode = 'w'};

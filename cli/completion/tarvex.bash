@@ -35,7 +35,7 @@ _tarvex() {
         name=$before
     fi
     case $name in
-    --format) mapfile -t COMPREPLY < <(compgen -W "mps lp" -- "$word") && return ;;
+    --format) mapfile -t COMPREPLY < <(compgen -W "mps lp" -- "$word"); return ;;
     --start | --params | --json | --solution | --solution-file | --log-file | --result-file | LogFile | ResultFile)
         [ "$before" = --solution ] || { _tarvex_files "$word"; return; } ;;
     --method) name=LPMethod ;;
@@ -43,7 +43,7 @@ _tarvex() {
     esac
     if [ -n "$name" ]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_tarvex_words "$name")" -- "$word")
-        [ ${#COMPREPLY[@]} -eq 0 ] || return
+        [ ${#COMPREPLY[@]} -eq 0 ] || return 0
     fi
     if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_tarvex_options)" -- "$word")
