@@ -77,22 +77,26 @@ void parameters_list(TVXenv *env)
         char *name = nullptr;
         if (TVXgetparamname(env, k, &name) != 0) continue;
         const int type = TVXgetparamtype(env, name);
+        const ParameterText *text = parameter_text(name);
+        const bool unused = text && text->use == ParameterUse::NOT_YET;
+        const char *remark = unused ? "  not used yet" : "";
         if (type == INT_PARAMETER) {
             int low = 0;
             int high = 0;
             int usual = 0;
             TVXgetintparaminfo(env, name, nullptr, &low, &high, &usual);
-            printf("%-16s %-7s %12d %12d %12d\n", name, "int", low, high, usual);
+            printf("%-16s %-7s %12d %12d %12d%s\n", name, "int", low, high, usual, remark);
         } else if (type == DOUBLE_PARAMETER) {
             double low = 0;
             double high = 0;
             double usual = 0;
             TVXgetdblparaminfo(env, name, nullptr, &low, &high, &usual);
-            printf("%-16s %-7s %12g %12g %12g\n", name, "double", low, high, usual);
+            printf("%-16s %-7s %12g %12g %12g%s\n", name, "double", low, high, usual,
+                   remark);
         } else {
             char usual[TVX_PARAM_LENGTH + 1] = "";
             TVXgetstrparaminfo(env, name, nullptr, usual);
-            printf("%-16s %-7s %12s %12s %12s\n", name, "string", "", "", usual);
+            printf("%-16s %-7s %12s %12s %12s%s\n", name, "string", "", "", usual, remark);
         }
     }
 }

@@ -29,6 +29,7 @@ if(TARVEX_CLI AND NOT TARVEX_SANITIZE)
   add_test(NAME install.consumer COMMAND ${install}/consumer.sh ${PROJECT_SOURCE_DIR} ${prefix} ${release}/consumer)
   add_test(NAME install.subproject COMMAND ${install}/subproject.sh ${PROJECT_SOURCE_DIR} ${release}_subproject)
   set_tests_properties(install.subproject PROPERTIES PROCESSORS 2 TIMEOUT 1200)
+  add_test(NAME install.parts COMMAND ${install}/parts.sh ${PROJECT_SOURCE_DIR})
   add_test(NAME install.pkgconfig COMMAND ${install}/pkgconfig.sh ${PROJECT_SOURCE_DIR} ${prefix} ${release}/pkgconfig)
   add_test(NAME install.command COMMAND ${install}/command.sh ${PROJECT_SOURCE_DIR} ${prefix})
   set_tests_properties(install.exports install.needs install.consumer install.pkgconfig install.command PROPERTIES

@@ -5,11 +5,13 @@
 #include "env/parameter_table.h"
 #include "env/parameter_texts.h"
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 struct Row {
     std::string name, type, range, usual;
+    double minimum = 0, maximum = 0; // of numbers
 };
 
 static std::string number(double value)
@@ -30,10 +32,10 @@ static std::string quoted(const char *text)
 }
 
 #define INT_ROW(name, minimum, maximum, usual)                                             \
-    {#name, "int", range(minimum, maximum), number(usual)},
+    {#name, "int", range(minimum, maximum), number(usual), minimum, maximum},
 #define DBL_ROW(name, minimum, maximum, usual)                                             \
-    {#name, "double", range(minimum, maximum), number(usual)},
-#define STR_ROW(name, usual) {#name, "string", "", quoted(usual)},
+    {#name, "double", range(minimum, maximum), number(usual), minimum, maximum},
+#define STR_ROW(name, usual) {#name, "string", "", quoted(usual), 0, 0},
 static const Row public_rows[] = {PUBLIC_PARAMETERS(INT_ROW, DBL_ROW, STR_ROW)};
 static const Row hidden_rows[] = {HIDDEN_PARAMETERS(INT_ROW, DBL_ROW, STR_ROW)};
 
@@ -111,6 +113,16 @@ static void print_hidden(const Row &row, const ParameterText &text)
            *text.when ? " When to change it: " : "", text.when);
 }
 
+// Whether every word of "auto=-1 off=0" stands for a value that the parameter can have.
+static bool words_in_range(const Row &row, const char *words)
+{
+    for (const char *at = words; (at = strchr(at, '=')) != nullptr;) {
+        const double value = strtod(++at, nullptr);
+        if (value < row.minimum || value > row.maximum) return false;
+    }
+    return true;
+}
+
 // Prints each row of a part; false, with a message, when a text is missing.
 template<size_t count>
 static bool print_rows(const Row (&rows)[count],
@@ -120,6 +132,10 @@ static bool print_rows(const Row (&rows)[count],
         const ParameterText *text = find_text(row.name);
         if (!text) {
             fprintf(stderr, "parameter_texts.h says nothing of %s\n", row.name.c_str());
+            return false;
+        }
+        if (!words_in_range(row, text->words)) {
+            fprintf(stderr, "a word of %s is out of range\n", row.name.c_str());
             return false;
         }
         print(row, *text);

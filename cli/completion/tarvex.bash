@@ -49,10 +49,11 @@ _tarvex() {
         mapfile -t COMPREPLY < <(compgen -W "$(_tarvex_options)" -- "$word")
         return
     fi
-    _tarvex_files "$word"
     if [[ $word == [A-Z]* ]]; then
+        mapfile -t COMPREPLY < <(compgen -S = -W "$(_tarvex_parameters)" -- "$word"; compgen -f -- "$word")
         compopt -o nospace
-        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -S = -W "$(_tarvex_parameters)" -- "$word")
+    else
+        _tarvex_files "$word"
     fi
 }
 complete -F _tarvex tarvex

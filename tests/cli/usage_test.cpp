@@ -40,6 +40,7 @@ TEST_F(CliUsage, ListsEveryPublicParameter)
     EXPECT_EQ(outcome.exit_code, 0);
     EXPECT_THAT(outcome.out, HasSubstr("\nTimeLimit "));
     EXPECT_THAT(outcome.out, HasSubstr("\nOutputFlag "));
+    EXPECT_THAT(outcome.out, HasSubstr("0.0001  not used yet\nMIPGapAbs "));
     EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 64);
 }
 
