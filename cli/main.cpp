@@ -243,8 +243,9 @@ static ExitCode solve_all(TVXenv *env, const Work &work, std::vector<std::string
 {
     ExitCode worst = EXIT_SOLVED;
     for (const std::string &model : work.models) {
-        objects->emplace_back();
-        const ExitCode code = solve_file(env, model, work.request, &objects->back());
+        if (!work.json_file.empty()) objects->emplace_back();
+        std::string *json = objects->empty() ? nullptr : &objects->back();
+        const ExitCode code = solve_file(env, model, work.request, json);
         if (code == EXIT_INTERRUPTED) return code;
         if (code != EXIT_SOLVED) worst = code;
     }

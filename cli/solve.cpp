@@ -178,7 +178,7 @@ ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &re
         report_error(failure.text);
     }
     times.total = clock.seconds();
-    *json = json_result(model.get(), file, failure, times);
+    if (json) *json = json_result(model.get(), file, failure, times);
     if (status == TVX_INTERRUPTED) return EXIT_INTERRUPTED;
     return failure.text.empty() ? EXIT_SOLVED : EXIT_ERROR;
 }

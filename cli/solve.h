@@ -16,7 +16,7 @@ struct SolveRequest {
 };
 
 // Reads, starts, solves and reports one model; errors are reported here. EXIT_SOLVED, EXIT_ERROR or
-// EXIT_INTERRUPTED. *json is the result for programs.
+// EXIT_INTERRUPTED. *json is the result for programs; json may be null.
 ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &request,
                     std::string *json);
 
