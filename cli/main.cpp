@@ -112,10 +112,22 @@ static ExitCode check_result(const std::string &file)
     return check_folder("ResultFile='", file);
 }
 
+// "--time-limit plan.mps" takes the model for a value.
+static std::string swallowed_model(const Work &work)
+{
+    std::error_code ignored;
+    for (const Setting &setting : work.settings)
+        if (name_key(setting.name) != "logfile" &&
+            std::filesystem::exists(setting.value, ignored))
+            return ": '" + setting.value + "' was taken for the value of " + setting.name;
+    return "";
+}
+
 static ExitCode check_work(const Work &work)
 {
     const SolveRequest &request = work.request;
-    if (work.models.empty()) return usage("no model file given; see tarvex --help");
+    if (work.models.empty())
+        return usage("no model file given" + swallowed_model(work) + "; see tarvex --help");
     if (!request.start.empty() && file_kind(request.start) != FileKind::START)
         return usage("--start '" + request.start +
                      "': a start is a basis (.bas) or a MIP start (.mst)");

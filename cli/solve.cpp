@@ -83,7 +83,10 @@ static Failure write_results(TVXmodel *model, const SolveRequest &request)
         last = failure;
     }
     const std::string &text = request.solution_file;
-    if (!text.empty() && !solution_text_write(model, text, request.ranging)) {
+    if (text.empty()) return last;
+    if (solution_text_write(model, text, request.ranging)) {
+        TVXmsg(TVXgetenv(model), "Wrote solution file '%s'\n", text.c_str());
+    } else {
         last = {TVX_ERROR_FILE_WRITE,
                 "cannot write '" + text + "': check folder, permissions and free space"};
         report_error(last.text);

@@ -1,4 +1,4 @@
-# What is installed: the libraries, the header, a CMake package, a pkg-config file, the licence.
+# What is installed: the libraries, the header, a CMake package, a pkg-config file, pages and examples.
 # The command line installs itself in cli/.
 include(CMakePackageConfigHelpers)
 
@@ -6,7 +6,10 @@ install(TARGETS ${TARVEX_LIBRARIES} EXPORT tarvex_targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/tarvex.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# With the pages and examples that the README names to users.
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/attributes.md docs/formats.md docs/parameters.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # find_package(tarvex) gives the targets tarvex::tarvex (shared, unless there is no shared library) and
 # tarvex::tarvex_static.

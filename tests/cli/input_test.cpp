@@ -132,6 +132,8 @@ TEST_F(CliInput, ParametersAreOptionsAndValuesHaveWords)
     refuses({"plan.mps", "--time-limit"}, "needs a value");
     refuses({"--time-limit", "--presolve", "plan.mps"}, "'--time-limit' needs a value");
     refuses({"--method", "--", "plan.mps"}, "needs a value");
+    refuses({"--time-limit", "plan.mps"},
+            "'plan.mps' was taken for the value of TimeLimit");
     refuses({"--method", "dul", "plan.mps"}, "primal, dual, barrier");
 }
 
