@@ -11,6 +11,8 @@ if(TARVEX_CLI)
   add_test(NAME house.manual COMMAND ${house}/manual.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:tarvex_cli>)
   add_test(NAME house.completion COMMAND ${house}/completion.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:tarvex_cli>)
 endif()
+add_test(NAME house.arrows COMMAND ${house}/arrows.sh ${PROJECT_SOURCE_DIR}
+  ${PROJECT_BINARY_DIR}/CMakeFiles/tarvex_objects.dir)
 foreach(compiler gcc clang)
   add_test(NAME house.header.${compiler} COMMAND ${house}/header_alone.sh ${compiler})
   set_tests_properties(house.header.${compiler} PROPERTIES SKIP_RETURN_CODE 77)

@@ -12,7 +12,7 @@
 // Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
 //             Princeton 1956 (the optimal face).
 #include "analysis/derived.h"
-#include "attributes/solution.h"
+#include "model/solution.h"
 #include "body/quality.h"
 #include "body/signs.h"
 #include "model/model_store.h"
@@ -145,7 +145,7 @@ int equate_priced_rows(const TVXmodel *model, const double *slack, const double 
 
 int fix_optimal(TVXmodel *model, TVXmodel *copy)
 {
-    if (model->status != TVX_OPTIMAL || !solution_available(model))
+    if (model->lp.status != TVX_OPTIMAL || !solution_available(model))
         return unavailable(model, "The model has no optimal solution to be fixed at");
     const double *x = nullptr, *slack = nullptr, *pi = nullptr, *rc = nullptr;
     TRY(solution_x(model, &x));
@@ -157,7 +157,7 @@ int fix_optimal(TVXmodel *model, TVXmodel *copy)
 
 int fix_decisions(TVXmodel *model, TVXmodel *copy)
 {
-    if (!model_is_mip(model)) return fix_optimal(model, copy);
+    if (!body_is_mip(model->body)) return fix_optimal(model, copy);
     const double *x = found_values(model);
     const bool given = !x;
     if (given) x = start_values(model);
@@ -168,7 +168,7 @@ int fix_decisions(TVXmodel *model, TVXmodel *copy)
 
 int fix_solution(TVXmodel *model, TVXmodel *copy)
 {
-    if (!model_is_mip(model)) return 0; // nothing to fix
+    if (!body_is_mip(model->body)) return 0; // nothing to fix
     const double *x = found_values(model);
     if (!x) return unavailable(model, "The model has no solution to be fixed at");
     return fix_discrete(model, {.x = x, .given = false}, copy);

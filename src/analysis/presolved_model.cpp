@@ -1,9 +1,7 @@
 // presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
 //
-// The model's own presolve record, from which a solve that a limit has stopped would go on, and its figures stay as they
-// are. Meanwhile the model is busy as in a solve: TVXterminate stops the call, other calls are refused.
+// What solves have left in the model stays as it is. Meanwhile the model is busy as in a solve: TVXterminate stops the call, other calls are refused.
 #include "analysis/derived.h"
-#include "api/optimize.h"
 #include "body/row_kind.h"
 #include "lp/lp_claim.h"
 #include "model/model_store.h"
@@ -42,19 +40,19 @@ int name_row(Names *names, const ModelBody *body, int i, const char **name)
     return *name ? 0 : OUT_OF_MEMORY;
 }
 
-int collect_names(const TVXmodel *model, Names *names)
+int collect_names(const ModelBody *body, const PresolveResult *result, Names *names)
 {
-    const ModelBody *body = model->body, *reduced = model->presolved->body;
+    const ModelBody *reduced = presolve_reduced(result);
     names->pool = PoolCreate(POOL_CHUNK);
     if (!names->pool) return OUT_OF_MEMORY;
     TRY(array_resize(&names->vars, reduced->numvars));
     TRY(array_resize(&names->constrs, reduced->numconstrs));
     for (int j = 0; j < body->numvars; j++) {
-        const int k = presolved_var(model->presolve, j);
+        const int k = presolved_var(result, j);
         if (k >= 0) TRY(name_column(names, body, j, &names->vars[k]));
     }
     for (int i = 0; i < body->numconstrs; i++) {
-        const int k = presolved_constr(model->presolve, i);
+        const int k = presolved_constr(result, i);
         if (k >= 0) TRY(name_row(names, body, i, &names->constrs[k]));
     }
     return 0;
@@ -73,10 +71,10 @@ int refuse(TVXmodel *model, int status)
 }
 
 // A model of which nothing is left but the constant.
-int make_empty(TVXmodel *model, TVXmodel **out)
+int make_empty(TVXmodel *model, const PresolveResult *result, TVXmodel **out)
 {
     const ModelData empty = {.sense = model->body->sense,
-                             .objcon = presolved_constant(model->presolve)};
+                             .objcon = presolved_constant(result)};
     return model_create(model->env, EnvUse::PRIVATE_COPY, &empty, out);
 }
 
@@ -88,31 +86,42 @@ int make_unreduced(TVXmodel *model, TVXmodel **out)
                       body->constrnames.size ? body->constrnames.data : nullptr, out);
 }
 
+int make_from_result(TVXmodel *model, PresolveResult *result, TVXmodel **out)
+{
+    const ModelBody *reduced = presolve_reduced(result);
+    if (!reduced) return make_empty(model, result, out);
+    if (!all_rows_ordinary(reduced)) // free rows do not get this far
+        return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
+    Names names;
+    TRY(collect_names(model->body, result, &names));
+    TRY(model_of_body(model->env, EnvUse::PRIVATE_COPY, presolve_take_reduced(result), out));
+    return body_set_names((*out)->body, names.vars.data, names.constrs.data);
+}
+
 int make_reduced(TVXmodel *model, TVXmodel **out)
 {
     if (body_is_extreme(model->body)) return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
     if (find_row(model->body, RowKind::IMPOSSIBLE) >= 0)
         return refuse(model, PRESOLVE_INFEASIBLE);
     LpClaim claim;
+    PresolveResult *result = nullptr;
     bool proved = false;
-    const int status = presolve_lp(model, &claim);
+    double work = 0;
+    const int status = presolve_lp(model->body, model->env, &result, &work, &claim);
     if (status == OUT_OF_MEMORY) return status;
     if (status != 0 && !is_limit(status)) {
-        TRY(lp_claim_holds(model, model, &claim, &proved));
+        TRY(lp_presolve_claim_holds(model->body, model->env, &claim, &proved));
         if (!proved) return make_unreduced(model, out); // rounding has misled a reduction
     }
     if (status != 0) return refuse(model, status);
-    if (!model->presolved) return make_empty(model, out);
-    if (!all_rows_ordinary(model->presolved->body)) // free rows do not get this far
-        return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
-    Names names;
-    TRY(collect_names(model, &names));
-    return model_copy(model->presolved, names.vars.data, names.constrs.data, out);
+    const int code = make_from_result(model, result, out);
+    presolve_free(result);
+    return code;
 }
 
 int make_copy(TVXmodel *model, TVXmodel **out)
 {
-    if (model_is_mip(model))
+    if (body_is_mip(model->body))
         return fail_model(model, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
                           "Presolve of models with integer variables is not available yet");
     TRY(model->env->Presolve == 0 ? make_unreduced(model, out) : make_reduced(model, out));
@@ -129,24 +138,14 @@ TVXmodel *TVXpresolvemodel(TVXmodel *model)
         finish_model(model, code);
         return nullptr;
     }
-    PresolveResult *presolve = std::exchange(model->presolve, nullptr);
-    TVXmodel *presolved = std::exchange(model->presolved, nullptr);
-    TVXmodel *dual_form = std::exchange(model->dual_form, nullptr);
-    const double node_count =
-        model->node_count; // of the last solve; presolve adds its work
     TVXmodel *out = nullptr;
-    optimize_open(model, WallClock());
+    model_open_solve(model, WallClock());
     code = make_copy(model, &out);
     flag_store(&model->busy, 0);
     if (code) {
         model_free(out);
         out = nullptr;
     }
-    presolve_drop(model);
-    model->node_count = node_count;
-    model->presolve = presolve;
-    model->presolved = presolved;
-    model->dual_form = dual_form;
     finish_model(model, code);
     return out;
 }

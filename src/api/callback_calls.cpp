@@ -1,8 +1,7 @@
 // callback_calls.cpp -- the calls by which a caller installs a callback function, and asks from inside it
 #include "env/callback.h"
-#include "presolve/presolve.h"
+#include "model/model.h"
 #include "runtime/clock.h"
-#include "simplex/simplex.h"
 
 namespace
 {
@@ -69,43 +68,6 @@ const CallbackRecord *record_of(const void *cbdata)
     return record && record->magic == CALLBACK_MAGIC ? record : nullptr;
 }
 
-int answer_presolve(const CallbackRecord *record, int what, int *result)
-{
-    if (!record->state.presolve) return TVX_ERROR_CALLBACK;
-    const PresolveCounts counts = presolve_counts(record->state.presolve);
-    *result = what == TVX_CB_PRESOLVE_COLUMNS     ? counts.cols_removed
-              : what == TVX_CB_PRESOLVE_ROWS      ? counts.rows_removed
-              : what == TVX_CB_PRESOLVE_EQUATIONS ? counts.ineq_to_eq
-              : what == TVX_CB_PRESOLVE_BOUNDS    ? counts.bounds_changed
-                                                  : counts.coefs_changed;
-    return 0;
-}
-
-// The sums are computed for whoever asks: a function that does not ask costs nothing.
-int answer_simplex(const CallbackRecord *record, int what, void *result)
-{
-    const sopt *s = record->state.simplex;
-    if (!s) return TVX_ERROR_CALLBACK;
-    double *value = static_cast<double *>(result);
-    switch (what) {
-    case TVX_CB_SIMPLEX_ITERATIONS:
-        *value = simplex_iterations(s);
-        break;
-    case TVX_CB_SIMPLEX_PERTURBED:
-        *static_cast<int *>(result) = simplex_perturbed(s);
-        break;
-    case TVX_CB_SIMPLEX_OBJECTIVE:
-        *value = simplex_progress(s).objective;
-        break;
-    case TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY:
-        *value = simplex_progress(s).primal_infeasibility;
-        break;
-    default:
-        *value = simplex_progress(s).dual_infeasibility;
-    }
-    return 0;
-}
-
 int answer(const CallbackRecord *record, int where, int what, void *result)
 {
     if (what == TVX_CB_SECONDS) {
@@ -114,18 +76,14 @@ int answer(const CallbackRecord *record, int where, int what, void *result)
     }
     const What *row = find_what(what);
     if (!row || row->where != where) return TVX_ERROR_CALLBACK;
-    switch (where) {
-    case TVX_WHERE_PRESOLVE:
-        return answer_presolve(record, what, static_cast<int *>(result));
-    case TVX_WHERE_SIMPLEX:
-        return answer_simplex(record, what, result);
-    case TVX_WHERE_MESSAGE:
+    if (where == TVX_WHERE_MESSAGE) {
         if (!record->in_message) return TVX_ERROR_CALLBACK;
         *static_cast<const char **>(result) = record->message;
         return 0;
-    default: // of solvers that are not at work
-        return row->array ? TVX_ERROR_DATA_NOT_AVAILABLE : TVX_ERROR_CALLBACK;
     }
+    const CallbackSource &source = record->source;
+    if (source.answer && source.answer(source.solver, what, result) == 0) return 0;
+    return row->array ? TVX_ERROR_DATA_NOT_AVAILABLE : TVX_ERROR_CALLBACK;
 }
 
 int install(TVXmodel *model, TVXcallback function, void *usrdata)
@@ -141,6 +99,7 @@ int install(TVXmodel *model, TVXcallback function, void *usrdata)
         if (!env->cb_record) return OUT_OF_MEMORY;
         env->cb_record->magic = CALLBACK_MAGIC;
         env->cb_record->model = model;
+        env->cb_record->thread = &model->callback_thread;
     }
     env->cb_record->usrdata = usrdata;
     env->cb_active = function;

@@ -1,38 +1,18 @@
-// dispatch.cpp -- what a file name means, and the three doors: TVXreadmodel, TVXread, TVXwrite
+// file_calls.cpp -- TVXreadmodel, TVXread and TVXwrite: what a file name means
 //
 // Method      One table says for each type by which routine a model is read, data are read into a model, and a file is
 //             written. Names are completed by model and compression suffixes, in table order, until one opens.
 #include "api/file_calls.h"
+#include "api/file_data.h"
 #include "files/files.h"
-#include "model/model.h"
 #include "runtime/clock.h"
 #include "runtime/file.h"
 #include <cstring>
 
 // ---- The table ----
 
-using ModelReader = int (*)(TVXenv *env, const char *file_name, TVXmodel **model_out);
+using ModelReader = int (*)(TVXenv *env, const char *file_name, ModelDraft *draft);
 using ModelVisitor = int (*)(TVXmodel *model, const char *file_name);
-
-static int write_mps(TVXmodel *model, const char *file_name)
-{
-    return mps_write(model, file_name, WriteNames::OWN);
-}
-
-static int write_rew(TVXmodel *model, const char *file_name)
-{
-    return mps_write(model, file_name, WriteNames::NUMBERED);
-}
-
-static int write_lp(TVXmodel *model, const char *file_name)
-{
-    return lp_write(model, file_name, WriteNames::OWN);
-}
-
-static int write_rlp(TVXmodel *model, const char *file_name)
-{
-    return lp_write(model, file_name, WriteNames::NUMBERED);
-}
 
 // No model has an irreducible inconsistent subsystem in this build.
 static int write_ilp(TVXmodel *model, const char *file_name)
@@ -68,9 +48,9 @@ static const FileKind kinds[] = {
     {FILE_LP, ".lp", "LP", lp_read, nullptr, write_lp},
     {FILE_RLP, ".rlp", "LP", lp_read, nullptr, write_rlp},
     {FILE_ILP, ".ilp", "LP", lp_read, nullptr, write_ilp},
-    {FILE_MST, ".mst", nullptr, nullptr, mip_start_read, mip_start_write},
-    {FILE_SOL, ".sol", nullptr, nullptr, nullptr, solution_write},
-    {FILE_BAS, ".bas", nullptr, nullptr, basis_read, basis_write},
+    {FILE_MST, ".mst", nullptr, nullptr, read_start, write_start},
+    {FILE_SOL, ".sol", nullptr, nullptr, nullptr, write_solution},
+    {FILE_BAS, ".bas", nullptr, nullptr, read_basis, write_basis},
     {FILE_PRM, ".prm", nullptr, nullptr, read_parameters, write_parameters},
 };
 static const char *const compressions[] = {"", ".gz", ".bz2"};
@@ -174,6 +154,16 @@ static void announce(TVXmodel *model, const FileKind *kind, const char *file_nam
            body->numnz);
 }
 
+static int read_draft(TVXenv *env, const FileKind *kind, const char *name,
+                      TVXmodel **model_out)
+{
+    ModelDraft draft;
+    int error = kind->read_model(env, name, &draft);
+    if (!error) error = model_from_draft(env, &draft, model_out);
+    draft_free(&draft);
+    return error;
+}
+
 static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
 {
     const double start = WallClock();
@@ -185,7 +175,7 @@ static int read_model(TVXenv *env, const char *name, TVXmodel **model_out)
     if (!kind || !kind->form)
         return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                     "Unknown file type for file '%s'", name);
-    TRY(kind->read_model(env, completion.name.data, model_out));
+    TRY(read_draft(env, kind, completion.name.data, model_out));
     announce(*model_out, kind, completion.name.data, WallClock() - start);
     return 0;
 }

@@ -1,4 +1,4 @@
-// dispatch.h -- what a file name means: the table of file types
+// file_calls.h -- what a file name means: the table of file types
 #pragma once
 #include "tarvex.h"
 

@@ -6,9 +6,12 @@
 // Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
 //             survives the closing lines (err_hold).
 #include "api/optimize.h"
+#include "model/attribute_cache.h"
+#include "env/callback.h"
 #include "api/file_calls.h"
-#include "api/optimize_log.h"
 #include "files/files.h"
+#include "model/interrupt.h"
+#include "model/warm_start.h"
 #include "runtime/clock.h"
 #include "runtime/file.h"
 #include <cstring>
@@ -17,42 +20,71 @@
 // not stop the solve.
 static void dump(TVXmodel *model)
 {
-    (void)mps_write(model, "tarvex.rew", WriteNames::NUMBERED);
+    (void)mps_write(model->body, model->env, "tarvex.rew", WriteNames::NUMBERED);
     (void)TVXwriteparams(model->env, "tarvex.prm");
     (void)finish_model(model, 0); // a failure leaves no text
+}
+
+static void log_size(const TVXmodel *model)
+{
+    const ModelBody *body = model->body;
+    TVXmsg(model->env, "Optimize a model with %d rows, %d columns and %d nonzeros\n",
+           body->numconstrs, body->numvars, body->numnz);
+}
+
+// Results are for calls to come: what has been derived from earlier ones goes, before and, as a callback may have asked
+// for more, after the solve.
+static int run_lp(TVXmodel *model)
+{
+    LpSolve *lp = &model->lp;
+    const double start = WallClock();
+    const WarmStart *warm = warm_start_usable(model);
+    LpGiven given;
+    if (warm) {
+        given = {warm->statuses.data, nullptr, warm->kind == WARM_CHECKED};
+        if (warm->norms.size == warm->statuses.size) given.norms = warm->norms.data;
+    }
+    lp->body = model->body;
+    lp->env = model->env;
+    attributes_clear_solution(model);
+    const int code = lp_solve(lp, given);
+    attributes_clear_solution(model);
+    if (lp->simplex) warm_start_drop(model); // the record is newer
+    const int outcome = lp_log_result(lp, start);
+    if (code == OUT_OF_MEMORY) TVXmsg(model->env, "Out of memory\n");
+    if (outcome == OUT_OF_MEMORY) lp_drop(lp);
+    return code ? code : outcome;
+}
+
+static int run_mip(TVXmodel *model)
+{
+    model_free_results(model);
+    model->lp.status = TVX_LOADED;
+    return mip_solve(model->body, model->env, &model->mip_result);
 }
 
 int optimize_run(TVXmodel *model)
 {
     const double start = WallClock();
     TRY(model_update(model));
-    log_model_size(model);
+    log_size(model);
     model->start_time = start;
     model->run_time = 0;
     if (model->env->TARV_PAR_DUMP) dump(model);
-    const int code = model_is_mip(model) ? mip_driver(model) : lp_driver(model);
+    const int code = body_is_mip(model->body) ? run_mip(model) : run_lp(model);
     model->run_time = WallClock() - start;
     return code;
-}
-
-void optimize_open(TVXmodel *model, double now)
-{
-    TVXenv *env = model->env;
-    env->terminate_ptr = &env->terminate;
-    flag_store(env->terminate_ptr, 0);
-    env->callback_code = 0;
-    env->optimize_start = now;
-    flag_store(&model->busy, 1);
 }
 
 // The closing lines and the text of an error; the code of the whole call.
 static int close_run(TVXmodel *model, int code)
 {
     TVXenv *env = model->env;
-    if (!code) code = env->callback_code;
+    if (!code) code = callback_code(env);
     if (code) env->err_hold = 1;
     if (model->mip_result) {
-        const int epilogue = log_mip_epilogue(model, code);
+        const int epilogue =
+            mip_log_result(env, model->body, model->mip_result, code);
         if (!code) code = epilogue;
     }
     env->err_hold = 0;
@@ -146,7 +178,7 @@ int TVXoptimize(TVXmodel *model)
     if (!code && model_is_occupied(model)) // called from a callback of this very solve
         code = TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
     if (code) return finish_model(model, code);
-    optimize_open(model, now);
+    model_open_solve(model, now);
     interrupt_begin(model);
     code = close_run(model, optimize_run(model));
     settle_result_file(model, code);

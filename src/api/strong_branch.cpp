@@ -4,7 +4,7 @@
 //             candidate with value x is split at d = floor(x + IntFeasTol) into x <= d and x >= d + 1.
 // Invariant   The model is busy meanwhile: TVXterminate stops it, other calls are refused.
 #include "api/optimize.h"
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 #include "attributes/sensitivity.h"
 #include "body/signs.h"
 #include "runtime/clock.h"
@@ -58,9 +58,9 @@ int try_candidate(const TVXmodel *model, StrongBranch *branch, const Request &re
                   int k)
 {
     const int j = request.ind[k], sense = model->body->sense;
-    const double x = simplex_place(model->simplex, j).Value,
+    const double x = simplex_place(model->lp.simplex, j).Value,
                  below = std::floor(x + model->env->IntFeasTol),
-                 optimum = simplex_objective(model->simplex);
+                 optimum = simplex_objective(model->lp.simplex);
     for (const BranchSide side : {BranchSide::DOWN, BranchSide::UP}) {
         BranchOutcome outcome = {TVX_OPTIMAL, optimum, 0};
         double *place = side == BranchSide::DOWN ? request.down : request.up;
@@ -79,7 +79,7 @@ int try_candidate(const TVXmodel *model, StrongBranch *branch, const Request &re
 int try_all(TVXmodel *model, const Request &request)
 {
     StrongBranch *branch = nullptr;
-    TRY(strong_branch_open(model->simplex, &branch));
+    TRY(strong_branch_open(model->lp.simplex, &branch));
     int code = 0;
     for (int k = 0; k < request.count && !code; k++)
         code = try_candidate(model, branch, request, k);
@@ -93,14 +93,11 @@ int run(TVXmodel *model, const Request &request)
     TRY(SensitivityPrepare(model)); // an optimal basis with fresh factors
     TVXenv *env = model->env;
     const double optimize_start = env->optimize_start;
-    const TVXcallback cb_active = env->cb_active; // no moments of a solve
-    env->cb_active = nullptr;
-    optimize_open(model, WallClock());
+    model_open_solve(model, WallClock());
     *request.status = TVX_OPTIMAL;
     const int code = try_all(model, request);
     flag_store(&model->busy, 0);
     env->optimize_start = optimize_start;
-    env->cb_active = cb_active;
     return code;
 }
 } // namespace

@@ -3,7 +3,7 @@
 // Method   Reading shows the basis of the last solve; setting writes the start of the next one
 //          (warm_start.h). What was set is therefore not read back before a solve.
 #include "attributes/attribute_routines.h"
-#include "attributes/solution.h"
+#include "model/solution.h"
 #include "model/warm_start.h"
 #include "simplex/simplex.h"
 
@@ -30,7 +30,7 @@ int set_basis(TVXmodel *model, int part, ElementRange range, const void *values)
 
 static int norms_kind(const TVXmodel *model)
 {
-    return model->simplex ? simplex_get_norms(model->simplex, nullptr) : 0;
+    return model->lp.simplex ? simplex_get_norms(model->lp.simplex, nullptr) : 0;
 }
 
 // The weights of a run in progress belong to no basis yet.
@@ -50,7 +50,7 @@ int compute_norms(TVXmodel *model, int part, const void **place)
     if (!(table->have & HAVE_NORMS)) {
         const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
         TRY(array_resize(&table->norms, size));
-        simplex_get_norms(model->simplex, table->norms.data);
+        simplex_get_norms(model->lp.simplex, table->norms.data);
         table->have |= HAVE_NORMS;
     }
     *place = table->norms.data + offset(model, part);

@@ -53,7 +53,7 @@ int set_senses(TVXmodel *model, int, ElementRange range, const void *values)
 
 int get_is_mip(TVXmodel *model, int, ElementRange, void *values)
 {
-    *out<int>(values) = model_is_mip(model);
+    *out<int>(values) = body_is_mip(model->body);
     return 0;
 }
 

@@ -3,7 +3,7 @@
 // Method   The measures (quality.h) are taken at the first question after a solve and kept in its
 //          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
 #include "attributes/attribute_routines.h"
-#include "attributes/solution.h"
+#include "model/solution.h"
 #include "body/quality.h"
 #include "simplex/simplex.h"
 
@@ -40,7 +40,8 @@ static int mip_quality(TVXmodel *model, int part, const void **place)
     const double *x = nullptr;
     TRY(solution_x(model, &x));
     Quality *quality = &model->mip_result->quality;
-    if (!quality->computed) TRY(MipQuality(model, x, quality, QualityWarnings::NO));
+    if (!quality->computed) TRY(MipQuality(model->env, model->body, x, quality,
+                                             QualityWarnings::NO));
     return show(quality, part, place);
 }
 
@@ -48,17 +49,17 @@ int compute_quality(TVXmodel *model, int part, const void **place)
 {
     if (model->mip_result) return mip_quality(model, part, place);
     TRY(solution_quality(model));
-    return show(&model->lp_result->quality, part, place);
+    return show(&model->lp.result->quality, part, place);
 }
 
 // Factors of the basis at hand. To make them, a singular basis may have to be mended: other values, then.
 static int need_factor(TVXmodel *model)
 {
-    if (simplex_has_factor(model->simplex)) return 0;
+    if (simplex_has_factor(model->lp.simplex)) return 0;
     attributes_clear_solution(model);
-    const int code = simplex_refactor(model);
+    const int code = simplex_refactor(model->lp.simplex);
     if (code == OUT_OF_MEMORY) return code;
-    return simplex_has_factor(model->simplex) ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
+    return simplex_has_factor(model->lp.simplex) ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
 int compute_kappa(TVXmodel *model, int part, const void **place)
@@ -70,7 +71,7 @@ int compute_kappa(TVXmodel *model, int part, const void **place)
     AttributeTable *table = model->attributes;
     const int group = part == 0 ? HAVE_KAPPA : HAVE_N2KAPPA;
     if (!(table->have & group))
-        TRY(simplex_kappa(model->simplex, part == 0 ? KappaNorm::ONE : KappaNorm::TWO,
+        TRY(simplex_kappa(model->lp.simplex, part == 0 ? KappaNorm::ONE : KappaNorm::TWO,
                           &table->kappa[part]));
     table->have |= group;
     *place = &table->kappa[part];

@@ -3,7 +3,7 @@
 // Method   Figures stand in the record that the solve left, the MIP's when there is one, else the
 //          LP's. They are pointed at where they stand; no record, no figure.
 #include "attributes/attribute_routines.h"
-#include "attributes/solution.h"
+#include "model/solution.h"
 
 int get_status(TVXmodel *model, int, ElementRange, void *values)
 {
@@ -16,8 +16,8 @@ int get_solcount(TVXmodel *model, int, ElementRange, void *values)
     int count = 0;
     if (model->mip_result)
         count = model->mip_result->sol_count;
-    else if (model->simplex)
-        count = model->status == TVX_OPTIMAL;
+    else if (model->lp.simplex)
+        count = model->lp.status == TVX_OPTIMAL;
     *static_cast<int *>(values) = count;
     return 0;
 }
@@ -46,7 +46,7 @@ static bool has_objective(const TVXmodel *model)
 int compute_objval(TVXmodel *model, int, const void **place)
 {
     const MipResult *mip = model->mip_result;
-    const LpResult *lp = model->lp_result;
+    const LpResult *lp = model->lp.result;
     const double *figure = nullptr;
     if (mip)
         figure = &mip->objval;
@@ -64,17 +64,17 @@ int compute_objbound(TVXmodel *model, int, const void **place)
 int compute_itercount(TVXmodel *model, int, const void **place)
 {
     if (model->mip_result) return stand_at(&model->mip_result->iter_count, place);
-    return stand_at(model->lp_result ? &model->lp_result->itercount : nullptr, place);
+    return stand_at(model->lp.result ? &model->lp.result->itercount : nullptr, place);
 }
 
 int compute_bar_itercount(TVXmodel *model, int, const void **place)
 {
     if (model->mip_result) return stand_at(&model->mip_result->bar_iter_count, place);
-    return stand_at(model->lp_result ? &model->lp_result->bar_itercount : nullptr, place);
+    return stand_at(model->lp.result ? &model->lp.result->bar_itercount : nullptr, place);
 }
 
 int compute_nodecount(TVXmodel *model, int, const void **place)
 {
     if (model->mip_result) return stand_at(&model->mip_result->node_count, place);
-    return stand_at(model->lp_result ? &model->node_count : nullptr, place);
+    return stand_at(model->lp.result ? &model->lp.work : nullptr, place);
 }

@@ -3,7 +3,7 @@
 // Signatures and contract: AttrCompute, AttrGetter and AttrSetter in attribute_table.h.
 #pragma once
 #include "attributes/attribute_table.h"
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 
 // Places in the families below.
 enum CountPart { PART_CONSTRS, PART_VARS, PART_SOS, PART_NZS, PART_INTVARS, PART_BINVARS };

@@ -1,6 +1,6 @@
 // attribute_solution.cpp -- attributes of the solution, element by element (solution.h)
 #include "attributes/attribute_routines.h"
-#include "attributes/solution.h"
+#include "model/solution.h"
 
 int compute_x(TVXmodel *model, int, const void **place)
 {

@@ -4,8 +4,8 @@
 //             What that means for the two bounds of a variable, or for a right-hand side, is decided here.
 // Cost        See sensitivity.h. Preparing: a factorisation at most, usually nothing.
 #include "attributes/sensitivity.h"
-#include "attributes/attributes.h"
-#include "attributes/solution.h"
+#include "model/attribute_cache.h"
+#include "model/solution.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
 #include "runtime/clock.h"
@@ -34,90 +34,28 @@ RangePair in_sense(int sign, const RangePair &range)
     return {turned(sign, range.Up), turned(sign, range.Low)};
 }
 
-// What a silent run in between may not change or be stopped by.
-struct QuietRun {
-    TVXenv *env;
-    TVXcallback cb_active;
-    int end_factor, output;
-    double iteration_limit, optimize_start;
-};
-
-QuietRun quiet_begin(TVXenv *env)
-{
-    const QuietRun saved = {env,
-                            env->cb_active,
-                            env->TARV_PAR_SIMPLEXENDFAC,
-                            env->OutputFlag,
-                            env->IterationLimit,
-                            env->optimize_start};
-    env->cb_active = nullptr;
-    env->TARV_PAR_SIMPLEXENDFAC = 1;
-    env->OutputFlag = 0;
-    env->IterationLimit = UNDEFINED_VALUE;
-    env->optimize_start = WallClock();
-    return saved;
-}
-
-void quiet_end(const QuietRun &saved)
-{
-    TVXenv *env = saved.env;
-    env->cb_active = saved.cb_active;
-    env->TARV_PAR_SIMPLEXENDFAC = saved.end_factor;
-    env->OutputFlag = saved.output;
-    env->IterationLimit = saved.iteration_limit;
-    env->optimize_start = saved.optimize_start;
-}
-
-// Fresh factors; when the basis turns out not to be optimal with them, the dual runs until it ends on fresh factors.
-int confirm_optimum(TVXmodel *model)
-{
-    bool optimal = false;
-    TRY(simplex_confirm(model, &optimal));
-    if (optimal) return 0;
-    const QuietRun saved = quiet_begin(model->env);
-    int code = 0;
-    do code = SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr);
-    while (!code && model->status == TVX_OPTIMAL &&
-           !simplex_has_fresh_factor(model->simplex));
-    quiet_end(saved);
-    return code;
-}
-
 // The results follow a basis that had to change.
-void publish_change(TVXmodel *model)
-{
-    LpResult *result = model->lp_result;
-    attributes_clear_solution(model);
-    result->itercount = simplex_iterations(model->simplex);
-    result->objval = turned(model->body->sense, simplex_objective(model->simplex));
-    result->quality.computed = 0;
-    TVXmsg(model->env, "Warning: basis changed during sensitity analysis.\n");
-}
-
 int make_fresh(TVXmodel *model)
 {
-    const double before = model->lp_result->itercount;
-    const int code = confirm_optimum(model);
-    if (!model->simplex) { // lost on the way: out of memory
-        attributes_clear_solution(model);
-        model_free_results(model);
-        model->status = TVX_LOADED;
-    }
-    if (code) return code;
-    if (simplex_iterations(model->simplex) > before) publish_change(model);
-    return model->status == TVX_OPTIMAL ? 0 : TVX_ERROR_NUMERIC;
+    bool changed = false;
+    const int code = lp_confirm(&model->lp, &changed);
+    if (!model->lp.simplex || changed) attributes_clear_solution(model);
+    TRY(code);
+    if (changed)
+        TVXmsg(model->env, "Warning: basis changed during sensitity analysis.\n");
+    return model->lp.status == TVX_OPTIMAL ? 0 : TVX_ERROR_NUMERIC;
 }
 } // namespace
 
 int SensitivityPrepare(TVXmodel *model)
 {
-    if (!solution_available(model) || model->status != TVX_OPTIMAL || !model->lp_result)
+    if (!solution_available(model) || model->lp.status != TVX_OPTIMAL || !model->lp.result)
         return TVX_ERROR_DATA_NOT_AVAILABLE;
     TRY(check_idle(model));
     TRY(attributes_make(model));
     if (model->attributes->have & HAVE_RANGING) return 0;
-    if (!simplex_has_fresh_factor(model->simplex)) TRY(make_fresh(model));
-    simplex_range_begin(model->simplex);
+    if (!simplex_has_fresh_factor(model->lp.simplex)) TRY(make_fresh(model));
+    simplex_range_begin(model->lp.simplex);
     for (Array<double> &ends : model->attributes->ranges) ends.size = 0;
     model->attributes->have |= HAVE_RANGING;
     return 0;
@@ -127,17 +65,17 @@ RangePair range_of_cost(TVXmodel *model, int j)
 {
     const ModelBody *body = model->body;
     return in_sense(body->sense,
-                    around(body->obj[j], simplex_range_cost(model->simplex, j)));
+                    around(body->obj[j], simplex_range_cost(model->lp.simplex, j)));
 }
 
 BoundRanges ranges_of_bounds(TVXmodel *model, int j)
 {
     const ModelBody *body = model->body;
     const double lb = body->lb[j], ub = body->ub[j];
-    const auto [place, x] = simplex_place(model->simplex, j);
+    const auto [place, x] = simplex_place(model->lp.simplex, j);
     RangeSteps steps = {0, 0};
     if (place == Place::LOWER || place == Place::UPPER || place == Place::FREE)
-        steps = simplex_range_value(model->simplex, j);
+        steps = simplex_range_value(model->lp.simplex, j);
     const double least = std::max(lb, below(x, steps.Down)),
                  most = std::min(ub, above(x, steps.Up));
     const auto end =
@@ -181,10 +119,10 @@ static RangePair range_of_bound_rhs(const TVXmodel *model, int i)
     const ModelBody *body = model->body;
     const double b = body->rhs[i];
     const int slack = body->numvars + i;
-    const auto [place, value] = simplex_place(model->simplex, slack);
+    const auto [place, value] = simplex_place(model->lp.simplex, slack);
     RangePair range = {b, b}; // the slack of an equation is basic: no other side fits
     if (place != Place::BASIC && place != Place::FREE) {
-        const RangeSteps steps = simplex_range_value(model->simplex, slack);
+        const RangeSteps steps = simplex_range_value(model->lp.simplex, slack);
         range = around(b, {steps.Up, steps.Down}); // the slack falls as the side rises
     } else if (!is_equation(body, i)) {
         range = {b - std::max(0.0, value), NONE};

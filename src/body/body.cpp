@@ -1,5 +1,5 @@
-// model_body.cpp -- rules that hold for every body, whichever way it was built
-#include "model/model_store.h"
+// body.cpp -- rules that hold for every body, whichever way it was built
+#include "body/body.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -132,14 +132,7 @@ void body_find_kinds(ModelBody *body, double infinite)
         body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], infinite);
 }
 
-void model_estimate_size(TVXmodel *model)
+bool body_is_mip(const ModelBody *body)
 {
-    const ModelBody *body = model->body;
-    model->size_estimate = 13 * int64_t{body->numvars} + 7 * int64_t{body->numconstrs} +
-                           23 * int64_t{body->numnz};
-}
-
-bool model_is_mip(const TVXmodel *model)
-{
-    return model->body->numintvars > 0 || model->body->numsos > 0;
+    return body->numintvars > 0 || body->numsos > 0;
 }

@@ -1,9 +1,9 @@
-// lp_bounded.cpp -- tells infeasible from unbounded without solving
+// bounded.cpp -- tells infeasible from unbounded without solving
 //
 // Method   The objective of the body's form is at least the sum of c_j * (lower bound if c_j > 0, upper
 //          bound if c_j < 0). When all those bounds are finite, it is bounded over any rows.
 // Cost     O(n)
-#include "api/optimize.h"
+#include "body/body.h"
 #include <algorithm>
 
 bool objective_is_bounded(const TVXenv *env, const ModelBody *body)

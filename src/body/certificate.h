@@ -3,7 +3,7 @@
 // Both judge the vector as it is given, on the body alone and in its form: minimise, rows a x <= b (those with sense '>'
 // are held negated) or a x = b. Bounds and right-hand sides of at least `infinity` in magnitude are absent.
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
 
 // A model with a point that violates no bound and no row by more than this is never proved infeasible, nor, if `slack` is
 // more, one with a point that violates none by more than that.

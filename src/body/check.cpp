@@ -1,8 +1,8 @@
-// body_check.cpp -- the invariants of a model body, for builds that check themselves
+// check.cpp -- the invariants of a model body, for builds that check themselves
 //
 // Counts what is broken, in the order of the fields of ModelBody, and writes down the first place.
 // Shares no code with what builds and changes bodies. Cost: O(size of the model).
-#include "model/model_store.h"
+#include "body/body.h"
 
 #ifdef TVX_DEBUG
 #include "runtime/text_number.h"

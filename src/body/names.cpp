@@ -1,10 +1,10 @@
-// model_names.cpp -- names of variables and constraints
+// names.cpp -- names of variables and constraints
 //
 // A name is a text in the body's pool, or absent: the element is then called by its index, "C%d"
 // or "R%d", made on demand. The pool only grows; since renaming and deleting leave dead texts in
 // it, an update calls body_compact_names, which moves the living ones to a new pool once the bytes
 // handed out exceed twice what lived last time. Cost: O(1) amortised per byte stored.
-#include "model/model_store.h"
+#include "body/body.h"
 #include <algorithm>
 
 static constexpr size_t NAME_CHUNK = 4096;     // bytes; a few hundred names

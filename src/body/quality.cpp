@@ -100,10 +100,9 @@ static void warn(TVXenv *env, const ToleranceWarning &test)
                test.amount);
 }
 
-int MipQuality(TVXmodel *model, const double *x, Quality *result, QualityWarnings warnings)
+int MipQuality(TVXenv *env, const ModelBody *body, const double *x, Quality *result,
+               QualityWarnings warnings)
 {
-    const ModelBody *body = model->body;
-    TVXenv *env = model->env;
     RowActivity rows;
     TRY(row_activity(body, x, &rows));
     *result = Quality{};

@@ -18,7 +18,21 @@
 // x_j / col_j, rows times row_i, costs times col_j * obj.
 // A value that is not a number counts as a violation of 1e100.
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
+
+// One group of violations: the largest, where it is, and the sum.
+struct Violation {
+    double max = 0;
+    double sum = 0;
+    int index = -1; // row or variable of the maximum, -1 when nothing is violated
+};
+
+// Measures of one solution; the names of the quality attributes.
+struct Quality {
+    int computed = 0; // the fields below are valid
+    Violation BoundVio, BoundSVio, ConstrVio, ConstrSVio, ConstrResidual, ConstrSResidual;
+    Violation DualVio, DualSVio, DualResidual, DualSResidual, ComplVio, IntVio;
+};
 
 // Factors of the scaled model: column j times col[j], row i times row[i], costs times obj.
 struct QualityScale {
@@ -31,7 +45,7 @@ enum class PointSigns {
     BODY,  // minimise, rows with sense '>' negated
     CALLER // as attributes show it (solution.h)
 };
-struct LpPoint {
+struct JudgedPoint {
     const double *x = nullptr;      // [numvars]
     const double *pi = nullptr;     // [numconstrs]
     const double *rc = nullptr;     // [numvars], or null: no dual residual
@@ -42,11 +56,11 @@ struct LpPoint {
 enum class QualityWarnings { NO, YES };
 
 // All measures of an LP's point; tolerances from env. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int LpQuality(TVXenv *env, const ModelBody *body, const LpPoint &point,
+[[nodiscard]] int LpQuality(TVXenv *env, const ModelBody *body, const JudgedPoint &point,
                             const QualityScale &scale, Quality *result);
 // BoundVio, ConstrVio and IntVio of a MIP's point, and warnings on the log for those above their
 // tolerance, the violation of SOS constraints included. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int MipQuality(TVXmodel *model, const double *x, Quality *result,
+[[nodiscard]] int MipQuality(TVXenv *env, const ModelBody *body, const double *x, Quality *result,
                              QualityWarnings warnings);
 
 // Largest magnitude of a member outside the window of one (type 1) or two adjacent (type 2)

@@ -45,7 +45,7 @@ static void judge(const Stand &s, Quality *result)
 }
 
 // The multipliers in the body's form. 0 or OUT_OF_MEMORY.
-static int body_duals(const ModelBody *body, const LpPoint &point, Array<double> *pi)
+static int body_duals(const ModelBody *body, const JudgedPoint &point, Array<double> *pi)
 {
     TRY(array_copy(pi, point.pi, body->numconstrs));
     if (point.signs == PointSigns::CALLER)
@@ -54,7 +54,7 @@ static int body_duals(const ModelBody *body, const LpPoint &point, Array<double>
     return 0;
 }
 
-static void row_residuals(const ModelBody *body, const LpPoint &point,
+static void row_residuals(const ModelBody *body, const JudgedPoint &point,
                           const RowActivity &rows, const QualityScale &scale,
                           Quality *result)
 {
@@ -94,7 +94,7 @@ static long double reduced_cost(const ModelBody *body, const double *pi, int j)
     return d;
 }
 
-static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &point,
+static void var_duals(const TVXenv *env, const ModelBody *body, const JudgedPoint &point,
                       const double *pi, const QualityScale &scale, Quality *result)
 {
     const int sign = point.signs == PointSigns::CALLER ? body->sense : 1; // of point.rc
@@ -118,7 +118,7 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const LpPoint &p
     }
 }
 
-int LpQuality(TVXenv *env, const ModelBody *body, const LpPoint &point,
+int LpQuality(TVXenv *env, const ModelBody *body, const JudgedPoint &point,
               const QualityScale &scale, Quality *result)
 {
     RowActivity rows;

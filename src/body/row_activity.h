@@ -1,6 +1,6 @@
 // row_activity.h -- activity of every row at a point, summed more exactly than solvers do
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
 
 struct RowActivity {
     Array<long double> sum; // [numconstrs] a_i x in the body's form ('>' rows negated)

@@ -5,7 +5,7 @@
 //          form, where a row is "at most" or an equation: at most plus infinity asks for nothing; at most minus infinity
 //          asks for what no point has, and so does an equation with either.
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
 
 inline char counted_sense(char sense)
 {

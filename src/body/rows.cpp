@@ -1,9 +1,9 @@
-// model_rows.cpp -- the row-wise copy of the matrix
+// rows.cpp -- the row-wise copy of the matrix
 //
 // Counting sort by row; columns are walked in order, so that each row lists its columns in
 // increasing order. Built when first needed, dropped by the next update that changes content.
 // Cost: O(rows + columns + entries).
-#include "model/model_store.h"
+#include "body/body.h"
 
 int body_build_rows(ModelBody *body)
 {

@@ -1,6 +1,6 @@
 // signs.h -- between the body's form and the caller's: minimise and "at most" inside, as given outside
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
 
 // -1 for a row that the body holds negated, else 1.
 inline int row_sign(const ModelBody *body, int i)

@@ -1,29 +1,29 @@
 // callback.cpp -- calls the caller's callback function
 //
-// Invariant   The model's callback_thread is set exactly while the function runs, so that calls which it makes on the
+// Invariant   The word behind `thread` is set exactly while the function runs, so that calls which it makes on the
 //             model pass the model check although the model is busy. Calls may nest: a line that is logged while the
-//             function runs is delivered by another call, after which the state of the outer one stands again.
+//             function runs is delivered by another call, after which the source of the outer one stands again.
 #include "env/callback.h"
 #include "runtime/text_number.h"
 
-static void call(TVXenv *env, int where, const CallbackState &state)
+static void call(TVXenv *env, int where, const CallbackSource &source)
 {
     CallbackRecord *record = env->cb_record;
-    const CallbackState outer_state = record->state;
-    const uintptr_t outer = flag_load(&record->model->callback_thread);
-    record->state = state;
-    flag_store(&record->model->callback_thread, ThreadSelf());
+    const CallbackSource outer_source = record->source;
+    const uintptr_t outer = flag_load(record->thread);
+    record->source = source;
+    flag_store(record->thread, ThreadSelf());
     const int code = env->cb_active(record->model, record, where, record->usrdata);
-    flag_store(&record->model->callback_thread, outer);
-    record->state = outer_state;
+    flag_store(record->thread, outer);
+    record->source = outer_source;
     if (code == 0) return;
-    if (env->callback_code == 0) env->callback_code = code;
+    if (record->code == 0) record->code = code;
     flag_store(env->terminate_ptr, 1);
 }
 
-void callback_call(TVXenv *env, int where, const CallbackState &state)
+void callback_call(TVXenv *env, int where, const CallbackSource &source)
 {
-    if (env->cb_record && !env_stop_requested(env)) call(env, where, state);
+    if (env->cb_record && !env_stop_requested(env)) call(env, where, source);
 }
 
 void callback_message(TVXenv *env, const char *format, va_list arguments)
@@ -32,6 +32,6 @@ void callback_message(TVXenv *env, const char *format, va_list arguments)
     if (!env->cb_active || !record || record->in_message) return;
     text_format_v(record->message, sizeof record->message, format, arguments);
     record->in_message = 1;
-    call(env, TVX_WHERE_MESSAGE, CallbackState());
+    call(env, TVX_WHERE_MESSAGE, CallbackSource());
     record->in_message = 0;
 }

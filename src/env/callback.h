@@ -1,43 +1,54 @@
 // callback.h -- CallbackRecord, what the caller's callback function is given, and the calls of that function
 //
 // The record belongs to one environment, that of a model; env_free releases it. A private copy of the environment has
-// none, so that worker threads and inner solves never enter the caller's function. A reduced model shares the environment
-// of its model, and so its callback.
+// none, so that worker threads and inner solves never enter the caller's function. The solver that works on a reduced
+// model uses the environment of the model, and so its callback.
 #pragma once
-#include "model/model.h"
+#include "env/env.h"
 #include <cstdarg>
-
-struct PresolveWork; // presolve/work.h
 
 static constexpr uint32_t CALLBACK_MAGIC = 0x28bf7dc5;
 
-// What is at work when the function is called. Null where it is something else.
-struct CallbackState {
-    const sopt *simplex = nullptr;
-    const PresolveWork *presolve = nullptr;
+// The solver at work when the function is called answers its questions: sets *result and returns 0, or
+// TVX_ERROR_CALLBACK. Both null where there is nothing to ask.
+struct CallbackSource {
+    const void *solver = nullptr;
+    int (*answer)(const void *solver, int what, void *result) = nullptr;
 };
 
 struct CallbackRecord {
-    uint32_t magic;  // CALLBACK_MAGIC while alive, 0 after; the first word
-    TVXmodel *model; // whose environment this is; not owned
-    CallbackState state;
+    uint32_t magic;    // CALLBACK_MAGIC while alive, 0 after; the first word
+    TVXmodel *model;   // handed to the function; not owned
+    uintptr_t *thread; // the model's word for the thread that runs the function
+    CallbackSource source;
     void *usrdata; // the caller's, handed back on every call
+    int code;      // what the function returned in this solve, if not 0: the first
     int in_message; // a message is being delivered: what is printed meanwhile is not delivered too
     char message[MESSAGE_LENGTH + 1]; // the text of the message being delivered
 };
+
+// A solve begins; what the function has returned in it.
+inline void callback_open(TVXenv *env)
+{
+    if (env->cb_record) env->cb_record->code = 0;
+}
+inline int callback_code(const TVXenv *env)
+{
+    return env->cb_record ? env->cb_record->code : 0;
+}
 
 // Delivers a message to the caller's function, if there is one.
 void callback_message(TVXenv *env, const char *format, va_list arguments) TVX_PRINTF(2, 0);
 
 // Calls the caller's function, but not once the solve has been asked to stop. A result other than 0 asks it to stop, and
 // becomes the code of TVXoptimize.
-void callback_call(TVXenv *env, int where, const CallbackState &state);
+void callback_call(TVXenv *env, int where, const CallbackSource &source);
 
 // A solve inside another one has nothing of its own to show: the outer one's function is called as from a long loop.
-inline void callback_poll(TVXenv *env, int where, const CallbackState &state)
+inline void callback_poll(TVXenv *env, int where, const CallbackSource &source)
 {
     if (env->cb_active)
-        callback_call(env, where, state);
+        callback_call(env, where, source);
     else if (env->outer && env->outer->cb_active)
-        callback_call(env->outer, TVX_WHERE_POLLING, CallbackState());
+        callback_call(env->outer, TVX_WHERE_POLLING, CallbackSource());
 }

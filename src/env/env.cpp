@@ -107,8 +107,8 @@ static void release(TVXenv *master)
 void env_free(TVXenv *env)
 {
     if (!env || env->magic != ENV_MAGIC) return;
-    close_log(env);
-    if (env->cb_record) {
+    if (!env->borrows) close_log(env);
+    if (env->cb_record && !env->borrows) {
         memset(env->cb_record, 0,
                sizeof(uint32_t)); // its magic: a caller may still hold the pointer
         MemFree(env->cb_record);
@@ -186,6 +186,7 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
     copy->cb_active = nullptr;
     copy->outer = nullptr;
     copy->is_master = 0;
+    copy->borrows = 0;
     copy->log_file = nullptr;
     if (log == LogReopen::NO) env_write_no_files(copy);
     flag_store(&source->model_copies, 1);
@@ -197,6 +198,27 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
             error_clear(copy);
         }
     *copy_out = copy;
+    return 0;
+}
+
+int env_variant(TVXenv **variant_out, TVXenv *env)
+{
+    TRY(env_copy(variant_out, env, LogReopen::NO));
+    TVXenv *variant = *variant_out;
+    variant->borrows = 1;
+    variant->log_file = env->log_file;
+    variant->cb_active = env->cb_active;
+    variant->cb_record = env->cb_record;
+    variant->outer = env->outer;
+    return 0;
+}
+
+int env_inner(TVXenv **inner_out, TVXenv *outer)
+{
+    TRY(env_copy(inner_out, outer, LogReopen::NO));
+    (*inner_out)->outer = outer;
+    (*inner_out)->OutputFlag = 0;
+    (*inner_out)->quiet_solve = 1;
     return 0;
 }
 

@@ -10,6 +10,7 @@
 #include "runtime/array.h"
 #include "runtime/thread.h"
 #include "tarvex.h"
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 
@@ -21,6 +22,9 @@ static constexpr double INFINITE_VALUE =
 static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is stored
 static constexpr double UNDEFINED_VALUE =
     1e100; // no incumbent; an infinite bound as attributes report it
+
+// Values of the parameter LPMethod.
+enum LpMethod { LP_PRIMAL_SIMPLEX = 0, LP_DUAL_SIMPLEX = 1, LP_BARRIER = 2 };
 
 struct ParameterTable; // parameters.h
 struct CallbackRecord; // callback.h
@@ -46,7 +50,7 @@ struct TVXenv {
     FILE *log_file;         // own stream, or null
     int quiet_solve;        // the model is solved as an inner step: no closing lines
     TVXcallback cb_active;  // the caller's callback function, or null
-    int callback_code;      // what it returned in this solve, if not 0: the first
+    int borrows;            // log and callback record belong to another environment
     CallbackRecord
         *cb_record; // one block, owned; its first word is set to 0 before it is freed
     TVXenv
@@ -76,6 +80,12 @@ enum class LogReopen { NO, YES };
 // warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the
 // solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
+// The environment of a solve inside another one: silent, without files and callback record; it stops when the outer one
+// is asked to, and long loops call the outer one's callback function. What differs else is set in it. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int env_inner(TVXenv **inner_out, TVXenv *outer);
+// A copy for a solve with other parameter values: log, callback function and stop flag are those of `env`, which has to
+// outlive it. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int env_variant(TVXenv **variant_out, TVXenv *env);
 // For the copy of a derived model or an inner solve: the files that parameters ask for (ResultFile, TARV_PAR_DUMP) are
 // those of the caller's own model.
 void env_write_no_files(TVXenv *copy);
@@ -98,11 +108,10 @@ inline bool env_stop_requested(const TVXenv *env)
 enum class Report { KEEP_FIRST, FORCE };
 // Records code and text and returns code; code 0 does nothing.
 int fail(TVXenv *env, int code, Report report, const char *format, ...) TVX_PRINTF(4, 5);
-int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)
-    TVX_PRINTF(4, 5);
+int fail_v(TVXenv *env, int code, Report report, const char *format, va_list arguments)
+    TVX_PRINTF(4, 0);
 // The end of every exported function: completes the message for `code` and returns it.
 int finish(TVXenv *env, int code);
-int finish_model(TVXmodel *model, int code);
 // NaN and infinities in data from a caller. 0 or TVX_ERROR_INVALID_ARGUMENT; a null array or n < 1 passes.
 int check_value(TVXenv *env, double value);
 int check_values(TVXenv *env, int64_t n, const double *values);

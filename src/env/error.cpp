@@ -7,10 +7,8 @@
 //             may fail at the same time: writers take turns.
 // Invariant   errmsg is terminated within MESSAGE_LENGTH + 1 bytes at every moment.
 #include "env/env.h"
-#include "model/model.h"
 #include "runtime/text_number.h"
 #include <bit>
-#include <cstdarg>
 #include <cstring>
 
 // The text of a code for which nothing more specific was recorded, or null.
@@ -93,22 +91,18 @@ static void record(TVXenv *env, int code, Report report, const char *format,
     message_unlock(env);
 }
 
-int fail(TVXenv *env, int code, Report report, const char *format, ...)
+int fail_v(TVXenv *env, int code, Report report, const char *format, va_list arguments)
 {
     if (code == 0 || !env_alive(env) || (env->err_hold && env->errmsg[0])) return code;
-    va_list arguments;
-    va_start(arguments, format);
     record(env, code, report, format, arguments);
-    va_end(arguments);
     return code;
 }
 
-int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)
+int fail(TVXenv *env, int code, Report report, const char *format, ...)
 {
-    if (code == 0 || !model || !env_alive(model->env) || model->env->err_hold) return code;
     va_list arguments;
     va_start(arguments, format);
-    record(model->env, code, report, format, arguments);
+    fail_v(env, code, report, format, arguments);
     va_end(arguments);
     return code;
 }
@@ -128,11 +122,6 @@ int finish(TVXenv *env, int code)
         text_format(env->errmsg, MESSAGE_LENGTH + 1, "Error number %d", code);
     message_unlock(env);
     return code;
-}
-
-int finish_model(TVXmodel *model, int code)
-{
-    return model && model->magic == MODEL_MAGIC ? finish(model->env, code) : code;
 }
 
 // All ones in the exponent, by the bits: no comparison can be optimised away.

@@ -9,24 +9,22 @@
 //               SB      column        superbasic, said of columns that are not free
 //             Lines with other keys, and lines that do not begin with a blank, are skipped; E ends the file.
 // Names       With blanks in names the places of two names are found by trying which split gives two known names.
-// Invariant   The basis is set only when all of the file was understood.
+// Invariant   Statuses come out only when all of the file was understood.
 // Literature  B. A. Murtagh, M. A. Saunders, "MINOS 5.5 User's Guide", 1998, section 5 (basis files).
 #include "files/file_names.h"
 #include "files/files.h"
 #include "files/text_file.h"
 #include "files/text_out.h"
-#include "model/model.h"
-#include "model/warm_start.h"
 
-static bool is_free(const TVXmodel *model, int j)
+static bool is_free(const ModelBody *body, const TVXenv *env, int j)
 {
-    const double infinite = infinite_bound(model->env);
-    return model->body->lb.data[j] <= -infinite && model->body->ub.data[j] >= infinite;
+    const double infinite = infinite_bound(env);
+    return body->lb.data[j] <= -infinite && body->ub.data[j] >= infinite;
 }
 
-static int default_status(const TVXmodel *model, int j)
+static int default_status(const ModelBody *body, const TVXenv *env, int j)
 {
-    return is_free(model, j) ? TVX_SUPERBASIC : TVX_NONBASIC_LOWER;
+    return is_free(body, env, j) ? TVX_SUPERBASIC : TVX_NONBASIC_LOWER;
 }
 
 // The names of both kinds, and a status of every column and row in the caller's form.
@@ -35,9 +33,8 @@ struct BasisWork {
     Array<int> vbasis, cbasis;
 };
 
-static int work_make(const TVXmodel *model, BasisWork *work)
+static int work_make(const ModelBody *body, BasisWork *work)
 {
-    const ModelBody *body = model->body;
     TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, false));
     TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, false));
     // Both in one width; whether own names differ from the numbered ones depends on it.
@@ -50,13 +47,6 @@ static int work_make(const TVXmodel *model, BasisWork *work)
 }
 
 // ---- Writing ----
-
-// Says more than that an attribute is missing.
-static int no_basis(TVXmodel *model, int error)
-{
-    return fail_model(model, error, Report::FORCE,
-                      "Unable to retrieve basis for current model");
-}
 
 // Some basis of the model, with as many basic columns as nonbasic rows.
 static bool is_balanced(const BasisWork *work)
@@ -89,9 +79,9 @@ static const char *key_of(int status)
     return status == TVX_SUPERBASIC ? " SB " : " LL ";
 }
 
-static void write_basis(const TVXmodel *model, const BasisWork *work, TextOut *out)
+static void write_lines(const ModelBody *body, const TVXenv *env, const BasisWork *work,
+                        TextOut *out)
 {
-    const ModelBody *body = model->body;
     char buffer[FILE_NAME_LENGTH];
     text_out(out, "NAME ");
     if (body->modelname) text_out_line(out, body->modelname);
@@ -103,7 +93,7 @@ static void write_basis(const TVXmodel *model, const BasisWork *work, TextOut *o
     write_pairs(work, out);
     for (int j = 0; j < work->vbasis.size; j++) {
         const int status = work->vbasis.data[j];
-        if (status == TVX_BASIC || status == default_status(model, j)) continue;
+        if (status == TVX_BASIC || status == default_status(body, env, j)) continue;
         text_out(out, key_of(status));
         text_out_padded(out, file_name(&work->vars, j, buffer));
         text_out(out, "\n");
@@ -111,49 +101,35 @@ static void write_basis(const TVXmodel *model, const BasisWork *work, TextOut *o
     text_out(out, "ENDATA\n");
 }
 
-int basis_write_statuses(TVXmodel *model, const int *vbasis, const int *cbasis,
-                         const char *file_name)
+int basis_write(const ModelBody *body, TVXenv *env, const int *vbasis, const int *cbasis,
+                const char *file_name)
 {
     BasisWork work;
-    TRY(work_make(model, &work));
+    TRY(work_make(body, &work));
     TRY(array_copy(&work.vbasis, vbasis, work.vbasis.size));
     TRY(array_copy(&work.cbasis, cbasis, work.cbasis.size));
-    if (!is_balanced(&work)) return no_basis(model, TVX_ERROR_DATA_NOT_AVAILABLE);
+    if (!is_balanced(&work)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     TextOut out;
-    TRY(text_out_open(&out, model->env, file_name));
-    write_basis(model, &work, &out);
+    TRY(text_out_open(&out, env, file_name));
+    write_lines(body, env, &work, &out);
     return text_out_close(&out);
-}
-
-int basis_write(TVXmodel *model, const char *file_name)
-{
-    const int n = model->body->numvars;
-    const int m = model->body->numconstrs;
-    Array<int> vbasis;
-    Array<int> cbasis;
-    TRY(array_resize(&vbasis, n));
-    TRY(array_resize(&cbasis, m));
-    int error = n ? TVXgetintattrarray(model, "VBasis", 0, n, vbasis.data) : 0;
-    if (!error && m) error = TVXgetintattrarray(model, "CBasis", 0, m, cbasis.data);
-    if (error) return no_basis(model, error);
-    return basis_write_statuses(model, vbasis.data, cbasis.data, file_name);
 }
 
 // ---- Reading ----
 
 struct BasisReader {
-    TVXmodel *model;
+    TVXenv *env;
     BasisWork work;
     FileNameIndex vars, constrs;
 };
 
-static int unknown_name(TVXmodel *model, const char *kind, TextSpan name)
+static int unknown_name(TVXenv *env, const char *kind, TextSpan name)
 {
     static constexpr int SHOWN = 80;
     char shown[SHOWN];
     text_printable(shown, SHOWN, name);
-    TVXmsg(model->env, "Error: %s name %s doesn't exist\n", kind, shown);
-    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+    TVXmsg(env, "Error: %s name %s doesn't exist\n", kind, shown);
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                       "MPS reader: %s name %s doesn't exist\n", kind, shown);
 }
 
@@ -192,9 +168,9 @@ static int pair_line(BasisReader *reader, TextSpan names)
     TextSpan row;
     split_names(reader, names, &column, &row);
     const int j = find_column(reader, column);
-    if (j < 0) return unknown_name(reader->model, "variable", column);
+    if (j < 0) return unknown_name(reader->env, "variable", column);
     const int i = find_row(reader, row);
-    if (i < 0) return unknown_name(reader->model, "row", row);
+    if (i < 0) return unknown_name(reader->env, "row", row);
     reader->work.vbasis.data[j] = TVX_BASIC;
     reader->work.cbasis.data[i] = TVX_NONBASIC_LOWER;
     return 0;
@@ -208,7 +184,7 @@ static int column_line(BasisReader *reader, TextSpan name, int status)
         name.end = skip_word(name.begin, name.end);
         j = find_column(reader, name);
     }
-    if (j < 0) return unknown_name(reader->model, "variable", name);
+    if (j < 0) return unknown_name(reader->env, "variable", name);
     reader->work.vbasis.data[j] = status;
     return 0;
 }
@@ -237,11 +213,11 @@ static int take_line(BasisReader *reader, TextSpan line)
     }
 }
 
-static int binary_file(TVXmodel *model, const char *file_name, long long line)
+static int binary_file(TVXenv *env, const char *file_name, long long line)
 {
-    TVXmsg(model->env, "Error: file %s is no text file: control character in line %lld\n",
+    TVXmsg(env, "Error: file %s is no text file: control character in line %lld\n",
            file_name, line);
-    return fail_model(model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                       "File %s is no text file: control character in line %lld\n",
                       file_name, line);
 }
@@ -252,11 +228,11 @@ static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text
     for (;;) {
         const TextStep step = text_next(text, &line);
         if (step == TextStep::END) {
-            TVXmsg(reader->model->env, "Warning: no ENDATA in file %s\n", file_name);
+            TVXmsg(reader->env, "Warning: no ENDATA in file %s\n", file_name);
             return 0;
         }
         if (step == TextStep::BINARY)
-            return binary_file(reader->model, file_name, text->line);
+            return binary_file(reader->env, file_name, text->line);
         if (span_empty(line)) continue;
         const char first = *line.begin;
         if (first == 'E' || first == 'e') return 0;
@@ -264,36 +240,30 @@ static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text
     }
 }
 
-static int reader_make(TVXmodel *model, BasisReader *reader)
+static int reader_make(const ModelBody *body, TVXenv *env, BasisReader *reader)
 {
     BasisWork *work = &reader->work;
-    reader->model = model;
-    TRY(work_make(model, work));
+    reader->env = env;
+    TRY(work_make(body, work));
     for (int j = 0; j < work->vbasis.size; j++)
-        work->vbasis.data[j] = default_status(model, j);
+        work->vbasis.data[j] = default_status(body, env, j);
     for (int &status : work->cbasis) status = TVX_BASIC;
     TRY(file_index_make(&reader->vars, &work->vars));
     return file_index_make(&reader->constrs, &work->constrs);
 }
 
-// The basis is judged at once, as by an update, but queued changes stay queued. From a callback it waits for the update.
-static int set_basis(TVXmodel *model, const BasisWork *work)
+int basis_read(const ModelBody *body, TVXenv *env, const char *file_name, BasisCodes *codes)
 {
-    TRY(TVXsetintattrarray(model, "VBasis", 0, model->body->numvars, work->vbasis.data));
-    TRY(TVXsetintattrarray(model, "CBasis", 0, model->body->numconstrs, work->cbasis.data));
-    if (!model_is_occupied(model)) warm_start_validate(model);
-    return 0;
-}
-
-int basis_read(TVXmodel *model, const char *file_name)
-{
-    if (!model->body->numvars || !model->body->numconstrs) return 0;
+    if (!body->numvars || !body->numconstrs) return 0;
     TextFile text;
-    TRY(text_load_failed(model->env, file_name, text_load(file_name, &text)));
+    TRY(text_load_failed(env, file_name, text_load(file_name, &text)));
     BasisReader reader{};
-    int error = reader_make(model, &reader);
+    int error = reader_make(body, env, &reader);
     if (!error) error = walk_lines(&reader, file_name, &text);
-    if (!error) error = set_basis(model, &reader.work);
+    if (!error) {
+        codes->vbasis = static_cast<Array<int> &&>(reader.work.vbasis);
+        codes->cbasis = static_cast<Array<int> &&>(reader.work.cbasis);
+    }
     file_index_free(&reader.vars);
     file_index_free(&reader.constrs);
     return error;

@@ -4,7 +4,6 @@
 //             the variable is taken, an underscore follows it, and perhaps a number.
 #include "files/draft.h"
 #include "files/file_names.h"
-#include "model/model.h"
 #include <charconv>
 #include <climits>
 #include <cstring>
@@ -109,56 +108,4 @@ int draft_range(ModelDraft *draft, int i, double width)
     TRY(array_append(&columns->entry_row, i));
     TRY(array_append(&columns->entry_value, 1.0));
     return array_append(&draft->vbeg, static_cast<int>(columns->entry_row.size));
-}
-
-// ---- The model ----
-
-static int create(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
-{
-    const DraftColumns *columns = &draft->columns;
-    Array<const char *> varnames;
-    TRY(array_reserve(&varnames, columns->names.entries.size));
-    for (const TableName &name : columns->names.entries) array_push(&varnames, name.text);
-    const ModelData model_data = {
-        .name = draft->name,
-        .numvars = static_cast<int>(columns->names.entries.size),
-        .numconstrs = static_cast<int>(draft->rhs.size),
-        .sense = draft->sense,
-        .objcon = draft->objcon,
-        .obj = columns->obj.data,
-        .senses = draft->row_sense.data,
-        .rhs = draft->rhs.data,
-        .vbeg = draft->vbeg.data,
-        .vind = columns->entry_row.data,
-        .vval = columns->entry_value.data,
-        .lb = columns->lb.data,
-        .ub = columns->ub.data,
-        .vtype = columns->type.data,
-        .varnames = varnames.data,
-        .constrnames = draft->row_names.data,
-    };
-    return model_create(env, EnvUse::PRIVATE_COPY, &model_data, model_out);
-}
-
-static int add_sets(const DraftSets *sets, TVXmodel *model)
-{
-    if (!sets->type.size) return 0;
-    TRY(TVXaddsos(model, static_cast<int>(sets->type.size),
-                  static_cast<int>(sets->member.size), sets->type.data, sets->begin.data,
-                  sets->member.data, sets->weight.data));
-    return TVXupdatemodel(model);
-}
-
-int draft_model(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out)
-{
-    TVXmodel *model = nullptr;
-    *model_out = nullptr;
-    int error = create(env, draft, &model);
-    if (!error) error = add_sets(&draft->sets, model);
-    if (error) {
-        model_free(model);
-        return error;
-    }
-    *model_out = model;
-    return 0;
 }

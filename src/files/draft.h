@@ -1,7 +1,7 @@
 // draft.h -- ModelDraft, a model in the making: what the readers of model files collect
 //
 // Columns and sets grow while a file is read. When it is read to its end, the reader settles the matrix by columns and
-// the rows, adds the variables of ranges, and draft_model makes the model.
+// the rows and adds the variables of ranges.
 #pragma once
 #include "files/name_table.h"
 #include "files/text_file.h"
@@ -62,5 +62,3 @@ inline int draft_find(const ModelDraft *draft, TextSpan name) // or NAME_ABSENT
 // Makes settled row i, whose rhs is the upper side, a range of that width: an equation with one more variable between 0
 // and the width, called "Rg" and the row's name. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int draft_range(ModelDraft *draft, int i, double width);
-// The model of a settled draft. 0 or a code; *model_out is null on failure.
-[[nodiscard]] int draft_model(TVXenv *env, const ModelDraft *draft, TVXmodel **model_out);

@@ -1,7 +1,7 @@
 // file_names.h -- FileNames, the names under which files know the variables or the constraints of a model
 #pragma once
+#include "body/body.h"
 #include "files/name_table.h"
-#include "model/model.h"
 #include "runtime/text_pool.h"
 
 enum class FileNameKind : char { VARIABLE = 'C', CONSTRAINT = 'R' };

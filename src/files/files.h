@@ -1,28 +1,43 @@
 // files.h -- the face of src/files: models and what belongs to them as text files
 //
-// All of these take a checked environment or model and record the message of a failure; the codes are those of the
-// public header. A file that cannot be written completely is removed again where that is possible.
+// Readers fill plain data; writers take a body. All of these take a checked environment and record the message of a
+// failure in it; the codes are those of the public header. A file that cannot be written completely is removed again where
+// that is possible.
 #pragma once
-#include "tarvex.h"
+#include "body/body.h"
+#include "files/draft.h"
 
-// A model from an MPS file, plain or compressed. *model_out is null on failure.
-[[nodiscard]] int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out);
+// A model from an MPS file, plain or compressed, as a settled draft: the caller frees it, also after a failure.
+[[nodiscard]] int mps_read(TVXenv *env, const char *file_name, ModelDraft *draft);
 enum class WriteNames { OWN, NUMBERED };
-[[nodiscard]] int mps_write(TVXmodel *model, const char *file_name, WriteNames names);
-// Likewise in the LP format.
-[[nodiscard]] int lp_read(TVXenv *env, const char *file_name, TVXmodel **model_out);
-[[nodiscard]] int lp_write(TVXmodel *model, const char *file_name, WriteNames names);
+[[nodiscard]] int mps_write(const ModelBody *body, TVXenv *env, const char *file_name,
+                            WriteNames names);
 
-// Sets VBasis and CBasis. Contents that cannot be understood leave the basis as it was and their message recorded; the
-// code is TVX_ERROR_FILE_READ.
-[[nodiscard]] int basis_read(TVXmodel *model, const char *file_name);
-[[nodiscard]] int basis_write(TVXmodel *model, const char *file_name);
-// Any basis in the form of the attributes, with as many basic columns as rows that are not.
-[[nodiscard]] int basis_write_statuses(TVXmodel *model, const int *vbasis,
-                                       const int *cbasis, const char *file_name);
+// Likewise in the LP format; writing needs the rows of the body (body_build_rows).
+[[nodiscard]] int lp_read(TVXenv *env, const char *file_name, ModelDraft *draft);
+[[nodiscard]] int lp_write(const ModelBody *body, TVXenv *env, const char *file_name,
+                           WriteNames names);
 
-// Sets Start of the variables that the file names; all or none.
-[[nodiscard]] int mip_start_read(TVXmodel *model, const char *file_name);
-[[nodiscard]] int mip_start_write(TVXmodel *model, const char *file_name);
+// Statuses in the form of the attributes VBasis [numvars] and CBasis [numconstrs]; empty on failure.
+struct BasisCodes {
+    Array<int> vbasis, cbasis;
+};
+[[nodiscard]] int basis_read(const ModelBody *body, TVXenv *env, const char *file_name,
+                             BasisCodes *codes);
+// Any basis with as many basic columns as rows that are not.
+[[nodiscard]] int basis_write(const ModelBody *body, TVXenv *env, const int *vbasis,
+                              const int *cbasis, const char *file_name);
 
-[[nodiscard]] int solution_write(TVXmodel *model, const char *file_name);
+// Values of the variables that a MIP start names; nothing on failure.
+struct StartValues {
+    Array<int> var;
+    Array<double> value;
+};
+[[nodiscard]] int mip_start_read(const ModelBody *body, TVXenv *env, const char *file_name,
+                                 StartValues *values);
+[[nodiscard]] int mip_start_write(const ModelBody *body, TVXenv *env, const double *x,
+                                  const char *file_name);
+
+// comment: a further line at the head, or "".
+[[nodiscard]] int solution_write(const ModelBody *body, TVXenv *env, const double *x,
+                                 const char *comment, const char *file_name);

@@ -10,6 +10,7 @@
 #include "files/lp_names.h"
 #include "runtime/text_number.h"
 #include <climits>
+#include <utility>
 
 // ---- Failures and warnings ----
 
@@ -164,28 +165,27 @@ static int parse(LpReader *reader)
     return lp_stop_here(reader, "");
 }
 
-static int read_loaded(TVXenv *env, LpReader *reader, TVXmodel **model_out)
+static int read_loaded(TVXenv *env, LpReader *reader)
 {
     TRY(draft_open(&reader->draft));
     lp_start(reader);
     TRY(parse(reader));
-    return lp_build(env, reader, model_out);
+    return lp_build(env, reader);
 }
 
-int lp_read(TVXenv *env, const char *file_name, TVXmodel **model_out)
+int lp_read(TVXenv *env, const char *file_name, ModelDraft *draft)
 {
-    *model_out = nullptr;
     LpReader reader;
     int error = 0;
     if (const TextLoad result = text_load(file_name, &reader.text); result != TextLoad::OK)
         error = text_load_failed(env, file_name, result);
     else
-        error = read_loaded(env, &reader, model_out);
+        error = read_loaded(env, &reader);
     if (error == OUT_OF_MEMORY) report_memory(env);
     if (error == TVX_ERROR_FILE_READ && reader.failure.at.begin) {
         lp_warnings_show(&reader, env);
         report(env, file_name, &reader);
     }
-    draft_free(&reader.draft);
+    *draft = std::exchange(reader.draft, ModelDraft{});
     return error;
 }

@@ -147,6 +147,6 @@ double lp_signs(LpReader *reader, bool *any);
 
 // ---- lp_build.cpp ----
 // The model of a reader that came to the end; frees the text on the way. 0 or a code.
-[[nodiscard]] int lp_build(TVXenv *env, LpReader *reader, TVXmodel **model_out);
+[[nodiscard]] int lp_build(TVXenv *env, LpReader *reader);
 // Writes the warnings to the log. The text of the file must still be there.
 void lp_warnings_show(const LpReader *reader, TVXenv *env);

@@ -16,8 +16,6 @@
 #include "files/files.h"
 #include "files/lp_names.h"
 #include "files/text_out.h"
-#include "model/model.h"
-#include "model/pending.h"
 #include "runtime/text_number.h"
 #include <cstring>
 
@@ -323,20 +321,15 @@ static void write_all(LpWriter *writer)
     text_out(&writer->out, "End\n");
 }
 
-int lp_write(TVXmodel *model, const char *file_name, WriteNames names)
+int lp_write(const ModelBody *body, TVXenv *env, const char *file_name, WriteNames names)
 {
     LpWriter writer;
-    writer.body = model->body;
-    TRY(choose_names(model->env, &writer, names));
-    TRY(body_build_rows(model->body));
-    writer.n_listed = count_listed(model->body);
-    if (model_has_pending(model)) {
-        TVXmsg(model->env, "Warning: model has pending changes.\n");
-        TVXmsg(model->env, "File '%s' does not contain these changes.\n", file_name);
-    }
-    const int error = text_out_open(&writer.out, model->env, file_name);
+    writer.body = body;
+    TRY(choose_names(env, &writer, names));
+    writer.n_listed = count_listed(body);
+    const int error = text_out_open(&writer.out, env, file_name);
     if (error == TVX_ERROR_FILE_WRITE)
-        TVXmsg(model->env, "Unable to write to file '%s'\n", file_name);
+        TVXmsg(env, "Unable to write to file '%s'\n", file_name);
     if (error) return error;
     write_all(&writer);
     return text_out_close(&writer.out);

@@ -3,18 +3,17 @@
 // Form        A line for each variable: name and value. Lines that begin with '#' are comments. The name is all before
 //             the last field when that is a name of the model (it may hold blanks), else the first field.
 //             A variable whose name begins like a comment goes by its number.
-// Invariant   Start is set for all variables that the file names, or, on failure, for none.
+// Invariant   Values come out for all variables that the file names, or, on failure, for none.
 #include "files/file_names.h"
 #include "files/file_number.h"
 #include "files/files.h"
 #include "files/text_file.h"
 #include "files/text_out.h"
-#include "model/model.h"
 #include "runtime/text_number.h"
 
-static int problem(TVXmodel *model, int error)
+static int problem(TVXenv *env, int error)
 {
-    return fail_model(model, error, Report::KEEP_FIRST, "Problem reading MIP start");
+    return fail(env, error, Report::KEEP_FIRST, "Problem reading MIP start");
 }
 
 static bool is_no_comment(const char *name)
@@ -22,20 +21,19 @@ static bool is_no_comment(const char *name)
     return *name != '#';
 }
 
-static int choose_names(const TVXmodel *model, FileNames *names)
+static int choose_names(const ModelBody *body, FileNames *names)
 {
-    return file_names_choose(names, model->body, FileNameKind::VARIABLE, true,
+    return file_names_choose(names, body, FileNameKind::VARIABLE, true,
                              is_no_comment);
 }
 
 // ---- Reading ----
 
 struct StartReader {
-    TVXmodel *model;
+    TVXenv *env;
     FileNames names;
     FileNameIndex index;
-    Array<int> var;
-    Array<double> value;
+    StartValues *values;
     int64_t n_unknown; // names the model does not have
 };
 
@@ -44,9 +42,9 @@ static int bad_line(StartReader *reader, int64_t number, TextSpan line)
     static constexpr int SHOWN = 128;
     char shown[SHOWN];
     text_printable(shown, SHOWN, line);
-    TVXmsg(reader->model->env, "Error at line %lld of MIP start:\n%s\n",
+    TVXmsg(reader->env, "Error at line %lld of MIP start:\n%s\n",
            static_cast<long long>(number), shown);
-    return fail_model(reader->model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+    return fail(reader->env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                       "MIP start: name and value expected at line %lld:\n%s",
                       static_cast<long long>(number), shown);
 }
@@ -58,7 +56,7 @@ static int unknown_variable(StartReader *reader, TextSpan name)
     char shown[SHOWN];
     text_printable(shown, SHOWN, name);
     if (reader->n_unknown++ < UNKNOWN_SHOWN)
-        TVXmsg(reader->model->env, "Unknown variable '%s' in MIP start - ignored\n", shown);
+        TVXmsg(reader->env, "Unknown variable '%s' in MIP start - ignored\n", shown);
     return 0;
 }
 
@@ -82,8 +80,8 @@ static int start_line(StartReader *reader, int64_t number, TextSpan line)
     if (number_read(field, &value) != NumberKind::FINITE)
         return bad_line(reader, number, line);
     if (j < 0) return unknown_variable(reader, name);
-    TRY(array_append(&reader->var, j));
-    return array_append(&reader->value, value);
+    TRY(array_append(&reader->values->var, j));
+    return array_append(&reader->values->value, value);
 }
 
 static int walk_lines(StartReader *reader, TextFile *text)
@@ -93,50 +91,50 @@ static int walk_lines(StartReader *reader, TextFile *text)
         const TextStep step = text_next(text, &line);
         if (step == TextStep::END) break;
         if (step == TextStep::BINARY)
-            return fail_model(reader->model, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
+            return fail(reader->env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
                               "MIP start: control character in line %lld, this is no text "
                               "file",
                               static_cast<long long>(text->line));
         TRY(start_line(reader, text->line, line));
     }
     if (reader->n_unknown)
-        TVXmsg(reader->model->env, "%lld unknown variables in MIP start\n",
+        TVXmsg(reader->env, "%lld unknown variables in MIP start\n",
                static_cast<long long>(reader->n_unknown));
     return 0;
 }
 
-static int read_text(TVXmodel *model, TextFile *text)
+static int read_text(const ModelBody *body, TVXenv *env, TextFile *text, StartValues *values)
 {
     StartReader reader{};
-    reader.model = model;
-    TRY(choose_names(model, &reader.names));
+    reader.env = env;
+    reader.values = values;
+    TRY(choose_names(body, &reader.names));
     TRY(file_index_make(&reader.index, &reader.names));
-    int error = walk_lines(&reader, text);
-    if (!error && reader.var.size)
-        error = TVXsetdblattrlist(model, "Start", static_cast<int>(reader.var.size),
-                                  reader.var.data, reader.value.data);
+    const int error = walk_lines(&reader, text);
     file_index_free(&reader.index);
     return error;
 }
 
-int mip_start_read(TVXmodel *model, const char *file_name)
+int mip_start_read(const ModelBody *body, TVXenv *env, const char *file_name,
+                   StartValues *values)
 {
     TextFile text;
     const TextLoad result = text_load(file_name, &text);
     if (result == TextLoad::NOT_FOUND)
-        return fail_model(model, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
-                          "Unable to open file '%s' for input", file_name);
-    TRY(text_load_failed(model->env, file_name, result));
-    const int error = read_text(model, &text);
-    return error ? problem(model, error) : 0;
+        return fail(env, TVX_ERROR_INVALID_ARGUMENT, Report::KEEP_FIRST,
+                    "Unable to open file '%s' for input", file_name);
+    TRY(text_load_failed(env, file_name, result));
+    const int error = read_text(body, env, &text, values);
+    if (!error) return 0;
+    *values = StartValues{};
+    return problem(env, error);
 }
 
 // ---- Writing ----
 
-static void write_values(const TVXmodel *model, const FileNames *names, const double *x,
+static void write_values(const ModelBody *body, const FileNames *names, const double *x,
                          TextOut *out)
 {
-    const ModelBody *body = model->body;
     char name[FILE_NAME_LENGTH];
     char number[NUMBER_LENGTH];
     text_out(out, "# MIP start\n");
@@ -149,22 +147,13 @@ static void write_values(const TVXmodel *model, const FileNames *names, const do
     }
 }
 
-static int no_solution(TVXmodel *model, int error)
-{
-    TVXmsg(model->env, "No solution available to write to MIP start file\n");
-    return fail_model(model, error, Report::KEEP_FIRST, "Problem writing MIP start");
-}
-
-int mip_start_write(TVXmodel *model, const char *file_name)
+int mip_start_write(const ModelBody *body, TVXenv *env, const double *x,
+                    const char *file_name)
 {
     FileNames names;
-    Array<double> x;
-    TRY(choose_names(model, &names));
-    TRY(array_resize(&x, model->body->numvars));
-    if (const int error = TVXgetdblattrarray(model, "X", 0, model->body->numvars, x.data))
-        return no_solution(model, error);
+    TRY(choose_names(body, &names));
     TextOut out;
-    TRY(text_out_open(&out, model->env, file_name));
-    write_values(model, &names, x.data, &out);
+    TRY(text_out_open(&out, env, file_name));
+    write_values(body, &names, x, &out);
     return text_out_close(&out);
 }

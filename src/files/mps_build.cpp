@@ -5,9 +5,9 @@
 //             worker behind all new models.
 // Ranges      Of width 0 they are plain equations, infinite ones plain inequalities, others as in draft.cpp.
 // Memory      The text of the file is given back before the model is made.
+#include "body/body.h"
 #include "files/file_number.h"
 #include "files/mps_reader.h"
-#include "model/model.h"
 #include "runtime/text_number.h"
 #include <climits>
 #include <cmath>
@@ -245,14 +245,9 @@ static int settle(MpsReader *reader)
     return copy_model_name(reader);
 }
 
-int mps_build(TVXenv *env, MpsReader *reader, TVXmodel **model_out)
+int mps_build(TVXenv *env, MpsReader *reader)
 {
-    *model_out = nullptr;
-    int error = settle(reader); // fails only for want of memory
-    if (!error) {
-        mps_warnings_show(&reader->warnings, env);
-        reader->text = TextFile{};
-        error = draft_model(env, &reader->draft, model_out);
-    }
-    return error == OUT_OF_MEMORY ? out_of_memory(env) : error;
+    if (settle(reader)) return out_of_memory(env);
+    mps_warnings_show(&reader->warnings, env);
+    return 0;
 }

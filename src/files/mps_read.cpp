@@ -14,6 +14,7 @@
 #include "files/mps_reader.h"
 #include "runtime/text_number.h"
 #include <climits>
+#include <utility>
 
 // ---- Failures ----
 
@@ -384,25 +385,24 @@ static int report_memory(TVXenv *env)
     return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
 }
 
-static int read_loaded(TVXenv *env, MpsReader *reader, TVXmodel **model_out)
+static int read_loaded(TVXenv *env, MpsReader *reader)
 {
     const int error = parse(reader);
-    if (!error) return mps_build(env, reader, model_out);
+    if (!error) return mps_build(env, reader);
     if (error == OUT_OF_MEMORY) return report_memory(env);
     mps_warnings_show(&reader->warnings, env);
     return report(env, &reader->failure);
 }
 
-int mps_read(TVXenv *env, const char *file_name, TVXmodel **model_out)
+int mps_read(TVXenv *env, const char *file_name, ModelDraft *draft)
 {
-    *model_out = nullptr;
     MpsReader reader;
     if (const TextLoad result = text_load(file_name, &reader.text);
         result != TextLoad::OK) {
         const int error = text_load_failed(env, file_name, result);
         return error == OUT_OF_MEMORY ? report_memory(env) : error;
     }
-    const int error = read_loaded(env, &reader, model_out);
-    draft_free(&reader.draft);
+    const int error = read_loaded(env, &reader);
+    *draft = std::exchange(reader.draft, ModelDraft{});
     return error;
 }

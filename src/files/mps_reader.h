@@ -155,4 +155,4 @@ MpsBoundValue mps_bound_value(TextSpan type);
 
 // ---- mps_build.cpp ----
 // The model of a reader that came to the end; frees the text on the way. 0 or a code, with the message recorded.
-[[nodiscard]] int mps_build(TVXenv *env, MpsReader *reader, TVXmodel **model_out);
+[[nodiscard]] int mps_build(TVXenv *env, MpsReader *reader);

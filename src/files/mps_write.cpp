@@ -14,8 +14,6 @@
 #include "files/file_names.h"
 #include "files/files.h"
 #include "files/text_out.h"
-#include "model/model.h"
-#include "model/pending.h"
 #include "runtime/text_number.h"
 #include <cstring>
 
@@ -317,16 +315,12 @@ static void write_all(MpsWriter *writer)
     text_out(&writer->out, "ENDATA\n");
 }
 
-int mps_write(TVXmodel *model, const char *file_name, WriteNames names)
+int mps_write(const ModelBody *body, TVXenv *env, const char *file_name, WriteNames names)
 {
     MpsWriter writer;
-    writer.body = model->body;
-    TRY(choose_names(model->env, &writer, names));
-    if (model_has_pending(model)) {
-        TVXmsg(model->env, "Warning: model has pending changes.\n");
-        TVXmsg(model->env, "File '%s' does not contain these changes.\n", file_name);
-    }
-    TRY(text_out_open(&writer.out, model->env, file_name));
+    writer.body = body;
+    TRY(choose_names(env, &writer, names));
+    TRY(text_out_open(&writer.out, env, file_name));
     write_all(&writer);
     return text_out_close(&writer.out);
 }

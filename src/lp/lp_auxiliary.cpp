@@ -15,16 +15,13 @@
 //             primal  hardly any row is violated at the start. On multi-commodity flows of 100,000 columns the solve
 //                     then takes 0.4 to 0.8 of its time; where many rows are violated, the basis that ignores costs
 //                     takes up to 4.5 times as long (transportation, osa-30, ken-13, cre-d).
-// Invariant   The problem is a model of its own with an environment of its own: bounds, costs and parameters of the
-//             caller's are never touched.
+// Invariant   The problem is a body of its own with an environment of its own.
 // Literature  A. Koberstein and U. H. Suhl, "Progress in the dual simplex method for large scale LP problems: practical
 //             dual phase 1 algorithms", Comp. Opt. Appl. 37, 2007 (the subproblem approach).
 #include "lp/lp_auxiliary.h"
+#include "body/build.h"
 #include "body/row_kind.h"
 #include "lp/lp_form.h"
-#include "model/model_store.h"
-#include "presolve/presolve.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
 
@@ -41,10 +38,9 @@ struct Shape {
     double wrong = 0; // with one bound, which their cost drives them away from
 };
 
-Shape shape_of(const TVXmodel *model)
+Shape shape_of(const ModelBody *body, const TVXenv *env)
 {
-    const ModelBody *body = model->body;
-    const double tol = model->env->OptimalityTol, infinite = infinite_bound(model->env);
+    const double tol = env->OptimalityTol, infinite = infinite_bound(env);
     Shape shape;
     for (int j = 0; j < body->numvars; j++) {
         const bool lower = body->lb.data[j] > -infinite,
@@ -56,52 +52,48 @@ Shape shape_of(const TVXmodel *model)
     return shape;
 }
 
-bool dual_pays(const TVXmodel *model)
+bool dual_pays(const ModelBody *body, const TVXenv *env)
 {
-    const Shape shape = shape_of(model);
-    return shape.boxed > 0 && shape.wrong * shape.wrong >= model->body->numvars;
+    const Shape shape = shape_of(body, env);
+    return shape.boxed > 0 && shape.wrong * shape.wrong >= body->numvars;
 }
 
-double start_value(const TVXmodel *model, int j)
+double start_value(const ModelBody *body, double infinite, int j)
 {
-    const double infinite = infinite_bound(model->env);
-    const double lower = model->body->lb.data[j], upper = model->body->ub.data[j];
+    const double lower = body->lb.data[j], upper = body->ub.data[j];
     return lower > -infinite ? lower : upper < infinite ? upper : 0;
 }
 
 // Rows that a start from bounds violates.
-int count_violated(const TVXmodel *model, double *violated)
+int count_violated(const ModelBody *body, const TVXenv *env, double *violated)
 {
-    const ModelBody *body = model->body;
+    const double infinite = infinite_bound(env), tol = env->FeasibilityTol;
     Array<double> slack;
     TRY(array_copy(&slack, body->rhs.data, body->numconstrs));
     for (int j = 0; j < body->numvars; j++) {
-        const double value = start_value(model, j);
+        const double value = start_value(body, infinite, j);
         if (value == 0) continue; // assigned, for most
         for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++)
             slack.data[body->vind.data[p]] -= body->vval.data[p] * value;
     }
-    const double tol = model->env->FeasibilityTol;
     *violated = 0;
     for (int i = 0; i < body->numconstrs; i++)
         *violated += slack.data[i] < -tol || (is_equation(body, i) && slack.data[i] > tol);
     return 0;
 }
 
-int is_wanted(const TVXmodel *model, int method, bool *wanted)
+int is_wanted(const ModelBody *body, const TVXenv *env, int method, bool *wanted)
 {
-    const TVXenv *env = model->env;
     *wanted = false;
-    if (model->body->numvars < LARGE || !env->Presolve || !env->PrePasses ||
-        body_is_extreme(model->body))
+    if (body->numvars < LARGE || !env->Presolve || !env->PrePasses || body_is_extreme(body))
         return 0;
     if (method == METHOD_DUAL) {
-        *wanted = dual_pays(model);
+        *wanted = dual_pays(body, env);
         return 0;
     }
     double violated = 0;
-    TRY(count_violated(model, &violated));
-    *wanted = violated > 0 && violated <= FEW * model->body->numconstrs;
+    TRY(count_violated(body, env, &violated));
+    *wanted = violated > 0 && violated <= FEW * body->numconstrs;
     return 0;
 }
 
@@ -109,25 +101,24 @@ int is_wanted(const TVXmodel *model, int method, bool *wanted)
 
 struct Auxiliary {
     TVXenv *env = nullptr;
-    TVXmodel *model = nullptr;
+    ModelBody *body = nullptr;
+    PresolveResult *presolve = nullptr;
+    sopt *simplex = nullptr;
     ~Auxiliary()
     {
-        model_free(model);
+        simplex_free(simplex);
+        presolve_free(presolve);
+        body_free(body);
         env_free(env);
     }
 };
 
-// Silent, without cutoff, within what is left of the limits.
-int make_env(const TVXmodel *model, double done, Auxiliary *aux)
+// Without cutoff, within what is left of the limits.
+int make_env(TVXenv *outer, double done, Auxiliary *aux)
 {
-    TRY(env_copy(&aux->env, model->env, LogReopen::NO));
-    TVXenv *env = aux->env;
-    env->outer = model->env;
-    env->OutputFlag = 0;
-    env->quiet_solve = 1;
-    env->Cutoff = UNDEFINED_VALUE;
-    env->TARV_PAR_UNSCALEDVIO = 0; // a start need not be an answer
-    env->IterationLimit = std::max(0.0, env->IterationLimit - done);
+    TRY(env_inner(&aux->env, outer));
+    aux->env->TARV_PAR_UNSCALEDVIO = 0; // a start need not be an answer
+    aux->env->IterationLimit = std::max(0.0, outer->IterationLimit - done);
     return 0;
 }
 
@@ -142,70 +133,66 @@ void make_homogeneous(ModelBody *body, double infinite)
     }
 }
 
-// The body's form is kept, so that the basis is one of the model: senses and the negated rows stay.
-int make_model(const TVXmodel *model, int method, Auxiliary *aux)
+// The body's form is kept, so that the basis is one of the model.
+int make_body(const ModelBody *body, int method, Auxiliary *aux)
 {
-    const ModelBody *body = model->body;
-    Array<char> senses;
-    TRY(array_copy(&senses, body->senses.data, body->senses.size));
-    for (char &sense : senses)
-        if (sense == '>') sense = '<';
-    const ModelData data = {.numvars = body->numvars,
-                            .numconstrs = body->numconstrs,
-                            .obj = method == METHOD_DUAL ? body->obj.data : nullptr,
-                            .senses = senses.data,
-                            .rhs = body->rhs.data,
-                            .vbeg = body->vbeg.data,
-                            .vind = body->vind.data,
-                            .vval = body->vval.data,
-                            .lb = body->lb.data,
-                            .ub = body->ub.data};
-    TRY(model_create(aux->env, EnvUse::SHARED, &data, &aux->model));
-    if (method == METHOD_DUAL) make_homogeneous(aux->model->body, infinite_bound(aux->env));
+    const int n = body->numvars, m = body->numconstrs;
+    ModelArrays arrays;
+    TRY(array_assign(&arrays.obj, n, 0.0));
+    if (method == METHOD_DUAL) std::copy_n(body->obj.data, n, arrays.obj.data);
+    TRY(array_copy(&arrays.lb, body->lb.data, n));
+    TRY(array_copy(&arrays.ub, body->ub.data, n));
+    TRY(array_copy(&arrays.rhs, body->rhs.data, m));
+    TRY(array_copy(&arrays.senses, body->senses.data, m));
+    TRY(array_copy(&arrays.vbeg, body->vbeg.data, int64_t{n} + 1));
+    TRY(array_copy(&arrays.vind, body->vind.data, body->numnz));
+    TRY(array_copy(&arrays.vval, body->vval.data, body->numnz));
+    TRY(body_adopt(aux->env, &arrays, &aux->body));
+    if (method == METHOD_DUAL) make_homogeneous(aux->body, infinite_bound(aux->env));
     return 0;
 }
 
 // ---- Its solution ----
 
-bool is_smaller(const TVXmodel *aux)
+bool is_smaller(const ModelBody *reduced, const ModelBody *body)
 {
-    return aux->presolved &&
-           aux->presolved->body->numconstrs <= SMALLER * aux->body->numconstrs;
+    return reduced && reduced->numconstrs <= SMALLER * body->numconstrs;
 }
 
-int solve(TVXmodel *aux, int method, int *status)
+// *solved: the reduced problem is solved to its end.
+int solve(Auxiliary *aux, int method, double *work, bool *solved)
 {
-    *status = presolve_lp(aux);
-    if (*status == OUT_OF_MEMORY) return *status;
-    if (*status != 0) return 0;
-    *status = TVX_LOADED;
-    if (method == METHOD_DUAL && !is_smaller(aux)) return 0;
-    *status = TVX_OPTIMAL;
-    if (!aux->presolved) return 0;
-    TRY(SimplexOptimize(aux->presolved, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr));
-    if (aux->presolved->status == TVX_OPTIMAL) TRY(lp_form_prepare(aux));
-    *status = aux->presolved->status;
-    return 0;
+    *solved = false;
+    const int code = presolve_lp(aux->body, aux->env, &aux->presolve, work);
+    if (code == OUT_OF_MEMORY) return code;
+    if (code != 0) return 0;
+    const ModelBody *reduced = presolve_reduced(aux->presolve);
+    if (method == METHOD_DUAL && !is_smaller(reduced, aux->body)) return 0;
+    *solved = true;
+    if (!reduced) return 0;
+    TRY(SimplexOptimize(&aux->simplex, reduced, aux->env,
+                        {.Method = METHOD_DUAL, .Cutoff = false}));
+    *solved = simplex_status(aux->simplex) == TVX_OPTIMAL;
+    return *solved ? lp_postsolve_prepare(aux->presolve, aux->simplex) : 0;
 }
 } // namespace
 
-int lp_auxiliary_start(const TVXmodel *model, int method, double done,
+int lp_auxiliary_start(const ModelBody *body, TVXenv *env, int method, double done,
                        AuxiliaryStart *start)
 {
-    bool wanted = false;
-    TRY(is_wanted(model, method, &wanted));
+    bool wanted = false, solved = false;
+    TRY(is_wanted(body, env, method, &wanted));
     if (!wanted) return 0;
     Auxiliary aux;
-    TRY(make_env(model, done, &aux));
-    TRY(make_model(model, method, &aux));
-    int status = 0;
-    TRY(solve(aux.model, method, &status));
-    start->work = aux.model->node_count; // of presolve
-    if (const TVXmodel *small = aux.model->presolved; small && small->simplex) {
-        start->iterations = simplex_iterations(small->simplex);
-        start->work += simplex_take_work(small->simplex);
+    TRY(make_env(env, done, &aux));
+    TRY(make_body(body, method, &aux));
+    TRY(solve(&aux, method, &start->work, &solved));
+    if (aux.simplex) {
+        start->iterations = simplex_iterations(aux.simplex);
+        start->work += simplex_take_work(aux.simplex);
     }
-    if (status != TVX_OPTIMAL) return 0;
-    const int code = lp_form_basis(aux.model, PostsolveLimits::OBEY, &start->statuses);
+    if (!solved) return 0;
+    const int code = lp_postsolve_basis(aux.presolve, aux.simplex, PostsolveLimits::OBEY,
+                                        &start->statuses);
     return code == OUT_OF_MEMORY ? code : 0; // a limit: the run to come sees it too
 }

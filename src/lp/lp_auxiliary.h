@@ -1,6 +1,6 @@
 // lp_auxiliary.h -- a start basis for a large model from a smaller problem
 #pragma once
-#include "model/model.h"
+#include "simplex/simplex.h"
 
 struct AuxiliaryStart {
     Array<int> statuses;   // [numvars + numconstrs] start basis, or empty
@@ -8,6 +8,6 @@ struct AuxiliaryStart {
     double work = 0;
 };
 // Decides by size and shape, for a start from scratch with this method; `done` iterations have been spent before. Leaves
-// the start empty where it does not pay or a limit stops it. 0 or OUT_OF_MEMORY; the model is only read.
-[[nodiscard]] int lp_auxiliary_start(const TVXmodel *model, int method, double done,
-                                     AuxiliaryStart *start);
+// the start empty where it does not pay or a limit stops it. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_auxiliary_start(const ModelBody *body, TVXenv *env, int method,
+                                     double done, AuxiliaryStart *start);

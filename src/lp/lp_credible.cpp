@@ -7,10 +7,9 @@
 //             FeasibilityTol, or by GROSS_SHARE of the largest number that it comes from: what is less is told by a
 //             warning and by the quality attributes, and users can judge it.
 // Cost        O(n + m + nonzeros)
-#include "api/optimize.h"
+#include "lp/lp_credible.h"
 #include "body/row_activity.h"
 #include "body/row_kind.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
 
@@ -55,12 +54,12 @@ bool bounds_hold(const ModelBody *body, const double *x, const Judge &judge)
     return true;
 }
 
-int point_holds(TVXmodel *model, const Judge &judge, bool *holds)
+int point_holds(const LpSolve *lp, const Judge &judge, bool *holds)
 {
-    const ModelBody *body = model->body;
+    const ModelBody *body = lp->body;
     Array<double> x;
     TRY(array_resize(&x, body->numvars));
-    simplex_get_primal(model->simplex, x.data);
+    simplex_get_primal(lp->simplex, x.data);
     RowActivity rows;
     TRY(row_activity(body, x.data, &rows));
     *holds = bounds_hold(body, x.data, judge) && rows_hold(body, rows, judge);
@@ -68,15 +67,15 @@ int point_holds(TVXmodel *model, const Judge &judge, bool *holds)
 }
 } // namespace
 
-int lp_credible(TVXmodel *model, bool *credible)
+int lp_credible(const LpSolve *lp, bool *credible)
 {
-    *credible = std::isfinite(simplex_objective(model->simplex));
+    *credible = std::isfinite(simplex_objective(lp->simplex));
     if (!*credible) return 0;
-    const double tolerance = GROSS_TOLERANCES * model->env->FeasibilityTol;
-    return point_holds(model, {tolerance, GROSS_SHARE}, credible);
+    const double tolerance = GROSS_TOLERANCES * lp->env->FeasibilityTol;
+    return point_holds(lp, {tolerance, GROSS_SHARE}, credible);
 }
 
-int lp_point_holds(TVXmodel *model, bool *holds)
+int lp_point_holds(const LpSolve *lp, bool *holds)
 {
-    return point_holds(model, {model->env->FeasibilityTol, ROUNDING_SHARE_OF_ROW}, holds);
+    return point_holds(lp, {lp->env->FeasibilityTol, ROUNDING_SHARE_OF_ROW}, holds);
 }

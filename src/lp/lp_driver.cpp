@@ -1,194 +1,200 @@
-// lp_driver.cpp -- the route of a linear program: what to start from, which method, what to publish
+// lp_driver.cpp -- the solve of one linear program: what to start from, which method, what to publish
 //
-// Method      1  A model that is solved and unchanged is not solved again; only its closing lines are.
-//             2  After a limit or an interruption the live simplex record continues.
-//                A row that no point satisfies makes the model infeasible without a solve.
-//             3  Else the start is the caller's basis if one was set since the last solve, the live
-//                record, the basis that an update carried over, or nothing.
-//                Where a limit has stopped a solve with presolve, on the reduced model or on the way back, it
-//                goes on there; where it has stopped the run on the model itself, without presolve.
-//             4  Without a basis to start from, presolve reduces the model (lp_presolved.cpp). The simplex
-//                solves what is left, and the way back gives a basis of the model.
-//             5  The simplex solves the model itself, from that basis usually without an iteration.
-//                An answer that is not sure is sought in other ways (lp_secure.cpp).
-//             6  Results are published as lp_result, and the closing lines say how it ended.
-// Invariant   A status other than TVX_LOADED stands for what simplex and lp_result hold. Out of memory
-//             leaves the status at TVX_LOADED, and neither.
-#include "api/optimize.h"
-#include "api/optimize_log.h"
-#include "attributes/attributes.h"
+// Method      1  A model that is solved and unchanged is not solved again.
+//             2  A row that no point satisfies makes the model infeasible without a solve.
+//             3  What to start from, and the method, are decided (lp_start.cpp).
+//             4  Presolve reduces the model, the simplex solves what is left, postsolve gives a basis of the model
+//                (lp_presolved.cpp); or not, with a basis to start from.
+//             5  The simplex solves the model itself, from that basis usually without an iteration. An answer that is not
+//                sure is sought in other ways (lp_secure.cpp).
+//             6  The result is published.
+// Invariant   A status other than TVX_LOADED stands for what simplex and result hold. Out of memory leaves the status at
+//             TVX_LOADED, and neither.
 #include "body/row_kind.h"
 #include "body/signs.h"
+#include "lp/lp_form.h"
 #include "lp/lp_presolved.h"
 #include "lp/lp_secure.h"
-#include "model/warm_start.h"
-#include "presolve/presolve.h"
 #include "runtime/clock.h"
-#include "simplex/simplex.h"
 
-static bool already_solved(const TVXmodel *model)
+void lp_drop_form(LpSolve *lp)
 {
-    if (!model->simplex || !model->lp_result) return false;
-    const int status = model->status;
-    return status >= TVX_OPTIMAL && status <= TVX_UNBOUNDED &&
-           status == simplex_status(model->simplex);
+    lp_form_free(lp->form);
+    lp->form = nullptr;
 }
 
-static void drop_simplex(TVXmodel *model)
+void lp_drop_results(LpSolve *lp)
 {
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
+    lp_drop_form(lp);
+    record_free(lp->result);
+    lp->result = nullptr;
 }
 
-// The start that counts is the most recent one: after each solve the warm start is dropped, so that
-// one which a caller has set stands only when it is newer than the simplex record.
-static void choose_start(TVXmodel *model)
+void lp_drop_simplex(LpSolve *lp)
 {
-    if (model->simplex && simplex_is_tuned(model->simplex)) { // its way was for one solve
-        const WarmStart *newer = warm_start_usable(model);
-        if (!newer || newer->kind != WARM_CHECKED) warm_start_from_simplex(model);
-        drop_simplex(model);
-    }
-    if (!model->simplex)
-        return; // the warm start, if there is one, is loaded by the simplex
-    const WarmStart *given = warm_start_usable(model);
-    if (given && given->kind == WARM_CHECKED)
-        drop_simplex(model);
-    else
-        warm_start_drop(model);
+    simplex_free(lp->simplex);
+    lp->simplex = nullptr;
+}
+
+void lp_drop(LpSolve *lp)
+{
+    lp_drop_results(lp);
+    lp_drop_simplex(lp);
+    lp->status = TVX_LOADED;
+}
+
+bool lp_has_point(const LpSolve *lp)
+{
+    return lp->simplex || (lp->result && lp->result->x.size > 0);
+}
+
+static bool already_solved(const LpSolve *lp)
+{
+    if (!lp->simplex || !lp->result) return false;
+    return lp->status >= TVX_OPTIMAL && lp->status <= TVX_UNBOUNDED &&
+           lp->status == simplex_status(lp->simplex);
 }
 
 // An empty result in place of any earlier one. 0 or OUT_OF_MEMORY.
-static int open_result(TVXmodel *model)
+static int open_result(LpSolve *lp)
 {
-    attributes_clear_solution(model);
-    model->status = TVX_LOADED;
-    if (!model->lp_result)
-        model->lp_result = static_cast<LpResult *>(MemAllocZero(1, sizeof(LpResult)));
-    if (!model->lp_result) return OUT_OF_MEMORY;
-    *model->lp_result = LpResult{};
+    lp->status = TVX_LOADED;
+    lp->work = 0;
+    if (lp->simplex) (void)simplex_take_work(lp->simplex); // of earlier solves
+    if (!lp->result) lp->result = record_create<LpResult>();
+    if (!lp->result) return OUT_OF_MEMORY;
+    *lp->result = LpResult{};
     return 0;
 }
 
-static int choose_method(TVXenv *env)
+static void publish(LpSolve *lp, double start)
 {
-    if (env->LPMethod < 2) return env->LPMethod;
-    TVXmsg(env, "Warning: barrier is not available, using dual simplex\n");
-    return METHOD_DUAL;
-}
-
-// The simplex on the model itself, which may also repair a solution that violates the tolerances only after unscaling.
-static int run_simplex(TVXmodel *model, const Array<int> *statuses)
-{
-    TVXenv *env = model->env;
-    const int unscaled_check = env->TARV_PAR_UNSCALEDVIO;
-    if (unscaled_check == -2) env->TARV_PAR_UNSCALEDVIO = -1;
-    const int method = statuses->size > 0 ? METHOD_BY_START : choose_method(env);
-    const int code = lp_secure(model, method, statuses);
-    env->TARV_PAR_UNSCALEDVIO = unscaled_check;
-    return code;
-}
-
-static void publish(TVXmodel *model, double start)
-{
-    LpResult *result = model->lp_result;
-    sopt *simplex = model->simplex;
+    LpResult *result = lp->result;
     result->runtime = WallClock() - start;
-    attributes_clear_solution(model); // what a callback has asked for during the solve
-    if (!simplex) return;
-    result->objval = turned(model->body->sense, simplex_objective(simplex));
-    result->itercount = simplex_iterations(simplex);
-    model->node_count += simplex_take_work(simplex);
-    simplex_log_final(simplex);
+    if (!lp->simplex) return;
+    result->objval = turned(lp->body->sense, simplex_objective(lp->simplex));
+    result->itercount = simplex_iterations(lp->simplex);
+    lp->work += simplex_take_work(lp->simplex);
+    simplex_log_final(lp->simplex);
 }
 
 // A row that no point satisfies settles the model, whatever else it holds.
-static bool has_impossible_row(TVXmodel *model)
+static bool has_impossible_row(const LpSolve *lp)
 {
-    const ModelBody *body = model->body;
+    const ModelBody *body = lp->body;
     const int i = find_row(body, RowKind::IMPOSSIBLE);
     if (i < 0) return false;
     char buffer[DEFAULT_NAME_LENGTH];
-    TVXmsg(model->env, "Warning: constraint %s has the infinite right-hand side %g\n",
+    TVXmsg(lp->env, "Warning: constraint %s has the infinite right-hand side %g\n",
            constr_name(body, i, buffer), turned(row_sign(body, i), body->rhs[i]));
     return true;
 }
 
-// Where the last solve was stopped by a limit or an interruption, and this one goes on.
-enum class Stopped { NOWHERE, IN_PRESOLVED, ON_MODEL };
-
-static Stopped where_stopped(const TVXmodel *model)
+static int solve_from(LpSolve *lp, LpStart *start)
 {
-    const WarmStart *given = warm_start_usable(model);
-    if (!is_limit(model->status) ||
-        (given && given->kind == WARM_CHECKED)) // set since then
-        return Stopped::NOWHERE;
-    if (lp_can_resume(model) && model->env->Presolve != 0) return Stopped::IN_PRESOLVED;
-    return model->simplex ? Stopped::ON_MODEL : Stopped::NOWHERE;
-}
-
-static int find_start(TVXmodel *model, Stopped stopped, LpStart *start)
-{
-    if (has_impossible_row(model)) {
-        model->status = TVX_INFEASIBLE;
-        start->final = true;
-    } else if (stopped == Stopped::ON_MODEL) { // presolve would begin anew each time
-        presolve_drop(model);
-    } else {
-        return lp_presolved(model, choose_method(model->env),
-                            stopped == Stopped::IN_PRESOLVED, start);
-    }
+    bool final = false;
+    TRY(lp_presolved(lp, start, &final));
+    if (final)
+        lp_drop_simplex(lp);
+    else
+        TRY(lp_secure(lp, *start));
+    if (!is_limit(lp->status)) lp_drop_form(lp); // nothing goes on from there
+    if (lp->status == TVX_INF_OR_UNBD && objective_is_bounded(lp->env, lp->body))
+        lp->status = TVX_INFEASIBLE;
     return 0;
 }
 
-// A solve that a callback has stopped with a code of its own leaves results like any other that was
-// interrupted; TVXoptimize finds the code in the environment.
-static int solve(TVXmodel *model, double start)
+static int solve(LpSolve *lp, const LpGiven &given)
 {
-    const Stopped stopped = where_stopped(model);
-    TRY(open_result(model));
-    choose_start(model);
-    model->node_count = 0;
-    if (model->simplex) (void)simplex_take_work(model->simplex); // of earlier solves
-    LpStart basis;
-    TRY(find_start(model, stopped, &basis));
-    if (basis.final)
-        drop_simplex(model);
-    else
-        TRY(run_simplex(model, &basis.statuses));
-    if (!is_limit(model->status)) presolve_drop(model); // nothing goes on from there
-    publish(model, start);
-    if (model->simplex) warm_start_drop(model);
-    if (model->status == TVX_INF_OR_UNBD && objective_is_bounded(model->env, model->body))
-        model->status = TVX_INFEASIBLE;
+    const double begin = WallClock();
+    LpStart start;
+    TRY(lp_start_choose(lp, given, &start));
+    TRY(open_result(lp));
+    if (has_impossible_row(lp)) {
+        lp_drop_form(lp);
+        lp_drop_simplex(lp);
+        lp->status = TVX_INFEASIBLE;
+    } else {
+        TRY(solve_from(lp, &start));
+    }
+    publish(lp, begin);
     return 0;
 }
 
 // A fresh factor for queries to come. That the old one cannot be replaced costs only speed.
-static int refresh_factor(TVXmodel *model)
+static int refresh_factor(LpSolve *lp)
 {
-    if (!model->env->TARV_PAR_SIMPLEXENDFAC) return 0;
-    return simplex_refactor(model) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
+    if (!lp->env->TARV_PAR_SIMPLEXENDFAC) return 0;
+    return simplex_refactor(lp->simplex) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
 }
 
-// Nothing that a solve has left unfinished is used again.
-static void abandon(TVXmodel *model)
+int lp_solve(LpSolve *lp, const LpGiven &given)
 {
-    drop_simplex(model);
-    model_free_results(model);
-    model->status = TVX_LOADED;
+    const int code = already_solved(lp) ? refresh_factor(lp) : solve(lp, given);
+    if (code) lp_drop(lp); // nothing that a solve has left unfinished is used again
+    return code;
 }
 
-int lp_driver(TVXmodel *model)
+int lp_quality(LpSolve *lp)
 {
-    const double start = WallClock();
-    const int code = already_solved(model) ? refresh_factor(model) : solve(model, start);
-    const double iterations = model->lp_result ? model->lp_result->itercount : 0;
-    if (code == OUT_OF_MEMORY) abandon(model);
-    if (model->env->quiet_solve) return code;
-    log_lp_effort(model, iterations, start);
-    if (code == OUT_OF_MEMORY) TVXmsg(model->env, "Out of memory\n");
-    const int outcome = log_lp_outcome(model);
-    if (outcome == OUT_OF_MEMORY) abandon(model);
-    return code ? code : outcome;
+    LpResult *result = lp->result;
+    if (!lp->simplex || !result) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    if (result->quality.computed) return 0;
+    const int n = lp->body->numvars, m = lp->body->numconstrs;
+    Array<double> x, pi, rc;
+    Array<int> basis;
+    TRY(array_resize(&x, n));
+    TRY(array_resize(&pi, m));
+    TRY(array_resize(&rc, n));
+    TRY(array_resize(&basis, int64_t{n} + m));
+    simplex_get_primal(lp->simplex, x.data);
+    simplex_get_dual(lp->simplex, pi.data, rc.data);
+    simplex_get_basis(lp->simplex, basis.data);
+    const JudgedPoint point = {x.data, pi.data, rc.data, basis.data + n};
+    QualityScale scale;
+    simplex_get_scaling(lp->simplex, &scale.row, &scale.col, &scale.obj);
+    return LpQuality(lp->env, lp->body, point, scale, &result->quality);
+}
+
+static int run_to_fresh_factors(LpSolve *lp, TVXenv *env)
+{
+    const SimplexCall call = {.Method = METHOD_DUAL, .Iterations = lp->result->itercount};
+    do {
+        TRY(SimplexOptimize(&lp->simplex, lp->body, env, call));
+        lp->status = simplex_status(lp->simplex);
+    } while (lp->status == TVX_OPTIMAL && !simplex_has_fresh_factor(lp->simplex));
+    return 0;
+}
+
+// In an environment of its own: without callback and limit of iterations, with fresh factors at the end.
+static int confirm_by_dual(LpSolve *lp)
+{
+    TVXenv *env = nullptr;
+    TRY(env_inner(&env, lp->env));
+    env->outer = nullptr;
+    env->TARV_PAR_SIMPLEXENDFAC = 1;
+    env->IterationLimit = UNDEFINED_VALUE;
+    env->optimize_start = WallClock();
+    const int code = run_to_fresh_factors(lp, env);
+    if (lp->simplex) simplex_set_env(lp->simplex, lp->env);
+    env_free(env);
+    return code;
+}
+
+int lp_confirm(LpSolve *lp, bool *changed)
+{
+    bool optimal = false;
+    const double before = lp->result->itercount;
+    *changed = false;
+    int code = simplex_confirm(lp->simplex, &optimal);
+    if (!code && !optimal) code = confirm_by_dual(lp);
+    if (code == OUT_OF_MEMORY && !lp->simplex) lp_drop(lp);
+    if (code) return code;
+    *changed = simplex_iterations(lp->simplex) > before;
+    if (*changed) {
+        lp->result->itercount = simplex_iterations(lp->simplex);
+        lp->result->objval = turned(lp->body->sense, simplex_objective(lp->simplex));
+        lp->result->quality.computed = 0;
+    }
+    return 0;
 }

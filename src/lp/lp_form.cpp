@@ -4,12 +4,10 @@
 //             two threads; the sizes that are left decide. Both always run to their end, so the choice does not depend on
 //             which is faster.
 #include "lp/lp_form.h"
-#include "api/optimize.h"
 #include "body/row_kind.h"
+#include "env/limits.h"
 #include "presolve/dualise.h"
-#include "presolve/limits.h"
 #include "runtime/thread.h"
-#include "simplex/simplex.h"
 #include <utility>
 
 namespace
@@ -31,27 +29,35 @@ bool dual_for_barrier(const ModelBody *body)
     return equations == 0 || (free > 0 && equations < 2 * free);
 }
 
-bool automatic_dual(const TVXmodel *model)
+bool automatic_dual(const ModelBody *body, const TVXenv *env)
 {
-    const ModelBody *body = model->body;
-    if (model->env->LPMethod == 2) return dual_for_barrier(body);
+    if (env->LPMethod == LP_BARRIER) return dual_for_barrier(body);
     return body->numconstrs > TALL * body->numvars;
 }
 
-int take_dual(TVXmodel *model, LpForm *form)
+int take_dual(const LpSolve *lp, LpForm *form)
 {
-    TVXmodel *dual = nullptr;
-    const int error = dualise(model, model->env, &dual);
+    ModelBody *dual = nullptr;
+    const int error = dualise(lp->body, lp->env, &dual);
     if (error == OUT_OF_MEMORY) return error;
-    if (!error) form->model = dual; // else the primal form goes on
+    if (!error) form->body = form->dual = dual; // else the primal form goes on
     return 0;
 }
 
-// The dual form on its own thread, with an environment that prints nothing.
+// Right-hand sides have grown into what counts as infinite.
+bool is_overgrown(const LpForm *form)
+{
+    const ModelBody *reduced = lp_form_reduced(form);
+    return reduced && !all_rows_ordinary(reduced);
+}
+
+// The dual form on its own thread.
 struct DualThread {
-    const TVXmodel *source = nullptr;
-    TVXenv *env = nullptr;
-    TVXmodel *dual = nullptr;
+    const ModelBody *source = nullptr;
+    TVXenv *env = nullptr; // an inner one
+    ModelBody *dual = nullptr;
+    PresolveResult *presolve = nullptr;
+    double work = 0;
     int status = 0;
     int32_t done = 0;
 };
@@ -60,9 +66,9 @@ void run_dual(void *argument)
 {
     DualThread *t = static_cast<DualThread *>(argument);
     t->status = dualise(t->source, t->env, &t->dual);
-    if (t->status == 0) t->status = presolve_lp(t->dual);
+    if (t->status == 0) t->status = presolve_lp(t->dual, t->env, &t->presolve, &t->work);
     if (t->status != 0) { // to give back much memory takes time: not after the other form
-        model_free(t->dual);
+        body_free(t->dual);
         t->dual = nullptr;
     }
     flag_store(&t->done, 1);
@@ -73,91 +79,127 @@ double ratio(int a, int b)
     return (a + 1.0) / (b + 1.0);
 }
 
-bool dual_is_smaller(const TVXmodel *model, const TVXmodel *dual)
+bool dual_is_smaller(const PresolveResult *primal, const PresolveResult *dual)
 {
-    if (!model->presolved || !dual->presolved) return model->presolved != nullptr;
-    const ModelBody *p = model->presolved->body, *d = dual->presolved->body;
+    const ModelBody *p = presolve_reduced(primal), *d = presolve_reduced(dual);
+    if (!p || !d) return p != nullptr;
     return VAR_WEIGHT * ratio(p->numvars, d->numvars) +
                ROW_WEIGHT * ratio(p->numconstrs, d->numconstrs) +
                NZ_WEIGHT * ratio(p->numnz, d->numnz) >
            BETTER;
 }
 
-// The dual comes over to the model's environment.
-void adopt(TVXmodel *model, DualThread *t, LpForm *form)
+void adopt(DualThread *t, TVXenv *env, LpForm *form)
 {
-    presolve_drop(model);
-    t->dual->env = model->env;
-    if (t->dual->presolved) t->dual->presolved->env = model->env;
-    form->model = t->dual;
-    t->dual = nullptr;
+    lp_form_drop_presolve(form);
+    form->body = form->dual = std::exchange(t->dual, nullptr);
+    form->presolve = std::exchange(t->presolve, nullptr);
+    presolve_set_env(form->presolve, env);
+    form->overgrown = is_overgrown(form);
 }
 
-int choose_from_both(TVXmodel *model, LpForm *form)
+int choose_from_both(LpSolve *lp, LpForm *form)
 {
     DualThread t;
-    t.source = model;
-    TRY(env_copy(&t.env, model->env, LogReopen::NO));
-    t.env->OutputFlag = 0;
-    t.env->terminate_ptr = model->env->terminate_ptr;
-    t.env->optimize_start = model->env->optimize_start;
+    t.source = lp->body;
+    TRY(env_inner(&t.env, lp->env));
+    t.env->outer = nullptr; // another thread must not enter the caller's function
     const uintptr_t thread = ThreadStart(run_dual, &t);
-    form->presolved = true;
-    form->status = presolve_lp(model, &form->claim);
+    const int code = lp_form_presolve(lp, form);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
     if (thread) ThreadJoin(thread);
-    if (t.dual) model->node_count += std::exchange(t.dual->node_count, 0.0);
+    if (t.dual) lp->work += t.work;
     // One form may have been ready long before the other: a limit is looked at before anything is made of either.
-    if (form->status == 0) form->status = limits_reached(model->env);
-    if (is_limit(form->status))
-        presolve_drop(model);
-    else if (thread && form->status == 0 && t.status == 0 && dual_is_smaller(model, t.dual))
-        adopt(model, &t, form);
-    model_free(t.dual);
+    if (form->outcome == PRESOLVE_OK)
+        form->outcome = static_cast<PresolveStatus>(limits_reached(lp->env));
+    if (form->outcome != PRESOLVE_OK)
+        lp_form_drop_presolve(form);
+    else if (!code && !form->overgrown && thread && t.status == 0 &&
+             dual_is_smaller(form->presolve, t.presolve))
+        adopt(&t, lp->env, form);
+    presolve_free(t.presolve);
+    body_free(t.dual);
     env_free(t.env);
-    return 0;
+    return code;
 }
-} // namespace
 
-int lp_form_choose(TVXmodel *model, LpForm *form)
+int choose(LpSolve *lp, LpForm *form)
 {
-    const TVXenv *env = model->env;
-    form->model = model;
-    if (model->body->numvars == 0) return 0;
+    const TVXenv *env = lp->env;
+    form->body = lp->body;
+    if (lp->body->numvars == 0) return 0;
     int choice = env->PreDual;
     if (choice == BOTH_FORMS && (env->Threads == 1 || ProcessorCount() == 1))
         choice = AUTOMATIC;
-    if (choice == BOTH_FORMS) return choose_from_both(model, form);
-    const bool dual = choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(model));
-    return dual ? take_dual(model, form) : 0;
+    if (choice == BOTH_FORMS) return choose_from_both(lp, form);
+    const bool dual =
+        choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(lp->body, env));
+    return dual ? take_dual(lp, form) : 0;
 }
+} // namespace
 
-int lp_form_prepare(const TVXmodel *form)
+int lp_form_choose(LpSolve *lp, LpForm **out)
 {
-    Array<char> rows;
-    TRY(array_assign(&rows, form->presolved->body->numconstrs, char(0)));
-    if (postsolve_equations(form, rows.data) == 0) return 0;
-    return simplex_release_slacks(form->presolved, rows.data);
-}
-
-int lp_form_basis(const TVXmodel *form, PostsolveLimits limits, Array<int> *statuses)
-{
-    LpPoint point, full;
-    const TVXmodel *reduced = form->presolved;
-    if (reduced) {
-        const int n = reduced->body->numvars;
-        TRY(lp_point_alloc(&point, reduced, true));
-        simplex_get_primal(reduced->simplex, point.x.data);
-        simplex_get_dual(reduced->simplex, point.dual.data + n, point.dual.data);
-        simplex_get_basis(reduced->simplex, point.status.data);
+    *out = nullptr;
+    LpForm *form = record_create<LpForm>();
+    if (!form) return OUT_OF_MEMORY;
+    if (const int code = choose(lp, form)) {
+        lp_form_free(form);
+        return code;
     }
-    TRY(postsolve_lp(form, reduced ? &point : nullptr, &full, limits));
-    *statuses = static_cast<Array<int> &&>(full.status);
+    *out = form;
     return 0;
 }
 
-void lp_form_free(LpForm *form, const TVXmodel *model)
+int lp_form_presolve(LpSolve *lp, LpForm *form)
 {
-    if (form->model != model) model_free(form->model);
-    *form = LpForm{};
+    if (form->presolved) return 0;
+    form->presolved = true;
+    const int code =
+        presolve_lp(form->body, lp->env, &form->presolve, &lp->work, &form->claim);
+    if (code == OUT_OF_MEMORY) return code;
+    form->overgrown = code > OUT_OF_MEMORY || is_overgrown(form);
+    if (!form->overgrown) form->outcome = static_cast<PresolveStatus>(code);
+    return 0;
+}
+
+void lp_form_drop_presolve(LpForm *form)
+{
+    simplex_free(form->simplex);
+    presolve_free(form->presolve);
+    form->simplex = nullptr;
+    form->presolve = nullptr;
+}
+
+void lp_form_free(LpForm *form)
+{
+    if (!form) return;
+    lp_form_drop_presolve(form);
+    body_free(form->dual);
+    record_free(form);
+}
+
+int lp_postsolve_prepare(const PresolveResult *presolve, sopt *simplex)
+{
+    Array<char> rows;
+    TRY(array_assign(&rows, presolve_reduced(presolve)->numconstrs, char(0)));
+    if (postsolve_equations(presolve, rows.data) == 0) return 0;
+    return simplex_release_slacks(simplex, rows.data);
+}
+
+int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
+                       PostsolveLimits limits, Array<int> *statuses)
+{
+    LpPoint point, full;
+    const ModelBody *reduced = presolve_reduced(presolve);
+    if (reduced) {
+        const int n = reduced->numvars;
+        TRY(lp_point_alloc(&point, reduced, true));
+        simplex_get_primal(simplex, point.x.data);
+        simplex_get_dual(simplex, point.dual.data + n, point.dual.data);
+        simplex_get_basis(simplex, point.status.data);
+    }
+    TRY(postsolve_lp(presolve, reduced ? &point : nullptr, &full, limits));
+    *statuses = static_cast<Array<int> &&>(full.status);
+    return 0;
 }

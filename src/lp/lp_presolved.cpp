@@ -1,4 +1,4 @@
-// lp_presolved.cpp -- presolve, the simplex on what is left, and the way back to a basis of the model
+// lp_presolved.cpp -- presolve, the simplex on what is left, and postsolve to a basis of the model
 //
 // Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve, and so is one
 //             whose numbers would overflow in a reduction. Else: choose the form (the model or its dual); reduce it;
@@ -7,43 +7,32 @@
 //             an iteration.
 //             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
 //             once, at the same limit, and shows the point. The next solve goes on from the reduced model, or, when the
-//             limit came on the way back, with the way back. A limit in the run on the model itself leaves its simplex
-//             record, and the driver goes on from that without presolve (lp_driver.cpp).
+//             limit came in postsolve, with postsolve. A limit in the run on the model itself leaves its simplex
+//             record, and the next solve goes on from that without presolve (lp_start.h).
 //             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
 //             hide: infeasible and unbounded cannot be told apart then.
-// Invariant   When this returns with a final status there is no simplex record. presolve and presolved stay only where a
-//             limit stopped the solve, for the next one to go on.
+// Invariant   When this leaves a final status there is no simplex record. lp->form is there only where a limit has stopped
+//             the solve, for the next one to go on.
 #include "lp/lp_presolved.h"
-#include "api/optimize.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
 #include "files/files.h"
 #include "lp/lp_claim.h"
-#include "lp/lp_form.h"
 #include "lp/lp_run.h"
-#include "model/model_store.h"
-#include "model/warm_start.h"
 #include "presolve/dualise.h"
-#include "presolve/presolve.h"
 #include "runtime/clock.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace
 {
 constexpr double WIDE_COEFFICIENTS =
     1e15;                         // largest over smallest: reductions would lose digits
 constexpr double MANY_FREE = 0.2; // free variables against the smaller dimension, then
+// Entries, rows and columns of a model whose point is computed after a limit: beyond, that takes some tenths of a second.
+constexpr int64_t SHOWN_ENTRIES = 5000000;
 
-constexpr int64_t SHOWN_ENTRIES =
-    5000000; // of a model whose point is made up after a limit: some tenths of a second
-
-bool has_start(const TVXmodel *model)
-{
-    return model->simplex || warm_start_usable(model);
-}
+// ---- Whether ----
 
 bool is_wide(const ModelBody *body)
 {
@@ -60,272 +49,289 @@ bool is_wide(const ModelBody *body)
 }
 
 // Bounds that cross or stand at the wrong infinity: the simplex tells what is wrong with them.
-bool has_bad_bounds(const TVXmodel *model)
+bool has_bad_bounds(const ModelBody *body, const TVXenv *env)
 {
-    const ModelBody *body = model->body;
-    const double infinite = infinite_bound(model->env);
+    const double infinite = infinite_bound(env);
     for (int j = 0; j < body->numvars; j++) {
         const double lb = body->lb.data[j], ub = body->ub.data[j];
-        if (lb >= infinite || ub <= -infinite || lb - ub > model->env->FeasibilityTol)
-            return true;
+        if (lb >= infinite || ub <= -infinite || lb - ub > env->FeasibilityTol) return true;
     }
     return false;
 }
 
-bool wants_presolve(const TVXmodel *model)
+bool wants_presolve(const LpSolve *lp, const LpStart *start)
 {
-    const TVXenv *env = model->env;
-    if (env->Presolve == 0 || has_bad_bounds(model)) return false;
-    if (env->Presolve < 0 && has_start(model)) return false;
-    if (body_is_extreme(model->body)) return false;
-    return !(env->PreDual == -1 && env->LPMethod < 2 && env->Presolve < 2 &&
-             is_wide(model->body));
+    const TVXenv *env = lp->env;
+    if (start->from == LpFrom::MODEL) return false; // it would begin anew at each limit
+    if (env->Presolve == 0 || has_bad_bounds(lp->body, env)) return false;
+    if (env->Presolve < 0 && start->from != LpFrom::SCRATCH) return false;
+    if (body_is_extreme(lp->body)) return false;
+    return !(env->PreDual == -1 && env->LPMethod != LP_BARRIER && env->Presolve < 2 &&
+             is_wide(lp->body));
 }
 
-// The outcome of a model that presolve or a reduced model has settled.
-void settle(TVXmodel *model, int status, LpStart *start)
+// ---- The reduced model ----
+
+// The method that does for the dual form what the other one does for the model.
+int method_on(const LpForm *form, int method)
 {
-    model->status = status;
-    model->lp_result->objval = turned(model->body->sense, UNDEFINED_VALUE);
-    start->final = true;
+    return form->dual ? 1 - method : method;
 }
 
-// The basis that a caller or an earlier solve left, as one of the form.
-int start_in_form(const TVXmodel *model, const TVXmodel *form, Array<int> *statuses)
+// The basis that a caller or an earlier solve has left, as one of the form.
+int start_in_form(const LpSolve *lp, const LpForm *form, const LpStart *start,
+                  Array<int> *statuses)
 {
-    const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
-    const WarmStart *warm = warm_start_usable(model);
+    const ModelBody *body = lp->body;
+    const int64_t size = int64_t{body->numvars} + body->numconstrs;
     Array<int> own;
-    TRY(array_resize(&own, size));
-    if (warm)
-        std::copy_n(warm->statuses.data, size, own.data);
-    else
-        simplex_get_basis(model->simplex, own.data);
-    if (form == model) {
+    if (start->from == LpFrom::BASIS) {
+        TRY(array_copy(&own, start->statuses.data, size));
+    } else {
+        TRY(array_resize(&own, size));
+        simplex_get_basis(lp->simplex, own.data);
+    }
+    if (!form->dual) {
         *statuses = static_cast<Array<int> &&>(own);
         return 0;
     }
-    TRY(array_resize(statuses, int64_t{form->body->numvars} + form->body->numconstrs));
-    primal_basis_to_dual(model->body, infinite_bound(model->env), own.data, statuses->data);
+    TRY(array_resize(statuses, int64_t{form->dual->numvars} + form->dual->numconstrs));
+    primal_basis_to_dual(body, infinite_bound(lp->env), own.data, statuses->data);
     return 0;
 }
 
 // That basis in the reduced model of the form; empty when there is none.
-int crushed_start(const TVXmodel *model, const TVXmodel *form, Array<int> *reduced)
+int crushed_start(const LpSolve *lp, const LpForm *form, const LpStart *start,
+                  Array<int> *reduced)
 {
-    if (!has_start(model) || !form->presolved) return 0;
-    const ModelBody *small = form->presolved->body;
+    const ModelBody *small = lp_form_reduced(form);
+    if (start->from == LpFrom::SCRATCH || !small) return 0;
     Array<int> full;
-    TRY(start_in_form(model, form, &full));
+    TRY(start_in_form(lp, form, start, &full));
     TRY(array_resize(reduced, int64_t{small->numvars} + small->numconstrs));
-    presolve_crush_basis(form, full.data, reduced->data);
+    presolve_crush_basis(form->presolve, full.data, reduced->data);
     return 0;
 }
 
-// The simplex on the reduced model of a form, from `statuses` if there are any. Its status goes to *status.
-int solve_reduced(TVXmodel *model, TVXmodel *form, int method, const Array<int> *statuses,
-                  int *status)
+// The simplex on the reduced model of a form, from `start`. Its status goes to *status: optimal where nothing is left.
+int solve_reduced(LpSolve *lp, LpForm *form, const LpStart &start, int *status)
 {
-    TVXmodel *reduced = form->presolved;
+    const ModelBody *reduced = lp_form_reduced(form);
     *status = TVX_OPTIMAL;
     if (!reduced) return 0;
-    TRY(lp_run(model, reduced, method, statuses));
-    if (reduced->status == TVX_OPTIMAL) TRY(lp_form_prepare(form));
-    model->lp_result->itercount = simplex_iterations(reduced->simplex);
-    model->lp_result->reduced_itercount = model->lp_result->itercount;
-    model->node_count += simplex_take_work(reduced->simplex);
-    *status = reduced->status;
+    TRY(lp_run(lp, {reduced, &form->simplex, !form->dual}, start));
+    *status = simplex_status(form->simplex);
+    if (*status == TVX_OPTIMAL) TRY(lp_postsolve_prepare(form->presolve, form->simplex));
+    lp->result->itercount = simplex_iterations(form->simplex);
+    lp->result->reduced_itercount = lp->result->itercount;
+    lp->work += simplex_take_work(form->simplex);
     return 0;
+}
+
+// ---- What comes of it ----
+
+// The outcome of a model that presolve or a reduced model has settled.
+void settle(LpSolve *lp, int status, bool *final)
+{
+    lp->status = status;
+    lp->result->objval = turned(lp->body->sense, UNDEFINED_VALUE);
+    *final = true;
+}
+
+// The model is solved from these statuses, by the method for which they are feasible.
+void start_from(Array<int> *statuses, LpStart *start)
+{
+    start->from = LpFrom::BASIS;
+    start->method = METHOD_BY_START;
+    start->norms.size = 0;
+    start->statuses = static_cast<Array<int> &&>(*statuses);
 }
 
 // The basis of the dual form as one of the model.
-int turn_basis(const TVXmodel *model, Array<int> *statuses)
+int turn_basis(const LpSolve *lp, Array<int> *statuses)
 {
-    const ModelBody *body = model->body;
+    const ModelBody *body = lp->body;
     Array<int> own;
     TRY(array_resize(&own, int64_t{body->numvars} + body->numconstrs));
-    dual_basis_to_primal(body, infinite_bound(model->env), statuses->data, own.data);
+    dual_basis_to_primal(body, infinite_bound(lp->env), statuses->data, own.data);
     *statuses = static_cast<Array<int> &&>(own);
     return 0;
 }
 
-// A dual form that is solved, or that a limit stops: the model's own basis.
-int leave_dual_form(TVXmodel *model, TVXmodel *dual, int method, LpStart *start)
+// A dual form whose reduced model is solved: the dual from there, then the model's own basis.
+int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpStart *start)
 {
-    TRY(lp_run(model, dual, method, &start->statuses));
-    if (dual->status != TVX_OPTIMAL && !is_limit(dual->status)) {
-        array_free(&start->statuses); // the model itself has to tell
+    struct Record {
+        sopt *simplex = nullptr;
+        ~Record() { simplex_free(simplex); }
+    } of_dual;
+    LpStart by_basis;
+    start_from(statuses, &by_basis);
+    by_basis.method = method_on(form, start->method);
+    TRY(lp_run(lp, {form->dual, &of_dual.simplex, false}, by_basis));
+    const int status = simplex_status(of_dual.simplex);
+    if (status != TVX_OPTIMAL && !is_limit(status))
+        return 0; // the model itself has to tell
+    Array<int> own;
+    TRY(array_resize(&own, int64_t{form->dual->numvars} + form->dual->numconstrs));
+    simplex_get_basis(of_dual.simplex, own.data);
+    TRY(turn_basis(lp, &own));
+    start_from(&own, start);
+    return 0;
+}
+
+int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
+{
+    Array<int> statuses;
+    const int code =
+        lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::OBEY, &statuses);
+    if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
+        settle(lp, code, final); // the next solve begins with postsolve
         return 0;
     }
-    simplex_get_basis(dual->simplex, start->statuses.data);
-    return turn_basis(model, &start->statuses);
+    TRY(code);
+    lp_form_drop_presolve(form);
+    if (form->dual) return leave_dual_form(lp, form, &statuses, start);
+    start_from(&statuses, start);
+    return 0;
 }
 
 // A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there,
-// optimal or not; the next solve goes on from the reduced model itself. A huge model shows nothing: to make up its point
+// optimal or not; the next solve goes on from the reduced model itself. A huge model shows nothing: to compute its point
 // takes time.
-int show_stopped(TVXmodel *model, const TVXmodel *form, int status, LpStart *start)
+int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bool *final)
 {
-    const ModelBody *body = model->body;
+    const ModelBody *body = lp->body;
     if (int64_t{body->numnz} + body->numvars + body->numconstrs > SHOWN_ENTRIES) {
-        settle(model, status, start);
+        settle(lp, status, final);
         return 0;
     }
-    TRY(lp_form_basis(form, PostsolveLimits::IGNORE, &start->statuses));
-    if (form != model) TRY(turn_basis(model, &start->statuses));
-    presolve_mend_basis(body->numvars, body->numconstrs, start->statuses.data);
+    Array<int> statuses;
+    TRY(lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::IGNORE,
+                           &statuses));
+    if (form->dual) TRY(turn_basis(lp, &statuses));
+    presolve_mend_basis(body->numvars, body->numconstrs, statuses.data);
+    start_from(&statuses, start);
     return 0;
 }
 
 // The form is said to have no optimal solution. Where the claim is not proved the model itself has to tell. Without dual
 // reductions an infeasible reduced model is an infeasible model, and in every other case the model itself has to tell.
-int settle_without_optimum(TVXmodel *model, TVXmodel *form, int status,
-                           const LpClaim *claim, LpStart *start)
+int finish_without_optimum(LpSolve *lp, LpForm *form, bool infeasible, const LpClaim *claim,
+                           bool *final)
 {
-    const bool exact = model->env->TARV_PAR_DUALREDUCTION == 0;
-    const bool infeasible = exact && form == model && status == TVX_INFEASIBLE;
+    const bool exact = lp->env->TARV_PAR_DUALREDUCTION == 0;
+    infeasible = infeasible && exact && !form->dual;
     bool proved = false;
-    TRY(lp_claim_holds(model, form, claim, &proved));
-    presolve_drop(form);
+    TRY(lp_claim_holds(lp, form, claim, &proved));
+    lp_form_drop_presolve(form);
     if (proved && (infeasible || !exact))
-        settle(model, infeasible ? TVX_INFEASIBLE : TVX_INF_OR_UNBD, start);
+        settle(lp, infeasible ? TVX_INFEASIBLE : TVX_INF_OR_UNBD, final);
     return 0;
 }
 
-// What the outcome on the form means for the model.
-int conclude(TVXmodel *model, TVXmodel *form, int method, int status, LpStart *start)
+// What the status of the reduced model means for the model.
+int conclude(LpSolve *lp, LpForm *form, int status, LpStart *start, bool *final)
 {
-    if (status == TVX_OPTIMAL) {
-        const int code = lp_form_basis(form, PostsolveLimits::OBEY, &start->statuses);
-        if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
-            settle(model, code, start); // the next solve comes back from where this one was
-            return 0;
-        }
-        TRY(code);
-        presolve_drop(form);
-        return form == model ? 0 : leave_dual_form(model, form, method, start);
-    }
+    if (status == TVX_OPTIMAL) return finish_optimal(lp, form, start, final);
     if (is_limit(status) || status == TVX_CUTOFF)
-        return show_stopped(model, form, status, start);
-    if (status == TVX_NUMERIC) { // the model itself may fare better
-        presolve_drop(form);
-        return 0;
-    }
+        return show_stopped(lp, form, status, start, final);
     if (status == TVX_INFEASIBLE || status == TVX_UNBOUNDED) {
         LpClaim claim;
         TRY(lp_claim_of_reduced(form, &claim));
-        return settle_without_optimum(model, form, status, &claim, start);
+        return finish_without_optimum(lp, form, status == TVX_INFEASIBLE, &claim, final);
     }
-    settle(model, status, start);
-    presolve_drop(form);
+    lp_form_drop_presolve(form); // numeric trouble: the model itself may fare better
     return 0;
 }
 
-void log_presolved(const TVXmodel *form, double begin)
+// ---- The road ----
+
+void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
 {
-    TVXenv *env = form->env;
-    const TVXmodel *reduced = form->presolved;
+    TVXenv *env = lp->env;
     if (env->quiet_solve) return;
     TVXmsg(env, "Presolve time: %.2fs\n", WallClock() - begin);
     if (!form->presolve) return;
-    if (!reduced) {
+    if (const ModelBody *reduced = lp_form_reduced(form))
+        TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n\n", reduced->numconstrs,
+               reduced->numvars, reduced->numnz);
+    else
         TVXmsg(env, "Presolved: All rows and columns removed\n");
-        return;
-    }
-    TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n\n",
-           reduced->body->numconstrs, reduced->body->numvars, reduced->body->numnz);
 }
 
 // For whoever wants to look at it. Failing to write it does not stop the solve.
-void write_reduced(TVXmodel *form)
+void write_reduced(const LpSolve *lp, const LpForm *form)
 {
-    if (!form->env->TARV_PAR_WRITEPREMODEL || !form->presolved) return;
-    (void)mps_write(form->presolved, "junk.mps", WriteNames::NUMBERED);
-    (void)finish_model(form, 0); // a failure leaves no text
+    const ModelBody *reduced = lp_form_reduced(form);
+    if (!lp->env->TARV_PAR_WRITEPREMODEL || !reduced) return;
+    (void)mps_write(reduced, lp->env, "junk.mps", WriteNames::NUMBERED);
+    (void)finish(lp->env, 0); // a failure leaves no text
 }
 
-// Numbers have grown beyond what a model may hold, or into what counts as infinite there.
-bool is_overgrown(const TVXmodel *form, int status)
-{
-    if (status >= TVX_ERROR_OUT_OF_MEMORY) return true;
-    return status == 0 && form->presolved && !all_rows_ordinary(form->presolved->body);
-}
-
-int presolve_and_solve(TVXmodel *model, LpForm *form, int method, LpStart *start)
+int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     const double begin = WallClock();
-    int status = form->presolved ? form->status : presolve_lp(form->model, &form->claim);
-    if (form->model != model)
-        model->node_count += std::exchange(form->model->node_count, 0.0);
-    if (status == OUT_OF_MEMORY) return status;
-    if (is_overgrown(form->model, status)) { // the model itself has to tell
-        presolve_drop(form->model);
+    TRY(lp_form_presolve(lp, form));
+    if (form->overgrown) { // the model itself has to tell
+        lp_form_drop_presolve(form);
         return 0;
     }
-    log_presolved(form->model, begin);
-    write_reduced(form->model);
-    if (status != 0) {
-        if (!is_limit(status))
-            return settle_without_optimum(model, form->model, status, &form->claim, start);
-        settle(model, status, start);
+    log_presolved(lp, form, begin);
+    write_reduced(lp, form);
+    if (is_limit(form->outcome)) {
+        settle(lp, form->outcome, final);
         return 0;
     }
-    Array<int> statuses;
-    if (form->model != model) method = 1 - method;
-    TRY(crushed_start(model, form->model, &statuses));
-    TRY(solve_reduced(model, form->model, method, &statuses, &status));
-    return conclude(model, form->model, method, status, start);
+    if (form->outcome != PRESOLVE_OK)
+        return finish_without_optimum(lp, form, form->outcome == PRESOLVE_INFEASIBLE,
+                                      &form->claim, final);
+    LpStart reduced;
+    int status = 0;
+    reduced.method = method_on(form, start->method);
+    TRY(crushed_start(lp, form, start, &reduced.statuses));
+    TRY(solve_reduced(lp, form, reduced, &status));
+    return conclude(lp, form, status, start, final);
 }
 
-// A limit has stopped the way back: the reduced model is solved, or presolve has left none to solve.
-bool waits_for_way_back(const TVXmodel *form)
+// A limit has stopped postsolve: the reduced model is solved, or presolve has left none to solve.
+bool waits_for_postsolve(const LpForm *form)
 {
-    return form->presolve && (!form->presolved || form->presolved->status == TVX_OPTIMAL);
+    return form->presolve &&
+           (!lp_form_reduced(form) ||
+            (form->simplex && simplex_status(form->simplex) == TVX_OPTIMAL));
 }
 
-// A limit has stopped the reduced model of a form, or the way back from it.
-bool was_stopped(const TVXmodel *form)
+// A limit has stopped the reduced model of a form, or postsolve.
+bool was_stopped(const LpForm *form)
 {
-    const TVXmodel *reduced = form->presolved;
-    return waits_for_way_back(form) ||
-           (reduced && reduced->simplex && is_limit(reduced->status));
+    return waits_for_postsolve(form) ||
+           (form->simplex && is_limit(simplex_status(form->simplex)));
 }
 
 // Goes on where a limit has stopped a form.
-int resume_form(TVXmodel *model, TVXmodel *form, int method, LpStart *start)
+int resume_form(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
-    int status = 0;
-    const Array<int> as_it_stands;
-    if (form != model) method = 1 - method;
-    if (waits_for_way_back(form)) return conclude(model, form, method, TVX_OPTIMAL, start);
-    TRY(solve_reduced(model, form, method, &as_it_stands, &status));
-    return conclude(model, form, method, status, start);
+    int status = TVX_OPTIMAL;
+    if (!waits_for_postsolve(form)) {
+        LpStart as_it_stands;
+        as_it_stands.method = method_on(form, start->method);
+        TRY(solve_reduced(lp, form, as_it_stands, &status));
+    }
+    return conclude(lp, form, status, start, final);
 }
 } // namespace
 
-bool lp_can_resume(const TVXmodel *model)
+int lp_presolved(LpSolve *lp, LpStart *start, bool *final)
 {
-    return was_stopped(model->dual_form ? model->dual_form : model);
-}
-
-int lp_presolved(TVXmodel *model, int method, bool resume, LpStart *start)
-{
-    LpForm form;
-    int code = 0;
-    if (resume) {
-        form.model = model->dual_form ? model->dual_form : model;
-        model->dual_form = nullptr;
-        code = resume_form(model, form.model, method, start);
+    *final = false;
+    if (start->from == LpFrom::FORM) {
+        TRY(resume_form(lp, lp->form, start, final));
     } else {
-        presolve_drop(model);
-        if (!wants_presolve(model)) return 0;
-        TRY(lp_form_choose(model, &form));
-        code = presolve_and_solve(model, &form, method, start);
+        if (!wants_presolve(lp, start)) return 0;
+        TRY(lp_form_choose(lp, &lp->form));
+        TRY(reduce_and_solve(lp, lp->form, start, final));
     }
-    if (code == 0 && form.model != model && was_stopped(form.model)) {
-        model->dual_form = form.model; // for the next solve to go on from
-        form.model = model;
-    }
-    lp_form_free(&form, model);
-    return code;
+    if (!was_stopped(lp->form)) lp_drop_form(lp);
+    return 0;
 }

@@ -1,10 +1,19 @@
 // lp_run.h -- one run of the simplex within an LP solve
 #pragma once
-#include "model/model.h"
+#include "lp/lp_start.h"
 
-// Runs the simplex on `form` (the model, its dual, or a reduced form of either) from `statuses` [numvars + numconstrs of
-// form], or when they are empty from what the form holds, or from scratch. Iterations go on from those of
-// model->lp_result; those spent here on other models than `model` are added to it, and their work to model->node_count.
-// 0 or OUT_OF_MEMORY.
-[[nodiscard]] int lp_run(TVXmodel *model, TVXmodel *form, int method,
-                         const Array<int> *statuses);
+// Which body, and in which record.
+struct LpTarget {
+    const ModelBody *body;
+    sopt **simplex;
+    bool cutoff; // the Cutoff of the environment is one for this body
+};
+// Runs the simplex on the target (the model, its dual, or a reduced form of either) from `statuses` [n + m of the body],
+// or when they are empty from the record, or from scratch. Iterations go on from those of lp->result; those spent here on
+// others than the model itself are added to it, and their work to lp->work. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_run(LpSolve *lp, const LpTarget &target, const LpStart &start);
+// The model itself.
+inline LpTarget lp_own_target(LpSolve *lp)
+{
+    return {lp->body, &lp->simplex, true};
+}

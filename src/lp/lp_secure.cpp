@@ -14,12 +14,9 @@
 //             its own limit the best one stands after all, so that repeated calls come to an end.
 // Cost        Where the first answer is sure, the measures that the closing lines need anyway.
 #include "lp/lp_secure.h"
-#include "api/optimize.h"
-#include "attributes/attributes.h"
-#include "attributes/solution.h"
 #include "lp/lp_claim.h"
+#include "lp/lp_credible.h"
 #include "lp/lp_run.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -105,69 +102,68 @@ Grade grade_of(Footing foot)
 }
 
 // What the caller will find when he puts the point into his model.
-int look_as_caller(TVXmodel *model, Answer *answer)
+int look_as_caller(LpSolve *lp, Answer *answer)
 {
-    const TVXenv *env = model->env;
-    attributes_clear_solution(model);
-    model->lp_result->quality = Quality{};
-    if (model->status != TVX_OPTIMAL || env->TARV_PAR_UNSCALEDVIO == 0) return 0;
-    TRY(solution_quality(model));
-    const Quality *q = &model->lp_result->quality;
+    const TVXenv *env = lp->env;
+    lp->result->quality = Quality{};
+    if (lp->status != TVX_OPTIMAL || env->TARV_PAR_UNSCALEDVIO == 0) return 0;
+    TRY(lp_quality(lp));
+    const Quality *q = &lp->result->quality;
     answer->excess = std::max({q->BoundVio.max / env->FeasibilityTol,
                                q->ConstrVio.max / env->FeasibilityTol,
                                q->DualVio.max / env->OptimalityTol});
     const bool within = answer->excess <= 1;
-    if (answer->grade == Grade::UNSURE && within && simplex_is_tuned(model->simplex))
+    if (answer->grade == Grade::UNSURE && within && simplex_is_tuned(lp->simplex))
         answer->grade = Grade::SURE; // the record itself may be stricter
-    const bool visible = answer->worth > 1 && model->body->numnz <= SMALL_MODEL;
+    const bool visible = answer->worth > 1 && lp->body->numnz <= SMALL_MODEL;
     if (answer->grade == Grade::SURE && (!within || visible))
         answer->grade = Grade::ROUNDED;
     return 0;
 }
 
 // An optimum that misses the model by as much as its own numbers is none.
-int refuse_gross(TVXmodel *model, Answer *answer)
+int refuse_gross(LpSolve *lp, Answer *answer)
 {
     bool credible = true;
-    if (model->status != TVX_OPTIMAL) return 0;
+    if (lp->status != TVX_OPTIMAL) return 0;
     const bool usual =
-        answer->excess <= GROSS_EXCESS && std::isfinite(simplex_objective(model->simplex));
-    if (!usual || model->env->TARV_PAR_UNSCALEDVIO == 0) TRY(lp_credible(model, &credible));
+        answer->excess <= GROSS_EXCESS && std::isfinite(simplex_objective(lp->simplex));
+    if (!usual || lp->env->TARV_PAR_UNSCALEDVIO == 0) TRY(lp_credible(lp, &credible));
     if (!credible) answer->grade = Grade::NONE;
     return 0;
 }
 
 // Unbounded: along a ray of the caller's model, from a point that is feasible there.
-int look_at_ray(TVXmodel *model, bool by_ray, Answer *answer)
+int look_at_ray(LpSolve *lp, bool by_ray, Answer *answer)
 {
     bool holds = true;
-    if (model->status != TVX_UNBOUNDED || !by_ray) return 0;
-    TRY(lp_ray_holds(model, &holds));
+    if (lp->status != TVX_UNBOUNDED || !by_ray) return 0;
+    TRY(lp_ray_holds(lp, &holds));
     if (!holds) answer->grade = Grade::NONE;
     if (answer->grade != Grade::SURE) return 0;
-    TRY(lp_point_holds(model, &holds));
+    TRY(lp_point_holds(lp, &holds));
     if (!holds) answer->grade = Grade::UNSURE;
     return 0;
 }
 
 // Grades the answer of the live record. When it is better than the best so far it becomes the best, and the record that
 // held that one is freed.
-int note(TVXmodel *model, Best *best)
+int note(LpSolve *lp, Best *best)
 {
-    if (is_limit(model->status) && best->answer.grade != Grade::NONE) return 0;
-    const SimplexAssessment a = simplex_assess(model->simplex);
+    if (is_limit(lp->status) && best->answer.grade != Grade::NONE) return 0;
+    const SimplexAssessment a = simplex_assess(lp->simplex);
     Answer answer = {grade_of(a.Foot), a.Excess, a.Worth};
-    TRY(look_as_caller(model, &answer));
-    TRY(refuse_gross(model, &answer));
+    TRY(look_as_caller(lp, &answer));
+    TRY(refuse_gross(lp, &answer));
     if (!(a.Moved <= MOVED_MOST)) answer.grade = Grade::NONE;
-    TRY(look_at_ray(model, a.ByRay, &answer));
+    TRY(look_at_ray(lp, a.ByRay, &answer));
     best->near.Exact |= a.Near.Exact;
     best->near.Wide |= a.Near.Wide;
     if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
     simplex_free(best->record);
     best->record = nullptr;
     best->answer = answer;
-    best->status = model->status;
+    best->status = lp->status;
     return 0;
 }
 
@@ -194,46 +190,57 @@ SimplexTuning tuning_of(const TVXenv *env, const Way &way)
 }
 
 // The live record makes room for the next one: it is kept when it holds the best answer.
-void set_aside(TVXmodel *model, Best *best)
+void set_aside(LpSolve *lp, Best *best)
 {
-    model->lp_result->itercount = simplex_iterations(model->simplex);
-    model->node_count += simplex_take_work(model->simplex);
+    lp->result->itercount = simplex_iterations(lp->simplex);
+    lp->work += simplex_take_work(lp->simplex);
     if (best->answer.grade != Grade::NONE && !best->record)
-        best->record = model->simplex;
+        best->record = lp->simplex;
     else
-        simplex_free(model->simplex);
-    model->simplex = nullptr;
+        simplex_free(lp->simplex);
+    lp->simplex = nullptr;
 }
 
-int try_way(TVXmodel *model, const Way &way, int method, Best *best)
+// What the looks after a run have found instead of its status.
+void declare(LpSolve *lp, int status)
+{
+    simplex_declare(lp->simplex, status);
+    lp->status = status;
+}
+
+int try_way(LpSolve *lp, const Way &way, int method, Best *best)
 {
     Array<int> basis;
     if (way.begin == BEST_BASIS) {
-        TRY(array_resize(&basis, int64_t{model->body->numvars} + model->body->numconstrs));
-        simplex_get_basis(best->record ? best->record : model->simplex, basis.data);
+        TRY(array_resize(&basis, int64_t{lp->body->numvars} + lp->body->numconstrs));
+        simplex_get_basis(best->record ? best->record : lp->simplex, basis.data);
         method = METHOD_BY_START;
     } else if (way.other_method) {
         method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
     }
-    set_aside(model, best);
-    model->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
-    TRY(SimplexRepeat(model, method, basis.data, tuning_of(model->env, way)));
-    return note(model, best);
+    set_aside(lp, best);
+    lp->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
+    const SimplexCall call = {.Method = method,
+                              .Statuses = basis.size > 0 ? basis.data : nullptr,
+                              .Iterations = lp->result->itercount};
+    TRY(SimplexRepeat(&lp->simplex, lp->body, lp->env, call, tuning_of(lp->env, way)));
+    lp->status = simplex_status(lp->simplex);
+    return note(lp, best);
 }
 
 // Rounding cannot always be helped: beyond the first of the ways it is tried where that costs next to nothing.
-bool is_good_enough(const TVXmodel *model, const Best &best, int tried)
+bool is_good_enough(const LpSolve *lp, const Best &best, int tried)
 {
-    const bool small = model->body->numnz <= SMALL_MODEL;
+    const bool small = lp->body->numnz <= SMALL_MODEL;
     return best.answer.grade == Grade::SURE ||
            (best.answer.grade == Grade::ROUNDED && !small && tried > 0);
 }
 
 // A large model with any answer at all is not solved over and over for a better one.
-bool is_spent(const TVXmodel *model, const Best &best, double first_iterations)
+bool is_spent(const LpSolve *lp, const Best &best, double first_iterations)
 {
-    if (best.answer.grade == Grade::NONE || model->body->numnz <= SMALL_MODEL) return false;
-    const double now = simplex_iterations(model->simplex);
+    if (best.answer.grade == Grade::NONE || lp->body->numnz <= SMALL_MODEL) return false;
+    const double now = simplex_iterations(lp->simplex);
     return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
 }
 
@@ -252,58 +259,59 @@ bool proved_near_enough(const Best &best)
 }
 
 // The live record gets the best answer.
-int settle(TVXmodel *model, Best *best)
+int settle(LpSolve *lp, Best *best)
 {
-    const int limit = is_limit(model->status) ? model->status : 0;
-    const double iterations = simplex_iterations(model->simplex);
+    const int limit = is_limit(lp->status) ? lp->status : 0;
+    const double iterations = simplex_iterations(lp->simplex);
     if (!limit && proved_near_enough(*best)) {
-        simplex_declare(model, TVX_INFEASIBLE);
-        model->lp_result->quality = Quality{};
+        declare(lp, TVX_INFEASIBLE);
+        lp->result->quality = Quality{};
         return 0;
     }
-    if (best->answer.grade == Grade::NONE && model->status == TVX_OPTIMAL) {
-        simplex_declare(model, TVX_NUMERIC);
-        model->lp_result->quality = Quality{};
+    if (best->answer.grade == Grade::NONE && lp->status == TVX_OPTIMAL) {
+        declare(lp, TVX_NUMERIC);
+        lp->result->quality = Quality{};
     }
     const bool restored = best->record != nullptr;
     if (restored) {
-        model->node_count += simplex_take_work(model->simplex);
-        simplex_free(model->simplex);
-        model->simplex = best->record;
+        lp->work += simplex_take_work(lp->simplex);
+        simplex_free(lp->simplex);
+        lp->simplex = best->record;
         best->record = nullptr;
-        simplex_count_on(model->simplex, iterations);
-        model->status = best->status;
+        simplex_count_on(lp->simplex, iterations);
+        lp->status = best->status;
     }
     if (restored && limit && !best->repeated && !is_final(best->answer)) {
-        simplex_declare(model, limit);
-        return look_as_caller(model, &best->answer);
+        declare(lp, limit);
+        return look_as_caller(lp, &best->answer);
     }
     // The ray holds; whether it starts from a feasible point is open.
-    if (best->answer.grade == Grade::UNSURE && model->status == TVX_UNBOUNDED)
-        simplex_declare(model, TVX_INF_OR_UNBD);
-    return restored ? look_as_caller(model, &best->answer) : 0;
+    if (best->answer.grade == Grade::UNSURE && lp->status == TVX_UNBOUNDED)
+        declare(lp, TVX_INF_OR_UNBD);
+    return restored ? look_as_caller(lp, &best->answer) : 0;
 }
 } // namespace
 
-int lp_secure(TVXmodel *model, int method, const Array<int> *statuses)
+int lp_secure(LpSolve *lp, const LpStart &start)
 {
-    const bool stopped = model->simplex && is_limit(simplex_status(model->simplex));
-    TRY(lp_run(model, model, method, statuses));
-    const int first = model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
-    const double first_iterations = simplex_iterations(model->simplex);
+    const bool stopped = lp->simplex && is_limit(simplex_status(lp->simplex));
+    TRY(lp_run(lp, lp_own_target(lp), start));
+    lp->status = simplex_status(lp->simplex);
+    const int first = lp->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
+    const double first_iterations = simplex_iterations(lp->simplex);
     Best best;
     best.repeated = stopped && first_iterations == 0;
-    TRY(note(model, &best));
-    if (!is_good_enough(model, best, 0) && !is_limit(model->status))
-        TVXmsg(model->env,
+    TRY(note(lp, &best));
+    if (!is_good_enough(lp, best, 0) && !is_limit(lp->status))
+        TVXmsg(lp->env,
                "Warning: the answer is not sure, solving again in other ways\n");
     int tried = 0;
     for (const Way &way : WAYS) {
-        if (is_good_enough(model, best, tried) || is_limit(model->status)) break;
-        if (is_spent(model, best, first_iterations)) break;
-        if (!applies(model->env, way, best)) continue;
-        TRY(try_way(model, way, first, &best));
+        if (is_good_enough(lp, best, tried) || is_limit(lp->status)) break;
+        if (is_spent(lp, best, first_iterations)) break;
+        if (!applies(lp->env, way, best)) continue;
+        TRY(try_way(lp, way, first, &best));
         tried++;
     }
-    return settle(model, &best);
+    return settle(lp, &best);
 }

@@ -1,26 +1,25 @@
-// mip_driver.cpp -- the route of a mixed-integer program: its parameters around the search
+// mip_driver.cpp -- the solve of a mixed-integer program: its parameters around the search
 //
-// Method   Presets of MIPFocus hold for the length of the search and are taken back whatever its
-//          outcome. There is no search yet, so the model is refused as a whole: its relaxation alone
-//          would be an answer to another question.
-#include "api/optimize.h"
+// Method   The search works in a copy of the caller's environment, in which the presets of MIPFocus are made. There is no
+//          search yet, so the model is refused as a whole: its relaxation alone would be an answer to another question.
+#include "mip/mip.h"
 
 // Where the search is to be called. Leaves no result, so that the status stays TVX_LOADED.
-static int search(TVXmodel *model)
+static int search(const ModelBody *body, TVXenv *env)
 {
-    const ModelBody *body = model->body;
-    return fail_model(model, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
-                      "Only continuous models can be solved: this one has %d integer or "
-                      "semi-continuous variables and %d SOS constraints",
-                      body->numintvars, body->numsos);
+    return fail(env, TVX_ERROR_NOT_FOR_MIP, Report::KEEP_FIRST,
+                "Only continuous models can be solved: this one has %d integer or "
+                "semi-continuous variables and %d SOS constraints",
+                body->numintvars, body->numsos);
 }
 
-int mip_driver(TVXmodel *model)
+int mip_solve(const ModelBody *body, TVXenv *env, MipResult **result)
 {
-    model_free_results(model);
-    model->status = TVX_LOADED;
-    const MipFocusSaved saved = mip_focus_apply(model->env);
-    const int code = search(model);
-    mip_focus_restore(model->env, saved);
+    *result = nullptr;
+    TVXenv *own = nullptr;
+    TRY(env_variant(&own, env));
+    mip_focus_apply(own);
+    const int code = search(body, own);
+    env_free(own);
     return code;
 }

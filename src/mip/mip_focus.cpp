@@ -2,18 +2,7 @@
 //
 // Method   A preset changes a parameter only where it still has its default, so that what a caller has
 //          chosen stands.
-#include "api/optimize.h"
-
-// All parameters that a preset may change.
-static int TVXenv::*const focus_ints[FOCUS_INTS] = {
-    &TVXenv::Presolve,  &TVXenv::Cuts, &TVXenv::CutAggPasses,
-    &TVXenv::VarBranch, &TVXenv::RINS, &TVXenv::TARV_PAR_CUTPASS,
-};
-static double TVXenv::*const focus_doubles[FOCUS_DOUBLES] = {
-    &TVXenv::Heuristics,
-    &TVXenv::TARV_PAR_ASPIRE,
-    &TVXenv::TARV_PAR_CUTORTHTOL,
-};
+#include "mip/mip.h"
 
 template<class T> struct Preset {
     int focus;        // value of MIPFocus
@@ -56,19 +45,9 @@ template<class T> static void apply(TVXenv *env, const Preset<T> &preset)
         *value = preset.preset; // was assigned, compares exactly
 }
 
-MipFocusSaved mip_focus_apply(TVXenv *env)
+void mip_focus_apply(TVXenv *env)
 {
-    MipFocusSaved saved;
-    for (int k = 0; k < FOCUS_INTS; k++) saved.ints[k] = env->*focus_ints[k];
-    for (int k = 0; k < FOCUS_DOUBLES; k++) saved.doubles[k] = env->*focus_doubles[k];
     if (env->Cuts >= AGGRESSIVE_CUTS) apply(env, aggressive_cuts_preset);
     for (const Preset<int> &preset : int_presets) apply(env, preset);
     for (const Preset<double> &preset : double_presets) apply(env, preset);
-    return saved;
-}
-
-void mip_focus_restore(TVXenv *env, const MipFocusSaved &saved)
-{
-    for (int k = 0; k < FOCUS_INTS; k++) env->*focus_ints[k] = saved.ints[k];
-    for (int k = 0; k < FOCUS_DOUBLES; k++) env->*focus_doubles[k] = saved.doubles[k];
 }

@@ -2,6 +2,7 @@
 //
 // Problem     Null, freed and foreign pointers, models in the middle of a solve and models whose environment is gone
 //             have to be told apart before anything is touched.
+#include "env/callback.h"
 #include "model/model.h"
 
 int model_check(TVXmodel *model)
@@ -49,4 +50,14 @@ void TVXterminate(TVXmodel *model)
         flag_store(&model->env->terminate, 1);
     else
         warn_dead_master(model->env);
+}
+
+void model_open_solve(TVXmodel *model, double now)
+{
+    TVXenv *env = model->env;
+    env->terminate_ptr = &env->terminate;
+    flag_store(env->terminate_ptr, 0);
+    callback_open(env);
+    env->optimize_start = now;
+    flag_store(&model->busy, 1);
 }

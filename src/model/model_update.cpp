@@ -7,7 +7,7 @@
 // loaded, and decides what survives of the basis.
 // Cost: names, bounds and values O(changes); anything that changes the matrix one pass over it,
 // however many adds were queued.
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 #include "model/update.h"
 #include "model/warm_start.h"
 #include "simplex/simplex.h"
@@ -52,7 +52,7 @@ static void apply(TVXmodel *model, UpdatePlan *plan)
     if (types) body_count_types(body);
     update_basis(model, plan);
     body->solve_tag = -1;
-    model->status = TVX_LOADED;
+    model->lp.status = TVX_LOADED;
     model_estimate_size(model);
 }
 
@@ -94,15 +94,15 @@ static void follow_infinity(TVXmodel *model)
     const double infinite = infinite_bound(model->env);
     if (infinite == model->body->kind_infinity) return; // assigned
     body_find_kinds(model->body, infinite);
-    if (model->simplex) {
+    if (model->lp.simplex) {
         const WarmStart *given = model->warm_start;
         if (!given || given->kind == WARM_NONE) warm_start_from_simplex(model);
-        simplex_free(model->simplex);
-        model->simplex = nullptr;
+        simplex_free(model->lp.simplex);
+        model->lp.simplex = nullptr;
     }
     model_free_results(model); // presolve alone may have made them
     attributes_clear(model);
-    model->status = TVX_LOADED;
+    model->lp.status = TVX_LOADED;
 }
 
 static int update_steps(TVXmodel *model)
@@ -137,7 +137,7 @@ int model_update(TVXmodel *model)
     if (error) {
         fail_model(model, error, Report::KEEP_FIRST, "Problem updating model");
         discard_pending(model);
-        model->status = STATUS_BROKEN;
+        model->lp.status = STATUS_BROKEN;
     }
     return error;
 }
@@ -166,10 +166,10 @@ int TVXresetmodel(TVXmodel *model)
         return finish_model(model, error);
     }
     warm_start_drop(model);
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
+    simplex_free(model->lp.simplex);
+    model->lp.simplex = nullptr;
     model_free_results(model);
     model->body->solve_tag = -1;
-    model->status = TVX_LOADED;
+    model->lp.status = TVX_LOADED;
     return finish_model(model, 0);
 }

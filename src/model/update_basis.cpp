@@ -18,7 +18,7 @@
 static bool concerns_mip(const TVXmodel *model)
 {
     const PendingChanges *p = model->pending;
-    if (model_is_mip(model) || p->sos_changes.type.size) return true;
+    if (body_is_mip(model->body) || p->sos_changes.type.size) return true;
     for (const char vtype : p->added_vars.vtype)
         if (vtype != 'C') return true;
     for (const int j : p->vars.touched)
@@ -114,11 +114,11 @@ static int carry_statuses(const TVXmodel *model, const int *statuses,
 
 static int plan_carry(TVXmodel *model, UpdatePlan *plan)
 {
-    const WarmStart *warm = model->simplex ? nullptr : warm_start_usable(model);
+    const WarmStart *warm = model->lp.simplex ? nullptr : warm_start_usable(model);
     Array<int> live;
     if (!warm) {
         TRY(array_resize(&live, int64_t{model->body->numvars} + model->body->numconstrs));
-        simplex_get_basis(model->simplex, live.data);
+        simplex_get_basis(model->lp.simplex, live.data);
     }
     const int *statuses = warm ? warm->statuses.data : live.data;
     const bool repair = edits_basic_column(plan, statuses);
@@ -137,9 +137,9 @@ static int plan_carry(TVXmodel *model, UpdatePlan *plan)
 int update_plan_basis(TVXmodel *model, UpdatePlan *plan)
 {
     plan->mode = BasisMode::DROP;
-    if (!model->simplex && !warm_start_usable(model)) return 0;
+    if (!model->lp.simplex && !warm_start_usable(model)) return 0;
     if (concerns_mip(model)) return 0;
-    if (model->simplex && changes_only_bounds(model->pending, plan) &&
+    if (model->lp.simplex && changes_only_bounds(model->pending, plan) &&
         !changes_freedom(model)) {
         plan->mode = BasisMode::LIVE;
         return 0;
@@ -158,8 +158,8 @@ void update_plan_free(UpdatePlan *plan)
 void update_release_basis(TVXmodel *model, const UpdatePlan *plan)
 {
     if (plan->mode == BasisMode::LIVE) return;
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
+    simplex_free(model->lp.simplex);
+    model->lp.simplex = nullptr;
 }
 
 // Hands the new bounds to the live record; where it cannot follow, its statuses are carried over.
@@ -168,10 +168,10 @@ static void move_bounds(TVXmodel *model)
     const ModelBody *body = model->body;
     for (const int who : model->pending->bound_changes.who) {
         const int j = who >= 0 ? who : -who - 1;
-        if (simplex_change_bound(model->simplex, j, body->lb[j], body->ub[j])) continue;
+        if (simplex_change_bound(model->lp.simplex, j, body->lb[j], body->ub[j])) continue;
         warm_start_from_simplex(model);
-        simplex_free(model->simplex);
-        model->simplex = nullptr;
+        simplex_free(model->lp.simplex);
+        model->lp.simplex = nullptr;
         return;
     }
 }

@@ -58,7 +58,7 @@ void warm_start_from_simplex(TVXmodel *model)
         warm_start_drop(model);
         return;
     }
-    simplex_get_basis(model->simplex, model->warm_start->statuses.data);
+    simplex_get_basis(model->lp.simplex, model->warm_start->statuses.data);
     model->warm_start->kind = WARM_CARRIED;
 }
 
@@ -138,9 +138,9 @@ void warm_start_validate(TVXmodel *model)
         return;
     }
     warm->kind = WARM_CHECKED;
-    if (!model->simplex) return;
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
+    if (!model->lp.simplex) return;
+    simplex_free(model->lp.simplex);
+    model->lp.simplex = nullptr;
     model_free_results(model);
-    model->status = TVX_LOADED;
+    model->lp.status = TVX_LOADED;
 }

@@ -1,6 +1,8 @@
 // build.cpp -- the reduced model and the way back, from the presolve record
-#include "model/model_store.h"
+#include "body/build.h"
+#include "presolve/presolve.h"
 #include "presolve/work.h"
+#include <utility>
 
 namespace
 {
@@ -55,20 +57,21 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
 int fill_result(PresolveWork *w, PresolveResult *result)
 {
     int m = 0, n = 0;
+    result->Full = w->Body;
+    result->Env = w->Env;
     result->NumCols = w->NumCols;
     result->NumRows = w->NumRows;
     result->INF = w->INF;
-    result->ObjCon = w->Model->body->sense * w->ObjCon;
+    result->ObjCon = w->Body->sense * w->ObjCon;
     TRY(number_live(w->RowCnt.data, w->NumRows, &result->RowMap, &m));
     TRY(number_live(w->ColCnt.data, w->NumCols, &result->ColMap, &n));
     if (n > 0 || m > 0) {
         ModelArrays arrays;
-        arrays.sense = w->Model->body->sense;
+        arrays.sense = w->Body->sense;
         arrays.objcon = w->ObjCon;
         TRY(collect_rows(w, result, m, &arrays));
         TRY(collect_cols(w, result, n, &arrays));
-        TRY(model_adopt(w->Env, &arrays, &w->Model->presolved));
-        w->Model->presolved->no_cutoff = w->Model->no_cutoff;
+        TRY(body_adopt(w->Env, &arrays, &result->Reduced));
     }
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
     result->Undo = w->Undo; // the stack changes hands
@@ -77,19 +80,40 @@ int fill_result(PresolveWork *w, PresolveResult *result)
 }
 } // namespace
 
-int build_reduced(PresolveWork *w)
+int build_reduced(PresolveWork *w, PresolveResult **out)
 {
+    *out = nullptr;
     PresolveResult *result = record_create<PresolveResult>();
     if (!result) return OUT_OF_MEMORY;
-    w->Model->presolve = result;
-    return fill_result(w, result); // on failure the caller frees the result
+    if (const int status = fill_result(w, result)) {
+        presolve_free(result);
+        return status;
+    }
+    *out = result;
+    return 0;
 }
 
 void presolve_free(PresolveResult *result)
 {
     if (!result) return;
     undo_free(&result->Undo);
+    body_free(result->Reduced);
     record_free(result);
+}
+
+void presolve_set_env(PresolveResult *result, TVXenv *env)
+{
+    result->Env = env;
+}
+
+const ModelBody *presolve_reduced(const PresolveResult *result)
+{
+    return result->Reduced;
+}
+
+ModelBody *presolve_take_reduced(PresolveResult *result)
+{
+    return std::exchange(result->Reduced, nullptr);
 }
 
 int presolved_var(const PresolveResult *result, int j)

@@ -127,7 +127,7 @@ int claim_propagated(PresolveWork *w, BoundPropagation *p)
 int claim_finish(PresolveWork *w, int status, LpClaim *claim)
 {
     if (w->Proof.size == 0) return 0;
-    const ModelBody *body = w->Model->body;
+    const ModelBody *body = w->Body;
     const int n = w->NumCols, m = w->NumRows;
     const bool infeasible = status == PRESOLVE_INFEASIBLE;
     Direction direction;
@@ -143,11 +143,10 @@ int claim_finish(PresolveWork *w, int status, LpClaim *claim)
     return 0;
 }
 
-int postsolve_farkas(const TVXmodel *model, const double *reduced, double *full)
+int postsolve_farkas(const PresolveResult *result, const double *reduced, double *full)
 {
-    const PresolveResult *result = model->presolve;
-    const ModelBody *small = model->presolved->body;
-    const int n = model->body->numvars, m = model->body->numconstrs;
+    const ModelBody *small = result->Reduced;
+    const int n = result->NumCols, m = result->NumRows;
     Direction direction;
     Array<double> y, d; // of the reduced model
     TRY(direction_alloc(&direction, n, m, result->INF));
@@ -157,7 +156,7 @@ int postsolve_farkas(const TVXmodel *model, const double *reduced, double *full)
     for (int j = 0; j < small->numvars; j++)
         for (int p = small->vbeg.data[j]; p < small->vbeg.data[j + 1]; p++)
             d.data[j] -= y.data[small->vind.data[p]] * small->vval.data[p];
-    TRY(replace_given_bounds(model, y.data, d.data));
+    TRY(replace_given_bounds(result, y.data, d.data));
     for (int i = 0; i < m; i++) {
         const int k = result->RowMap.data[i];
         if (k >= 0) direction.d.data[n + i] = y.data[k];
@@ -168,22 +167,21 @@ int postsolve_farkas(const TVXmodel *model, const double *reduced, double *full)
     }
     LimitWatch watch = {nullptr};
     TRY(undo_all(result->Undo.head, &direction.point, &watch));
-    farkas_of(model->body, &direction.point, full);
+    farkas_of(result->Full, &direction.point, full);
     return 0;
 }
 
-int postsolve_ray(const TVXmodel *model, const double *reduced, double *full)
+int postsolve_ray(const PresolveResult *result, const double *reduced, double *full)
 {
-    const PresolveResult *result = model->presolve;
     Direction direction;
-    TRY(direction_alloc(&direction, model->body->numvars, model->body->numconstrs,
+    TRY(direction_alloc(&direction, result->NumCols, result->NumRows,
                         result->INF));
-    for (int j = 0; j < model->body->numvars; j++) {
+    for (int j = 0; j < result->NumCols; j++) {
         const int k = result->ColMap.data[j];
         if (k >= 0) direction.x.data[j] = reduced[k];
     }
     LimitWatch watch = {nullptr};
     TRY(undo_all(result->Undo.head, &direction.point, &watch));
-    ray_of(model->body, &direction.point, full);
+    ray_of(result->Full, &direction.point, full);
     return 0;
 }

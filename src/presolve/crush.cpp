@@ -25,10 +25,9 @@ void presolve_mend_basis(int n, int m, int *statuses)
         }
 }
 
-void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced)
+void presolve_crush_basis(const PresolveResult *result, const int *full, int *reduced)
 {
-    const PresolveResult *result = model->presolve;
-    const int n = model->presolved->body->numvars, m = model->presolved->body->numconstrs;
+    const int n = result->Reduced->numvars, m = result->Reduced->numconstrs;
     for (int j = 0; j < result->NumCols; j++)
         if (result->ColMap.data[j] >= 0) reduced[result->ColMap.data[j]] = full[j];
     for (int i = 0; i < result->NumRows; i++)

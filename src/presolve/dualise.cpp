@@ -16,8 +16,8 @@
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "body/row_kind.h"
-#include "model/model_store.h"
-#include "presolve/limits.h"
+#include "body/build.h"
+#include "env/limits.h"
 #include "presolve/presolve.h"
 #include <cmath>
 
@@ -142,9 +142,8 @@ int fill_boxes(const ModelBody *body, double infinite, DualForm *d)
 }
 } // namespace
 
-int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
+int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
 {
-    const ModelBody *body = model->body;
     const double infinite = infinite_bound(env);
     *out = nullptr;
     DualForm d;
@@ -158,9 +157,7 @@ int dualise(const TVXmodel *model, TVXenv *env, TVXmodel **out)
     d.arrays.sense = -body->sense; // the caller's sense turns both
     d.arrays.objcon = -(body->objcon + d.constant);
     TRY(limits_reached(env));
-    TRY(model_adopt(env, &d.arrays, out));
-    (*out)->no_cutoff = 1;
-    return 0;
+    return body_adopt(env, &d.arrays, out);
 }
 
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,

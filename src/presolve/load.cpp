@@ -134,13 +134,11 @@ int classify(const PresolveWork *w, int used)
 }
 } // namespace
 
-int work_load(PresolveWork *w, TVXmodel *model)
+int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
 {
-    const ModelBody *body = model->body;
-    const TVXenv *env = model->env;
-    w->Model = model;
-    w->Env = model->env;
-    w->Watch = {model->env};
+    w->Body = body;
+    w->Env = env;
+    w->Watch = {env};
     w->NumCols = body->numvars;
     w->NumRows = body->numconstrs;
     w->StartTime = w->LastLogTime = WallClock();

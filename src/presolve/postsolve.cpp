@@ -12,26 +12,24 @@
 namespace
 {
 // A nonbasic column whose bounds have met stands at both: the sign of its reduced cost tells which of them holds it.
-int status_of(const TVXmodel *reduced_model, const LpPoint *reduced, int k)
+int status_of(const ModelBody *body, const LpPoint *reduced, int k)
 {
     const int status = reduced->status.data[k];
-    if (!reduced_model) return status;
-    const ModelBody *body = reduced_model->body;
-    if (status >= 0 || body->lb.data[k] != body->ub.data[k]) return status;
+    if (!body || status >= 0 || body->lb.data[k] != body->ub.data[k]) return status;
     return reduced->dual.data[k] >= 0 ? -1 : -2;
 }
 
-void scatter(const PresolveResult *result, const TVXmodel *reduced_model,
-             const LpPoint *reduced, PostPoint *point)
+void scatter(const PresolveResult *result, const LpPoint *reduced, PostPoint *point)
 {
     const int n = point->n, m = point->m;
-    const int reduced_n = reduced_model ? reduced_model->body->numvars : 0;
+    const ModelBody *small = result->Reduced;
+    const int reduced_n = small ? small->numvars : 0;
     for (int j = 0; j < n; j++) {
         const int k = result->ColMap.data[j];
         point->x[j] = k >= 0 ? reduced->x.data[k] : 0;
         point->d[j] = k >= 0 ? reduced->dual.data[k] : 0;
         if (point->status)
-            point->status[j] = k >= 0 ? status_of(reduced_model, reduced, k) : -1;
+            point->status[j] = k >= 0 ? status_of(small, reduced, k) : -1;
     }
     for (int i = 0; i < m; i++) {
         const int k = result->RowMap.data[i];
@@ -94,17 +92,16 @@ int undo_all(const UndoRecord *undo, PostPoint *point, LimitWatch *watch)
     return 0;
 }
 
-int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis)
+int lp_point_alloc(LpPoint *point, const ModelBody *body, bool with_basis)
 {
-    const int64_t size = int64_t{model->body->numvars} + model->body->numconstrs;
+    const int64_t size = int64_t{body->numvars} + body->numconstrs;
     TRY(array_assign(&point->x, size, 0.0));
     TRY(array_assign(&point->dual, size, 0.0));
     return with_basis ? array_assign(&point->status, size, 0) : 0;
 }
 
-int postsolve_equations(const TVXmodel *model, char *rows)
+int postsolve_equations(const PresolveResult *result, char *rows)
 {
-    const PresolveResult *result = model->presolve;
     int count = 0;
     for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
         if (undo->kind != UNDO_ROW_COMBINATION) continue;
@@ -116,17 +113,17 @@ int postsolve_equations(const TVXmodel *model, char *rows)
     return count;
 }
 
-int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
+int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *full,
                  PostsolveLimits limits)
 {
-    const PresolveResult *result = model->presolve;
-    TRY(lp_point_alloc(full, model, !reduced || reduced->status.size > 0));
-    PostPoint point = {model->body->numvars, model->body->numconstrs, full->x.data,
+    const ModelBody *body = result->Full;
+    TRY(lp_point_alloc(full, body, !reduced || reduced->status.size > 0));
+    PostPoint point = {body->numvars, body->numconstrs, full->x.data,
                        full->dual.data,      full->status.data,       result->INF};
-    LimitWatch watch = {limits == PostsolveLimits::OBEY ? model->env : nullptr};
+    LimitWatch watch = {limits == PostsolveLimits::OBEY ? result->Env : nullptr};
     TRY(limits_reached(watch.env));
-    scatter(result, model->presolved, reduced, &point);
+    scatter(result, reduced, &point);
     TRY(limits_reached(watch.env));
     TRY(undo_all(result->Undo.head, &point, &watch));
-    return compute_slacks(model->body, &point, &watch);
+    return compute_slacks(body, &point, &watch);
 }

@@ -1,10 +1,10 @@
 // presolve.h -- the face of the presolve subsystem: reduce a model, and come back from a solution of the reduced one
 //
-// presolve_lp -> PresolveResult and a reduced TVXmodel -> any solver -> postsolve_lp
+// presolve_lp -> PresolveResult with a reduced body -> any solver -> postsolve_lp
 // Signs: rows are a x <= b or a x = b as the model body holds them, minimise. Duals y are those of the Lagrangean
 // c x + y (b - a x), so that a row a x <= b has y <= 0, and reduced costs are d = c - A^T y.
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
 
 // Status of a presolve that leaves no reduced model behind, and of each reduction.
 enum PresolveStatus {
@@ -25,13 +25,18 @@ struct LpClaim {
         ray; // [numvars] direction in which the objective of a model falls for ever
 };
 
-// Reduces the continuous model `model`. On PRESOLVE_OK model->presolve holds the way back, and model->presolved the
-// reduced model, which shares the environment, or null when nothing is left. Any earlier result is dropped first. Other
-// results leave neither; `claim`, unless it is null, then gets the proof of what is said. A status of PresolveStatus, or
-// OUT_OF_MEMORY.
-[[nodiscard]] int presolve_lp(TVXmodel *model, LpClaim *claim = nullptr);
-void presolve_drop(
-    TVXmodel *model); // result, reduced model and dual form, if there are any
+// The reduced model and all that postsolve needs. It keeps the address of the body that was reduced.
+struct PresolveResult;
+
+// Reduces a continuous model. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
+// proof of what is said. The effort is added to *work. A status of PresolveStatus, or OUT_OF_MEMORY.
+[[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out,
+                              double *work, LpClaim *claim = nullptr);
+void presolve_free(PresolveResult *result); // null is ignored
+void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits postsolve obeys
+// Of the result, or null when nothing is left to solve.
+const ModelBody *presolve_reduced(const PresolveResult *result);
+ModelBody *presolve_take_reduced(PresolveResult *result); // it changes hands
 
 // A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,
 // -3 free or superbasic); the slack of row i is b_i - a_i x.
@@ -41,39 +46,32 @@ struct LpPoint {
     Array<int> status;  // [n + m], or empty
 };
 // Room for a model of this size, zeros. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int lp_point_alloc(LpPoint *point, const TVXmodel *model, bool with_basis);
+[[nodiscard]] int lp_point_alloc(LpPoint *point, const ModelBody *body, bool with_basis);
 
 // Marks the equations of the reduced model whose slacks the way back needs nonbasic: rows [its numconstrs], zero before.
 // Returns how many.
-int postsolve_equations(const TVXmodel *model, char *rows);
+int postsolve_equations(const PresolveResult *result, char *rows);
 
 // Maps a solution of the reduced model (null when nothing is left of it) back to the model. A PresolveStatus of the
 // limits if they are obeyed, or OUT_OF_MEMORY.
 enum class PostsolveLimits { OBEY, IGNORE };
-[[nodiscard]] int postsolve_lp(const TVXmodel *model, const LpPoint *reduced, LpPoint *full,
+[[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *full,
                                PostsolveLimits limits = PostsolveLimits::OBEY);
 
 // The same for proofs of what is said of the reduced model: multipliers of its rows give those of the rows of the model, a
 // direction of its variables one of the model's. What comes back is to be judged: reductions that keep an optimum may
 // lose a proof of infeasibility. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int postsolve_farkas(const TVXmodel *model, const double *reduced,
+[[nodiscard]] int postsolve_farkas(const PresolveResult *result, const double *reduced,
                                    double *full);
-[[nodiscard]] int postsolve_ray(const TVXmodel *model, const double *reduced, double *full);
+[[nodiscard]] int postsolve_ray(const PresolveResult *result, const double *reduced, double *full);
 // Entries that only rounding can have made: multipliers of the wrong sign or of absent rows, steps against a bound.
 void farkas_clean(const ModelBody *body, double infinite, double *farkas);
 void ray_clean(const ModelBody *body, double infinite, double *ray);
 
 // Maps a basis of the model to the reduced model: statuses [n + m] of each.
-void presolve_crush_basis(const TVXmodel *model, const int *full, int *reduced);
+void presolve_crush_basis(const PresolveResult *result, const int *full, int *reduced);
 // Statuses [n + m] with too few or too many basic entries get m of them.
 void presolve_mend_basis(int n, int m, int *statuses);
-
-// What a presolve has done so far.
-struct PresolveWork;
-struct PresolveCounts {
-    int bounds_changed, coefs_changed, ineq_to_eq, rows_removed, cols_removed;
-};
-PresolveCounts presolve_counts(const PresolveWork *w);
 
 // Where a variable or constraint went: its index in the reduced model, or below zero when it is gone.
 int presolved_var(const PresolveResult *result, int j);

@@ -4,7 +4,7 @@
 //             the reductions that cost more. What a reduction touches is what the next ones look at. The passes end when
 //             one has removed nothing, or with their budget; empty columns and rows go last.
 // Out         The reduced model and the way back, or a final status.
-#include "model/model_store.h"
+#include "body/body.h"
 #include "presolve/claim.h"
 #include <algorithm>
 #include <cstdlib>
@@ -57,11 +57,11 @@ Plan make_plan(const PresolveWork *w)
                                       : PASSES;
     plan.dependent = env->PreDepRow;
     if (plan.dependent < 0)
-        plan.dependent = level == 2   ? 3
-                         : level == 1 ? 0
-                         : env->LPMethod == 2 || w->MatrixClass == MATRIX_UNIT_EQUATIONS
-                             ? 3
-                             : 0;
+        plan.dependent =
+            level == 2                                                               ? 3
+            : level == 1                                                             ? 0
+            : env->LPMethod == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
+                                                                                     : 0;
     return plan;
 }
 
@@ -194,40 +194,31 @@ void log_result(const PresolveWork *w)
         TVXmsg(w->Env, "Presolve changed %d inequalities to equalities\n", w->IneqToEq);
 }
 
-int load_and_reduce(PresolveWork *w, TVXmodel *model)
+int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
+                    PresolveResult **out)
 {
-    TRY(work_load(w, model));
+    TRY(work_load(w, body, env));
     const int status = reduce(w);
     if (status != 0 && status != STOP) return status;
-    TRY(build_reduced(w));
+    TRY(build_reduced(w, out));
     log_result(w);
     return 0;
 }
 } // namespace
 
-int presolve_lp(TVXmodel *model, LpClaim *claim)
+int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out, double *effort,
+                LpClaim *claim)
 {
-    presolve_drop(model);
+    *out = nullptr;
     PresolveWork work;
     work.WantsProof = claim != nullptr;
-    int status = load_and_reduce(&work, model);
-    if (status != 0) presolve_drop(model);
+    int status = load_and_reduce(&work, body, env, out);
     if (work.Proof.size > 0) {
         const int stop = claim_finish(&work, status, claim);
         if (stop != 0) status = stop;
     }
     if (status != 0 && status != OUT_OF_MEMORY) status = final_status(&work, status);
-    model->node_count += work.Work;
+    *effort += work.Work;
     work_free(&work);
     return status;
-}
-
-void presolve_drop(TVXmodel *model)
-{
-    presolve_free(model->presolve);
-    model_free(model->presolved);
-    model_free(model->dual_form);
-    model->presolve = nullptr;
-    model->presolved = nullptr;
-    model->dual_form = nullptr;
 }

@@ -12,7 +12,7 @@
 //             whoever ends the model, fixes a column or drops a row by a sign or a size asks there.
 // Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
 #pragma once
-#include "presolve/limits.h"
+#include "env/limits.h"
 #include "presolve/presolve.h"
 #include "presolve/undo.h"
 
@@ -48,7 +48,7 @@ struct WorkList {
 };
 
 struct PresolveWork {
-    TVXmodel *Model = nullptr;
+    const ModelBody *Body = nullptr; // that is reduced
     TVXenv *Env = nullptr;
     int MatrixClass = 0; // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
@@ -116,6 +116,9 @@ enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK
 
 // The way back, as long as the reduced model lives.
 struct PresolveResult {
+    const ModelBody *Full = nullptr; // that was reduced; not owned
+    ModelBody *Reduced = nullptr;    // null when nothing is left
+    TVXenv *Env = nullptr;           // for limits
     int NumCols = 0, NumRows = 0; // of the original model
     UndoStack Undo;
     Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
@@ -176,7 +179,7 @@ inline int next_in_col(const PresolveWork *w, int p)
 }
 
 // ---- load.cpp ----
-[[nodiscard]] int work_load(PresolveWork *w, TVXmodel *model);
+[[nodiscard]] int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env);
 void work_free(PresolveWork *w);
 
 // ---- lists.cpp: worklists and candidates ----
@@ -281,12 +284,13 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 }
 
 // ---- build.cpp ----
-[[nodiscard]] int build_reduced(PresolveWork *w); // model->presolve and model->presolved
+// The result with the reduced body; null on failure. 0, OUT_OF_MEMORY or a PresolveStatus of the limits.
+[[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----
 // Directions of duals of the reduced model, y [rows] and d [columns], that lean on bounds given by pre_free_bounds come to
 // lean on others. Where a limit stops that they stay as they are. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int replace_given_bounds(const TVXmodel *model, double *y, double *d);
+[[nodiscard]] int replace_given_bounds(const PresolveResult *result, double *y, double *d);
 
 // ---- self_check.cpp ----
 #ifdef TVX_DEBUG

@@ -114,3 +114,32 @@ template<class T> [[nodiscard]] int array_append(Array<T> *a, T value)
     a->data[a->size++] = value;
     return 0;
 }
+
+// ---- Growth ----
+// Room for `need` entries, at least half as much again when it must grow, so that n appends
+// cost O(n). 0 or OUT_OF_MEMORY; unchanged on failure.
+template<class T> [[nodiscard]] int array_grow(Array<T> *a, int64_t need)
+{
+    if (need <= a->room) return 0;
+    const int64_t ample = a->room + a->room / 2 + 16;
+    return array_reserve(a, need > ample ? need : ample);
+}
+// Size at least n; new entries are `value`.
+template<class T> [[nodiscard]] int array_extend(Array<T> *a, int64_t n, T value)
+{
+    if (n <= a->size) return 0;
+    TRY(array_grow(a, n));
+    while (a->size < n) array_push(a, value);
+    return 0;
+}
+// Appends n entries of source, or n times `value` when source is null; the room must be there.
+template<class T> void array_append_n(Array<T> *a, const T *source, int64_t n, T value)
+{
+    assert(a->size + n <= a->room);
+    if (source && n > 0) {
+        memcpy(a->data + a->size, source, static_cast<size_t>(n) * sizeof(T));
+        a->size += n;
+    } else {
+        for (int64_t k = 0; k < n; k++) array_push(a, value);
+    }
+}

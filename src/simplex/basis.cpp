@@ -36,7 +36,7 @@ template<class R> int Refactor(sopt *s, swork<R> *w)
     const BasisMatrix matrix{s->NumRows, s->NumCols, s->ColBeg.data, s->ColInd.data,
                              s->ColVal.data};
     s->NumFactor++;
-    callback_poll(s->Env, TVX_WHERE_POLLING, {});
+    if (s->Running) callback_poll(s->Env, TVX_WHERE_POLLING, {});
     for (int repairs = 0;; repairs++) {
         const int result = FactorBasis(&w->Lu, &matrix, s->BasisHead.data, s->MarkowitzTol,
                                        s->BadRows.data, s->BadCols.data);

@@ -84,9 +84,8 @@ template<class R> int release_all(sopt *s, swork<R> *w, const char *rows)
 }
 } // namespace
 
-int simplex_release_slacks(TVXmodel *model, const char *rows)
+int simplex_release_slacks(sopt *s, const char *rows)
 {
-    sopt *s = model->simplex;
     if (s->Status != SIMPLEX_OPTIMAL) return 0;
     TRY(s->Quad ? release_all(s, s->Extended, rows) : release_all(s, s->Double, rows));
     s->Obj = s->Quad ? true_objective(s, s->Extended) : true_objective(s, s->Double);

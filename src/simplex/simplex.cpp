@@ -1,13 +1,12 @@
 // simplex.cpp -- SimplexOptimize, the one entry to the simplex
 //
-// Problem     Bring model->body to a final status from whatever start there is.
+// Problem     Bring a body to a final status from whatever start there is.
 // Method      Dual and primal run in turn on one record: SIMPLEX_SWITCH hands the basis to the other method, numeric
 //             trouble to the same method in extended precision. An optimum is then looked at in the user's units: when
 //             scaling hides violations there, or violations within the tolerance stand for a visible part of the
 //             objective, tolerances are tightened and the run goes on from the same basis.
-// In, out     The record model->simplex; model->status.
+// In, out     The record; its Status.
 #include "simplex/simplex.h"
-#include "model/warm_start.h"
 #include "runtime/clock.h"
 #include "simplex/sopt.h"
 #include <algorithm>
@@ -214,83 +213,60 @@ int solve(sopt *s)
     return s->Status == SIMPLEX_OPTIMAL && look ? polish(s) : 0;
 }
 
-// The record for this model, with tolerances and counters for a new run.
-int prepare_record(TVXmodel *model, const SimplexTuning &tuning)
+// The record for this body, with tolerances and counters for a new run.
+int prepare_record(sopt **record, const ModelBody *body, TVXenv *env,
+                   const SimplexCall &call, const SimplexTuning &tuning)
 {
-    const bool fresh = !model->simplex;
-    if (fresh) TRY(sopt_create(model, tuning, &model->simplex));
-    sopt *s = model->simplex;
-    sopt_refresh(s);
+    if (!*record) TRY(sopt_create(body, env, tuning, record));
+    sopt *s = *record;
+    s->Env = env;
+    sopt_refresh(s, call);
     const int wish = s->Tuning.Extended ? 1 : s->Env->Quad;
     if (wish == 0 && s->Quad == 1) TVXmsg(s->Env, "Switch to double precision\n");
     return switch_precision(s, wish == 1 || (wish == -1 && s->Quad));
 }
 
-// What a run starts from: a basis or a point, or null. Scratch: from nothing else then.
-struct Start {
-    const int *vstat_cols = nullptr, *vstat_rows = nullptr;
-    const double *x = nullptr, *slack = nullptr;
-    bool scratch = false;
-};
-
-// A start basis: given, live, stored with the model, or made of slacks, which a crash may then improve.
-int prepare_basis(TVXmodel *model, const Start &start, bool *from_slacks)
+// A start basis: given, live, or made of slacks, which a crash may then improve.
+int prepare_basis(sopt *s, const SimplexCall &call, bool *from_slacks)
 {
-    sopt *s = model->simplex;
     s->StartNorms.size = 0;
-    if (start.vstat_cols && start.vstat_rows) {
-        Array<int> statuses;
-        TRY(array_resize(&statuses, s->NumVars));
-        std::copy_n(start.vstat_cols, s->NumCols, statuses.data);
-        std::copy_n(start.vstat_rows, s->NumRows, statuses.data + s->NumCols);
-        *from_slacks = !start_from_statuses(s, statuses.data);
+    if (call.Statuses) {
+        *from_slacks = !start_from_statuses(s, call.Statuses);
+        if (call.Norms && !*from_slacks)
+            TRY(array_copy(&s->StartNorms, call.Norms, s->NumVars));
     } else if (s->HasBasis) {
         settle_nonbasics(s);
     } else {
-        const WarmStart *warm = start.scratch ? nullptr : warm_start_usable(model);
-        *from_slacks = !warm || !start_from_statuses(s, warm->statuses.data);
-        if (!*from_slacks && warm->norms.size == s->NumVars)
-            TRY(array_copy(&s->StartNorms, warm->norms.data, s->NumVars));
+        *from_slacks = true;
     }
     if (*from_slacks) start_slack_basis(s);
-    if (*from_slacks || start.vstat_cols) s->Stopped = 0;
+    if (*from_slacks || call.Statuses) s->Stopped = 0;
     row_copy_partition(s);
     return 0;
 }
 
 // A run that a limit stopped goes on by the method that was running.
-int choose_method(const TVXmodel *model, int method)
+int choose_method(const sopt *s, int method)
 {
-    const sopt *s = model->simplex;
     if (s->Superbasics > 0) return METHOD_PRIMAL;
     if (s->Stopped && s->AskedMethod == method) return s->StoppedMethod;
     if (method != METHOD_AUTO && method != METHOD_BY_START) return method;
-    return model->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
+    return s->Env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
 }
 
-// Nothing to do: the record holds the final result of this very problem.
-bool is_solved(const TVXmodel *model, int method)
+int optimize(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall &call,
+             const SimplexTuning &tuning)
 {
-    const sopt *s = model->simplex;
-    if (!s || model->status != s->Status || s->InfeasCheckNeeded) return false;
-    if (method >= 0 && method != s->Method) return false;
-    if (s->Env->TARV_PAR_SIMPLEXENDFAC && !simplex_has_fresh_factor(s)) return false;
-    return s->Status == SIMPLEX_OPTIMAL || s->Status == SIMPLEX_INFEASIBLE ||
-           s->Status == SIMPLEX_UNBOUNDED;
-}
-
-int optimize(TVXmodel *model, int method, const Start &start, const SimplexTuning &tuning)
-{
-    TRY(prepare_record(model, tuning));
-    sopt *s = model->simplex;
+    TRY(prepare_record(record, body, env, call, tuning));
+    sopt *s = *record;
     bool from_slacks = false;
-    TRY(prepare_basis(model, start, &from_slacks));
-    if (start.x) start_from_point(s, start.x, start.slack);
-    s->Method = choose_method(model, method);
-    if (s->AskedMethod != method) s->Stopped = 0;
-    s->AskedMethod = method;
-    s->MethodByStart = method == METHOD_BY_START && s->Superbasics == 0;
-    if (from_slacks && (s->Method == METHOD_DUAL || !start.x)) {
+    TRY(prepare_basis(s, call, &from_slacks));
+    if (call.X) start_from_point(s, call.X, call.Slack);
+    s->Method = choose_method(s, call.Method);
+    if (s->AskedMethod != call.Method) s->Stopped = 0;
+    s->AskedMethod = call.Method;
+    s->MethodByStart = call.Method == METHOD_BY_START && s->Superbasics == 0;
+    if (from_slacks && (s->Method == METHOD_DUAL || !call.X)) {
         TRY(s->Method == METHOD_DUAL ? crash_equations(s) : primal_start(s));
         row_copy_partition(s);
     }
@@ -300,38 +276,33 @@ int optimize(TVXmodel *model, int method, const Start &start, const SimplexTunin
     s->Quad ? simplex_self_check(s, s->Extended, CheckPoint::FINISHED, -1)
             : simplex_self_check(s, s->Double, CheckPoint::FINISHED, -1);
     if (s->Status == SIMPLEX_OPTIMAL && s->Obj > s->Cutoff) s->Status = SIMPLEX_CUTOFF;
-    model->status = s->Status;
     return 0;
+}
+
+int run_in(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall &call,
+           const SimplexTuning &tuning)
+{
+    const int error = optimize(record, body, env, call, tuning);
+    if (error) { // parts of the record may be half built
+        simplex_free(*record);
+        *record = nullptr;
+    }
+    return error;
 }
 } // namespace
 
-static void drop(TVXmodel *model)
+int SimplexOptimize(sopt **record, const ModelBody *body, TVXenv *env,
+                    const SimplexCall &call)
 {
-    simplex_free(model->simplex);
-    model->simplex = nullptr;
+    return run_in(record, body, env, call, SimplexTuning{});
 }
 
-int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
-                    const int *vstat_rows, const double *x_start, const double *slack_start)
+int SimplexRepeat(sopt **record, const ModelBody *body, TVXenv *env,
+                  const SimplexCall &call, const SimplexTuning &tuning)
 {
-    if (!vstat_cols && !x_start && is_solved(model, method)) return 0;
-    const Start start = {vstat_cols, vstat_rows, x_start, slack_start};
-    const int error = optimize(model, method, start, SimplexTuning{});
-    if (error) drop(model); // parts of the record may be half built
-    return error;
-}
-
-int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
-                  const SimplexTuning &tuning)
-{
-    drop(model);
-    Start start;
-    start.vstat_cols = statuses;
-    start.vstat_rows = statuses ? statuses + model->body->numvars : nullptr;
-    start.scratch = true;
-    const int error = optimize(model, method, start, tuning);
-    if (error) drop(model);
-    return error;
+    simplex_free(*record);
+    *record = nullptr;
+    return run_in(record, body, env, call, tuning);
 }
 
 template<class R> static double price_sum(const sopt *s, const swork<R> *w)
@@ -374,9 +345,14 @@ SimplexAssessment simplex_assess(const sopt *s)
     return a;
 }
 
-void simplex_declare(TVXmodel *model, int status)
+void simplex_set_env(sopt *s, TVXenv *env)
 {
-    model->status = model->simplex->Status = status;
+    s->Env = env;
+}
+
+void simplex_declare(sopt *s, int status)
+{
+    s->Status = status;
 }
 
 bool simplex_is_tuned(const sopt *s)

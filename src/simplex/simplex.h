@@ -1,9 +1,11 @@
 // simplex.h -- the face of the simplex subsystem
 //
-// The model body is read only here: scaling, sign flips of columns and the row copy live in the record `sopt`
-// that a model owns in TVXmodel::simplex. Everything handed out is in the body's own units and signs.
+// The body is only read: scaling, sign flips of columns and the row copy live in the record `sopt`, which keeps the address
+// of the body and belongs to the caller. Everything handed out is in the body's own units and signs.
 #pragma once
-#include "model/model.h"
+#include "body/body.h"
+
+struct sopt; // sopt.h
 
 // METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else
 // as METHOD_AUTO.
@@ -23,18 +25,26 @@ struct SimplexTuning {
     double Widen = 0;        // rows and bounds are held wider by this, in the user's units
 };
 
-// Solves the LP relaxation in model->body, from the live record, a given start, the stored warm start, or
-// scratch, in this order. The result is model->status and the record model->simplex.
-//   vstat_cols [n], vstat_rows [m]   start basis, or both null
-//   x_start [n], slack_start [m]     start point that classifies nonbasics, or null
-// 0 (limits, infeasibility and numeric trouble too) or OUT_OF_MEMORY.
-[[nodiscard]] int SimplexOptimize(TVXmodel *model, int method, const int *vstat_cols,
-                                  const int *vstat_rows, const double *x_start,
-                                  const double *slack_start);
-// The same after trouble: anew from `statuses` [n + m], or from slacks when they are null.
-[[nodiscard]] int SimplexRepeat(TVXmodel *model, int method, const int *statuses,
-                                const SimplexTuning &tuning);
+// What a run is asked for.
+struct SimplexCall {
+    int Method = METHOD_AUTO;
+    const int *Statuses = nullptr; // [n + m] start basis; null: that of the record, or slacks
+    const double *Norms = nullptr; // [n + m] dual pricing norms that belong to it, or null
+    const double *X = nullptr;     // [n] start point that classifies nonbasics, or null
+    const double *Slack = nullptr; // [m] likewise
+    double Iterations = 0;         // that earlier stages of the same solve took
+    bool Cutoff = true;            // the Cutoff of the environment is one for this body
+};
+// Solves the LP relaxation of the body. *record is null or the record of earlier runs on this body; it holds the result,
+// simplex_status first. 0 (limits, infeasibility and numeric trouble too), or OUT_OF_MEMORY: the record is freed then.
+[[nodiscard]] int SimplexOptimize(sopt **record, const ModelBody *body, TVXenv *env,
+                                  const SimplexCall &call);
+// The same in a new record, built and run otherwise than the environment says.
+[[nodiscard]] int SimplexRepeat(sopt **record, const ModelBody *body, TVXenv *env,
+                                const SimplexCall &call, const SimplexTuning &tuning);
 void simplex_free(sopt *s); // null is ignored
+// That of the last run is no longer there: later calls on the record use this one.
+void simplex_set_env(sopt *s, TVXenv *env);
 
 // What multipliers show that do not prove the model infeasible for values of any size.
 struct FarkasReach {
@@ -70,7 +80,7 @@ bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environ
 void simplex_count_on(sopt *s,
                       double iterations); // as if the last run had ended with that count
 // What the looks after a run found instead of its status: infeasible after FarkasReach, or numeric trouble.
-void simplex_declare(TVXmodel *model, int status);
+void simplex_declare(sopt *s, int status);
 
 // Results of the last run; any out pointer may be null. None can fail.
 void simplex_get_primal(const sopt *s, double *x); // [n]
@@ -100,14 +110,14 @@ int simplex_get_norms(const sopt *s, double *norms);
 
 // After an optimum: slacks of the equations i with rows[i] != 0 [m] leave the basis where that is possible. The basis
 // stays optimal, the point stays where it is. 0 or a code.
-[[nodiscard]] int simplex_release_slacks(TVXmodel *model, const char *rows);
+[[nodiscard]] int simplex_release_slacks(sopt *s, const char *rows);
 
 void simplex_log_final(const sopt *s); // the closing line of an optimal run
 
 // Refactors a finished record so that later calls find a fresh factor. 0 or a code.
-[[nodiscard]] int simplex_refactor(TVXmodel *model);
+[[nodiscard]] int simplex_refactor(sopt *s);
 // The same for an optimal record, and whether it is optimal with them too; if not, SimplexOptimize has to run again.
-[[nodiscard]] int simplex_confirm(TVXmodel *model, bool *optimal);
+[[nodiscard]] int simplex_confirm(sopt *s, bool *optimal);
 
 // ---- Ranging of an optimal basis (ranging.cpp) ----
 // For a record with fresh factors; begin is called once after the solve, the others then for any element.

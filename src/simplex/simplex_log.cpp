@@ -73,7 +73,7 @@ void simplex_log_final(const sopt *s)
 
 bool limit_reached(sopt *s)
 {
-    callback_poll(s->Env, TVX_WHERE_SIMPLEX, {.simplex = s});
+    if (s->Running) callback_poll(s->Env, TVX_WHERE_SIMPLEX, {s, simplex_answer});
     if (env_stop_requested(s->Env))
         s->Status = SIMPLEX_INTERRUPTED;
     else if (iterations(s) >= s->Env->IterationLimit)

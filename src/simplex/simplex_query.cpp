@@ -104,6 +104,33 @@ int simplex_perturbed(const sopt *s)
 {
     return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE_PERTURBATION ? 1 : 2;
 }
+
+// The sums are computed for whoever asks: a function that does not ask costs nothing.
+int simplex_answer(const void *record, int what, void *result)
+{
+    const sopt *s = static_cast<const sopt *>(record);
+    double *value = static_cast<double *>(result);
+    switch (what) {
+    case TVX_CB_SIMPLEX_ITERATIONS:
+        *value = simplex_iterations(s);
+        return 0;
+    case TVX_CB_SIMPLEX_PERTURBED:
+        *static_cast<int *>(result) = simplex_perturbed(s);
+        return 0;
+    case TVX_CB_SIMPLEX_OBJECTIVE:
+        *value = simplex_progress(s).objective;
+        return 0;
+    case TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY:
+        *value = simplex_progress(s).primal_infeasibility;
+        return 0;
+    case TVX_CB_SIMPLEX_DUAL_INFEASIBILITY:
+        *value = simplex_progress(s).dual_infeasibility;
+        return 0;
+    default:
+        return TVX_ERROR_CALLBACK;
+    }
+}
+
 int simplex_status(const sopt *s)
 {
     return s->Status;
@@ -176,22 +203,17 @@ template<class R> static int refactor(sopt *s, swork<R> *w)
     return 0;
 }
 
-int simplex_refactor(TVXmodel *model)
+int simplex_refactor(sopt *s)
 {
-    sopt *s = model->simplex;
     if (simplex_has_fresh_factor(s)) return 0;
-    const TVXcallback active = s->Env->cb_active; // no moment of a solve
-    s->Env->cb_active = nullptr;
-    const int code = s->Quad ? refactor(s, s->Extended) : refactor(s, s->Double);
-    s->Env->cb_active = active;
-    return code;
+    s->Running = 0; // no moment of a solve for callbacks
+    return s->Quad ? refactor(s, s->Extended) : refactor(s, s->Double);
 }
 
-int simplex_confirm(TVXmodel *model, bool *optimal)
+int simplex_confirm(sopt *s, bool *optimal)
 {
-    sopt *s = model->simplex;
     const int repairs = s->SingularCount;
-    TRY(simplex_refactor(model));
+    TRY(simplex_refactor(s));
     const Infeasibility inf = s->Quad ? measure_infeasibility(s, s->Extended)
                                       : measure_infeasibility(s, s->Double);
     *optimal = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs &&

@@ -49,7 +49,7 @@ int copy_matrix(sopt *s, const ModelBody *body)
 
 int copy_model(sopt *s)
 {
-    const ModelBody *body = s->Model->body;
+    const ModelBody *body = s->Body;
     const int m = s->NumRows, n = s->NumCols, nv = s->NumVars;
     TRY(copy_matrix(s, body));
     TRY(array_copy(&s->Rhs, body->rhs.data, m));
@@ -109,18 +109,18 @@ int build(sopt *s)
 }
 } // namespace
 
-int sopt_create(TVXmodel *model, const SimplexTuning &tuning, sopt **out)
+int sopt_create(const ModelBody *body, TVXenv *env, const SimplexTuning &tuning, sopt **out)
 {
     *out = nullptr;
     void *block = MemAllocZero(1, sizeof(sopt));
     if (!block) return OUT_OF_MEMORY;
     sopt *s = static_cast<sopt *>(block);
     *s = sopt{};
-    s->Model = model;
+    s->Body = body;
     s->Tuning = tuning;
-    s->Env = model->env;
-    s->NumRows = model->body->numconstrs;
-    s->NumCols = model->body->numvars;
+    s->Env = env;
+    s->NumRows = body->numconstrs;
+    s->NumCols = body->numvars;
     if (s->NumRows > INT32_MAX - s->NumCols) {
         MemFree(block);
         return OUT_OF_MEMORY;
@@ -143,7 +143,7 @@ int update_limit(const sopt *s, double power)
 // The cutoff is given for the caller's sense; the default means none whatever the sense, and is above every objective.
 void sopt_take_cutoff(sopt *s)
 {
-    s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE && !s->Model->no_cutoff
+    s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE && s->HasCutoff
                     ? s->Sense * s->Env->Cutoff - s->ObjOffset
                     : HUGE_VAL;
 }
@@ -199,7 +199,7 @@ bool sopt_take_up_stop(sopt *s)
     return true;
 }
 
-void sopt_refresh(sopt *s)
+void sopt_refresh(sopt *s, const SimplexCall &call)
 {
     const TVXenv *env = s->Env;
     s->StartTime = WallClock();
@@ -208,7 +208,9 @@ void sopt_refresh(sopt *s)
     s->LastLogIter = -1;
     s->HeaderDone = 0;
     s->NextLogIter = 0;
-    s->IterBase = s->Model->lp_result ? s->Model->lp_result->itercount : 0;
+    s->IterBase = call.Iterations;
+    s->HasCutoff = call.Cutoff;
+    s->Running = 1;
     s->NPvt = s->Work = 0;
     s->NumFactor = 0;
     s->Status = SIMPLEX_RUNNING;
@@ -244,7 +246,7 @@ void sopt_refresh(sopt *s)
 static void tell_bad_bounds(const sopt *s, int j)
 {
     char name[DEFAULT_NAME_LENGTH], below[NUMBER_LENGTH], above[NUMBER_LENGTH];
-    const ModelBody *body = s->Model->body;
+    const ModelBody *body = s->Body;
     const double lower = body->lb.data[j], upper = body->ub.data[j];
     TVXmsg(s->Env, "Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
            var_name(body, j, name), lower, upper);

@@ -105,10 +105,43 @@ template<class R> struct swork {
     popt<R> *Primal = nullptr;
 };
 
-struct sopt {
-    TVXmodel *Model = nullptr; // owner
-    SimplexTuning Tuning;      // what differs from the environment's parameters
-    TVXenv *Env = nullptr;     // its environment
+// What a run counts and adapts: kept and brought back by one assignment around strong branching.
+struct SimplexCounters {
+    double IterBase = 0;     // iterations that earlier stages of the same solve took
+    double NPvt = 0;         // iterations of this run
+    double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
+    double Work = 0;         // NPvt plus bound flips
+    int NumFactor = 0;       // factorisations
+    int Method = METHOD_DUAL; // method of the last run
+    double Obj = 0;  // objective in user units, minimisation, without ObjOffset
+    int RefacReason = REFAC_NONE;
+    StallGuard Stall;
+    int SwitchCount = 0;       // changes of method in this run
+    int NumericCount = 0;      // numeric events in this run
+    int SingularCount = 0;     // repairs of singular bases
+    int PerturbAllowed = 1; // cleared when a clean run is wanted
+    double PerturbCur = 0; // working size of perturbations
+    double DegenCount = 0; // degenerate iterations
+    // DegenCount and NPvt at the last test for a stall.
+    double LastDegenCount = 0, LastPerturbIter = 0;
+    // An infeasibility could not be proved: smaller reduced costs count as well.
+    int TightProof = 0;
+    double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
+           BigTol = 3e-6, ZeroTol = 1e-13;
+    double RhsSize = 0; // largest entry of the right-hand side after the nonbasics
+    // Of the last values: as solved, after refinement.
+    double PrimalError = 0, PrimalResidual = 0;
+    double DualResidual = 0;               // of the last reduced costs, after refinement
+    int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
+    int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
+};
+
+struct sopt : SimplexCounters {
+    const ModelBody *Body = nullptr; // that is solved; not owned
+    SimplexTuning Tuning;            // what differs from the environment's parameters
+    TVXenv *Env = nullptr;           // not owned
+    int Running = 0;                 // a solve, whose callback function is called
+    int HasCutoff = 1;               // the Cutoff of the environment is one for this body
 
     // Time, limits, log
     double StartTime = 0;    // clock at the start of this run
@@ -116,15 +149,10 @@ struct sopt {
     double TickIndex = -1;   // tick of the last line
     double LastLogIter = -1; // iteration of the last line
     double NextLogIter = 0;  // threshold of the periodic line
-    double IterBase = 0;     // iterations that earlier stages of the same solve took
-    double NPvt = 0;         // iterations of this run
-    double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
-    double Work = 0;         // NPvt plus bound flips
     double WorkUnits = 0;    // deterministic effort besides that of the live factors
     double WorkTaken = 0;    // of all effort, what simplex_take_work has handed out
     double FactorWork = 0;   // of the factors that a change of precision has freed
     int HeaderDone = 0;      // the column header of the log stands
-    int NumFactor = 0;       // factorisations
 
     // Working LP
     int NumRows = 0, NumCols = 0, NumVars = 0; // m, n, n + m
@@ -169,21 +197,13 @@ struct sopt {
 
     // Run
     int Status = 0;
-    int Method = METHOD_DUAL; // method of the last run
     // The first method is the one for which the start basis is feasible.
     int MethodByStart = 0;
     int BadVar = -1; // variable whose bounds proved infeasibility
-    double Obj = 0;  // objective in user units, minimisation, without ObjOffset
     int Quad = 0;    // 1: extended precision is live
-    int RefacReason = REFAC_NONE;
-    StallGuard Stall;
-    int SwitchCount = 0;       // changes of method in this run
-    int NumericCount = 0;      // numeric events in this run
-    int SingularCount = 0;     // repairs of singular bases
     int InfeasCheckNeeded = 1; // bounds changed since the last test for crossed bounds
     int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
     int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
-    int PerturbAllowed = 1; // cleared when a clean run is wanted
     // Began from a given basis with few infeasibilities: costs move only when it stalls.
     int NearOptimal = 0;
     // The last run was stopped by a limit, and this one is to go on from there: by the method that ran, with its
@@ -195,23 +215,9 @@ struct sopt {
     Array<double> StoppedShift;
     // [NumVars] or empty: nonbasics at the upper side of their box in phase 1 of the dual.
     Array<char> StoppedUpper;
-    double PerturbCur = 0; // working size of perturbations
-    double DegenCount = 0; // degenerate iterations
-    // DegenCount and NPvt at the last test for a stall.
-    double LastDegenCount = 0, LastPerturbIter = 0;
     double UsualOptTol = 1e-6; // OptTol before TightProof
-    // An infeasibility could not be proved: smaller reduced costs count as well.
-    int TightProof = 0;
-    double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
-           BigTol = 3e-6, ZeroTol = 1e-13;
-    double RhsSize = 0; // largest entry of the right-hand side after the nonbasics
-    // Of the last values: as solved, after refinement.
-    double PrimalError = 0, PrimalResidual = 0;
-    double DualResidual = 0;               // of the last reduced costs, after refinement
-    int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
     // In user units, minimisation, without offset: as Obj; HUGE_VAL: none.
     double Cutoff = 1e100;
-    int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
     FarkasReach NearFarkas; // what multipliers without a full proof have shown in this run
     // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol.
     int WideProof = 0;
@@ -318,10 +324,13 @@ template<class R> inline R noise_share(const swork<R> *w)
     return R(ROUNDING_SHARE<R> * (w->Lu.NumUpdates == 0 ? 1e-12 : 1e-11));
 }
 
+// What a callback function may ask of a run (simplex_query.cpp).
+int simplex_answer(const void *record, int what, void *result);
+
 // ---- sopt.cpp: the record ----
-[[nodiscard]] int sopt_create(TVXmodel *model, const SimplexTuning &tuning,
+[[nodiscard]] int sopt_create(const ModelBody *body, TVXenv *env, const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
-void sopt_refresh(sopt *s);                // tolerances, limits, counters for a new run
+void sopt_refresh(sopt *s, const SimplexCall &call);                // tolerances, limits, counters for a new run
 // Stopped and what follows it, at the end of a run. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sopt_keep_stop(sopt *s);
 // The first method of a run goes on from there; false: it begins anew.

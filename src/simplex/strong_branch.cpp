@@ -15,54 +15,6 @@
 
 namespace
 {
-// The record and its environment, as far as runs change them.
-struct KeptScalars {
-    double NPvt, IterBase, Pivots, Work, Obj, MarkowitzTol, RhsSize, PrimalError,
-        PrimalResidual, DualResidual, DegenCount, LastDegenCount, LastPerturbIter, FeasTol,
-        OptTol, PerturbCur;
-    int NumFactor, Method, RefacReason, SwitchCount, NumericCount, SingularCount,
-        PerturbAllowed, FeasTolCount, OptTolCount, TightProof, MaxUpdates;
-    StallGuard Stall;
-};
-
-// Calls f(field of the record, field of the copy) for each.
-template<class F> void for_each_scalar(sopt *s, KeptScalars *k, const F &f)
-{
-    f(&s->NPvt, &k->NPvt);
-    f(&s->IterBase, &k->IterBase);
-    f(&s->Pivots, &k->Pivots);
-    f(&s->Work, &k->Work);
-    f(&s->Obj, &k->Obj);
-    f(&s->MarkowitzTol, &k->MarkowitzTol);
-    f(&s->RhsSize, &k->RhsSize);
-    f(&s->PrimalError, &k->PrimalError);
-    f(&s->PrimalResidual, &k->PrimalResidual);
-    f(&s->DualResidual, &k->DualResidual);
-    f(&s->DegenCount, &k->DegenCount);
-    f(&s->LastDegenCount, &k->LastDegenCount);
-    f(&s->LastPerturbIter, &k->LastPerturbIter);
-    f(&s->FeasTol, &k->FeasTol);
-    f(&s->OptTol, &k->OptTol);
-    f(&s->PerturbCur, &k->PerturbCur);
-    f(&s->NumFactor, &k->NumFactor);
-    f(&s->Method, &k->Method);
-    f(&s->RefacReason, &k->RefacReason);
-    f(&s->SwitchCount, &k->SwitchCount);
-    f(&s->NumericCount, &k->NumericCount);
-    f(&s->SingularCount, &k->SingularCount);
-    f(&s->PerturbAllowed, &k->PerturbAllowed);
-    f(&s->FeasTolCount, &k->FeasTolCount);
-    f(&s->OptTolCount, &k->OptTolCount);
-    f(&s->TightProof, &k->TightProof);
-    f(&s->MaxUpdates, &k->MaxUpdates);
-    f(&s->Stall, &k->Stall);
-}
-
-struct KeptEnv {
-    double IterationLimit;
-    int EndFactor, OutputFlag;
-};
-
 template<class R> struct KeptState {
     lufact<R> Lu;           // see lu_keep
     Array<int> VStat;       // [NumVars]
@@ -77,8 +29,9 @@ template<class R> struct KeptState {
 
 struct StrongBranch {
     sopt *Record = nullptr;
-    KeptScalars Scalars = {};
-    KeptEnv Env = {};
+    SimplexCounters Counters; // of the record
+    TVXenv *Outer = nullptr;  // environment of the record outside of probes
+    TVXenv *Inner = nullptr;  // and in them; owned
     bool WeightsKept = false; // those of the last dual run belong to the basis
     double Optimum = 0;       // the objective without any branching, as simplex_objective
     KeptState<double> Double;
@@ -87,9 +40,6 @@ struct StrongBranch {
 
 namespace
 {
-constexpr auto TO_COPY = [](auto *of_record, auto *copy) { *copy = *of_record; };
-constexpr auto TO_RECORD = [](auto *of_record, auto *copy) { *of_record = *copy; };
-
 template<class R> KeptState<R> *kept(StrongBranch *b);
 template<> KeptState<double> *kept<double>(StrongBranch *b)
 {
@@ -124,7 +74,7 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
     sopt *s = b->Record;
     dopt<R> *d = w->Dual;
     KeptState<R> *k = kept<R>(b);
-    const bool factored = s->NumFactor != b->Scalars.NumFactor;
+    const bool factored = s->NumFactor != b->Counters.NumFactor;
     lu_go_back(&k->Lu, factored ? LuParts::ALL : LuParts::UPDATED, &w->Lu);
     w->FactorAge = s->BasisAge;
     std::copy_n(k->VStat.data, s->NumVars, s->VStat.data);
@@ -142,7 +92,7 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
     d->Rejected = 0;
     if (s->Perturbed || s->Method == METHOD_PRIMAL) dual_remove_perturbation(s);
     if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s); // it shifts them
-    for_each_scalar(s, &b->Scalars, TO_RECORD);
+    *static_cast<SimplexCounters *>(s) = b->Counters;
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
     row_copy_partition(s);
@@ -338,12 +288,13 @@ double value_of(const sopt *s, int j)
                    : s->Double->Bbar.data[r];
 }
 
-void limit_env(StrongBranch *b)
+int make_env(StrongBranch *b)
 {
-    TVXenv *env = b->Record->Env;
-    b->Env = {env->IterationLimit, env->TARV_PAR_SIMPLEXENDFAC, env->OutputFlag};
-    env->TARV_PAR_SIMPLEXENDFAC = 0;
-    env->OutputFlag = 0;
+    b->Outer = b->Record->Env;
+    TRY(env_inner(&b->Inner, b->Outer));
+    b->Inner->TARV_PAR_SIMPLEXENDFAC = 0;
+    b->Record->Env = b->Inner;
+    return 0;
 }
 } // namespace
 
@@ -357,10 +308,11 @@ int strong_branch_open(sopt *s, StrongBranch **out)
     *b = StrongBranch{};
     b->Record = s;
     b->Optimum = simplex_objective(s);
-    for_each_scalar(s, &b->Scalars, TO_COPY);
-    limit_env(b);
+    b->Counters = *s;
+    s->Running = 0; // probes are no moments of a solve
     sopt_take_cutoff(s);
-    const int code = s->Quad ? open(b, s->Extended) : open(b, s->Double);
+    int code = make_env(b);
+    if (!code) code = s->Quad ? open(b, s->Extended) : open(b, s->Double);
     if (code)
         strong_branch_close(b);
     else
@@ -382,7 +334,7 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
         *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
     }
-    s->Env->IterationLimit = iteration_limit;
+    branch->Inner->IterationLimit = iteration_limit;
     return s->Quad ? probe(branch, s->Extended, old, outcome)
                    : probe(branch, s->Double, old, outcome);
 }
@@ -391,11 +343,9 @@ void strong_branch_close(StrongBranch *branch)
 {
     if (!branch) return;
     sopt *s = branch->Record;
-    TVXenv *env = s->Env;
-    env->IterationLimit = branch->Env.IterationLimit;
-    env->TARV_PAR_SIMPLEXENDFAC = branch->Env.EndFactor;
-    env->OutputFlag = branch->Env.OutputFlag;
-    for_each_scalar(s, &branch->Scalars, TO_RECORD);
+    s->Env = branch->Outer;
+    env_free(branch->Inner);
+    *static_cast<SimplexCounters *>(s) = branch->Counters;
     s->Status = SIMPLEX_OPTIMAL;
     if (branch->WeightsKept)
         s->Quad ? dual_weights_keep(s, s->Extended) : dual_weights_keep(s, s->Double);

@@ -31,7 +31,7 @@ struct QualityOfLp : ModelTest {
     }
     void measure(PointSigns signs = PointSigns::CALLER)
     {
-        const LpPoint point = {x.data(), pi.data(), rc.data(), row_basis.data(), signs};
+        const JudgedPoint point = {x.data(), pi.data(), rc.data(), row_basis.data(), signs};
         ASSERT_EQ(LpQuality(model->env, model->body, point, scale, &quality), 0);
     }
 };
@@ -148,7 +148,9 @@ struct QualityOfMip : ModelTest {
     {
         EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
         Output output;
-        EXPECT_EQ(MipQuality(model, x.data(), &quality, QualityWarnings::YES), 0);
+        EXPECT_EQ(
+            MipQuality(model->env, model->body, x.data(), &quality, QualityWarnings::YES),
+            0);
         return output.text();
     }
 };

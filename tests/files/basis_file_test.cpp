@@ -70,7 +70,8 @@ TEST_F(BasisFile, EveryBasisComesBack)
         const std::vector<std::string> &set = names[static_cast<size_t>(k) % names.size()];
         make(&dice, set.empty() ? dice.range(1, 9) : 6, dice.range(1, 9), set);
         remove("b.bas");
-        ASSERT_EQ(basis_write_statuses(model, vbasis.data(), cbasis.data(), "b.bas"), 0);
+        ASSERT_EQ(
+            basis_write(model->body, model->env, vbasis.data(), cbasis.data(), "b.bas"), 0);
         Output output;
         ASSERT_EQ(TVXread(model, "b.bas"), 0);
         ASSERT_STREQ(TVXgetmerrormsg(model), "") << file_get("b.bas");
@@ -86,7 +87,7 @@ TEST_F(BasisFile, HasTheClassicForm)
     ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n UP B Y 4\nENDATA\n")), 0);
     const int v[] = {TVX_BASIC, TVX_NONBASIC_UPPER};
     const int c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
-    ASSERT_EQ(basis_write_statuses(model, v, c, "b.bas"), 0);
+    ASSERT_EQ(basis_write(model->body, model->env, v, c, "b.bas"), 0);
     EXPECT_EQ(file_get("b.bas"), "NAME TEST 2 Variables 2 Constraints\n"
                                  " XL X         R2      \n"
                                  " UL Y       \n"
@@ -130,7 +131,7 @@ TEST_F(BasisFile, NumberedNamesStandForElementsWithoutNameAndAvoidOwnNames)
     ASSERT_EQ(TVXaddconstr(model, 0, nullptr, nullptr, '<', 1, "a_long_row_name"), 0);
     ASSERT_EQ(TVXupdatemodel(model), 0);
     const int v[] = {TVX_BASIC, TVX_NONBASIC_LOWER}, c[] = {TVX_NONBASIC_LOWER};
-    ASSERT_EQ(basis_write_statuses(model, v, c, "b.bas"), 0);
+    ASSERT_EQ(basis_write(model->body, model->env, v, c, "b.bas"), 0);
     EXPECT_EQ(read_bas(file_get("b.bas")), "");
     EXPECT_EQ(start(), (std::vector<int>{0, -1, -1})) << file_get("b.bas");
     Dice dice(1);
@@ -155,7 +156,8 @@ TEST_F(BasisFile, WhatIsNoBasisIsNeitherReadNorWritten)
     EXPECT_EQ(TVXwrite(model, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
     EXPECT_STREQ(TVXgetmerrormsg(model), "Unable to retrieve basis for current model");
     const int v[] = {TVX_BASIC, TVX_BASIC}, c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
-    EXPECT_EQ(basis_write_statuses(model, v, c, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
+    EXPECT_EQ(basis_write(model->body, model->env, v, c, "b.bas"),
+              TVX_ERROR_DATA_NOT_AVAILABLE);
     EXPECT_FALSE(std::filesystem::exists("b.bas"));
     ASSERT_EQ(read("ROWS\n N C\nCOLUMNS\n X C 1\nRHS\nENDATA\n"), 0); // no rows
     EXPECT_EQ(read_bas(" UL NONE\n") + log, "");

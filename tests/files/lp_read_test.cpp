@@ -1,6 +1,7 @@
 // lp_read_test.cpp -- the LP format: what texts mean, what is refused and where, what is written
 #include "files/files_support.h"
 #include "support/comma_locale.h"
+#include "support/inside.h"
 #include <sstream>
 
 class LpFormat : public Files

@@ -83,7 +83,7 @@ TEST_F(OddText, NamesOfEveryKindLeadBackToTheirVariables)
         EXPECT_EQ(start(), "3 5") << file_get("s.mst");
         const int vbasis[] = {TVX_NONBASIC_UPPER, TVX_BASIC},
                   cbasis[] = {TVX_NONBASIC_LOWER};
-        ASSERT_EQ(basis_write_statuses(model, vbasis, cbasis, "s.bas"), 0);
+        ASSERT_EQ(basis_write(model->body, model->env, vbasis, cbasis, "s.bas"), 0);
         ASSERT_EQ(read_side_file("s.bas"), 0) << message();
         EXPECT_EQ(basis(), "-2 0 -1 ") << message() << file_get("s.bas");
     }

@@ -13,7 +13,7 @@ for page in README.md docs/*.md $(find src cli tests bench examples -name README
         grep -qxF "$name" <<<"$all" || complain "$page names $name, which is not there"
     done
 done
-for folder in src/* src/presolve/reduce cli; do
+for folder in src/*/ src/presolve/reduce cli; do
     [ -f "$folder/README.md" ] || complain "$folder has no README.md"
 done
 exit $status

@@ -1,5 +1,4 @@
 // mip_epilogue_test.cpp -- the closing lines of a MIP, from results made by hand
-#include "api/optimize_log.h"
 #include "model/model.h"
 #include "support/model_test.h"
 
@@ -29,7 +28,7 @@ struct MipEpilogue : ModelTest {
     std::string closing(int error = 0)
     {
         Output output;
-        EXPECT_EQ(log_mip_epilogue(model, error), 0);
+        EXPECT_EQ(mip_log_result(model->env, model->body, result, error), 0);
         const std::string text = output.text();
         EXPECT_TRUE(text.starts_with("\nExplored 12 nodes (345 simplex iterations) in "))
             << text;

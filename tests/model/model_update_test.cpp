@@ -33,7 +33,7 @@ struct ModelUpdate : ModelTest {
         load(lp);
     }
     void optimize() { EXPECT_NEAR(objective(), 11, 1e-9); }
-    bool live() const { return model->simplex != nullptr; }
+    bool live() const { return model->lp.simplex != nullptr; }
     std::vector<int> statuses() // basic is 0
     {
         std::vector<int> list;
@@ -69,7 +69,7 @@ TEST_F(ModelUpdate, changed_bounds_keep_the_live_record_unless_a_variable_become
     update();
     EXPECT_TRUE(live());
     EXPECT_EQ(integer("Status"), TVX_LOADED);
-    EXPECT_EQ(model->lp_result, nullptr);
+    EXPECT_EQ(model->lp.result, nullptr);
     EXPECT_NEAR(objective(), 3 * 2 + 2 * 1.5 + 0.5, 1e-9);
     set("LB", Z_VAR, 0);
     set("UB", 0, 3);

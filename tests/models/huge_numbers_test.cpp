@@ -148,7 +148,7 @@ TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
     load(lp);
     ASSERT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(integer("Status"), TVX_INFEASIBLE);
-    EXPECT_EQ(model->simplex, nullptr);
+    EXPECT_EQ(model->lp.simplex, nullptr);
     ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e6), 0);
     update();
     EXPECT_EQ(integer("Status"), TVX_LOADED);
@@ -172,7 +172,7 @@ TEST_F(HugeNumbers, lines_of_huge_and_tiny_entries_are_scaled)
             ASSERT_EQ(TVXoptimize(model), 0);
             const double *row = nullptr, *col = nullptr;
             double factor = 0;
-            simplex_get_scaling(model->simplex, &row, &col, &factor);
+            simplex_get_scaling(model->lp.simplex, &row, &col, &factor);
             ASSERT_NE(row, nullptr);
             for (const double f : {row[0], row[1], col[0], col[1], factor})
                 EXPECT_TRUE(std::isnormal(f)) << f;

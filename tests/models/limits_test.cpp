@@ -1,6 +1,6 @@
 // limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
-#include "lp/lp_presolved.h"
-#include "simplex/simplex.h"
+#include "lp/lp_form.h"
+#include "model/model.h"
 #include "support/hostile_gen.h"
 #include "support/settings.h"
 #include "support/solve_judge.h"
@@ -281,10 +281,10 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
             LpSolution whole, last;
             ASSERT_EQ(lp_solve(model, &whole), 0);
             if (whole.status != TVX_OPTIMAL ||
-                whole.iterations <= model.model->lp_result->reduced_itercount)
+                whole.iterations <= model.model->lp.result->reduced_itercount)
                 continue;
             solve_anew(model, whole.iterations - 1, &last);
-            stopped += last.status == TVX_ITERATION_LIMIT && !lp_can_resume(model);
+            stopped += last.status == TVX_ITERATION_LIMIT && !model.model->lp.form;
             ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1), 0);
             for (int call = 0; call < 50 && last.status == TVX_ITERATION_LIMIT; call++)
                 ASSERT_EQ(lp_solve(model, &last), 0);
@@ -378,14 +378,15 @@ TEST(Limits, the_way_back_from_presolve_is_gone_on_from)
         ASSERT_EQ(settings_apply(TVXgetenv(model), road), 0);
         ASSERT_EQ(lp_solve(model, &whole), 0);
         solve_anew(model, 5, &last);
-        ASSERT_TRUE(lp_can_resume(model));
+        ASSERT_NE(model.model->lp.form, nullptr);
         ASSERT_EQ(TVXsetdblparam(TVXgetenv(model), "IterationLimit", 1e100), 0);
-        TVXmodel *form = model.model->dual_form ? model.model->dual_form : model.model;
-        ASSERT_EQ(SimplexOptimize(form->presolved, METHOD_DUAL, nullptr, nullptr, nullptr,
-                                  nullptr),
-                  0);
-        ASSERT_EQ(form->presolved->status, TVX_OPTIMAL);
-        ASSERT_TRUE(lp_can_resume(model));
+        LpForm *form = model.model->lp.form;
+        const SimplexCall call = {.Method = METHOD_DUAL, .Iterations = last.iterations};
+        ASSERT_EQ(
+            SimplexOptimize(&form->simplex, lp_form_reduced(form), TVXgetenv(model), call),
+            0);
+        ASSERT_EQ(simplex_status(form->simplex), TVX_OPTIMAL);
+        ASSERT_NE(model.model->lp.form, nullptr);
         ASSERT_EQ(lp_solve(model, &last), 0);
         ASSERT_EQ(last.status, TVX_OPTIMAL);
         EXPECT_NEAR(last.objval, whole.objval, 1e-6 * (1 + std::fabs(whole.objval)));

@@ -4,7 +4,7 @@
 // that holds a variable, Pi for a right-hand side. Beyond an end it leaves the line, when no tie lets another basis
 // take over unseen.
 // TARVEX_RANGES_COUNT=n   how many models (400); TARVEX_RANGES_SEED=s   the first of them (0)
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 #include "simplex/sopt.h"
 #include "support/model_gen.h"
 #include "support/model_test.h"
@@ -232,7 +232,7 @@ TEST_F(Sensitivity, a_basis_that_is_lost_is_found_again)
     bakery(true);
     const std::vector<double> before = all("SARHSUp", 3);
     const double iterations = dbl("IterCount"), value = dbl("ObjVal");
-    start_slack_basis(model->simplex); // as if the factors had to be mended
+    start_slack_basis(model->lp.simplex); // as if the factors had to be mended
     attributes_clear_solution(model);
     ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
     Output log;

@@ -235,9 +235,9 @@ TEST_F(SureAnswers, figures_hold_the_iterations_and_the_work_of_all_ways)
         ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
         ASSERT_EQ(TVXoptimize(model), 0);
         EXPECT_GE(dbl("IterCount"), heard.iterations) << seed;
-        if (!heard.again || !model->simplex) continue;
+        if (!heard.again || !model->lp.simplex) continue;
         again++;
-        const double shown = simplex_work_units(model->simplex); // one way's
+        const double shown = simplex_work_units(model->lp.simplex); // one way's
         EXPECT_GT(dbl("NodeCount"), 1.3 * shown) << seed;
     }
     EXPECT_GT(again, 5);

@@ -4,6 +4,7 @@
 #include "presolve/claim.h"
 #include "presolve/dualise.h"
 #include "support/dice.h"
+#include "support/inside.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
 #include "support/rational_lp.h"
@@ -14,14 +15,13 @@ static constexpr double INF = 1e30;
 // What came of a claim.
 enum class Proof { NO_CLAIM, NONE, WRONG, HOLDS };
 
-static Proof judge(const TVXmodel *model, const LpClaim *claim)
+static Proof judge(const ModelBody *body, const LpClaim *claim)
 {
     if (claim->farkas.size > 0)
-        return farkas_holds(model->body, INF, claim->farkas.data) ? Proof::HOLDS
-                                                                  : Proof::WRONG;
+        return farkas_holds(body, INF, claim->farkas.data) ? Proof::HOLDS : Proof::WRONG;
     if (claim->ray.size == 0) return Proof::NONE;
     bool holds = false;
-    if (ray_holds(model->body, INF, claim->ray.data, &holds)) abort();
+    if (ray_holds(body, INF, claim->ray.data, &holds)) abort();
     return holds ? Proof::HOLDS : Proof::WRONG;
 }
 
@@ -44,11 +44,11 @@ static Proof claim_by(const LpModel &lp, std::initializer_list<Reduction> reduct
     PresolveWork w;
     LpClaim claim;
     w.WantsProof = true;
-    int status = work_load(&w, model);
+    int status = work_load(&w, model.model->body, model.model->env);
     if (status == 0) status = run(&w, reductions);
     if (status != 0 && claim_finish(&w, status, &claim)) abort();
     work_free(&w);
-    return status == 0 ? Proof::NO_CLAIM : judge(model, &claim);
+    return status == 0 ? Proof::NO_CLAIM : judge(model.model->body, &claim);
 }
 
 // n columns in [0, 10] at these costs.
@@ -200,8 +200,8 @@ TEST(Claim, the_way_back_takes_proofs_through_what_came_before)
     const TestEnv env;
     const TestModel model(lp_load(env.env, &lp));
     LpClaim claim;
-    EXPECT_EQ(presolve_lp(model, &claim), PRESOLVE_INF_OR_UNBD);
-    EXPECT_EQ(judge(model, &claim), Proof::HOLDS);
+    EXPECT_EQ(Reduced(model, &claim).status, PRESOLVE_INF_OR_UNBD);
+    EXPECT_EQ(judge(model.model->body, &claim), Proof::HOLDS);
 }
 
 // ---- random models ----
@@ -240,8 +240,8 @@ TEST(Claim, tiny_models_are_proved_to_be_what_presolve_says)
         const LpModel lp = gen_tiny(&dice, {});
         const TestModel model(lp_load(env.env, &lp));
         LpClaim claim;
-        if (presolve_lp(model, &claim) == 0) continue;
-        const Proof proof = judge(model, &claim);
+        if (Reduced(model, &claim).status == 0) continue;
+        const Proof proof = judge(model.model->body, &claim);
         score.add(proof);
         expect_right(&lp, &claim, proof, seed);
     }
@@ -275,22 +275,24 @@ TEST(Claim, proofs_of_reduced_models_are_proofs_of_the_models)
         Dice dice(seed);
         LpModel lp = gen_tiny(&dice, {.max_vars = 12, .max_rows = 12});
         const TestModel model(lp_load(env.env, &lp));
-        if (presolve_lp(model) != 0 || !model.model->presolved) continue;
+        const Reduced left(model);
+        if (!left.body()) continue;
         LpModel reduced;
-        ASSERT_EQ(lp_read_back(model.model->presolved, &reduced), 0);
+        ASSERT_EQ(lp_read_back(BodyView(model.model->env, left.body()), &reduced), 0);
         const RationalResult exact = rational_solve(&reduced);
         if (exact.status == LpStatus::OPTIMAL || exact.crossed >= 0) continue;
         LpClaim small, claim;
-        exact_claim(model.model->presolved->body, exact, &small);
-        if (judge(model.model->presolved, &small) != Proof::HOLDS) continue; // by rounding
+        exact_claim(left.body(), exact, &small);
+        if (judge(left.body(), &small) != Proof::HOLDS) continue; // by rounding
         if (small.farkas.size > 0) {
             ASSERT_EQ(array_resize(&claim.farkas, lp.num_rows()), 0);
-            ASSERT_EQ(postsolve_farkas(model, small.farkas.data, claim.farkas.data), 0);
+            ASSERT_EQ(postsolve_farkas(left.result, small.farkas.data, claim.farkas.data),
+                      0);
         } else {
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
-            ASSERT_EQ(postsolve_ray(model, small.ray.data, claim.ray.data), 0);
+            ASSERT_EQ(postsolve_ray(left.result, small.ray.data, claim.ray.data), 0);
         }
-        const Proof proof = judge(model, &claim);
+        const Proof proof = judge(model.model->body, &claim);
         score[small.ray.size > 0].add(proof);
         expect_right(&lp, &claim, proof, seed);
     }
@@ -308,15 +310,17 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
         const LpModel lp = gen_tiny(&dice, {});
         const TestModel model(lp_load(env.env, &lp));
         if (rational_solve(&lp).crossed >= 0) continue;
+        ModelBody *dual = nullptr;
         TVXmodel *out = nullptr;
-        ASSERT_EQ(dualise(model, TVXgetenv(model), &out), 0);
-        const TestModel dual(out);
+        ASSERT_EQ(dualise(model.model->body, TVXgetenv(model), &dual), 0);
+        ASSERT_EQ(model_of_body(TVXgetenv(model), EnvUse::SHARED, dual, &out), 0);
+        const TestModel owner(out);
         LpModel form;
         ASSERT_EQ(lp_read_back(out, &form), 0);
         const RationalResult exact = rational_solve(&form);
         if (exact.status == LpStatus::OPTIMAL) continue;
         LpClaim of_dual, claim;
-        exact_claim(out->body, exact, &of_dual);
+        exact_claim(dual, exact, &of_dual);
         if (exact.status == LpStatus::UNBOUNDED) {
             infeasible++;
             ASSERT_EQ(array_resize(&claim.farkas, lp.num_rows()), 0);
@@ -326,7 +330,7 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
             dual_farkas_to_ray(model.model->body, INF, of_dual.farkas.data, claim.ray.data);
         }
-        EXPECT_EQ(judge(model, &claim), Proof::HOLDS) << seed;
+        EXPECT_EQ(judge(model.model->body, &claim), Proof::HOLDS) << seed;
     }
     EXPECT_GT(infeasible, 100);
     EXPECT_GT(unbounded, 100);

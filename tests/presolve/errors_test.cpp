@@ -5,6 +5,7 @@
 #include "presolve/errors.h"
 #include "presolve/presolve.h"
 #include "support/dice.h"
+#include "support/inside.h"
 #include "support/lp_tarvex.h"
 #include "support/presolve_try.h"
 #include <gtest/gtest.h>
@@ -70,8 +71,7 @@ TEST(Errors, tall_models_with_a_known_point_are_not_refused)
         const Tall tall = gen_tall(&dice);
         const TestModel model(lp_load(env.env, &tall.lp));
         LpClaim claim;
-        EXPECT_EQ(presolve_lp(model, &claim), 0) << seed;
-        presolve_drop(model);
+        EXPECT_EQ(Reduced(model, &claim).status, 0) << seed;
     }
 }
 
@@ -113,7 +113,7 @@ TEST(Errors, entries_remember_the_size_of_their_terms)
     const LpModel lp = cancelling(1e-9);
     const TestModel model(lp_load(env.env, &lp));
     PresolveWork w;
-    ASSERT_EQ(work_load(&w, model), 0);
+    ASSERT_EQ(work_load(&w, model.model->body, model.model->env), 0);
     ASSERT_EQ(mark_everything(&w), 0);
     ASSERT_EQ(pre_activity(&w), 0);
     ASSERT_EQ(pre_aggregate(&w), 0);

@@ -5,6 +5,7 @@
 #include "model/model.h"
 #include "presolve/work.h"
 #include "simplex/sopt.h"
+#include "support/inside.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
 #include "support/solve_judge.h"
@@ -63,7 +64,7 @@ static Outcome solve_under(TVXenv *env, const LpModel *lp, const Settings &setti
     } else if (out.solution.status == TVX_OPTIMAL) {
         out.wrong = judge_optimal(lp, &out.solution);
         const TVXmodel *inside = model;
-        out.clean_up = inside->simplex->NPvt;
+        out.clean_up = inside->lp.simplex->NPvt;
     }
     return out;
 }
@@ -196,8 +197,9 @@ static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
 {
     const TestModel model(lp_load(env, lp));
     unsigned kinds = 0;
-    if (presolve_lp(model) != 0) return 0;
-    for (const UndoRecord *undo = model.model->presolve->Undo.head; undo; undo = undo->next)
+    const Reduced reduced(model);
+    if (!reduced.result) return 0;
+    for (const UndoRecord *undo = reduced.result->Undo.head; undo; undo = undo->next)
         kinds |= 1U << undo->kind;
     return kinds;
 }

@@ -27,8 +27,8 @@ double dual_iterations(const LpModel *lp, double optimum)
 {
     const TestEnv env;
     const TestModel model(lp_load(env.env, lp));
-    EXPECT_EQ(SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr), 0);
-    const sopt *s = model.model->simplex;
+    EXPECT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
+    const sopt *s = model.model->lp.simplex;
     EXPECT_EQ(s->Status, SIMPLEX_OPTIMAL);
     EXPECT_NEAR(s->Obj, optimum, 1e-9);
     return s->NPvt;
@@ -66,8 +66,8 @@ TEST(DualStart, perturbation_of_a_stalled_run_moves_reduced_costs_away_from_zero
     const LpModel lp = packing(1);
     const TestEnv env;
     const TestModel model(lp_load(env.env, &lp));
-    ASSERT_EQ(SimplexOptimize(model, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr), 0);
-    sopt *s = model.model->simplex;
+    ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
+    sopt *s = model.model->lp.simplex;
     int moved = 0;
     for (int j = 0; j < s->NumVars; j++) s->Double->Cbar[j] = 0;
     for (int round = 0; round < 2; round++) {

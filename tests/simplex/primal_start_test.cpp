@@ -1,5 +1,6 @@
 // The basis from which the primal starts is a basis, and no worse than the slacks by orders of magnitude.
 #include "simplex/sopt.h"
+#include "support/inside.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -12,8 +13,8 @@ const sopt *start(const TestModel &model)
 {
     EXPECT_EQ(settings_apply(TVXgetenv(model), {{"IterationLimit", 0}, {"ScaleFlag", 0}}),
               0);
-    EXPECT_EQ(SimplexOptimize(model, METHOD_PRIMAL, nullptr, nullptr, nullptr, nullptr), 0);
-    return model.model->simplex;
+    EXPECT_EQ(simplex_alone(model, {.Method = METHOD_PRIMAL}), 0);
+    return model.model->lp.simplex;
 }
 } // namespace
 

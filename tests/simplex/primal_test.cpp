@@ -9,8 +9,8 @@ namespace
 // Solves as set up; with `x` from that point.
 const sopt *solve(TVXmodel *model, int method, const double *x = nullptr)
 {
-    EXPECT_EQ(SimplexOptimize(model, method, nullptr, nullptr, x, nullptr), 0);
-    return model->simplex;
+    EXPECT_EQ(simplex_alone(model, {.Method = method, .X = x}), 0);
+    return model->lp.simplex;
 }
 
 void expect_same(const sopt *a, const sopt *b)
@@ -80,7 +80,7 @@ TEST(PrimalPricing, every_kind_finds_the_same_answer_with_and_without_perturbati
                 own->TARV_PAR_PRIMALPARTIAL = kind / 10;
                 own->PerturbValue = perturb;
                 own->IterationLimit = 50000;
-                expect_same(solve(other, METHOD_PRIMAL), first.model->simplex);
+                expect_same(solve(other, METHOD_PRIMAL), first.model->lp.simplex);
                 ASSERT_FALSE(testing::Test::HasFailure()) << kind << " " << perturb;
             }
     }
@@ -112,8 +112,8 @@ TEST(PrimalSuper, a_limit_amid_the_pushes_leaves_a_start_for_the_next_solve)
     const std::vector<double> x = draw_point(&lp, &dice);
     TVXgetenv(started)->IterationLimit = 3;
     ASSERT_EQ(solve(started, METHOD_AUTO, x.data())->Status, SIMPLEX_ITERATION_LIMIT);
-    EXPECT_GT(superbasics_left(started.model->simplex), 0);
+    EXPECT_GT(superbasics_left(started.model->lp.simplex), 0);
     TVXgetenv(started)->IterationLimit = 1e9;
     expect_same(solve(started, METHOD_AUTO), solve(plain, METHOD_DUAL));
-    EXPECT_EQ(superbasics_left(started.model->simplex), 0);
+    EXPECT_EQ(superbasics_left(started.model->lp.simplex), 0);
 }

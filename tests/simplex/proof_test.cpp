@@ -14,7 +14,7 @@ struct Proof : ModelTest {
             EXPECT_EQ(TVXsetintparam(own(), name, 0), 0);
         EXPECT_EQ(TVXsetdblparam(own(), "IterationLimit", 0), 0);
         EXPECT_EQ(TVXoptimize(model), 0);
-        return model->simplex;
+        return model->lp.simplex;
     }
     // Does this multiplier of the one row prove the model infeasible?
     bool refuted(const LpModel &lp, double multiplier)
@@ -75,7 +75,7 @@ TEST_F(Proof, infeasibility_reaches_as_far_as_it_says)
     for (const Case &c : CASES)
         for (const double multiplier : {1.0, -1.0}) {
             const bool full = refuted(far_point(c.gap, c.entry), multiplier);
-            const sopt *s = model->simplex;
+            const sopt *s = model->lp.simplex;
             const std::string text = std::to_string(c.gap * 1e9) + "e-9, entry " +
                                      std::to_string(c.entry * 1e15) + "e-15";
             EXPECT_EQ(full, c.full) << text;
@@ -89,8 +89,8 @@ TEST_F(Proof, multipliers_are_solved_for_again_and_kept_with_the_sign_of_the_pro
 {
     for (const double multiplier : {1 + 1e-7, -1 + 1e-7}) {
         ASSERT_TRUE(refuted(far_point(0.01, 0), multiplier));
-        EXPECT_EQ(model->simplex->Proof, PROOF_FARKAS);
-        EXPECT_EQ(model->simplex->ProofVector[0], 1) << multiplier; // of -x <= -1
+        EXPECT_EQ(model->lp.simplex->Proof, PROOF_FARKAS);
+        EXPECT_EQ(model->lp.simplex->ProofVector[0], 1) << multiplier; // of -x <= -1
     }
 }
 
@@ -117,7 +117,7 @@ TEST_F(Proof, a_ray_by_wrong_factors_is_mended_or_refused)
             ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);
         ASSERT_EQ(TVXoptimize(model), 0);
         ASSERT_EQ(integer("Status"), TVX_UNBOUNDED);
-        sopt *s = model->simplex;
+        sopt *s = model->lp.simplex;
         const int basic = s->BasisHead[0];
         ASSERT_LT(basic, 2);
         ASSERT_EQ(s->Double->Lu.NumUpdates, 0);

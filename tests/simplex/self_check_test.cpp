@@ -18,7 +18,7 @@ struct SelfCheck : ModelTest {
         EXPECT_EQ(TVXoptimize(model), 0);
         EXPECT_EQ(TVXsetintparam(own(), "TARV_PAR_ITEST", 2), 0);
         EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-        return model->simplex;
+        return model->lp.simplex;
     }
 };
 

@@ -19,7 +19,7 @@ struct Stall : ModelTest {
             ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);
         ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
         ASSERT_EQ(TVXoptimize(model), 0);
-        s = model->simplex;
+        s = model->lp.simplex;
         s->Method = method;
         s->PerturbAllowed = 1;
         s->NPvt = s->NumFactor = 0;

@@ -1,6 +1,6 @@
 // model_test.h -- ModelTest, a fixture with a silent environment, one model, and short words for its attributes
 #pragma once
-#include "support/lp_tarvex.h"
+#include "support/inside.h"
 #include "support/scratch.h"
 
 struct ModelTest : testing::Test {

@@ -1,7 +1,8 @@
 // presolve_try.cpp -- see the header
 #include "support/presolve_try.h"
 #include "body/signs.h"
-#include "simplex/simplex.h"
+#include "presolve/presolve.h"
+#include "support/inside.h"
 #include "support/settings.h"
 #include <cstdlib>
 
@@ -15,9 +16,10 @@ static int broken_invariants(const PresolveWork *w)
 }
 
 static int reduce(PresolveWork *w, TVXmodel *model,
-                  std::initializer_list<Reduction> reductions, PresolveTry *out)
+                  std::initializer_list<Reduction> reductions, PresolveTry *out,
+                  PresolveResult **result)
 {
-    if (const int error = work_load(w, model)) return error;
+    if (const int error = work_load(w, model->body, model->env)) return error;
     if (const int stop = mark_everything(w)) return stop;
     for (const Reduction reduction : reductions) {
         if (const int stop = pre_activity(w)) return stop;
@@ -26,7 +28,7 @@ static int reduce(PresolveWork *w, TVXmodel *model,
         out->broken += broken_invariants(w);
         if (const int stop = compress(w)) return stop;
     }
-    return build_reduced(w);
+    return build_reduced(w, result);
 }
 
 static void keep_counters(const PresolveWork *w, PresolveTry *out)
@@ -46,15 +48,13 @@ static int solve_reduced(TVXmodel *reduced, PresolveTry *out, LpPoint *point)
     out->cols = reduced->body->numvars;
     out->nonzeros = reduced->body->numnz;
     if (const int error = lp_read_back(reduced, &out->reduced)) return error;
-    if (const int error =
-            SimplexOptimize(reduced, METHOD_DUAL, nullptr, nullptr, nullptr, nullptr))
-        return error;
-    out->reduced_status = reduced->status;
-    if (reduced->status != TVX_OPTIMAL) return 0;
-    if (const int error = lp_point_alloc(point, reduced, true)) return error;
-    simplex_get_primal(reduced->simplex, point->x.data);
-    simplex_get_dual(reduced->simplex, point->dual.data + out->cols, point->dual.data);
-    simplex_get_basis(reduced->simplex, point->status.data);
+    if (const int error = simplex_alone(reduced, {.Method = METHOD_DUAL})) return error;
+    out->reduced_status = reduced->lp.status;
+    if (reduced->lp.status != TVX_OPTIMAL) return 0;
+    if (const int error = lp_point_alloc(point, reduced->body, true)) return error;
+    simplex_get_primal(reduced->lp.simplex, point->x.data);
+    simplex_get_dual(reduced->lp.simplex, point->dual.data + out->cols, point->dual.data);
+    simplex_get_basis(reduced->lp.simplex, point->status.data);
     return 0;
 }
 
@@ -81,14 +81,17 @@ static LpSolution as_caller_sees(const TVXmodel *model, const LpModel *lp,
     return s;
 }
 
-static int solve_and_return(TVXmodel *model, const LpModel *lp, PresolveTry *out)
+static int solve_and_return(TVXmodel *model, const PresolveResult *result,
+                            const LpModel *lp, PresolveTry *out)
 {
     LpPoint reduced, full;
-    if (model->presolved) {
-        if (const int error = solve_reduced(model->presolved, out, &reduced)) return error;
+    const ModelBody *body = presolve_reduced(result);
+    if (body) {
+        const BodyView small(model->env, body);
+        if (const int error = solve_reduced(small, out, &reduced)) return error;
         if (out->reduced_status != TVX_OPTIMAL) return 0;
     }
-    if (const int error = postsolve_lp(model, model->presolved ? &reduced : nullptr, &full))
+    if (const int error = postsolve_lp(result, body ? &reduced : nullptr, &full))
         return error;
     out->solution = as_caller_sees(model, lp, &full);
     const LpReport report = lp_check_optimal(lp, &out->solution, LpTolerances{});
@@ -96,9 +99,11 @@ static int solve_and_return(TVXmodel *model, const LpModel *lp, PresolveTry *out
     return 0;
 }
 
-static void finish(TVXmodel *model, const LpModel *lp, PresolveTry *out)
+static void finish(TVXmodel *model, const PresolveResult *result, const LpModel *lp,
+                   PresolveTry *out)
 {
-    if (!out->error && out->status == 0) out->error = solve_and_return(model, lp, out);
+    if (!out->error && out->status == 0)
+        out->error = solve_and_return(model, result, lp, out);
     if (out->error) out->faults += "error " + std::to_string(out->error) + "\n";
     if (out->broken) out->faults += "the record is broken\n";
 }
@@ -110,10 +115,12 @@ PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
     const TestModel model(lp_load(env, lp));
     if (!model) abort();
     PresolveWork work;
-    out.error = reduce(&work, model, reductions, &out);
+    PresolveResult *result = nullptr;
+    out.error = reduce(&work, model, reductions, &out, &result);
     keep_counters(&work, &out);
     work_free(&work);
-    finish(model, lp, &out);
+    finish(model, result, lp, &out);
+    presolve_free(result);
     return out;
 }
 
@@ -122,8 +129,9 @@ PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
     PresolveTry out;
     const TestModel model(lp_load(env, lp));
     if (!model) abort();
-    out.status = presolve_lp(model);
-    finish(model, lp, &out);
+    const Reduced reduced(model);
+    out.status = reduced.status;
+    finish(model, reduced.result, lp, &out);
     return out;
 }
 

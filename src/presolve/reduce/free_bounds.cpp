@@ -13,13 +13,11 @@
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,
 //             2002, on boxed columns and the dual simplex.
 #include "presolve/bound_propagation.h"
-#include "simplex/simplex.h"
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-constexpr int METHOD_INTERIOR = 2;
 constexpr int ROUNDS = 10;
 constexpr double SAFE_SHARE = 0.001;  // of 1 + |bound| that the bound is moved away
 constexpr double LARGEST = 1e7;       // larger bounds help nobody
@@ -28,7 +26,7 @@ constexpr double LONG_COLUMNS = 1000; // entries per column from which it is not
 bool is_worth_it(const PresolveWork *w)
 {
     const int method = w->Env->LPMethod;
-    if (method != METHOD_DUAL && method != METHOD_INTERIOR) return false;
+    if (method != LP_DUAL_SIMPLEX && method != LP_BARRIER) return false;
     if (!w->Env->TARV_PAR_PREBOUND || w->MatrixClass == MATRIX_UNIT_EQUATIONS) return false;
     double entries = 0, cols = 0;
     for (int j = 0; j < w->NumCols; j++) {
@@ -61,7 +59,7 @@ bool give_bound(const BoundPropagation *p, PresolveWork *w, int j, int side)
 void bound_column(const BoundPropagation *p, PresolveWork *w, int j)
 {
     const bool lower = has_lb(w, j), upper = has_ub(w, j);
-    if (w->Env->LPMethod == METHOD_DUAL) {
+    if (w->Env->LPMethod == LP_DUAL_SIMPLEX) {
         if (lower != upper) give_bound(p, w, j, lower ? UPPER_SIDE : LOWER_SIDE);
     } else if (!lower && !upper && !give_bound(p, w, j, UPPER_SIDE)) {
         give_bound(p, w, j, LOWER_SIDE);
@@ -86,10 +84,9 @@ bool leans_on_given(const PresolveResult *result, int j, double d)
 }
 
 // The reduced model without the bounds that were given.
-int load_reduced(PresolveWork *w, const TVXmodel *model)
+int load_reduced(PresolveWork *w, const PresolveResult *result)
 {
-    const PresolveResult *result = model->presolve;
-    TRY(work_load(w, model->presolved));
+    TRY(work_load(w, result->Reduced, result->Env));
     for (int j = 0; j < result->NumCols; j++) {
         const int k = result->ColMap.data[j], given = result->GivenBounds.data[j];
         if (k < 0) continue;
@@ -100,9 +97,8 @@ int load_reduced(PresolveWork *w, const TVXmodel *model)
 }
 } // namespace
 
-int replace_given_bounds(const TVXmodel *model, double *y, double *d)
+int replace_given_bounds(const PresolveResult *result, double *y, double *d)
 {
-    const PresolveResult *result = model->presolve;
     if (result->GivenBounds.size == 0) return 0;
     bool leans = false;
     for (int j = 0; j < result->NumCols && !leans; j++) {
@@ -112,7 +108,7 @@ int replace_given_bounds(const TVXmodel *model, double *y, double *d)
     if (!leans) return 0;
     PresolveWork w;
     BoundPropagation p;
-    int status = load_reduced(&w, model);
+    int status = load_reduced(&w, result);
     if (status == 0) status = propagate(&p, &w);
     if (status == 0) propagation_unfold(&p, y, d);
     work_free(&w);

@@ -1,9 +1,9 @@
-// attributes.cpp -- make, clear and free the derived values behind a model's attributes
+// attribute_cache.cpp -- make, clear and free the derived values behind a model's attributes
 //
 // Invariant   A set bit of `have` means that its arrays have the size of the body. Clearing keeps their memory: the
 //             next solve of the same model fills them again.
 // Cost        Making and clearing O(1), but for the default names, whose texts are freed at a clear.
-#include "attributes/attributes.h"
+#include "model/attribute_cache.h"
 
 int attributes_make(TVXmodel *model)
 {

@@ -1,4 +1,4 @@
-// attributes.h -- AttributeTable, what a model keeps so that its attributes can be read
+// attribute_cache.h -- AttributeTable, what a model keeps so that its attributes can be read
 //
 // The table of all attributes is constant (attribute_table.h). Per model only derived values
 // are kept: statistics of the content, the last solution in the caller's signs, and texts of

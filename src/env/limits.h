@@ -1,8 +1,8 @@
-// limits.h -- a look at time limit and interruption within long loops
+// limits.h -- time limit and interruption, within long loops and between steps
 #pragma once
 #include "env/env.h"
 
-// A PresolveStatus: 0, or the limit that is reached; none without an environment.
+// 0, TVX_INTERRUPTED or TVX_TIME_LIMIT: what stops the solve; nothing does without an environment.
 [[nodiscard]] int limits_reached(const TVXenv *env);
 
 // In a scan: so many entries (or what takes as long) have been looked at since the last call. The limits are looked at when

@@ -4,21 +4,26 @@
 //          and f_i = -1 for a '>' row, else 1:   Pi_i = s * f_i * pi_i,   RC_j = s * rc_j,
 //          Slack_i = f_i * (rhs_i - activity_i). Each group is made once per solve and kept.
 // Cost     O(n + m), Slack O(nonzeros).
-#include "attributes/solution.h"
-#include "attributes/attributes.h"
+#include "model/solution.h"
+#include "model/attribute_cache.h"
 #include "body/row_activity.h"
 #include "body/signs.h"
 #include "simplex/simplex.h"
 
 int solution_status(const TVXmodel *model)
 {
-    return model->mip_result ? model->mip_result->status : model->status;
+    return model->mip_result ? model->mip_result->status : model->lp.status;
+}
+
+int solution_quality(TVXmodel *model)
+{
+    return solution_available(model) ? lp_quality(&model->lp) : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
 bool solution_available(const TVXmodel *model)
 {
-    if (!model->body || !model->simplex || model->mip_result) return false;
-    switch (model->status) {
+    if (!model->body || !lp_has_point(&model->lp) || model->mip_result) return false;
+    switch (model->lp.status) {
     case TVX_OPTIMAL:
     case TVX_CUTOFF:
     case TVX_ITERATION_LIMIT:
@@ -52,7 +57,7 @@ int solution_x(TVXmodel *model, const double **x)
     TRY(enter(model, &table));
     if (!(table->have & HAVE_X)) {
         TRY(array_resize(&table->x, model->body->numvars));
-        simplex_get_primal(model->simplex, table->x.data);
+        simplex_get_primal(model->lp.simplex, table->x.data);
         table->have |= HAVE_X;
     }
     *x = table->x.data;
@@ -92,7 +97,7 @@ int solution_duals(TVXmodel *model, const double **pi, const double **rc)
         const ModelBody *body = model->body;
         TRY(array_resize(&table->pi, body->numconstrs));
         TRY(array_resize(&table->rc, body->numvars));
-        simplex_get_dual(model->simplex, table->pi.data, table->rc.data);
+        simplex_get_dual(model->lp.simplex, table->pi.data, table->rc.data);
         for (int i = 0; i < body->numconstrs; i++)
             table->pi[i] = turned(body->sense * row_sign(body, i), table->pi[i]);
         for (int j = 0; j < body->numvars; j++)
@@ -132,7 +137,7 @@ int solution_basis(TVXmodel *model, const int **codes)
         const int n = model->body->numvars, m = model->body->numconstrs;
         TRY(array_resize(&table->basis, int64_t{n} + m));
         int *basis = table->basis.data;
-        simplex_get_basis(model->simplex, basis);
+        simplex_get_basis(model->lp.simplex, basis);
         for (int j = 0; j < n; j++) basis[j] = var_code(basis[j]);
         for (int64_t k = n; k < int64_t{n} + m; k++) basis[k] = constr_code(basis[k]);
         table->have |= HAVE_BASIS;
