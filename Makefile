@@ -9,7 +9,7 @@ export TARVEX_INSTANCES
 # Our own text, for the formatter and the linter.
 CODE = $(shell git ls-files '*.cpp' '*.h' '*.c')
 
-.PHONY: all run test bench fuzz install format format-check lint asan tsan clean
+.PHONY: all run test bench fuzz install docs format format-check lint asan tsan clean
 
 all: build/release/stamp
 
@@ -45,6 +45,12 @@ fuzz: setup-fuzz
 install: setup-run
 	@$(MAKE) --no-print-directory build/release/stamp
 	cmake --install build/release --prefix $(PREFIX)
+
+# The pages that are made from tables of the library.
+docs: setup-test
+	@$(MAKE) --no-print-directory build/test/stamp
+	build/test/bin/parameters_page >docs/parameters.md.new
+	mv docs/parameters.md.new docs/parameters.md
 
 format: setup-lint
 	clang-format-14 -i $(CODE)

@@ -3,16 +3,20 @@
 // Options are parsed by CLI11. Everything else is collected in order as words; which of them are parameters is
 // decided later, when the library can be asked for their names.
 #include "arguments.h"
+#include "near_miss.h"
+#include "option_words.h"
 #include "tarvex.h"
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 static constexpr const char *DESCRIPTION =
     "Solves linear programs.\n"
     "\n"
     "MODEL is a file in MPS (.mps, .rew) or LP format (.lp, .rlp, .ilp), also compressed "
-    "(.gz,\n.bz2). Several models are solved in turn.\n"
-    "Name=Value sets a parameter, for example TimeLimit=60 Threads=1 LPMethod=0 "
-    "LogFile=run.log.\n"
+    "(.gz,\n.bz2), or - for standard input. Several models are solved in turn.\n"
+    "Name=Value sets a parameter, for example TimeLimit=60 Threads=1 LPMethod=dual "
+    "Presolve=off\nLogFile=run.log. Every parameter is an option as well: --time-limit 60 "
+    "--lp-method dual;\n--method and --quiet are short for --lp-method and OutputFlag=0.\n"
     "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew, "
     ".lp,\n.rlp or .prm; may be repeated.\n";
 static constexpr const char *CLOSING =
@@ -31,35 +35,100 @@ static std::string version_text()
            std::to_string(technical) + " (" + TVXplatform() + ")";
 }
 
-Parsed arguments_parse(int argc, char **argv, Arguments *arguments, std::string *error)
+static void add_answers(CLI::App *app, Arguments *arguments)
+{
+    app->add_flag(
+        "--solution", arguments->solution,
+        "Print the variables that are not zero, by name; --solution=FILE writes all\n"
+        "values, prices and the basis");
+    app->add_option("--solution-file", arguments->solution_file, "As --solution=FILE")
+        ->type_name("FILE");
+    app->add_flag("--ranging", arguments->ranging,
+                  "With --solution=FILE: also the sensitivity ranges");
+    app->add_option(
+           "--json", arguments->json_file,
+           "Write status, objective and figures of the solve as JSON; - writes them to\n"
+           "standard output, and the log to standard error")
+        ->type_name("FILE");
+    app->add_flag("--convert", arguments->convert,
+                  "Write the first file as the second one, without solving");
+    app->add_flag(
+        "--parameters", arguments->list_parameters,
+        "List all parameters with type, range and default, or tell all about those\n"
+        "that are named behind it, and exit");
+}
+
+static void add_inputs(CLI::App *app, Arguments *arguments)
+{
+    app->add_option("words", arguments->words, "Parameters and model files, in any order")
+        ->type_name("[Name=Value ...] MODEL ...");
+    app->add_option("--start", arguments->start,
+                    "Start from this basis (.bas) or MIP start (.mst)")
+        ->type_name("FILE");
+    app->add_option("--params", arguments->param_files,
+                    "Read parameters from this file; Name=Value wins over it")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app->add_option("--format", arguments->format,
+                    "The format of standard input, where its text does not tell")
+        ->type_name("mps|lp");
+    CLI::Option *most = app->add_flag("--maximise,--maximize", arguments->maximise,
+                                      "Maximise, whatever the model says");
+    app->add_flag("--minimise,--minimize", arguments->minimise,
+                  "Minimise, whatever the model says")
+        ->excludes(most);
+}
+
+// The first of the words left over that looks like an option, with what may have been meant.
+static std::string unknown_option(const CLI::App &app)
+{
+    std::vector<std::string> known;
+    for (const CLI::Option *option : app.get_options())
+        for (const std::string &name : option->get_lnames()) known.push_back("--" + name);
+    for (const std::string &name : parameter_names())
+        known.push_back(parameter_option(name));
+    known.insert(known.end(), {"--method", "--quiet"});
+    for (const std::string &word : app.remaining()) {
+        if (!word.starts_with("-")) continue;
+        return "there is no option '" + word + "'" +
+               nearest_hint(word.substr(0, word.find('=')), known);
+    }
+    return "";
+}
+
+// --solution=FILE is two things at once to the parser: a flag, and a file.
+static void name_solution_file(std::vector<std::string> *words)
+{
+    static constexpr std::string_view FLAG = "--solution=";
+    for (std::string &word : *words) {
+        if (word == "--") break;
+        if (word.starts_with(FLAG)) word = "--solution-file=" + word.substr(FLAG.size());
+    }
+}
+
+Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
+                       std::string *error)
 {
     CLI::App app(DESCRIPTION, "tarvex");
     app.footer(CLOSING);
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::Throw);
     app.set_help_flag("-h,--help", "Print this text and exit");
     app.set_version_flag("--version", version_text(), "Print the version and exit");
-    app.add_option("words", arguments->words, "Parameters and model files, in any order")
-        ->type_name("[Name=Value ...] MODEL ...");
-    app.add_option("--start", arguments->start,
-                   "Start from this basis (.bas) or MIP start (.mst)")
-        ->type_name("FILE");
-    app.add_option("--params", arguments->param_files,
-                   "Read parameters from this file; Name=Value wins over it")
-        ->type_name("FILE")
-        ->allow_extra_args(false)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    app.add_flag("--solution", arguments->solution,
-                 "Print the variables that are not zero, by name");
-    app.add_flag("--parameters", arguments->list_parameters,
-                 "List all parameters with type, range and default, and exit");
+    add_inputs(&app, arguments);
+    add_answers(&app, arguments);
+    name_solution_file(&words);
+    std::reverse(words.begin(),
+                 words.end()); // the last one first, as the parser wants them
     try {
-        app.parse(argc, argv);
+        app.parse(std::move(words));
     } catch (const CLI::ParseError &e) {
         if (e.get_exit_code() == 0) {
             app.exit(e);
             return Parsed::DONE;
         }
-        *error = e.what();
+        *error = unknown_option(app);
+        if (error->empty()) *error = e.what();
         return Parsed::WRONG;
     }
     return Parsed::OK;

@@ -8,13 +8,21 @@ struct Arguments {
     std::vector<std::string> words;       // Name=Value and model files, in the order given
     std::vector<std::string> param_files; // --params, in order
     std::string start;                    // --start, or empty
+    std::string solution_file;            // --solution=FILE, or empty
+    std::string json_file;                // --json, or empty; "-" is standard output
+    std::string format;                   // --format, or empty
     bool solution = false;                // --solution
+    bool ranging = false;                 // --ranging
+    bool convert = false;                 // --convert
+    bool maximise = false;                // --maximise
+    bool minimise = false;                // --minimise
     bool list_parameters = false;         // --parameters
 };
 
 enum class Parsed { OK, DONE, WRONG };
-// DONE: --help or --version was answered. WRONG: the reason stands in *error.
-Parsed arguments_parse(int argc, char **argv, Arguments *arguments, std::string *error);
+// The words come from option_words. DONE: --help or --version was answered. WRONG: the reason stands in *error.
+Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
+                       std::string *error);
 
 // One word split at its first '='; false when it cannot be a parameter: no '=', nothing before it, or a slash
 // before it, so that ./a=b.mps is always a file.

@@ -5,6 +5,7 @@
 // Method      The same form (a name and a value on each line, '#' begins a comment), every line set like Name=Value;
 //             the first one that is wrong ends it, with its number.
 #include "parameter_file.h"
+#include "near_miss.h"
 #include "parameters.h"
 #include "runtime/file.h"
 #include <sstream>
@@ -38,7 +39,8 @@ static ExitCode set_line(TVXenv *env, const std::string &line, std::string *erro
     for (const char c : line)
         if (is_control(c)) *error = "a control character: this is no text file";
     if (error->empty() && TVXgetparamtype(env, name.c_str()) <= 0)
-        *error = "there is no parameter '" + name + "'; tarvex --parameters lists them";
+        *error = "there is no parameter '" + name + "'" +
+                 nearest_hint(name, parameter_names()) + "; tarvex --parameters lists them";
     if (error->empty() && !rest.empty() && rest[0] != '#')
         *error = "'" + rest + "' is too much: a line is a name and a value";
     if (!error->empty()) return EXIT_ERROR;

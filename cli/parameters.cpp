@@ -3,6 +3,9 @@
 // Numbers are read whole or not at all, with a decimal point whatever the locale: "1O" and "10 s" are refused
 // rather than taken for 1 and 10.
 #include "parameters.h"
+#include "near_miss.h"
+#include "option_words.h"
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -30,6 +33,17 @@ static int set_int(TVXenv *env, const std::string &name, double value, std::stri
     return TVXsetintparam(env, name.c_str(), static_cast<int>(value));
 }
 
+// " or one of the words ...", or empty.
+static std::string word_choice(const std::string &name)
+{
+    std::string list;
+    const ParameterText *text = parameter_text(name);
+    if (text)
+        for (const ValueWord &word : value_words(*text))
+            list += (list.empty() ? "" : ", ") + word.word;
+    return list.empty() ? "" : " or a word (" + list + ")";
+}
+
 ExitCode parameter_set(TVXenv *env, const std::string &name, const std::string &text,
                        std::string *error)
 {
@@ -39,8 +53,8 @@ ExitCode parameter_set(TVXenv *env, const std::string &name, const std::string &
         code = TVXsetstrparam(env, name.c_str(), text.c_str());
     } else {
         double value = 0;
-        if (!parse_number(text, &value)) {
-            *error = "takes a number, not '" + text + "'";
+        if (!parse_number(value_of_word(name, text), &value)) {
+            *error = "takes a number" + word_choice(name) + ", not '" + text + "'";
             return EXIT_USAGE;
         }
         if (type == INT_PARAMETER)
@@ -63,22 +77,107 @@ void parameters_list(TVXenv *env)
         char *name = nullptr;
         if (TVXgetparamname(env, k, &name) != 0) continue;
         const int type = TVXgetparamtype(env, name);
+        const ParameterText *text = parameter_text(name);
+        const bool unused = text && text->use == ParameterUse::NOT_YET;
+        const char *remark = unused ? "  not used yet" : "";
         if (type == INT_PARAMETER) {
             int low = 0;
             int high = 0;
             int usual = 0;
             TVXgetintparaminfo(env, name, nullptr, &low, &high, &usual);
-            printf("%-16s %-7s %12d %12d %12d\n", name, "int", low, high, usual);
+            printf("%-16s %-7s %12d %12d %12d%s\n", name, "int", low, high, usual, remark);
         } else if (type == DOUBLE_PARAMETER) {
             double low = 0;
             double high = 0;
             double usual = 0;
             TVXgetdblparaminfo(env, name, nullptr, &low, &high, &usual);
-            printf("%-16s %-7s %12g %12g %12g\n", name, "double", low, high, usual);
+            printf("%-16s %-7s %12g %12g %12g%s\n", name, "double", low, high, usual,
+                   remark);
         } else {
             char usual[TVX_PARAM_LENGTH + 1] = "";
             TVXgetstrparaminfo(env, name, nullptr, usual);
-            printf("%-16s %-7s %12s %12s %12s\n", name, "string", "", "", usual);
+            printf("%-16s %-7s %12s %12s %12s%s\n", name, "string", "", "", usual, remark);
         }
     }
+}
+
+// ---- One parameter ----
+
+static constexpr size_t LINE = 78; // of text on a screen
+
+static void print_wrapped(const std::string &text, const char *indent)
+{
+    std::string line;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find(' ', at), text.size());
+        const std::string word = text.substr(at, end - at);
+        if (!line.empty() && line.size() + 1 + word.size() > LINE) {
+            printf("%s%s\n", indent, line.c_str());
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + word;
+        at = end + 1;
+    }
+    if (!line.empty()) printf("%s%s\n", indent, line.c_str());
+}
+
+static void print_int_head(TVXenv *env, const char *name)
+{
+    int now = 0;
+    int low = 0;
+    int high = 0;
+    int usual = 0;
+    TVXgetintparaminfo(env, name, &now, &low, &high, &usual);
+    printf("%s: int, %d to %d, default %d\n", name, low, high, usual);
+    if (now != usual) printf("  set to %d by tarvex.env\n", now);
+}
+
+static void print_double_head(TVXenv *env, const char *name)
+{
+    double now = 0;
+    double low = 0;
+    double high = 0;
+    double usual = 0;
+    TVXgetdblparaminfo(env, name, &now, &low, &high, &usual);
+    printf("%s: double, %g to %g, default %g\n", name, low, high, usual);
+    if (now != usual) printf("  set to %g by tarvex.env\n", now);
+}
+
+static void print_string_head(TVXenv *env, const char *name)
+{
+    char now[TVX_PARAM_LENGTH + 1] = "";
+    char usual[TVX_PARAM_LENGTH + 1] = "";
+    TVXgetstrparaminfo(env, name, now, usual);
+    printf("%s: string, default '%s'\n", name, usual);
+    if (std::string(now) != usual) printf("  set to '%s' by tarvex.env\n", now);
+}
+
+ExitCode parameter_describe(TVXenv *env, const std::string &name)
+{
+    const ParameterText *text = parameter_text(name);
+    const int type = text ? TVXgetparamtype(env, text->name) : 0;
+    if (type <= 0) {
+        report_error("there is no parameter '" + name + "'" +
+                     nearest_hint(name, parameter_names()) +
+                     "; tarvex --parameters lists them");
+        return EXIT_USAGE;
+    }
+    if (type == INT_PARAMETER)
+        print_int_head(env, text->name);
+    else if (type == DOUBLE_PARAMETER)
+        print_double_head(env, text->name);
+    else
+        print_string_head(env, text->name);
+    print_wrapped(text->use == ParameterUse::NOT_YET
+                      ? std::string("Not used yet. ") + text->does
+                      : text->does,
+                  "  ");
+    if (*text->when) print_wrapped(std::string("When to change it: ") + text->when, "  ");
+    std::string words;
+    for (const ValueWord &word : value_words(*text))
+        words += (words.empty() ? "Words: " : ", ") + word.word + " (" + word.value + ")";
+    print_wrapped(words, "  ");
+    printf("  tarvex %s=VALUE ...  or  tarvex %s VALUE ...\n", text->name,
+           parameter_option(text->name).c_str());
+    return EXIT_SOLVED;
 }

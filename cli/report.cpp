@@ -13,8 +13,8 @@ static bool is_control(char c)
     return static_cast<unsigned char>(c) < ' ';
 }
 
-// The text on one line. Blanks that a line began with go with its beginning.
-static std::string one_line(const std::string &text)
+// Blanks that a line began with go with its beginning.
+std::string one_line(const std::string &text)
 {
     std::string line;
     bool at_begin = true;

@@ -4,6 +4,9 @@
 
 enum ExitCode { EXIT_SOLVED = 0, EXIT_ERROR = 1, EXIT_USAGE = 2, EXIT_INTERRUPTED = 130 };
 
+// A text on one line: line ends become semicolons, or a blank behind a colon, other control characters blanks.
+std::string one_line(const std::string &text);
+
 // Writes "tarvex: <text>" to standard error as one line, whatever `text` holds, after what the log has written.
 void report_error(const std::string &text);
 

@@ -3,18 +3,19 @@
 // Below the streams, so that whatever writes to them is silent: the command, the library, what they call.
 #include "silence.h"
 #include "arguments.h"
+#include "option_words.h"
 #include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
-bool silence_wanted(int argc, char **argv)
+bool silence_wanted(const std::vector<std::string> &words)
 {
     bool wanted = false;
-    for (int k = 1; k < argc; k++) {
+    for (const std::string &word : words) {
         std::string name;
         std::string value;
-        if (!split_setting(argv[k], &name, &value) || name_key(name) != "outputflag")
-            continue;
+        if (!split_setting(word, &name, &value) || name_key(name) != "outputflag") continue;
+        value = value_of_word(name, value);
         char *end = nullptr;
         wanted = !value.empty() && strtol(value.c_str(), &end, 10) == 0 && !*end;
     }
@@ -28,6 +29,15 @@ void silence(FILE *stream)
     if (nowhere < 0) return;
     dup2(nowhere, fileno(stream));
     close(nowhere);
+}
+
+FILE *divert_output()
+{
+    fflush(stdout);
+    const int kept = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    FILE *before = kept >= 0 ? fdopen(kept, "w") : nullptr;
+    if (before) dup2(STDERR_FILENO, STDOUT_FILENO);
+    return before;
 }
 
 SilentScope::SilentScope(FILE *given, bool wanted) : stream(given)

@@ -1,11 +1,16 @@
 // silence.h -- OutputFlag=0: nothing is printed but what was asked for by an option, not even errors
 #pragma once
 #include <cstdio>
+#include <string>
+#include <vector>
 
 // Is the last OutputFlag=Value among the words 0? Answered before anything can have gone wrong.
-bool silence_wanted(int argc, char **argv);
+bool silence_wanted(const std::vector<std::string> &words);
 
 void silence(FILE *stream); // for good
+
+// From here on standard output goes to standard error; returned is a stream to where it went before, or null.
+FILE *divert_output();
 
 // Silent from construction to the end of its scope, if asked.
 class SilentScope

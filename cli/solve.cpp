@@ -1,72 +1,27 @@
 // solve.cpp -- one model from file to answer
 #include "solve.h"
 #include "arguments.h"
+#include "commented_parameters.h"
+#include "json_result.h"
 #include "runtime/file.h"
-#include <charconv>
+#include "solution_text.h"
+#include "status.h"
+#include <chrono>
 #include <cstdio>
-#include <memory>
 
-struct FreeModel {
-    void operator()(TVXmodel *model) const { TVXfreemodel(model); }
-};
-using OwnedModel = std::unique_ptr<TVXmodel, FreeModel>;
-
-static ExitCode fail_with(const std::string &what, int code, const char *message)
+static Failure failed_call(const std::string &what, int code, const char *message)
 {
-    report_error(what + ": " + describe_failure(code, message));
-    return EXIT_ERROR;
-}
-
-// Shortest text that reads back as the same number, whatever the locale.
-static std::string number_text(double value)
-{
-    char text[32];
-    const auto [end, code] = std::to_chars(text, text + sizeof text, value);
-    return code == std::errc() ? std::string(text, end) : "?";
-}
-
-static const char *status_text(int status)
-{
-    switch (status) {
-    case TVX_LOADED:
-        return "not solved";
-    case TVX_OPTIMAL:
-        return "optimal";
-    case TVX_INFEASIBLE:
-        return "infeasible";
-    case TVX_INF_OR_UNBD:
-        return "infeasible or unbounded";
-    case TVX_UNBOUNDED:
-        return "unbounded";
-    case TVX_CUTOFF:
-        return "objective worse than Cutoff";
-    case TVX_ITERATION_LIMIT:
-        return "iteration limit";
-    case TVX_NODE_LIMIT:
-        return "node limit";
-    case TVX_TIME_LIMIT:
-        return "time limit";
-    case TVX_SOLUTION_LIMIT:
-        return "solution limit";
-    case TVX_INTERRUPTED:
-        return "interrupted";
-    case TVX_NUMERIC:
-        return "numeric trouble";
-    case TVX_SUBOPTIMAL:
-        return "suboptimal";
-    default:
-        return "unknown status";
-    }
+    return {code, what + ": " + describe_failure(code, message)};
 }
 
 // A start file that names what the model does not have reads "successfully" with the message left standing: for
 // someone who asked for this start that is an error.
-static ExitCode read_start(TVXmodel *model, const std::string &file)
+static Failure read_start(TVXmodel *model, const std::string &file)
 {
     const int code = TVXread(model, file.c_str());
     const char *message = TVXgetmerrormsg(model);
-    if (code == 0 && !*message) return EXIT_SOLVED;
-    return fail_with("cannot start from '" + file + "'", code, message);
+    if (code == 0 && !*message) return {};
+    return failed_call("cannot start from '" + file + "'", code, message);
 }
 
 // ---- Result files ----
@@ -96,12 +51,13 @@ static void drop_old_results(TVXmodel *model, const std::vector<std::string> &fi
 }
 
 // A solve that ends without a point is an answer, and so is a file that is not there.
-static ExitCode write_result(TVXmodel *model, const std::string &file)
+static Failure write_result(TVXmodel *model, const std::string &file)
 {
     const int code = TVXwrite(model, file.c_str());
     if (code == 0) {
+        comment_parameters(file);
         TVXmsg(TVXgetenv(model), "Wrote requested result file '%s'\n", file.c_str());
-        return EXIT_SOLVED;
+        return {};
     }
     const std::string message = TVXgetmerrormsg(model);
     int status = TVX_LOADED;
@@ -111,17 +67,31 @@ static ExitCode write_result(TVXmodel *model, const std::string &file)
     if (absent && status != TVX_OPTIMAL) {
         TVXmsg(TVXgetenv(model), "         There is nothing to write: %s\n",
                status_text(status));
-        return EXIT_SOLVED;
+        return {};
     }
-    return fail_with("cannot write '" + file + "'", code, message.c_str());
+    return failed_call("cannot write '" + file + "'", code, message.c_str());
 }
 
-static ExitCode write_results(TVXmodel *model, const std::vector<std::string> &files)
+// Every file is tried, and every failure reported; returned is the last one.
+static Failure write_results(TVXmodel *model, const SolveRequest &request)
 {
-    ExitCode exit_code = EXIT_SOLVED;
-    for (const std::string &file : files)
-        if (const ExitCode code = write_result(model, file)) exit_code = code;
-    return exit_code;
+    Failure last;
+    for (const std::string &file : request.results) {
+        const Failure failure = write_result(model, file);
+        if (failure.text.empty()) continue;
+        report_error(failure.text);
+        last = failure;
+    }
+    const std::string &text = request.solution_file;
+    if (text.empty()) return last;
+    if (solution_text_write(model, text, request.ranging)) {
+        TVXmsg(TVXgetenv(model), "Wrote solution file '%s'\n", text.c_str());
+    } else {
+        last = {TVX_ERROR_FILE_WRITE,
+                "cannot write '" + text + "': check folder, permissions and free space"};
+        report_error(last.text);
+    }
+    return last;
 }
 
 // ---- The model ----
@@ -154,26 +124,81 @@ static void print_solution(TVXmodel *model)
     }
 }
 
-ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &request)
+// Seconds since the clock was made.
+class Clock
 {
-    TVXmodel *read = nullptr;
-    if (const int code = TVXreadmodel(env, file.c_str(), &read))
-        return fail_with("cannot read '" + file + "'", code, TVXgeterrormsg(env));
-    const OwnedModel owner(read);
-    if (!request.start.empty())
-        if (const ExitCode code = read_start(read, request.start)) return code;
-
-    TVXsetsignal(read);
-    const int code = TVXoptimize(read);
-    if (code != 0) {
-        const std::string message = TVXgetmerrormsg(read);
-        drop_old_results(read, request.results);
-        return fail_with("cannot solve '" + file + "'", code, message.c_str());
+  public:
+    double seconds() const
+    {
+        const auto passed = std::chrono::steady_clock::now() - begin;
+        return std::chrono::duration<double>(passed).count();
     }
 
-    const ExitCode written = write_results(read, request.results);
-    if (request.solution) print_solution(read);
-    int status = 0;
-    TVXgetintattr(read, "Status", &status);
-    return status == TVX_INTERRUPTED ? EXIT_INTERRUPTED : written;
+  private:
+    std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
+};
+
+// What failed before there was a result is reported here; what failed in writing the result, where it is written.
+static Failure solve_model(TVXmodel *model, const std::string &file,
+                           const SolveRequest &request)
+{
+    // An older file must not pass for the result of this solve.
+    if (!request.solution_file.empty()) FileRemove(request.solution_file.c_str());
+    if (!request.start.empty()) {
+        Failure failure = read_start(model, request.start);
+        if (!failure.text.empty()) {
+            report_error(failure.text);
+            return failure;
+        }
+    }
+    TVXsetsignal(model);
+    if (const int code = TVXoptimize(model)) {
+        const std::string message = TVXgetmerrormsg(model);
+        drop_old_results(model, request.results);
+        Failure failure = failed_call("cannot solve '" + file + "'", code, message.c_str());
+        report_error(failure.text);
+        return failure;
+    }
+    Failure failure = write_results(model, request);
+    if (request.solution) print_solution(model);
+    return failure;
+}
+
+ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &request,
+                    std::string *json)
+{
+    const Clock clock;
+    SolveTimes times;
+    Failure failure;
+    int status = TVX_LOADED;
+    const OwnedModel model = model_input(env, file, request.input, &failure);
+    times.read = clock.seconds();
+    if (model) {
+        failure = solve_model(model.get(), file, request);
+        TVXgetintattr(model.get(), "Status", &status);
+        TVXgetdblattr(model.get(), "Runtime", &times.solve);
+    } else {
+        report_error(failure.text);
+    }
+    times.total = clock.seconds();
+    if (json) *json = json_result(model.get(), file, failure, times);
+    if (status == TVX_INTERRUPTED) return EXIT_INTERRUPTED;
+    return failure.text.empty() ? EXIT_SOLVED : EXIT_ERROR;
+}
+
+ExitCode convert_file(TVXenv *env, const std::string &file, const std::string &target,
+                      const InputRequest &input)
+{
+    Failure failure;
+    const OwnedModel model = model_input(env, file, input, &failure);
+    if (model)
+        if (const int code = TVXwrite(model.get(), target.c_str()))
+            failure = failed_call("cannot write '" + target + "'", code,
+                                  TVXgetmerrormsg(model.get()));
+    if (failure.text.empty()) {
+        TVXmsg(env, "Wrote '%s'\n", target.c_str());
+        return EXIT_SOLVED;
+    }
+    report_error(failure.text);
+    return EXIT_ERROR;
 }

@@ -60,7 +60,8 @@ static void forbid_threads()
     prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
-Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
+static Outcome run_from(const char *input, const std::vector<std::string> &arguments,
+                        Command::Confine confine)
 {
     std::vector<std::string> words = {TARVEX_COMMAND};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -69,10 +70,10 @@ Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+        dup2(open(input, O_RDONLY), STDIN_FILENO);
         dup2(open("stdout", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
         dup2(open("stderr", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
-        if (confine == Confine::ONE_THREAD) forbid_threads();
+        if (confine == Command::Confine::ONE_THREAD) forbid_threads();
         execv(argv[0], argv.data());
         _exit(127);
     }
@@ -83,6 +84,18 @@ Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
     outcome.out = file_get("stdout");
     outcome.err = file_get("stderr");
     return outcome;
+}
+
+Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
+{
+    return run_from("/dev/null", arguments, confine);
+}
+
+Outcome Command::run_with_input(const std::vector<std::string> &arguments,
+                                const std::string &input)
+{
+    file_put("stdin", input);
+    return run_from("stdin", arguments, Confine::NO);
 }
 
 testing::AssertionResult is_one_line(const std::string &text)

@@ -21,6 +21,9 @@ class Command : public testing::Test
     }; // ONE_THREAD: the kernel kills a run that starts a thread or process
     static Outcome run(const std::vector<std::string> &arguments,
                        Confine confine = Confine::NO);
+    // With `input` on standard input, which is empty otherwise.
+    static Outcome run_with_input(const std::vector<std::string> &arguments,
+                                  const std::string &input);
 
     Scratch scratch;
 };

@@ -40,6 +40,7 @@ TEST_F(CliUsage, ListsEveryPublicParameter)
     EXPECT_EQ(outcome.exit_code, 0);
     EXPECT_THAT(outcome.out, HasSubstr("\nTimeLimit "));
     EXPECT_THAT(outcome.out, HasSubstr("\nOutputFlag "));
+    EXPECT_THAT(outcome.out, HasSubstr("0.0001  not used yet\nMIPGapAbs "));
     EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 64);
 }
 
@@ -50,6 +51,8 @@ TEST_F(CliUsage, RefusesUnknownWords)
     refuses({"--nonsense", "plan.mps"}, "--nonsense");
     refuses({"NoSuchThing=5", "plan.mps"}, "'NoSuchThing'");
     refuses({"=5", "--start"}, "--start");
+    refuses({"--solution=", "plan.mps"}, "'--solution=' needs a value");
+    refuses({"-x", "plan.mps"}, "'-x'");
 }
 
 TEST_F(CliUsage, RefusesValuesThatAreNone)

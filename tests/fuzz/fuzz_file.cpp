@@ -56,8 +56,8 @@ std::string check_model(const std::string &suffix)
         if (!*TVXgeterrormsg(session.env)) return "an error without a message";
         return session.model ? "an error with a model" : "";
     }
-    char where[256] = "";
 #ifdef TVX_DEBUG
+    char where[256] = "";
     if (body_check(session.model->body, where)) return where;
 #endif
     std::string wrong;

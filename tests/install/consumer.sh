@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
-# Another project finds the installed package, builds the examples with it and runs them.
+# Other projects find the installed package, build the examples with both libraries and run them: one of C and C++, one
+# of C alone.
 #   consumer.sh SOURCE PREFIX BUILD
 set -euo pipefail
-cmake -S "$1/tests/install" -B "$3" -G Ninja -DCMAKE_PREFIX_PATH="$2"
-cmake --build "$3"
-ctest --test-dir "$3" --output-on-failure
+for languages in "C;CXX" C; do
+    build=$3/${languages/;/_}
+    cmake -S "$1/tests/install" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$2" -DCONSUMER_LANGUAGES="$languages"
+    cmake --build "$build"
+    ctest --test-dir "$build" --output-on-failure
+done

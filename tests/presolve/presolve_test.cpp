@@ -216,7 +216,7 @@ static void append_block(LpModel *lp, const LpModel &block)
 }
 
 // Small models side by side, until presolve needs every kind of record for them.
-static LpModel model_of_all_kinds(TVXenv *env, unsigned wanted)
+[[maybe_unused]] static LpModel model_of_all_kinds(TVXenv *env, unsigned wanted)
 {
     LpModel lp;
     for (uint64_t seed = 0; seed < 20000; seed++) {

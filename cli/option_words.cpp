@@ -1,0 +1,116 @@
+// option_words.cpp -- parameters as long options, and words for their values
+//
+// Problem     Parameters are written Name=value. People and completion of shells expect options.
+// Method      Every option is compared with the names of all parameters, both without regard to case, dashes and
+//             underscores, and with a few shorter names. What is no parameter is left as it is.
+#include "option_words.h"
+#include "arguments.h"
+#include <algorithm>
+
+struct ShortName {
+    const char *option;    // without the dashes
+    const char *parameter; // or "Name=value", which takes no value behind it
+};
+static constexpr ShortName SHORT_NAMES[] = {
+    {"method", "LPMethod"},
+    {"quiet", "OutputFlag=0"},
+};
+
+static std::string without_dashes(const std::string &text)
+{
+    std::string rest;
+    for (const char c : text)
+        if (c != '-') rest += c;
+    return rest;
+}
+
+const ParameterText *parameter_text(const std::string &name)
+{
+    const std::string key = name_key(name);
+    for (const ParameterText &text : parameter_texts::rows)
+        if (name_key(text.name) == key) return &text;
+    return nullptr;
+}
+
+// The parameter that an option means, as in ShortName, or empty.
+static std::string meaning(const std::string &option)
+{
+    for (const ShortName &name : SHORT_NAMES)
+        if (option == name.option) return name.parameter;
+    const ParameterText *text = parameter_text(without_dashes(option));
+    return text ? text->name : "";
+}
+
+std::vector<std::string> option_words(int argc, char **argv, std::string *error)
+{
+    std::vector<std::string> words;
+    for (int k = 1; k < argc; k++) {
+        const std::string word = argv[k];
+        if (word == "--") {
+            words.insert(words.end(), argv + k, argv + argc);
+            break;
+        }
+        const size_t equals = word.find('=');
+        const std::string parameter =
+            word.starts_with("--") ? meaning(word.substr(2, equals - 2)) : "";
+        const bool whole = parameter.find('=') != std::string::npos;
+        if (parameter.empty()) {
+            words.push_back(word);
+            if (word.starts_with("--") && word.back() == '=' && error->empty())
+                *error = "'" + word + "' needs a value";
+        } else if (whole) {
+            words.push_back(parameter);
+            if (equals != std::string::npos && error->empty())
+                *error = "'" + word + "': this option takes no value";
+        } else if (equals != std::string::npos) {
+            words.push_back(parameter + word.substr(equals));
+        } else if (k + 1 < argc && std::string_view(argv[k + 1]).substr(0, 2) != "--") {
+            words.push_back(parameter + "=" + argv[++k]);
+        } else if (error->empty()) {
+            *error = "'" + word + "' needs a value behind it";
+        }
+    }
+    return words;
+}
+
+static bool is_capital(char c)
+{
+    return 'A' <= c && c <= 'Z';
+}
+
+// A dash before each capital that begins a word: LogFile log-file, MIPGapAbs mip-gap-abs, LPMethod lp-method.
+std::string parameter_option(const std::string &name)
+{
+    std::string option = "--";
+    for (size_t k = 0; k < name.size(); k++) {
+        const bool begins =
+            k > 0 && is_capital(name[k]) &&
+            (!is_capital(name[k - 1]) || (k + 1 < name.size() && !is_capital(name[k + 1])));
+        if (begins) option += '-';
+        option += is_capital(name[k]) ? static_cast<char>(name[k] - 'A' + 'a') : name[k];
+    }
+    return option;
+}
+
+std::vector<ValueWord> value_words(const ParameterText &text)
+{
+    std::vector<ValueWord> words;
+    const std::string all = text.words;
+    for (size_t at = 0; at < all.size();) {
+        const size_t end = std::min(all.find(' ', at), all.size());
+        const size_t equals = all.find('=', at);
+        words.push_back(
+            {all.substr(at, equals - at), all.substr(equals + 1, end - equals - 1)});
+        at = end + 1;
+    }
+    return words;
+}
+
+std::string value_of_word(const std::string &name, const std::string &value)
+{
+    const ParameterText *text = parameter_text(name);
+    if (!text) return value;
+    for (const ValueWord &known : value_words(*text))
+        if (name_key(known.word) == name_key(value)) return known.value;
+    return value;
+}

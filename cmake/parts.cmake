@@ -1,0 +1,35 @@
+# Which parts can be built: settles TARVEX_CLI and TARVEX_TESTS where they are AUTO, and finds what they need.
+
+# Settles `part`, whose needs are met if `found` is true; `needs` names them.
+function(settle_part part found what needs)
+  if(${${part}} STREQUAL "AUTO")
+    if(NOT PROJECT_IS_TOP_LEVEL)
+      set(${part} OFF PARENT_SCOPE)
+    elseif(found)
+      set(${part} ON PARENT_SCOPE)
+    else()
+      message(STATUS "tarvex: without ${what}: ${needs} not found")
+      set(${part} OFF PARENT_SCOPE)
+    endif()
+  elseif(${part} AND NOT found)
+    message(FATAL_ERROR "tarvex: ${part}=${${part}}, but ${needs} not found")
+  endif()
+endfunction()
+
+if(TARVEX_CLI)
+  find_package(CLI11 QUIET)
+  settle_part(TARVEX_CLI "${CLI11_FOUND}" "the command line" "CLI11 (Debian: libcli11-dev)")
+endif()
+if(TARVEX_TESTS)
+  find_package(GTest QUIET)
+  find_path(GMOCK_INCLUDE gmock/gmock.h)
+  find_library(GMP_LIBRARY gmp) # the exact judge of small LPs
+  find_library(GMPXX_LIBRARY gmpxx)
+  if(GTest_FOUND AND GMOCK_INCLUDE AND GMP_LIBRARY AND GMPXX_LIBRARY)
+    set(found YES)
+  else()
+    set(found NO)
+  endif()
+  settle_part(TARVEX_TESTS ${found} "the tests"
+    "GoogleTest and GMP (Debian: libgtest-dev libgmock-dev libgmp-dev)")
+endif()

@@ -1,0 +1,236 @@
+// parameter_texts.h -- what every parameter does, and when to change it, in the order of parameter_table.h
+//
+// Data alone, and no include: the command line and the program that writes docs/parameters.md take their texts from
+// here as well, without the rest of the library. Ranges and defaults stand in parameter_table.h only.
+#pragma once
+
+enum class ParameterUse {
+    YES,    // something in the library reads it
+    NOT_YET // it can be set and read, and changes nothing
+};
+
+struct ParameterText {
+    const char *name; // as parameter_table.h spells it
+    ParameterUse use;
+    const char *words; // values that have a name, "name=value name=value ..."; may be empty
+    const char *does;  // what it does, and in which unit
+    const char *when;  // when to change it; may be empty
+};
+
+namespace parameter_texts
+{
+// clang-format off
+inline constexpr ParameterUse YES = ParameterUse::YES, NOT_YET = ParameterUse::NOT_YET;
+inline constexpr const char *CUT_LEVEL = "auto=-1 off=0 moderate=1 aggressive=2";
+inline constexpr const char *ON_OFF = "off=0 on=1";
+inline constexpr const char *AUTO_ON_OFF = "auto=-1 off=0 on=1";
+inline constexpr const char *CLASS_WHEN = "Leave it to Cuts, unless runs show that this class helps or costs too much.";
+
+inline constexpr ParameterText rows[] = {
+    {"Cutoff", YES, "none=1e100",
+     "An objective value: a solve ends with status 6 as soon as it is known that the optimum is worse.",
+     "When only solutions better than a known one are of interest."},
+    {"IterationLimit", YES, "none=1e100",
+     "The most simplex iterations of one solve; it then ends with status 7.",
+     "For runs that must be repeatable on any machine; TimeLimit is not."},
+    {"NodeLimit", NOT_YET, "none=1e100",
+     "The most nodes of a search over integer variables; it then ends with status 8.", ""},
+    {"SolutionLimit", NOT_YET, "none=2e9",
+     "A search over integer variables ends with status 10 when it has found so many solutions.", ""},
+    {"TimeLimit", YES, "none=1e100",
+     "The most seconds, on the clock, of one solve; it then ends with status 9.",
+     "Whenever somebody waits for the answer."},
+    {"FeasibilityTol", YES, "",
+     "By how much a constraint or a bound may be violated.",
+     "Rarely. Better bring numbers of the model nearer to 1 than make it wide."},
+    {"IntFeasTol", YES, "",
+     "How far from an integer the value of an integer variable may be.",
+     "Smaller when tiny fractions matter, for instance with large coefficients on binary variables."},
+    {"MarkowitzTol", YES, "",
+     "How large a pivot of the factorisation must be, relative to its column. The solver raises it by itself after "
+     "numeric trouble.",
+     "Larger (0.1 to 0.5) for models with numeric trouble, at the cost of speed."},
+    {"MIPGap", NOT_YET, "",
+     "A search over integer variables ends when objective and bound are this near, relative to the objective.", ""},
+    {"MIPGapAbs", NOT_YET, "",
+     "A search over integer variables ends when objective and bound are this near.", ""},
+    {"OptimalityTol", YES, "",
+     "How wrong the sign of a reduced cost may be.",
+     "Smaller when the last digits of the objective matter."},
+    {"LPMethod", YES, "primal=0 dual=1 barrier=2",
+     "The method for linear programs: primal simplex, dual simplex or barrier. There is no barrier yet: the dual simplex "
+     "takes its place, with a warning.",
+     "Try the primal when the dual needs many iterations."},
+    {"PerturbValue", YES, "off=0",
+     "Size of the random changes of costs or bounds that help the simplex out of degenerate corners; they are taken back "
+     "before the end. 0: none.",
+     "0 to see the run without them; larger when the log shows many iterations without progress."},
+    {"ObjScale", YES, "auto=0 off=1",
+     "Divisor of the objective inside the solver. 0: chosen from the costs; 1: none; negative: the largest cost to the "
+     "power of this value.",
+     "When costs are very large or very small and numeric trouble is reported."},
+    {"ScaleFlag", YES, ON_OFF,
+     "Whether rows and columns are scaled.",
+     "Off when the model is well scaled as it stands, and the scaled solution violates tolerances in the units of the model."},
+    {"SimplexPricing", YES, "auto=-1 partial=0 steepest=1 devex=2 quick=3",
+     "How the simplex chooses what to change: partial pricing (primal only), steepest edge, Devex, or steepest edge that "
+     "starts from unit norms.",
+     "When iterations are many (steepest edge) or slow (Devex, partial)."},
+    {"Quad", YES, AUTO_ON_OFF,
+     "Whether the simplex computes in 80-bit extended precision. Automatic: after numeric trouble.",
+     "On for models with numeric trouble; off to keep a run fast at any price."},
+    {"NormAdjust", YES, "auto=-1",
+     "With 2 and 3 the dual simplex multiplies its pricing by a weight for the length of the leaving column.",
+     "As a trial, when the dual simplex needs many iterations."},
+    {"BarIterLimit", NOT_YET, "none=2e9", "The most iterations of the barrier method.", ""},
+    {"BarConvTol", NOT_YET, "", "Relative distance of the primal and dual objective at which the barrier method ends.", ""},
+    {"BarCorrectors", NOT_YET, "auto=-1", "The most corrector steps of a barrier iteration.", ""},
+    {"BarOrder", NOT_YET, "auto=-1 amd=0 dissection=1",
+     "Ordering of the barrier's factorisation: minimum degree, or nested dissection as well.", ""},
+    {"Crossover", YES, "auto=-1 off=0",
+     "Whether a barrier solution is turned into a basic one, and in which order its variables are pushed to bounds: up to 2 "
+     "the primal values first, from 3 the dual ones. As there is no barrier yet, only presolve looks at it, with LPMethod=2.",
+     "Off when values are enough and no basis, no exact vertex is needed."},
+    {"CrossoverBasis", NOT_YET, "", "How the crossover builds its first basis.", ""},
+    {"Heuristics", NOT_YET, "off=0", "Share of the time of a search over integer variables that goes into heuristics.", ""},
+    {"PumpPasses", NOT_YET, "off=0", "Passes of the feasibility pump at the root, when no other heuristic has found a solution.", ""},
+    {"RINS", NOT_YET, "auto=-1 off=0", "Every how many nodes the neighbourhood of solution and relaxation is searched.", ""},
+    {"SubMIPNodes", NOT_YET, "", "The most nodes of a search inside a heuristic.", ""},
+    {"NodefileStart", NOT_YET, "none=1e100", "Gigabytes of open nodes beyond which nodes are written to files.", ""},
+    {"NodefileDir", NOT_YET, "", "The folder of the files that hold nodes.", ""},
+    {"VarBranch", NOT_YET, "auto=-1", "How the variable to branch on is chosen; 3: strong branching on all candidates.", ""},
+    {"RootMethod", NOT_YET, "primal=0 dual=1 barrier=2", "The method for the root relaxation of a model with integer variables.", ""},
+    {"Symmetry", NOT_YET, CUT_LEVEL, "How hard symmetries of a model with integer variables are looked for.", ""},
+    {"MIPFocus", NOT_YET, "balanced=0 solutions=1 optimality=2 bound=3",
+     "What a search over integer variables goes for first: good solutions, the proof of optimality, or the bound.", ""},
+    {"SolutionNumber", YES, "",
+     "Which solution the attribute Xn shows; 0 is the best one, and there is no other yet.", ""},
+    {"Cuts", NOT_YET, "auto=-1 off=0 moderate=1 aggressive=2 most=3", "How many cutting planes of all classes are sought.", ""},
+    {"CliqueCuts", NOT_YET, CUT_LEVEL, "How hard clique cuts are looked for.", CLASS_WHEN},
+    {"CoverCuts", NOT_YET, CUT_LEVEL, "How hard cover cuts are looked for.", CLASS_WHEN},
+    {"CutAggPasses", NOT_YET, "auto=-1", "How many rows are added up for one cut.", ""},
+    {"FlowCoverCuts", NOT_YET, CUT_LEVEL, "How hard flow cover cuts are looked for.", CLASS_WHEN},
+    {"FlowPathCuts", NOT_YET, CUT_LEVEL, "How hard flow path cuts are looked for.", CLASS_WHEN},
+    {"GomoryPasses", NOT_YET, "auto=-1 off=0", "The most passes of Gomory cuts.", CLASS_WHEN},
+    {"GUBCoverCuts", NOT_YET, CUT_LEVEL, "How hard cover cuts with generalised upper bounds are looked for.", CLASS_WHEN},
+    {"ImpliedCuts", NOT_YET, CUT_LEVEL, "How hard cuts from implied bounds are looked for.", CLASS_WHEN},
+    {"MIPSepCuts", NOT_YET, CUT_LEVEL, "How hard cuts that a small search over integer variables separates are looked for.", CLASS_WHEN},
+    {"MIRCuts", NOT_YET, CUT_LEVEL, "How hard mixed-integer rounding cuts are looked for.", CLASS_WHEN},
+    {"NetworkCuts", NOT_YET, CUT_LEVEL, "How hard cuts from networks in the model are looked for.", CLASS_WHEN},
+    {"SubMIPCuts", NOT_YET, CUT_LEVEL, "How hard cuts from searches inside heuristics are looked for.", CLASS_WHEN},
+    {"ZeroHalfCuts", NOT_YET, CUT_LEVEL, "How hard zero-half cuts are looked for.", CLASS_WHEN},
+    {"Aggregate", YES, ON_OFF,
+     "Whether presolve eliminates variables by equations.",
+     "Off when presolve makes the matrix dense, or numeric trouble follows."},
+    {"AggFill", YES, "",
+     "How many entries one elimination may add to the matrix.",
+     "Smaller when the presolved model has many more entries than the model."},
+    {"PreDual", YES, "auto=-1 primal=0 dual=1 both=2",
+     "Which form is solved: the model or its dual. Automatic: the dual where there are more than five times as many rows as "
+     "columns; both: both are presolved at once, if Threads is not 1, and the better one is solved.",
+     "When a model has many more rows than columns, or the automatic choice is slow."},
+    {"DisplayInterval", YES, "",
+     "Seconds between two lines of the log.",
+     "Larger for shorter logs of long runs."},
+    {"IISMethod", NOT_YET, "auto=-1 ray=0 filter=1", "How an irreducible inconsistent subsystem is sought.", ""},
+    {"LogFile", YES, "",
+     "A file to which the log is appended; empty: none.",
+     "To keep the log; OutputFlag=0 silences it too."},
+    {"PreCrush", YES, ON_OFF,
+     "Whether presolve leaves out the reductions behind which a point of the model has no place in the reduced model.",
+     ""},
+    {"PreDepRow", YES, AUTO_ON_OFF,
+     "Whether presolve looks for linearly dependent equations. Automatic: with Presolve=2, for free columns as well.",
+     "on, when the model is known to have many redundant equations."},
+    {"PrePasses", YES, "auto=-1 off=0",
+     "The most passes of presolve.",
+     "Smaller when presolve takes long and the last passes remove little."},
+    {"Presolve", YES, "auto=-1 off=0 conservative=1 aggressive=2",
+     "How hard presolve tries to make a model smaller before it is solved.",
+     "off to see the solver work on the model itself; aggressive for models that take long; off or 1 when presolve "
+     "takes most of the time."},
+    {"ResultFile", YES, "",
+     "A file that is written after a solve; its ending says what: .sol, .bas, .mst, .mps, .lp, .rew, .rlp or .prm.",
+     ""},
+    {"Threads", YES, "",
+     "The most threads; the default is the number of processors of the machine. The linear solver uses one thread so far, "
+     "and 1 only keeps PreDual=both from presolving two forms.",
+     "1 where no other thread may run."},
+    {"Dummy", YES, "",
+     "Set to a text such as \"Presolve 2\", it sets the parameter named there; it has no value itself.", ""},
+    {"OutputFlag", YES, ON_OFF,
+     "Whether anything is printed, on standard output and to the log file.",
+     "Off inside other programs."},
+
+    // Hidden ones, for experts.
+    {"TARV_PAR_VTIMELIMIT", NOT_YET, "none=1e100", "The most work units of a search over integer variables.", ""},
+    {"TARV_PAR_PRELIMIT", YES, "none=2e9", "The most steps of presolve, to find the one behind a wrong answer.", ""},
+    {"TARV_PAR_DUMP", YES, ON_OFF, "Writes each model that is solved to tarvex.rew, and the parameters to tarvex.prm, in the current folder, for a report of "
+     "an error.", ""},
+    {"TARV_PAR_INFBOUND", YES, "", "Bounds of this magnitude and more are no bounds; never more than 1e20.", ""},
+    {"TARV_PAR_PRIMDUALSWITCH", YES, "",
+     "1: the dual simplex may hand over to the primal at once; 0: it first goes on without perturbation; -1: nor is it "
+     "perturbed more than once.", ""},
+    {"TARV_PAR_ZERO", YES, "", "Magnitude up to which a coefficient, or what remains of one, counts as zero.", ""},
+    {"TARV_PAR_PIVOTTOL", YES, "", "Magnitude that a pivot of the simplex must have.", ""},
+    {"TARV_PAR_ASPIRE", NOT_YET, "", "How far from bound to solution open nodes stay active.", ""},
+    {"TARV_PAR_BIGTOL", YES, "", "How far two computations of one pivot may differ before the basis is factored anew.", ""},
+    {"TARV_PAR_BIGM", NOT_YET, "", "Coefficient from which a constraint counts as one with a big M.", ""},
+    {"TARV_PAR_SOSBRRAT", NOT_YET, "", "Weight of branching on special ordered sets against variables.", ""},
+    {"TARV_PAR_DUALREDUCTION", YES, ON_OFF,
+     "Whether presolve uses dual arguments. Off, it does not end with status 4, infeasible or unbounded.",
+     "off to learn which of the two a model is."},
+    {"TARV_PAR_SIMPLEXPWRATIO", YES, ON_OFF, "Whether the ratio tests of the simplex pass breakpoints (bound flips).", ""},
+    {"TARV_PAR_PRIMALPARTIAL", YES, "auto=0", "Kind of partial pricing of the primal simplex.", ""},
+    {"TARV_PAR_SIMPLEXENDFAC", YES, ON_OFF, "Whether a finished run is checked with fresh factors.", ""},
+    {"TARV_PAR_EXACTNORM", YES, AUTO_ON_OFF, "Whether the dual simplex computes the norms of its start basis.", ""},
+    {"TARV_PAR_WARMBASIS", YES, "", "0: a basis that a change of coefficients touches is dropped instead of repaired.", ""},
+    {"TARV_PAR_SUBMIP", NOT_YET, "", "Marks a search inside a heuristic.", ""},
+    {"TARV_PAR_MIPLIM", NOT_YET, "off=0", "Nodes from which a search may start again from its root.", ""},
+    {"TARV_PAR_NODEPRE", NOT_YET, "off=0", "How hard nodes are presolved.", ""},
+    {"TARV_PAR_CUTPASS", NOT_YET, "auto=-1", "The most passes of cuts at the root.", ""},
+    {"TARV_PAR_CUTGROWTH", NOT_YET, "", "By which factor cuts may add rows.", ""},
+    {"TARV_PAR_CUTORTHTOL", NOT_YET, "", "How alike two cuts may be.", ""},
+    {"TARV_PAR_DEGENMOVES", NOT_YET, "off=0", "Moves on the optimal face of the root towards a vertex with fewer fractions.", ""},
+    {"TARV_PAR_IMPLIEDINT", NOT_YET, ON_OFF, "Whether implied integer variables are sought.", ""},
+    {"TARV_PAR_NETIMPLIED", NOT_YET, ON_OFF, "Whether networks of continuous variables are taken as integer.", ""},
+    {"TARV_PAR_PREPROBE", NOT_YET, "off=0", "How hard presolve probes binary variables.", ""},
+    {"TARV_PAR_PREPROBE0", NOT_YET, ON_OFF, "Whether presolve probes the simple way.", ""},
+    {"TARV_PAR_PRETWOROWS", YES, "", "From 1 on presolve combines two rows to tighten bounds; Presolve=2 does so always.", ""},
+    {"TARV_PAR_PREBOUND", YES, ON_OFF, "Whether presolve tightens bounds by rows.", ""},
+    {"TARV_PAR_PRECOEFFICIENT", NOT_YET, ON_OFF, "Whether presolve tightens coefficients.", ""},
+    {"TARV_PAR_PRECLIQUE", NOT_YET, "off=0", "Whether presolve finds and merges cliques.", ""},
+    {"TARV_PAR_PRECLIQSUB", NOT_YET, ON_OFF, "Whether presolve uses cliques to strengthen rows.", ""},
+    {"TARV_PAR_PREDUALSLACK", NOT_YET, ON_OFF, "Whether presolve fixes slacks by dual arguments.", ""},
+    {"TARV_PAR_PREPARALLEL", YES, ON_OFF, "Whether presolve looks for parallel rows and columns.", ""},
+    {"TARV_PAR_RELAXPREP", NOT_YET, "", "Presolve level of relaxations inside heuristics.", ""},
+    {"TARV_PAR_PRESINGLECOL", YES, "auto=-1 off=0 continuous=1",
+     "Which column singletons presolve removes: none, continuous ones, all but binary ones (2), all.", ""},
+    {"TARV_PAR_SIMPLEXALLOCS", YES, "", "Room for factors in units of a fifth of the usual one.", ""},
+    {"TARV_PAR_NONDEGENFLIP", YES, ON_OFF, "Whether the dual simplex flips only bounds that its step really passes.", ""},
+    {"TARV_PAR_UNSCALEDVIO", YES, "off=0",
+     "0: an optimum is not checked in the units of the model; any other value: it is, and improved where it violates "
+     "tolerances.", ""},
+    {"TARV_PAR_STMPFIXES", NOT_YET, "", "Room for temporarily fixed variables.", ""},
+    {"TARV_PAR_WRITEPREMODEL", YES, ON_OFF, "Writes the presolved model to junk.mps in the current folder.", ""},
+    {"TARV_PAR_INTBASIS", NOT_YET, "", "Treatment of integer variables in the basis.", ""},
+    {"TARV_PAR_SDISPINTERVAL", YES, "auto=0", "Simplex iterations between two looks whether a log line is due.", ""},
+    {"TARV_PAR_TVXCUT1", NOT_YET, CUT_LEVEL, "How hard one more class of cuts is looked for.", ""},
+    {"TARV_PAR_ALTSCALE", YES, ON_OFF, "Whether scaling uses random factors instead of powers of two.", ""},
+    {"TARV_PAR_PRESUBROW", NOT_YET, ON_OFF, "Whether presolve subtracts rows contained in others.", ""},
+    {"TARV_PAR_DISJOINT", NOT_YET, ON_OFF, "Whether children of a node are tested by a disjunction.", ""},
+    {"TARV_PAR_PREPOWER", NOT_YET, ON_OFF, "One more reduction of presolve.", ""},
+    {"TARV_PAR_GREEDYHEUR", NOT_YET, "off=0", "Every how many nodes greedy heuristics run.", ""},
+    {"TARV_PAR_QUICKDIVE", NOT_YET, ON_OFF, "Whether a search dives at once.", ""},
+    {"TARV_PAR_NOIMPLIED", NOT_YET, ON_OFF, "Whether implied integer variables are left alone.", ""},
+    {"TARV_PAR_BARLOOSE", NOT_YET, ON_OFF, "Whether the barrier method adds bounds that rows imply.", ""},
+    {"TARV_PAR_BARDENSEGS", NOT_YET, ON_OFF, "Whether the barrier method treats dense columns by segments.", ""},
+    {"TARV_PAR_BARSTART", NOT_YET, "auto=0", "Which start point the barrier method takes.", ""},
+    {"TARV_PAR_BARSAFE", NOT_YET, "auto=0", "Least distance of the barrier's start point from bounds.", ""},
+    {"TARV_PAR_MASTERENVWARN", YES, ON_OFF,
+     "Whether a warning is due that a parameter set on an environment does not reach its models; never written to files.", ""},
+    {"TARV_PAR_INFPROP", NOT_YET, ON_OFF, "Whether infeasible nodes give cuts from their proof.", ""},
+    {"TARV_PAR_ITEST", YES, "off=0", "In builds with self-checks: 1 checks after each factorisation, 2 after each pivot.", ""},
+};
+// clang-format on
+} // namespace parameter_texts
