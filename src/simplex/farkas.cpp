@@ -26,8 +26,8 @@ constexpr double ENOUGH = 0x1p-98;
 constexpr double SLACK = 1e-9;
 // Likewise: points up to this far out are excluded.
 constexpr double RANGE = 1e15;
-// The same of the weaker claims in FarkasReach.
-constexpr double EXACT_RANGE = 1e12, WIDE_RANGE = 1e9;
+// The same of the weaker claims in LimitedProof.
+constexpr double EXACT_RANGE = 1e12, WIDENED_RANGE = 1e9;
 constexpr double USUAL_VALUE = 1e6; // of a column whose coefficients are huge
 
 template<class R> struct Multipliers {
@@ -128,8 +128,8 @@ void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
 // What the multipliers prove.
 struct Proof {
     bool Full = false; // infeasible out to RANGE, with rows and bounds held wider by SLACK
-    bool Wide = false; // also with rows and bounds held wider by FeasibilityTol
-    FarkasReach Near;
+    bool Widened = false; // also with rows and bounds held wider by FeasibilityTol
+    LimitedProof Limited;
 };
 
 Proof judge(const sopt *s, const End &end, int sign)
@@ -138,9 +138,9 @@ Proof judge(const sopt *s, const End &end, int sign)
     const double wide = std::max(SLACK, s->Env->FeasibilityTol) * end.Weight;
     Proof proof;
     proof.Full = gap - RANGE * end.Open > SLACK * end.Weight;
-    proof.Wide = gap - RANGE * end.Open > wide;
-    proof.Near.Exact = gap - EXACT_RANGE * end.Open > 0;
-    proof.Near.Wide = gap - WIDE_RANGE * end.Open > wide;
+    proof.Widened = gap - RANGE * end.Open > wide;
+    proof.Limited.Exact = gap - EXACT_RANGE * end.Open > 0;
+    proof.Limited.Widened = gap - WIDENED_RANGE * end.Open > wide;
     return proof;
 }
 
@@ -162,8 +162,8 @@ template<class R> Proof equation_fails(const sopt *s, const Multipliers<R> &y, i
     const Proof above = judge(s, low, 1), below = judge(s, high, -1);
     *sign = below.Full ? -1 : 1;
     Proof proof = below.Full ? below : above;
-    proof.Near.Exact = above.Near.Exact || below.Near.Exact;
-    proof.Near.Wide = above.Near.Wide || below.Near.Wide;
+    proof.Limited.Exact = above.Limited.Exact || below.Limited.Exact;
+    proof.Limited.Widened = above.Limited.Widened || below.Limited.Widened;
     return proof;
 }
 
@@ -189,9 +189,9 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
     int sign = 1;
     const Proof proof = equation_fails(s, y, &sign);
     const bool proved = proof.Full;
-    s->WideProof = proof.Wide;
-    s->NearFarkas.Exact |= proof.Near.Exact;
-    s->NearFarkas.Wide |= proof.Near.Wide;
+    s->WidenedProof = proof.Widened;
+    s->LimitedFarkas.Exact |= proof.Limited.Exact;
+    s->LimitedFarkas.Widened |= proof.Limited.Widened;
     if (proved) keep(s, y, sign);
     w->Tau.Count = -1; // not listed
     svec_clear(&w->Tau);

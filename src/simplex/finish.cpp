@@ -37,7 +37,7 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
         const double x = static_cast<double>(w->Bbar.data[k]);
         const double gap = std::max({0.0, s->Lower.data[j] - x, x - s->Upper.data[j]});
         take_largest(&primal, user_unit(s, j) * gap, gap);
-        primal.Worth += gap;
+        primal.ObjectiveError += gap;
         value = std::max(value, std::fabs(x));
     }
     for (int j = 0; j < s->NumVars; j++) {
@@ -51,12 +51,12 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
                                                   : std::fabs(d);
         const double gap = std::max(0.0, wrong);
         take_largest(&dual, gap / (user_unit(s, j) * s->ObjScale), gap);
-        dual.Worth += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
+        dual.ObjectiveError += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
     }
     const double objective =
         s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));
-    primal.Worth *= price / objective;
-    dual.Worth /= objective;
+    primal.ObjectiveError *= price / objective;
+    dual.ObjectiveError /= objective;
     return {primal, dual};
 }
 

@@ -15,8 +15,8 @@ namespace
 constexpr int CHECK_FACTORS = 1, CHECK_UPDATES = 2; // values of TARV_PAR_ITEST
 constexpr double DRIFT =
     1e-6; // relative to what is checked, beside the tolerance of the run
-constexpr double EXACT = 1e-9; // of factors, relative to the column
-constexpr double WORTH = 1e-6; // of the objective, relative
+constexpr double EXACT = 1e-9;                 // of factors, relative to the column
+constexpr double OBJECTIVE_ERROR_LIMIT = 1e-6; // of the objective, relative
 
 bool differs(double a, double b, double tolerance)
 {
@@ -195,7 +195,8 @@ template<class R> int cksol(const sopt *s, const swork<R> *w)
     long double sum = 0;
     for (int j = 0; j < s->NumVars; j++) sum += s->Cost.data[j] * value_now(s, w, j);
     const double fresh = static_cast<double>(sum) / s->ObjScale;
-    if (std::fabs(fresh - s->Obj) <= WORTH * (1 + std::fabs(fresh))) return 0;
+    if (std::fabs(fresh - s->Obj) <= OBJECTIVE_ERROR_LIMIT * (1 + std::fabs(fresh)))
+        return 0;
     TVXmsg(s->Env, "Warning in cksol\n");
     TVXmsg(s->Env, "sopt->Obj=%f, sopt->NPvt=%.0f\n", s->Obj, s->NPvt);
     return 1;

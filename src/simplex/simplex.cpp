@@ -20,9 +20,9 @@ constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
 constexpr double LIMIT_ROOM =
     0.999; // of the limit: rounding may not carry the measure of the user beyond it
-// Share of the objective that violations may stand for (UserViolation::Worth): users compare six digits.
-constexpr double WORTH_LIMIT = 1e-7; // above this tolerances are tightened
-constexpr double WORTH_SEEN = 1e-6;  // above this users would see it
+// Share of the objective that violations may stand for (UserViolation::ObjectiveError): users compare six digits.
+constexpr double OBJECTIVE_ERROR_LIMIT = 1e-7;   // above this tolerances are tightened
+constexpr double OBJECTIVE_ERROR_VISIBLE = 1e-6; // above this users would see it
 
 constexpr double STRICT_MARKOWITZ = 0.9; // pivots in the factors after a restart
 // A basis is nearly optimal with no more infeasibilities than this share of the rows, or NEAR_LEAST if that is more.
@@ -142,8 +142,9 @@ bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &
 {
     double wish = HUGE_VAL;
     if (v.Largest > LIMIT_ROOM * limit) wish = POLISH_SHARE * v.Working * limit / v.Largest;
-    if (v.Worth > WORTH_LIMIT)
-        wish = std::min(wish, POLISH_SHARE * *tol * WORTH_LIMIT / v.Worth);
+    if (v.ObjectiveError > OBJECTIVE_ERROR_LIMIT)
+        wish =
+            std::min(wish, POLISH_SHARE * *tol * OBJECTIVE_ERROR_LIMIT / v.ObjectiveError);
     return tighten(s, tol, wish);
 }
 
@@ -324,11 +325,11 @@ static double moved_by_widening(const sopt *s)
 SimplexAssessment simplex_assess(const sopt *s)
 {
     SimplexAssessment a;
-    a.Near = s->NearFarkas;
+    a.Limited = s->LimitedFarkas;
     if (s->Status == SIMPLEX_NUMERIC) return a;
     const bool narrow =
-        s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WideProof;
-    a.Foot = narrow ? Footing::NARROW : Footing::SURE;
+        s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WidenedProof;
+    a.Level = narrow ? Confidence::NARROW : Confidence::SURE;
     // Where the caller asks for no look at an optimum in his units, what the scaled model allows will do.
     const bool optimal = s->Status == SIMPLEX_OPTIMAL && s->Env->TARV_PAR_UNSCALEDVIO != 0;
     const bool unbounded = s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY;
@@ -339,9 +340,10 @@ SimplexAssessment simplex_assess(const sopt *s)
     if (optimal) {
         a.Moved = moved_by_widening(s);
         a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
-        a.Worth = std::max(v.Primal.Worth, v.Dual.Worth) / WORTH_SEEN;
+        a.ObjectiveError = std::max(v.Primal.ObjectiveError, v.Dual.ObjectiveError) /
+                           OBJECTIVE_ERROR_VISIBLE;
     }
-    if (a.Excess > 1) a.Foot = Footing::UNSURE;
+    if (a.Excess > 1) a.Level = Confidence::UNSURE;
     return a;
 }
 

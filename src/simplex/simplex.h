@@ -28,7 +28,8 @@ struct SimplexTuning {
 // What a run is asked for.
 struct SimplexCall {
     int Method = METHOD_AUTO;
-    const int *Statuses = nullptr; // [n + m] start basis; null: that of the record, or slacks
+    const int *Statuses =
+        nullptr; // [n + m] start basis; null: that of the record, or slacks
     const double *Norms = nullptr; // [n + m] dual pricing norms that belong to it, or null
     const double *X = nullptr;     // [n] start point that classifies nonbasics, or null
     const double *Slack = nullptr; // [m] likewise
@@ -47,29 +48,29 @@ void simplex_free(sopt *s); // null is ignored
 void simplex_set_env(sopt *s, TVXenv *env);
 
 // What multipliers show that do not prove the model infeasible for values of any size.
-struct FarkasReach {
+struct LimitedProof {
     // No point up to 1e12 is feasible: doubles cannot hold those beyond within a usual tolerance.
     bool Exact = false;
     // No point up to 1e9 comes within the tolerance of feasibility.
-    bool Wide = false;
+    bool Widened = false;
 };
 
 // How well the status of the last run is founded, best first.
-enum class Footing {
+enum class Confidence {
     SURE,   // optimal within the tolerances in the user's units, proved, or a limit
     NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
     UNSURE, // optimal or unbounded, but the point violates tolerances in the user's units
     NONE    // no answer
 };
 struct SimplexAssessment {
-    Footing Foot = Footing::NONE;
+    Confidence Level = Confidence::NONE;
     double Excess = 0; // UNSURE: largest violation over its tolerance
     // Optimal: what violations may stand for in the objective, over what users would see of it.
-    double Worth = 0;
+    double ObjectiveError = 0;
     double Moved =
         0; // optimal, of a widened run: share of the objective that the wider rows and bounds may have brought
-    bool ByRay = false; // unbounded along a ray, not by bounds at infinity
-    FarkasReach Near;   // of the run
+    bool ByRay = false;   // unbounded along a ray, not by bounds at infinity
+    LimitedProof Limited; // of the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
 // What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h).
@@ -79,7 +80,7 @@ SimplexAssessment simplex_assess(const sopt *s);
 bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
 void simplex_count_on(sopt *s,
                       double iterations); // as if the last run had ended with that count
-// What the looks after a run found instead of its status: infeasible after FarkasReach, or numeric trouble.
+// What the looks after a run found instead of its status: infeasible after LimitedProof, or numeric trouble.
 void simplex_declare(sopt *s, int status);
 
 // Results of the last run; any out pointer may be null. None can fail.

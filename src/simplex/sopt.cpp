@@ -218,7 +218,7 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
-    s->NearFarkas = FarkasReach{};
+    s->LimitedFarkas = LimitedProof{};
     s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
     s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
     s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);

@@ -51,12 +51,12 @@ static constexpr int PASSES_PER_UPDATE = 2, PASSES_LEAST = 100;
 enum StallPhase { STALL_BOX, STALL_DUAL, STALL_PRIMAL_1, STALL_PRIMAL_2, STALL_PHASES };
 enum StallRemedy {
     STALL_NONE,
-    STALL_COSTS,   // out of phase 1 of the primal
-    STALL_PERTURB, // costs or bounds
-    STALL_SWITCH,  // to the other method
-    STALL_LONGER,  // numbers
-    STALL_STRICT,  // pivots in the factors, from a start of slacks
-    STALL_END,     // numeric trouble
+    STALL_COSTS,    // out of phase 1 of the primal
+    STALL_PERTURB,  // costs or bounds
+    STALL_SWITCH,   // to the other method
+    STALL_EXTENDED, // precision
+    STALL_STRICT,   // pivots in the factors, from a start of slacks
+    STALL_END,      // numeric trouble
 };
 struct StallGuard {
     double Best[STALL_PHASES]; // least value of each phase since the last remedy
@@ -107,21 +107,21 @@ template<class R> struct swork {
 
 // What a run counts and adapts: kept and brought back by one assignment around strong branching.
 struct SimplexCounters {
-    double IterBase = 0;     // iterations that earlier stages of the same solve took
-    double NPvt = 0;         // iterations of this run
-    double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
-    double Work = 0;         // NPvt plus bound flips
-    int NumFactor = 0;       // factorisations
+    double IterBase = 0;      // iterations that earlier stages of the same solve took
+    double NPvt = 0;          // iterations of this run
+    double Pivots = 0;        // exchanges of basics and nonbasics in the life of the record
+    double Work = 0;          // NPvt plus bound flips
+    int NumFactor = 0;        // factorisations
     int Method = METHOD_DUAL; // method of the last run
-    double Obj = 0;  // objective in user units, minimisation, without ObjOffset
+    double Obj = 0;           // objective in user units, minimisation, without ObjOffset
     int RefacReason = REFAC_NONE;
     StallGuard Stall;
-    int SwitchCount = 0;       // changes of method in this run
-    int NumericCount = 0;      // numeric events in this run
-    int SingularCount = 0;     // repairs of singular bases
+    int SwitchCount = 0;    // changes of method in this run
+    int NumericCount = 0;   // numeric events in this run
+    int SingularCount = 0;  // repairs of singular bases
     int PerturbAllowed = 1; // cleared when a clean run is wanted
-    double PerturbCur = 0; // working size of perturbations
-    double DegenCount = 0; // degenerate iterations
+    double PerturbCur = 0;  // working size of perturbations
+    double DegenCount = 0;  // degenerate iterations
     // DegenCount and NPvt at the last test for a stall.
     double LastDegenCount = 0, LastPerturbIter = 0;
     // An infeasibility could not be proved: smaller reduced costs count as well.
@@ -133,7 +133,7 @@ struct SimplexCounters {
     double PrimalError = 0, PrimalResidual = 0;
     double DualResidual = 0;               // of the last reduced costs, after refinement
     int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
-    int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
+    int MaxUpdates = 20, MinUpdates = 0;   // limits between factorisations
 };
 
 struct sopt : SimplexCounters {
@@ -199,11 +199,11 @@ struct sopt : SimplexCounters {
     int Status = 0;
     // The first method is the one for which the start basis is feasible.
     int MethodByStart = 0;
-    int BadVar = -1; // variable whose bounds proved infeasibility
-    int Quad = 0;    // 1: extended precision is live
+    int BadVar = -1;           // variable whose bounds proved infeasibility
+    int Quad = 0;              // 1: extended precision is live
     int InfeasCheckNeeded = 1; // bounds changed since the last test for crossed bounds
-    int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
-    int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
+    int Perturbed = 0; // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
+    int BoxPhase = 0;  // the dual solves the box problem of phase 1: right-hand side 0
     // Began from a given basis with few infeasibilities: costs move only when it stalls.
     int NearOptimal = 0;
     // The last run was stopped by a limit, and this one is to go on from there: by the method that ran, with its
@@ -218,9 +218,10 @@ struct sopt : SimplexCounters {
     double UsualOptTol = 1e-6; // OptTol before TightProof
     // In user units, minimisation, without offset: as Obj; HUGE_VAL: none.
     double Cutoff = 1e100;
-    FarkasReach NearFarkas; // what multipliers without a full proof have shown in this run
+    LimitedProof
+        LimitedFarkas; // what multipliers without a full proof have shown in this run
     // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol.
-    int WideProof = 0;
+    int WidenedProof = 0;
     ProofKind Proof = PROOF_NONE; // what proved the status of this run
     // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled.
     Array<double> ProofVector;
@@ -328,9 +329,11 @@ template<class R> inline R noise_share(const swork<R> *w)
 int simplex_answer(const void *record, int what, void *result);
 
 // ---- sopt.cpp: the record ----
-[[nodiscard]] int sopt_create(const ModelBody *body, TVXenv *env, const SimplexTuning &tuning,
+[[nodiscard]] int sopt_create(const ModelBody *body, TVXenv *env,
+                              const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
-void sopt_refresh(sopt *s, const SimplexCall &call);                // tolerances, limits, counters for a new run
+void sopt_refresh(sopt *s,
+                  const SimplexCall &call); // tolerances, limits, counters for a new run
 // Stopped and what follows it, at the end of a run. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sopt_keep_stop(sopt *s);
 // The first method of a run goes on from there; false: it begins anew.
@@ -415,10 +418,11 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w);
 template<class R>
 void finish_values(sopt *s,
                    swork<R> *w); // true costs and bounds, values and reduced costs for them
-// How far a basis is from being optimal, in user units. Worth: what the violations may stand for in the objective, as a
-// share of 1 + |objective|: their sum at the price of the largest reduced cost (primal) or value (dual) there is.
+// How far a basis is from being optimal, in user units. ObjectiveError estimates by how much the violations may change
+// the objective, as a share of 1 + |objective|: the sum of the primal violations times the largest reduced cost, and the
+// sum over the dual violations of each times the largest basic value, or the range of the variable if that is smaller.
 struct UserViolation {
-    double Largest = 0, Worth = 0;
+    double Largest = 0, ObjectiveError = 0;
     double Working = 0; // the largest one in the units of the working LP
 };
 struct UserViolations {

@@ -72,7 +72,7 @@ bool applies(const sopt *s, const swork<R> *w, StallPhase phase, StallRemedy rem
     if (remedy == STALL_COSTS) return phase == STALL_PRIMAL_1 && w->Primal->CostWeight > 0;
     if (remedy == STALL_STRICT) return !simplex_is_tuned(s); // one of other ways already
     if (remedy == STALL_PERTURB) return s->PerturbAllowed && s->Env->PerturbValue > 0;
-    return remedy != STALL_LONGER || (!s->Quad && s->Env->Quad == -1);
+    return remedy != STALL_EXTENDED || (!s->Quad && s->Env->Quad == -1);
 }
 
 void begin(sopt *s)
@@ -116,7 +116,7 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     while (!applies(s, w, phase, g->Taken));
     if (g->Taken >= STALL_END) g->Taken = STALL_END;
     if (g->Taken == STALL_SWITCH) s->Status = SIMPLEX_SWITCH;
-    if (g->Taken == STALL_LONGER) s->Status = SIMPLEX_NEED_QUAD;
+    if (g->Taken == STALL_EXTENDED) s->Status = SIMPLEX_NEED_QUAD;
     if (g->Taken == STALL_STRICT) s->Status = SIMPLEX_RESTART;
     if (g->Taken == STALL_END) s->Status = SIMPLEX_NUMERIC;
     return g->Taken;
