@@ -12,10 +12,10 @@
 // Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
 //             Princeton 1956 (the optimal face).
 #include "analysis/derived.h"
-#include "model/solution.h"
 #include "body/quality.h"
 #include "body/signs.h"
 #include "model/model_store.h"
+#include "model/solution.h"
 #include <cmath>
 
 namespace

@@ -3,8 +3,8 @@
 // Method   The measures (quality.h) are taken at the first question after a solve and kept in its
 //          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
 #include "attributes/attribute_routines.h"
-#include "model/solution.h"
 #include "body/quality.h"
+#include "model/solution.h"
 #include "simplex/simplex.h"
 
 // In the order of QualityGroup.
@@ -40,8 +40,8 @@ static int mip_quality(TVXmodel *model, int part, const void **place)
     const double *x = nullptr;
     TRY(solution_x(model, &x));
     Quality *quality = &model->mip_result->quality;
-    if (!quality->computed) TRY(MipQuality(model->env, model->body, x, quality,
-                                             QualityWarnings::NO));
+    if (!quality->computed)
+        TRY(MipQuality(model->env, model->body, x, quality, QualityWarnings::NO));
     return show(quality, part, place);
 }
 

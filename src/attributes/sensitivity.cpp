@@ -4,10 +4,10 @@
 //             What that means for the two bounds of a variable, or for a right-hand side, is decided here.
 // Cost        See sensitivity.h. Preparing: a factorisation at most, usually nothing.
 #include "attributes/sensitivity.h"
-#include "model/attribute_cache.h"
-#include "model/solution.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
+#include "model/attribute_cache.h"
+#include "model/solution.h"
 #include "runtime/clock.h"
 #include "simplex/simplex.h"
 #include <algorithm>
@@ -41,8 +41,7 @@ int make_fresh(TVXmodel *model)
     const int code = lp_confirm(&model->lp, &changed);
     if (!model->lp.simplex || changed) attributes_clear_solution(model);
     TRY(code);
-    if (changed)
-        TVXmsg(model->env, "Warning: basis changed during sensitity analysis.\n");
+    if (changed) TVXmsg(model->env, "Warning: basis changed during sensitity analysis.\n");
     return model->lp.status == TVX_OPTIMAL ? 0 : TVX_ERROR_NUMERIC;
 }
 } // namespace

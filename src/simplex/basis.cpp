@@ -11,8 +11,8 @@ namespace
 constexpr double TIGHT_MARKOWITZ = 0.5;   // after a singular basis
 constexpr double STRICTER = 4;            // growth after a wrong pivot
 constexpr double TIGHTER_MARKOWITZ = 0.9; // after the second
-constexpr double DENSE_ROW_SHARE =
-    1.8; // entries touched times this against n: dense accumulation pays
+// entries touched times this against n: dense accumulation pays
+constexpr double DENSE_ROW_SHARE = 1.8;
 constexpr double FILL_SPIKES = 1.5, FILL_ETAS = 2,
                  FILL_FACTORS = 1.5; // weights of the fill test
 constexpr int MAX_REPAIRS = 50;      // of one basis before it is given up

@@ -13,8 +13,8 @@
 
 namespace
 {
-constexpr double WEIGHT_TRUST =
-    0.25; // a stored weight below this share of the true one: choose again
+// a stored weight below this share of the true one: choose again
+constexpr double WEIGHT_TRUST = 0.25;
 constexpr int MAX_REJECTED = 20;       // rows set aside before a switch of method is tried
 constexpr int PRICING_PERIOD = 3;      // factorisations between looks at the pricing
 constexpr double UPDATES_POWER = 0.65; // limit m^0.65: rows are cheap only with few etas

@@ -1,17 +1,17 @@
 // dual_ratio.cpp -- choose the entering variable of a dual simplex step
 //
-// Problem     The leaving variable is infeasible by |Delta|. Moving along its row, reduced costs d_k = CandDual fall with
-//             slope a_k = CandAlpha > 0; at t = d_k / a_k variable k would become dual infeasible, unless it is flipped to
-//             its other bound, which takes Range_k * a_k = CandRange from the slope |Delta| of the dual objective. Find a
-//             step that keeps the slope positive and a pivot a_q that is not small.
+// Problem     The leaving variable is infeasible by |Delta|. Moving along its row, reduced costs d_k = CandDual fall
+//             with slope a_k = CandAlpha > 0; at t = d_k / a_k variable k would become dual infeasible, unless it is
+//             flipped to its other bound, which takes Range_k * a_k = CandRange from the slope |Delta| of the dual
+//             objective. Find a step that keeps the slope positive and a pivot a_q that is not small.
 // Method      Bound flipping with relaxed (Harris) groups. First the breakpoints up to the sign change of the slope are
 //             brought to the front with steps that grow tenfold. Those are split into groups: group g ends at
 //             min (d_k + tol) / a_k over what is left after group g - 1. From the last group back the first one whose
 //             largest a_k is good enough gives q; all groups before it are flipped. Where there are many groups, they
 //             are looked for in windows of the next breakpoints (quicksort that stops when it has come far enough).
 // Out         PivotCol, AlphaRow, Flips; false when no breakpoint stops the slope.
-// Invariant   Reduced costs of what is not flipped stay above -tol after the step: the tolerance is spent once, not anew
-//             in every step, or rounding would add up to costs that send the method in circles.
+// Invariant   Reduced costs of what is not flipped stay above -tol after the step: the tolerance is spent once, not
+//             anew in every step, or rounding would add up to costs that send the method in circles.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, EJOR 149, 2003; A. Koberstein, Paderborn 2005.
 //             R. Paredes and G. Navarro, "Optimal incremental sorting", ALENEX 2006 (the windows).
 #include "simplex/dual.h"
@@ -21,8 +21,8 @@
 namespace
 {
 constexpr double WIDEN = 10; // growth of the step that collects breakpoints
-constexpr double GOOD_SHARE =
-    0.1; // a pivot this large against the largest of all groups is taken
+// a pivot this large against the largest of all groups is taken
+constexpr double GOOD_SHARE = 0.1;
 constexpr double NONDEGENERATE_SHARE = 1e-3; // of OptTol: a reduced cost that passes zero
 constexpr double GOOD_PIVOT = 1.0;           // so is one of this size
 

@@ -13,8 +13,8 @@
 
 namespace
 {
-constexpr double FREE_BOX =
-    1000; // box of a free variable in phase 1: far more attractive to repair than others
+// box of a free variable in phase 1: far more attractive to repair than others
+constexpr double FREE_BOX = 1000;
 constexpr double START_SHARE = 0.5;  // size of the start perturbation over PerturbValue
 constexpr double SLACK_WEIGHT = 0.3; // of a slack in it, against a column of mean length
 constexpr double WEIGHT_LEAST = 0.01, WEIGHT_MOST = 10; // of columns by length
@@ -79,9 +79,9 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
 }
 
 // Before the first pivot every reduced cost of a nonbasic moves a little away from zero, to the side on which it is,
-// relative to the size of the cost. Long columns move more: they become less attractive, and the bases sparser. Costs of
-// basics stay: they would go into the reduced costs of all others with any sign, and boxed variables of cost zero would
-// begin at the wrong bound, thousands of them.
+// relative to the size of the cost. Long columns move more: they become less attractive, and the bases sparser. Costs
+// of basics stay: they would go into the reduced costs of all others with any sign, and boxed variables of cost zero
+// would begin at the wrong bound, thousands of them.
 template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
 {
     const double size = START_SHARE * s->Env->PerturbValue;

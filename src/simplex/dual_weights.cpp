@@ -1,9 +1,10 @@
 // dual_weights.cpp -- row weights of the dual: start values, updates, change of kind
 //
-// Problem     The best leaving row is the one whose infeasibility is largest against the length of its row of the inverse.
-// Method      Steepest edge: weight_i = ||B^-T e_i||^2, updated exactly with one more FTRAN. Devex: lengths measured over
-//             the reference framework, the variables that were basic when it was set; updates need nothing that the
-//             step does not have, but only bound the lengths from below.
+// Problem     The best leaving row is the one whose infeasibility is largest against the length of its row of the
+//             inverse.
+// Method      Steepest edge: weight_i = ||B^-T e_i||^2, updated exactly with one more FTRAN. Devex: lengths measured
+//             over the reference framework, the variables that were basic when it was set; updates need nothing that
+//             the step does not have, but only bound the lengths from below.
 //             With p = alpha_r the pivot and tau = B^-1 rho:
 //   steepest      w_i += (alpha_i / p)^2 w_r - 2 (alpha_i / p) tau_i,  w_r /= p^2
 //   Devex         w_i = max(w_i, (alpha_i / p)^2 w_r),  w_r = max(w_r / p^2, 1)

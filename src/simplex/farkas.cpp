@@ -2,8 +2,8 @@
 //
 // Problem     A method stops because a row cannot become feasible, by more than the tolerance. Rounding and dropped
 //             entries may have led it there: the claim needs a proof that stands alone.
-// Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
-//             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. An entry of g
+// Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range
+//             of g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. An entry of g
 //             on a side without a bound ends the proof, unless the gap is wider than that entry times RANGE (for
 //             slacks see `reach`).
 //             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve

@@ -13,17 +13,17 @@
 
 namespace
 {
-constexpr double COST_SHARE =
-    0.1; // largest true cost in phase 1, against 1 per infeasibility
+// largest true cost in phase 1, against 1 per infeasibility
+constexpr double COST_SHARE = 0.1;
 constexpr int FEW_ROWS_UPDATES = 100;
 constexpr int MAX_REJECTED = 50; // columns set aside before the run gives up
-constexpr double TIGHTEST_TOL =
-    1e-9; // of reduced costs when an infeasibility is to be proved
+// of reduced costs when an infeasibility is to be proved
+constexpr double TIGHTEST_TOL = 1e-9;
 constexpr double TIGHTEN = 1e-2;
-constexpr double SMALL_PIVOT_GAP =
-    1e-3; // relative, between a small pivot from its row and from its column
-constexpr double PRICE_TRUST =
-    1e-3; // relative gap between stored and recomputed reduced cost
+// relative, between a small pivot from its row and from its column
+constexpr double SMALL_PIVOT_GAP = 1e-3;
+// relative gap between stored and recomputed reduced cost
+constexpr double PRICE_TRUST = 1e-3;
 
 // Reduced costs of the phase at hand.
 template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
@@ -132,8 +132,8 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_OPTIMAL;
         return;
     }
-    s->Status =
-        SIMPLEX_SWITCH; // dual feasible: a few steps of the dual, if it leaves costs alone
+    // dual feasible: a few steps of the dual, if it leaves costs alone
+    s->Status = SIMPLEX_SWITCH;
     s->PerturbAllowed = 0;
 }
 

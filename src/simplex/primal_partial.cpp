@@ -8,8 +8,8 @@
 //   bucket      classes by powers of two of the merit last seen; the best classes are looked at first. All classes
 //               rise by one from time to time, so that each variable is met again.
 // Out         PivotCol, -1 only after all variables were priced by the Pi at hand.
-// Invariant   Pi are the duals of the phase. bucket: every nonbasic that may enter stands in a class; basics leave theirs
-//             when they are met.
+// Invariant   Pi are the duals of the phase. bucket: every nonbasic that may enter stands in a class; basics leave
+//             theirs when they are met.
 // Cost        the columns looked at, and one BTRAN per pivot that is needed anyway.
 // Literature  I. Maros, Computational Techniques of the Simplex Method, 2003, 9.5; J. J. Forrest and J. A. Tomlin,
 //             "Implementing the simplex method for the Optimization Subroutine Library", IBM Systems J. 31, 1992.
@@ -21,8 +21,8 @@ namespace
 constexpr int WINDOW_LEAST = 100;     // variables looked at in one choice
 constexpr double WINDOW_SHARE = 0.02; // of all, when that is more
 constexpr int LIST_LENGTH = 60;       // candidates kept by multiple pricing
-constexpr double LIST_KEEP =
-    0.1; // of the best merit when the list was made: below, a new one
+// of the best merit when the list was made: below, a new one
+constexpr double LIST_KEEP = 0.1;
 constexpr int BUCKET_VISITS = 60; // variables priced with a choice in hand
 constexpr int BUCKET_SHIFT = 10;  // choices until all classes rise by one
 constexpr int BUCKET_MIDDLE = 25; // class of merit 1

@@ -14,8 +14,8 @@
 
 namespace
 {
-constexpr double STALL_SHARE =
-    0.9; // degenerate share of the iterations since the last look
+// degenerate share of the iterations since the last look
+constexpr double STALL_SHARE = 0.9;
 constexpr double STALL_LEAST = 100; // iterations needed for a judgement
 constexpr int MAX_PASSES = 12;      // whole perturbations in one run
 constexpr double SIZE_GROWTH = 3;   // of the next pass

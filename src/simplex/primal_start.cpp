@@ -1,9 +1,9 @@
 // primal_start.cpp -- a start basis for the primal in which equations hold
 //
-// Problem     In a basis of slacks that of an equation is an artificial variable: it has to leave, mostly at the price of
-//             an iteration in phase 1, and blocks every step as long as it stays.
-// Method      Columns take the places of such slacks where that needs no factorisation to be foreseen. All are looked at
-//             in one order: free ones first, then by cost.
+// Problem     In a basis of slacks that of an equation is an artificial variable: it has to leave, mostly at the price
+//             of an iteration in phase 1, and blocks every step as long as it stays.
+// Method      Columns take the places of such slacks where that needs no factorisation to be foreseen. All are looked
+//             at in one order: free ones first, then by cost.
 //             singletons  a column with one entry and no upper bound serves as the slack of its equation, at first
 //                         where its value is within its bounds, then anywhere. It also mends a violated inequality.
 //             triangle    a short column without entries in rows that this step has closed enters in an equation that
@@ -24,12 +24,12 @@ constexpr double VALUE_MOST = 1e8;   // of a variable that becomes basic
 constexpr double PIVOT_LEAST = 1e-5; // no divisor is smaller
 constexpr double PIVOT_SHARE = 0.1;  // of the largest entry of its column
 constexpr double BOUND_SLOP = 1e-9;  // by which a value may be outside of its bounds
-constexpr double GROWTH_MOST =
-    1e4; // of the sum of infeasibilities: beyond, the slacks return
+// of the sum of infeasibilities: beyond, the slacks return
+constexpr double GROWTH_MOST = 1e4;
 
 struct Crash {
-    double *Residual =
-        nullptr;           // [m] Rhs less the nonbasics and the columns of the triangle
+    // [m] Rhs less the nonbasics and the columns of the triangle
+    double *Residual = nullptr;
     Array<int> Order;      // columns that may enter, the most welcome first
     Array<int> Candidates; // [m] columns that may still close the row
     Array<char> Closed;    // [m] row belongs to the triangle

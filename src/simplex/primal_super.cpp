@@ -3,8 +3,8 @@
 // Problem     A start from a point leaves nonbasic variables strictly between their bounds. The result has to be a
 //             vertex, and pricing and the dual know nonbasics at bounds only.
 // Method      One after the other enters with priority, in the direction that its reduced cost prefers, downwards when
-//             that is zero. The ordinary ratio test decides: it reaches a bound (a flip), or a basic variable blocks and
-//             makes room. A free variable that nothing blocks goes to zero. One that can do neither for numerical
+//             that is zero. The ordinary ratio test decides: it reaches a bound (a flip), or a basic variable blocks
+//             and makes room. A free variable that nothing blocks goes to zero. One that can do neither for numerical
 //             reasons is put at its nearest bound, and phase 1 mends what that breaks: every call takes one away.
 // Invariant   Superbasics counts those left; none is left before ordinary pricing begins.
 // Literature  R. E. Bixby and M. J. Saltzman, "Recovering an optimal LP basis from an interior point solution", OR

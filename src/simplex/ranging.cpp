@@ -1,7 +1,7 @@
 // ranging.cpp -- how far one cost, one bound or one right-hand side may move before an optimal basis changes
 //
-// Problem     Cost: until a reduced cost has the wrong sign. Value of a nonbasic (a bound that moves, or, with the slack
-//             of its row, a right-hand side): until a basic variable meets one of its bounds.
+// Problem     Cost: until a reduced cost has the wrong sign. Value of a nonbasic (a bound that moves, or, with the
+//             slack of its row, a right-hand side): until a basic variable meets one of its bounds.
 // Method      cost of a nonbasic     its own reduced cost d
 //             cost of the basic at r row r of the tableau: d_j - t alpha_rj keeps its sign for every nonbasic j
 //             value of nonbasic q    column q of the tableau: x_B - t alpha_q stays within the bounds

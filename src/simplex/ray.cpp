@@ -2,12 +2,13 @@
 //
 // Problem     A primal step finds no row that blocks. Entries dropped as rounding may have been what blocks: the claim
 //             needs a ray that stands alone.
-// Method      The ray moves the entering variable by 1 and the basics by -B^-1 a_q. That column is solved for again with
-//             the residual in longer numbers, the corrections kept as its lower digits. It is a ray of the LP when the
-//             residual is rounding, no variable with a bound in the way moves by more than rounding, and the objective
-//             falls by more than the rounding of its sum. An entry is rounding when every row of its column holds to
-//             rounding without it: then other coefficients, off by less than their last digit, would make it zero. Small
-//             against the other entries says nothing, as columns have units of their own (x_t+1 = 2 x_t over 60 periods).
+// Method      The ray moves the entering variable by 1 and the basics by -B^-1 a_q. That column is solved for again
+//             with the residual in longer numbers, the corrections kept as its lower digits. It is a ray of the LP when
+//             the residual is rounding, no variable with a bound in the way moves by more than rounding, and the
+//             objective falls by more than the rounding of its sum. An entry is rounding when every row of its column
+//             holds to rounding without it: then other coefficients, off by less than their last digit, would make it
+//             zero. Small against the other entries says nothing, as columns have units of their own (x_t+1 = 2 x_t
+//             over 60 periods).
 // Cost        O(nonzeros of the basis) and REFINEMENTS solves.
 // Literature  N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 12 (refinement).
 #include "simplex/sopt.h"
@@ -16,8 +17,8 @@
 namespace
 {
 constexpr int REFINEMENTS = 2;
-constexpr long double ENTRY_ROUNDING =
-    1e-14L; // of a term of a row, against the sum of its terms
+// of a term of a row, against the sum of its terms
+constexpr long double ENTRY_ROUNDING = 1e-14L;
 constexpr long double RESIDUAL_ROUNDING = 1e-15L; // of a row, against the sum of its terms
 constexpr long double COST_ROUNDING = 1e-13L;     // of the objective, likewise
 

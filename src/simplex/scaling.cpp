@@ -16,10 +16,10 @@
 
 namespace
 {
-constexpr double WIDE_COSTS =
-    10000; // sqrt(max / min) of costs that are not centred any more
-constexpr double HUGE_COST =
-    1e7; // costs from here on may be artificial: look at their decades
+// sqrt(max / min) of costs that are not centred any more
+constexpr double WIDE_COSTS = 10000;
+// costs from here on may be artificial: look at their decades
+constexpr double HUGE_COST = 1e7;
 constexpr double VANISHING = 1e-9; // entries below are less than what any pivot needs
 constexpr int CENTRE_PASSES = 10;  // the spread of hard models settles within these
 constexpr double ROUND_UP = 1.4142135623730951; // to the nearest power of two

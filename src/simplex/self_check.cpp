@@ -1,9 +1,9 @@
 // self_check.cpp -- does what updates carry along still agree with what it stands for? In debug builds, on demand
 //
-// Method      TARV_PAR_ITEST asks for it: from CHECK_FACTORS on at every factorisation, from CHECK_UPDATES on after every
-//             pivot too. Each routine computes one quantity anew, in long double where it can, and warns on the log of
-//             what has drifted away; the solve goes on. Reduced costs are those of the dual, since the primal prices
-//             other costs in its first phase and only some columns in partial pricing.
+// Method      TARV_PAR_ITEST asks for it: from CHECK_FACTORS on at every factorisation, from CHECK_UPDATES on after
+//             every pivot too. Each routine computes one quantity anew, in long double where it can, and warns on the
+//             log of what has drifted away; the solve goes on. Reduced costs are those of the dual, since the primal
+//             prices other costs in its first phase and only some columns in partial pricing.
 // Cost        A solve and a pass over the matrix each, beqlu the product of the factors.
 #ifdef TVX_DEBUG
 #include "simplex/sopt.h"
@@ -13,8 +13,8 @@
 namespace
 {
 constexpr int CHECK_FACTORS = 1, CHECK_UPDATES = 2; // values of TARV_PAR_ITEST
-constexpr double DRIFT =
-    1e-6; // relative to what is checked, beside the tolerance of the run
+// relative to what is checked, beside the tolerance of the run
+constexpr double DRIFT = 1e-6;
 constexpr double EXACT = 1e-9;                 // of factors, relative to the column
 constexpr double OBJECTIVE_ERROR_LIMIT = 1e-6; // of the objective, relative
 

@@ -18,8 +18,8 @@ constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in num
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
 constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened tolerances
 constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
-constexpr double LIMIT_ROOM =
-    0.999; // of the limit: rounding may not carry the measure of the user beyond it
+// of the limit: rounding may not carry the measure of the user beyond it
+constexpr double LIMIT_ROOM = 0.999;
 // Share of the objective that violations may stand for (UserViolation::ObjectiveError): users compare six digits.
 constexpr double OBJECTIVE_ERROR_LIMIT = 1e-7;   // above this tolerances are tightened
 constexpr double OBJECTIVE_ERROR_VISIBLE = 1e-6; // above this users would see it

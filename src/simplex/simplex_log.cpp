@@ -6,8 +6,8 @@
 
 namespace
 {
-constexpr double LOG_STEP =
-    100; // iterations between looks at the clock, when the caller set none
+// iterations between looks at the clock, when the caller set none
+constexpr double LOG_STEP = 100;
 
 double elapsed(const sopt *s)
 {

@@ -2,13 +2,14 @@
 //
 // Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
 //             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      Each refresh of factors and values is a look. At every LOOK_PERIOD-th, once the run is past FIRST_LOOKS or
-//             FIRST_ROUNDS, the value that the phase brings down is compared with its best since the last remedy: the sum
-//             of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
-//             changed (dual, box problem and phase 2). After many looks and iterations without a better one the run takes
-//             the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the other method
-//             takes over; the same basis goes on in longer numbers; the run begins again with slacks and strict pivots in
-//             the factors; it ends in numeric trouble. Each is taken once, so that there is an end.
+// Method      Each refresh of factors and values is a look. At every LOOK_PERIOD-th, once the run is past FIRST_LOOKS
+//             or FIRST_ROUNDS, the value that the phase brings down is compared with its best since the last remedy:
+//             the sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with
+//             its sign changed (dual, box problem and phase 2). After many looks and iterations without a better one
+//             the run takes the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed;
+//             the other method takes over; the same basis goes on in longer numbers; the run begins again with slacks
+//             and strict pivots in the factors; it ends in numeric trouble. Each is taken once, so that there is an
+//             end.
 // Cost        one pass over the variables per look.
 #include "simplex/primal.h"
 #include <algorithm>

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr double CRASH_LOSS =
-    -0.001;                           // gain above which a column may replace a fixed slack
+// gain above which a column may replace a fixed slack
+static constexpr double CRASH_LOSS = -0.001;
 static constexpr int CRASH_LOOKS = 8; // candidates looked at in a row
 
 // Status that the true bounds allow a nonbasic, as near as possible to the one it has.
@@ -115,8 +115,8 @@ bool start_from_statuses(sopt *s, const int *statuses)
             status = position++;
         } else if (j < s->NumCols && s->ColScale.data[j] < 0 &&
                    (status == AT_LOWER || status == AT_UPPER)) {
-            status =
-                status == AT_LOWER ? AT_UPPER : AT_LOWER; // the column is held reversed
+            // the column is held reversed
+            status = status == AT_LOWER ? AT_UPPER : AT_LOWER;
         }
         s->VStat.data[j] = status;
     }

@@ -1,11 +1,12 @@
 // strong_branch.cpp -- what would one bound do to the optimum? Short dual runs from one optimal basis
 //
-// Problem     For many candidates and both sides: tighten a bound, re-solve for a few iterations, look at the objective.
+// Problem     For many candidates and both sides: tighten a bound, re-solve for a few iterations, look at the
+//             objective.
 // Method      The optimal basis stays dual feasible, so the dual simplex goes on from it at once: only one basic value
 //             is out of bounds. Basis, values, weights and factors are kept once and copied back after each probe,
-//             which costs a few sweeps over memory instead of a factorisation. No perturbation, no confirmation on fresh
-//             factors: what counts is the bound on the objective, and that is valid at every dual feasible basis. Where
-//             shifted costs have led the dual to a basis that is not, the primal goes on within the same limit.
+//             which costs a few sweeps over memory instead of a factorisation. No perturbation, no confirmation on
+//             fresh factors: what counts is the bound on the objective, and that is valid at every dual feasible basis.
+//             Where shifted costs have led the dual to a basis that is not, the primal goes on within the same limit.
 // Invariant   Between probes the record is what it was at open, but for the order inside rows of the row copy.
 // Cost        A probe: its iterations, and O(n + m + entries of the factors).
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.

@@ -11,11 +11,11 @@
 
 namespace
 {
-constexpr double REFINE_SHARE =
-    1e-3; // residual over the tolerance from which refinement pays
+// residual over the tolerance from which refinement pays
+constexpr double REFINE_SHARE = 1e-3;
 constexpr int PRIMAL_STRIKES = 2, DUAL_STRIKES = 5; // bad residuals that pass
-constexpr double STRIKE_SHARE =
-    100; // a residual this many times smaller than the violations does no harm
+// a residual this many times smaller than the violations does no harm
+constexpr double STRIKE_SHARE = 100;
 constexpr double RHS_LEAST = 1e-9;
 
 // Growth of the solution over the right-hand side, or relative residual, that asks for a pivot threshold.
@@ -176,8 +176,8 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
 }
 
-// With costs of 1e8 the sums of doubles leave 1e-8 in every column, and more in the user's units: as refine_primal, where
-// that matters.
+// With costs of 1e8 the sums of doubles leave 1e-8 in every column, and more in the user's units: as refine_primal,
+// where that matters.
 template<class R> void refine_dual(sopt *s, swork<R> *w)
 {
     SVec<R> *x = &w->Work;
