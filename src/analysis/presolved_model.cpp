@@ -94,7 +94,8 @@ int make_from_result(TVXmodel *model, PresolveResult *result, TVXmodel **out)
         return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
     Names names;
     TRY(collect_names(model->body, result, &names));
-    TRY(model_of_body(model->env, EnvUse::PRIVATE_COPY, presolve_take_reduced(result), out));
+    TRY(model_of_body(model->env, EnvUse::PRIVATE_COPY, presolve_take_reduced(result),
+                      out));
     return body_set_names((*out)->body, names.vars.data, names.constrs.data);
 }
 

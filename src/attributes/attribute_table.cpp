@@ -11,7 +11,8 @@ static constexpr AttrType CHR = AttrType::CHAR, INT = AttrType::INT, DBL = AttrT
 static constexpr AttrKind MODEL = AttrKind::MODEL, VAR = AttrKind::VARIABLE,
                           CON = AttrKind::CONSTRAINT, SOS = AttrKind::SOS;
 static constexpr bool SETTABLE = true, FIXED = false; // may a caller set it
-static constexpr bool SOLUTION = true, CONTENT = false; // does it go when the content changes
+// does it go when the content changes
+static constexpr bool SOLUTION = true, CONTENT = false;
 
 #define QUALITY(name, type, group, part)                                                      \
     {name, type, MODEL, compute_quality, nullptr, nullptr, FIXED, SOLUTION,                   \

@@ -23,8 +23,8 @@ struct ModelBody {
     int numsos = 0;     // SOS constraints
     int numintvars = 0; // variables whose type is not 'C'
     int numbinvars = 0; // variables of type 'B'
-    int solve_tag =
-        -1; // -1 after any change; solvers tell by it whether their record still matches
+    // -1 after any change; solvers tell by it whether their record still matches
+    int solve_tag = -1;
     int row_flipped = -1; // +1 if at least one row has sense '>', else -1
 
     double objcon = 0;  // objective constant, negated for a maximise model
@@ -42,8 +42,8 @@ struct ModelBody {
     Array<int> vind;    // [numnz] row indices, in the caller's order inside a column
     Array<double> vval; // [numnz]
 
-    Array<int>
-        row_beg; // [numconstrs + 1] row-wise copy, built on demand; empty when not there
+    // [numconstrs + 1] row-wise copy, built on demand; empty when not there
+    Array<int> row_beg;
     Array<int> row_ind;    // [numnz] column indices
     Array<double> row_val; // [numnz]
 
@@ -57,8 +57,8 @@ struct ModelBody {
     Array<double> soswt; // [members]
 
     const char *modelname = nullptr; // in name_pool, or null
-    Array<const char *>
-        constrnames; // [numconstrs], or empty: all default; entries may be null
+    // [numconstrs], or empty: all default; entries may be null
+    Array<const char *> constrnames;
     Array<const char *> varnames; // [numvars], likewise
     int next_constr_name = 0;     // next number for a default name
     int next_var_name = 0;

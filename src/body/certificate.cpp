@@ -23,8 +23,8 @@
 
 namespace
 {
-constexpr double ROUNDING =
-    1e-13; // of a sum of products of a solver's numbers, against their sizes
+// of a sum of products of a solver's numbers, against their sizes
+constexpr double ROUNDING = 1e-13;
 constexpr double COST_ROUNDING = 1e-12; // the same for c r, which has to be clear
 
 // The power of two that brings the largest magnitude into 1 .. 2, or 0 when there is none or it is no number.

@@ -60,8 +60,8 @@ enum class QualityWarnings { NO, YES };
                             const QualityScale &scale, Quality *result);
 // BoundVio, ConstrVio and IntVio of a MIP's point, and warnings on the log for those above their
 // tolerance, the violation of SOS constraints included. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int MipQuality(TVXenv *env, const ModelBody *body, const double *x, Quality *result,
-                             QualityWarnings warnings);
+[[nodiscard]] int MipQuality(TVXenv *env, const ModelBody *body, const double *x,
+                             Quality *result, QualityWarnings warnings);
 
 // Largest magnitude of a member outside the window of one (type 1) or two adjacent (type 2)
 // members that the SOS allows, for the best place of the window.

@@ -130,7 +130,7 @@ static int unknown_name(TVXenv *env, const char *kind, TextSpan name)
     text_printable(shown, SHOWN, name);
     TVXmsg(env, "Error: %s name %s doesn't exist\n", kind, shown);
     return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                      "MPS reader: %s name %s doesn't exist\n", kind, shown);
+                "MPS reader: %s name %s doesn't exist\n", kind, shown);
 }
 
 static int find_column(BasisReader *reader, TextSpan name)
@@ -218,8 +218,8 @@ static int binary_file(TVXenv *env, const char *file_name, long long line)
     TVXmsg(env, "Error: file %s is no text file: control character in line %lld\n",
            file_name, line);
     return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                      "File %s is no text file: control character in line %lld\n",
-                      file_name, line);
+                "File %s is no text file: control character in line %lld\n", file_name,
+                line);
 }
 
 static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)

@@ -10,9 +10,9 @@ enum class FileNameKind : char { VARIABLE = 'C', CONSTRAINT = 'R' };
 struct FileNames {
     FileNameKind kind = FileNameKind::VARIABLE;
     int count = 0; // elements
-    const char *const *own =
-        nullptr;       // [count] the model's names, entries may be null; null: all numbered
-    bool wide = false; // numbered names are "C12", not "C0000012"
+    // [count] the model's names, entries may be null; null: all numbered
+    const char *const *own = nullptr;
+    bool wide = false;        // numbered names are "C12", not "C0000012"
     bool has_blanks = false;  // some own name holds a blank
     int longest = 0;          // bytes of the longest own name
     Array<const char *> kept; // own points here when a format refused some names

@@ -82,9 +82,9 @@ struct LpRows {
 struct LpReader {
     TextFile text;
     const char *next = nullptr; // behind the token in hand
-    const char *stop =
-        nullptr;   // the first byte that is not read; it is a control character
-    LpToken token; // in hand
+    // the first byte that is not read; it is a control character
+    const char *stop = nullptr;
+    LpToken token;                 // in hand
     const char *counted = nullptr; // `line` is the number of the line that holds this byte
     int64_t line = 1;
     ModelDraft draft;

@@ -23,8 +23,7 @@ static bool is_no_comment(const char *name)
 
 static int choose_names(const ModelBody *body, FileNames *names)
 {
-    return file_names_choose(names, body, FileNameKind::VARIABLE, true,
-                             is_no_comment);
+    return file_names_choose(names, body, FileNameKind::VARIABLE, true, is_no_comment);
 }
 
 // ---- Reading ----
@@ -45,8 +44,8 @@ static int bad_line(StartReader *reader, int64_t number, TextSpan line)
     TVXmsg(reader->env, "Error at line %lld of MIP start:\n%s\n",
            static_cast<long long>(number), shown);
     return fail(reader->env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                      "MIP start: name and value expected at line %lld:\n%s",
-                      static_cast<long long>(number), shown);
+                "MIP start: name and value expected at line %lld:\n%s",
+                static_cast<long long>(number), shown);
 }
 
 static int unknown_variable(StartReader *reader, TextSpan name)
@@ -92,9 +91,9 @@ static int walk_lines(StartReader *reader, TextFile *text)
         if (step == TextStep::END) break;
         if (step == TextStep::BINARY)
             return fail(reader->env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                              "MIP start: control character in line %lld, this is no text "
-                              "file",
-                              static_cast<long long>(text->line));
+                        "MIP start: control character in line %lld, this is no text "
+                        "file",
+                        static_cast<long long>(text->line));
         TRY(start_line(reader, text->line, line));
     }
     if (reader->n_unknown)
@@ -103,7 +102,8 @@ static int walk_lines(StartReader *reader, TextFile *text)
     return 0;
 }
 
-static int read_text(const ModelBody *body, TVXenv *env, TextFile *text, StartValues *values)
+static int read_text(const ModelBody *body, TVXenv *env, TextFile *text,
+                     StartValues *values)
 {
     StartReader reader{};
     reader.env = env;

@@ -33,8 +33,8 @@ struct MpsFailure {
     MpsFault fault = MpsFault::NONE;
     int64_t line = 0;
     TextSpan text; // the line
-    char reason[MPS_REASON_LENGTH] =
-        ""; // what is wrong, for a reader of the log; may be empty
+    // what is wrong, for a reader of the log; may be empty
+    char reason[MPS_REASON_LENGTH] = "";
 };
 
 // Field numbers of the fixed form in brackets.
@@ -52,7 +52,8 @@ enum { PLACE_OBJECTIVE = -1, PLACE_DROPPED = -2 };
 // What an entry needs of its row, side by side.
 struct MpsPlace {
     int place; // constraint number, or PLACE_
-    int mark; // the row's latest entry, an index into entry_row, or -1; may be of an older column
+    // the row's latest entry, an index into entry_row, or -1; may be of an older column
+    int mark;
 };
 
 struct MpsRows {

@@ -4,8 +4,8 @@
 #include "tarvex.h"
 
 static constexpr int WARNING_KINDS = 24; // room for those of any reader
-static constexpr int WARNING_SHOWN =
-    5; // occurrences of a kind that are shown with line and name
+// occurrences of a kind that are shown with line and name
+static constexpr int WARNING_SHOWN = 5;
 
 struct WarningPlace {
     int64_t line = 0; // 0: no single line
@@ -25,8 +25,8 @@ inline bool warning_is_shown(const ReadWarnings *warnings,
 
 struct WarningText {
     const char *text;
-    const char *behind =
-        nullptr; // if given, `text`, the name and this are printed for each occurrence
+    // if given, `text`, the name and this are printed for each occurrence
+    const char *behind = nullptr;
 };
 // Writes them to the log in the order of kinds. The text of the file must still be there.
 void warnings_show(const ReadWarnings *warnings, const WarningText *texts, int kinds,

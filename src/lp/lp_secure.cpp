@@ -76,11 +76,13 @@ enum class Grade {
 struct Answer {
     Grade grade = Grade::NONE;
     double excess = 0; // largest violation over its tolerance
-    double worth = 0;  // what violations may stand for in the objective (simplex.h)
+    double objective_error =
+        0; // what violations may stand for in the objective (simplex.h)
     bool is_better_than(const Answer &other) const
     {
         const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);
-        return std::tie(grade, more, worth) < std::tie(other.grade, less, other.worth);
+        return std::tie(grade, more, objective_error) <
+               std::tie(other.grade, less, other.objective_error);
     }
 };
 
@@ -90,20 +92,20 @@ struct Best {
     int status = TVX_NUMERIC;
     // Begun where a limit had stopped the last search, and the first run brought no iteration.
     bool repeated = false;
-    FarkasReach near; // of all runs
+    LimitedProof limited; // of all runs
     ~Best() { simplex_free(record); }
 };
 
-Grade grade_of(Footing foot)
+Grade grade_of(Confidence level)
 {
-    switch (foot) {
-    case Footing::SURE:
+    switch (level) {
+    case Confidence::SURE:
         return Grade::SURE;
-    case Footing::NARROW:
+    case Confidence::NARROW:
         return Grade::NARROW;
-    case Footing::UNSURE:
+    case Confidence::UNSURE:
         return Grade::UNSURE;
-    case Footing::NONE:
+    case Confidence::NONE:
         break;
     }
     return Grade::NONE;
@@ -123,7 +125,7 @@ int look_as_caller(LpSolve *lp, Answer *answer)
     const bool within = answer->excess <= 1;
     if (answer->grade == Grade::UNSURE && within && simplex_is_tuned(lp->simplex))
         answer->grade = Grade::SURE; // the record itself may be stricter
-    const bool visible = answer->worth > 1 && lp->body->numnz <= SMALL_MODEL;
+    const bool visible = answer->objective_error > 1 && lp->body->numnz <= SMALL_MODEL;
     if (answer->grade == Grade::SURE && (!within || visible))
         answer->grade = Grade::ROUNDED;
     return 0;
@@ -160,13 +162,13 @@ int note(LpSolve *lp, Best *best)
 {
     if (is_limit(lp->status) && best->answer.grade != Grade::NONE) return 0;
     const SimplexAssessment a = simplex_assess(lp->simplex);
-    Answer answer = {grade_of(a.Foot), a.Excess, a.Worth};
+    Answer answer = {grade_of(a.Level), a.Excess, a.ObjectiveError};
     TRY(look_as_caller(lp, &answer));
     TRY(refuse_gross(lp, &answer));
     if (!(a.Moved <= MOVED_MOST)) answer.grade = Grade::NONE;
     TRY(look_at_ray(lp, a.ByRay, &answer));
-    best->near.Exact |= a.Near.Exact;
-    best->near.Wide |= a.Near.Wide;
+    best->limited.Exact |= a.Limited.Exact;
+    best->limited.Widened |= a.Limited.Widened;
     if (answer.grade == Grade::NONE || !answer.is_better_than(best->answer)) return 0;
     simplex_free(best->record);
     best->record = nullptr;
@@ -179,7 +181,7 @@ bool applies(const TVXenv *env, const Way &way, const Best &best)
 {
     if (way.extended && env->Quad == 0 && !way.widen) return false;
     const bool contradicts =
-        best.answer.grade == Grade::NARROW || best.near.Exact || best.near.Wide;
+        best.answer.grade == Grade::NARROW || best.limited.Exact || best.limited.Widened;
     if (way.widen && contradicts) return false; // the model is infeasible as it stands
     return way.begin != BEST_BASIS || best.answer.grade == Grade::ROUNDED ||
            best.answer.grade == Grade::UNSURE;
@@ -259,11 +261,11 @@ bool is_final(const Answer &answer)
            (answer.grade == Grade::ROUNDED && answer.excess <= 1);
 }
 
-bool proved_near_enough(const Best &best)
+bool limited_proof_suffices(const Best &best)
 {
-    if (best.answer.grade == Grade::NONE) return best.near.Exact;
+    if (best.answer.grade == Grade::NONE) return best.limited.Exact;
     return best.answer.grade == Grade::UNSURE && best.status == TVX_OPTIMAL &&
-           best.near.Wide;
+           best.limited.Widened;
 }
 
 // The live record gets the best answer.
@@ -271,7 +273,7 @@ int settle(LpSolve *lp, Best *best)
 {
     const int limit = is_limit(lp->status) ? lp->status : 0;
     const double iterations = simplex_iterations(lp->simplex);
-    if (!limit && proved_near_enough(*best)) {
+    if (!limit && limited_proof_suffices(*best)) {
         declare(lp, TVX_INFEASIBLE);
         lp->result->quality = Quality{};
         return 0;

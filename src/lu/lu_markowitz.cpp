@@ -17,8 +17,8 @@ namespace
 {
 constexpr int SEARCH_LINES = 4; // lines inspected for a pivot, after Suhl and Suhl
 constexpr int DENSE_LINES = 50; // below this the dense tail gains nothing
-constexpr double DENSE_SHARE =
-    0.33; // share of entries from which dense elimination is faster
+// share of entries from which dense elimination is faster
+constexpr double DENSE_SHARE = 0.33;
 constexpr int STAMP_RESET = 1000000000; // far from overflow within one factorisation
 constexpr int DENSE_ROWS_FACTOR = 4;    // the tail must matter: lines^2 > 4 m
 

@@ -18,10 +18,10 @@ namespace
 {
 constexpr double REACH_ENTRIES = 0.05; // share of nonzeros up to which a reach may be tried
 constexpr double REACH_EXPECT = 0.10;  // expected share of nonzeros up to which it pays
-constexpr double REACH_GIVE_UP =
-    0.25; // share of places visited at which the walk is abandoned
-constexpr double FULL_SHARE =
-    0.1; // share of nonzeros above which no list is kept between triangles
+// share of places visited at which the walk is abandoned
+constexpr double REACH_GIVE_UP = 0.25;
+// share of nonzeros above which no list is kept between triangles
+constexpr double FULL_SHARE = 0.1;
 
 // One triangle as a directed graph: place i updates the places Ind[Beg[i] .. Beg[i] + Len[i] - 1].
 template<class R> struct Triangle {

@@ -66,8 +66,8 @@ template<class R> struct lufact {
     int Growths = 0;   // how often a pool had to grow
 
     // Pivot order
-    Array<int>
-        Order; // [m + MaxPos] row at a place of the order, -1 where an update moved it away
+    // [m + MaxPos] row at a place of the order, -1 where an update moved it away
+    Array<int> Order;
     Array<int> PosOfRow; // [m] place of a row
     int NumPos = 0;      // places in use
     int MaxMoves = 0;    // places kept for updates
@@ -92,8 +92,8 @@ template<class R> struct lufact {
     Array<int> URowInd;
     Array<R> URowVal;
     int64_t UNonzeros = 0; // off-diagonals and diagonals of U at the last factor
-    double PoolFactor =
-        2; // room of the U pools over what the factor needs; grows when updates fill them
+    // room of the U pools over what the factor needs; grows when updates fill them
+    double PoolFactor = 2;
     double EtaFactor = 2; // room of the eta pool over m; likewise
 
     // Row etas and the state of the update
@@ -113,8 +113,8 @@ template<class R> struct lufact {
     int PartCount = -1;
     int PartRow = -1; // the unit vector it came from
 
-    double Density[SOLVE_KINDS][2] =
-        {}; // running share of nonzeros after the first and the second triangle
+    // running share of nonzeros after the first and the second triangle
+    double Density[SOLVE_KINDS][2] = {};
     double WorkUnits = 0; // entries touched by solves, factors and updates
 
     // Scratch

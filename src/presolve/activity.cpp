@@ -8,8 +8,8 @@
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
-constexpr double CANCELLED =
-    1e3; // a term over what is left of the sum; errors of several steps add up
+// a term over what is left of the sum; errors of several steps add up
+constexpr double CANCELLED = 1e3;
 constexpr int UNKNOWN = 1 << 30; // infinite terms: more than changes can take away
 
 double raised(double v)

@@ -23,8 +23,8 @@ constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
 constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
 constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
 constexpr double CHECK_EFFORT = 5e4;  // entries between looks at the limits
-constexpr double SHARE_COPIED =
-    0.1; // of the constraints in the first round: all are copied
+// of the constraints in the first round: all are copied
+constexpr double SHARE_COPIED = 0.1;
 
 bool is_absent(const BoundPropagation *p, double bound)
 {

@@ -41,8 +41,8 @@ struct BoundPropagation {
     int NumCopied = 0;
     Array<BoundVersion> Log; // versions in the order they were found; its room is fixed
     Array<int> ConList;      // [NumCons] constraints to look at; the first NumListed
-    Array<int>
-        VarList; // [NumVars] variables tightened in this round; the first NumTightened
+    // [NumVars] variables tightened in this round; the first NumTightened
+    Array<int> VarList;
     Array<char> ConListed, VarListed; // [NumCons], [NumVars]
     int NumListed = 0, NumTightened = 0;
     bool Contradiction = false;       // no point satisfies the constraints

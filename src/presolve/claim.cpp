@@ -174,8 +174,7 @@ int postsolve_farkas(const PresolveResult *result, const double *reduced, double
 int postsolve_ray(const PresolveResult *result, const double *reduced, double *full)
 {
     Direction direction;
-    TRY(direction_alloc(&direction, result->NumCols, result->NumRows,
-                        result->INF));
+    TRY(direction_alloc(&direction, result->NumCols, result->NumRows, result->INF));
     for (int j = 0; j < result->NumCols; j++) {
         const int k = result->ColMap.data[j];
         if (k >= 0) direction.x.data[j] = reduced[k];

@@ -15,8 +15,8 @@
 //             it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
-#include "body/row_kind.h"
 #include "body/build.h"
+#include "body/row_kind.h"
 #include "env/limits.h"
 #include "presolve/presolve.h"
 #include <cmath>
@@ -40,9 +40,10 @@ double base_of(const ModelBody *body, Kind kind, int j)
 
 struct DualForm {
     int n = 0,
-        m = 0; // variables (rows of the model, then boxed columns), rows (columns not fixed)
-    ModelArrays
-        arrays;        // a maximisation of the body's minimum, hence a minimisation of -obj
+        // variables (rows of the model, then boxed columns), rows (columns not fixed)
+        m = 0;
+    // a maximisation of the body's minimum, hence a minimisation of -obj
+    ModelArrays arrays;
     Array<int> row_of; // [numvars] row of a column, or -1
     double constant = 0;
     LimitWatch watch = {nullptr};
@@ -152,8 +153,8 @@ int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
     TRY(fill_rows(body, infinite, &d));
     TRY(fill_columns(body, infinite, &d));
     TRY(fill_boxes(body, infinite, &d));
-    d.arrays.vind.size = d.arrays.vval.size =
-        d.arrays.vbeg.data[d.n];   // none of fixed columns
+    // none of fixed columns
+    d.arrays.vind.size = d.arrays.vval.size = d.arrays.vbeg.data[d.n];
     d.arrays.sense = -body->sense; // the caller's sense turns both
     d.arrays.objcon = -(body->objcon + d.constant);
     TRY(limits_reached(env));

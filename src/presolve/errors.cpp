@@ -3,11 +3,11 @@
 
 namespace
 {
-constexpr double MOST_RHS_ERROR =
-    10; // feasibility tolerances: rows of the model enlarged ten thousand times
+// feasibility tolerances: rows of the model enlarged ten thousand times
+constexpr double MOST_RHS_ERROR = 10;
 constexpr double MOST_COST_ERROR = 1; // optimality tolerances
-constexpr double MOST_LOST =
-    1e6; // size of an entry's terms over the pivot: nine digits are left
+// size of an entry's terms over the pivot: nine digits are left
+constexpr double MOST_LOST = 1e6;
 } // namespace
 
 bool errors_allow(const PresolveWork *w, int p, double col_largest, double row_largest)

@@ -18,8 +18,8 @@
 
 static constexpr double ROUNDING_UNIT = 1e-15; // of one operation, against its largest term
 static constexpr double ERROR_MARGIN = 10;     // sums of errors over the largest of them
-static constexpr double KEPT_SIZE =
-    10; // times an entry, from which the size of its terms is remembered
+// times an entry, from which the size of its terms is remembered
+static constexpr double KEPT_SIZE = 10;
 
 inline void raise_to(double *error, double at_least)
 {

@@ -28,8 +28,7 @@ void scatter(const PresolveResult *result, const LpPoint *reduced, PostPoint *po
         const int k = result->ColMap.data[j];
         point->x[j] = k >= 0 ? reduced->x.data[k] : 0;
         point->d[j] = k >= 0 ? reduced->dual.data[k] : 0;
-        if (point->status)
-            point->status[j] = k >= 0 ? status_of(small, reduced, k) : -1;
+        if (point->status) point->status[j] = k >= 0 ? status_of(small, reduced, k) : -1;
     }
     for (int i = 0; i < m; i++) {
         const int k = result->RowMap.data[i];
@@ -118,8 +117,8 @@ int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *
 {
     const ModelBody *body = result->Full;
     TRY(lp_point_alloc(full, body, !reduced || reduced->status.size > 0));
-    PostPoint point = {body->numvars, body->numconstrs, full->x.data,
-                       full->dual.data,      full->status.data,       result->INF};
+    PostPoint point = {body->numvars,   body->numconstrs,  full->x.data,
+                       full->dual.data, full->status.data, result->INF};
     LimitWatch watch = {limits == PostsolveLimits::OBEY ? result->Env : nullptr};
     TRY(limits_reached(watch.env));
     scatter(result, reduced, &point);

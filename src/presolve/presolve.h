@@ -19,10 +19,10 @@ enum PresolveStatus {
 // What presolve says of a model without optimum, as a vector of the model itself that should prove it
 // (body/certificate.h tells whether it does). Both are empty where a reduction loses its reasons.
 struct LpClaim {
-    Array<double>
-        farkas; // [numconstrs] multipliers of an infeasible model, for inequalities >= 0
-    Array<double>
-        ray; // [numvars] direction in which the objective of a model falls for ever
+    // [numconstrs] multipliers of an infeasible model, for inequalities >= 0
+    Array<double> farkas;
+    // [numvars] direction in which the objective of a model falls for ever
+    Array<double> ray;
 };
 
 // The reduced model and all that postsolve needs. It keeps the address of the body that was reduced.
@@ -32,7 +32,7 @@ struct PresolveResult;
 // proof of what is said. The effort is added to *work. A status of PresolveStatus, or OUT_OF_MEMORY.
 [[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out,
                               double *work, LpClaim *claim = nullptr);
-void presolve_free(PresolveResult *result); // null is ignored
+void presolve_free(PresolveResult *result);                 // null is ignored
 void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits postsolve obeys
 // Of the result, or null when nothing is left to solve.
 const ModelBody *presolve_reduced(const PresolveResult *result);
@@ -55,7 +55,8 @@ int postsolve_equations(const PresolveResult *result, char *rows);
 // Maps a solution of the reduced model (null when nothing is left of it) back to the model. A PresolveStatus of the
 // limits if they are obeyed, or OUT_OF_MEMORY.
 enum class PostsolveLimits { OBEY, IGNORE };
-[[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *full,
+[[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced,
+                               LpPoint *full,
                                PostsolveLimits limits = PostsolveLimits::OBEY);
 
 // The same for proofs of what is said of the reduced model: multipliers of its rows give those of the rows of the model, a
@@ -63,7 +64,8 @@ enum class PostsolveLimits { OBEY, IGNORE };
 // lose a proof of infeasibility. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_farkas(const PresolveResult *result, const double *reduced,
                                    double *full);
-[[nodiscard]] int postsolve_ray(const PresolveResult *result, const double *reduced, double *full);
+[[nodiscard]] int postsolve_ray(const PresolveResult *result, const double *reduced,
+                                double *full);
 // Entries that only rounding can have made: multipliers of the wrong sign or of absent rows, steps against a bound.
 void farkas_clean(const ModelBody *body, double infinite, double *farkas);
 void ray_clean(const ModelBody *body, double infinite, double *ray);

@@ -13,8 +13,8 @@
 namespace
 {
 constexpr int PASSES_LEVEL1 = 3, PASSES = 10;
-constexpr int INNER_ROUNDS =
-    5;                         // after these a changed bound alone is no reason for another
+// after these a changed bound alone is no reason for another
+constexpr int INNER_ROUNDS = 5;
 constexpr int DUAL_PASSES = 5; // dual bounds only in so many passes, unless Presolve is 2
 constexpr int STOP = -1;       // the step limit is reached: build from what stands
 

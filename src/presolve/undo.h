@@ -11,14 +11,14 @@ enum UndoKind {
     UNDO_DOMINATED = 3,     // column without cost freed rows from one side
     UNDO_MERGE_COLS = 4,    // duplicate columns merged
     UNDO_PARALLEL_ROWS = 5, // two inequalities became one equation
-    UNDO_BOUND_TRANSFER =
-        6, // bounds of a column moved to the other one of its doubleton row
+    // bounds of a column moved to the other one of its doubleton row
+    UNDO_BOUND_TRANSFER = 6,
     UNDO_SINGLETON_ROW = 7, // row became a bound
     UNDO_FORCING_ROW = 8,   // row fixed all its columns
-    UNDO_FREE_TO_SLACK =
-        10, // free column left through an inequality, its place taken by the slack
-    UNDO_SLACK_COLUMN =
-        11, // column was the slack of an equation, which became an inequality
+    // free column left through an inequality, its place taken by the slack
+    UNDO_FREE_TO_SLACK = 10,
+    // column was the slack of an equation, which became an inequality
+    UNDO_SLACK_COLUMN = 11,
     UNDO_ROW_COMBINATION = 12, // a multiple of an equation was added to a row
 };
 

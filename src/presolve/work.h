@@ -63,8 +63,8 @@ struct PresolveWork {
     Array<double> Rhs;         // [NumRows]
     Array<char> Sense;         // [NumRows] '<' or '='
     Array<char> VType;         // [NumCols], or empty: all continuous
-    Array<int>
-        ColFlags; // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
+    // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
+    Array<int> ColFlags;
 
     double DataErr = 0;     // violation of the model's own rows that counts as rounding
     Array<double> RhsErr;   // [NumRows] of Rhs
@@ -85,8 +85,8 @@ struct PresolveWork {
     // are infinite. Bounds are rounded outwards as they are added.
     Array<double> RMax, RMin; // [NumRows]
     Array<int> Rmaxcnt, Rmincnt;
-    Array<int>
-        Stale; // long rows that have lost digits; until they are summed anew, both counts say infinite
+    // long rows that have lost digits; until they are summed anew, both counts say infinite
+    Array<int> Stale;
 
     int Phase = 0; // 0 everything is a candidate, 1 worklist A, 2 worklist B
     Array<int> RowMark, ColMark;
@@ -100,15 +100,15 @@ struct PresolveWork {
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
     bool WantsProof = false;
-    Array<double>
-        Proof; // [NumCols + NumRows] direction (PostPoint) that proves what ends the model, or empty
+    // [NumCols + NumRows] direction (PostPoint) that proves what ends the model, or empty
+    Array<double> Proof;
 
     UndoStack Undo;
     Array<double> Scratch, ScratchB, ScratchC; // [max(NumRows, NumCols)] zero between uses
     Array<int> IndexA, IndexB, IndexC;         // [max(NumRows, NumCols)] uninitialised
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
-    Array<char>
-        GivenBounds; // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
+    // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
+    Array<char> GivenBounds;
     int NumNoted = 0; // rows of which pre_columns knows something
 };
 
@@ -119,11 +119,11 @@ struct PresolveResult {
     const ModelBody *Full = nullptr; // that was reduced; not owned
     ModelBody *Reduced = nullptr;    // null when nothing is left
     TVXenv *Env = nullptr;           // for limits
-    int NumCols = 0, NumRows = 0; // of the original model
+    int NumCols = 0, NumRows = 0;    // of the original model
     UndoStack Undo;
     Array<int> RowMap, ColMap; // index in the reduced model, or the state below zero
-    Array<char>
-        GivenBounds; // [NumCols] bits 1 << Side: bounds of the reduced model by pre_free_bounds; or empty
+    // [NumCols] bits 1 << Side: bounds of the reduced model by pre_free_bounds; or empty
+    Array<char> GivenBounds;
     double ObjCon = 0; // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
 };

@@ -15,8 +15,8 @@
 #include "runtime/text_pool.h"
 #include <climits>
 
-static constexpr size_t POOL_CHUNK =
-    4000; // bytes of text allocated at once: below a page with its header
+// bytes of text allocated at once: below a page with its header
+static constexpr size_t POOL_CHUNK = 4000;
 
 struct NameEntry {
     const char *Text; // in the pool, terminated

@@ -5,8 +5,8 @@
 // A record in its initial state, or null when out of memory.
 template<class T> [[nodiscard]] T *record_create()
 {
-    T *record =
-        static_cast<T *>(MemAllocZero(1, sizeof(T))); // all zero: valid to assign to
+    // all zero: valid to assign to
+    T *record = static_cast<T *>(MemAllocZero(1, sizeof(T)));
     if (record) *record = T{};
     return record;
 }

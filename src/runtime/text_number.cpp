@@ -20,8 +20,8 @@
 static constexpr int MANTISSA_DIGITS = 19;             // always fit 64 bits
 static constexpr uint64_t EXACT_MANTISSA = 1ull << 53; // integers up to here are doubles
 static constexpr int EXACT_POWER = 22; // 10^22 is the last power of ten that is a double
-static constexpr int64_t EXPONENT_LIMIT =
-    1'000'000; // beyond this an exponent only says "out of range"
+// beyond this an exponent only says "out of range"
+static constexpr int64_t EXPONENT_LIMIT = 1'000'000;
 
 static const double powers[EXACT_POWER + 1] = {
     1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
@@ -88,8 +88,8 @@ static const char *scan_decimal(const char *text, Decimal *d)
 // a copy then, in which digits beyond COPY_DIGITS cannot matter but for being non-zero.
 static double convert_exactly(const char *text, const char *end, const Decimal *d)
 {
-    static constexpr int COPY_DIGITS =
-        1024; // no rounding of a double depends on more than 768 digits
+    // no rounding of a double depends on more than 768 digits
+    static constexpr int COPY_DIGITS = 1024;
     char copy[COPY_DIGITS + 64];
     if (d->Mark && (*d->Mark == 'd' || *d->Mark == 'D')) {
         int length = 0;

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdio>
 
-static constexpr int NUMBER_LENGTH =
-    32; // room for any text written by the number_ routines, with its end
+// room for any text written by the number_ routines, with its end
+static constexpr int NUMBER_LENGTH = 32;
 
 // The number at the start of text (no white space is skipped): optional sign '+' or '-', decimal digits with an
 // optional point, optional exponent after e, E, d or D; or inf, infinity, nan in any case. Correctly rounded; too large

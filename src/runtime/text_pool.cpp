@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
-static constexpr size_t SMALLEST_CHUNK =
-    64; // below this the chunk's own record would outweigh its texts
+// below this the chunk's own record would outweigh its texts
+static constexpr size_t SMALLEST_CHUNK = 64;
 
 struct PoolChunk { // followed by its bytes
     PoolChunk *Next;

@@ -65,8 +65,8 @@ void ThreadJoin(uintptr_t handle)
 
 static constexpr int YIELD_ROUNDS = 100; // some tens of microseconds when nothing else runs
 static constexpr long FIRST_SLEEP = 20'000; // nanoseconds
-static constexpr long LONGEST_SLEEP =
-    1'000'000; // an idle waiter wakes a thousand times a second at most
+// an idle waiter wakes a thousand times a second at most
+static constexpr long LONGEST_SLEEP = 1'000'000;
 
 void ThreadPause(int round)
 {

@@ -1,4 +1,4 @@
-// basis.cpp -- factor the basis, mend it, exchange its members, and rows of its tableau
+// basis.cpp -- factor and repair the basis, pivots, rows of the tableau
 //
 // Literature  R. H. Bartels, J. Stoer, C. Zenger in Wilkinson and Reinsch, Linear Algebra, 1971, for the repair of a
 //             singular basis by unit columns.
@@ -8,16 +8,18 @@
 
 namespace
 {
-constexpr double TIGHT_MARKOWITZ = 0.5;   // after a singular basis
-constexpr double STRICTER = 4;            // growth after a wrong pivot
-constexpr double TIGHTER_MARKOWITZ = 0.9; // after the second
-constexpr double DENSE_ROW_SHARE =
-    1.8; // entries touched times this against n: dense accumulation pays
+constexpr double TIGHT_MARKOWITZ = 0.5;   // Markowitz tolerance after a singular basis
+constexpr double TIGHTER_MARKOWITZ = 0.9; // and after the second one
+// growth of the Markowitz tolerance after a wrong pivot
+constexpr double STRICTER = 4;
+// The row is accumulated densely if the entries touched, times this, exceed n.
+constexpr double DENSE_ROW_SHARE = 1.8;
 constexpr double FILL_SPIKES = 1.5, FILL_ETAS = 2,
                  FILL_FACTORS = 1.5; // weights of the fill test
-constexpr int MAX_REPAIRS = 50;      // of one basis before it is given up
+// repairs in one refactorisation before the run ends in numeric trouble
+constexpr int MAX_REPAIRS = 50;
 
-// Dropped variables go to a bound, slacks of the rows without pivot come in.
+// Columns without pivot become nonbasic, slacks of the rows without pivot basic.
 template<class R> void repair_basis(sopt *s, int deficiency)
 {
     for (int k = 0; k < deficiency; k++) {
@@ -83,7 +85,7 @@ template<class R> void load_column(const sopt *s, int j, SVec<R> *x)
 
 namespace
 {
-// Long rows: accumulate without a list, then look at every column.
+// Long rows: accumulate without a list of nonzeros, then test every column.
 template<class R> void accumulate_dense(sopt *s, swork<R> *w)
 {
     R *__restrict acc = w->RowAcc.data;
@@ -99,8 +101,7 @@ template<class R> void accumulate_dense(sopt *s, swork<R> *w)
     const R drop = R(ROUNDING_SHARE<R> * s->ZeroTol);
     int *__restrict list = w->RowInd.data;
     R *__restrict row = w->RowVal.data;
-    for (int j = 0; j < s->NumCols;
-         j++) { // without a branch: about every other one is kept
+    for (int j = 0; j < s->NumCols; j++) { // no branch, since it would be unpredictable
         const R a = acc[j];
         acc[j] = SVEC_TINY<R>;
         list[count] = j;
@@ -110,7 +111,7 @@ template<class R> void accumulate_dense(sopt *s, swork<R> *w)
     w->RowCount = count;
 }
 
-// Short rows: a cell that still holds the tiny mark is new and joins the list.
+// Short rows: an entry that still has the value SVEC_TINY is new and is added to the list.
 template<class R> void accumulate_sparse(sopt *s, swork<R> *w)
 {
     R *__restrict acc = w->RowAcc.data;
@@ -174,7 +175,7 @@ void swap_basis(sopt *s, int r, int q, int status)
     s->BasicUpper.data[r] = s->WorkUpper.data[q];
 }
 
-// Update limit reached, or solves have become slower than a new factor would pay back.
+// True if the update limit is reached, or if the fill by updates makes solves slower than a refactorisation is worth.
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
 {
     const lufact<R> *lu = &w->Lu;

@@ -1,9 +1,10 @@
-// condition.cpp -- condition of the basis of the scaled model, estimated
+// condition.cpp -- estimate of the condition number of the scaled basis
 //
-// Problem     kappa = ||B|| ||B^-1|| tells how many digits solves with B can lose. B^-1 is known by solves only.
-// Method      1-norm: ||B|| by columns; ||B^-1|| by Hager's ascent over unit vectors, with Higham's start, stop and
-//             last try. 2-norm: the largest eigenvalues of B^T B and of its inverse by the method of Lanczos.
-//             Both are lower bounds, as a rule within a factor of three, the second usually to several digits.
+// Problem     kappa = ||B|| ||B^-1|| tells how many digits solves with B can lose. B^-1 is available by solves only.
+// Method      1-norm: ||B|| by columns; ||B^-1|| by Hager's method over unit vectors, with Higham's start vector,
+//             stopping rule and final test vector. 2-norm: the largest eigenvalues of B^T B and of its inverse by the
+//             Lanczos method. Both are lower bounds, usually within a factor of three; the second has several correct
+//             digits.
 // Cost        1-norm: at most 2 ASCENTS + 2 solves. 2-norm: 2 LANCZOS_STEPS solves and as many products.
 // Literature  N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 15.
 //             G. H. Golub and C. F. Van Loan, "Matrix computations", chapter 10.
@@ -13,7 +14,7 @@
 
 namespace
 {
-constexpr int ASCENTS = 5;        // more hardly ever gain
+constexpr int ASCENTS = 5;        // more rarely improve the estimate (Higham)
 constexpr int LANCZOS_STEPS = 40; // for the largest eigenvalue: a few digits at least
 constexpr int BISECTIONS = 60;
 constexpr uint64_t START_SEED = 101;
@@ -25,7 +26,7 @@ template<class R> double sum_of_magnitudes(const SVec<R> *x)
     return static_cast<double>(sum);
 }
 
-// x := a vector without a list.
+// x := a dense vector.
 template<class R, class F> void fill(SVec<R> *x, F value)
 {
     svec_clear(x);
@@ -45,7 +46,7 @@ template<class R> void solve_transposed(swork<R> *w, SVec<R> *x)
     x->Count = -1;
 }
 
-// The place of the largest entry of B^-T sign(B^-1 ..): along this unit vector the norm rises fastest.
+// Index of the largest entry of B^-T sign(B^-1 ..): the unit vector of steepest ascent of the norm.
 template<class R> int steepest_place(swork<R> *w, double size, SVec<R> *x, SVec<R> *y)
 {
     fill(y, [x, size](int i) { return (x->Value.data[i] < R(0) ? -1 : 1) / size; });
@@ -60,10 +61,11 @@ template<class R> double inverse_norm(const sopt *s, swork<R> *w)
 {
     const int m = s->NumRows;
     SVec<R> *x = &w->Work, *y = &w->Tau;
-    fill(x, [](int) { return 1; }); // divided later: solves drop what is small against 1
+    // divided later: solves drop entries that are small against 1
+    fill(x, [](int) { return 1; });
     solve(w, x);
     double norm = sum_of_magnitudes(x) / m;
-    if (!(norm > 0)) return 0; // beyond what a number holds
+    if (!(norm > 0)) return 0; // not a number, by overflow
     int place = -1;
     for (int round = 0; round < ASCENTS; round++) {
         const double size = std::min(norm, 1.0); // solves drop no part of their result then
@@ -123,13 +125,13 @@ void apply_square(const sopt *s, swork<R> *w, double size, const R *x, R *result
     svec_clear(y);
 }
 
-// Norms of B and of B^-1, about: operators are applied over them, as their squares may be no doubles.
+// Approximate norms of B and B^-1: operators are divided by their squares, which could overflow.
 struct Sizes {
     double Basis, Inverse;
 };
 
-// Solves drop what is small against 1: vectors are divided before a solve that makes them smaller, else behind it, and
-// between the two by their largest entry.
+// Solves drop entries that are small against 1: vectors are divided before a solve that makes them smaller, otherwise
+// after it, and between the two solves by their largest entry.
 template<class R>
 void apply_inverse(const sopt *s, swork<R> *w, double size, const R *x, R *result)
 {
@@ -225,7 +227,7 @@ double spectral_radius(const sopt *s, swork<R> *w, Operator kind, const Sizes &s
     return largest_eigenvalue(diagonal, square, n);
 }
 
-// What was estimated, within what a condition can be: 1 at least, and the attributes' infinity where it is not finite.
+// The estimate, at least 1, and at most UNDEFINED_VALUE, which also stands for values that are not finite.
 double sound_kappa(double estimate)
 {
     return estimate < UNDEFINED_VALUE ? std::max(estimate, 1.0) : UNDEFINED_VALUE;
@@ -233,7 +235,7 @@ double sound_kappa(double estimate)
 
 template<class R> int condition(const sopt *s, swork<R> *w, KappaNorm norm, double *kappa)
 {
-    *kappa = 1; // without rows nothing is lost
+    *kappa = 1; // an empty basis
     if (s->NumRows == 0) return 0;
     const Sizes sizes = {basis_norm(s), inverse_norm(s, w)};
     *kappa = sound_kappa(sizes.Inverse > 0 ? sizes.Basis * sizes.Inverse : HUGE_VAL);

@@ -1,30 +1,35 @@
 // dual.cpp -- the dual simplex method
 //
-// Problem     Solve the working LP from a basis by steps that keep it dual feasible.
-// Method      Bounded dual simplex: steepest-edge rows, bound-flipping ratio test, Forrest-Tomlin updates. Phase 1 is
-//             the box problem (dual_start.cpp). Costs are perturbed against stalling; when the perturbed problem is
-//             done, the true costs return, and if the basis is then not dual feasible the primal method finishes.
-// Out         Status 2, 3, a limit, or SIMPLEX_SWITCH when the primal has to decide.
-// Invariant   Between refreshes: Bbar, Cbar, merits and weights belong to the basis; nonbasics stand at working bounds.
-// Literature  A. Koberstein, Paderborn 2005.
+// Problem     Solve the working LP from a basis by pivots that keep it dual feasible.
+// Method      Bounded dual simplex: steepest edge pricing of the rows, bound flipping ratio test, Forrest-Tomlin
+//             updates. Phase 1 is the box problem (dual_start.cpp). Costs are perturbed against stalling; when the
+//             perturbed problem is solved, the perturbation is removed, and if the basis is then not dual feasible the
+//             primal simplex continues.
+// Out         Status: see the table in sopt.h.
+// Invariant   Between refreshes Bbar, Cbar, merits and weights belong to the basis; nonbasics are at working bounds.
+// Literature  A. Koberstein, The dual simplex method, techniques for a fast and stable implementation, Paderborn 2005.
 #include "simplex/dual.h"
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-constexpr double WEIGHT_TRUST =
-    0.25; // a stored weight below this share of the true one: choose again
-constexpr int MAX_REJECTED = 20;       // rows set aside before a switch of method is tried
-constexpr int PRICING_PERIOD = 3;      // factorisations between looks at the pricing
-constexpr double UPDATES_POWER = 0.65; // limit m^0.65: rows are cheap only with few etas
-constexpr int CYCLE_HITS = 30;         // rounds after which the method gives up
-// Of a sum of products, against the sizes of its terms: the multipliers come from solves with the factors.
+// A stored weight below this share of the exact one is too small: the row is chosen again.
+constexpr double WEIGHT_TRUST = 0.25;
+// rows set aside before the run ends with SIMPLEX_SWITCH
+constexpr int MAX_REJECTED = 20;
+constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
+// Update limit m^0.65: pivot rows are sparse only with few row etas. Against 0.7 it saved 1 % of the work on Netlib and
+// 3 % on the Kennington models.
+constexpr double UPDATES_POWER = 0.65;
+constexpr int CYCLE_HITS = 30; // repetitions after which a cycle is assumed
+// Error of the dual bound relative to the sum of the magnitudes of its terms. Far above the rounding of the sum itself,
+// since the multipliers have the error of solves with the factors.
 constexpr double CUTOFF_ROUNDING = 1e-10;
-// How far a column without a bound may go: at least, and in numbers of the largest value of the basis at hand.
+// Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
 constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
 
-// Weights follow their variables through a factorisation.
+// Refactorisation changes positions: the weights are carried over by variable.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
 {
     if (has_factor(s, w) && w->Lu.NumUpdates == 0) return 0;
@@ -36,7 +41,8 @@ template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
     return 0;
 }
 
-// Puts nonbasics where their reduced costs want them; costs of the others are shifted, in phase 2 only.
+// Boxed nonbasics move to the bound that their reduced cost asks for. In phase 2 the costs of other nonbasics with a
+// reduced cost of the wrong sign are shifted.
 template<class R> void make_dual_feasible(sopt *s, swork<R> *w)
 {
     const R tol = R(s->OptTol);
@@ -50,8 +56,8 @@ template<class R> void make_dual_feasible(sopt *s, swork<R> *w)
     }
 }
 
-// Cycling shows as one variable that enters again and again at the same distance. At every factorisation more than m
-// pivots after the last look a variable is chosen for the watch.
+// Cycle detection: in a cycle one variable enters repeatedly after the same number of iterations. The entering variable
+// to watch is chosen at a refresh, at least m iterations after the last choice.
 template<class R> void watch_start(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -81,7 +87,7 @@ bool has_cutoff(const sopt *s)
     return s->Cutoff < UNDEFINED_VALUE;
 }
 
-// A sum of products with the sizes of its terms, from which follows what it may be wrong by.
+// A sum of products, with the sum of the magnitudes of its terms for an error bound.
 struct BoundSum {
     long double value = 0, size = 0;
     void add(long double term)
@@ -102,15 +108,16 @@ template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
     return largest;
 }
 
-// Is the least value of the objective over the bounds, with the multipliers of the basis for the true costs, beyond the
-// cutoff by more than rounding? That is a bound of the optimum whatever the perturbation. Where a bound is missing a
-// reduced cost within the tolerance is charged with a value far beyond those of the basis. RowVal is used.
+// True if the Lagrangian bound with the multipliers of the basis for the true (unperturbed) costs exceeds the cutoff by
+// more than rounding errors. Where the bound that a reduced cost asks for is infinite, a reduced cost within OptTol is
+// multiplied by an assumed largest value (OPEN_LEAST, OPEN_SHARE); a larger one makes the test fail. RowVal is used.
 template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
 {
     R *d = w->RowVal.data;
     compute_dual_for(s, w, s->Cost.data, d);
     BoundSum bound;
-    double open = 0; // reduced costs without a bound, for each unit of the user
+    // sum of |reduced costs| without a bound, per user unit of the variable
+    double open = 0;
     for (int i = 0; i < s->NumRows; i++)
         bound.add(-static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i]);
     for (int j = 0; j < s->NumVars; j++) {
@@ -128,7 +135,7 @@ template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
     return static_cast<double>(sure) / s->ObjScale > s->Cutoff;
 }
 
-// Fresh factors and values.
+// Fresh factors, values and reduced costs.
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -161,7 +168,7 @@ template<class R> void begin_phase2(sopt *s)
     s->RefacReason = REFAC_CLEAN;
 }
 
-// The box problem is solved: dual feasible, or nothing the dual can do.
+// The box problem is solved. Its basis is dual feasible for the LP, or the LP is not dual feasible.
 template<class R> void end_box_phase(sopt *s, swork<R> *w)
 {
     const R tol = R(s->OptTol);
@@ -178,11 +185,11 @@ template<class R> void end_box_phase(sopt *s, swork<R> *w)
         dual_remove_perturbation(s);
         s->RefacReason = REFAC_CLEAN;
     } else {
-        s->Status = SIMPLEX_SWITCH; // unbounded or infeasible: the primal tells which
+        s->Status = SIMPLEX_SWITCH; // unbounded or infeasible: the primal simplex decides
     }
 }
 
-// No infeasible row is left in phase 2.
+// Phase 2 has no infeasible row: optimal for the costs in force.
 template<class R> void end_phase2(sopt *s, swork<R> *w)
 {
     if (s->Perturbed) {
@@ -195,7 +202,7 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
     }
 }
 
-// The list holds no row: what is left may have been set aside, or old factors may be to blame.
+// No row is eligible. Infeasible rows may have been set aside, and updated factors may be inaccurate.
 template<class R> void no_row(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -210,7 +217,7 @@ template<class R> void no_row(sopt *s, swork<R> *w)
     }
 }
 
-// The row is not chosen again before the next factorisation.
+// The row is not chosen again before the next refresh.
 template<class R> void set_row_aside(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -219,8 +226,8 @@ template<class R> void set_row_aside(sopt *s, swork<R> *w)
     if (++d->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
 }
 
-// Nothing stops the slope: the row cannot become feasible, unless entries count that were taken for rounding. True when
-// one of these stops it.
+// The ratio test found no entering variable. Either the LP is infeasible, or entries blocked that were ignored as
+// rounding errors. True if the ratio test succeeds with such smaller entries.
 template<class R> bool no_column(sopt *s, swork<R> *w)
 {
     const bool fresh = w->Lu.NumUpdates == 0;
@@ -233,13 +240,15 @@ template<class R> bool no_column(sopt *s, swork<R> *w)
         for (int k = 0; k < w->RowCount; k++)
             largest = std::max(largest, std::abs(w->RowVal.data[k]));
         if (dual_ratio(s, w, noise_share(w) * largest)) return true;
-        // In the box problem every variable has a range, elsewhere the proof would stand.
+        // No pivot. In the box problem this is a rounding error, as every variable is boxed; in phase 2 infeasibility
+        // could not be proved.
         set_row_aside(s, w);
     }
     return false;
 }
 
-// Row choice with its BTRAN; a weight that proves far too small sends the choice back.
+// Chooses the leaving row and computes Rho. A steepest edge weight that proves too small is corrected and the choice
+// repeated.
 template<class R> bool choose_row(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -263,7 +272,7 @@ template<class R> bool choose_row(sopt *s, swork<R> *w)
     }
 }
 
-// The pivot is not to be trusted: newer factors, or, when they are fresh, another row.
+// The pivot is unreliable: refactorisation, or another row if the factors are fresh.
 template<class R> void reject_pivot(sopt *s, swork<R> *w)
 {
     s->NumericCount++;
@@ -273,7 +282,7 @@ template<class R> void reject_pivot(sopt *s, swork<R> *w)
         set_row_aside(s, w);
 }
 
-// The column of the entering variable, what the flips move, and what steepest edge needs.
+// The FTRANs of a step: entering column, bound flips, and B^-1 rho for steepest edge.
 template<class R> void step_ftrans(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -293,7 +302,7 @@ template<class R> void step_ftrans(sopt *s, swork<R> *w)
     if (d->PricingCur == PRICE_STEEPEST) d->NormWork += (w->Lu.WorkUnits - before) / count;
 }
 
-// Pivot column, its agreement with the row, and the step lengths.
+// Computes the entering column and the step lengths. False if the pivots from row and column differ too much.
 template<class R> bool compute_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -318,7 +327,7 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
     return true;
 }
 
-// Everything that belongs to the new basis.
+// Updates values, reduced costs, weights, basis and factors.
 template<class R> void apply_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -343,7 +352,7 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
 }
 
-// One pivot, or a decision that asks for fresh factors or ends the run.
+// One pivot, or a decision that asks for a refresh or ends the run.
 template<class R> void iterate(sopt *s, swork<R> *w)
 {
     if (!choose_row(s, w)) {
@@ -364,7 +373,8 @@ bool has_free_nonbasics(const sopt *s)
     return false;
 }
 
-// Where reduced costs are zero either side of the box is right, but only one is where the last run had come to.
+// Box problem of a stopped run: nonbasics with a reduced cost of zero return to the bound at which the run had left
+// them.
 void place_as_stopped(sopt *s)
 {
     for (int j = 0; j < s->StoppedUpper.size; j++)
@@ -384,7 +394,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     const bool goes_on = sopt_take_up_stop(s);
     if (!has_factor(s, w) || w->Lu.NumUpdates > 0) TRY(Refactor(s, w));
     if (s->Status != SIMPLEX_RUNNING) return 0;
-    // A run that goes on may be in the box problem, which takes free variables out again.
+    // A continued run may be in the box problem, whose pivots may take free variables out of the basis again.
     if (!goes_on && has_free_nonbasics(s)) {
         compute_dual(s, w);
         TRY(dual_enter_free(s, w));
@@ -395,7 +405,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     dual_weights_start(s, w);
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_dual(s, w);
-    // Perturbed costs would hide that the bound has passed a cutoff: they wait for a stall.
+    // With a cutoff costs are perturbed only after a stall, since the dual bound is then reached later.
     if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !has_cutoff(s))
         dual_perturb_start(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
@@ -460,7 +470,7 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
 {
     if (!w->Dual) TRY(dopt_create(s, &w->Dual));
     TRY(setup(s, w));
-    if (s->Status != SIMPLEX_RUNNING) return 0; // without weights
+    if (s->Status != SIMPLEX_RUNNING) return 0; // there are no complete weights to keep
     TRY(dual_pivots(s, w));
     dual_weights_keep(s, w);
     return 0;

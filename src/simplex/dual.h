@@ -1,58 +1,57 @@
-// dual.h -- dopt, what only the dual simplex needs, and the steps of its iteration
+// dual.h -- dopt, the record of the dual simplex method, and the steps of its iteration
 #pragma once
 #include "simplex/price_list.h"
 #include "simplex/sopt.h"
 
 template<class R> struct dopt {
-    // Row weights and the list of rows worth looking at
+    // Pricing of the rows
     Array<R> Weights;  // [m] by position
-    Array<R> WeightOf; // [NumVars] carries weights over a change of positions
-    int WeightAge =
-        -1; // BasisAge and Pivots of the basis to which WeightOf belongs; -1 none
+    Array<R> WeightOf; // [NumVars] weights by variable, kept while positions change
+    // BasisAge and Pivots of the basis to which WeightOf belongs; -1 none.
+    int WeightAge = -1;
     double WeightPivots = -1;
-    int PricingCur = PRICE_STEEPEST;  // or PRICE_DEVEX
-    int PricingFinal = 0;             // no more changes by itself
-    Array<char> Reference;            // [NumVars] Devex: variable belongs to the framework
-    double FrameworkWork = 0;         // entries updated since it was set
-    double NormWork = 0, RowWork = 0; // effort for weights alone, for pivot rows
-    PriceList<R> Rows;                // [m] rows by infeasibility^2 / weight
+    int PricingCur = PRICE_STEEPEST; // or PRICE_DEVEX
+    int PricingFinal = 0;            // the pricing is no longer changed automatically
+    Array<char> Reference;    // [NumVars] Devex: variable is in the reference framework
+    double FrameworkWork = 0; // entries updated since the framework was set
+    double NormWork = 0, RowWork = 0; // work for weights alone, work for pivot rows
+    PriceList<R> Rows;                // [m] merits of the rows: infeasibility^2 / weight
 
     // Ratio test, over candidates k < CandCount
-    Array<int> CandPlace; // [NumVars] place in the packed row
-    Array<R> CandAlpha; // [NumVars] pivot row entry with the sign that makes it block: > 0
-    Array<R>
-        CandDual; // [NumVars] reduced cost with the sign that makes it feasible: >= -OptTol
-    Array<R> CandRange; // [NumVars] what passing the breakpoint takes from the slope
+    Array<int> CandPlace; // [NumVars] position in the packed row
+    Array<R> CandAlpha;   // [NumVars] pivot row entry, signs turned so that it is > 0
+    Array<R> CandDual;    // [NumVars] reduced cost, signs turned so that it is >= -OptTol
+    Array<R> CandRange;   // [NumVars] decrease of the slope at the breakpoint
     int CandCount = 0;
-    Array<int> GroupEnd; // [NumVars + 1] candidates of group g end here
-    Array<int> Flips;    // [NumVars] variables that change bound in this step
+    Array<int> GroupEnd; // [NumVars + 1] end of the candidates of group g
+    Array<int> Flips;    // [NumVars] variables that flip to their other bound in this step
     int FlipCount = 0;
 
     // The iteration
     int PivotRow = -1; // leaving position
     int PivotCol = -1; // entering variable
     R Delta = 0; // infeasibility of the leaving variable: below lower < 0, above upper > 0
-    R AlphaRow = 0; // pivot from the row
-    R AlphaCol = 0; // pivot from the column
-    R ThetaDual = 0, ThetaPrimal = 0;
-    int FreeCount = 0; // nonbasics at AT_FREE
-    double CycleIter = 0,
-           CycleLen = 0; // cycle watch: pivot of its start, length of the round
-    int CycleVar = -1, CycleHits = 0; // entering variable that is watched, rounds seen
-    int Rejected = 0; // rows set aside since the last factorisation because of their pivots
-    Array<char> RowRejected; // [m]
+    R AlphaRow = 0;                   // pivot from the row
+    R AlphaCol = 0;                   // pivot from the column
+    R ThetaDual = 0, ThetaPrimal = 0; // dual and primal step length
+    int FreeCount = 0;                // nonbasics at AT_FREE
+    // Cycle detection: NPvt at its start, iterations between two entries of CycleVar.
+    double CycleIter = 0, CycleLen = 0;
+    int CycleVar = -1,
+        CycleHits = 0; // watched entering variable, its entries at multiples of CycleLen
+    int Rejected = 0;  // rows set aside since the last refresh because of their pivots
+    Array<char> RowRejected; // [m] row is set aside
 };
 
 template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
-// Pivots until Status is no longer SIMPLEX_RUNNING: a dual feasible basis with weights and merits. 0 or a code.
+// Iterates until Status is no longer SIMPLEX_RUNNING, from a dual feasible basis with weights and merits. 0 or a code.
 template<class R> [[nodiscard]] int dual_pivots(sopt *s, swork<R> *w);
 
 // dual_start.cpp
 void dual_set_true_bounds(sopt *s);
 void dual_set_box_bounds(sopt *s);
-template<class R>
-int dual_place_nonbasics(
-    sopt *s, swork<R> *w); // bounds by sign of Cbar; count of dual infeasibilities
+// Boxed nonbasics move to the bound that the sign of Cbar asks for. The number of dual infeasibilities that remain.
+template<class R> int dual_place_nonbasics(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_start(sopt *s, swork<R> *w); // needs Cbar
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
@@ -63,32 +62,31 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar
 
 // dual_row.cpp
-template<class R> void dual_list_reset(sopt *s, swork<R> *w); // all merits anew
+template<class R> void dual_list_reset(sopt *s, swork<R> *w); // recomputes all merits
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i);
-template<class R>
-void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *changed); // of the listed rows
+// Merits of the rows listed in `changed`.
+template<class R> void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *changed);
 
 // dual_weights.cpp
-template<class R>
-void dual_weights_start(sopt *s, swork<R> *w); // needs factors; a limit may stop it
-template<class R> void dual_weights_save(sopt *s, swork<R> *w); // positions will change
+// Start weights; needs factors, and a limit may stop it.
+template<class R> void dual_weights_start(sopt *s, swork<R> *w);
+// Weights by variable before a refactorisation changes positions, and back after it.
+template<class R> void dual_weights_save(sopt *s, swork<R> *w);
 template<class R> void dual_weights_restore(sopt *s, swork<R> *w);
 template<class R> void dual_weights_keep(sopt *s, swork<R> *w); // for the next run
-template<class R>
-bool dual_weights_kept(const sopt *s, const dopt<R> *d); // WeightOf belongs to the basis
-template<class R>
-R dual_true_weight(const swork<R> *w); // steepest edge: of row PivotRow, from Rho
-template<class R>
-void dual_update_weights(sopt *s, swork<R> *w); // before the basis changes
+// WeightOf belongs to the current basis.
+template<class R> bool dual_weights_kept(const sopt *s, const dopt<R> *d);
+// Steepest edge weight of row PivotRow, computed from Rho.
+template<class R> R dual_true_weight(const swork<R> *w);
+// Called before the basis changes.
+template<class R> void dual_update_weights(sopt *s, swork<R> *w);
 template<class R> void dual_change_pricing(sopt *s, swork<R> *w); // between factorisations
 
 // dual_ratio.cpp
-template<class R>
-bool dual_ratio(
-    sopt *s, swork<R> *w,
-    R floor); // PivotCol, Flips by entries above floor; false when nothing blocks
+// PivotCol, AlphaRow and Flips, from row entries above floor; false if no breakpoint makes the slope negative.
+template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor);
 
 // dual_update.cpp
 template<class R> void dual_load_flips(sopt *s, swork<R> *w); // into Work, before its FTRAN
-template<class R> void dual_apply_flips(sopt *s, swork<R> *w);   // Work after it
+template<class R> void dual_apply_flips(sopt *s, swork<R> *w);   // Bbar, from Work after it
 template<class R> void dual_update_values(sopt *s, swork<R> *w); // Bbar, merits, Cbar

@@ -1,16 +1,16 @@
 // dual_free.cpp -- free columns enter the basis before the dual starts
 //
-// Problem     A nonbasic free variable is dual infeasible unless its reduced cost is zero, and no bound can help it.
-// Method      Such a column takes the position of its largest entry among the basic variables that have a bound to go
-//             to. Once basic it never has to leave. What finds no position is left to phase 1.
-// Cost        One FTRAN, one BTRAN and an update a column.
+// Problem     A nonbasic free variable is dual infeasible unless its reduced cost is zero, and has no bound to flip to.
+// Method      Such a column replaces the basic variable with a finite lower bound in whose row it has its largest
+//             entry. Once basic it never has to leave. Columns without a usable pivot are left to phase 1.
+// Cost        One FTRAN, one BTRAN and an update per column.
 #include "simplex/dual.h"
 
 namespace
 {
 constexpr double RELATIVE_PIVOT = 1e-5; // least pivot over the largest entry of the column
 
-// The position to take, or -1.
+// The basis position to enter at, or -1.
 template<class R> int choose_position(const sopt *s, const swork<R> *w)
 {
     R largest = 0, best = 0;

@@ -1,17 +1,19 @@
 // dual_ratio.cpp -- choose the entering variable of a dual simplex step
 //
-// Problem     The leaving variable is infeasible by |Delta|. Moving along its row, reduced costs d_k = CandDual fall with
-//             slope a_k = CandAlpha > 0; at t = d_k / a_k variable k would become dual infeasible, unless it is flipped to
-//             its other bound, which takes Range_k * a_k = CandRange from the slope |Delta| of the dual objective. Find a
-//             step that keeps the slope positive and a pivot a_q that is not small.
+// Problem     The leaving variable is infeasible by |Delta|. With the dual step t the reduced costs d_k = CandDual
+//             become d_k - t a_k, a_k = CandAlpha > 0; at the breakpoint t = d_k / a_k variable k becomes dual
+//             infeasible, unless it is flipped to its other bound, which reduces the slope |Delta| of the dual
+//             objective by Range_k * a_k = CandRange. Find a step up to which the slope stays positive, and a pivot a_q
+//             that is not small.
 // Method      Bound flipping with relaxed (Harris) groups. First the breakpoints up to the sign change of the slope are
-//             brought to the front with steps that grow tenfold. Those are split into groups: group g ends at
-//             min (d_k + tol) / a_k over what is left after group g - 1. From the last group back the first one whose
-//             largest a_k is good enough gives q; all groups before it are flipped. Where there are many groups, they
-//             are looked for in windows of the next breakpoints (quicksort that stops when it has come far enough).
-// Out         PivotCol, AlphaRow, Flips; false when no breakpoint stops the slope.
-// Invariant   Reduced costs of what is not flipped stay above -tol after the step: the tolerance is spent once, not anew
-//             in every step, or rounding would add up to costs that send the method in circles.
+//             moved to the front, with steps that grow tenfold. They are split into groups: group g ends at
+//             min (d_k + tol) / a_k over the candidates after group g - 1. From the last group backwards, the first one
+//             whose largest a_k is large enough gives q; the candidates of all groups before it are flipped. If there
+//             are many groups, each is searched in a window of the next breakpoints (incremental quicksort).
+// Out         PivotCol, AlphaRow, Flips; false if no breakpoint makes the slope negative.
+// Invariant   Reduced costs of variables that are not flipped stay above -tol after the step. The tolerance is used
+//             once and not again in every step, since the infeasibilities would add up and their shifts could lead to
+//             cycling.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, EJOR 149, 2003; A. Koberstein, Paderborn 2005.
 //             R. Paredes and G. Navarro, "Optimal incremental sorting", ALENEX 2006 (the windows).
 #include "simplex/dual.h"
@@ -20,11 +22,12 @@
 
 namespace
 {
-constexpr double WIDEN = 10; // growth of the step that collects breakpoints
-constexpr double GOOD_SHARE =
-    0.1; // a pivot this large against the largest of all groups is taken
-constexpr double NONDEGENERATE_SHARE = 1e-3; // of OptTol: a reduced cost that passes zero
-constexpr double GOOD_PIVOT = 1.0;           // so is one of this size
+constexpr double WIDEN = 10; // growth of the step up to which breakpoints are collected
+// A pivot is large enough with this share of the largest entry of all groups, or with size GOOD_PIVOT.
+constexpr double GOOD_SHARE = 0.1;
+constexpr double GOOD_PIVOT = 1.0;
+// With NonDegenFlip a reduced cost changes its sign if it becomes more negative than this share of OptTol.
+constexpr double NONDEGENERATE_SHARE = 1e-3;
 
 template<class R> void swap_candidates(dopt<R> *d, int a, int b)
 {
@@ -34,7 +37,7 @@ template<class R> void swap_candidates(dopt<R> *d, int a, int b)
     std::swap(d->CandRange.data[a], d->CandRange.data[b]);
 }
 
-// Candidates from the packed row. Signs are as good as random, so nothing here branches on them.
+// Candidates from the packed row. No branches on signs, since they are unpredictable.
 template<class R> void collect(sopt *s, swork<R> *w, R small)
 {
     dopt<R> *d = w->Dual;
@@ -75,7 +78,7 @@ template<class R> void collect_free(sopt *s, swork<R> *w, R small)
     d->CandCount = count;
 }
 
-// What passing the breakpoint of candidate k takes from the slope.
+// Decrease of the slope at the breakpoint of candidate k.
 template<class R> R range_of(const sopt *s, const swork<R> *w, int k)
 {
     const dopt<R> *d = w->Dual;
@@ -84,7 +87,7 @@ template<class R> R range_of(const sopt *s, const swork<R> *w, int k)
     return range < s->Infinity ? R(range) * d->CandAlpha.data[k] : R(HUGE_VAL);
 }
 
-// Largest step that keeps every candidate from first on above -tol.
+// Longest step that keeps the reduced costs of candidates first..end-1 above -tol.
 template<class R> R step_bound(const dopt<R> *d, int first, int end, R tol, R bound)
 {
     const R *__restrict alpha = d->CandAlpha.data, *__restrict dual = d->CandDual.data;
@@ -94,7 +97,7 @@ template<class R> R step_bound(const dopt<R> *d, int first, int end, R tol, R bo
     return bound;
 }
 
-// Brings the breakpoints at which the slope changes sign, and all before them, to the front; returns their number.
+// Moves the breakpoint at which the slope changes sign, and all before it, to the front. Returns their number.
 template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
 {
     dopt<R> *d = w->Dual;
@@ -114,8 +117,8 @@ template<class R> int collect_front(sopt *s, swork<R> *w, R slope)
 
 // ---- Groups ----
 
-// The next candidates of a large front, so that a group is not looked for among all that are left. Ends lie inside each
-// other: what stands before End[k] has its breakpoint at Bound[k] at most, what stands behind it has not.
+// The next candidates of a large front, so that a group is not searched among all remaining ones. Windows are nested:
+// candidates before End[k] have their breakpoint at most at Bound[k], those behind it beyond.
 template<class R> struct Window {
     static constexpr int LEVELS = 40;
     int End[LEVELS];
@@ -124,7 +127,7 @@ template<class R> struct Window {
 };
 constexpr int SMALL_WINDOW = 256; // fronts up to this are taken as they are
 constexpr int WHOLE_GROUPS = 8;   // so are the first groups: most fronts have no more
-constexpr int SAMPLES = 9;
+constexpr int SAMPLES = 9;        // of which medium_step takes the median
 
 // A breakpoint of medium size among the candidates first..end-1.
 template<class R> R medium_step(const dopt<R> *d, int first, int end)
@@ -139,7 +142,7 @@ template<class R> R medium_step(const dopt<R> *d, int first, int end)
     return step[SAMPLES / 2];
 }
 
-// Those before `end` with a breakpoint at `bound` at most come first; where they end.
+// Moves the candidates before `end` with a breakpoint up to `bound` to the front; returns their end.
 template<class R> int part(dopt<R> *d, int first, int end, R bound)
 {
     for (int k = first; k < end; k++)
@@ -148,7 +151,7 @@ template<class R> int part(dopt<R> *d, int first, int end, R bound)
     return first;
 }
 
-// Halves the window that begins at `done` until it is small.
+// Splits the window that begins at `done` until it is small.
 template<class R> void narrow(dopt<R> *d, int done, Window<R> *w)
 {
     while (w->Depth > 1 && w->End[w->Depth - 1] <= done) w->Depth--;
@@ -163,7 +166,7 @@ template<class R> void narrow(dopt<R> *d, int done, Window<R> *w)
     }
 }
 
-// The bound of the next group. Candidates behind the window do not lower it unless it passes the window's own.
+// End of the next group. Candidates behind the window matter only if it exceeds the bound of the window.
 template<class R> R group_bound(const dopt<R> *d, int done, R tol, R infinity, Window<R> *w)
 {
     for (;; w->Depth--) {
@@ -172,8 +175,8 @@ template<class R> R group_bound(const dopt<R> *d, int done, R tol, R infinity, W
     }
 }
 
-// Splits the front into groups; the last one holds the sign change or everything. Without bound flips there is one.
-// Cost: O(front) for few groups, O(front log front) for many.
+// Splits the front into groups; the last one contains the sign change of the slope. Without bound flipping there is
+// one. Cost: O(front) for few groups, O(front log front) for many.
 template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
 {
     const R tol = R(s->OptTol), infinity = R(HUGE_VAL);
@@ -190,13 +193,13 @@ template<class R> int split_groups(sopt *s, dopt<R> *d, R slope, int front)
             slope -= d->CandRange.data[k];
             swap_candidates(d, done++, k);
         }
-        if (done == before) done = front; // rounding: nothing passes its own bound
+        if (done == before) done = front; // by rounding no candidate is within the bound
         d->GroupEnd.data[groups++] = done;
     }
     return groups;
 }
 
-// The pivot: from the last group back, the first with a good enough entry.
+// The pivot: from the last group backwards, the first group with a large enough entry.
 template<class R> int pick(const dopt<R> *d, int groups, int *flip_end)
 {
     R largest = 0;
@@ -211,9 +214,9 @@ template<class R> int pick(const dopt<R> *d, int groups, int *flip_end)
         *flip_end = beg;
         if (d->CandAlpha.data[best] >= wanted) return best;
     }
-    return -1; // not reached: the group of the largest entry qualifies
+    return -1; // not reached: the group with the largest entry qualifies
 }
-// What the step passes; on demand only where a reduced cost really changes its sign.
+// The variables to flip. With NonDegenFlip only those whose reduced cost changes its sign.
 template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int best)
 {
     dopt<R> *d = w->Dual;
@@ -242,7 +245,7 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor)
     R left = slope;
     for (int k = 0; k < front; k++) left -= d->CandRange.data[k];
     if (left > R(s->FeasTol))
-        return false; // even with every variable flipped the row stays infeasible
+        return false; // the row stays infeasible even if every variable is flipped
     const int groups = split_groups(s, d, slope, front);
     int flip_end = 0;
     const int best = pick(d, groups, &flip_end);

@@ -1,8 +1,8 @@
-// dual_row.cpp -- merits of the rows from which a dual simplex step chooses
+// dual_row.cpp -- merits of the rows, from which the dual simplex chooses the leaving variable
 //
 // merit_i = (infeasibility of the basic variable at i)^2 / weight_i, 0 when it is feasible or its row is set aside.
-// With NormAdjust 2 or 3 it is multiplied by the column's length plus the mean length: long columns leave early and the
-// bases stay sparse, for more iterations on most models.
+// With NormAdjust 2 or 3 it is multiplied by the column's length plus the mean length: long columns leave early, which
+// keeps bases sparse but takes more iterations on most models.
 // Literature  J. J. Forrest and D. Goldfarb, "Steepest-edge simplex algorithms", Math. Prog. 57, 1992.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -27,7 +27,7 @@ template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
     price_list_set(&d->Rows, i, merit);
 }
 
-// All of them, without a branch in the long loop.
+// All merits; without branches, so that the compiler can vectorise the loop.
 template<class R> static void set_all_merits(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;

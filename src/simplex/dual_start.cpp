@@ -1,11 +1,11 @@
-// dual_start.cpp -- bounds, statuses and costs with which the dual simplex works
+// dual_start.cpp -- bounds, nonbasic statuses and costs of the dual simplex: phase 1 and perturbation
 //
-// Method      A basis is made dual feasible by putting boxed variables at the bound their reduced cost asks for. When
-//             others remain infeasible, phase 1 solves the box problem: variables without upper bound in [0, 1], free
-//             ones in [-1000, 1000], all others at 0, right-hand side 0. Its optimum is 0 exactly when the LP is dual
-//             feasible, and then its basis is.
-//             Costs are perturbed to the dual feasible side against degeneracy; shifts keep reduced costs from becoming
-//             infeasible by rounding. Both are taken back at the end.
+// Method      A basis is made dual feasible by moving boxed variables to the bound that their reduced cost asks for. If
+//             other variables remain dual infeasible, phase 1 solves the box problem: variables without upper bound in
+//             [0, 1], free ones in [-1000, 1000], all others fixed at 0, right-hand side 0. Its optimum is 0 if and
+//             only if the LP is dual feasible; its optimal basis is then dual feasible for the LP.
+//             Costs are perturbed to the dual feasible side against degeneracy; cost shifts keep reduced costs from
+//             becoming infeasible by rounding. Both are removed at the end.
 // Literature  A. Koberstein, The dual simplex method, techniques for a fast and stable implementation, Paderborn 2005.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -13,12 +13,15 @@
 
 namespace
 {
-constexpr double FREE_BOX =
-    1000; // box of a free variable in phase 1: far more attractive to repair than others
-constexpr double START_SHARE = 0.5;  // size of the start perturbation over PerturbValue
-constexpr double SLACK_WEIGHT = 0.3; // of a slack in it, against a column of mean length
-constexpr double WEIGHT_LEAST = 0.01, WEIGHT_MOST = 10; // of columns by length
-constexpr double STALL_SHARE = 0.9; // share of degenerate steps that is a stall
+// box of a free variable in phase 1: far more attractive to repair than others
+constexpr double FREE_BOX = 1000;
+constexpr double START_SHARE = 0.5; // size of the start perturbation over PerturbValue
+// perturbation of a slack against that of a column of mean length
+constexpr double SLACK_WEIGHT = 0.3;
+// Range of the factor length / mean length on the perturbation of a column.
+constexpr double WEIGHT_LEAST = 0.01, WEIGHT_MOST = 10;
+constexpr double STALL_SHARE = 0.9; // share of degenerate iterations that counts as a stall
+// Growth of PerturbCur with each perturbation, and its upper limit.
 constexpr double PERTURB_GROWTH = 3, PERTURB_MOST = 0.01;
 
 double random_share(Random *rng) // in (0, 1]
@@ -78,10 +81,10 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
     s->Perturbed = std::max(s->Perturbed, 1);
 }
 
-// Before the first pivot every reduced cost of a nonbasic moves a little away from zero, to the side on which it is,
-// relative to the size of the cost. Long columns move more: they become less attractive, and the bases sparser. Costs of
-// basics stay: they would go into the reduced costs of all others with any sign, and boxed variables of cost zero would
-// begin at the wrong bound, thousands of them.
+// Before the first pivot the reduced costs of nonbasics are moved away from zero, without change of sign, relative to
+// the size of the cost. Long columns are moved further: they become less attractive, which keeps bases sparse. Costs of
+// basic variables stay: they would change the reduced costs of the nonbasics by amounts of either sign, so that boxed
+// variables of cost zero would start at the wrong bound (thousands of them on some models).
 template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
 {
     const double size = START_SHARE * s->Env->PerturbValue;
@@ -92,7 +95,7 @@ template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
         const double lower = s->Lower.data[j], upper = s->Upper.data[j];
         const double share = 0.5 + 0.5 * random_share(&s->Rng);
         if (is_basic(s, j) || lower == upper || !has_lower(s, lower))
-            continue; // fixed: no matter; free: has to stay at zero
+            continue; // fixed: never enters; free: its reduced cost has to be zero
         double step = share * size * SLACK_WEIGHT;
         if (j < s->NumCols) {
             const double length = s->ColBeg.data[j + 1] - s->ColBeg.data[j];
@@ -106,7 +109,7 @@ template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
     s->Perturbed = 3;
 }
 
-// Nearly every step since the last test was degenerate.
+// Perturbs the costs if nearly all iterations since the last test were degenerate.
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
 {
     const double steps = s->NPvt - s->LastPerturbIter;
@@ -120,7 +123,7 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
     if (stalled) dual_perturb_costs(s, w);
 }
 
-// All reduced costs move away from zero, each time further.
+// Moves all reduced costs of nonbasics away from zero, further with each call.
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w)
 {
     for (int j = 0; j < s->NumVars; j++) {

@@ -1,4 +1,4 @@
-// dual_update.cpp -- carry values and reduced costs over one dual step
+// dual_update.cpp -- update of basic values and reduced costs in a dual simplex iteration
 //
 // With p = alpha_r the pivot, theta_d = d_q / p and theta_p = Delta / p:
 //   flips             Bbar -= B^-1 sum a_j (change of x_j)
@@ -71,7 +71,7 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
     }
     subtract(w, R(1), &w->Work);
     if (svec_is_short(&w->Alpha))
-        dual_set_merits(s, w, &w->Work); // else all merits follow anyway
+        dual_set_merits(s, w, &w->Work); // otherwise dual_update_values sets all merits
     svec_clear(&w->Work);
 }
 

@@ -1,33 +1,37 @@
-// dual_weights.cpp -- row weights of the dual: start values, updates, change of kind
+// dual_weights.cpp -- row weights of the dual simplex: start values, updates, choice between steepest edge and Devex
 //
-// Problem     The best leaving row is the one whose infeasibility is largest against the length of its row of the inverse.
-// Method      Steepest edge: weight_i = ||B^-T e_i||^2, updated exactly with one more FTRAN. Devex: lengths measured over
-//             the reference framework, the variables that were basic when it was set; updates need nothing that the
-//             step does not have, but only bound the lengths from below.
+// Problem     The leaving row should have the largest infeasibility relative to the length of its row of the inverse.
+// Method      Steepest edge: weight_i = ||B^-T e_i||^2, updated exactly with one more FTRAN. Devex: lengths measured
+//             over the reference framework, the variables that were basic when it was set; updates need no further
+//             solve, but give only lower bounds of the lengths.
 //             With p = alpha_r the pivot and tau = B^-1 rho:
 //   steepest      w_i += (alpha_i / p)^2 w_r - 2 (alpha_i / p) tau_i,  w_r /= p^2
 //   Devex         w_i = max(w_i, (alpha_i / p)^2 w_r),  w_r = max(w_r / p^2, 1)
-// In, out     Weights by position; WeightOf by variable carries them over factorisations and from run to run.
+// In, out     Weights by position; WeightOf by variable keeps them during refactorisations and from run to run.
 // Literature  J. J. Forrest and D. Goldfarb, Math. Prog. 57, 1992; P. M. J. Harris, Math. Prog. 5, 1973.
 #include "simplex/dual.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double WEIGHT_MIN = 1e-8;     // floor of a weight that rounding has spoilt
-constexpr double FRAMEWORK_LIFE = 30;   // entries per row updated before a new framework
-constexpr double FRAMEWORK_STEP = 0.02; // rows counted for every pivot
-constexpr double EXACT_WIDE = 100,
-                 EXACT_SQUARE = 0.1;    // shapes that repay exact start weights
-constexpr int LIMIT_PERIOD = 100;       // solves between looks at the limits
-constexpr int LARGE_ROWS = 15000;       // models from here on may change their pricing
-constexpr double NARROW = 3;            // if they have at most this many columns per row
-constexpr double NORM_SHARE = 3;        // effort for weights over effort for rows: too much
-constexpr double NORM_DOMINATES = 0.45; // and over all effort
-constexpr double DEVEX_LIMIT = 3;       // pivots per row after which Devex is given up
-constexpr int DEVEX_SWITCHES = 3;       // so are runs in trouble
+// floor: updates may give too small weights by rounding
+constexpr double WEIGHT_MIN = 1e-8;
+constexpr double FRAMEWORK_LIFE = 30; // entries per row updated before a new framework
+// share of the rows added to FrameworkWork by every pivot
+constexpr double FRAMEWORK_STEP = 0.02;
+// Exact start weights pay if there are more columns than EXACT_WIDE * m and EXACT_SQUARE * m^2.
+constexpr double EXACT_WIDE = 100, EXACT_SQUARE = 0.1;
+constexpr int LIMIT_PERIOD = 100; // solves between tests of the limits
+// models with at least this many rows may change their pricing
+constexpr int LARGE_ROWS = 15000;
+constexpr double NARROW = 3; // if they have at most this many columns per row
+// from steepest edge to Devex: work for weights over work for pivot rows
+constexpr double NORM_SHARE = 3;
+constexpr double NORM_DOMINATES = 0.45; // and over all work
+constexpr double DEVEX_LIMIT = 3;       // from Devex to steepest edge: iterations per row,
+constexpr int DEVEX_SWITCHES = 3;       // or switches of method, with numeric trouble
 
-// The variables that are basic now become the framework, in which every row has length 1.
+// The current basic variables become the reference framework, in which every row has length 1.
 template<class R> void set_framework(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
@@ -46,7 +50,7 @@ template<class R> R squared_length(const SVec<R> *x)
     return sum;
 }
 
-// One BTRAN a row.
+// One BTRAN per row.
 template<class R> void exact_weights(sopt *s, swork<R> *w)
 {
     for (int k = 0; k < s->NumRows; k++) {
@@ -64,7 +68,7 @@ bool wants_exact_weights(const sopt *s)
     return wish == 1 || (wish == -1 && n > EXACT_WIDE * m && n > EXACT_SQUARE * m * m);
 }
 
-// Weights that came with the start basis count when every basic variable has one.
+// Weights given with the start basis are used if every basic variable has one.
 template<class R> bool take_given_weights(const sopt *s, dopt<R> *d)
 {
     if (s->StartNorms.size == 0) return false;
@@ -90,7 +94,7 @@ template<class R> void update_steepest(swork<R> *w)
     };
     if (svec_is_short(&w->Alpha))
         for (int k = 0; k < w->Alpha.Count; k++) update(w->Alpha.Index.data[k]);
-    else // where alpha is zero nothing changes
+    else // the update does nothing where alpha is zero
         for (int i = 0; i < w->Alpha.Dim; i++) update(i);
     weights[r] = std::max(norm / (pivot * pivot), R(WEIGHT_MIN));
 }

@@ -1,16 +1,16 @@
-// farkas.cpp -- is a claimed infeasibility proved?
+// farkas.cpp -- proof of infeasibility by row multipliers
 //
-// Problem     A method stops because a row cannot become feasible, by more than the tolerance. Rounding and dropped
-//             entries may have led it there: the claim needs a proof that stands alone.
-// Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible when the range of
-//             g x over the bounds stays away from y b, all rows and bounds held wider by SLACK. An entry of g
-//             on a side without a bound ends the proof, unless the gap is wider than that entry times RANGE (for
-//             slacks see `reach`).
-//             So y must be known well: in exact arithmetic g is -1, 0 or 1 in the columns of the basis; what the solve
-//             has left beside these is solved for again, and the corrections are kept beside y as its lower digits.
-//             Sums run in twofold doubles. Then multipliers of 1e5 do not hide an infeasibility of 1e-5, and an entry
-//             of 1e-16 is told from rounding.
-// Cost        O(nonzeros) and REFINEMENTS solves at most.
+// Problem     A simplex method stops because a row cannot become feasible. Rounding errors and dropped entries may be
+//             the reason, so the claim needs a proof that is independent of the run.
+// Method      Any multipliers y give a valid equation g x = y b with g = y (A I). The LP is infeasible if the range of
+//             g x over the bounds does not contain y b, with all rows and bounds widened by SLACK. An entry of g on a
+//             side without a bound makes the range infinite; it is allowed if the gap is larger than the entry times
+//             RANGE (for slacks see `reach`).
+//             So y has to be accurate: in exact arithmetic g is -1, 0 or 1 in the columns of the basis. The difference
+//             is solved for again (iterative refinement), and the corrections are kept as a second, lower part of y.
+//             Sums are computed in twofold doubles. Then an infeasibility of 1e-5 is found with multipliers of 1e5, and
+//             an entry of g of 1e-16 can be distinguished from a rounding error.
+// Cost        O(nonzeros) and at most REFINEMENTS solves.
 // Literature  J. Farkas, "Theorie der einfachen Ungleichungen", J. reine angew. Math. 124, 1902.
 //             N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 12 (refinement).
 #include "body/double_double.h"
@@ -19,16 +19,17 @@
 
 namespace
 {
-constexpr int REFINEMENTS = 8; // each adds digits, fewer where the basis is ill-conditioned
-// What the basis columns may have left, against the multipliers.
+constexpr int REFINEMENTS = 8; // each adds digits, fewer if the basis is ill-conditioned
+// Refinement ends when the largest residual is below this share of the largest multiplier: twofold doubles hold about
+// 106 bits.
 constexpr double ENOUGH = 0x1p-98;
-// In the user's units: a model with a point that violates no row and no bound by more is not refused.
+// In user units: a model with a point that violates every row and bound by at most SLACK is not proved infeasible.
 constexpr double SLACK = 1e-9;
-// Likewise: points up to this far out are excluded.
+// In user units: the proof excludes points with values up to RANGE.
 constexpr double RANGE = 1e15;
-// The same of the weaker claims in FarkasReach.
-constexpr double EXACT_RANGE = 1e12, WIDE_RANGE = 1e9;
-constexpr double USUAL_VALUE = 1e6; // of a column whose coefficients are huge
+// The same for the weaker statements in LimitedProof.
+constexpr double EXACT_RANGE = 1e12, WIDENED_RANGE = 1e9;
+constexpr double USUAL_VALUE = 1e6; // assumed size of columns, for the range of slacks
 
 template<class R> struct Multipliers {
     SVec<R> *High, *Low;
@@ -53,14 +54,14 @@ template<class R> TwofoldSum entry_of(const sopt *s, const Multipliers<R> &y, in
     return g;
 }
 
-// What g lacks in the column of basis position k.
+// Difference of g in the column of basis position k to the nearest integer.
 template<class R> double missing(const sopt *s, const Multipliers<R> &y, int k)
 {
     const Twofold g = entry_of(s, y, s->BasisHead.data[k]).value;
     return (std::round(g.high) - g.high) - g.low;
 }
 
-// Low += B^-T (what g should be in the basis - what it is). Returns the largest of that before.
+// One refinement step: Low += B^-T (residual in the basis columns). Returns the largest residual before the step.
 template<class R> double refine(const sopt *s, swork<R> *w, const Multipliers<R> &y)
 {
     SVec<R> *change = &w->Work;
@@ -68,11 +69,12 @@ template<class R> double refine(const sopt *s, swork<R> *w, const Multipliers<R>
     double largest = 0;
     for (int k = 0; k < s->NumRows; k++) {
         const double left = missing(s, y, k);
-        if (left != 0) svec_add(change, k, R(left)); // 0: g is the very integer
+        if (left != 0) svec_add(change, k, R(left));
         largest = std::max(largest, std::fabs(left));
     }
     if (largest == 0) return 0;
-    for (int k = 0; k < change->Count; k++) // solves drop small values
+    for (int k = 0; k < change->Count;
+         k++) // scaled to size 1, since solves drop small values
         change->Value.data[change->Index.data[k]] /= R(largest);
     Btran(&w->Lu, change, SOLVE_COSTS, Keep::NO);
     for (int i = 0; i < s->NumRows; i++)
@@ -89,16 +91,17 @@ template<class R> double largest_multiplier(const sopt *s, const Multipliers<R> 
     return largest;
 }
 
-// One end of the range of g x - y b, seen so far.
+// One end of the range of g x - y b, as a sum over the variables.
 struct End {
     TwofoldSum Total;
-    double Rounding = 0; // of what the sum is made of
-    // What variables without a bound may add, for each unit of the user that the columns go out.
+    double Rounding = 0; // error bound of the terms
+    // Contribution of variables without a bound if their values are limited to 1 user unit.
     double Open = 0;
-    double Weight = 0; // what rows and bounds held wider by a unit of the user may add
+    double Weight = 0; // change if all rows and bounds are widened by 1 user unit
 };
 
-// How far variable j goes in units of the range: a slack also as far as columns of usual size carry it.
+// Factor on the range for variable j: the slack of a row with large coefficients may be as large as columns of size
+// USUAL_VALUE make it.
 double reach(const sopt *s, int j)
 {
     if (j < s->NumCols) return 1;
@@ -127,9 +130,9 @@ void extend(const sopt *s, End *end, int j, const TwofoldSum &g, double bound)
 
 // What the multipliers prove.
 struct Proof {
-    bool Full = false; // infeasible out to RANGE, with rows and bounds held wider by SLACK
-    bool Wide = false; // also with rows and bounds held wider by FeasibilityTol
-    FarkasReach Near;
+    bool Full = false;    // no point up to RANGE, with rows and bounds widened by SLACK
+    bool Widened = false; // the same with rows and bounds widened by FeasibilityTol
+    LimitedProof Limited;
 };
 
 Proof judge(const sopt *s, const End &end, int sign)
@@ -138,13 +141,13 @@ Proof judge(const sopt *s, const End &end, int sign)
     const double wide = std::max(SLACK, s->Env->FeasibilityTol) * end.Weight;
     Proof proof;
     proof.Full = gap - RANGE * end.Open > SLACK * end.Weight;
-    proof.Wide = gap - RANGE * end.Open > wide;
-    proof.Near.Exact = gap - EXACT_RANGE * end.Open > 0;
-    proof.Near.Wide = gap - WIDE_RANGE * end.Open > wide;
+    proof.Widened = gap - RANGE * end.Open > wide;
+    proof.Limited.Exact = gap - EXACT_RANGE * end.Open > 0;
+    proof.Limited.Widened = gap - WIDENED_RANGE * end.Open > wide;
     return proof;
 }
 
-// sign: by what y is multiplied so that the least value of g x exceeds y b.
+// sign: factor on y for which the smallest value of g x exceeds y b.
 template<class R> Proof equation_fails(const sopt *s, const Multipliers<R> &y, int *sign)
 {
     End low, high;
@@ -162,12 +165,12 @@ template<class R> Proof equation_fails(const sopt *s, const Multipliers<R> &y, i
     const Proof above = judge(s, low, 1), below = judge(s, high, -1);
     *sign = below.Full ? -1 : 1;
     Proof proof = below.Full ? below : above;
-    proof.Near.Exact = above.Near.Exact || below.Near.Exact;
-    proof.Near.Wide = above.Near.Wide || below.Near.Wide;
+    proof.Limited.Exact = above.Limited.Exact || below.Limited.Exact;
+    proof.Limited.Widened = above.Limited.Widened || below.Limited.Widened;
     return proof;
 }
 
-// Row multipliers, scaled.
+// Stores the row multipliers, in units of the working LP.
 template<class R> void keep(sopt *s, const Multipliers<R> &y, int sign)
 {
     s->Proof = PROOF_FARKAS;
@@ -189,11 +192,11 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
     int sign = 1;
     const Proof proof = equation_fails(s, y, &sign);
     const bool proved = proof.Full;
-    s->WideProof = proof.Wide;
-    s->NearFarkas.Exact |= proof.Near.Exact;
-    s->NearFarkas.Wide |= proof.Near.Wide;
+    s->WidenedProof = proof.Widened;
+    s->LimitedFarkas.Exact |= proof.Limited.Exact;
+    s->LimitedFarkas.Widened |= proof.Limited.Widened;
     if (proved) keep(s, y, sign);
-    w->Tau.Count = -1; // not listed
+    w->Tau.Count = -1; // its nonzeros are not listed
     svec_clear(&w->Tau);
     return proved;
 }

@@ -1,4 +1,4 @@
-// finish.cpp -- the end of a run: values for the true problem, and how good they are for the user
+// finish.cpp -- the end of a run: values for the unperturbed LP, and their violations in user units
 #include "simplex/sopt.h"
 #include <algorithm>
 
@@ -12,7 +12,7 @@ void take_largest(UserViolation *violation, double in_user_units, double in_work
 }
 } // namespace
 
-// Perturbations, shifts and the box of phase 1 go; values and reduced costs are those of the true LP.
+// Removes perturbations, shifts and the bounds of the box problem, and computes values and reduced costs.
 template<class R> void finish_values(sopt *s, swork<R> *w)
 {
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
@@ -24,7 +24,8 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
     if (!has_factor(s, w)) return;
     compute_primal(s, w);
     compute_dual(s, w);
-    refine_primal(s, w); // what is small in a scaled row may be large in the user's
+    // residuals that are small in the working LP may be large in user units
+    refine_primal(s, w);
     refine_dual(s, w);
 }
 
@@ -37,7 +38,7 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
         const double x = static_cast<double>(w->Bbar.data[k]);
         const double gap = std::max({0.0, s->Lower.data[j] - x, x - s->Upper.data[j]});
         take_largest(&primal, user_unit(s, j) * gap, gap);
-        primal.Worth += gap;
+        primal.ObjectiveError += gap;
         value = std::max(value, std::fabs(x));
     }
     for (int j = 0; j < s->NumVars; j++) {
@@ -51,12 +52,12 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
                                                   : std::fabs(d);
         const double gap = std::max(0.0, wrong);
         take_largest(&dual, gap / (user_unit(s, j) * s->ObjScale), gap);
-        dual.Worth += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
+        dual.ObjectiveError += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
     }
     const double objective =
         s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));
-    primal.Worth *= price / objective;
-    dual.Worth /= objective;
+    primal.ObjectiveError *= price / objective;
+    dual.ObjectiveError /= objective;
     return {primal, dual};
 }
 

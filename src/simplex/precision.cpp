@@ -1,7 +1,7 @@
-// precision.cpp -- which number type is live, and the change between them
+// precision.cpp -- change between double and extended precision
 //
-// The simplex is one template over its number type. A hard LP goes on in 80-bit extended precision from the basis at
-// hand: only vectors and factors are made anew.
+// The simplex is one template over its number type. After numeric trouble a run continues in 80-bit extended precision
+// from the current basis: only vectors and factors are created again.
 #include "simplex/sopt.h"
 
 int switch_precision(sopt *s, int quad)

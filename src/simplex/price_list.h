@@ -1,39 +1,39 @@
-// price_list.h -- PriceList, the places worth looking at when the best of many is wanted again and again
+// price_list.h -- PriceList, the candidate list of both pricings
 //
-// Problem     Find the place with the largest merit (rows of the dual, columns of the primal) although each iteration
-//             changes the merits of a few places only.
-// Method      A list holds every place whose merit reached a threshold. While the list has a place at or above the
-//             threshold, its best is the best of all. When it has none, one pass over all places sets a lower threshold,
-//             a share of the largest merit that adapts to how long lists last.
+// Problem     Find the index with the largest merit (rows in the dual simplex, columns in the primal simplex) in every
+//             iteration, although an iteration changes only a few merits.
+// Method      A list holds every index whose merit has reached a threshold. While some listed merit is at or above the
+//             threshold, the largest listed merit is the largest of all. Otherwise one pass over all indices sets a
+//             lower threshold: a share of the largest merit, which adapts to the number of choices that a list served.
 // Invariant   Merit[i] >= Threshold implies InList[i]; merits are >= 0, 0 means not eligible.
-// Cost        best: length of the list; O(Dim) per rebuild. Allocates nothing after price_list_alloc.
+// Cost        price_list_best: length of the list; O(Dim) per rebuild. Allocates nothing after price_list_alloc.
 #pragma once
 #include "runtime/array.h"
 #include <algorithm>
 
-// Kinds of pricing, as SimplexPricing names them.
+// Kinds of pricing: the values of the parameter SimplexPricing.
 enum Pricing { PRICE_PARTIAL = 0, PRICE_STEEPEST = 1, PRICE_DEVEX = 2, PRICE_QUICK = 3 };
 
 template<class R> struct PriceList {
     int Dim = 0;
     Array<R> Merit;     // [Dim]
-    Array<int> Listed;  // [Dim] places in the list, first Count
-    Array<char> InList; // [Dim]
+    Array<int> Listed;  // [Dim] the list: its first Count entries
+    Array<char> InList; // [Dim] index is in the list
     int Count = 0;
-    R Threshold = 0;    // every place with at least this merit is in the list
-    double Share = 0.1; // threshold of the next rebuild over the largest merit
+    R Threshold = 0;    // every index with at least this merit is in the list
+    double Share = 0.1; // threshold of the next rebuild, as a share of the largest merit
     int Age = 0;        // choices since the last rebuild
-    double Work = 0;    // places looked at
+    double Work = 0;    // entries visited
 };
 
-static constexpr int LIST_SHORT_LIFE =
-    4; // choices after which a list that ran out was too short
-static constexpr double LIST_SHARE_DOWN = 0.3; // then the next one reaches this much lower
-static constexpr double LIST_SHARE_UP =
-    1.5;                                  // a list that is too long starts higher next time
-static constexpr double LIST_LONG = 0.05; // share of places in a list that is too long
-static constexpr double LIST_SHARE_MIN = 1e-6, LIST_SHARE_MAX = 0.5;
-static constexpr int LIST_MANY = 200; // below this a list may hold them all
+// A list that served fewer choices than this was too short: Share is multiplied by LIST_SHARE_DOWN.
+static constexpr int LIST_SHORT_LIFE = 4;
+static constexpr double LIST_SHARE_DOWN = 0.3;
+// A list with more than this share of all indices was too long: Share is multiplied by LIST_SHARE_UP.
+static constexpr double LIST_LONG = 0.05;
+static constexpr double LIST_SHARE_UP = 1.5;
+static constexpr double LIST_SHARE_MIN = 1e-6, LIST_SHARE_MAX = 0.5; // range of Share
+static constexpr int LIST_MANY = 200; // up to this Dim no list is too long
 
 template<class R> [[nodiscard]] int price_list_alloc(PriceList<R> *list, int dim)
 {
@@ -56,11 +56,12 @@ template<class R> void price_list_reset(PriceList<R> *list)
 {
     for (int k = 0; k < list->Count; k++) list->InList.data[list->Listed.data[k]] = 0;
     list->Count = 0;
-    list->Age = LIST_SHORT_LIFE; // this list did not run out
+    // so that the next rebuild does not count this list as too short
+    list->Age = LIST_SHORT_LIFE;
     list->Threshold = R(1e300);
 }
 
-// False when no place is eligible.
+// False if no index has a positive merit.
 template<class R> bool price_list_rebuild(PriceList<R> *list)
 {
     const R *__restrict merit = list->Merit.data;
@@ -81,7 +82,7 @@ template<class R> bool price_list_rebuild(PriceList<R> *list)
     return true;
 }
 
-// The place of largest merit, or -1.
+// The index with the largest merit, or -1.
 template<class R> int price_list_best(PriceList<R> *list)
 {
     for (;;) {

@@ -1,31 +1,35 @@
 // primal.cpp -- the primal simplex method
 //
-// Problem     Solve the working LP from a basis by steps that do not increase its infeasibility, or, once feasible, its
-//             objective.
+// Problem     Solve the working LP from a basis by steps that do not increase the sum of infeasibilities (phase 1) or
+//             the objective (phase 2).
 // Method      Phase 1 minimises the sum of infeasibilities with a long-step ratio test; phase 2 keeps feasibility
-//             (Harris test). Columns are priced by steepest edge or Devex weights with reduced costs updated from the
-//             pivot row, or in part. On stalling, bounds move outwards; when the relaxed problem is done, the true
-//             bounds return, and if the basis is then not feasible the dual method finishes.
-// Out         Status 2, 3, 5, a limit, or SIMPLEX_SWITCH when the dual has to go on.
+//             (Harris ratio test). Columns are priced by steepest edge or Devex weights with reduced costs updated from
+//             the pivot row, or by partial pricing. In a stall bounds are perturbed outwards; when the perturbed
+//             problem is solved, the true bounds are restored, and if the basis is then not primal feasible the dual
+//             simplex continues.
+// Out         Status: see the table in sopt.h.
 // Invariant   Between refreshes: Bbar, Cbar (of the phase), RowState and merits belong to the basis.
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double COST_SHARE =
-    0.1; // largest true cost in phase 1, against 1 per infeasibility
+// Largest true cost in phase 1; the cost of an infeasibility is 1.
+constexpr double COST_SHARE = 0.1;
+// update limit on models with few rows (updates_are_cheap)
 constexpr int FEW_ROWS_UPDATES = 100;
-constexpr int MAX_REJECTED = 50; // columns set aside before the run gives up
-constexpr double TIGHTEST_TOL =
-    1e-9; // of reduced costs when an infeasibility is to be proved
+// columns set aside before the run ends with SIMPLEX_SWITCH
+constexpr int MAX_REJECTED = 50;
+// Smallest OptTol when an infeasibility is to be proved.
+constexpr double TIGHTEST_TOL = 1e-9;
+// factor on OptTol when an infeasibility could not be proved
 constexpr double TIGHTEN = 1e-2;
-constexpr double SMALL_PIVOT_GAP =
-    1e-3; // relative, between a small pivot from its row and from its column
-constexpr double PRICE_TRUST =
-    1e-3; // relative gap between stored and recomputed reduced cost
+// Relative difference up to which a small pivot from the row confirms that from the column.
+constexpr double SMALL_PIVOT_GAP = 1e-3;
+// Relative difference of stored and recomputed reduced cost from which a refresh is asked for.
+constexpr double PRICE_TRUST = 1e-3;
 
-// Reduced costs of the phase at hand.
+// Reduced costs of the current phase.
 template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -40,7 +44,7 @@ template<class R> void compute_phase_dual(sopt *s, swork<R> *w)
     std::fill_n(cost, s->NumVars, 0.0);
 }
 
-// The true costs may stand in the way of feasibility; else bounds move.
+// Applies the remedies of the stall guard: the share of the true costs in phase 1 becomes 0, or bounds are perturbed.
 template<class R> void break_stall(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -88,7 +92,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     return 0;
 }
 
-// No column improves phase 1, and rows are still infeasible.
+// Phase 1 is optimal and rows are still infeasible.
 template<class R> void end_phase1(sopt *s, swork<R> *w)
 {
     if (s->Perturbed) {
@@ -97,7 +101,7 @@ template<class R> void end_phase1(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CLEAN;
         return;
     }
-    if (primal_classify(s, w) == 0) { // flips alone have made the last row feasible
+    if (primal_classify(s, w) == 0) { // bound flips made the last row feasible
         s->RefacReason = REFAC_CLEAN;
         return;
     }
@@ -109,8 +113,9 @@ template<class R> void end_phase1(sopt *s, swork<R> *w)
     Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
     if (proves_infeasible(s, w)) {
         s->Status = SIMPLEX_INFEASIBLE;
-    } else if (s->OptTol >
-               TIGHTEST_TOL) { // reduced costs that were taken for zero still matter
+    } else if (
+        s->OptTol >
+        TIGHTEST_TOL) { // reduced costs within the tolerance may still reduce infeasibility
         if (!s->TightProof) s->UsualOptTol = s->OptTol;
         s->OptTol = std::max(TIGHTEST_TOL, TIGHTEN * s->OptTol);
         s->TightProof = 1;
@@ -132,12 +137,12 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_OPTIMAL;
         return;
     }
-    s->Status =
-        SIMPLEX_SWITCH; // dual feasible: a few steps of the dual, if it leaves costs alone
+    // dual feasible: a few steps of the dual, if it leaves costs alone
+    s->Status = SIMPLEX_SWITCH;
     s->PerturbAllowed = 0;
 }
 
-// The true costs stop the way to feasibility: from now on infeasibility alone counts.
+// The composite objective of phase 1 is optimal at an infeasible point: from now on only infeasibility is minimised.
 template<class R> void drop_phase_costs(sopt *s, popt<R> *p)
 {
     p->CostWeight = 0;
@@ -160,7 +165,7 @@ template<class R> void no_column(sopt *s, swork<R> *w)
     }
 }
 
-// The column is not chosen again before the next factorisation.
+// The column is not chosen again before the next refresh.
 template<class R> void set_column_aside(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -178,7 +183,7 @@ template<class R> void no_row(sopt *s, swork<R> *w)
         drop_phase_costs(s, p);
     } else if (p->Phase1 && s->Superbasics > 0) {
         primal_settle_superbasic(s, w);
-    } else if (p->Phase1) { // rounding: the sum of infeasibilities is bounded below
+    } else if (p->Phase1) { // a rounding error: the sum of infeasibilities is bounded below
         set_column_aside(s, w);
     } else if (s->Perturbed) {
         primal_remove_perturbation(s);
@@ -205,7 +210,7 @@ template<class R> void reject_column(sopt *s, swork<R> *w)
     set_column_aside(s, w);
 }
 
-// Is a small pivot the true entry of the tableau? Then its row gives the same value as its column.
+// True if the pivot computed from the row agrees with the small one from the column.
 template<class R> bool confirm_small_pivot(sopt *s, swork<R> *w)
 {
     const popt<R> *p = w->Primal;
@@ -216,7 +221,7 @@ template<class R> bool confirm_small_pivot(sopt *s, swork<R> *w)
            R(SMALL_PIVOT_GAP) * std::abs(a);
 }
 
-// False when the stored reduced cost of the entering column was wrong.
+// False if the stored reduced cost of the entering column is wrong; it is corrected.
 template<class R> bool check_price(sopt *s, swork<R> *w)
 {
     const int q = w->Primal->PivotCol;
@@ -226,7 +231,7 @@ template<class R> bool check_price(sopt *s, swork<R> *w)
     if (w->Lu.NumUpdates > 0 &&
         std::abs(stored - exact) > R(PRICE_TRUST) * (1 + std::abs(stored)))
         s->RefacReason = REFAC_CLEAN;
-    // Partial pricing would find the same value again: not before the next factorisation.
+    // Partial pricing would compute the same wrong value again: the column is set aside until the next refresh.
     if (w->Primal->PricingCur == PRICE_PARTIAL) w->Primal->ColRejected.data[q] = 1;
     primal_set_merit(s, w, q);
     return false;
@@ -249,7 +254,7 @@ template<class R> bool choose_column(sopt *s, swork<R> *w)
     return true;
 }
 
-// The entering variable runs to its other bound.
+// Bound flip: the entering variable moves to its other bound (a free superbasic to zero).
 template<class R> void apply_flip(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -281,7 +286,7 @@ template<class R> void update_reduced_costs(sopt *s, swork<R> *w, R theta, int l
     w->Cbar.data[q] = R(0);
 }
 
-// With few rows and many columns the passes over the matrix at a factorisation outweigh all etas.
+// With few rows and many columns the passes over the matrix in a refresh cost more than solves with many etas.
 template<class R> bool updates_are_cheap(const sopt *s, const swork<R> *w)
 {
     const double u = w->Lu.NumUpdates;
@@ -346,7 +351,7 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     case RATIO_PIVOT:
         break;
     }
-    if (p->PivotRow < 0) { // numbers that are none any more
+    if (p->PivotRow < 0) { // values are not finite
         s->Status = SIMPLEX_NUMERIC;
         return;
     }
@@ -359,7 +364,7 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     apply_pivot(s, w);
 }
 
-// A share of the true costs leads phase 1 towards good feasible points.
+// Weight of the true costs in phase 1, so that it finds a feasible point with a good objective.
 double phase1_cost_weight(const sopt *s)
 {
     double largest = 0;

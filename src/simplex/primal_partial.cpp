@@ -1,16 +1,16 @@
 // primal_partial.cpp -- partial pricing: price a part of the columns in each iteration
 //
-// Problem     With many more columns than rows the pivot row over all columns is most of an iteration.
-// Method      Keep the duals Pi instead of all reduced costs; d_j = c_j - a_j Pi for the columns that are looked at.
-//             merit_j = d_j^2 / w_j with the static weights w_j = 1 + ||a_j||^2.
-//   rotating    a window walks round all variables; it ends after its length as soon as it met a candidate
-//   multiple    a list of good candidates of one window is priced again and again until little of it is left
-//   bucket      classes by powers of two of the merit last seen; the best classes are looked at first. All classes
-//               rise by one from time to time, so that each variable is met again.
-// Out         PivotCol, -1 only after all variables were priced by the Pi at hand.
-// Invariant   Pi are the duals of the phase. bucket: every nonbasic that may enter stands in a class; basics leave theirs
-//             when they are met.
-// Cost        the columns looked at, and one BTRAN per pivot that is needed anyway.
+// Problem     With many more columns than rows the pivot row over all columns takes most of an iteration.
+// Method      Keep the dual values Pi instead of all reduced costs; d_j = c_j - a_j Pi only for the columns that are
+//             priced. merit_j = d_j^2 / w_j with the static weights w_j = 1 + ||a_j||^2.
+//   rotating    a window moves cyclically over all variables; at its length it ends if it contains a candidate
+//   multiple    a list of good candidates from one window is priced in each iteration until its merits are small
+//   bucket      classes by powers of two of the merit last computed; the best classes are priced first. Every
+//               BUCKET_SHIFT choices all classes rise by one, so that each variable is priced again.
+// Out         PivotCol, -1 only after all variables were priced with the current Pi.
+// Invariant   Pi are the dual values of the phase. bucket: every nonbasic that may enter is in a class; basic variables
+//             are removed from theirs when they are priced.
+// Cost        The columns priced, and one BTRAN per pivot for Pi.
 // Literature  I. Maros, Computational Techniques of the Simplex Method, 2003, 9.5; J. J. Forrest and J. A. Tomlin,
 //             "Implementing the simplex method for the Optimization Subroutine Library", IBM Systems J. 31, 1992.
 #include "simplex/primal.h"
@@ -18,12 +18,12 @@
 
 namespace
 {
-constexpr int WINDOW_LEAST = 100;     // variables looked at in one choice
-constexpr double WINDOW_SHARE = 0.02; // of all, when that is more
+constexpr int WINDOW_LEAST = 100;     // variables priced in one choice, at least;
+constexpr double WINDOW_SHARE = 0.02; // this share of all if that is more
 constexpr int LIST_LENGTH = 60;       // candidates kept by multiple pricing
-constexpr double LIST_KEEP =
-    0.1; // of the best merit when the list was made: below, a new one
-constexpr int BUCKET_VISITS = 60; // variables priced with a choice in hand
+// A new list is made when the best merit falls below this share of the best one when the list was made.
+constexpr double LIST_KEEP = 0.1;
+constexpr int BUCKET_VISITS = 60; // variables priced after the first candidate was found
 constexpr int BUCKET_SHIFT = 10;  // choices until all classes rise by one
 constexpr int BUCKET_MIDDLE = 25; // class of merit 1
 
@@ -32,7 +32,7 @@ int window_length(const sopt *s)
     return std::max(WINDOW_LEAST, static_cast<int>(WINDOW_SHARE * s->NumVars));
 }
 
-// Reduced cost and merit by the duals at hand.
+// Reduced cost and merit of variable j with the current Pi.
 template<class R> R price_column(sopt *s, swork<R> *w, int j)
 {
     popt<R> *p = w->Primal;
@@ -66,7 +66,7 @@ template<class R> int choose_rotating(sopt *s, swork<R> *w)
     return best;
 }
 
-// Prices the list again; what no longer improves leaves it.
+// Prices the list again; variables that are no candidates any more are removed.
 template<class R> int best_listed(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -87,7 +87,7 @@ template<class R> int best_listed(sopt *s, swork<R> *w)
     return best;
 }
 
-// The best candidates of the next windows; at least one when there is any.
+// The best candidates of the next windows; at least one if there is any.
 template<class R> int fill_list(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -102,7 +102,7 @@ template<class R> int fill_list(sopt *s, swork<R> *w)
         if (merit == R(0)) continue; // assigned
         if (p->AuxCount < LIST_LENGTH) {
             p->AuxList.data[p->AuxCount++] = j - 1;
-        } else { // takes the place of another one, in turn, when it is better
+        } else { // replaces another candidate, in turn, if it is better
             const int other = p->AuxList.data[weakest];
             const R d = w->Cbar.data[other];
             if (d * d / p->Weights.data[other] < merit) p->AuxList.data[weakest] = j - 1;
@@ -135,7 +135,7 @@ template<class R> void put_in_class(popt<R> *p, int j, int c)
     p->InClass.data[j] = 1;
 }
 
-// Class c gets the members of class c - 1 behind its own.
+// All classes rise by one: the members of class c - 1 are appended to class c.
 template<class R> void raise_classes(popt<R> *p)
 {
     for (int c = PRICE_CLASSES - 1; c > 0; c--) {
@@ -157,8 +157,8 @@ template<class R> struct BucketWalk {
     bool is_over() const { return Best >= 0 && Visits >= BUCKET_VISITS; }
 };
 
-// Prices the members of class c and puts them where they belong now; nothing rises within one choice, so that the walk
-// ends.
+// Prices the members of class c and moves them to the class of their merit, but not to a higher one within this choice,
+// so that the walk over the classes ends.
 template<class R> void walk_class(sopt *s, swork<R> *w, int c, BucketWalk<R> *walk)
 {
     popt<R> *p = w->Primal;
@@ -200,7 +200,7 @@ template<class R> void fill_classes(sopt *s, swork<R> *w)
 }
 } // namespace
 
-// Duals of the phase from the reduced costs of the slacks, which have no other entry.
+// Dual values of the phase: minus the reduced costs of the slacks, whose columns are unit vectors of cost 0.
 template<class R> void primal_partial_refresh(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -247,7 +247,7 @@ template<class R> void primal_partial_costs(sopt *s, swork<R> *w)
     w->Cbar.data[p->PivotCol] = primal_exact_cbar(s, w);
 }
 
-// Rho is the pivot row of the inverse: Pi += (d_q / pivot) Rho.
+// Pi += (d_q / pivot) Rho, Rho being the pivot row of the inverse.
 template<class R> void primal_partial_pivot(sopt *s, swork<R> *w, R pivot)
 {
     popt<R> *p = w->Primal;

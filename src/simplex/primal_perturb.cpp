@@ -1,12 +1,12 @@
-// primal_perturb.cpp -- moved bounds against stalling and against steps that go backwards
+// primal_perturb.cpp -- perturbed bounds against stalling, and bound shifts against negative steps
 //
-// Problem     At a degenerate vertex many basic variables stand at a bound, every step has length zero, and pricing
-//             wanders without progress or in a circle.
-// Method      When nearly all steps since the last look were degenerate, the bounds at which basic variables stand move
-//             outwards by random amounts: few bounds, only where it hurts. Each further pass moves them farther.
-//             Besides, a blocking bound moves to its variable when a step within the tolerance would go backwards.
-//             All true bounds return at the end of the run.
-// Invariant   WorkLower <= Lower and WorkUpper >= Upper but for bounds that were moved to their variable.
+// Problem     At a degenerate vertex many basic variables are at a bound, every step has length zero, and the method
+//             may stall or cycle.
+// Method      If nearly all iterations since the last test were degenerate, the bounds at which basic variables are
+//             move outwards by random amounts. Only these bounds are perturbed; each further pass moves them further.
+//             Besides, if the Harris ratio test gives a negative step, the blocking bound is shifted to the value of
+//             its variable. All true bounds are restored at the end of the run.
+// Invariant   WorkLower <= Lower and WorkUpper >= Upper, except for bounds shifted to the value of their variable.
 // Literature  P. E. Gill, W. Murray, M. A. Saunders, M. H. Wright, "A practical anti-cycling procedure for linearly
 //             constrained optimization", Math. Prog. 45, 1989.
 #include "simplex/primal.h"
@@ -14,13 +14,14 @@
 
 namespace
 {
-constexpr double STALL_SHARE =
-    0.9; // degenerate share of the iterations since the last look
-constexpr double STALL_LEAST = 100; // iterations needed for a judgement
-constexpr int MAX_PASSES = 12;      // whole perturbations in one run
-constexpr double SIZE_GROWTH = 3;   // of the next pass
-constexpr double LARGEST_SIZE = 0.01;
-constexpr double BRIDGE_MOST = 1e-3; // infeasibility that a moved bound may hide
+// Share of degenerate iterations since the last test that counts as a stall.
+constexpr double STALL_SHARE = 0.9;
+constexpr double STALL_LEAST = 100;   // iterations between two tests
+constexpr int MAX_PASSES = 12;        // perturbations in one run
+constexpr double SIZE_GROWTH = 3;     // growth of PerturbSize with each pass
+constexpr double LARGEST_SIZE = 0.01; // upper limit of PerturbSize
+// largest infeasibility that shifted bounds may remove
+constexpr double BRIDGE_MOST = 1e-3;
 } // namespace
 
 template<class R> bool primal_stalled(const sopt *s, popt<R> *p)
@@ -62,8 +63,8 @@ void primal_remove_perturbation(sopt *s)
     stall_reset(s);
 }
 
-// Small infeasibilities that rounding brought into phase 2 are bridged by moving the bound. When one is too large for
-// that, phase 1 has to mend them.
+// Small infeasibilities that appear in phase 2 by rounding are removed by shifting bounds. If one is too large, phase 1
+// has to remove them.
 template<class R> bool primal_shift_infeasible(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;

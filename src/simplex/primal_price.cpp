@@ -1,4 +1,4 @@
-// primal_price.cpp -- merits of the columns, and the weights behind them
+// primal_price.cpp -- merits and weights of the columns
 //
 // merit_j = d_j^2 / w_j for a nonbasic whose reduced cost improves the objective. w_j stands for the squared length of
 // the edge along which x_j enters, eta_j = (B^-1 a_j, 1), restricted to a reference framework of variables:
@@ -19,14 +19,14 @@ namespace
 constexpr double WEIGHT_OFF = 3; // stored over exact weight that counts as bad
 constexpr int MAX_BAD_WEIGHTS = 3;
 constexpr double WEIGHT_MIN = 1e-4;  // floor of rounding
-constexpr int SOLVES_PER_LOOK = 100; // start weights between two looks at the limits
+constexpr int SOLVES_PER_LOOK = 100; // solves for start weights between tests of the limits
 
 template<class R> bool is_steepest(const popt<R> *p)
 {
     return p->PricingCur == PRICE_STEEPEST || p->PricingCur == PRICE_QUICK;
 }
 
-// gamma: the entering column over the framework.
+// gamma: squared length of the entering column over the framework.
 template<class R> R exact_weight(const sopt *s, const swork<R> *w)
 {
     const popt<R> *p = w->Primal;
@@ -95,7 +95,7 @@ template<class R> void column_norms(const sopt *s, popt<R> *p)
     }
 }
 
-// 1 + ||B^-1 a_j||^2 for each nonbasic, unless a limit ends the run. Units of the basis need no solve.
+// 1 + ||B^-1 a_j||^2 for each nonbasic, unless a limit ends the run. In a slack basis no solve is needed.
 template<class R> void start_norms(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;

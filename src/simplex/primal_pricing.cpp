@@ -1,20 +1,25 @@
-// primal_pricing.cpp -- which pricing is in force, and when it changes
+// primal_pricing.cpp -- automatic choice of the pricing of the primal simplex
 //
-// Problem     No pricing is best throughout: partial pricing makes iterations cheap, exact weights make them few, Devex
-//             stands between.
-// Method      The caller's choice stays. Otherwise models with very many columns begin with partial pricing and change
-//             when iterations mount; all others begin with steepest edge, and fall back to Devex when the exact weights
-//             prove to take more than their share of the effort. Effort is counted, never timed.
+// Problem     No pricing is best for all models: partial pricing has cheap iterations, exact steepest edge weights give
+//             few iterations, Devex is between.
+// Method      A pricing set by the parameter is kept. Otherwise models with very many columns begin with partial
+//             pricing and change to steepest edge when many iterations have passed; all others begin with steepest
+//             edge, and change to Devex if the exact weights take too large a share of the work. Work is counted in
+//             units, not measured in time, so that runs are deterministic.
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double NORM_TRIAL = 200;   // iterations before exact weights are judged
-constexpr double MANY_COLUMNS = 20;  // against rows: partial pricing comes first
-constexpr double PARTIAL_ROUNDS = 2; // iterations that it may take, in numbers of variables
-constexpr double PATIENCE = 4;       // with it; tuned on published LPs
-constexpr double NORM_SHARE = 0.5;   // of the effort that they may take
+// iterations before the work for exact weights is tested
+constexpr double NORM_TRIAL = 200;
+// columns per row from which partial pricing comes first
+constexpr double MANY_COLUMNS = 20;
+// iterations of partial pricing, as a multiple of NumVars
+constexpr double PARTIAL_ROUNDS = 2;
+// larger: partial pricing ends earlier; tuned on published LPs
+constexpr double PATIENCE = 4;
+constexpr double NORM_SHARE = 0.5; // share of the work that exact weights may take
 
 template<class R> double total_work(const sopt *s, const swork<R> *w)
 {
@@ -32,8 +37,9 @@ template<class R> void change_pricing(sopt *s, swork<R> *w, int pricing)
     p->WorkStart = total_work(s, w);
 }
 
-// Partial pricing serves while iterations are few and the factors thin against the columns: d grows with iterations,
-// spikes and degeneracy, f with the factors, and row_work is what other pricing would pay for the pivot row.
+// True if partial pricing should end. It pays while there are few iterations and the factors are sparse in comparison
+// with the number of columns: d grows with iterations, spikes and degeneracy, f with the entries of the factors, and
+// row_work is the cost of the pivot row that other pricing needs, relative to the spike length.
 template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
 {
     const popt<R> *p = w->Primal;
@@ -49,8 +55,8 @@ template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
     return row_work + 1 + 9 * n / f < PATIENCE * d;
 }
 
-// Many columns begin with partial pricing. Exact weights from a basis of slacks cost nothing; another start makes do
-// with the framework at hand, and a short clean-up after the dual with Devex.
+// Partial pricing for many columns, Devex after a switch from the dual simplex. In a slack basis exact steepest edge
+// weights need no solves; from another basis quick-start steepest edge avoids them.
 int automatic_pricing(const sopt *s)
 {
     if (s->SwitchCount > 0) return PRICE_DEVEX;
@@ -70,7 +76,8 @@ template<class R> void primal_choose_pricing(sopt *s, swork<R> *w)
     change_pricing(s, w, p->PricingFixed ? wish : automatic_pricing(s));
 }
 
-// Exact weights save iterations, but where the solves for them dominate, Devex does better.
+// From steepest edge to Devex if the solves for exact weights dominate; from partial pricing to quick-start steepest
+// edge.
 template<class R> void primal_review_pricing(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
@@ -84,10 +91,10 @@ template<class R> void primal_review_pricing(sopt *s, swork<R> *w)
     }
     if (!p->NewWeights) return;
     primal_start_weights(s, w);
-    p->NewWeights = s->Status != SIMPLEX_RUNNING; // a limit may have left them half made
+    p->NewWeights = s->Status != SIMPLEX_RUNNING; // incomplete if a limit was reached
 }
 
-// Averages of the cycle that a factorisation ends.
+// Means of the cycle that ends with a refactorisation.
 template<class R> void primal_end_cycle(const sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;

@@ -2,11 +2,12 @@
 //
 // Problem     The entering variable moves by t in Direction; basic variable i moves by -t a_i, a_i = Direction alpha_i.
 // Method      Phase 2: two passes with bounds relaxed by the tolerance (Harris); of all rows that block before the
-//             relaxed step the one with the largest |a_i| leaves. Entries that are small count only where a step would
-//             carry them visibly beyond a bound: then they are no rounding. Phase 1: the sum of infeasibilities is
-//             piecewise linear in t; breakpoints are passed in order while its slope stays negative, and of those near
-//             the end the last one with a good pivot is taken. The range of the entering variable is one more
-//             breakpoint: a flip. With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops at its first breakpoint.
+//             relaxed step the one with the largest |a_i| leaves. Rows with a small |a_i| are considered only if the
+//             step would violate their bound by more than the tolerance; they cannot be rounding errors then. Phase 1:
+//             the sum of infeasibilities is piecewise linear in t; breakpoints are passed in order while its slope
+//             stays negative, and of the last ones the last with a large enough pivot is taken. The range of the
+//             entering variable is one more breakpoint: a bound flip. With TARV_PAR_SIMPLEXPWRATIO off, phase 1 stops
+//             at its first breakpoint.
 // Out         PivotRow, ToUpper, Step.
 // Cost        O(entries of the column); phase 1 also O(k log) for the breakpoints passed.
 // Literature  P. M. J. Harris, Math. Prog. 5, 1973; I. Maros, Computational Techniques of the Simplex Method, 2003,
@@ -18,7 +19,7 @@ namespace
 {
 constexpr double GOOD_SHARE = 0.1, GOOD_PIVOT = 1.0;
 
-// How far the entering variable may go itself. A free superbasic without a price stops at zero.
+// Distance to the other bound of the entering variable. A free superbasic with a reduced cost of zero stops at zero.
 template<class R> R entering_range(const sopt *s, const swork<R> *w)
 {
     const popt<R> *p = w->Primal;
@@ -36,7 +37,7 @@ template<class R> R entering_range(const sopt *s, const swork<R> *w)
                                                                      : R(HUGE_VAL);
 }
 
-// Phase 2. Distance of basic variable i to the bound it moves to; HUGE_VAL when there is none.
+// Phase 2. Distance of basic variable i to the bound it moves to; HUGE_VAL if it has none.
 template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
 {
     if (a > 0) {
@@ -48,7 +49,7 @@ template<class R> R distance(const sopt *s, const swork<R> *w, int i, R a)
 }
 
 // Pass 1: the longest step that keeps every row with an entry above `floor` within its bounds relaxed by the tolerance.
-// PivotRow: the row that gives it, -1 when none does.
+// PivotRow: the row that gives it, or -1.
 template<class R> R relaxed_limit(const sopt *s, const swork<R> *w, R floor)
 {
     popt<R> *p = w->Primal;
@@ -68,7 +69,8 @@ template<class R> R relaxed_limit(const sopt *s, const swork<R> *w, R floor)
     return limit;
 }
 
-// Would a step this long carry a row with an entry of at most `floor`, but more than `noise`, beyond its bound?
+// True if a step of this length would violate the bound of a row with an entry of at most `floor`, but more than
+// `noise`.
 template<class R>
 bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R step)
 {
@@ -84,8 +86,8 @@ bool small_entry_blocks(const sopt *s, const swork<R> *w, R floor, R noise, R st
     return false;
 }
 
-// Pass 2: of the rows that block before `limit` the one with the largest entry. The row that gave the limit is one of
-// them, though gap > limit size may hold in rounding.
+// Pass 2: of the rows that block before `limit` the one with the largest entry. The row that gave the limit is always
+// considered, although rounding may give gap > limit * size for it.
 template<class R> void choose_blocking(const sopt *s, const swork<R> *w, R floor, R limit)
 {
     popt<R> *p = w->Primal;
@@ -152,7 +154,8 @@ template<class R> void collect_breaks(sopt *s, swork<R> *w)
         const signed char state = p->RowState.data[i];
         const double lower = s->BasicLower.data[i], upper = s->BasicUpper.data[i];
         const R x = w->Bbar.data[i];
-        if (a > 0) { // falls: passes its upper bound when above, then its lower
+        if (a >
+            0) { // decreases: passes its upper bound if it is above, then its lower bound
             if (state == ROW_ABOVE) add_break(p, i, true, (x - R(upper)) / size);
             if (state != ROW_BELOW && has_lower(s, lower))
                 add_break(p, i, false, (x - R(lower)) / size);
@@ -186,18 +189,18 @@ inline int break_row(int code)
     return code >= 0 ? code : -1 - code;
 }
 
-// What stops the entering variable in phase 1.
+// What ends the step in phase 1: a breakpoint of a row, the range of the entering variable, nothing.
 enum class Stop { BREAK, RANGE, NOTHING };
 
-// Pops breakpoints while the slope stays negative; the popped ones end up behind `left`, last first. Infeasibility
-// alone is bounded below, so that a slope that stays negative is rounding; with true costs in it the way may have no
-// end.
+// Removes breakpoints from the heap while the slope stays negative; the removed ones are at the end of the arrays, last
+// first. The sum of infeasibilities is bounded below, so a slope that stays negative is a rounding error, unless
+// phase 1 contains a share of the true costs.
 template<class R> Stop pass_breaks(sopt *s, swork<R> *w, R range, int *first_popped)
 {
     popt<R> *p = w->Primal;
     int left = p->BreakCount;
     for (int k = left / 2 - 1; k >= 0; k--) sift_down(p, k, left);
-    // A superbasic may have no price at all: the first breakpoint stops it.
+    // The reduced cost of a superbasic may be zero: then the first breakpoint ends the step.
     R slope = -std::max(std::abs(w->Cbar.data[p->PivotCol]), R(s->ZeroTol));
     while (left > 0 && slope < 0 && p->BreakStep.data[0] <= range) {
         const int row = break_row(p->BreakRow.data[0]);
@@ -242,7 +245,7 @@ template<class R> RatioResult ratio_phase1(sopt *s, swork<R> *w)
     return RATIO_PIVOT;
 }
 
-// Phase 1 without passing breakpoints: the two passes of Harris over the first ones.
+// Phase 1 without passing breakpoints: the two passes of Harris over the first breakpoint of each row.
 template<class R> RatioResult ratio_first_break(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;

@@ -1,15 +1,18 @@
-// primal_start.cpp -- a start basis for the primal in which equations hold
+// primal_start.cpp -- crash basis for the primal simplex
 //
-// Problem     In a basis of slacks that of an equation is an artificial variable: it has to leave, mostly at the price of
-//             an iteration in phase 1, and blocks every step as long as it stays.
-// Method      Columns take the places of such slacks where that needs no factorisation to be foreseen. All are looked at
-//             in one order: free ones first, then by cost.
-//             singletons  a column with one entry and no upper bound serves as the slack of its equation, at first
-//                         where its value is within its bounds, then anywhere. It also mends a violated inequality.
-//             triangle    a short column without entries in rows that this step has closed enters in an equation that
-//                         its value can satisfy within its bounds, of several in the one with the fewest candidates,
-//                         and closes that row. Nothing moves the row again, so that all values are known at once.
-//             If the other rows pay too much for that, the slacks return.
+// Problem     The slack of an equation is an artificial variable: in a slack basis it has to leave, which mostly takes
+//             an iteration of phase 1, and until then it blocks every step.
+// Method      Columns replace such slacks where the values follow without a factorisation. Columns are tried in one
+//             order: free ones first, then by cost.
+//             singletons  a column with one entry and no upper bound replaces the slack of its equation, first where
+//             its
+//                         value is within its bounds, then anywhere. It also replaces the slack of a violated
+//                         inequality.
+//             triangle    a short column without entries in rows closed in this step enters in an equation that it can
+//                         satisfy with a value within its bounds; of several equations in the one with the fewest
+//                         candidate columns. This row is then closed: no later column changes it, so that all values
+//                         are known at once.
+//             If the sum of infeasibilities becomes too large, the slack basis is restored.
 // In, out     VStat and BasisHead of a basis of slacks, no superbasics -> triangular basis. 0 or OUT_OF_MEMORY.
 // Cost        O(nonzeros), and a sort of the columns.
 // Literature  R. E. Bixby, "Implementing the simplex method: the initial basis", ORSA J. Comp. 4, 1992; N. I. M. Gould
@@ -19,18 +22,19 @@
 
 namespace
 {
-constexpr int SHORT_LENGTH = 10;     // columns of fewer entries take part
-constexpr double VALUE_MOST = 1e8;   // of a variable that becomes basic
-constexpr double PIVOT_LEAST = 1e-5; // no divisor is smaller
-constexpr double PIVOT_SHARE = 0.1;  // of the largest entry of its column
-constexpr double BOUND_SLOP = 1e-9;  // by which a value may be outside of its bounds
-constexpr double GROWTH_MOST =
-    1e4; // of the sum of infeasibilities: beyond, the slacks return
+constexpr int SHORT_LENGTH = 10;     // only columns with fewer entries are tried
+constexpr double VALUE_MOST = 1e8;   // largest value of a variable that becomes basic
+constexpr double PIVOT_LEAST = 1e-5; // smallest pivot
+// smallest pivot as a share of the largest entry of its column
+constexpr double PIVOT_SHARE = 0.1;
+constexpr double BOUND_SLOP = 1e-9; // by which a value may be outside of its bounds
+// Growth of the sum of infeasibilities from which the slack basis is restored.
+constexpr double GROWTH_MOST = 1e4;
 
 struct Crash {
-    double *Residual =
-        nullptr;           // [m] Rhs less the nonbasics and the columns of the triangle
-    Array<int> Order;      // columns that may enter, the most welcome first
+    // [m] Rhs minus the nonbasics and the columns of the triangle.
+    double *Residual = nullptr;
+    Array<int> Order;      // columns that may enter, best first
     Array<int> Candidates; // [m] columns that may still close the row
     Array<char> Closed;    // [m] row belongs to the triangle
 };
@@ -58,7 +62,7 @@ double start_value(const sopt *s, int j)
 
 void move_column(const sopt *s, Crash *c, int j, double step)
 {
-    if (step == 0) return; // most of them
+    if (step == 0) return;
     for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
         c->Residual[s->ColInd.data[p]] -= s->ColVal.data[p] * step;
 }
@@ -120,7 +124,7 @@ void enter_singletons(sopt *s, Crash *c, Where where)
     }
 }
 
-// The entry at which column j may close a row, -1 when there is none.
+// The entry at which column j may close a row, or -1.
 int closing_entry(const sopt *s, const Crash *c, int j)
 {
     double largest = 0;

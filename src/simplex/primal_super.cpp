@@ -1,12 +1,13 @@
-// primal_super.cpp -- nonbasics that start at a value of their own go to a bound or into the basis
+// primal_super.cpp -- superbasic variables go to a bound or into the basis
 //
-// Problem     A start from a point leaves nonbasic variables strictly between their bounds. The result has to be a
-//             vertex, and pricing and the dual know nonbasics at bounds only.
-// Method      One after the other enters with priority, in the direction that its reduced cost prefers, downwards when
-//             that is zero. The ordinary ratio test decides: it reaches a bound (a flip), or a basic variable blocks and
-//             makes room. A free variable that nothing blocks goes to zero. One that can do neither for numerical
-//             reasons is put at its nearest bound, and phase 1 mends what that breaks: every call takes one away.
-// Invariant   Superbasics counts those left; none is left before ordinary pricing begins.
+// Problem     A start from a point leaves superbasic variables: nonbasics strictly between their bounds. The result has
+//             to be a vertex, and pricing and the dual simplex assume nonbasics at bounds.
+// Method      Superbasics enter before all other columns, one after the other, in the direction of their reduced cost,
+//             downwards if it is zero. The usual ratio test decides whether the variable reaches a bound (a bound flip)
+//             or a basic variable blocks and leaves. A free variable that no row blocks goes to zero. If neither is
+//             possible for numerical reasons the variable is put at its nearest bound, and phase 1 removes the
+//             infeasibilities that this causes.
+// Invariant   Superbasics is the number of those left; pricing begins when it is 0. It decreases with every step.
 // Literature  R. E. Bixby and M. J. Saltzman, "Recovering an optimal LP basis from an interior point solution", OR
 //             Letters 15, 1994.
 #include "simplex/primal.h"
@@ -21,7 +22,7 @@ template<class R> int primal_count_superbasics(sopt *s, swork<R> *w)
     return count;
 }
 
-// The reduced cost decides; without one, a bound that exists.
+// The direction of the reduced cost; if that is zero, towards a finite bound.
 template<class R> static int super_direction(const sopt *s, const swork<R> *w, int q)
 {
     const R d = w->Cbar.data[q], tol = R(s->OptTol);
@@ -38,7 +39,7 @@ template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     while (p->SuperNext > 0 && !is_superbasic(s, p->SuperNext - 1)) p->SuperNext--;
-    if (p->SuperNext == 0) { // the rest left with a repair of the basis
+    if (p->SuperNext == 0) { // repairs of the basis removed the others
         s->Superbasics = 0;
         p->PivotCol = -1;
         return;
@@ -61,7 +62,7 @@ template<class R> void primal_settle_superbasic(sopt *s, swork<R> *w)
         s->VStat.data[q] = AT_UPPER;
     s->SuperVal.data[q] = 0;
     s->Superbasics--;
-    s->RefacReason = REFAC_START; // basic values no longer fit
+    s->RefacReason = REFAC_START; // basic values have to be recomputed
 }
 
 template int primal_count_superbasics<double>(sopt *, swork<double> *);

@@ -1,4 +1,4 @@
-// primal_update.cpp -- basic values, phase-1 costs and working bounds over one primal step
+// primal_update.cpp -- update of basic values, phase-1 costs and reduced costs in a primal simplex iteration
 #include "simplex/primal.h"
 #include <algorithm>
 
@@ -34,7 +34,7 @@ template<class R> void primal_move_basics(sopt *s, swork<R> *w)
         const int i = w->Alpha.Index.data[k];
         bbar[i] -= step * alpha[i];
         if (!p->Phase1) continue;
-        // The leaving variable stands at a bound from now on: it costs nothing.
+        // The leaving variable will be at a bound: its phase-1 cost becomes zero.
         const signed char state =
             i == p->PivotRow ? static_cast<signed char>(ROW_FEASIBLE) : state_of(s, w, i);
         const int change = state - p->RowState.data[i];
@@ -43,7 +43,7 @@ template<class R> void primal_move_basics(sopt *s, swork<R> *w)
     }
 }
 
-// d -= (A I)^T B^-T (cost change), in the basis before the exchange; basics, the leaving one too, stay at zero.
+// d -= (A I)^T B^-T (cost change), in the basis before the pivot; reduced costs of basic variables stay zero.
 template<class R> void primal_apply_cost_change(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;

@@ -1,22 +1,20 @@
-// ranging.cpp -- how far one cost, one bound or one right-hand side may move before an optimal basis changes
+// ranging.cpp -- sensitivity: range of one cost, bound or right-hand side for which an optimal basis stays optimal
 //
-// Problem     Cost: until a reduced cost has the wrong sign. Value of a nonbasic (a bound that moves, or, with the slack
-//             of its row, a right-hand side): until a basic variable meets one of its bounds.
+// Problem     Cost: until a reduced cost changes its sign. Value of a nonbasic (its bound, or, for the slack of a row,
+//             the right-hand side): until a basic variable reaches one of its bounds.
 // Method      cost of a nonbasic     its own reduced cost d
 //             cost of the basic at r row r of the tableau: d_j - t alpha_rj keeps its sign for every nonbasic j
 //             value of nonbasic q    column q of the tableau: x_B - t alpha_q stays within the bounds
 //             A nonbasic that cannot move (fixed) limits nothing; a free one, whose d is zero, allows no step at all.
-// In          An optimal record with fresh factors, reduced costs and values, and its row copy in order.
-// Cost        One BTRAN with a tableau row, or one FTRAN, an element; the cost of a nonbasic is free.
+// In          An optimal record with fresh factors, reduced costs, values and a partitioned row copy.
+// Cost        Per element one BTRAN and a tableau row, or one FTRAN; O(1) for the cost of a nonbasic.
 // Literature  V. Chvatal, "Linear programming", 1983, chapter 10.
 #include "simplex/sopt.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double RANGE_ZERO = 1e-10; // smaller tableau entries are rounding
-
-// Both steps begin without limit.
+constexpr double RANGE_ZERO = 1e-10; // smaller tableau entries count as rounding errors
 constexpr RangeSteps FOR_EVER = {UNDEFINED_VALUE, UNDEFINED_VALUE};
 
 RangeSteps swapped(const RangeSteps &steps)
@@ -24,7 +22,7 @@ RangeSteps swapped(const RangeSteps &steps)
     return {steps.Up, steps.Down};
 }
 
-// The step that uses up `room` at this rate, when it is the shorter one.
+// Limits *step to room / rate.
 void limit_step(double *step, double room, double rate)
 {
     *step = std::min(*step, std::max(0.0, room) / rate);
@@ -87,7 +85,7 @@ template<class R> RangeSteps value_steps(sopt *s, swork<R> *w, int q)
     return steps;
 }
 
-// The same steps in other units; a negative unit turns them round.
+// The same steps in other units; a negative unit exchanges up and down.
 RangeSteps in_units(const RangeSteps &steps, double unit)
 {
     const auto convert = [unit](double step) {
@@ -97,7 +95,7 @@ RangeSteps in_units(const RangeSteps &steps, double unit)
     return unit < 0 ? swapped(result) : result;
 }
 
-// User units of the value of variable k.
+// Value of variable k in user units per scaled unit, with sign.
 double unit_of(const sopt *s, int k)
 {
     return k < s->NumCols ? s->ColScale.data[k] : 1 / s->RowScale.data[k - s->NumCols];

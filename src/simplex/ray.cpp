@@ -1,13 +1,14 @@
-// ray.cpp -- is a claimed unboundedness proved?
+// ray.cpp -- proof of unboundedness by a ray
 //
-// Problem     A primal step finds no row that blocks. Entries dropped as rounding may have been what blocks: the claim
-//             needs a ray that stands alone.
-// Method      The ray moves the entering variable by 1 and the basics by -B^-1 a_q. That column is solved for again with
-//             the residual in longer numbers, the corrections kept as its lower digits. It is a ray of the LP when the
-//             residual is rounding, no variable with a bound in the way moves by more than rounding, and the objective
-//             falls by more than the rounding of its sum. An entry is rounding when every row of its column holds to
-//             rounding without it: then other coefficients, off by less than their last digit, would make it zero. Small
-//             against the other entries says nothing, as columns have units of their own (x_t+1 = 2 x_t over 60 periods).
+// Problem     A primal ratio test finds no row that blocks. An entry dropped as a rounding error may be one that
+//             blocks, so the claim needs a ray that is verified independently.
+// Method      The ray changes the entering variable by 1 and the basic variables by -B^-1 a_q. This column is refined
+//             with residuals in extended precision, the corrections kept as a second, lower part. It is a ray of the LP
+//             if the residual is a rounding error, no variable with a bound in its direction moves by more than a
+//             rounding error, and the objective decreases by more than the rounding error of its sum. An entry counts
+//             as a rounding error if every row of its column is satisfied to rounding without it: then a change of
+//             other coefficients below their last digit would make it zero. Its size relative to other entries is no
+//             criterion, as columns may have different units (example: x_t+1 = 2 x_t over 60 periods).
 // Cost        O(nonzeros of the basis) and REFINEMENTS solves.
 // Literature  N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 12 (refinement).
 #include "simplex/sopt.h"
@@ -16,9 +17,9 @@
 namespace
 {
 constexpr int REFINEMENTS = 2;
-constexpr long double ENTRY_ROUNDING =
-    1e-14L; // of a term of a row, against the sum of its terms
-constexpr long double RESIDUAL_ROUNDING = 1e-15L; // of a row, against the sum of its terms
+// Rounding error of a term of a row, relative to the sum of the magnitudes of its terms.
+constexpr long double ENTRY_ROUNDING = 1e-14L;
+constexpr long double RESIDUAL_ROUNDING = 1e-15L; // of the residual of a row, likewise
 constexpr long double COST_ROUNDING = 1e-13L;     // of the objective, likewise
 
 // B^-1 a_q = High + Low, by position.
@@ -30,7 +31,7 @@ template<class R> struct Column {
     }
 };
 
-// Sum of terms, and of their magnitudes.
+// Sum of terms, and sum of their magnitudes.
 struct Sum {
     long double Value = 0, Size = 0;
     void add(long double v)
@@ -74,7 +75,7 @@ template<class R> void refine(const sopt *s, swork<R> *w, const Column<R> &x, in
     svec_clear(change);
 }
 
-// Sizes of the rows, for entry_matters. False when a row is off by more than rounding. Uses RowWork.
+// Stores the sums of magnitudes of the rows in RowWork, for entry_matters. False if a residual is larger than rounding.
 template<class R> bool is_exact(sopt *s, const Column<R> &x, int q)
 {
     for (int i = 0; i < s->NumRows; i++) {
@@ -85,7 +86,7 @@ template<class R> bool is_exact(sopt *s, const Column<R> &x, int q)
     return true;
 }
 
-// Would some row miss its side by more than rounding if basic variable j did not move?
+// True if some row would have a residual above rounding if basic variable j did not move.
 bool entry_matters(const sopt *s, int j, long double step)
 {
     if (step == 0) return false;
@@ -98,13 +99,13 @@ bool entry_matters(const sopt *s, int j, long double step)
     return false;
 }
 
-// Does a bound stop basic variable j, which moves by `step`?
+// True if basic variable j, which moves by `step`, has a bound in that direction.
 bool blocks(const sopt *s, int j, long double step)
 {
     return step < 0 ? has_lower(s, s->Lower.data[j]) : has_upper(s, s->Upper.data[j]);
 }
 
-// Entry j of the ray, scaled, for the structurals.
+// Stores the ray, in units of the working LP.
 template<class R> void keep_ray(sopt *s, const Column<R> &x, int q, int direction)
 {
     s->Proof = PROOF_RAY;
@@ -115,7 +116,7 @@ template<class R> void keep_ray(sopt *s, const Column<R> &x, int q, int directio
         ray[s->BasisHead.data[k]] = static_cast<double>(-direction * x.at(k));
 }
 
-// Nothing stops the basics, and the objective falls.
+// No bound blocks a basic variable, and the objective decreases.
 template<class R> bool is_ray(const sopt *s, const Column<R> &x, int q, int direction)
 {
     Sum cost;
@@ -139,7 +140,7 @@ template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int directi
     for (int round = 0; round < REFINEMENTS; round++) refine(s, w, x, q);
     const bool proved = is_exact(s, x, q) && is_ray(s, x, q, direction);
     if (proved) keep_ray(s, x, q, direction);
-    w->Tau.Count = -1; // not listed
+    w->Tau.Count = -1; // its nonzeros are not listed
     svec_clear(&w->Tau);
     return proved;
 }

@@ -1,12 +1,12 @@
 // release_slacks.cpp -- slacks of equations leave an optimal basis
 //
-// Problem     The slack of an equation may be basic at zero in an optimal basis, and the dual of the row is zero then.
-//             Whoever is to give that row a dual needs the slack to be nonbasic.
-// Method      A dual simplex step of length zero in the primal: the slack leaves, and as it may have any reduced cost
-//             both directions are open. Of what its row of the tableau holds the variable enters whose reduced cost
-//             reaches zero first; of those nearly as close, the one with the largest entry. An empty row of the tableau
-//             belongs to an equation that follows from others: its slack stays.
-// Cost        One BTRAN, one tableau row, one FTRAN and an update a slack.
+// Problem     The slack of an equation may be basic at zero in an optimal basis; the dual value of the row is zero
+//             then. A caller that wants a nonzero dual value for the row needs the slack to be nonbasic.
+// Method      A dual simplex pivot with primal step zero: the slack leaves, and as its reduced cost may have any sign
+//             both directions are allowed. Of the variables in its tableau row the one enters whose reduced cost
+//             reaches zero first; of those nearly as close, the one with the largest entry. An empty tableau row
+//             belongs to an equation that depends on others: its slack stays basic.
+// Cost        One BTRAN, one tableau row, one FTRAN and an update per slack.
 #include "simplex/simplex.h"
 #include "simplex/sopt.h"
 #include <algorithm>
@@ -17,7 +17,7 @@ constexpr double SLOPPY = 1e-3;         // share of OptTol that a reduced cost m
 constexpr double RELATIVE_PIVOT = 1e-6; // least entry over the largest of the tableau row
 constexpr double AGREEMENT = 1e-6;      // of the pivot by row and by column
 
-// The place of the entering variable in the packed row, or -1.
+// The position of the entering variable in the packed row, or -1.
 template<class R> int choose_entering(const sopt *s, const swork<R> *w)
 {
     const R tol = R(SLOPPY * s->OptTol);

@@ -1,9 +1,11 @@
-// row_copy.cpp -- the matrix by rows, with the columns that may enter in front
+// row_copy.cpp -- the matrix by rows, partitioned into columns that may enter and others
 //
-// Problem     A row of the tableau needs only the nonbasic entries of the rows it combines.
-// Method      Each row keeps the entries of nonbasic, not fixed columns in its first RowFill[i] slots. Matrix entries
-//             and slots know each other, so a column goes in or out by one exchange per entry.
-// Invariant   SlotOfEntry[EntryOfSlot[k]] == k; slot k of row i is in front exactly when InRowCopy of its column.
+// Problem     A row of the tableau needs only the nonbasic entries of the rows that it combines.
+// Method      Each row has the entries of nonbasic columns that are not fixed in its first RowFill[i] slots.
+//             SlotOfEntry and EntryOfSlot map entries of both copies to each other, so a column enters or leaves the
+//             front parts by one exchange per entry.
+// Invariant   SlotOfEntry[EntryOfSlot[k]] == k; slot k of row i is in the front part if and only if InRowCopy is set
+//             for its column.
 // Cost        build O(nonzeros); insert and remove O(length of the column).
 #include "simplex/sopt.h"
 #include <utility>

@@ -1,10 +1,10 @@
-// scaling.cpp -- factors that bring the working LP to numbers of size one
+// scaling.cpp -- scaling of the working LP
 //
-// Method      One pass: each row by its largest magnitude, then each column of the result by its largest. Factors are
-//             powers of two, so that scaling is exact in both directions; lines whose largest lies between 1/2 and 2
-//             stay. Where that leaves entries close to rounding, passes that centre each line between its smallest and
-//             its largest entry take its place. The objective is scaled by the geometric middle of its smallest and
-//             largest cost.
+// Method      One pass: each row is divided by its largest magnitude, then each column of the result by its largest.
+//             Factors are powers of two, so that scaling has no rounding errors; rows and columns whose largest entry
+//             is between 1/2 and 2 are not scaled. If very small entries remain, geometric scaling passes are used
+//             instead: each row and column is divided by the geometric mean of its smallest and largest entry. The
+//             objective is divided by the geometric mean of its smallest and largest cost.
 // In, out     The unscaled arrays of sopt become scaled; RowScale, ColScale (sign: reversed column), ObjScale.
 // Cost        O(nonzeros).
 // Literature  R. Fourer, "Solving staircase linear programs by the simplex method", Math. Prog. 23, 1982 (geometric
@@ -16,21 +16,22 @@
 
 namespace
 {
-constexpr double WIDE_COSTS =
-    10000; // sqrt(max / min) of costs that are not centred any more
-constexpr double HUGE_COST =
-    1e7; // costs from here on may be artificial: look at their decades
-constexpr double VANISHING = 1e-9; // entries below are less than what any pivot needs
-constexpr int CENTRE_PASSES = 10;  // the spread of hard models settles within these
+// sqrt(max / min) of costs that are not centred any more
+constexpr double WIDE_COSTS = 10000;
+// costs from here on may be artificial: look at their decades
+constexpr double HUGE_COST = 1e7;
+constexpr double VANISHING = 1e-9; // smaller entries are no usable pivots (pivot_floor)
+constexpr int CENTRE_PASSES = 10;  // geometric passes; more change little
 constexpr double ROUND_UP = 1.4142135623730951; // to the nearest power of two
-// By which the smallest entry has to grow. Rounding alone can make a difference of 8: factors by the largest entry are
-// rounded down, by up to 2 each for row and column, those of the middle to the nearest, by up to ROUND_UP each.
+// Geometric scaling is used only if the smallest entry grows by this factor. Rounding of the factors to powers of two
+// can alone give a factor of 8: those by the largest entry are rounded down by up to 2, for row and column, those by
+// the geometric mean to the nearest power by up to ROUND_UP.
 constexpr double CLEAR_GAIN = 10;
 constexpr double MOST = DBL_MAX; // coefficients are not bounded by INFINITE_BOUND
 constexpr double LEAST_FACTOR = 0x1p-1000,
-                 MOST_FACTOR = 0x1p1000; // finite, and so the inverse
+                 MOST_FACTOR = 0x1p1000; // its inverse is finite too
 constexpr int DECADES = 16;
-constexpr int DECADE_GAP = 3; // empty decades that set artificial costs apart
+constexpr int DECADE_GAP = 3; // empty decades between usual costs and penalties (big-M)
 
 double usable(double factor)
 {
@@ -42,10 +43,10 @@ double power_of_two(double v)
     return std::exp2(std::floor(std::log2(usable(v))));
 }
 
-// Factor that brings `largest` near 1.
+// Power of two that scales `largest` to about 1.
 double line_factor(sopt *s, double largest)
 {
-    if (largest == 0) return 1; // an empty line
+    if (largest == 0) return 1; // an empty row or column
     if (s->Env->TARV_PAR_ALTSCALE)
         return usable((double(random_next(&s->Rng)) / RANDOM_MAX + 1) / largest);
     if (largest > 0.5 && largest < 2) return 1;
@@ -65,7 +66,7 @@ void size_rows_by_largest(sopt *s)
     for (int i = 0; i < s->NumRows; i++) scale[i] = line_factor(s, scale[i]);
 }
 
-// Returns the smallest entry under the factors.
+// Returns the smallest entry after scaling.
 double size_columns_by_largest(sopt *s)
 {
     double all = MOST;
@@ -83,9 +84,9 @@ double size_columns_by_largest(sopt *s)
     return all;
 }
 
-// ---- Passes by the geometric middle ----
+// ---- Geometric passes ----
 
-// Smallest and largest magnitude of a line.
+// Smallest and largest magnitude of a row or column.
 struct Spread {
     double Least = MOST, Most = 0;
 };
@@ -96,7 +97,7 @@ void extend(Spread *line, double a)
     line->Most = std::max(line->Most, a);
 }
 
-// Smallest and largest entry under the factors at hand.
+// Smallest and largest entry with the current factors.
 Spread spread_of_matrix(const sopt *s)
 {
     Spread all;
@@ -107,10 +108,10 @@ Spread spread_of_matrix(const sopt *s)
     return all;
 }
 
-// The product of the two may be no double, that of their roots is one.
+// Roots first: the product of the two entries may overflow.
 double middle_factor(const Spread &line)
 {
-    if (line.Most == 0) return 1; // an empty line
+    if (line.Most == 0) return 1; // an empty row or column
     return usable(1 / (std::sqrt(line.Least) * std::sqrt(line.Most)));
 }
 
@@ -135,7 +136,7 @@ void centre_columns(sopt *s)
     }
 }
 
-// A finite bound that passes for an infinite one would change the model.
+// False if scaling makes a finite bound count as infinite, which would change the model.
 bool bounds_stay_finite(const sopt *s)
 {
     for (int j = 0; j < s->NumCols; j++)
@@ -151,9 +152,8 @@ void round_to_powers(Array<double> *factors)
     for (double &factor : *factors) factor = power_of_two(factor * ROUND_UP);
 }
 
-// Where factors by the largest entry leave entries so small that no pivot could be taken from them (a row y <= 1e9 z),
-// each line is centred between its smallest and its largest entry instead, if the smallest of all clearly grows by
-// that. 0 or OUT_OF_MEMORY.
+// Geometric scaling, if scaling by the largest entry leaves entries too small for a pivot (example: a row y <= 1e9 z),
+// and if it makes the smallest entry clearly larger. 0 or OUT_OF_MEMORY.
 int keep_entries_alive(sopt *s, double least)
 {
     if (least >= VANISHING) return 0;
@@ -186,11 +186,10 @@ void scale_column(sopt *s, int j)
             s->ColVal.data[p] * s->RowScale.data[s->ColInd.data[p]] * factor;
     s->Cost.data[j] *= factor;
     for (double *bound : {&s->Lower.data[j], &s->Upper.data[j]})
-        if (std::fabs(*bound) < s->Infinity)
-            *bound /= factor; // infinite on either side: stays
+        if (std::fabs(*bound) < s->Infinity) *bound /= factor;
 }
 
-// A column bounded above only is reversed, so that everything else may count on a lower bound.
+// A column with only an upper bound is negated, so that every variable has a lower bound or is free.
 void flip_column(sopt *s, int j)
 {
     double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
@@ -210,13 +209,13 @@ double centre(double largest, double smallest)
                : largest / WIDE_COSTS;
 }
 
-// Costs far above all others (big-M penalties) should not decide the scale: the largest of the rest, or 0.
+// Costs far above all others (big-M penalties) should not determine the scale: the largest of the other costs, or 0.
 double largest_ordinary_cost(const sopt *s)
 {
     int count[DECADES] = {};
     for (int j = 0; j < s->NumCols; j++) {
         const double c = std::fabs(s->Cost.data[j]);
-        if (c == 0) continue; // no cost
+        if (c == 0) continue;
         const int decade = static_cast<int>(std::floor(std::log10(c))) + 1;
         count[std::clamp(decade, 0, DECADES - 1)]++;
     }
@@ -232,7 +231,7 @@ double largest_ordinary_cost(const sopt *s)
 double objective_factor(const sopt *s)
 {
     const double wish = s->Env->ObjScale;
-    if (wish == 1) return 1; // the value that means none
+    if (wish == 1) return 1; // 1: no scaling
     if (wish > 0) return power_of_two(1 / wish);
     double largest = 0, smallest = MOST;
     for (int j = 0; j < s->NumCols; j++) {

@@ -1,10 +1,10 @@
-// self_check.cpp -- does what updates carry along still agree with what it stands for? In debug builds, on demand
+// self_check.cpp -- recomputes updated quantities and compares them, in debug builds on request
 //
-// Method      TARV_PAR_ITEST asks for it: from CHECK_FACTORS on at every factorisation, from CHECK_UPDATES on after every
-//             pivot too. Each routine computes one quantity anew, in long double where it can, and warns on the log of
-//             what has drifted away; the solve goes on. Reduced costs are those of the dual, since the primal prices
-//             other costs in its first phase and only some columns in partial pricing.
-// Cost        A solve and a pass over the matrix each, beqlu the product of the factors.
+// Method      TARV_PAR_ITEST turns it on: from CHECK_FACTORS at every factorisation, from CHECK_UPDATES also after
+//             every pivot. Each routine recomputes one quantity, in long double where possible, and logs a warning if
+//             the updated values differ; the solve continues. Reduced costs are checked in the dual simplex only, since
+//             the primal simplex has other costs in phase 1 and only some reduced costs in partial pricing.
+// Cost        A solve and a pass over the matrix each; beqlu multiplies the factors.
 #ifdef TVX_DEBUG
 #include "simplex/sopt.h"
 #include <algorithm>
@@ -13,10 +13,10 @@
 namespace
 {
 constexpr int CHECK_FACTORS = 1, CHECK_UPDATES = 2; // values of TARV_PAR_ITEST
-constexpr double DRIFT =
-    1e-6; // relative to what is checked, beside the tolerance of the run
-constexpr double EXACT = 1e-9; // of factors, relative to the column
-constexpr double WORTH = 1e-6; // of the objective, relative
+// relative to what is checked, beside the tolerance of the run
+constexpr double DRIFT = 1e-6;
+constexpr double EXACT = 1e-9;                 // of factors, relative to the column
+constexpr double OBJECTIVE_ERROR_LIMIT = 1e-6; // of the objective, relative
 
 bool differs(double a, double b, double tolerance)
 {
@@ -24,7 +24,7 @@ bool differs(double a, double b, double tolerance)
              tolerance + DRIFT * std::fabs(b)); // what is no number differs
 }
 
-// Multipliers of the costs at work, in w->Work.
+// Dual values of the costs in force, in w->Work.
 template<class R> const R *fresh_duals(const sopt *s, swork<R> *w)
 {
     SVec<R> *y = &w->Work;
@@ -37,13 +37,13 @@ template<class R> const R *fresh_duals(const sopt *s, swork<R> *w)
     return y->Value.data;
 }
 
-// The pivot row leaves fixed variables out: their reduced costs are not carried along.
+// The pivot row omits fixed variables: their reduced costs are not updated.
 bool is_priced(const sopt *s, int j)
 {
     return s->VStat.data[j] < 0 && s->VStat.data[j] != AT_FIXED;
 }
 
-// Dual values: a slack carries along its cost, perturbed perhaps, less the dual of its row.
+// Dual values: the reduced cost of a slack is its (perhaps perturbed) cost minus the dual value of its row.
 template<class R> int ckdualeud(const sopt *s, const swork<R> *w, const R *y)
 {
     double worst = 0, dual = 0;
@@ -79,7 +79,7 @@ template<class R> int dckrdc(const sopt *s, const swork<R> *w, const R *y)
     return warnings;
 }
 
-// The reduced cost of variable q, whose column of the tableau stands in Alpha.
+// The reduced cost of variable q, from its column of the tableau in Alpha.
 template<class R> int ckrdcupd(const sopt *s, const swork<R> *w, int q)
 {
     long double fresh = s->WorkCost.data[q];
@@ -162,7 +162,7 @@ template<class R> void multiply_factors(const lufact<R> *lu, int r, R *acc)
         add(lu->UColInd.data[p], lu->UColVal.data[p]);
 }
 
-// Fresh factors against the basis, column by column in pivot order: row i, place o in the order, variable j.
+// Fresh factors against the basis, column by column in pivot order: row i, position o in the order, variable j.
 template<class R> int beqlu(const sopt *s, swork<R> *w)
 {
     R *acc = w->Work.Value.data;
@@ -195,13 +195,14 @@ template<class R> int cksol(const sopt *s, const swork<R> *w)
     long double sum = 0;
     for (int j = 0; j < s->NumVars; j++) sum += s->Cost.data[j] * value_now(s, w, j);
     const double fresh = static_cast<double>(sum) / s->ObjScale;
-    if (std::fabs(fresh - s->Obj) <= WORTH * (1 + std::fabs(fresh))) return 0;
+    if (std::fabs(fresh - s->Obj) <= OBJECTIVE_ERROR_LIMIT * (1 + std::fabs(fresh)))
+        return 0;
     TVXmsg(s->Env, "Warning in cksol\n");
     TVXmsg(s->Env, "sopt->Obj=%f, sopt->NPvt=%.0f\n", s->Obj, s->NPvt);
     return 1;
 }
 
-// The residuals of the multipliers themselves are seen to elsewhere (judge_residuals).
+// The residual of the dual values themselves is handled by judge_residuals.
 template<class R> int check_duals(const sopt *s, swork<R> *w)
 {
     const R *y = fresh_duals(s, w);

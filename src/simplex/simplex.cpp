@@ -1,10 +1,10 @@
-// simplex.cpp -- SimplexOptimize, the one entry to the simplex
+// simplex.cpp -- SimplexOptimize, the entry point of the simplex
 //
-// Problem     Bring a body to a final status from whatever start there is.
-// Method      Dual and primal run in turn on one record: SIMPLEX_SWITCH hands the basis to the other method, numeric
-//             trouble to the same method in extended precision. An optimum is then looked at in the user's units: when
-//             scaling hides violations there, or violations within the tolerance stand for a visible part of the
-//             objective, tolerances are tightened and the run goes on from the same basis.
+// Problem     Solve the LP relaxation of a body from a given basis, a start point, or slacks.
+// Method      Dual and primal simplex work in turn on one record: after SIMPLEX_SWITCH the other method continues from
+//             the basis, after numeric trouble the same method in extended precision. An optimum is then measured in
+//             user units. If scaling hides violations, or violations within the tolerances may change the objective
+//             visibly, tolerances are tightened and the run continues from the same basis ("polish").
 // In, out     The record; its Status.
 #include "simplex/simplex.h"
 #include "runtime/clock.h"
@@ -16,16 +16,18 @@ namespace
 {
 constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in numeric trouble
 constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
-constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13; // of tightened tolerances
-constexpr double POLISH_SHARE = 0.5; // aim below the limit, not at it
-constexpr double LIMIT_ROOM =
-    0.999; // of the limit: rounding may not carry the measure of the user beyond it
-// Share of the objective that violations may stand for (UserViolation::Worth): users compare six digits.
-constexpr double WORTH_LIMIT = 1e-7; // above this tolerances are tightened
-constexpr double WORTH_SEEN = 1e-6;  // above this users would see it
+// Smallest tightened tolerances, in double and extended precision.
+constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
+// violations after tightening aim at this share of their limit
+constexpr double POLISH_SHARE = 0.5;
+// of the limit: rounding may not carry the measure of the user beyond it
+constexpr double LIMIT_ROOM = 0.999;
+// Limits of UserViolation::ObjectiveError: users compare six digits of an objective.
+constexpr double OBJECTIVE_ERROR_LIMIT = 1e-7;   // above this tolerances are tightened
+constexpr double OBJECTIVE_ERROR_VISIBLE = 1e-6; // above this users would see it
 
-constexpr double STRICT_MARKOWITZ = 0.9; // pivots in the factors after a restart
-// A basis is nearly optimal with no more infeasibilities than this share of the rows, or NEAR_LEAST if that is more.
+constexpr double STRICT_MARKOWITZ = 0.9; // Markowitz tolerance after a restart
+// A basis is nearly optimal if it has at most this share of the rows as infeasibilities, or at most NEAR_LEAST.
 constexpr double NEAR_SHARE = 0.02;
 constexpr int NEAR_LEAST = 5;
 
@@ -46,7 +48,7 @@ bool may_use_quad(const sopt *s)
     return s->Quad == 0 && s->Env->Quad == -1;
 }
 
-// Numeric trouble: the same basis in extended precision, once.
+// After numeric trouble: continue from the same basis in extended precision. Happens once in a run.
 int go_extended(sopt *s)
 {
     TVXmsg(s->Env, "Warning: switch to quad precision\n");
@@ -56,7 +58,7 @@ int go_extended(sopt *s)
     return 0;
 }
 
-// A basis that is optimal stays: the perturbation of a run would only lead away from it. 0 or a code.
+// If the start basis is optimal no method runs: its perturbation would only leave the optimal basis. 0 or a code.
 template<class R> int keep_optimal(sopt *s, swork<R> *w)
 {
     if (s->InfeasCheckNeeded) sopt_check_bounds(s);
@@ -79,7 +81,8 @@ int keep_optimal(sopt *s)
     return s->Quad ? keep_optimal(s, s->Extended) : keep_optimal(s, s->Double);
 }
 
-// A method hands over. Where the caller does not want it, the dual first goes on itself, without perturbation.
+// Status SIMPLEX_SWITCH: the other method continues. With TARV_PAR_PRIMDUALSWITCH <= 0 the dual simplex first tries
+// again itself, without perturbation.
 void hand_over(sopt *s)
 {
     s->Status = SIMPLEX_RUNNING;
@@ -90,7 +93,7 @@ void hand_over(sopt *s)
     if (s->SwitchCount > MAX_SWITCHES) s->Status = SIMPLEX_NUMERIC;
 }
 
-// From slacks again, with pivots as strict as they can be.
+// Status SIMPLEX_RESTART: start again from slacks with strict pivots in the factors.
 void restart(sopt *s)
 {
     s->MarkowitzTol = STRICT_MARKOWITZ;
@@ -128,7 +131,7 @@ void finish_live(sopt *s)
         finish_values(s, s->Double);
 }
 
-// Tightens one tolerance by what is asked. False when it is low enough already or cannot go lower.
+// Reduces one tolerance to `wish`. False if it is that low already, or at its floor.
 bool tighten(const sopt *s, double *tol, double wish)
 {
     wish = std::max(wish, s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR);
@@ -137,17 +140,18 @@ bool tighten(const sopt *s, double *tol, double wish)
     return true;
 }
 
-// So that what is above its limit would not have passed.
+// Reduces one tolerance so that the violations above their limits would have counted as infeasibilities.
 bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &v)
 {
     double wish = HUGE_VAL;
     if (v.Largest > LIMIT_ROOM * limit) wish = POLISH_SHARE * v.Working * limit / v.Largest;
-    if (v.Worth > WORTH_LIMIT)
-        wish = std::min(wish, POLISH_SHARE * *tol * WORTH_LIMIT / v.Worth);
+    if (v.ObjectiveError > OBJECTIVE_ERROR_LIMIT)
+        wish =
+            std::min(wish, POLISH_SHARE * *tol * OBJECTIVE_ERROR_LIMIT / v.ObjectiveError);
     return tighten(s, tol, wish);
 }
 
-// Another run from the basis at hand.
+// Another run from the current basis.
 int run_again(sopt *s, int method)
 {
     s->Status = SIMPLEX_RUNNING;
@@ -158,7 +162,7 @@ int run_again(sopt *s, int method)
     return 0;
 }
 
-// The optimal basis with these statuses once more.
+// Restores the optimal basis with these statuses.
 int take_up(sopt *s, const int *statuses)
 {
     for (int j = 0; j < s->NumVars; j++) {
@@ -171,8 +175,8 @@ int take_up(sopt *s, const int *statuses)
     return keep_optimal(s);
 }
 
-// Tighter tolerances where violations matter. An optimum within the caller's tolerances that is lost thereby is taken
-// up again, also when a limit stops the way to a better one.
+// Further runs with tighter tolerances, as the file head says. If they end without an optimum (also because of a
+// limit), the last optimum within the caller's tolerances is restored.
 int polish(sopt *s)
 {
     const double tol_feas = s->FeasTol, tol_opt = s->OptTol;
@@ -213,7 +217,7 @@ int solve(sopt *s)
     return s->Status == SIMPLEX_OPTIMAL && look ? polish(s) : 0;
 }
 
-// The record for this body, with tolerances and counters for a new run.
+// Creates or refreshes the record, with tolerances and counters for a new run.
 int prepare_record(sopt **record, const ModelBody *body, TVXenv *env,
                    const SimplexCall &call, const SimplexTuning &tuning)
 {
@@ -226,7 +230,7 @@ int prepare_record(sopt **record, const ModelBody *body, TVXenv *env,
     return switch_precision(s, wish == 1 || (wish == -1 && s->Quad));
 }
 
-// A start basis: given, live, or made of slacks, which a crash may then improve.
+// Start basis: given, that of the record, or slacks, which a crash may then improve.
 int prepare_basis(sopt *s, const SimplexCall &call, bool *from_slacks)
 {
     s->StartNorms.size = 0;
@@ -245,7 +249,7 @@ int prepare_basis(sopt *s, const SimplexCall &call, bool *from_slacks)
     return 0;
 }
 
-// A run that a limit stopped goes on by the method that was running.
+// A run that a limit stopped continues with the method that was running.
 int choose_method(const sopt *s, int method)
 {
     if (s->Superbasics > 0) return METHOD_PRIMAL;
@@ -324,12 +328,12 @@ static double moved_by_widening(const sopt *s)
 SimplexAssessment simplex_assess(const sopt *s)
 {
     SimplexAssessment a;
-    a.Near = s->NearFarkas;
+    a.Limited = s->LimitedFarkas;
     if (s->Status == SIMPLEX_NUMERIC) return a;
     const bool narrow =
-        s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WideProof;
-    a.Foot = narrow ? Footing::NARROW : Footing::SURE;
-    // Where the caller asks for no look at an optimum in his units, what the scaled model allows will do.
+        s->Status == SIMPLEX_INFEASIBLE && s->Proof == PROOF_FARKAS && !s->WidenedProof;
+    a.Level = narrow ? Confidence::NARROW : Confidence::SURE;
+    // With TARV_PAR_UNSCALEDVIO off, optimality of the scaled model is enough.
     const bool optimal = s->Status == SIMPLEX_OPTIMAL && s->Env->TARV_PAR_UNSCALEDVIO != 0;
     const bool unbounded = s->Status == SIMPLEX_UNBOUNDED && s->Proof == PROOF_RAY;
     a.ByRay = unbounded;
@@ -339,9 +343,10 @@ SimplexAssessment simplex_assess(const sopt *s)
     if (optimal) {
         a.Moved = moved_by_widening(s);
         a.Excess = std::max(a.Excess, v.Dual.Largest / s->Env->OptimalityTol);
-        a.Worth = std::max(v.Primal.Worth, v.Dual.Worth) / WORTH_SEEN;
+        a.ObjectiveError = std::max(v.Primal.ObjectiveError, v.Dual.ObjectiveError) /
+                           OBJECTIVE_ERROR_VISIBLE;
     }
-    if (a.Excess > 1) a.Foot = Footing::UNSURE;
+    if (a.Excess > 1) a.Level = Confidence::UNSURE;
     return a;
 }
 

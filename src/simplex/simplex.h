@@ -1,13 +1,13 @@
-// simplex.h -- the face of the simplex subsystem
+// simplex.h -- the interface of the simplex folder
 //
-// The body is only read: scaling, sign flips of columns and the row copy live in the record `sopt`, which keeps the address
-// of the body and belongs to the caller. Everything handed out is in the body's own units and signs.
+// The body is only read: scaling, sign changes of columns and the row copy are in the record `sopt`, which keeps the
+// address of the body and is owned by the caller. All results are in the units and signs of the body ("user units").
 #pragma once
 #include "body/body.h"
 
 struct sopt; // sopt.h
 
-// METHOD_BY_START: the primal from a start basis that is primal feasible, the dual from one that is dual feasible, else
+// METHOD_BY_START: primal simplex if the start basis is primal feasible, dual simplex if it is dual feasible, otherwise
 // as METHOD_AUTO.
 enum SimplexMethod {
     METHOD_BY_START = -2,
@@ -16,70 +16,76 @@ enum SimplexMethod {
     METHOD_DUAL = 1
 };
 
-// How a record is built and run where that is not the environment's choice. The default is the environment's.
+// Settings of a record that override the environment's parameters. The defaults override nothing.
 struct SimplexTuning {
     enum Scaling { BY_PARAMETER, SCALED, UNSCALED } Scale = BY_PARAMETER;
-    bool Extended = false;   // from the start in extended precision
-    double Tolerance = 1e-6; // feasibility and optimality tolerances are at most this
-    double Markowitz = 0;    // pivots in the factors are at least this strict
-    double Widen = 0;        // rows and bounds are held wider by this, in the user's units
+    bool Extended = false;   // extended precision from the start
+    double Tolerance = 1e-6; // upper limit of the feasibility and optimality tolerances
+    double Markowitz = 0;    // lower limit of the Markowitz tolerance
+    double Widen = 0;        // rows and bounds are widened by this, in user units
 };
 
-// What a run is asked for.
+// Arguments of a run.
 struct SimplexCall {
     int Method = METHOD_AUTO;
-    const int *Statuses = nullptr; // [n + m] start basis; null: that of the record, or slacks
-    const double *Norms = nullptr; // [n + m] dual pricing norms that belong to it, or null
-    const double *X = nullptr;     // [n] start point that classifies nonbasics, or null
-    const double *Slack = nullptr; // [m] likewise
-    double Iterations = 0;         // that earlier stages of the same solve took
-    bool Cutoff = true;            // the Cutoff of the environment is one for this body
+    // [n + m] start basis; null: that of the record, or slacks
+    const int *Statuses = nullptr;
+    const double *Norms = nullptr; // [n + m] dual steepest edge weights for it, or null
+    const double *X = nullptr;     // [n] start point that places nonbasics, or null
+    const double *Slack = nullptr; // [m] the slacks of this point
+    double Iterations = 0;         // iterations of earlier stages of the same solve
+    bool Cutoff = true;            // the environment's Cutoff applies to this body
 };
-// Solves the LP relaxation of the body. *record is null or the record of earlier runs on this body; it holds the result,
-// simplex_status first. 0 (limits, infeasibility and numeric trouble too), or OUT_OF_MEMORY: the record is freed then.
+// Solves the LP relaxation of the body. *record is null or the record of earlier runs on this body; it then holds the
+// status (simplex_status) and the result. 0, also for limits, infeasibility and numeric trouble; or OUT_OF_MEMORY: the
+// record is freed then.
 [[nodiscard]] int SimplexOptimize(sopt **record, const ModelBody *body, TVXenv *env,
                                   const SimplexCall &call);
-// The same in a new record, built and run otherwise than the environment says.
+// The same in a new record with these settings; the old record is freed.
 [[nodiscard]] int SimplexRepeat(sopt **record, const ModelBody *body, TVXenv *env,
                                 const SimplexCall &call, const SimplexTuning &tuning);
 void simplex_free(sopt *s); // null is ignored
-// That of the last run is no longer there: later calls on the record use this one.
+// Later calls on the record use this environment, because that of the last run no longer exists.
 void simplex_set_env(sopt *s, TVXenv *env);
 
-// What multipliers show that do not prove the model infeasible for values of any size.
-struct FarkasReach {
-    // No point up to 1e12 is feasible: doubles cannot hold those beyond within a usual tolerance.
+// Infeasibility proved only for values up to a limited size. Set when multipliers leave a small coefficient at a
+// variable without a bound, so that some point far away might be feasible.
+struct LimitedProof {
+    // No point with values up to 1e12 is feasible. Beyond that doubles have an error above 1e-4 (2^-53 * 1e12), more
+    // than the usual tolerances.
     bool Exact = false;
-    // No point up to 1e9 comes within the tolerance of feasibility.
-    bool Wide = false;
+    // No point with values up to 1e9 is feasible with rows and bounds widened by FeasibilityTol.
+    bool Widened = false;
 };
 
-// How well the status of the last run is founded, best first.
-enum class Footing {
-    SURE,   // optimal within the tolerances in the user's units, proved, or a limit
-    NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
-    UNSURE, // optimal or unbounded, but the point violates tolerances in the user's units
+// How reliable the status of the last run is, best first.
+enum class Confidence {
+    SURE,   // optimal within the tolerances in user units, proved, or a limit
+    NARROW, // proved infeasible, but not with rows and bounds widened by FeasibilityTol
+    UNSURE, // optimal or unbounded, but the point violates tolerances in user units
     NONE    // no answer
 };
 struct SimplexAssessment {
-    Footing Foot = Footing::NONE;
-    double Excess = 0; // UNSURE: largest violation over its tolerance
-    // Optimal: what violations may stand for in the objective, over what users would see of it.
-    double Worth = 0;
-    double Moved =
-        0; // optimal, of a widened run: share of the objective that the wider rows and bounds may have brought
-    bool ByRay = false; // unbounded along a ray, not by bounds at infinity
-    FarkasReach Near;   // of the run
+    Confidence Level = Confidence::NONE;
+    double Excess = 0; // optimal or unbounded: largest violation divided by its tolerance
+    // Optimal: estimated change of the objective by violations, divided by the change that users would see
+    // (OBJECTIVE_ERROR_VISIBLE).
+    double ObjectiveError = 0;
+    // Optimal, SimplexTuning::Widen > 0: estimated change of the objective by widening, as a share of 1 + |objective|.
+    double Moved = 0;
+    bool ByRay = false;   // unbounded along a ray, not because of bounds at infinity
+    LimitedProof Limited; // of all multipliers tried in the run
 };
 SimplexAssessment simplex_assess(const sopt *s);
-// What proves an infeasible status: multipliers of the rows [m], an unbounded one: a ray [n] (body/certificate.h).
-// False when there is no such proof.
+// The proof of an infeasible status: row multipliers [m]; of an unbounded status: a ray [n] (body/certificate.h). False
+// if there is no such proof.
 [[nodiscard]] bool simplex_get_farkas(const sopt *s, double *farkas);
 [[nodiscard]] bool simplex_get_ray(const sopt *s, double *ray);
-bool simplex_is_tuned(const sopt *s); // built or run otherwise than the environment says
-void simplex_count_on(sopt *s,
-                      double iterations); // as if the last run had ended with that count
-// What the looks after a run found instead of its status: infeasible after FarkasReach, or numeric trouble.
+bool simplex_is_tuned(const sopt *s); // some SimplexTuning differs from its default
+// Sets the iteration count of the record, to include iterations of other records.
+void simplex_count_on(sopt *s, double iterations);
+// Replaces the status after a run, for a caller that has found out more: infeasible after a LimitedProof, numeric
+// trouble, or a limit.
 void simplex_declare(sopt *s, int status);
 
 // Results of the last run; any out pointer may be null. None can fail.
@@ -89,11 +95,11 @@ void simplex_get_dual(const sopt *s, double *pi,
 void simplex_get_basis(const sopt *s, int *statuses); // [n + m] as in WarmStart
 double simplex_objective(const sopt *s); // minimisation form, constant included
 double simplex_iterations(const sopt *s);
-double simplex_work_units(const sopt *s); // in the life of the record
-// Those since this was last called: so each is counted once, whether the record is freed or lives on.
+double simplex_work_units(const sopt *s); // since the record was created
+// Work units since the last call of this function, so that a sum over calls counts each unit once.
 double simplex_take_work(sopt *s);
 int simplex_factorizations(const sopt *s);
-// A run in progress: the figures of a line of its log, in the caller's sense. cost: a pass over the variables
+// A run in progress: the figures of a line of its log, in the caller's sense. Costs a pass over the variables.
 struct SimplexProgress {
     double objective, primal_infeasibility, dual_infeasibility;
 };
@@ -109,30 +115,32 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col,
 int simplex_get_norms(const sopt *s, double *norms);
 
 // After an optimum: slacks of the equations i with rows[i] != 0 [m] leave the basis where that is possible. The basis
-// stays optimal, the point stays where it is. 0 or a code.
+// stays optimal and the point does not change. 0 or a code.
 [[nodiscard]] int simplex_release_slacks(sopt *s, const char *rows);
 
 void simplex_log_final(const sopt *s); // the closing line of an optimal run
 
-// Refactors a finished record so that later calls find a fresh factor. 0 or a code.
+// Refactorisation after a run, so that the factors are fresh. 0 or a code.
 [[nodiscard]] int simplex_refactor(sopt *s);
-// The same for an optimal record, and whether it is optimal with them too; if not, SimplexOptimize has to run again.
+// The same for an optimal record. *optimal: the basis is optimal with fresh factors too; if not, SimplexOptimize has to
+// run again.
 [[nodiscard]] int simplex_confirm(sopt *s, bool *optimal);
 
 // ---- Ranging of an optimal basis (ranging.cpp) ----
-// For a record with fresh factors; begin is called once after the solve, the others then for any element.
-// Steps down and up that leave the basis as good as it is, in the body's units and signs; UNDEFINED_VALUE: any step.
+// For a record with fresh factors; simplex_range_begin is called once after the solve, the others then for any element.
+// Longest steps down and up that keep the basis optimal (cost) or feasible (value), in user units; UNDEFINED_VALUE: no
+// limit.
 struct RangeSteps {
     double Down, Up;
 };
-bool simplex_has_factor(const sopt *s); // of the basis at hand
+bool simplex_has_factor(const sopt *s); // of the current basis
 bool simplex_has_fresh_factor(const sopt *s);
 void simplex_range_begin(sopt *s);
-RangeSteps simplex_range_cost(sopt *s,
-                              int j); // of the cost of variable j: it stays optimal
-// Of the value of nonbasic k (n + i: slack of row i), were it free to move: the basics stay within their bounds.
+// Steps of the cost of variable j for which the basis stays optimal.
+RangeSteps simplex_range_cost(sopt *s, int j);
+// Steps of the value of nonbasic k (n + i: slack of row i) for which the basic variables stay within their bounds.
 RangeSteps simplex_range_value(sopt *s, int k);
-// Where variable k stands. A fixed nonbasic stands at the bound that its reduced cost pushes it to, if any.
+// Status of variable k. A fixed nonbasic counts as being at the bound that its reduced cost asks for, if any.
 enum class Place { BASIC, LOWER, UPPER, FREE, FIXED };
 struct VariablePlace {
     Place At;
@@ -140,24 +148,25 @@ struct VariablePlace {
 };
 VariablePlace simplex_place(const sopt *s, int k);
 
-// The condition of the scaled basis, estimated from below (condition.cpp); needs factors. 1 to UNDEFINED_VALUE, which
-// stands for all beyond. 0 or OUT_OF_MEMORY.
+// Estimate (a lower bound) of the condition number of the scaled basis (condition.cpp); needs factors. In 1 to
+// UNDEFINED_VALUE; larger values become UNDEFINED_VALUE. 0 or OUT_OF_MEMORY.
 enum class KappaNorm { ONE, TWO };
 [[nodiscard]] int simplex_kappa(sopt *s, KappaNorm norm, double *kappa);
 
 // ---- Strong branching on a live optimal record with fresh factors (strong_branch.cpp) ----
-// open keeps the state; each probe tightens one bound, lets the dual run for a while, and brings the state back; close
-// leaves the record as it was. Between open and close the record is used for nothing else. Probes allocate only when
-// factors outgrow their room.
+// open saves the state; each probe tightens one bound, runs the dual simplex up to a limit, and restores the state;
+// close leaves the record as it was before. Between open and close the record is used for nothing else. Probes allocate
+// only if factors grow beyond their pools.
 struct StrongBranch;
 enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
 struct BranchOutcome {
-    int Status; // of the run: 2, 3 or 6 (no better than infeasible), or 7, 9, 11, 12: where it stopped
-    // Objective as simplex_objective, always finite: exact with 2, else a lower bound. Of 3 and 6 it tells nothing.
+    int Status; // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, a limit, or NUMERIC
+    // Objective as simplex_objective, always finite: of SIMPLEX_OPTIMAL the optimum, of limits and NUMERIC a lower
+    // bound; without meaning for INFEASIBLE and CUTOFF.
     double Value;
-    double Iterations;
+    double Iterations; // of the probe
 };
-// No solution there, or none worth having: no value means that, as an objective may be any number.
+// The branch has no solution, or none better than the cutoff. Told by the status, since any number may be an objective.
 inline bool branch_is_closed(const BranchOutcome &outcome)
 {
     return outcome.Status == TVX_INFEASIBLE || outcome.Status == TVX_CUTOFF;
@@ -168,6 +177,6 @@ inline bool branch_is_closed(const BranchOutcome &outcome)
                                       BranchOutcome *outcome); // likewise
 void strong_branch_close(StrongBranch *branch);                // null is ignored
 
-// A bound of structural j changed in the body. Moves the live record along and returns true, or returns false
-// when the record cannot follow (the variable becomes or stops being free): the caller then drops it.
+// The bounds of structural variable j changed in the body. True: the record was changed likewise. False: it could not
+// be (the variable becomes or stops being free, or keeps only an upper bound); the caller then has to free the record.
 [[nodiscard]] bool simplex_change_bound(sopt *s, int j, double lb, double ub);

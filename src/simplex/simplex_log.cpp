@@ -1,4 +1,4 @@
-// simplex_log.cpp -- the progress lines of both methods, and the limits that are tested with them
+// simplex_log.cpp -- progress lines of both methods, and the test of limits
 #include "env/callback.h"
 #include "runtime/clock.h"
 #include "simplex/sopt.h"
@@ -6,8 +6,8 @@
 
 namespace
 {
-constexpr double LOG_STEP =
-    100; // iterations between looks at the clock, when the caller set none
+// Iterations between tests of the clock if TARV_PAR_SDISPINTERVAL is 0.
+constexpr double LOG_STEP = 100;
 
 double elapsed(const sopt *s)
 {

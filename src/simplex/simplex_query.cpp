@@ -1,11 +1,11 @@
-// simplex_query.cpp -- what others read from a simplex record, in the units and signs of the model body
+// simplex_query.cpp -- results of a simplex record, in the units and signs of the body
 #include "simplex/dual.h"
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
-// User value of scaled value x of variable j < NumCols.
+// Value in user units of the scaled value x of variable j < NumCols.
 double user_value(const sopt *s, int j, double x)
 {
     return x * s->ColScale.data[j];
@@ -105,7 +105,7 @@ int simplex_perturbed(const sopt *s)
     return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE_PERTURBATION ? 1 : 2;
 }
 
-// The sums are computed for whoever asks: a function that does not ask costs nothing.
+// The sums are computed only when the callback function asks for them.
 int simplex_answer(const void *record, int what, void *result)
 {
     const sopt *s = static_cast<const sopt *>(record);
@@ -162,7 +162,7 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col, 
     if (obj) *obj = s->ObjScale;
 }
 
-// The weights of the last run, when they are those of steepest edge for the basis at hand.
+// The weights of the last run, if they are steepest edge weights of the current basis.
 template<class R> static int held_norms(const sopt *s, const swork<R> *w, double *norms)
 {
     const bool dual = s->Method == METHOD_DUAL;
@@ -206,7 +206,7 @@ template<class R> static int refactor(sopt *s, swork<R> *w)
 int simplex_refactor(sopt *s)
 {
     if (simplex_has_fresh_factor(s)) return 0;
-    s->Running = 0; // no moment of a solve for callbacks
+    s->Running = 0; // no callbacks
     return s->Quad ? refactor(s, s->Extended) : refactor(s, s->Double);
 }
 
@@ -218,7 +218,7 @@ int simplex_confirm(sopt *s, bool *optimal)
                                       : measure_infeasibility(s, s->Double);
     *optimal = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs &&
                inf.PrimalCount == 0 && inf.DualCount == 0;
-    if (!*optimal) s->Status = SIMPLEX_RUNNING; // whatever runs next looks again
+    if (!*optimal) s->Status = SIMPLEX_RUNNING; // the next run has to solve
     return 0;
 }
 

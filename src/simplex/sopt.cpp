@@ -1,4 +1,4 @@
-// sopt.cpp -- the working LP: built from a model body, refreshed for each run
+// sopt.cpp -- the working LP: created from a model body, refreshed for each run
 #include "simplex/sopt.h"
 #include "body/row_kind.h"
 #include "runtime/clock.h"
@@ -9,19 +9,23 @@
 
 namespace
 {
-constexpr int UPDATES_LEAST = 20;           // updates allowed whatever the size
-constexpr int UPDATES_ROOM = 100;           // few rows: a method may go on longer
-constexpr double UPDATES_POWER = 0.7;       // limit m^0.7
-constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates no fill test is made
-constexpr double ROOM_USUAL = 5, ROOM_MOST = 100; // TARV_PAR_SIMPLEXALLOCS: unit and limit
+constexpr int UPDATES_LEAST = 20; // smallest update limit
+// room in the factors: with few rows the primal simplex allows more updates
+constexpr int UPDATES_ROOM = 100;
+constexpr double UPDATES_POWER = 0.7;       // update limit m^0.7
+constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates the fill is not tested
+// TARV_PAR_SIMPLEXALLOCS over ROOM_USUAL is a factor on the size of the factors' pools, at most ROOM_MOST.
+constexpr double ROOM_USUAL = 5, ROOM_MOST = 100;
 constexpr uint64_t RANDOM_SEED = 101;
-constexpr int SHOWN_DIGITS = 6;           // of %g
-constexpr double START_WORK = 50;         // of a run, before anything is touched
-constexpr int PERTURB_SMALL_ROWS = 10000; // models up to here are perturbed less
+constexpr int SHOWN_DIGITS = 6;   // digits of %g
+constexpr double START_WORK = 50; // work units of an empty model
+// Factors on the size of perturbations, up to PERTURB_SMALL_ROWS rows and beyond, if PerturbValue is at most its
+// default.
+constexpr int PERTURB_SMALL_ROWS = 10000;
 constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
 
-// The matrix without the coefficients of 0 that a model may hold: in a work vector a listed zero would count as not
-// listed, and its place be listed twice. Free rows stay empty: their slack is basic and 0 whatever the point.
+// The matrix without coefficients of 0, which a model may contain: a work vector takes a listed value of 0 for an entry
+// that is not listed, and would list it twice. Free rows become empty: their slack is basic with value 0.
 int copy_matrix(sopt *s, const ModelBody *body)
 {
     const int n = s->NumCols;
@@ -85,7 +89,7 @@ int allocate_vectors(sopt *s)
     return 0;
 }
 
-// A last resort for models that are infeasible by rounding.
+// SimplexTuning::Widen, for models whose data are infeasible by rounding.
 void widen(sopt *s)
 {
     if (s->Tuning.Widen <= 0) return;
@@ -140,7 +144,7 @@ int update_limit(const sopt *s, double power)
     return std::max(UPDATES_LEAST, static_cast<int>(std::pow(s->NumRows, power)));
 }
 
-// The cutoff is given for the caller's sense; the default means none whatever the sense, and is above every objective.
+// The parameter Cutoff is given for the sense of the model; its default means no cutoff in either sense.
 void sopt_take_cutoff(sopt *s)
 {
     s->Cutoff = s->Env->Cutoff < UNDEFINED_VALUE && s->HasCutoff
@@ -218,7 +222,7 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
-    s->NearFarkas = FarkasReach{};
+    s->LimitedFarkas = LimitedProof{};
     s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
     s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
     s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);
@@ -242,7 +246,7 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     random_seed(&s->Rng, RANDOM_SEED);
 }
 
-// The first line shows six digits, in which bounds that cross by little look the same.
+// Bounds that cross by little look the same with six digits: then a second line shows all digits.
 static void tell_bad_bounds(const sopt *s, int j)
 {
     char name[DEFAULT_NAME_LENGTH], below[NUMBER_LENGTH], above[NUMBER_LENGTH];
@@ -272,7 +276,7 @@ void sopt_check_bounds(sopt *s)
         s->Status = !crossed && runs_away ? SIMPLEX_UNBOUNDED : SIMPLEX_INFEASIBLE;
         s->BadVar = j;
         tell_bad_bounds(s, j);
-        return; // the next run has to look again
+        return; // InfeasCheckNeeded stays set: the next run has to test again
     }
     s->InfeasCheckNeeded = 0;
 }

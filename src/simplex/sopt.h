@@ -8,36 +8,84 @@
 //   A_ij = r_i c_j a_ij,  Rhs_i = r_i b_i,  x_j = (user x_j) / c_j,  s_i = r_i (user s_i),  Cost_j = o c_j (user cost)
 //   user pi_i = r_i pi_i / o,  user reduced cost_j = d_j / (o c_j)
 //
-// States of Status     1      running
-//                      2 3 5  optimal, infeasible, unbounded
-//                      6 7 9 11  cutoff, iteration limit, time limit, interrupted
-//                      12     numeric trouble
-//                      101    this method is done, the other one has to finish
-//                      -1002  residuals too large: go on in extended precision
-//                      -1003  no progress: begin again with slacks and strict pivots
-// The record belongs to one model and one thread. Everything that is worked on inside the simplex has the number type R
-// and stands in swork<R>; exactly one of the two is allocated.
+// "Units of the model" or "user units" are those of the body, "units of the working LP" the scaled ones.
+//
+// Status: each transition with the functions that make it (file after the name; only one of a name per file)
+//   any -> RUNNING          sopt_refresh: a new call. run_again, take_up (simplex.cpp): polishing, also back to the
+//                           optimum before it. simplex_confirm (simplex_query.cpp): fresh factors show no optimum.
+//                           open, run, run_primal (strong_branch.cpp): a probe
+//   RUNNING -> OPTIMAL      keep_optimal (simplex.cpp): the start basis is optimal. end_phase2 (dual.cpp, primal.cpp).
+//                           open, bring_back, strong_branch_close (strong_branch.cpp): the optimum before the probe
+//   RUNNING -> INFEASIBLE   no_column (dual.cpp), end_phase1 (primal.cpp): after proves_infeasible.
+//                           sopt_check_bounds: crossed bounds, or a lower bound +inf or upper bound -inf
+//   RUNNING -> UNBOUNDED    no_row (primal.cpp): after proves_unbounded. sopt_check_bounds: an infinite bound on the
+//                           wrong side towards which the cost of the variable improves without limit
+//   RUNNING -> CUTOFF       refresh (dual.cpp): the dual bound exceeds Cutoff
+//   OPTIMAL -> CUTOFF       optimize (simplex.cpp): the optimal objective exceeds Cutoff
+//   RUNNING -> limits       limit_reached (simplex_log.cpp): INTERRUPTED, ITERATION_LIMIT, TIME_LIMIT. Called by solve
+//                           (simplex.cpp), dual_pivots, dual_enter_free, exact_weights (dual_weights.cpp), PrimalRun,
+//                           start_norms (primal_price.cpp)
+//   RUNNING -> SWITCH       dual.cpp: watch_start (cycling), end_box_phase (not dual feasible), end_phase2 (not dual
+//                           feasible for the true costs), no_row and set_row_aside (rows set aside for their pivots);
+//                           primal.cpp: end_phase1 (infeasibility not proved), end_phase2 (not primal feasible for the
+//                           true bounds), no_column and set_column_aside (columns set aside); stall_look (STALL_SWITCH)
+//   RUNNING -> NEED_QUAD    strike (values.cpp), for judge_residuals. stall_look (STALL_EXTENDED)
+//   RUNNING -> RESTART      stall_look (STALL_STRICT)
+//   any -> NUMERIC          Refactor (basis.cpp): a basis that repairs do not make regular. stall_look (STALL_END).
+//                           iterate (primal.cpp): the ratio test finds no row because values are not finite
+//   SWITCH -> RUNNING       hand_over (simplex.cpp): the other method, or the dual again without perturbation;
+//                           -> NUMERIC after MAX_SWITCHES. run_primal (strong_branch.cpp)
+//   RESTART -> RUNNING      restart (simplex.cpp)
+//   NUMERIC, NEED_QUAD -> RUNNING   go_extended (simplex.cpp), once, if the parameter Quad is -1
+//   NEED_QUAD -> NUMERIC    run_methods (simplex.cpp), if extended precision is not allowed or already in use
+//   any -> a final status   simplex_declare: what the caller has found out after the run
+// RefacReason
+//   any -> START            setup (dual.cpp, primal.cpp)
+//   NONE -> START           no_row (primal.cpp): perturbation removed; primal_settle_superbasic
+//   NONE -> UPDATES         stall_count_pass
+//   NONE -> CLEAN           dual.cpp: begin_phase2, end_box_phase, no_row; primal.cpp: end_phase1, drop_phase_costs,
+//                           no_column, check_price
+//   NONE -> CONFIRM         no_column (dual.cpp), no_row (primal.cpp)
+//   NONE -> PIVOT, ROOM     UpdateFactor, in apply_step (dual.cpp) and apply_pivot (primal.cpp); PIVOT also
+//                           distrust_factors, for reject_pivot (dual.cpp) and reject_column (primal.cpp)
+//   NONE -> FILL            apply_step (dual.cpp), apply_pivot (primal.cpp), after wants_refactor
+//   any -> NONE             refresh (dual.cpp, primal.cpp); run (strong_branch.cpp). bring_back restores the value that
+//                           the record had before strong branching
+// BoxPhase
+//   0 -> 1                  setup (dual.cpp), if dual infeasible nonbasics are left after dual_place_nonbasics
+//   1 -> 0                  the same if none is left; begin_phase2 (dual.cpp); setup (primal.cpp); finish_values;
+//                           sopt_refresh
+// Perturbed
+//   0 -> 1                  dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
+//   0, 1 -> 3               dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
+//   any -> 0                dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; safe_bound,
+//                           bring_back of strong_branch.cpp), primal_remove_perturbation (setup, end_phase1,
+//                           end_phase2, no_row of primal.cpp), finish_values, sopt_refresh
+//
+// The record belongs to one model and one thread. Vectors that depend on the number type R are in swork<R>; exactly one
+// of the two is allocated.
 #pragma once
 #include "lu/lufact.h"
 #include "runtime/random.h"
 #include "simplex/simplex.h"
 
+// Positive values up to 12 are those of TVX_OPTIMAL and the other public statuses.
 enum SimplexStatus {
     SIMPLEX_RUNNING = 1,
     SIMPLEX_OPTIMAL = 2,
     SIMPLEX_INFEASIBLE = 3,
     SIMPLEX_UNBOUNDED = 5,
-    SIMPLEX_CUTOFF = 6,
+    SIMPLEX_CUTOFF = 6, // the objective cannot be better than Cutoff
     SIMPLEX_ITERATION_LIMIT = 7,
     SIMPLEX_TIME_LIMIT = 9,
     SIMPLEX_INTERRUPTED = 11,
-    SIMPLEX_NUMERIC = 12,
-    SIMPLEX_SWITCH = 101,
-    SIMPLEX_NEED_QUAD = -1002,
-    SIMPLEX_RESTART = -1003,
+    SIMPLEX_NUMERIC = 12,      // numeric trouble
+    SIMPLEX_SWITCH = 101,      // the other method has to continue
+    SIMPLEX_NEED_QUAD = -1002, // continue in extended precision
+    SIMPLEX_RESTART = -1003,   // no progress: start again from slacks (STALL_STRICT)
 };
 
-// Entries of VStat below zero; at or above zero a variable is basic.
+// Entries of VStat below zero; entries at or above zero are the basis position of a basic variable.
 enum BasisStatus {
     BASIC = 0,
     AT_LOWER = -1,
@@ -46,42 +94,47 @@ enum BasisStatus {
     AT_FIXED = -4, // lower = upper, or kept out of the basis for the rest of a run
 };
 
-// The stall guard (stall.cpp). Remedies in the order in which they are taken.
+// The stall guard (stall.cpp). Values and reduced costs are refreshed after at most PASSES_PER_UPDATE * MaxUpdates +
+// PASSES_LEAST passes of the loop, also when all of them are bound flips or rejected pivots, which update no factors.
 static constexpr int PASSES_PER_UPDATE = 2, PASSES_LEAST = 100;
+// The box problem and phase 2 of the dual simplex, phases 1 and 2 of the primal simplex.
 enum StallPhase { STALL_BOX, STALL_DUAL, STALL_PRIMAL_1, STALL_PRIMAL_2, STALL_PHASES };
+// Remedies against a stall, in the order in which they are taken.
 enum StallRemedy {
     STALL_NONE,
-    STALL_COSTS,   // out of phase 1 of the primal
-    STALL_PERTURB, // costs or bounds
-    STALL_SWITCH,  // to the other method
-    STALL_LONGER,  // numbers
-    STALL_STRICT,  // pivots in the factors, from a start of slacks
-    STALL_END,     // numeric trouble
+    // phase 1 of the primal simplex no longer contains a share of the true costs
+    STALL_COSTS,
+    STALL_PERTURB,  // costs (dual) or bounds (primal) are perturbed
+    STALL_SWITCH,   // the other method continues
+    STALL_EXTENDED, // extended precision from the same basis
+    STALL_STRICT,   // start again from slacks, with strict pivots in the factors
+    STALL_END,      // the run ends in numeric trouble
 };
 struct StallGuard {
-    double Best[STALL_PHASES]; // least value of each phase since the last remedy
-    int Looks = 0;             // of this run; each refresh of factors and values is one
-    int IdleLooks = 0;         // looks without a better one
-    double Iter = 0;           // NPvt when they began
-    double Begin = 0;          // NPvt at the last remedy
-    int Passes = 0;            // of the loop since the last factorisation: flips need none
-    StallRemedy Taken = STALL_NONE; // last one of this run
+    double Best[STALL_PHASES];      // smallest value of each phase since the last remedy
+    int Looks = 0;                  // refreshes of factors and values in this run
+    int IdleLooks = 0;              // refreshes since the value of the phase last improved
+    double Iter = 0;                // NPvt at that improvement
+    double Begin = 0;               // NPvt at the last remedy
+    int Passes = 0;                 // passes of the loop since the last refresh
+    StallRemedy Taken = STALL_NONE; // last remedy of this run
 };
 
-// What stands behind an infeasible or unbounded status.
+// What proves an infeasible or unbounded status: nothing, row multipliers, a ray.
 enum ProofKind { PROOF_NONE, PROOF_FARKAS, PROOF_RAY };
 
-// Why the basis is to be factored again.
+// Why factors, values and reduced costs are to be computed afresh.
 enum RefacReason {
     REFAC_NONE = 0,
-    REFAC_START = 1,   // start of a method
-    REFAC_UPDATES = 2, // update limit
-    // Perturbation changed, or a result is to be confirmed on fresh factors.
+    // start of a method, or basic values no longer belong to the nonbasic ones
+    REFAC_START = 1,
+    REFAC_UPDATES = 2, // many passes of the loop since the last refresh (stall_count_pass)
+    // Costs, bounds or phase changed, or a result is to be confirmed on fresh factors.
     REFAC_CLEAN = 4,
-    REFAC_CONFIRM = 5, // infeasible or unbounded by old factors
-    REFAC_PIVOT = 6,   // pivots from row and column differ, or the update failed
-    REFAC_FILL = 10,   // factors have filled up
-    REFAC_ROOM = 11,   // update ran out of room
+    REFAC_CONFIRM = 5, // infeasible or unbounded according to updated factors
+    REFAC_PIVOT = 6,   // the pivots from row and column differ, or the update was unstable
+    REFAC_FILL = 10,   // update limit reached, or solves have become slow by fill
+    REFAC_ROOM = 11,   // the update ran out of memory in its pools
 };
 
 template<class R> struct dopt;
@@ -90,69 +143,74 @@ template<class R> struct popt;
 // The vectors of one number type.
 template<class R> struct swork {
     lufact<R> Lu;
-    int FactorAge = -1; // BasisAge for which Lu was made
-    Array<R> Cbar;      // [NumVars] reduced costs
-    Array<R> Bbar;      // [m] values of the basic variables by position
-    SVec<R> Rho;        // [m] row r of the inverse
-    SVec<R> Alpha;      // [m] entering column
-    SVec<R> Tau;        // [m] B^-1 rho, for steepest edge
-    SVec<R> Work;       // [m] flips, residuals, cost changes
-    Array<R> RowAcc;    // [n] accumulator of the pivot row; SVEC_TINY between uses
-    Array<int> RowInd;  // [NumVars] packed pivot row: variables
-    Array<R> RowVal;    // [NumVars] and their entries
-    int RowCount = 0;
-    dopt<R> *Dual = nullptr;
-    popt<R> *Primal = nullptr;
+    int FactorAge = -1;        // BasisAge of the basis that Lu was made for
+    Array<R> Cbar;             // [NumVars] reduced costs
+    Array<R> Bbar;             // [m] values of the basic variables by position
+    SVec<R> Rho;               // [m] row r of the inverse
+    SVec<R> Alpha;             // [m] entering column of the tableau
+    SVec<R> Tau;               // [m] B^-1 rho, for steepest edge
+    SVec<R> Work;              // [m] flips, residuals, cost changes
+    Array<R> RowAcc;           // [n] accumulator of the pivot row; SVEC_TINY between uses
+    Array<int> RowInd;         // [NumVars] packed pivot row: variables
+    Array<R> RowVal;           // [NumVars] and their entries
+    int RowCount = 0;          // entries of the packed pivot row
+    dopt<R> *Dual = nullptr;   // owned, or null before the first dual run
+    popt<R> *Primal = nullptr; // owned, or null before the first primal run
 };
 
-// What a run counts and adapts: kept and brought back by one assignment around strong branching.
+// Counters and adapted tolerances of a run. Strong branching saves and restores them by one assignment.
 struct SimplexCounters {
-    double IterBase = 0;     // iterations that earlier stages of the same solve took
-    double NPvt = 0;         // iterations of this run
-    double Pivots = 0;       // exchanges of basics and nonbasics in the life of the record
-    double Work = 0;         // NPvt plus bound flips
-    int NumFactor = 0;       // factorisations
+    double IterBase = 0;      // iterations that earlier stages of the same solve took
+    double NPvt = 0;          // iterations of this run
+    double Pivots = 0;        // pivots since the record was created
+    double Work = 0;          // NPvt plus bound flips
+    int NumFactor = 0;        // factorisations
     int Method = METHOD_DUAL; // method of the last run
-    double Obj = 0;  // objective in user units, minimisation, without ObjOffset
-    int RefacReason = REFAC_NONE;
+    double Obj = 0;           // objective in user units, minimisation, without ObjOffset
+    int RefacReason = REFAC_NONE; // see the table above
     StallGuard Stall;
-    int SwitchCount = 0;       // changes of method in this run
-    int NumericCount = 0;      // numeric events in this run
-    int SingularCount = 0;     // repairs of singular bases
-    int PerturbAllowed = 1; // cleared when a clean run is wanted
-    double PerturbCur = 0; // working size of perturbations
-    double DegenCount = 0; // degenerate iterations
-    // DegenCount and NPvt at the last test for a stall.
+    int SwitchCount = 0;    // changes of method in this run
+    int NumericCount = 0;   // rejected pivots, singular bases, large residuals in this run
+    int SingularCount = 0;  // repairs of singular bases
+    int PerturbAllowed = 1; // costs or bounds may be perturbed
+    double PerturbCur = 0;  // size of the next cost perturbation of the dual simplex
+    double DegenCount = 0;  // degenerate iterations
+    // DegenCount and NPvt when the dual simplex last tested for a stall.
     double LastDegenCount = 0, LastPerturbIter = 0;
-    // An infeasibility could not be proved: smaller reduced costs count as well.
+    // The primal simplex could not prove an infeasibility and has reduced OptTol (end_phase1).
     int TightProof = 0;
-    double FeasTol = 1e-6, OptTol = 1e-6, MarkowitzTol = 0.0078125, PivotTol = 3e-8,
-           BigTol = 3e-6, ZeroTol = 1e-13;
-    double RhsSize = 0; // largest entry of the right-hand side after the nonbasics
-    // Of the last values: as solved, after refinement.
+    // Tolerances in force, in units of the working LP: primal and dual feasibility, ...
+    double FeasTol = 1e-6, OptTol = 1e-6;
+    double MarkowitzTol = 0.0078125; // ... threshold pivoting in the factors (0..1),
+    double PivotTol = 3e-8;          // ... smallest pivot that is taken without a check,
+    double BigTol = 3e-6;            // ... difference of the pivots from row and column,
+    double ZeroTol = 1e-13;          // ... entries up to this size count as zero
+    double RhsSize = 0; // largest entry of Rhs - N x_N in the last compute_primal
+    // Largest residual of the last basic values: as solved, after refinement.
     double PrimalError = 0, PrimalResidual = 0;
     double DualResidual = 0;               // of the last reduced costs, after refinement
-    int FeasTolCount = 0, OptTolCount = 0; // residuals found beyond the tolerances
-    int MaxUpdates = 20, MinUpdates = 0; // limits between factorisations
+    int FeasTolCount = 0, OptTolCount = 0; // residuals beyond the tolerances in this run
+    // Refactorisation after MaxUpdates updates; below MinUpdates the fill is not tested.
+    int MaxUpdates = 20, MinUpdates = 0;
 };
 
 struct sopt : SimplexCounters {
-    const ModelBody *Body = nullptr; // that is solved; not owned
-    SimplexTuning Tuning;            // what differs from the environment's parameters
-    TVXenv *Env = nullptr;           // not owned
-    int Running = 0;                 // a solve, whose callback function is called
-    int HasCutoff = 1;               // the Cutoff of the environment is one for this body
+    const ModelBody *Body = nullptr; // the body that is solved; not owned
+    SimplexTuning Tuning;  // settings that differ from the environment's parameters
+    TVXenv *Env = nullptr; // not owned
+    int Running = 0;       // the callback function is called during this run
+    int HasCutoff = 1;     // the environment's Cutoff applies to this body
 
     // Time, limits, log
     double StartTime = 0;    // clock at the start of this run
     double TickLength = 5;   // seconds between log lines
-    double TickIndex = -1;   // tick of the last line
+    double TickIndex = -1;   // number of the tick in which the last line was written
     double LastLogIter = -1; // iteration of the last line
-    double NextLogIter = 0;  // threshold of the periodic line
-    double WorkUnits = 0;    // deterministic effort besides that of the live factors
-    double WorkTaken = 0;    // of all effort, what simplex_take_work has handed out
-    double FactorWork = 0;   // of the factors that a change of precision has freed
-    int HeaderDone = 0;      // the column header of the log stands
+    double NextLogIter = 0;  // value of Work from which the next line may be written
+    double WorkUnits = 0;    // work (entries touched) outside of the live factors
+    double WorkTaken = 0;    // the part of the work that simplex_take_work has returned
+    double FactorWork = 0;   // work of factors that a change of precision has freed
+    int HeaderDone = 0;      // the column header of the log has been written
 
     // Working LP
     int NumRows = 0, NumCols = 0, NumVars = 0; // m, n, n + m
@@ -164,71 +222,73 @@ struct sopt : SimplexCounters {
     Array<double> Lower, Upper;                // [NumVars] +-Infinity where none
     Array<double> Rhs;                         // [m]
     double ObjOffset = 0;                      // constant, in user units
-    double ObjScale = 1;
-    Array<double> RowScale, ColScale; // [m], [n]
-    int Scaled = 0;                   // some factor differs from +-1
-    // A bound that is none; values may go beyond TARV_PAR_INFBOUND.
+    double ObjScale = 1;                       // o of the formulas above
+    Array<double> RowScale, ColScale;          // [m], [n] r and c of the formulas above
+    int Scaled = 0;                            // some factor differs from +-1
+    // Value that stands for an infinite bound. Values of variables may exceed TARV_PAR_INFBOUND.
     double Infinity = INFINITE_BOUND;
 
     // Row copy, partitioned: the first RowFill[i] entries of row i belong to nonbasic columns that may enter.
     Array<int> RowBeg;      // [m + 1]
     Array<int> RowFill;     // [m]
-    Array<int> RowInd;      // [nz]
-    Array<double> RowVal;   // [nz]
-    Array<int> SlotOfEntry; // [nz] place in the row copy of a matrix entry
-    Array<int> EntryOfSlot; // [nz]
-    Array<char> InRowCopy;  // [n] column stands in the front parts
+    Array<int> RowInd;      // [nz] columns
+    Array<double> RowVal;   // [nz] coefficients
+    Array<int> SlotOfEntry; // [nz] position in the row copy of an entry of the column copy
+    Array<int> EntryOfSlot; // [nz] the inverse permutation
+    Array<char> InRowCopy;  // [n] the entries of the column are in the front parts
 
     // Basis
-    Array<int> VStat;       // [NumVars] BasisStatus or position
+    Array<int> VStat;       // [NumVars] BasisStatus or basis position
     Array<int> BasisHead;   // [m] variable by position
     Array<double> SuperVal; // [NumVars] value of a nonbasic at AT_FREE; 0 unless superbasic
     Array<double> WorkCost; // [NumVars] Cost plus perturbation and shifts
-    // [NumVars] bounds in force: true, box of phase 1, or perturbed.
+    // [NumVars] bounds in force: true bounds, those of the box problem, or perturbed bounds.
     Array<double> WorkLower, WorkUpper;
     // [m] WorkLower and WorkUpper of the basic variables, by position.
     Array<double> BasicLower, BasicUpper;
-    // [NumVars] squared norms of the basics that came with the basis, or empty.
+    // [NumVars] dual steepest edge weights of the basic variables, given with the start basis; or empty.
     Array<double> StartNorms;
-    int Superbasics = 0; // nonbasics that stand at a value of their own
+    int Superbasics = 0; // number of superbasic variables
     int HasBasis = 0;    // VStat and BasisHead hold a basis
-    // Counts replacements of the basis as a whole; factors and weights remember theirs.
+    // Number of replacements of the whole basis. Factors and weights keep the number that they belong to.
     int BasisAge = 0;
 
     // Run
-    int Status = 0;
+    int Status = 0; // SimplexStatus, see the table above
     // The first method is the one for which the start basis is feasible.
     int MethodByStart = 0;
-    int BadVar = -1; // variable whose bounds proved infeasibility
-    int Quad = 0;    // 1: extended precision is live
+    int BadVar = -1;           // variable whose bounds alone gave the status, or -1
+    int Quad = 0;              // 1: extended precision is live
     int InfeasCheckNeeded = 1; // bounds changed since the last test for crossed bounds
-    int Perturbed = 0;      // 0 none, 1 mild shifts, 2 shifts, 3 costs or bounds as a whole
-    int BoxPhase = 0;       // the dual solves the box problem of phase 1: right-hand side 0
-    // Began from a given basis with few infeasibilities: costs move only when it stalls.
+    int Perturbed = 0; // 0 none, 1 single costs or bounds, 3 all costs or all active bounds
+    int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
+    // The run began from a given basis with few infeasibilities: costs are perturbed only after a stall.
     int NearOptimal = 0;
-    // The last run was stopped by a limit, and this one is to go on from there: by the method that ran, with its
-    // perturbation. Another one could undo the pivots of the last run, and short runs would never arrive.
+    // A limit stopped the last run. The next run continues with the same method and the same perturbation: otherwise it
+    // could undo the pivots of the last one, and a sequence of short runs might never reach the optimum.
     int Stopped = 0;
-    int AskedMethod = 0, StoppedMethod = 0; // the caller's wish then; the method that ran
-    int StoppedPerturb = 0;                 // PerturbAllowed
-    // Empty, or what was added to the costs [NumVars] (dual), to lower and then upper bounds [2 NumVars] (primal).
+    int AskedMethod = 0,
+        StoppedMethod = 0;  // method asked for by the caller; method that ran
+    int StoppedPerturb = 0; // PerturbAllowed of the stopped run
+    // Empty, or what was added to the costs [NumVars] (dual), or to lower and then upper bounds [2 NumVars] (primal).
     Array<double> StoppedShift;
-    // [NumVars] or empty: nonbasics at the upper side of their box in phase 1 of the dual.
+    // Empty, or [NumVars] nonbasics at their upper bound of the box problem.
     Array<char> StoppedUpper;
-    double UsualOptTol = 1e-6; // OptTol before TightProof
-    // In user units, minimisation, without offset: as Obj; HUGE_VAL: none.
+    double UsualOptTol = 1e-6; // OptTol before TightProof reduced it
+    // In user units, minimisation, without ObjOffset (as Obj); HUGE_VAL: none.
     double Cutoff = 1e100;
-    FarkasReach NearFarkas; // what multipliers without a full proof have shown in this run
-    // PROOF_FARKAS holds with rows and bounds held wider by FeasibilityTol.
-    int WideProof = 0;
+    // What multipliers that give no full proof of infeasibility have shown in this run.
+    LimitedProof LimitedFarkas;
+    // The proof PROOF_FARKAS also holds with rows and bounds widened by FeasibilityTol.
+    int WidenedProof = 0;
     ProofKind Proof = PROOF_NONE; // what proved the status of this run
-    // [NumVars] PROOF_FARKAS: row multipliers, then 0; PROOF_RAY: the ray; both scaled.
+    // [NumVars] PROOF_FARKAS: row multipliers in the first m entries, then 0; PROOF_RAY: the ray; both scaled.
     Array<double> ProofVector;
-    Random Rng;
+    Random Rng; // for perturbations
 
     // Scratch
     Array<double> RowWork;       // [m]
-    Array<int> BadRows, BadCols; // [m] from FactorBasis
+    Array<int> BadRows, BadCols; // [m] rows and positions without pivot, from FactorBasis
     Array<int> Mark;             // [NumVars] zero between uses
 
     swork<double> *Double = nullptr;        // live when Quad == 0
@@ -251,7 +311,8 @@ inline bool is_basic(const sopt *s, int j)
 {
     return s->VStat.data[j] >= 0;
 }
-// The caller's value of variable j over the scaled one, without the sign. Reduced costs: over this and ObjScale.
+// |value of variable j in units of the model| = user_unit * |scaled value|; a scaled reduced cost is divided by
+// user_unit and ObjScale to get that of the model.
 inline double user_unit(const sopt *s, int j)
 {
     return j < s->NumCols ? std::fabs(s->ColScale.data[j])
@@ -271,7 +332,7 @@ inline bool has_upper(const sopt *s, double bound)
 {
     return bound < s->Infinity;
 }
-// A nonbasic at a value of its own that is no bound: the primal pushes it to one or into the basis.
+// A nonbasic variable away from its bounds: the primal simplex moves it to a bound or into the basis.
 inline bool is_superbasic(const sopt *s, int j)
 {
     return s->VStat.data[j] == AT_FREE &&
@@ -303,37 +364,40 @@ inline double iterations(const sopt *s)
     return s->IterBase + s->NPvt;
 }
 
-// The factors belong to the basis at hand.
+// The factors (with their updates) belong to the current basis.
 template<class R> inline bool has_factor(const sopt *s, const swork<R> *w)
 {
     return w->Lu.NeedBasis == 0 && w->FactorAge == s->BasisAge;
 }
-// Rounding of the number type against that of double: what counts as zero or as too small a pivot goes with it.
+// Factor on the thresholds below which numbers count as zero or pivots as too small: extended precision has 64 bits
+// against 53 of double, of which 1e-3 uses about 10.
 template<class R> inline constexpr double ROUNDING_SHARE = 1;
 template<> inline constexpr double ROUNDING_SHARE<long double> = 1e-3;
 
-// Entries of a row or column below this one are not taken as pivots at first: with fresh factors, some, many updates.
+// Smallest entry of a row or column that the first ratio test takes as pivot: after few, more, many updates.
 template<class R> inline R pivot_floor(const swork<R> *w)
 {
     const int updates = w->Lu.NumUpdates;
     return R(ROUNDING_SHARE<R> * (updates < 10 ? 1e-9 : updates < 20 ? 1e-8 : 1e-7));
 }
-// Entries below this share of the largest one of their row or column are rounding.
+// Entries below this share of the largest one of their row or column count as rounding errors.
 template<class R> inline R noise_share(const swork<R> *w)
 {
     return R(ROUNDING_SHARE<R> * (w->Lu.NumUpdates == 0 ? 1e-12 : 1e-11));
 }
 
-// What a callback function may ask of a run (simplex_query.cpp).
+// Answers to the queries of a callback function during a run (simplex_query.cpp).
 int simplex_answer(const void *record, int what, void *result);
 
 // ---- sopt.cpp: the record ----
-[[nodiscard]] int sopt_create(const ModelBody *body, TVXenv *env, const SimplexTuning &tuning,
+[[nodiscard]] int sopt_create(const ModelBody *body, TVXenv *env,
+                              const SimplexTuning &tuning,
                               sopt **out); // scaled working LP, row copy; no basis yet
-void sopt_refresh(sopt *s, const SimplexCall &call);                // tolerances, limits, counters for a new run
-// Stopped and what follows it, at the end of a run. 0 or OUT_OF_MEMORY.
+void sopt_refresh(sopt *s,
+                  const SimplexCall &call); // tolerances, limits, counters for a new run
+// At the end of a run: sets Stopped and the fields after it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sopt_keep_stop(sopt *s);
-// The first method of a run goes on from there; false: it begins anew.
+// Called by the first method of a run: true if it continues a stopped run, whose perturbation is then restored.
 bool sopt_take_up_stop(sopt *s);
 void sopt_take_cutoff(sopt *s); // Cutoff from the parameter
 int update_limit(const sopt *s,
@@ -347,7 +411,7 @@ template<class R> void swork_free(swork<R> **work);
 
 // ---- row_copy.cpp ----
 [[nodiscard]] int
-row_copy_build(sopt *s); // allocates and links the row copy; all columns stand in front
+row_copy_build(sopt *s); // allocates and links the row copy; all columns in the front parts
 void row_copy_partition(sopt *s);     // fronts hold the nonbasics that may enter, by VStat
 void row_copy_insert(sopt *s, int j); // column j may enter from now on
 void row_copy_remove(sopt *s, int j); // column j became basic or fixed
@@ -355,18 +419,18 @@ void row_copy_remove(sopt *s, int j); // column j became basic or fixed
 // ---- start_basis.cpp ----
 void start_slack_basis(sopt *s);
 bool is_slack_basis(const sopt *s);
-[[nodiscard]] int crash_equations(sopt *s); // improves a slack basis for the dual
-// Takes statuses [NumVars] (>= 0 basic); false when they are no basis (more or fewer than m basics): unchanged then.
+[[nodiscard]] int crash_equations(sopt *s); // improves a slack basis for the dual simplex
+// Takes statuses [NumVars] (>= 0 basic). False and unchanged if the number of basic variables is not m.
 bool start_from_statuses(sopt *s, const int *statuses);
 void settle_nonbasics(sopt *s); // every nonbasic gets the status that its true bounds allow
-// Nonbasics take the place that a point in user units gives them: a bound, or a value of their own (superbasic).
+// Nonbasics take their place from a point in user units: at a bound, or superbasic.
 void start_from_point(sopt *s, const double *x, const double *slack);
 
 // ---- primal_start.cpp ----
-[[nodiscard]] int primal_start(sopt *s); // improves a slack basis for the primal
+[[nodiscard]] int primal_start(sopt *s); // improves a slack basis for the primal simplex
 
 // ---- basis.cpp: factor, solve for values ----
-// Factors the basis, mending it with slacks when it is singular. 0 or a code; may set Status.
+// Factors the basis; a singular basis is repaired with slacks. 0 or a code; may set Status.
 template<class R> [[nodiscard]] int Refactor(sopt *s, swork<R> *w);
 template<class R> void compute_row(sopt *s, swork<R> *w); // packed pivot row from Rho
 template<class R> void load_column(const sopt *s, int j, SVec<R> *x); // x := column j
@@ -375,51 +439,54 @@ void set_basic_bounds(sopt *s); // BasicLower, BasicUpper
 void swap_basis(sopt *s, int r, int q, int status);
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w);
 bool wants_confirmation(const sopt *s); // a result needs fresh factors
-void distrust_factors(
-    sopt *s); // a pivot of old factors was wrong: new ones, with stricter pivots
+// A pivot from updated factors was wrong: asks for a refactorisation with stricter pivots.
+void distrust_factors(sopt *s);
 
 // ---- values.cpp ----
 template<class R>
 void compute_primal(sopt *s, swork<R> *w); // Bbar from the nonbasics and the working bounds
-template<class R> void refine_primal(sopt *s, swork<R> *w); // Bbar once more
-template<class R> void refine_dual(sopt *s, swork<R> *w);   // Cbar once more
+template<class R> void refine_primal(sopt *s, swork<R> *w); // one refinement step for Bbar
+template<class R> void refine_dual(sopt *s, swork<R> *w);   // one refinement step for Cbar
 template<class R> void compute_dual(sopt *s, swork<R> *w);  // Cbar from WorkCost
 template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost, R *cbar);
-// Draws conclusions from the residuals of the last two; may set Status.
+// Acts on the residuals of the last compute_primal and compute_dual: stricter pivots in the factors, or extended
+// precision; may set Status.
 template<class R> void judge_residuals(sopt *s, const swork<R> *w);
 
 // ---- farkas.cpp ----
-// Do the multipliers in Rho prove that no point within the true bounds satisfies the equations? They are refined on
-// the factors, which have to be fresh; Tau and Work are used.
+// True if the multipliers in Rho prove that no point within the true bounds satisfies the equations. They are refined
+// with the factors, which should be fresh; Tau and Work are used.
 template<class R> bool proves_infeasible(sopt *s, swork<R> *w);
 
 // ---- ray.cpp ----
-// Does the LP fall without end along the edge on which nonbasic q moves by `direction`? The factors have to be fresh;
-// Alpha becomes its column, Tau and Work are used.
+// True if the objective is proved to decrease without limit along the edge on which nonbasic q moves in `direction`.
+// The factors have to be fresh; Alpha becomes column q of the tableau, Tau and Work are used.
 template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int direction);
 
 // ---- stall.cpp ----
-void stall_reset(sopt *s); // values of the phases are not comparable with those before
-// A pass of the loop is done; too many of them without a factorisation ask for one.
+void stall_reset(
+    sopt *s); // the values of the phases are no longer comparable with earlier ones
+// Counts a pass of the loop; too many of them without a refresh ask for one.
 inline void stall_count_pass(sopt *s)
 {
     const bool many = ++s->Stall.Passes > PASSES_PER_UPDATE * s->MaxUpdates + PASSES_LEAST;
     if (many && s->RefacReason == REFAC_NONE) s->RefacReason = REFAC_UPDATES;
     if (s->RefacReason != REFAC_NONE) s->Stall.Passes = 0;
 }
-// On fresh factors and values: what to do against a stall. STALL_COSTS and STALL_PERTURB are the method's, for the others
-// Status is set.
+// Called with fresh factors and values: the remedy to take against a stall. The method applies STALL_COSTS and
+// STALL_PERTURB, for the other remedies Status is set.
 template<class R> StallRemedy stall_look(sopt *s, swork<R> *w);
 
 // ---- finish.cpp ----
-template<class R>
-void finish_values(sopt *s,
-                   swork<R> *w); // true costs and bounds, values and reduced costs for them
-// How far a basis is from being optimal, in user units. Worth: what the violations may stand for in the objective, as a
-// share of 1 + |objective|: their sum at the price of the largest reduced cost (primal) or value (dual) there is.
+// True costs and bounds in force again, values and reduced costs computed for them.
+template<class R> void finish_values(sopt *s, swork<R> *w);
+// How far a basis is from being optimal, in user units. ObjectiveError estimates by how much the violations may change
+// the objective, as a share of 1 + |objective|: the sum of the primal violations times the largest reduced cost, and
+// the sum over the dual violations of each times the largest basic value, or the range of the variable if that is
+// smaller.
 struct UserViolation {
-    double Largest = 0, Worth = 0;
-    double Working = 0; // the largest one in the units of the working LP
+    double Largest = 0, ObjectiveError = 0;
+    double Working = 0; // the violation of Largest in units of the working LP
 };
 struct UserViolations {
     UserViolation Primal, Dual;
@@ -427,10 +494,11 @@ struct UserViolations {
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w);
 
 // ---- self_check.cpp ----
-// Computes anew what updates carry along, when TARV_PAR_ITEST asks for it, and warns on the log; how often it warned.
+// With TARV_PAR_ITEST: recomputes what is updated from iteration to iteration and logs differences. The number of
+// warnings.
 enum class CheckPoint {
     FACTORED, // fresh factors, values and reduced costs
-    COLUMN,   // Alpha is the column of q, before the step
+    COLUMN,   // Alpha is column q of the tableau, before the step
     UPDATED,  // after a pivot
     FINISHED  // end of a run
 };

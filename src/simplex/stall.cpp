@@ -1,41 +1,40 @@
 // stall.cpp -- the stall guard of both simplex methods
 //
-// Problem     Perturbation may be exhausted, forbidden or too small, costs may be shifted to and fro, and rounding may
-//             carry a run between the phases. No single step shows it, and the run would never end.
-// Method      Each refresh of factors and values is a look. At every LOOK_PERIOD-th, once the run is past FIRST_LOOKS or
-//             FIRST_ROUNDS, the value that the phase brings down is compared with its best since the last remedy: the sum
-//             of infeasibilities (primal, phase 1), the objective (primal, phase 2), the dual objective with its sign
-//             changed (dual, box problem and phase 2). After many looks and iterations without a better one the run takes
-//             the next remedy: the true costs leave phase 1 of the primal; costs or bounds are perturbed; the other method
-//             takes over; the same basis goes on in longer numbers; the run begins again with slacks and strict pivots in
-//             the factors; it ends in numeric trouble. Each is taken once, so that there is an end.
-// Cost        one pass over the variables per look.
+// Problem     Perturbation may be used up, forbidden or too small, costs may be shifted repeatedly in both directions,
+//             and rounding may lead a run back from phase 2 to phase 1. Such a run would not terminate, and no single
+//             iteration shows it.
+// Method      A look is one refresh of factors and values. At every LOOK_PERIOD-th look, after the first FIRST_LOOKS
+//             looks or FIRST_ROUNDS iterations, the value that the phase minimises is compared with its best since the
+//             last remedy: the sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), minus the
+//             dual objective (dual, box problem and phase 2). After many looks and iterations without improvement the
+//             next remedy of StallRemedy that applies is taken. Each is taken at most once, so the run terminates.
+// Cost        One pass over the variables per comparison.
 #include "simplex/primal.h"
 #include <algorithm>
 
 namespace
 {
 constexpr int LOOK_PERIOD = 3; // looks from one comparison to the next
-// Nothing is compared before so many looks or iterations (in numbers of variables): most runs have ended by then.
+// No comparison before this number of looks, or of iterations as a multiple of NumVars: most runs are shorter.
 constexpr int FIRST_LOOKS = 30;
 constexpr double FIRST_ROUNDS = 0.5;
-constexpr int STALL_LOOKS = 10;    // looks without progress
-constexpr double STALL_ROUNDS = 2; // and iterations, in numbers of variables
-constexpr double STALL_LEAST = 30; // plus these
-constexpr int STUCK_LOOKS = 50;    // looks without progress and with hardly a pivot
-constexpr double STUCK_PIVOTS = 2; // in each
-// Iterations since the last remedy, in numbers of variables, after which progress counts no more: costs that are
-// shifted again and again look like progress.
-constexpr double LONG_ROUNDS = 25;
-constexpr double LONG_LEAST = 1000;     // plus these
-constexpr double STALL_PROGRESS = 1e-9; // relative fall that counts
+// Stalled: this number of looks, and STALL_ROUNDS * NumVars + STALL_LEAST iterations, without improvement.
+constexpr int STALL_LOOKS = 10;
+constexpr double STALL_ROUNDS = 2, STALL_LEAST = 30;
+// Stuck: this number of looks without improvement and with fewer than STUCK_PIVOTS iterations per look.
+constexpr int STUCK_LOOKS = 50;
+constexpr double STUCK_PIVOTS = 2;
+// After LONG_ROUNDS * NumVars + LONG_LEAST iterations since the last remedy improvements no longer count, since
+// repeated cost shifts may look like improvements.
+constexpr double LONG_ROUNDS = 25, LONG_LEAST = 1000;
+constexpr double STALL_PROGRESS = 1e-9; // relative decrease that counts as an improvement
 
-// The objective at the basis under the costs and bounds in force: in the dual the dual objective.
+// Objective of the basis for the costs and bounds in force: in the dual simplex the dual objective.
 template<class R> double working_objective(const sopt *s, const swork<R> *w)
 {
     double sum = 0;
     for (int j = 0; j < s->NumVars; j++)
-        if (s->WorkCost.data[j] != 0) // most slacks have none
+        if (s->WorkCost.data[j] != 0)
             sum += s->WorkCost.data[j] *
                    (is_basic(s, j) ? static_cast<double>(w->Bbar.data[s->VStat.data[j]])
                                    : nonbasic_value(s, j));
@@ -70,9 +69,10 @@ template<class R>
 bool applies(const sopt *s, const swork<R> *w, StallPhase phase, StallRemedy remedy)
 {
     if (remedy == STALL_COSTS) return phase == STALL_PRIMAL_1 && w->Primal->CostWeight > 0;
-    if (remedy == STALL_STRICT) return !simplex_is_tuned(s); // one of other ways already
+    // With SimplexTuning the caller repeats solves in different ways itself (lp_secure).
+    if (remedy == STALL_STRICT) return !simplex_is_tuned(s);
     if (remedy == STALL_PERTURB) return s->PerturbAllowed && s->Env->PerturbValue > 0;
-    return remedy != STALL_LONGER || (!s->Quad && s->Env->Quad == -1);
+    return remedy != STALL_EXTENDED || (!s->Quad && s->Env->Quad == -1);
 }
 
 void begin(sopt *s)
@@ -92,7 +92,7 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
 {
     StallGuard *g = &s->Stall;
     const bool endless = s->NPvt - g->Begin > LONG_ROUNDS * s->NumVars + LONG_LEAST;
-    // Refreshes count, not factorisations: a run without pivots makes none.
+    // Refreshes are counted, not factorisations: a run without pivots has none.
     g->Looks++;
     if (g->Looks < FIRST_LOOKS && s->NPvt < FIRST_ROUNDS * s->NumVars) return STALL_NONE;
     g->IdleLooks++;
@@ -116,7 +116,7 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     while (!applies(s, w, phase, g->Taken));
     if (g->Taken >= STALL_END) g->Taken = STALL_END;
     if (g->Taken == STALL_SWITCH) s->Status = SIMPLEX_SWITCH;
-    if (g->Taken == STALL_LONGER) s->Status = SIMPLEX_NEED_QUAD;
+    if (g->Taken == STALL_EXTENDED) s->Status = SIMPLEX_NEED_QUAD;
     if (g->Taken == STALL_STRICT) s->Status = SIMPLEX_RESTART;
     if (g->Taken == STALL_END) s->Status = SIMPLEX_NUMERIC;
     return g->Taken;

@@ -1,13 +1,12 @@
-// start_basis.cpp -- the basis from which a run starts
+// start_basis.cpp -- start basis: slacks, given statuses or a given point; crash basis for the dual simplex
 #include "simplex/sopt.h"
 #include <algorithm>
 #include <cmath>
 
-static constexpr double CRASH_LOSS =
-    -0.001;                           // gain above which a column may replace a fixed slack
-static constexpr int CRASH_LOOKS = 8; // candidates looked at in a row
-
-// Status that the true bounds allow a nonbasic, as near as possible to the one it has.
+// gain above which a column may replace a fixed slack
+static constexpr double CRASH_LOSS = -0.001;
+static constexpr int CRASH_LOOKS = 8; // candidates tried per row
+// The status of a nonbasic if its true bounds allow it, else the nearest one that they allow.
 static int settled_status(const sopt *s, int j)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
@@ -16,7 +15,7 @@ static int settled_status(const sopt *s, int j)
     const double own = s->SuperVal.data[j];
     if (status == AT_FREE && (s->Superbasics > 0 || own != 0) && lower <= own &&
         own <= upper)
-        return AT_FREE; // a value of its own
+        return AT_FREE; // superbasic
     if (!has_lower(s, lower)) return has_upper(s, upper) ? AT_UPPER : AT_FREE;
     return status == AT_UPPER && has_upper(s, upper) ? AT_UPPER : AT_LOWER;
 }
@@ -51,7 +50,7 @@ bool is_slack_basis(const sopt *s)
     return true;
 }
 
-// What the dual infeasibility of row i's other columns falls by when column j at slot p becomes basic there.
+// Decrease of the dual infeasibility of the other columns of row i if the column at slot p becomes basic there.
 static double crash_gain(const sopt *s, const double *cost, int i, int p)
 {
     const int j = s->RowInd.data[p];
@@ -66,8 +65,8 @@ static double crash_gain(const sopt *s, const double *cost, int i, int p)
     return gain;
 }
 
-// The caller's own slacks: a column with one entry and no upper bound takes the place of the fixed slack of its
-// equation, where that leaves the other reduced costs of the row about as feasible as they are.
+// Columns that are slacks in the model itself: a column with one entry and no upper bound replaces the fixed slack of
+// its equation, if the other reduced costs of the row stay about as dual feasible as they are.
 int crash_equations(sopt *s)
 {
     Array<double> cost;
@@ -115,8 +114,8 @@ bool start_from_statuses(sopt *s, const int *statuses)
             status = position++;
         } else if (j < s->NumCols && s->ColScale.data[j] < 0 &&
                    (status == AT_LOWER || status == AT_UPPER)) {
-            status =
-                status == AT_LOWER ? AT_UPPER : AT_LOWER; // the column is held reversed
+            // the column is negated
+            status = status == AT_LOWER ? AT_UPPER : AT_LOWER;
         }
         s->VStat.data[j] = status;
     }

@@ -1,12 +1,13 @@
-// strong_branch.cpp -- what would one bound do to the optimum? Short dual runs from one optimal basis
+// strong_branch.cpp -- strong branching: short dual runs from one optimal basis, with one changed bound each
 //
-// Problem     For many candidates and both sides: tighten a bound, re-solve for a few iterations, look at the objective.
-// Method      The optimal basis stays dual feasible, so the dual simplex goes on from it at once: only one basic value
-//             is out of bounds. Basis, values, weights and factors are kept once and copied back after each probe,
-//             which costs a few sweeps over memory instead of a factorisation. No perturbation, no confirmation on fresh
-//             factors: what counts is the bound on the objective, and that is valid at every dual feasible basis. Where
-//             shifted costs have led the dual to a basis that is not, the primal goes on within the same limit.
-// Invariant   Between probes the record is what it was at open, but for the order inside rows of the row copy.
+// Problem     For many candidates and both directions: tighten a bound, re-solve for a few iterations, return the
+//             objective or a lower bound of it.
+// Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
+//             infeasible. Basis, values, weights and factors are saved once and copied back after each probe, which is
+//             cheaper than a refactorisation. There is no perturbation and no confirmation on fresh factors, since the
+//             dual bound is valid at every dual feasible basis. If shifted costs led to a basis that is not dual
+//             feasible for the true costs, the primal simplex continues within the same limit.
+// Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy.
 // Cost        A probe: its iterations, and O(n + m + entries of the factors).
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
 #include "simplex/dual.h"
@@ -29,10 +30,10 @@ template<class R> struct KeptState {
 
 struct StrongBranch {
     sopt *Record = nullptr;
-    SimplexCounters Counters; // of the record
-    TVXenv *Outer = nullptr;  // environment of the record outside of probes
-    TVXenv *Inner = nullptr;  // and in them; owned
-    bool WeightsKept = false; // those of the last dual run belong to the basis
+    SimplexCounters Counters; // of the record, as they were at open
+    TVXenv *Outer = nullptr;  // environment of the record before open and after close
+    TVXenv *Inner = nullptr;  // environment during the probes; owned
+    bool WeightsKept = false; // weights of the last dual run belong to the basis
     double Optimum = 0;       // the objective without any branching, as simplex_objective
     KeptState<double> Double;
     KeptState<long double> Extended;
@@ -91,15 +92,16 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
         for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
     d->Rejected = 0;
     if (s->Perturbed || s->Method == METHOD_PRIMAL) dual_remove_perturbation(s);
-    if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s); // it shifts them
+    // the primal simplex shifts bounds
+    if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s);
     *static_cast<SimplexCounters *>(s) = b->Counters;
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
     row_copy_partition(s);
 }
 
-// True bounds of j become those of the branch, in the form that the working LP wants. A free variable gets a bound far
-// away on its other side: with one bound only it could not be held as it is.
+// The bounds of j in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
+// bound far away, because the working LP has no variables with only an upper bound.
 struct Tightened {
     int Var;
     double Lower, Upper; // as they were
@@ -127,7 +129,7 @@ void loosen(sopt *s, const Tightened &saved)
     s->Upper.data[saved.Var] = s->WorkUpper.data[saved.Var] = saved.Upper;
 }
 
-// A nonbasic variable follows the bound at which it stands; one that was free takes the new one.
+// A nonbasic variable moves with its bound; a free one goes to its new bound.
 template<class R> void place_nonbasic(sopt *s, swork<R> *w, const Tightened &old)
 {
     const int j = old.Var;
@@ -161,14 +163,14 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
     return dual_pivots(s, w);
 }
 
-// A branch cannot better the optimum. A value that has overflowed says no more than that.
+// The optimum is a lower bound in every branch; the only one if the value is not finite.
 double at_least_optimum(const StrongBranch *b, double value)
 {
     return std::isfinite(value) ? std::max(b->Optimum, value) : b->Optimum;
 }
 
-// What no solution of the branch can better, from the basis at hand: its objective less what reduced costs of the wrong
-// sign could still gain. Shifts may have left such.
+// Lower bound of the objective in the branch from the current basis: its dual objective, minus the possible gain by
+// reduced costs of the wrong sign that removed cost shifts have left.
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
 {
     sopt *s = b->Record;
@@ -193,8 +195,8 @@ template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
     return at_least_optimum(b, bound + s->ObjOffset);
 }
 
-// The dual has met true costs for which its basis is not optimal: the primal goes on, in a record of its own, as what
-// the last primal run has left is not this one's.
+// The basis of the dual run is not optimal for the true costs: the primal simplex continues, with a popt of its own,
+// since that of the record belongs to the last primal run.
 template<class R> int run_primal(sopt *s, swork<R> *w)
 {
     popt<R> *other = w->Primal;
@@ -208,7 +210,7 @@ template<class R> int run_primal(sopt *s, swork<R> *w)
     return code;
 }
 
-// What the end of a run means; bound is the safe one of its dual part.
+// The outcome of a probe; bound is the safe bound of its dual run.
 BranchOutcome conclude(const StrongBranch *b, double value, double bound)
 {
     const sopt *s = b->Record;
@@ -246,7 +248,7 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutco
     case SIMPLEX_INTERRUPTED:
         bound = safe_bound(b, w);
         break;
-    default: // optimal, infeasible, or in trouble
+    default:
         break;
     }
     *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
@@ -268,7 +270,7 @@ template<class R> int open(StrongBranch *b, swork<R> *w)
     if (!w->Dual) TRY(dopt_create(s, &w->Dual));
     s->PerturbAllowed = 0;
     s->Status = SIMPLEX_RUNNING;
-    s->StartNorms.size = 0; // belonged to the start of the last run
+    s->StartNorms.size = 0; // they belong to the start basis of the last run
     b->WeightsKept = dual_weights_kept(s, w->Dual);
     dual_weights_start(s, w);
     for (int i = 0; i < s->NumRows; i++) w->Dual->RowRejected.data[i] = 0;
@@ -309,7 +311,7 @@ int strong_branch_open(sopt *s, StrongBranch **out)
     b->Record = s;
     b->Optimum = simplex_objective(s);
     b->Counters = *s;
-    s->Running = 0; // probes are no moments of a solve
+    s->Running = 0; // no callbacks during probes
     sopt_take_cutoff(s);
     int code = make_env(b);
     if (!code) code = s->Quad ? open(b, s->Extended) : open(b, s->Double);

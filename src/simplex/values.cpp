@@ -1,9 +1,9 @@
-// values.cpp -- basic values and reduced costs from the factors, with a look at how accurate they are
+// values.cpp -- basic values and reduced costs from the factors, and their residuals
 //
 // Problem     Bbar = B^-1 (Rhs - N x_N),  Cbar = cost - (A I)^T B^-T cost_B.
-// Method      Solve, then put the result into the equations. A residual that matters is solved for once more (iterative
-//             refinement). What remains tells how far the factors can be trusted: pivots are chosen more strictly, and
-//             residuals beyond the tolerances, again and again, ask for extended precision.
+// Method      Solve, then compute the residual of the equations. If it is not small against the tolerance, one step of
+//             iterative refinement follows. The remaining residual measures the accuracy of the factors: large ones
+//             tighten the Markowitz tolerance, and repeated residuals beyond the tolerances ask for extended precision.
 // Cost        One pass over the matrix each, besides the solves.
 // Literature  J. H. Wilkinson, Rounding Errors in Algebraic Processes, 1963, for the refinement.
 #include "simplex/sopt.h"
@@ -11,14 +11,16 @@
 
 namespace
 {
-constexpr double REFINE_SHARE =
-    1e-3; // residual over the tolerance from which refinement pays
-constexpr int PRIMAL_STRIKES = 2, DUAL_STRIKES = 5; // bad residuals that pass
-constexpr double STRIKE_SHARE =
-    100; // a residual this many times smaller than the violations does no harm
-constexpr double RHS_LEAST = 1e-9;
+// residual over the tolerance from which refinement pays
+constexpr double REFINE_SHARE = 1e-3;
+// Number of residuals beyond the tolerance that are accepted in a run.
+constexpr int PRIMAL_STRIKES = 2, DUAL_STRIKES = 5;
+// a residual this many times smaller than the violations does no harm
+constexpr double STRIKE_SHARE = 100;
+constexpr double RHS_LEAST = 1e-9; // smallest size of the right-hand side in these ratios
 
-// Growth of the solution over the right-hand side, or relative residual, that asks for a pivot threshold.
+// Largest growth of the solution over the right-hand side and largest relative residual; beyond one of them the
+// Markowitz tolerance is raised to Threshold.
 struct Trust {
     double Growth, Residual, Threshold;
 };
@@ -30,7 +32,7 @@ constexpr Trust TRUST[] = {{1e10, 1e-8, 0.5},
 
 template<class R> void subtract_column(const sopt *s, R *value, int j, R x)
 {
-    if (x == R(0)) return; // most of them
+    if (x == R(0)) return;
     if (j >= s->NumCols) {
         value[j - s->NumCols] -= x;
         return;
@@ -39,7 +41,7 @@ template<class R> void subtract_column(const sopt *s, R *value, int j, R x)
         value[s->ColInd.data[p]] -= R(s->ColVal.data[p]) * x;
 }
 
-// x := Rhs - N x_N, without a list.
+// x := Rhs - N x_N, dense.
 template<class R> void load_rhs(const sopt *s, SVec<R> *x)
 {
     svec_clear(x);
@@ -66,7 +68,7 @@ template<class R> double primal_residual(const sopt *s, const swork<R> *w, SVec<
     return largest(x->Value.data, s->NumRows);
 }
 
-// Solves drop what is small against 1, so a residual is solved for as a vector of that size. Its own size.
+// Divides x by its largest entry and returns that: solves drop entries that are small against 1.
 template<class R> R normalise(SVec<R> *x, int n)
 {
     const R size = R(largest(x->Value.data, n));
@@ -75,7 +77,7 @@ template<class R> R normalise(SVec<R> *x, int n)
     return size;
 }
 
-// Bbar += B^-1 x for the residual x, which becomes that of the new values.
+// Bbar += B^-1 x for the residual x; x becomes the residual of the new values.
 template<class R> void correct_primal(sopt *s, swork<R> *w, SVec<R> *x)
 {
     const R size = normalise(x, s->NumRows);
@@ -116,8 +118,7 @@ void strike(sopt *s, int *count, int limit)
 }
 } // namespace
 
-// The residual is summed with more digits than the values have: a row that was scaled down by a thousand shows the user
-// a thousand times what is left in it.
+// The residual is computed in extended precision: that of a row scaled down by 1000 is 1000 times larger in user units.
 template<class R> void refine_primal(sopt *s, swork<R> *w)
 {
     SVec<R> *x = &w->Work;
@@ -176,8 +177,8 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
     s->WorkUnits += 2.0 * s->ColBeg.data[s->NumCols];
 }
 
-// With costs of 1e8 the sums of doubles leave 1e-8 in every column, and more in the user's units: as refine_primal, where
-// that matters.
+// As refine_primal, if the residual is not small in user units: with costs of 1e8 sums in double precision have errors
+// of 1e-8 in every column.
 template<class R> void refine_dual(sopt *s, swork<R> *w)
 {
     SVec<R> *x = &w->Work;

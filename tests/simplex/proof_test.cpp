@@ -20,7 +20,7 @@ struct Proof : ModelTest {
     bool refuted(const LpModel &lp, double multiplier)
     {
         sopt *s = at_slacks(lp);
-        s->NearFarkas = FarkasReach{};
+        s->LimitedFarkas = LimitedProof{};
         svec_clear(&s->Double->Rho);
         svec_add(&s->Double->Rho, 0, multiplier);
         return proves_infeasible(s, s->Double);
@@ -57,7 +57,7 @@ TEST_F(Proof, infeasibility_reaches_as_far_as_it_says)
 {
     struct Case {
         double gap, entry;
-        bool full, wide, near_exact, near_wide;
+        bool full, widened, limited_exact, limited_widened;
     };
     constexpr Case CASES[] = {
         {0.01, 0, true, true, true, true},
@@ -79,9 +79,9 @@ TEST_F(Proof, infeasibility_reaches_as_far_as_it_says)
             const std::string text = std::to_string(c.gap * 1e9) + "e-9, entry " +
                                      std::to_string(c.entry * 1e15) + "e-15";
             EXPECT_EQ(full, c.full) << text;
-            EXPECT_EQ(s->WideProof != 0, c.wide) << text;
-            EXPECT_EQ(s->NearFarkas.Exact, c.near_exact) << text;
-            EXPECT_EQ(s->NearFarkas.Wide, c.near_wide) << text;
+            EXPECT_EQ(s->WidenedProof != 0, c.widened) << text;
+            EXPECT_EQ(s->LimitedFarkas.Exact, c.limited_exact) << text;
+            EXPECT_EQ(s->LimitedFarkas.Widened, c.limited_widened) << text;
         }
 }
 

@@ -46,7 +46,7 @@ struct Stall : ModelTest {
         return found;
     }
 };
-const std::vector<StallRemedy> OF_DUAL = {STALL_PERTURB, STALL_SWITCH, STALL_LONGER,
+const std::vector<StallRemedy> OF_DUAL = {STALL_PERTURB, STALL_SWITCH, STALL_EXTENDED,
                                           STALL_STRICT, STALL_END};
 constexpr double FEW = 0, SOME = 20; // pivots between factorisations
 } // namespace

@@ -20,10 +20,10 @@ namespace
 constexpr double IMPLIED = 1e-9; // by how much a bound may miss being implied
 constexpr double NO_COST = 1e-9; // reduced cost of the row's slack that counts as none
 constexpr double LITTLE_RANGE = 1e-6, LITTLE_COST = 1e-6;
-constexpr double FREE_RATIO =
-    1e-6; // least entry beside the largest of the row: free column
-constexpr double IMPLIED_RATIO =
-    1e-3; // ... implied free: errors of others show in its bounds
+// least entry beside the largest of the row: free column
+constexpr double FREE_RATIO = 1e-6;
+// ... implied free: errors of others show in its bounds
+constexpr double IMPLIED_RATIO = 1e-3;
 constexpr double SLACK_RATIO = 1e-3; // ... slack column
 
 // What the pass needs to know of a column singleton.

@@ -12,11 +12,11 @@
 
 namespace
 {
-constexpr double EXACT =
-    1e-10; // of the largest term: what the combination may miss in an entry
+// of the largest term: what the combination may miss in an entry
+constexpr double EXACT = 1e-10;
 constexpr double SAME = 1e-9; // the same of right-hand sides
-constexpr double LARGEST_SUM =
-    1e3; // of multipliers: violations of the rows that stay add up in the one that goes
+// of multipliers: violations of the rows that stay add up in the one that goes
+constexpr double LARGEST_SUM = 1e3;
 constexpr double CERTAIN = 10;        // times what tolerances allow: a contradiction
 constexpr double WORK_PER_ENTRY = 20; // limit of the effort
 

@@ -15,8 +15,8 @@
 namespace
 {
 constexpr double SMALL_ENTRY = 1e-9;
-constexpr double SMALL_SHARE =
-    1e-3; // of the row's largest entry: from less a bound is inaccurate
+// of the row's largest entry: from less a bound is inaccurate
+constexpr double SMALL_SHARE = 1e-3;
 constexpr double TOUCHING = 1e-9; // the bound may be this much tighter than what is implied
 
 // The largest entry of each live row, in Scratch.

@@ -17,8 +17,8 @@ namespace
 {
 constexpr double SAME_PRICE = 1e-12; // of the larger price
 constexpr double NO_COST = 1e-13;    // a difference of costs that is rounding
-constexpr double LARGEST_FACTOR =
-    1e3; // between scales of two columns that act on each other
+// between scales of two columns that act on each other
+constexpr double LARGEST_FACTOR = 1e3;
 
 double price(const PresolveWork *w, const DupLine *l)
 {
@@ -58,8 +58,8 @@ bool is_fit(const DupLine *a, const DupLine *b)
 bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
 {
     const double a = price(w, by), b = price(w, l);
-    const double factor =
-        std::fabs(l->scale / by->scale); // on an error of the other's reduced cost
+    // on an error of the other's reduced cost
+    const double factor = std::fabs(l->scale / by->scale);
     const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
                         factor * cost_error(w, by->line);
     return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&

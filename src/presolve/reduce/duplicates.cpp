@@ -17,8 +17,8 @@ namespace
 constexpr double SAME_KEY = 1e-10, SAME_VALUE = 1e-11, SAME_SHARE = 1e-10;
 constexpr int MAX_CLASSES = 16; // looked for among lines whose keys are all close
 constexpr int SHORT_CLASS = 500;
-constexpr double SHARE_SCANNED =
-    0.1; // of the lines: their entries are taken as they lie in memory
+// of the lines: their entries are taken as they lie in memory
+constexpr double SHARE_SCANNED = 0.1;
 
 // A mixing function of 64 bits (splitmix64).
 uint64_t mixed(uint64_t k)

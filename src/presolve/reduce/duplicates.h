@@ -6,8 +6,8 @@
 // all members of its class share).
 struct DupLine {
     double values; // key of its values over their scale
-    double
-        scale;  // largest entry in size, with the sign of the entry with the smallest index
+    // largest entry in size, with the sign of the entry with the smallest index
+    double scale;
     int line;   // row or column
     int length; // entries
     int skip;   // node that does not count, or -1

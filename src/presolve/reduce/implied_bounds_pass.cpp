@@ -17,8 +17,8 @@
 namespace
 {
 constexpr int ROUNDS = 3;
-constexpr double WIDER =
-    0.1; // tolerances, so that what touches after about ten steps is still removed
+// tolerances, so that what touches after about ten steps is still removed
+constexpr double WIDER = 0.1;
 
 // Bounds from the rows of the list, each wider by `relax`.
 int propagate(BoundPropagation *p, PresolveWork *w, const int *list, int count,

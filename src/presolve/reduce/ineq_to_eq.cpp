@@ -16,8 +16,8 @@ namespace
 constexpr double CLOSED = 1e-10;
 constexpr double NO_COST = 1e-10;
 constexpr double AWAY = 10; // tolerances of the row between the column and its bound
-constexpr double SMALL_RATIO =
-    1e-3; // entry beside the largest of the row: else the column would run far
+// entry beside the largest of the row: else the column would run far
+constexpr double SMALL_RATIO = 1e-3;
 constexpr int NONE = -1, MANY = -2;
 
 // The only entry that holds a column back in a direction; NONE or MANY when there is not just one.

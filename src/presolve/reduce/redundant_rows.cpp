@@ -4,11 +4,11 @@
 
 namespace
 {
-constexpr double TINY_SHARE =
-    1e-3; // of the tolerance, over all entries that are dropped from a row
+// of the tolerance, over all entries that are dropped from a row
+constexpr double TINY_SHARE = 1e-3;
 constexpr double LEAST_RANGE = 0.5; // of the columns of such entries
-constexpr double SHARE_SCANNED =
-    0.1; // of the rows: all entries are looked at as they lie in memory
+// of the rows: all entries are looked at as they lie in memory
+constexpr double SHARE_SCANNED = 0.1;
 
 bool is_redundant(const PresolveWork *w, int i)
 {

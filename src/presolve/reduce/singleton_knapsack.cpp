@@ -24,8 +24,8 @@ struct Relief {
 
 // What a walk of the row finds.
 struct RowNeed {
-    double need =
-        0; // relief that the row may need, with all candidates at their lower bounds
+    // relief that the row may need, with all candidates at their lower bounds
+    double need = 0;
     double cap = 0;  // relief that the candidates can give
     double size = 0; // of the terms of the need
     int candidates = 0, integers = 0;

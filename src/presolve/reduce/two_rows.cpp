@@ -20,8 +20,8 @@ constexpr int LEAST_GAIN = 2;   // entries less
 constexpr int MANY_ROWS = 1000; // in the columns scanned for one equation: it is left alone
 constexpr int MANY_CANDIDATES = 50;  // rows walked for one equation
 constexpr double SAME_RATIO = 1e-12; // relative
-constexpr double NEAR_CANCEL =
-    1e-4; // of the larger term: a sum so small would be inaccurate
+// of the larger term: a sum so small would be inaccurate
+constexpr double NEAR_CANCEL = 1e-4;
 constexpr double LARGEST_FACTOR = 100;
 constexpr double WORK_PER_ENTRY = 10; // limit of the effort
 
