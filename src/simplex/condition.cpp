@@ -14,9 +14,12 @@
 
 namespace
 {
-constexpr int ASCENTS = 5;        // more rarely improve the estimate (Higham)
+constexpr int ASCENTS = 5; // more rarely improve the estimate (Higham)
+
 constexpr int LANCZOS_STEPS = 40; // for the largest eigenvalue: a few digits at least
+
 constexpr int BISECTIONS = 60;
+
 constexpr uint64_t START_SEED = 101;
 
 template<class R> double sum_of_magnitudes(const SVec<R> *x)

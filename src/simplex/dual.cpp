@@ -16,16 +16,22 @@ namespace
 {
 // A stored weight below this share of the exact one is too small: the row is chosen again.
 constexpr double WEIGHT_TRUST = 0.25;
+
 // rows set aside before the run ends with SIMPLEX_SWITCH
 constexpr int MAX_REJECTED = 20;
+
 constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
+
 // Update limit m^0.65: pivot rows are sparse only with few row etas. Against 0.7 it saved 1 % of the work on Netlib and
 // 3 % on the Kennington models.
 constexpr double UPDATES_POWER = 0.65;
+
 constexpr int CYCLE_HITS = 30; // repetitions after which a cycle is assumed
+
 // Error of the dual bound relative to the sum of the magnitudes of its terms. Far above the rounding of the sum itself,
 // since the multipliers have the error of solves with the factors.
 constexpr double CUTOFF_ROUNDING = 1e-10;
+
 // Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
 constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
 
@@ -477,10 +483,17 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
 }
 
 template int dopt_create<double>(const sopt *, dopt<double> **);
+
 template int dopt_create<long double>(const sopt *, dopt<long double> **);
+
 template int dual_pivots<double>(sopt *, swork<double> *);
+
 template int dual_pivots<long double>(sopt *, swork<long double> *);
+
 template int DualRun<double>(sopt *, swork<double> *);
+
 template int DualRun<long double>(sopt *, swork<long double> *);
+
 template void dopt_free<double>(dopt<double> **);
+
 template void dopt_free<long double>(dopt<long double> **);

@@ -7,14 +7,17 @@
 #include "simplex/dual.h"
 #include <algorithm>
 
-static constexpr int NORM_BY_LENGTH = 2; // NormAdjust from here on
+namespace
+{
+constexpr int NORM_BY_LENGTH = 2; // NormAdjust from here on
 
-template<class R> static R column_weight(const sopt *s, int i)
+template<class R> R column_weight(const sopt *s, int i)
 {
     const int j = s->BasisHead.data[i],
               length = j < s->NumCols ? s->ColBeg.data[j + 1] - s->ColBeg.data[j] : 1;
     return R(length) + R(s->ColBeg.data[s->NumCols]) / R(std::max(1, s->NumCols));
 }
+} // namespace
 
 template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
 {
@@ -27,8 +30,10 @@ template<class R> void dual_set_merit(sopt *s, swork<R> *w, int i)
     price_list_set(&d->Rows, i, merit);
 }
 
+namespace
+{
 // All merits; without branches, so that the compiler can vectorise the loop.
-template<class R> static void set_all_merits(sopt *s, swork<R> *w)
+template<class R> void set_all_merits(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int m = s->NumRows;
@@ -52,6 +57,7 @@ template<class R> static void set_all_merits(sopt *s, swork<R> *w)
     for (int i = 0; i < m; i++)
         if (merit[i] >= d->Rows.Threshold) price_list_set(&d->Rows, i, merit[i]);
 }
+} // namespace
 
 template<class R> void dual_set_merits(sopt *s, swork<R> *w, const SVec<R> *changed)
 {
@@ -72,5 +78,6 @@ template<class R> void dual_list_reset(sopt *s, swork<R> *w)
     template void dual_set_merit<R>(sopt *, swork<R> *, int);                              \
     template void dual_set_merits<R>(sopt *, swork<R> *, const SVec<R> *);                 \
     template void dual_list_reset<R>(sopt *, swork<R> *);
+
 INSTANTIATE(double)
 INSTANTIATE(long double)

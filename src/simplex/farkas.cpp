@@ -20,15 +20,20 @@
 namespace
 {
 constexpr int REFINEMENTS = 8; // each adds digits, fewer if the basis is ill-conditioned
+
 // Refinement ends when the largest residual is below this share of the largest multiplier: twofold doubles hold about
 // 106 bits.
 constexpr double ENOUGH = 0x1p-98;
+
 // In user units: a model with a point that violates every row and bound by at most SLACK is not proved infeasible.
 constexpr double SLACK = 1e-9;
+
 // In user units: the proof excludes points with values up to RANGE.
 constexpr double RANGE = 1e15;
+
 // The same for the weaker statements in LimitedProof.
 constexpr double EXACT_RANGE = 1e12, WIDENED_RANGE = 1e9;
+
 constexpr double USUAL_VALUE = 1e6; // assumed size of columns, for the range of slacks
 
 template<class R> struct Multipliers {
@@ -202,4 +207,5 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
 }
 
 template bool proves_infeasible<double>(sopt *, swork<double> *);
+
 template bool proves_infeasible<long double>(sopt *, swork<long double> *);

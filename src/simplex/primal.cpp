@@ -16,16 +16,22 @@ namespace
 {
 // Largest true cost in phase 1; the cost of an infeasibility is 1.
 constexpr double COST_SHARE = 0.1;
+
 // update limit on models with few rows (updates_are_cheap)
 constexpr int FEW_ROWS_UPDATES = 100;
+
 // columns set aside before the run ends with SIMPLEX_SWITCH
 constexpr int MAX_REJECTED = 50;
+
 // Smallest OptTol when an infeasibility is to be proved.
 constexpr double TIGHTEST_TOL = 1e-9;
+
 // factor on OptTol when an infeasibility could not be proved
 constexpr double TIGHTEN = 1e-2;
+
 // Relative difference up to which a small pivot from the row confirms that from the column.
 constexpr double SMALL_PIVOT_GAP = 1e-3;
+
 // Relative difference of stored and recomputed reduced cost from which a refresh is asked for.
 constexpr double PRICE_TRUST = 1e-3;
 
@@ -419,7 +425,9 @@ template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w)
     return exact;
 }
 
-template<class R> static int alloc_columns(const sopt *s, popt<R> *p)
+namespace
+{
+template<class R> int alloc_columns(const sopt *s, popt<R> *p)
 {
     const int nv = s->NumVars;
     TRY(array_resize(&p->Weights, nv));
@@ -431,7 +439,7 @@ template<class R> static int alloc_columns(const sopt *s, popt<R> *p)
     return array_resize(&p->ClassNext, nv);
 }
 
-template<class R> static int alloc_rows(const sopt *s, popt<R> *p)
+template<class R> int alloc_rows(const sopt *s, popt<R> *p)
 {
     const int m = s->NumRows;
     TRY(svec_alloc(&p->CostChange, m));
@@ -440,6 +448,7 @@ template<class R> static int alloc_rows(const sopt *s, popt<R> *p)
     TRY(array_resize(&p->BreakStep, 2 * int64_t{m}));
     return array_resize(&p->BreakRow, 2 * int64_t{m});
 }
+} // namespace
 
 template<class R> int popt_create(const sopt *s, popt<R> **out)
 {
@@ -482,9 +491,14 @@ template<class R> int PrimalRun(sopt *s, swork<R> *w)
 }
 
 template int PrimalRun<double>(sopt *, swork<double> *);
+
 template int PrimalRun<long double>(sopt *, swork<long double> *);
+
 template void popt_free<double>(popt<double> **);
+
 template void popt_free<long double>(popt<long double> **);
+
 template double primal_exact_cbar<double>(const sopt *, const swork<double> *);
+
 template long double primal_exact_cbar<long double>(const sopt *,
                                                     const swork<long double> *);

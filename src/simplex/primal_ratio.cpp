@@ -284,4 +284,5 @@ template<class R> RatioResult primal_ratio(sopt *s, swork<R> *w)
 }
 
 template RatioResult primal_ratio<double>(sopt *, swork<double> *);
+
 template RatioResult primal_ratio<long double>(sopt *, swork<long double> *);

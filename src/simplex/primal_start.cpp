@@ -22,12 +22,17 @@
 
 namespace
 {
-constexpr int SHORT_LENGTH = 10;     // only columns with fewer entries are tried
-constexpr double VALUE_MOST = 1e8;   // largest value of a variable that becomes basic
+constexpr int SHORT_LENGTH = 10; // only columns with fewer entries are tried
+
+constexpr double VALUE_MOST = 1e8; // largest value of a variable that becomes basic
+
 constexpr double PIVOT_LEAST = 1e-5; // smallest pivot
+
 // smallest pivot as a share of the largest entry of its column
 constexpr double PIVOT_SHARE = 0.1;
+
 constexpr double BOUND_SLOP = 1e-9; // by which a value may be outside of its bounds
+
 // Growth of the sum of infeasibilities from which the slack basis is restored.
 constexpr double GROWTH_MOST = 1e4;
 

@@ -22,8 +22,10 @@ template<class R> int primal_count_superbasics(sopt *s, swork<R> *w)
     return count;
 }
 
+namespace
+{
 // The direction of the reduced cost; if that is zero, towards a finite bound.
-template<class R> static int super_direction(const sopt *s, const swork<R> *w, int q)
+template<class R> int super_direction(const sopt *s, const swork<R> *w, int q)
 {
     const R d = w->Cbar.data[q], tol = R(s->OptTol);
     const bool lower = has_lower(s, s->WorkLower.data[q]),
@@ -34,6 +36,7 @@ template<class R> static int super_direction(const sopt *s, const swork<R> *w, i
     if (!lower) return s->SuperVal.data[q] > 0 ? -1 : 1; // free: towards zero
     return d < 0 ? 1 : -1;
 }
+} // namespace
 
 template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w)
 {
@@ -66,8 +69,13 @@ template<class R> void primal_settle_superbasic(sopt *s, swork<R> *w)
 }
 
 template int primal_count_superbasics<double>(sopt *, swork<double> *);
+
 template int primal_count_superbasics<long double>(sopt *, swork<long double> *);
+
 template void primal_choose_superbasic<double>(sopt *, swork<double> *);
+
 template void primal_choose_superbasic<long double>(sopt *, swork<long double> *);
+
 template void primal_settle_superbasic<double>(sopt *, swork<double> *);
+
 template void primal_settle_superbasic<long double>(sopt *, swork<long double> *);

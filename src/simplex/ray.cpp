@@ -17,10 +17,13 @@
 namespace
 {
 constexpr int REFINEMENTS = 2;
+
 // Rounding error of a term of a row, relative to the sum of the magnitudes of its terms.
 constexpr long double ENTRY_ROUNDING = 1e-14L;
+
 constexpr long double RESIDUAL_ROUNDING = 1e-15L; // of the residual of a row, likewise
-constexpr long double COST_ROUNDING = 1e-13L;     // of the objective, likewise
+
+constexpr long double COST_ROUNDING = 1e-13L; // of the objective, likewise
 
 // B^-1 a_q = High + Low, by position.
 template<class R> struct Column {
@@ -146,4 +149,5 @@ template<class R> bool proves_unbounded(sopt *s, swork<R> *w, int q, int directi
 }
 
 template bool proves_unbounded<double>(sopt *, swork<double> *, int, int);
+
 template bool proves_unbounded<long double>(sopt *, swork<long double> *, int, int);

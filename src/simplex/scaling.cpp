@@ -18,19 +18,28 @@ namespace
 {
 // sqrt(max / min) of costs that are not centred any more
 constexpr double WIDE_COSTS = 10000;
+
 // costs from here on may be artificial: look at their decades
 constexpr double HUGE_COST = 1e7;
+
 constexpr double VANISHING = 1e-9; // smaller entries are no usable pivots (pivot_floor)
-constexpr int CENTRE_PASSES = 10;  // geometric passes; more change little
+
+constexpr int CENTRE_PASSES = 10; // geometric passes; more change little
+
 constexpr double ROUND_UP = 1.4142135623730951; // to the nearest power of two
+
 // Geometric scaling is used only if the smallest entry grows by this factor. Rounding of the factors to powers of two
 // can alone give a factor of 8: those by the largest entry are rounded down by up to 2, for row and column, those by
 // the geometric mean to the nearest power by up to ROUND_UP.
 constexpr double CLEAR_GAIN = 10;
+
 constexpr double MOST = DBL_MAX; // coefficients are not bounded by INFINITE_BOUND
+
 constexpr double LEAST_FACTOR = 0x1p-1000,
                  MOST_FACTOR = 0x1p1000; // its inverse is finite too
+
 constexpr int DECADES = 16;
+
 constexpr int DECADE_GAP = 3; // empty decades between usual costs and penalties (big-M)
 
 double usable(double factor)

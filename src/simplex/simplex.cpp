@@ -15,20 +15,28 @@
 namespace
 {
 constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in numeric trouble
-constexpr int MAX_POLISH = 4;    // rounds of tighter tolerances
+
+constexpr int MAX_POLISH = 4; // rounds of tighter tolerances
+
 // Smallest tightened tolerances, in double and extended precision.
 constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
+
 // violations after tightening aim at this share of their limit
 constexpr double POLISH_SHARE = 0.5;
+
 // of the limit: rounding may not carry the measure of the user beyond it
 constexpr double LIMIT_ROOM = 0.999;
+
 // Limits of UserViolation::ObjectiveError: users compare six digits of an objective.
-constexpr double OBJECTIVE_ERROR_LIMIT = 1e-7;   // above this tolerances are tightened
+constexpr double OBJECTIVE_ERROR_LIMIT = 1e-7; // above this tolerances are tightened
+
 constexpr double OBJECTIVE_ERROR_VISIBLE = 1e-6; // above this users would see it
 
 constexpr double STRICT_MARKOWITZ = 0.9; // Markowitz tolerance after a restart
+
 // A basis is nearly optimal if it has at most this share of the rows as infeasibilities, or at most NEAR_LEAST.
 constexpr double NEAR_SHARE = 0.02;
+
 constexpr int NEAR_LEAST = 5;
 
 template<class R> int run_method(sopt *s, swork<R> *w)
@@ -309,7 +317,9 @@ int SimplexRepeat(sopt **record, const ModelBody *body, TVXenv *env,
     return run_in(record, body, env, call, tuning);
 }
 
-template<class R> static double price_sum(const sopt *s, const swork<R> *w)
+namespace
+{
+template<class R> double price_sum(const sopt *s, const swork<R> *w)
 {
     double sum = 0;
     for (int j = 0; j < s->NumVars; j++)
@@ -318,12 +328,13 @@ template<class R> static double price_sum(const sopt *s, const swork<R> *w)
     return sum / s->ObjScale;
 }
 
-static double moved_by_widening(const sopt *s)
+double moved_by_widening(const sopt *s)
 {
     if (s->Tuning.Widen <= 0) return 0;
     const double price = s->Quad ? price_sum(s, s->Extended) : price_sum(s, s->Double);
     return s->Tuning.Widen * price / (1 + std::fabs(s->Obj + s->ObjOffset));
 }
+} // namespace
 
 SimplexAssessment simplex_assess(const sopt *s)
 {

@@ -81,25 +81,36 @@ double simplex_objective(const sopt *s)
 {
     return s->Obj + s->ObjOffset;
 }
+
 double simplex_iterations(const sopt *s)
 {
     return iterations(s);
 }
+
 int simplex_factorizations(const sopt *s)
 {
     return s->NumFactor;
 }
-template<class R> static SimplexProgress progress(const sopt *s, const swork<R> *w)
+
+namespace
+{
+template<class R> SimplexProgress progress(const sopt *s, const swork<R> *w)
 {
     const Infeasibility inf = measure_infeasibility(s, w);
     return {s->Sense * (true_objective(s, w) + s->ObjOffset), inf.PrimalSum, inf.DualSum};
 }
+} // namespace
 
 SimplexProgress simplex_progress(const sopt *s)
 {
     return s->Quad ? progress(s, s->Extended) : progress(s, s->Double);
 }
-static constexpr int WHOLE_PERTURBATION = 3;
+
+namespace
+{
+constexpr int WHOLE_PERTURBATION = 3;
+} // namespace
+
 int simplex_perturbed(const sopt *s)
 {
     return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE_PERTURBATION ? 1 : 2;
@@ -135,6 +146,7 @@ int simplex_status(const sopt *s)
 {
     return s->Status;
 }
+
 double simplex_markowitz_tol(const sopt *s)
 {
     return s->MarkowitzTol;
@@ -162,8 +174,10 @@ void simplex_get_scaling(const sopt *s, const double **row, const double **col, 
     if (obj) *obj = s->ObjScale;
 }
 
+namespace
+{
 // The weights of the last run, if they are steepest edge weights of the current basis.
-template<class R> static int held_norms(const sopt *s, const swork<R> *w, double *norms)
+template<class R> int held_norms(const sopt *s, const swork<R> *w, double *norms)
 {
     const bool dual = s->Method == METHOD_DUAL;
     if (!w || (dual ? !w->Dual : !w->Primal)) return 0;
@@ -179,6 +193,7 @@ template<class R> static int held_norms(const sopt *s, const swork<R> *w, double
                        : 0;
     return dual ? 1 : 2;
 }
+} // namespace
 
 int simplex_get_norms(const sopt *s, double *norms)
 {
@@ -196,12 +211,15 @@ bool simplex_has_fresh_factor(const sopt *s)
     return simplex_has_factor(s) && updates == 0;
 }
 
-template<class R> static int refactor(sopt *s, swork<R> *w)
+namespace
+{
+template<class R> int refactor(sopt *s, swork<R> *w)
 {
     TRY(Refactor(s, w));
     finish_values(s, w);
     return 0;
 }
+} // namespace
 
 int simplex_refactor(sopt *s)
 {

@@ -10,18 +10,27 @@
 namespace
 {
 constexpr int UPDATES_LEAST = 20; // smallest update limit
+
 // room in the factors: with few rows the primal simplex allows more updates
 constexpr int UPDATES_ROOM = 100;
-constexpr double UPDATES_POWER = 0.7;       // update limit m^0.7
+
+constexpr double UPDATES_POWER = 0.7; // update limit m^0.7
+
 constexpr double UPDATES_FREE_POWER = 0.45; // below m^0.45 updates the fill is not tested
+
 // TARV_PAR_SIMPLEXALLOCS over ROOM_USUAL is a factor on the size of the factors' pools, at most ROOM_MOST.
 constexpr double ROOM_USUAL = 5, ROOM_MOST = 100;
+
 constexpr uint64_t RANDOM_SEED = 101;
-constexpr int SHOWN_DIGITS = 6;   // digits of %g
+
+constexpr int SHOWN_DIGITS = 6; // digits of %g
+
 constexpr double START_WORK = 50; // work units of an empty model
+
 // Factors on the size of perturbations, up to PERTURB_SMALL_ROWS rows and beyond, if PerturbValue is at most its
 // default.
 constexpr int PERTURB_SMALL_ROWS = 10000;
+
 constexpr double PERTURB_SMALL = 10, PERTURB_LARGE = 25, PERTURB_DEFAULT = 0.0002;
 
 // The matrix without coefficients of 0, which a model may contain: a work vector takes a listed value of 0 for an entry
@@ -246,8 +255,10 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     random_seed(&s->Rng, RANDOM_SEED);
 }
 
+namespace
+{
 // Bounds that cross by little look the same with six digits: then a second line shows all digits.
-static void tell_bad_bounds(const sopt *s, int j)
+void tell_bad_bounds(const sopt *s, int j)
 {
     char name[DEFAULT_NAME_LENGTH], below[NUMBER_LENGTH], above[NUMBER_LENGTH];
     const ModelBody *body = s->Body;
@@ -259,6 +270,7 @@ static void tell_bad_bounds(const sopt *s, int j)
     if (strcmp(below, above) == 0)
         TVXmsg(s->Env, "         in full, lower = %.17g and upper = %.17g\n", lower, upper);
 }
+} // namespace
 
 void sopt_check_bounds(sopt *s)
 {
@@ -323,6 +335,9 @@ void simplex_free(sopt *s)
 }
 
 template int swork_create<double>(sopt *, swork<double> **);
+
 template int swork_create<long double>(sopt *, swork<long double> **);
+
 template void swork_free<double>(swork<double> **);
+
 template void swork_free<long double>(swork<long double> **);

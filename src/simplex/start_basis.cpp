@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+namespace
+{
 // gain above which a column may replace a fixed slack
-static constexpr double CRASH_LOSS = -0.001;
-static constexpr int CRASH_LOOKS = 8; // candidates tried per row
+constexpr double CRASH_LOSS = -0.001;
+
+constexpr int CRASH_LOOKS = 8; // candidates tried per row
+
 // The status of a nonbasic if its true bounds allow it, else the nearest one that they allow.
-static int settled_status(const sopt *s, int j)
+int settled_status(const sopt *s, int j)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const int status = s->VStat.data[j];
@@ -19,6 +23,7 @@ static int settled_status(const sopt *s, int j)
     if (!has_lower(s, lower)) return has_upper(s, upper) ? AT_UPPER : AT_FREE;
     return status == AT_UPPER && has_upper(s, upper) ? AT_UPPER : AT_LOWER;
 }
+} // namespace
 
 void settle_nonbasics(sopt *s)
 {
@@ -50,8 +55,10 @@ bool is_slack_basis(const sopt *s)
     return true;
 }
 
+namespace
+{
 // Decrease of the dual infeasibility of the other columns of row i if the column at slot p becomes basic there.
-static double crash_gain(const sopt *s, const double *cost, int i, int p)
+double crash_gain(const sopt *s, const double *cost, int i, int p)
 {
     const int j = s->RowInd.data[p];
     const double price = cost[j] / s->RowVal.data[p];
@@ -64,6 +71,7 @@ static double crash_gain(const sopt *s, const double *cost, int i, int p)
     }
     return gain;
 }
+} // namespace
 
 // Columns that are slacks in the model itself: a column with one entry and no upper bound replaces the fixed slack of
 // its equation, if the other reduced costs of the row stay about as dual feasible as they are.

@@ -42,10 +42,12 @@ struct StrongBranch {
 namespace
 {
 template<class R> KeptState<R> *kept(StrongBranch *b);
+
 template<> KeptState<double> *kept<double>(StrongBranch *b)
 {
     return &b->Double;
 }
+
 template<> KeptState<long double> *kept<long double>(StrongBranch *b)
 {
     return &b->Extended;

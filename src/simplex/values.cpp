@@ -13,10 +13,13 @@ namespace
 {
 // residual over the tolerance from which refinement pays
 constexpr double REFINE_SHARE = 1e-3;
+
 // Number of residuals beyond the tolerance that are accepted in a run.
 constexpr int PRIMAL_STRIKES = 2, DUAL_STRIKES = 5;
+
 // a residual this many times smaller than the violations does no harm
 constexpr double STRIKE_SHARE = 100;
+
 constexpr double RHS_LEAST = 1e-9; // smallest size of the right-hand side in these ratios
 
 // Largest growth of the solution over the right-hand side and largest relative residual; beyond one of them the
@@ -24,6 +27,7 @@ constexpr double RHS_LEAST = 1e-9; // smallest size of the right-hand side in th
 struct Trust {
     double Growth, Residual, Threshold;
 };
+
 constexpr Trust TRUST[] = {{1e10, 1e-8, 0.5},
                            {1e9, 4e-9, 0.25},
                            {1e8, 1e-9, 0.125},
@@ -237,10 +241,14 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
     template void refine_primal<R>(sopt *, swork<R> *);                                    \
     template void compute_dual<R>(sopt *, swork<R> *);                                     \
     template void refine_dual<R>(sopt *, swork<R> *);
+
 INSTANTIATE(double)
 INSTANTIATE(long double)
 template void judge_residuals<double>(sopt *, const swork<double> *);
+
 template void judge_residuals<long double>(sopt *, const swork<long double> *);
+
 template void compute_dual_for<double>(sopt *, swork<double> *, const double *, double *);
+
 template void compute_dual_for<long double>(sopt *, swork<long double> *, const double *,
                                             long double *);
