@@ -5,7 +5,6 @@
 //             those made from inside a callback.
 // Invariant   The busy flag is cleared on every way out. An error text written deep inside the solve
 //             survives the closing lines (err_hold).
-#include "api/optimize.h"
 #include "api/file_calls.h"
 #include "env/callback.h"
 #include "files/files.h"
@@ -46,10 +45,8 @@ int run_lp(TVXmodel *model)
         given = {warm->statuses.data, nullptr, warm->kind == WARM_CHECKED};
         if (warm->norms.size == warm->statuses.size) given.norms = warm->norms.data;
     }
-    lp->body = model->body;
-    lp->env = model->env;
     attributes_clear_solution(model);
-    const int code = lp_solve(lp, given);
+    const int code = lp_solve(lp, model->body, model->env, given);
     attributes_clear_solution(model);
     if (lp->simplex) warm_start_drop(model); // the record is newer
     const int outcome = lp_log_result(lp, start);
@@ -61,12 +58,10 @@ int run_lp(TVXmodel *model)
 int run_mip(TVXmodel *model)
 {
     MipSolve *mip = &model->mip;
-    mip->body = model->body;
-    mip->env = model->env;
     lp_drop_results(&model->lp);
     model->lp.status = TVX_LOADED;
     attributes_clear_solution(model);
-    const int code = mip_solve(mip);
+    const int code = mip_solve(mip, model->body, model->env);
     attributes_clear_solution(model);
     return code;
 }

@@ -3,7 +3,6 @@
 // Method      The simplex record does the work (simplex/strong_branch.cpp); here are arguments, integers and signs. A
 //             candidate with value x is split at d = floor(x + IntFeasTol) into x <= d and x >= d + 1.
 // Invariant   The model is busy meanwhile: TVXterminate stops it, other calls are refused.
-#include "api/optimize.h"
 #include "attributes/sensitivity.h"
 #include "body/signs.h"
 #include "model/attribute_cache.h"
@@ -91,13 +90,10 @@ int run(TVXmodel *model, const Request &request)
 {
     TRY(check(model, request));
     TRY(SensitivityPrepare(model)); // an optimal basis with fresh factors
-    TVXenv *env = model->env;
-    const double optimize_start = env->optimize_start;
     model_open_solve(model, WallClock());
     *request.status = TVX_OPTIMAL;
     const int code = try_all(model, request);
     flag_store(&model->busy, 0);
-    env->optimize_start = optimize_start;
     return code;
 }
 } // namespace

@@ -1,7 +1,8 @@
 // callback.h -- CallbackRecord, what the caller's callback function is given, and the calls of that function
 //
-// The record belongs to one environment, that of a model; env_free releases it. A private copy of the environment has
-// none, so that worker threads and inner solves never enter the caller's function. The solver that works on a reduced
+// The record belongs to one environment, that of a model; env_free releases it. A copy of the environment has none. An
+// inner solve (env_inner) shows nothing of its own, but polls the function of the outer one; on a thread of its own it must
+// not, and has no outer one. The solver that works on a reduced
 // model uses the environment of the model, and so its callback.
 #pragma once
 #include "env/env.h"
@@ -47,8 +48,8 @@ void callback_call(TVXenv *env, int where, const CallbackSource &source);
 // A solve inside another one has nothing of its own to show: the outer one's function is called as from a long loop.
 inline void callback_poll(TVXenv *env, int where, const CallbackSource &source)
 {
-    if (env->cb_active)
-        callback_call(env, where, source);
+    if (TVXenv *own = env_outlet(env); own->cb_active)
+        callback_call(own, where, source);
     else if (env->outer && env->outer->cb_active)
         callback_call(env->outer, TVX_WHERE_POLLING, CallbackSource());
 }

@@ -118,8 +118,8 @@ void release(TVXenv *master)
 void env_free(TVXenv *env)
 {
     if (!env || env->magic != ENV_MAGIC) return;
-    if (!env->borrows) close_log(env);
-    if (env->cb_record && !env->borrows) {
+    close_log(env);
+    if (env->cb_record) {
         memset(env->cb_record, 0,
                sizeof(uint32_t)); // its magic: a caller may still hold the pointer
         MemFree(env->cb_record);
@@ -161,7 +161,6 @@ int TVXloadenv(TVXenv **env_out, const char *log_file_name)
     if (!env) return TVX_ERROR_OUT_OF_MEMORY;
     env->magic = ENV_MAGIC;
     env->terminate_ptr = &env->terminate;
-    env->version_text = "Tarvex Optimizer, version 3.0.3";
     env->master = env;
     env->holders = 1;
     env->is_master = 1;
@@ -200,7 +199,7 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
     copy->cb_active = nullptr;
     copy->outer = nullptr;
     copy->is_master = 0;
-    copy->borrows = 0;
+    copy->lender = nullptr;
     copy->log_file = nullptr;
     if (log == LogReopen::NO) env_write_no_files(copy);
     flag_store(&source->model_copies, 1);
@@ -219,10 +218,7 @@ int env_variant(TVXenv **variant_out, TVXenv *env)
 {
     TRY(env_copy(variant_out, env, LogReopen::NO));
     TVXenv *variant = *variant_out;
-    variant->borrows = 1;
-    variant->log_file = env->log_file;
-    variant->cb_active = env->cb_active;
-    variant->cb_record = env->cb_record;
+    variant->lender = env_outlet(env);
     variant->outer = env->outer;
     return 0;
 }

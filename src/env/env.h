@@ -40,7 +40,6 @@ struct TVXenv {
     // The four words above may be touched by several threads, so atomically only, and are not copied as bytes.
     int32_t *terminate_ptr;   // the flag that solver loops poll
     double optimize_start;    // WallClock at the start of the current TVXoptimize
-    const char *version_text; // constant
     TVXenv *master;           // owner of the parameter table; itself in a master
     char *errmsg; // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
     int errcode;  // last code recorded with a text
@@ -50,7 +49,7 @@ struct TVXenv {
     FILE *log_file;         // own stream, or null
     int quiet_solve;        // the model is solved as an inner step: no closing lines
     TVXcallback cb_active;  // the caller's callback function, or null
-    int borrows;            // log and callback record belong to another environment
+    TVXenv *lender;         // whose log and callback function this one uses, or null: its own
     CallbackRecord
         *cb_record; // one block, owned; its first word is set to 0 before it is freed
     TVXenv
@@ -73,6 +72,12 @@ inline double infinite_bound(const TVXenv *env)
 {
     return env->TARV_PAR_INFBOUND < INFINITE_BOUND ? env->TARV_PAR_INFBOUND
                                                    : INFINITE_BOUND;
+}
+
+// Where log stream and callback function stand.
+inline TVXenv *env_outlet(TVXenv *env)
+{
+    return env->lender ? env->lender : env;
 }
 
 enum class LogReopen { NO, YES };

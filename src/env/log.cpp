@@ -42,8 +42,9 @@ void TVXmsg(TVXenv *env, const char *format, ...)
     va_list arguments;
     va_start(arguments, format);
     if (env->OutputFlag) print_flushed(stdout, format, arguments);
-    if (env->OutputFlag && env->log_file) print_log_file(env, format, arguments);
-    callback_message(env, format, arguments);
+    TVXenv *outlet = env_outlet(env);
+    if (env->OutputFlag && outlet->log_file) print_log_file(outlet, format, arguments);
+    callback_message(outlet, format, arguments);
     va_end(arguments);
 }
 

@@ -178,7 +178,6 @@ int parameters_write(TVXenv *env, const char *file_name)
                     "Unable to write to parameter file %s", file_name);
     for (const ParameterRow &row : env->params->rows) write_row(env, &row, file.stream);
     if (FileClose(&file)) {
-        FileRemove(file_name);
         return fail(env, TVX_ERROR_FILE_WRITE, Report::FORCE,
                     "Unable to write to parameter file %s", file_name);
     }

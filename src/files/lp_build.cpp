@@ -17,7 +17,8 @@ static const WarningText texts[] = { // in the order of LpWarning
     {"Warning: constraint name used twice: '", "'\n"},
     {"Warning: lower side of a range above its upper side: '", "'\n"},
     {"Warning: bounds of a binary variable are cut to 0 and 1: '", "'\n"},
-    {"Warning: text behind the end is not read: '", "'\n"}};
+    {"Warning: text behind the end is not read: '", "'\n"},
+    {"Warning: no End at the end of the file, which may be cut short", "\n"}};
 
 void lp_warnings_show(const LpReader *reader, TVXenv *env)
 {

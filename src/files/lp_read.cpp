@@ -109,7 +109,8 @@ static int report_memory(TVXenv *env)
 
 // ---- Sections ----
 
-static int take_objective(LpReader *reader)
+// And the constraints behind it, if there are any.
+static int take_objective(LpReader *reader, bool *constraints)
 {
     const LpWord word = reader->token.word;
     if (word != LpWord::MINIMIZE && word != LpWord::MAXIMIZE)
@@ -118,6 +119,7 @@ static int take_objective(LpReader *reader)
     lp_next(reader);
     TRY(lp_objective(reader));
     if (reader->token.word != LpWord::SUBJECT_TO) return 0;
+    *constraints = true;
     lp_next(reader);
     return lp_constraints(reader);
 }
@@ -151,7 +153,8 @@ static int take_end(LpReader *reader)
 
 static int parse(LpReader *reader)
 {
-    TRY(take_objective(reader));
+    bool sections = false;
+    TRY(take_objective(reader, &sections));
     while (reader->token.kind != LpKind::END) {
         const LpWord word = reader->token.word;
         if (!lp_at_section(reader)) return lp_stop_here(reader, "this cannot stand here");
@@ -160,9 +163,12 @@ static int parse(LpReader *reader)
             return lp_stop_here(reader, "this section must stand before the others");
         lp_next(reader);
         TRY(take_section(reader, word));
+        sections = true;
     }
-    if (reader->stop == reader->text.end) return 0;
-    return lp_stop_here(reader, "");
+    if (reader->stop != reader->text.end) return lp_stop_here(reader, "");
+    if (!sections) return lp_stop_here(reader, "no constraints and no End: is this all?");
+    lp_warn(reader, LpWarning::NO_END, {reader->stop, reader->stop});
+    return 0;
 }
 
 static int read_loaded(TVXenv *env, LpReader *reader)

@@ -53,6 +53,7 @@ enum class LpWarning {
     EMPTY_RANGE,
     BINARY_CUT,
     BEHIND_END,
+    NO_END,
     COUNT_
 };
 

@@ -3,8 +3,7 @@
 // Problem     A file cut short by a full disk looks like a model. Every write and the close must count, and what is left
 //             of a failed file must go.
 // Method      A buffer of our own in front of the stream: no formatted printing per field, so a number costs what its
-//             conversion costs. A failed file is unlinked when the name is that of a regular file: a device or a link
-//             stays.
+//             conversion costs. The file appears under its name when it is complete (runtime/file.h).
 #include "files/text_out.h"
 #include "env/env.h"
 #include "files/file_number.h"
@@ -96,7 +95,6 @@ int text_out_close(TextOut *out)
     if (FileClose(&out->file)) out->failed = true;
     int error = 0;
     if (out->failed) {
-        FileRemove(out->name);
         error = fail(out->env, TVX_ERROR_FILE_WRITE, Report::KEEP_FIRST,
                      "File %s cannot be written to its end\n", out->name);
     }

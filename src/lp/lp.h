@@ -1,38 +1,42 @@
 // lp.h -- the face of this room: LpSolve, the solve of one linear program, and what may be asked of it
 //
-// States of LpSolve::status
-//   TVX_LOADED    nothing solved: fresh, after lp_drop, or out of memory                        lp_drop, lp_solve
-//   2 3 4 5       a final answer; `simplex` holds it, unless presolve has found a 3 or 4        lp_solve
-//   6 12 13       the cutoff, numeric trouble: final as well                                    lp_solve
-//   7 9 11        a limit: the next lp_solve goes on, from `form` if there is one, else from `simplex`
-// The caller may change bounds of the body between two calls together with simplex_change_bound; any other change needs
-// lp_drop_results, and the record `simplex` must go.
+// LpSolve::status     what it means                                         set by
+//   0, TVX_LOADED     nothing is solved                                     lp_drop, lp_bound_changed, the model's updates
+//   2 5 6 12 13       final; `simplex` holds the answer                     lp_solve, lp_confirm
+//   3 4               final; `simplex` holds the proof, or there is no      lp_solve
+//                     record: presolve or an impossible row has told
+//   7 9 11            a limit; the next lp_solve goes on from `form`, else  lp_solve, lp_confirm
+//                     from `simplex`, unless a newer basis is given
+// A change of the body between two calls needs lp_bound_changed, or lp_drop.
 #pragma once
 #include "body/body.h"
 #include "body/quality.h"
 #include "simplex/simplex.h"
 
-struct LpForm; // form.h
+struct LpForm; // lp_form.h
 
 struct LpResult {
-    double runtime = 0; // seconds
-    Array<double> x;  // [numvars] point of a solver that leaves no simplex record, or empty
-    Array<double> pi; // [numconstrs] its duals, in the body's signs, or empty
+    double runtime = 0;           // seconds
+    int has_point = 0;            // x holds the point of a solver that leaves no simplex record
+    int has_duals = 0;            // and pi its duals
+    Array<double> x;              // [numvars]
+    Array<double> pi;             // [numconstrs] in the body's signs
     double objval = 0;            // in the caller's sense
     double itercount = 0;         // simplex iterations
     double reduced_itercount = 0; // of these, on a reduced model
-    int bar_itercount = 0;
-    Quality quality; // filled on first query
+    int bar_itercount = 0;        // barrier iterations
+    Quality quality;              // filled on first query
 };
 
 struct LpSolve {
-    const ModelBody *body = nullptr; // not owned; set by each call of lp_solve
+    const ModelBody *body = nullptr; // of the last lp_solve; not owned
     TVXenv *env = nullptr;           // likewise
     int status = 0;
     double work = 0;            // deterministic effort of the last solve
     sopt *simplex = nullptr;    // owned; on the body itself
     LpResult *result = nullptr; // owned; of the last solve
     LpForm *form = nullptr;     // owned; where a limit has stopped a solve with presolve
+    int version = 0;            // counts up whenever the point may have become another one
 };
 void lp_drop_results(LpSolve *lp); // result and form; the simplex record stays
 void lp_drop_form(LpSolve *lp);
@@ -46,10 +50,14 @@ struct LpGiven {
     bool newer =
         false; // than the last solve, so that it counts more than what that has left
 };
-// Solves lp->body with lp->env from where the last solve ended, the given basis, or scratch. Log lines of the result are
-// the caller's (lp_log.h). 0 or OUT_OF_MEMORY: everything is dropped then. When a callback asks for a stop by a code of its
+// Solves the body from where the last solve ended, the given basis, or scratch. lp_log_result writes the lines of the
+// result. 0 or OUT_OF_MEMORY: everything is dropped then. When a callback asks for a stop by a code of its
 // own this returns 0 with status TVX_INTERRUPTED, and callback_code tells.
-[[nodiscard]] int lp_solve(LpSolve *lp, const LpGiven &given);
+[[nodiscard]] int lp_solve(LpSolve *lp, const ModelBody *body, TVXenv *env,
+                           const LpGiven &given);
+// A bound of variable j has changed in the body: the next solve goes on from the live record. False when the record cannot
+// follow (the variable becomes or stops being free); it is left as it was then, for its basis, and has to be dropped.
+[[nodiscard]] bool lp_bound_changed(LpSolve *lp, int j);
 
 // A limit or an interruption: the solve can go on.
 inline bool is_limit(int status)
@@ -57,8 +65,9 @@ inline bool is_limit(int status)
     return status == TVX_ITERATION_LIMIT || status == TVX_TIME_LIMIT ||
            status == TVX_INTERRUPTED;
 }
-// A point stands in the record or in the result.
+// A point stands in the record or in the result; and so do duals.
 bool lp_has_point(const LpSolve *lp);
+bool lp_has_duals(const LpSolve *lp);
 void lp_get_x(const LpSolve *lp, double *x); // [n]
 void lp_get_duals(const LpSolve *lp, double *pi,
                   double *rc); // [m], [n], in the body's signs

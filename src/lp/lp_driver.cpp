@@ -67,6 +67,7 @@ int open_result(LpSolve *lp)
 void publish(LpSolve *lp, double start)
 {
     LpResult *result = lp->result;
+    lp->version++;
     result->runtime = WallClock() - start;
     if (!lp->simplex) return;
     result->objval = turned(lp->body->sense, simplex_objective(lp->simplex));
@@ -126,8 +127,10 @@ int refresh_factor(LpSolve *lp)
 }
 } // namespace
 
-int lp_solve(LpSolve *lp, const LpGiven &given)
+int lp_solve(LpSolve *lp, const ModelBody *body, TVXenv *env, const LpGiven &given)
 {
+    lp->body = body;
+    lp->env = env;
     const int code = already_solved(lp) ? refresh_factor(lp) : solve(lp, given);
     if (code) lp_drop(lp); // nothing that a solve has left unfinished is used again
     return code;
@@ -146,35 +149,52 @@ int run_to_fresh_factors(LpSolve *lp, TVXenv *env)
 }
 
 // In an environment of its own: without callback and limit of iterations, with fresh factors at the end.
-int confirm_by_dual(LpSolve *lp)
+int make_confirming_env(const LpSolve *lp, TVXenv **env)
 {
-    TVXenv *env = nullptr;
-    TRY(env_inner(&env, lp->env));
-    env->outer = nullptr;
-    env->TARV_PAR_SIMPLEXENDFAC = 1;
-    env->IterationLimit = UNDEFINED_VALUE;
-    env->optimize_start = WallClock();
-    const int code = run_to_fresh_factors(lp, env);
-    if (lp->simplex) simplex_set_env(lp->simplex, lp->env);
-    env_free(env);
-    return code;
+    TRY(env_inner(env, lp->env));
+    (*env)->outer = nullptr;
+    (*env)->TARV_PAR_SIMPLEXENDFAC = 1;
+    (*env)->IterationLimit = UNDEFINED_VALUE;
+    (*env)->optimize_start = WallClock();
+    return 0;
+}
+
+int confirm(LpSolve *lp, TVXenv *env)
+{
+    bool optimal = false;
+    TRY(simplex_confirm(lp->simplex, &optimal));
+    return optimal ? 0 : run_to_fresh_factors(lp, env);
 }
 } // namespace
 
 int lp_confirm(LpSolve *lp, bool *changed)
 {
-    bool optimal = false;
+    TVXenv *env = nullptr;
     const double before = lp->result->itercount;
     *changed = false;
-    int code = simplex_confirm(lp->simplex, &optimal);
-    if (!code && !optimal) code = confirm_by_dual(lp);
-    if (code == OUT_OF_MEMORY && !lp->simplex) lp_drop(lp);
-    if (code) return code;
+    TRY(make_confirming_env(lp, &env)); // before anything changes
+    const int code = confirm(lp, env);
+    if (lp->simplex) simplex_set_env(lp->simplex, lp->env);
+    env_free(env);
+    if (code) {
+        lp_drop(lp);
+        return code;
+    }
     *changed = simplex_iterations(lp->simplex) > before;
     if (*changed) {
+        lp->version++;
         lp->result->itercount = simplex_iterations(lp->simplex);
         lp->result->objval = turned(lp->body->sense, simplex_objective(lp->simplex));
         lp->result->quality.computed = 0;
     }
     return 0;
+}
+
+bool lp_bound_changed(LpSolve *lp, int j)
+{
+    if (!simplex_change_bound(lp->simplex, j, lp->body->lb[j], lp->body->ub[j]))
+        return false;
+    lp_drop_form(lp);
+    lp->status = TVX_LOADED;
+    return true;
 }

@@ -116,7 +116,7 @@ int choose_from_both(LpSolve *lp, LpForm *form)
         form->outcome = static_cast<PresolveStatus>(limits_reached(lp->env));
     if (form->outcome != PRESOLVE_OK)
         lp_form_drop_presolve(form);
-    else if (!code && !form->overgrown && thread && t.status == 0 &&
+    else if (!code && thread && t.status == 0 &&
              dual_is_smaller(form->presolve, t.presolve))
         adopt(&t, lp->env, form);
     presolve_free(t.presolve);

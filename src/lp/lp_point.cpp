@@ -5,7 +5,12 @@
 
 bool lp_has_point(const LpSolve *lp)
 {
-    return lp->simplex || (lp->result && lp->result->x.size > 0);
+    return lp->simplex || (lp->result && lp->result->has_point);
+}
+
+bool lp_has_duals(const LpSolve *lp)
+{
+    return lp->simplex || (lp->result && lp->result->has_duals);
 }
 
 void lp_get_x(const LpSolve *lp, double *x)
@@ -32,7 +37,7 @@ void lp_get_duals(const LpSolve *lp, double *pi, double *rc)
 int lp_quality(LpSolve *lp)
 {
     LpResult *result = lp->result;
-    if (!result || !lp_has_point(lp)) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    if (!result || !lp_has_point(lp) || !lp_has_duals(lp)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (result->quality.computed) return 0;
     const int n = lp->body->numvars, m = lp->body->numconstrs;
     Array<double> x, pi, rc;

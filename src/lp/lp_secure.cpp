@@ -235,6 +235,7 @@ int try_way(LpSolve *lp, const Way &way, int method, Best *best)
                               .Iterations = lp->result->itercount};
     TRY(SimplexRepeat(&lp->simplex, lp->body, lp->env, call, tuning_of(lp->env, way)));
     lp->status = simplex_status(lp->simplex);
+    lp->version++;
     return note(lp, best);
 }
 
@@ -290,6 +291,7 @@ int settle(LpSolve *lp, Best *best)
         best->record = nullptr;
         simplex_count_on(lp->simplex, iterations);
         lp->status = best->status;
+        lp->version++;
     }
     if (restored && limit && !best->repeated && !is_final(best->answer)) {
         declare(lp, limit);
@@ -307,7 +309,8 @@ int lp_secure(LpSolve *lp, const LpStart &start)
     const bool stopped = lp->simplex && is_limit(simplex_status(lp->simplex));
     TRY(lp_run(lp, lp_own_target(lp), start));
     lp->status = simplex_status(lp->simplex);
-    const int first = lp->env->LPMethod == METHOD_PRIMAL ? METHOD_PRIMAL : METHOD_DUAL;
+    lp->version++;
+    const int first = start.resolved;
     const double first_iterations = simplex_iterations(lp->simplex);
     Best best;
     best.repeated = stopped && first_iterations == 0;

@@ -2,7 +2,7 @@
 //
 // Order       A basis that the caller has set since the last solve; the place where a limit has stopped that one (the
 //             form, with presolve on, else the model itself); the live record; a basis that a change of the model has
-//             carried over; scratch. A record that was built otherwise than the environment says leaves its basis and goes.
+//             carried over; scratch. A record that was tuned (SimplexTuning) for one solve is dropped; its basis is kept.
 #include "lp/lp_start.h"
 #include "lp/lp_form.h"
 
@@ -34,9 +34,12 @@ int take_basis(const LpSolve *lp, LpStart *start)
 
 int lp_start_choose(LpSolve *lp, const LpGiven &given, LpStart *start)
 {
-    start->method = choose_method(lp->env);
+    start->method = start->resolved = choose_method(lp->env);
     const bool newer = given.statuses && given.newer, stopped = is_limit(lp->status);
+    const bool tuned = lp->simplex && simplex_is_tuned(lp->simplex);
     if (stopped && !newer && lp->form && lp->env->Presolve != 0) {
+        if (tuned) lp_drop_simplex(lp);
+        if (!lp->simplex && given.statuses) TRY(take_given(lp, given, start));
         start->from = LpFrom::FORM;
         return 0;
     }
@@ -44,8 +47,8 @@ int lp_start_choose(LpSolve *lp, const LpGiven &given, LpStart *start)
     if (lp->simplex && newer) lp_drop_simplex(lp);
     if (!lp->simplex) return given.statuses ? take_given(lp, given, start) : 0;
     start->from = stopped ? LpFrom::MODEL : LpFrom::RECORD;
-    if (!simplex_is_tuned(lp->simplex)) return 0;
-    TRY(take_basis(lp, start)); // its way was for one solve
+    if (!tuned) return 0;
+    TRY(take_basis(lp, start));
     if (stopped) start->from = LpFrom::MODEL;
     lp_drop_simplex(lp);
     return 0;

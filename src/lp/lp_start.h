@@ -2,7 +2,7 @@
 #pragma once
 #include "lp/lp.h"
 
-// By falling age of what it goes on from.
+// What a solve goes on from.
 enum class LpFrom {
     SCRATCH,
     BASIS,  // LpStart::statuses
@@ -12,8 +12,9 @@ enum class LpFrom {
 };
 struct LpStart {
     LpFrom from = LpFrom::SCRATCH;
-    int method = METHOD_DUAL;
-    Array<int> statuses; // [n + m], or empty
+    int method = METHOD_DUAL; // of the next run: METHOD_BY_START behind presolve
+    int resolved = METHOD_DUAL; // primal or dual, as the parameters say
+    Array<int> statuses; // [n + m], or empty. With FORM: for a run on the model, should the form fail
     Array<double> norms; // [n + m] dual pricing norms of it, or empty
 };
 // Drops the simplex record where it is not gone on from. 0 or OUT_OF_MEMORY.

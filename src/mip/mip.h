@@ -21,9 +21,9 @@ struct MipResult {
     Quality quality;        // of the best solution, filled on first query
 };
 
-// What a model keeps between MIP solves: a search that a limit has stopped goes on with what stands here.
+// What a model keeps between MIP solves: the result, and the place for what a stopped search goes on from.
 struct MipSolve {
-    const ModelBody *body = nullptr; // not owned; set by each call of mip_solve
+    const ModelBody *body = nullptr; // of the last mip_solve; not owned
     TVXenv *env = nullptr;           // likewise
     MipResult *result =
         nullptr; // owned; null before the first solve, and after one that left nothing
@@ -33,8 +33,7 @@ void mip_drop(MipSolve *mip);
 // Presets of MIPFocus in an environment of its own for one solve (mip_focus.cpp). A preset changes a parameter only where
 // it still has its default, so that what a caller has chosen stands.
 void mip_focus_apply(TVXenv *env);
-// Solves mip->body, which has integers, semi-continuous variables or SOS constraints, with mip->env. 0 or a code, with its
-// text recorded.
-[[nodiscard]] int mip_solve(MipSolve *mip);
+// Solves a body with integers, semi-continuous variables or SOS constraints. 0 or a code, with its text recorded.
+[[nodiscard]] int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env);
 // The closing lines; `error` is the code with which the solve ended. 0 or OUT_OF_MEMORY (mip_log.cpp).
 [[nodiscard]] int mip_log_result(MipSolve *mip, int error);

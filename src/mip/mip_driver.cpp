@@ -22,13 +22,15 @@ void mip_drop(MipSolve *mip)
     mip->result = nullptr;
 }
 
-int mip_solve(MipSolve *mip)
+int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env)
 {
+    mip->body = body;
+    mip->env = env;
     mip_drop(mip);
     TVXenv *own = nullptr;
-    TRY(env_variant(&own, mip->env));
+    TRY(env_variant(&own, env));
     mip_focus_apply(own);
-    const int code = search(mip->body, own);
+    const int code = search(body, own);
     env_free(own);
     return code;
 }

@@ -46,6 +46,8 @@ int enter(TVXmodel *model, AttributeTable **table)
     if (!solution_available(model)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     TRY(attributes_make(model));
     *table = model->attributes;
+    if ((*table)->lp_version != model->lp.version) attributes_clear_solution(model);
+    (*table)->lp_version = model->lp.version;
     return 0;
 }
 } // namespace
@@ -106,6 +108,7 @@ int solution_duals(TVXmodel *model, const double **pi, const double **rc)
 {
     AttributeTable *table = nullptr;
     TRY(enter(model, &table));
+    if (!lp_has_duals(&model->lp)) return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (!(table->have & HAVE_DUALS)) {
         const ModelBody *body = model->body;
         TRY(array_resize(&table->pi, body->numconstrs));

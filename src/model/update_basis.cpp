@@ -169,10 +169,9 @@ namespace
 // Hands the new bounds to the live record; where it cannot follow, its statuses are carried over.
 void move_bounds(TVXmodel *model)
 {
-    const ModelBody *body = model->body;
     for (const int who : model->pending->bound_changes.who) {
         const int j = who >= 0 ? who : -who - 1;
-        if (simplex_change_bound(model->lp.simplex, j, body->lb[j], body->ub[j])) continue;
+        if (lp_bound_changed(&model->lp, j)) continue;
         warm_start_from_simplex(model);
         lp_drop_simplex(&model->lp);
         return;

@@ -217,6 +217,10 @@ int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out, double
         const int stop = claim_finish(&work, status, claim);
         if (stop != 0) status = stop;
     }
+    if (status != 0) {
+        presolve_free(*out);
+        *out = nullptr;
+    }
     if (status != 0 && status != OUT_OF_MEMORY) status = final_status(&work, status);
     *effort += work.Work;
     work_free(&work);

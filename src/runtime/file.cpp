@@ -6,14 +6,17 @@
 //             for writing it is a socket pair behind a custom stream, since a write to a socket can be told not
 //             to raise SIGPIPE when the command has died. The command's messages are discarded: its exit status is
 //             what counts.
-//             A file is emptied only when the command runs: it writes nothing before it gets input from us.
+//             A regular file is written beside its name and renamed when it is complete. Where that is not possible
+//             it is emptied when the command runs, which writes nothing before it gets input from us.
 // Invariant   Every descriptor is closed on exec and numbered 3 or above, also in a process without standard
 //             streams: a file can never take the place of standard output.
 // Cost        One process per compressed file.
 #include "runtime/file.h"
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
@@ -32,6 +35,65 @@ static int descriptor_raise(int descriptor)
     const int raised = fcntl(descriptor, F_DUPFD_CLOEXEC, FIRST_DESCRIPTOR);
     close(descriptor);
     return raised;
+}
+
+// ---- Writing beside the name ----
+
+// The file that `name` means, behind links, when it is new or may be replaced by another one: a regular file that may be
+// written and has this one name. Its mode, or that of new files. False: it is to be written directly.
+static bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
+{
+    struct stat status {
+    };
+    *mode = 0;
+    if (strlen(name) >= FILE_NAME_ROOM) return false;
+    strcpy(file->name, name);
+    if (lstat(name, &status) != 0) return errno == ENOENT;
+    if (S_ISLNK(status.st_mode)) {
+        static_assert(FILE_NAME_ROOM >= PATH_MAX);
+        if (!realpath(name, file->name) || stat(name, &status) != 0) return false;
+    }
+    *mode = status.st_mode & 07777;
+    return S_ISREG(status.st_mode) && status.st_nlink == 1 && access(name, W_OK) == 0;
+}
+
+// A new file beside file->name, called file->part; a descriptor, or -1.
+static int open_part(FileHandle *file, mode_t mode)
+{
+    static constexpr int TRIES = 100;
+    for (int k = 0; k < TRIES; k++) {
+        const int length = snprintf(file->part, FILE_NAME_ROOM, "%s.part%ld-%d", file->name,
+                                    static_cast<long>(getpid()), k);
+        if (length < 0 || length >= FILE_NAME_ROOM) return -1;
+        const int descriptor = descriptor_raise(
+            open(file->part, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, NEW_FILE_MODE));
+        if (descriptor < 0 && errno == EEXIST) continue;
+        if (descriptor >= 0 && mode) static_cast<void>(fchmod(descriptor, mode));
+        return descriptor;
+    }
+    return -1;
+}
+
+static int descriptor_open(const char *name, char mode);
+
+// For writing. A descriptor, or -1; names as FileHandle says.
+static int descriptor_for_writing(const char *name, FileHandle *file)
+{
+    mode_t mode = 0;
+    if (is_replaceable(name, file, &mode)) {
+        const int descriptor = open_part(file, mode);
+        if (descriptor >= 0) return descriptor;
+    }
+    if (strlen(name) < FILE_NAME_ROOM) {
+        strcpy(file->name, name);
+        strcpy(file->part, name);
+    }
+    return descriptor_open(name, 'w');
+}
+
+static bool is_beside(const FileHandle *file)
+{
+    return file->part[0] && strcmp(file->part, file->name) != 0;
 }
 
 // A descriptor of the file, or -1. Directories do not open.
@@ -186,11 +248,11 @@ static int open_through_command(const char *command, char mode, int target,
         return FILE_NO_COMMAND;
     }
     if (reading) close(target);
-    *file = {.stream = stream,
-             .kind = 'p',
-             .mode = mode,
-             .child = child,
-             .target = reading ? -1 : target};
+    file->stream = stream;
+    file->kind = 'p';
+    file->mode = mode;
+    file->child = child;
+    file->target = reading ? -1 : target;
     return 0;
 }
 
@@ -201,7 +263,9 @@ static int open_plain(char mode, int descriptor, FileHandle *file)
         close(descriptor);
         return FILE_UNREACHABLE;
     }
-    *file = {.stream = stream, .kind = 'f', .mode = mode, .child = 0, .target = -1};
+    file->stream = stream;
+    file->kind = 'f';
+    file->mode = mode;
     return 0;
 }
 
@@ -220,7 +284,8 @@ int FileOpen(const char *name, char mode, FileHandle *file)
     *file = FileHandle{};
     if (!name || !*name) return FILE_UNREACHABLE;
     const bool is_new = mode == 'w' && access(name, F_OK) != 0;
-    const int descriptor = descriptor_open(name, mode);
+    const int descriptor =
+        mode == 'w' ? descriptor_for_writing(name, file) : descriptor_open(name, mode);
     if (descriptor < 0) return FILE_UNREACHABLE;
     const char *command = FileCommand(name);
     int fault = command ? open_through_command(command, mode, descriptor, file)
@@ -229,7 +294,9 @@ int FileOpen(const char *name, char mode, FileHandle *file)
         FileClose(file);
         fault = FILE_UNREACHABLE;
     }
+    if (fault && is_beside(file)) FileRemove(file->part);
     if (fault && is_new) FileRemove(name);
+    if (fault) *file = FileHandle{};
     return fault;
 }
 
@@ -246,6 +313,10 @@ int FileClose(FileHandle *file)
         if (!succeeded && (closed.mode == 'w' || at_end)) failed = true;
     }
     if (closed.target >= 0 && close(closed.target)) failed = true;
+    if (closed.mode == 'w') {
+        if (!failed && is_beside(&closed)) failed = rename(closed.part, closed.name) != 0;
+        if (failed) FileRemove(closed.part);
+    }
     return failed;
 }
 

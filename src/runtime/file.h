@@ -1,9 +1,13 @@
 // file.h -- opening plain and compressed files
 //
+// What is written appears under its name when it is complete: until then it stands beside it under a name of its own
+// (NAME.part and a number), so that an interrupted or failed write leaves an older file as it was.
 // Names ending in ".gz" or ".bz2" go through the external commands gzip and bzip2, started directly with an
 // argument list: no shell ever sees the name. The endings count in any case.
 #pragma once
 #include <cstdio>
+
+static constexpr int FILE_NAME_ROOM = 4096; // as PATH_MAX
 
 struct FileHandle {
     FILE *stream = nullptr; // null when not open
@@ -11,18 +15,21 @@ struct FileHandle {
     char mode = 0;          // 'r' or 'w'
     int child = 0;          // process id behind a pipe
     int target = -1;        // descriptor of the output file behind a write pipe
+    // For writing: the file that is meant, links resolved, and the one that is written, which is the same for a device,
+    // a queue, a file with several names, or a folder that takes no new file. Empty: a longer name, written directly.
+    char name[FILE_NAME_ROOM] = "", part[FILE_NAME_ROOM] = "";
 };
 
 enum FileFault {
     FILE_UNREACHABLE = 1, // the file does not open
     FILE_NO_COMMAND = 2   // it does, but the command cannot be started
 };
-// mode 'r' or 'w'. 0 or a FileFault, *file then holds no stream. A file is emptied for writing only when everything else
-// went well.
+// mode 'r' or 'w'. 0 or a FileFault, *file then holds no stream and nothing has changed.
 [[nodiscard]] int FileOpen(const char *name, char mode, FileHandle *file);
 const char *FileCommand(const char *name); // "gzip", "bzip2", or null for a plain file
 // Flushes and closes; a handle without stream is ignored. 0; or 1 when data could not be written, or the
-// command behind a pipe failed (for reading only when the stream was read to its end).
+// command behind a pipe failed (for reading only when the stream was read to its end). What has not been written
+// completely is removed.
 int FileClose(FileHandle *file);
 bool FileRemove(
     const char

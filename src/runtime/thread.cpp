@@ -79,34 +79,3 @@ void ThreadPause(int round)
                                                                 : LONGEST_SLEEP};
     nanosleep(&sleep, nullptr);
 }
-
-struct Lock {
-    pthread_mutex_t Mutex;
-};
-
-Lock *LockCreate()
-{
-    Lock *lock = static_cast<Lock *>(MemAlloc(sizeof(Lock)));
-    if (!lock) return nullptr;
-    if (pthread_mutex_init(&lock->Mutex, nullptr)) {
-        MemFree(lock);
-        return nullptr;
-    }
-    return lock;
-}
-
-void LockFree(Lock *lock)
-{
-    if (!lock) return;
-    pthread_mutex_destroy(&lock->Mutex);
-    MemFree(lock);
-}
-
-void LockEnter(Lock *lock)
-{
-    pthread_mutex_lock(&lock->Mutex);
-}
-void LockLeave(Lock *lock)
-{
-    pthread_mutex_unlock(&lock->Mutex);
-}

@@ -1,4 +1,4 @@
-// thread.h -- threads, locks, the words threads share, and processor counts
+// thread.h -- threads, the words threads share, and processor counts
 #pragma once
 #include <atomic>
 #include <cstdint>
@@ -16,12 +16,6 @@ void ThreadJoin(uintptr_t handle);
 void ThreadPause(int round);
 // The calling thread; never 0.
 uintptr_t ThreadSelf();
-
-struct Lock;
-[[nodiscard]] Lock *LockCreate(); // null when out of memory
-void LockFree(Lock *lock);        // null is ignored
-void LockEnter(Lock *lock);
-void LockLeave(Lock *lock);
 
 // Processors for this process: the smallest of NUMBER_OF_PROCESSORS (1 to 1023, else ignored), the system's
 // count, the affinity mask and the cgroup CPU quota (rounded up); at least 1.

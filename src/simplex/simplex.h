@@ -99,15 +99,7 @@ double simplex_work_units(const sopt *s); // since the record was created
 // Work units since the last call of this function, so that a sum over calls counts each unit once.
 double simplex_take_work(sopt *s);
 int simplex_factorizations(const sopt *s);
-// A run in progress: the figures of a line of its log, in the caller's sense. Costs a pass over the variables.
-struct SimplexProgress {
-    double objective, primal_infeasibility, dual_infeasibility;
-};
-SimplexProgress simplex_progress(const sopt *s);
-int simplex_perturbed(
-    const sopt *s);                // 0 not at all, 1 single costs or bounds, 2 all of them
 int simplex_status(const sopt *s); // status of its last run
-double simplex_markowitz_tol(const sopt *s); // in force at the end of the last run
 // Scale factors: scaled column j = col[j] * column, scaled row i = row[i] * row; null when unscaled.
 void simplex_get_scaling(const sopt *s, const double **row, const double **col,
                          double *obj);

@@ -94,27 +94,29 @@ int simplex_factorizations(const sopt *s)
 
 namespace
 {
-template<class R> SimplexProgress progress(const sopt *s, const swork<R> *w)
+// The figures of a line of the log, in the caller's sense. Costs a pass over the variables.
+struct Progress {
+    double objective, primal_infeasibility, dual_infeasibility;
+};
+
+template<class R> Progress progress_of(const sopt *s, const swork<R> *w)
 {
     const Infeasibility inf = measure_infeasibility(s, w);
     return {s->Sense * (true_objective(s, w) + s->ObjOffset), inf.PrimalSum, inf.DualSum};
 }
-} // namespace
 
-SimplexProgress simplex_progress(const sopt *s)
+Progress progress(const sopt *s)
 {
-    return s->Quad ? progress(s, s->Extended) : progress(s, s->Double);
+    return s->Quad ? progress_of(s, s->Extended) : progress_of(s, s->Double);
 }
 
-namespace
+// 0 not at all, 1 single costs or bounds, 2 all of them
+int perturbation(const sopt *s)
 {
-constexpr int WHOLE_PERTURBATION = 3;
-} // namespace
-
-int simplex_perturbed(const sopt *s)
-{
-    return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE_PERTURBATION ? 1 : 2;
+    constexpr int WHOLE = 3;
+    return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE ? 1 : 2;
 }
+} // namespace
 
 // The sums are computed only when the callback function asks for them.
 int simplex_answer(const void *record, int what, void *result)
@@ -126,16 +128,16 @@ int simplex_answer(const void *record, int what, void *result)
         *value = simplex_iterations(s);
         return 0;
     case TVX_CB_SIMPLEX_PERTURBED:
-        *static_cast<int *>(result) = simplex_perturbed(s);
+        *static_cast<int *>(result) = perturbation(s);
         return 0;
     case TVX_CB_SIMPLEX_OBJECTIVE:
-        *value = simplex_progress(s).objective;
+        *value = progress(s).objective;
         return 0;
     case TVX_CB_SIMPLEX_PRIMAL_INFEASIBILITY:
-        *value = simplex_progress(s).primal_infeasibility;
+        *value = progress(s).primal_infeasibility;
         return 0;
     case TVX_CB_SIMPLEX_DUAL_INFEASIBILITY:
-        *value = simplex_progress(s).dual_infeasibility;
+        *value = progress(s).dual_infeasibility;
         return 0;
     default:
         return TVX_ERROR_CALLBACK;
@@ -145,11 +147,6 @@ int simplex_answer(const void *record, int what, void *result)
 int simplex_status(const sopt *s)
 {
     return s->Status;
-}
-
-double simplex_markowitz_tol(const sopt *s)
-{
-    return s->MarkowitzTol;
 }
 
 double simplex_work_units(const sopt *s)

@@ -18,6 +18,7 @@ TEST_F(ModelTest, a_point_without_simplex_record_has_all_attributes_but_those_of
     ASSERT_EQ(array_resize(&solve->result->pi, m), 0);
     lp_get_x(solve, solve->result->x.data);
     lp_get_duals(solve, solve->result->pi.data, rc.data());
+    solve->result->has_point = solve->result->has_duals = 1;
     lp_drop_simplex(solve);
     solve->result->quality = Quality{};
     attributes_clear_solution(model);
