@@ -8,7 +8,7 @@
 //               free                                  A_j y = c_j
 //               boxed                                 A_j y - q_j <= c_j,  q_j >= 0 pays the range of the box
 //             where x_j is measured from its bound, so b' = b - sum of a_j bound_j. Fixed columns only shift b'.
-// Way back    The slack of row j (or q_j) is the reduced cost of column j: basic there means nonbasic here, and the other
+// Postsolve   The slack of row j (or q_j) is the reduced cost of column j: basic there means nonbasic here, and the other
 //             way round; y_i basic means that the slack of row i is nonbasic.
 // Proofs      A ray of the dual has y <= 0 for inequalities, -A_j y of the sign of the bounds of column j and a positive
 //             b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows that prove

@@ -7,7 +7,7 @@
 //             - on one side, the other bound says rest <= b - a bound (or >=), and the column goes as the slack of that.
 //             The row that is left is brought to '<' and, when |a| < 1, into the units of x_j, so that its tolerance is
 //             one of x_j.
-// Way back    x_j = (b - rest) / a. With y' the dual of the row that was left, y = y' + c_j / a, and the column takes the
+// Postsolve   x_j = (b - rest) / a. With y' the dual of the row that was left, y = y' + c_j / a, and the column takes the
 //             place of the row's slack: basic with it, else at the bound that had become the row.
 // Invariant   A bound counts as implied by the bounds of the other columns as they stand in the record, and these stay.
 // Cost        O(length of the row) per column that goes; an inequality loses one slack, and the others are dominated then.

@@ -4,7 +4,7 @@
 //             and right-hand sides (costs) decide: the same combination of them and the equation goes, another one and
 //             there is no solution. A free column that is a combination of free columns at the same price is not needed;
 //             at another price it would be unbounded.
-// Way back    A row that went has its slack basic and no dual. A column that went is free at zero; its reduced cost is
+// Postsolve   A row that went has its slack basic and no dual. A column that went is free at zero; its reduced cost is
 //             that combination of others, hence zero.
 // Cost        A fixed number of times the entries at most.
 #include "presolve/errors.h"

@@ -2,7 +2,7 @@
 //
 // Method      All rows of the column are inequalities that moving it one way relaxes. Whatever the other columns do, far
 //             enough out all of them hold: they go, and the column with them.
-// Way back    The column goes just as far as its rows and its own bound on the other side demand. The row that demands
+// Postsolve   The column goes just as far as its rows and its own bound on the other side demand. The row that demands
 //             most is nonbasic without a dual, and the column basic; when its bound demands most, it is nonbasic there.
 // Invariant   No row leaves through an entry that is tiny beside its others: the column would run far away.
 // Cost        O(entries of the rows)

@@ -5,7 +5,7 @@
 //             substituted out. No entry is added in sum. The column with fewer entries is x, unless its pivot is so
 //             small that the error of y would grow in it. All doubletons of a column y that stays are done while it is
 //             mapped, those that come to it by a merge as well, so that stars and chains collapse at once.
-// Way back    The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
+// Postsolve   The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
 //             that x gave, it is x that stands at its bound: y becomes basic in its place, and the row's dual takes
 //             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
 // Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds have changed.

@@ -9,7 +9,7 @@
 //             zero: so the conclusions hold for every solution that is dual feasible within the tolerance. Columns and
 //             signs of rows that a conclusion rests on stay (bound_origins.cpp), and a bound that counted as absent
 //             there is taken away in the model too. Therefore the duals of the reduced model have what was concluded.
-// Way back    A fixed column is nonbasic at its bound with a reduced cost of that sign (fix.cpp); a row that became an
+// Postsolve   A fixed column is nonbasic at its bound with a reduced cost of that sign (fix.cpp); a row that became an
 //             equation comes back with a dual of the sign of an inequality, and tight. Nothing to remember.
 // Cost        O(entries) for each of few rounds.
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.

@@ -5,7 +5,7 @@
 //             whose X has no upper bound sends all dearer ones to their least X, and a dearer one without lower bound
 //             all cheaper ones to their greatest X. Columns of equal price are merged (merged_columns.cpp).
 //             A bound that rows imply is taken away first when that lets a column go: then nothing else can lean on it.
-// Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
+// Postsolve   That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/claim.h"
 #include "presolve/errors.h"

@@ -5,7 +5,7 @@
 //             becomes an equation. An equation in which one column stands that is in no other row counts as parallel
 //             without it: it is taken off its parallel rows, which leaves a bound on that column, or, of two such
 //             equations, one between their two columns.
-// Way back    Rows that follow have their slack basic and no dual. Of two inequalities that became an equation the one
+// Postsolve   Rows that follow have their slack basic and no dual. Of two inequalities that became an equation the one
 //             that the sign of the dual names gets it.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/claim.h"

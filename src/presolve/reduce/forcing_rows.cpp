@@ -2,7 +2,7 @@
 //
 // Method      When the least activity of a x <= b reaches b (or the greatest of an equation does), every column must
 //             stand at the bound that gives it.
-// Way back    All columns are nonbasic. A dual for the row repairs the reduced costs of the wrong sign: the largest one
+// Postsolve   All columns are nonbasic. A dual for the row repairs the reduced costs of the wrong sign: the largest one
 //             needed decides, its column becomes basic, and the row's slack nonbasic.
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"

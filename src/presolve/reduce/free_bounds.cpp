@@ -7,7 +7,7 @@
 //             free columns get one of those that follow, for the dual simplex columns with one bound the other one;
 //             each is moved away by a part, so that no feasible point stands at it. The primal simplex does better
 //             without (9 % more iterations on netlib), and the dual with 6 % less on netlib, Kennington and Meszaros.
-// Way back    Such a bound is not active at a feasible point, so that an optimal basis has no column there. A proof that
+// Postsolve   Such a bound is not active at a feasible point, so that an optimal basis has no column there. A proof that
 //             the reduced model is infeasible may use it: the propagation is then done again, for its reasons.
 // Cost        O(entries) for each of few rounds.
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,

@@ -4,7 +4,7 @@
 //             an equation, through which x can be substituted out.
 // Method      s takes the index of x. The row goes, the cost of s is -c_x / a, its entries in the other rows are
 //             -a_ix / a: a row less, at the price of fill.
-// Way back    The slot of x holds s, its status and its reduced cost, which is -y_r. They become those of the row; x
+// Postsolve   The slot of x holds s, its status and its reduced cost, which is -y_r. They become those of the row; x
 //             follows from the row and is basic.
 // Cost        as an elimination (aggregate_eliminate.cpp).
 #include "presolve/errors.h"

@@ -6,7 +6,7 @@
 //             without those it gave itself, goes; the rows that this rests on stay (bound_origins.cpp), so that nobody
 //             is removed because of himself. A contradiction counts when it stands with all rows wider by the whole
 //             tolerance. The bounds of the model are as before.
-// Way back    The row's slack is basic. Nothing to remember.
+// Postsolve   The row's slack is basic. Nothing to remember.
 // Cost        O(entries) for each of few rounds.
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
 //             ORSA J. Computing 6, 1994.

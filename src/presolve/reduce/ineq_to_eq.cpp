@@ -3,7 +3,7 @@
 // Method      A column that may grow at no cost, is held back by one row a x <= b only, and has no bound of its own that
 //             matters there, can be moved until that row is tight, as all its other rows are relaxed by that. The same
 //             downwards. Equations serve the reductions that substitute columns.
-// Way back    Nothing to remember: the column has no upper bound, or never stands at it, so its reduced cost
+// Postsolve   Nothing to remember: the column has no upper bound, or never stands at it, so its reduced cost
 //             c_j - y_r a - (other rows, not negative) is not negative, hence y_r <= 0. The other rows count as
 //             inequalities also when they become equations later on: that is proved first on the way back.
 // Invariant   A bound of the column counts as one that does not matter when the row keeps the column away from it by more

@@ -2,7 +2,7 @@
 //
 // Method      a_p x_p + a_q x_q = a_p (x_p + f x_q) when a_q = f a_p. The sum takes the place of x_p, between the sums of
 //             the bounds.
-// Way back    A sum at its bound puts both columns at theirs. Otherwise one of them goes to a bound, so that the other,
+// Postsolve   A sum at its bound puts both columns at theirs. Otherwise one of them goes to a bound, so that the other,
 //             which takes the status of the sum, is within its own: this is possible unless no bound is finite. Reduced
 //             costs are d_q = f d_p.
 // Cost        O(entries of q).

@@ -1,7 +1,7 @@
 // row_combination.cpp -- add a multiple of an equation to another row
 //
 // Method      The feasible set stays the same, since the equation holds. Entries that cancel but for rounding go.
-// Way back    A^T y stays the same when the equation's dual takes factor times the dual of the other row. The slack of the
+// Postsolve   A^T y stays the same when the equation's dual takes factor times the dual of the other row. The slack of the
 //             equation must not be basic for that. Where it is, and none but one of the row's columns is basic, a column
 //             whose reduced cost comes down to zero first takes its place.
 // Cost        O(entries of both rows).

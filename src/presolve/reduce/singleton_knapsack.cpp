@@ -4,7 +4,7 @@
 //             and cost nothing or more. Those with s a < 0 relieve the row; the rest of the row needs at most so much.
 // Method      Sorted by cost per unit of relief, the first ones together can give all that may be needed. A later one
 //             above its lower bound could always be exchanged for an earlier one, so it goes to its lower bound.
-// Way back    That of fixing. A dual that made a fixed column attractive would hold all earlier ones at their upper
+// Postsolve   That of fixing. A dual that made a fixed column attractive would hold all earlier ones at their upper
 //             bounds; then the row would be slack, since they give more than is needed, and its dual zero.
 // Cost        O(entries + candidates log candidates)
 #include "presolve/work.h"

@@ -4,7 +4,7 @@
 //             A bound that is not tighter than what stands makes the row redundant.
 //             An equation whose entry is small beside others of its column waits until the better ones are done, as in
 //             the choice of a pivot; a tiny one stays, as the error of the value would show in the other rows.
-// Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
+// Postsolve   When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
 //             the reduced cost as its dual, and the column the row's place in the basis.
 #include "presolve/claim.h"
 #include "presolve/errors.h"

@@ -4,7 +4,7 @@
 //             other rows of the column; both the row and the column are gone then.
 // In          A column without bounds of its own, or whose bounds the rows and the bounds of other columns imply. An
 //             inequality may serve as the row when its dual will have the right sign at equality.
-// Way back    x_j from the row; the dual of the row is what makes the reduced cost of x_j zero; x_j is basic in the
+// Postsolve   x_j from the row; the dual of the row is what makes the reduced cost of x_j zero; x_j is basic in the
 //             place of the row's slack. Reduced costs of other columns and duals of other rows stay: with
 //             y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
 #include "presolve/postsolve.h"

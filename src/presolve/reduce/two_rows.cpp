@@ -3,7 +3,7 @@
 // Method      A row in which all but MAX_FILL of an equation's columns stand is met in one of the shortest MAX_FILL + 1
 //             of them; the rows met often enough there are walked. The multiple that cancels most entries is the ratio
 //             that most shared entries have. The sum is formed when it has at least LEAST_GAIN entries less.
-// Way back    row_combination.cpp
+// Postsolve   row_combination.cpp
 // Cost        Bounded by a multiple of the entries, and per equation by the lengths of a few short columns.
 // Literature  S. F. Chang and S. T. McCormick, "A hierarchical algorithm for making sparse matrices sparser", Math. Prog.
 //             56, 1992; P. Gemander et al., "Two-row and two-column mixed-integer presolve using hashing-based pairing
