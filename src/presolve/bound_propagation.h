@@ -4,8 +4,8 @@
 //   primal   variables are columns, constraints are rows:     a_i x  in [low, high] of row i, x in its bounds
 //   dual     variables are row duals, constraints are columns: a_j y  in [low, high] of column j, y in its sign
 // Each implied bound is a version: it stores its constraint, and by the order of versions the bounds that were in force
-// when it was found. So the constraints and bounds that a conclusion depends on are known, and these must not be removed
-// because of the conclusion (bound_origins.cpp).
+// when it was found. So the constraints and bounds that a conclusion depends on are known, and these must not be
+// removed because of the conclusion (bound_origins.cpp).
 #pragma once
 #include "presolve/work.h"
 
@@ -33,8 +33,8 @@ struct BoundPropagation {
     Array<double> Start; // [2 NumVars] bounds of the model
     Array<double> Bound; // [2 NumVars] bounds now
     Array<int> Newest;   // [2 NumVars] version that gave the bound, -1: the model
-    // Entries of the constraints, copied to consecutive memory at first use: the linked lists of the presolve matrix cost
-    // a cache miss per entry.
+    // Entries of the constraints, copied to consecutive memory at first use: the linked lists of the presolve matrix
+    // cost a cache miss per entry.
     Array<ConEntries> Con; // [NumCons]
     Array<int> ConVar;     // [live entries] variable; the first NumCopied
     Array<double> ConVal;  // [live entries] coefficient
@@ -60,8 +60,8 @@ struct BoundPropagation {
 enum { CON_LOW_USED = 1, CON_HIGH_USED = 2, CON_GONE = 4 };
 enum { START_FREE = 0, START_USED = 1, START_SEEN = 2, START_GONE = 3 };
 
-// The bound of its variable that an entry contributes to the minimal activity of its constraint (side UPPER_SIDE: compared
-// with the upper limit) or to the maximal activity (LOWER_SIDE).
+// The bound of its variable that an entry contributes to the minimal activity of its constraint (side UPPER_SIDE:
+// compared with the upper limit) or to the maximal activity (LOWER_SIDE).
 inline int term_place(int var, double a, int side)
 {
     return 2 * var + ((a > 0) == (side == UPPER_SIDE) ? LOWER_SIDE : UPPER_SIDE);
@@ -79,9 +79,9 @@ inline ConEntries entries_of(BoundPropagation *p, int con)
                                     PropagationKind kind);
 // The system of the rows, each widened on its finite sides by `relax` or by its error, and the bounds of the columns.
 void propagation_set_rows(BoundPropagation *p, double relax);
-void propagation_list(BoundPropagation *p, int con); // to look at in the first round
+void propagation_list(BoundPropagation *p, int con); // to be processed in the first round
 void propagation_list_all(BoundPropagation *p);
-// Tightens bounds until nothing moves, for at most so many rounds. A PresolveStatus of the limits.
+// Tightens bounds until none changes, for at most this number of rounds. A PresolveStatus of the limits.
 [[nodiscard]] int propagation_run(BoundPropagation *p, int rounds);
 // After a contradiction: multipliers of the constraints [NumCons], and minus their sum [NumVars] as multipliers of the
 // bounds of the model, as in a direction of dual values. 0 or OUT_OF_MEMORY.
@@ -94,12 +94,12 @@ void propagation_unfold(BoundPropagation *p, double *con, double *var);
 [[nodiscard]] int propagation_check(BoundPropagation *p);
 
 // ---- bound_origins.cpp ----
-// Minimal (UPPER_SIDE) or maximal (LOWER_SIDE) activity of a constraint over bounds that it did not imply itself, rounded
-// outwards; may be infinite.
+// Minimal (UPPER_SIDE) or maximal (LOWER_SIDE) activity of a constraint over bounds that it did not imply itself,
+// rounded outwards; may be infinite.
 double activity_of_others(BoundPropagation *p, int con, int side);
-// Asks to remove constraint `con` because of activity_of_others(con, side) for each of the sides (a mask, 1 << side): true
-// if nothing that this depends on is removed or would be removed with it. Then `con` counts as removed, and the origins
-// cannot be removed any more.
+// Asks to remove constraint `con` because of activity_of_others(con, side) for each of the sides (a mask, 1 << side):
+// true if nothing that this depends on is removed or would be removed with it. Then `con` counts as removed, and the
+// origins cannot be removed any more.
 [[nodiscard]] bool claim_con(BoundPropagation *p, int con, int sides);
 // Asks to remove the bound `place` of the model because of its newest version.
 [[nodiscard]] bool claim_start(BoundPropagation *p, int place);

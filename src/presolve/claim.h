@@ -1,8 +1,8 @@
 // claim.h -- claims of reductions that the model is infeasible or unbounded, with a proof for the current model
 //
 // A reduction that finds the model infeasible or unbounded returns the result of one of these routines:
-// PRESOLVE_INFEASIBLE, PRESOLVE_UNBOUNDED, or OUT_OF_MEMORY. The caller sets the witness (InfeasRow, InfeasCol). A proof
-// is computed only if the caller of presolve asked for it.
+// PRESOLVE_INFEASIBLE, PRESOLVE_UNBOUNDED, or OUT_OF_MEMORY. The caller sets the witness (InfeasRow, InfeasCol). A
+// proof is computed only if the caller of presolve asked for it.
 #pragma once
 #include "presolve/work.h"
 #include <initializer_list>

@@ -1,14 +1,15 @@
 // errors.h -- error estimates of the numbers in the presolve record
 //
-// Problem     Substitutions give sums that are partly or wholly rounding errors. Besides, the data have limited accuracy:
-//             a point that violates the rows by DataErr counts as feasible, and a multiple of a row has a multiple of
-//             that error.
-// Method      For each right-hand side, cost and bound the largest error that went into it is kept: the rounding of each
-//             term, and the errors of the numbers it was computed from, times their factors. The largest error and not
-//             the sum of errors, which would overestimate strongly since errors have both signs; ERROR_MARGIN allows for
-//             the difference. For coefficients the size of the largest term of their sum is kept instead, from which the
-//             error follows; most coefficients are original data and have none.
-// Use         A number within its error counts as zero. Tests for infeasibility and unboundedness add the error to their
+// Problem     Substitutions give sums that are partly or wholly rounding errors. Besides, the data have limited
+//             accuracy: a point that violates the rows by DataErr counts as feasible, and a multiple of a row has a
+//             multiple of that error.
+// Method      For each right-hand side, cost and bound the largest error that went into it is kept: the rounding of
+//             each term, and the errors of the numbers it was computed from, times their factors. The largest error and
+//             not the sum of errors, which would overestimate strongly since errors have both signs; ERROR_MARGIN
+//             allows for the difference. For coefficients the size of the largest term of their sum is kept instead,
+//             from which the error follows; most coefficients are original data and have none.
+// Use         A number within its error counts as zero. Tests for infeasibility and unboundedness add the error to
+// their
 //             tolerance. A substitution is refused if it would cause errors above the tolerances.
 // Cost        A few operations per number that changes, none for those that do not.
 // Literature  J. H. Wilkinson, "Rounding Errors in Algebraic Processes", 1963 (running error analysis).
@@ -17,8 +18,10 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr double ROUNDING_UNIT = 1e-15; // rounding error of one operation, relative to its largest term
-static constexpr double ERROR_MARGIN = 10;     // assumed ratio of a sum of errors to the largest of them
+// rounding error of one operation, relative to its largest term
+static constexpr double ROUNDING_UNIT = 1e-15;
+// assumed ratio of a sum of errors to the largest of them
+static constexpr double ERROR_MARGIN = 10;
 // The size of the terms of an entry is kept if it is this many times the entry.
 static constexpr double KEPT_SIZE = 10;
 
@@ -73,7 +76,7 @@ inline void bound_from_row(PresolveWork *w, int i, int j, double a, double size)
              std::max(ROUNDING_UNIT * size, w->RhsErr.data[i]) / std::fabs(a));
 }
 
-// True if the column of entry p may be substituted out through its row: the growth of the errors, by the largest entries of
-// the column (col_largest) and of the row (row_largest) over the pivot, keeps those of the row and of the cost within the
-// tolerances, and no entry is mostly a rounding error. Cost: O(length of row and column).
+// True if the column of entry p may be substituted out through its row: the growth of the errors, by the largest
+// entries of the column (col_largest) and of the row (row_largest) over the pivot, keeps those of the row and of the
+// cost within the tolerances, and no entry is mostly a rounding error. Cost: O(length of row and column).
 bool errors_allow(const PresolveWork *w, int p, double col_largest, double row_largest);

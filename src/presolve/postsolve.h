@@ -2,11 +2,11 @@
 #pragma once
 #include "presolve/work.h"
 
-// A point of the model as it was when the record on top of the stack was pushed: variables first, then rows. Dual values,
-// reduced costs and statuses of rows and columns that are not live yet are undefined.
-// Or a ray of points or of dual values. For a ray all constants count as zero: costs, values, right-hand sides and finite
-// bounds. A ray of dual values is a proof of infeasibility, with d = -A^T y and y <= 0 for inequalities; x is undefined
-// then. A ray of points has no dual values. Neither has statuses.
+// A point of the model as it was when the record on top of the stack was pushed: variables first, then rows. Dual
+// values, reduced costs and statuses of rows and columns that are not live yet are undefined.
+// Or a ray of points or of dual values. For a ray all constants count as zero: costs, values, right-hand sides and
+// finite bounds. A ray of dual values is a proof of infeasibility, with d = -A^T y and y <= 0 for inequalities; x is
+// undefined then. A ray of points has no dual values. Neither has statuses.
 struct PostPoint {
     int n, m;
     double *x;   // [n + m] values; slacks of rows are only valid where a record says so

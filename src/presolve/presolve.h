@@ -16,8 +16,8 @@ enum PresolveStatus {
     PRESOLVE_INTERRUPTED = 11,
 };
 
-// Proof that the model is infeasible or unbounded, in terms of the original model; to be verified by body/certificate.h.
-// Both are empty if a reduction on the way cannot map the proof.
+// Proof that the model is infeasible or unbounded, in terms of the original model; to be verified by
+// body/certificate.h. Both are empty if a reduction on the way cannot map the proof.
 struct LpClaim {
     // [numconstrs] multipliers of an infeasible model, for inequalities >= 0
     Array<double> farkas;
@@ -52,22 +52,22 @@ struct LpPoint {
 // before. Returns their number.
 int postsolve_equations(const PresolveResult *result, char *rows);
 
-// Postsolve: maps a solution of the reduced model (null if the reduced model is empty) to the model. A PresolveStatus of
-// the limits if they are obeyed, or OUT_OF_MEMORY.
+// Postsolve: maps a solution of the reduced model (null if the reduced model is empty) to the model. A PresolveStatus
+// of the limits if they are obeyed, or OUT_OF_MEMORY.
 enum class PostsolveLimits { OBEY, IGNORE };
 [[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced,
                                LpPoint *full,
                                PostsolveLimits limits = PostsolveLimits::OBEY);
 
-// The same for proofs of infeasibility (row multipliers) and of unboundedness (a ray) of the reduced model. The result has
-// to be verified: reductions that keep an optimum, but not all feasible points, may not keep a proof of infeasibility.
-// 0 or OUT_OF_MEMORY.
+// The same for proofs of infeasibility (row multipliers) and of unboundedness (a ray) of the reduced model. The result
+// has to be verified: reductions that keep an optimum, but not all feasible points, may not keep a proof of
+// infeasibility. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_farkas(const PresolveResult *result, const double *reduced,
                                    double *full);
 [[nodiscard]] int postsolve_ray(const PresolveResult *result, const double *reduced,
                                 double *full);
-// Sets entries to zero that can only be rounding errors: multipliers of the wrong sign or of absent rows, steps against a
-// bound.
+// Sets entries to zero that can only be rounding errors: multipliers of the wrong sign or of absent rows, steps against
+// a bound.
 void farkas_clean(const ModelBody *body, double infinite, double *farkas);
 void ray_clean(const ModelBody *body, double infinite, double *ray);
 

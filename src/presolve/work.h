@@ -5,7 +5,8 @@
 // Rows        a x <= b ('<') or a x = b ('=').
 // States of a row      RowCnt >= 0 live with that many entries; ROW_GONE and below: removed
 //           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
-// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before it
+// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before
+// it
 //             removes anything that postsolve needs; keeps activities and counts up to date; marks the rows and columns
 //             that it changes; adds to the five counters, and its effort to Work.
 // Errors      Results of cancellation may be rounding errors. errors.h estimates them; a reduction that ends the model,
@@ -16,7 +17,8 @@
 #include "presolve/presolve.h"
 #include "presolve/undo.h"
 
-static constexpr int LONG_STALE_ROW = 1000; // activities of longer rows are recomputed later, by sum_stale
+// activities of longer rows are recomputed later, by sum_stale
+static constexpr int LONG_STALE_ROW = 1000;
 
 struct PresolveNode {
     double value;
@@ -48,7 +50,7 @@ struct WorkList {
 };
 
 struct PresolveWork {
-    const ModelBody *Body = nullptr; // that is reduced
+    const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
     int MatrixClass = 0; // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
@@ -66,13 +68,15 @@ struct PresolveWork {
     // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
     Array<int> ColFlags;
 
-    double DataErr = 0;     // violation of the original rows that counts as a rounding error
+    // violation of the original rows that counts as a rounding error
+    double DataErr = 0;
     Array<double> RhsErr;   // [NumRows] of Rhs
     Array<double> ObjErr;   // [NumCols] of Obj
     Array<double> BoundErr; // [NumCols] of Lb and Ub, 0 for bounds as given
 
     Array<PresolveNode> Nodes;
-    // [Nodes.size] largest term of the sums that gave the entry, 0 if it is not much larger than the entry. May be infinite.
+    // [Nodes.size] largest term of the sums that gave the entry, 0 if it is not much larger than the entry. May be
+    // infinite.
     Array<double> EntrySize;
     bool HasSizes = false;       // some EntrySize may be set
     Array<int> RowHead, ColHead; // first node, -1 when none
@@ -189,8 +193,7 @@ void mark_rows_of_col(PresolveWork *w, int j);
 void mark_cols_of_row(PresolveWork *w, int i);
 // All rows and columns active in both worklists. A PresolveStatus of the limits.
 [[nodiscard]] int mark_everything(PresolveWork *w);
-void rotate(
-    PresolveWork *w); // of the worklist of the phase: touched members become active
+void rotate(PresolveWork *w); // of the worklist of the phase: touched members become active
 // The lists themselves: active members, then those touched since, which become more as reductions run.
 inline const WorkList *rows_of_phase(const PresolveWork *w)
 {
@@ -227,22 +230,22 @@ void insert_entry(PresolveWork *w, int i, int j, double value);
 // All live rows from scratch. A PresolveStatus of the limits.
 [[nodiscard]] int pre_activity(PresolveWork *w);
 void row_activity(PresolveWork *w, int i); // one
-// The activity of row i lost digits by cancellation: recomputes it, immediately or, for a long row, by sum_stale, which the
-// driver calls after each reduction; until then the row implies nothing.
+// The activity of row i lost digits by cancellation: recomputes it, immediately or, for a long row, by sum_stale, which
+// the driver calls after each reduction; until then the row implies nothing.
 void digits_lost(PresolveWork *w, int i);
 [[nodiscard]] int sum_stale(PresolveWork *w); // a PresolveStatus of the limits
 // Sets the bounds of column j and updates activities.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
-// The coefficient of column j in row i will be changed to `after` (0: no entry): updates the activity. True if it has to be
-// recomputed after the change.
+// The coefficient of column j in row i will be changed to `after` (0: no entry): updates the activity. True if it has
+// to be recomputed after the change.
 [[nodiscard]] bool change_coefficient(PresolveWork *w, int i, int j, double before,
                                       double after);
 
 // Adds a step to both sums of row i. True if the activity has to be recomputed.
 [[nodiscard]] bool move_activity(PresolveWork *w, int i, double step);
 
-// The term of entry p becomes the constant value * v: updates right-hand side and activity, but does not delete the entry.
-// True if the activity has to be recomputed after its deletion.
+// The term of entry p becomes the constant value * v: updates right-hand side and activity, but does not delete the
+// entry. True if the activity has to be recomputed after its deletion.
 [[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
 
 // ---- fix.cpp ----
@@ -288,8 +291,9 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 [[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----
-// Rays of dual values of the reduced model, y [rows] and d [columns]: multipliers of bounds given by pre_free_bounds are
-// replaced by multipliers of other bounds and rows. If a limit stops that they stay as they are. 0 or OUT_OF_MEMORY.
+// Rays of dual values of the reduced model, y [rows] and d [columns]: multipliers of bounds given by pre_free_bounds
+// are replaced by multipliers of other bounds and rows. If a limit stops that they stay as they are. 0 or
+// OUT_OF_MEMORY.
 [[nodiscard]] int replace_given_bounds(const PresolveResult *result, double *y, double *d);
 
 // ---- self_check.cpp ----
