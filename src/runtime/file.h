@@ -17,8 +17,8 @@ enum FileFault {
     FILE_UNREACHABLE = 1, // the file does not open
     FILE_NO_COMMAND = 2   // it does, but the command cannot be started
 };
-// mode 'r' or 'w'. 0 or a FileFault, *file then holds no stream. A file is emptied for writing only when everything else
-// went well.
+// mode 'r' or 'w'. 0 or a FileFault, *file then holds no stream. A file for writing is truncated only if everything
+// else succeeded.
 [[nodiscard]] int FileOpen(const char *name, char mode, FileHandle *file);
 const char *FileCommand(const char *name); // "gzip", "bzip2", or null for a plain file
 // Flushes and closes; a handle without stream is ignored. 0; or 1 when data could not be written, or the
