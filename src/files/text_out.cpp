@@ -1,7 +1,7 @@
 // text_out.cpp -- TextOut, a text file being written: complete, or reported and removed
 //
-// Problem     A file cut short by a full disk looks like a model. Every write and the close must count, and what is left
-//             of a failed file must go.
+// Problem     A file cut short by a full disk looks like a model. Every write and the close must count, and what is
+//             left of a failed file must go.
 // Method      A buffer of our own in front of the stream: no formatted printing per field, so a number costs what its
 //             conversion costs. A failed file is unlinked when the name is that of a regular file: a device or a link
 //             stays.
