@@ -1,4 +1,4 @@
-// derived.cpp -- the frame of the calls that make a model from another one
+// derived.cpp -- common part of the calls that make a model from another one
 #include "analysis/derived.h"
 #include "model/model_store.h"
 

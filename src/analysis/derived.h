@@ -7,8 +7,8 @@
 // Changes the copy. 0 or a code, with a text where there is a specific one.
 using Derivation = int (*)(TVXmodel *source, TVXmodel *copy);
 
-// What every derived model gets: the name "NAME" + suffix, just the suffix for a model without name, and parameters that
-// write no files. 0 or OUT_OF_MEMORY.
+// What every derived model gets: the name "NAME" + suffix, just the suffix for a model without name, and parameters
+// that write no files. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int derived_finish(TVXmodel *copy, const TVXmodel *source,
                                  const char *suffix);
 // The exported calls: check, copy with the names, "NAME" + suffix, change. Null on failure, with the error text set.

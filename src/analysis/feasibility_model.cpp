@@ -1,9 +1,9 @@
-// feasibility_model.cpp -- TVXfeasibility: by how much must the constraints be violated?
+// feasibility_model.cpp -- TVXfeasibility: the model of the smallest sum of constraint violations
 //
-// Method      Elastic constraints: each gets a variable for every side on which it can be missed, and the objective is the
-//             sum of these. Bounds, types and SOS constraints stay hard.
-// Invariant   A point of the model with the violations of its constraints is a point of the new model, and the other way
-//             round: its optimum is 0 exactly when the model has a feasible point.
+// Method      Elastic constraints: each gets a variable for every side that can be violated, and the objective is the
+//             sum of these. Bounds, types and SOS constraints are not relaxed.
+// Invariant   A point of the model with the violations of its constraints is a point of the new model and conversely:
+//             its optimum is 0 if and only if the model has a feasible point.
 // Cost        O(size of the model)
 // Literature  G. B. Dantzig, "Linear Programming and Extensions", Princeton 1963, ch. 5 (phase one).
 //             J. W. Chinneck, "Feasibility and Infeasibility in Optimization", Springer 2008, ch. 6 (elastic programs).
@@ -51,7 +51,7 @@ void drop_objective(TVXmodel *copy)
     for (double &cost : body->obj) cost = 0;
     body->objcon = 0;
     body->sense = 1;
-    copy->env->Cutoff = UNDEFINED_VALUE; // was meant for the objective that is gone
+    copy->env->Cutoff = UNDEFINED_VALUE; // the Cutoff was for the old objective
 }
 
 int count_sides(const ModelBody *body)

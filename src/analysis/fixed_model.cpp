@@ -1,16 +1,16 @@
-// fixed_model.cpp -- TVXfixedmodel, TVXconverttofixed: a model in which is fixed what a solution decides
+// fixed_model.cpp -- TVXfixedmodel, TVXconverttofixed: a model with the decisions of a solution fixed
 //
 // Problem     From a solution of a model, the linear program of all points that share its decisions.
 // Method      Integers, semi-continuous variables, SOS: integer variables are fixed at their values; a semi-continuous
 //             variable and a member of an SOS are fixed at zero where they are zero, and keep their bounds otherwise.
-//             Whatever the rest does, types and SOS hold.
-//             LP: with an optimal dual (y, d), a point x is optimal exactly when it is feasible, stands at the bound
-//             wherever d_j != 0, and meets every row with y_i != 0 with equality. These variables are fixed, these rows
-//             become equations: what is left is the set of all optimal solutions.
+//             So types and SOS constraints hold for all values of the other variables.
+//             LP: with an optimal dual solution (y, d), a point x is optimal if and only if it is feasible, at the
+//             bound for every d_j != 0, and tight in every row with y_i != 0. These variables are fixed, these rows
+//             become equations: the feasible set is then the set of all optimal solutions.
 // Invariant   The solution itself satisfies the new model within the tolerances.
 // Cost        O(size of the model)
-// Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related Systems,
-//             Princeton 1956 (the optimal face).
+// Literature  A. J. Goldman and A. W. Tucker, "Theory of linear programming", in: Linear Inequalities and Related
+//             Systems, Princeton 1956 (the optimal face).
 #include "analysis/derived.h"
 #include "body/quality.h"
 #include "body/signs.h"
@@ -31,7 +31,7 @@ int unavailable(TVXmodel *model, const char *why)
 
 struct Decisions {
     const double *x = nullptr; // [numvars]
-    bool given = false;        // by the caller as attribute Start: it may be wrong
+    bool given = false;        // from the attribute Start: may be infeasible
 };
 
 // The values of the solution that was found, or null.

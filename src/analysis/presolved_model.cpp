@@ -1,6 +1,7 @@
-// presolved_model.cpp -- TVXpresolvemodel: what presolve leaves of a model, as a model of its own
+// presolved_model.cpp -- TVXpresolvemodel: the presolved model as a new model
 //
-// What solves have left in the model stays as it is. Meanwhile the model is busy as in a solve: TVXterminate stops the call, other calls are refused.
+// Results of earlier solves in the model do not change. During the call the model is busy as in a solve: TVXterminate
+// stops the call, other calls are refused.
 #include "analysis/derived.h"
 #include "body/row_kind.h"
 #include "lp/lp_claim.h"
@@ -14,7 +15,7 @@ namespace
 {
 constexpr size_t POOL_CHUNK = 4096;
 
-// Names of what is left; default names say where a row or column comes from.
+// Names of the rows and columns; default names show the original index.
 struct Names {
     TextPool *pool = nullptr;
     Array<const char *> vars, constrs;
@@ -70,7 +71,7 @@ int refuse(TVXmodel *model, int status)
                       "Presolve leaves no model: %s", why);
 }
 
-// A model of which nothing is left but the constant.
+// A model without rows and columns, with the constant of the objective.
 int make_empty(TVXmodel *model, const PresolveResult *result, TVXmodel **out)
 {
     const ModelData empty = {.sense = model->body->sense,
@@ -112,7 +113,7 @@ int make_reduced(TVXmodel *model, TVXmodel **out)
     if (status == OUT_OF_MEMORY) return status;
     if (status != 0 && !is_limit(status)) {
         TRY(lp_presolve_claim_holds(model->body, model->env, &claim, &proved));
-        if (!proved) return make_unreduced(model, out); // rounding has misled a reduction
+        if (!proved) return make_unreduced(model, out); // a reduction was wrong by rounding
     }
     if (status != 0) return refuse(model, status);
     const int code = make_from_result(model, result, out);

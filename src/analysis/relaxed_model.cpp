@@ -1,7 +1,7 @@
 // relaxed_model.cpp -- TVXrelaxmodel: the linear relaxation
 //
-// Method      Types and SOS constraints go. A semi-continuous variable, 0 or within its bounds, may be anything between:
-//             its interval is widened to hold 0. Integer variables keep their bounds, which are whole numbers.
+// Method      Types and SOS constraints are removed. The bounds of a semi-continuous variable are widened to contain 0.
+//             Integer variables keep their bounds, which are integers.
 // Invariant   Every solution of the model is one of the relaxation, with the same objective.
 #include "analysis/derived.h"
 #include <algorithm>

@@ -1,13 +1,13 @@
-// attribute_access.h -- the two workers behind all calls that read or set attributes
+// attribute_access.h -- the two functions that read and set attributes, for all exported calls
 //
-// The exported families differ in the value type and in the way they name elements. Both are
+// The exported calls differ in the value type and in the way of selecting elements. Both are
 // arguments here, so that every exported call is one line (attribute_calls.cpp).
 #pragma once
 #include "attributes/attribute_table.h"
 
 enum class AttrShape { SCALAR, ELEMENT, ARRAY, LIST };
 
-// The elements a call names, as it names them.
+// Selection of elements in a call.
 struct AttrSelection {
     AttrShape shape = AttrShape::SCALAR;
     int start = 0;            // ELEMENT: the index; ARRAY: the first

@@ -1,7 +1,7 @@
 // attribute_basis.cpp -- attributes of the basis and of its pricing norms
 //
-// Method   Reading shows the basis of the last solve; setting writes the start of the next one
-//          (warm_start.h). What was set is therefore not read back before a solve.
+// Method   Reading returns the basis of the last solve; setting writes the start basis of the next one
+//          (warm_start.h). So a basis that was set cannot be read before the next solve.
 #include "attributes/attribute_routines.h"
 #include "model/solution.h"
 #include "model/warm_start.h"
@@ -33,7 +33,7 @@ static int norms_kind(const TVXmodel *model)
     return model->lp.simplex ? simplex_get_norms(model->lp.simplex, nullptr) : 0;
 }
 
-// The weights of a run in progress belong to no basis yet.
+// During a run there are no weights that belong to a final basis.
 int get_has_norms(TVXmodel *model, int, ElementRange, void *values)
 {
     TRY(check_idle(model));

@@ -1,6 +1,6 @@
 // attribute_calls.cpp -- the exported calls that read and set attributes
 //
-// One line each: the type, the way elements are named, and the worker (attribute_access.h).
+// One line each: the type, the selection of elements, and the call of attribute_get or attribute_set.
 #include "attributes/attribute_access.h"
 
 int TVXgetattrinfo(TVXmodel *model, const char *name, int *datatype_out, int *size_out,
@@ -93,7 +93,7 @@ int TVXsetstrattrelement(TVXmodel *model, const char *name, int index, const cha
     return attribute_set(model, name, AttrType::STRING, attr_element(index), &value);
 }
 
-// ---- A stretch of elements, or all ----
+// ---- A range of elements, or all ----
 
 int TVXgetintattrarray(TVXmodel *model, const char *name, int start, int len, int *values)
 {

@@ -1,8 +1,8 @@
-// attribute_get.cpp -- the worker behind all calls that read attributes
+// attribute_get.cpp -- reads attributes, for all exported calls
 //
-// Method   After the tests of the call, the row's compute routine points at the values, which are
-//          copied out, or its getter writes them. Values never pass through memory of their own.
-// Cost     The elements asked for, and once per solve or update what the row's routine makes.
+// Method   After the tests of the call, either the compute routine of the attribute returns a pointer to the
+//          values, which are copied, or its getter writes them. No temporary memory is needed.
+// Cost     The elements asked for, and once per solve or update that of the compute routine.
 #include "attributes/attribute_access.h"
 
 static size_t value_size(AttrType type)

@@ -1,7 +1,7 @@
-// attribute_head.cpp -- the tests with which every attribute call begins
+// attribute_head.cpp -- the tests at the start of every attribute call
 //
-// In, out   what a call names -> the row of the table and the elements meant, or a code whose
-//           text says what is wrong with the call. Nothing else is read or changed.
+// In, out   the arguments of a call -> the row of the table and the range of elements, or an error code
+//           whose text describes what is wrong with the call. Nothing else is read or changed.
 #include "attributes/attribute_access.h"
 
 static constexpr int REFUSED = TVX_ERROR_UNKNOWN_ATTRIBUTE; // unknown, or not for this call

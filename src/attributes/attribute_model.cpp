@@ -1,13 +1,13 @@
 // attribute_model.cpp -- attributes of the model's content: counts, bounds, costs, rows, MIP start
 //
-// Method      The body is read in the caller's form: a maximise objective and rows with sense '>' are
-//             held negated and turned back here; infinite bounds read as -1e100 and 1e100. Setters
-//             hand over to the pending changes (pending.h), so the body never changes here.
+// Method      Values are returned in the caller's form: a maximise objective and rows with sense '>' are
+//             stored negated and converted back here; infinite bounds are returned as -1e100 and 1e100.
+//             Setters add to the pending changes (pending.h), so the body is never changed here.
 // Cost        The elements asked for.
 #include "attributes/attribute_routines.h"
 #include "body/signs.h"
 
-static constexpr double UNSET_START = 1e101; // entry of a MIP start that nobody has set
+static constexpr double UNSET_START = 1e101; // entry of a MIP start that was not set
 
 template<class T> static T *out(void *values)
 {
@@ -117,7 +117,7 @@ int set_vtype(TVXmodel *model, int, ElementRange range, const void *values)
     return pending_set_vtype(model, range, in<char>(values));
 }
 
-// A start belongs to the variables for which it was given.
+// A MIP start is valid only for the variables that it was set for.
 static bool has_start(const TVXmodel *model)
 {
     return model->mip_start.size > 0 && model->mip_start.size == model->body->numvars;

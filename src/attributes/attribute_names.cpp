@@ -1,8 +1,8 @@
 // attribute_names.cpp -- attributes that are texts: names of the model, its variables and constraints
 //
-// Method      A stored name is handed out as it stands. A default name ("C5", "R5") does not exist
-//             until asked for; it is then written once into a pool of the attribute table, so that
-//             every text handed out lives until the next update of the model.
+// Method      For a stored name the pointer to its text is returned. A default name ("C5", "R5") is
+//             created when it is first asked for, in a pool of the attribute table, so that every
+//             returned text is valid until the next update of the model.
 // Cost        The elements asked for, and once one pointer per element.
 #include "attributes/attribute_routines.h"
 

@@ -1,7 +1,7 @@
-// attribute_quality.cpp -- attributes that measure how well the last solution fits the model
+// attribute_quality.cpp -- attributes of solution quality: violations, residuals, condition number of the basis
 //
-// Method   The measures (quality.h) are taken at the first question after a solve and kept in its
-//          result. A MIP has those of bounds, constraints and integrality only. So is the condition of the basis.
+// Method   The measures (quality.h) and the condition number are computed when first asked for after a solve, and
+//          kept in its result. A MIP has the measures of bounds, constraints and integrality only.
 #include "attributes/attribute_routines.h"
 #include "body/quality.h"
 #include "model/solution.h"
@@ -52,7 +52,7 @@ int compute_quality(TVXmodel *model, int part, const void **place)
     return show(&model->lp.result->quality, part, place);
 }
 
-// Factors of the basis at hand. To make them, a singular basis may have to be mended: other values, then.
+// Makes sure that there are factors of the current basis. If it is singular its repair changes the values.
 static int need_factor(TVXmodel *model)
 {
     if (!model->lp.simplex) return TVX_ERROR_DATA_NOT_AVAILABLE;

@@ -1,8 +1,8 @@
 // attribute_ranges.cpp -- attributes of sensitivity (sensitivity.h)
 //
-// Method      The ends that one solve with the factors gives are kept until the next solve of the model: asking for the
-//             low and then for the up end costs it once.
-// Cost        For each element that was not asked for before, that of its range; and once O(n) or O(m).
+// Method      Both ends of a range, which one solve with the factors gives, are kept until the next solve of the model,
+//             so that reading the lower and then the upper end costs one solve.
+// Cost        For each element not read before that of its range; and once O(n) or O(m).
 #include "attributes/attribute_routines.h"
 #include "attributes/sensitivity.h"
 #include <cmath>
@@ -29,7 +29,7 @@ static int fill_ranges(TVXmodel *model, int part, int k)
     return 0;
 }
 
-// Room for the ends that come with this one, all unknown.
+// Allocates both ends of this kind of range, as unknown.
 static int make_room(TVXmodel *model, int part)
 {
     const bool rows = part >= RHS_LOW;

@@ -1,7 +1,7 @@
-// attribute_result.cpp -- figures of the last solve: status, objective, counts, time
+// attribute_result.cpp -- results of the last solve: status, objective, counts, time
 //
-// Method   Figures stand in the record that the solve left, the MIP's when there is one, else the
-//          LP's. They are pointed at where they stand; no record, no figure.
+// Method   Results are in the record of the last solve: that of the MIP if there is one, else that of
+//          the LP. The routines return pointers into this record; without a record there is no value.
 #include "attributes/attribute_routines.h"
 #include "model/solution.h"
 
@@ -28,14 +28,14 @@ int compute_runtime(TVXmodel *model, int, const void **place)
     return 0;
 }
 
-// Points *place at the figure of the record that counts, or says that there is none.
+// Sets *place to the value in the record, or returns that there is none.
 static int stand_at(const void *figure, const void **place)
 {
     *place = figure;
     return figure ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
-// An objective means something only when a point or a bound stands behind it.
+// There is an objective value only with a point or a bound.
 static bool has_objective(const TVXmodel *model)
 {
     const int status = solution_status(model);

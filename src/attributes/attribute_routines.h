@@ -1,11 +1,11 @@
-// attribute_routines.h -- the routines named in the table of attributes, by the file they stand in
+// attribute_routines.h -- the routines named in the table of attributes, by file
 //
 // Signatures and contract: AttrCompute, AttrGetter and AttrSetter in attribute_table.h.
 #pragma once
 #include "attributes/attribute_table.h"
 #include "model/attribute_cache.h"
 
-// Places in the families below.
+// Values of `part` for the routines below.
 enum CountPart { PART_CONSTRS, PART_VARS, PART_SOS, PART_NZS, PART_INTVARS, PART_BINVARS };
 enum BoundPart { PART_LOWER, PART_UPPER };
 enum DualPart { PART_PI, PART_RC };

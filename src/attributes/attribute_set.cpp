@@ -1,7 +1,7 @@
-// attribute_set.cpp -- the worker behind all calls that set attributes
+// attribute_set.cpp -- sets attributes, for all exported calls
 //
-// Method   Every test comes before the setter, which takes over all values or none. Setters of the
-//          content queue for the next update; those of start data write their record at once.
+// Method   All tests are made before the setter is called, which takes all values or none. Setters of the model's
+//          content add to the pending changes for the next update; those of start data write their record immediately.
 #include "attributes/attribute_access.h"
 
 static int set_values(TVXmodel *model, const char *name, AttrType type,

@@ -1,4 +1,4 @@
-// attribute_statistics.cpp -- ranges of the numbers in a model, to judge its scaling by
+// attribute_statistics.cpp -- ranges of the numbers in a model, for an assessment of its scaling
 //
 // Method      Over coefficients, costs and right-hand sides the largest and smallest magnitude that
 //             is not zero, 0 when there is none. Over bounds the largest finite upper and the

@@ -1,7 +1,7 @@
 // attribute_table.cpp -- the rows of the table of attributes, and the search by name
 //
-// Method   Names are known by their keys. The order of the keys is sorted out by the compiler; a
-//          look-up is a binary search that allocates nothing and cannot fail for want of memory.
+// Method   Names are compared by their keys. The keys are sorted at compile time; a look-up is a binary search without
+//          allocation.
 #include "attributes/attribute_routines.h"
 #include "runtime/name_index.h"
 
@@ -11,7 +11,7 @@ static constexpr AttrType CHR = AttrType::CHAR, INT = AttrType::INT, DBL = AttrT
 static constexpr AttrKind MODEL = AttrKind::MODEL, VAR = AttrKind::VARIABLE,
                           CON = AttrKind::CONSTRAINT, SOS = AttrKind::SOS;
 static constexpr bool SETTABLE = true, FIXED = false; // may a caller set it
-// does it go when the content changes
+// lost when the content of the model changes
 static constexpr bool SOLUTION = true, CONTENT = false;
 
 #define QUALITY(name, type, group, part)                                                      \

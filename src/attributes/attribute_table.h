@@ -1,12 +1,12 @@
 // attribute_table.h -- the constant table of all attributes: one row each, and finding a row by name
 //
-// A row says how its value is reached. Exactly one of these ways is there:
-//   compute   points at the value, or at the array over all elements, as it stands in a record;
-//             it may first fill that record
+// A row names the routine that returns its values. Exactly one of these cases holds:
+//   compute   returns a pointer to the value, or to the array over all elements, in a record; may
+//             first fill that record
 //   get       writes the values asked for, because they are stored in another form
-//   neither   the data have no producer: every query is answered "not available"
-// `set` takes over values from a caller; all of them only queue or write into start records,
-// none changes the model body. Adding an attribute is adding a row and its routines
+//   neither   the library does not compute them: every query returns "not available"
+// `set` takes values from a caller. Setters add to the pending changes or write start records;
+// none changes the model body. A new attribute needs a row and its routines
 // (attribute_routines.h).
 #pragma once
 #include "model/model.h"
@@ -15,9 +15,9 @@
 enum class AttrType { CHAR = 0, INT = 1, DOUBLE = 2, STRING = 3 };
 enum class AttrKind { MODEL = 0, VARIABLE = 1, CONSTRAINT = 2, SOS = 3 };
 
-// `part` tells the routine of a family which of its members is meant. Values are arrays of
-// the row's type (char, int, double, const char *). All return 0 or a code, OUT_OF_MEMORY and
-// TVX_ERROR_DATA_NOT_AVAILABLE without text, others with their own.
+// `part` selects the member if a routine serves several attributes. Values are arrays of the row's type (char, int,
+// double, const char *). All return 0 or a code: OUT_OF_MEMORY and TVX_ERROR_DATA_NOT_AVAILABLE without an error text,
+// others with one.
 using AttrCompute = int (*)(TVXmodel *model, int part, const void **place);
 using AttrGetter = int (*)(TVXmodel *model, int part, ElementRange range, void *values);
 using AttrSetter = int (*)(TVXmodel *model, int part, ElementRange range,

@@ -1,8 +1,8 @@
 // sensitivity.cpp -- ranges in the caller's form, from the steps that the simplex finds (simplex/ranging.cpp)
 //
-// Method      The simplex tells in the body's units where a variable stands and how far a cost or a value may move.
-//             What that means for the two bounds of a variable, or for a right-hand side, is decided here.
-// Cost        See sensitivity.h. Preparing: a factorisation at most, usually nothing.
+// Method      The simplex returns in the body's units the status of a variable and the range of a cost or a value. From
+//             these the ranges of the two bounds of a variable, or of a right-hand side, are derived here.
+// Cost        See sensitivity.h. SensitivityPrepare: at most one factorisation, usually none.
 #include "attributes/sensitivity.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
@@ -14,7 +14,7 @@
 
 namespace
 {
-constexpr double NONE = UNDEFINED_VALUE; // an end that is not there
+constexpr double NONE = UNDEFINED_VALUE; // no limit
 
 double below(double value, double step)
 {
@@ -34,7 +34,7 @@ RangePair in_sense(int sign, const RangePair &range)
     return {turned(sign, range.Up), turned(sign, range.Low)};
 }
 
-// The results follow a basis that had to change.
+// Fresh factors; the results are updated if the basis has to change.
 int make_fresh(TVXmodel *model)
 {
     bool changed = false;
@@ -78,7 +78,7 @@ BoundRanges ranges_of_bounds(TVXmodel *model, int j)
     const double least = std::max(lb, below(x, steps.Down)),
                  most = std::min(ub, above(x, steps.Up));
     const auto end =
-        [](double value) { // what is infinite for the body is so for the caller
+        [](double value) { // infinite values of the body are infinite for the caller
             return value >= INFINITE_BOUND    ? NONE
                    : value <= -INFINITE_BOUND ? -NONE
                                               : value;
@@ -99,7 +99,8 @@ BoundRanges ranges_of_bounds(TVXmodel *model, int j)
     return {{-NONE, kept}, {kept, NONE}};
 }
 
-// A free row binds from where the point stands in it; the simplex leaves it out, so its slack there tells nothing.
+// A free row becomes tight at its activity in the solution; the simplex omits free rows, so their slack there is
+// unusable.
 static int range_of_free_rhs(TVXmodel *model, int i, RangePair *range)
 {
     const double *x = nullptr;
@@ -119,10 +120,12 @@ static RangePair range_of_bound_rhs(const TVXmodel *model, int i)
     const double b = body->rhs[i];
     const int slack = body->numvars + i;
     const auto [place, value] = simplex_place(model->lp.simplex, slack);
-    RangePair range = {b, b}; // the slack of an equation is basic: no other side fits
+    // the slack of an equation is basic: no other right-hand side is feasible
+    RangePair range = {b, b};
     if (place != Place::BASIC && place != Place::FREE) {
         const RangeSteps steps = simplex_range_value(model->lp.simplex, slack);
-        range = around(b, {steps.Up, steps.Down}); // the slack falls as the side rises
+        // the slack decreases as the right-hand side increases
+        range = around(b, {steps.Up, steps.Down});
     } else if (!is_equation(body, i)) {
         range = {b - std::max(0.0, value), NONE};
     }

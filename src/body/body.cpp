@@ -1,10 +1,10 @@
-// body.cpp -- rules that hold for every body, whichever way it was built
+// body.cpp -- rules that hold for every body, however it was built
 #include "body/body.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>
 
-// How far a caller's bound of an integer variable may lie beyond an integer and still mean it.
+// A bound of an integer variable within this distance of an integer is rounded to it.
 static constexpr double INTEGER_BOUND_TOL = 1e-5;
 
 char normal_sense(char sense)
@@ -104,10 +104,11 @@ void body_drop_rows(ModelBody *body)
     array_free(&body->row_val);
 }
 
-// Three such numbers multiplied still fit.
+// The product of three such numbers is finite.
 static constexpr double EXTREME = 1e100;
 
-// The bits of |a| order magnitudes as integers do, so that one comparison sees both ends: every solve looks at every entry.
+// The bits of |a| as an integer have the order of the magnitudes, so that one comparison tests both limits. Fast, since
+// every solve tests every entry.
 static bool is_extreme(double a)
 {
     constexpr uint64_t LEAST = std::bit_cast<uint64_t>(1 / EXTREME) << 1,

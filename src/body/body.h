@@ -1,7 +1,7 @@
 // body.h -- ModelBody, the model as solvers read it, and the rules that hold for every body
 //
-// Infinite bounds, integral bounds, letters, names and negated rows are settled here, so that a body looks the same
-// whichever way it was built (build.h) or changed.
+// Infinite bounds, integral bounds, type letters, names and negated rows are normalised here, so that a body is the
+// same however it was built (build.h) or changed.
 #pragma once
 #include "env/env.h"
 #include "runtime/array.h"
@@ -13,8 +13,8 @@
 static constexpr int64_t MODEL_SIZE_LIMIT = 1000000000;
 static constexpr int64_t MODEL_ENTRY_LIMIT = 2000000000;
 
-// The matrix and all that belongs to it, in the form solvers read. Rows with sense '>' are held negated
-// (coefficients and rhs), so that every inequality is "at most"; a maximise objective is held negated.
+// The model in the form that solvers read. Rows with sense '>' are stored negated (coefficients and rhs), so that every
+// inequality is <=; a maximise objective is stored negated.
 struct ModelBody {
     int sense = 1;      // ModelSense: +1 minimise, -1 maximise
     int numconstrs = 0; // rows, m
@@ -23,7 +23,7 @@ struct ModelBody {
     int numsos = 0;     // SOS constraints
     int numintvars = 0; // variables whose type is not 'C'
     int numbinvars = 0; // variables of type 'B'
-    // -1 after any change; solvers tell by it whether their record still matches
+    // -1 after any change; solvers test with it whether their record still matches
     int solve_tag = -1;
     int row_flipped = -1; // +1 if at least one row has sense '>', else -1
 
@@ -32,17 +32,18 @@ struct ModelBody {
     Array<double> lb;   // [numvars] -1e30 when infinite
     Array<double> ub;   // [numvars] 1e30 when infinite
     Array<char> vtypes; // [numvars] 'C' 'B' 'I' 'S' 'N', or empty: all 'C'
-    // With vtypes, of their size: the bounds as given, before the type rounded them. A change of type starts from them.
+    // Of the size of vtypes: the bounds as given, before rounding for the type. A change of type rounds from these.
     Array<double> given_lb, given_ub;
-    Array<char> bound_kind;   // [numvars] 1 when lb is infinite, plus 2 when ub is
-    double kind_infinity = 0; // magnitude from which bound_kind says so: infinite_bound
+    Array<char> bound_kind; // [numvars] 1 when lb is infinite, plus 2 when ub is
+    // magnitude from which bounds are infinite in bound_kind: infinite_bound
+    double kind_infinity = 0;
 
     Array<int> vbeg;    // [numvars + 1] column starts; columns contiguous and in order
     Array<int> vlen;    // [numvars] column lengths, vbeg[j + 1] - vbeg[j]
     Array<int> vind;    // [numnz] row indices, in the caller's order inside a column
     Array<double> vval; // [numnz]
 
-    // [numconstrs + 1] row-wise copy, built on demand; empty when not there
+    // [numconstrs + 1] row-wise copy, built when needed; otherwise empty
     Array<int> row_beg;
     Array<int> row_ind;    // [numnz] column indices
     Array<double> row_val; // [numnz]
@@ -63,14 +64,14 @@ struct ModelBody {
     int next_constr_name = 0;     // next number for a default name
     int next_var_name = 0;
     TextPool *name_pool = nullptr; // owns all name texts; made on first use
-    int64_t name_bytes = 0; // handed out by name_pool, texts no longer in use included
-    int64_t name_limit = 0; // name_bytes at which an update looks for dead texts
+    int64_t name_bytes = 0; // size of all texts of name_pool, with those no longer in use
+    int64_t name_limit = 0; // name_bytes from which an update removes unused texts
 };
 
 // ---- Letters and bounds ----
 char normal_sense(char sense); // L, G, E in either case become <, >, =; others stay
 char normal_vtype(char vtype); // upper case, or 0 for what is no variable type
-// 0, or TVX_ERROR_INVALID_ARGUMENT with a message for what is no type; j is named in it.
+// 0, or TVX_ERROR_INVALID_ARGUMENT with a message that names variable j.
 int check_vtype(TVXenv *env, char vtype, int j);
 inline double stored_bound(double bound)
 {
@@ -95,8 +96,7 @@ enum class NameKind : char { VAR = 'C', CONSTR = 'R' };
 // The default name with that number, likewise.
 [[nodiscard]] int body_number_name(ModelBody *body, NameKind kind, int number,
                                    const char **stored);
-// Drops texts that nothing points at, when they have come to outweigh the others. Moves all
-// names; leaves them when memory is short.
+// Removes unused texts if they take more than half of the pool. Moves all names, or does nothing without enough memory.
 void body_compact_names(ModelBody *body);
 
 // ---- Bodies ----
@@ -106,11 +106,11 @@ void body_negate_rows(ModelBody *body, const char *marked);
 void body_count_types(ModelBody *body);  // numintvars, numbinvars
 void body_find_flipped(ModelBody *body); // row_flipped
 void body_drop_rows(ModelBody *body);    // the row-wise copy
-// Holds coefficients or costs whose products may leave the range of a double. Cost: O(n + nonzeros)
+// True if products of coefficients or costs may leave the range of a double. Cost: O(n + nonzeros)
 bool body_is_extreme(const ModelBody *body);
 bool body_is_mip(const ModelBody *body); // integers, semi-continuous variables or SOS
-// No objective value can run away within the bounds alone (bounded.cpp): a model that is infeasible or unbounded is then
-// infeasible.
+// True if the bounds of the variables alone bound the objective (bounded.cpp): then a model that is infeasible or
+// unbounded is infeasible.
 bool objective_is_bounded(const TVXenv *env, const ModelBody *body);
 // bound_kind of all variables, for another magnitude of infinite bounds.
 void body_find_kinds(ModelBody *body, double infinite);

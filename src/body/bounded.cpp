@@ -1,4 +1,4 @@
-// bounded.cpp -- tells infeasible from unbounded without solving
+// bounded.cpp -- is the objective bounded by the bounds of the variables alone?
 //
 // Method   The objective of the body's form is at least the sum of c_j * (lower bound if c_j > 0, upper
 //          bound if c_j < 0). When all those bounds are finite, it is bounded over any rows.

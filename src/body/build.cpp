@@ -1,9 +1,8 @@
-// build.cpp -- the worker behind every new body
+// build.cpp -- creates bodies
 //
-// Everything a caller hands over is checked first, with the place of the first fault in the
-// message; then the body is filled. Columns may lie in the caller's arrays in any order and with
-// gaps, but not share entries. Cost: O(size of the model), plus a sort of the column starts when
-// they are out of order.
+// All data of the caller are checked first, and the message of an error names the first wrong element; then the body is
+// filled. Columns may be in the caller's arrays in any order and with gaps, but not share entries. Cost: O(size of the
+// model), plus a sort of the column starts if they are out of order.
 // Rows with sense '>' and a maximise objective are stored negated from here on.
 #include "body/build.h"
 #include <algorithm>
@@ -240,7 +239,7 @@ int body_build(TVXenv *env, const ModelData *data, ModelBody **out)
     return 0;
 }
 
-// ---- Arrays that move in ----
+// ---- Bodies from arrays of the library ----
 
 static int check_adopted(TVXenv *env, const ModelArrays *arrays)
 {

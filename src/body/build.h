@@ -24,9 +24,9 @@ struct ModelData {
 // Checks the data and makes a body of it. 0 or a code; *out is null on failure.
 [[nodiscard]] int body_build(TVXenv *env, const ModelData *data, ModelBody **out);
 
-// The same for arrays in the form that a body has (minimise, '>' rows negated, columns one behind the other), which move
-// into it: for models that the library makes, which have no indices to check, and may be large. 0, OUT_OF_MEMORY, or
-// TVX_ERROR_INVALID_ARGUMENT for a value that is no finite number.
+// The same for arrays in the form that a body has (minimise, '>' rows negated, columns one behind the other), which
+// move into it: for models that the library makes, which have no indices to check, and may be large. 0, OUT_OF_MEMORY,
+// or TVX_ERROR_INVALID_ARGUMENT for a value that is no finite number.
 struct ModelArrays {
     int sense = 1;
     double objcon = 0;

@@ -1,19 +1,19 @@
-// certificate.cpp -- proofs that a model has no feasible point, or that its objective has no end
+// certificate.cpp -- verification of proofs that a model is infeasible or its objective unbounded
 //
-// Problem     Somebody claims that minimise c x, A x <= b or = b, l <= x <= u has no feasible point, or no least value.
-//             Is that so, beyond the rounding of whoever found out?
+// Problem     Verify a claim that minimise c x, A x <= b or = b, l <= x <= u is infeasible or unbounded, independently
+//             of the rounding errors of the solver that found it.
 // Method      Infeasible: with g = y A and y_i >= 0 for inequalities every feasible x has g x <= y b, while the bounds
 //             allow no g x below
 //                 sum over g_j > 0 of g_j l_j  +  sum over g_j < 0 of g_j u_j.
-//             The claim holds when that exceeds y b although every bound and right-hand side is first moved out by
-//             PROOF_SLACK. An entry on a side without a bound ends the proof, unless it is rounding of its own sum; then
-//             the point is given PROOF_RANGE on that side, and the proof says that no point up to that size is feasible.
-//             Unbounded: r_j >= 0 where l_j is there, r_j <= 0 where u_j is, A r <= 0 or = 0, c r < 0, where an activity
-//             that is rounding of its own sum is zero, and c r must be more than that.
-//             All sums run in twofold doubles, and what these may still be wrong by is held against the claim.
-// Invariant   A vector is scaled by a power of two, which is exact. Entries of a forbidden sign that are nothing beside
-//             the largest one count as zero; the proof is that of the remaining vector. Whatever is no number proves
-//             nothing.
+//             The claim holds if that exceeds y b with every bound and right-hand side widened by PROOF_SLACK. An entry
+//             on a side without a bound invalidates the proof, unless it is within the rounding error of its sum; then
+//             PROOF_RANGE is used as bound on that side, and the proof says that no point up to that size is feasible.
+//             Unbounded: r_j >= 0 if l_j is finite, r_j <= 0 if u_j is finite, A r <= 0 or = 0, c r < 0, where an
+//             activity within the rounding error of its sum counts as zero, and c r must be outside of it.
+//             All sums are computed in twofold doubles, with their remaining error counted against the claim.
+// Invariant   A vector is scaled by a power of two, which is exact. Entries of a forbidden sign that are tiny relative
+//             to the largest one count as zero; the proof is that of the remaining vector. A vector with entries that
+//             are not finite proves nothing.
 // Cost        O(nonzeros); two arrays over rows for a ray.
 // Literature  J. Farkas, "Theorie der einfachen Ungleichungen", J. reine angew. Math. 124, 1902.
 #include "body/certificate.h"
@@ -23,11 +23,11 @@
 
 namespace
 {
-// of a sum of products of a solver's numbers, against their sizes
+// Relative rounding error of a sum of products of numbers from a solver.
 constexpr double ROUNDING = 1e-13;
-constexpr double COST_ROUNDING = 1e-12; // the same for c r, which has to be clear
+constexpr double COST_ROUNDING = 1e-12; // the same for c r, with a larger margin
 
-// The power of two that brings the largest magnitude into 1 .. 2, or 0 when there is none or it is no number.
+// The power of two that scales the largest magnitude to 1 .. 2, or 0 if it is zero or not finite.
 double unit_of(const double *v, int n)
 {
     double largest = 0;
@@ -41,14 +41,14 @@ double unit_of(const double *v, int n)
     return std::ldexp(1.0, std::clamp(1 - exponent, -1000, 1000));
 }
 
-// Row i holds back no point at all: its multiplier is of no use to a proof.
+// Row i is satisfied by every point: its multiplier counts as zero.
 bool is_absent_row(const ModelBody *body, double infinity, int i)
 {
     return body->senses[i] != '=' && body->rhs[i] >= infinity;
 }
 
-// The multiplier that counts: 0 for rows that are absent and for signs that are wrong by rounding. False when the sign is
-// wrong by more.
+// Sets the multiplier to 0 for rows that are absent and for a wrong sign by rounding. False if the sign is wrong by
+// more.
 bool usable_multiplier(const ModelBody *body, double infinity, int i, double *y)
 {
     if (body->senses[i] == '=') return true;
@@ -57,14 +57,14 @@ bool usable_multiplier(const ModelBody *body, double infinity, int i, double *y)
     return true;
 }
 
-// One side of the proof: the least of (y A) x - y b, everything moved out by PROOF_SLACK.
+// The minimum of (y A) x - y b over the bounds, with everything widened by PROOF_SLACK.
 struct Gap {
     TwofoldSum sum;
-    bool open = false;          // it has no least value
-    double slack = PROOF_SLACK; // by which everything is moved out
+    bool open = false;          // there is no minimum
+    double slack = PROOF_SLACK; // amount of the widening
 };
 
-// y b enters the gap. False when y has a wrong sign.
+// Subtracts y b from the gap. False if y has a wrong sign.
 bool subtract_rhs(const ModelBody *body, double infinity, const double *y, double unit,
                   Gap *gap)
 {
@@ -85,7 +85,7 @@ TwofoldSum column_sum(const ModelBody *body, double infinity, const double *y, d
     TwofoldSum g;
     const int *row = body->vind.data;
     for (int p = body->vbeg[j], end = p + body->vlen[j]; p < end; p++) {
-        if (y[row[p]] == 0) continue; // most are: a proof has few rows
+        if (y[row[p]] == 0) continue; // usually most are zero
         double v = unit * y[row[p]];
         if (!usable_multiplier(body, infinity, row[p], &v) || v == 0) continue;
         g.add(two_product(v, body->vval[p]));
@@ -106,7 +106,7 @@ void add_column(const ModelBody *body, double infinity, const TwofoldSum &g, int
         gap->open = true;
         return;
     }
-    // a bound further out than the range of the proof is as good as none, and so is one of an unknown side
+    // A bound beyond the range of the proof counts as infinite.
     const double outward = value > 0 ? -bound : bound;
     if (absent || (rounding && outward > PROOF_RANGE) || force <= g.error()) {
         gap->sum.add({-PROOF_RANGE * (force + g.error())});
@@ -122,7 +122,7 @@ bool bound_in_the_way(const ModelBody *body, double infinity, int j, double r)
     return r < 0 ? body->lb[j] > -infinity : r > 0 && body->ub[j] < infinity;
 }
 
-// The entry that counts, as for multipliers.
+// Sets the step to 0 for a wrong sign by rounding, as for multipliers.
 bool usable_step(const ModelBody *body, double infinity, int j, double *r)
 {
     if (!bound_in_the_way(body, infinity, j, *r)) return true;

@@ -1,7 +1,7 @@
-// check.cpp -- the invariants of a model body, for builds that check themselves
+// check.cpp -- the invariants of a model body, tested in debug builds
 //
-// Counts what is broken, in the order of the fields of ModelBody, and writes down the first place.
-// Shares no code with what builds and changes bodies. Cost: O(size of the model).
+// Counts the broken invariants, in the order of the fields of ModelBody, and describes the first one. Shares no code
+// with the routines that build and change bodies. Cost: O(size of the model).
 #include "body/body.h"
 
 #ifdef TVX_DEBUG
@@ -104,7 +104,7 @@ static void check_columns(const ModelBody *b, Faults *f)
                "start or length of column", j);
     Array<int> met;
     if (f->count || array_assign(&met, b->numconstrs, -1))
-        return; // benign: only a check less
+        return; // benign: only this check is skipped
     for (int j = 0; j < b->numvars; j++) {
         for (int p = b->vbeg[j]; p < b->vbeg[j + 1]; p++) {
             const int i = b->vind[p];
@@ -132,7 +132,7 @@ static void check_rows(const ModelBody *b, Faults *f)
 {
     if (b->row_beg.size == 0) return;
     Array<int> next;
-    if (array_copy(&next, b->row_beg.data, b->row_beg.size)) return; // benign: a check less
+    if (array_copy(&next, b->row_beg.data, b->row_beg.size)) return; // benign: skipped
     for (int j = 0; j < b->numvars; j++) {
         for (int p = b->vbeg[j]; p < b->vbeg[j + 1]; p++) {
             const int at = next[b->vind[p]]++;

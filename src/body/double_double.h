@@ -3,8 +3,9 @@
 // Method      The error of a sum or a product of two doubles is itself a double, which can be had exactly (Knuth's
 //             two-sum, a fused multiply-add for the product); it is kept as the low part.
 // Invariant   |low| is at most half a unit in the last place of high, so that high is the nearest double.
-// Accuracy    A sum of n terms is wrong by at most n TWOFOLD_ROUNDING times the sum of their sizes. What overflows becomes
-//             infinite or no number, and stays so.
+// Accuracy    The error of a sum of n terms is at most n TWOFOLD_ROUNDING times the sum of their magnitudes. After
+// overflow
+//             the sum stays infinite or NaN.
 // Literature  D. E. Knuth, "The Art of Computer Programming 2", section 4.2.2.
 //             T. J. Dekker, "A floating-point technique for extending the available precision", Numer. Math. 18, 1971.
 #pragma once
@@ -38,7 +39,7 @@ inline Twofold twofold_times(Twofold a, double b)
     return two_sum(product.high, product.low + a.low * b);
 }
 
-// A sum with the sizes of its terms, from which follows what it may be wrong by.
+// A sum with the magnitudes of its terms, for an error bound.
 struct TwofoldSum {
     Twofold value;
     double size = 0;  // of all terms together

@@ -1,14 +1,14 @@
 // names.cpp -- names of variables and constraints
 //
-// A name is a text in the body's pool, or absent: the element is then called by its index, "C%d"
-// or "R%d", made on demand. The pool only grows; since renaming and deleting leave dead texts in
-// it, an update calls body_compact_names, which moves the living ones to a new pool once the bytes
-// handed out exceed twice what lived last time. Cost: O(1) amortised per byte stored.
+// A name is a text in the body's pool, or null: then the name is formed from the index when needed, "C%d" or "R%d". The
+// pool only grows; since renaming and deletion leave unused texts in it, an update calls body_compact_names, which
+// copies the texts in use to a new pool when the pool has twice the size of those in use last time. Cost: O(1)
+// amortised per byte stored.
 #include "body/body.h"
 #include <algorithm>
 
 static constexpr size_t NAME_CHUNK = 4096;     // bytes; a few hundred names
-static constexpr int64_t DEAD_NAMES = 1 << 20; // bytes of dead texts never worth a move
+static constexpr int64_t DEAD_NAMES = 1 << 20; // smaller pools are not compacted
 
 // Writes letter and number; returns the length.
 static size_t format_name(char letter, int number, char *buffer)
@@ -106,7 +106,7 @@ void body_compact_names(ModelBody *body)
 
     TextPool *pool = PoolCreate(NAME_CHUNK);
     char *place = pool ? PoolAlloc(pool, static_cast<size_t>(bytes) + 1) : nullptr;
-    if (!place) { // benign: dead texts only cost room
+    if (!place) { // benign: unused texts only cost memory
         PoolFree(&pool);
         return;
     }

@@ -1,4 +1,4 @@
-// quality.cpp -- primal measures, and the judgement of an integer solution
+// quality.cpp -- violations of a point in the primal, and the measures of an integer solution
 //
 // Method      One pass over columns for the activities (row_activity.h), one over rows, one over
 //             variables. For an SOS the best window contains the member of largest magnitude, else that
@@ -21,7 +21,7 @@ void violation_add(Violation *violation, int index, double amount)
     violation->index = index;
 }
 
-// How far x is outside [lower, upper]; not a number if x is none.
+// Distance of x to [lower, upper]; not a number if x is not a number.
 static double outside(double x, double lower, double upper)
 {
     if (x < lower) return lower - x;

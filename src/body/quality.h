@@ -1,20 +1,20 @@
 // quality.h -- how well a point satisfies a model: violations and residuals
 //
-// The measures share no code with the solvers. They are taken on the unscaled body with sums in
-// long double, so that they can judge what a solver claims. The measures, each as maximum, sum
-// and place of the maximum (-1 when nothing is violated):
-//   BoundVio        by how much x_j lies outside its bounds
-//   ConstrVio       by how much a row's activity is on the wrong side of its right-hand side
-//   ConstrResidual  |b_i - a_i x| of rows whose slack the basis holds at zero, and of equalities
-//   DualVio         by how much a multiplier breaks the sign that optimality demands of it where
-//                   its variable, or the slack of its row, stands: at the lower bound, at the
-//                   upper, at both (any sign), or at none (it must be 0). The multiplier of a
-//                   variable is c_j - sum_i a_ij Pi_i, computed here
-//   DualResidual    |c_j - sum_i a_ij Pi_i - RC_j|, what the solver's reduced costs miss
-//   ComplVio        product of a multiplier with the distance to the bound that it prices
+// The measures share no code with the solvers. They are computed on the unscaled body with sums in
+// long double, so that they verify the result of a solver. The measures, each as maximum, sum
+// and index of the maximum (-1 if nothing is violated):
+//   BoundVio        violation of the bounds of x_j
+//   ConstrVio       violation of a row
+//   ConstrResidual  |b_i - a_i x| of rows with a nonbasic slack, and of equalities
+//   DualVio         violation of the sign that optimality requires of a multiplier: for a variable,
+//                   or the slack of a row, at the lower bound, at the upper bound, at both (any
+//                   sign), or between (it must be 0). The multiplier of a variable is
+//                   c_j - sum_i a_ij Pi_i, computed here
+//   DualResidual    |c_j - sum_i a_ij Pi_i - RC_j|, the error of the solver's reduced costs
+//   ComplVio        product of a multiplier with the distance to the bound of its sign
 //   IntVio          distance of an integer variable to the nearest integer
-// Places are variables; rows for ConstrVio and ConstrResidual; for DualVio and ComplVio, which
-// look at both, i + numvars is row i. The measures with S are those of the scaled model:
+// Indices are variables; rows for ConstrVio and ConstrResidual; for DualVio and ComplVio, which
+// have both, i + numvars is row i. The measures with S are those of the scaled model:
 // x_j / col_j, rows times row_i, costs times col_j * obj.
 // A value that is not a number counts as a violation of 1e100.
 #pragma once
@@ -49,7 +49,7 @@ struct JudgedPoint {
     const double *x = nullptr;      // [numvars]
     const double *pi = nullptr;     // [numconstrs]
     const double *rc = nullptr;     // [numvars], or null: no dual residual
-    const int *row_basis = nullptr; // [numconstrs] negative: slack held at zero; or null
+    const int *row_basis = nullptr; // [numconstrs] negative: slack is nonbasic; or null
     PointSigns signs = PointSigns::BODY; // of pi and rc
 };
 

@@ -1,12 +1,12 @@
-// quality_lp.cpp -- all measures of an LP's point with its multipliers
+// quality_lp.cpp -- all measures of an LP solution: a point with dual values
 //
 // Problem     minimise c x, A x + s = b, l <= x <= u, s_i >= 0 for inequalities, s_i = 0 for equalities
 //             (the body's form). The multiplier of x_j is d_j = c_j - sum_i a_ij pi_i, that of s_i is -pi_i.
 // Method      The conditions of Karush, Kuhn and Tucker one by one: x and s in their ranges, d_j >= 0
 //             unless x_j is at its upper bound, d_j <= 0 unless at its lower, the same for s and -pi. A
-//             value stands at a bound when it is no further from it than FeasibilityTol plus a
-//             billionth of the numbers it comes from, or beyond it. What a nonzero multiplier of such
-//             a value leaves of complementarity is counted by ComplVio.
+//             value counts as being at a bound if its distance is at most FeasibilityTol plus 1e-9 times
+//             the numbers that it was computed from, or if it is beyond. The remaining complementarity
+//             violation of such a value with a nonzero multiplier is measured by ComplVio.
 // Invariant   Exact data with a zero in every measure prove optimality of the exact LP.
 // Cost        O(n + m + nonzeros), three arrays over rows.
 // Literature  H. W. Kuhn, A. W. Tucker, "Nonlinear programming", Berkeley Symposium 2, 1951.
@@ -16,11 +16,11 @@
 #include <algorithm>
 #include <cmath>
 
-// Part of the numbers behind a value within which it counts as being at its bound: rounding in the
-// solves of a basis grows to about this size before a solver refactors.
+// Relative distance within which a value counts as being at its bound: rounding errors of updates grow to about this
+// size before a refactorisation.
 static constexpr double RELATIVE_PLACE_TOLERANCE = 1e-9;
 
-// A value with its range and multiplier, and how the measures of the scaled model differ.
+// A value with its range and multiplier, and the scale factor of the multiplier.
 struct Stand {
     int index;         // as DualVio reports it
     double multiplier; // >= 0 wanted at lower, <= 0 at upper, 0 between

@@ -1,8 +1,8 @@
 // row_activity.cpp -- sum_i = sum over columns j of a_ij * x_j, for all rows in one pass over columns
 //
 // Method   Products and sums are formed in long double, which carries at least 11 bits more than the
-//          numbers of the solvers where the machine has them: what is left of a residual is the
-//          solution's own error and not that of the measurement.
+//          numbers of the solvers on machines with 80-bit long double, so that a residual is the
+//          error of the solution and not of its computation here.
 // Cost     O(nonzeros)
 #include "body/row_activity.h"
 #include <algorithm>

@@ -1,9 +1,9 @@
-// row_kind.h -- what a row asks for, by its sense and its right-hand side: decided here for every part of the library
+// row_kind.h -- kinds of rows by sense and right-hand side: the one definition for the whole library
 //
-// Senses   '=' and '>' are what they are; every other character stands as the caller gave it and counts as '<'.
-// Sides    A right-hand side of magnitude INFINITE_VALUE and more is infinite, as a bound of that size is. In the body's
-//          form, where a row is "at most" or an equation: at most plus infinity asks for nothing; at most minus infinity
-//          asks for what no point has, and so does an equation with either.
+// Senses   '=' and '>'; every other character is stored as given by the caller and counts as '<'.
+// Sides    A right-hand side of magnitude INFINITE_VALUE or more is infinite, as for bounds. In the body's form, where
+// a
+//          row is <= or =: a row <= plus infinity is free; a row <= minus infinity, or = with either, is infeasible.
 #pragma once
 #include "body/body.h"
 

@@ -1,8 +1,8 @@
-// signs.h -- between the body's form and the caller's: minimise and "at most" inside, as given outside
+// signs.h -- signs between the body's form (minimise, <=) and the form given by the caller
 #pragma once
 #include "body/body.h"
 
-// -1 for a row that the body holds negated, else 1.
+// -1 for a row that is stored negated, else 1.
 inline int row_sign(const ModelBody *body, int i)
 {
     return body->senses[i] == '>' ? -1 : 1;

@@ -1,9 +1,9 @@
 // sos.cpp -- the order of the members of special ordered sets
 //
-// The order of a set is that of its weights. Solvers take the members as they stand, so a set whose weights go up and down
-// is sorted; one that is monotone in either direction stays as it came. Equal weights inside a sorted set keep their order
-// and are set apart by less than half the smallest gap between weights, so that what is read back still says the order.
-// E. M. L. Beale and J. A. Tomlin, 1970, for the sets themselves. Cost: O(k log k) for a set of k members.
+// The order of a set is that of its weights. Solvers use the order of storage, so a set whose weights are not monotone
+// is sorted; a monotone one, in either direction, is not changed. Equal weights inside a sorted set keep their order
+// and are made different by less than half the smallest gap between weights, so that the weights still define the
+// order. E. M. L. Beale and J. A. Tomlin, 1970, for the sets themselves. Cost: O(k log k) for a set of k members.
 #include "body/body.h"
 #include <algorithm>
 

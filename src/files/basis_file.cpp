@@ -1,15 +1,15 @@
 // basis_file.cpp -- bases as text files (".bas")
 //
-// Problem     Carry any basis from one run to another by names, so that it comes back exactly.
-// Form        Lines of a key in columns 2-3 and names. What no line mentions is at its default: rows basic, columns
-//             nonbasic at their lower bound, free columns superbasic (nonbasic at 0).
-//               XL, XU  column row    the column is basic, the row is not: a basis has as many of the one as of the other
-//               UL      column        nonbasic at its upper bound
+// Problem     Write any basis by names, so that it is read back exactly.
+// Form        Lines of a key in columns 2-3 and names. Columns and rows not mentioned have their default status: rows
+//             basic, columns nonbasic at their lower bound, free columns superbasic (nonbasic at 0).
+//               XL, XU  column row    the column is basic, the row is not: a basis has as many of the one as of the
+//               other UL      column        nonbasic at its upper bound
 //               LL      column        nonbasic at its lower bound, said of free columns
 //               SB      column        superbasic, said of columns that are not free
 //             Lines with other keys, and lines that do not begin with a blank, are skipped; E ends the file.
 // Names       With blanks in names the places of two names are found by trying which split gives two known names.
-// Invariant   Statuses come out only when all of the file was understood.
+// Invariant   Statuses are returned only if the whole file was read without error.
 // Literature  B. A. Murtagh, M. A. Saunders, "MINOS 5.5 User's Guide", 1998, section 5 (basis files).
 #include "files/file_names.h"
 #include "files/files.h"
@@ -176,7 +176,7 @@ static int pair_line(BasisReader *reader, TextSpan names)
     return 0;
 }
 
-// One name, perhaps with a value behind, as some programs write.
+// One name, perhaps followed by a value, as some programs write.
 static int column_line(BasisReader *reader, TextSpan name, int status)
 {
     int j = find_column(reader, name);

@@ -1,4 +1,4 @@
-// draft.cpp -- ModelDraft, a model in the making: what the readers of model files collect
+// draft.cpp -- ModelDraft, the model data that the readers of model files collect
 //
 // Ranges      A range row lower <= a x <= upper is a x + Rg = upper with 0 <= Rg <= upper - lower. Where the name of
 //             the variable is taken, an underscore follows it, and perhaps a number.
@@ -66,8 +66,8 @@ int draft_set_member(DraftSets *sets, int column, double weight, bool *twice)
 
 // ---- Ranges ----
 
-// "Rg" and the row's name, made different from every column's name: by an underscore, then by numbers that never come
-// again, so that the names tried in all are not more than columns and ranges.
+// "Rg" and the row's name; if a column has that name, with an underscore and then a number appended. Numbers are not
+// used twice, so that in total at most as many names are tried as there are columns and ranges.
 static int range_name(ModelDraft *draft, int i, TextSpan *name_out)
 {
     char number[FILE_NAME_LENGTH];

@@ -1,7 +1,7 @@
-// draft.h -- ModelDraft, a model in the making: what the readers of model files collect
+// draft.h -- ModelDraft, the model data that the readers of model files collect
 //
-// Columns and sets grow while a file is read. When it is read to its end, the reader settles the matrix by columns and
-// the rows and adds the variables of ranges.
+// Columns and sets grow while a file is read. At its end the reader completes the matrix by columns and the rows, and
+// adds the variables of ranges.
 #pragma once
 #include "files/name_table.h"
 #include "files/text_file.h"
@@ -37,7 +37,7 @@ struct ModelDraft {
     DraftColumns columns;
     DraftSets sets;
     int64_t range_number = 0; // the last that made a range variable's name unique
-    // Settled when the file is read:
+    // Set at the end of the file:
     const char *name = nullptr;
     Array<int> vbeg;               // [n + 1] of the entries; grows with range variables
     Array<char> row_sense;         // [m] '<' '>' '=', or 'L' 'G' 'E'
@@ -59,6 +59,6 @@ inline int draft_find(const ModelDraft *draft, TextSpan name) // or NAME_ABSENT
 // A member of the last set; *twice, and nothing added, when the set holds the column. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int draft_set_member(DraftSets *sets, int column, double weight, bool *twice);
 
-// Makes settled row i, whose rhs is the upper side, a range of that width: an equation with one more variable between 0
-// and the width, called "Rg" and the row's name. 0 or OUT_OF_MEMORY.
+// Turns row i, whose rhs is its upper side, into a range of that width: an equation with one more variable between 0
+// and the width, named "Rg" and the row's name. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int draft_range(ModelDraft *draft, int i, double width);

@@ -1,11 +1,10 @@
-// file_names.cpp -- FileNames, the names under which files know the variables or the constraints of a model
+// file_names.cpp -- FileNames, the names of the variables or constraints of a model in files
 //
 // Problem     A caller may give any names: empty, equal, with line ends inside. A file written with such names could
 //             not be read back, or be read back as another model.
 // Method      The model's names are used only if all of them can stand in a file (not empty, no control characters, no
 //             blanks at the ends) and all are different, numbered ones for elements without a name included. Otherwise
-//             all elements are numbered. Writer and reader of a side file ask the same question of the same model and
-//             get the same answer.
+//             all elements are numbered. Writer and reader of a file for the same model make the same choice.
 // Cost        One hash table over the names.
 #include "files/file_names.h"
 #include <charconv>
@@ -148,7 +147,7 @@ int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind
 
 // ---- Look-up ----
 
-// Numbered names are not put into the table when all are numbered: the number says it.
+// If all names are numbered, no table is needed: the index is read from the name.
 int file_index_make(FileNameIndex *index, const FileNames *names)
 {
     TRY(index_open(index, names));

@@ -1,4 +1,4 @@
-// file_names.h -- FileNames, the names under which files know the variables or the constraints of a model
+// file_names.h -- FileNames, the names of the variables or constraints of a model in files
 #pragma once
 #include "body/body.h"
 #include "files/name_table.h"
@@ -22,12 +22,12 @@ using NameTest = bool (*)(const char *name);
 static constexpr int FILE_NAME_LENGTH = 16;    // room for a numbered name
 static constexpr int SHORT_NUMBERS = 10000000; // elements that the short form can number
 
-// Looks whether the names of the model can be used. 0 or OUT_OF_MEMORY. With wide false the numbered names are short as
-// long as no own name is longer than 8 bytes and no number than 7 digits.
+// Tests whether the names of the model can be used. 0 or OUT_OF_MEMORY. With wide false the numbered names are short if
+// no name of the model is longer than 8 bytes and no number longer than 7 digits.
 // With a test, the names that fail it are numbered one by one.
 [[nodiscard]] int file_names_choose(FileNames *names, const ModelBody *body,
                                     FileNameKind kind, bool wide, NameTest test = nullptr);
-void file_names_number(FileNames *names); // gives the model's own names up
+void file_names_number(FileNames *names); // numbers all elements
 // The name of element k; a numbered one is written into buffer.
 const char *file_name(const FileNames *names, int k, char *buffer);
 

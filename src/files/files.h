@@ -1,13 +1,13 @@
-// files.h -- the face of src/files: models and what belongs to them as text files
+// files.h -- the interface of src/files: models, bases, MIP starts and solutions as text files
 //
 // Readers fill plain data; writers take a body. All of these take a checked environment and record the message of a
-// failure in it; the codes are those of the public header. A file that cannot be written completely is removed again where
-// that is possible.
+// failure in it; the codes are those of the public header. A file that cannot be written completely is removed again
+// where that is possible.
 #pragma once
 #include "body/body.h"
 #include "files/draft.h"
 
-// A model from an MPS file, plain or compressed, as a settled draft: the caller frees it, also after a failure.
+// A model from an MPS file, plain or compressed, as a complete draft: the caller frees it, also after a failure.
 [[nodiscard]] int mps_read(TVXenv *env, const char *file_name, ModelDraft *draft);
 enum class WriteNames { OWN, NUMBERED };
 [[nodiscard]] int mps_write(const ModelBody *body, TVXenv *env, const char *file_name,

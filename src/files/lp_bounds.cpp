@@ -2,7 +2,7 @@
 //
 // Forms       "x <= v" with any comparison, also turned round, "l <= x <= u" and "u >= x >= l", "x = v", "x free". A
 //             number may have signs or be an infinite word.
-// Rules       Of two lines for one bound the later stands, with a warning.
+// Rules       Of two lines for one bound the later is used, with a warning.
 #include "files/lp_reader.h"
 
 // A variable and what a line says of it.
@@ -30,7 +30,7 @@ static int note(LpReader *reader, Bound *bound, LpKind sense, double value, Text
     return 0;
 }
 
-// The bound "name <sense> infinite value", said by that text: a word for infinity sets no bound or takes one away.
+// Tests the bound "name <sense> infinite value": a word for infinity sets no bound, or removes one.
 static int check_infinite(LpReader *reader, LpKind sense, double value, TextSpan at)
 {
     if (sense == LpKind::EQUAL)

@@ -1,10 +1,11 @@
 // lp_build.cpp -- the model of an LP-format file that was read to its end
 //
-// Method      The entries of the rows are counted by column and deposited in order of row, sums that came to 0 left out,
-//             so that each column lists its rows in ascending order. Ranges become equations with one more variable.
-// Constant    The form of old for a constant c of the objective is a term "c Constant" with the bound "Constant = 1".
-//             A variable of that name which stands nowhere else becomes the constant again.
-// Memory      The text of the file and the rows are given back before the model is made.
+// Method      The entries of the rows are counted by column and deposited in order of row, sums that came to 0 left
+//             out, so that each column lists its rows in ascending order. Ranges become equations with one more
+//             variable.
+// Constant    The older form of a constant c of the objective is a term "c Constant" with the bound "Constant = 1". A
+//             variable of that name that is used nowhere else becomes the constant.
+// Memory      The text of the file and the rows are freed before the model is created.
 #include "body/body.h"
 #include "files/lp_reader.h"
 #include <cmath>
@@ -32,8 +33,8 @@ static void warn_of(LpReader *reader, LpWarning kind, TextSpan name)
     warning_note(&reader->warnings, static_cast<int>(kind), 0, name);
 }
 
-// Warns of bounds that say something else than their author may think. An upper bound below 0 does not move the lower
-// bound 0: the variable has no value then.
+// Warns of bounds that may not mean what their author intended. An upper bound below 0 does not change the lower bound
+// 0: the bounds are then infeasible.
 static void check_bounds(LpReader *reader)
 {
     const DraftColumns *columns = &reader->draft.columns;

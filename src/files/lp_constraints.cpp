@@ -130,8 +130,8 @@ static int take_limit(LpReader *reader, Constraint *row)
 }
 
 // What the first token of a constraint must not be: a number behind that of the constraint before, as in "<= 1 000"; a
-// section with a colon, as in "bounds:", whose lines would become constraints; or a word that looks like a heading, alone
-// on its line and unknown so far, which a sign on the next line would make a variable.
+// section with a colon, as in "bounds:", whose lines would become constraints; or a word that looks like a heading,
+// alone on its line and unknown so far, which a sign on the next line would make a variable.
 static int check_begin(LpReader *reader, const LpToken *begin, bool named, bool alone)
 {
     const bool first = !reader->rows.begin.size;

@@ -22,9 +22,11 @@ inline bool lp_in_name(char c)
 LpWord lp_word(TextSpan name);
 // The section that two words "subject to" or "such that" open: the end of the second, or null.
 const char *lp_second_word(TextSpan first, const char *stop);
-// Whether a name that means nothing else was probably meant as the heading of a section: of another dialect, or misspelt.
+// Whether a name that means nothing else was probably meant as the heading of a section: of another dialect, or
+// misspelt.
 bool lp_like_heading(TextSpan name);
-// Whether a blank or dash beyond ASCII stands in a text: of a word processor or web page, and hardly meant as part of a name.
+// Whether a blank or dash beyond ASCII stands in a text: of a word processor or web page, and hardly meant as part of a
+// name.
 bool lp_has_foreign_sign(TextSpan text);
 // Whether the reader takes the whole text as the name of a variable or a constraint wherever one can stand.
 bool lp_is_name(const char *text);

@@ -1,7 +1,7 @@
 // lp_read.cpp -- the driver of the LP-format reader: sections and failures
 //
-// Problem     Read an algebraic text into the model its author meant, or say where and why not. Nothing is guessed: what
-//             has two readings, or what looks like another language, is an error.
+// Problem     Read an algebraic text into a model, or report where and why that is not possible. Nothing is guessed:
+//             text that is ambiguous or looks like another format is an error.
 // Order       The objective, the constraints, then bounds, types and sets in any order, also repeatedly; "end" or the
 //             end of the file closes it.
 // Cost        One pass over the text, then a counting sort of the entries into columns.

@@ -1,8 +1,8 @@
 // lp_reader.h -- LpReader, one LP-format file while it is read: shared by the lp_ files of this folder
 //
-// The text is taken in tokens, with one in hand (lp_token.cpp). The driver (lp_read.cpp) knows the sections; each has
-// its file: sums of terms (lp_sum.cpp), objective and constraints (lp_constraints.cpp), bounds (lp_bounds.cpp), types
-// and sets (lp_lists.cpp). lp_build.cpp makes the model.
+// The text is read in tokens; the "token in hand" is the current one (lp_token.cpp). The driver (lp_read.cpp) handles
+// the sections; each has its file: sums of terms (lp_sum.cpp), objective and constraints (lp_constraints.cpp), bounds
+// (lp_bounds.cpp), types and sets (lp_lists.cpp). lp_build.cpp creates the model.
 #pragma once
 #include "files/draft.h"
 #include "files/read_warnings.h"

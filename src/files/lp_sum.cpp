@@ -77,8 +77,8 @@ static bool is_factor(const LpReader *reader, LpPlace place, const Term *term, b
     return wanted && !token->fresh;
 }
 
-// "x <= 1d2", "x <= 5abc": behind a comparison a name that touches its number is more likely part of a number that is not
-// understood, unless a variable of that name is known.
+// "x <= 1d2", "x <= 5abc": behind a comparison a name that touches its number is more likely part of a number that is
+// not understood, unless a variable of that name is known.
 static bool is_bad_number(const LpReader *reader, LpPlace place, const Term *term)
 {
     const TextSpan name = reader->token.text;

@@ -1,7 +1,7 @@
 // lp_token.cpp -- the text of an LP-format file in tokens
 //
-// Method      One token is in hand, the next begins behind it; nothing is copied. The byte at `stop` is a control
-//             character, so that no loop over blanks, names or digits needs to look for the end.
+// Method      There is one current token ("in hand"); nothing is copied. The byte at `stop` is a control character, so
+//             that loops over blanks, names or digits need not test for the end.
 // Line ends   They part tokens and are no tokens; a token knows whether it is the first of its line.
 // Cost        One pass; looking ahead goes to the end of a word or line, at most once for each word or constraint.
 #include "files/lp_names.h"

@@ -1,16 +1,17 @@
 // lp_write.cpp -- a model in the LP format
 //
-// Problem     What is written must be read back as the same model: matrix, bounds, types, sets and constant bit for bit,
-//             the variables in their order.
+// Problem     What is written must be read back as the same model: matrix, bounds, types, sets and constant bit for
+//             bit, the variables in their order.
 // Form        Signs are those of the caller: the objective in its sense, rows with '>' as they were given. Numbers have
 //             the fewest digits that read back the same. Lines have at most 75 bytes unless one name needs more.
 // Order       A reader numbers variables as it meets them. The objective is written in full as far as that is needed,
-//             with coefficients of 0: up to the last variable with a cost, with no entry, or that the rows mention after
-//             one with a higher number.
+//             with coefficients of 0: up to the last variable with a cost, with no entry, or that the rows mention
+//             after one with a higher number.
 // Names       The model's own where they are names in this format and different; others by number.
 // Constant    A term on "Constant", which a bound fixes at 1; a plain number when a variable has that name.
-// Bounds      Left out where they are 0 and infinite, for binary variables 0 and 1. An upper bound below 0 has its lower
-//             bound written with it: silence would mean that there is none.
+// Bounds      Omitted if they are 0 and infinite, for binary variables 0 and 1. With an upper bound below 0 the lower
+// bound
+//             is always written, since a reader may take a missing one as infinite.
 #include "files/file_names.h"
 #include "files/file_number.h"
 #include "files/files.h"

@@ -3,7 +3,7 @@
 // Form        A line for each variable: name and value. Lines that begin with '#' are comments. The name is all before
 //             the last field when that is a name of the model (it may hold blanks), else the first field.
 //             A variable whose name begins like a comment goes by its number.
-// Invariant   Values come out for all variables that the file names, or, on failure, for none.
+// Invariant   Values are returned for all variables that the file names, or, on failure, for none.
 #include "files/file_names.h"
 #include "files/file_number.h"
 #include "files/files.h"

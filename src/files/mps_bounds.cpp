@@ -1,6 +1,6 @@
 // mps_bounds.cpp -- BOUNDS: bounds and the types that are declared with them
 //
-// Rules       A bound that a line has set stands: a later line that would set it again changes no bound and gives a
+// Rules       A bound set by a line is kept: a later line that would set it again changes no bound and gives a
 //             warning, but a type that it declares (integer, binary, semi-continuous) is always taken over, since
 //             losing it would change the model. FR, MI and PL leave the upper bound open for a later UP. The bounds 0
 //             and 1 of BV and of integer columns between markers are defaults, which later lines may change.

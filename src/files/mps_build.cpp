@@ -4,7 +4,7 @@
 //             not), ranges turned into equations with one more variable each, and everything handed to the common
 //             worker behind all new models.
 // Ranges      Of width 0 they are plain equations, infinite ones plain inequalities, others as in draft.cpp.
-// Memory      The text of the file is given back before the model is made.
+// Memory      The text of the file is freed before the model is created.
 #include "body/body.h"
 #include "files/file_number.h"
 #include "files/mps_reader.h"

@@ -5,8 +5,8 @@
 //             white space. Most files satisfy both; a file read in the wrong form may go through with wrong fields.
 // Method      Free form: the number of fields tells their roles, and only for bounds without set name the declared
 //             columns are asked. Fixed form: the spaces between the fields must be blank, the value of a last pair may
-//             run on to the end of the line. A line of a free file that has blanks where field 2 would end, and fits the
-//             columns as a whole, is SUSPECT (see mps_reader.h): fixed form then has the first word.
+//             run on to the end of the line. A line of a free file that has blanks where field 2 would end, and fits
+//             the columns as a whole, is SUSPECT (see mps_reader.h): fixed form then has the first word.
 // Comments    A name field other than the first that begins with '$' starts a comment, unless it is a declared name.
 // Cost        O(length of the line).
 #include "files/file_number.h"

@@ -1,10 +1,10 @@
 // mps_read.cpp -- the driver of the MPS reader: sections, the attempts at the form of the file, failures
 //
-// Problem     Read any file that some program calls MPS into the model its author meant, or say where and why not.
-// Method      The text is in memory; an attempt walks its lines once. Free form goes first, watched: if a line cannot be
-//             explained, or names are unknown, or the columns of the fixed form would explain it otherwise, fixed form
-//             is tried from the first line, strictly, and free form without watching last. The failure reported is that
-//             of the attempt that came furthest.
+// Problem     Read MPS files in all common variants into a model, or report where and why that is not possible.
+// Method      The text is in memory; an attempt reads its lines once. The first attempt is free form with checks: if a
+//             line cannot be read, or names are unknown, or the columns of the fixed form would give another meaning,
+//             strict fixed form is tried from the first line, and last free form without these checks. The failure
+//             reported is that of the attempt that read the most lines.
 // Order       NAME, OBJSENSE and OBJNAME may be missing; ROWS, then COLUMNS, then RHS, RANGES, BOUNDS and SOS in any
 //             order, also repeatedly; ENDATA must end the file.
 // Cost        One pass for nearly all files, at most three.

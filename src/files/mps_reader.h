@@ -1,8 +1,8 @@
 // mps_reader.h -- MpsReader, one MPS file while it is read: shared by the mps_ files of this folder
 //
 // A data line is first put into a card (mps_card.cpp: the fields of the fixed form, whatever the form of the file),
-// then taken up by its section (mps_rows.cpp, mps_columns.cpp, mps_rhs.cpp, mps_bounds.cpp, mps_sos.cpp). The driver
-// (mps_read.cpp) knows the order of sections and the attempts; mps_build.cpp makes the model.
+// then processed by its section (mps_rows.cpp, mps_columns.cpp, mps_rhs.cpp, mps_bounds.cpp, mps_sos.cpp). The driver
+// (mps_read.cpp) handles the order of sections and the attempts; mps_build.cpp creates the model.
 //
 // Attempts   CHECKED   free form, but stops at the first line that free form cannot explain, or fixed form might
 //                      explain better; nearly all files end here

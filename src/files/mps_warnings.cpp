@@ -1,4 +1,4 @@
-// mps_warnings.cpp -- what an MPS read found odd and went on from: the texts
+// mps_warnings.cpp -- the texts of the warnings of the MPS reader
 #include "files/mps_warnings.h"
 
 static constexpr char MORE_FREE_ROWS[] = "Warning: more than one unconstrainted rows,\n"

@@ -1,4 +1,4 @@
-// mps_warnings.h -- what an MPS read found odd and went on from
+// mps_warnings.h -- warnings of the MPS reader
 #pragma once
 #include "files/read_warnings.h"
 

@@ -7,8 +7,8 @@
 // Names       The model's own where they can stand in a file (file_names.h). Names with blanks need the fixed form, and
 //             so all names of both kinds at most 8 bytes long; where that fails, the kind that has blanks is numbered.
 // Bounds      The defaults of a reader are 0 and infinite, for columns between markers 0 and 1. Types are declared
-//             before bounds (SC, BV), an infinite upper bound of an integer column is said by PL, and a lower bound of 0
-//             is said when the upper bound is negative, since it would be taken as infinite otherwise.
+//             before bounds (SC, BV), an infinite upper bound of an integer column is said by PL, and a lower bound of
+//             0 is said when the upper bound is negative, since it would be taken as infinite otherwise.
 // Constant    Minus the constant is the right-hand side of the objective row, as all readers understand it; the NAME
 //             line shows it too, for people.
 #include "files/file_names.h"
@@ -218,7 +218,7 @@ struct ColumnBounds {
     bool no_lower, no_upper;
 };
 
-// Lower bounds; a 0 is said only where silence would mean something else.
+// Lower bounds; 0 is written only where the default would be another value.
 static void write_lower(MpsWriter *writer, const ColumnBounds *column, const char *head)
 {
     if (column->no_lower)

@@ -1,7 +1,7 @@
-// name_table.cpp -- NameTable, names numbered in the order they came, found again by hash
+// name_table.cpp -- NameTable, a hash table of names, numbered in order of insertion
 //
-// Method      Open addressing with linear probing. A slot holds 16 bytes of the name itself, so that a look-up in a large
-//             table costs one cache miss, and not one more for the entry and one for its text: with 300,000 names
+// Method      Open addressing with linear probing. A slot holds 16 bytes of the name itself, so that a look-up in a
+//             large table costs one cache miss, and not one more for the entry and one for its text: with 300,000 names
 //             that was most of the time of a reader. The hash folds 8 bytes at a time through a 64 by 64 bit
 //             multiplication whose high and low halves are mixed.
 // Cost        O(length) per look-up.

@@ -1,4 +1,4 @@
-// name_table.h -- NameTable, names numbered in the order they came, found again by hash
+// name_table.h -- NameTable, a hash table of names, numbered in order of insertion
 //
 // For the millions of look-ups of a file reader; names keep their case and may be any bytes.
 #pragma once

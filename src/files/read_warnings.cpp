@@ -1,4 +1,4 @@
-// read_warnings.cpp -- ReadWarnings, what a reader found odd and went on from: counted by kind, shown once at the end
+// read_warnings.cpp -- ReadWarnings, warnings of a reader: counted by kind, written to the log at the end
 //
 // Problem     An attempt may be dropped and repeated in another form, and a damaged file may give a million warnings.
 // Method      Warnings are counted, the first few of a kind with line and name, and shown when the reading is over.

@@ -1,4 +1,4 @@
-// read_warnings.h -- ReadWarnings, what a reader found odd and went on from: counted by kind, shown once at the end
+// read_warnings.h -- ReadWarnings, warnings of a reader: counted by kind, written to the log at the end
 #pragma once
 #include "files/text_file.h"
 #include "tarvex.h"

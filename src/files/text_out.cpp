@@ -1,7 +1,7 @@
 // text_out.cpp -- TextOut, a text file being written: complete, or reported and removed
 //
-// Problem     A file cut short by a full disk looks like a model. Every write and the close must count, and what is left
-//             of a failed file must go.
+// Problem     A file cut short by a full disk looks like a model. Every write and the close must count, and what is
+//             left of a failed file must go.
 // Method      A buffer of our own in front of the stream: no formatted printing per field, so a number costs what its
 //             conversion costs. The file appears under its name when it is complete (runtime/file.h).
 #include "files/text_out.h"

@@ -5,7 +5,8 @@
 #include "tarvex.h"
 
 // States   closed   file.stream is null
-//          open     writes are collected in buffer; the first failure is remembered in `failed`, later writes do nothing
+//          open     writes are collected in buffer; the first failure is remembered in `failed`, later writes do
+//          nothing
 // text_out_close is the only way out of open.
 struct TextOut {
     FileHandle file;

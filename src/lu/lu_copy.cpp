@@ -1,13 +1,13 @@
-// lu_copy.cpp -- keep fresh factors, and go back to them after updates or another factorisation
+// lu_copy.cpp -- save fresh factors, and restore them after updates or a refactorisation
 //
-// Method      Updates change U, its order and the etas only; L is copied back when the basis was factored anew.
-// Cost        O(m + entries), a small part of a factorisation. Going back allocates nothing: arrays never lose room.
+// Method      Updates change only U, its order and the etas; L is copied back only after a refactorisation.
+// Cost        O(m + entries), a small part of a factorisation. Restoring allocates nothing, as arrays never shrink.
 #include "lu/lufact.h"
 #include <algorithm>
 
 namespace
 {
-// Calls copy(array of one, array of the other) for each until one fails: its code, or 0.
+// Calls copy(array of one record, array of the other) for all arrays until one call fails; returns its code, or 0.
 template<class R, class F>
 int for_each_upper(const lufact<R> *from, lufact<R> *to, const F &copy)
 {

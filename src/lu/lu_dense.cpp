@@ -1,11 +1,12 @@
-// lu_dense.cpp -- elimination of a dense rest of the nucleus
+// lu_dense.cpp -- dense elimination of the rest of the nucleus
 //
-// Problem     When a third of the active matrix is nonzero, linked entries cost more than a plain square array.
-// Method      Copy to rows of a square array, right-looking LU with row interchanges (largest entry of the column), then
-//             back to sparse columns of L and rows of U without entries at or below the drop tolerance. A column without
-//             pivot above the tolerance is set aside and stays unpivoted, and so does a row for each.
-// In, out     LU_NEED_DENSE when the arrays cannot take the result at its fullest, else 0.
-// Cost        2/3 a^3 for a active lines.
+// Problem     If a third of the active matrix is nonzero, elimination with linked entries costs more than with a square
+//             array.
+// Method      Copy to the rows of a square array, right-looking LU with row interchanges (largest entry of the column),
+//             then copy back to sparse columns of L and rows of U without entries at or below the drop tolerance. A
+//             column without an entry above the tolerance stays unpivoted, and so does one row for each such column.
+// In, out     LU_NEED_DENSE if the arrays may be too small for a completely dense result, else 0.
+// Cost        2/3 a^3 for a active rows and columns.
 #include "lu/lufact.h"
 #include <algorithm>
 
@@ -66,7 +67,7 @@ template<class R> void store_pivot(lufact<R> *lu, int a, int k, int col)
     if (lu->LColLen.data[row] > 0) array_push(&lu->LColOrder, row);
 }
 
-// One column: the largest entry at or below row k becomes the pivot of row k. False when there is none.
+// Eliminates one column: its largest entry at or below row k becomes the pivot of row k. False if there is none.
 template<class R> bool eliminate_column(lufact<R> *lu, int a, int k, int col)
 {
     R *dense = lu->Dense.data;
@@ -81,7 +82,7 @@ template<class R> bool eliminate_column(lufact<R> *lu, int a, int k, int col)
     const R pivot = pivot_line[col];
     for (int r = k + 1; r < a; r++) {
         R *__restrict line = dense + int64_t{r} * a;
-        if (line[col] == R(0)) continue; // assigned zero
+        if (line[col] == R(0)) continue;
         const R multiplier = line[col] / pivot;
         line[col] = multiplier;
         for (int c = col + 1; c < a; c++) line[c] -= multiplier * pivot_line[c];

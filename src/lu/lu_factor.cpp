@@ -1,18 +1,19 @@
-// lu_factor.cpp -- factor a basis: stages, pools, and the final form of L and U
+// lu_factor.cpp -- factorisation of a basis: driver of the stages, memory pools, final form of L and U
 //
-// Problem     B = L U up to the order of rows and columns, sparse, for the solves and updates that follow.
-// Method      Triangular stage, Markowitz elimination with dense tail, then: basis positions take the number of their
-//             pivot row, U is laid out by columns and by rows (rows with spare room for updates), L also by rows.
-//             A stage that runs out of room returns; the pools grow by half and the factorisation begins again.
-// Cost        O(entries of B) besides the nucleus.
+// Problem     B = L U up to row and column permutations, sparse, for the solves and updates that follow.
+// Method      Triangular stage, Markowitz elimination with a dense tail, then: basis positions get the number of their
+//             pivot row, U is stored by columns and by rows (rows with spare room for updates), L also by rows. If a
+//             stage runs out of room, the pools grow by half and the factorisation starts again.
+// Cost        O(entries of B) plus the elimination of the nucleus.
 #include "lu/lufact.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double GROWTH = 1.5; // pools that proved too small
-constexpr int URowSpare = 4;   // entries a row of U may gain before it has to move
-constexpr int MAX_TRIES = 60;  // growths before memory is given up for lost
+constexpr double GROWTH = 1.5; // growth of pools that were too small
+// spare entries of a row of U; if they are used up updates have to move the row
+constexpr int URowSpare = 4;
+constexpr int MAX_TRIES = 60; // growths until OUT_OF_MEMORY is returned
 
 template<class R> int reserve_pair(Array<int> *ind, Array<R> *val, int64_t room)
 {
@@ -21,7 +22,7 @@ template<class R> int reserve_pair(Array<int> *ind, Array<R> *val, int64_t room)
     return array_reserve(val, room);
 }
 
-// Pools for the stages: their need is bounded by the basis plus fill, which is not known beforehand.
+// Pools for the stages, for the entries of the basis plus fill, which is not known beforehand.
 template<class R> int reserve_pools(lufact<R> *lu, int64_t entries, double scale)
 {
     const int64_t m = lu->NumRows;
@@ -35,7 +36,7 @@ template<class R> int reserve_pools(lufact<R> *lu, int64_t entries, double scale
     return 0;
 }
 
-// The dense tail asks for a square array of its own.
+// The square array of the dense tail.
 template<class R> int reserve_dense(lufact<R> *lu)
 {
     const int64_t a = lu->Active.Lines;
@@ -57,7 +58,7 @@ int64_t count_entries(const lufact<R> *lu, const BasisMatrix *basis, const int *
     return entries;
 }
 
-// Runs the stages with growing pools. Rank deficiency, or a negated code.
+// Runs the stages with growing pools. Returns the rank deficiency, or a negated code.
 template<class R>
 int run_stages(lufact<R> *lu, const BasisMatrix *basis, const int *head, R tol)
 {
@@ -85,7 +86,7 @@ int run_stages(lufact<R> *lu, const BasisMatrix *basis, const int *head, R tol)
     return -OUT_OF_MEMORY;
 }
 
-// What could not be pivoted, as rows and basis positions.
+// The rows and basis positions without pivot.
 template<class R> void list_unpivoted(const lufact<R> *lu, int *bad_rows, int *bad_cols)
 {
     int rows = 0, cols = 0;
@@ -95,7 +96,7 @@ template<class R> void list_unpivoted(const lufact<R> *lu, int *bad_rows, int *b
     }
 }
 
-// An entry of the basis column at position k belongs to U when its row pivoted in the triangular stage before k.
+// An entry of the basis column at position k belongs to U if its row was pivoted in the triangular stage before k.
 template<class R> inline bool in_upper(const lufact<R> *lu, int i, int pos)
 {
     const int place = lu->PosOfRow.data[i];
@@ -125,7 +126,7 @@ template<class R> void count_upper(lufact<R> *lu, const BasisMatrix *basis, cons
     }
 }
 
-// Lays out U. 0 or OUT_OF_MEMORY.
+// Stores U by columns and rows. 0 or OUT_OF_MEMORY.
 template<class R> int build_upper(lufact<R> *lu, const BasisMatrix *basis, const int *head)
 {
     const int m = lu->NumRows;
@@ -144,7 +145,7 @@ template<class R> int build_upper(lufact<R> *lu, const BasisMatrix *basis, const
     lu->URowInd.size = lu->URowVal.size = rows;
     int col = 0, row = 0;
     for (int pos = 0; pos < m;
-         pos++) { // in pivot order, so that sweeps read memory in order
+         pos++) { // in pivot order, so that sweeps access memory sequentially
         const int i = lu->Order.data[pos];
         lu->UColBeg.data[i] = col;
         lu->UColCap.data[i] = lu->UColLen.data[i];
@@ -215,7 +216,7 @@ template<class R> int build_lower_rows(lufact<R> *lu)
     lu->LNonzeros = entries + m;
     return 0;
 }
-// What is not of length m, or has to begin as zero.
+// Arrays that do not have length m or have to be zero at the start.
 template<class R> int alloc_others(lufact<R> *lu)
 {
     const int m = lu->NumRows;
@@ -226,7 +227,8 @@ template<class R> int alloc_others(lufact<R> *lu)
     TRY(array_assign(&a->Stamp, m, 0));
     TRY(array_assign(&lu->Mark, m, char(0)));
     for (Array<int> *start :
-         {&lu->LColBeg, &lu->URowTmpBeg}) // of what is empty: read, not used
+         {&lu->LColBeg,
+          &lu->URowTmpBeg}) // the starts of empty columns and rows are read but not used
         TRY(array_assign(start, m, 0));
     TRY(array_assign(&lu->Lanes, int64_t{4} * m, R(0)));
     TRY(array_resize(&lu->EtaRow, lu->MaxMoves));

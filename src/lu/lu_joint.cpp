@@ -1,18 +1,18 @@
-// lu_joint.cpp -- several FTRANs at once
+// lu_joint.cpp -- several FTRANs in one pass over U
 //
-// Problem     A dual step needs up to three FTRANs with the same factors: entering column, bound flips, row weights. When
-//             their results are full, each walks through all of U.
-// Method      The vectors are laid side by side, 2 or 4 values a place, and U is swept once for all of them: an entry of U
-//             is loaded once, and the lanes of a place are one or two vector operations.
-// Invariant   Each result is the same to the last bit as that of an FTRAN alone. Lanes is all zero between uses.
+// Problem     A dual simplex iteration needs up to three FTRANs with the same factors: entering column, bound flips,
+//             row weights. If the results are dense, each of them reads all of U.
+// Method      The vectors are interleaved, with 2 or 4 values ("lanes") per place, and U is swept once for all of them:
+//             an entry of U is loaded once, and the lanes of a place take one or two vector instructions.
+// Invariant   Each result is bitwise the same as that of a single FTRAN. Lanes is all zero between uses.
 #include "lu/lufact.h"
 
 namespace
 {
 constexpr int LEAST_LANES = 2, MOST_LANES = 4;
 
-// The lanes of a place: the operations of a sweep, without branches. In doubles two lanes are told to be one operation;
-// compilers do not find out by themselves.
+// The lanes of a place: the operations of a sweep, without branches. For double, two lanes use explicit vector
+// operations, which compilers do not generate here by themselves.
 template<class R, int LANES> struct Lanes {
     R V[LANES];
 
@@ -22,7 +22,7 @@ template<class R, int LANES> struct Lanes {
         for (int l = 0; l < LANES; l++) found |= V[l] != R(0);
         return found;
     }
-    // V / diag, zero where V is at or below drop; counts the others.
+    // V / diag, zero where |V| is at or below drop; counts the nonzeros.
     void divide(R diag, R drop, int64_t *counts)
     {
         for (int l = 0; l < LANES; l++) {
@@ -64,7 +64,7 @@ template<int LANES> struct Lanes<double, LANES> {
     }
 };
 
-// x := U^-1 x in all lanes, down from place `last` of the order; counts[lane] entries.
+// x := U^-1 x in all lanes, from place `last` of the order downwards; counts[lane] gets the number of nonzeros.
 template<class R, int LANES> void sweep(lufact<R> *lu, int last, int64_t *counts)
 {
     Lanes<R, LANES> *x = reinterpret_cast<Lanes<R, LANES> *>(lu->Lanes.data);
@@ -98,7 +98,7 @@ template<class R> void load_lane(SVec<R> *v, R *lane, int lanes)
     }
 }
 
-// Back from its lane, tidy as svec_tidy leaves it unless values alone are wanted.
+// Copies a lane back to its vector, with a list of nonzeros as from svec_tidy unless values_only.
 template<class R> void store_lane(SVec<R> *v, R *lane, int lanes, R drop, bool values_only)
 {
     R *__restrict value = v->Value.data;

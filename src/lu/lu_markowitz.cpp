@@ -1,26 +1,28 @@
 // lu_markowitz.cpp -- sparse elimination of the nucleus that the triangular stage leaves
 //
 // Problem     Factor the active matrix with little fill and without large growth.
-// Method      Markowitz search over lines of rising count with threshold pivoting: an entry may pivot when it exceeds
-//             tol times the largest magnitude of the line in which it was found. At most SEARCH_LINES lines are
-//             inspected. Rows and columns are two axes of one linked structure, so that searching and eliminating
-//             are written once with the axis as argument. A dense rest goes to lu_dense_tail.
-// In, out     LU_NEED_ROOM when a pool is too small, else the number of lines left unpivoted (rank deficiency).
-// Invariant   Count, Entries and the count lists are exact for live nodes; a dead node (Idx[0] == -1) hangs in at most
-//             one list, is unlinked when that list is walked next, and returns to the free chain then.
-// Cost        per pivot the entries of the shorter set of lines met by the pivot row and column.
+// Method      A line is a row or a column. Markowitz search over lines in order of their number of entries, with
+//             threshold pivoting: an entry may become pivot if it exceeds tol times the largest magnitude of the line
+//             in which it was found. At most SEARCH_LINES lines are searched. Rows and columns are the two axes of one
+//             linked structure, so that search and elimination are written once with the axis as argument. A dense rest
+//             goes to lu_dense_tail.
+// In, out     LU_NEED_ROOM if a pool is too small, else the number of rows left without pivot (rank deficiency).
+// Invariant   Count, Entries and the count lists are exact for live nodes; a dead node (Idx[0] == -1) is in at most one
+//             list; it is unlinked and added to the free chain when that list is read next.
+// Cost        Per pivot the entries of the lines that the pivot row, or the pivot column, meets, whichever are fewer.
 // Literature  H. M. Markowitz, Management Science 3, 1957; U. H. and L. M. Suhl, ORSA J. on Computing 2, 1990.
 #include "lu/lufact.h"
 #include <algorithm>
 
 namespace
 {
-constexpr int SEARCH_LINES = 4; // lines inspected for a pivot, after Suhl and Suhl
-constexpr int DENSE_LINES = 50; // below this the dense tail gains nothing
-// share of entries from which dense elimination is faster
+constexpr int SEARCH_LINES = 4; // lines searched for a pivot, after Suhl and Suhl
+constexpr int DENSE_LINES = 50; // with fewer active lines the dense tail is not faster
+// Share of nonzeros in the active matrix from which dense elimination is faster.
 constexpr double DENSE_SHARE = 0.33;
-constexpr int STAMP_RESET = 1000000000; // far from overflow within one factorisation
-constexpr int DENSE_ROWS_FACTOR = 4;    // the tail must matter: lines^2 > 4 m
+constexpr int STAMP_RESET = 1000000000; // stamps are reset from here, far below overflow
+// dense tail only if lines^2 > 4 m: smaller ones take little time
+constexpr int DENSE_ROWS_FACTOR = 4;
 
 struct Pivot {
     int Node = -1;
@@ -106,7 +108,7 @@ template<class R> void load(lufact<R> *lu, const BasisMatrix *basis, const int *
     }
 }
 
-// Unlinks the dead nodes of a line and makes its maximum known.
+// Unlinks the dead nodes of a line and computes its largest magnitude.
 template<class R> void refresh_line(LuActive<R> *a, int axis, int line)
 {
     LuNode<R> *nodes = a->Nodes.data;
@@ -124,7 +126,7 @@ template<class R> void refresh_line(LuActive<R> *a, int axis, int line)
     a->Max[axis].data[line] = largest;
 }
 
-// Offers the acceptable entries of one line.
+// Compares the entries of one line that pass the threshold with the best pivot so far.
 template<class R> void inspect_line(LuActive<R> *a, int axis, int line, R tol, Pivot *best)
 {
     if (a->Max[axis].data[line] == R(0)) refresh_line(a, axis, line);
@@ -155,21 +157,23 @@ template<class R> int search(LuActive<R> *a, R tol)
                 if (best.Cost <= (count - 1) * (count - 1)) return best.Node;
                 if (++inspected >= SEARCH_LINES && best.Node >= 0) return best.Node;
             }
-            // Whatever lies ahead has at least count + 1 entries across and count + axis along.
+            // The remaining entries are in lines with at least count + axis entries, crossed by lines with at least
+            // count + 1 entries, which bounds their Markowitz cost (row entries - 1) * (column entries - 1) from below.
             if (best.Cost <= count * (count - 1 + axis)) return best.Node;
         }
     }
     return best.Node;
 }
 
-// An entry that was subtracted from or killed may have been the known maximum of its line.
+// After an entry was changed or removed: the maximum of its line is unknown if the entry may have been it.
 template<class R>
 inline void forget_max(LuActive<R> *a, int axis, int line, R old_magnitude)
 {
     if (old_magnitude >= a->Max[axis].data[line]) a->Max[axis].data[line] = R(0);
 }
 
-// Lines of `axis` lose `factor` times the vector in Work, whose places (lines of the other axis) are `others`.
+// Subtracts from a line of `axis` `factor` times the vector in Work, whose nonzeros are in the lines `others` of the
+// other axis.
 template<class R>
 void update_line(LuActive<R> *a, int axis, int line, R factor, const int *others,
                  int n_others, R drop)
@@ -221,7 +225,7 @@ void update_line(LuActive<R> *a, int axis, int line, R factor, const int *others
     a->Max[axis].data[line] = largest;
 }
 
-// Takes the pivot line out of the active matrix: its live entries but the pivot go to (ind, val) and die.
+// Removes the pivot line from the active matrix: its live entries except the pivot are moved to (ind, val).
 template<class R>
 int take_line(LuActive<R> *a, int axis, int line, int pivot_node, int *ind, R *val)
 {
@@ -231,7 +235,7 @@ int take_line(LuActive<R> *a, int axis, int line, int pivot_node, int *ind, R *v
         LuNode<R> *entry = &a->Nodes.data[node];
         next = entry->Next[axis];
         if (node == pivot_node) continue;
-        if (entry->Idx[0] < 0) { // dead, and in no other list any more
+        if (entry->Idx[0] < 0) { // dead, and no longer in another list
             node_free(a, node);
             continue;
         }
@@ -277,7 +281,7 @@ template<class R> int eliminate(lufact<R> *lu, int pivot_node)
     node_free(a, pivot_node);
     for (int k = 0; k < n_rows; k++) l_val[k] /= pivot.Val;
 
-    int64_t by_cols = 0, by_rows = 0; // entries walked when columns or rows are updated
+    int64_t by_cols = 0, by_rows = 0; // entries read if columns or if rows are updated
     for (int k = 0; k < n_cols; k++) by_cols += a->Count[0].data[u_ind[k]];
     for (int k = 0; k < n_rows; k++) by_rows += a->Count[1].data[l_ind[k]];
     lu->WorkUnits +=

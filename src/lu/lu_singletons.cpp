@@ -1,11 +1,11 @@
 // lu_singletons.cpp -- the triangular stage of a factorisation
 //
-// Problem     Most of a simplex basis can be permuted to triangular form. Find those pivots without any search.
-// Method      Unit columns pivot at once. Then two stacks: a column with one active entry pivots there (its row becomes
-//             a row of U), a row with one active entry pivots there (its column becomes a column of L). Each pivot may
-//             make new singletons of the other kind. The place of the last active entry of a line is known without a
-//             search, as the xor of the places that are still active.
-// Out         pivots booked in pivot order; columns of L; RowCount, ColCount of what is left.
+// Problem     Most of a simplex basis can be permuted to triangular form. Find these pivots without a pivot search.
+// Method      Unit columns are pivoted first. Then two stacks: a column with one active entry is pivoted there (its row
+//             becomes a row of U), a row with one active entry is pivoted there (its column becomes a column of L).
+//             Each pivot may create new singletons. The index of the last active entry of a row or column is known
+//             without a search, as the xor of its active indices.
+// Out         Pivots in pivot order; columns of L; RowCount, ColCount of the remaining active matrix.
 // Cost        O(entries of the basis).
 #include "lu/lufact.h"
 
@@ -15,12 +15,12 @@ template<class R> struct Pass {
     lufact<R> *lu;
     const BasisMatrix *basis;
     const int *head;
-    int *col_stack; // columns that came down to one active entry
-    int *row_stack; // rows likewise
+    int *col_stack; // columns with one active entry
+    int *row_stack; // rows with one active entry
     int cols = 0, rows = 0;
 };
 
-// Unit columns first, then counts, xors and the row pattern of what is left.
+// Pivots the unit columns, then computes counts, xors and the row pattern of the other columns.
 template<class R> void load(Pass<R> *pass)
 {
     lufact<R> *lu = pass->lu;
@@ -81,7 +81,7 @@ template<class R> R entry_of(const Pass<R> *pass, int row, int position)
     return R(basis->ColVal[p]);
 }
 
-// The column keeps no active entry but the pivot: nothing goes to L.
+// The pivot is the only active entry of the column: L gets no entry.
 template<class R> void pivot_column_singleton(Pass<R> *pass, int position)
 {
     lufact<R> *lu = pass->lu;
@@ -95,7 +95,7 @@ template<class R> void pivot_column_singleton(Pass<R> *pass, int position)
     }
 }
 
-// The row has no active entry but the pivot: the rest of the column becomes multipliers.
+// The pivot is the only active entry of the row: the other entries of the column become multipliers of L.
 template<class R> void pivot_row_singleton(Pass<R> *pass, int row)
 {
     lufact<R> *lu = pass->lu;
@@ -134,7 +134,7 @@ int lu_singletons(lufact<R> *lu, const BasisMatrix *basis, const int *head)
         while (pass.cols > 0) {
             const int k = pass.col_stack[--pass.cols];
             if (lu->RowOfPosn.data[k] < 0 && lu->ColCount.data[k] == 1) {
-                // The row loses its column; other rows of this column are pivoted already.
+                // Only this row has the column as active one: other rows of the column are pivoted already.
                 pivot_column_singleton(&pass, k);
             }
         }

@@ -1,13 +1,13 @@
 // lu_solve.cpp -- FTRAN and BTRAN
 //
-// Problem     Solve B x = b and B^T y = c with the factors, in time proportional to the entries touched when the
-//             result is sparse.
+// Problem     Solve B x = b and B^T y = c with the factors, in time proportional to the entries touched if the result
+//             is sparse.
 // Method      Each triangle is solved in one of two ways. Sweep: all pivots in order, skipping zeros. Reach: a
-//             depth-first walk finds the places that can become nonzero, in topological order, and only those are
-//             worked on. The choice rests on the entries at hand and on a running average of how full results of the
-//             same kind were; a reach that grows too large gives up for the sweep.
-// In, out     x is solved in place and comes back listed, without entries at or below DropTol; with Keep::VALUES
-//             perhaps without a list, and with smaller entries.
+//             depth-first search finds the places that can become nonzero, in topological order, and only these are
+//             processed. The choice depends on the number of nonzeros of the right-hand side and on a running average
+//             of the density of results of the same kind; a reach that becomes too large is abandoned for the sweep.
+// In, out     x is solved in place and returned with a list of nonzeros, without entries at or below DropTol; with
+//             Keep::VALUES perhaps without a list, and with smaller entries.
 // Invariant   Mark is all zero on return. Nothing is allocated.
 // Literature  J. R. Gilbert and T. Peierls, SIAM J. Sci. Stat. Comp. 9, 1988; J. A. J. Hall and K. I. M. McKinnon,
 //             "Hyper-sparsity in the revised simplex method", Comp. Opt. and Appl. 32, 2005.
@@ -18,9 +18,9 @@ namespace
 {
 constexpr double REACH_ENTRIES = 0.05; // share of nonzeros up to which a reach may be tried
 constexpr double REACH_EXPECT = 0.10;  // expected share of nonzeros up to which it pays
-// share of places visited at which the walk is abandoned
+// Share of places visited at which a reach is abandoned.
 constexpr double REACH_GIVE_UP = 0.25;
-// share of nonzeros above which no list is kept between triangles
+// Share of nonzeros above which no list is kept between the two triangles.
 constexpr double FULL_SHARE = 0.1;
 
 // One triangle as a directed graph: place i updates the places Ind[Beg[i] .. Beg[i] + Len[i] - 1].
@@ -30,7 +30,8 @@ template<class R> struct Triangle {
     const R *Diag; // null: unit diagonal
 };
 
-// Closure of the listed places in topological order (read backwards) in lu->List. Count, or -1 when it is too large.
+// All places reachable from the listed ones, in topological order (read backwards), in lu->List. Their number, or -1 if
+// there are too many.
 template<class R> int reach(lufact<R> *lu, const Triangle<R> *t, const SVec<R> *x)
 {
     char *__restrict mark = lu->Mark.data;
@@ -64,7 +65,7 @@ template<class R> int reach(lufact<R> *lu, const Triangle<R> *t, const SVec<R> *
     return count > limit ? -1 : count;
 }
 
-// x := T^-1 x over the closure in lu->List.
+// x := T^-1 x over the places in lu->List.
 template<class R>
 void solve_reached(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, int count)
 {
@@ -104,7 +105,8 @@ int solve_sweep(lufact<R> *lu, const Triangle<R> *t, SVec<R> *x, const int *orde
         const int i = order[at];
         if (i < 0) continue;
         R xi = value[i];
-        if (xi == R(0)) continue; // most places; the exact test is the cheap one
+        // most places; cheaper than a comparison with the drop tolerance
+        if (xi == R(0)) continue;
         if (std::abs(xi) <= drop) {
             value[i] = R(0);
             continue;
@@ -138,7 +140,7 @@ template<class R> int edge_place(const lufact<R> *lu, const SVec<R> *x, bool lar
     return edge;
 }
 
-// The triangle that comes first in a solve: a full result stays without a list.
+// After the first triangle of a solve: a dense result gets no list.
 template<class R> void after_first(lufact<R> *lu, SVec<R> *x, int swept, double *density)
 {
     const bool full = swept > FULL_SHARE * lu->NumRows;
@@ -209,7 +211,7 @@ template<class R> void solve_upper_transposed(lufact<R> *lu, SVec<R> *x, double 
                 density);
 }
 
-// Adds to place i, which joins the list when there is one.
+// Adds to entry i, which is added to the list if there is one.
 template<class R> inline void add_entry(SVec<R> *x, int i, R value)
 {
     if (x->Count >= 0)
@@ -258,7 +260,7 @@ template<class R> void apply_etas_transposed(lufact<R> *lu, SVec<R> *x)
     lu->WorkUnits += static_cast<double>(work);
 }
 
-// Packs the entries above drop.
+// Packs the entries above drop into (ind, val). Their number.
 template<class R> int pack(const SVec<R> *x, R drop, int *ind, R *val)
 {
     int count = 0;
@@ -269,7 +271,7 @@ template<class R> int pack(const SVec<R> *x, R drop, int *ind, R *val)
         }
         return x->Count;
     }
-    for (int i = 0; i < x->Dim; i++) { // without a branch
+    for (int i = 0; i < x->Dim; i++) { // no branch: it would be unpredictable
         const R value = x->Value.data[i];
         ind[count] = i;
         val[count] = value;

@@ -1,25 +1,27 @@
 // lu_update.cpp -- the Forrest-Tomlin update
 //
-// Problem     One column of the basis is replaced. Keep U triangular without a new factorisation.
-// Method      The spike (new column after L and the old etas) takes the place of column r of U. Where it reaches below
-//             the diagonal, r moves to the end of the order and its row is eliminated by one row eta. The multipliers
-//             of that eta are the partial result of the BTRAN of unit vector r, which the simplex has computed anyway:
-//             with U^T z = e_r, row r = sum_k (-z_k / z_r) row k, so eta_k = z_k * u_rr. A spike that ends at or above
-//             r replaces the column in place, without eta.
-// Out         UPDATE_DONE, or a reason to refactor; the factors then still describe the old basis.
-// Cost        entries of the spike, of row r and column r, and short searches in the lines they meet.
+// Problem     One column of the basis is replaced. Keep U triangular without a refactorisation.
+// Method      The spike (new column after L and the old etas) replaces column r of U. If it has entries below the
+//             diagonal, r moves to the end of the order and row r is eliminated by one row eta. The multipliers of that
+//             eta are the partial result of the BTRAN of unit vector r, which the simplex has computed before: with U^T
+//             z = e_r, row r = sum_k (-z_k / z_r) row k, so eta_k = z_k * u_rr. A spike without entries below the
+//             diagonal replaces the column in place, without eta.
+// Out         UPDATE_DONE, or a reason to refactor; the factors are then still those of the old basis.
+// Cost        Entries of the spike, of row r and column r, and short searches in the rows and columns they meet.
 // Literature  J. J. H. Forrest and J. A. Tomlin, Math. Prog. 2, 1972.
 #include "lu/lufact.h"
 #include <algorithm>
 
 namespace
 {
-constexpr double UNSTABLE_DIAGONAL = 1e-13; // a new pivot of U below this is not trusted
-constexpr double UNSTABLE_RELATIVE = 1e-6;  // gap of the pivot computed in two ways
-constexpr double POOL_GROWTH = 1.5;         // of a pool that updates filled
-constexpr int ROW_GROWTH = 4;               // least spare entries of a row of U that moves
+constexpr double UNSTABLE_DIAGONAL = 1e-13; // a new pivot of U below this is unstable
+// so is one whose two computations differ relatively by more
+constexpr double UNSTABLE_RELATIVE = 1e-6;
+constexpr double POOL_GROWTH = 1.5; // growth of a pool that updates filled
+// smallest number of spare entries of a moved row of U
+constexpr int ROW_GROWTH = 4;
 
-// Takes the entry with index `key` out of a line.
+// Removes the entry with index `key` from a row or column.
 template<class R> void line_remove(int *ind, R *val, int beg, int *len, int key)
 {
     int p = beg;
@@ -29,7 +31,7 @@ template<class R> void line_remove(int *ind, R *val, int beg, int *len, int key)
     val[p] = val[last];
 }
 
-// Makes room for one more entry in row i of U; false when the pool is full.
+// Makes room for one more entry in row i of U; false if the pool is full.
 template<class R> bool row_room(lufact<R> *lu, int i)
 {
     const int len = lu->URowLen.data[i];
@@ -46,7 +48,8 @@ template<class R> bool row_room(lufact<R> *lu, int i)
     return true;
 }
 
-// Room everywhere the spike will put an entry, before anything changes. What was short is larger after the next factor.
+// Makes room for all entries of the spike before anything is changed. False if a pool is full; it will be larger after
+// the next factorisation.
 template<class R> bool reserve_room(lufact<R> *lu, int r, int eta_entries)
 {
     if (lu->NumUpdates >= lu->MaxMoves || lu->NumPos >= lu->NumRows + lu->MaxMoves)
@@ -97,7 +100,7 @@ template<class R> void replace_column(lufact<R> *lu, int r)
     lu->UColLen.data[r] = len;
 }
 
-// Row r leaves U and r moves to the end of the order; the eta does what the row did.
+// Row r is removed from U by a row eta, and r moves to the end of the order.
 template<class R> void move_to_end(lufact<R> *lu, int r)
 {
     for (int p = lu->URowBeg.data[r], end = p + lu->URowLen.data[r]; p < end; p++) {
@@ -130,7 +133,7 @@ template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot)
     assert(lu->SpikeCount >= 0 && lu->PartRow == r);
     const int place = lu->PosOfRow.data[r];
     R spike_r = 0;
-    bool below = false; // the spike reaches below the diagonal
+    bool below = false; // the spike has entries below the diagonal
     R *work = lu->Active.Work.data;
     for (int k = 0; k < lu->SpikeCount; k++) {
         const int i = lu->SpikeInd.data[k];

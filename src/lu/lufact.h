@@ -24,7 +24,7 @@ struct BasisMatrix {
     const double *ColVal = nullptr;
 };
 
-// Which solve, for the running averages that foretell how full its result will be.
+// Kind of solve, for the running averages that predict the density of its result.
 enum SolveKind {
     SOLVE_COLUMN,
     SOLVE_ROW,
@@ -40,11 +40,12 @@ template<class R> struct LuNode { // entry of the active matrix; dead once Idx[0
     int Next[2]; // next entry in the same column, in the same row; -1 at the end
 };
 
-// The active matrix during elimination. Axis 0: columns, axis 1: rows. Count lists chain the lines of one count.
+// The active matrix during elimination. Axis 0: columns, axis 1: rows; a line is one of either. Count lists link the
+// lines with the same number of entries.
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's name in the implicit move of arrays
 template<class R> struct LuActive {
-    Array<LuNode<R>> Nodes; // size: nodes in use; room bounds the fill
-    int FreeNode = -1;      // chain of nodes to use again, through Next[0]
+    Array<LuNode<R>> Nodes; // size: nodes in use; room: limit of the fill
+    int FreeNode = -1;      // chain of free nodes, through Next[0]
     int FreeNodes = 0;      // their number
     Array<int> Head[2];     // [m] first node of a line, -1 when none
     Array<int> Count[2];    // [m] live entries of a line, -1 once pivoted or never active
@@ -52,25 +53,25 @@ template<class R> struct LuActive {
     Array<int> First[2];    // [m + 1] by count: first line, -1 when none
     Array<int> Prev[2];     // [m] neighbours in the count list; Prev is -1 at the front
     Array<int> Next[2];     // [m]
-    int Lines = 0;          // active rows (and columns) left
+    int Lines = 0;          // number of active rows (and columns)
     int64_t Entries = 0;    // live entries
     Array<R> Work;          // [m] zero between uses
-    Array<int> Stamp;       // [m] last line that met this place
-    int StampNow = 0;
+    Array<int> Stamp;       // [m] stamp of the last line that had an entry here
+    int StampNow = 0;       // current stamp
 };
 
 template<class R> struct lufact {
     int NumRows = 0;   // m
-    int NeedBasis = 1; // a factorisation has to come before the next solve
-    R DropTol = 0;     // magnitudes at or below count as zero
-    int Growths = 0;   // how often a pool had to grow
+    int NeedBasis = 1; // a factorisation is needed before the next solve
+    R DropTol = 0;     // magnitudes up to this count as zero
+    int Growths = 0;   // number of times that a pool had to grow
 
     // Pivot order
-    // [m + MaxPos] row at a place of the order, -1 where an update moved it away
+    // [m + MaxMoves] row at each position of the order, -1 where an update moved it away
     Array<int> Order;
-    Array<int> PosOfRow; // [m] place of a row
-    int NumPos = 0;      // places in use
-    int MaxMoves = 0;    // places kept for updates
+    Array<int> PosOfRow; // [m] position of each row in the order
+    int NumPos = 0;      // positions in use
+    int MaxMoves = 0;    // positions reserved for updates
 
     // L
     Array<int> LColBeg, LColLen; // [m] by pivot row
@@ -91,10 +92,10 @@ template<class R> struct lufact {
     Array<int> URowBeg, URowLen, URowCap; // [m]
     Array<int> URowInd;
     Array<R> URowVal;
-    int64_t UNonzeros = 0; // off-diagonals and diagonals of U at the last factor
-    // room of the U pools over what the factor needs; grows when updates fill them
+    int64_t UNonzeros = 0; // entries of U with diagonal after the last factorisation
+    // Size of the U pools as a multiple of the entries needed; grows if updates fill them.
     double PoolFactor = 2;
-    double EtaFactor = 2; // room of the eta pool over m; likewise
+    double EtaFactor = 2; // size of the eta pool as a multiple of m; likewise
 
     // Row etas and the state of the update
     Array<int> EtaRow; // [MaxMoves] pivot row
@@ -104,16 +105,17 @@ template<class R> struct lufact {
     Array<int> FirstEta; // [m] oldest eta that reads the row; INT32_MAX: none
     int NumEtas = 0;
     int NumUpdates = 0;
-    int64_t SpikeNnz = 0; // sum of spike sizes since the last factor
-    Array<int> SpikeInd;  // [m] the column kept by Ftran: after L and the etas, before U
-    Array<R> SpikeVal;    // [m]
-    int SpikeCount = -1;  // entries, -1 when none is kept
-    Array<int> PartInd;   // [m] the row kept by Btran: after U^T, before the etas
-    Array<R> PartVal;     // [m]
-    int PartCount = -1;
-    int PartRow = -1; // the unit vector it came from
+    int64_t SpikeNnz = 0; // entries of all spikes since the last factorisation
+    // [m] spike: the column stored by Ftran after L and the etas, before U
+    Array<int> SpikeInd;
+    Array<R> SpikeVal;   // [m]
+    int SpikeCount = -1; // its entries, -1 if there is none
+    Array<int> PartInd;  // [m] the row stored by Btran after U^T, before the etas
+    Array<R> PartVal;    // [m]
+    int PartCount = -1;  // its entries, -1 if there is none
+    int PartRow = -1;    // index of the unit vector that it was computed from
 
-    // running share of nonzeros after the first and the second triangle
+    // Running average of the share of nonzeros after the first and the second triangle.
     double Density[SOLVE_KINDS][2] = {};
     double WorkUnits = 0; // entries touched by solves, factors and updates
 
@@ -143,21 +145,21 @@ template<class R>
 
 // Factors the basis of the variables in head[0..m-1] and puts head into pivot-row order.
 // 0 done; k > 0: rank deficiency k, unpivoted rows and the basis positions of unpivoted columns in
-// bad_rows[0..k-1], bad_cols[0..k-1] ([m] each; the caller mends head and calls again; head is unchanged);
+// bad_rows[0..k-1], bad_cols[0..k-1] ([m] each; the caller repairs head and calls again; head is unchanged);
 // -OUT_OF_MEMORY.
 template<class R>
 [[nodiscard]] int FactorBasis(lufact<R> *lu, const BasisMatrix *basis, int *head,
                               double markowitz_tol, int *bad_rows, int *bad_cols);
 
-// Stages of FactorBasis. LU_NEED_ROOM, LU_NEED_DENSE: the pools, or the arrays of the dense tail, are too small: grow
-// them and begin again.
+// Stages of FactorBasis. LU_NEED_ROOM, LU_NEED_DENSE: the pools, or the arrays of the dense tail, are too small; the
+// driver enlarges them and starts again.
 static constexpr int LU_NEED_ROOM = -1, LU_NEED_DENSE = -2;
 template<class R>
 int lu_singletons(lufact<R> *lu, const BasisMatrix *basis, const int *head);
 template<class R>
 int lu_markowitz(lufact<R> *lu, const BasisMatrix *basis, const int *head, R tol);
 template<class R> int lu_dense_tail(lufact<R> *lu);
-// Books a pivot: row and basis position leave the active part.
+// Records a pivot: row and basis position leave the active matrix.
 template<class R> inline void lu_pivot(lufact<R> *lu, int row, int position, R value)
 {
     lu->PosOfRow.data[row] = lu->NumPivots;
@@ -166,11 +168,11 @@ template<class R> inline void lu_pivot(lufact<R> *lu, int row, int position, R v
     lu->UDiag.data[row] = value;
 }
 
-// x := B^-1 x. With Keep::YES the spike for UpdateFactor is stored. The vector comes back tidy, unless VALUES says that
-// no list of it is wanted.
+// x := B^-1 x. With Keep::YES the spike for UpdateFactor is stored. x gets a list of its nonzeros (svec_tidy), unless
+// Keep::VALUES says that no list is needed.
 enum class Keep { NO, YES, VALUES };
 template<class R> void Ftran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
-// Several of them, as if one after the other. Those with full results share one pass over U.
+// Several FTRANs, with the same results as one after the other. Those with dense results share one pass over U.
 template<class R> struct FtranTask {
     SVec<R> *X;
     SolveKind Kind;
@@ -178,12 +180,12 @@ template<class R> struct FtranTask {
 };
 static constexpr int MAX_FTRANS = 3;
 template<class R> void FtranJoint(lufact<R> *lu, const FtranTask<R> *tasks, int count);
-// Its parts: through L and the etas, through U, and whether the latter would be a sweep down from *last.
+// The parts of an FTRAN: through L and the etas; through U; whether the latter would be a sweep, starting at *last.
 template<class R> void ftran_lower(lufact<R> *lu, const FtranTask<R> *task);
 template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task);
 template<class R>
 bool ftran_sweeps(const lufact<R> *lu, const FtranTask<R> *task, int *last);
-// The running average of how full results are.
+// Updates a running average of the density of results.
 static constexpr double LU_AVERAGE_DECAY = 0.9;
 template<class R>
 inline void lu_remember(const lufact<R> *lu, int nonzeros, double *density)
@@ -191,15 +193,17 @@ inline void lu_remember(const lufact<R> *lu, int nonzeros, double *density)
     const double share = static_cast<double>(nonzeros) / lu->NumRows;
     *density = LU_AVERAGE_DECAY * *density + (1 - LU_AVERAGE_DECAY) * share;
 }
-// x := B^-T x, tidy. With Keep::YES x must be the unit vector of the row that UpdateFactor will replace.
+// x := B^-T x, with a list of its nonzeros. With Keep::YES x must be the unit vector of the position that UpdateFactor
+// will replace.
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
 
-// Replaces the column of position r by the one whose spike Ftran kept. `pivot` is entry r of that Ftran's result.
-// 0; UPDATE_UNSTABLE (factors unchanged in meaning, refactor) or UPDATE_NO_ROOM.
+// Replaces the column of position r by the one whose spike Ftran stored. `pivot` is entry r of the result of that
+// Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis, and a refactorisation is
+// needed.
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 
-// As after a factorisation: no updates yet.
+// Sets the state after a factorisation: no updates.
 template<class R> inline void lu_forget_updates(lufact<R> *lu)
 {
     lu->NumPos = lu->NumRows;
@@ -211,8 +215,8 @@ template<class R> inline void lu_forget_updates(lufact<R> *lu)
     lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
 }
 
-// lu_copy.cpp: keeps the factors of a basis, fresh ones, in a record that is good for nothing else, and brings them back:
-// what updates have changed, or ALL when the basis was factored anew. Keeping: 0 or OUT_OF_MEMORY.
+// lu_copy.cpp. lu_keep saves fresh factors in a record that is used for nothing else: 0 or OUT_OF_MEMORY. lu_go_back
+// restores the parts that updates change, or ALL after a refactorisation.
 enum class LuParts { UPDATED, ALL };
 template<class R> [[nodiscard]] int lu_keep(const lufact<R> *lu, lufact<R> *kept);
 template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu);

@@ -1,20 +1,20 @@
 // svec.h -- SVec, the sparse work vector of every solve
 //
-// The values stand scattered, so that any entry is one look-up away; a list of places makes short vectors cheap.
+// Values are stored by index, so that any entry is found directly; a list of the nonzeros makes sparse vectors cheap.
 //   listed   Count >= 0    every nonzero Value[i] has its i once in Index[0..Count-1]
-//   dense    Count == -1   the list is not known; Value alone holds
-// A listed entry may be tiny (SVEC_TINY): it cancelled to zero, but stays nonzero so that its place is not listed
-// twice. Entries that are not listed are exactly zero.
+//   dense    Count == -1   there is no list; only Value is valid
+// A listed entry may have the value SVEC_TINY: it cancelled to zero, but stays nonzero so that it is not listed twice.
+// Entries that are not listed are exactly zero.
 #pragma once
 #include "runtime/array.h"
 #include <cmath>
 
-// Stands for a zero that is in the list.
+// Replaces a zero in the list.
 template<class R>
 // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, seen through a template
 inline constexpr R SVEC_TINY = R(1e-100);
 
-// Above this share of nonzeros a sweep over all places beats a walk of the list.
+// Above this share of nonzeros a loop over all entries is faster than one over the list.
 static constexpr double SVEC_LIST_SHARE = 0.3;
 
 template<class R> struct SVec {
@@ -50,12 +50,11 @@ template<class R> void svec_clear(SVec<R> *v)
     v->Count = 0;
 }
 
-// Adds to place i of a listed vector.
+// Adds to entry i of a listed vector.
 template<class R> inline void svec_add(SVec<R> *v, int i, R x)
 {
     R *value = v->Value.data;
-    if (value[i] == R(0))
-        v->Index.data[v->Count++] = i; // zero was assigned: the place is not listed
+    if (value[i] == R(0)) v->Index.data[v->Count++] = i; // exactly zero: not listed yet
     value[i] += x;
     if (value[i] == R(0)) value[i] = SVEC_TINY<R>;
 }
@@ -69,7 +68,7 @@ template<class R> void svec_unit(SVec<R> *v, int i, R x)
     v->Value.data[i] = x;
 }
 
-// Lists exactly the entries above drop in magnitude; the others become zero.
+// Makes the list contain exactly the entries above drop in magnitude; the others become zero.
 template<class R> void svec_tidy(SVec<R> *v, R drop)
 {
     R *value = v->Value.data;
@@ -84,8 +83,7 @@ template<class R> void svec_tidy(SVec<R> *v, R drop)
                 value[i] = R(0);
         }
     } else {
-        for (int i = 0; i < v->Dim;
-             i++) { // without a branch: which ones stay is anyone's guess
+        for (int i = 0; i < v->Dim; i++) { // no branch: it would be unpredictable
             const bool keep = std::abs(value[i]) > drop;
             value[i] = keep ? value[i] : R(0);
             index[count] = i;

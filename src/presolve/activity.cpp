@@ -1,16 +1,16 @@
 // activity.cpp -- the range of each row's activity over the bounds of its columns
 //
-// RMin and RMax are sums of finite terms less the right-hand side; Rmincnt and Rmaxcnt count the infinite ones. Every
-// bound is rounded outwards as it is added, so that a sum errs to the safe side. Changes are added and taken away;
-// where a term that goes was far larger than what is left, digits have been lost, and the row is summed anew.
+// RMin and RMax are sums of finite terms minus the right-hand side; Rmincnt and Rmaxcnt count the infinite terms. Every
+// term is rounded outwards as it is added, so that the sums are safe bounds. Changes are applied as updates; if a term
+// that is subtracted was much larger than the result, digits are lost by cancellation and the activity is recomputed.
 #include "presolve/errors.h"
 
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
-// a term over what is left of the sum; errors of several steps add up
+// Digits count as lost if a subtracted term is this many times the remaining sum.
 constexpr double CANCELLED = 1e3;
-constexpr int UNKNOWN = 1 << 30; // infinite terms: more than changes can take away
+constexpr int UNKNOWN = 1 << 30; // count of infinite terms that no changes reduce to zero
 
 double raised(double v)
 {
@@ -38,7 +38,7 @@ void add_terms(PresolveWork *w, int i, double a, const Bounds &b)
         w->RMin.data[i] += lowered(a * low);
 }
 
-// One side of a row loses a term. True when the sum has lost its digits with it.
+// Subtracts a term from one side of a row. True if the sum lost digits by cancellation.
 bool take_term(const PresolveWork *w, double *sum, int *infinite, double a, double bound,
                bool upper)
 {
@@ -53,7 +53,7 @@ bool take_term(const PresolveWork *w, double *sum, int *infinite, double a, doub
 bool move_term(const PresolveWork *w, double *sum, int *infinite, double a, double before,
                double after, bool upper)
 {
-    if (before == after) return false; // copied, so compared exactly
+    if (before == after) return false;
     const bool lost = take_term(w, sum, infinite, a, before, upper);
     if (std::fabs(after) >= w->INF)
         ++*infinite;
@@ -73,7 +73,7 @@ void row_activity(PresolveWork *w, int i)
     }
 }
 
-// Entries are taken as they lie in memory, not row by row, where each would be a miss of the cache.
+// Entries are processed in the order of memory, as a loop row by row would have a cache miss per entry.
 int pre_activity(PresolveWork *w)
 {
     for (int i = 0; i < w->NumRows; i++) {
@@ -162,7 +162,7 @@ bool settle_term(PresolveWork *w, int p, double v)
     const bool up = a > 0;
     bool lost = take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a, up ? ub : lb, true);
     lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? lb : ub, false);
-    if (v == 0 && w->BoundErr.data[node.col] == 0) return lost; // exactly: nothing moves
+    if (v == 0 && w->BoundErr.data[node.col] == 0) return lost; // nothing changes
     w->Rhs.data[i] -= a * v;
     add_to_rhs_error(w, i, size_of_entry(w, p) * std::fabs(v),
                      std::fabs(a) * w->BoundErr.data[node.col]);

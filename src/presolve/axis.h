@@ -1,4 +1,4 @@
-// axis.h -- rows and columns by one name: lines, whose entries stand at places
+// axis.h -- routines for rows or columns alike: a line is either, and the indices of its entries are its places
 #pragma once
 #include "presolve/work.h"
 

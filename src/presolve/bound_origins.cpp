@@ -1,25 +1,29 @@
-// bound_origins.cpp -- what conclusions from propagated bounds rest on
+// bound_origins.cpp -- the constraints and bounds that a conclusion from propagated bounds depends on
 //
-// Problem     A constraint that the others imply may go, but not because of bounds that it has implied itself, be it
-//             through a chain of others; and two constraints may not both go, each because of the other.
-// Method      A conclusion rests on versions of bounds; a version rests on its constraint and, for each other variable
-//             of it, on the version that was the newest when it was found. These links run to earlier versions only. A
-//             claim walks all of them: when it meets a constraint (or a bound of the model) that is gone, or the very
-//             one that is to go, it fails. Else all it has met is bound to stay, and what was claimed is gone.
-// Invariant   What is gone follows from what is bound to stay.
-// Cost        Each version is expanded once in all successful claims; failures are paid anew, so that claims are refused
-//             once the effort is large.
+// Problem     A constraint implied by the others may be removed, but not because of bounds that it has implied itself,
+//             directly or through other constraints; and two constraints must not both be removed because of each
+//             other.
+// Method      A conclusion depends on versions of bounds; a version depends on its constraint and, for each other
+//             variable of it, on the version that was the newest when it was found. These dependencies lead to earlier
+//             versions only. A claim visits all of them: if it meets a constraint (or a bound of the model) that is
+//             removed, or the one that is to be removed, it fails. Otherwise all that it has visited is kept from then
+//             on, and the claimed constraint or bound counts as removed.
+// Invariant   What is removed is implied by what is kept.
+// Cost        Each version is expanded once over all successful claims; failed claims are not stored, so claims are
+//             refused when the effort becomes large.
 #include "presolve/bound_propagation.h"
 #include <climits>
 #include <cmath>
 
 namespace
 {
-constexpr double ROUNDING = 1e-13; // of the size of a sum
-constexpr int SETTLED = -1;        // all that the version rests on is bound to stay
-constexpr double MOST_EFFORT = 10; // entries looked at, against those of the matrix
+constexpr double ROUNDING = 1e-13; // rounding error of a sum relative to its size
+constexpr int SETTLED = -1;        // everything that the version depends on is kept
+// limit of the effort, as a multiple of the entries of the matrix
+constexpr double MOST_EFFORT = 10;
 
-// The newest version of a bound older than version `before` that does not come from constraint `not_from`; -1: the model.
+// The newest version of a bound before version `before` that is not from constraint `not_from`; -1: the bound of the
+// model.
 int version_before(const BoundPropagation *p, int place, int before, int not_from)
 {
     int k = p->Newest.data[place];
@@ -48,7 +52,7 @@ bool see(BoundPropagation *p, int place, int version)
     return true;
 }
 
-// The bounds behind the activity of a constraint, without the term of `but`.
+// Visits the bounds in the activity of a constraint, without the term of variable `but`.
 bool see_terms(BoundPropagation *p, int con, int side, int but, int before, int not_from)
 {
     const ConEntries entries = entries_of(p, con);

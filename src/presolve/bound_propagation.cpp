@@ -1,10 +1,11 @@
-// bound_propagation.cpp -- bounds that follow from constraints, round by round
+// bound_propagation.cpp -- bound propagation in rounds
 //
-// Problem     Constraints low <= a v <= high and bounds l <= v <= u imply tighter bounds: a_k v_k <= high - (least
-//             activity of the other terms), and the mirror.
-// Method      Rounds. Each looks at the listed constraints and uses bounds as soon as they are found; the next one
-//             lists the constraints of the variables that moved. Activities are summed anew each time, with a margin
-//             for rounding; a bound has to move by a visible part, so that no sequence creeps.
+// Problem     Constraints low <= a v <= high and bounds l <= v <= u imply tighter bounds: a_k v_k <= high - (minimal
+//             activity of the other terms), and likewise with low and the maximal activity.
+// Method      A round processes the listed constraints and uses bounds as soon as they are found; the next round lists
+//             the constraints of the variables whose bounds changed. Activities are computed afresh each time, with a
+//             margin for rounding. A bound has to improve by a minimal share, so that no long sequence of tiny
+//             improvements arises.
 // Invariant   Every version follows from the constraint it names and the bounds that stood before it.
 // Cost        A round: O(entries of the listed constraints and of the variables that moved). Versions end with the
 //             room of the log.
@@ -17,13 +18,13 @@
 
 namespace
 {
-constexpr double ROUNDING = 1e-13;    // of the size of a sum
-constexpr double SMALL_ENTRY = 1e-8;  // says nothing reliable
-constexpr double LARGEST_BOUND = 1e8; // larger ones say nothing
-constexpr double VISIBLE = 1e-3;      // part by which a bound has to move
-constexpr double LEAST_MOVE = 10;     // tolerances by which it has to move
-constexpr double CHECK_EFFORT = 5e4;  // entries between looks at the limits
-// of the constraints in the first round: all are copied
+constexpr double ROUNDING = 1e-13;    // rounding error of a sum relative to its size
+constexpr double SMALL_ENTRY = 1e-8;  // smaller entries imply no reliable bound
+constexpr double LARGEST_BOUND = 1e8; // larger implied bounds are ignored
+// Smallest improvement of a bound: VISIBLE times its size plus LEAST_MOVE tolerances.
+constexpr double VISIBLE = 1e-3, LEAST_MOVE = 10;
+constexpr double CHECK_EFFORT = 5e4; // entries between tests of the limits
+// If the first round has this share of the constraints, all are copied.
 constexpr double SHARE_COPIED = 0.1;
 
 bool is_absent(const BoundPropagation *p, double bound)
@@ -31,7 +32,7 @@ bool is_absent(const BoundPropagation *p, double bound)
     return std::fabs(bound) >= p->w->INF;
 }
 
-// Activity of one side: the sum of finite terms, how many are not, and the size of what was added.
+// Activity of one side: the sum of finite terms, the number of infinite ones, the sum of magnitudes.
 struct Activity {
     double sum = 0, size = 0;
     int infinite = 0;
@@ -47,7 +48,7 @@ Activity activity_of(BoundPropagation *p, int con, int side)
     for (; k < row.end; k++) {
         const double bound = bounds[term_place(var[k], val[k], side)];
         if (is_absent(p, bound)) {
-            if (++a.infinite > 1) break; // nothing follows
+            if (++a.infinite > 1) break; // no bound is implied
             continue;
         }
         a.sum += val[k] * bound;
@@ -76,7 +77,7 @@ void tighten(BoundPropagation *p, int place, double value, int con, int side)
         return;
     if (gain <= 0) return;
     const double crossed = upper ? other - value : value - other;
-    if (!is_absent(p, other) && crossed > 0) { // within the tolerance: no news
+    if (!is_absent(p, other) && crossed > 0) { // bounds cross within the tolerance: ignored
         if (crossed > p->Tol * (1 + ROUNDING / SMALL_ENTRY * std::fabs(other)))
             contradict(p, con, side);
         return;
@@ -117,13 +118,13 @@ void imply(BoundPropagation *p, int con, int side)
         if (!missing && range <= -excess) continue; // not tighter
         const double rest = missing ? all.sum : all.sum - a * own;
         const double t = (limit - rest) / a, slack = margin / std::fabs(a);
-        const bool upper = !(place & 1); // the other bound than the one the term used
+        const bool upper = !(place & 1); // the term used the other bound
         tighten(p, place ^ 1,
                 rounded_if_integer(p, place ^ 1, upper ? t + slack : t - slack), con, side);
     }
 }
 
-// Lists the constraints of the variables that moved.
+// Lists the constraints of the variables whose bounds changed.
 int list_next(BoundPropagation *p)
 {
     const bool primal = p->kind == PROPAGATE_PRIMAL;
@@ -248,7 +249,7 @@ void propagation_set_rows(BoundPropagation *p, double relax)
             p->Limit.data[2 * i + LOWER_SIDE] = w->Rhs.data[i] - wider;
     }
     for (int j = 0; j < w->NumCols; j++) {
-        const double wider = bound_error(w, j); // nothing for bounds as given
+        const double wider = bound_error(w, j); // 0 for original bounds
         p->Start.data[2 * j + LOWER_SIDE] = has_lb(w, j) ? w->Lb.data[j] - wider : -w->INF;
         p->Start.data[2 * j + UPPER_SIDE] = has_ub(w, j) ? w->Ub.data[j] + wider : w->INF;
     }
@@ -312,7 +313,7 @@ static double coefficient(BoundPropagation *p, int con, int var)
     return p->ConVal.data[k];
 }
 
-// From the newest bound to the oldest: where the sum leans on one, the constraint that gave it takes its place.
+// From the newest version to the oldest: the multiplier of an implied bound is replaced by one of its constraint.
 void propagation_unfold(BoundPropagation *p, double *con, double *var)
 {
     for (int64_t k = p->Log.size - 1; k >= 0; k--) {

@@ -1,4 +1,4 @@
-// build.cpp -- the reduced model and the way back, from the presolve record
+// build.cpp -- creates the reduced model and the data for postsolve from the presolve record
 #include "body/build.h"
 #include "presolve/presolve.h"
 #include "presolve/work.h"
@@ -74,7 +74,7 @@ int fill_result(PresolveWork *w, PresolveResult *result)
         TRY(body_adopt(w->Env, &arrays, &result->Reduced));
     }
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
-    result->Undo = w->Undo; // the stack changes hands
+    result->Undo = w->Undo; // the result owns the stack from now on
     w->Undo = UndoStack{};
     return 0;
 }

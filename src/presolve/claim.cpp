@@ -1,15 +1,16 @@
-// claim.cpp -- proofs of what presolve says, and of what is said of a reduced model, as vectors of the model itself
+// claim.cpp -- maps proofs of infeasibility and unboundedness of the current or reduced model to the original model
 //
-// Problem     A reduction, or a solver behind it, finds a contradiction in a model that many reductions have changed.
-//             To check it, multipliers of the rows of the model as it was given are needed; for a claim of
-//             unboundedness a direction of its columns.
-// Method      A proof of infeasibility is a direction of the duals: with all costs zero, y <= 0 for inequalities and
-//             d = -A^T y, the dual objective y b + sum of d_j times its bound rises for ever. A direction of points is one
-//             of the model with all constants zero. So both come back like a solution, record by record (PostPoint).
-// Loses       Reductions that keep an optimum, but not all feasible points, may leave a contradiction that the model does
-//             not have: it can be unbounded then. A column whose bounds have crossed needs a reason for each of them, and
-//             the way back knows one. The judges (body/certificate.h) see to it.
-// Cost        That of the way back, when there is a claim.
+// Problem     A reduction, or the solver of the reduced model, finds a contradiction in a model that many reductions
+//             have changed. To verify it, row multipliers of the original model are needed; for unboundedness a ray of
+//             its columns.
+// Method      A proof of infeasibility is a ray of the dual: with all costs zero, y <= 0 for inequalities and d = -A^T
+//             y, the dual objective y b + sum of d_j times its bound increases without limit. A primal ray is a
+//             direction of the model with all constants zero. So both are mapped by postsolve like a solution
+//             (PostPoint).
+// Limits      Reductions that keep an optimum, but not all feasible points, may cause a contradiction that the original
+//             model does not have (it may be unbounded then). If the bounds of a column cross, the proof needs the
+//             origins of both, but postsolve knows one. So a mapped proof has to be verified (body/certificate.h).
+// Cost        That of postsolve, if there is a claim.
 #include "presolve/claim.h"
 #include "presolve/bound_propagation.h"
 #include "presolve/postsolve.h"
@@ -30,7 +31,7 @@ void add_row(PresolveWork *w, int i, double y)
         w->Proof.data[w->Nodes.data[p].col] -= y * w->Nodes.data[p].value;
 }
 
-// What a direction of duals says about the rows.
+// Row multipliers from a dual ray.
 void farkas_of(const ModelBody *body, const PostPoint *point, double *farkas)
 {
     for (int i = 0; i < point->m; i++) farkas[i] = -point->d[point->n + i];
@@ -43,7 +44,7 @@ void ray_of(const ModelBody *body, const PostPoint *point, double *ray)
     ray_clean(body, point->INF, ray);
 }
 
-// Room for a direction of the model: what is not part of it is zero.
+// A ray of the model, zero at first.
 struct Direction {
     Array<double> x, d;
     PostPoint point = {};

@@ -1,8 +1,8 @@
-// claim.h -- what ends a model, with the reasons as a vector over the model as it stands
+// claim.h -- claims of reductions that the model is infeasible or unbounded, with a proof for the current model
 //
-// A reduction that finds that the model has no feasible point, or no least value, returns through one of these. Each
-// gives the status to return, PRESOLVE_INFEASIBLE or PRESOLVE_UNBOUNDED, or OUT_OF_MEMORY. The witness (InfeasRow,
-// InfeasCol) is the caller's to set. Where nobody wants a proof none is made.
+// A reduction that finds the model infeasible or unbounded returns the result of one of these routines:
+// PRESOLVE_INFEASIBLE, PRESOLVE_UNBOUNDED, or OUT_OF_MEMORY. The caller sets the witness (InfeasRow, InfeasCol). A
+// proof is computed only if the caller of presolve asked for it.
 #pragma once
 #include "presolve/work.h"
 #include <initializer_list>
@@ -14,18 +14,19 @@ struct LineTerm {
     double factor;
 };
 
-// These multiples of live rows contradict the bounds of their columns. Signs are those of duals: for inequalities <= 0.
+// The sum of these multiples of live rows contradicts the bounds of their columns. Signs as of dual values: <= 0 for
+// inequalities.
 [[nodiscard]] int claim_infeasible(PresolveWork *w, std::initializer_list<LineTerm> rows);
-// Row i less the sum of these multiples of rows leaves sign * (less than nothing).
+// Row i minus the sum of these multiples of rows, times sign, is a contradiction.
 [[nodiscard]] int claim_row_sum(PresolveWork *w, int i, const LineTerm *rows, int count,
                                 int sign);
-// Moving live columns by these steps meets no bound and no row, and gains.
+// Moving live columns by these steps violates no bound and no row and improves the objective.
 [[nodiscard]] int claim_unbounded(PresolveWork *w, std::initializer_list<LineTerm> cols);
-// So does moving column j by `sign`, and those of the sum that it is against it.
+// The same for moving column j by `sign` and the columns of the combination that equals it in the opposite direction.
 [[nodiscard]] int claim_col_sum(PresolveWork *w, int j, const LineTerm *cols, int count,
                                 int sign);
-// A contradiction of propagated bounds, on points or on duals.
+// A contradiction of propagated bounds, of the primal or the dual system.
 [[nodiscard]] int claim_propagated(PresolveWork *w, BoundPropagation *p);
 
-// The proof in terms of the model itself, through the undo stack. A PresolveStatus of the limits, or OUT_OF_MEMORY.
+// Maps the proof to the original model through the undo stack. A PresolveStatus of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int claim_finish(PresolveWork *w, int status, LpClaim *claim);

@@ -1,9 +1,8 @@
-// crush.cpp -- a basis of the model in terms of the reduced model
-//
-// What is left keeps its status.
+// crush.cpp -- maps a basis of the model to the reduced model: columns and rows that were not removed keep their status
 #include "presolve/work.h"
 
-// Missing basic entries are made up for by slacks; too many fall to a bound, columns first, from the last on.
+// If basic entries are missing, slacks become basic; if there are too many, the last ones become nonbasic, columns
+// first.
 void presolve_mend_basis(int n, int m, int *statuses)
 {
     int basic = 0;

@@ -1,18 +1,20 @@
-// dualise.cpp -- the dual form of a linear model
+// dualise.cpp -- the dual of a linear model
 //
 // Problem     min c x,  rows a_i x <= b_i or = b_i,  lb <= x <= ub.
-// Method      One variable y_i a row (<= 0 for '<', free for '='), one row a column that is not fixed:
+// Method      One variable y_i per row (<= 0 for '<', free for '='), one row per column that is not fixed:
 //               max  b' y + const - sum range_j q_j
 //               column with lower bound, none above   A_j y <= c_j
 //               with upper bound only                 A_j y >= c_j
 //               free                                  A_j y = c_j
 //               boxed                                 A_j y - q_j <= c_j,  q_j >= 0 pays the range of the box
 //             where x_j is measured from its bound, so b' = b - sum of a_j bound_j. Fixed columns only shift b'.
-// Way back    The slack of row j (or q_j) is the reduced cost of column j: basic there means nonbasic here, and the other
-//             way round; y_i basic means that the slack of row i is nonbasic.
-// Proofs      A ray of the dual has y <= 0 for inequalities, -A_j y of the sign of the bounds of column j and a positive
-//             b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows that prove
-//             it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
+// Postsolve   The slack of row j (or q_j) is the reduced cost of column j: basic in the dual means nonbasic in the
+// model
+//             and conversely; y_i basic means that the slack of row i is nonbasic.
+// Proofs      A ray of the dual has y <= 0 for inequalities, -A_j y of the sign of the bounds of column j and a
+// positive
+//             b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows that
+//             prove it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "body/build.h"
@@ -42,7 +44,7 @@ struct DualForm {
     int n = 0,
         // variables (rows of the model, then boxed columns), rows (columns not fixed)
         m = 0;
-    // a maximisation of the body's minimum, hence a minimisation of -obj
+    // The dual of a minimisation is a maximisation, written as the minimisation of -obj.
     ModelArrays arrays;
     Array<int> row_of; // [numvars] row of a column, or -1
     double constant = 0;
@@ -153,7 +155,7 @@ int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
     TRY(fill_rows(body, infinite, &d));
     TRY(fill_columns(body, infinite, &d));
     TRY(fill_boxes(body, infinite, &d));
-    // none of fixed columns
+    // Fixed columns have no entries.
     d.arrays.vind.size = d.arrays.vval.size = d.arrays.vbeg.data[d.n];
     d.arrays.sense = -body->sense; // the caller's sense turns both
     d.arrays.objcon = -(body->objcon + d.constant);

@@ -1,13 +1,13 @@
-// dualise.h -- the dual of a linear model as a body of its own, and the way back from its basis
+// dualise.h -- the dual of a linear model as a body, and the mapping of its basis to the model
 #pragma once
 #include "body/body.h"
 
-// The dual of a body, as a body. An infeasible dual means an infeasible or unbounded
-// model, an unbounded one an infeasible model. A PresolveStatus of the limits, OUT_OF_MEMORY, or
-// TVX_ERROR_INVALID_ARGUMENT when it would be too large; *out is null on failure.
+// The dual of a body, as a body. If the dual is infeasible, the model is infeasible or unbounded; if the dual is
+// unbounded, the model is infeasible. A PresolveStatus of the limits, OUT_OF_MEMORY, or TVX_ERROR_INVALID_ARGUMENT if
+// the dual would be too large; *out is null on failure.
 [[nodiscard]] int dualise(const ModelBody *body, TVXenv *env, ModelBody **out);
-// What is said of the dual is proved for the model: a ray of the dual [its variables] gives multipliers of the rows of the
-// model that prove it infeasible, and multipliers of the rows of the dual give a ray of the model (body/certificate.h).
+// Mapping of proofs: a ray of the dual [its variables] gives row multipliers that prove the model infeasible; row
+// multipliers that prove the dual infeasible give a ray of the model (body/certificate.h).
 void dual_ray_to_farkas(const ModelBody *body, double infinite, const double *dual_ray,
                         double *farkas);
 void dual_farkas_to_ray(const ModelBody *body, double infinite, const double *dual_farkas,

@@ -1,8 +1,8 @@
-// entries.cpp -- entries of the presolve matrix go, come, and are taken out of lists
+// entries.cpp -- deletion and insertion of entries of the presolve matrix, and clean-up of its lists
 //
-// Deleting only marks an entry. A sweep takes the marked entries out of one row's or column's list; a compression
-// rebuilds all lists and makes the deleted nodes free. Between compressions a node may stand in one list and not in the
-// other, so it is never reused before.
+// Deletion only marks an entry. A sweep unlinks the marked entries from the list of one row or column; a compression
+// rebuilds all lists and frees the deleted nodes. Between compressions a node may be in one list and not in the other,
+// so it is not reused before.
 #include "presolve/work.h"
 
 void delete_entry(PresolveWork *w, int p)
@@ -55,7 +55,7 @@ int sweep_col(PresolveWork *w, int j)
     return entries;
 }
 
-// What was marked with a deletion stands in the pending part of both worklists.
+// Rows and columns with deletions are in the pending part of both worklists.
 int sweep_marked(PresolveWork *w)
 {
     for (int k = 0; k < w->RowsB.PendingCnt; k++) {

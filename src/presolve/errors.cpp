@@ -1,12 +1,12 @@
-// errors.cpp -- whether a substitution would make errors that tolerances do not hide
+// errors.cpp -- tests whether a substitution keeps errors within the tolerances
 #include "presolve/errors.h"
 
 namespace
 {
-// feasibility tolerances: rows of the model enlarged ten thousand times
+// Largest error of a right-hand side in feasibility tolerances: that of a row multiplied by ten thousand.
 constexpr double MOST_RHS_ERROR = 10;
-constexpr double MOST_COST_ERROR = 1; // optimality tolerances
-// size of an entry's terms over the pivot: nine digits are left
+constexpr double MOST_COST_ERROR = 1; // largest error of a cost in optimality tolerances
+// Largest size of the terms of an entry over the pivot: nine digits are left.
 constexpr double MOST_LOST = 1e6;
 } // namespace
 

@@ -1,13 +1,14 @@
-// fix.cpp -- a column leaves at a value
+// fix.cpp -- fixes a column and removes it
 //
-// The way back needs the column's cost and entries: its reduced cost is computed there from the duals.
+// Postsolve needs the column's cost and entries to compute its reduced cost from the dual values.
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 
 namespace
 {
-constexpr double CLOSED = 1e-13;   // a range below counts as none
-constexpr double WORTHLESS = 0.01; // share of the tolerance: what a range may cost
+constexpr double CLOSED = 1e-13; // a smaller range counts as zero
+// largest effect of a range that is ignored, as a share of the tolerance
+constexpr double WORTHLESS = 0.01;
 
 int record_fix(PresolveWork *w, int j, double v, int status)
 {

@@ -1,10 +1,11 @@
-// implied.cpp -- the bounds of one column that its rows imply
+// implied.cpp -- the bounds of one column implied by its rows
 //
-// Method      In a row a x_j + rest <= b the least activity of the rest bounds a x_j from above; in an equation its
-//             greatest activity also bounds it from below. Both are at hand: the activity of the whole row less the
-//             column's own term, or the finite part when that term is the only infinite one.
-// Out         Bounds that hold for every point that satisfies the rows and the bounds of the *other* columns. Whoever
-//             drops a bound of j on this ground must let the activities know before another column is judged.
+// Method      In a row a x_j + rest <= b the minimal activity of the rest bounds a x_j from above; in an equation its
+//             maximal activity also bounds it from below. Both follow from the activity of the row minus the term of
+//             the column, or from its finite part if that term is the only infinite one.
+// Out         Bounds that hold for every point that satisfies the rows and the bounds of the *other* columns. A
+//             reduction that removes a bound of j for this reason has to update the activities before it considers
+//             another column.
 // Cost        O(entries of the column)
 #include "presolve/work.h"
 #include <algorithm>
@@ -12,11 +13,11 @@
 
 namespace
 {
-constexpr double SMALL_ENTRY = 1e-9; // says nothing reliable
-constexpr double LARGE_ERROR = 10; // tolerances: neither does a row that is off by so much
+constexpr double SMALL_ENTRY = 1e-9; // smaller entries imply no reliable bound
+constexpr double LARGE_ERROR = 10;   // nor do rows with an error of this many tolerances
 
-// What is left for a x_j when the other terms of a row sum to their extreme: -(sum of the others) / a, given the sum
-// over all and the bound of j that entered it. False when others are infinite.
+// The bound of x_j if the other terms of a row have their extreme sum: -(sum of the others) / a, from the sum over all
+// and the bound of j in it. False if other terms are infinite.
 bool rest_over(double sum, int infinite, double bound, double a, double absent, double *t)
 {
     const bool own = bound <= -absent || bound >= absent;

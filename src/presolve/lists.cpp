@@ -1,15 +1,15 @@
-// lists.cpp -- worklists: which rows and columns are worth another look
+// lists.cpp -- worklists: the rows and columns that reductions have to process again
 //
 // Method      Each of two worklists holds the rows and columns that were touched before its last rotation (active) and
-//             those touched since (pending). Reductions of the inner loop look at worklist B, the others at A. When the
-//             active part is small the candidates are its members and their neighbours; else everything.
+//             those touched since (pending). Reductions of the inner loop use worklist B, the others A. If the active
+//             part is small the candidates are its members and their neighbours; otherwise all rows and columns.
 // Cost        Marking O(1); candidates O(their number and the entries of the active part).
 #include "presolve/work.h"
 
 namespace
 {
 constexpr int MANY_ROWS = 5,
-              MANY_NEIGHBOURS = 2; // shares from which everything is looked at
+              MANY_NEIGHBOURS = 2; // shares from which all rows and columns are candidates
 constexpr double MANY_COLS = 5, MANY_COL_ENTRIES = 3;
 constexpr int MANY_COL_NEIGHBOURS = 2, MANY_SENSE_COLS = 4, MANY_SENSE_NEIGHBOURS = 3;
 
@@ -58,7 +58,7 @@ void add_once(PresolveWork *w, int *list, int *count, int k)
     list[(*count)++] = k;
 }
 
-// Clears the flags of a list and keeps what has enough entries.
+// Clears the flags of a list and keeps its members with enough entries.
 int keep_counted(PresolveWork *w, const int *counts, int least, int *list, int count)
 {
     int kept = 0;

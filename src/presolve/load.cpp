@@ -1,7 +1,7 @@
-// load.cpp -- the presolve record from a model body
+// load.cpp -- creates the presolve record from a model body
 //
-// Method      Vectors are copied; entries go into the pool column by column, linked so that lists run in ascending order.
-//             Entries that are zero but for rounding are left out. Spare nodes give room for fill.
+// Method      Vectors are copied; entries go into the pool column by column, linked so that lists are in ascending
+//             order. Entries that count as zero are left out. Spare nodes give room for fill.
 #include "body/row_kind.h"
 #include "presolve/errors.h"
 #include "runtime/clock.h"
@@ -9,10 +9,10 @@
 namespace
 {
 constexpr double TINY_ENTRY = 1e-13;
-// Violations that points of a feasible model have by the rounding of its data: DataErr.
+// DataErr, the violation that rounding of the data may cause in a feasible model.
 constexpr double DATA_ERROR = 1e-9, DATA_ERROR_SHARE = 1e-3; // of the tolerance, at most
 constexpr int64_t SPARE_LEAST = 10000;
-constexpr int SPARE_SHARE = 10;        // of the entries
+constexpr int SPARE_SHARE = 10;        // entries per spare node
 constexpr int LONG_COLUMN = 5;         // of the class with unit entries
 constexpr double SMALLEST_CLASS = 0.5; // share of equations in it
 
@@ -39,7 +39,7 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
     return 0;
 }
 
-// Numbers as given are off by the rounding of whoever wrote them down.
+// Errors of the original data: rounding of costs and right-hand sides, for the latter at least DataErr.
 int set_errors(PresolveWork *w)
 {
     w->DataErr = std::min(DATA_ERROR, DATA_ERROR_SHARE * w->FeasTol);
@@ -60,7 +60,7 @@ template<class T> int assign_checked(PresolveWork *w, Array<T> *a, int64_t size,
     return check_limits(w, static_cast<double>(size));
 }
 
-// Worklists and activities are filled when the reductions begin.
+// Worklists and activities are filled later, when the reductions begin.
 int allocate_lines(PresolveWork *w)
 {
     const int n = w->NumCols, m = w->NumRows;

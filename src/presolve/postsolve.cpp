@@ -1,17 +1,17 @@
-// postsolve.cpp -- from a solution of the reduced model back to one of the model
+// postsolve.cpp -- maps a solution of the reduced model to the original model
 //
-// Method      What the reduced model holds is scattered through the maps; rows that went have their slack basic and no
-//             dual, until a record says otherwise. Then the undo stack is walked from its top. At the end slacks are
-//             computed from the model itself.
-// Invariant   After each record the point is primal feasible, dual feasible and basic for the model as it was before the
-//             reduction, as far as it was so for the model behind it.
+// Method      The solution of the reduced model is copied through the index maps; removed rows have a basic slack and
+//             dual value 0 until a record changes that. Then the records of the undo stack are undone from its top. At
+//             the end slacks are computed from the original model.
+// Invariant   After each record the point is primal feasible, dual feasible and basic for the model before that
+//             reduction, if it was so for the model after it.
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/postsolve.h"
 #include <algorithm>
 
 namespace
 {
-// A nonbasic column whose bounds have met stands at both: the sign of its reduced cost tells which of them holds it.
+// A nonbasic fixed column is at both bounds: its status follows the sign of its reduced cost.
 int status_of(const ModelBody *body, const LpPoint *reduced, int k)
 {
     const int status = reduced->status.data[k];

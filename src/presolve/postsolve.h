@@ -1,30 +1,30 @@
-// postsolve.h -- the point on its way back, and the undoing of each kind of record
+// postsolve.h -- the point during postsolve, and the postsolve step of each kind of record
 #pragma once
 #include "presolve/work.h"
 
-// A point of the model as it was when the record on top of the stack had just been pushed: variables first, rows behind
-// them. Dual-side entries and statuses of what is not live mean nothing yet.
-// Or a direction, along which points or duals move for ever. It has no constants: costs, values, right-hand sides and
-// finite bounds count as zero. A direction of duals is a proof of infeasibility, with d = -A^T y and y <= 0 for
-// inequalities; x means nothing then. A direction of points has no duals. Neither has statuses.
+// A point of the model as it was when the record on top of the stack was pushed: variables first, then rows. Dual
+// values, reduced costs and statuses of rows and columns that are not live yet are undefined.
+// Or a ray of points or of dual values. For a ray all constants count as zero: costs, values, right-hand sides and
+// finite bounds. A ray of dual values is a proof of infeasibility, with d = -A^T y and y <= 0 for inequalities; x is
+// undefined then. A ray of points has no dual values. Neither has statuses.
 struct PostPoint {
     int n, m;
     double *x;   // [n + m] values; slacks of rows are only valid where a record says so
     double *d;   // [n + m] reduced costs, then duals
     int *status; // [n + m] >= 0 basic, -1 lower, -2 upper, -3 free; null without a basis
     double INF;
-    double constants = 1; // factor of all constants: 1 for a point, 0 for a direction
+    double constants = 1; // factor on all constants: 1 for a point, 0 for a ray
 };
-// A bound as the point sees it.
+// A bound: for a ray 0 in place of a finite bound.
 inline double bound_of(const PostPoint *point, double bound)
 {
     return bound <= -point->INF || bound >= point->INF ? bound : point->constants * bound;
 }
 
-// Undoes the records from this one on, the newest. A PresolveStatus of the limits.
+// Undoes all records, beginning with this one, the newest. A PresolveStatus of the limits.
 [[nodiscard]] int undo_all(const UndoRecord *undo, PostPoint *point, LimitWatch *watch);
 
-// Undoes one record. Each stands in the file of its reduction.
+// Each undoes one record; it is in the file of its reduction.
 void undo_fix(const UndoRecord *undo, PostPoint *point);             // fix.cpp
 void undo_substitute(const UndoRecord *undo, PostPoint *point);      // substitute.cpp
 void undo_slack_column(const UndoRecord *undo, PostPoint *point);    // column_singleton.cpp

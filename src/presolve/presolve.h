@@ -1,12 +1,12 @@
-// presolve.h -- the face of the presolve subsystem: reduce a model, and come back from a solution of the reduced one
+// presolve.h -- the interface of the presolve folder: reduce a model, and map solutions of the reduced model back
 //
 // presolve_lp -> PresolveResult with a reduced body -> any solver -> postsolve_lp
-// Signs: rows are a x <= b or a x = b as the model body holds them, minimise. Duals y are those of the Lagrangean
+// Signs: rows are a x <= b or a x = b as in the model body, minimise. Dual values y are those of the Lagrangean
 // c x + y (b - a x), so that a row a x <= b has y <= 0, and reduced costs are d = c - A^T y.
 #pragma once
 #include "body/body.h"
 
-// Status of a presolve that leaves no reduced model behind, and of each reduction.
+// Status of each reduction, and of a presolve without a reduced model.
 enum PresolveStatus {
     PRESOLVE_OK = 0,
     PRESOLVE_INFEASIBLE = 3,
@@ -16,16 +16,16 @@ enum PresolveStatus {
     PRESOLVE_INTERRUPTED = 11,
 };
 
-// What presolve says of a model without optimum, as a vector of the model itself that should prove it
-// (body/certificate.h tells whether it does). Both are empty where a reduction loses its reasons.
+// Proof that the model is infeasible or unbounded, in terms of the original model; to be verified by
+// body/certificate.h. Both are empty if a reduction on the way cannot map the proof.
 struct LpClaim {
     // [numconstrs] multipliers of an infeasible model, for inequalities >= 0
     Array<double> farkas;
-    // [numvars] direction in which the objective of a model falls for ever
+    // [numvars] ray of an unbounded model
     Array<double> ray;
 };
 
-// The reduced model and all that postsolve needs. It keeps the address of the body that was reduced.
+// The reduced model and the data for postsolve. It keeps the address of the body that was reduced.
 struct PresolveResult;
 
 // Reduces a continuous model. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
@@ -48,34 +48,35 @@ struct LpPoint {
 // Room for a model of this size, zeros. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_point_alloc(LpPoint *point, const ModelBody *body, bool with_basis);
 
-// Marks the equations of the reduced model whose slacks the way back needs nonbasic: rows [its numconstrs], zero before.
-// Returns how many.
+// Marks the equations of the reduced model whose slacks have to be nonbasic for postsolve: rows [its numconstrs], zero
+// before. Returns their number.
 int postsolve_equations(const PresolveResult *result, char *rows);
 
-// Maps a solution of the reduced model (null when nothing is left of it) back to the model. A PresolveStatus of the
-// limits if they are obeyed, or OUT_OF_MEMORY.
+// Postsolve: maps a solution of the reduced model (null if the reduced model is empty) to the model. A PresolveStatus
+// of the limits if they are obeyed, or OUT_OF_MEMORY.
 enum class PostsolveLimits { OBEY, IGNORE };
 [[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced,
                                LpPoint *full,
                                PostsolveLimits limits = PostsolveLimits::OBEY);
 
-// The same for proofs of what is said of the reduced model: multipliers of its rows give those of the rows of the model, a
-// direction of its variables one of the model's. What comes back is to be judged: reductions that keep an optimum may
-// lose a proof of infeasibility. 0 or OUT_OF_MEMORY.
+// The same for proofs of infeasibility (row multipliers) and of unboundedness (a ray) of the reduced model. The result
+// has to be verified: reductions that keep an optimum, but not all feasible points, may not keep a proof of
+// infeasibility. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_farkas(const PresolveResult *result, const double *reduced,
                                    double *full);
 [[nodiscard]] int postsolve_ray(const PresolveResult *result, const double *reduced,
                                 double *full);
-// Entries that only rounding can have made: multipliers of the wrong sign or of absent rows, steps against a bound.
+// Sets entries to zero that can only be rounding errors: multipliers of the wrong sign or of absent rows, steps against
+// a bound.
 void farkas_clean(const ModelBody *body, double infinite, double *farkas);
 void ray_clean(const ModelBody *body, double infinite, double *ray);
 
 // Maps a basis of the model to the reduced model: statuses [n + m] of each.
 void presolve_crush_basis(const PresolveResult *result, const int *full, int *reduced);
-// Statuses [n + m] with too few or too many basic entries get m of them.
+// Repairs statuses [n + m] with fewer or more than m basic entries.
 void presolve_mend_basis(int n, int m, int *statuses);
 
-// Where a variable or constraint went: its index in the reduced model, or below zero when it is gone.
+// Index of a variable or constraint in the reduced model, or below zero if it was removed.
 int presolved_var(const PresolveResult *result, int j);
 int presolved_constr(const PresolveResult *result, int i);
 double presolved_constant(

@@ -1,9 +1,10 @@
-// presolve_lp.cpp -- the order in which reductions run on a continuous model
+// presolve_lp.cpp -- presolve of a continuous model: the order of the reductions
 //
-// Method      Passes, each of a cheap inner loop (columns, singleton rows, forcing rows) until nothing goes, and then once
-//             the reductions that cost more. What a reduction touches is what the next ones look at. The passes end when
-//             one has removed nothing, or with their budget; empty columns and rows go last.
-// Out         The reduced model and the way back, or a final status.
+// Method      Passes, each of a cheap inner loop (columns, singleton rows, forcing rows) that is repeated until it
+//             removes nothing, and then once the more expensive reductions. Reductions process the rows and columns
+//             that earlier ones touched. The passes end when one removes nothing, or with their budget; empty columns
+//             and rows are removed last.
+// Out         The reduced model with the data for postsolve, or a final status.
 #include "body/body.h"
 #include "presolve/claim.h"
 #include <algorithm>
@@ -13,10 +14,10 @@
 namespace
 {
 constexpr int PASSES_LEVEL1 = 3, PASSES = 10;
-// after these a changed bound alone is no reason for another
+// After this number of rounds a changed bound alone causes no further round.
 constexpr int INNER_ROUNDS = 5;
-constexpr int DUAL_PASSES = 5; // dual bounds only in so many passes, unless Presolve is 2
-constexpr int STOP = -1;       // the step limit is reached: build from what stands
+constexpr int DUAL_PASSES = 5; // passes with dual_bounds, unless Presolve is 2
+constexpr int STOP = -1;       // the step limit is reached: build the reduced model now
 
 // Options of a run, resolved.
 struct Plan {
@@ -27,7 +28,7 @@ struct Plan {
 
 using Reduction = int (*)(PresolveWork *);
 
-// One reduction with its step count and the look at the limits behind it.
+// Runs one reduction, counts it, and tests the limits.
 int run(PresolveWork *w, Reduction reduction)
 {
     if (w->Steps >= w->StepLimit) return STOP;
@@ -35,7 +36,7 @@ int run(PresolveWork *w, Reduction reduction)
     TRY(reduction(w));
     TRY(sum_stale(w));
 #ifdef TVX_DEBUG
-    if (presolve_verify(w) > 0) abort(); // it has told what is wrong
+    if (presolve_verify(w) > 0) abort(); // it has printed the fault
 #endif
     return presolve_check(w);
 }
@@ -81,7 +82,7 @@ bool nothing_left(const PresolveWork *w)
     return w->RowsRemoved >= w->NumRows || w->ColsRemoved >= w->NumCols;
 }
 
-// Cheap reductions until nothing goes.
+// The cheap reductions, until they remove nothing.
 int inner_loop(PresolveWork *w)
 {
     for (int round = 1;; round++) {
@@ -111,7 +112,7 @@ int run_wanted(PresolveWork *w, std::initializer_list<Step> steps)
     return 0;
 }
 
-// What costs more, once in a pass.
+// The more expensive reductions, once per pass.
 int outer_part(PresolveWork *w, const Plan *plan, int pass)
 {
     const bool duals =
@@ -138,7 +139,7 @@ int passes(PresolveWork *w, const Plan *plan)
 {
     for (int pass = 0; pass < plan->passes; pass++) {
         w->Phase = 2;
-        if (pass > 0) rotate(w); // to what the last pass has touched
+        if (pass > 0) rotate(w); // what the last pass touched becomes active
         if (!plan->network) TRY(inner_loop(w));
         if (nothing_left(w)) return 0;
         w->Phase = 1;
@@ -176,7 +177,7 @@ int reduce(PresolveWork *w)
     return finish_loop(w, &plan);
 }
 
-// What presolve says about a model without optimum, given what its reductions may have hidden.
+// The status of a model without optimum: reductions that keep only an optimum may leave infeasible or unbounded open.
 int final_status(const PresolveWork *w, int status)
 {
     if (status == PRESOLVE_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;

@@ -1,4 +1,4 @@
-// progress.cpp -- progress lines and limits during presolve, and what a callback function may ask it
+// progress.cpp -- progress lines and limits during presolve, and its answers to queries of a callback function
 #include "env/callback.h"
 #include "presolve/work.h"
 #include "runtime/clock.h"

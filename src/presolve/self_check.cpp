@@ -1,4 +1,4 @@
-// self_check.cpp -- what holds in the presolve record between reductions, tested in debug builds
+// self_check.cpp -- invariants of the presolve record between reductions, tested in debug builds
 #ifdef TVX_DEBUG
 #include "presolve/work.h"
 #include <algorithm>

@@ -1,9 +1,9 @@
-// sort_keys.cpp -- sorts for millions of keys
+// sort_keys.cpp -- radix sort of many keys
 //
-// Problem     A comparison sort of a large model's rows takes a second, in which no limit is seen, and grows faster than
-//             the model.
-// Method      Counting sorts: by parts of the key from the lowest to the highest, those left out that are the same in all
-//             keys; short lists by comparison.
+// Problem     A comparison sort of the rows of a large model takes up to a second without a test of the limits, and its
+//             time grows faster than the model.
+// Method      Counting sorts by parts of the key from the lowest to the highest, without the parts that are the same in
+//             all keys; short lists by comparison.
 // Cost        O(count) for each part of the key that varies.
 // Literature  D. E. Knuth, The Art of Computer Programming 3, 1973, section 5.2.5.
 #include "presolve/sort_keys.h"

@@ -1,10 +1,10 @@
-// sort_keys.h -- sort by keys of 64 bits, in linear time and with a look at the limits
+// sort_keys.h -- sort by keys of 64 bits, in linear time and with tests of the limits
 #pragma once
 #include "presolve/work.h"
 
 struct SortKey {
     uint64_t key;
-    int at; // whose key it is
+    int at; // index that the key belongs to
 };
 // A key with the order of the numbers (not NAN).
 uint64_t key_of_number(double value);

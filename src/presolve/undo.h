@@ -1,21 +1,21 @@
-// undo.h -- the undo stack: what each reduction has to remember for the way back
+// undo.h -- the undo stack: the data that each reduction stores for postsolve
 //
-// Records are pushed by reductions and undone in reverse order. They live in an arena that grows by blocks and is freed
-// as a whole.
+// Records are pushed by reductions and undone in reverse order. They are stored in an arena that grows by blocks and is
+// freed as a whole.
 #pragma once
 #include "runtime/array.h"
 
 enum UndoKind {
     UNDO_FIX = 1,           // column fixed
     UNDO_SUBSTITUTE = 2,    // column substituted out through an equation
-    UNDO_DOMINATED = 3,     // column without cost freed rows from one side
+    UNDO_DOMINATED = 3,     // column without cost that can satisfy all its rows
     UNDO_MERGE_COLS = 4,    // duplicate columns merged
     UNDO_PARALLEL_ROWS = 5, // two inequalities became one equation
     // bounds of a column moved to the other one of its doubleton row
     UNDO_BOUND_TRANSFER = 6,
     UNDO_SINGLETON_ROW = 7, // row became a bound
     UNDO_FORCING_ROW = 8,   // row fixed all its columns
-    // free column left through an inequality, its place taken by the slack
+    // free column substituted out through an inequality, whose slack replaced it
     UNDO_FREE_TO_SLACK = 10,
     // column was the slack of an equation, which became an inequality
     UNDO_SLACK_COLUMN = 11,
@@ -27,11 +27,11 @@ struct UndoEntry {
     double value;
 };
 
-// One record with its entries behind it. What the fields mean is told where a kind is undone (undo_*.cpp).
+// One record, followed by its entries. The meaning of the fields is documented at the undo_ routine of each kind.
 struct UndoRecord {
     UndoRecord *next; // pushed before
     int kind;
-    int col, row; // -1 where a kind has none
+    int col, row; // -1 if the kind has none
     int other;    // second column or row
     int mode;     // flags or status
     int count;    // entries

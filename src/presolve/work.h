@@ -1,22 +1,24 @@
 // work.h -- PresolveWork, the model while it is being reduced, and the steps that all reductions share
 //
 // Matrix      Entries are nodes of one pool, each in a list of its row and a list of its column. A deleted entry has
-//             col == -1 and stays in both lists until they are swept: whoever walks a list passes over it.
+//             col == -1 and stays in both lists until they are swept; loops over a list have to skip it.
 // Rows        a x <= b ('<') or a x = b ('=').
 // States of a row      RowCnt >= 0 live with that many entries; ROW_GONE and below: removed
 //           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
-// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before it
-//             removes anything that the way back needs; keeps activities and counts up to date; marks the rows and
-//             columns it touches; counts in the five counters; adds its effort to Work.
-// Errors      Reductions work on sums, and what is left of a sum may be rounding. errors.h tells how large that can be;
-//             whoever ends the model, fixes a column or drops a row by a sign or a size asks there.
+// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before
+// it
+//             removes anything that postsolve needs; keeps activities and counts up to date; marks the rows and columns
+//             that it changes; adds to the five counters, and its effort to Work.
+// Errors      Results of cancellation may be rounding errors. errors.h estimates them; a reduction that ends the model,
+//             fixes a column or removes a row because of a sign or a size has to allow for them.
 // Invariant   presolve_verify (self_check.cpp) lists what holds between reductions.
 #pragma once
 #include "env/limits.h"
 #include "presolve/presolve.h"
 #include "presolve/undo.h"
 
-static constexpr int LONG_STALE_ROW = 1000; // longer ones are not summed anew at once
+// activities of longer rows are recomputed later, by sum_stale
+static constexpr int LONG_STALE_ROW = 1000;
 
 struct PresolveNode {
     double value;
@@ -31,15 +33,15 @@ inline int col_substituted(int row)
     return -3 - row;
 }
 
-// Marks of rows and columns for the two worklists. ACTIVE: in the list that reductions look at now; TOUCHED: changed
-// since, so active after the next rotation.
+// Marks of rows and columns for the two worklists. ACTIVE: in the list that reductions process now; TOUCHED: changed
+// since the last rotation, so active after the next one.
 enum WorkMark {
     A_ACTIVE = 1,
     A_TOUCHED = 2,
     B_ACTIVE = 4,
     B_TOUCHED = 8,
     NEEDS_SWEEP = 16,
-    IS_STALE = 32 // a row whose activity waits to be summed anew
+    IS_STALE = 32 // row whose activity has to be recomputed
 };
 struct WorkList {
     int ActiveCnt = 0,
@@ -48,7 +50,7 @@ struct WorkList {
 };
 
 struct PresolveWork {
-    const ModelBody *Body = nullptr; // that is reduced
+    const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
     int MatrixClass = 0; // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
@@ -66,13 +68,15 @@ struct PresolveWork {
     // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
     Array<int> ColFlags;
 
-    double DataErr = 0;     // violation of the model's own rows that counts as rounding
+    // violation of the original rows that counts as a rounding error
+    double DataErr = 0;
     Array<double> RhsErr;   // [NumRows] of Rhs
     Array<double> ObjErr;   // [NumCols] of Obj
     Array<double> BoundErr; // [NumCols] of Lb and Ub, 0 for bounds as given
 
     Array<PresolveNode> Nodes;
-    // [Nodes.size] largest term of the sums that made the entry, 0 when it is not much larger. It may be any double.
+    // [Nodes.size] largest term of the sums that gave the entry, 0 if it is not much larger than the entry. May be
+    // infinite.
     Array<double> EntrySize;
     bool HasSizes = false;       // some EntrySize may be set
     Array<int> RowHead, ColHead; // first node, -1 when none
@@ -81,11 +85,11 @@ struct PresolveWork {
     int FreeList = -1;           // linked by next_in_row
     int64_t DeadCount = 0;       // deleted since the last full compression
 
-    // Row i is at least Rhs + RMin and at most Rhs + RMax over the finite bounds of its columns; so many more terms
-    // are infinite. Bounds are rounded outwards as they are added.
+    // The activity of row i is in [Rhs + RMin, Rhs + RMax] as far as the bounds of its columns are finite; Rmincnt and
+    // Rmaxcnt count the infinite terms. Terms are rounded outwards as they are added.
     Array<double> RMax, RMin; // [NumRows]
     Array<int> Rmaxcnt, Rmincnt;
-    // long rows that have lost digits; until they are summed anew, both counts say infinite
+    // Long rows whose activity lost digits by cancellation; until it is recomputed both counts say infinite.
     Array<int> Stale;
 
     int Phase = 0; // 0 everything is a candidate, 1 worklist A, 2 worklist B
@@ -93,14 +97,14 @@ struct PresolveWork {
     WorkList RowsA, RowsB, ColsA, ColsB;
 
     int BoundsChanged = 0, CoefsChanged = 0, IneqToEq = 0, RowsRemoved = 0, ColsRemoved = 0;
-    double Work = 0;          // effort
+    double Work = 0;          // effort in entries processed
     double AggregateWork = 0; // effort of pre_aggregate so far
     LimitWatch Watch = {nullptr};
-    int64_t StepLimit = 0, Steps = 0; // reductions that may run, that ran
+    int64_t StepLimit = 0, Steps = 0; // number of reductions allowed to run, that ran
     int KeepCrush = 0;
     int InfeasCol = -1, InfeasRow = -1; // witness
     bool WantsProof = false;
-    // [NumCols + NumRows] direction (PostPoint) that proves what ends the model, or empty
+    // [NumCols + NumRows] ray (PostPoint) that proves infeasibility or unboundedness, or empty
     Array<double> Proof;
 
     UndoStack Undo;
@@ -109,15 +113,15 @@ struct PresolveWork {
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
-    int NumNoted = 0; // rows of which pre_columns knows something
+    int NumNoted = 0; // rows with notes of pre_columns in Flag
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
 
-// The way back, as long as the reduced model lives.
+// Data for postsolve.
 struct PresolveResult {
-    const ModelBody *Full = nullptr; // that was reduced; not owned
-    ModelBody *Reduced = nullptr;    // null when nothing is left
+    const ModelBody *Full = nullptr; // the body that was reduced; not owned
+    ModelBody *Reduced = nullptr;    // null if all columns and rows were removed
     TVXenv *Env = nullptr;           // for limits
     int NumCols = 0, NumRows = 0;    // of the original model
     UndoStack Undo;
@@ -189,9 +193,8 @@ void mark_rows_of_col(PresolveWork *w, int j);
 void mark_cols_of_row(PresolveWork *w, int i);
 // All rows and columns active in both worklists. A PresolveStatus of the limits.
 [[nodiscard]] int mark_everything(PresolveWork *w);
-void rotate(
-    PresolveWork *w); // of the worklist of the phase: what was touched becomes active
-// The lists themselves: what is active, then what has been touched since, which grows as reductions go on.
+void rotate(PresolveWork *w); // of the worklist of the phase: touched members become active
+// The lists themselves: active members, then those touched since, which become more as reductions run.
 inline const WorkList *rows_of_phase(const PresolveWork *w)
 {
     return w->Phase == 1 ? &w->RowsA : &w->RowsB;
@@ -200,8 +203,8 @@ inline const WorkList *cols_of_phase(const PresolveWork *w)
 {
     return w->Phase == 1 ? &w->ColsA : &w->ColsB;
 }
-// Fill list and return its length: rows with at least one entry (two for `candidate_rows`) and live columns that the
-// phase's worklist makes worth a look.
+// Fill list and return its length: candidates by the worklist of the phase, rows with at least one entry (two for
+// `candidate_rows`), live columns.
 int active_rows(const PresolveWork *w, int *list);
 int candidate_rows(PresolveWork *w, int *list);
 int candidate_cols(PresolveWork *w, int *list);
@@ -212,13 +215,13 @@ int candidate_cols_by_sense(PresolveWork *w, int senses, int *list);
 // ---- entries.cpp: the matrix ----
 void delete_entry(PresolveWork *w,
                   int p); // counts of its row and column fall; activities are the caller's
-// Removes what is left of a row: its state becomes `state`, entries go, its columns are marked.
+// Removes a row with its remaining entries: its state becomes `state`, its columns are marked.
 void remove_row(PresolveWork *w, int i, int state);
-// Takes deleted entries out of the row's list; how many entries it had.
+// Unlinks deleted entries from the row's list; returns the number of entries before.
 int sweep_row(PresolveWork *w, int i);
 int sweep_col(PresolveWork *w, int j);
 [[nodiscard]] int sweep_marked(PresolveWork *w); // all that need it; a PresolveStatus
-// All lists; deleted nodes become free. A PresolveStatus of the limits; the lists are of no use then.
+// Sweeps all lists; deleted nodes become free. A PresolveStatus of the limits; the lists are unusable then.
 [[nodiscard]] int compress(PresolveWork *w);
 // A new entry at the heads of both lists; a free node must be there. Counts rise; activities are the caller's.
 void insert_entry(PresolveWork *w, int i, int j, double value);
@@ -227,52 +230,52 @@ void insert_entry(PresolveWork *w, int i, int j, double value);
 // All live rows from scratch. A PresolveStatus of the limits.
 [[nodiscard]] int pre_activity(PresolveWork *w);
 void row_activity(PresolveWork *w, int i); // one
-// A change has cost the sums of row i their digits: sums it anew, at once or, when it is long, by sum_stale, which the
-// driver calls behind each reduction; nothing follows from such a row until then.
+// The activity of row i lost digits by cancellation: recomputes it, immediately or, for a long row, by sum_stale, which
+// the driver calls after each reduction; until then the row implies nothing.
 void digits_lost(PresolveWork *w, int i);
 [[nodiscard]] int sum_stale(PresolveWork *w); // a PresolveStatus of the limits
-// Bounds of column j are about to become these: moves activities along and stores the bounds.
+// Sets the bounds of column j and updates activities.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
-// The coefficient of column j in row i is about to become `after`, 0 when there is none: moves the activities along.
-// True when the row is to be summed anew once that is done.
+// The coefficient of column j in row i will be changed to `after` (0: no entry): updates the activity. True if it has
+// to be recomputed after the change.
 [[nodiscard]] bool change_coefficient(PresolveWork *w, int i, int j, double before,
                                       double after);
 
-// Both sums of row i move by a step. True when the row is to be summed anew.
+// Adds a step to both sums of row i. True if the activity has to be recomputed.
 [[nodiscard]] bool move_activity(PresolveWork *w, int i, double step);
 
-// The term of entry p becomes the constant value * v: right-hand side and activities follow, the entry is still there.
-// True when the row is to be summed anew once it is gone.
+// The term of entry p becomes the constant value * v: updates right-hand side and activity, but does not delete the
+// entry. True if the activity has to be recomputed after its deletion.
 [[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
 
 // ---- fix.cpp ----
-// Fixes live column j at v: right-hand sides, activities, objective; entries go. 0 or OUT_OF_MEMORY.
+// Fixes live column j at v: updates right-hand sides, activities, objective, deletes its entries. 0 or OUT_OF_MEMORY.
 // status: nonbasic status after postsolve (-1, -2), STATUS_BY_SIGN to let the sign of the reduced cost decide, or -3.
 static constexpr int STATUS_BY_SIGN = -4;
 [[nodiscard]] int fix_column(PresolveWork *w, int j, double v, int status);
-// The one way a column whose bounds have met is removed; leaves it when the range still matters. A PresolveStatus.
+// Removes a column whose bounds are equal up to rounding, unless its range still matters. A PresolveStatus.
 [[nodiscard]] int fix_by_range(PresolveWork *w, int j);
 [[nodiscard]] int fix_at_lower(PresolveWork *w, int j);
 [[nodiscard]] int fix_at_upper(PresolveWork *w, int j);
 [[nodiscard]] int fix_column_if_empty(PresolveWork *w, int j); // fix_empty.cpp
 
 // ---- substitute.cpp ----
-// Records that the column of live entry p leaves through the row of p: row, right-hand side, cost and all other entries
-// of both as they stand. Nothing else changes. 0 or OUT_OF_MEMORY.
+// Pushes the undo record of substituting the column of live entry p through its row: row, right-hand side, cost and all
+// other entries of both. Changes nothing else. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int push_substitution(PresolveWork *w, int p);
-// Whether the row of entry p, held with equality, gives its column an integer value whenever it should have one.
+// True if the row of entry p, as an equation, gives an integer column integer values, or the column is continuous.
 bool keeps_integers(const PresolveWork *w, int p);
 
 // ---- implied.cpp ----
-// Bounds of column j that rows alone imply, from the activities; +-INF when none.
+// Bounds of column j implied by the rows, from the activities; +-INF if none.
 struct ImpliedBounds {
     double lb, ub;
 };
 ImpliedBounds implied_bounds(const PresolveWork *w, int j);
 
-// ---- limits.cpp ----
+// ---- progress.cpp ----
 void presolve_log(PresolveWork *w); // a progress line when one is due
-// The caller's callback function, interruption and time limit: a PresolveStatus.
+// Callback function, interruption and time limit: a PresolveStatus.
 [[nodiscard]] int presolve_check(const PresolveWork *w);
 // The same within a scan, now and then (limits_watch).
 [[nodiscard]] inline int check_limits(PresolveWork *w, double entries)
@@ -288,8 +291,9 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 [[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----
-// Directions of duals of the reduced model, y [rows] and d [columns], that lean on bounds given by pre_free_bounds come to
-// lean on others. Where a limit stops that they stay as they are. 0 or OUT_OF_MEMORY.
+// Rays of dual values of the reduced model, y [rows] and d [columns]: multipliers of bounds given by pre_free_bounds
+// are replaced by multipliers of other bounds and rows. If a limit stops that they stay as they are. 0 or
+// OUT_OF_MEMORY.
 [[nodiscard]] int replace_given_bounds(const PresolveResult *result, double *y, double *d);
 
 // ---- self_check.cpp ----

@@ -1,4 +1,4 @@
-// array.h -- Array<T>, the owning block, and TRY, the error idiom
+// array.h -- Array<T>, an array that owns its memory, and TRY, which passes on error codes
 #pragma once
 #include "runtime/memory.h"
 #include <cassert>
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-static constexpr int OUT_OF_MEMORY = 10001; // the code every failed allocation turns into
+static constexpr int OUT_OF_MEMORY = 10001; // error code of a failed allocation
 
 // TRY(step) is short for: if (int error = step) return error;   the only control flow hidden in a macro
 #define TRY(call)                                                                          \
@@ -14,7 +14,7 @@ static constexpr int OUT_OF_MEMORY = 10001; // the code every failed allocation 
         if (const int error_ = (call)) return error_;                                      \
     } while (0)
 
-// Owns its block; can be moved, not copied. All zero is a valid empty array.
+// Owns its memory; can be moved, not copied. All zero is a valid empty array.
 template<class T> struct Array {
     static_assert(std::is_trivially_copyable_v<T>);
     T *data = nullptr;
@@ -100,7 +100,7 @@ template<class T> [[nodiscard]] int array_copy(Array<T> *a, const T *source, int
     return 0;
 }
 
-// Appends; cannot fail, the room must be there.
+// Appends; cannot fail, there must be room.
 template<class T> void array_push(Array<T> *a, T value)
 {
     assert(a->size < a->room);
@@ -132,7 +132,7 @@ template<class T> [[nodiscard]] int array_extend(Array<T> *a, int64_t n, T value
     while (a->size < n) array_push(a, value);
     return 0;
 }
-// Appends n entries of source, or n times `value` when source is null; the room must be there.
+// Appends n entries of source, or n times `value` if source is null; there must be room.
 template<class T> void array_append_n(Array<T> *a, const T *source, int64_t n, T value)
 {
     assert(a->size + n <= a->room);

@@ -1,4 +1,4 @@
-// clock.cpp -- wall-clock seconds from the system's monotonic clock: no jumps when the date is set, no wrap
+// clock.cpp -- wall-clock seconds from the system's monotonic clock, which does not change when the date is set
 #include "runtime/clock.h"
 #include <ctime>
 

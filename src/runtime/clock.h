@@ -1,4 +1,4 @@
 // clock.h -- wall-clock seconds
 #pragma once
-// Seconds since some fixed moment, monotonic, finer than a microsecond. All time limits are measured with it.
+// Seconds since a fixed moment, monotonic, with a resolution below a microsecond. Used for all time limits.
 double WallClock();

@@ -1,15 +1,14 @@
 // file.cpp -- opening plain and compressed files
 //
 // Problem     Read and write model files, plain or compressed by gzip or bzip2, under any name a file can have.
-// Method      We open the file itself and hand its descriptor to the command as standard input or output, so that
-//             the command never sees the name and no shell exists. The command's other end is a pipe for reading;
-//             for writing it is a socket pair behind a custom stream, since a write to a socket can be told not
-//             to raise SIGPIPE when the command has died. The command's messages are discarded: its exit status is
-//             what counts.
-//             A regular file is written beside its name and renamed when it is complete. Where that is not possible
-//             it is emptied when the command runs, which writes nothing before it gets input from us.
-// Invariant   Every descriptor is closed on exec and numbered 3 or above, also in a process without standard
-//             streams: a file can never take the place of standard output.
+// Method      The file is opened here and its descriptor passed to the command as standard input or output, so that
+//             the command does not get the name and no shell is used. The other end of the command is a pipe for
+//             reading; for writing it is a socket pair with a custom stream, since writes to a socket can be made
+//             without SIGPIPE if the command has ended. Messages of the command are discarded; its exit status is
+//             tested. A regular file is written beside its name and renamed when it is complete; where that is not
+//             possible it is truncated after the command was started, which writes nothing before it gets input.
+// Invariant   Every descriptor is closed on exec and at least 3, also in a process without standard streams, so that a
+//             file cannot become standard output.
 // Cost        One process per compressed file.
 #include "runtime/file.h"
 #include <cerrno>
@@ -164,7 +163,7 @@ static pid_t command_start(const char *command, char mode, int input, int output
     return error ? 0 : child;
 }
 
-// True when the command ended well. A status that somebody else collected is unknown, and not trusted.
+// True if the command ended with status 0. False if another part of the process has collected its status.
 static bool command_succeeded(pid_t child)
 {
     int status = 0;
@@ -225,7 +224,7 @@ static int connection_open(char mode, int *ours, int *theirs)
     return 1;
 }
 
-// Takes over descriptor `target`; closes it unless it is kept in *file.
+// Owns descriptor `target` from here on: closes it unless it is kept in *file.
 static int open_through_command(const char *command, char mode, int target,
                                 FileHandle *file)
 {
@@ -269,7 +268,7 @@ static int open_plain(char mode, int descriptor, FileHandle *file)
     return 0;
 }
 
-// Empties the file that was opened for writing; devices and queues have nothing to lose. 0 or 1.
+// Truncates the file that was opened for writing; devices and queues cannot be truncated. 0 or 1.
 static int empty_file(const FileHandle *file)
 {
     const int descriptor = file->kind == 'p' ? file->target : fileno(file->stream);

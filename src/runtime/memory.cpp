@@ -1,7 +1,8 @@
 // memory.cpp -- the allocation services
 //
-// Problem     Give every block of the library one door, so that tests can count blocks and refuse requests.
-// Method      Plain forwards to the C allocator. With TVX_DEBUG each request passes a counter first.
+// Problem     All allocations of the library go through one set of functions, so that tests can count blocks and make
+//             requests fail.
+// Method      Calls of the C allocator. With TVX_DEBUG each request is counted first.
 // Invariant   (TVX_DEBUG) held = successful allocations - frees of non-null blocks.
 // Cost        That of malloc; two atomic additions more with TVX_DEBUG.
 #include "runtime/memory.h"
@@ -19,7 +20,7 @@ static std::atomic<int64_t> requests{0};   // since process start
 static std::atomic<int64_t> held{0};       // blocks allocated and not freed
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-// Counts a request; true when it has to be refused. Once refusing, the countdown stays at 1.
+// Counts a request; true if it has to fail. After the first failure the countdown stays at 1.
 static bool request_refused()
 {
     requests.fetch_add(1, std::memory_order_relaxed);
@@ -92,5 +93,5 @@ void MemFree(void *block)
     free(block);
 }
 
-// The C library's heap needs no asking on the platforms supported; tuning it would change the caller's process.
+// Nothing to do on the supported platforms; settings of the C library's heap would affect the caller's process.
 void HeapTuning() {}

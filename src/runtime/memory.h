@@ -1,7 +1,7 @@
-// memory.h -- the one door to the heap
+// memory.h -- memory allocation
 //
-// Every block the library owns comes from here. Builds with TVX_DEBUG count blocks and can make the n-th
-// request fail, so that a test can walk every out-of-memory path.
+// All memory of the library is allocated here. Builds with TVX_DEBUG count blocks and can make the n-th
+// request fail, so that tests can run every out-of-memory path.
 #pragma once
 #include <cstddef>
 #include <cstdint>

@@ -1,12 +1,12 @@
 // name_index.cpp -- NameIndex: a chained hash table from text to integer, and the name key
 //
-// Problem     Find the number of a parameter, attribute, row or column by its name, a million names at a time.
-// Method      Chains through a prime number of buckets; entries lie in one array in order of insertion, their
-//             texts in a pool. A growing index doubles when it holds more entries than buckets; rebuilding the
-//             chains in entry order keeps a newer entry before an older one of the same text.
-//             Fixed indexes (short words of our own choice) use a shift-and-fold hash. Growing ones hold names
-//             from model files, which are numbered regularly: there the fold, in which characters six apart
-//             cancel, would leave a few hundred values for a million names, so they multiply and mix instead.
+// Problem     Find the number of a parameter, attribute, row or column by its name, for up to millions of names.
+// Method      Hash table with a prime number of buckets and chaining; entries are in one array in order of insertion,
+//             their texts in a pool. A growing index doubles if it has more entries than buckets; the chains are
+//             rebuilt in entry order, so that a newer entry is found before an older one with the same text.
+//             Fixed indexes (short words chosen by the library) use a shift-and-fold hash. Growing ones hold names
+//             from model files, which often are consecutive numbers: with the fold, in which characters six apart
+//             cancel, a million names would have a few hundred hash values, so they use multiplication and mixing.
 // Cost        O(length) expected for each operation.
 // Literature  P. J. Weinberger's hash in Aho, Sethi, Ullman, "Compilers", 1986 (shift and fold).
 //             G. Fowler, L. C. Noll, K.-P. Vo, FNV-1a; final mix after D. Stafford (SplitMix64).
@@ -15,7 +15,7 @@
 #include "runtime/text_pool.h"
 #include <climits>
 
-// bytes of text allocated at once: below a page with its header
+// Bytes of text allocated at once: with its header less than a page.
 static constexpr size_t POOL_CHUNK = 4000;
 
 struct NameEntry {

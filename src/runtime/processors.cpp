@@ -1,11 +1,11 @@
 // processors.cpp -- how many processors this process may use
 //
-// Problem     A default for thread counts that is neither too high in a container nor too low on a big machine.
+// Problem     A default number of threads that fits containers as well as large machines.
 // Method      The smallest of: the environment variable NUMBER_OF_PROCESSORS, the processors online, the affinity
 //             mask, and the CPU quota of the control groups from this process's own up to the root (version 2:
 //             cpu.max; version 1: cpu.cfs_quota_us / cpu.cfs_period_us). CoreCount also counts the physical cores
 //             that the affinity mask touches, by the lowest of the siblings of each processor.
-// In, out     Reads small system files into buffers on the stack; what cannot be read limits nothing.
+// In, out     Reads small system files into buffers on the stack; a file that cannot be read sets no limit.
 #include "runtime/processors.h"
 #include "runtime/thread.h"
 #include <algorithm>
@@ -20,7 +20,7 @@
 
 static constexpr int MOST_PROCESSORS = 8192; // largest count Linux can be built for
 static constexpr int PATH_LENGTH = 4096;
-static constexpr int TEXT_LENGTH = 4096; // of a system file; the rest is not looked at
+static constexpr int TEXT_LENGTH = 4096; // of a system file; the rest is ignored
 
 int processors_from_text(const char *text)
 {
@@ -125,7 +125,7 @@ struct AffinityMask {
     cpu_set_t Sets[MOST_PROCESSORS / CPU_SETSIZE];
 };
 
-// False when the system does not tell.
+// False if the mask is not available.
 static bool affinity_read(AffinityMask *mask)
 {
     memset(mask, 0, sizeof *mask);

@@ -1,6 +1,6 @@
-// processors.h -- the parts of the processor count that tests look at one by one
+// processors.h -- parts of the processor count, declared for tests
 #pragma once
-// What NUMBER_OF_PROCESSORS says: 1 to 1023, else NO_PROCESSOR_LIMIT. Null counts as unset.
+// The value of NUMBER_OF_PROCESSORS if it is 1 to 1023, else NO_PROCESSOR_LIMIT. Null counts as unset.
 static constexpr int NO_PROCESSOR_LIMIT = 1024;
 int processors_from_text(const char *text);
 // The CPU quota of this process's control groups, rounded up to whole processors; INT_MAX without one. `root` is put

@@ -1,4 +1,4 @@
-// random.h -- Random, a small deterministic stream
+// random.h -- Random, a deterministic pseudorandom number generator
 #pragma once
 #include <cstdint>
 

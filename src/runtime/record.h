@@ -1,4 +1,4 @@
-// record.h -- records made and freed as one block
+// record.h -- allocation of a record, and its release with all its arrays
 #pragma once
 #include "runtime/array.h"
 

@@ -1,4 +1,4 @@
-// text_number.cpp -- numbers to text and back, the same in every locale
+// text_number.cpp -- conversion between numbers and text, independent of the locale
 //
 // Problem     Read hundreds of megabytes of decimal numbers with correct rounding, in a process whose locale may write
 //             the decimal point as a comma.
@@ -20,7 +20,7 @@
 static constexpr int MANTISSA_DIGITS = 19;             // always fit 64 bits
 static constexpr uint64_t EXACT_MANTISSA = 1ull << 53; // integers up to here are doubles
 static constexpr int EXACT_POWER = 22; // 10^22 is the last power of ten that is a double
-// beyond this an exponent only says "out of range"
+// Larger exponents are out of range in any case.
 static constexpr int64_t EXPONENT_LIMIT = 1'000'000;
 
 static const double powers[EXACT_POWER + 1] = {

@@ -1,10 +1,10 @@
-// text_number.h -- numbers to text and back, the same in every locale
+// text_number.h -- conversion between numbers and text, independent of the locale
 #pragma once
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
 
-// room for any text written by the number_ routines, with its end
+// Room for any text written by the number_ routines, with the terminating zero.
 static constexpr int NUMBER_LENGTH = 32;
 
 // The number at the start of text (no white space is skipped): optional sign '+' or '-', decimal digits with an

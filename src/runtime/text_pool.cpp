@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
-// below this the chunk's own record would outweigh its texts
+// With smaller chunks their headers would take most of the memory.
 static constexpr size_t SMALLEST_CHUNK = 64;
 
 struct PoolChunk { // followed by its bytes

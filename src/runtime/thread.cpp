@@ -1,9 +1,9 @@
 // thread.cpp -- threads, pauses and locks on POSIX threads
 //
-// Problem     Start workers, wait for their words without burning a processor, guard the few shared records.
-// Method      A started thread takes its function and argument from a small block that it frees itself. Signals
-//             stay with the caller's threads: workers block them all, but for faults and the profiler's timer.
-//             A wait yields at first, since most waits are short, and sleeps in growing steps after that.
+// Problem     Start worker threads, wait for shared words without using a processor, locks for the few shared records.
+// Method      A started thread takes its function and argument from a small block that it frees itself. Signals are
+//             left to the caller's threads: workers block them all, except faults and the profiler's timer. A wait
+//             first yields the processor, since most waits are short, and then sleeps for increasing times.
 #include "runtime/thread.h"
 #include "runtime/memory.h"
 #include <csignal>
@@ -65,7 +65,7 @@ void ThreadJoin(uintptr_t handle)
 
 static constexpr int YIELD_ROUNDS = 100; // some tens of microseconds when nothing else runs
 static constexpr long FIRST_SLEEP = 20'000; // nanoseconds
-// an idle waiter wakes a thousand times a second at most
+// Nanoseconds: a waiting thread wakes up at most a thousand times per second.
 static constexpr long LONGEST_SLEEP = 1'000'000;
 
 void ThreadPause(int round)

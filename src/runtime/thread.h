@@ -6,13 +6,13 @@
 
 using ThreadFunction = void (*)(void *argument);
 
-// Starts function(argument) on a thread of its own. Non-zero handle, or 0 when it cannot be started; the caller
-// then goes on without it.
+// Starts function(argument) on a new thread. Non-zero handle, or 0 if it cannot be started; the caller then has to
+// continue without it.
 [[nodiscard]] uintptr_t ThreadStart(ThreadFunction function, void *argument);
-// Reclaims a handle. The thread has signalled its end through a flag before, so this does not wait long.
+// Releases a handle. The thread has signalled its end through a flag before, so the wait is short.
 void ThreadJoin(uintptr_t handle);
-// Gives up the processor. `round` counts the polls of one wait: later rounds sleep longer, up to about 1 ms, so
-// that an idle waiter costs next to nothing.
+// Yields the processor. `round` counts the polls of one wait: later rounds sleep longer, up to about 1 ms, so that a
+// waiting thread uses almost no processor time.
 void ThreadPause(int round);
 // The calling thread; never 0.
 uintptr_t ThreadSelf();
@@ -23,8 +23,8 @@ int ProcessorCount();
 // The same, also bounded by the number of physical cores.
 int CoreCount();
 
-// One word that one side stores and another polls. The field itself stays a plain word, so that records which
-// hold it can be copied as bytes.
+// Access to a word that one thread stores and another polls. The field itself is a plain word, so that records that
+// contain it can be copied as bytes.
 // NOLINTBEGIN(readability-non-const-parameter): atomic_ref takes no reference to const
 template<class Word> Word flag_load(Word *word)
 {

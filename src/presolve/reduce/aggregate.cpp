@@ -1,12 +1,13 @@
-// aggregate.cpp -- columns that rows keep within their bounds leave through equations
+// aggregate.cpp -- aggregation: implied free columns are substituted out through equations
 //
-// Problem     A column whose bounds are implied by the rows can be read off an equation; putting it into the other rows
-//             removes a column and a row at the price of fill.
-// Method      Doubleton equations first, since they never fill. Then columns in the order of the fill that their shortest
-//             equation threatens; each is tested as the model stands when its turn comes, so that no two columns vouch
-//             for each other. At last free columns without equations become slacks.
-// Numerics    Multiples of the row grow by the largest of the column over the pivot, the error of the point by the
-//             largest of the row over it: one of the two must be small, and none large.
+// Problem     A column whose bounds are implied by the rows (implied free) can be computed from an equation;
+//             substituting it in the other rows removes a column and a row but causes fill.
+// Method      Doubleton equations first, since they cause no fill. Then columns in the order of the possible fill with
+//             their shortest equation; each is tested again on the current model when its turn comes, so that the
+//             bounds of two columns are not both implied by each other. Last, free columns without equations become
+//             slacks.
+// Numerics    The errors of rows grow by the largest entry of the column over the pivot, the error of the point by the
+//             largest entry of the row over the pivot: one of the two must be small, and none large.
 // Cost        O(entries of the candidates) for ranking; eliminations as they are.
 // Literature  H. M. Markowitz, "The elimination form of the inverse and its application to linear programming",
 //             Management Science 3, 1957. A. L. Brearley, G. Mitra, H. P. Williams, "Analysis of mathematical
@@ -18,13 +19,17 @@
 
 namespace
 {
-constexpr double IMPLIED = 1e-9; // by which an implied bound may miss the bound
+constexpr double IMPLIED = 1e-9; // by which an implied bound may be weaker than the bound
 constexpr double LEAST_PIVOT = 1e-6;
-constexpr double RELATIVE_PIVOT = 0.1;              // against the largest of column or row
-constexpr double WORST_PIVOT = 1e-3;                // against the largest of both
-constexpr int THREAT_SHARE = 10, THREAT_LEAST = 40; // of the fill that is accepted
-constexpr int OVERLAP_STEPS = 1000;                 // to count the true fill of one pivot
-// Effort of one call, and of all: dense rows and columns that are met again and again must not cost their square.
+// smallest pivot over the largest entry of its column or of its row
+constexpr double RELATIVE_PIVOT = 0.1;
+constexpr double WORST_PIVOT = 1e-3; // smallest pivot over the largest entry of both
+// limits of the possible fill (most_threat)
+constexpr int THREAT_SHARE = 10, THREAT_LEAST = 40;
+// limit of the steps to count the true fill of one pivot
+constexpr int OVERLAP_STEPS = 1000;
+// Limits of the effort of one call and of all calls, so that dense rows and columns that take part in many eliminations
+// do not cost their square.
 constexpr double EFFORT_PER_ENTRY = 100, EFFORT_AT_LEAST = 1e6, CALLS = 3;
 
 bool may_leave(const PresolveWork *w, int j)
@@ -32,7 +37,7 @@ bool may_leave(const PresolveWork *w, int j)
     return is_live_col(w, j) && w->ColFlags.data[j] == 0 && w->ColCnt.data[j] > 0;
 }
 
-// Entries that come less entries that go, at most, when x_j leaves through a row of this length.
+// Upper bound of new entries minus removed entries if x_j is substituted through a row of this length.
 int64_t net_fill(int64_t col_length, int64_t row_length)
 {
     return (col_length - 2) * (row_length - 2) - 2;
@@ -49,7 +54,8 @@ bool is_stable(const PresolveWork *w, int p, double col_largest)
            errors_allow(w, p, col_largest, row_largest);
 }
 
-// How many entries of the pivot row's pattern the other rows of the pivot column have already; at least so many.
+// Lower bound of the number of entries that the other rows of the pivot column already have in the pattern of the pivot
+// row.
 int64_t overlap(PresolveWork *w, int p)
 {
     const PresolveNode pivot = w->Nodes.data[p];
@@ -69,7 +75,7 @@ int64_t overlap(PresolveWork *w, int p)
     return common;
 }
 
-// Threatened fill up to which counting the true one is worth the trouble (1 % of the rows of netlib and Meszaros).
+// Possible fill up to which the true fill is counted: on Netlib and Meszaros that removes 1 % more rows.
 int64_t most_threat(const PresolveWork *w)
 {
     return THREAT_SHARE * int64_t{w->Env->AggFill} + THREAT_LEAST;
@@ -84,7 +90,7 @@ bool fills_little(PresolveWork *w, int p)
     return threat - overlap(w, p) <= most;
 }
 
-// The entry of the shortest equation of column j through which it may leave, or -1.
+// The entry of column j in its shortest equation with an acceptable pivot, or -1.
 int best_pivot(PresolveWork *w, int j)
 {
     const double largest = largest_in_col(w, j);
@@ -103,7 +109,7 @@ int best_pivot(PresolveWork *w, int j)
     return best;
 }
 
-// Threatened fill of column j through its shortest equation, or -1 when it has none that would do.
+// Possible fill of column j with its shortest equation, or -1 if it has no equation with an acceptable pivot.
 int rank_of(const PresolveWork *w, int j)
 {
     int64_t length = INT_MAX;

@@ -1,30 +1,32 @@
-// aggregate_eliminate.cpp -- a column leaves all rows but one, by an elimination step with that row as pivot
+// aggregate_eliminate.cpp -- elimination of a column from all rows but the pivot row
 //
-// Problem     Row r, a x_j + sum a_k x_k = b, is to replace x_j in the objective and in the other rows i of column j:
+// Problem     Use row r, a x_j + sum a_k x_k = b, to eliminate x_j from the objective and the other rows i of column j:
 //             row i -= (a_ij / a) row r, c -= (c_j / a) row r.
 // Method      One sparse vector (the pattern) is scattered and added as a multiple to each of several lists: row r to
-//             the rows of column j, or column j to the columns of row r, whichever lists are shorter in sum. Where
-//             there is a long list on both ways, each entry is searched for by itself in the shorter of its two
-//             lists, and moved to the head, as the next pivot will ask for it again. New
-//             entries take nodes of the free list. Where many columns go into the same one, that one is mapped first
-//             (row -> entry), and nothing is searched.
+//             the rows of column j, or column j to the columns of row r, whichever lists are shorter in total. If both
+//             ways have a long list, each entry is searched separately in the shorter of its two lists and moved to the
+//             head, as the next pivots will need it again. New entries take nodes of the free list. If many columns are
+//             substituted by the same one, its entries are mapped first (row -> entry), and no search is needed.
 // Errors      With s the size of the terms of an entry, a step a_ij a_k / a has the size
-//             max(s_ij a_k, s_k a_ij, a_ij a_k s / a) / a, as the factor a_ij / a is as wrong as what it is made from.
-//             A sum that is rounding beside its size is zero, and the entry goes.
-// Invariant   Counts, right-hand sides, activities and errors follow each single entry.
+//             max(s_ij a_k, s_k a_ij, a_ij a_k s / a) / a, since the factor a_ij / a has the errors of its operands. A
+//             sum that is small relative to its size counts as zero, and the entry is deleted.
+// Invariant   Counts, right-hand sides, activities and errors are updated with each entry.
 // Cost        O(entries of the lists + length of row * length of column).
 #include "presolve/errors.h"
 #include "presolve/reduce/aggregate.h"
 
 namespace
 {
-constexpr double CANCELLED = 1e-13;        // of the largest term: what is left is rounding
-constexpr double WORTH_COMPRESSING = 0.05; // share of the nodes that must be dead
+// sums below this share of their largest term count as zero
+constexpr double CANCELLED = 1e-13;
+// share of dead nodes from which compression pays
+constexpr double WORTH_COMPRESSING = 0.05;
 constexpr double PIVOT_EFFORT = 20;
-constexpr int LOG_EVERY = 10000; // columns
-constexpr int LONG_WAY = 2000;   // entries from which each is searched for by itself
+constexpr int LOG_EVERY = 10000; // columns between progress lines
+// entries of the lists from which each is searched separately
+constexpr int LONG_WAY = 2000;
 
-// a + b, or zero when the digits have cancelled; `size` is that of the terms of both.
+// a + b, or zero if the digits cancelled; `size` is the size of the terms of both.
 double add_cleanly(double a, double b, double size, double zero)
 {
     const double sum = a + b;
@@ -32,7 +34,7 @@ double add_cleanly(double a, double b, double size, double zero)
     return std::fabs(sum) < noise ? 0 : sum;
 }
 
-// A number with the size of the terms that made it.
+// A number with the size of the terms that it was computed from.
 struct Sized {
     double value, size;
 };
@@ -72,7 +74,7 @@ int next_along(const PresolveWork *w, Along along, int p)
     return along == Along::ROW ? next_in_row(w, p) : next_in_col(w, p);
 }
 
-// The coefficient of column j in row i becomes `after`; rows whose activity lost its digits are remembered.
+// The coefficient of column j in row i becomes `after`; notes rows whose activity lost digits.
 void coefficient_moves(PresolveWork *w, int i, int j, double before, double after)
 {
     if (change_coefficient(w, i, j, before, after)) w->ScratchC.data[i] = 1;
@@ -101,7 +103,7 @@ void insert_fill(PresolveWork *w, int i, int j, Sized step)
     set_entry_size(w, w->RowHead.data[i], step.size);
 }
 
-// Takes deleted entries out of a list that is about to be walked: one that meets many eliminations would drag them all.
+// Unlinks deleted entries from a list before it is read, since a list in many eliminations would collect them.
 void sweep_along(PresolveWork *w, Along along, int line)
 {
     if (along == Along::ROW && (w->RowMark.data[line] & NEEDS_SWEEP)) sweep_row(w, line);
@@ -156,7 +158,7 @@ void clear_scatter(PresolveWork *w, const Pattern *pattern)
         w->Scratch.data[pattern->index[q]] = w->ScratchB.data[pattern->index[q]] = 0;
 }
 
-// Entries that are visited when row r is added to the rows of column j, or column j to the columns of row r.
+// Entries visited if row r is added to the rows of column j, or column j to the columns of row r.
 struct Ways {
     int64_t by_rows = 0, by_cols = 0;
 };
@@ -360,7 +362,7 @@ static void merge_into_mapped(PresolveWork *w, int p, int k, Sized b)
     }
 }
 
-// Takes row and column of entry p, which the other rows no longer need, out of the model.
+// Removes row and column of entry p.
 static void remove_pivot(PresolveWork *w, int p)
 {
     const int r = w->Nodes.data[p].row, j = w->Nodes.data[p].col;

@@ -1,37 +1,39 @@
-// column_singleton.cpp -- a column with a single entry: free ones take their row along, others become its slack
+// column_singleton.cpp -- column singletons: free ones are removed with their row, others become the slack of the row
 //
-// Method      Column j has its only entry a in row r: a x_j + rest = b, or <= b where the cost pushes x_j against the
-//             row, so that it may be taken to hold with equality. The cost then moves to the rest:
-//             c_j x_j = c_j / a (b - rest). Where bounds of x_j are absent or implied by the row,
-//             - on both sides, row and column go: any rest will do;
-//             - on one side, the other bound says rest <= b - a bound (or >=), and the column goes as the slack of that.
-//             The row that is left is brought to '<' and, when |a| < 1, into the units of x_j, so that its tolerance is
-//             one of x_j.
-// Way back    x_j = (b - rest) / a. With y' the dual of the row that was left, y = y' + c_j / a, and the column takes the
-//             place of the row's slack: basic with it, else at the bound that had become the row.
-// Invariant   A bound counts as implied by the bounds of the other columns as they stand in the record, and these stay.
-// Cost        O(length of the row) per column that goes; an inequality loses one slack, and the others are dominated then.
+// Method      Column j has its only entry a in row r: a x_j + rest = b, or <= b if the cost makes the row tight in some
+//             optimum, so that it may be taken as an equation. The cost moves to the other columns:
+//             c_j x_j = c_j / a (b - rest). If bounds of x_j are infinite or implied by the row,
+//             - on both sides, row and column are removed;
+//             - on one side, the other bound gives rest <= b - a bound (or >=), and the column becomes its slack.
+//             The remaining row is brought to '<' and, if |a| < 1, to the units of x_j, so that its tolerance is one of
+//             x_j.
+// Postsolve   x_j = (b - rest) / a. With y' the dual value of the remaining row, y = y' + c_j / a, and the column
+// replaces
+//             the slack of that row: basic if the slack is basic, otherwise at the bound that became the row.
+// Invariant   Implied bounds are computed from the current bounds of the other columns, which are kept.
+// Cost        O(length of the row) per column removed. Of the slacks of an inequality one is removed; the others are
+//             dominated then.
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 #include "presolve/reduce/columns.h"
 
 namespace
 {
-constexpr double IMPLIED = 1e-9; // by how much a bound may miss being implied
-constexpr double NO_COST = 1e-9; // reduced cost of the row's slack that counts as none
+constexpr double IMPLIED = 1e-9; // by which an implied bound may be weaker than the bound
+constexpr double NO_COST = 1e-9; // reduced cost of the row's slack that counts as zero
 constexpr double LITTLE_RANGE = 1e-6, LITTLE_COST = 1e-6;
-// least entry beside the largest of the row: free column
+// Smallest entry relative to the largest of the row: for a free column, ...
 constexpr double FREE_RATIO = 1e-6;
-// ... implied free: errors of others show in its bounds
+// ... for an implied free column, as errors of other columns may violate its bounds,
 constexpr double IMPLIED_RATIO = 1e-3;
-constexpr double SLACK_RATIO = 1e-3; // ... slack column
+constexpr double SLACK_RATIO = 1e-3; // ... for a slack column
 
-// What the pass needs to know of a column singleton.
+// A column singleton in the pass.
 struct Singleton {
     int p, row, col;
     double a, cost;
     bool free_below, free_above;
-    bool bounded; // some of this is implied only
+    bool bounded; // some of these bounds are infinite only by implication
     bool is_free() const { return free_below && free_above; }
 };
 
@@ -49,7 +51,7 @@ bool may_try(const PresolveWork *w, int j)
     }
 }
 
-// Cost and range so out of proportion that the row's tolerance would decide about the cost.
+// True if cost and range are so different in size that the tolerance of the row would dominate the cost.
 bool is_weak(const PresolveWork *w, int j, double a)
 {
     const double range = w->Ub.data[j] - w->Lb.data[j];
@@ -71,17 +73,17 @@ Singleton examine(const PresolveWork *w, int j)
     return s;
 }
 
-// Whether the row may be taken to hold with equality, and at least one bound is none.
+// True if the row may be taken as an equation, and at least one bound is infinite or implied.
 bool may_leave(const PresolveWork *w, const Singleton *s)
 {
     if (w->Sense.data[s->row] == '=') return s->free_below || s->free_above;
-    // The dual that the inequality gets must not be positive, and on the side on which the row pushes x_j back, its own
-    // bound must not matter.
+    // The dual value of the inequality must not be positive, and on the side on which the row bounds x_j its own bound
+    // must be infinite or implied.
     return s->cost * s->a <= NO_COST * s->a * s->a &&
            (s->a > 0 ? s->free_above : s->free_below);
 }
 
-// Of the slacks of an inequality, the one with the least c / a: the others find their bounds at its dual.
+// Of the slacks of an inequality, the one with the smallest c / a: its dual value makes the others dominated.
 Singleton best_slack(PresolveWork *w, Singleton best)
 {
     for (int q = first_in_row(w, best.row); q >= 0; q = next_in_row(w, q)) {
@@ -94,10 +96,11 @@ Singleton best_slack(PresolveWork *w, Singleton best)
     return best;
 }
 
-// What the rest of the row says about accuracy and about the start of the dual simplex.
+// Properties of the rest of the row that matter for accuracy and for the start of the dual simplex.
 struct Rest {
     double largest;
-    int wrong; // columns whose reduced cost would have the sign of a bound that is absent
+    // columns that would be dual infeasible: no bound for the sign of their reduced cost
+    int wrong;
 };
 
 Rest examine_rest(PresolveWork *w, const Singleton *s)
@@ -126,7 +129,7 @@ bool is_safe(PresolveWork *w, const Singleton *s)
     return std::fabs(s->a) >= ratio * rest.largest;
 }
 
-// The cost of the column moves to the others of its row.
+// Moves the cost of the column to the others of its row.
 void move_cost(PresolveWork *w, const Singleton *s)
 {
     if (s->cost == 0) return; // as stored
@@ -157,7 +160,7 @@ int substitute(PresolveWork *w, const Singleton *s)
     return 0;
 }
 
-// Factor of the row that is left when the bound on that side (+1: lower, -1: upper) becomes it.
+// Factor on the remaining row if the bound on that side (+1: lower, -1: upper) becomes its right-hand side.
 double row_factor(double a, int side)
 {
     int exponent = 0;
@@ -184,7 +187,7 @@ int record_slack(PresolveWork *w, const Singleton *s, double bound, int side, do
     return 0;
 }
 
-// The column goes as the slack of its row; its bound on that side becomes the row.
+// Removes the column as the slack of its row; its bound on that side becomes part of the row.
 int absorb(PresolveWork *w, const Singleton *s, int side)
 {
     const int i = s->row;

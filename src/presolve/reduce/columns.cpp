@@ -1,11 +1,10 @@
-// columns.cpp -- the column pass: columns whose value is known, or that their rows let go
+// columns.cpp -- the column pass: fixed, empty, singleton and dominated columns
 //
-// Method      A column whose bounds have met is fixed; an empty one goes where its cost wants it; the only entry of a
-//             column is handed to column_singleton.cpp. A column is dominated when cost and all rows agree on a
-//             direction: moving it there costs nothing and hurts no inequality. It goes to its bound on that side; without
-//             one the model has no optimum, or, at no cost, the rows of the column can always be satisfied
-//             (dominated.cpp).
-// Cost        O(entries of the columns looked at)
+// Method      A column with equal bounds is fixed; an empty one is fixed by its cost; a column singleton is handed to
+//             column_singleton.cpp. A column is dominated if moving it in one direction does not increase the cost and
+//             violates no inequality. It is fixed at its bound on that side; if it has none the model is infeasible or
+//             unbounded, or, at cost zero, the rows of the column can always be satisfied (dominated.cpp).
+// Cost        O(entries of the columns processed)
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/reduce/columns.h"
 #include "presolve/claim.h"
@@ -13,10 +12,10 @@
 
 namespace
 {
-constexpr double CLOSED = 1e-10; // a range below is none
+constexpr double CLOSED = 1e-10; // a smaller range counts as zero
 constexpr double NO_COST = 1e-10;
 
-// Directions in which neither the cost nor a row holds column j back.
+// Directions in which neither the cost nor a row restricts column j.
 struct Ways {
     bool up, down;
 };
@@ -36,7 +35,7 @@ Ways free_ways(const PresolveWork *w, int j)
     return ways;
 }
 
-// Nothing bounds column j upwards (sign +1) or downwards (-1), and nothing holds it back.
+// Column j improves the objective without limit upwards (sign +1) or downwards (-1).
 int run_away(PresolveWork *w, int j, int sign)
 {
     if (sign * w->Obj.data[j] < -w->OptTol - cost_error(w, j)) {
@@ -80,7 +79,7 @@ int try_columns(PresolveWork *w, const int *list, int count, bool dual)
     return 0;
 }
 
-// Those that were touched since the worklist had `begin` columns: a chain collapses at once.
+// Processes the columns touched since the worklist had `begin` columns, so that chains are reduced in one pass.
 int try_touched(PresolveWork *w, int begin, bool dual)
 {
     const WorkList *touched = cols_of_phase(w);

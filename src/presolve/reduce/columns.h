@@ -2,14 +2,14 @@
 #pragma once
 #include "presolve/work.h"
 
-// Column j has one entry. It goes through that row, takes the row's place as its slack, or stays; another slack of
-// the row may go in its place. Flag[row] is set when this row need not be tried again. A PresolveStatus.
+// Column j has one entry. It is substituted out with its row, becomes the slack of the row, or stays; another slack of
+// the row may be removed instead. Sets Flag[row] if this row need not be tried again. A PresolveStatus.
 [[nodiscard]] int pre_column_singleton(PresolveWork *w, int j);
-// Column j, at no cost and without a bound on that side, can be moved up (sign +1) or down (-1) until all its rows hold:
-// it goes with them, unless that would be inaccurate. A PresolveStatus.
+// Column j has cost zero and no bound on that side, and can be moved up (sign +1) or down (-1) until all its rows are
+// satisfied: removes it with these rows, unless that would be inaccurate. A PresolveStatus.
 [[nodiscard]] int pre_dominated(PresolveWork *w, int j, int sign);
 
-// What the pass remembers of long rows, so that no row is walked for each of its columns. Flag holds the notes.
+// Notes (in Flag) about long rows, so that a row is not read again for each of its columns.
 static constexpr int LONG_ROW = 50;
 enum RowNote {
     SINGLETON_REFUSED = 1, // one refusal per pass is enough

@@ -1,32 +1,33 @@
-// dependent_rows.cpp -- equations, and free columns, that follow from others
+// dependent_rows.cpp -- linearly dependent equations and free columns
 //
-// Method      The elimination of elimination.cpp proposes a combination; it is then verified on the entries themselves,
-//             and right-hand sides (costs) decide: the same combination of them and the equation goes, another one and
-//             there is no solution. A free column that is a combination of free columns at the same price is not needed;
-//             at another price it would be unbounded.
-// Way back    A row that went has its slack basic and no dual. A column that went is free at zero; its reduced cost is
-//             that combination of others, hence zero.
-// Cost        A fixed number of times the entries at most.
+// Method      The elimination of elimination.cpp proposes a linear combination, which is verified with the entries. If
+//             the right-hand sides (costs) have the same combination, the equation is removed; otherwise the model is
+//             infeasible. A free column that is a combination of free columns is removed if its cost is that
+//             combination of their costs; otherwise the model is unbounded or infeasible.
+// Postsolve   A removed row has a basic slack and dual value 0. A removed column is free nonbasic at zero; its reduced
+//             cost is that combination of others, hence zero.
+// Cost        At most a fixed multiple of the entries.
 #include "presolve/errors.h"
 #include "presolve/reduce/elimination.h"
 
 namespace
 {
-// of the largest term: what the combination may miss in an entry
+// Largest difference of an entry to the combination, relative to the largest term.
 constexpr double EXACT = 1e-10;
-constexpr double SAME = 1e-9; // the same of right-hand sides
-// of multipliers: violations of the rows that stay add up in the one that goes
+constexpr double SAME = 1e-9; // the same for right-hand sides
+// Largest sum of multipliers, as violations of the remaining rows add up in the removed one.
 constexpr double LARGEST_SUM = 1e3;
-constexpr double CERTAIN = 10;        // times what tolerances allow: a contradiction
+// a difference of this many tolerances is a contradiction
+constexpr double CERTAIN = 10;
 constexpr double WORK_PER_ENTRY = 20; // limit of the effort
 
-// What a combination of lines leaves of a line.
+// Difference of a line to a combination of lines.
 struct Remainder {
     bool exact = true;
-    double gap = 0;   // right-hand side or cost less the same combination
-    double size = 0;  // of the terms of the gap
-    double sum = 1;   // of multipliers, with that of the line itself
-    double error = 0; // of the gap
+    double gap = 0;   // right-hand side or cost minus the same combination
+    double size = 0;  // size of the terms of the gap
+    double sum = 1;   // sum of |multipliers|, with 1 for the line itself
+    double error = 0; // error of the gap
 };
 
 void add_line(PresolveWork *w, Axis axis, int line, double factor)

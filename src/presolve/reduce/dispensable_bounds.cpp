@@ -1,10 +1,10 @@
-// dispensable_bounds.cpp -- bounds of columns that the rows imply anyway
+// dispensable_bounds.cpp -- bounds of columns that are implied by rows
 //
-// Problem     A column without an upper bound has a reduced cost >= 0, one without a lower bound <= 0, and that limits
-//             the duals. A bound that the rows imply could as well not be there.
-// Method      Shorter columns first, each bound in turn: it is dispensable when one row with the bounds that are not
-//             given up yet implies it. What is given up counts as missing in the rows from then on, so that all of
-//             them can be left out together without a change of the feasible set.
+// Problem     A column without an upper bound has a reduced cost >= 0, one without a lower bound <= 0, which limits the
+//             dual values. A bound implied by the rows can be treated as infinite.
+// Method      Shorter columns first, each bound in turn: it is dispensable if one row with the bounds that are not yet
+//             dispensable implies it. From then on it counts as infinite in the rows, so that all dispensable bounds
+//             can be removed together without a change of the feasible set.
 // In, out     given[j] bits, 1 << Side of the bounds that are dispensable or absent. The counts of missing terms of the
 //             record are used and restored.
 // Cost        O(entries).
@@ -15,9 +15,9 @@
 namespace
 {
 constexpr double SMALL_ENTRY = 1e-9;
-// of the row's largest entry: from less a bound is inaccurate
+// Smallest entry relative to the largest of its row: a smaller one implies an inaccurate bound.
 constexpr double SMALL_SHARE = 1e-3;
-constexpr double TOUCHING = 1e-9; // the bound may be this much tighter than what is implied
+constexpr double TOUCHING = 1e-9; // the bound may be tighter than the implied one by this
 
 // The largest entry of each live row, in Scratch.
 int largest_of_rows(PresolveWork *w)
@@ -32,12 +32,12 @@ int largest_of_rows(PresolveWork *w)
     return 0;
 }
 
-// Does the row of entry p imply the bound of its column by its upper (a x <= b) or lower limit?
+// True if the row of entry p implies the bound of its column by its upper (a x <= b) or lower limit.
 bool row_implies(const PresolveWork *w, int p, int side, int row_side, int given)
 {
     const PresolveNode &node = w->Nodes.data[p];
     const int i = node.row, j = node.col;
-    const bool least = row_side == UPPER_SIDE; // others at their least
+    const bool least = row_side == UPPER_SIDE; // minimal activity of the others
     const double sum = least ? w->RMin.data[i] : w->RMax.data[i];
     const int infinite = least ? w->Rmincnt.data[i] : w->Rmaxcnt.data[i];
     const double own = side == UPPER_SIDE ? w->Lb.data[j] : w->Ub.data[j]; // in the sum
@@ -63,7 +63,7 @@ bool rows_imply(const PresolveWork *w, int j, int side, int given)
     return false;
 }
 
-// The terms of a bound become missing (step 1), or there again (-1).
+// The terms of a bound become infinite (step 1) or finite again (-1).
 void count_missing(PresolveWork *w, int j, int side, int step)
 {
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {

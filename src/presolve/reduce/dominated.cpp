@@ -1,10 +1,12 @@
-// dominated.cpp -- a column at no cost and without a bound that can satisfy all its rows
+// dominated.cpp -- a column with cost zero, without a bound on one side, that can satisfy all its rows
 //
-// Method      All rows of the column are inequalities that moving it one way relaxes. Whatever the other columns do, far
-//             enough out all of them hold: they go, and the column with them.
-// Way back    The column goes just as far as its rows and its own bound on the other side demand. The row that demands
-//             most is nonbasic without a dual, and the column basic; when its bound demands most, it is nonbasic there.
-// Invariant   No row leaves through an entry that is tiny beside its others: the column would run far away.
+// Method      All rows of the column are inequalities that are relaxed by moving it in one direction. For any values of
+//             the other columns all of them are satisfied if it is moved far enough: rows and column are removed.
+// Postsolve   The column is moved as far as its rows and its bound on the other side require. If a row requires most,
+// its
+//             slack is nonbasic with dual value 0 and the column basic; otherwise the column is nonbasic at its bound.
+// Invariant   No row is removed if the entry of the column is tiny relative to the largest of the row, as the value of
+//             the column could become huge.
 // Cost        O(entries of the rows)
 #include "presolve/postsolve.h"
 #include "presolve/reduce/columns.h"
@@ -13,9 +15,11 @@
 
 namespace
 {
-constexpr double SMALL_RATIO = 1e-6; // the column's entry beside the largest of its row
+// smallest entry of the column relative to the largest of the row
+constexpr double SMALL_RATIO = 1e-6;
 
-// The largest entry of row i; of a long row it is noted, as many columns may ask. Entries may have gone since then.
+// The largest entry of row i; stored for long rows, as many columns may need it. Entries may have been deleted since
+// then.
 double largest_of(PresolveWork *w, int i)
 {
     if (w->Flag.data[i] & LARGEST_KNOWN) return w->ScratchB.data[i];

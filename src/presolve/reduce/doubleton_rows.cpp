@@ -1,14 +1,16 @@
-// doubleton_rows.cpp -- an equation of two columns removes one of them; its bounds move to the other
+// doubleton_rows.cpp -- doubleton equations: one column is substituted out, its bounds are transferred to the other
 //
-// Problem     a x + b y = c. Then x = (c - b y) / a, and lx <= x <= ux is a bound on y on either side.
-// Method      Bounds of x that the rows do not imply are written onto y where they are tighter; x is free then and is
-//             substituted out. No entry is added in sum. The column with fewer entries is x, unless its pivot is so
-//             small that the error of y would grow in it. All doubletons of a column y that stays are done while it is
-//             mapped, those that come to it by a merge as well, so that stars and chains collapse at once.
-// Way back    The record lies below that of the substitution, so x is basic when it is undone. If y stands at a bound
-//             that x gave, it is x that stands at its bound: y becomes basic in its place, and the row's dual takes
-//             over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
-// Cost        O(length of y) per y, O(length of x) per x; O(length of y) when its bounds have changed.
+// Problem     a x + b y = c. Then x = (c - b y) / a, and lx <= x <= ux gives two bounds on y.
+// Method      Bounds of x that the rows do not imply are transferred to y if they are tighter; then x is free and is
+//             substituted out. The number of entries does not increase. The column with fewer entries is x, unless its
+//             pivot is so small that errors of y would grow in x. All doubleton equations of a remaining column y are
+//             processed while it is mapped, also those that it gets by a substitution, so that stars and chains of
+//             doubletons are reduced in one pass.
+// Postsolve   The record is below that of the substitution, so x is basic when it is undone. If y is nonbasic at a
+// bound
+//             transferred from x, x is at its own bound: y becomes basic instead of x, and the dual value of the row
+//             takes over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
+// Cost        O(length of y) per y, O(length of x) per x; O(length of y) if its bounds have changed.
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
@@ -17,12 +19,15 @@
 namespace
 {
 constexpr double LEAST_PIVOT = 1e-6;
-constexpr double MOST_RATIO = 1e3;  // of the two coefficients, when bounds move
-constexpr double FREE_RATIO = 1e4;  // when they need not
-constexpr double MOST_BOUND = 1e15; // a moved bound beyond says nothing
-constexpr double TIGHTER = 1e-10;   // least improvement
-constexpr double NO_RANGE = 1e-9; // bounds have met: the reduced cost tells which one holds
-constexpr int SAME_LENGTH = 2;    // so many entries more are accepted for the larger pivot
+// largest ratio of the two coefficients if bounds are transferred
+constexpr double MOST_RATIO = 1e3;
+constexpr double FREE_RATIO = 1e4;  // and if none is
+constexpr double MOST_BOUND = 1e15; // a larger transferred bound counts as infinite
+constexpr double TIGHTER = 1e-10;   // smallest improvement of a bound
+// range that counts as zero: the reduced cost decides which bound is active
+constexpr double NO_RANGE = 1e-9;
+// additional entries that are accepted for the larger pivot
+constexpr int SAME_LENGTH = 2;
 enum Mode { LOWER = 1, UPPER = 2 }; // sides of y whose bound x gave
 
 // One way to use a doubleton row.
@@ -35,7 +40,7 @@ struct Step {
     bool possible;
 };
 
-// Puts the bound of x at `bound` onto y. False when it comes out too large to be one.
+// Transfers the bound of x at `bound` to y. False if the result is too large to count as finite.
 bool move_bound(Step *s, double c, double bound, bool is_upper)
 {
     const double t = (c - s->a * bound) / s->b;
@@ -54,14 +59,14 @@ bool move_bound(Step *s, double c, double bound, bool is_upper)
     return true;
 }
 
-// The column that stays, and the bounds it has been given since it was mapped: they are entered into the activities when
-// the merging into it ends, so that it is not walked for each of them.
+// The remaining column with the bounds transferred to it since it was mapped. Activities are updated once, when all
+// substitutions by this column are done.
 struct Kept {
     int col;
     double lb, ub;
 };
 
-// What removing the column of entry p takes; q is the other entry of its row.
+// The substitution of the column of entry p; q is the other entry of its row.
 Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
 {
     const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
@@ -86,7 +91,7 @@ Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
     return s;
 }
 
-// Whether the column of entry p is the one to leave rather than that of q.
+// True if the column of entry p should be substituted out rather than that of q.
 bool leaves_rather(const PresolveWork *w, int p, int q)
 {
     const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
@@ -141,7 +146,7 @@ bool is_doubleton(const PresolveWork *w, int i)
     return w->RowCnt.data[i] == 2 && w->Sense.data[i] == '=';
 }
 
-// The row of entry q of the mapped column, if that column is the one to stay.
+// Processes the row of entry q of the mapped column, if that column is the one to remain.
 int try_entry(PresolveWork *w, int q, Kept *kept)
 {
     const int i = w->Nodes.data[q].row;
@@ -154,7 +159,7 @@ int try_entry(PresolveWork *w, int q, Kept *kept)
     return substitute_by_mapped(w, s.p, q);
 }
 
-// All doubletons of column y in which it stays. New entries stand before those that were there: they are walked next.
+// All doubleton equations of column y in which it remains. New entries are at the head of its list and processed next.
 int merge_into(PresolveWork *w, int y, double most_work)
 {
     map_column(w, y);

@@ -1,17 +1,18 @@
-// dual_bounds.cpp -- bounds on duals fix columns and turn inequalities into equations
+// dual_bounds.cpp -- bounds on dual values fix columns and turn inequalities into equations
 //
 // Problem     A column without an upper bound has reduced cost c - a y >= 0 in every optimum, one without a lower bound
-//             <= 0; a row a x <= b has y <= 0. What follows for the duals of all rows, and from these for the others?
-// Method      Bounds that the rows imply count as absent (dispensable_bounds.cpp). The inequalities of columns are
-//             propagated like rows. A column whose reduced cost is then bounded away from zero stands at its bound in
-//             every optimum, and a row whose dual is bounded away from zero is tight.
-// Safety      All inequalities are held wider by OptTol, which is also how far a reduced cost or dual has to be from
-//             zero: so the conclusions hold for every solution that is dual feasible within the tolerance. Columns and
-//             signs of rows that a conclusion rests on stay (bound_origins.cpp), and a bound that counted as absent
-//             there is taken away in the model too. Therefore the duals of the reduced model have what was concluded.
-// Way back    A fixed column is nonbasic at its bound with a reduced cost of that sign (fix.cpp); a row that became an
-//             equation comes back with a dual of the sign of an inequality, and tight. Nothing to remember.
-// Cost        O(entries) for each of few rounds.
+//             <= 0; a row a x <= b has y <= 0. Find the bounds on dual values that these inequalities imply.
+// Method      Bounds implied by the rows count as infinite (dispensable_bounds.cpp). The inequalities of columns are
+//             propagated like rows. A column whose reduced cost is then bounded away from zero is at its bound in every
+//             optimum, and a row whose dual value is bounded away from zero is tight.
+// Safety      All inequalities are widened by OptTol, which is also the smallest distance of a reduced cost or dual
+// value
+//             to zero: so the conclusions hold for every solution that is dual feasible within the tolerance. Columns
+//             and signs of rows that a conclusion depends on are kept (bound_origins.cpp), and bounds that were counted
+//             as infinite for it are removed from the model. Therefore the conclusions hold for the reduced model.
+// Postsolve   A fixed column is nonbasic at its bound with a reduced cost of that sign (fix.cpp); a row that became an
+//             equation is tight and has a dual value with the sign of an inequality. No undo record is needed.
+// Cost        O(entries) for each of a few rounds.
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 //             J. Gondzio, "Presolve analysis of linear programs prior to applying an interior point method",
 //             INFORMS J. Computing 9, 1997.
@@ -21,8 +22,9 @@
 
 namespace
 {
-constexpr int ROUNDS = 5;        // more find next to nothing (netlib)
-constexpr double CLOSED = 1e-10; // ranges below are closed by other means
+constexpr int ROUNDS = 5; // more rounds found almost nothing on Netlib
+// columns with a smaller range are fixed by other reductions
+constexpr double CLOSED = 1e-10;
 
 // The inequalities of the columns, and the signs of the rows.
 int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
@@ -44,7 +46,7 @@ int set_columns(BoundPropagation *p, PresolveWork *w, const Array<char> &given)
     return check_limits(w, w->NumRows);
 }
 
-// Bounds of the reduced cost of column j from all duals, not counting what the column itself has implied.
+// Bounds of the reduced cost of column j from all dual values, without bounds that the column itself has implied.
 int try_column(BoundPropagation *p, PresolveWork *w, int j)
 {
     const double cost = w->Obj.data[j], zero = w->OptTol + cost_error(w, j);
@@ -83,7 +85,7 @@ int tighten_rows(BoundPropagation *p, PresolveWork *w)
     return 0;
 }
 
-// What conclusions rest on must hold in the reduced model.
+// Removes the bounds that were counted as infinite for a conclusion.
 int drop_bounds(const BoundPropagation *p, PresolveWork *w, const Array<char> &given)
 {
     for (int j = 0; j < w->NumCols; j++) {
@@ -112,7 +114,7 @@ int pre_dual_bounds(PresolveWork *w)
     TRY(set_columns(&p, w, given));
     TRY(propagation_run(&p, ROUNDS));
     int status = 0;
-    if (p.Contradiction) { // no dual is feasible
+    if (p.Contradiction) { // the dual is infeasible
         w->InfeasCol = p.WrongCon;
         status = claim_propagated(w, &p);
     } else {

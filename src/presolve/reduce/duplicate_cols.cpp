@@ -1,11 +1,14 @@
-// duplicate_cols.cpp -- of columns that are multiples of each other, some go to a bound and some are merged
+// duplicate_cols.cpp -- parallel columns: some are fixed at a bound, some are merged
 //
-// Method      Columns of one class are scale * v; X = scale * x is what each adds of v, at the price c / scale per unit.
-//             What one column adds a cheaper one can add instead, as long as its bounds let it. So a cheaper column
-//             whose X has no upper bound sends all dearer ones to their least X, and a dearer one without lower bound
-//             all cheaper ones to their greatest X. Columns of equal price are merged (merged_columns.cpp).
-//             A bound that rows imply is taken away first when that lets a column go: then nothing else can lean on it.
-// Way back    That of fixing and of merging. The price difference gives the fixed column's reduced cost its sign.
+// Method      Columns of one class are scale * v; X = scale * x is the multiple of v that a column contributes, at the
+//             price c / scale per unit. A cheaper column can replace the contribution of another one as far as its
+//             bounds allow. So if X of a cheaper column has no upper bound, all more expensive columns are at their
+//             smallest X, and if X of a more expensive column has no lower bound, all cheaper ones are at their largest
+//             X. Columns of equal price are merged (merged_columns.cpp). An implied bound is removed from the model
+//             first if that allows a column to be fixed: then no other reduction can depend on it.
+// Postsolve   That of fixing and of merging. The difference of the prices gives the reduced cost of the fixed column
+// its
+//             sign.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/claim.h"
 #include "presolve/errors.h"
@@ -15,16 +18,16 @@
 
 namespace
 {
-constexpr double SAME_PRICE = 1e-12; // of the larger price
-constexpr double NO_COST = 1e-13;    // a difference of costs that is rounding
-// between scales of two columns that act on each other
+constexpr double SAME_PRICE = 1e-12; // relative difference of equal prices
+constexpr double NO_COST = 1e-13;    // difference of costs that counts as a rounding error
+// Largest ratio of the scales of two columns of which one replaces the other.
 constexpr double LARGEST_FACTOR = 1e3;
 
 double price(const PresolveWork *w, const DupLine *l)
 {
     return w->Obj.data[l->line] / l->scale;
 }
-// Whether X has a bound on its upper (side 1) or lower (side -1) end.
+// True if X has an upper (side 1) or lower (side -1) bound.
 bool is_bounded(const PresolveWork *w, const DupLine *l, int side)
 {
     return side * l->scale > 0 ? has_ub(w, l->line) : has_lb(w, l->line);
@@ -54,11 +57,11 @@ bool is_fit(const DupLine *a, const DupLine *b)
     return factor <= LARGEST_FACTOR && factor >= 1 / LARGEST_FACTOR;
 }
 
-// Whether the free end of `by` decides where `l` stands: the reduced cost of l is at least this difference of prices.
+// True if the infinite bound of `by` fixes `l`: the reduced cost of l is at least the difference of prices.
 bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
 {
     const double a = price(w, by), b = price(w, l);
-    // on an error of the other's reduced cost
+    // Factor on an error of the other column's reduced cost.
     const double factor = std::fabs(l->scale / by->scale);
     const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
                         factor * cost_error(w, by->line);
@@ -66,7 +69,7 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
            std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
-// Column l goes to the end of its X on this side, as `by` replaces it. Unbounded when there is none.
+// Fixes column l at the bound of its X on this side, as `by` can replace it. Unbounded if it has none.
 int send(PresolveWork *w, const DupLine *by, const DupLine *l, int side)
 {
     if (!is_bounded(w, l, side)) {
@@ -77,8 +80,8 @@ int send(PresolveWork *w, const DupLine *by, const DupLine *l, int side)
     return side * l->scale > 0 ? fix_at_upper(w, l->line) : fix_at_lower(w, l->line);
 }
 
-// Members are sorted so that, on this side, the first one is the best to use: by rising price for upper ends (side 1),
-// by falling price for lower ends (-1). The first one whose end on this side is open, or may be opened, or -1.
+// Members are sorted by increasing price for upper bounds (side 1), by decreasing price for lower bounds (-1). The
+// first one whose bound on this side is infinite, or implied and may be removed, or -1.
 int first_open(PresolveWork *w, const DupLine *members, int count, int side, int *open)
 {
     *open = -1;
@@ -132,7 +135,7 @@ int merge_equals(PresolveWork *w, const DupLine *members, int count)
             last = l;
             continue;
         }
-        // The larger one stays: errors of the other one's bounds are then not enlarged on the way back.
+        // The one with the larger scale is kept, so that postsolve does not enlarge errors of the other one's bounds.
         const DupLine *gone = l;
         if (std::fabs(l->scale) > std::fabs(last->scale)) std::swap(last, gone);
         TRY(merge_columns(w, last->line, gone->line, gone->scale / last->scale));
@@ -142,7 +145,7 @@ int merge_equals(PresolveWork *w, const DupLine *members, int count)
 
 int handle_cols(PresolveWork *w, DupLine *members, int count)
 {
-    // Prices are computed once: fixing sets costs to zero.
+    // Prices are computed before, since fixing sets costs to zero.
     for (int k = 0; k < count; k++) members[k].values = price(w, &members[k]);
     TRY(check_limits(w, count));
     TRY(sort_members(w, members, count));

@@ -1,12 +1,12 @@
-// duplicate_rows.cpp -- of rows that are multiples of each other one is enough
+// duplicate_rows.cpp -- parallel rows: one row of each class is kept
 //
-// Method      Rows a = scale * v of one class all speak about v x. An equation decides it: what else there is follows or
-//             contradicts. Without one the tightest upper and the tightest lower side stay; when they meet, one row
-//             becomes an equation. An equation in which one column stands that is in no other row counts as parallel
-//             without it: it is taken off its parallel rows, which leaves a bound on that column, or, of two such
-//             equations, one between their two columns.
-// Way back    Rows that follow have their slack basic and no dual. Of two inequalities that became an equation the one
-//             that the sign of the dual names gets it.
+// Method      Rows a = scale * v of one class all restrict v x. If one is an equation, the others are redundant or
+//             contradict it. Otherwise the tightest upper and the tightest lower side are kept; if they are equal, one
+//             row becomes an equation. An equation that contains a column singleton counts as parallel without that
+//             column: it is subtracted from its parallel rows, which leaves a bound on that column, or, for two such
+//             equations, an equation of their two columns.
+// Postsolve   Redundant rows have a basic slack and dual value 0. Of two inequalities that became an equation, the one
+//             with the matching sign gets the dual value.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/claim.h"
 #include "presolve/errors.h"
@@ -16,8 +16,9 @@
 
 namespace
 {
-constexpr double ROUNDING = 1e-9; // relative: right-hand sides so close are the same
-constexpr double COARSE = 1e3; // a row so much smaller in scale may not stand for another
+constexpr double ROUNDING = 1e-9; // relative difference of equal right-hand sides
+// a row may not replace another one whose scale is larger by this factor
+constexpr double COARSE = 1e3;
 
 double level(const PresolveWork *w, const DupLine *l)
 {
@@ -27,7 +28,7 @@ bool is_equation(const PresolveWork *w, const DupLine *l)
 {
     return w->Sense.data[l->line] == '=';
 }
-// By how much the rows at these levels of v x contradict each other, over what tolerances allow.
+// True if the rows at these levels of v x contradict each other by more than the tolerances.
 bool beyond_tolerance(const PresolveWork *w, const DupLine *a, const DupLine *b, double gap)
 {
     const double allowed = 1 / std::fabs(a->scale) + 1 / std::fabs(b->scale);
@@ -55,10 +56,10 @@ int infeasible(PresolveWork *w, const DupLine *low, const DupLine *high)
                             {{low->line, -1 / low->scale}, {high->line, 1 / high->scale}});
 }
 
-// Row l next to the equation eq of its class.
+// Row l against the equation eq of its class.
 int judge_by_equation(PresolveWork *w, const DupLine *eq, const DupLine *l)
 {
-    double gap = level(w, eq) - level(w, l); // above zero: an upper side is violated
+    double gap = level(w, eq) - level(w, l); // positive: an upper side is violated
     if (is_equation(w, l))
         gap = std::fabs(gap);
     else if (l->scale < 0)
@@ -70,7 +71,7 @@ int judge_by_equation(PresolveWork *w, const DupLine *eq, const DupLine *l)
     return 0;
 }
 
-// Takes the equation `base` off row `l`, when numbers allow it: what is outside of the class's vector remains.
+// Subtracts the equation `base` from row `l` if that is accurate: only the entries outside of the common vector remain.
 int take_off(PresolveWork *w, const DupLine *base, const DupLine *l)
 {
     const double factor = l->scale / base->scale;
@@ -96,7 +97,7 @@ int classes_with_equation(PresolveWork *w, DupLine *eq, DupLine *members, int co
     return 0;
 }
 
-// Equations first: on the way back they come last, when the slack of the base has left the basis if it must.
+// Equations first: postsolve undoes them last, when the slack of the base is nonbasic if necessary.
 int classes_with_slack(PresolveWork *w, DupLine *base, DupLine *members, int count)
 {
     for (const bool equations : {true, false})
@@ -108,11 +109,11 @@ int classes_with_slack(PresolveWork *w, DupLine *base, DupLine *members, int cou
     return 0;
 }
 
-// Of two inequalities that bound v x from the same side the looser goes. Returns the one that stays.
+// Of two inequalities that bound v x from the same side, removes the weaker one. Returns the other.
 DupLine *keep_tighter(PresolveWork *w, DupLine *a, DupLine *b)
 {
     const double side = a->scale > 0 ? 1 : -1;
-    const double gap = side * (level(w, b) - level(w, a)); // above zero: a is tighter
+    const double gap = side * (level(w, b) - level(w, a)); // positive: a is tighter
     DupLine *kept = gap >= 0 ? a : b, *gone = gap >= 0 ? b : a;
     if (is_rounding(w, a, b, std::fabs(gap)) && !can_stand_for(kept, gone))
         std::swap(kept, gone);
@@ -175,7 +176,7 @@ int handle_rows(PresolveWork *w, DupLine *members, int count)
 
 constexpr int NONE = -1, SEVERAL = -2;
 
-// In IndexB, for each equation of the list: the entry whose column is in no other row, or NONE, or SEVERAL.
+// In IndexB, for each equation of the list: its entry in a column singleton, or NONE, or SEVERAL.
 void find_slacks(PresolveWork *w, const int *list, int count)
 {
     int *slack = w->IndexB.data;
@@ -200,8 +201,8 @@ int pre_duplicate_rows(PresolveWork *w)
                              handle_rows);
 }
 
-// The equation a x = b was a x <= b (the row kept) and factor * a x <= factor * b, factor < 0 (the other): a dual above
-// zero belongs to the latter.
+// The equation a x = b was a x <= b (the row kept) and factor * a x <= factor * b, factor < 0 (the other): a positive
+// dual value belongs to the latter.
 void undo_parallel_rows(const UndoRecord *undo, PostPoint *point)
 {
     const int kept = point->n + undo->row, other = point->n + undo->other;

@@ -1,11 +1,11 @@
-// duplicates.cpp -- find rows, or columns, that are multiples of each other
+// duplicates.cpp -- find parallel rows or columns
 //
-// Method      A first key from the places of the entries sorts the lines; among lines of one first key a second one from
-//             their values, over the largest, does. Lines with close keys are then compared entry by entry with the first
-//             of them, which gives classes.
+// Method      Lines (rows or columns) are sorted by a first key computed from the indices of their entries; lines with
+//             equal first keys by a second key computed from their values divided by the largest. Lines with close keys
+//             are then compared entry by entry with the first of them, which gives classes.
 // Invariant   Members of a class agree with its first member within SAME_VALUE of the largest entry and within
 //             SAME_SHARE of each entry.
-// Cost        O(entries + lines), as long as close keys mean parallel lines; MAX_CLASSES bounds the rest.
+// Cost        O(entries + lines) as long as close keys mean parallel lines; MAX_CLASSES limits the rest.
 // Literature  J. A. Tomlin and J. S. Welch, "Finding duplicate rows in a linear programming model", OR Letters 5, 1986.
 #include "presolve/reduce/duplicates.h"
 #include "presolve/sort_keys.h"
@@ -15,9 +15,9 @@
 namespace
 {
 constexpr double SAME_KEY = 1e-10, SAME_VALUE = 1e-11, SAME_SHARE = 1e-10;
-constexpr int MAX_CLASSES = 16; // looked for among lines whose keys are all close
+constexpr int MAX_CLASSES = 16; // classes that are searched among lines with close keys
 constexpr int SHORT_CLASS = 500;
-// of the lines: their entries are taken as they lie in memory
+// From this share of all lines, entries are processed in the order of memory.
 constexpr double SHARE_SCANNED = 0.1;
 
 // A mixing function of 64 bits (splitmix64).
@@ -55,7 +55,7 @@ bool equal(double a, double b)
     return std::fabs(a - b) <= std::min(SAME_VALUE, SAME_SHARE * size);
 }
 
-// Entries of a line over its scale, or zeros, to Scratch.
+// Writes the entries of a line divided by its scale, or zeros, to Scratch.
 void scatter(PresolveWork *w, Axis axis, const DupLine *l, bool clear)
 {
     for (int p = first_of(w, axis, l->line); p >= 0; p = next_of(w, axis, p))
@@ -63,7 +63,7 @@ void scatter(PresolveWork *w, Axis axis, const DupLine *l, bool clear)
             clear || p == l->skip ? 0 : w->Nodes.data[p].value / l->scale;
 }
 
-// Whether the line is a multiple of the one in Scratch, which has as many entries.
+// True if the line is a multiple of the one in Scratch, which has the same number of entries.
 bool parallel(const PresolveWork *w, Axis axis, const DupLine *l)
 {
     for (int p = first_of(w, axis, l->line); p >= 0; p = next_of(w, axis, p)) {
@@ -74,7 +74,7 @@ bool parallel(const PresolveWork *w, Axis axis, const DupLine *l)
     return true;
 }
 
-// Lines with close keys: moves the class of the first one to the front and tells its size.
+// Among lines with close keys, moves the class of the first one to the front; *size: its size.
 int split_class(PresolveWork *w, Axis axis, DupLine *lines, int count, int *size)
 {
     scatter(w, axis, &lines[0], false);
@@ -120,7 +120,7 @@ int classes_of_pattern(PresolveWork *w, Axis axis, DupLine *lines, int count,
     return 0;
 }
 
-// Lists are walked below by what their lines count: entries that an earlier reduction has deleted go first.
+// Unlinks entries deleted by earlier reductions, since the loops below rely on the counts of entries.
 int sweep_listed(PresolveWork *w, Axis axis, const int *list, int count)
 {
     const int *mark = axis == Axis::ROWS ? w->RowMark.data : w->ColMark.data;
@@ -131,7 +131,8 @@ int sweep_listed(PresolveWork *w, Axis axis, const int *list, int count)
     return 0;
 }
 
-// Sums of the mixed places of lines: of these few, or of all as entries lie in memory.
+// Keys of the patterns: sums of the mixed indices of the entries of these lines, or of all lines in the order of
+// memory.
 int add_patterns(PresolveWork *w, Axis axis, const int *list, int count,
                  Array<uint64_t> *sum)
 {

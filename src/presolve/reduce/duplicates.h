@@ -1,11 +1,10 @@
-// duplicates.h -- rows, or columns, that are multiples of each other
+// duplicates.h -- classes of parallel rows or columns
 #pragma once
 #include "presolve/axis.h"
 
-// A row or a column on its way into classes of parallel ones: its entries, but for `skip`, are scale * (a vector that
-// all members of its class share).
+// A row or a column of a class: its entries, except `skip`, are scale * (a vector common to the class).
 struct DupLine {
-    double values; // key of its values over their scale
+    double values; // key computed from its values divided by scale
     // largest entry in size, with the sign of the entry with the smallest index
     double scale;
     int line;   // row or column
@@ -16,8 +15,8 @@ struct DupLine {
 // What is done with the members of one class, count >= 2. A PresolveStatus or OUT_OF_MEMORY.
 using DupHandler = int (*)(PresolveWork *w, DupLine *members, int count);
 
-// Gives each class among the lines list[0 .. count) to the handler, which may remove and change lines of its class only.
-// skip[line], when there is such an array, is the node of a line that does not count, or below zero.
+// Calls the handler for each class among the lines list[0 .. count); it may change and remove only lines of that class.
+// skip[line], if not null, is the entry (node) of a line to ignore, or below zero.
 [[nodiscard]] int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
                                     const int *skip, DupHandler handle);
 

@@ -1,12 +1,13 @@
 // elimination.cpp -- lines (rows or columns) that are linear combinations of others, by sparse Gaussian elimination
 //
-// Method      A line with a place where no other line has an entry is independent; such lines go first, as long as there
-//             are any. What is left is factored line by line, short ones first: a line has the multiples of earlier
-//             lines taken off in their order (a heap holds the pivots met), and its pivot becomes the place with the
-//             fewest entries among the large ones. Where nothing is left, the line is dependent; its multipliers in
-//             terms of the lines themselves come from the stored ones, last to first.
-// In, out     Lines in, dependent ones to the handler. A line that nearly vanishes is neither: it is left out.
-// Cost        Bounded by the work limit: then the rest of the lines is not looked at.
+// Method      A line with an index where no other line has an entry is independent; such lines are removed first, as
+//             long as there are any. The others are eliminated one by one, short ones first: multiples of earlier lines
+//             are subtracted in their order (a heap holds the pivots met), and the pivot is the index with the fewest
+//             entries among the large entries. If nothing remains, the line is dependent; its multipliers in terms of
+//             the original lines follow from the stored ones, last to first.
+// In, out     Lines in, dependent ones to the handler. A line that becomes almost zero counts as neither and is
+//             ignored.
+// Cost        Limited by the work limit; beyond that the remaining lines are not processed.
 // Literature  E. D. Andersen, "Finding all linearly dependent rows in large-scale linear programming", Optimization
 //             Methods and Software 6, 1995; J. R. Gilbert and T. Peierls, "Sparse partial pivoting in time proportional
 //             to arithmetic operations", SIAM J. Sci. Stat. Comp. 9, 1988.
@@ -19,18 +20,21 @@
 
 namespace
 {
-constexpr double VANISHED = 1e-10;  // of the largest term that went into a line
-constexpr double DOUBTFUL = 1e-6;   // below: no pivot
-constexpr double DROP = 1e-12;      // of the largest term: rounding
-constexpr double NO_FACTOR = 1e-11; // multiples below are rounding; the handler verifies
-constexpr double THRESHOLD = 0.05;  // of the largest entry: may be the pivot
+// Remaining entries relative to the largest term that went into the line: below VANISHED the line is dependent, below
+// DOUBTFUL it is ignored.
+constexpr double VANISHED = 1e-10, DOUBTFUL = 1e-6;
+// smaller entries, relative to their largest term, are rounding errors
+constexpr double DROP = 1e-12;
+// smaller multipliers are ignored; the handler verifies the combination
+constexpr double NO_FACTOR = 1e-11;
+constexpr double THRESHOLD = 0.05; // smallest pivot relative to the largest entry
 
 struct Entry {
     int index; // place, or pivot
     double value;
 };
 
-// Pivot k: its line, the place of its pivot, the rest of the eliminated line, and the multiples that were taken off.
+// Pivot k: its line, the index of its pivot, the other entries of the eliminated line, and the multiples subtracted.
 struct Pivot {
     int line, place;
     double value;
@@ -44,9 +48,9 @@ struct Elimination {
     Array<Entry> Upper, Lower;
     Array<int> PivotAt;   // [places] pivot of a place, or -1
     Array<int> Count;     // [places] entries of the lines that take part
-    Array<int> Touched;   // places of the line at work
-    Array<int> Heap;      // pivots that it still has to meet
-    Array<double> Value;  // [places] of the line at work, zero between lines
+    Array<int> Touched;   // places of the current line
+    Array<int> Heap;      // pivots whose lines have still to be subtracted from it
+    Array<double> Value;  // [places] entries of the current line, zero between lines
     Array<double> Size;   // [places] largest term that went into Value, zero likewise
     Array<double> Factor; // [lines] by pivot, zero between uses
     Array<LineTerm> Terms;
@@ -66,8 +70,8 @@ int alloc(Elimination *e, int count)
     return array_reserve(&e->Pivots, count);
 }
 
-// Moves independent lines to the back of lines[] and tells how many are left. Lines that take part are marked in the
-// work record's flags.
+// Moves lines with a unique index to the back of lines[] and returns the number of the others. Lines in the elimination
+// are marked in the flags of the work record.
 int peel(Elimination *e, int *lines, int count, int *left_out)
 {
     PresolveWork *w = e->w;
@@ -106,7 +110,7 @@ int peel(Elimination *e, int *lines, int count, int *left_out)
     return 0;
 }
 
-// Value[place] += term, with what belongs to a place that is met for the first time.
+// Value[place] += term, with the bookkeeping for a new place.
 struct Work {
     int touched = 0, heap = 0;
 };
@@ -125,7 +129,7 @@ void add_term(Elimination *e, Work *at, int place, double term)
     *size = std::max({*size, std::fabs(term), DBL_MIN});
 }
 
-// Takes the earlier lines off the line; their multiples go to the end of Lower.
+// Subtracts the earlier lines from the line; the multiples are appended to Lower.
 int eliminate(Elimination *e, int line, Work *at)
 {
     PresolveWork *w = e->w;
@@ -149,7 +153,7 @@ int eliminate(Elimination *e, int line, Work *at)
     return 0;
 }
 
-// Largest entry that is left, and the share of the largest term that this is.
+// Largest remaining entry, and its ratio to the largest term.
 double largest_left(const Elimination *e, const Work *at, double *largest)
 {
     double size = DBL_MIN;
@@ -184,7 +188,7 @@ int store_pivot(Elimination *e, int line, int64_t lower_begin, double largest,
     return 0;
 }
 
-// The multiples at the end of Lower in terms of the lines themselves.
+// Expresses the multiples at the end of Lower in terms of the original lines.
 int collect_terms(Elimination *e, int64_t lower_begin)
 {
     for (int64_t u = lower_begin; u < e->Lower.size; u++)

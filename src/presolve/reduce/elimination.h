@@ -3,7 +3,7 @@
 #include "presolve/axis.h"
 #include "presolve/claim.h"
 
-// What is done with a line that looks like the sum of these multiples of others. It may remove that line. A
+// Processes a line that seems to be the sum of these multiples of other lines; it may remove that line. A
 // PresolveStatus or OUT_OF_MEMORY.
 using DependentHandler = int (*)(PresolveWork *w, int line, const LineTerm *terms,
                                  int count);

@@ -1,6 +1,6 @@
-// fix_empty.cpp -- columns without entries go to the bound that their cost wants
+// fix_empty.cpp -- columns without entries are fixed at the bound that their cost asks for
 //
-// A cost within its error is none: it does not tell where the column should go, and says nothing about the model.
+// A cost within its error counts as zero, so that it neither determines the bound nor makes the model unbounded.
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 

@@ -1,16 +1,18 @@
-// forcing_rows.cpp -- a row that its columns satisfy only at their bounds fixes them all
+// forcing_rows.cpp -- forcing rows: rows that can be satisfied only with all their columns at bounds
 //
-// Method      When the least activity of a x <= b reaches b (or the greatest of an equation does), every column must
-//             stand at the bound that gives it.
-// Way back    All columns are nonbasic. A dual for the row repairs the reduced costs of the wrong sign: the largest one
-//             needed decides, its column becomes basic, and the row's slack nonbasic.
+// Method      If the minimal activity of a x <= b equals b (or the maximal activity of an equation does), every column
+//             is fixed at the bound that gives this activity.
+// Postsolve   All columns are nonbasic. The dual value of the row corrects reduced costs of the wrong sign: the column
+// that
+//             needs the largest one becomes basic, and the slack of the row nonbasic.
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 
 namespace
 {
 constexpr double REACHED = 1e-10;
-constexpr double WORTH = 100; // tolerances that each column's range has to matter
+// the range of each column has to change the activity by this many tolerances
+constexpr double WORTH = 100;
 
 bool ranges_matter(const PresolveWork *w, int i)
 {
@@ -24,7 +26,7 @@ bool ranges_matter(const PresolveWork *w, int i)
     return true;
 }
 
-// +1 when the row is at its least activity, -1 at its greatest, else 0.
+// +1 if the minimal activity is forced, -1 if the maximal one, else 0.
 int forcing_sign(const PresolveWork *w, int i)
 {
     const double low = w->RMin.data[i], high = w->RMax.data[i];
@@ -61,7 +63,8 @@ int fix_row(PresolveWork *w, int i, int sign)
 int pre_forcing_rows(PresolveWork *w)
 {
     const WorkList *rows = rows_of_phase(w);
-    for (int k = 0; k < rows->PendingCnt; k++) { // it grows: a chain collapses at once
+    for (int k = 0; k < rows->PendingCnt;
+         k++) { // the list grows, so that chains are reduced in one pass
         const int i = rows->List.data[k];
         TRY(check_limits(w, 1));
         if (w->RowCnt.data[i] < 2) continue;
@@ -72,8 +75,8 @@ int pre_forcing_rows(PresolveWork *w)
     return 0;
 }
 
-// y = -t sign, with t >= 0 the least that gives every d_k - y a_k the sign of its bound: at lower (sign a > 0) >= 0, at
-// upper <= 0.
+// y = -t sign, with the smallest t >= 0 that gives every d_k - y a_k the sign of its bound: at lower (sign a > 0) >= 0,
+// at upper <= 0.
 void undo_forcing_row(const UndoRecord *undo, PostPoint *point)
 {
     const double sign = undo->mode;

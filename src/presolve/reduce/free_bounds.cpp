@@ -1,15 +1,16 @@
-// free_bounds.cpp -- at the end of presolve, bounds for columns that lack them
+// free_bounds.cpp -- at the end of presolve, implied bounds for columns without bounds
 //
-// Problem     An interior point method is at ease when no column is free; the dual simplex starts dual feasible and takes
-//             longer steps when columns have both bounds. Where rows imply a bound anyway, it may be given. The
-//             feasible set does not change.
-// Method      Bounds are propagated over all rows, these held wider by the tolerance. For the interior point method
-//             free columns get one of those that follow, for the dual simplex columns with one bound the other one;
-//             each is moved away by a part, so that no feasible point stands at it. The primal simplex does better
-//             without (9 % more iterations on netlib), and the dual with 6 % less on netlib, Kennington and Meszaros.
-// Way back    Such a bound is not active at a feasible point, so that an optimal basis has no column there. A proof that
-//             the reduced model is infeasible may use it: the propagation is then done again, for its reasons.
-// Cost        O(entries) for each of few rounds.
+// Problem     An interior point method is more stable without free columns; the dual simplex starts dual feasible and
+//             takes longer steps if columns have both bounds. Bounds that rows imply can be added without a change of
+//             the feasible set.
+// Method      Bounds are propagated over all rows, widened by the tolerance. For the interior point method free columns
+//             get one of the implied bounds, for the dual simplex columns with one bound the other one; each is moved
+//             outwards by a share, so that no feasible point is at it. The primal simplex gets none (9 % more
+//             iterations with them on Netlib); the dual simplex has 6 % fewer on Netlib, Kennington and Meszaros.
+// Postsolve   Such a bound is not active at a feasible point, so that in an optimal basis no column is at it. A proof
+// that
+//             the reduced model is infeasible may use it: then the propagation is repeated to find its origins.
+// Cost        O(entries) for each of a few rounds.
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,
 //             2002, on boxed columns and the dual simplex.
 #include "presolve/bound_propagation.h"
@@ -19,9 +20,10 @@
 namespace
 {
 constexpr int ROUNDS = 10;
-constexpr double SAFE_SHARE = 0.001;  // of 1 + |bound| that the bound is moved away
-constexpr double LARGEST = 1e7;       // larger bounds help nobody
-constexpr double LONG_COLUMNS = 1000; // entries per column from which it is not tried
+// share of 1 + |bound| by which the bound is moved outwards
+constexpr double SAFE_SHARE = 0.001;
+constexpr double LARGEST = 1e7;       // larger bounds are of no use
+constexpr double LONG_COLUMNS = 1000; // models with more entries per column are skipped
 
 bool is_worth_it(const PresolveWork *w)
 {
@@ -43,7 +45,7 @@ double moved_away(double bound, int side)
     return side == UPPER_SIDE ? bound + step : bound - step;
 }
 
-// Gives column j the bound that follows on this side, if there is one of use.
+// Adds the implied bound of column j on this side, if it is useful.
 bool give_bound(const BoundPropagation *p, PresolveWork *w, int j, int side)
 {
     const double bound = p->Bound.data[2 * j + side];
@@ -75,15 +77,15 @@ int propagate(BoundPropagation *p, PresolveWork *w)
     return 0;
 }
 
-// The bound of column j of the reduced model that a direction of duals d_j leans on was given.
+// True if the bound of column j whose multiplier is d_j in a dual ray was added by this reduction.
 bool leans_on_given(const PresolveResult *result, int j, double d)
 {
     const int side = d > 0 ? LOWER_SIDE : UPPER_SIDE;
     return d != 0 &&
-           (result->GivenBounds.data[j] & (1 << side)); // nothing leans on a bound
+           (result->GivenBounds.data[j] & (1 << side)); // d_j == 0: no bound is used
 }
 
-// The reduced model without the bounds that were given.
+// The reduced model without the added bounds.
 int load_reduced(PresolveWork *w, const PresolveResult *result)
 {
     TRY(work_load(w, result->Reduced, result->Env));
@@ -121,7 +123,7 @@ int pre_free_bounds(PresolveWork *w)
     BoundPropagation p;
     TRY(propagate(&p, w));
     TRY(array_assign(&w->GivenBounds, w->NumCols, char(0)));
-    if (p.Contradiction) return 0; // the solver tells
+    if (p.Contradiction) return 0; // left to the solver
     for (int j = 0; j < w->NumCols; j++) {
         TRY(check_limits(w, 1 + std::max(0, w->ColCnt.data[j])));
         if (is_live_col(w, j) && w->ColFlags.data[j] == 0) bound_column(&p, w, j);

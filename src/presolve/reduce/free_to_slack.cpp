@@ -1,23 +1,24 @@
-// free_to_slack.cpp -- a free column that has only inequalities gives its place to the slack of one of them
+// free_to_slack.cpp -- a free column with inequalities only is replaced by the slack of one of them
 //
-// Problem     a x + sum a_k x_k <= b with x free, or kept within its bounds by the rows: with the slack s >= 0 the row is
-//             an equation, through which x can be substituted out.
-// Method      s takes the index of x. The row goes, the cost of s is -c_x / a, its entries in the other rows are
-//             -a_ix / a: a row less, at the price of fill.
-// Way back    The slot of x holds s, its status and its reduced cost, which is -y_r. They become those of the row; x
+// Problem     a x + sum a_k x_k <= b with x free or implied free: with the slack s >= 0 the row is an equation, through
+//             which x can be substituted out.
+// Method      s takes the index of x. The row is removed, the cost of s is -c_x / a, its entries in the other rows are
+//             -a_ix / a: one row fewer, but fill.
+// Postsolve   The index of x holds s, its status and its reduced cost, which is -y_r. They become those of the row; x
 //             follows from the row and is basic.
-// Cost        as an elimination (aggregate_eliminate.cpp).
+// Cost        That of an elimination (aggregate_eliminate.cpp).
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 #include "presolve/reduce/aggregate.h"
 
 namespace
 {
-constexpr double RELATIVE_PIVOT = 0.01; // against the largest of the column
+// smallest pivot relative to the largest entry of the column
+constexpr double RELATIVE_PIVOT = 0.01;
 constexpr double PIVOT_EFFORT = 20;
 constexpr double LEAST_PIVOT = 1e-6;
 
-// The entry of the shortest row through which column j may leave, or -1.
+// The entry of column j in its shortest row with an acceptable pivot, or -1.
 int best_pivot(const PresolveWork *w, int j)
 {
     const double largest = largest_in_col(w, j);

@@ -1,13 +1,13 @@
-// implied_bounds_pass.cpp -- rows that follow from bounds which other rows imply
+// implied_bounds_pass.cpp -- rows that are redundant because of bounds implied by other rows
 //
-// Problem     A row may be redundant, or impossible, not by the bounds of its columns, but by those that other rows
-//             imply for them.
-// Method      Bounds are propagated beside the model, all rows held a little wider. A row that these bounds satisfy,
-//             without those it gave itself, goes; the rows that this rests on stay (bound_origins.cpp), so that nobody
-//             is removed because of himself. A contradiction counts when it stands with all rows wider by the whole
-//             tolerance. The bounds of the model are as before.
-// Way back    The row's slack is basic. Nothing to remember.
-// Cost        O(entries) for each of few rounds.
+// Problem     A row may be redundant or infeasible not because of the bounds of its columns, but because of bounds that
+//             other rows imply for them.
+// Method      Bounds are propagated outside of the model, with all rows slightly widened. A row that is satisfied by
+//             these bounds, without those that it implied itself, is removed; the rows that this depends on are kept
+//             (bound_origins.cpp), so that no row is removed because of itself. A contradiction counts only if it
+//             remains with all rows widened by the whole tolerance. The bounds of the model do not change.
+// Postsolve   The slack of the row is basic. No undo record is needed.
+// Cost        O(entries) for each of a few rounds.
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems",
 //             ORSA J. Computing 6, 1994.
 #include "presolve/bound_propagation.h"
@@ -17,10 +17,10 @@
 namespace
 {
 constexpr int ROUNDS = 3;
-// tolerances, so that what touches after about ten steps is still removed
+// Tolerances by which rows are widened, so that rows redundant only by about ten propagation steps are still found.
 constexpr double WIDER = 0.1;
 
-// Bounds from the rows of the list, each wider by `relax`.
+// Propagates bounds from the rows of the list, each widened by `relax`.
 int propagate(BoundPropagation *p, PresolveWork *w, const int *list, int count,
               double relax)
 {

@@ -1,14 +1,14 @@
 // ineq_to_eq.cpp -- inequalities that some optimum satisfies with equality become equations
 //
-// Method      A column that may grow at no cost, is held back by one row a x <= b only, and has no bound of its own that
-//             matters there, can be moved until that row is tight, as all its other rows are relaxed by that. The same
-//             downwards. Equations serve the reductions that substitute columns.
-// Way back    Nothing to remember: the column has no upper bound, or never stands at it, so its reduced cost
+// Method      Column j can increase at no cost, and only one row a x <= b blocks that before its upper bound; all its
+//             other rows are relaxed. So it can be increased until that row is tight. Likewise downwards. Equations are
+//             useful for the reductions that substitute columns.
+// Postsolve   No undo record is needed: the column has no upper bound, or is never at it, so its reduced cost
 //             c_j - y_r a - (other rows, not negative) is not negative, hence y_r <= 0. The other rows count as
-//             inequalities also when they become equations later on: that is proved first on the way back.
-// Invariant   A bound of the column counts as one that does not matter when the row keeps the column away from it by more
-//             than the tolerance. Bounds stay as they are, so nothing else can rest on this.
-// Cost        O(entries of the columns and of the rows that are converted)
+//             inequalities even if they become equations later, since postsolve restores their signs first.
+// Invariant   The bound of the column may be ignored if the row stops the column before it by more than the tolerance.
+//             Bounds do not change, so that no other reduction can depend on this.
+// Cost        O(entries of the columns and of the converted rows)
 #include "presolve/errors.h"
 
 namespace
@@ -16,11 +16,11 @@ namespace
 constexpr double CLOSED = 1e-10;
 constexpr double NO_COST = 1e-10;
 constexpr double AWAY = 10; // tolerances of the row between the column and its bound
-// entry beside the largest of the row: else the column would run far
+// Smallest entry relative to the largest of the row; with a smaller one the value of the column could become huge.
 constexpr double SMALL_RATIO = 1e-3;
 constexpr int NONE = -1, MANY = -2;
 
-// The only entry that holds a column back in a direction; NONE or MANY when there is not just one.
+// The only entry that blocks a column in a direction; NONE or MANY if there is not exactly one.
 struct Blocks {
     int up, down;
 };
@@ -42,7 +42,7 @@ Blocks find_blocks(const PresolveWork *w, int j)
     return b;
 }
 
-// Whether the row of entry p stops its column well before the column's own bound does.
+// True if the row of entry p blocks its column well before the column's own bound.
 bool stops_first(const PresolveWork *w, int p, const ImpliedBounds *implied)
 {
     const int j = w->Nodes.data[p].col;

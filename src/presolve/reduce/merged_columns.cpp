@@ -1,10 +1,11 @@
-// merged_columns.cpp -- two columns that are multiples of each other become one
+// merged_columns.cpp -- merges two parallel columns
 //
-// Method      a_p x_p + a_q x_q = a_p (x_p + f x_q) when a_q = f a_p. The sum takes the place of x_p, between the sums of
+// Method      a_p x_p + a_q x_q = a_p (x_p + f x_q) if a_q = f a_p. The sum replaces x_p; its bounds are the sums of
 //             the bounds.
-// Way back    A sum at its bound puts both columns at theirs. Otherwise one of them goes to a bound, so that the other,
-//             which takes the status of the sum, is within its own: this is possible unless no bound is finite. Reduced
-//             costs are d_q = f d_p.
+// Postsolve   If the sum is at a bound both columns are at theirs. Otherwise one of them is set to a bound such that
+// the
+//             other one, which gets the status of the sum, is within its bounds: possible unless no bound is finite.
+//             Reduced costs are d_q = f d_p.
 // Cost        O(entries of q).
 #include "presolve/reduce/merged_columns.h"
 #include "presolve/errors.h"
@@ -86,7 +87,7 @@ Split split_merged_columns(const MergedPair *pair, double INF, double sum, doubl
         const double wrong = k < 2 ? violation(p, pair->lb_p, pair->ub_p)
                                    : violation(q, pair->lb_q, pair->ub_q);
         const double size = std::max(std::fabs(p), std::fabs(q));
-        // Of ends that do no harm the one with the smaller numbers.
+        // Of the feasible splits the one with the smaller values.
         if (wrong > least || (wrong == least && best != Split::NONE && size >= smallest))
             continue;
         least = wrong;
@@ -98,7 +99,7 @@ Split split_merged_columns(const MergedPair *pair, double INF, double sum, doubl
     return best;
 }
 
-// Both columns at their bounds, as the sum is, when that gives the sum. False when it does not.
+// Puts both columns at their bounds, as the sum is. False if that does not give the sum.
 static bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, double sum,
                            PostPoint *point)
 {
@@ -115,7 +116,7 @@ static bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, doubl
     return true;
 }
 
-// Of a nonbasic column that a split has left at x: at the bound that this happens to be, or superbasic.
+// Status of a nonbasic column at x after a split: at a bound if x equals it, otherwise superbasic.
 static int status_at(double x, double lb, double ub)
 {
     return x == lb ? -1 : x == ub ? -2 : -3; // copied, so compared exactly
@@ -140,7 +141,7 @@ void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
     const int at = split == Split::NONE                                 ? -3
                    : split == Split::Q_LOWER || split == Split::P_LOWER ? -1
                                                                         : -2;
-    int other = status; // of the column that is between its bounds
+    int other = status; // of the column between its bounds
     if (status < 0)
         other = q_at_bound ? status_at(x_p, pair.lb_p, pair.ub_p)
                            : status_at(x_q, pair.lb_q, pair.ub_q);

@@ -1,13 +1,13 @@
-// redundant_rows.cpp -- rows that nothing can violate go; entries too small to matter go as well
+// redundant_rows.cpp -- removes redundant rows, and entries too small to matter
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 
 namespace
 {
-// of the tolerance, over all entries that are dropped from a row
+// Largest total effect of the deleted entries of a row, as a share of the tolerance.
 constexpr double TINY_SHARE = 1e-3;
-constexpr double LEAST_RANGE = 0.5; // of the columns of such entries
-// of the rows: all entries are looked at as they lie in memory
+constexpr double LEAST_RANGE = 0.5; // smallest range of a column whose entry is deleted
+// From this share of all rows, entries are processed in the order of memory.
 constexpr double SHARE_SCANNED = 0.1;
 
 bool is_redundant(const PresolveWork *w, int i)
@@ -17,7 +17,7 @@ bool is_redundant(const PresolveWork *w, int i)
            (w->Rmincnt.data[i] == 0 && w->RMin.data[i] > -w->FeasTol);
 }
 
-// Entries that cannot move the row by a visible amount are taken at the middle of their range.
+// Entries whose effect on the row is negligible are replaced by their value at the middle of the column's range.
 void drop_tiny(PresolveWork *w, int i)
 {
     double moved = 0;
@@ -43,7 +43,7 @@ void drop_tiny(PresolveWork *w, int i)
     w->CoefsChanged += dropped;
 }
 
-// Flags the rows that have an entry which may be that small, so that the others need not be walked.
+// Flags the rows that may have such an entry, so that the others need not be read.
 int flag_tiny(PresolveWork *w, const int *list, int count)
 {
     const double most = TINY_SHARE * w->FeasTol / LEAST_RANGE;

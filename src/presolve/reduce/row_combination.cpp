@@ -1,9 +1,11 @@
 // row_combination.cpp -- add a multiple of an equation to another row
 //
-// Method      The feasible set stays the same, since the equation holds. Entries that cancel but for rounding go.
-// Way back    A^T y stays the same when the equation's dual takes factor times the dual of the other row. The slack of the
-//             equation must not be basic for that. Where it is, and none but one of the row's columns is basic, a column
-//             whose reduced cost comes down to zero first takes its place.
+// Method      The feasible set does not change, since the equation holds. Entries that cancel up to rounding are
+//             deleted.
+// Postsolve   A^T y does not change if factor times the dual value of the other row is added to that of the equation.
+// For
+//             that the slack of the equation must not be basic. If it is, and at most one column of the row is basic,
+//             the column whose reduced cost reaches zero first becomes basic instead.
 // Cost        O(entries of both rows).
 #include "presolve/reduce/row_combination.h"
 #include "presolve/errors.h"
@@ -11,11 +13,13 @@
 
 namespace
 {
-constexpr double CANCELLED = 3e-10; // of the larger of two terms: their sum is rounding
-constexpr int SHORT_ROW = 2;        // entries of a sum that are kept for the way back
+// a sum below this share of the larger term is a rounding error
+constexpr double CANCELLED = 3e-10;
+// sums with at most this many entries are stored for postsolve
+constexpr int SHORT_ROW = 2;
 constexpr double CANCELLED_RHS = 1e-13;
 
-// What a small entry that goes adds at most to the row, where that is known.
+// Largest contribution of a small deleted entry to the row, if known.
 double worth(const PresolveWork *w, int j, double entry)
 {
     const double lb = has_lb(w, j) ? w->Lb.data[j] : 0,
@@ -23,7 +27,7 @@ double worth(const PresolveWork *w, int j, double entry)
     return std::fabs(entry) * std::max(std::fabs(lb), std::fabs(ub));
 }
 
-// Adds to the entries that the target has, and takes the terms out of Scratch.
+// Adds to existing entries of the target, and removes these terms from Scratch.
 void add_to_entries(PresolveWork *w, int target)
 {
     for (int p = first_in_row(w, target); p >= 0;) {
@@ -105,7 +109,7 @@ int combine_rows(PresolveWork *w, int target, int equation, double factor, int o
 
 namespace
 {
-// What enters the basis for the slack of the equation, and the dual that the equation gets.
+// The variable that replaces the slack of the equation in the basis, and the new dual value of the equation.
 struct Entering {
     int index = -1;
     double dual = 0, least = INFINITY;
@@ -116,9 +120,10 @@ void consider(Entering *best, int index, double dual)
     *best = {index, dual, std::fabs(dual)};
 }
 
-// With dual t of the equation, d_q - t a_q: the q with the least |d_q / a_q| reaches zero first, and no sign changes. The
-// column `own`, when it is basic, keeps its d = 0 by t * through on the dual of the target: then the rest of the target,
-// and its slack, move as well. Other basic columns: the row of the inverse is not known.
+// With dual value t of the equation the reduced costs are d_q - t a_q: the q with the smallest |d_q / a_q| reaches zero
+// first, and no sign changes. If the column `own` is basic, its d stays 0 by adding t * through to the dual value of
+// the target: then the reduced costs of the target's other columns and of its slack change as well. With other basic
+// columns the row of the inverse is not known.
 Entering choose_entering(const UndoRecord *undo, const PostPoint *point, double through)
 {
     const int target = point->n + undo->row;
@@ -143,7 +148,7 @@ Entering choose_entering(const UndoRecord *undo, const PostPoint *point, double 
     return best;
 }
 
-// Makes the slack of the equation, which is basic without dual, nonbasic where the record allows it.
+// Makes the basic slack of the equation nonbasic if the record allows it.
 void release_slack(const UndoRecord *undo, PostPoint *point)
 {
     const int target = point->n + undo->row, equation = point->n + undo->other;
@@ -177,7 +182,7 @@ void undo_row_combination(const UndoRecord *undo, PostPoint *point)
     if (!slack_is_basic || undo->col < 0 || point->status[undo->col] < 0 ||
         point->status[target] >= 0)
         return;
-    // The column `own` leaves the target, and would stand in the equation only, next to the basic slack.
+    // The column `own` is removed from the target: it would be basic in the equation only, besides the basic slack.
     point->status[target] = 0;
     point->status[equation] = -1;
 }

@@ -1,11 +1,12 @@
-// singleton_knapsack.cpp -- of columns that only relieve one row, the cheapest suffice
+// singleton_knapsack.cpp -- column singletons that relax the same row: the cheapest ones suffice
 //
-// Problem     A row with sign s (s a x <= s b, or an equation) in which several columns stand that are in no other row
-//             and cost nothing or more. Those with s a < 0 relieve the row; the rest of the row needs at most so much.
-// Method      Sorted by cost per unit of relief, the first ones together can give all that may be needed. A later one
-//             above its lower bound could always be exchanged for an earlier one, so it goes to its lower bound.
-// Way back    That of fixing. A dual that made a fixed column attractive would hold all earlier ones at their upper
-//             bounds; then the row would be slack, since they give more than is needed, and its dual zero.
+// Problem     A row with sign s (s a x <= s b, or an equation) contains several column singletons with cost >= 0. Those
+//             with s a < 0 relax the row; the other columns of the row require at most a known relaxation.
+// Method      Sorted by cost per unit of relaxation, the first ones together give all that may be required. A later one
+//             above its lower bound could be exchanged for an earlier one, so it is fixed at its lower bound.
+// Postsolve   That of fixing. If the dual value made a fixed column attractive, all earlier ones would be at their
+// upper
+//             bounds; then the row would not be tight, since they give more than is required, and its dual value zero.
 // Cost        O(entries + candidates log candidates)
 #include "presolve/work.h"
 #include <algorithm>
@@ -13,8 +14,9 @@
 
 namespace
 {
-constexpr double LARGE_BOUND = 1e10; // a lower bound beyond does not count as one
-constexpr double SPARE = 10;         // tolerances that the relief must exceed the need by
+constexpr double LARGE_BOUND = 1e10; // a lower bound beyond counts as infinite
+// tolerances by which the relaxation must exceed the need
+constexpr double SPARE = 10;
 constexpr double INTEGRAL = 1e-10;
 
 struct Relief {
@@ -22,9 +24,9 @@ struct Relief {
     int col;
 };
 
-// What a walk of the row finds.
+// Data of the row.
 struct RowNeed {
-    // relief that the row may need, with all candidates at their lower bounds
+    // Relaxation that the row may need, with all candidates at their lower bounds.
     double need = 0;
     double cap = 0;  // relief that the candidates can give
     double size = 0; // of the terms of the need
@@ -80,7 +82,7 @@ bool judge_row(const PresolveWork *w, int i, double sign, RowNeed *row)
     }
     if (!row->bounded || row->candidates < 1) return false;
     row->need += SPARE * w->FeasTol + INTEGRAL * row->size;
-    // Integer relief is exchanged in whole units.
+    // Relaxations by integer columns can be exchanged in whole units only.
     if (row->integers > 0 && (!row->others_integral || row->integers < row->candidates))
         return false;
     return row->need < row->cap;
@@ -116,7 +118,7 @@ int try_row(PresolveWork *w, int i, double sign, Relief *list)
     for (; k < count; k++) TRY(fix_at_lower(w, list[k].col));
     return 0;
 }
-// Active rows in which a column stands that is in no other row.
+// Active rows that contain a column singleton.
 int rows_with_singletons(PresolveWork *w, int *list)
 {
     int *active = w->IndexB.data;

@@ -1,11 +1,13 @@
-// singleton_rows.cpp -- a row with one entry is a bound
+// singleton_rows.cpp -- singleton rows become bounds
 //
-// Method      a x <= b gives x <= b / a (a > 0) or x >= b / a (a < 0); a x = b gives both, and the column goes at once.
-//             A bound that is not tighter than what stands makes the row redundant.
-//             An equation whose entry is small beside others of its column waits until the better ones are done, as in
-//             the choice of a pivot; a tiny one stays, as the error of the value would show in the other rows.
-// Way back    When the column stands at the bound that the row gave, the row is what holds it there: the row takes over
-//             the reduced cost as its dual, and the column the row's place in the basis.
+// Method      a x <= b gives x <= b / a (a > 0) or x >= b / a (a < 0); a x = b gives both, and the column is fixed. If
+//             the bound is not tighter than the current one the row is redundant.
+//             An equation whose entry is small relative to others of its column is processed after the better ones, as
+//             in the choice of a pivot; one with a tiny entry is kept, as the error of the value would affect other
+//             rows.
+// Postsolve   If the column is nonbasic at the bound that the row gave, the row takes over its reduced cost as dual
+// value,
+//             and the column becomes basic instead of the slack of the row.
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
@@ -18,7 +20,7 @@ constexpr int LONG_COLUMN = 50;
 constexpr double WAITS = 1e-3, STAYS = 1e-6; // entry beside the largest of its column
 enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
 
-// What row i says about its column: x = t, x <= t or x >= t. False when it cannot be satisfied.
+// The bound of row i on its column: x = t, x <= t or x >= t. False if it cannot be satisfied.
 bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
 {
     const double lb = w->Lb.data[j], ub = w->Ub.data[j],
@@ -35,7 +37,7 @@ bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
     return *mode == REDUNDANT || t <= ub + tol;
 }
 
-// Bounds of an integer column are integers. False when they leave nothing.
+// New bounds, rounded for an integer column. False if they cross.
 bool new_bounds(const PresolveWork *w, int j, int mode, double t, double *lb, double *ub)
 {
     const bool integer = is_integer(w, j);
@@ -60,7 +62,7 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     undo->row = i;
     undo->mode = mode;
     undo->value = w->Nodes.data[p].value;
-    // An equation says nothing new about a side whose bound it meets: there the bound itself holds the column.
+    // If an equation gives the value of an existing bound, that side is attributed to the bound.
     bound_from_row(w, i, j, undo->value, std::fabs(w->Rhs.data[i]));
     delete_entry(w, p);
     w->RowHead.data[i] = -1;
@@ -96,15 +98,15 @@ int try_row(PresolveWork *w, int i)
     return 0;
 }
 
-// Inequalities of a column that many rows share wait for each other: if each moved its bound, each would walk it.
+// Inequalities of a long column are collected, since every change of its bound costs a pass over the column.
 bool is_of_long_column(const PresolveWork *w, int i)
 {
     return w->Sense.data[i] != '=' &&
            w->ColCnt.data[w->Nodes.data[first_in_row(w, i)].col] > LONG_COLUMN;
 }
 
-// Keeps row i when it is the tightest one of its column and side so far: Scratch and ScratchB hold the bounds, IndexA and
-// IndexB the rows that give them, Flag which of them are set, cols the columns.
+// Stores row i if it is the tightest one of its column and side so far: Scratch and ScratchB hold the bounds, IndexA
+// and IndexB the rows that give them, Flag which of them are set, cols the columns.
 int note_tightest(PresolveWork *w, int i, Array<int> *cols)
 {
     const PresolveNode &node = w->Nodes.data[first_in_row(w, i)];
@@ -139,7 +141,7 @@ int take_tightest(PresolveWork *w, const int *list, int count)
     return status;
 }
 
-// Entry of the equation i beside the largest of its column.
+// Entry of the equation i relative to the largest of its column.
 double pivot_share(PresolveWork *w, int i)
 {
     const int own = first_in_row(w, i);
@@ -150,7 +152,7 @@ double pivot_share(PresolveWork *w, int i)
     return std::fabs(w->Nodes.data[own].value) / largest;
 }
 
-// Rows that are not tried as they are met.
+// Rows that are processed later.
 struct Waiting {
     int *of_long, n_long = 0; // inequalities of long columns
     Array<int> weak;          // equations with small entries
@@ -178,7 +180,7 @@ int pre_singleton_rows(PresolveWork *w)
     const WorkList *rows = rows_of_phase(w);
     Waiting waiting_rows = {w->IndexC.data, 0, {}};
     int next_weak = 0;
-    for (int k = 0;;) { // the list grows: a chain collapses at once
+    for (int k = 0;;) { // the list grows, so that chains are reduced in one pass
         if (k < rows->PendingCnt) {
             TRY(try_or_wait(w, rows->List.data[k++], &waiting_rows));
         } else if (next_weak < waiting_rows.weak.size) {

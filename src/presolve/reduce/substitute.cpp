@@ -1,12 +1,13 @@
-// substitute.cpp -- the record of a column that leaves through an equation, and its way back
+// substitute.cpp -- undo record of a column substituted out through an equation, and its postsolve step
 //
-// Method      Row r holds with equality: a x_j + sum a_k x_k = b gives x_j. The caller puts this into the cost and the
-//             other rows of the column; both the row and the column are gone then.
-// In          A column without bounds of its own, or whose bounds the rows and the bounds of other columns imply. An
-//             inequality may serve as the row when its dual will have the right sign at equality.
-// Way back    x_j from the row; the dual of the row is what makes the reduced cost of x_j zero; x_j is basic in the
-//             place of the row's slack. Reduced costs of other columns and duals of other rows stay: with
-//             y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
+// Method      Row r holds with equality: a x_j + sum a_k x_k = b gives x_j. The caller substitutes it in the cost and
+//             in the other rows of the column; then both the row and the column are removed.
+// In          A column without bounds, or whose bounds are implied by the rows and the bounds of other columns. The row
+//             may be an inequality if its dual value will have the right sign at equality.
+// Postsolve   x_j from the row; the dual value of the row is the one that makes the reduced cost of x_j zero; x_j is
+// basic
+//             instead of the slack of the row. Reduced costs of other columns and dual values of other rows do not
+//             change: with y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
 #include "presolve/postsolve.h"
 #include <cmath>
 

@@ -1,26 +1,28 @@
-// two_rows.cpp -- an equation is added to rows that share most of its columns, so that entries cancel
+// two_rows.cpp -- adds multiples of an equation to rows with nearly the same columns, so that entries cancel
 //
-// Method      A row in which all but MAX_FILL of an equation's columns stand is met in one of the shortest MAX_FILL + 1
-//             of them; the rows met often enough there are walked. The multiple that cancels most entries is the ratio
-//             that most shared entries have. The sum is formed when it has at least LEAST_GAIN entries less.
-// Way back    row_combination.cpp
-// Cost        Bounded by a multiple of the entries, and per equation by the lengths of a few short columns.
-// Literature  S. F. Chang and S. T. McCormick, "A hierarchical algorithm for making sparse matrices sparser", Math. Prog.
-//             56, 1992; P. Gemander et al., "Two-row and two-column mixed-integer presolve using hashing-based pairing
-//             methods", EURO J. Comput. Optim. 8, 2020.
+// Method      A row with all but MAX_FILL of the columns of an equation has an entry in at least one of the equation's
+//             MAX_FILL + 1 shortest columns; rows with enough entries in the scanned columns are compared entry by
+//             entry. The multiple that cancels most entries is the most frequent ratio of shared entries. The sum is
+//             formed if it has at least LEAST_GAIN fewer entries.
+// Postsolve   row_combination.cpp
+// Cost        Limited by a multiple of the entries, and per equation by the lengths of a few short columns.
+// Literature  S. F. Chang and S. T. McCormick, "A hierarchical algorithm for making sparse matrices sparser", Math.
+//             Prog. 56, 1992; P. Gemander et al., "Two-row and two-column mixed-integer presolve using hashing-based
+//             pairing methods", EURO J. Comput. Optim. 8, 2020.
 #include "presolve/reduce/row_combination.h"
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-constexpr int MAX_FILL = 1;     // new entries per sum
-constexpr int SCANNED = 3;      // columns, beyond MAX_FILL, whose rows are counted
-constexpr int LEAST_GAIN = 2;   // entries less
-constexpr int MANY_ROWS = 1000; // in the columns scanned for one equation: it is left alone
-constexpr int MANY_CANDIDATES = 50;  // rows walked for one equation
+constexpr int MAX_FILL = 1;   // new entries per sum
+constexpr int SCANNED = 3;    // columns, in addition to MAX_FILL, whose rows are counted
+constexpr int LEAST_GAIN = 2; // smallest decrease of the number of entries
+// equations with more rows in the scanned columns are skipped
+constexpr int MANY_ROWS = 1000;
+constexpr int MANY_CANDIDATES = 50;  // rows compared with one equation
 constexpr double SAME_RATIO = 1e-12; // relative
-// of the larger term: a sum so small would be inaccurate
+// A sum smaller than this share of the larger term would be inaccurate.
 constexpr double NEAR_CANCEL = 1e-4;
 constexpr double LARGEST_FACTOR = 100;
 constexpr double WORK_PER_ENTRY = 10; // limit of the effort
@@ -35,7 +37,7 @@ struct Pairing {
     Array<double> Ratios;   // of shared entries, [NumCols]
 };
 
-// Rows that stand in most of the scanned columns to `list`; Scratch counts.
+// Rows with entries in most of the scanned columns, in `list`; Scratch counts.
 int rows_met(Pairing *pair, int equation, int *list)
 {
     PresolveWork *w = pair->w;
@@ -70,7 +72,7 @@ int rows_met(Pairing *pair, int equation, int *list)
     return std::min(kept, MANY_CANDIDATES);
 }
 
-// The ratio that most of the shared entries have, and how many.
+// The most frequent ratio of shared entries; returns its frequency.
 int common_ratio(double *ratio, int count, double *common)
 {
     std::sort(ratio, ratio + count);
@@ -85,7 +87,7 @@ int common_ratio(double *ratio, int count, double *common)
     return best;
 }
 
-// Whether no entry of row - ratio * equation (in Scratch) is small next to its terms without being zero.
+// True if every entry of row - ratio * equation (in Scratch) is zero or not small relative to its terms.
 bool is_accurate(const PresolveWork *w, int row, double ratio)
 {
     for (int p = first_in_row(w, row); p >= 0; p = next_in_row(w, p)) {
@@ -99,7 +101,7 @@ bool is_accurate(const PresolveWork *w, int row, double ratio)
     return true;
 }
 
-// The equation, of this length, is in Scratch. Sets the ratio; false when the row would not gain.
+// The equation, of this length, is in Scratch. Sets the ratio; false if the row would not become shorter.
 bool gains(Pairing *pair, int row, int length, double *ratio)
 {
     PresolveWork *w = pair->w;
@@ -124,8 +126,7 @@ void scatter(PresolveWork *w, int row, bool clear)
         w->Scratch.data[w->Nodes.data[p].col] = clear ? 0 : w->Nodes.data[p].value;
 }
 
-// An equation that holds at the first basis of slacks may keep its slack in the basis to the end, where the way back
-// needs it to be nonbasic.
+// If an equation is satisfied in the slack basis, its slack may stay basic to the end, but postsolve needs it nonbasic.
 bool holds_at_bounds(const PresolveWork *w, int equation)
 {
     double left = w->Rhs.data[equation];
