@@ -47,14 +47,15 @@ BODY = [
           "*holds = cost.value.high < -COST_ROUNDING * cost.size &&", "*holds = true &&",
           "a direction that gains nothing proves unboundedness", "Certificate.*"),
     Fault("src/body/quality.cpp",
-          "is_equation(body, i) ? fabs(slack) : -slack", "-slack",
+          "is_equation(body, i) ? fabs(slack) : -slack", "is_equation(body, i) ? -slack : -slack",
           "an equation that is exceeded from below is no violation", "QualityOf*"),
     Fault("src/body/quality.cpp",
-          "violation_add(&result->BoundSVio, j, amount / scale_at(scale.col, j));", "",
+          "violation_add(&result->BoundSVio, j, amount / scale_at(scale.col, j));",
+          "violation_add(&result->BoundSVio, j, 0 / scale_at(scale.col, j));",
           "violations of bounds in scaled units are not measured", "QualityOf*"),
     Fault("src/body/quality_lp.cpp",
-          "violation_add(&result->DualResidual, j, residual);", "",
-          "residuals of reduced costs are not measured", "QualityOf*"),
+          "violation_add(&result->DualResidual, j, residual);", "violation_add(&result->DualResidual, j, 0 * residual);",
+          "residuals of reduced costs are not measured", "QualityOf*:QualityAttributes.*"),
 ]
 
 SIMPLEX_DUAL = [
