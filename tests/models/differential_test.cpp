@@ -1,16 +1,14 @@
 // differential_test.cpp -- the same model by different roads must give the same answer
 //
 // Models of all generated families. Every optimal answer passes the optimality checker, every planted truth must be
-// found, and where two roads lead to one model (methods, changes against a fresh start, a copy, a file, a basis
+// found, and where two roads lead to one model (methods, changes against a fresh start, a copy, a basis
 // taken along, a second run) both must agree.
 //   TARVEX_DIFFERENTIAL_COUNT=n    models per test (104)
 #include "support/model_edit.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace
 {
@@ -177,36 +175,6 @@ TEST(Differential, a_random_basis_is_as_good_a_start_as_any)
         ASSERT_TRUE(truth_met(s.g, solution, presolve != 0))
             << s.text() << "method " << lp_method << " presolve " << presolve << " status "
             << solution.status << " value " << solution.objval << " planted " << s.g.value;
-    }
-}
-
-static std::string temporary(const char *suffix)
-{
-    return testing::TempDir() + "tarvex_differential_" + std::to_string(getpid()) + suffix;
-}
-
-// Files hold the minimisation form.
-TEST(Differential, written_models_solve_alike)
-{
-    const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 5000000);
-        const Subject s = make_subject(seed, &dice);
-        const std::string name = temporary(seed % 10 ? ".mps" : ".mps.gz");
-        const TestModel model(lp_load(env.env, &s.g.lp));
-        ASSERT_EQ(TVXwrite(model, name.c_str()), 0) << name << TVXgetmerrormsg(model);
-        TVXmodel *read = nullptr;
-        ASSERT_EQ(TVXreadmodel(env.env, name.c_str(), &read), 0) << TVXgeterrormsg(env.env);
-        const TestModel again(read);
-        LpModel held;
-        ASSERT_EQ(lp_read_back(again, &held), 0);
-        LpSolution first, second;
-        ASSERT_EQ(solve_fresh(env.env, &s.g.lp, method(1, 0), &first), "") << s.text();
-        ASSERT_EQ(settings_apply(TVXgetenv(again), method(1, 0)), 0);
-        ASSERT_EQ(solve_checked(again, &held, &second), "") << s.text();
-        second.objval *= s.g.lp.sense * held.sense;
-        ASSERT_EQ(same_outcome(&first, &second), "") << s.text() << lp_to_mps(&held, "");
-        remove(name.c_str());
     }
 }
 
