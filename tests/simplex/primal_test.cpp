@@ -117,3 +117,30 @@ TEST(PrimalSuper, a_limit_amid_the_pushes_leaves_a_start_for_the_next_solve)
     expect_same(solve(started, METHOD_AUTO), solve(plain, METHOD_DUAL));
     EXPECT_EQ(superbasics_left(started.model->lp.simplex), 0);
 }
+
+// Each step goes where the sum of infeasibilities is least, and no further.
+TEST(PrimalRatio, a_step_of_phase_1_never_adds_infeasibility)
+{
+    const TestEnv env;
+    int steps = 0;
+    for (uint64_t seed = 0; seed < 60; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed);
+        LpModel lp = dice.pick(all_families()).generate(&dice, 20).lp;
+        for (double &cost : lp.obj) cost = 0; // nothing else counts
+        const TestModel model(lp_load(env.env, &lp));
+        TVXgetenv(model)->PerturbValue = 0;
+        TVXgetenv(model)->IterationLimit = 0;
+        double before = LP_INFINITY;
+        for (int k = 0; k < 40; k++) {
+            const sopt *s = solve(model, METHOD_PRIMAL);
+            if (s->Status != SIMPLEX_ITERATION_LIMIT || s->Method != METHOD_PRIMAL) break;
+            const double sum = measure_infeasibility(s, s->Double).PrimalSum;
+            EXPECT_LE(sum, before + 1e-6 * (1 + sum)) << k;
+            before = sum;
+            steps += k > 0;
+            TVXgetenv(model)->IterationLimit = 1;
+        }
+    }
+    EXPECT_GT(steps, 200);
+}
