@@ -1,6 +1,7 @@
 // strong_branch_test.cpp -- TVXstrongbranch against plain solves, and the model as it was afterwards
 //
 // Small models are branched on, against the exact judge, by the random programs of fuzz/corpus_test.cpp.
+#include "simplex/dual.h"
 #include "support/model_test.h"
 #include "support/model_text.h"
 #include "support/settings.h"
@@ -83,6 +84,50 @@ TEST(StrongBranch, agrees_with_plain_solves_of_larger_models)
             EXPECT_NEAR(sides.up[k], value, NEAR * (1 + std::fabs(value))) << ind[k];
         }
     }
+}
+
+// The record of the simplex itself, to the last bit: basis, values, reduced costs and weights.
+TEST(StrongBranch, each_probe_brings_the_record_back)
+{
+    const TestEnv env;
+    double iterations = 0;
+    for (const FamilyRow &family : all_families()) {
+        SCOPED_TRACE(family.name);
+        Dice dice(4);
+        const LpModel lp = family.generate(&dice, 30).lp;
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
+        sopt *s = model.model->lp.simplex;
+        if (s->Status != SIMPLEX_OPTIMAL || s->Quad) continue;
+        ASSERT_EQ(simplex_refactor(s), 0);
+        StrongBranch *branch = nullptr;
+        ASSERT_EQ(strong_branch_open(s, &branch), 0);
+        const auto record = [s] {
+            swork<double> *w = s->Double;
+            std::vector<double> all(w->Bbar.begin(), w->Bbar.end());
+            for (const Array<double> *list :
+                 {&w->Cbar, &w->Dual->Weights, &s->Lower, &s->Upper, &s->WorkLower,
+                  &s->WorkUpper, &s->BasicLower, &s->BasicUpper})
+                all.insert(all.end(), list->begin(), list->end());
+            for (const Array<int> *list : {&s->VStat, &s->BasisHead})
+                all.insert(all.end(), list->begin(), list->end());
+            return all;
+        };
+        const std::vector<double> before = record();
+        for (int j = 0; j < lp.num_vars(); j++)
+            for (const BranchSide side : {BranchSide::DOWN, BranchSide::UP}) {
+                const double x = simplex_place(s, j).Value;
+                BranchOutcome outcome;
+                ASSERT_EQ(strong_branch_probe(branch, j, side,
+                                              side == BranchSide::DOWN ? x - 0.5 : x + 0.5,
+                                              20, &outcome),
+                          0);
+                iterations += outcome.Iterations;
+                ASSERT_EQ(record(), before) << j;
+            }
+        strong_branch_close(branch);
+    }
+    EXPECT_GT(iterations, 500);
 }
 
 TEST_F(StrongBranching, refuses_what_it_cannot_do)

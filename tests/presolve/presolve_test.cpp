@@ -6,6 +6,7 @@
 #include "presolve/work.h"
 #include "simplex/sopt.h"
 #include "support/inside.h"
+#include "support/memory_sweep.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
 #include "support/solve_judge.h"
@@ -158,31 +159,17 @@ static LpModel model_of_all_kinds(TVXenv *env, unsigned wanted)
 }
 
 #ifdef TVX_DEBUG
-// The k-th request of memory, and all behind it, fail: the code says so, nothing is held, and the model still solves.
-static void sweep(const LpModel &lp, const Settings &settings, int step)
+static void sweep(const LpModel &lp, const Settings &settings, int stride)
 {
-    const RationalResult truth = rational_solve(&lp);
-    const int64_t before = mem_blocks_held();
-    bool refused = true;
-    for (int64_t k = 1; refused; k += step) {
-        {
-            const TestEnv env;
-            ASSERT_EQ(settings_apply(env.env, settings), 0);
-            const TestModel model(lp_load(env.env, &lp));
-            ASSERT_TRUE(model);
-            mem_fault_arm(k);
-            const int code = TVXoptimize(model);
-            refused = mem_fault_hits() > 0;
-            mem_fault_arm(0);
-            ASSERT_TRUE(code == 0 || (refused && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
-            LpSolution solution;
-            ASSERT_EQ(lp_solve(model, &solution), 0);
-            ASSERT_EQ(judge_exact(&lp, &truth, true, &solution), "")
-                << "request " << k << "\n"
-                << settings_text(settings);
-        }
-        ASSERT_EQ(mem_blocks_held(), before) << "request " << k;
-    }
+    run_sweep({"presolve",
+               [&](Scene *s) {
+                   ASSERT_EQ(settings_apply(s->env.env, settings), 0);
+                   s->lp = lp;
+                   s->model = lp_load(s->env.env, &lp);
+                   ASSERT_TRUE(s->model);
+               },
+               [](Scene *s) { return TVXoptimize(s->model); },
+               [](Scene *s, int) { expect_solves(s); }, stride});
 }
 
 TEST(Presolve, memory_may_end_anywhere)

@@ -1,5 +1,5 @@
 // primal_test.cpp -- pricings and starts of the primal: whatever the way, the same answer in a vertex
-#include "simplex/sopt.h"
+#include "simplex/primal.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 
@@ -83,6 +83,35 @@ TEST(PrimalPricing, every_kind_finds_the_same_answer_with_and_without_perturbati
                 expect_same(solve(other, METHOD_PRIMAL), first.model->lp.simplex);
                 ASSERT_FALSE(testing::Test::HasFailure()) << kind << " " << perturb;
             }
+    }
+}
+
+// Exact weights from slacks; those of the framework from another basis; parts of very many columns; and Devex after the
+// dual. What the caller asks for is done.
+TEST(PrimalPricing, is_chosen_by_the_shape_and_the_start)
+{
+    const TestEnv env;
+    for (const int columns : {10, 300}) {
+        Dice dice(1);
+        const LpModel lp = wide_covering(&dice, 8, columns);
+        const TestModel model(lp_load(env.env, &lp));
+        solve(model, METHOD_PRIMAL);
+        sopt *s = model.model->lp.simplex;
+        const auto chosen = [s] {
+            primal_choose_pricing(s, s->Double);
+            return s->Double->Primal->PricingCur;
+        };
+        s->SwitchCount = 0;
+        ASSERT_FALSE(is_slack_basis(s));
+        EXPECT_EQ(chosen(), columns == 300 ? PRICE_PARTIAL : PRICE_QUICK);
+        s->SwitchCount = 1;
+        EXPECT_EQ(chosen(), PRICE_DEVEX);
+        s->Env->SimplexPricing = PRICE_STEEPEST;
+        EXPECT_EQ(chosen(), PRICE_STEEPEST);
+        s->Env->SimplexPricing = -1;
+        s->SwitchCount = 0;
+        start_slack_basis(s);
+        EXPECT_EQ(chosen(), columns == 300 ? PRICE_PARTIAL : PRICE_STEEPEST);
     }
 }
 
