@@ -7,14 +7,13 @@
 #include "support/model_edit.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace
 {
 
 struct Subject {
-    uint64_t seed = 0;
+    int seed = 0;
     const char *family = "";
     GeneratedLp g;
     std::string text() const
@@ -25,15 +24,15 @@ struct Subject {
 
 } // namespace
 
-static uint64_t subject_count()
+static int subject_count()
 {
-    const char *text = getenv("TARVEX_DIFFERENTIAL_COUNT");
-    return text ? strtoull(text, nullptr, 10) : 104;
+    return campaign("TARVEX_DIFFERENTIAL_COUNT", 104);
 }
 
-static Subject make_subject(uint64_t seed, Dice *dice)
+static Subject make_subject(int seed, Dice *dice)
 {
-    const FamilyRow &family = all_families()[seed % all_families().size()];
+    const FamilyRow &family =
+        all_families()[static_cast<size_t>(seed) % all_families().size()];
     const int size = dice->chance(80) ? dice->range(3, 30) : dice->range(30, 90);
     Subject s{.seed = seed, .family = family.name, .g = family.generate(dice, size)};
     return s;
@@ -80,7 +79,7 @@ static bool truth_met(const GeneratedLp &g, const LpSolution &s, bool presolve)
 TEST(Differential, primal_and_dual_find_the_planted_truth)
 {
     const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
+    for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed);
         const Subject s = make_subject(seed, &dice);
         for (const int presolve : {0, -1})
@@ -102,7 +101,7 @@ TEST(Differential, primal_and_dual_find_the_planted_truth)
 TEST(Differential, solves_after_changes_agree_with_fresh_ones)
 {
     const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
+    for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 1000000);
         Subject s = make_subject(seed, &dice);
         const TestModel model(lp_load(env.env, &s.g.lp));
@@ -132,7 +131,7 @@ TEST(Differential, solves_after_changes_agree_with_fresh_ones)
 TEST(Differential, an_optimal_basis_taken_along_needs_no_iterations)
 {
     const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
+    for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 3000000);
         const Subject s = make_subject(seed, &dice);
         LpSolution first, second;
@@ -153,7 +152,7 @@ TEST(Differential, an_optimal_basis_taken_along_needs_no_iterations)
 TEST(Differential, a_random_basis_is_as_good_a_start_as_any)
 {
     const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
+    for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 4000000);
         const Subject s = make_subject(seed, &dice);
         const size_t n = s.g.lp.obj.size(), m = s.g.lp.rhs.size();
@@ -181,7 +180,7 @@ TEST(Differential, a_random_basis_is_as_good_a_start_as_any)
 TEST(Differential, copies_and_second_runs_do_exactly_the_same)
 {
     const TestEnv env;
-    for (uint64_t seed = 0; seed < subject_count(); seed++) {
+    for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 8000000);
         const Subject s = make_subject(seed, &dice);
         const Settings settings = settings_draw(&dice);

@@ -11,16 +11,9 @@
 #include "support/presolve_try.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 static constexpr int SETTINGS_PER_MODEL = 5;
-
-static uint64_t from_environment(const char *name, uint64_t otherwise)
-{
-    const char *text = getenv(name);
-    return text ? strtoull(text, nullptr, 10) : otherwise;
-}
 
 static Settings draw_presolve_settings(Dice *dice)
 {
@@ -81,10 +74,10 @@ static LpModel generated(uint64_t seed, Dice *dice)
 TEST(Presolve, every_setting_gives_the_answer_of_the_model_itself)
 {
     const TestEnv env;
-    const uint64_t first = from_environment("TARVEX_PRESOLVE_SEED", 0),
-                   count = from_environment("TARVEX_PRESOLVE_COUNT", 130);
+    const int first = campaign("TARVEX_PRESOLVE_SEED", 0),
+              count = campaign("TARVEX_PRESOLVE_COUNT", 130);
     double iterations = 0, clean_up = 0;
-    for (uint64_t seed = first; seed < first + count; seed++) {
+    for (int seed = first; seed < first + count; seed++) {
         Dice dice(seed + 20000000);
         const LpModel lp = generated(seed, &dice);
         const Outcome plain = solve_under(env.env, &lp, {{"Presolve", 0}});
