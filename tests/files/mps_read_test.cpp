@@ -224,6 +224,8 @@ TEST_F(MpsRead, RangesBecomeEquationsWithAVariable)
     good("ROWS\n N C\n L R\nCOLUMNS\n RgR C 1\nRHS\n R R 4\nRANGES\n R R 3\nENDATA\n");
     EXPECT_EQ(domain("RgR_"), "C [0,3]") << "the plain name is taken";
     EXPECT_EQ(coefficient("R", "RgR_"), 1);
+    good("ROWS\n N C\n N D\n L R\nCOLUMNS\n X R 1\nRHS\nRANGES\n R C 3 D 3\nENDATA\n");
+    EXPECT_FALSE(warned("not defined")) << "a range of a free row says nothing";
 }
 
 // ---- Bounds ----

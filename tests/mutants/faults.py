@@ -3,7 +3,7 @@
 A row: file, the exact text to replace (once in its file, code only), its replacement, what that breaks, and the filter
 of the tests that should see it first ("" where only whole solves can).
 
-Last result     not run yet
+Last result     2026-11-22, behind commit a6f375c: 84 killed, 0 survived
 """
 from collections import namedtuple
 
@@ -236,7 +236,7 @@ PRESOLVE = [
 LP_AND_MIP = [
     Fault("src/lp/lp_start.cpp",
           "const bool newer = given.statuses && given.newer,", "const bool newer = !given.statuses && given.newer,",
-          "a basis that is newer than the last solve is ignored", "LpDriver.*:ModelUpdate.*"),
+          "a basis that is newer than the last solve is ignored", "LpStartTest.*"),
     Fault("src/lp/lp_credible.cpp",
           "*holds = bounds_hold(body, x.data, judge) && rows_hold(body, rows, judge);",
           "*holds = bounds_hold(body, x.data, judge) || rows_hold(body, rows, judge);",
