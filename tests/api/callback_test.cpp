@@ -90,6 +90,12 @@ TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)
     calls.clear();
     EXPECT_EQ(TVXoptimize(copy), 0);
     EXPECT_TRUE(calls.empty());
+    TVXenv *inner =
+        nullptr; // nor do environments of inner solves: their lines are not the caller's
+    ASSERT_EQ(env_inner(&inner, own()), 0);
+    TVXmsg(inner, "a line\n");
+    EXPECT_TRUE(calls.empty());
+    env_free(inner);
     TVXgetenv(copy)->outer = own(); // as in a solve within the solve of the model
     EXPECT_EQ(TVXresetmodel(copy), 0);
     EXPECT_EQ(TVXoptimize(copy), 0);

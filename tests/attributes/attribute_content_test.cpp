@@ -70,18 +70,3 @@ TEST_F(AttributeContent, statistics_pass_over_zeros_and_infinities)
     update();
     EXPECT_EQ(statistics(), (std::vector<double>{2, 1, 9, 9, 8, 2, -3, -20}));
 }
-
-TEST_F(AttributeContent, empty_arrays_can_be_read_and_set)
-{
-    load(LpModel{});
-    double d = 5;
-    char c = 'x', *s = nullptr;
-    EXPECT_EQ(TVXgetdblattrarray(model, "LB", 0, -1, &d), 0);
-    EXPECT_EQ(TVXgetcharattrarray(model, "Sense", 0, 0, &c), 0);
-    EXPECT_EQ(TVXgetstrattrarray(model, "VarName", 0, -1, &s), 0);
-    EXPECT_EQ(TVXsetdblattrarray(model, "Obj", 0, -1, &d), 0);
-    EXPECT_EQ(TVXsetdblattrlist(model, "RHS", 0, nullptr, &d), 0);
-    EXPECT_EQ(TVXgetdblattrelement(model, "LB", 0, &d), 10006);
-    EXPECT_EQ(dbl("MaxCoeff"), 0);
-    EXPECT_TRUE(c == 'x' && !s);
-}

@@ -96,31 +96,3 @@ TEST_F(AttributeTableTest, attribute_info_leaves_minus_one_behind_a_failure)
     EXPECT_STREQ(TVXgetmerrormsg(model), "");
     EXPECT_EQ(TVXgetattrinfo(nullptr, "X", &type, nullptr, nullptr), 10002);
 }
-
-// No attribute of any model may crash a caller who asks for it, whatever was solved or not.
-TEST_F(AttributeTableTest, every_attribute_of_an_unsolved_model_answers_a_value_or_no_data)
-{
-    for (const AttributeRow &row : attribute_rows) {
-        SCOPED_TRACE(row.name);
-        char c = 0, *s = nullptr;
-        int i = 0;
-        double d = 0;
-        const char *name = row.name;
-        const bool scalar = row.kind == AttrKind::MODEL;
-        const int code = row.type == AttrType::CHAR
-                             ? TVXgetcharattrarray(model, name, 0, -1, &c)
-                         : row.type == AttrType::INT
-                             ? (scalar ? TVXgetintattr(model, name, &i)
-                                       : TVXgetintattrarray(model, name, 0, -1, &i))
-                         : row.type == AttrType::DOUBLE
-                             ? (scalar ? TVXgetdblattr(model, name, &d)
-                                       : TVXgetdblattrarray(model, name, 0, -1, &d))
-                             : (scalar ? TVXgetstrattr(model, name, &s)
-                                       : TVXgetstrattrarray(model, name, 0, -1, &s));
-        EXPECT_EQ(row.settable, row.set != nullptr);
-        EXPECT_TRUE(code == 0 || code == 10005) << code;
-        if (!code) continue;
-        EXPECT_EQ(TVXgetmerrormsg(model),
-                  "Unable to retrieve attribute '" + std::string(row.name) + "'");
-    }
-}

@@ -56,33 +56,6 @@ void expect_all_zero(const Quality &quality)
 
 } // namespace
 
-TEST_F(QualityOfLp, an_optimal_point_violates_nothing_and_a_moved_one_where_it_was_moved)
-{
-    measure();
-    expect_all_zero(quality);
-    x = {2.5, -1, 0.5}; // 0.5 above, 1 below; x2 is free
-    measure();
-    expect_violation(quality.BoundVio, 1, 1.5, 1);
-    x = {0, 1.5, 3}; // row 0 satisfied with slack 0.5, though the basis holds it at zero
-    measure();
-    expect_violation(quality.ConstrResidual, 0.5, 0.5, 0);
-    row_basis = {0, 0, 0}; // basic slacks leave no residual, but for the equality
-    x = {0, 1.5, 3.25};
-    measure();
-    expect_violation(quality.ConstrResidual, 0.25, 0.25, 2);
-}
-
-TEST_F(QualityOfLp, distances_within_the_tolerance_count_as_being_at_the_bound)
-{
-    x = {5e-7, 1, 3 - 5e-7};
-    measure();
-    expect_violation(quality.DualVio, 0, 0, -1);
-    EXPECT_GT(quality.ComplVio.max, 0);
-    x = {5e-6, 1, 3 - 5e-6};
-    measure();
-    expect_violation(quality.DualVio, 1, 1, 0);
-}
-
 TEST_F(QualityOfLp, the_scaled_measures_use_the_factors)
 {
     const std::vector<double> row{4, 2, 1}, col{0.5, 0.25, 1};

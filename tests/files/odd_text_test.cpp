@@ -94,12 +94,14 @@ TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
     const struct {
         const char *name, *text;
         std::function<std::string()> result;
-    } files[] = {{"t.lp",
-                  "max x + 2 y\nst\n c: x + y\n <= 4\nbounds\n x <= 3\ngen\n x\nend\n",
-                  [this] { return stored_text(model, Names::COMPARE); }},
-                 {"t.bas", "NAME t\n UL a\n XL b b\nENDATA\n", [this] { return basis(); }},
-                 {"t.mst", "# start\na 1.5\nb -2\n", [this] { return start(); }},
-                 {"t.prm", "# cuts\nCuts 2\n", [this] { return cuts(); }}};
+    } files[] = {
+        {"t.mps", "ROWS\n N C\n G R1\nCOLUMNS\n a C 1 R1 2\nRHS\n R R1 4\nENDATA\n",
+         [this] { return stored_text(model, Names::COMPARE); }},
+        {"t.lp", "max x + 2 y\nst\n c: x + y\n <= 4\nbounds\n x <= 3\ngen\n x\nend\n",
+         [this] { return stored_text(model, Names::COMPARE); }},
+        {"t.bas", "NAME t\n UL a\n XL b b\nENDATA\n", [this] { return basis(); }},
+        {"t.mst", "# start\na 1.5\nb -2\n", [this] { return start(); }},
+        {"t.prm", "# cuts\nCuts 2\n", [this] { return cuts(); }}};
     for (const auto &file : files) {
         const std::string text = file.text, name = file.name;
         const auto with_end = [&](const std::string &end) {
@@ -116,13 +118,16 @@ TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
                                         "\xef\xbb\xbf" + with_end("\r\n"),
                                         text.substr(0, text.size() - 1),
                                         with_end("\r\n") + "\r",
-                                        text + "\x1a"};
+                                        text + "\x1a",
+                                        text + "\x1a\n\x1a"};
         std::string plain;
         for (const std::string &variant : variants) {
             SCOPED_TRACE(name + ": " + variant);
             make("a", "b");
             file_put(name, variant);
-            ASSERT_EQ(name == "t.lp" ? read_file(name) : read_side_file(name), 0)
+            ASSERT_EQ((name == "t.lp" || name == "t.mps") ? read_file(name)
+                                                          : read_side_file(name),
+                      0)
                 << message();
             if (plain.empty()) plain = file.result();
             EXPECT_EQ(file.result(), plain);

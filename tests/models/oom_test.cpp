@@ -1,64 +1,15 @@
 // oom_test.cpp -- every allocation of a whole solve fails once
 //
-// For k = 1, 2, 3, ...: the k-th request of the step under test, and all after it, are refused. The step must say so
-// (10001, "Out of memory") or get by without; the same step then succeeds when memory is back, the answer is right, and
-// after freeing everything no block is held. The sweep ends with the first k that no request reaches.
-#include "runtime/memory.h"
+// The sweeps are those of support/memory_sweep.h.
+#include "support/memory_sweep.h"
 #include "support/model_text.h"
 #include "support/scratch.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <functional>
 #include <gtest/gtest.h>
 
 #ifdef TVX_DEBUG
-
-namespace
-{
-
-// What a step works on. `lp` says what the model should hold once the step has succeeded.
-struct Scene {
-    TestEnv env;
-    TVXmodel *model = nullptr;
-    LpModel lp;
-    Scene() = default;
-    ~Scene() { TVXfreemodel(model); }
-    Scene(const Scene &) = delete;
-    Scene &operator=(const Scene &) = delete;
-};
-
-struct Sweep {
-    const char *name;
-    std::function<void(Scene *)> prepare;
-    std::function<int(Scene *)> step;        // the code of the call under test
-    std::function<void(Scene *, int)> after; // with memory back; gets that code
-};
-
-} // namespace
-
-static void run_sweep(const Sweep &sweep)
-{
-    const int64_t before = mem_blocks_held();
-    bool refused = true;
-    for (int64_t k = 1; refused; k++) {
-        {
-            Scene scene;
-            sweep.prepare(&scene);
-            ASSERT_FALSE(testing::Test::HasFatalFailure()) << sweep.name;
-            mem_fault_arm(k);
-            const int code = sweep.step(&scene);
-            refused = mem_fault_hits() > 0;
-            mem_fault_arm(0);
-            ASSERT_TRUE(code == 0 || (refused && code == TVX_ERROR_OUT_OF_MEMORY))
-                << sweep.name << ", request " << k << ": code " << code;
-            sweep.after(&scene, code);
-            ASSERT_FALSE(testing::Test::HasFatalFailure())
-                << sweep.name << ", request " << k;
-        }
-        ASSERT_EQ(mem_blocks_held(), before) << sweep.name << ", request " << k;
-    }
-}
 
 static LpModel example(Family family, int size)
 {
@@ -71,15 +22,6 @@ static void load_example(Scene *scene)
     scene->lp = example(gen_multi_period, 12);
     scene->model = lp_load(scene->env.env, &scene->lp);
     ASSERT_TRUE(scene->model);
-}
-
-// With memory back the model gives the optimum of scene->lp.
-static void expect_solves(Scene *scene)
-{
-    const RationalResult truth = rational_solve(&scene->lp);
-    LpSolution solution;
-    ASSERT_EQ(lp_solve(scene->model, &solution), 0) << TVXgetmerrormsg(scene->model);
-    ASSERT_EQ(judge_exact(&scene->lp, &truth, true, &solution), "");
 }
 
 // Everything that can be queued, read and copied; the first code that is not 0.

@@ -207,26 +207,6 @@ TEST_F(Sensitivity, is_there_for_an_optimal_lp_only)
     unavailable(); // a MIP
 }
 
-TEST_F(Sensitivity, elements_lists_and_arrays_agree_and_the_solve_stays_as_it_was)
-{
-    bakery(true);
-    const double iterations = dbl("IterCount"), value = dbl("ObjVal");
-    const int list[] = {2, 0, 2};
-    double listed[3];
-    for (const char *name : {"SAObjLow", "SAObjUp", "SALBLow", "SALBUp", "SAUBLow",
-                             "SAUBUp", "SARHSLow", "SARHSUp"}) {
-        const double last = dbl(name, 2); // before any other is known
-        const std::vector<double> array = all(name, 3);
-        ASSERT_EQ(TVXgetdblattrlist(model, name, 3, list, listed), 0);
-        EXPECT_EQ(last, array[2]) << name;
-        EXPECT_EQ(std::vector<double>(listed, listed + 3),
-                  (std::vector<double>{array[2], array[0], array[2]}))
-            << name;
-    }
-    EXPECT_EQ(dbl("IterCount"), iterations);
-    EXPECT_EQ(dbl("ObjVal"), value);
-}
-
 TEST_F(Sensitivity, a_basis_that_is_lost_is_found_again)
 {
     bakery(true);

@@ -6,20 +6,14 @@
 #include "presolve/work.h"
 #include "simplex/sopt.h"
 #include "support/inside.h"
+#include "support/memory_sweep.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 static constexpr int SETTINGS_PER_MODEL = 5;
-
-static uint64_t from_environment(const char *name, uint64_t otherwise)
-{
-    const char *text = getenv(name);
-    return text ? strtoull(text, nullptr, 10) : otherwise;
-}
 
 static Settings draw_presolve_settings(Dice *dice)
 {
@@ -80,10 +74,10 @@ static LpModel generated(uint64_t seed, Dice *dice)
 TEST(Presolve, every_setting_gives_the_answer_of_the_model_itself)
 {
     const TestEnv env;
-    const uint64_t first = from_environment("TARVEX_PRESOLVE_SEED", 0),
-                   count = from_environment("TARVEX_PRESOLVE_COUNT", 130);
+    const int first = campaign("TARVEX_PRESOLVE_SEED", 0),
+              count = campaign("TARVEX_PRESOLVE_COUNT", 130);
     double iterations = 0, clean_up = 0;
-    for (uint64_t seed = first; seed < first + count; seed++) {
+    for (int seed = first; seed < first + count; seed++) {
         Dice dice(seed + 20000000);
         const LpModel lp = generated(seed, &dice);
         const Outcome plain = solve_under(env.env, &lp, {{"Presolve", 0}});
@@ -115,81 +109,6 @@ TEST(Presolve, it_may_stop_after_any_reduction)
             const PresolveTry t = presolve_try_all(env.env, &lp);
             ASSERT_EQ(t.faults, "") << "limit " << limit;
         }
-}
-
-namespace
-{
-
-struct Special {
-    const char *name;
-    LpModel lp;
-    int status;
-    double value;
-};
-
-} // namespace
-
-static LpModel with_vars(int count, double obj, double lb, double ub)
-{
-    LpModel lp;
-    for (int j = 0; j < count; j++) lp_add_var(&lp, obj, lb, ub);
-    return lp;
-}
-
-static std::vector<Special> special_models()
-{
-    std::vector<Special> all;
-    all.push_back({"nothing at all", LpModel{}, TVX_OPTIMAL, 0});
-    LpModel lp;
-    lp.objcon = 7;
-    lp_add_row(&lp, '<', 3);
-    lp_add_row(&lp, '=', 0);
-    all.push_back({"rows without columns", lp, TVX_OPTIMAL, 7});
-    lp_add_row(&lp, '>', 3);
-    all.push_back({"an impossible empty row", lp, TVX_INFEASIBLE, 0});
-    all.push_back({"columns without rows", with_vars(3, 2, -1, 4), TVX_OPTIMAL, -6});
-    all.push_back(
-        {"a column may fall for ever", with_vars(1, 2, -LP_INFINITY, 4), TVX_UNBOUNDED, 0});
-    lp = with_vars(4, 1, 2, 2);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '=', 6);
-    all.push_back({"all columns fixed", lp, TVX_OPTIMAL, 8});
-    lp_add_row_entries(&lp, {{1, 1}, {2, 1}, {3, -3}}, '>', 0);
-    all.push_back({"all columns fixed, at a wrong point", lp, TVX_INFEASIBLE, 0});
-    lp = with_vars(3, 1, -LP_INFINITY, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 2}, {2, 1}}, '>', 4);
-    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '=', 1);
-    all.push_back({"all columns free, falling for ever", lp, TVX_UNBOUNDED, 0});
-    lp_add_row_entries(&lp, {{2, 1}, {1, -1}}, '=', 0);
-    all.push_back({"all columns free", lp, TVX_OPTIMAL, 3.25});
-    lp_add_row_entries(&lp, {{0, 1}, {2, -1}}, '<', 0);
-    all.push_back({"all columns free, contradicting rows", lp, TVX_INFEASIBLE, 0});
-    lp = with_vars(2, -1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 5);
-    lp_add_row_entries(&lp, {{0, 1}}, '<', 3);
-    lp_add_row_entries(&lp, {{1, 2}}, '=', 2);
-    lp.sense = -1;
-    all.push_back({"rows that become bounds and vanish", lp, TVX_OPTIMAL, -1});
-    return all;
-}
-
-TEST(Presolve, special_models_have_their_answers)
-{
-    for (const Special &special : special_models())
-        for (const double level : {-1, 1, 2})
-            for (const double dual : {0, 1}) {
-                const TestEnv env;
-                const Settings settings = {{"Presolve", level},
-                                           {"TARV_PAR_DUALREDUCTION", dual}};
-                const Outcome out = solve_under(env.env, &special.lp, settings);
-                ASSERT_EQ(out.wrong, "") << special.name;
-                LpSolution truth;
-                truth.status = special.status;
-                truth.objval = special.value;
-                EXPECT_EQ(same_outcome(&truth, &out.solution), "")
-                    << special.name << "\n"
-                    << settings_text(settings);
-                EXPECT_EQ(out.clean_up, 0) << special.name;
-            }
 }
 
 // Kinds of the records that presolve leaves behind, as bits.
@@ -233,31 +152,17 @@ static void append_block(LpModel *lp, const LpModel &block)
 }
 
 #ifdef TVX_DEBUG
-// The k-th request of memory, and all behind it, fail: the code says so, nothing is held, and the model still solves.
-static void sweep(const LpModel &lp, const Settings &settings, int step)
+static void sweep(const LpModel &lp, const Settings &settings, int stride)
 {
-    const RationalResult truth = rational_solve(&lp);
-    const int64_t before = mem_blocks_held();
-    bool refused = true;
-    for (int64_t k = 1; refused; k += step) {
-        {
-            const TestEnv env;
-            ASSERT_EQ(settings_apply(env.env, settings), 0);
-            const TestModel model(lp_load(env.env, &lp));
-            ASSERT_TRUE(model);
-            mem_fault_arm(k);
-            const int code = TVXoptimize(model);
-            refused = mem_fault_hits() > 0;
-            mem_fault_arm(0);
-            ASSERT_TRUE(code == 0 || (refused && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
-            LpSolution solution;
-            ASSERT_EQ(lp_solve(model, &solution), 0);
-            ASSERT_EQ(judge_exact(&lp, &truth, true, &solution), "")
-                << "request " << k << "\n"
-                << settings_text(settings);
-        }
-        ASSERT_EQ(mem_blocks_held(), before) << "request " << k;
-    }
+    run_sweep({"presolve",
+               [&](Scene *s) {
+                   ASSERT_EQ(settings_apply(s->env.env, settings), 0);
+                   s->lp = lp;
+                   s->model = lp_load(s->env.env, &lp);
+                   ASSERT_TRUE(s->model);
+               },
+               [](Scene *s) { return TVXoptimize(s->model); },
+               [](Scene *s, int) { expect_solves(s); }, stride});
 }
 
 TEST(Presolve, memory_may_end_anywhere)

@@ -1,4 +1,5 @@
 // kappa_test.cpp -- the condition estimates of a basis against a dense inverse
+#include "support/dense.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -7,8 +8,6 @@
 
 namespace
 {
-using Matrix = std::vector<std::vector<long double>>; // by rows
-
 // Columns of the basis that a solve without scaling ended with; signs do not matter.
 Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {
@@ -21,29 +20,6 @@ Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
         if (s->vbasis[j] == 0) add(lp->cols[j]);
     for (int i = 0; i < lp->num_rows(); i++)
         if (s->cbasis[i] == 0) add({{i, 1}});
-    return b;
-}
-
-// Gauss and Jordan with the largest pivot of each column.
-Matrix inverse(Matrix b)
-{
-    const size_t m = b.size();
-    for (size_t i = 0; i < m; i++)
-        for (size_t k = 0; k < m; k++) b[i].push_back(i == k);
-    for (size_t k = 0; k < m; k++) {
-        size_t best = k;
-        for (size_t i = k; i < m; i++)
-            if (std::fabs(b[i][k]) > std::fabs(b[best][k])) best = i;
-        std::swap(b[k], b[best]);
-        const long double pivot = b[k][k];
-        for (long double &v : b[k]) v /= pivot;
-        for (size_t i = 0; i < m; i++) {
-            const long double factor = b[i][k];
-            if (i == k || factor == 0) continue;
-            for (size_t c = 0; c < 2 * m; c++) b[i][c] -= factor * b[k][c];
-        }
-    }
-    for (auto &row : b) row.erase(row.begin(), row.begin() + static_cast<long>(m));
     return b;
 }
 

@@ -1,5 +1,5 @@
 // primal_test.cpp -- pricings and starts of the primal: whatever the way, the same answer in a vertex
-#include "simplex/sopt.h"
+#include "simplex/primal.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 
@@ -86,6 +86,35 @@ TEST(PrimalPricing, every_kind_finds_the_same_answer_with_and_without_perturbati
     }
 }
 
+// Exact weights from slacks; those of the framework from another basis; parts of very many columns; and Devex after the
+// dual. What the caller asks for is done.
+TEST(PrimalPricing, is_chosen_by_the_shape_and_the_start)
+{
+    const TestEnv env;
+    for (const int columns : {10, 300}) {
+        Dice dice(1);
+        const LpModel lp = wide_covering(&dice, 8, columns);
+        const TestModel model(lp_load(env.env, &lp));
+        solve(model, METHOD_PRIMAL);
+        sopt *s = model.model->lp.simplex;
+        const auto chosen = [s] {
+            primal_choose_pricing(s, s->Double);
+            return s->Double->Primal->PricingCur;
+        };
+        s->SwitchCount = 0;
+        ASSERT_FALSE(is_slack_basis(s));
+        EXPECT_EQ(chosen(), columns == 300 ? PRICE_PARTIAL : PRICE_QUICK);
+        s->SwitchCount = 1;
+        EXPECT_EQ(chosen(), PRICE_DEVEX);
+        s->Env->SimplexPricing = PRICE_STEEPEST;
+        EXPECT_EQ(chosen(), PRICE_STEEPEST);
+        s->Env->SimplexPricing = -1;
+        s->SwitchCount = 0;
+        start_slack_basis(s);
+        EXPECT_EQ(chosen(), columns == 300 ? PRICE_PARTIAL : PRICE_STEEPEST);
+    }
+}
+
 TEST(PrimalSuper, a_start_from_a_point_ends_in_a_vertex_with_the_same_answer)
 {
     const TestEnv env;
@@ -116,4 +145,31 @@ TEST(PrimalSuper, a_limit_amid_the_pushes_leaves_a_start_for_the_next_solve)
     TVXgetenv(started)->IterationLimit = 1e9;
     expect_same(solve(started, METHOD_AUTO), solve(plain, METHOD_DUAL));
     EXPECT_EQ(superbasics_left(started.model->lp.simplex), 0);
+}
+
+// Each step goes where the sum of infeasibilities is least, and no further.
+TEST(PrimalRatio, a_step_of_phase_1_never_adds_infeasibility)
+{
+    const TestEnv env;
+    int steps = 0;
+    for (uint64_t seed = 0; seed < 60; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed);
+        LpModel lp = dice.pick(all_families()).generate(&dice, 20).lp;
+        for (double &cost : lp.obj) cost = 0; // nothing else counts
+        const TestModel model(lp_load(env.env, &lp));
+        TVXgetenv(model)->PerturbValue = 0;
+        TVXgetenv(model)->IterationLimit = 0;
+        double before = LP_INFINITY;
+        for (int k = 0; k < 40; k++) {
+            const sopt *s = solve(model, METHOD_PRIMAL);
+            if (s->Status != SIMPLEX_ITERATION_LIMIT || s->Method != METHOD_PRIMAL) break;
+            const double sum = measure_infeasibility(s, s->Double).PrimalSum;
+            EXPECT_LE(sum, before + 1e-6 * (1 + sum)) << k;
+            before = sum;
+            steps += k > 0;
+            TVXgetenv(model)->IterationLimit = 1;
+        }
+    }
+    EXPECT_GT(steps, 200);
 }

@@ -9,9 +9,11 @@ static constexpr double SMALLEST_MARGIN = -9; // power of ten
 
 const std::vector<HostileFamily> &hostile_families()
 {
-    static const std::vector<HostileFamily> families = {
-        {"tall", hostile_tall}, {"bigm", hostile_bigm}, {"residue", hostile_residue},
-        {"wide", hostile_wide}, {"wild", hostile_wild}, {"ties", hostile_ties}};
+    static const std::vector<HostileFamily> families = {{"tall", hostile_tall},
+                                                        {"bigm", hostile_bigm},
+                                                        {"residue", hostile_residue},
+                                                        {"wide", hostile_wide},
+                                                        {"wild", hostile_wild}};
     return families;
 }
 

@@ -5,7 +5,6 @@
 //   residue   equations whose substitution leaves rounding where exact arithmetic leaves nothing
 //   wide      numbers over 12 and more decades, or over 6 with nearly parallel rows
 //   wild      over up to 36 decades: nobody can be asked for much, but for an end and no wrong claim
-//   ties      integer data with many equal coefficients: assignment, covering, networks, cycles
 //
 // Three members of five are as the family makes them; one is made infeasible, by 1e-9 to 1, and one is given a ray.
 // What the truth is, rational_solve tells: the right-hand sides are rounded, so it may differ from what was meant.
@@ -36,4 +35,3 @@ LpModel hostile_wide(Dice *dice);
 LpModel hostile_wild(Dice *dice);
 LpModel hostile_bigm(Dice *dice);
 LpModel hostile_residue(Dice *dice);
-LpModel hostile_ties(Dice *dice);

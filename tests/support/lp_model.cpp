@@ -5,13 +5,6 @@
 #include <map>
 #include <sstream>
 
-int LpModel::num_entries() const
-{
-    size_t count = 0;
-    for (const std::vector<LpEntry> &col : cols) count += col.size();
-    return static_cast<int>(count);
-}
-
 int lp_add_var(LpModel *lp, double obj, double lb, double ub)
 {
     lp->obj.push_back(obj);
@@ -51,25 +44,6 @@ double lp_get_entry(const LpModel *lp, int row, int col)
     for (const LpEntry &e : lp->cols[col])
         if (e.row == row) return e.value;
     return 0;
-}
-
-void lp_delete_row(LpModel *lp, int row)
-{
-    lp->senses.erase(lp->senses.begin() + row);
-    lp->rhs.erase(lp->rhs.begin() + row);
-    for (std::vector<LpEntry> &col : lp->cols) {
-        std::erase_if(col, [row](const LpEntry &e) { return e.row == row; });
-        for (LpEntry &e : col)
-            if (e.row > row) e.row--;
-    }
-}
-
-void lp_delete_var(LpModel *lp, int col)
-{
-    lp->obj.erase(lp->obj.begin() + col);
-    lp->lb.erase(lp->lb.begin() + col);
-    lp->ub.erase(lp->ub.begin() + col);
-    lp->cols.erase(lp->cols.begin() + col);
 }
 
 static bool same_bound(double a, double b)

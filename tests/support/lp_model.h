@@ -30,7 +30,6 @@ struct LpModel {
 
     int num_vars() const { return static_cast<int>(obj.size()); }
     int num_rows() const { return static_cast<int>(rhs.size()); }
-    int num_entries() const;
 };
 
 int lp_add_var(LpModel *lp, double obj, double lb, double ub); // its index
@@ -40,8 +39,6 @@ int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &e
                        char sense, double rhs);
 void lp_set_entry(LpModel *lp, int row, int col, double value); // 0 removes the entry
 double lp_get_entry(const LpModel *lp, int row, int col);
-void lp_delete_row(LpModel *lp, int row);
-void lp_delete_var(LpModel *lp, int col);
 bool lp_same(const LpModel *a, const LpModel *b); // up to the order inside columns
 
 // Row activities a_i x, added up in long double.

@@ -58,6 +58,14 @@ static int solve_reduced(TVXmodel *reduced, PresolveTry *out, LpPoint *point)
     return 0;
 }
 
+// Where a start would put a column: a free one whose bounds come back, at the one on which it stands.
+static int settled(const ModelBody *body, const LpPoint *point, int j)
+{
+    const int status = point->status[j];
+    if (status != -3) return status >= 0 ? 0 : status;
+    return point->x[j] == body->lb[j] ? -1 : point->x[j] == body->ub[j] ? -2 : -3;
+}
+
 // As attributes would show the point.
 static LpSolution as_caller_sees(const TVXmodel *model, const LpModel *lp,
                                  const LpPoint *point)
@@ -70,7 +78,7 @@ static LpSolution as_caller_sees(const TVXmodel *model, const LpModel *lp,
     for (int j = 0; j < n; j++) {
         s.x.push_back(point->x[j]);
         s.rc.push_back(body->sense * point->dual[j]);
-        s.vbasis.push_back(point->status[j] >= 0 ? 0 : point->status[j]);
+        s.vbasis.push_back(settled(body, point, j));
     }
     for (int i = 0; i < m; i++) {
         s.pi.push_back(body->sense * row_sign(body, i) * point->dual[n + i]);

@@ -1,8 +1,5 @@
 // aggregate_test.cpp -- columns that leave through rows: doubletons, implied free columns, free columns as slacks
-#include "support/dice.h"
-#include "support/model_gen.h"
 #include "support/presolve_try.h"
-#include "support/rational_lp.h"
 #include <gtest/gtest.h>
 
 namespace
@@ -184,49 +181,4 @@ TEST(Aggregate, a_pivot_that_is_small_in_row_and_column_is_refused)
     LpModel lp = star(2, -INF, INF);
     lp_set_entry(&lp, 0, 0, 1e-4);
     EXPECT_EQ(presolve_try(env.env, &lp, {pre_aggregate}).rows, 3);
-}
-
-TEST(FreeToSlack, a_free_column_of_inequalities_costs_a_row)
-{
-    const TestEnv env;
-    for (const double a : {1.0, -3.0})
-        for (const double b : {2.0, -0.5})
-            for (const double c : {0.0, 1.0, -1.0}) {
-                LpModel lp;
-                lp_add_var(&lp, c, -INF, INF);
-                for (int j = 0; j < 3; j++) lp_add_var(&lp, j - 1.5, -3, 4);
-                lp_add_row_entries(&lp, {{0, a}, {1, 1}, {2, -1}}, '<', 2);
-                lp_add_row_entries(&lp, {{0, b}, {1, 2}, {3, 1}}, '<', 3);
-                lp_add_row_entries(&lp, {{1, 1}, {2, 1}, {3, 1}}, '>', 1);
-                const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate});
-                EXPECT_EQ(t.rows, 2);
-                EXPECT_EQ(t.cols, 4);
-                const RationalResult truth = rational_solve(&lp);
-                if (truth.status == LpStatus::OPTIMAL)
-                    EXPECT_EQ(t.faults, "") << a << ' ' << b << ' ' << c;
-                else
-                    EXPECT_NE(t.reduced_status, 2);
-            }
-}
-
-TEST(Aggregate, random_models_keep_their_truth)
-{
-    const TestEnv env;
-    set_parameters(env.env, {{"AggFill", 1000}});
-    int removed = 0, slacks = 0;
-    for (uint64_t seed = 0; seed < 4000; seed++) {
-        Dice dice(seed);
-        LpModel lp = gen_tiny(&dice, TinyLimits{});
-        const PresolveTry t = presolve_try(env.env, &lp, {pre_aggregate, pre_aggregate});
-        removed += t.cols_removed;
-        slacks += t.rows_removed - t.cols_removed;
-        const LpStatus truth = rational_solve(&lp).status;
-        EXPECT_EQ(t.broken, 0) << seed;
-        if (truth == LpStatus::OPTIMAL)
-            EXPECT_EQ(t.faults, "") << "seed " << seed << '\n' << lp_to_mps(&lp, "");
-        else
-            EXPECT_EQ(t.solution.status, 0) << seed;
-    }
-    EXPECT_GT(removed, 500); // the generator does make such columns
-    EXPECT_GT(slacks, 100);
 }

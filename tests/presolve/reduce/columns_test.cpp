@@ -1,7 +1,5 @@
 // columns_test.cpp -- the column pass: singletons, dominated columns, and inequalities that become equations
-#include "support/model_gen.h"
 #include "support/presolve_try.h"
-#include "support/rational_lp.h"
 #include <gtest/gtest.h>
 
 namespace
@@ -145,31 +143,5 @@ TEST(IneqToEq, the_only_row_that_holds_a_column_back_is_tight)
         const PresolveTry t = presolve_try(env.env, &lp, {pre_ineq_to_eq});
         EXPECT_EQ(t.faults, "") << c.name;
         EXPECT_EQ(t.ineq_to_eq, c.equations) << c.name;
-    }
-}
-
-// Odd models with many singletons: the outcome is that of the model, and the way back ends in an optimal basis.
-TEST(Columns, random_models_keep_their_outcome)
-{
-    const TestEnv env;
-    for (uint64_t seed = 0; seed < 1500; seed++) {
-        Dice dice(seed + 4711);
-        LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = 5, .max_rows = 5});
-        for (int k = lp.num_rows() > 0 ? dice.range(0, 4) : 0; k > 0; k--) {
-            const int j =
-                lp_add_var(&lp, dice.range(-3, 3), dice.pick<double>({-INF, -2, 0}),
-                           dice.pick<double>({0, 3, INF}));
-            lp_set_entry(&lp, dice.range(0, lp.num_rows() - 1), j, dice.nonzero(3));
-        }
-        const PresolveTry t =
-            seed % 2
-                ? presolve_try(env.env, &lp, {pre_columns, pre_ineq_to_eq, pre_columns})
-                : presolve_try(env.env, &lp, {pre_ineq_to_eq, pre_columns});
-        EXPECT_EQ(t.faults, "") << "seed " << seed << "\n" << lp_to_mps(&lp, "");
-        const LpStatus truth = rational_solve(&lp).status;
-        const int status = t.status ? t.status : t.reduced_status;
-        const bool optimal = status == 0 || status == TVX_OPTIMAL;
-        EXPECT_EQ(optimal, truth == LpStatus::OPTIMAL) << "seed " << seed << "\n"
-                                                       << lp_to_mps(&lp, "");
     }
 }

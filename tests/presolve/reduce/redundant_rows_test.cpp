@@ -44,5 +44,7 @@ TEST(RedundantRows, entries_go_while_their_sum_is_a_thousandth_of_the_tolerance)
         const PresolveTry t = presolve_try(env.env, &lp, {pre_redundant_rows});
         EXPECT_EQ(t.faults, "") << entry;
         EXPECT_EQ(t.coefs_changed, entry < 1e-9 ? 1 : 0) << entry;
+        EXPECT_EQ(t.reduced.rhs[0], entry < 1e-9 ? 0.5 - entry / 2 : 0.5)
+            << "at the middle";
     }
 }

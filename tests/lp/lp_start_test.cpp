@@ -1,0 +1,47 @@
+// lp_start_test.cpp -- what a solve starts from, when several things are there
+#include "lp/lp_start.h"
+#include "support/model_test.h"
+#include "support/settings.h"
+#include "support/structured_gen.h"
+
+struct LpStartTest : ModelTest {
+    // Stopped amid the reduced model.
+    void SetUp() override
+    {
+        Dice dice(5);
+        load(gen_multi_period(&dice, 30).lp);
+        ASSERT_EQ(settings_apply(own(), {{"Presolve", 1}, {"IterationLimit", 5}}), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_NE(model->lp.form, nullptr);
+    }
+    LpFrom chosen(bool given, bool newer)
+    {
+        std::vector<int> slacks(static_cast<size_t>(integer("NumVars")), -1);
+        slacks.resize(slacks.size() + static_cast<size_t>(integer("NumConstrs")), 0);
+        LpStart start;
+        EXPECT_EQ(lp_start_choose(&model->lp,
+                                  {given ? slacks.data() : nullptr, nullptr, newer},
+                                  &start),
+                  0);
+        if (start.from == LpFrom::BASIS) {
+            EXPECT_EQ(start.statuses.size, static_cast<int64_t>(slacks.size()));
+        }
+        return start.from;
+    }
+};
+
+TEST_F(LpStartTest, a_basis_given_since_comes_first_then_the_form_the_record_and_any_basis)
+{
+    EXPECT_EQ(chosen(false, false), LpFrom::FORM);
+    EXPECT_EQ(chosen(true, false), LpFrom::FORM);
+    EXPECT_EQ(chosen(true, true), LpFrom::BASIS);
+    EXPECT_EQ(model->lp.form, nullptr) << "what it displaces is gone";
+    EXPECT_EQ(model->lp.simplex, nullptr);
+    EXPECT_EQ(chosen(true, false), LpFrom::BASIS);
+    EXPECT_EQ(chosen(false, false), LpFrom::SCRATCH);
+    SetUp();
+    ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+    EXPECT_EQ(chosen(true, false), LpFrom::MODEL) << "where the limit has stopped it";
+    model->lp.status = TVX_LOADED;
+    EXPECT_EQ(chosen(true, false), LpFrom::RECORD);
+}

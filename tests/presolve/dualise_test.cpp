@@ -1,0 +1,66 @@
+// dualise_test.cpp -- the dual form: its value, and bases that go there and come back
+#include "presolve/dualise.h"
+#include "support/inside.h"
+#include "support/model_gen.h"
+#include "support/settings.h"
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace
+{
+struct DualForm {
+    ModelBody *body = nullptr;
+    explicit DualForm(const TVXmodel *model)
+    {
+        EXPECT_EQ(dualise(model->body, model->env, &body), 0);
+    }
+    ~DualForm() { body_free(body); }
+};
+
+std::vector<bool> basics(const std::vector<int> &status)
+{
+    std::vector<bool> basic;
+    for (const int code : status) basic.push_back(code >= 0);
+    return basic;
+}
+} // namespace
+
+// An optimal basis of the dual form is one of the model: no iteration is left. And it leads back to where it came from.
+TEST(Dualise, has_the_value_of_the_model_and_its_bases_serve)
+{
+    int compared = 0;
+    for (uint64_t seed = 0; seed < 1500; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed);
+        const LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = 5, .max_rows = 5});
+        const TestEnv env;
+        const TestModel model(lp_load(env.env, &lp));
+        ASSERT_EQ(settings_apply(TVXgetenv(model), {{"Presolve", 0}}), 0);
+        LpSolution plain;
+        ASSERT_EQ(lp_solve(model, &plain), 0);
+        const DualForm form(model.model);
+        const BodyView dual(model.model->env, form.body);
+        ASSERT_EQ(simplex_alone(dual, {.Method = METHOD_PRIMAL}), 0);
+        if (plain.status != TVX_OPTIMAL) {
+            EXPECT_NE(dual.model->lp.status, TVX_OPTIMAL);
+            continue;
+        }
+        ASSERT_EQ(dual.model->lp.status, TVX_OPTIMAL);
+        const double value = -simplex_objective(dual.model->lp.simplex);
+        EXPECT_NEAR(lp.sense * plain.objval, value, 1e-6 * (1 + std::fabs(value)));
+        const size_t n = lp.obj.size(), m = lp.rhs.size();
+        std::vector<int> own(n + m), there(static_cast<size_t>(form.body->numvars) +
+                                           static_cast<size_t>(form.body->numconstrs));
+        std::vector<int> back = there;
+        simplex_get_basis(dual.model->lp.simplex, there.data());
+        dual_basis_to_primal(model.model->body, INFINITE_BOUND, there.data(), own.data());
+        primal_basis_to_dual(model.model->body, INFINITE_BOUND, own.data(), back.data());
+        if (basics(own).size() != n + m) continue;
+        EXPECT_EQ(basics(back), basics(there));
+        ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL, .Statuses = own.data()}), 0);
+        EXPECT_EQ(model.model->lp.status, TVX_OPTIMAL);
+        EXPECT_EQ(simplex_iterations(model.model->lp.simplex), 0);
+        compared++;
+    }
+    EXPECT_GT(compared, 400);
+}

@@ -1,0 +1,112 @@
+// reductions_test.cpp -- each reduction alone on random models: the truth stays, the way back ends in an optimal basis, and
+// it does find what it looks for
+#include "support/dice.h"
+#include "support/model_gen.h"
+#include "support/presolve_try.h"
+#include "support/rational_lp.h"
+#include <gtest/gtest.h>
+
+// Multiples of lines of a small core, slack columns, bounds of all kinds.
+static LpModel full_of_multiples(Dice *dice)
+{
+    const int cols = dice->range(1, 4), rows = dice->range(1, 4);
+    LpModel lp;
+    lp.sense = dice->chance(80) ? 1 : -1;
+    for (int j = 0; j < cols; j++) lp_add_var(&lp, dice->range(-4, 8), 0, LP_INFINITY);
+    for (int i = 0; i < rows; i++) {
+        std::vector<std::pair<int, double>> entries;
+        for (int j = 0; j < cols; j++) entries.emplace_back(j, dice->range(-2, 2));
+        lp_add_row_entries(&lp, entries, '<', 0);
+    }
+    for (int more = dice->range(0, 4); more > 0; more--) {
+        const int j = dice->range(0, lp.num_vars() - 1), f = dice->nonzero(2);
+        const double cost = f * lp.obj[static_cast<size_t>(j)];
+        const int k = lp_add_var(&lp, cost + (dice->chance(50) ? dice->range(-2, 2) : 0), 0,
+                                 LP_INFINITY);
+        for (const LpEntry &e : std::vector<LpEntry>(lp.cols[static_cast<size_t>(j)]))
+            lp_set_entry(&lp, e.row, k, f * e.value);
+    }
+    for (int more = dice->range(0, 4); more > 0; more--) {
+        const int i = dice->range(0, lp.num_rows() - 1), f = dice->nonzero(2);
+        const int k = lp_add_row(&lp, '<', 0);
+        for (int j = 0; j < lp.num_vars(); j++)
+            lp_set_entry(&lp, k, j, f * lp_get_entry(&lp, i, j));
+    }
+    for (int more = dice->range(0, 3); more > 0; more--)
+        lp_set_entry(&lp, dice->range(0, lp.num_rows() - 1),
+                     lp_add_var(&lp, dice->range(0, 2), 0, LP_INFINITY), dice->nonzero(2));
+    std::vector<double> x;
+    for (size_t j = 0; j < lp.obj.size(); j++) {
+        lp.lb[j] = dice->chance(60) ? 0 : dice->range(-3, 1);
+        x.push_back(lp.lb[j] + dice->range(0, 2));
+        if (dice->chance(50)) lp.ub[j] = x[j] + dice->range(0, 3);
+        if (dice->chance(20)) lp.lb[j] = -LP_INFINITY;
+    }
+    const std::vector<long double> activity = lp_activity(&lp, x);
+    for (size_t i = 0; i < lp.rhs.size(); i++) {
+        lp.senses[i] = dice->pick(std::vector<char>{'<', '>', '=', '='});
+        lp.rhs[i] = static_cast<double>(activity[i]) + (dice->chance(3) ? 1 : 0);
+    }
+    return lp;
+}
+
+// Odd models with a few columns of one row.
+static LpModel with_singletons(Dice *dice)
+{
+    LpModel lp = gen_tiny(dice, TinyLimits{.max_vars = 5, .max_rows = 5});
+    for (int k = lp.num_rows() > 0 ? dice->range(0, 4) : 0; k > 0; k--) {
+        const int j =
+            lp_add_var(&lp, dice->range(-3, 3), dice->pick<double>({-LP_INFINITY, -2, 0}),
+                       dice->pick<double>({0, 3, LP_INFINITY}));
+        lp_set_entry(&lp, dice->range(0, lp.num_rows() - 1), j, dice->nonzero(3));
+    }
+    return lp;
+}
+
+TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
+{
+    const struct {
+        const char *name;
+        std::initializer_list<Reduction> reductions;
+        int least; // rows, columns, coefficients, bounds and senses changed in all
+    } rows[] = {
+        {"singleton_rows", {pre_singleton_rows}, 1000},
+        {"forcing_rows", {pre_forcing_rows}, 50},
+        {"redundant_rows", {pre_redundant_rows}, 500},
+        {"aggregate", {pre_aggregate, pre_aggregate}, 1000},
+        {"duplicate_rows", {pre_duplicate_rows, pre_aggregate}, 1000},
+        {"dependent_rows", {pre_dependent_rows}, 100},
+        {"dependent_cols", {pre_dependent_cols}, 5},
+        {"two_rows", {pre_two_rows}, 1000},
+        {"ineq_to_eq", {pre_ineq_to_eq, pre_columns}, 500},
+        {"columns", {pre_columns, pre_ineq_to_eq, pre_columns}, 1000},
+        {"fix_empty", {pre_fix_empty}, 200},
+        {"dual_bounds", {pre_dual_bounds}, 300},
+        {"duplicate_cols", {pre_duplicate_cols}, 200},
+        {"singleton_knapsack", {pre_singleton_knapsack}, 10},
+        {"implied_bounds", {pre_implied_bounds}, 100},
+    };
+    const TestEnv env;
+    set_parameters(env.env, {{"AggFill", 1000}});
+    for (const auto &row : rows) {
+        int effect = 0;
+        for (uint64_t seed = 0; seed < 1200; seed++) {
+            Dice dice(seed);
+            const LpModel lp = seed % 3 == 0   ? gen_tiny(&dice, TinyLimits{})
+                               : seed % 3 == 1 ? with_singletons(&dice)
+                                               : full_of_multiples(&dice);
+            const RationalResult truth = rational_solve(&lp);
+            if (truth.crossed >= 0) continue; // such models are not reduced
+            const PresolveTry t = presolve_try(env.env, &lp, row.reductions);
+            effect += t.rows_removed + t.cols_removed + t.ineq_to_eq + t.coefs_changed +
+                      t.bounds_changed;
+            const bool optimal = truth.status == LpStatus::OPTIMAL;
+            const int status = t.status ? t.status : t.reduced_status;
+            EXPECT_EQ(t.faults, "") << row.name << seed << "\n" << lp_to_mps(&lp, "");
+            EXPECT_EQ(status == 0 || status == TVX_OPTIMAL, optimal)
+                << row.name << seed << "\n"
+                << lp_to_mps(&lp, "");
+        }
+        EXPECT_GE(effect, row.least) << row.name;
+    }
+}
