@@ -34,8 +34,9 @@ int derived_finish(TVXmodel *copy, const TVXmodel *source, const char *suffix)
     return body_join_name(copy->body, name ? name : "", suffix, &copy->body->modelname);
 }
 
-static int make_copy(TVXmodel *source, const char *suffix, Derivation change,
-                     TVXmodel **out)
+namespace
+{
+int make_copy(TVXmodel *source, const char *suffix, Derivation change, TVXmodel **out)
 {
     const ModelBody *body = source->body;
     TRY(model_copy(source, body->varnames.size ? body->varnames.data : nullptr,
@@ -43,6 +44,7 @@ static int make_copy(TVXmodel *source, const char *suffix, Derivation change,
     TRY(derived_finish(*out, source, suffix));
     return change(source, *out);
 }
+} // namespace
 
 TVXmodel *derive(TVXmodel *source, const char *suffix, Derivation change)
 {

@@ -6,7 +6,9 @@
 #include "analysis/derived.h"
 #include <algorithm>
 
-static int relax(TVXmodel * /*source*/, TVXmodel *copy)
+namespace
+{
+int relax(TVXmodel * /*source*/, TVXmodel *copy)
 {
     const ModelBody *body = copy->body;
     for (int j = 0; j < body->vtypes.size; j++) {
@@ -18,6 +20,7 @@ static int relax(TVXmodel * /*source*/, TVXmodel *copy)
     derived_make_linear(copy);
     return 0;
 }
+} // namespace
 
 TVXmodel *TVXrelaxmodel(TVXmodel *model)
 {

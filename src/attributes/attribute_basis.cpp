@@ -7,11 +7,14 @@
 #include "model/warm_start.h"
 #include "simplex/simplex.h"
 
+namespace
+{
 // Where the group's part of an array over variables, then constraints, begins.
-static int64_t offset(const TVXmodel *model, int part)
+int64_t offset(const TVXmodel *model, int part)
 {
     return part == PART_OF_VARS ? 0 : model->body->numvars;
 }
+} // namespace
 
 int compute_basis(TVXmodel *model, int part, const void **place)
 {
@@ -28,10 +31,13 @@ int set_basis(TVXmodel *model, int part, ElementRange range, const void *values)
                                 : warm_start_set_constrs(model, range, codes);
 }
 
-static int norms_kind(const TVXmodel *model)
+namespace
+{
+int norms_kind(const TVXmodel *model)
 {
     return model->lp.simplex ? simplex_get_norms(model->lp.simplex, nullptr) : 0;
 }
+} // namespace
 
 // During a run there are no weights that belong to a final basis.
 int get_has_norms(TVXmodel *model, int, ElementRange, void *values)

@@ -5,7 +5,9 @@
 // Cost     The elements asked for, and once per solve or update that of the compute routine.
 #include "attributes/attribute_access.h"
 
-static size_t value_size(AttrType type)
+namespace
+{
+size_t value_size(AttrType type)
 {
     switch (type) {
     case AttrType::CHAR:
@@ -21,8 +23,7 @@ static size_t value_size(AttrType type)
 }
 
 // values[k] = place[element k of the range], for values of any type.
-static void copy_out(const void *place, size_t size, const ElementRange &range,
-                     void *values)
+void copy_out(const void *place, size_t size, const ElementRange &range, void *values)
 {
     const char *from = static_cast<const char *>(place);
     char *to = static_cast<char *>(values);
@@ -37,8 +38,8 @@ static void copy_out(const void *place, size_t size, const ElementRange &range,
                from + static_cast<size_t>(range.ind[k]) * size, size);
 }
 
-static int retrieve(TVXmodel *model, const AttributeRow *row, const ElementRange &range,
-                    void *values)
+int retrieve(TVXmodel *model, const AttributeRow *row, const ElementRange &range,
+             void *values)
 {
     if (row->compute) {
         const void *place = nullptr;
@@ -50,8 +51,8 @@ static int retrieve(TVXmodel *model, const AttributeRow *row, const ElementRange
     return TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
-static int get_values(TVXmodel *model, const char *name, AttrType type,
-                      const AttrSelection &selection, void *values)
+int get_values(TVXmodel *model, const char *name, AttrType type,
+               const AttrSelection &selection, void *values)
 {
     const AttributeRow *row = nullptr;
     ElementRange range;
@@ -62,6 +63,7 @@ static int get_values(TVXmodel *model, const char *name, AttrType type,
     return fail_model(model, retrieve(model, row, range, values), Report::KEEP_FIRST,
                       "Unable to retrieve attribute '%s'", name);
 }
+} // namespace
 
 int attribute_get(TVXmodel *model, const char *name, AttrType type,
                   const AttrSelection &selection, void *values)

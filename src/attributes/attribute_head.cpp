@@ -4,9 +4,11 @@
 //           whose text describes what is wrong with the call. Nothing else is read or changed.
 #include "attributes/attribute_access.h"
 
-static constexpr int REFUSED = TVX_ERROR_UNKNOWN_ATTRIBUTE; // unknown, or not for this call
+namespace
+{
+constexpr int REFUSED = TVX_ERROR_UNKNOWN_ATTRIBUTE; // unknown, or not for this call
 
-static const char *type_word(AttrType type)
+const char *type_word(AttrType type)
 {
     switch (type) {
     case AttrType::CHAR:
@@ -21,7 +23,7 @@ static const char *type_word(AttrType type)
     return "string";
 }
 
-static int element_count(const ModelBody *body, AttrKind kind)
+int element_count(const ModelBody *body, AttrKind kind)
 {
     switch (kind) {
     case AttrKind::VARIABLE:
@@ -36,15 +38,15 @@ static int element_count(const ModelBody *body, AttrKind kind)
     return 1;
 }
 
-static int index_failure(TVXmodel *model, const char *name, int index)
+int index_failure(TVXmodel *model, const char *name, int index)
 {
     return fail_model(model, TVX_ERROR_INDEX_OUT_OF_RANGE, Report::FORCE,
                       "Index %d out of range for attribute '%s'", index, name);
 }
 
 // Elements by list: each index, or without indices the count of the first ones.
-static int list_range(TVXmodel *model, const char *name, const AttrSelection &selection,
-                      int count, ElementRange *range)
+int list_range(TVXmodel *model, const char *name, const AttrSelection &selection, int count,
+               ElementRange *range)
 {
     const int len = selection.len;
     if (len < 0)
@@ -61,8 +63,8 @@ static int list_range(TVXmodel *model, const char *name, const AttrSelection &se
     return 0;
 }
 
-static int array_range(TVXmodel *model, const char *name, const AttrSelection &selection,
-                       int count, ElementRange *range)
+int array_range(TVXmodel *model, const char *name, const AttrSelection &selection,
+                int count, ElementRange *range)
 {
     if (selection.len < 0) {
         *range = {0, count, nullptr};
@@ -75,8 +77,8 @@ static int array_range(TVXmodel *model, const char *name, const AttrSelection &s
     return 0;
 }
 
-static int select(TVXmodel *model, const char *name, const AttrSelection &selection,
-                  AttrKind kind, ElementRange *range)
+int select(TVXmodel *model, const char *name, const AttrSelection &selection, AttrKind kind,
+           ElementRange *range)
 {
     const int count = element_count(model->body, kind);
     switch (selection.shape) {
@@ -94,6 +96,7 @@ static int select(TVXmodel *model, const char *name, const AttrSelection &select
     *range = {selection.start, 1, nullptr};
     return 0;
 }
+} // namespace
 
 int attribute_row(TVXmodel *model, const char *name, const AttributeRow **row)
 {

@@ -7,16 +7,20 @@
 #include "attributes/attribute_routines.h"
 #include "body/signs.h"
 
-static constexpr double UNSET_START = 1e101; // entry of a MIP start that was not set
+namespace
+{
+constexpr double UNSET_START = 1e101; // entry of a MIP start that was not set
 
-template<class T> static T *out(void *values)
+template<class T> T *out(void *values)
 {
     return static_cast<T *>(values);
 }
-template<class T> static const T *in(const void *values)
+
+template<class T> const T *in(const void *values)
 {
     return static_cast<const T *>(values);
 }
+} // namespace
 
 // ---- Counts and senses ----
 
@@ -117,11 +121,14 @@ int set_vtype(TVXmodel *model, int, ElementRange range, const void *values)
     return pending_set_vtype(model, range, in<char>(values));
 }
 
+namespace
+{
 // A MIP start is valid only for the variables that it was set for.
-static bool has_start(const TVXmodel *model)
+bool has_start(const TVXmodel *model)
 {
     return model->mip_start.size > 0 && model->mip_start.size == model->body->numvars;
 }
+} // namespace
 
 int get_start(TVXmodel *model, int, ElementRange range, void *values)
 {

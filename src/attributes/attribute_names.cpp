@@ -6,7 +6,10 @@
 // Cost        The elements asked for, and once one pointer per element.
 #include "attributes/attribute_routines.h"
 
-static constexpr size_t NAME_CHUNK = 4096; // bytes of pool taken at a time
+namespace
+{
+constexpr size_t NAME_CHUNK = 4096; // bytes of pool taken at a time
+} // namespace
 
 int get_modelname(TVXmodel *model, int, ElementRange, void *values)
 {
@@ -20,14 +23,17 @@ int set_modelname(TVXmodel *model, int, ElementRange, const void *values)
     return pending_set_modelname(model, *static_cast<const char *const *>(values));
 }
 
+namespace
+{
 // The text of a default name, kept in *kept. 0 or OUT_OF_MEMORY.
-static int keep_default(AttributeTable *table, const char *text, const char **kept)
+int keep_default(AttributeTable *table, const char *text, const char **kept)
 {
     if (!table->names) table->names = PoolCreate(NAME_CHUNK);
     if (!table->names) return OUT_OF_MEMORY;
     *kept = PoolCopy(table->names, text, strlen(text));
     return *kept ? 0 : OUT_OF_MEMORY;
 }
+} // namespace
 
 int get_names(TVXmodel *model, int part, ElementRange range, void *values)
 {

@@ -7,15 +7,17 @@
 #include "model/solution.h"
 #include "simplex/simplex.h"
 
+namespace
+{
 // In the order of QualityGroup.
-static constexpr Violation Quality::*const groups[QUALITY_GROUPS] = {
+constexpr Violation Quality::*const groups[QUALITY_GROUPS] = {
     &Quality::BoundVio,      &Quality::BoundSVio,      &Quality::ConstrVio,
     &Quality::ConstrSVio,    &Quality::ConstrResidual, &Quality::ConstrSResidual,
     &Quality::DualVio,       &Quality::DualSVio,       &Quality::DualResidual,
     &Quality::DualSResidual, &Quality::ComplVio,       &Quality::IntVio,
 };
 
-static int show(const Quality *quality, int part, const void **place)
+int show(const Quality *quality, int part, const void **place)
 {
     const Violation *violation = &(quality->*groups[part / VIOLATION_PARTS]);
     switch (part % VIOLATION_PARTS) {
@@ -32,7 +34,7 @@ static int show(const Quality *quality, int part, const void **place)
     return 0;
 }
 
-static int mip_quality(TVXmodel *model, int part, const void **place)
+int mip_quality(TVXmodel *model, int part, const void **place)
 {
     const int group = part / VIOLATION_PARTS;
     if (group != BOUND_VIO && group != CONSTR_VIO && group != INT_VIO)
@@ -44,6 +46,7 @@ static int mip_quality(TVXmodel *model, int part, const void **place)
         TRY(MipQuality(model->env, model->body, x, quality, QualityWarnings::NO));
     return show(quality, part, place);
 }
+} // namespace
 
 int compute_quality(TVXmodel *model, int part, const void **place)
 {
@@ -52,8 +55,10 @@ int compute_quality(TVXmodel *model, int part, const void **place)
     return show(&model->lp.result->quality, part, place);
 }
 
+namespace
+{
 // Makes sure that there are factors of the current basis. If it is singular its repair changes the values.
-static int need_factor(TVXmodel *model)
+int need_factor(TVXmodel *model)
 {
     if (!model->lp.simplex) return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (simplex_has_factor(model->lp.simplex)) return 0;
@@ -62,6 +67,7 @@ static int need_factor(TVXmodel *model)
     if (code == OUT_OF_MEMORY) return code;
     return simplex_has_factor(model->lp.simplex) ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
+} // namespace
 
 int compute_kappa(TVXmodel *model, int part, const void **place)
 {

@@ -8,7 +8,9 @@
 #include <cmath>
 #include <limits>
 
-static int fill_ranges(TVXmodel *model, int part, int k)
+namespace
+{
+int fill_ranges(TVXmodel *model, int part, int k)
 {
     Array<double> *ends = model->attributes->ranges;
     const auto put = [ends, k](int low, const RangePair &range) {
@@ -30,7 +32,7 @@ static int fill_ranges(TVXmodel *model, int part, int k)
 }
 
 // Allocates both ends of this kind of range, as unknown.
-static int make_room(TVXmodel *model, int part)
+int make_room(TVXmodel *model, int part)
 {
     const bool rows = part >= RHS_LOW;
     const int first = rows             ? RHS_LOW
@@ -47,6 +49,7 @@ static int make_room(TVXmodel *model, int part)
     }
     return 0;
 }
+} // namespace
 
 int get_range(TVXmodel *model, int part, ElementRange range, void *values)
 {

@@ -28,20 +28,23 @@ int compute_runtime(TVXmodel *model, int, const void **place)
     return 0;
 }
 
+namespace
+{
 // Sets *place to the value in the record, or returns that there is none.
-static int stand_at(const void *figure, const void **place)
+int stand_at(const void *figure, const void **place)
 {
     *place = figure;
     return figure ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
 // There is an objective value only with a point or a bound.
-static bool has_objective(const TVXmodel *model)
+bool has_objective(const TVXmodel *model)
 {
     const int status = solution_status(model);
     return status > TVX_LOADED && status != TVX_INFEASIBLE && status != TVX_INF_OR_UNBD &&
            status != TVX_UNBOUNDED;
 }
+} // namespace
 
 int compute_objval(TVXmodel *model, int, const void **place)
 {

@@ -4,8 +4,10 @@
 //          content add to the pending changes for the next update; those of start data write their record immediately.
 #include "attributes/attribute_access.h"
 
-static int set_values(TVXmodel *model, const char *name, AttrType type,
-                      const AttrSelection &selection, const void *values)
+namespace
+{
+int set_values(TVXmodel *model, const char *name, AttrType type,
+               const AttrSelection &selection, const void *values)
 {
     const AttributeRow *row = nullptr;
     ElementRange range;
@@ -20,6 +22,7 @@ static int set_values(TVXmodel *model, const char *name, AttrType type,
     return fail_model(model, code, Report::KEEP_FIRST, "Unable to set attribute '%s'",
                       name);
 }
+} // namespace
 
 int attribute_set(TVXmodel *model, const char *name, AttrType type,
                   const AttrSelection &selection, const void *values)

@@ -8,20 +8,22 @@
 #include "attributes/attribute_routines.h"
 #include <cmath>
 
+namespace
+{
 struct Extent {
     double max = 0;
     double min = 0;
     bool any = false;
 };
 
-static void widen(Extent *extent, double value)
+void widen(Extent *extent, double value)
 {
     if (!extent->any || value > extent->max) extent->max = value;
     if (!extent->any || value < extent->min) extent->min = value;
     extent->any = true;
 }
 
-static Extent magnitudes(const double *values, int64_t n)
+Extent magnitudes(const double *values, int64_t n)
 {
     Extent extent;
     for (int64_t k = 0; k < n; k++)
@@ -29,7 +31,7 @@ static Extent magnitudes(const double *values, int64_t n)
     return extent;
 }
 
-static void measure(const ModelBody *body, double *statistics)
+void measure(const ModelBody *body, double *statistics)
 {
     const Extent coeff = magnitudes(body->vval.data, body->numnz);
     const Extent obj = magnitudes(body->obj.data, body->numvars);
@@ -48,6 +50,7 @@ static void measure(const ModelBody *body, double *statistics)
     statistics[MAX_RHS] = rhs.max;
     statistics[MIN_RHS] = rhs.min;
 }
+} // namespace
 
 int compute_statistic(TVXmodel *model, int part, const void **place)
 {

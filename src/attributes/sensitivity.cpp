@@ -20,14 +20,17 @@ double below(double value, double step)
 {
     return step < NONE ? value - step : -NONE;
 }
+
 double above(double value, double step)
 {
     return step < NONE ? value + step : NONE;
 }
+
 RangePair around(double value, const RangeSteps &steps)
 {
     return {below(value, steps.Down), above(value, steps.Up)};
 }
+
 RangePair in_sense(int sign, const RangePair &range)
 {
     if (sign > 0) return range;
@@ -99,9 +102,11 @@ BoundRanges ranges_of_bounds(TVXmodel *model, int j)
     return {{-NONE, kept}, {kept, NONE}};
 }
 
+namespace
+{
 // A free row becomes tight at its activity in the solution; the simplex omits free rows, so their slack there is
 // unusable.
-static int range_of_free_rhs(TVXmodel *model, int i, RangePair *range)
+int range_of_free_rhs(TVXmodel *model, int i, RangePair *range)
 {
     const double *x = nullptr;
     TRY(solution_x(model, &x));
@@ -114,7 +119,7 @@ static int range_of_free_rhs(TVXmodel *model, int i, RangePair *range)
     return 0;
 }
 
-static RangePair range_of_bound_rhs(const TVXmodel *model, int i)
+RangePair range_of_bound_rhs(const TVXmodel *model, int i)
 {
     const ModelBody *body = model->body;
     const double b = body->rhs[i];
@@ -131,6 +136,7 @@ static RangePair range_of_bound_rhs(const TVXmodel *model, int i)
     }
     return range;
 }
+} // namespace
 
 int range_of_rhs(TVXmodel *model, int i, RangePair *range)
 {

@@ -4,8 +4,11 @@
 #include <bit>
 #include <cmath>
 
+namespace
+{
 // A bound of an integer variable within this distance of an integer is rounded to it.
-static constexpr double INTEGER_BOUND_TOL = 1e-5;
+constexpr double INTEGER_BOUND_TOL = 1e-5;
+} // namespace
 
 char normal_sense(char sense)
 {
@@ -104,18 +107,21 @@ void body_drop_rows(ModelBody *body)
     array_free(&body->row_val);
 }
 
+namespace
+{
 // The product of three such numbers is finite.
-static constexpr double EXTREME = 1e100;
+constexpr double EXTREME = 1e100;
 
 // The bits of |a| as an integer have the order of the magnitudes, so that one comparison tests both limits. Fast, since
 // every solve tests every entry.
-static bool is_extreme(double a)
+bool is_extreme(double a)
 {
     constexpr uint64_t LEAST = std::bit_cast<uint64_t>(1 / EXTREME) << 1,
                        MOST = std::bit_cast<uint64_t>(EXTREME) << 1;
     const uint64_t size = std::bit_cast<uint64_t>(a) << 1;
     return size - LEAST > MOST - LEAST && size != 0;
 }
+} // namespace
 
 bool body_is_extreme(const ModelBody *body)
 {

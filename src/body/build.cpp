@@ -9,7 +9,9 @@
 
 // ---- Checks ----
 
-static int check_counts(TVXenv *env, const ModelData *data)
+namespace
+{
+int check_counts(TVXenv *env, const ModelData *data)
 {
     if (data->numvars < 0 || data->numconstrs < 0) return TVX_ERROR_INVALID_ARGUMENT;
     if (int64_t{data->numvars} + data->numconstrs > MODEL_SIZE_LIMIT)
@@ -20,7 +22,7 @@ static int check_counts(TVXenv *env, const ModelData *data)
 }
 
 // Start and length of column j in the caller's arrays; length 0 without a matrix.
-static int column_length(const ModelData *data, int j)
+int column_length(const ModelData *data, int j)
 {
     if (!data->vbeg) return 0;
     if (data->vlen) return data->vlen[j];
@@ -28,14 +30,14 @@ static int column_length(const ModelData *data, int j)
     return length < 0 || length > INT32_MAX ? -1 : static_cast<int>(length);
 }
 
-static int bad_column(TVXenv *env, int j)
+int bad_column(TVXenv *env, int j)
 {
     return fail(env, TVX_ERROR_INDEX_OUT_OF_RANGE, Report::KEEP_FIRST,
                 "Invalid start or length of column %d", j);
 }
 
 // Columns out of order: no two may share entries.
-static int check_overlap(TVXenv *env, const ModelData *data)
+int check_overlap(TVXenv *env, const ModelData *data)
 {
     Array<int> order; // columns that are not empty, by start
     TRY(array_resize(&order, data->numvars));
@@ -53,7 +55,7 @@ static int check_overlap(TVXenv *env, const ModelData *data)
     return 0;
 }
 
-static int check_columns(TVXenv *env, const ModelData *data, int64_t *numnz)
+int check_columns(TVXenv *env, const ModelData *data, int64_t *numnz)
 {
     int64_t end = 0; // of the columns so far
     bool ordered = true;
@@ -75,7 +77,7 @@ static int check_columns(TVXenv *env, const ModelData *data, int64_t *numnz)
     return ordered ? 0 : check_overlap(env, data);
 }
 
-static int check_entries(TVXenv *env, const ModelData *data)
+int check_entries(TVXenv *env, const ModelData *data)
 {
     Array<int> met; // [numconstrs] last column that holds the row
     TRY(array_assign(&met, data->numconstrs, -1));
@@ -98,7 +100,7 @@ static int check_entries(TVXenv *env, const ModelData *data)
     return 0;
 }
 
-static int check_arrays(TVXenv *env, const ModelData *data)
+int check_arrays(TVXenv *env, const ModelData *data)
 {
     TRY(check_value(env, data->objcon));
     TRY(check_values(env, data->numvars, data->obj));
@@ -110,7 +112,7 @@ static int check_arrays(TVXenv *env, const ModelData *data)
     return 0;
 }
 
-static int check_data(TVXenv *env, const ModelData *data, int64_t *numnz)
+int check_data(TVXenv *env, const ModelData *data, int64_t *numnz)
 {
     TRY(check_counts(env, data));
     TRY(check_arrays(env, data));
@@ -120,7 +122,7 @@ static int check_data(TVXenv *env, const ModelData *data, int64_t *numnz)
 
 // ---- Filling ----
 
-static int fill_vars(ModelBody *body, const ModelData *data, double infinite)
+int fill_vars(ModelBody *body, const ModelData *data, double infinite)
 {
     const int n = data->numvars;
     body->numvars = n;
@@ -151,7 +153,7 @@ static int fill_vars(ModelBody *body, const ModelData *data, double infinite)
     return 0;
 }
 
-static int fill_constrs(ModelBody *body, const ModelData *data)
+int fill_constrs(ModelBody *body, const ModelData *data)
 {
     const int m = data->numconstrs;
     body->numconstrs = m;
@@ -167,7 +169,7 @@ static int fill_constrs(ModelBody *body, const ModelData *data)
     return 0;
 }
 
-static int fill_matrix(ModelBody *body, const ModelData *data, int64_t numnz)
+int fill_matrix(ModelBody *body, const ModelData *data, int64_t numnz)
 {
     const int n = data->numvars;
     body->numnz = static_cast<int>(numnz);
@@ -191,8 +193,8 @@ static int fill_matrix(ModelBody *body, const ModelData *data, int64_t numnz)
     return 0;
 }
 
-static int fill_names(ModelBody *body, NameKind kind, int count, const char *const *given,
-                      Array<const char *> *names)
+int fill_names(ModelBody *body, NameKind kind, int count, const char *const *given,
+               Array<const char *> *names)
 {
     if (!given) return 0;
     TRY(array_resize(names, count));
@@ -204,6 +206,7 @@ static int fill_names(ModelBody *body, NameKind kind, int count, const char *con
     }
     return 0;
 }
+} // namespace
 
 int body_set_names(ModelBody *body, const char *const *varnames,
                    const char *const *constrnames)
@@ -213,7 +216,9 @@ int body_set_names(ModelBody *body, const char *const *varnames,
                       &body->constrnames);
 }
 
-static int fill_body(ModelBody *body, const ModelData *data, int64_t numnz, double infinite)
+namespace
+{
+int fill_body(ModelBody *body, const ModelData *data, int64_t numnz, double infinite)
 {
     body->sense = data->sense < 0 ? -1 : 1;
     body->objcon = body->sense * data->objcon;
@@ -223,6 +228,7 @@ static int fill_body(ModelBody *body, const ModelData *data, int64_t numnz, doub
     if (data->name) TRY(body_store_name(body, data->name, &body->modelname));
     return body_set_names(body, data->varnames, data->constrnames);
 }
+} // namespace
 
 int body_build(TVXenv *env, const ModelData *data, ModelBody **out)
 {
@@ -241,7 +247,9 @@ int body_build(TVXenv *env, const ModelData *data, ModelBody **out)
 
 // ---- Bodies from arrays of the library ----
 
-static int check_adopted(TVXenv *env, const ModelArrays *arrays)
+namespace
+{
+int check_adopted(TVXenv *env, const ModelArrays *arrays)
 {
     for (const Array<double> *a :
          {&arrays->obj, &arrays->lb, &arrays->ub, &arrays->rhs, &arrays->vval})
@@ -249,7 +257,7 @@ static int check_adopted(TVXenv *env, const ModelArrays *arrays)
     return check_value(env, arrays->objcon);
 }
 
-static int adopt_arrays(ModelBody *body, ModelArrays *arrays, double infinite)
+int adopt_arrays(ModelBody *body, ModelArrays *arrays, double infinite)
 {
     const int n = static_cast<int>(arrays->obj.size);
     TRY(array_resize(&body->vlen, n));
@@ -278,6 +286,7 @@ static int adopt_arrays(ModelBody *body, ModelArrays *arrays, double infinite)
     body_find_flipped(body);
     return 0;
 }
+} // namespace
 
 int body_adopt(TVXenv *env, ModelArrays *arrays, ModelBody **out)
 {

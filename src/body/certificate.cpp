@@ -25,6 +25,7 @@ namespace
 {
 // Relative rounding error of a sum of products of numbers from a solver.
 constexpr double ROUNDING = 1e-13;
+
 constexpr double COST_ROUNDING = 1e-12; // the same for c r, with a larger margin
 
 // The power of two that scales the largest magnitude to 1 .. 2, or 0 if it is zero or not finite.

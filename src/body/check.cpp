@@ -3,34 +3,36 @@
 // Counts the broken invariants, in the order of the fields of ModelBody, and describes the first one. Shares no code
 // with the routines that build and change bodies. Cost: O(size of the model).
 #include "body/body.h"
-
 #ifdef TVX_DEBUG
 #include "runtime/text_number.h"
 #include <cmath>
 
+namespace
+{
 struct Faults {
     int count = 0;
     char *where = nullptr; // [BODY_CHECK_LENGTH] the first fault
 };
 
 // k is the element concerned, or -1.
-static void expect(Faults *faults, bool holds, const char *what, int k)
+void expect(Faults *faults, bool holds, const char *what, int k)
 {
     if (holds) return;
     if (faults->count++ == 0)
         text_format(faults->where, BODY_CHECK_LENGTH, "%s, %d", what, k);
 }
 
-static bool is_sized(int64_t size, int64_t count)
+bool is_sized(int64_t size, int64_t count)
 {
     return size == count;
 }
-static bool is_optional(int64_t size, int64_t count)
+
+bool is_optional(int64_t size, int64_t count)
 {
     return size == 0 || size == count;
 }
 
-static bool check_shape(const ModelBody *b, Faults *f)
+bool check_shape(const ModelBody *b, Faults *f)
 {
     const int64_t n = b->numvars;
     const int64_t m = b->numconstrs;
@@ -61,13 +63,13 @@ static bool check_shape(const ModelBody *b, Faults *f)
     return f->count == 0;
 }
 
-static bool is_bound(double value)
+bool is_bound(double value)
 {
     return std::fabs(value) < INFINITE_VALUE ||
            std::fabs(value) == INFINITE_BOUND; // assigned
 }
 
-static void check_vars(const ModelBody *b, Faults *f)
+void check_vars(const ModelBody *b, Faults *f)
 {
     const double infinite = b->kind_infinity;
     int n_int = 0;
@@ -96,7 +98,7 @@ static void check_vars(const ModelBody *b, Faults *f)
     expect(f, n_bin == b->numbinvars, "numbinvars", -1);
 }
 
-static void check_columns(const ModelBody *b, Faults *f)
+void check_columns(const ModelBody *b, Faults *f)
 {
     expect(f, b->vbeg[0] == 0 && b->vbeg[b->numvars] == b->numnz, "vbeg: ends", -1);
     for (int j = 0; j < b->numvars && f->count == 0; j++)
@@ -116,7 +118,7 @@ static void check_columns(const ModelBody *b, Faults *f)
     }
 }
 
-static void check_constrs(const ModelBody *b, Faults *f)
+void check_constrs(const ModelBody *b, Faults *f)
 {
     bool flipped = false;
     for (int i = 0; i < b->numconstrs; i++) {
@@ -128,7 +130,7 @@ static void check_constrs(const ModelBody *b, Faults *f)
 }
 
 // The row-wise copy lists what the columns hold, columns in increasing order.
-static void check_rows(const ModelBody *b, Faults *f)
+void check_rows(const ModelBody *b, Faults *f)
 {
     if (b->row_beg.size == 0) return;
     Array<int> next;
@@ -144,7 +146,7 @@ static void check_rows(const ModelBody *b, Faults *f)
     }
 }
 
-static void check_sos(const ModelBody *b, Faults *f)
+void check_sos(const ModelBody *b, Faults *f)
 {
     if (b->numsos == 0) return;
     expect(f, b->sosbeg[0] == 0 && b->sosbeg[b->numsos] == b->sosind.size, "sosbeg: ends",
@@ -165,6 +167,7 @@ static void check_sos(const ModelBody *b, Faults *f)
         expect(f, !b->sos_sorted || up || down, "weights not in order of SOS", s);
     }
 }
+} // namespace
 
 int body_check(const ModelBody *body, char *where)
 {
@@ -178,4 +181,5 @@ int body_check(const ModelBody *body, char *where)
     check_sos(body, &faults);
     return faults.count;
 }
+
 #endif

@@ -7,11 +7,14 @@
 #include "body/body.h"
 #include <algorithm>
 
-static constexpr size_t NAME_CHUNK = 4096;     // bytes; a few hundred names
-static constexpr int64_t DEAD_NAMES = 1 << 20; // smaller pools are not compacted
+namespace
+{
+constexpr size_t NAME_CHUNK = 4096; // bytes; a few hundred names
+
+constexpr int64_t DEAD_NAMES = 1 << 20; // smaller pools are not compacted
 
 // Writes letter and number; returns the length.
-static size_t format_name(char letter, int number, char *buffer)
+size_t format_name(char letter, int number, char *buffer)
 {
     char digits[DEFAULT_NAME_LENGTH];
     int n = 0;
@@ -26,6 +29,7 @@ static size_t format_name(char letter, int number, char *buffer)
     buffer[length] = 0;
     return length;
 }
+} // namespace
 
 const char *var_name(const ModelBody *body, int j, char *buffer)
 {
@@ -41,14 +45,17 @@ const char *constr_name(const ModelBody *body, int i, char *buffer)
     return buffer;
 }
 
+namespace
+{
 // A block of the pool, which is made on first use; null when out of memory.
-static char *name_block(ModelBody *body, size_t bytes)
+char *name_block(ModelBody *body, size_t bytes)
 {
     if (!body->name_pool) body->name_pool = PoolCreate(NAME_CHUNK);
     char *block = body->name_pool ? PoolAlloc(body->name_pool, bytes) : nullptr;
     if (block) body->name_bytes += static_cast<int64_t>(bytes);
     return block;
 }
+} // namespace
 
 int body_join_name(ModelBody *body, const char *head, const char *tail, const char **stored)
 {
@@ -78,7 +85,9 @@ int body_number_name(ModelBody *body, NameKind kind, int number, const char **st
     return 0;
 }
 
-static int64_t living_bytes(const Array<const char *> &names)
+namespace
+{
+int64_t living_bytes(const Array<const char *> &names)
 {
     int64_t bytes = 0;
     for (const char *name : names)
@@ -87,7 +96,7 @@ static int64_t living_bytes(const Array<const char *> &names)
 }
 
 // Copies *name to *place, which moves on.
-static void move_name(const char **name, char **place)
+void move_name(const char **name, char **place)
 {
     if (!*name) return;
     const size_t bytes = strlen(*name) + 1;
@@ -95,6 +104,7 @@ static void move_name(const char **name, char **place)
     *name = *place;
     *place += bytes;
 }
+} // namespace
 
 void body_compact_names(ModelBody *body)
 {

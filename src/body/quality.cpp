@@ -21,18 +21,21 @@ void violation_add(Violation *violation, int index, double amount)
     violation->index = index;
 }
 
+namespace
+{
 // Distance of x to [lower, upper]; not a number if x is not a number.
-static double outside(double x, double lower, double upper)
+double outside(double x, double lower, double upper)
 {
     if (x < lower) return lower - x;
     if (x > upper) return x - upper;
     return std::isnan(x) ? x : 0;
 }
 
-static char var_type(const ModelBody *body, int j)
+char var_type(const ModelBody *body, int j)
 {
     return body->vtypes.size ? body->vtypes[j] : 'C';
 }
+} // namespace
 
 void quality_bounds(const ModelBody *body, const double *x, const QualityScale &scale,
                     Quality *result)
@@ -60,7 +63,9 @@ void quality_rows(const ModelBody *body, const RowActivity &rows, const QualityS
     }
 }
 
-static void integrality(const ModelBody *body, const double *x, Quality *result)
+namespace
+{
+void integrality(const ModelBody *body, const double *x, Quality *result)
 {
     for (int j = 0; j < body->numvars; j++) {
         const char type = var_type(body, j);
@@ -68,6 +73,7 @@ static void integrality(const ModelBody *body, const double *x, Quality *result)
         violation_add(&result->IntVio, j, fabs(x[j] - floor(x[j] + 0.5)));
     }
 }
+} // namespace
 
 double sos_violation(const ModelBody *body, int k, const double *x)
 {
@@ -87,18 +93,21 @@ double sos_violation(const ModelBody *body, int k, const double *x)
     return body->sostype[k] == 1 ? alone : std::min(with_left, with_right);
 }
 
+namespace
+{
 struct ToleranceWarning {
     const char *what;
     double amount;
     double tolerance;
 };
 
-static void warn(TVXenv *env, const ToleranceWarning &test)
+void warn(TVXenv *env, const ToleranceWarning &test)
 {
     if (test.amount > test.tolerance)
         TVXmsg(env, "Warning: max %s violation (%.4e) exceeds tolerance\n", test.what,
                test.amount);
 }
+} // namespace
 
 int MipQuality(TVXenv *env, const ModelBody *body, const double *x, Quality *result,
                QualityWarnings warnings)

@@ -16,9 +16,11 @@
 #include <algorithm>
 #include <cmath>
 
+namespace
+{
 // Relative distance within which a value counts as being at its bound: rounding errors of updates grow to about this
 // size before a refactorisation.
-static constexpr double RELATIVE_PLACE_TOLERANCE = 1e-9;
+constexpr double RELATIVE_PLACE_TOLERANCE = 1e-9;
 
 // A value with its range and multiplier, and the scale factor of the multiplier.
 struct Stand {
@@ -31,7 +33,7 @@ struct Stand {
 };
 
 // DualVio and ComplVio of one variable or slack.
-static void judge(const Stand &s, Quality *result)
+void judge(const Stand &s, Quality *result)
 {
     const double toward = s.multiplier > 0 ? s.below : s.above; // the bound it prices
     const double force = fabs(s.multiplier);
@@ -45,7 +47,7 @@ static void judge(const Stand &s, Quality *result)
 }
 
 // The multipliers in the body's form. 0 or OUT_OF_MEMORY.
-static int body_duals(const ModelBody *body, const JudgedPoint &point, Array<double> *pi)
+int body_duals(const ModelBody *body, const JudgedPoint &point, Array<double> *pi)
 {
     TRY(array_copy(pi, point.pi, body->numconstrs));
     if (point.signs == PointSigns::CALLER)
@@ -54,9 +56,8 @@ static int body_duals(const ModelBody *body, const JudgedPoint &point, Array<dou
     return 0;
 }
 
-static void row_residuals(const ModelBody *body, const JudgedPoint &point,
-                          const RowActivity &rows, const QualityScale &scale,
-                          Quality *result)
+void row_residuals(const ModelBody *body, const JudgedPoint &point, const RowActivity &rows,
+                   const QualityScale &scale, Quality *result)
 {
     for (int i = 0; i < body->numconstrs; i++) {
         const bool held = point.row_basis && point.row_basis[i] < 0;
@@ -67,8 +68,8 @@ static void row_residuals(const ModelBody *body, const JudgedPoint &point,
     }
 }
 
-static void row_duals(const TVXenv *env, const ModelBody *body, const double *pi,
-                      const RowActivity &rows, const QualityScale &scale, Quality *result)
+void row_duals(const TVXenv *env, const ModelBody *body, const double *pi,
+               const RowActivity &rows, const QualityScale &scale, Quality *result)
 {
     for (int i = 0; i < body->numconstrs; i++) {
         if (is_equation(body, i) && !std::isnan(pi[i])) continue; // any sign will do
@@ -84,7 +85,7 @@ static void row_duals(const TVXenv *env, const ModelBody *body, const double *pi
 }
 
 // d_j of the body's form.
-static long double reduced_cost(const ModelBody *body, const double *pi, int j)
+long double reduced_cost(const ModelBody *body, const double *pi, int j)
 {
     const int *vind = body->vind.data;
     const double *vval = body->vval.data;
@@ -94,8 +95,8 @@ static long double reduced_cost(const ModelBody *body, const double *pi, int j)
     return d;
 }
 
-static void var_duals(const TVXenv *env, const ModelBody *body, const JudgedPoint &point,
-                      const double *pi, const QualityScale &scale, Quality *result)
+void var_duals(const TVXenv *env, const ModelBody *body, const JudgedPoint &point,
+               const double *pi, const QualityScale &scale, Quality *result)
 {
     const int sign = point.signs == PointSigns::CALLER ? body->sense : 1; // of point.rc
     for (int j = 0; j < body->numvars; j++) {
@@ -117,6 +118,7 @@ static void var_duals(const TVXenv *env, const ModelBody *body, const JudgedPoin
         violation_add(&result->DualSResidual, j, residual * factor);
     }
 }
+} // namespace
 
 int LpQuality(TVXenv *env, const ModelBody *body, const JudgedPoint &point,
               const QualityScale &scale, Quality *result)

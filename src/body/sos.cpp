@@ -7,13 +7,15 @@
 #include "body/body.h"
 #include <algorithm>
 
+namespace
+{
 struct Member {
     double weight;
     int var;
     int position; // in the caller's list, for a stable order
 };
 
-static bool is_monotone(const double *weight, int n)
+bool is_monotone(const double *weight, int n)
 {
     bool up = true;
     bool down = true;
@@ -25,7 +27,7 @@ static bool is_monotone(const double *weight, int n)
 }
 
 // Sorted weights, not all equal: ties get apart.
-static void separate_ties(Member *member, int n)
+void separate_ties(Member *member, int n)
 {
     double gap = 0;
     bool ties = false;
@@ -39,6 +41,7 @@ static void separate_ties(Member *member, int n)
     if (!ties) return;
     for (int k = 0; k < n; k++) member[k].weight += k * (gap / (2.0 * n));
 }
+} // namespace
 
 int sos_sort_members(int n_sos, const int *beg, int *ind, double *weight)
 {

@@ -38,9 +38,9 @@ struct TVXenv {
     int32_t holders;      // in a master: itself while alive, and every copy
     int32_t message_lock; // in a master: 1 while a thread writes errmsg
     // The four words above may be touched by several threads, so atomically only, and are not copied as bytes.
-    int32_t *terminate_ptr;   // the flag that solver loops poll
-    double optimize_start;    // WallClock at the start of the current TVXoptimize
-    TVXenv *master;           // owner of the parameter table; itself in a master
+    int32_t *terminate_ptr; // the flag that solver loops poll
+    double optimize_start;  // WallClock at the start of the current TVXoptimize
+    TVXenv *master;         // owner of the parameter table; itself in a master
     char *errmsg; // [MESSAGE_LENGTH + 1] text of the last error, owned by the master
     int errcode;  // last code recorded with a text
     int err_hold; // non-zero: errmsg and errcode are frozen
@@ -49,7 +49,7 @@ struct TVXenv {
     FILE *log_file;         // own stream, or null
     int quiet_solve;        // the model is solved as an inner step: no closing lines
     TVXcallback cb_active;  // the caller's callback function, or null
-    TVXenv *lender;         // whose log and callback function this one uses, or null: its own
+    TVXenv *lender; // whose log and callback function this one uses, or null: its own
     CallbackRecord
         *cb_record; // one block, owned; its first word is set to 0 before it is freed
     TVXenv

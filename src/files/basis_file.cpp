@@ -16,13 +16,15 @@
 #include "files/text_file.h"
 #include "files/text_out.h"
 
-static bool is_free(const ModelBody *body, const TVXenv *env, int j)
+namespace
+{
+bool is_free(const ModelBody *body, const TVXenv *env, int j)
 {
     const double infinite = infinite_bound(env);
     return body->lb.data[j] <= -infinite && body->ub.data[j] >= infinite;
 }
 
-static int default_status(const ModelBody *body, const TVXenv *env, int j)
+int default_status(const ModelBody *body, const TVXenv *env, int j)
 {
     return is_free(body, env, j) ? TVX_SUPERBASIC : TVX_NONBASIC_LOWER;
 }
@@ -33,7 +35,7 @@ struct BasisWork {
     Array<int> vbasis, cbasis;
 };
 
-static int work_make(const ModelBody *body, BasisWork *work)
+int work_make(const ModelBody *body, BasisWork *work)
 {
     TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, false));
     TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, false));
@@ -49,7 +51,7 @@ static int work_make(const ModelBody *body, BasisWork *work)
 // ---- Writing ----
 
 // Some basis of the model, with as many basic columns as nonbasic rows.
-static bool is_balanced(const BasisWork *work)
+bool is_balanced(const BasisWork *work)
 {
     int64_t surplus = 0;
     for (const int status : work->vbasis) surplus += status == TVX_BASIC;
@@ -57,7 +59,7 @@ static bool is_balanced(const BasisWork *work)
     return surplus == 0;
 }
 
-static void write_pairs(const BasisWork *work, TextOut *out)
+void write_pairs(const BasisWork *work, TextOut *out)
 {
     char column[FILE_NAME_LENGTH];
     char row[FILE_NAME_LENGTH];
@@ -73,14 +75,14 @@ static void write_pairs(const BasisWork *work, TextOut *out)
     }
 }
 
-static const char *key_of(int status)
+const char *key_of(int status)
 {
     if (status == TVX_NONBASIC_UPPER) return " UL ";
     return status == TVX_SUPERBASIC ? " SB " : " LL ";
 }
 
-static void write_lines(const ModelBody *body, const TVXenv *env, const BasisWork *work,
-                        TextOut *out)
+void write_lines(const ModelBody *body, const TVXenv *env, const BasisWork *work,
+                 TextOut *out)
 {
     char buffer[FILE_NAME_LENGTH];
     text_out(out, "NAME ");
@@ -100,6 +102,7 @@ static void write_lines(const ModelBody *body, const TVXenv *env, const BasisWor
     }
     text_out(out, "ENDATA\n");
 }
+} // namespace
 
 int basis_write(const ModelBody *body, TVXenv *env, const int *vbasis, const int *cbasis,
                 const char *file_name)
@@ -117,13 +120,15 @@ int basis_write(const ModelBody *body, TVXenv *env, const int *vbasis, const int
 
 // ---- Reading ----
 
+namespace
+{
 struct BasisReader {
     TVXenv *env;
     BasisWork work;
     FileNameIndex vars, constrs;
 };
 
-static int unknown_name(TVXenv *env, const char *kind, TextSpan name)
+int unknown_name(TVXenv *env, const char *kind, TextSpan name)
 {
     static constexpr int SHOWN = 80;
     char shown[SHOWN];
@@ -133,18 +138,18 @@ static int unknown_name(TVXenv *env, const char *kind, TextSpan name)
                 "MPS reader: %s name %s doesn't exist\n", kind, shown);
 }
 
-static int find_column(BasisReader *reader, TextSpan name)
+int find_column(BasisReader *reader, TextSpan name)
 {
     return file_index_find(&reader->vars, name.begin, span_length(name));
 }
 
-static int find_row(BasisReader *reader, TextSpan name)
+int find_row(BasisReader *reader, TextSpan name)
 {
     return file_index_find(&reader->constrs, name.begin, span_length(name));
 }
 
 // Two names: the first split at white space whose parts are both known; else that at the first white space.
-static void split_names(BasisReader *reader, TextSpan both, TextSpan *column, TextSpan *row)
+void split_names(BasisReader *reader, TextSpan both, TextSpan *column, TextSpan *row)
 {
     const char *first = skip_word(both.begin, both.end);
     for (const char *cut = first; cut < both.end;) {
@@ -162,7 +167,7 @@ static void split_names(BasisReader *reader, TextSpan both, TextSpan *column, Te
     *row = {rest.begin, skip_word(rest.begin, rest.end)};
 }
 
-static int pair_line(BasisReader *reader, TextSpan names)
+int pair_line(BasisReader *reader, TextSpan names)
 {
     TextSpan column;
     TextSpan row;
@@ -177,7 +182,7 @@ static int pair_line(BasisReader *reader, TextSpan names)
 }
 
 // One name, perhaps followed by a value, as some programs write.
-static int column_line(BasisReader *reader, TextSpan name, int status)
+int column_line(BasisReader *reader, TextSpan name, int status)
 {
     int j = find_column(reader, name);
     if (j < 0) {
@@ -190,7 +195,7 @@ static int column_line(BasisReader *reader, TextSpan name, int status)
 }
 
 // A line that begins with a blank: a key whose first letter stands in the second place, and names.
-static int take_line(BasisReader *reader, TextSpan line)
+int take_line(BasisReader *reader, TextSpan line)
 {
     if (span_length(line) < 2) return 0;
     const char key = line.begin[1];
@@ -213,7 +218,7 @@ static int take_line(BasisReader *reader, TextSpan line)
     }
 }
 
-static int binary_file(TVXenv *env, const char *file_name, long long line)
+int binary_file(TVXenv *env, const char *file_name, long long line)
 {
     TVXmsg(env, "Error: file %s is no text file: control character in line %lld\n",
            file_name, line);
@@ -222,7 +227,7 @@ static int binary_file(TVXenv *env, const char *file_name, long long line)
                 line);
 }
 
-static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)
+int walk_lines(BasisReader *reader, const char *file_name, TextFile *text)
 {
     TextSpan line;
     for (;;) {
@@ -240,7 +245,7 @@ static int walk_lines(BasisReader *reader, const char *file_name, TextFile *text
     }
 }
 
-static int reader_make(const ModelBody *body, TVXenv *env, BasisReader *reader)
+int reader_make(const ModelBody *body, TVXenv *env, BasisReader *reader)
 {
     BasisWork *work = &reader->work;
     reader->env = env;
@@ -251,6 +256,7 @@ static int reader_make(const ModelBody *body, TVXenv *env, BasisReader *reader)
     TRY(file_index_make(&reader->vars, &work->vars));
     return file_index_make(&reader->constrs, &work->constrs);
 }
+} // namespace
 
 int basis_read(const ModelBody *body, TVXenv *env, const char *file_name, BasisCodes *codes)
 {

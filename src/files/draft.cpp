@@ -24,9 +24,11 @@ void draft_free(ModelDraft *draft)
 
 // ---- Columns ----
 
+namespace
+{
 // With a text of the pool.
-static int column_append(DraftColumns *columns, const char *name, int64_t length, char type,
-                         double ub)
+int column_append(DraftColumns *columns, const char *name, int64_t length, char type,
+                  double ub)
 {
     TRY(name_table_append(&columns->names, name, length));
     TRY(array_append(&columns->obj, 0.0));
@@ -35,6 +37,7 @@ static int column_append(DraftColumns *columns, const char *name, int64_t length
     TRY(array_append(&columns->type, type));
     return array_append(&columns->flags, static_cast<unsigned char>(0));
 }
+} // namespace
 
 int draft_column(ModelDraft *draft, TextSpan name, char type, double ub)
 {
@@ -66,9 +69,11 @@ int draft_set_member(DraftSets *sets, int column, double weight, bool *twice)
 
 // ---- Ranges ----
 
+namespace
+{
 // "Rg" and the row's name; if a column has that name, with an underscore and then a number appended. Numbers are not
 // used twice, so that in total at most as many names are tried as there are columns and ranges.
-static int range_name(ModelDraft *draft, int i, TextSpan *name_out)
+int range_name(ModelDraft *draft, int i, TextSpan *name_out)
 {
     char number[FILE_NAME_LENGTH];
     FileNames numbered;
@@ -94,6 +99,7 @@ static int range_name(ModelDraft *draft, int i, TextSpan *name_out)
     *name_out = {name, end};
     return 0;
 }
+} // namespace
 
 int draft_range(ModelDraft *draft, int i, double width)
 {

@@ -11,11 +11,14 @@
 #include <climits>
 #include <cstring>
 
-static constexpr int SHORT_LENGTH = 8; // of a name in the fixed form
-static constexpr int SHORT_DIGITS = 7;
+namespace
+{
+constexpr int SHORT_LENGTH = 8; // of a name in the fixed form
+
+constexpr int SHORT_DIGITS = 7;
 
 // Letter and number.
-static int numbered_name(FileNameKind kind, bool wide, int k, char *buffer)
+int numbered_name(FileNameKind kind, bool wide, int k, char *buffer)
 {
     char digits[FILE_NAME_LENGTH];
     const std::to_chars_result result = std::to_chars(digits, digits + sizeof digits, k);
@@ -29,6 +32,7 @@ static int numbered_name(FileNameKind kind, bool wide, int k, char *buffer)
     buffer[length] = '\0';
     return length;
 }
+} // namespace
 
 const char *file_name(const FileNames *names, int k, char *buffer)
 {
@@ -44,8 +48,10 @@ void file_names_number(FileNames *names)
     names->longest = 0;
 }
 
+namespace
+{
 // Whether the name can stand in a file; notes length and blanks.
-static bool name_usable(FileNames *names, const char *name)
+bool name_usable(FileNames *names, const char *name)
 {
     if (!*name || *name == ' ') return false;
     int64_t length = 0;
@@ -58,7 +64,7 @@ static bool name_usable(FileNames *names, const char *name)
     return true;
 }
 
-static bool all_usable(FileNames *names)
+bool all_usable(FileNames *names)
 {
     for (int k = 0; k < names->count; k++)
         if (names->own[k] && !name_usable(names, names->own[k])) return false;
@@ -66,7 +72,7 @@ static bool all_usable(FileNames *names)
 }
 
 // Puts every name into the index; *distinct is false when two are equal.
-static int index_fill(FileNameIndex *index, bool *distinct)
+int index_fill(FileNameIndex *index, bool *distinct)
 {
     const FileNames *names = index->names;
     *distinct = true;
@@ -85,7 +91,7 @@ static int index_fill(FileNameIndex *index, bool *distinct)
     return 0;
 }
 
-static int index_open(FileNameIndex *index, const FileNames *names)
+int index_open(FileNameIndex *index, const FileNames *names)
 {
     static constexpr size_t CHUNK = 4096;
     *index = FileNameIndex{};
@@ -93,6 +99,7 @@ static int index_open(FileNameIndex *index, const FileNames *names)
     index->pool = PoolCreate(CHUNK);
     return index->pool ? 0 : OUT_OF_MEMORY;
 }
+} // namespace
 
 void file_index_free(FileNameIndex *index)
 {
@@ -100,7 +107,9 @@ void file_index_free(FileNameIndex *index)
     *index = FileNameIndex{};
 }
 
-static int test_distinct(const FileNames *names, bool *distinct)
+namespace
+{
+int test_distinct(const FileNames *names, bool *distinct)
 {
     FileNameIndex index;
     TRY(index_open(&index, names));
@@ -110,7 +119,7 @@ static int test_distinct(const FileNames *names, bool *distinct)
 }
 
 // Of the own names, those that pass the test.
-static int keep_names(FileNames *names, NameTest test)
+int keep_names(FileNames *names, NameTest test)
 {
     TRY(array_copy(&names->kept, names->own, names->count));
     for (const char *&name : names->kept) {
@@ -121,6 +130,7 @@ static int keep_names(FileNames *names, NameTest test)
     names->own = names->kept.data;
     return 0;
 }
+} // namespace
 
 int file_names_choose(FileNames *names, const ModelBody *body, FileNameKind kind, bool wide,
                       NameTest test)
@@ -158,8 +168,10 @@ int file_index_make(FileNameIndex *index, const FileNames *names)
     return error;
 }
 
+namespace
+{
 // Whether element k has no name but its number: none, or the default name written out.
-static bool is_numbered(const FileNames *names, int k)
+bool is_numbered(const FileNames *names, int k)
 {
     if (!names->own || !names->own[k]) return true;
     char buffer[FILE_NAME_LENGTH];
@@ -168,7 +180,7 @@ static bool is_numbered(const FileNames *names, int k)
 }
 
 // An element that is numbered, by its letter and number in either form.
-static int find_numbered(const FileNames *names, const char *text, int64_t length)
+int find_numbered(const FileNames *names, const char *text, int64_t length)
 {
     if (length < 2 || *text != static_cast<char>(names->kind)) return NAME_ABSENT;
     int k = 0;
@@ -177,6 +189,7 @@ static int find_numbered(const FileNames *names, const char *text, int64_t lengt
     if (text[1] < '0' || text[1] > '9' || k >= names->count) return NAME_ABSENT;
     return is_numbered(names, k) ? k : NAME_ABSENT;
 }
+} // namespace
 
 int file_index_find(FileNameIndex *index, const char *text, int64_t length)
 {

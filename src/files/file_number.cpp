@@ -17,14 +17,17 @@ NumberKind number_read(TextSpan span, double *value)
     return first == 'i' || first == 'I' ? NumberKind::INFINITE : NumberKind::TOO_LARGE;
 }
 
+namespace
+{
 // The length, or 0 when "%g" does not read back the same.
-static int write_general(char *buffer, double value)
+int write_general(char *buffer, double value)
 {
     static constexpr int SHORT_DIGITS = 6; // of "%g"
     const int length = number_general(buffer, value, SHORT_DIGITS);
     double back = 0.0;
     return !text_to_double(buffer, nullptr, &back) && back == value ? length : 0;
 }
+} // namespace
 
 int number_write_short(char *buffer, double value)
 {

@@ -5,6 +5,8 @@
 // Rules       Of two lines for one bound the later is used, with a warning.
 #include "files/lp_reader.h"
 
+namespace
+{
 // A variable and what a line says of it.
 struct Bound {
     TextSpan name;
@@ -14,7 +16,7 @@ struct Bound {
 };
 
 // Takes "name <comparison> value" into *bound; the comparison may stand on the other side of the name.
-static int note(LpReader *reader, Bound *bound, LpKind sense, double value, TextSpan at)
+int note(LpReader *reader, Bound *bound, LpKind sense, double value, TextSpan at)
 {
     const bool less = sense == LpKind::LESS;
     bound->equal = sense == LpKind::EQUAL;
@@ -31,7 +33,7 @@ static int note(LpReader *reader, Bound *bound, LpKind sense, double value, Text
 }
 
 // Tests the bound "name <sense> infinite value": a word for infinity sets no bound, or removes one.
-static int check_infinite(LpReader *reader, LpKind sense, double value, TextSpan at)
+int check_infinite(LpReader *reader, LpKind sense, double value, TextSpan at)
 {
     if (sense == LpKind::EQUAL)
         return lp_stop(reader, at, "a variable cannot be fixed at infinity");
@@ -41,7 +43,7 @@ static int check_infinite(LpReader *reader, LpKind sense, double value, TextSpan
 }
 
 // "value <comparison>" before the name.
-static int take_left(LpReader *reader, Bound *bound)
+int take_left(LpReader *reader, Bound *bound)
 {
     const TextSpan at = reader->token.text;
     bool infinite = false;
@@ -55,7 +57,7 @@ static int take_left(LpReader *reader, Bound *bound)
     return note(reader, bound, sense, value, at);
 }
 
-static int take_right(LpReader *reader, Bound *bound)
+int take_right(LpReader *reader, Bound *bound)
 {
     const TextSpan at = reader->token.text;
     LpKind sense{};
@@ -68,14 +70,14 @@ static int take_right(LpReader *reader, Bound *bound)
     return note(reader, bound, sense, value, at);
 }
 
-static void set_free(Bound *bound)
+void set_free(Bound *bound)
 {
     bound->value[0] = -DRAFT_INFINITY;
     bound->value[1] = DRAFT_INFINITY;
     bound->given[0] = bound->given[1] = true;
 }
 
-static int take_bound(LpReader *reader, Bound *bound)
+int take_bound(LpReader *reader, Bound *bound)
 {
     const LpToken *token = &reader->token;
     if (token->kind != LpKind::NAME || token->word == LpWord::INFINITE)
@@ -94,7 +96,7 @@ static int take_bound(LpReader *reader, Bound *bound)
     return take_right(reader, bound);
 }
 
-static void apply(LpReader *reader, const Bound *bound)
+void apply(LpReader *reader, const Bound *bound)
 {
     const int j = draft_find(&reader->draft, bound->name);
     if (j < 0) {
@@ -114,6 +116,7 @@ static void apply(LpReader *reader, const Bound *bound)
     if (bound->equal && bound->value[0] == 1.0) now |= LP_SET_TO_ONE; // as written
     *flags = static_cast<unsigned char>(now);
 }
+} // namespace
 
 int lp_bounds(LpReader *reader)
 {

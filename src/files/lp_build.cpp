@@ -10,7 +10,9 @@
 #include "files/lp_reader.h"
 #include <cmath>
 
-static const WarningText texts[] = { // in the order of LpWarning
+namespace
+{
+const WarningText texts[] = { // in the order of LpWarning
     {"Warning: unknown variable '", "' in bounds section\n"},
     {"Warning: unknown variable '", "' in integer section\n"},
     {"Warning: a bound is given twice, the later one stands: '", "'\n"},
@@ -20,6 +22,7 @@ static const WarningText texts[] = { // in the order of LpWarning
     {"Warning: bounds of a binary variable are cut to 0 and 1: '", "'\n"},
     {"Warning: text behind the end is not read: '", "'\n"},
     {"Warning: no End at the end of the file, which may be cut short", "\n"}};
+} // namespace
 
 void lp_warnings_show(const LpReader *reader, TVXenv *env)
 {
@@ -28,14 +31,16 @@ void lp_warnings_show(const LpReader *reader, TVXenv *env)
     warnings_show(&reader->warnings, texts, KINDS, env);
 }
 
-static void warn_of(LpReader *reader, LpWarning kind, TextSpan name)
+namespace
+{
+void warn_of(LpReader *reader, LpWarning kind, TextSpan name)
 {
     warning_note(&reader->warnings, static_cast<int>(kind), 0, name);
 }
 
 // Warns of bounds that may not mean what their author intended. An upper bound below 0 does not change the lower bound
 // 0: the bounds are then infeasible.
-static void check_bounds(LpReader *reader)
+void check_bounds(LpReader *reader)
 {
     const DraftColumns *columns = &reader->draft.columns;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
@@ -50,7 +55,7 @@ static void check_bounds(LpReader *reader)
 }
 
 // vbeg[j + 1] becomes the end of column j.
-static int count_entries(LpReader *reader)
+int count_entries(LpReader *reader)
 {
     const LpRows *rows = &reader->rows;
     Array<int> *vbeg = &reader->draft.vbeg;
@@ -62,7 +67,7 @@ static int count_entries(LpReader *reader)
     return 0;
 }
 
-static int settle_columns(LpReader *reader)
+int settle_columns(LpReader *reader)
 {
     LpRows *rows = &reader->rows;
     DraftColumns *columns = &reader->draft.columns;
@@ -84,7 +89,7 @@ static int settle_columns(LpReader *reader)
     return 0;
 }
 
-static int settle_ranges(LpReader *reader)
+int settle_ranges(LpReader *reader)
 {
     const LpRows *rows = &reader->rows;
     for (int64_t k = 0; k < rows->range_row.size; k++)
@@ -95,7 +100,7 @@ static int settle_ranges(LpReader *reader)
 // ---- The constant ----
 
 // The variable that stands for the constant, or -1.
-static int find_constant(const ModelDraft *draft)
+int find_constant(const ModelDraft *draft)
 {
     static constexpr char NAME[] = "Constant";
     const DraftColumns *columns = &draft->columns;
@@ -110,14 +115,14 @@ static int find_constant(const ModelDraft *draft)
     return std::isfinite(draft->objcon + columns->obj.data[j]) ? j : -1;
 }
 
-template<class T> static void erase(Array<T> *a, int64_t k)
+template<class T> void erase(Array<T> *a, int64_t k)
 {
     memmove(a->data + k, a->data + k + 1, static_cast<size_t>(a->size - k - 1) * sizeof(T));
     a->size--;
 }
 
 // Of a column without entries; names cannot be looked up any more.
-static void fold_constant(ModelDraft *draft, int j)
+void fold_constant(ModelDraft *draft, int j)
 {
     DraftColumns *columns = &draft->columns;
     draft->objcon += columns->obj.data[j];
@@ -130,6 +135,7 @@ static void fold_constant(ModelDraft *draft, int j)
     erase(&draft->vbeg, j);
     for (int &member : draft->sets.member) member -= member > j;
 }
+} // namespace
 
 // ---- The model ----
 

@@ -12,8 +12,10 @@
 
 // ---- Rows ----
 
+namespace
+{
 // The name of a row, which may be empty: then it gets its number.
-static int name_row(LpReader *reader, TextSpan label)
+int name_row(LpReader *reader, TextSpan label)
 {
     ModelDraft *draft = &reader->draft;
     NameTable *names = &reader->rows.names;
@@ -28,7 +30,7 @@ static int name_row(LpReader *reader, TextSpan label)
     return 0;
 }
 
-static int open_row(LpReader *reader, TextSpan label)
+int open_row(LpReader *reader, TextSpan label)
 {
     LpRows *rows = &reader->rows;
     if (rows->begin.size == INT_MAX)
@@ -37,14 +39,14 @@ static int open_row(LpReader *reader, TextSpan label)
     return name_row(reader, label);
 }
 
-static int close_row(LpReader *reader, LpKind sense, double rhs)
+int close_row(LpReader *reader, LpKind sense, double rhs)
 {
     const char letter = sense == LpKind::LESS ? '<' : sense == LpKind::GREATER ? '>' : '=';
     TRY(array_append(&reader->draft.row_sense, letter));
     return array_append(&reader->draft.rhs, rhs);
 }
 
-static LpKind mirrored(LpKind sense)
+LpKind mirrored(LpKind sense)
 {
     if (sense == LpKind::EQUAL) return sense;
     return sense == LpKind::LESS ? LpKind::GREATER : LpKind::LESS;
@@ -60,14 +62,14 @@ struct Constraint {
     LpKind second = LpKind::END; // of a range
 };
 
-static bool is_infinite(const LpSum *side)
+bool is_infinite(const LpSum *side)
 {
     return side->infinite || std::fabs(side->constant) >= DRAFT_HUGE;
 }
 
 // side - constant, infinite sides as they are.
-static int shifted(LpReader *reader, const Constraint *row, const LpSum *side,
-                   double constant, double *value)
+int shifted(LpReader *reader, const Constraint *row, const LpSum *side, double constant,
+            double *value)
 {
     *value = side->infinite ? side->constant : side->constant - constant;
     if (std::isfinite(*value)) return 0;
@@ -75,7 +77,7 @@ static int shifted(LpReader *reader, const Constraint *row, const LpSum *side,
 }
 
 // sum <= number, whichever side the variables are on.
-static int settle_plain(LpReader *reader, const Constraint *row)
+int settle_plain(LpReader *reader, const Constraint *row)
 {
     const bool turned = !row->left.variables && row->middle.variables;
     const LpSum *sum = turned ? &row->middle : &row->left;
@@ -90,7 +92,7 @@ static int settle_plain(LpReader *reader, const Constraint *row)
 }
 
 // low <= sum <= high.
-static int settle_range(LpReader *reader, const Constraint *row)
+int settle_range(LpReader *reader, const Constraint *row)
 {
     LpRows *rows = &reader->rows;
     const bool rising = row->first == LpKind::LESS;
@@ -116,7 +118,7 @@ static int settle_range(LpReader *reader, const Constraint *row)
 // ---- Constraints ----
 
 // The second comparison and what follows it.
-static int take_limit(LpReader *reader, Constraint *row)
+int take_limit(LpReader *reader, Constraint *row)
 {
     const TextSpan at = reader->token.text;
     TRY(lp_comparison(reader, &row->second));
@@ -132,7 +134,7 @@ static int take_limit(LpReader *reader, Constraint *row)
 // What the first token of a constraint must not be: a number behind that of the constraint before, as in "<= 1 000"; a
 // section with a colon, as in "bounds:", whose lines would become constraints; or a word that looks like a heading,
 // alone on its line and unknown so far, which a sign on the next line would make a variable.
-static int check_begin(LpReader *reader, const LpToken *begin, bool named, bool alone)
+int check_begin(LpReader *reader, const LpToken *begin, bool named, bool alone)
 {
     const bool first = !reader->rows.begin.size;
     if (!named && alone && begin->kind == LpKind::NAME && lp_like_heading(begin->text) &&
@@ -146,7 +148,7 @@ static int check_begin(LpReader *reader, const LpToken *begin, bool named, bool 
     return 0;
 }
 
-static int take_constraint(LpReader *reader)
+int take_constraint(LpReader *reader)
 {
     Constraint row;
     TextSpan label;
@@ -169,6 +171,7 @@ static int take_constraint(LpReader *reader)
     return row.second == LpKind::END ? settle_plain(reader, &row)
                                      : settle_range(reader, &row);
 }
+} // namespace
 
 int lp_constraints(LpReader *reader)
 {

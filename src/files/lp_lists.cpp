@@ -9,7 +9,9 @@
 
 // ---- Types ----
 
-static void make_binary(DraftColumns *columns, int j)
+namespace
+{
+void make_binary(DraftColumns *columns, int j)
 {
     const unsigned char flags = columns->flags.data[j];
     char *type = &columns->type.data[j];
@@ -18,7 +20,7 @@ static void make_binary(DraftColumns *columns, int j)
     if (!(flags & LP_UPPER_GIVEN)) columns->ub.data[j] = 1.0;
 }
 
-static void make_type(DraftColumns *columns, int j, LpWord section)
+void make_type(DraftColumns *columns, int j, LpWord section)
 {
     char *type = &columns->type.data[j];
     if (section == LpWord::BINARIES)
@@ -32,7 +34,7 @@ static void make_type(DraftColumns *columns, int j, LpWord section)
 // A name that no variable has is passed over with a warning, but not one that may have been meant as the heading of the
 // names below it: they would get the type of the section above. Such a word is alone on its line, and looks like a
 // heading or stands further left than the names of the list, which begin at `indent`.
-static int take_unknown(LpReader *reader, int64_t indent)
+int take_unknown(LpReader *reader, int64_t indent)
 {
     const LpToken *token = &reader->token;
     if (token->word != LpWord::NONE) // free, inf
@@ -43,6 +45,7 @@ static int take_unknown(LpReader *reader, int64_t indent)
     lp_warn(reader, LpWarning::UNKNOWN_IN_LIST, token->text);
     return 0;
 }
+} // namespace
 
 int lp_types(LpReader *reader, LpWord section)
 {
@@ -68,8 +71,10 @@ int lp_types(LpReader *reader, LpWord section)
 
 // ---- Sets ----
 
+namespace
+{
 // The type when "S1 ::" or "S2 ::" is in hand, which is taken then; else 0.
-static int take_header(LpReader *reader)
+int take_header(LpReader *reader)
 {
     const TextSpan word = reader->token.text;
     if (!span_is_word(word, "S1") && !span_is_word(word, "S2")) return 0;
@@ -82,7 +87,7 @@ static int take_header(LpReader *reader)
     return type;
 }
 
-static int take_weight(LpReader *reader, TextSpan name)
+int take_weight(LpReader *reader, TextSpan name)
 {
     bool infinite = false;
     double weight = 0.0;
@@ -98,7 +103,7 @@ static int take_weight(LpReader *reader, TextSpan name)
 }
 
 // A set's head with or without a name, or a member.
-static int take_item(LpReader *reader)
+int take_item(LpReader *reader)
 {
     int type = take_header(reader);
     if (type) return draft_set_begin(&reader->draft.sets, type);
@@ -109,6 +114,7 @@ static int take_item(LpReader *reader)
     if (type) return draft_set_begin(&reader->draft.sets, type);
     return take_weight(reader, name);
 }
+} // namespace
 
 int lp_sets(LpReader *reader)
 {

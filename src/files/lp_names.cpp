@@ -9,7 +9,9 @@
 #include <array>
 #include <cstring>
 
-static constexpr LpClass class_of(unsigned char c)
+namespace
+{
+constexpr LpClass class_of(unsigned char c)
 {
     if (c == '\n') return LpClass::NEWLINE;
     if (c == ' ' || (c >= 9 && c <= 13)) return LpClass::BLANK;
@@ -41,22 +43,27 @@ static constexpr LpClass class_of(unsigned char c)
     }
 }
 
-static constexpr int BYTES = 256;
-static constexpr std::array<LpClass, BYTES> make_classes()
+constexpr int BYTES = 256;
+
+constexpr std::array<LpClass, BYTES> make_classes()
 {
     std::array<LpClass, BYTES> classes{};
     for (int c = 0; c < BYTES; c++)
         classes[static_cast<size_t>(c)] = class_of(static_cast<unsigned char>(c));
     return classes;
 }
-static constexpr std::array<LpClass, BYTES> classes = make_classes();
+
+constexpr std::array<LpClass, BYTES> classes = make_classes();
+} // namespace
 
 LpClass lp_class(char c)
 {
     return classes[static_cast<unsigned char>(c)];
 }
 
-static const struct {
+namespace
+{
+const struct {
     const char *text;
     LpWord word;
 } words[] = {{"MINIMIZE", LpWord::MINIMIZE}, {"MINIMUM", LpWord::MINIMIZE},
@@ -75,8 +82,10 @@ static const struct {
              {"END", LpWord::END},           {"INFINITY", LpWord::INFINITE},
              {"INF", LpWord::INFINITE},      {"FREE", LpWord::FREE}};
 
-static constexpr int64_t SHORTEST_WORD = 2;
-static constexpr int64_t LONGEST_WORD = 8;
+constexpr int64_t SHORTEST_WORD = 2;
+
+constexpr int64_t LONGEST_WORD = 8;
+} // namespace
 
 LpWord lp_word(TextSpan name)
 {
@@ -92,24 +101,28 @@ LpWord lp_word(TextSpan name)
 
 // ---- Headings that are no words of the format ----
 
+namespace
+{
 // Sections of other dialects.
-static const char *const foreign[] = {
+const char *const foreign[] = {
     "SEC",     "SIN",  "SOS1",       "SOS2",        "LAZY",     "USER",     "RANGE",
     "RANGES",  "RHS",  "INDICATOR",  "INDICATORS",  "PWLOBJ",   "DISCRETE", "CONTINUOUS",
     "SUBJECT", "SUCH", "CONSTRAINT", "CONSTRAINTS", "VARIABLES"};
 
-static char capital(char c)
+char capital(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
 // One or two characters are wrong, missing, too many, or two neighbours have changed places.
-static constexpr int64_t LONG_WORD = 6; // from here on two faults are forgiven, else one
-static constexpr int64_t SHORTEST_MISSPELT = 5;
-static constexpr int64_t LONGEST_COMPARED = LONGEST_WORD + 2;
+constexpr int64_t LONG_WORD = 6; // from here on two faults are forgiven, else one
+
+constexpr int64_t SHORTEST_MISSPELT = 5;
+
+constexpr int64_t LONGEST_COMPARED = LONGEST_WORD + 2;
 
 // The least number of such faults that turn one word into the other (optimal string alignment).
-static int64_t spelling_faults(TextSpan name, const char *word, int64_t length)
+int64_t spelling_faults(TextSpan name, const char *word, int64_t length)
 {
     int64_t rows[LONGEST_COMPARED + 1][LONGEST_WORD + 1];
     const int64_t n = span_length(name);
@@ -127,6 +140,7 @@ static int64_t spelling_faults(TextSpan name, const char *word, int64_t length)
     }
     return rows[n][length];
 }
+} // namespace
 
 bool lp_like_heading(TextSpan name)
 {

@@ -24,8 +24,10 @@ int lp_stop(LpReader *reader, TextSpan at, const char *format, ...)
     return TVX_ERROR_FILE_READ;
 }
 
+namespace
+{
 // What is wrong with a token that cannot stand anywhere.
-static const char *odd_reason(TextSpan text)
+const char *odd_reason(TextSpan text)
 {
     if (lp_has_foreign_sign(text)) return "a blank or dash that is not the one of ASCII";
     switch (*text.begin) {
@@ -39,6 +41,7 @@ static const char *odd_reason(TextSpan text)
         return "this is no name and no number";
     }
 }
+} // namespace
 
 int lp_stop_here(LpReader *reader, const char *reason)
 {
@@ -49,13 +52,16 @@ int lp_stop_here(LpReader *reader, const char *reason)
     return lp_stop(reader, token->text, "%s", reason);
 }
 
+namespace
+{
 // The number of the line that holds p; places must come in order.
-static int64_t line_of(LpReader *reader, const char *p)
+int64_t line_of(LpReader *reader, const char *p)
 {
     for (; reader->counted < p; reader->counted++)
         if (*reader->counted == '\n') reader->line++;
     return reader->line;
 }
+} // namespace
 
 void lp_warn(LpReader *reader, LpWarning kind, TextSpan name)
 {
@@ -64,8 +70,10 @@ void lp_warn(LpReader *reader, LpWarning kind, TextSpan name)
     warning_note(&reader->warnings, k, shown ? line_of(reader, name.begin) : 0, name);
 }
 
+namespace
+{
 // Characters of UTF-8 before p on its line, plus 1.
-static int64_t column_of(const LpReader *reader, const char *p)
+int64_t column_of(const LpReader *reader, const char *p)
 {
     static constexpr unsigned CONTINUATION = 0x80;
     static constexpr unsigned CONTINUATION_MASK = 0xc0;
@@ -77,7 +85,7 @@ static int64_t column_of(const LpReader *reader, const char *p)
     return column;
 }
 
-static int report(TVXenv *env, const char *file_name, LpReader *reader)
+int report(TVXenv *env, const char *file_name, LpReader *reader)
 {
     static constexpr int SHOWN = 60; // bytes of the offending text
     static constexpr int TEXT_LENGTH = 320;
@@ -101,7 +109,7 @@ static int report(TVXenv *env, const char *file_name, LpReader *reader)
                 "Trouble reading file %s at line %d, %s", file_name, line_shown, text);
 }
 
-static int report_memory(TVXenv *env)
+int report_memory(TVXenv *env)
 {
     TVXmsg(env, "Error: out of memory.\n");
     return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in LP reader\n");
@@ -110,7 +118,7 @@ static int report_memory(TVXenv *env)
 // ---- Sections ----
 
 // And the constraints behind it, if there are any.
-static int take_objective(LpReader *reader, bool *constraints)
+int take_objective(LpReader *reader, bool *constraints)
 {
     const LpWord word = reader->token.word;
     if (word != LpWord::MINIMIZE && word != LpWord::MAXIMIZE)
@@ -124,7 +132,7 @@ static int take_objective(LpReader *reader, bool *constraints)
     return lp_constraints(reader);
 }
 
-static int take_section(LpReader *reader, LpWord section)
+int take_section(LpReader *reader, LpWord section)
 {
     switch (section) {
     case LpWord::BOUNDS:
@@ -139,7 +147,7 @@ static int take_section(LpReader *reader, LpWord section)
 }
 
 // Where text follows, the word must be alone on its line: "end + x >= 1" and "3 x + 2 end" may be meant as terms.
-static int take_end(LpReader *reader)
+int take_end(LpReader *reader)
 {
     const LpToken end = reader->token;
     const bool alone = end.fresh && lp_ends_line(reader);
@@ -151,7 +159,7 @@ static int take_end(LpReader *reader)
     return 0;
 }
 
-static int parse(LpReader *reader)
+int parse(LpReader *reader)
 {
     bool sections = false;
     TRY(take_objective(reader, &sections));
@@ -171,13 +179,14 @@ static int parse(LpReader *reader)
     return 0;
 }
 
-static int read_loaded(TVXenv *env, LpReader *reader)
+int read_loaded(TVXenv *env, LpReader *reader)
 {
     TRY(draft_open(&reader->draft));
     lp_start(reader);
     TRY(parse(reader));
     return lp_build(env, reader);
 }
+} // namespace
 
 int lp_read(TVXenv *env, const char *file_name, ModelDraft *draft)
 {

@@ -10,6 +10,8 @@
 #include <climits>
 #include <cmath>
 
+namespace
+{
 // One term: factor, and a column or -1.
 struct Term {
     double factor = 1;
@@ -21,7 +23,7 @@ struct Term {
     TextSpan digits; // the number given last
 };
 
-static int take_number(LpReader *reader, double *factor)
+int take_number(LpReader *reader, double *factor)
 {
     const LpToken *token = &reader->token;
     *factor *= token->value;
@@ -29,6 +31,7 @@ static int take_number(LpReader *reader, double *factor)
     lp_next(reader);
     return 0;
 }
+} // namespace
 
 double lp_signs(LpReader *reader, bool *any)
 {
@@ -42,8 +45,10 @@ double lp_signs(LpReader *reader, bool *any)
     }
 }
 
+namespace
+{
 // The column of the name in hand, a new one if it was not met before.
-static int take_column(LpReader *reader, int *column)
+int take_column(LpReader *reader, int *column)
 {
     ModelDraft *draft = &reader->draft;
     const TextSpan name = reader->token.text;
@@ -59,7 +64,7 @@ static int take_column(LpReader *reader, int *column)
 
 // Whether the name behind a number is no factor of it, since the number ends a constraint. "x <= 1 y >= 2" on one line
 // are two of them, "x <= 2 y" is one.
-static bool begins_constraint(const LpReader *reader, LpPlace place, const Term *term)
+bool begins_constraint(const LpReader *reader, LpPlace place, const Term *term)
 {
     if (lp_before_colon(reader) || place == LpPlace::LIMIT) return true;
     if (place != LpPlace::RIGHT) return false;
@@ -67,7 +72,7 @@ static bool begins_constraint(const LpReader *reader, LpPlace place, const Term 
 }
 
 // Whether the token in hand is a variable of the term, not a word or the next label.
-static bool is_factor(const LpReader *reader, LpPlace place, const Term *term, bool wanted)
+bool is_factor(const LpReader *reader, LpPlace place, const Term *term, bool wanted)
 {
     const LpToken *token = &reader->token;
     if (token->kind != LpKind::NAME) return false;
@@ -79,7 +84,7 @@ static bool is_factor(const LpReader *reader, LpPlace place, const Term *term, b
 
 // "x <= 1d2", "x <= 5abc": behind a comparison a name that touches its number is more likely part of a number that is
 // not understood, unless a variable of that name is known.
-static bool is_bad_number(const LpReader *reader, LpPlace place, const Term *term)
+bool is_bad_number(const LpReader *reader, LpPlace place, const Term *term)
 {
     const TextSpan name = reader->token.text;
     const char before = term->number ? name.begin[-1] : ' ';
@@ -88,7 +93,7 @@ static bool is_bad_number(const LpReader *reader, LpPlace place, const Term *ter
 }
 
 // The factors of a term behind its signs; `wanted` says that one must come.
-static int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term)
+int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term)
 {
     for (;;) {
         const LpToken *token = &reader->token;
@@ -121,7 +126,7 @@ static int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term
 }
 
 // "x + 2e1" where a variable is called e1: a number of its own, or a term.
-static bool is_ambiguous(const LpReader *reader, LpPlace place, const Term *term)
+bool is_ambiguous(const LpReader *reader, LpPlace place, const Term *term)
 {
     if (!term->number || term->column >= 0) return false;
     if (place == LpPlace::RIGHT || place == LpPlace::LIMIT) return false; // a number
@@ -132,7 +137,7 @@ static bool is_ambiguous(const LpReader *reader, LpPlace place, const Term *term
 }
 
 // "min x + 2 bin": the word of a section behind a number of the objective, at the end of the line.
-static bool is_swallowed(const LpReader *reader, LpPlace place, const Term *term)
+bool is_swallowed(const LpReader *reader, LpPlace place, const Term *term)
 {
     const LpToken *token = &reader->token;
     const bool section = token->word >= LpWord::BOUNDS && token->word < LpWord::END;
@@ -142,19 +147,19 @@ static bool is_swallowed(const LpReader *reader, LpPlace place, const Term *term
 
 // ---- Where terms go ----
 
-static int too_large(LpReader *reader, const Term *term)
+int too_large(LpReader *reader, const Term *term)
 {
     return lp_stop(reader, term->at, "the sum of these terms is too large");
 }
 
-static int add_cost(LpReader *reader, const Term *term)
+int add_cost(LpReader *reader, const Term *term)
 {
     double *cost = &reader->draft.columns.obj.data[term->column];
     *cost += term->factor;
     return std::isfinite(*cost) ? 0 : too_large(reader, term);
 }
 
-static int add_entry(LpReader *reader, const Term *term, double side)
+int add_entry(LpReader *reader, const Term *term, double side)
 {
     LpRows *rows = &reader->rows;
     const double value = side * term->factor;
@@ -171,7 +176,7 @@ static int add_entry(LpReader *reader, const Term *term, double side)
     return array_append(&rows->value, value);
 }
 
-static int add_term(LpReader *reader, LpPlace place, const Term *term, LpSum *sum)
+int add_term(LpReader *reader, LpPlace place, const Term *term, LpSum *sum)
 {
     if (term->infinite) {
         sum->infinite = true;
@@ -190,7 +195,7 @@ static int add_term(LpReader *reader, LpPlace place, const Term *term, LpSum *su
 // ---- Sums ----
 
 // Whether a further term stands in hand.
-static bool goes_on(const LpReader *reader, LpPlace place, const LpSum *sum)
+bool goes_on(const LpReader *reader, LpPlace place, const LpSum *sum)
 {
     const LpToken *token = &reader->token;
     if (token->kind != LpKind::PLUS && token->kind != LpKind::MINUS) return false;
@@ -205,6 +210,7 @@ static bool goes_on(const LpReader *reader, LpPlace place, const LpSum *sum)
         return true;
     }
 }
+} // namespace
 
 int lp_sum(LpReader *reader, LpPlace place, LpSum *sum)
 {

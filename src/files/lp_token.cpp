@@ -9,19 +9,21 @@
 #include <algorithm>
 #include <cstring>
 
-static bool is_compared(char c)
+namespace
+{
+bool is_compared(char c)
 {
     return c == '<' || c == '>' || c == '=';
 }
 
-static const char *skip_comment(const LpReader *reader, const char *p)
+const char *skip_comment(const LpReader *reader, const char *p)
 {
     const void *newline = memchr(p, '\n', static_cast<size_t>(reader->stop - p));
     return newline ? static_cast<const char *>(newline) : reader->stop;
 }
 
 // To the next byte that is no blank, line end or comment.
-static const char *skip_blanks(const LpReader *reader, const char *p, bool *fresh)
+const char *skip_blanks(const LpReader *reader, const char *p, bool *fresh)
 {
     for (;;) {
         switch (lp_class(*p)) {
@@ -40,13 +42,13 @@ static const char *skip_blanks(const LpReader *reader, const char *p, bool *fres
     }
 }
 
-static const char *skip_line_blanks(const char *p)
+const char *skip_line_blanks(const char *p)
 {
     while (lp_class(*p) == LpClass::BLANK) p++;
     return p;
 }
 
-static void take_name(LpReader *reader)
+void take_name(LpReader *reader)
 {
     LpToken *token = &reader->token;
     const char *end = token->text.begin;
@@ -67,7 +69,7 @@ static void take_name(LpReader *reader)
 }
 
 // < <= =< > >= => =
-static void take_comparison(LpToken *token)
+void take_comparison(LpToken *token)
 {
     const char first = *token->text.begin;
     const char second = token->text.begin[1];
@@ -79,7 +81,7 @@ static void take_comparison(LpToken *token)
     token->text.end += pair;
 }
 
-static void take_sign(LpToken *token)
+void take_sign(LpToken *token)
 {
     token->text.end = token->text.begin + 1;
     switch (*token->text.begin) {
@@ -104,6 +106,7 @@ static void take_sign(LpToken *token)
         return;
     }
 }
+} // namespace
 
 void lp_next(LpReader *reader)
 {
@@ -149,7 +152,10 @@ bool lp_before_colon(const LpReader *reader)
     return *p == ':' && p[1] != ':';
 }
 
-static constexpr int64_t LONGEST_ST = 4; // letters of "s.t."
+namespace
+{
+constexpr int64_t LONGEST_ST = 4; // letters of "s.t."
+} // namespace
 
 bool lp_at_section(const LpReader *reader)
 {

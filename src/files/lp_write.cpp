@@ -20,9 +20,13 @@
 #include "runtime/text_number.h"
 #include <cstring>
 
-static constexpr int64_t LINE_LENGTH = 75; // bytes
-static constexpr char CONSTANT[] = "Constant";
-static constexpr char MINUS_INFINITY[] = "-infinity";
+namespace
+{
+constexpr int64_t LINE_LENGTH = 75; // bytes
+
+constexpr char CONSTANT[] = "Constant";
+
+constexpr char MINUS_INFINITY[] = "-infinity";
 
 struct LpWriter {
     const ModelBody *body = nullptr;
@@ -35,7 +39,7 @@ struct LpWriter {
 
 // ---- Names ----
 
-static void warn_names(TVXenv *env, const FileNames *names, const Array<const char *> *own)
+void warn_names(TVXenv *env, const FileNames *names, const Array<const char *> *own)
 {
     const char *kind = names->kind == FileNameKind::VARIABLE ? "variable" : "constraint";
     if (!names->own && own->size)
@@ -47,7 +51,7 @@ static void warn_names(TVXenv *env, const FileNames *names, const Array<const ch
                names->n_refused, kind);
 }
 
-static int choose_names(TVXenv *env, LpWriter *writer, WriteNames use)
+int choose_names(TVXenv *env, LpWriter *writer, WriteNames use)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -71,7 +75,7 @@ static int choose_names(TVXenv *env, LpWriter *writer, WriteNames use)
 // ---- Order ----
 
 // The first row that mentions variable j, or numconstrs.
-static int first_row(const ModelBody *body, int j)
+int first_row(const ModelBody *body, int j)
 {
     int first = body->numconstrs;
     for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++)
@@ -81,7 +85,7 @@ static int first_row(const ModelBody *body, int j)
 }
 
 // How many variables the objective must name: behind them, rows name the others in order.
-static int count_listed(const ModelBody *body)
+int count_listed(const ModelBody *body)
 {
     int next = body->numconstrs - 1; // the row that first mentions the variable behind
     for (int j = body->numvars - 1; j >= 0; j--) {
@@ -94,28 +98,28 @@ static int count_listed(const ModelBody *body)
 
 // ---- Lines ----
 
-static void put(LpWriter *writer, const char *text)
+void put(LpWriter *writer, const char *text)
 {
     const int64_t length = static_cast<int64_t>(strlen(text));
     text_out_bytes(&writer->out, text, length);
     writer->column += length;
 }
 
-static void end_line(LpWriter *writer)
+void end_line(LpWriter *writer)
 {
     text_out(&writer->out, "\n");
     writer->column = 0;
 }
 
 // Begins a new line if that many bytes do not fit any more.
-static void make_room(LpWriter *writer, int64_t length)
+void make_room(LpWriter *writer, int64_t length)
 {
     if (writer->column + length <= LINE_LENGTH) return;
     end_line(writer);
     put(writer, "  ");
 }
 
-static void put_number(LpWriter *writer, double value)
+void put_number(LpWriter *writer, double value)
 {
     char buffer[NUMBER_LENGTH];
     number_write_short(buffer, value);
@@ -123,7 +127,7 @@ static void put_number(LpWriter *writer, double value)
 }
 
 // " + 3 x", without the number when it is 1 and a name follows.
-static void put_term(LpWriter *writer, double value, const char *name)
+void put_term(LpWriter *writer, double value, const char *name)
 {
     static constexpr int64_t SIGN_LENGTH = 3;
     const bool negative = value < 0.0;
@@ -140,7 +144,7 @@ static void put_term(LpWriter *writer, double value, const char *name)
 
 // ---- Objective and constraints ----
 
-static void write_objective(LpWriter *writer)
+void write_objective(LpWriter *writer)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -154,7 +158,7 @@ static void write_objective(LpWriter *writer)
     text_out(&writer->out, "\n\n");
 }
 
-static void write_row(LpWriter *writer, int i)
+void write_row(LpWriter *writer, int i)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -181,7 +185,7 @@ static void write_row(LpWriter *writer, int i)
     end_line(writer);
 }
 
-static void write_rows(LpWriter *writer)
+void write_rows(LpWriter *writer)
 {
     text_out(&writer->out, "Subject To\n");
     for (int i = 0; i < writer->body->numconstrs; i++) write_row(writer, i);
@@ -195,12 +199,12 @@ struct LpBounds {
     bool binary, no_lower, no_upper;
 };
 
-static char type_of(const ModelBody *body, int j)
+char type_of(const ModelBody *body, int j)
 {
     return body->vtypes.size ? body->vtypes.data[j] : 'C';
 }
 
-static void write_both(LpWriter *writer, const LpBounds *column)
+void write_both(LpWriter *writer, const LpBounds *column)
 {
     put(writer, " ");
     if (column->no_lower)
@@ -216,8 +220,7 @@ static void write_both(LpWriter *writer, const LpBounds *column)
         put_number(writer, column->ub);
 }
 
-static void write_one(LpWriter *writer, const LpBounds *column, const char *sense,
-                      double value)
+void write_one(LpWriter *writer, const LpBounds *column, const char *sense, double value)
 {
     put(writer, " ");
     put(writer, column->name);
@@ -225,7 +228,7 @@ static void write_one(LpWriter *writer, const LpBounds *column, const char *sens
     put_number(writer, value);
 }
 
-static void write_column_bounds(LpWriter *writer, const LpBounds *column)
+void write_column_bounds(LpWriter *writer, const LpBounds *column)
 {
     const bool at_one = column->lb == 1.0 && column->ub == 1.0; // as it was set
     if (column->no_lower && column->no_upper) {
@@ -244,7 +247,7 @@ static void write_column_bounds(LpWriter *writer, const LpBounds *column)
     end_line(writer);
 }
 
-static void write_bounds(LpWriter *writer)
+void write_bounds(LpWriter *writer)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -267,7 +270,7 @@ static void write_bounds(LpWriter *writer)
 // ---- Types and sets ----
 
 // The variables of these types, if there are any.
-static void write_types(LpWriter *writer, const char *heading, const char *types)
+void write_types(LpWriter *writer, const char *heading, const char *types)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -285,7 +288,7 @@ static void write_types(LpWriter *writer, const char *heading, const char *types
     if (any) end_line(writer);
 }
 
-static void write_set(LpWriter *writer, int s)
+void write_set(LpWriter *writer, int s)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -309,7 +312,7 @@ static void write_set(LpWriter *writer, int s)
     end_line(writer);
 }
 
-static void write_all(LpWriter *writer)
+void write_all(LpWriter *writer)
 {
     write_objective(writer);
     write_rows(writer);
@@ -321,6 +324,7 @@ static void write_all(LpWriter *writer)
     for (int s = 0; s < writer->body->numsos; s++) write_set(writer, s);
     text_out(&writer->out, "End\n");
 }
+} // namespace
 
 int lp_write(const ModelBody *body, TVXenv *env, const char *file_name, WriteNames names)
 {

@@ -11,17 +11,19 @@
 #include "files/text_out.h"
 #include "runtime/text_number.h"
 
-static int problem(TVXenv *env, int error)
+namespace
+{
+int problem(TVXenv *env, int error)
 {
     return fail(env, error, Report::KEEP_FIRST, "Problem reading MIP start");
 }
 
-static bool is_no_comment(const char *name)
+bool is_no_comment(const char *name)
 {
     return *name != '#';
 }
 
-static int choose_names(const ModelBody *body, FileNames *names)
+int choose_names(const ModelBody *body, FileNames *names)
 {
     return file_names_choose(names, body, FileNameKind::VARIABLE, true, is_no_comment);
 }
@@ -36,7 +38,7 @@ struct StartReader {
     int64_t n_unknown; // names the model does not have
 };
 
-static int bad_line(StartReader *reader, int64_t number, TextSpan line)
+int bad_line(StartReader *reader, int64_t number, TextSpan line)
 {
     static constexpr int SHOWN = 128;
     char shown[SHOWN];
@@ -48,7 +50,7 @@ static int bad_line(StartReader *reader, int64_t number, TextSpan line)
                 static_cast<long long>(number), shown);
 }
 
-static int unknown_variable(StartReader *reader, TextSpan name)
+int unknown_variable(StartReader *reader, TextSpan name)
 {
     static constexpr int SHOWN = 128;
     static constexpr int64_t UNKNOWN_SHOWN = 100; // another model's must not flood the log
@@ -59,7 +61,7 @@ static int unknown_variable(StartReader *reader, TextSpan name)
     return 0;
 }
 
-static int start_line(StartReader *reader, int64_t number, TextSpan line)
+int start_line(StartReader *reader, int64_t number, TextSpan line)
 {
     line = span_trim(line.begin, line.end);
     if (span_empty(line) || *line.begin == '#') return 0;
@@ -83,7 +85,7 @@ static int start_line(StartReader *reader, int64_t number, TextSpan line)
     return array_append(&reader->values->value, value);
 }
 
-static int walk_lines(StartReader *reader, TextFile *text)
+int walk_lines(StartReader *reader, TextFile *text)
 {
     TextSpan line;
     for (;;) {
@@ -102,8 +104,7 @@ static int walk_lines(StartReader *reader, TextFile *text)
     return 0;
 }
 
-static int read_text(const ModelBody *body, TVXenv *env, TextFile *text,
-                     StartValues *values)
+int read_text(const ModelBody *body, TVXenv *env, TextFile *text, StartValues *values)
 {
     StartReader reader{};
     reader.env = env;
@@ -114,6 +115,7 @@ static int read_text(const ModelBody *body, TVXenv *env, TextFile *text,
     file_index_free(&reader.index);
     return error;
 }
+} // namespace
 
 int mip_start_read(const ModelBody *body, TVXenv *env, const char *file_name,
                    StartValues *values)
@@ -132,8 +134,10 @@ int mip_start_read(const ModelBody *body, TVXenv *env, const char *file_name,
 
 // ---- Writing ----
 
-static void write_values(const ModelBody *body, const FileNames *names, const double *x,
-                         TextOut *out)
+namespace
+{
+void write_values(const ModelBody *body, const FileNames *names, const double *x,
+                  TextOut *out)
 {
     char name[FILE_NAME_LENGTH];
     char number[NUMBER_LENGTH];
@@ -146,6 +150,7 @@ static void write_values(const ModelBody *body, const FileNames *names, const do
         text_out(out, "\n");
     }
 }
+} // namespace
 
 int mip_start_write(const ModelBody *body, TVXenv *env, const double *x,
                     const char *file_name)

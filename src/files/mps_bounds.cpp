@@ -8,10 +8,12 @@
 #include "files/mps_reader.h"
 #include <cmath>
 
+namespace
+{
 enum class Bound { LO, UP, FX, FR, MI, PL, BV, LI, UI, SC, SI, COUNT_ };
 
 // In the order of Bound.
-static const struct {
+const struct {
     const char *name;
     MpsBoundValue value;
 } bounds[] = {{"LO", MpsBoundValue::REQUIRED}, {"UP", MpsBoundValue::REQUIRED},
@@ -21,12 +23,13 @@ static const struct {
               {"UI", MpsBoundValue::REQUIRED}, {"SC", MpsBoundValue::OPTIONAL},
               {"SI", MpsBoundValue::OPTIONAL}};
 
-static Bound bound_find(TextSpan type)
+Bound bound_find(TextSpan type)
 {
     int k = 0;
     while (k < static_cast<int>(Bound::COUNT_) && !span_is_word(type, bounds[k].name)) k++;
     return static_cast<Bound>(k);
 }
+} // namespace
 
 MpsBoundValue mps_bound_value(TextSpan type)
 {
@@ -35,6 +38,8 @@ MpsBoundValue mps_bound_value(TextSpan type)
                                   : bounds[static_cast<int>(bound)].value;
 }
 
+namespace
+{
 // Columns of one line's work.
 struct BoundLine {
     MpsReader *reader;
@@ -43,7 +48,7 @@ struct BoundLine {
 };
 
 // True when none of these bounds has been set; else a warning, and the line must not set them.
-static bool is_open(const BoundLine *line, int given)
+bool is_open(const BoundLine *line, int given)
 {
     MpsReader *reader = line->reader;
     if (!(reader->draft.columns.flags.data[line->column] & given)) return true;
@@ -51,7 +56,7 @@ static bool is_open(const BoundLine *line, int given)
     return false;
 }
 
-static void set_lower(const BoundLine *line, double value)
+void set_lower(const BoundLine *line, double value)
 {
     DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
@@ -59,7 +64,7 @@ static void set_lower(const BoundLine *line, double value)
     columns->flags.data[j] |= LOWER_GIVEN;
 }
 
-static void set_upper(const BoundLine *line, double value)
+void set_upper(const BoundLine *line, double value)
 {
     DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
@@ -68,7 +73,7 @@ static void set_upper(const BoundLine *line, double value)
 }
 
 // The default upper bound 1 of an integer column goes as soon as its lower bound or PL says more.
-static void drop_default_upper(const BoundLine *line)
+void drop_default_upper(const BoundLine *line)
 {
     DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
@@ -76,19 +81,19 @@ static void drop_default_upper(const BoundLine *line)
         columns->ub.data[j] = DRAFT_INFINITY;
 }
 
-static void lower_line(const BoundLine *line, double value)
+void lower_line(const BoundLine *line, double value)
 {
     if (!is_open(line, LOWER_GIVEN)) return;
     set_lower(line, value);
     drop_default_upper(line);
 }
 
-static void upper_line(const BoundLine *line, double value)
+void upper_line(const BoundLine *line, double value)
 {
     if (is_open(line, UPPER_GIVEN)) set_upper(line, value);
 }
 
-static void binary_line(const BoundLine *line)
+void binary_line(const BoundLine *line)
 {
     DraftColumns *columns = &line->reader->draft.columns;
     const int j = line->column;
@@ -99,21 +104,21 @@ static void binary_line(const BoundLine *line)
     columns->ub.data[j] = 1.0;
 }
 
-static void make_integer(const BoundLine *line)
+void make_integer(const BoundLine *line)
 {
     char *type = &line->reader->draft.columns.type.data[line->column];
     if (*type == 'C') *type = 'I';
     if (*type == 'S') *type = 'N';
 }
 
-static void make_semicontinuous(const BoundLine *line, Bound bound)
+void make_semicontinuous(const BoundLine *line, Bound bound)
 {
     char *type = &line->reader->draft.columns.type.data[line->column];
     const bool continuous = *type == 'C' || *type == 'S';
     *type = continuous && bound != Bound::SI ? 'S' : 'N';
 }
 
-static void apply(const BoundLine *line, Bound bound, double value)
+void apply(const BoundLine *line, Bound bound, double value)
 {
     switch (bound) {
     case Bound::LI:
@@ -160,7 +165,7 @@ static void apply(const BoundLine *line, Bound bound, double value)
 }
 
 // The value of the line, infinite words taken as infinite bounds. 0 or TVX_ERROR_FILE_READ.
-static int value_read(MpsReader *reader, Bound bound, TextSpan field, double *value)
+int value_read(MpsReader *reader, Bound bound, TextSpan field, double *value)
 {
     const MpsBoundValue demand = bounds[static_cast<int>(bound)].value;
     *value = DRAFT_INFINITY; // of SC without a value
@@ -176,6 +181,7 @@ static int value_read(MpsReader *reader, Bound bound, TextSpan field, double *va
                         "the bound is infinite, nothing can meet it\n");
     return 0;
 }
+} // namespace
 
 int mps_bounds_line(MpsReader *reader)
 {

@@ -13,7 +13,9 @@
 #include <cmath>
 #include <cstring>
 
-static int out_of_memory(TVXenv *env)
+namespace
+{
+int out_of_memory(TVXenv *env)
 {
     TVXmsg(env, "Error: out of memory.\n");
     return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
@@ -22,7 +24,7 @@ static int out_of_memory(TVXenv *env)
 // ---- Columns ----
 
 // Puts the segments of each column together, in file order. A later entry of a row replaces an earlier one.
-static int join_segments(MpsReader *reader, Array<int> *vbeg)
+int join_segments(MpsReader *reader, Array<int> *vbeg)
 {
     DraftColumns *columns = &reader->draft.columns;
     MpsSegments *segments = &reader->segments;
@@ -57,7 +59,7 @@ static int join_segments(MpsReader *reader, Array<int> *vbeg)
 }
 
 // Entries of one row in one column become one, the later value stands: only joined segments have such.
-static int merge_duplicates(MpsReader *reader, Array<int> *vbeg)
+int merge_duplicates(MpsReader *reader, Array<int> *vbeg)
 {
     DraftColumns *columns = &reader->draft.columns;
     Array<int> latest; // [m] the row's latest entry
@@ -86,7 +88,7 @@ static int merge_duplicates(MpsReader *reader, Array<int> *vbeg)
     return 0;
 }
 
-static void drop_zeros(DraftColumns *columns, Array<int> *vbeg)
+void drop_zeros(DraftColumns *columns, Array<int> *vbeg)
 {
     int to = 0;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
@@ -103,7 +105,7 @@ static void drop_zeros(DraftColumns *columns, Array<int> *vbeg)
     columns->entry_row.size = columns->entry_value.size = to;
 }
 
-static int assemble_columns(MpsReader *reader)
+int assemble_columns(MpsReader *reader)
 {
     DraftColumns *columns = &reader->draft.columns;
     const MpsSegments *segments = &reader->segments;
@@ -122,7 +124,7 @@ static int assemble_columns(MpsReader *reader)
 }
 
 // An upper bound below 0 on a column whose lower bound nobody set makes that lower bound infinite.
-static void settle_bounds(MpsReader *reader)
+void settle_bounds(MpsReader *reader)
 {
     DraftColumns *columns = &reader->draft.columns;
     for (int64_t j = 0; j < columns->names.entries.size; j++) {
@@ -144,7 +146,7 @@ static void settle_bounds(MpsReader *reader)
 // ---- Ranges ----
 
 // The sides of row i with its range.
-static int apply_range(MpsReader *reader, int i)
+int apply_range(MpsReader *reader, int i)
 {
     ModelDraft *draft = &reader->draft;
     const double b = draft->rhs.data[i];
@@ -168,7 +170,7 @@ static int apply_range(MpsReader *reader, int i)
 
 // ---- Rows ----
 
-static int settle_rows(MpsReader *reader)
+int settle_rows(MpsReader *reader)
 {
     MpsRows *rows = &reader->rows;
     ModelDraft *draft = &reader->draft;
@@ -189,7 +191,7 @@ static int settle_rows(MpsReader *reader)
 
 // The writer shows the objective's constant behind the name, as in "plan with objcon=         5"; that is no part of
 // the name when it is the constant of this file.
-static TextSpan without_constant(const MpsReader *reader)
+TextSpan without_constant(const MpsReader *reader)
 {
     static constexpr int SHOWN = 64;
     TextSpan name = reader->model_name;
@@ -209,7 +211,7 @@ static TextSpan without_constant(const MpsReader *reader)
     return name;
 }
 
-static int copy_model_name(MpsReader *reader)
+int copy_model_name(MpsReader *reader)
 {
     const TextSpan name = without_constant(reader);
     if (span_empty(name)) return 0;
@@ -224,7 +226,7 @@ static int copy_model_name(MpsReader *reader)
 // ---- The model ----
 
 // Before ranges become columns.
-static void warn_of_whole(MpsReader *reader)
+void warn_of_whole(MpsReader *reader)
 {
     ReadWarnings *warnings = &reader->warnings;
     if (reader->segments.integer_mode) // 'INTEND' never came
@@ -236,7 +238,7 @@ static void warn_of_whole(MpsReader *reader)
         mps_warn(warnings, MpsWarning::NO_COLUMNS, 0, TextSpan{});
 }
 
-static int settle(MpsReader *reader)
+int settle(MpsReader *reader)
 {
     settle_bounds(reader);
     TRY(assemble_columns(reader));
@@ -244,6 +246,7 @@ static int settle(MpsReader *reader)
     TRY(settle_rows(reader));
     return copy_model_name(reader);
 }
+} // namespace
 
 int mps_build(TVXenv *env, MpsReader *reader)
 {

@@ -34,7 +34,9 @@ int mps_stop_fields(MpsReader *reader)
                     "MPS reader: not free format\na field is missing, or one too many\n");
 }
 
-static bool is_number(TextSpan span)
+namespace
+{
+bool is_number(TextSpan span)
 {
     double value = 0.0;
     return number_read(span, &value) != NumberKind::NOT_NUMBER;
@@ -43,7 +45,7 @@ static bool is_number(TextSpan span)
 // ---- Comments ----
 
 // Whether a name of this section that begins with '$' is one, and no comment.
-static bool is_declared(const MpsReader *reader, TextSpan name)
+bool is_declared(const MpsReader *reader, TextSpan name)
 {
     if (reader->section == MpsSection::ROWS) return false;
     if (reader->section == MpsSection::BOUNDS) return mps_find_column(reader, name) >= 0;
@@ -51,7 +53,7 @@ static bool is_declared(const MpsReader *reader, TextSpan name)
 }
 
 // Cuts the tokens at the first comment. The first name of a line is always a name.
-static void cut_comment(const MpsReader *reader, MpsTokens *tokens)
+void cut_comment(const MpsReader *reader, MpsTokens *tokens)
 {
     const bool typed =
         reader->section == MpsSection::ROWS || reader->section == MpsSection::BOUNDS;
@@ -66,12 +68,15 @@ static void cut_comment(const MpsReader *reader, MpsTokens *tokens)
 // ---- Fixed form ----
 
 // Offsets from the start of the line: a field is [FIELD_BEGIN, FIELD_END).
-static constexpr int FIELDS = 6;
-static constexpr int FIELD_BEGIN[FIELDS] = {1, 4, 14, 24, 39, 49};
-static constexpr int FIELD_END[FIELDS] = {3, 12, 22, 36, 47, 61};
-static constexpr int SEQUENCE_BEGIN = 72; // card numbers stand behind; no data
+constexpr int FIELDS = 6;
 
-static bool is_blank(TextSpan span)
+constexpr int FIELD_BEGIN[FIELDS] = {1, 4, 14, 24, 39, 49};
+
+constexpr int FIELD_END[FIELDS] = {3, 12, 22, 36, 47, 61};
+
+constexpr int SEQUENCE_BEGIN = 72; // card numbers stand behind; no data
+
+bool is_blank(TextSpan span)
 {
     for (const char *p = span.begin; p < span.end; p++)
         if (*p != ' ') return false;
@@ -79,7 +84,7 @@ static bool is_blank(TextSpan span)
 }
 
 // Columns [from, to) of the line; empty where the line is shorter.
-static TextSpan columns_of(TextSpan line, int64_t from, int64_t to)
+TextSpan columns_of(TextSpan line, int64_t from, int64_t to)
 {
     const int64_t length = span_length(line);
     if (from > length) from = length;
@@ -87,13 +92,13 @@ static TextSpan columns_of(TextSpan line, int64_t from, int64_t to)
     return {line.begin + from, line.begin + to};
 }
 
-static TextSpan field_of(TextSpan line, int k)
+TextSpan field_of(TextSpan line, int k)
 {
     const TextSpan span = columns_of(line, FIELD_BEGIN[k], FIELD_END[k]);
     return span_trim(span.begin, span.end);
 }
 
-static bool one_token(TextSpan span)
+bool one_token(TextSpan span)
 {
     for (const char *p = span.begin; p < span.end; p++)
         if (*p == ' ') return false;
@@ -101,7 +106,7 @@ static bool one_token(TextSpan span)
 }
 
 // Fields 5 and 6, behind a field 4 that ends in its columns.
-static bool fixed_second_pair(TextSpan line, MpsCard *card)
+bool fixed_second_pair(TextSpan line, MpsCard *card)
 {
     if (!is_blank(columns_of(line, FIELD_END[3], FIELD_BEGIN[4]))) return false;
     if (!is_blank(columns_of(line, FIELD_END[4], FIELD_BEGIN[5]))) return false;
@@ -112,6 +117,7 @@ static bool fixed_second_pair(TextSpan line, MpsCard *card)
     card->entries = span_empty(card->entry[1]) ? 1 : 2;
     return span_empty(card->value[1]) || one_token(card->value[1]);
 }
+} // namespace
 
 bool mps_fixed_fields(TextSpan line, MpsCard *card)
 {
@@ -137,8 +143,10 @@ bool mps_fixed_fields(TextSpan line, MpsCard *card)
     return one_token(card->value[0]) && fixed_second_pair(line, card);
 }
 
+namespace
+{
 // The line without a comment that starts in field 3 or 5.
-static TextSpan fixed_without_comment(const MpsReader *reader, TextSpan line)
+TextSpan fixed_without_comment(const MpsReader *reader, TextSpan line)
 {
     for (int k = 2; k <= 4; k += 2) {
         if (span_length(line) <= FIELD_BEGIN[k] || line.begin[FIELD_BEGIN[k]] != '$')
@@ -150,7 +158,7 @@ static TextSpan fixed_without_comment(const MpsReader *reader, TextSpan line)
 }
 
 // Which fields the section demands.
-static bool fixed_card_fits(const MpsReader *reader, const MpsCard *card)
+bool fixed_card_fits(const MpsReader *reader, const MpsCard *card)
 {
     const bool typed = !span_empty(card->type);
     if (reader->section == MpsSection::ROWS)
@@ -165,7 +173,7 @@ static bool fixed_card_fits(const MpsReader *reader, const MpsCard *card)
     return !span_empty(card->value[0]);
 }
 
-static int card_fixed(MpsReader *reader, MpsCard *card)
+int card_fixed(MpsReader *reader, MpsCard *card)
 {
     const TextSpan line = fixed_without_comment(reader, reader->line);
     const TextSpan cut = span_trim(line.begin, line.end);
@@ -184,7 +192,7 @@ static int card_fixed(MpsReader *reader, MpsCard *card)
 // ---- Free form ----
 
 // A line that fits the fixed columns too, with a blank inside field 2.
-static bool fits_fixed_with_blanks(const MpsReader *reader, const MpsTokens *tokens)
+bool fits_fixed_with_blanks(const MpsReader *reader, const MpsTokens *tokens)
 {
     const int second = reader->section == MpsSection::BOUNDS ? 2 : 1;
     if (tokens->count <= second + 1) return false;
@@ -197,7 +205,7 @@ static bool fits_fixed_with_blanks(const MpsReader *reader, const MpsTokens *tok
     return true;
 }
 
-static void take_pairs(const MpsTokens *tokens, int first, MpsCard *card)
+void take_pairs(const MpsTokens *tokens, int first, MpsCard *card)
 {
     card->entries = (tokens->count - first) / 2;
     for (int k = 0; k < card->entries; k++) {
@@ -208,8 +216,7 @@ static void take_pairs(const MpsTokens *tokens, int first, MpsCard *card)
 
 // A bound without value, of a type that carries none: the last name is the column. Where the set's name is missing
 // and a value stands behind the column all the same, the names that are declared decide.
-static void bound_without_value(const MpsReader *reader, const MpsTokens *tokens,
-                                MpsCard *card)
+void bound_without_value(const MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
 {
     const TextSpan *token = tokens->token;
     const bool shifted = tokens->count == 3 && mps_find_column(reader, token[2]) < 0 &&
@@ -220,8 +227,8 @@ static void bound_without_value(const MpsReader *reader, const MpsTokens *tokens
 }
 
 // Without a set's name one token less; SC and SI may leave the value out, too.
-static bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens,
-                             bool optional, MpsCard *card)
+bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens, bool optional,
+                      MpsCard *card)
 {
     const TextSpan *token = tokens->token;
     if (tokens->count == 4) {
@@ -243,7 +250,7 @@ static bool bound_with_value(const MpsReader *reader, const MpsTokens *tokens,
     return true;
 }
 
-static int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
+int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
 {
     if (tokens->count < 2 || tokens->count > 4) return mps_stop_fields(reader);
     card->type = tokens->token[0];
@@ -257,14 +264,14 @@ static int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
     return 0;
 }
 
-static bool has_dollar(const MpsTokens *tokens)
+bool has_dollar(const MpsTokens *tokens)
 {
     for (int k = 1; k < tokens->count && k < MPS_TOKENS; k++)
         if (*tokens->token[k].begin == '$') return true;
     return false;
 }
 
-static int card_free(MpsReader *reader, MpsTokens *tokens, MpsCard *card)
+int card_free(MpsReader *reader, MpsTokens *tokens, MpsCard *card)
 {
     const int count_before = tokens->count;
     if (has_dollar(tokens)) cut_comment(reader, tokens);
@@ -296,12 +303,13 @@ static int card_free(MpsReader *reader, MpsTokens *tokens, MpsCard *card)
 }
 
 // "name 'MARKER' 'INTORG'", the name perhaps missing.
-static bool is_marker(const MpsTokens *tokens)
+bool is_marker(const MpsTokens *tokens)
 {
     if (tokens->count < 2 || tokens->count > 3) return false;
     const TextSpan *last = &tokens->token[tokens->count - 1];
     return *last->begin == '\'' && span_is_word(last[-1], "'MARKER'");
 }
+} // namespace
 
 int mps_card(MpsReader *reader, MpsCard *card)
 {

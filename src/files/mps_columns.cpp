@@ -8,7 +8,9 @@
 #include <climits>
 #include <cstring>
 
-static int segment_open(MpsReader *reader, int column)
+namespace
+{
+int segment_open(MpsReader *reader, int column)
 {
     MpsSegments *segments = &reader->segments;
     const int begin = static_cast<int>(reader->draft.columns.entry_row.size);
@@ -18,7 +20,7 @@ static int segment_open(MpsReader *reader, int column)
     return 0;
 }
 
-static int column_add(MpsReader *reader, TextSpan name)
+int column_add(MpsReader *reader, TextSpan name)
 {
     if (!reader->segments.integer_mode)
         return draft_column(&reader->draft, name, 'C', DRAFT_INFINITY);
@@ -29,7 +31,7 @@ static int column_add(MpsReader *reader, TextSpan name)
 }
 
 // Makes the column of this line the current one.
-static int column_select(MpsReader *reader, TextSpan name)
+int column_select(MpsReader *reader, TextSpan name)
 {
     const Array<TableName> *names = &reader->draft.columns.names.entries;
     const int64_t length = span_length(name);
@@ -50,7 +52,7 @@ static int column_select(MpsReader *reader, TextSpan name)
     return segment_open(reader, column);
 }
 
-static int set_cost(MpsReader *reader, TextSpan row, double value)
+int set_cost(MpsReader *reader, TextSpan row, double value)
 {
     DraftColumns *columns = &reader->draft.columns;
     const int column = reader->segments.current;
@@ -62,7 +64,7 @@ static int set_cost(MpsReader *reader, TextSpan row, double value)
 }
 
 // An entry of the current column in the row that is name k, or NAME_ABSENT.
-static int add_entry(MpsReader *reader, int k, TextSpan row, double value)
+int add_entry(MpsReader *reader, int k, TextSpan row, double value)
 {
     DraftColumns *columns = &reader->draft.columns;
     if (k == NAME_ABSENT) {
@@ -86,7 +88,7 @@ static int add_entry(MpsReader *reader, int k, TextSpan row, double value)
 }
 
 // The look-ups of both rows are under way while the numbers are read.
-static int add_entries(MpsReader *reader, const MpsCard *card)
+int add_entries(MpsReader *reader, const MpsCard *card)
 {
     TableKey key[2];
     for (int k = 0; k < card->entries; k++)
@@ -101,7 +103,7 @@ static int add_entries(MpsReader *reader, const MpsCard *card)
     return 0;
 }
 
-static int marker_line(MpsReader *reader, TextSpan which)
+int marker_line(MpsReader *reader, TextSpan which)
 {
     const bool starts = span_is_word(which, "'INTORG'");
     if (!starts && !span_is_word(which, "'INTEND'"))
@@ -111,6 +113,7 @@ static int marker_line(MpsReader *reader, TextSpan which)
     reader->segments.integer_mode = starts;
     return 0;
 }
+} // namespace
 
 int mps_columns_line(MpsReader *reader)
 {

@@ -18,8 +18,9 @@
 
 // ---- Failures ----
 
-static void failure_set(MpsReader *reader, MpsFault fault, const char *format,
-                        va_list arguments)
+namespace
+{
+void failure_set(MpsReader *reader, MpsFault fault, const char *format, va_list arguments)
 {
     MpsFailure *failure = &reader->failure;
     failure->fault = fault;
@@ -27,6 +28,7 @@ static void failure_set(MpsReader *reader, MpsFault fault, const char *format,
     failure->text = reader->line;
     text_format_v(failure->reason, MPS_REASON_LENGTH, format, arguments);
 }
+} // namespace
 
 int mps_stop(MpsReader *reader, MpsFault fault, const char *format, ...)
 {
@@ -37,7 +39,10 @@ int mps_stop(MpsReader *reader, MpsFault fault, const char *format, ...)
     return TVX_ERROR_FILE_READ;
 }
 
-static constexpr int FIELD_SHOWN = 60; // characters of a field in a reason
+namespace
+{
+constexpr int FIELD_SHOWN = 60; // characters of a field in a reason
+} // namespace
 
 int mps_stop_number(MpsReader *reader, TextSpan field)
 {
@@ -83,7 +88,9 @@ bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning wa
 
 // ---- Sections ----
 
-static int stop_section(MpsReader *reader, const char *reason)
+namespace
+{
+int stop_section(MpsReader *reader, const char *reason)
 {
     if (!reader->seen_rows) return mps_stop(reader, MpsFault::NO_ROWS, "%s", reason);
     if (!reader->seen_columns) return mps_stop(reader, MpsFault::NO_COLUMNS, "%s", reason);
@@ -91,7 +98,7 @@ static int stop_section(MpsReader *reader, const char *reason)
 }
 
 // "MAX..." or "MIN...", in any case.
-static int read_sense(MpsReader *reader, TextSpan word)
+int read_sense(MpsReader *reader, TextSpan word)
 {
     static constexpr int64_t COMPARED = 3;
     const bool long_enough = span_length(word) >= COMPARED;
@@ -104,7 +111,7 @@ static int read_sense(MpsReader *reader, TextSpan word)
 }
 
 // OBJSENSE and OBJNAME carry their word on the same line or on the next.
-static int begin_head_word(MpsReader *reader, MpsSection section, TextSpan rest)
+int begin_head_word(MpsReader *reader, MpsSection section, TextSpan rest)
 {
     const bool name = section == MpsSection::OBJNAME;
     if (name && reader->seen_columns)
@@ -119,7 +126,7 @@ static int begin_head_word(MpsReader *reader, MpsSection section, TextSpan rest)
     return 0;
 }
 
-static int begin_rows(MpsReader *reader)
+int begin_rows(MpsReader *reader)
 {
     if (reader->seen_columns)
         return mps_stop(reader, MpsFault::NO_END, "ROWS must stand before COLUMNS\n");
@@ -128,7 +135,7 @@ static int begin_rows(MpsReader *reader)
     return 0;
 }
 
-static int begin_columns(MpsReader *reader)
+int begin_columns(MpsReader *reader)
 {
     if (!reader->seen_rows)
         return mps_stop(reader, MpsFault::NO_ROWS, "COLUMNS stands before ROWS\n");
@@ -142,7 +149,7 @@ static int begin_columns(MpsReader *reader)
     return 0;
 }
 
-static const struct {
+const struct {
     const char *name;
     MpsSection section;
 } sections[] = {{"NAME", MpsSection::HEAD},       {"OBJSENSE", MpsSection::SENSE},
@@ -152,7 +159,7 @@ static const struct {
                 {"SETS", MpsSection::SOS}};
 
 // The section of a header's first word; false when there is none. Of COLUMNS only four letters count.
-static bool section_find(TextSpan word, MpsSection *section)
+bool section_find(TextSpan word, MpsSection *section)
 {
     static constexpr int64_t COLUMNS_COMPARED = 4;
     if (span_length(word) >= COLUMNS_COMPARED &&
@@ -168,7 +175,7 @@ static bool section_find(TextSpan word, MpsSection *section)
     return false;
 }
 
-static int section_begin(MpsReader *reader, MpsSection section, TextSpan rest)
+int section_begin(MpsReader *reader, MpsSection section, TextSpan rest)
 {
     switch (section) {
     case MpsSection::HEAD:
@@ -196,7 +203,7 @@ static int section_begin(MpsReader *reader, MpsSection section, TextSpan rest)
 
 enum class Walk { GO_ON, DONE };
 
-static int header_line(MpsReader *reader, Walk *walk)
+int header_line(MpsReader *reader, Walk *walk)
 {
     MpsTokens tokens;
     mps_split(reader->line, &tokens);
@@ -212,7 +219,7 @@ static int header_line(MpsReader *reader, Walk *walk)
 }
 
 // The line behind OBJSENSE or OBJNAME, wherever it begins.
-static int head_word_line(MpsReader *reader)
+int head_word_line(MpsReader *reader)
 {
     const TextSpan word = span_trim(reader->line.begin, reader->line.end);
     const bool name = reader->section == MpsSection::OBJNAME;
@@ -222,7 +229,7 @@ static int head_word_line(MpsReader *reader)
     return 0;
 }
 
-static int data_line(MpsReader *reader)
+int data_line(MpsReader *reader)
 {
     switch (reader->section) {
     case MpsSection::ROWS:
@@ -242,7 +249,7 @@ static int data_line(MpsReader *reader)
     }
 }
 
-static int take_line(MpsReader *reader, Walk *walk)
+int take_line(MpsReader *reader, Walk *walk)
 {
     if (span_empty(reader->line)) return 0;
     const char first = *reader->line.begin;
@@ -253,7 +260,7 @@ static int take_line(MpsReader *reader, Walk *walk)
     return data_line(reader);
 }
 
-static int walk_lines(MpsReader *reader)
+int walk_lines(MpsReader *reader)
 {
     Walk walk = Walk::GO_ON;
     while (walk == Walk::GO_ON) {
@@ -279,7 +286,7 @@ static int walk_lines(MpsReader *reader)
 
 // ---- Attempts ----
 
-static int attempt(MpsReader *reader, MpsForm form)
+int attempt(MpsReader *reader, MpsForm form)
 {
     TextFile text = static_cast<TextFile &&>(reader->text);
     draft_free(&reader->draft);
@@ -291,13 +298,13 @@ static int attempt(MpsReader *reader, MpsForm form)
     return walk_lines(reader);
 }
 
-static bool form_may_be_wrong(MpsFault fault)
+bool form_may_be_wrong(MpsFault fault)
 {
     return fault == MpsFault::SUSPECT || fault == MpsFault::FIELDS ||
            fault == MpsFault::CONTENT;
 }
 
-static int parse(MpsReader *reader)
+int parse(MpsReader *reader)
 {
     int error = attempt(reader, MpsForm::CHECKED);
     if (error != TVX_ERROR_FILE_READ || !form_may_be_wrong(reader->failure.fault))
@@ -318,10 +325,10 @@ static int parse(MpsReader *reader)
 
 // ---- Reports ----
 
-static constexpr int LINE_SHOWN = 256; // bytes of an offending line in a report
+constexpr int LINE_SHOWN = 256; // bytes of an offending line in a report
 
 // Errors that belong to a line: the line with its number, then what is wrong with it.
-static int report_line(TVXenv *env, const MpsFailure *failure)
+int report_line(TVXenv *env, const MpsFailure *failure)
 {
     char shown[LINE_SHOWN];
     const int size = failure->fault == MpsFault::BINARY ? FIELD_SHOWN : LINE_SHOWN;
@@ -336,8 +343,8 @@ static int report_line(TVXenv *env, const MpsFailure *failure)
 }
 
 // Errors about sections.
-static int report_section(TVXenv *env, const MpsFailure *failure, const char *log_text,
-                          const char *message)
+int report_section(TVXenv *env, const MpsFailure *failure, const char *log_text,
+                   const char *message)
 {
     const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
     char shown[LINE_SHOWN];
@@ -350,7 +357,7 @@ static int report_section(TVXenv *env, const MpsFailure *failure, const char *lo
                 line, shown, end, failure->reason);
 }
 
-static int report_no_end(TVXenv *env, const MpsFailure *failure)
+int report_no_end(TVXenv *env, const MpsFailure *failure)
 {
     char log_text[LINE_SHOWN];
     char message[LINE_SHOWN];
@@ -360,7 +367,7 @@ static int report_no_end(TVXenv *env, const MpsFailure *failure)
     return report_section(env, failure, log_text, message);
 }
 
-static int report(TVXenv *env, const MpsFailure *failure)
+int report(TVXenv *env, const MpsFailure *failure)
 {
     switch (failure->fault) {
     case MpsFault::NO_ROWS:
@@ -379,13 +386,13 @@ static int report(TVXenv *env, const MpsFailure *failure)
     }
 }
 
-static int report_memory(TVXenv *env)
+int report_memory(TVXenv *env)
 {
     TVXmsg(env, "Error: out of memory.\n");
     return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
 }
 
-static int read_loaded(TVXenv *env, MpsReader *reader)
+int read_loaded(TVXenv *env, MpsReader *reader)
 {
     const int error = parse(reader);
     if (!error) return mps_build(env, reader);
@@ -393,6 +400,7 @@ static int read_loaded(TVXenv *env, MpsReader *reader)
     mps_warnings_show(&reader->warnings, env);
     return report(env, &reader->failure);
 }
+} // namespace
 
 int mps_read(TVXenv *env, const char *file_name, ModelDraft *draft)
 {

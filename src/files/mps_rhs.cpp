@@ -5,8 +5,10 @@
 #include "files/mps_reader.h"
 #include <cmath>
 
+namespace
+{
 // A number, or an infinite value in the place of a side of an inequality. 0 or TVX_ERROR_FILE_READ.
-static int side_read(MpsReader *reader, TextSpan field, bool may_be_infinite, double *value)
+int side_read(MpsReader *reader, TextSpan field, bool may_be_infinite, double *value)
 {
     if (!may_be_infinite || number_read(field, value) != NumberKind::INFINITE)
         return mps_finite(reader, field, value);
@@ -14,7 +16,7 @@ static int side_read(MpsReader *reader, TextSpan field, bool may_be_infinite, do
     return 0;
 }
 
-static int set_constant(MpsReader *reader, TextSpan row, TextSpan field)
+int set_constant(MpsReader *reader, TextSpan row, TextSpan field)
 {
     double value = 0.0;
     TRY(mps_finite(reader, field, &value));
@@ -27,7 +29,7 @@ static int set_constant(MpsReader *reader, TextSpan row, TextSpan field)
     return 0;
 }
 
-static int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
+int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
 {
     MpsRows *rows = &reader->rows;
     double value = 0.0;
@@ -46,7 +48,7 @@ static int set_rhs(MpsReader *reader, TextSpan row, TextSpan field)
     return 0;
 }
 
-static int set_range(MpsReader *reader, TextSpan row, TextSpan field)
+int set_range(MpsReader *reader, TextSpan row, TextSpan field)
 {
     MpsRows *rows = &reader->rows;
     double value = 0.0;
@@ -63,6 +65,7 @@ static int set_range(MpsReader *reader, TextSpan row, TextSpan field)
     rows->range.data[i] = value;
     return 0;
 }
+} // namespace
 
 int mps_rhs_line(MpsReader *reader)
 {

@@ -4,12 +4,14 @@
 //             row that is dropped. A name declared twice is an error: no reader could tell the two apart.
 #include "files/mps_reader.h"
 
-static int place_add(MpsRows *rows, int place)
+namespace
+{
+int place_add(MpsRows *rows, int place)
 {
     return array_append(&rows->place, MpsPlace{place, -1});
 }
 
-static int add_constraint(MpsReader *reader, char type)
+int add_constraint(MpsReader *reader, char type)
 {
     MpsRows *rows = &reader->rows;
     TRY(place_add(rows, static_cast<int>(rows->type.size)));
@@ -20,7 +22,7 @@ static int add_constraint(MpsReader *reader, char type)
 }
 
 // A free row is the objective if it is the first, unless OBJNAME names one.
-static int add_free_row(MpsReader *reader, TextSpan name)
+int add_free_row(MpsReader *reader, TextSpan name)
 {
     MpsRows *rows = &reader->rows;
     const bool wanted = span_empty(reader->objective_name);
@@ -33,13 +35,14 @@ static int add_free_row(MpsReader *reader, TextSpan name)
     return place_add(rows, PLACE_DROPPED);
 }
 
-static int name_add(MpsReader *reader, TextSpan name)
+int name_add(MpsReader *reader, TextSpan name)
 {
     const char *copy =
         PoolCopy(reader->draft.pool, name.begin, static_cast<size_t>(span_length(name)));
     if (!copy) return OUT_OF_MEMORY;
     return name_table_append(&reader->rows.names, copy, span_length(name));
 }
+} // namespace
 
 int mps_rows_line(MpsReader *reader)
 {

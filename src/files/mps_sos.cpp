@@ -6,14 +6,20 @@
 // Rules       What cannot be understood is an error, not a warning: a set with fewer members is another model.
 #include "files/mps_reader.h"
 
-static constexpr int HEADER_COLUMN = 3; // a header starts in columns 2 or 3
-static constexpr int FIELD2_BEGIN = 4;  // offsets of fields 2 and 3 of the fixed form
-static constexpr int FIELD2_END = 12;
-static constexpr int FIELD3_BEGIN = 14;
-static constexpr int FIELD3_END = 22;
+namespace
+{
+constexpr int HEADER_COLUMN = 3; // a header starts in columns 2 or 3
+
+constexpr int FIELD2_BEGIN = 4; // offsets of fields 2 and 3 of the fixed form
+
+constexpr int FIELD2_END = 12;
+
+constexpr int FIELD3_BEGIN = 14;
+
+constexpr int FIELD3_END = 22;
 
 // "S1" or "S2" at the start of the line, or anywhere when no column has that name.
-static int header_type(const MpsReader *reader, const MpsTokens *tokens)
+int header_type(const MpsReader *reader, const MpsTokens *tokens)
 {
     const TextSpan first = tokens->token[0];
     if (!span_is_word(first, "S1") && !span_is_word(first, "S2")) return 0;
@@ -23,7 +29,7 @@ static int header_type(const MpsReader *reader, const MpsTokens *tokens)
 }
 
 // The column of the member in fixed form: all before the weight, less the set's name.
-static TextSpan fixed_member(const MpsReader *reader, TextSpan weight)
+TextSpan fixed_member(const MpsReader *reader, TextSpan weight)
 {
     const TextSpan line = reader->line;
     const TextSpan all = span_trim(line.begin, weight.begin);
@@ -33,7 +39,7 @@ static TextSpan fixed_member(const MpsReader *reader, TextSpan weight)
     return all.begin - line.begin >= FIELD2_BEGIN ? second : all;
 }
 
-static int member_line(MpsReader *reader, const MpsTokens *tokens)
+int member_line(MpsReader *reader, const MpsTokens *tokens)
 {
     DraftSets *sets = &reader->draft.sets;
     if (!sets->type.size)
@@ -55,6 +61,7 @@ static int member_line(MpsReader *reader, const MpsTokens *tokens)
         return mps_stop(reader, MpsFault::CONTENT, "the column is in this set already\n");
     return 0;
 }
+} // namespace
 
 int mps_sos_line(MpsReader *reader)
 {

@@ -1,10 +1,13 @@
 // mps_warnings.cpp -- the texts of the warnings of the MPS reader
 #include "files/mps_warnings.h"
 
-static constexpr char MORE_FREE_ROWS[] = "Warning: more than one unconstrainted rows,\n"
-                                         "         the first one is used for objective.\n";
+namespace
+{
+constexpr char MORE_FREE_ROWS[] = "Warning: more than one unconstrainted rows,\n"
+                                  "         the first one is used for objective.\n";
+
 // In the order of MpsWarning.
-static const WarningText texts[] = {
+const WarningText texts[] = {
     {MORE_FREE_ROWS},
     {"Warning: no objective.\n"},
     {"Warning: marker is wrong.\n"},
@@ -26,6 +29,7 @@ static const WarningText texts[] = {
     {"Warning: more than one set in bounds section, the first one is used.\n"},
     {"Warning: no constraints.\n"},
     {"Warning: no columns.\n"}};
+} // namespace
 
 void mps_warnings_show(const ReadWarnings *warnings, TVXenv *env)
 {

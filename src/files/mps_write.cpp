@@ -17,7 +17,9 @@
 #include "runtime/text_number.h"
 #include <cstring>
 
-static constexpr int FIXED_NAME_LENGTH = 8;
+namespace
+{
+constexpr int FIXED_NAME_LENGTH = 8;
 
 struct MpsWriter {
     const ModelBody *body = nullptr;
@@ -28,13 +30,13 @@ struct MpsWriter {
 
 // ---- Names ----
 
-static bool is_short(const FileNames *names)
+bool is_short(const FileNames *names)
 {
     return !names->own || names->longest <= FIXED_NAME_LENGTH;
 }
 
 // Blanks in names are only read in fixed form.
-static void settle_blanks(TVXenv *env, MpsWriter *writer)
+void settle_blanks(TVXenv *env, MpsWriter *writer)
 {
     FileNames *both[] = {&writer->vars, &writer->constrs};
     const bool fixed = is_short(both[0]) && is_short(both[1]);
@@ -47,8 +49,7 @@ static void settle_blanks(TVXenv *env, MpsWriter *writer)
     }
 }
 
-static void warn_unusable(TVXenv *env, const FileNames *names,
-                          const Array<const char *> *own)
+void warn_unusable(TVXenv *env, const FileNames *names, const Array<const char *> *own)
 {
     if (names->own || !own->size) return;
     TVXmsg(
@@ -58,7 +59,7 @@ static void warn_unusable(TVXenv *env, const FileNames *names,
 }
 
 // "OBJ", or with the first number behind that no constraint bears.
-static int choose_objective(MpsWriter *writer)
+int choose_objective(MpsWriter *writer)
 {
     FileNameIndex index;
     TRY(file_index_make(&index, &writer->constrs));
@@ -71,7 +72,7 @@ static int choose_objective(MpsWriter *writer)
     return 0;
 }
 
-static int choose_names(TVXenv *env, MpsWriter *writer, WriteNames use)
+int choose_names(TVXenv *env, MpsWriter *writer, WriteNames use)
 {
     const ModelBody *body = writer->body;
     TRY(file_names_choose(&writer->vars, body, FileNameKind::VARIABLE, false));
@@ -92,14 +93,14 @@ static int choose_names(TVXenv *env, MpsWriter *writer, WriteNames use)
 // ---- Sections ----
 
 // A data line: what stands before the name, the name, and perhaps a number.
-static void line_of(MpsWriter *writer, const char *head, const char *name)
+void line_of(MpsWriter *writer, const char *head, const char *name)
 {
     text_out(&writer->out, head);
     text_out_padded(&writer->out, name);
     text_out(&writer->out, "\n");
 }
 
-static void number_line(MpsWriter *writer, const char *head, const char *name, double value)
+void number_line(MpsWriter *writer, const char *head, const char *name, double value)
 {
     text_out(&writer->out, head);
     text_out_padded(&writer->out, name);
@@ -108,7 +109,7 @@ static void number_line(MpsWriter *writer, const char *head, const char *name, d
     text_out(&writer->out, "\n");
 }
 
-static void write_head(MpsWriter *writer)
+void write_head(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     TextOut *out = &writer->out;
@@ -125,7 +126,7 @@ static void write_head(MpsWriter *writer)
         text_out(out, "* All the >= constraints are converted into <= ones\n");
 }
 
-static void write_rows(MpsWriter *writer)
+void write_rows(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -137,24 +138,24 @@ static void write_rows(MpsWriter *writer)
                 file_name(&writer->constrs, i, buffer));
 }
 
-static char type_of(const ModelBody *body, int j)
+char type_of(const ModelBody *body, int j)
 {
     return body->vtypes.size ? body->vtypes.data[j] : 'C';
 }
 
-static bool is_integer(char type)
+bool is_integer(char type)
 {
     return type == 'I' || type == 'B' || type == 'N';
 }
 
-static void write_marker(MpsWriter *writer, const char *which)
+void write_marker(MpsWriter *writer, const char *which)
 {
     text_out(&writer->out, "    MARKER    'MARKER'                 ");
     text_out(&writer->out, which);
     text_out(&writer->out, "\n");
 }
 
-static void entry_line(MpsWriter *writer, const char *column, const char *row, double value)
+void entry_line(MpsWriter *writer, const char *column, const char *row, double value)
 {
     text_out(&writer->out, "    ");
     text_out_padded(&writer->out, column);
@@ -162,7 +163,7 @@ static void entry_line(MpsWriter *writer, const char *column, const char *row, d
 }
 
 // Stored zeros are no entries; a column without any entry still needs a line.
-static void write_column(MpsWriter *writer, int j)
+void write_column(MpsWriter *writer, int j)
 {
     const ModelBody *body = writer->body;
     char column_buffer[FILE_NAME_LENGTH];
@@ -182,7 +183,7 @@ static void write_column(MpsWriter *writer, int j)
     }
 }
 
-static void write_columns(MpsWriter *writer)
+void write_columns(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     text_out(&writer->out, "COLUMNS\n");
@@ -196,7 +197,7 @@ static void write_columns(MpsWriter *writer)
     if (integer) write_marker(writer, "'INTEND'");
 }
 
-static void write_rhs(MpsWriter *writer)
+void write_rhs(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -219,7 +220,7 @@ struct ColumnBounds {
 };
 
 // Lower bounds; 0 is written only where the default would be another value.
-static void write_lower(MpsWriter *writer, const ColumnBounds *column, const char *head)
+void write_lower(MpsWriter *writer, const ColumnBounds *column, const char *head)
 {
     if (column->no_lower)
         line_of(writer, " MI BND1      ", column->name);
@@ -228,14 +229,14 @@ static void write_lower(MpsWriter *writer, const ColumnBounds *column, const cha
 }
 
 // Semi-continuous: SC declares the type and carries the upper bound.
-static void write_semicontinuous(MpsWriter *writer, const ColumnBounds *column)
+void write_semicontinuous(MpsWriter *writer, const ColumnBounds *column)
 {
     number_line(writer, " SC BND1      ", column->name, column->ub);
     write_lower(writer, column, " LO BND1      ");
 }
 
 // BV declares the type with the bounds 0 and 1.
-static void write_binary(MpsWriter *writer, const ColumnBounds *column)
+void write_binary(MpsWriter *writer, const ColumnBounds *column)
 {
     line_of(writer, " BV BND1      ", column->name);
     if (column->lb == column->ub) {
@@ -246,7 +247,7 @@ static void write_binary(MpsWriter *writer, const ColumnBounds *column)
     if (column->ub != 1.0) number_line(writer, " UP BND1      ", column->name, column->ub);
 }
 
-static void write_plain(MpsWriter *writer, const ColumnBounds *column)
+void write_plain(MpsWriter *writer, const ColumnBounds *column)
 {
     const bool integer = is_integer(column->type);
     if (column->no_lower && column->no_upper) {
@@ -263,7 +264,7 @@ static void write_plain(MpsWriter *writer, const ColumnBounds *column)
     }
 }
 
-static void write_bounds(MpsWriter *writer)
+void write_bounds(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
@@ -284,7 +285,7 @@ static void write_bounds(MpsWriter *writer)
     }
 }
 
-static void write_sos(MpsWriter *writer)
+void write_sos(MpsWriter *writer)
 {
     const ModelBody *body = writer->body;
     TextOut *out = &writer->out;
@@ -304,7 +305,7 @@ static void write_sos(MpsWriter *writer)
     }
 }
 
-static void write_all(MpsWriter *writer)
+void write_all(MpsWriter *writer)
 {
     write_head(writer);
     write_rows(writer);
@@ -314,6 +315,7 @@ static void write_all(MpsWriter *writer)
     write_sos(writer);
     text_out(&writer->out, "ENDATA\n");
 }
+} // namespace
 
 int mps_write(const ModelBody *body, TVXenv *env, const char *file_name, WriteNames names)
 {

@@ -10,17 +10,21 @@
 #include <climits>
 #include <cstring>
 
-static constexpr int64_t FIRST_SLOTS = 64;
-static constexpr uint64_t MULTIPLIER = 0x9e3779b97f4a7c15u; // 2^64 / golden ratio, odd
-static constexpr uint64_t SEED = 0xd6e8feb86659fd93u;       // an odd number with mixed bits
+namespace
+{
+constexpr int64_t FIRST_SLOTS = 64;
 
-static uint64_t fold(uint64_t a, uint64_t b)
+constexpr uint64_t MULTIPLIER = 0x9e3779b97f4a7c15u; // 2^64 / golden ratio, odd
+
+constexpr uint64_t SEED = 0xd6e8feb86659fd93u; // an odd number with mixed bits
+
+uint64_t fold(uint64_t a, uint64_t b)
 {
     const unsigned __int128 product = static_cast<unsigned __int128>(a) * b;
     return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
-template<class Word> static uint64_t load(const char *text)
+template<class Word> uint64_t load(const char *text)
 {
     Word word;
     memcpy(&word, text, sizeof word);
@@ -28,7 +32,7 @@ template<class Word> static uint64_t load(const char *text)
 }
 
 // The last 0 to 8 bytes of a name as one word; different tails of one length give different words.
-static uint64_t load_tail(const char *text, int64_t length)
+uint64_t load_tail(const char *text, int64_t length)
 {
     if (length >= 8) return load<uint64_t>(text + length - 8);
     if (length >= 4) return load<uint32_t>(text) | load<uint32_t>(text + length - 4) << 32;
@@ -38,11 +42,12 @@ static uint64_t load_tail(const char *text, int64_t length)
     return word;
 }
 
-static constexpr int64_t SLOT_BYTES = 16; // of a name that its slot holds
-static constexpr int64_t LENGTH_MASK = 255;
+constexpr int64_t SLOT_BYTES = 16; // of a name that its slot holds
+
+constexpr int64_t LENGTH_MASK = 255;
 
 // What a slot of the name would hold, and the full hash.
-static uint64_t slot_of_name(const char *text, int64_t length, TableSlot *slot)
+uint64_t slot_of_name(const char *text, int64_t length, TableSlot *slot)
 {
     slot->tail = load_tail(text, length);
     slot->head = length > 8 ? load<uint64_t>(text) : 0;
@@ -55,7 +60,7 @@ static uint64_t slot_of_name(const char *text, int64_t length, TableSlot *slot)
     return h;
 }
 
-static void slot_fill(NameTable *table, const TableSlot *slot, uint64_t hash)
+void slot_fill(NameTable *table, const TableSlot *slot, uint64_t hash)
 {
     const int64_t mask = table->slots.size - 1;
     int64_t k = static_cast<int64_t>(hash) & mask;
@@ -63,11 +68,12 @@ static void slot_fill(NameTable *table, const TableSlot *slot, uint64_t hash)
     table->slots.data[k] = *slot;
 }
 
-static bool same_text(const NameTable *table, int index, const char *text, int64_t length)
+bool same_text(const NameTable *table, int index, const char *text, int64_t length)
 {
     const TableName *name = &table->entries.data[index];
     return name->length == length && !memcmp(name->text, text, static_cast<size_t>(length));
 }
+} // namespace
 
 TableKey name_table_key(const NameTable *table, const char *text, int64_t length)
 {
@@ -105,7 +111,9 @@ int name_table_find(const NameTable *table, const char *text, int64_t length)
     return name_table_find_key(table, &key);
 }
 
-static void add_slot(NameTable *table, int index)
+namespace
+{
+void add_slot(NameTable *table, int index)
 {
     TableSlot slot;
     const TableName *name = &table->entries.data[index];
@@ -115,7 +123,7 @@ static void add_slot(NameTable *table, int index)
 }
 
 // Twice the slots. A failure leaves the table as it is.
-static int table_grow(NameTable *table)
+int table_grow(NameTable *table)
 {
     Array<TableSlot> slots;
     const int64_t n = table->slots.size ? 2 * table->slots.size : FIRST_SLOTS;
@@ -124,6 +132,7 @@ static int table_grow(NameTable *table)
     for (int64_t k = 0; k < table->entries.size; k++) add_slot(table, static_cast<int>(k));
     return 0;
 }
+} // namespace
 
 int name_table_append(NameTable *table, const char *text, int64_t length)
 {

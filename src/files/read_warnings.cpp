@@ -4,7 +4,10 @@
 // Method      Warnings are counted, the first few of a kind with line and name, and shown when the reading is over.
 #include "files/read_warnings.h"
 
-static constexpr int NAME_SHOWN = 80; // bytes
+namespace
+{
+constexpr int NAME_SHOWN = 80; // bytes
+} // namespace
 
 void warning_note(ReadWarnings *warnings, int kind, int64_t line, TextSpan name)
 {
@@ -13,7 +16,9 @@ void warning_note(ReadWarnings *warnings, int kind, int64_t line, TextSpan name)
     warnings->count[kind]++;
 }
 
-static void show_place(const WarningText *text, const WarningPlace *place, TVXenv *env)
+namespace
+{
+void show_place(const WarningText *text, const WarningPlace *place, TVXenv *env)
 {
     char name[NAME_SHOWN];
     text_printable(name, NAME_SHOWN, place->name);
@@ -26,8 +31,7 @@ static void show_place(const WarningText *text, const WarningPlace *place, TVXen
         TVXmsg(env, "         %s\n", name);
 }
 
-static void show_kind(const ReadWarnings *warnings, int kind, const WarningText *text,
-                      TVXenv *env)
+void show_kind(const ReadWarnings *warnings, int kind, const WarningText *text, TVXenv *env)
 {
     const int64_t count = warnings->count[kind];
     if (count && !text->behind) TVXmsg(env, "%s", text->text);
@@ -37,6 +41,7 @@ static void show_kind(const ReadWarnings *warnings, int kind, const WarningText 
         TVXmsg(env, "         and %lld more\n",
                static_cast<long long>(count - WARNING_SHOWN));
 }
+} // namespace
 
 void warnings_show(const ReadWarnings *warnings, const WarningText *texts, int kinds,
                    TVXenv *env)

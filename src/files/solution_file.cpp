@@ -6,8 +6,9 @@
 #include "files/text_out.h"
 #include "runtime/text_number.h"
 
-static void write_values(const ModelBody *body, const double *x, const char *comment,
-                         TextOut *out)
+namespace
+{
+void write_values(const ModelBody *body, const double *x, const char *comment, TextOut *out)
 {
     char name[DEFAULT_NAME_LENGTH];
     char number[NUMBER_LENGTH];
@@ -24,6 +25,7 @@ static void write_values(const ModelBody *body, const double *x, const char *com
         text_out(out, "\n");
     }
 }
+} // namespace
 
 int solution_write(const ModelBody *body, TVXenv *env, const double *x, const char *comment,
                    const char *file_name)

@@ -17,16 +17,21 @@
 #include <cstring>
 #include <sys/stat.h>
 
-static constexpr int64_t READ_BLOCK = 1 << 20; // bytes asked for at a time
-// Text bytes per compressed byte; grows when short.
-static constexpr int64_t COMPRESSION_ESTIMATE = 5;
-// Of a first allocation: the rest must be there to be believed.
-static constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
+namespace
+{
+constexpr int64_t READ_BLOCK = 1 << 20; // bytes asked for at a time
 
-static char capital(char c)
+// Text bytes per compressed byte; grows when short.
+constexpr int64_t COMPRESSION_ESTIMATE = 5;
+
+// Of a first allocation: the rest must be there to be believed.
+constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
+
+char capital(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
+} // namespace
 
 bool span_is_word(TextSpan span, const char *word)
 {
@@ -43,14 +48,16 @@ TextSpan span_trim(const char *begin, const char *end)
     return {begin, end};
 }
 
-static bool is_binary(char c)
+namespace
+{
+bool is_binary(char c)
 {
     const unsigned char u = static_cast<unsigned char>(c);
     return u < 9 || (u > 13 && u < 32);
 }
 
 // The first byte of [begin, end) that no text holds, or end. The first loop has no exit, so that it vectorises.
-static const char *find_binary(const char *begin, const char *end)
+const char *find_binary(const char *begin, const char *end)
 {
     unsigned found = 0;
     for (const char *p = begin; p < end; p++) found |= is_binary(*p);
@@ -60,7 +67,7 @@ static const char *find_binary(const char *begin, const char *end)
 }
 
 // A guess at the length of the text, from the length of the file.
-static int64_t estimate_length(const char *file_name, const FileHandle *file)
+int64_t estimate_length(const char *file_name, const FileHandle *file)
 {
     struct stat status {
     };
@@ -74,7 +81,7 @@ static int64_t estimate_length(const char *file_name, const FileHandle *file)
 
 // Reads to the end of the stream, or to the end of the first block with a binary byte; *bad is the offset of that byte
 // or -1.
-static int read_all(FILE *stream, Array<char> *bytes, int64_t *bad)
+int read_all(FILE *stream, Array<char> *bytes, int64_t *bad)
 {
     *bad = -1;
     for (;;) {
@@ -96,7 +103,7 @@ static int read_all(FILE *stream, Array<char> *bytes, int64_t *bad)
 }
 
 // Old texts end their lines in "\r" alone.
-static void unify_line_ends(Array<char> *bytes)
+void unify_line_ends(Array<char> *bytes)
 {
     const size_t length = static_cast<size_t>(bytes->size);
     if (memchr(bytes->data, '\n', length) || !memchr(bytes->data, '\r', length)) return;
@@ -105,7 +112,7 @@ static void unify_line_ends(Array<char> *bytes)
 }
 
 // Cuts the DOS end-of-file character where it is the last but line ends; the byte that stops the text, or -1.
-static int64_t cut_dos_end(Array<char> *bytes, int64_t bad)
+int64_t cut_dos_end(Array<char> *bytes, int64_t bad)
 {
     static constexpr char DOS_END = 26;
     if (bad < 0 || bytes->data[bad] != DOS_END) return bad;
@@ -114,6 +121,7 @@ static int64_t cut_dos_end(Array<char> *bytes, int64_t bad)
     bytes->size = bad;
     return -1;
 }
+} // namespace
 
 void text_rewind(TextFile *text)
 {
@@ -123,7 +131,9 @@ void text_rewind(TextFile *text)
     text->line = 0;
 }
 
-static TextLoad load_stream(const char *file_name, FileHandle *file, TextFile *text)
+namespace
+{
+TextLoad load_stream(const char *file_name, FileHandle *file, TextFile *text)
 {
     Array<char> *bytes = &text->bytes;
     int64_t bad = -1;
@@ -143,6 +153,7 @@ static TextLoad load_stream(const char *file_name, FileHandle *file, TextFile *t
     text_rewind(text);
     return TextLoad::OK;
 }
+} // namespace
 
 TextLoad text_load(const char *file_name, TextFile *text)
 {
@@ -195,8 +206,10 @@ TextStep text_next(TextFile *text, TextSpan *line)
     return newline > text->bad ? TextStep::BINARY : TextStep::LINE;
 }
 
+namespace
+{
 // The length of the UTF-8 character at p, or 0 when none stands there or it is a control character.
-static int utf8_length(const char *p, const char *end)
+int utf8_length(const char *p, const char *end)
 {
     const unsigned char lead = static_cast<unsigned char>(*p);
     if (lead < 0x80) return lead >= ' ' && lead != 0x7f;
@@ -208,6 +221,7 @@ static int utf8_length(const char *p, const char *end)
     if (lead == 0xc2 && static_cast<unsigned char>(p[1]) < 0xa0) return 0;
     return length;
 }
+} // namespace
 
 void text_printable(char *buffer, int size, TextSpan span)
 {

@@ -12,7 +12,10 @@
 #include <charconv>
 #include <cstring>
 
-static constexpr int64_t OUT_BUFFER = 1 << 16; // bytes
+namespace
+{
+constexpr int64_t OUT_BUFFER = 1 << 16; // bytes
+} // namespace
 
 int text_out_open(TextOut *out, TVXenv *env, const char *file_name)
 {
@@ -28,18 +31,21 @@ int text_out_open(TextOut *out, TVXenv *env, const char *file_name)
     return fault ? TVX_ERROR_FILE_WRITE : 0;
 }
 
-static void write_through(TextOut *out, const char *bytes, int64_t length)
+namespace
+{
+void write_through(TextOut *out, const char *bytes, int64_t length)
 {
     const size_t n = static_cast<size_t>(length);
     if (out->failed || n == 0) return;
     if (fwrite(bytes, 1, n, out->file.stream) != n) out->failed = true;
 }
 
-static void flush(TextOut *out)
+void flush(TextOut *out)
 {
     write_through(out, out->buffer.data, out->buffer.size);
     out->buffer.size = 0;
 }
+} // namespace
 
 void text_out_bytes(TextOut *out, const char *bytes, int64_t length)
 {

@@ -16,13 +16,13 @@
 struct LpForm; // lp_form.h
 
 struct LpResult {
-    double runtime = 0;           // seconds
-    int has_point = 0;            // x holds the point of a solver that leaves no simplex record
-    int has_duals = 0;            // and pi its duals
-    Array<double> x;              // [numvars]
-    Array<double> pi;             // [numconstrs] in the body's signs
-    double objval = 0;            // in the caller's sense
-    double itercount = 0;         // simplex iterations
+    double runtime = 0;   // seconds
+    int has_point = 0;    // x holds the point of a solver that leaves no simplex record
+    int has_duals = 0;    // and pi its duals
+    Array<double> x;      // [numvars]
+    Array<double> pi;     // [numconstrs] in the body's signs
+    double objval = 0;    // in the caller's sense
+    double itercount = 0; // simplex iterations
     double reduced_itercount = 0; // of these, on a reduced model
     int bar_itercount = 0;        // barrier iterations
     Quality quality;              // filled on first query

@@ -4,12 +4,13 @@
 #include "presolve/presolve.h"
 
 struct LpForm {
-    const ModelBody *body = nullptr;    // the model's own, or `dual`
-    ModelBody *dual = nullptr;          // owned; null: the form is the model itself
-    bool presolved = false;             // presolve has run
+    const ModelBody *body = nullptr; // the model's own, or `dual`
+    ModelBody *dual = nullptr;       // owned; null: the form is the model itself
+    bool presolved = false;          // presolve has run
     PresolveStatus outcome = PRESOLVE_OK;
-    bool overgrown = false; // numbers have become too large for a body: the outcome does not count
-    LpClaim claim;          // behind an outcome without optimum
+    bool overgrown =
+        false;     // numbers have become too large for a body: the outcome does not count
+    LpClaim claim; // behind an outcome without optimum
     PresolveResult *presolve = nullptr; // owned; with PRESOLVE_OK
     sopt *simplex = nullptr;            // owned; of the reduced body
 };

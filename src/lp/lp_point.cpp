@@ -37,7 +37,8 @@ void lp_get_duals(const LpSolve *lp, double *pi, double *rc)
 int lp_quality(LpSolve *lp)
 {
     LpResult *result = lp->result;
-    if (!result || !lp_has_point(lp) || !lp_has_duals(lp)) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    if (!result || !lp_has_point(lp) || !lp_has_duals(lp))
+        return TVX_ERROR_DATA_NOT_AVAILABLE;
     if (result->quality.computed) return 0;
     const int n = lp->body->numvars, m = lp->body->numconstrs;
     Array<double> x, pi, rc;

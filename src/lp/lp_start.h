@@ -7,14 +7,15 @@ enum class LpFrom {
     SCRATCH,
     BASIS,  // LpStart::statuses
     RECORD, // the live simplex record
-    MODEL,  // the same, where a limit has stopped it: without presolve, which would begin anew each time
-    FORM    // the form where a limit has stopped the last solve
+    MODEL, // the same, where a limit has stopped it: without presolve, which would begin anew each time
+    FORM   // the form where a limit has stopped the last solve
 };
 struct LpStart {
     LpFrom from = LpFrom::SCRATCH;
-    int method = METHOD_DUAL; // of the next run: METHOD_BY_START behind presolve
+    int method = METHOD_DUAL;   // of the next run: METHOD_BY_START behind presolve
     int resolved = METHOD_DUAL; // primal or dual, as the parameters say
-    Array<int> statuses; // [n + m], or empty. With FORM: for a run on the model, should the form fail
+    Array<int>
+        statuses; // [n + m], or empty. With FORM: for a run on the model, should the form fail
     Array<double> norms; // [n + m] dual pricing norms of it, or empty
 };
 // Drops the simplex record where it is not gone on from. 0 or OUT_OF_MEMORY.

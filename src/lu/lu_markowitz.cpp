@@ -17,10 +17,14 @@
 namespace
 {
 constexpr int SEARCH_LINES = 4; // lines searched for a pivot, after Suhl and Suhl
+
 constexpr int DENSE_LINES = 50; // with fewer active lines the dense tail is not faster
+
 // Share of nonzeros in the active matrix from which dense elimination is faster.
 constexpr double DENSE_SHARE = 0.33;
+
 constexpr int STAMP_RESET = 1000000000; // stamps are reset from here, far below overflow
+
 // dense tail only if lines^2 > 4 m: smaller ones take little time
 constexpr int DENSE_ROWS_FACTOR = 4;
 
@@ -346,5 +350,6 @@ int lu_markowitz(lufact<R> *lu, const BasisMatrix *basis, const int *head, R tol
 
 template int lu_markowitz<double>(lufact<double> *, const BasisMatrix *, const int *,
                                   double);
+
 template int lu_markowitz<long double>(lufact<long double> *, const BasisMatrix *,
                                        const int *, long double);

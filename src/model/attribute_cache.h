@@ -53,8 +53,8 @@ enum RangeEnd {
 };
 
 struct AttributeTable {
-    int have = 0;                            // AttributeGroup bits
-    int lp_version = 0;                      // LpSolve::version of what solutions were made from
+    int have = 0;       // AttributeGroup bits
+    int lp_version = 0; // LpSolve::version of what solutions were made from
     double statistics[STATISTIC_COUNT] = {}; // by Statistic
     Array<double> x;                         // [numvars] the simplex's point
     Array<double> pi;                        // [numconstrs] duals, caller's signs

@@ -8,14 +8,17 @@
 namespace
 {
 constexpr double UP = 1.00000000000001, DOWN = 0.99999999999999;
+
 // Digits count as lost if a subtracted term is this many times the remaining sum.
 constexpr double CANCELLED = 1e3;
+
 constexpr int UNKNOWN = 1 << 30; // count of infinite terms that no changes reduce to zero
 
 double raised(double v)
 {
     return v * (v > 0 ? UP : DOWN);
 }
+
 double lowered(double v)
 {
     return v * (v > 0 ? DOWN : UP);

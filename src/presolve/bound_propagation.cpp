@@ -18,12 +18,17 @@
 
 namespace
 {
-constexpr double ROUNDING = 1e-13;    // rounding error of a sum relative to its size
-constexpr double SMALL_ENTRY = 1e-8;  // smaller entries imply no reliable bound
+constexpr double ROUNDING = 1e-13; // rounding error of a sum relative to its size
+
+constexpr double SMALL_ENTRY = 1e-8; // smaller entries imply no reliable bound
+
 constexpr double LARGEST_BOUND = 1e8; // larger implied bounds are ignored
+
 // Smallest improvement of a bound: VISIBLE times its size plus LEAST_MOVE tolerances.
 constexpr double VISIBLE = 1e-3, LEAST_MOVE = 10;
+
 constexpr double CHECK_EFFORT = 5e4; // entries between tests of the limits
+
 // If the first round has this share of the constraints, all are copied.
 constexpr double SHARE_COPIED = 0.1;
 
@@ -216,7 +221,9 @@ void propagation_copy(BoundPropagation *p, int con)
     p->Con.data[con].end = p->NumCopied = k;
 }
 
-static int copy_all(BoundPropagation *p)
+namespace
+{
+int copy_all(BoundPropagation *p)
 {
     PresolveWork *w = p->w;
     const bool primal = p->kind == PROPAGATE_PRIMAL;
@@ -237,6 +244,7 @@ static int copy_all(BoundPropagation *p)
     }
     return 0;
 }
+} // namespace
 
 void propagation_set_rows(BoundPropagation *p, double relax)
 {
@@ -296,8 +304,10 @@ int propagation_run(BoundPropagation *p, int rounds)
     return 0;
 }
 
+namespace
+{
 // Adds t times constraint `con` to the sum.
-static void add_multiple(BoundPropagation *p, int con, double t, double *cons, double *vars)
+void add_multiple(BoundPropagation *p, int con, double t, double *cons, double *vars)
 {
     const ConEntries row = entries_of(p, con);
     cons[con] += t;
@@ -305,13 +315,14 @@ static void add_multiple(BoundPropagation *p, int con, double t, double *cons, d
         vars[p->ConVar.data[k]] -= t * p->ConVal.data[k];
 }
 
-static double coefficient(BoundPropagation *p, int con, int var)
+double coefficient(BoundPropagation *p, int con, int var)
 {
     const ConEntries row = entries_of(p, con);
     int k = row.begin;
     while (p->ConVar.data[k] != var) k++;
     return p->ConVal.data[k];
 }
+} // namespace
 
 // From the newest version to the oldest: the multiplier of an implied bound is replaced by one of its constraint.
 void propagation_unfold(BoundPropagation *p, double *con, double *var)

@@ -49,6 +49,7 @@ struct Direction {
     Array<double> x, d;
     PostPoint point = {};
 };
+
 int direction_alloc(Direction *direction, int n, int m, double infinite)
 {
     const int64_t size = int64_t{n} + m;

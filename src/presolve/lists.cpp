@@ -10,7 +10,9 @@ namespace
 {
 constexpr int MANY_ROWS = 5,
               MANY_NEIGHBOURS = 2; // shares from which all rows and columns are candidates
+
 constexpr double MANY_COLS = 5, MANY_COL_ENTRIES = 3;
+
 constexpr int MANY_COL_NEIGHBOURS = 2, MANY_SENSE_COLS = 4, MANY_SENSE_NEIGHBOURS = 3;
 
 void mark(int *flags, int k, WorkList *a, WorkList *b)
@@ -121,12 +123,15 @@ void mark_cols_of_row(PresolveWork *w, int i)
         mark_col(w, w->Nodes.data[p].col);
 }
 
-static int fill_list(PresolveWork *w, WorkList *list, int count)
+namespace
+{
+int fill_list(PresolveWork *w, WorkList *list, int count)
 {
     for (int k = 0; k < count; k++) list->List.data[k] = k;
     list->ActiveCnt = list->PendingCnt = count;
     return check_limits(w, count);
 }
+} // namespace
 
 int mark_everything(PresolveWork *w)
 {

@@ -14,10 +14,13 @@
 namespace
 {
 constexpr int PASSES_LEVEL1 = 3, PASSES = 10;
+
 // After this number of rounds a changed bound alone causes no further round.
 constexpr int INNER_ROUNDS = 5;
+
 constexpr int DUAL_PASSES = 5; // passes with dual_bounds, unless Presolve is 2
-constexpr int STOP = -1;       // the step limit is reached: build the reduced model now
+
+constexpr int STOP = -1; // the step limit is reached: build the reduced model now
 
 // Options of a run, resolved.
 struct Plan {

@@ -15,7 +15,9 @@ void presolve_log(PresolveWork *w)
            w->RowsRemoved, w->ColsRemoved, now - w->StartTime);
 }
 
-static int answer(const void *solver, int what, void *result)
+namespace
+{
+int answer(const void *solver, int what, void *result)
 {
     const PresolveWork *w = static_cast<const PresolveWork *>(solver);
     int *count = static_cast<int *>(result);
@@ -39,6 +41,7 @@ static int answer(const void *solver, int what, void *result)
         return TVX_ERROR_CALLBACK;
     }
 }
+} // namespace
 
 int presolve_check(const PresolveWork *w)
 {

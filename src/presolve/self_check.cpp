@@ -99,4 +99,5 @@ int presolve_verify(const PresolveWork *w)
                  "scratch", k, w->Scratch.data[k], 0);
     return c.broken;
 }
+
 #endif

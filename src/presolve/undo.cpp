@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 
-static constexpr int64_t ALIGNMENT = 16;
+namespace
+{
+constexpr int64_t ALIGNMENT = 16;
 
-static int new_block(UndoStack *stack, int64_t bytes)
+int new_block(UndoStack *stack, int64_t bytes)
 {
     const int64_t size = std::max(stack->block_size, bytes) + ALIGNMENT;
     char *block = static_cast<char *>(MemAlloc(static_cast<size_t>(size)));
@@ -17,6 +19,7 @@ static int new_block(UndoStack *stack, int64_t bytes)
     stack->end = block + size;
     return 0;
 }
+} // namespace
 
 UndoRecord *undo_push(UndoStack *stack, int kind, int count)
 {

@@ -2,7 +2,10 @@
 #include "runtime/clock.h"
 #include <ctime>
 
-static constexpr double NANOSECOND = 1e-9;
+namespace
+{
+constexpr double NANOSECOND = 1e-9;
+} // namespace
 
 double WallClock()
 {

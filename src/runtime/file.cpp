@@ -24,11 +24,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-static constexpr int FIRST_DESCRIPTOR = 3; // above the standard streams
-static constexpr mode_t NEW_FILE_MODE = 0666;
+namespace
+{
+constexpr int FIRST_DESCRIPTOR = 3; // above the standard streams
+
+constexpr mode_t NEW_FILE_MODE = 0666;
 
 // Moves a descriptor above the standard streams; -1 stays -1.
-static int descriptor_raise(int descriptor)
+int descriptor_raise(int descriptor)
 {
     if (descriptor < 0 || descriptor >= FIRST_DESCRIPTOR) return descriptor;
     const int raised = fcntl(descriptor, F_DUPFD_CLOEXEC, FIRST_DESCRIPTOR);
@@ -40,7 +43,7 @@ static int descriptor_raise(int descriptor)
 
 // The file that `name` means, behind links, when it is new or may be replaced by another one: a regular file that may be
 // written and has this one name. Its mode, or that of new files. False: it is to be written directly.
-static bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
+bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
 {
     struct stat status {
     };
@@ -57,7 +60,7 @@ static bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
 }
 
 // A new file beside file->name, called file->part; a descriptor, or -1.
-static int open_part(FileHandle *file, mode_t mode)
+int open_part(FileHandle *file, mode_t mode)
 {
     static constexpr int TRIES = 100;
     for (int k = 0; k < TRIES; k++) {
@@ -73,10 +76,10 @@ static int open_part(FileHandle *file, mode_t mode)
     return -1;
 }
 
-static int descriptor_open(const char *name, char mode);
+int descriptor_open(const char *name, char mode);
 
 // For writing. A descriptor, or -1; names as FileHandle says.
-static int descriptor_for_writing(const char *name, FileHandle *file)
+int descriptor_for_writing(const char *name, FileHandle *file)
 {
     mode_t mode = 0;
     if (is_replaceable(name, file, &mode)) {
@@ -90,13 +93,13 @@ static int descriptor_for_writing(const char *name, FileHandle *file)
     return descriptor_open(name, 'w');
 }
 
-static bool is_beside(const FileHandle *file)
+bool is_beside(const FileHandle *file)
 {
     return file->part[0] && strcmp(file->part, file->name) != 0;
 }
 
 // A descriptor of the file, or -1. Directories do not open.
-static int descriptor_open(const char *name, char mode)
+int descriptor_open(const char *name, char mode)
 {
     const int flags = mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT;
     const int descriptor = descriptor_raise(open(name, flags | O_CLOEXEC, NEW_FILE_MODE));
@@ -109,7 +112,7 @@ static int descriptor_open(const char *name, char mode)
 }
 
 // Whether the name ends in the suffix, which is in small letters. Not by the locale.
-static bool ends_in(const char *name, const char *suffix)
+bool ends_in(const char *name, const char *suffix)
 {
     const size_t length = strlen(name);
     const size_t n = strlen(suffix);
@@ -118,6 +121,7 @@ static bool ends_in(const char *name, const char *suffix)
         if ((*p >= 'A' && *p <= 'Z' ? *p - 'A' + 'a' : *p) != *suffix) return false;
     return true;
 }
+} // namespace
 
 const char *FileCommand(const char *name)
 {
@@ -125,9 +129,11 @@ const char *FileCommand(const char *name)
     return ends_in(name, ".bz2") ? "bzip2" : nullptr;
 }
 
+namespace
+{
 // Runs command with the two descriptors as its standard input and output. The process id, or 0. The command gets
 // default SIGPIPE and an empty signal mask, whatever the caller's process uses.
-static pid_t command_start(const char *command, char mode, int input, int output)
+pid_t command_start(const char *command, char mode, int input, int output)
 {
     const char *option = mode == 'r' ? "-dc" : "-c";
     char *arguments[] = {const_cast<char *>(command), const_cast<char *>(option),
@@ -164,7 +170,7 @@ static pid_t command_start(const char *command, char mode, int input, int output
 }
 
 // True if the command ended with status 0. False if another part of the process has collected its status.
-static bool command_succeeded(pid_t child)
+bool command_succeeded(pid_t child)
 {
     int status = 0;
     pid_t waited = 0;
@@ -175,12 +181,12 @@ static bool command_succeeded(pid_t child)
 
 // ---- The stream into a command: a socket whose writes fail instead of raising SIGPIPE ----
 
-static int cookie_descriptor(void *cookie)
+int cookie_descriptor(void *cookie)
 {
     return static_cast<int>(reinterpret_cast<intptr_t>(cookie));
 }
 
-static ssize_t socket_write(void *cookie, const char *bytes, size_t count)
+ssize_t socket_write(void *cookie, const char *bytes, size_t count)
 {
     size_t sent = 0;
     while (sent < count) {
@@ -193,12 +199,12 @@ static ssize_t socket_write(void *cookie, const char *bytes, size_t count)
     return static_cast<ssize_t>(sent); // fewer than count is an error to the stream
 }
 
-static int socket_close(void *cookie)
+int socket_close(void *cookie)
 {
     return close(cookie_descriptor(cookie));
 }
 
-static FILE *socket_stream(int descriptor)
+FILE *socket_stream(int descriptor)
 {
     cookie_io_functions_t functions{};
     functions.write = socket_write;
@@ -209,7 +215,7 @@ static FILE *socket_stream(int descriptor)
 }
 
 // Our end and the command's end of a connection. 0 or 1.
-static int connection_open(char mode, int *ours, int *theirs)
+int connection_open(char mode, int *ours, int *theirs)
 {
     int ends[2] = {-1, -1};
     const int error = mode == 'r'
@@ -225,8 +231,7 @@ static int connection_open(char mode, int *ours, int *theirs)
 }
 
 // Owns descriptor `target` from here on: closes it unless it is kept in *file.
-static int open_through_command(const char *command, char mode, int target,
-                                FileHandle *file)
+int open_through_command(const char *command, char mode, int target, FileHandle *file)
 {
     int ours = -1;
     int theirs = -1;
@@ -255,7 +260,7 @@ static int open_through_command(const char *command, char mode, int target,
     return 0;
 }
 
-static int open_plain(char mode, int descriptor, FileHandle *file)
+int open_plain(char mode, int descriptor, FileHandle *file)
 {
     FILE *stream = fdopen(descriptor, mode == 'r' ? "r" : "w");
     if (!stream) {
@@ -269,7 +274,7 @@ static int open_plain(char mode, int descriptor, FileHandle *file)
 }
 
 // Truncates the file that was opened for writing; devices and queues cannot be truncated. 0 or 1.
-static int empty_file(const FileHandle *file)
+int empty_file(const FileHandle *file)
 {
     const int descriptor = file->kind == 'p' ? file->target : fileno(file->stream);
     struct stat status {
@@ -277,6 +282,7 @@ static int empty_file(const FileHandle *file)
     if (fstat(descriptor, &status)) return 1;
     return S_ISREG(status.st_mode) && ftruncate(descriptor, 0);
 }
+} // namespace
 
 int FileOpen(const char *name, char mode, FileHandle *file)
 {

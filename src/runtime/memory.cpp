@@ -7,21 +7,26 @@
 // Cost        That of malloc; two atomic additions more with TVX_DEBUG.
 #include "runtime/memory.h"
 #include <cstdlib>
-
 #ifdef TVX_DEBUG
 #include <atomic>
 
+namespace
+{
 // Test builds only, and of the process: what is counted is the process's heap.
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
-static std::atomic<int64_t> fault_countdown{
+std::atomic<int64_t> fault_countdown{
     0}; // requests until the first refusal, plus one; 0: disarmed
-static std::atomic<int64_t> fault_hits{0}; // requests refused since arming
-static std::atomic<int64_t> requests{0};   // since process start
-static std::atomic<int64_t> held{0};       // blocks allocated and not freed
+
+std::atomic<int64_t> fault_hits{0}; // requests refused since arming
+
+std::atomic<int64_t> requests{0}; // since process start
+
+std::atomic<int64_t> held{0}; // blocks allocated and not freed
+
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 // Counts a request; true if it has to fail. After the first failure the countdown stays at 1.
-static bool request_refused()
+bool request_refused()
 {
     requests.fetch_add(1, std::memory_order_relaxed);
     int64_t left = fault_countdown.load(std::memory_order_relaxed);
@@ -31,34 +36,46 @@ static bool request_refused()
     fault_hits.fetch_add(1, std::memory_order_relaxed);
     return true;
 }
-static void count_block(int change)
+
+void count_block(int change)
 {
     held.fetch_add(change, std::memory_order_relaxed);
 }
+} // namespace
 
 void mem_fault_arm(int64_t fail_at)
 {
     fault_hits = 0;
     fault_countdown = fail_at > 0 ? fail_at : 0;
 }
+
 int64_t mem_fault_hits()
 {
     return fault_hits;
 }
+
 int64_t mem_requests()
 {
     return requests;
 }
+
 int64_t mem_blocks_held()
 {
     return held;
 }
+
 #else
-static bool request_refused()
+
+namespace
+{
+bool request_refused()
 {
     return false;
 }
-static void count_block(int) {}
+
+void count_block(int) {}
+} // namespace
+
 #endif
 
 void *MemAlloc(size_t bytes)

@@ -15,8 +15,10 @@
 #include "runtime/text_pool.h"
 #include <climits>
 
+namespace
+{
 // Bytes of text allocated at once: with its header less than a page.
-static constexpr size_t POOL_CHUNK = 4000;
+constexpr size_t POOL_CHUNK = 4000;
 
 struct NameEntry {
     const char *Text; // in the pool, terminated
@@ -25,6 +27,7 @@ struct NameEntry {
     int Value;
     int Next; // next entry of the chain, or -1
 };
+} // namespace
 
 struct NameIndex {
     NameGrowth Growth;
@@ -46,7 +49,9 @@ void name_key(const char *name, char *key)
     key[k] = '\0';
 }
 
-static bool is_prime(int64_t n)
+namespace
+{
+bool is_prime(int64_t n)
 {
     if (n < 4) return n >= 2;
     if (n % 2 == 0) return false;
@@ -55,13 +60,13 @@ static bool is_prime(int64_t n)
     return true;
 }
 
-static int64_t prime_from(int64_t n)
+int64_t prime_from(int64_t n)
 {
     while (!is_prime(n)) n++;
     return n;
 }
 
-static uint32_t hash_fold(const char *text, size_t length)
+uint32_t hash_fold(const char *text, size_t length)
 {
     uint32_t h = 0;
     for (size_t k = 0; k < length; k++) {
@@ -72,7 +77,7 @@ static uint32_t hash_fold(const char *text, size_t length)
     return h;
 }
 
-static uint32_t hash_mix(const char *text, size_t length)
+uint32_t hash_mix(const char *text, size_t length)
 {
     uint64_t h = 0xcbf29ce484222325u;
     for (size_t k = 0; k < length; k++)
@@ -81,11 +86,12 @@ static uint32_t hash_mix(const char *text, size_t length)
     return static_cast<uint32_t>(h >> 32);
 }
 
-static uint32_t name_hash(const NameIndex *index, const char *text, size_t length)
+uint32_t name_hash(const NameIndex *index, const char *text, size_t length)
 {
     return index->Growth == NameGrowth::FIXED ? hash_fold(text, length)
                                               : hash_mix(text, length);
 }
+} // namespace
 
 NameIndex *name_index_create(int buckets, NameGrowth growth)
 {
@@ -108,7 +114,9 @@ void name_index_free(NameIndex **index)
     *index = nullptr;
 }
 
-static void chain_entry(NameIndex *index, int k)
+namespace
+{
+void chain_entry(NameIndex *index, int k)
 {
     NameEntry *entry = &index->Entries[k];
     int *head = &index->Buckets[entry->Hash % index->Buckets.size];
@@ -116,13 +124,14 @@ static void chain_entry(NameIndex *index, int k)
     *head = k;
 }
 
-static void index_grow(NameIndex *index)
+void index_grow(NameIndex *index)
 {
     if (array_assign(&index->Buckets, prime_from(2 * index->Buckets.size), -1))
         return; // benign: the chains get longer
     for (int64_t k = 0; k < index->Entries.size; k++)
         chain_entry(index, static_cast<int>(k));
 }
+} // namespace
 
 int name_index_insert_n(NameIndex *index, const char *text, size_t length, int value)
 {

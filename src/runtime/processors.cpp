@@ -18,9 +18,14 @@
 #include <sched.h>
 #include <unistd.h>
 
-static constexpr int MOST_PROCESSORS = 8192; // largest count Linux can be built for
-static constexpr int PATH_LENGTH = 4096;
-static constexpr int TEXT_LENGTH = 4096; // of a system file; the rest is ignored
+namespace
+{
+constexpr int MOST_PROCESSORS = 8192; // largest count Linux can be built for
+
+constexpr int PATH_LENGTH = 4096;
+
+constexpr int TEXT_LENGTH = 4096; // of a system file; the rest is ignored
+} // namespace
 
 int processors_from_text(const char *text)
 {
@@ -32,8 +37,10 @@ int processors_from_text(const char *text)
                                                                      : NO_PROCESSOR_LIMIT;
 }
 
+namespace
+{
 // The head of a small file, terminated; false when it cannot be read.
-static bool read_text(const char *path, char *text)
+bool read_text(const char *path, char *text)
 {
     const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) return false;
@@ -45,14 +52,14 @@ static bool read_text(const char *path, char *text)
     return length > 0;
 }
 
-static int round_up(long long quota, long long period)
+int round_up(long long quota, long long period)
 {
     if (quota <= 0 || period <= 0) return INT_MAX;
     return static_cast<int>(std::min<long long>((quota + period - 1) / period, INT_MAX));
 }
 
 // The limit one group sets: version 2 in cpu.max ("max 100000" is none), version 1 in two files (-1 is none).
-static int group_limit(const char *group)
+int group_limit(const char *group)
 {
     char path[PATH_LENGTH + 32];
     char text[TEXT_LENGTH];
@@ -70,7 +77,7 @@ static int group_limit(const char *group)
 }
 
 // The smallest limit from group `name` (which starts with '/') up to the top of the hierarchy mounted at `mount`.
-static int hierarchy_limit(const char *root, const char *mount, const char *name)
+int hierarchy_limit(const char *root, const char *mount, const char *name)
 {
     char group[PATH_LENGTH];
     const int top = snprintf(group, sizeof group, "%s%s", root, mount);
@@ -87,7 +94,7 @@ static int hierarchy_limit(const char *root, const char *mount, const char *name
 }
 
 // A line "0::/name" is of version 2, "4:cpu,cpuacct:/name" one hierarchy of version 1.
-static int line_limit(const char *root, char *line)
+int line_limit(const char *root, char *line)
 {
     char *controllers = strchr(line, ':');
     char *name = controllers ? strchr(controllers + 1, ':') : nullptr;
@@ -105,6 +112,7 @@ static int line_limit(const char *root, char *line)
                             hierarchy_limit(root, "/sys/fs/cgroup/cpu,cpuacct", name));
     return INT_MAX;
 }
+} // namespace
 
 int processors_from_quota(const char *root)
 {
@@ -121,21 +129,24 @@ int processors_from_quota(const char *root)
     return limit;
 }
 
+namespace
+{
 struct AffinityMask {
     cpu_set_t Sets[MOST_PROCESSORS / CPU_SETSIZE];
 };
 
 // False if the mask is not available.
-static bool affinity_read(AffinityMask *mask)
+bool affinity_read(AffinityMask *mask)
 {
     memset(mask, 0, sizeof *mask);
     return sched_getaffinity(0, sizeof *mask, mask->Sets) == 0;
 }
 
-static bool affinity_has(const AffinityMask *mask, int processor)
+bool affinity_has(const AffinityMask *mask, int processor)
 {
     return CPU_ISSET(processor % CPU_SETSIZE, &mask->Sets[processor / CPU_SETSIZE]);
 }
+} // namespace
 
 int ProcessorCount()
 {
@@ -148,8 +159,10 @@ int ProcessorCount()
     return std::max(count, 1);
 }
 
+namespace
+{
 // The lowest processor that shares the core, or the processor itself when the system does not tell.
-static int core_of(int processor)
+int core_of(int processor)
 {
     char path[PATH_LENGTH];
     char text[TEXT_LENGTH];
@@ -159,6 +172,7 @@ static int core_of(int processor)
     const long first = strtol(text, nullptr, 10); // "0,4" or "0-1"
     return first >= 0 && first < processor ? static_cast<int>(first) : processor;
 }
+} // namespace
 
 int CoreCount()
 {

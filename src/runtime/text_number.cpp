@@ -17,17 +17,22 @@
 #include <locale.h>
 #include <system_error>
 
-static constexpr int MANTISSA_DIGITS = 19;             // always fit 64 bits
-static constexpr uint64_t EXACT_MANTISSA = 1ull << 53; // integers up to here are doubles
-static constexpr int EXACT_POWER = 22; // 10^22 is the last power of ten that is a double
+namespace
+{
+constexpr int MANTISSA_DIGITS = 19; // always fit 64 bits
+
+constexpr uint64_t EXACT_MANTISSA = 1ull << 53; // integers up to here are doubles
+
+constexpr int EXACT_POWER = 22; // 10^22 is the last power of ten that is a double
+
 // Larger exponents are out of range in any case.
-static constexpr int64_t EXPONENT_LIMIT = 1'000'000;
+constexpr int64_t EXPONENT_LIMIT = 1'000'000;
 
-static const double powers[EXACT_POWER + 1] = {
-    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+const double powers[EXACT_POWER + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-static bool is_digit(char c)
+bool is_digit(char c)
 {
     return c >= '0' && c <= '9';
 }
@@ -42,7 +47,7 @@ struct Decimal {
     const char *Mark = nullptr; // the exponent letter, or null
 };
 
-static void take_digit(Decimal *d, char c, bool fraction)
+void take_digit(Decimal *d, char c, bool fraction)
 {
     if (d->Digits == MANTISSA_DIGITS) {
         if (c != '0') d->Exact = false;
@@ -56,7 +61,7 @@ static void take_digit(Decimal *d, char c, bool fraction)
 }
 
 // The exponent with its letter; none unless a digit follows.
-static const char *scan_exponent(const char *text, Decimal *d)
+const char *scan_exponent(const char *text, Decimal *d)
 {
     const char letter = static_cast<char>(*text | 0x20);
     if (letter != 'e' && !(letter == 'd' && d->Double)) return text;
@@ -73,7 +78,7 @@ static const char *scan_exponent(const char *text, Decimal *d)
 }
 
 // The end of the number, or null when there is none.
-static const char *scan_decimal(const char *text, Decimal *d)
+const char *scan_decimal(const char *text, Decimal *d)
 {
     const char *p = text;
     for (; is_digit(*p); p++) take_digit(d, *p, false);
@@ -86,7 +91,7 @@ static const char *scan_decimal(const char *text, Decimal *d)
 
 // Exact conversion by the standard library. It knows no exponent letter but e: the digits and the exponent go to
 // a copy then, in which digits beyond COPY_DIGITS cannot matter but for being non-zero.
-static double convert_exactly(const char *text, const char *end, const Decimal *d)
+double convert_exactly(const char *text, const char *end, const Decimal *d)
 {
     // no rounding of a double depends on more than 768 digits
     static constexpr int COPY_DIGITS = 1024;
@@ -116,7 +121,7 @@ static double convert_exactly(const char *text, const char *end, const Decimal *
 }
 
 // The length of the word at text (lower case given) in any case, or 0.
-static int match_word(const char *text, const char *word)
+int match_word(const char *text, const char *word)
 {
     int k = 0;
     for (; word[k]; k++)
@@ -124,7 +129,7 @@ static int match_word(const char *text, const char *word)
     return k;
 }
 
-static const char *scan_word(const char *text, double *value)
+const char *scan_word(const char *text, double *value)
 {
     int length = match_word(text, "infinity");
     if (!length) length = match_word(text, "inf");
@@ -141,8 +146,7 @@ static const char *scan_word(const char *text, double *value)
 enum class NumberWords { YES, NO };
 
 // With what *d allows.
-static int convert(const char *text, const char **end, double *value, Decimal d,
-                   NumberWords words)
+int convert(const char *text, const char **end, double *value, Decimal d, NumberWords words)
 {
     const bool negative = *text == '-';
     const char *start = *text == '-' || *text == '+' ? text + 1 : text;
@@ -162,6 +166,7 @@ static int convert(const char *text, const char **end, double *value, Decimal d,
     *value = negative ? -magnitude : magnitude;
     return 0;
 }
+} // namespace
 
 int text_to_double(const char *text, const char **end, double *value)
 {
@@ -175,11 +180,14 @@ int text_to_decimal(const char *text, const char **end, double *value)
     return convert(text, end, value, d, NumberWords::NO);
 }
 
-static int number_finish(char *buffer, std::to_chars_result result)
+namespace
+{
+int number_finish(char *buffer, std::to_chars_result result)
 {
     *result.ptr = '\0'; // NUMBER_LENGTH holds the longest text: -d.(17 digits)e-ddd
     return static_cast<int>(result.ptr - buffer);
 }
+} // namespace
 
 int number_general(char *buffer, double value, int digits)
 {
@@ -202,22 +210,25 @@ int number_shortest(char *buffer, double value)
 
 // ---- Formats under the "C" locale of the calling thread ----
 
+namespace
+{
 struct PlainLocale {
     locale_t Plain; // a constant of the C library, which allocates nothing
     locale_t Previous;
 };
 
-static PlainLocale locale_enter()
+PlainLocale locale_enter()
 {
     const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
     return {plain, uselocale(plain)};
 }
 
-static void locale_leave(PlainLocale entered)
+void locale_leave(PlainLocale entered)
 {
     uselocale(entered.Previous);
     freelocale(entered.Plain);
 }
+} // namespace
 
 int text_format_v(char *buffer, size_t size, const char *format, va_list arguments)
 {

@@ -8,12 +8,15 @@
 #include <cstdint>
 #include <cstring>
 
+namespace
+{
 // With smaller chunks their headers would take most of the memory.
-static constexpr size_t SMALLEST_CHUNK = 64;
+constexpr size_t SMALLEST_CHUNK = 64;
 
 struct PoolChunk { // followed by its bytes
     PoolChunk *Next;
 };
+} // namespace
 
 struct TextPool {
     size_t ChunkSize; // bytes of a usual chunk
@@ -21,10 +24,13 @@ struct TextPool {
     PoolChunk *Head;  // the chunk in use, or null
 };
 
-static char *chunk_bytes(PoolChunk *chunk)
+namespace
+{
+char *chunk_bytes(PoolChunk *chunk)
 {
     return reinterpret_cast<char *>(chunk + 1);
 }
+} // namespace
 
 TextPool *PoolCreate(size_t chunk_size)
 {

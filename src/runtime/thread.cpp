@@ -11,12 +11,14 @@
 #include <pthread.h>
 #include <sched.h>
 
+namespace
+{
 struct ThreadEntry {
     ThreadFunction Function;
     void *Argument;
 };
 
-static void *thread_main(void *block)
+void *thread_main(void *block)
 {
     const ThreadEntry entry = *static_cast<ThreadEntry *>(block);
     MemFree(block);
@@ -25,7 +27,7 @@ static void *thread_main(void *block)
 }
 
 // Starts with the caller's asynchronous signals blocked, so that the new thread inherits that mask.
-static int thread_create_masked(pthread_t *thread, ThreadEntry *entry)
+int thread_create_masked(pthread_t *thread, ThreadEntry *entry)
 {
     sigset_t blocked;
     sigset_t previous;
@@ -38,6 +40,7 @@ static int thread_create_masked(pthread_t *thread, ThreadEntry *entry)
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     return error;
 }
+} // namespace
 
 uintptr_t ThreadStart(ThreadFunction function, void *argument)
 {
@@ -63,10 +66,15 @@ void ThreadJoin(uintptr_t handle)
     if (handle) pthread_join(static_cast<pthread_t>(handle), nullptr);
 }
 
-static constexpr int YIELD_ROUNDS = 100; // some tens of microseconds when nothing else runs
-static constexpr long FIRST_SLEEP = 20'000; // nanoseconds
+namespace
+{
+constexpr int YIELD_ROUNDS = 100; // some tens of microseconds when nothing else runs
+
+constexpr long FIRST_SLEEP = 20'000; // nanoseconds
+
 // Nanoseconds: a waiting thread wakes up at most a thousand times per second.
-static constexpr long LONGEST_SLEEP = 1'000'000;
+constexpr long LONGEST_SLEEP = 1'000'000;
+} // namespace
 
 void ThreadPause(int round)
 {

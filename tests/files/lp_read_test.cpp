@@ -37,24 +37,35 @@ TEST_F(LpFormat, ObjectivesAndTerms)
     expect_meanings({
         {"min end", "min;;"},
         {"minimize\n\nst\n", "min;;"},
-        {"MINIMUM cost : x", "min + x;;"},
+        {"MINIMUM cost : x end", "min + x;;"},
         {"min: x st:\n c: x > 1", "min + x; c: + x >= 1;"},
         {"\xef\xbb\xbfmin x\r\nsubject\tTo\r\n c1:x>=1\r\nEnd\r\nrest (((",
          "min + x; c1: + x >= 1;"},
         {"min\\note\n3 \\ +9y\nx\\\\\n-\ny end", "min + 3 x - y;;"},
-        {"min 3x+2*y-x*4 - -z + 2 * 3 w", "min - x + 2 y + z + 6 w;;"},
-        {"min 2 x + 3 x + x - y + y + z", "min + 6 x + 0 y + z;;"},
+        {"min 3x+2*y-x*4 - -z + 2 * 3 w end", "min - x + 2 y + z + 6 w;;"},
+        {"min 2 x + 3 x + x - y + y + z end", "min + 6 x + 0 y + z;;"},
         {"min 2e1x + 3d1 + .5e-1y + 1.e + 4 e1 + 5 3",
          "Trouble reading file t.lp at line 1, column 42: '3': this cannot stand here\n"},
-        {"min 2e1x + 3d1 + .5e-1y + 1.e + 4 e1", "min + 20 x + 3 d1 + 0.05 y + e + 4 e1;;"},
-        {"min 3 + x - 5 + 2.5", "min + x + 0.5 Constant;; Constant = 1,"},
+        {"min 2e1x + 3d1 + .5e-1y + 1.e + 4 e1 end",
+         "min + 20 x + 3 d1 + 0.05 y + e + 4 e1;;"},
+        {"min 3 + x - 5 + 2.5 end", "min + x + 0.5 Constant;; Constant = 1,"},
         {"min x + 7 Constant bounds Constant = 1", "min + x + 7 Constant;; Constant = 1,"},
         {"min x + 7 Constant bounds 1 <= Constant <= 1",
          "min + x + 7 Constant;; 1 <= Constant <= 1,"},
         {"min 2 Constant + 3 bounds Constant<=5", "min + 2 Constant + 3;; Constant <= 5,"},
-        {"min x(1,2) + y[3] + a/b + _#$%&'!\"?@{|}~`.;,0 + \xc3\xa9\xff",
+        {"min x(1,2) + y[3] + a/b + _#$%&'!\"?@{|}~`.;,0 + \xc3\xa9\xff end",
          "min + x(1,2) + y[3] + a/b + _#$%&'!\"?@{|}~`.;,0 + \xc3\xa9\xff;;"},
     });
+}
+
+TEST_F(LpFormat, TellsOfFilesThatMayBeCutShort)
+{
+    EXPECT_NE(read("min x + 3", "t.lp"), 0);
+    EXPECT_NE(message().find("no constraints and no End"), std::string::npos);
+    ASSERT_EQ(read("min x st c: x > 1\n", "t.lp"), 0);
+    EXPECT_NE(log.find("Warning: no End at the end of the file"), std::string::npos);
+    ASSERT_EQ(read("min x st c: x > 1\nend\n", "t.lp"), 0);
+    EXPECT_EQ(log.find("Warning"), std::string::npos);
 }
 
 TEST_F(LpFormat, Constraints)
@@ -124,7 +135,7 @@ TEST_F(LpFormat, WarnsOfWhatHasOneMeaningAllTheSame)
 {
     const std::string many =
         "min x st c: x > 1\nc: x > 2\n1 >= x >= 2 bounds\nx < 2\n x < -3\n"
-        "a free b = 1 c free d free e free f free g free\ngen q bin r";
+        "a free b = 1 c free d free e free f free g free\ngen q bin r\nend";
     ASSERT_EQ(read(many, "t.lp"), 0);
     EXPECT_EQ(
         log.substr(0, log.find("Read LP")),

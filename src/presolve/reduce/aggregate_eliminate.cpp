@@ -19,10 +19,14 @@ namespace
 {
 // sums below this share of their largest term count as zero
 constexpr double CANCELLED = 1e-13;
+
 // share of dead nodes from which compression pays
 constexpr double WORTH_COMPRESSING = 0.05;
+
 constexpr double PIVOT_EFFORT = 20;
+
 constexpr int LOG_EVERY = 10000; // columns between progress lines
+
 // entries of the lists from which each is searched separately
 constexpr int LONG_WAY = 2000;
 
@@ -43,11 +47,13 @@ Sized entry_at(const PresolveWork *w, int p)
 {
     return {w->Nodes.data[p].value, size_of_entry(w, p)};
 }
+
 Sized product(Sized a, Sized b)
 {
     return {a.value * b.value,
             std::max(std::fabs(a.value) * b.size, a.size * std::fabs(b.value))};
 }
+
 // -a / b
 Sized factor_of(Sized a, Sized b)
 {
@@ -69,6 +75,7 @@ int first_along(const PresolveWork *w, Along along, int line)
 {
     return along == Along::ROW ? first_in_row(w, line) : first_in_col(w, line);
 }
+
 int next_along(const PresolveWork *w, Along along, int p)
 {
     return along == Along::ROW ? next_in_row(w, p) : next_in_col(w, p);
@@ -162,6 +169,7 @@ void clear_scatter(PresolveWork *w, const Pattern *pattern)
 struct Ways {
     int64_t by_rows = 0, by_cols = 0;
 };
+
 Ways ways_of(const PresolveWork *w, const PresolveNode *pivot)
 {
     Ways ways;
@@ -340,8 +348,10 @@ void drop_from_others(PresolveWork *w, int p)
     }
 }
 
+namespace
+{
 // Entries of column j move into the mapped column k: a x_j + b x_k = rhs.
-static void merge_into_mapped(PresolveWork *w, int p, int k, Sized b)
+void merge_into_mapped(PresolveWork *w, int p, int k, Sized b)
 {
     const PresolveNode pivot = w->Nodes.data[p];
     const Sized divisor = entry_at(w, p);
@@ -363,7 +373,7 @@ static void merge_into_mapped(PresolveWork *w, int p, int k, Sized b)
 }
 
 // Removes row and column of entry p.
-static void remove_pivot(PresolveWork *w, int p)
+void remove_pivot(PresolveWork *w, int p)
 {
     const int r = w->Nodes.data[p].row, j = w->Nodes.data[p].col;
     drop_from_others(w, p);
@@ -373,6 +383,7 @@ static void remove_pivot(PresolveWork *w, int p)
     w->ColsRemoved++;
     if (w->ColsRemoved % LOG_EVERY == 0) presolve_log(w);
 }
+} // namespace
 
 int substitute_out(PresolveWork *w, int p)
 {

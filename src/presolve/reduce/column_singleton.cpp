@@ -20,12 +20,17 @@
 namespace
 {
 constexpr double IMPLIED = 1e-9; // by which an implied bound may be weaker than the bound
+
 constexpr double NO_COST = 1e-9; // reduced cost of the row's slack that counts as zero
+
 constexpr double LITTLE_RANGE = 1e-6, LITTLE_COST = 1e-6;
+
 // Smallest entry relative to the largest of the row: for a free column, ...
 constexpr double FREE_RATIO = 1e-6;
+
 // ... for an implied free column, as errors of other columns may violate its bounds,
 constexpr double IMPLIED_RATIO = 1e-3;
+
 constexpr double SLACK_RATIO = 1e-3; // ... for a slack column
 
 // A column singleton in the pass.

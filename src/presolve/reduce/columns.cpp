@@ -13,6 +13,7 @@
 namespace
 {
 constexpr double CLOSED = 1e-10; // a smaller range counts as zero
+
 constexpr double NO_COST = 1e-10;
 
 // Directions in which neither the cost nor a row restricts column j.

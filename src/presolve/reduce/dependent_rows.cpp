@@ -14,11 +14,15 @@ namespace
 {
 // Largest difference of an entry to the combination, relative to the largest term.
 constexpr double EXACT = 1e-10;
+
 constexpr double SAME = 1e-9; // the same for right-hand sides
+
 // Largest sum of multipliers, as violations of the remaining rows add up in the removed one.
 constexpr double LARGEST_SUM = 1e3;
+
 // a difference of this many tolerances is a contradiction
 constexpr double CERTAIN = 10;
+
 constexpr double WORK_PER_ENTRY = 20; // limit of the effort
 
 // Difference of a line to a combination of lines.
@@ -39,6 +43,7 @@ void add_line(PresolveWork *w, Axis axis, int line, double factor)
         w->ScratchB.data[q] = std::max(w->ScratchB.data[q], std::fabs(term));
     }
 }
+
 bool line_is_zero(PresolveWork *w, Axis axis, int line)
 {
     bool zero = true;

@@ -19,15 +19,22 @@
 namespace
 {
 constexpr double LEAST_PIVOT = 1e-6;
+
 // largest ratio of the two coefficients if bounds are transferred
 constexpr double MOST_RATIO = 1e3;
-constexpr double FREE_RATIO = 1e4;  // and if none is
+
+constexpr double FREE_RATIO = 1e4; // and if none is
+
 constexpr double MOST_BOUND = 1e15; // a larger transferred bound counts as infinite
-constexpr double TIGHTER = 1e-10;   // smallest improvement of a bound
+
+constexpr double TIGHTER = 1e-10; // smallest improvement of a bound
+
 // range that counts as zero: the reduced cost decides which bound is active
 constexpr double NO_RANGE = 1e-9;
+
 // additional entries that are accepted for the larger pivot
 constexpr int SAME_LENGTH = 2;
+
 enum Mode { LOWER = 1, UPPER = 2 }; // sides of y whose bound x gave
 
 // One way to use a doubleton row.

@@ -15,8 +15,11 @@
 namespace
 {
 constexpr double SAME_KEY = 1e-10, SAME_VALUE = 1e-11, SAME_SHARE = 1e-10;
+
 constexpr int MAX_CLASSES = 16; // classes that are searched among lines with close keys
+
 constexpr int SHORT_CLASS = 500;
+
 // From this share of all lines, entries are processed in the order of memory.
 constexpr double SHARE_SCANNED = 0.1;
 
@@ -198,9 +201,11 @@ int sort_members(PresolveWork *w, DupLine *members, int count)
     return check_limits(w, 2.0 * count);
 }
 
+namespace
+{
 // The lines of keys[0 .. count), which have the same pattern.
-static int lines_of_pattern(PresolveWork *w, Axis axis, const SortKey *keys, int count,
-                            const int *skip, Array<DupLine> *lines)
+int lines_of_pattern(PresolveWork *w, Axis axis, const SortKey *keys, int count,
+                     const int *skip, Array<DupLine> *lines)
 {
     TRY(array_resize(lines, count));
     for (int k = 0; k < count; k++) {
@@ -210,6 +215,7 @@ static int lines_of_pattern(PresolveWork *w, Axis axis, const SortKey *keys, int
     }
     return 0;
 }
+} // namespace
 
 int duplicate_classes(PresolveWork *w, Axis axis, const int *list, int count,
                       const int *skip, DupHandler handle)

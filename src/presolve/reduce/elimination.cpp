@@ -23,10 +23,13 @@ namespace
 // Remaining entries relative to the largest term that went into the line: below VANISHED the line is dependent, below
 // DOUBTFUL it is ignored.
 constexpr double VANISHED = 1e-10, DOUBTFUL = 1e-6;
+
 // smaller entries, relative to their largest term, are rounding errors
 constexpr double DROP = 1e-12;
+
 // smaller multipliers are ignored; the handler verifies the combination
 constexpr double NO_FACTOR = 1e-11;
+
 constexpr double THRESHOLD = 0.05; // smallest pivot relative to the largest entry
 
 struct Entry {
@@ -114,6 +117,7 @@ int peel(Elimination *e, int *lines, int count, int *left_out)
 struct Work {
     int touched = 0, heap = 0;
 };
+
 void add_term(Elimination *e, Work *at, int place, double term)
 {
     double *size = &e->Size.data[place];

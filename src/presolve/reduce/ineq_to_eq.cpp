@@ -14,10 +14,14 @@
 namespace
 {
 constexpr double CLOSED = 1e-10;
+
 constexpr double NO_COST = 1e-10;
+
 constexpr double AWAY = 10; // tolerances of the row between the column and its bound
+
 // Smallest entry relative to the largest of the row; with a smaller one the value of the column could become huge.
 constexpr double SMALL_RATIO = 1e-3;
+
 constexpr int NONE = -1, MANY = -2;
 
 // The only entry that blocks a column in a direction; NONE or MANY if there is not exactly one.

@@ -13,7 +13,8 @@
 
 namespace
 {
-constexpr double SAME_SUM = 1e-9;   // relative
+constexpr double SAME_SUM = 1e-9; // relative
+
 constexpr double LARGE_BOUND = 1e9; // a sum with a larger finite bound would lose digits
 
 int sum_bounds(const PresolveWork *w, const MergedPair *pair, double *lb, double *ub)
@@ -99,9 +100,11 @@ Split split_merged_columns(const MergedPair *pair, double INF, double sum, doubl
     return best;
 }
 
+namespace
+{
 // Puts both columns at their bounds, as the sum is. False if that does not give the sum.
-static bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, double sum,
-                           PostPoint *point)
+bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, double sum,
+                    PostPoint *point)
 {
     const int p = undo->col, q = undo->other, status = point->status[p];
     const int status_q = pair->f > 0 ? status : -3 - status;
@@ -117,10 +120,11 @@ static bool both_at_bounds(const UndoRecord *undo, const MergedPair *pair, doubl
 }
 
 // Status of a nonbasic column at x after a split: at a bound if x equals it, otherwise superbasic.
-static int status_at(double x, double lb, double ub)
+int status_at(double x, double lb, double ub)
 {
     return x == lb ? -1 : x == ub ? -2 : -3; // copied, so compared exactly
 }
+} // namespace
 
 void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
 {

@@ -15,8 +15,10 @@ namespace
 {
 // a sum below this share of the larger term is a rounding error
 constexpr double CANCELLED = 3e-10;
+
 // sums with at most this many entries are stored for postsolve
 constexpr int SHORT_ROW = 2;
+
 constexpr double CANCELLED_RHS = 1e-13;
 
 // Largest contribution of a small deleted entry to the row, if known.
@@ -114,6 +116,7 @@ struct Entering {
     int index = -1;
     double dual = 0, least = INFINITY;
 };
+
 void consider(Entering *best, int index, double dual)
 {
     if (std::fabs(dual) >= best->least) return;

@@ -15,8 +15,10 @@
 namespace
 {
 constexpr double LARGE_BOUND = 1e10; // a lower bound beyond counts as infinite
+
 // tolerances by which the relaxation must exceed the need
 constexpr double SPARE = 10;
+
 constexpr double INTEGRAL = 1e-10;
 
 struct Relief {
@@ -118,6 +120,7 @@ int try_row(PresolveWork *w, int i, double sign, Relief *list)
     for (; k < count; k++) TRY(fix_at_lower(w, list[k].col));
     return 0;
 }
+
 // Active rows that contain a column singleton.
 int rows_with_singletons(PresolveWork *w, int *list)
 {

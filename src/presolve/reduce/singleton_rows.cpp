@@ -15,9 +15,13 @@
 namespace
 {
 constexpr double SMALL_ENTRY = 1e-8; // a bound from a smaller one would be too inaccurate
-constexpr double TIGHTER = 1e-10;    // least improvement
+
+constexpr double TIGHTER = 1e-10; // least improvement
+
 constexpr int LONG_COLUMN = 50;
+
 constexpr double WAITS = 1e-3, STAYS = 1e-6; // entry beside the largest of its column
+
 enum Mode { REDUNDANT = 0, LOWER = 1, UPPER = 2, BOTH = 3 };
 
 // The bound of row i on its column: x = t, x <= t or x >= t. False if it cannot be satisfied.

@@ -11,12 +11,15 @@
 #include "presolve/postsolve.h"
 #include <cmath>
 
-static constexpr double INTEGRAL = 1e-10; // off an integer
+namespace
+{
+constexpr double INTEGRAL = 1e-10; // off an integer
 
-static bool is_integral(double v)
+bool is_integral(double v)
 {
     return std::fabs(v - std::round(v)) <= INTEGRAL;
 }
+} // namespace
 
 bool keeps_integers(const PresolveWork *w, int p)
 {

@@ -15,16 +15,24 @@
 
 namespace
 {
-constexpr int MAX_FILL = 1;   // new entries per sum
-constexpr int SCANNED = 3;    // columns, in addition to MAX_FILL, whose rows are counted
+constexpr int MAX_FILL = 1; // new entries per sum
+
+constexpr int SCANNED = 3; // columns, in addition to MAX_FILL, whose rows are counted
+
 constexpr int LEAST_GAIN = 2; // smallest decrease of the number of entries
+
 // equations with more rows in the scanned columns are skipped
 constexpr int MANY_ROWS = 1000;
-constexpr int MANY_CANDIDATES = 50;  // rows compared with one equation
+
+constexpr int MANY_CANDIDATES = 50; // rows compared with one equation
+
 constexpr double SAME_RATIO = 1e-12; // relative
+
 // A sum smaller than this share of the larger term would be inaccurate.
 constexpr double NEAR_CANCEL = 1e-4;
+
 constexpr double LARGEST_FACTOR = 100;
+
 constexpr double WORK_PER_ENTRY = 10; // limit of the effort
 
 struct EqEntry {
