@@ -3,7 +3,7 @@
 A row: file, the exact text to replace (once in its file, code only), its replacement, what that breaks, and the filter
 of the tests that should see it first ("" where only whole solves can).
 
-Last result     2026-11-22, behind commit a6f375c: 84 killed, 0 survived
+Last result     2026-11-22, commit c828cd4: 84 killed, 0 survived (by the first filters alone)
 """
 from collections import namedtuple
 
