@@ -3,7 +3,7 @@
 A row: file, the exact text to replace (once in its file, code only), its replacement, what that breaks, and the filter
 of the tests that should see it first ("" where only whole solves can).
 
-Last result     2026-11-22, behind commit a6f375c: 84 killed, 0 survived
+Last result     2026-11-22, commit c828cd4: 84 killed, 0 survived (by the first filters alone)
 """
 from collections import namedtuple
 
@@ -20,7 +20,7 @@ RUNTIME_AND_ENV = [
           "an inner environment inherits the callback of the outer one", "Callback.*:Env.*:LpAuxiliary.*"),
     Fault("src/env/limits.cpp",
           "if (env_stop_requested(env)) return TVX_INTERRUPTED;", "",
-          "presolve does not hear that it shall stop", "Limits.*"),
+          "presolve does not hear that it shall stop", "PresolvedModel.*"),
     Fault("src/env/parameters.cpp",
           "if (number < row->minimum)", "if (number < row->minimum - 1)",
           "an int parameter may be one below its least value", "Parameters.*"),
@@ -33,7 +33,7 @@ LU = [
     Fault("src/lu/lu_update.cpp",
           "std::abs(diag - expected) > R(UNSTABLE_RELATIVE) * std::abs(expected))",
           "std::abs(diag - expected) > R(1e6) * std::abs(expected))",
-          "the update believes a pivot that two ways compute differently", "Lu.*"),
+          "the update believes a pivot that two ways compute differently", "Families/Hostile.*"),
     Fault("src/lu/lu_solve.cpp",
           "for (int k = 0; k < count; k++) mark[list[k]] = 0;", "for (int k = 1; k < count; k++) mark[list[k]] = 0;",
           "a sparse solve leaves a mark behind", "Lu.*"),
@@ -48,7 +48,7 @@ BODY = [
           "a direction that gains nothing proves unboundedness", "Certificate.*"),
     Fault("src/body/quality.cpp",
           "is_equation(body, i) ? fabs(slack) : -slack", "is_equation(body, i) ? -slack : -slack",
-          "an equation that is exceeded from below is no violation", "QualityOf*"),
+          "an equation that is exceeded from below is no violation", "ApiPrograms.*"),
     Fault("src/body/quality.cpp",
           "violation_add(&result->BoundSVio, j, amount / scale_at(scale.col, j));",
           "violation_add(&result->BoundSVio, j, 0 / scale_at(scale.col, j));",
@@ -169,7 +169,7 @@ SIMPLEX_REST = [
           "the cutoff ends solves that are better than it", "Limits.*:HugeNumbers.*:SureAnswers.*"),
     Fault("src/simplex/sopt.cpp",
           "? s->Sense * s->Env->Cutoff - s->ObjOffset", "? s->Env->Cutoff - s->ObjOffset",
-          "the cutoff of a maximisation has the wrong sign", "Limits.*:HugeNumbers.*:SureAnswers.*"),
+          "the cutoff of a maximisation has the wrong sign", "StrongBranching.*"),
     Fault("src/simplex/ranging.cpp",
           "if (has_upper(s, upper)) limit_step(rises, upper - x, rate);",
           "if (has_upper(s, upper)) limit_step(rises, upper, rate);",
@@ -240,7 +240,7 @@ LP_AND_MIP = [
     Fault("src/lp/lp_credible.cpp",
           "*holds = bounds_hold(body, x.data, judge) && rows_hold(body, rows, judge);",
           "*holds = bounds_hold(body, x.data, judge) || rows_hold(body, rows, judge);",
-          "a point that misses a row of the model is called an optimum", "HugeNumbers.*:SureAnswers.*"),
+          "a point that misses a row of the model is called an optimum", "Families/Hostile.*"),
     Fault("src/lp/lp_presolved.cpp",
           "return form->dual ? 1 - method : method;", "return method;",
           "the dual form is solved by the method that the caller did not mean", "SureAnswers.*:Limits.*"),
