@@ -1,10 +1,11 @@
 // main.cpp -- the command `tarvex`
 //
 // In order: silence if the words ask for it; the command line; an environment (which reads tarvex.env); OutputFlag, so
-// that a parameter file is read as silently as asked; parameter files; the other parameters; each model in turn; the JSON
-// file. What is wrong with the command line itself is found before the first model is read and gives exit code 2; a model
-// that fails does not keep the next from being solved.
+// that a parameter file is read as silently as asked; outputs of an earlier call are removed; parameter files; the other
+// parameters; each model in turn; the JSON file. What is wrong with the command line itself is found before anything is
+// removed or a model is read and gives exit code 2; a model that fails does not keep the next from being solved.
 #include "arguments.h"
+#include "file_use.h"
 #include "json_result.h"
 #include "near_miss.h"
 #include "option_words.h"
@@ -36,6 +37,8 @@ struct Work {
     SolveRequest request;
     std::string json_file; // or empty
     bool convert = false;
+    bool own_results =
+        false; // the command line names result files, or asks for none by an empty name
 };
 
 static ExitCode usage(const std::string &text)
@@ -52,7 +55,8 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
         const bool is_setting = split_setting(word, &setting.name, &setting.value);
         std::error_code ignored;
         if (is_setting && name_key(setting.name) == "resultfile") {
-            work->request.results.push_back(setting.value);
+            work->own_results = true;
+            if (!setting.value.empty()) work->request.results.push_back(setting.value);
         } else if (is_setting && TVXgetparamtype(env, setting.name.c_str()) > 0) {
             work->settings.push_back(setting);
         } else if (!is_setting || std::filesystem::exists(word, ignored)) {
@@ -109,6 +113,9 @@ static ExitCode check_result(const std::string &file)
     if (file_kind(file) == FileKind::UNKNOWN)
         return usage("ResultFile='" + file +
                      "': end the name in .sol, .bas, .mst, .prm, .mps, .rew, .lp or .rlp");
+    if (file_kind(file) == FileKind::IIS)
+        return usage("ResultFile='" + file +
+                     "': what makes a model infeasible (IIS) cannot be written yet");
     return check_folder("ResultFile='", file);
 }
 
@@ -145,6 +152,9 @@ static ExitCode check_convert(const Work &work)
     if (work.models.size() != 2)
         return usage("--convert takes two files: the model, and the file to write");
     const std::string &target = work.models[1];
+    if (file_kind(target) == FileKind::IIS)
+        return usage("--convert to '" + target +
+                     "': what makes a model infeasible (IIS) cannot be written yet");
     if (file_kind(target) != FileKind::MODEL)
         return usage("--convert to '" + target +
                      "': end the name in .mps, .rew, .lp or .rlp");
@@ -171,10 +181,97 @@ static ExitCode check_results(const Work &work)
     return check_folder("--json '", work.json_file);
 }
 
-static ExitCode apply_settings(TVXenv *env, const Work &work, bool output_flag)
+// ---- The files ----
+
+static bool is_log_file(const std::string &name)
+{
+    return name_key(name) == "logfile";
+}
+
+// Refuses to write what is read, and one file twice. tarvex.env has been read by now, and its log file is open.
+static ExitCode check_files(TVXenv *env, const Arguments &arguments, const Work &work,
+                            FileUse *files)
+{
+    const SolveRequest &request = work.request;
+    const size_t n_models = work.convert ? 1 : work.models.size();
+    for (size_t k = 0; k < n_models; k++)
+        if (work.models[k] == STANDARD_INPUT)
+            files->reads_standard_input();
+        else
+            files->reads("the model", work.models[k]);
+    if (!request.start.empty()) files->reads("the start", request.start);
+    for (const std::string &file : arguments.param_files)
+        files->reads("the parameter file", file);
+    files->reads("the parameter file", "tarvex.env");
+
+    char log[TVX_PARAM_LENGTH + 1] = "";
+    TVXgetstrparam(env, "LogFile", log);
+    const std::string json = work.json_file == STANDARD_INPUT ? "" : work.json_file;
+    std::vector<std::string> faults = {files->writes("LogFile", log, Output::LOG)};
+    for (const Setting &setting : work.settings)
+        if (is_log_file(setting.name)) {
+            faults.push_back(ending_refused("LogFile", setting.value));
+            faults.push_back(files->writes("LogFile", setting.value, Output::LOG));
+        }
+    faults.push_back(ending_refused("--json", json));
+    faults.push_back(files->writes("--json", json, Output::RESULT));
+    faults.push_back(ending_refused("--solution", request.solution_file));
+    faults.push_back(files->writes("--solution", request.solution_file, Output::RESULT));
+    if (work.convert)
+        faults.push_back(files->writes("--convert", work.models[1], Output::RESULT));
+    for (const std::string &file : request.results)
+        faults.push_back(files->writes("ResultFile", file, Output::RESULT));
+    for (const std::string &fault : faults)
+        if (!fault.empty()) return usage(fault);
+    return EXIT_SOLVED;
+}
+
+// Every file is tried, and every failure reported.
+static ExitCode clear_outputs(const std::vector<std::string> &files)
+{
+    ExitCode worst = EXIT_SOLVED;
+    for (const std::string &file : files) {
+        const std::string fault = clear_output(file);
+        if (fault.empty()) continue;
+        report_error(fault);
+        worst = EXIT_ERROR;
+    }
+    return worst;
+}
+
+// Result files that only a solve can make: an older one must not pass for the result of this call, whatever ends it. Other
+// kinds hold the model and the parameters, which are what they are without a solve.
+static std::vector<std::string> results_of_solve(const Work &work)
+{
+    std::vector<std::string> files;
+    for (const std::string &file : work.request.results)
+        if (is_result_of_solve(file)) files.push_back(file);
+    return files;
+}
+
+static ExitCode clear_all(const Work &work)
+{
+    std::vector<std::string> files = results_of_solve(work);
+    if (!work.request.solution_file.empty()) files.push_back(work.request.solution_file);
+    if (!work.json_file.empty() && work.json_file != STANDARD_INPUT)
+        files.push_back(work.json_file);
+    return clear_outputs(files);
+}
+
+// ---- The parameters ----
+
+enum class Which { OUTPUT_FLAG, VALUES, ALL }; // VALUES: all but those that open a file
+
+static bool is_among(const std::string &name, Which which)
+{
+    if (which == Which::OUTPUT_FLAG) return name_key(name) == "outputflag";
+    return which == Which::ALL || !is_log_file(name);
+}
+
+static ExitCode apply_settings(TVXenv *env, const Work &work, Which which)
 {
     for (const Setting &setting : work.settings) {
-        if ((name_key(setting.name) == "outputflag") != output_flag) continue;
+        if (!is_among(setting.name, which)) continue;
         std::string error;
         const ExitCode code = parameter_set(env, setting.name, setting.value, &error);
         if (code == EXIT_SOLVED) continue;
@@ -184,26 +281,31 @@ static ExitCode apply_settings(TVXenv *env, const Work &work, bool output_flag)
     return EXIT_SOLVED;
 }
 
-static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &work)
+// Whether the values can be set, found out by doing it: a wrong one is a wrong command line.
+static ExitCode check_settings(TVXenv *env, const Work &work)
 {
-    if (const ExitCode code = apply_settings(env, work, true)) return code;
+    if (const ExitCode code = apply_settings(env, work, Which::OUTPUT_FLAG)) return code;
+    return apply_settings(env, work, Which::VALUES);
+}
+
+// The parameter files, and over them the words of the command line once more.
+static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &work,
+                          FileUse *files)
+{
     for (const std::string &file : arguments.param_files)
-        if (const ExitCode code = parameter_file_set(env, file)) return code;
-    if (const ExitCode code = apply_settings(env, work, true))
-        return code; // wins over a file that sets it too
-    return apply_settings(env, work, false);
+        if (const ExitCode code = parameter_file_set(env, file, files)) return code;
+    if (const ExitCode code = apply_settings(env, work, Which::OUTPUT_FLAG)) return code;
+    return apply_settings(env, work, Which::ALL);
 }
 
 // A result file that a parameter file names is written like those of the command line, which win over it; an empty name
 // asks for none.
 static void take_result_file(TVXenv *env, Work *work)
 {
-    std::vector<std::string> *results = &work->request.results;
     char file[TVX_PARAM_LENGTH + 1] = "";
     TVXgetstrparam(env, "ResultFile", file);
     TVXsetstrparam(env, "ResultFile", "");
-    if (results->empty()) results->emplace_back(file);
-    std::erase(*results, "");
+    if (*file) work->request.results.emplace_back(file);
 }
 
 // The environment, or null after a report.
@@ -225,6 +327,18 @@ static ExitCode describe_parameters(TVXenv *env, const std::vector<std::string> 
         if (code != EXIT_SOLVED) worst = code;
     }
     return worst;
+}
+
+// The same checks for the result file that tarvex.env or a parameter file asks for; the command line names none then.
+static ExitCode take_named_result(TVXenv *env, Work *work, FileUse *files)
+{
+    take_result_file(env, work);
+    if (const ExitCode code = check_results(*work)) return code;
+    for (const std::string &file : work->request.results) {
+        const std::string fault = files->writes("ResultFile", file, Output::RESULT);
+        if (!fault.empty()) return usage(fault);
+    }
+    return clear_outputs(results_of_solve(*work));
 }
 
 // out: standard output as it was, when the JSON goes there; else null.
@@ -270,17 +384,31 @@ static ExitCode prepare(TVXenv *env, const Arguments &arguments, Work *work)
     if (const ExitCode code = sort_words(env, arguments, work)) return code;
     if (const ExitCode code = take_options(arguments, work)) return code;
     if (const ExitCode code = check_work(*work)) return code;
-    if (work->convert)
-        if (const ExitCode code = check_convert(*work)) return code;
-    if (const ExitCode code = configure(env, arguments, *work)) return code;
-    if (work->convert) return EXIT_SOLVED;
-    take_result_file(env, work);
-    return check_results(*work);
+    if (const ExitCode code = work->convert ? check_convert(*work) : check_results(*work))
+        return code;
+    FileUse files;
+    if (const ExitCode code = check_files(env, arguments, *work, &files)) return code;
+    if (const ExitCode code = check_settings(env, *work)) return code;
+    if (const ExitCode code = clear_all(*work)) return code;
+    const ExitCode configured = configure(env, arguments, *work, &files);
+    if (work->convert) return configured;
+    if (!work->own_results) {
+        // Also when a parameter file was wrong in a later line.
+        const SilentScope scope(stderr, configured != EXIT_SOLVED);
+        const ExitCode named = take_named_result(env, work, &files);
+        if (configured == EXIT_SOLVED) return named;
+    }
+    TVXsetstrparam(env, "ResultFile", ""); // the command line wins
+    return configured;
 }
 
 static ExitCode run(const Arguments &arguments, bool silent)
 {
     FILE *json_out = arguments.json_file == STANDARD_INPUT ? divert_output() : nullptr;
+    if (!json_out && arguments.json_file == STANDARD_INPUT) {
+        report_error("--json -: standard output is closed");
+        return EXIT_ERROR;
+    }
     const OwnedEnv env = load_env(silent || arguments.list_parameters);
     if (!env) return EXIT_ERROR;
     if (arguments.list_parameters) return describe_parameters(env.get(), arguments.words);
@@ -292,8 +420,6 @@ static ExitCode run(const Arguments &arguments, bool silent)
 
     if (work.convert)
         return convert_file(env.get(), work.models[0], work.models[1], work.request.input);
-    // An older file must not pass for the result of this call, whatever ends it.
-    if (!work.json_file.empty() && !json_out) FileRemove(work.json_file.c_str());
     std::vector<std::string> objects;
     const ExitCode solved = solve_all(env.get(), work, &objects);
     const ExitCode written = write_json(work, objects, json_out);
@@ -321,6 +447,7 @@ static ExitCode parse_and_run(int argc, char **argv)
 int main(int argc, char **argv)
 {
     try {
+        hold_streams();
         const ExitCode code = parse_and_run(argc, argv);
         if (fflush(stdout) != 0 || ferror(stdout)) {
             report_error("standard output could not be written; check the free space");
