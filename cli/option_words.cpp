@@ -88,6 +88,7 @@ std::vector<std::string> option_words(int argc, char **argv, std::string *error)
             words.push_back((parameter.empty() ? word : parameter) + "=" + argv[++k]);
         } else {
             fail(word, " needs a value behind it");
+            k++; // what stands there counts as no option: "--quiet" must not silence this
         }
     }
     return words;
