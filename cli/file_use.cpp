@@ -49,9 +49,12 @@ bool FileUse::is_same(const Place &a, const Place &b)
     return !a.path.empty() && a.path == b.path;
 }
 
-// The name that the library opens: the first that can be read with the endings it tries, in its order.
+// The name that the library opens: the first that can be read with the endings it tries, in its order. A queue is not
+// touched: whoever writes into it would lose its reader.
 static std::string completed(const std::string &name)
 {
+    std::error_code failed;
+    if (std::filesystem::is_fifo(name, failed)) return name;
     for (const char *ending : {"", ".mps", ".rew", ".lp", ".rlp", ".ilp"})
         for (const char *packed : {"", ".gz", ".bz2"})
             if (FileCanRead((name + ending + packed).c_str()))

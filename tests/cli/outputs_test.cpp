@@ -154,6 +154,14 @@ TEST_F(CliOutputs, WordsAreTakenAsTheyStand)
         EXPECT_THAT(file_get("[out]"), HasSubstr("optimal")) << name;
     }
     EXPECT_THAT(run({"[ok.mps]"}).err, HasSubstr("'[ok.mps]'"));
+    // A parameter file that can be read only once.
+    ASSERT_EQ(mkfifo("set.fifo", 0600), 0);
+    EXPECT_EQ(system(("echo IterationLimit 0 >set.fifo & timeout 60 " +
+                      std::string(TARVEX_COMMAND) +
+                      " --params set.fifo Presolve=0 plan.mps >said")
+                         .c_str()),
+              0);
+    EXPECT_THAT(file_get("said"), HasSubstr("Iteration limit"));
 }
 
 // Whatever fails later, in the parameter file, the model, the start or the log file.
