@@ -60,6 +60,7 @@ static void add_answers(CLI::App *app, Arguments *arguments)
 
 static void add_inputs(CLI::App *app, Arguments *arguments)
 {
+    // For the help text alone; see options_of.
     app->add_option("words", arguments->words, "Parameters and model files, in any order")
         ->type_name("[Name=Value ...] MODEL ...");
     app->add_option("--start", arguments->start,
@@ -98,16 +99,40 @@ static std::string unknown_option(const CLI::App &app)
 }
 
 // --solution=FILE is two things at once to the parser: a flag, and a file.
-static void name_solution_file(std::vector<std::string> *words)
+static std::string name_solution_file(const std::string &word)
 {
     static constexpr std::string_view FLAG = "--solution=";
-    for (std::string &word : *words) {
-        if (word == "--") break;
-        if (word.starts_with(FLAG)) word = "--solution-file=" + word.substr(FLAG.size());
-    }
+    if (!word.starts_with(FLAG)) return word;
+    return "--solution-file=" + word.substr(FLAG.size());
 }
 
-Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
+// "--maximise=false" would be read as the opposite of what stands in front of it.
+static bool is_flag_with_value(const CLI::App &app, const std::string &word)
+{
+    const size_t equals = word.find('=');
+    if (equals == std::string::npos) return false;
+    const CLI::Option *option = app.get_option_no_throw(word.substr(0, equals));
+    return option && option->get_items_expected_max() == 0;
+}
+
+// The options for the parser; all other words go to *others as they stand, for the parser would take "[a.lp]" apart.
+static std::vector<std::string> options_of(const std::vector<std::string> &words,
+                                           std::vector<std::string> *others)
+{
+    std::vector<std::string> options;
+    bool all_words = false; // behind "--"
+    for (const std::string &word : words) {
+        if (all_words || !word.starts_with("-") || word == "-")
+            others->push_back(word);
+        else if (word == "--")
+            all_words = true;
+        else
+            options.push_back(name_solution_file(word));
+    }
+    return options;
+}
+
+Parsed arguments_parse(const std::vector<std::string> &words, Arguments *arguments,
                        std::string *error)
 {
     CLI::App app(DESCRIPTION, "tarvex");
@@ -117,11 +142,22 @@ Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
     app.set_version_flag("--version", version_text(), "Print the version and exit");
     add_inputs(&app, arguments);
     add_answers(&app, arguments);
-    name_solution_file(&words);
-    std::reverse(words.begin(),
-                 words.end()); // the last one first, as the parser wants them
+    std::vector<std::string> others;
+    std::vector<std::string> options = options_of(words, &others);
+    for (const std::string &option : options)
+        if (is_flag_with_value(app, option)) {
+            *error = "'" + option + "': this option takes no value";
+            return Parsed::WRONG;
+        }
+    for (const std::string &word : others)
+        if (word.empty()) {
+            *error = "an empty word ('') names no file";
+            return Parsed::WRONG;
+        }
+    std::reverse(options.begin(),
+                 options.end()); // the last one first, as the parser wants them
     try {
-        app.parse(std::move(words));
+        app.parse(std::move(options));
     } catch (const CLI::ParseError &e) {
         if (e.get_exit_code() == 0) {
             app.exit(e);
@@ -131,6 +167,7 @@ Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
         if (error->empty()) *error = e.what();
         return Parsed::WRONG;
     }
+    arguments->words = others;
     return Parsed::OK;
 }
 
@@ -169,8 +206,9 @@ FileKind file_kind(const std::string &name)
         }
     for (const std::string_view suffix : {".bas", ".mst"})
         if (stem.ends_with(suffix)) return FileKind::START;
-    for (const std::string_view suffix : {".mps", ".rew", ".lp", ".rlp", ".ilp"})
+    for (const std::string_view suffix : {".mps", ".rew", ".lp", ".rlp"})
         if (stem.ends_with(suffix)) return FileKind::MODEL;
+    if (stem.ends_with(".ilp")) return FileKind::IIS;
     if (stem.ends_with(".sol")) return FileKind::SOLUTION;
     if (stem.ends_with(".prm")) return FileKind::PARAMETERS;
     return FileKind::UNKNOWN;

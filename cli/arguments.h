@@ -21,7 +21,7 @@ struct Arguments {
 
 enum class Parsed { OK, DONE, WRONG };
 // The words come from option_words. DONE: --help or --version was answered. WRONG: the reason stands in *error.
-Parsed arguments_parse(std::vector<std::string> words, Arguments *arguments,
+Parsed arguments_parse(const std::vector<std::string> &words, Arguments *arguments,
                        std::string *error);
 
 // One word split at its first '='; false when it cannot be a parameter: no '=', nothing before it, or a slash
@@ -32,5 +32,6 @@ bool split_setting(const std::string &word, std::string *name, std::string *valu
 std::string name_key(const std::string &name);
 
 // What a file name says by its suffix, in any case and with a compression suffix left aside.
-enum class FileKind { MODEL, START, SOLUTION, PARAMETERS, UNKNOWN };
+// IIS: what makes a model infeasible; read like a model, but not written yet.
+enum class FileKind { MODEL, IIS, START, SOLUTION, PARAMETERS, UNKNOWN };
 FileKind file_kind(const std::string &name);

@@ -1,14 +1,19 @@
 // commented_parameters.cpp -- parameter files that say what their parameters do
 //
 // Method   The lines are those of the library, unchanged; above each stands what the parameter does, as a line that the
-//          reader passes over. The new file takes the place of the old one when it is complete.
+//          reader passes over. The new file takes the place of the old one when it is complete: behind links, and with the
+//          same permissions. A queue or device, and a file with several names, keep the bare lines.
 #include "commented_parameters.h"
 #include "arguments.h"
 #include "option_words.h"
 #include "runtime/file.h"
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/stat.h>
+
+static constexpr mode_t PERMISSIONS = 07777; // the bits of a file mode that chmod sets
 
 static std::string with_comments(std::istream &lines)
 {
@@ -26,13 +31,21 @@ static std::string with_comments(std::istream &lines)
 void comment_parameters(const std::string &file)
 {
     if (file_kind(file) != FileKind::PARAMETERS || FileCommand(file.c_str())) return;
-    std::ifstream written(file);
+    struct stat status = {};
+    std::error_code failed;
+    const std::string target = std::filesystem::canonical(file, failed).string();
+    if (failed || stat(target.c_str(), &status) != 0) return;
+    if (!S_ISREG(status.st_mode) || status.st_nlink > 1) return;
+    std::ifstream written(target);
     const std::string text = with_comments(written);
     if (written.bad() || text.empty()) return;
-    const std::string fresh = file + ".new";
+    const std::string fresh = target + ".new";
     FileHandle handle;
-    if (FileCanRead(fresh.c_str()) || FileOpen(fresh.c_str(), 'w', &handle)) return;
+    if (std::filesystem::exists(fresh, failed) || FileOpen(fresh.c_str(), 'w', &handle))
+        return;
     fwrite(text.data(), 1, text.size(), handle.stream);
-    if (FileClose(&handle) != 0 || rename(fresh.c_str(), file.c_str()) != 0)
+    if (FileClose(&handle) != 0 ||
+        chmod(fresh.c_str(), status.st_mode & PERMISSIONS) != 0 ||
+        rename(fresh.c_str(), target.c_str()) != 0)
         FileRemove(fresh.c_str());
 }

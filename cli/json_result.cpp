@@ -203,7 +203,8 @@ std::string json_result(TVXmodel *model, const std::string &file, const Failure 
     members.add("iterations", json_double(model, "IterCount"));
     members.add("barrier_iterations", json_int(model, "BarIterCount"));
     // Of an LP the attribute is an estimate of the work.
-    members.add("nodes", is_mip_model(model) ? json_double(model, "NodeCount") : "0");
+    members.add("nodes",
+                !model || is_mip_model(model) ? json_double(model, "NodeCount") : "0");
     members.add("violations", violation_object(model));
     members.add("seconds", time_object(times));
     members.add("error", error_object(failure));

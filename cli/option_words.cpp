@@ -16,6 +16,11 @@ static constexpr ShortName SHORT_NAMES[] = {
     {"quiet", "OutputFlag=0"},
 };
 
+// The options of the command itself with a file or a word behind them. They are joined with it here, before that word can
+// be taken for an option of its own.
+static constexpr const char *VALUE_OPTIONS[] = {"--json", "--params", "--start", "--format",
+                                                "--solution-file"};
+
 static std::string without_dashes(const std::string &text)
 {
     std::string rest;
@@ -41,9 +46,25 @@ static std::string meaning(const std::string &option)
     return text ? text->name : "";
 }
 
+static bool takes_value(const std::string &word)
+{
+    return std::ranges::any_of(VALUE_OPTIONS,
+                               [&](const char *option) { return word == option; });
+}
+
+// Whether argv[k] can be a value: it is there, is not empty and is no option. A value that begins with two dashes stands
+// behind '='.
+static bool is_value(int argc, char **argv, int k)
+{
+    return k < argc && *argv[k] && std::string_view(argv[k]).substr(0, 2) != "--";
+}
+
 std::vector<std::string> option_words(int argc, char **argv, std::string *error)
 {
     std::vector<std::string> words;
+    const auto fail = [error](const std::string &word, const char *reason) {
+        if (error->empty()) *error = "'" + word + "'" + reason;
+    };
     for (int k = 1; k < argc; k++) {
         const std::string word = argv[k];
         if (word == "--") {
@@ -54,20 +75,20 @@ std::vector<std::string> option_words(int argc, char **argv, std::string *error)
         const std::string parameter =
             word.starts_with("--") ? meaning(word.substr(2, equals - 2)) : "";
         const bool whole = parameter.find('=') != std::string::npos;
-        if (parameter.empty()) {
-            words.push_back(word);
-            if (word.starts_with("--") && word.back() == '=' && error->empty())
-                *error = "'" + word + "' needs a value";
+        if (word.starts_with("--") && word.back() == '=') {
+            fail(word, " needs a value");
         } else if (whole) {
             words.push_back(parameter);
-            if (equals != std::string::npos && error->empty())
-                *error = "'" + word + "': this option takes no value";
-        } else if (equals != std::string::npos) {
+            if (equals != std::string::npos) fail(word, ": this option takes no value");
+        } else if (equals != std::string::npos && !parameter.empty()) {
             words.push_back(parameter + word.substr(equals));
-        } else if (k + 1 < argc && std::string_view(argv[k + 1]).substr(0, 2) != "--") {
-            words.push_back(parameter + "=" + argv[++k]);
-        } else if (error->empty()) {
-            *error = "'" + word + "' needs a value behind it";
+        } else if (parameter.empty() && !takes_value(word)) {
+            words.push_back(word);
+        } else if (is_value(argc, argv, k + 1)) {
+            words.push_back((parameter.empty() ? word : parameter) + "=" + argv[++k]);
+        } else {
+            fail(word, " needs a value behind it");
+            k++; // what stands there counts as no option: "--quiet" must not silence this
         }
     }
     return words;

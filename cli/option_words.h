@@ -5,8 +5,9 @@
 #include <vector>
 
 // The words of the command line behind the name of the command, with each option that means a parameter turned into
-// Name=value: "--time-limit 10" is "TimeLimit=10". *error, unless it is set, says what is wrong with such an option; the
-// rest of the words is there all the same.
+// Name=value: "--time-limit 10" is "TimeLimit=10", and other options joined with their value:
+// "--json=out.json". *error, unless it is set, says what is wrong with such an option; the rest of the words is there all
+// the same.
 std::vector<std::string> option_words(int argc, char **argv, std::string *error);
 
 // "TimeLimit" as an option: "--time-limit".

@@ -5,6 +5,7 @@
 // Method      The same form (a name and a value on each line, '#' begins a comment), every line set like Name=Value;
 //             the first one that is wrong ends it, with its number.
 #include "parameter_file.h"
+#include "arguments.h"
 #include "near_miss.h"
 #include "parameters.h"
 #include "runtime/file.h"
@@ -28,7 +29,17 @@ static bool is_control(char c)
     return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\r' && c != '\f';
 }
 
-static ExitCode set_line(TVXenv *env, const std::string &line, std::string *error)
+// A log file is opened when it is set.
+static std::string log_fault(const std::string &name, const std::string &value,
+                             FileUse *files)
+{
+    if (name_key(name) != "logfile") return "";
+    const std::string fault = ending_refused("LogFile", value);
+    return fault.empty() ? files->writes("LogFile", value, Output::LOG) : fault;
+}
+
+static ExitCode set_line(TVXenv *env, const std::string &line, FileUse *files,
+                         std::string *error)
 {
     std::istringstream words(line);
     std::string name;
@@ -44,6 +55,8 @@ static ExitCode set_line(TVXenv *env, const std::string &line, std::string *erro
     if (error->empty() && !rest.empty() && rest[0] != '#')
         *error = "'" + rest + "' is too much: a line is a name and a value";
     if (!error->empty()) return EXIT_ERROR;
+    *error = log_fault(name, value, files);
+    if (!error->empty()) return EXIT_USAGE;
     if (parameter_set(env, name, value, error) != EXIT_SOLVED) {
         *error = name + "=" + value + ": " + *error;
         return EXIT_ERROR;
@@ -52,13 +65,12 @@ static ExitCode set_line(TVXenv *env, const std::string &line, std::string *erro
     return EXIT_SOLVED;
 }
 
-static ExitCode fail_at(const std::string &file, int line, const std::string &error)
+static void report_at(const std::string &file, int line, const std::string &error)
 {
     report_error("--params '" + file + "' line " + std::to_string(line) + ": " + error);
-    return EXIT_ERROR;
 }
 
-ExitCode parameter_file_set(TVXenv *env, const std::string &file)
+ExitCode parameter_file_set(TVXenv *env, const std::string &file, FileUse *files)
 {
     static constexpr char DOS_END = 26;
     static constexpr char BYTE_ORDER_MARK[] = "\xef\xbb\xbf";
@@ -74,8 +86,10 @@ ExitCode parameter_file_set(TVXenv *env, const std::string &file)
     std::string line;
     for (int number = 1; std::getline(lines, line); number++) {
         std::string error;
-        if (set_line(env, line, &error) == EXIT_SOLVED) continue;
-        return fail_at(file, number, error);
+        const ExitCode code = set_line(env, line, files, &error);
+        if (code == EXIT_SOLVED) continue;
+        report_at(file, number, error);
+        return code;
     }
     return EXIT_SOLVED;
 }

@@ -177,7 +177,9 @@ ExitCode parameter_describe(TVXenv *env, const std::string &name)
     for (const ValueWord &word : value_words(*text))
         words += (words.empty() ? "Words: " : ", ") + word.word + " (" + word.value + ")";
     print_wrapped(words, "  ");
-    printf("  tarvex %s=VALUE ...  or  tarvex %s VALUE ...\n", text->name,
-           parameter_option(text->name).c_str());
+    printf("  tarvex %s=VALUE ...", text->name);
+    if (!std::string_view(text->name).starts_with("TARV_")) // those have no handy option
+        printf("  or  tarvex %s VALUE ...", parameter_option(text->name).c_str());
+    printf("\n");
     return EXIT_SOLVED;
 }

@@ -36,6 +36,12 @@ void report_error(const std::string &text)
     fputs(line.c_str(), stderr);
 }
 
+ExitCode report_usage(const std::string &text)
+{
+    report_error(text);
+    return EXIT_USAGE;
+}
+
 // What a user can do about an error of this code; empty when the message says all.
 static const char *hint(int code)
 {

@@ -10,5 +10,8 @@ std::string one_line(const std::string &text);
 // Writes "tarvex: <text>" to standard error as one line, whatever `text` holds, after what the log has written.
 void report_error(const std::string &text);
 
+// The same for a wrong command line: EXIT_USAGE.
+ExitCode report_usage(const std::string &text);
+
 // The library's own words for a failed call, or "error <code>" when it has none; then what to do about it.
 std::string describe_failure(int code, const char *message);

@@ -31,6 +31,14 @@ void silence(FILE *stream)
     close(nowhere);
 }
 
+void hold_streams()
+{
+    // The lowest free number is the one of the stream that is missing; opened the wrong way round it still fails.
+    static constexpr int WAYS[] = {O_WRONLY, O_RDONLY, O_WRONLY};
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; stream++)
+        if (fcntl(stream, F_GETFD) < 0) static_cast<void>(open("/dev/null", WAYS[stream]));
+}
+
 FILE *divert_output()
 {
     fflush(stdout);

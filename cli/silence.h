@@ -9,7 +9,12 @@ bool silence_wanted(const std::vector<std::string> &words);
 
 void silence(FILE *stream); // for good
 
-// From here on standard output goes to standard error; returned is a stream to where it went before, or null.
+// Takes the places of standard streams that the caller has closed, so that no file gets their numbers: reading standard
+// input or writing standard output fails then, and what goes to standard error goes nowhere.
+void hold_streams();
+
+// From here on standard output goes to standard error; returned is a stream to where it went before, or null when that was
+// closed.
 FILE *divert_output();
 
 // Silent from construction to the end of its scope, if asked.

@@ -3,7 +3,6 @@
 #include "arguments.h"
 #include "commented_parameters.h"
 #include "json_result.h"
-#include "runtime/file.h"
 #include "solution_text.h"
 #include "status.h"
 #include <chrono>
@@ -26,28 +25,10 @@ static Failure read_start(TVXmodel *model, const std::string &file)
 
 // ---- Result files ----
 
-// Whether only a solve can make the file: what stands there from an earlier one must not pass for the result of this.
-static bool is_result_of_solve(const std::string &file)
+bool is_result_of_solve(const std::string &file)
 {
     const FileKind kind = file_kind(file);
     return kind == FileKind::START || kind == FileKind::SOLUTION;
-}
-
-static void drop_old_result(TVXmodel *model, const std::string &file)
-{
-    TVXenv *env = TVXgetenv(model);
-    TVXmsg(env, "WARNING: unable to write requested result file '%s'\n", file.c_str());
-    if (FileRemove(file.c_str()))
-        TVXmsg(env, "         The file of that name was older and is removed\n");
-    else if (FileCanRead(file.c_str()))
-        TVXmsg(env,
-               "         The file of that name is older, not the result of this solve\n");
-}
-
-static void drop_old_results(TVXmodel *model, const std::vector<std::string> &files)
-{
-    for (const std::string &file : files)
-        if (is_result_of_solve(file)) drop_old_result(model, file);
 }
 
 // A solve that ends without a point is an answer, and so is a file that is not there.
@@ -63,7 +44,9 @@ static Failure write_result(TVXmodel *model, const std::string &file)
     int status = TVX_LOADED;
     TVXgetintattr(model, "Status", &status);
     const bool absent = code == TVX_ERROR_DATA_NOT_AVAILABLE && is_result_of_solve(file);
-    if (absent) drop_old_result(model, file);
+    if (absent)
+        TVXmsg(TVXgetenv(model), "WARNING: unable to write requested result file '%s'\n",
+               file.c_str());
     if (absent && status != TVX_OPTIMAL) {
         TVXmsg(TVXgetenv(model), "         There is nothing to write: %s\n",
                status_text(status));
@@ -142,8 +125,6 @@ class Clock
 static Failure solve_model(TVXmodel *model, const std::string &file,
                            const SolveRequest &request)
 {
-    // An older file must not pass for the result of this solve.
-    if (!request.solution_file.empty()) FileRemove(request.solution_file.c_str());
     if (!request.start.empty()) {
         Failure failure = read_start(model, request.start);
         if (!failure.text.empty()) {
@@ -154,7 +135,6 @@ static Failure solve_model(TVXmodel *model, const std::string &file,
     TVXsetsignal(model);
     if (const int code = TVXoptimize(model)) {
         const std::string message = TVXgetmerrormsg(model);
-        drop_old_results(model, request.results);
         Failure failure = failed_call("cannot solve '" + file + "'", code, message.c_str());
         report_error(failure.text);
         return failure;

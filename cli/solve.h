@@ -15,6 +15,9 @@ struct SolveRequest {
     bool solution = false;            // print the solution
 };
 
+// Whether only a solve can make the file.
+bool is_result_of_solve(const std::string &file);
+
 // Reads, starts, solves and reports one model; errors are reported here. EXIT_SOLVED, EXIT_ERROR or
 // EXIT_INTERRUPTED. *json is the result for programs; json may be null.
 ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &request,
