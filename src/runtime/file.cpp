@@ -41,6 +41,19 @@ int descriptor_raise(int descriptor)
 
 // ---- Writing beside the name ----
 
+// A standard stream leads to this file, so that another one in its place would not get what the stream writes.
+bool is_standard_stream(const struct stat &status)
+{
+    for (int descriptor = 0; descriptor < FIRST_DESCRIPTOR; descriptor++) {
+        struct stat other {
+        };
+        if (fstat(descriptor, &other) == 0 && other.st_dev == status.st_dev &&
+            other.st_ino == status.st_ino)
+            return true;
+    }
+    return false;
+}
+
 // The file that `name` means, behind links, when it is new or may be replaced by another one: a regular file that may be
 // written and has this one name. Its mode, or that of new files. False: it is to be written directly.
 bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
@@ -56,7 +69,8 @@ bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
         if (!realpath(name, file->name) || stat(name, &status) != 0) return false;
     }
     *mode = status.st_mode & 07777;
-    return S_ISREG(status.st_mode) && status.st_nlink == 1 && access(name, W_OK) == 0;
+    return S_ISREG(status.st_mode) && status.st_nlink == 1 && access(name, W_OK) == 0 &&
+           !is_standard_stream(status);
 }
 
 // A new file beside file->name, called file->part; a descriptor, or -1.
