@@ -27,5 +27,5 @@ bool solution_available(const TVXmodel *model);
 [[nodiscard]] int solution_duals(TVXmodel *model, const double **pi, const double **rc);
 // [numvars] codes of VBasis, then [numconstrs] of CBasis.
 [[nodiscard]] int solution_basis(TVXmodel *model, const int **codes);
-// Fills lp_result->quality if that has not been done since the solve (quality.h).
+// Fills lp.result->quality if that has not been done since the solve (quality.h).
 [[nodiscard]] int solution_quality(TVXmodel *model);

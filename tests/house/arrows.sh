@@ -43,22 +43,30 @@ judge() {
     return $wrong
 }
 
-grep -rnoE '#include "[a-z_]+/[a-z_/]+\.h"' src |
-    sed -E 's,^src/([a-z_]+)/([^:]*):([0-9]+):#include "([a-z_]+)/(.*)",\1 \4 \2:\3 includes \4/\5,' | sort |
+# Own headers are included as "folder/file.h" and in no other way; no file of code is included.
+includes=$(grep -rnE '^[[:space:]]*#[[:space:]]*include' src)
+rooms=$(IFS='|'; echo "${!rank[*]}")
+odd=$(grep -E "\.\./|[<\"](src/)?($rooms)/|\.cpp[>\"]" <<<"$includes" | grep -vE ':#include "[a-z_]+/[a-z0-9_/]+\.h"$' || true)
+[ -z "$odd" ] || { echo "not of the form #include \"folder/file.h\":"; echo "$odd"; status=1; }
+sed -nE 's,^src/([a-z_]+)/([^:]*):([0-9]+):#include "([a-z_]+)/(.*)",\1 \4 \2:\3 includes \4/\5,p' <<<"$includes" |
     judge || status=1
+# The command uses the public header, the opener of files and the texts of parameters, which include nothing.
+odd=$(grep -rnE "#[[:space:]]*include[[:space:]]*[<\"](\.\./|src/|($rooms)/)" cli |
+    grep -vE '"(runtime/file|env/parameter_texts)\.h"' || true)
+[ -z "$odd" ] || { echo "the command includes:"; echo "$odd"; status=1; }
 
+# A symbol belongs to the lowest folder that defines it: templates and inline functions have copies above.
 if [ -d "$objects/src" ]; then
-    defined=$(mktemp) wanted=$(mktemp)
-    trap 'rm -f "$defined" "$wanted"' EXIT
-    for folder in "${!rank[@]}"; do # objects of files that are gone may still lie there
-        files=$(find "src/$folder" -name '*.cpp' -exec sh -c '[ -f "$0/$1.o" ] && echo "$0/$1.o"' "$objects" {} \;)
-        [ -n "$files" ] || continue
-        xargs nm -C --defined-only -g -f posix <<<"$files" |
-            awk -v f="$folder" -F ' [TDBRV] ' 'NF > 1 { print $1 "\t" f }' >>"$defined"
-        xargs nm -C -u -f posix <<<"$files" |
-            awk -v f="$folder" -F ' U' 'NF > 1 { print $1 "\t" f }' >>"$wanted"
-    done
-    awk -F '\t' 'NR == FNR { home[$1] = $2; next } $1 in home { print $2, home[$1], "uses " $1 }' \
-        "$defined" <(sort -u "$wanted") | judge || status=1
+    symbols=$(mktemp)
+    trap 'rm -f "$symbols"' EXIT
+    while read -r source; do # objects of files that are gone may still lie there
+        folder=${source#src/}
+        [ -f "$objects/$source.o" ] || { echo "no object of $source"; status=1; continue; }
+        nm -g -P "$objects/$source.o" |
+            awk -v f="${folder%%/*}" -v r="${rank[${folder%%/*}]}" '{ print $2 ~ /^[Uwv]$/ ? "uses" : "has", r, f, $1 }'
+    done < <(find src -name '*.cpp') | sort -u >"$symbols"
+    sort -k1,1 -k2,2n "$symbols" |
+        awk '$1 == "has" && !($4 in home) { home[$4] = $3 }
+             $1 == "uses" && $4 in home { print $3, home[$4], "uses " $4 }' | c++filt | judge || status=1
 fi
 exit $status
