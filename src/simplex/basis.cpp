@@ -38,6 +38,7 @@ template<class R> int Refactor(sopt *s, swork<R> *w)
     const BasisMatrix matrix{s->NumRows, s->NumCols, s->ColBeg.data, s->ColInd.data,
                              s->ColVal.data};
     s->NumFactor++;
+    s->BaseLost |= s->Probing;
     if (s->Running) callback_poll(s->Env, TVX_WHERE_POLLING, {});
     for (int repairs = 0;; repairs++) {
         const int result = FactorBasis(&w->Lu, &matrix, s->BasisHead.data, s->MarkowitzTol,
@@ -192,7 +193,7 @@ template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
 
 bool wants_confirmation(const sopt *s)
 {
-    return s->Env->TARV_PAR_SIMPLEXENDFAC || s->MarkowitzTol > s->Env->MarkowitzTol;
+    return s->EndFactor || s->MarkowitzTol > s->Env->MarkowitzTol;
 }
 
 void distrust_factors(sopt *s)

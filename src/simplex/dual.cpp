@@ -28,17 +28,11 @@ constexpr double UPDATES_POWER = 0.65;
 
 constexpr int CYCLE_HITS = 30; // repetitions after which a cycle is assumed
 
-// Error of the dual bound relative to the sum of the magnitudes of its terms. Far above the rounding of the sum itself,
-// since the multipliers have the error of solves with the factors.
-constexpr double CUTOFF_ROUNDING = 1e-10;
-
-// Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
-constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
-
 // Refactorisation changes positions: the weights are carried over by variable.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
 {
-    if (has_factor(s, w) && w->Lu.NumUpdates == 0) return 0;
+    const bool usable = s->RefacReason == REFAC_VALUES || w->Lu.NumUpdates == 0;
+    if (has_factor(s, w) && usable) return 0;
     dual_weights_save(s, w);
     const int repairs = s->SingularCount;
     TRY(Refactor(s, w));
@@ -88,59 +82,6 @@ template<class R> void watch_pivot(const sopt *s, dopt<R> *d)
         d->CycleHits++;
 }
 
-bool has_cutoff(const sopt *s)
-{
-    return s->Cutoff < UNDEFINED_VALUE;
-}
-
-// A sum of products, with the sum of the magnitudes of its terms for an error bound.
-struct BoundSum {
-    long double value = 0, size = 0;
-    void add(long double term)
-    {
-        value += term;
-        size += std::fabs(term);
-    }
-};
-
-// In the user's units.
-template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
-{
-    double largest = 0;
-    for (int i = 0; i < s->NumRows; i++) {
-        const double value = std::fabs(static_cast<double>(w->Bbar.data[i]));
-        largest = std::max(largest, value * user_unit(s, s->BasisHead.data[i]));
-    }
-    return largest;
-}
-
-// True if the Lagrangian bound with the multipliers of the basis for the true (unperturbed) costs exceeds the cutoff by
-// more than rounding errors. Where the bound that a reduced cost asks for is infinite, a reduced cost within OptTol is
-// multiplied by an assumed largest value (OPEN_LEAST, OPEN_SHARE); a larger one makes the test fail. RowVal is used.
-template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
-{
-    R *d = w->RowVal.data;
-    compute_dual_for(s, w, s->Cost.data, d);
-    BoundSum bound;
-    // sum of |reduced costs| without a bound, per user unit of the variable
-    double open = 0;
-    for (int i = 0; i < s->NumRows; i++)
-        bound.add(-static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i]);
-    for (int j = 0; j < s->NumVars; j++) {
-        if (is_basic(s, j)) continue;
-        const double side = d[j] > 0 ? s->Lower.data[j] : s->Upper.data[j];
-        if (has_lower(s, side) && has_upper(s, side))
-            bound.add(static_cast<long double>(d[j]) * side);
-        else if (std::abs(d[j]) <= R(s->OptTol))
-            open += static_cast<double>(std::abs(d[j])) / user_unit(s, j);
-        else
-            return false;
-    }
-    if (open > 0) open *= std::max(OPEN_LEAST, OPEN_SHARE * largest_basic_value(s, w));
-    const long double sure = bound.value - CUTOFF_ROUNDING * bound.size - open;
-    return static_cast<double>(sure) / s->ObjScale > s->Cutoff;
-}
-
 // Fresh factors, values and reduced costs.
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
@@ -161,8 +102,9 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     dual_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
-    if (has_cutoff(s) && !s->BoxPhase && bound_passes_cutoff(s, w))
-        s->Status = SIMPLEX_CUTOFF;
+    if (tracks_objective(s)) dual_set_objective(s, w);
+    if (has_cutoff(s) && !s->BoxPhase && (s->Perturbed || s->DualObj > s->CutoffFrom))
+        dual_test_cutoff(s, w);
     return 0;
 }
 
@@ -201,6 +143,7 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
     if (s->Perturbed) {
         dual_remove_perturbation(s);
         compute_dual(s, w);
+        if (tracks_objective(s)) dual_set_objective(s, w);
         const Infeasibility inf = measure_infeasibility(s, w);
         s->Status = inf.DualCount == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
     } else {
@@ -237,7 +180,9 @@ template<class R> void set_row_aside(sopt *s, swork<R> *w)
 template<class R> bool no_column(sopt *s, swork<R> *w)
 {
     const bool fresh = w->Lu.NumUpdates == 0;
-    if (!s->BoxPhase && (fresh || !wants_confirmation(s)) && proves_infeasible(s, w)) {
+    const bool sure = fresh || !wants_confirmation(s);
+    if (!s->BoxPhase && sure &&
+        ((s->Live && proves_simply(s, w)) || proves_infeasible(s, w))) {
         s->Status = SIMPLEX_INFEASIBLE;
     } else if (!fresh) {
         s->RefacReason = REFAC_CONFIRM;
@@ -333,8 +278,19 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
     return true;
 }
 
-// Updates values, reduced costs, weights, basis and factors.
-template<class R> void apply_step(sopt *s, swork<R> *w)
+// The factors follow the basis. 0 or OUT_OF_MEMORY.
+template<class R> int update_factor(sopt *s, swork<R> *w, int r, int entered, int left)
+{
+    if (!s->Probing) {
+        s->RefacReason = UpdateFactor(&w->Lu, r, w->Dual->AlphaCol);
+        return 0;
+    }
+    TRY(array_append(&s->Path, PivotRecord{entered, left}));
+    return lu_product_update(&w->Lu, r, &w->Alpha);
+}
+
+// Updates values, reduced costs, weights, basis and factors. 0 or OUT_OF_MEMORY.
+template<class R> int apply_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, q = d->PivotCol;
@@ -353,23 +309,25 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     s->NPvt++;
     s->Work++;
     watch_pivot(s, d);
-    s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
+    TRY(update_factor(s, w, r, q, leaving));
     if (s->RefacReason == REFAC_NONE) simplex_self_check(s, w, CheckPoint::UPDATED, -1);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
+    if (s->DualObj > s->CutoffFrom && !s->BoxPhase) dual_test_cutoff(s, w);
+    return 0;
 }
 
-// One pivot, or a decision that asks for a refresh or ends the run.
-template<class R> void iterate(sopt *s, swork<R> *w)
+// One pivot, or a decision that asks for a refresh or ends the run. 0 or OUT_OF_MEMORY.
+template<class R> int iterate(sopt *s, swork<R> *w)
 {
     if (!choose_row(s, w)) {
         no_row(s, w);
-        return;
+        return 0;
     }
     const double before = s->WorkUnits;
     compute_row(s, w);
     w->Dual->RowWork += s->WorkUnits - before;
-    if (!dual_ratio(s, w, pivot_floor(w)) && !no_column(s, w)) return;
-    if (compute_step(s, w)) apply_step(s, w);
+    if (!dual_ratio(s, w, pivot_floor(w)) && !no_column(s, w)) return 0;
+    return compute_step(s, w) ? apply_step(s, w) : 0;
 }
 
 bool has_free_nonbasics(const sopt *s)
@@ -466,7 +424,7 @@ template<class R> int dual_pivots(sopt *s, swork<R> *w)
             write_log(s, w);
         }
         if (limit_reached(s)) break;
-        iterate(s, w);
+        TRY(iterate(s, w));
         stall_count_pass(s);
     }
     return 0;

@@ -76,7 +76,7 @@ bool limit_reached(sopt *s)
     if (s->Running) callback_poll(s->Env, TVX_WHERE_SIMPLEX, {s, simplex_answer});
     if (env_stop_requested(s->Env))
         s->Status = SIMPLEX_INTERRUPTED;
-    else if (iterations(s) >= s->Env->IterationLimit)
+    else if (iterations(s) >= s->IterLimit)
         s->Status = SIMPLEX_ITERATION_LIMIT;
     else if (WallClock() - s->Env->optimize_start >= s->Env->TimeLimit)
         s->Status = SIMPLEX_TIME_LIMIT;
