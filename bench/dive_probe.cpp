@@ -59,9 +59,11 @@ struct Kind {
         const double det = calls * xx - iterations * iterations;
         const double slope = det > 0 ? (calls * xy - iterations * seconds) / det : 0;
         const double fixed = calls > 0 ? (seconds - slope * iterations) / calls : 0;
-        printf("\"%s\": {\"calls\": %.0f, \"iterations\": %.0f, \"factored\": %.0f, \"seconds\": %.6f, "
+        printf("\"%s\": {\"calls\": %.0f, \"iterations\": %.0f, \"factored\": %.0f, "
+               "\"seconds\": %.6f, "
                "\"fixed_us\": %.3f, \"pivot_us\": %.3f}%s",
-               name, calls, iterations, factored, seconds, 1e6 * fixed, 1e6 * slope, last ? "" : ", ");
+               name, calls, iterations, factored, seconds, 1e6 * fixed, 1e6 * slope,
+               last ? "" : ", ");
     }
 };
 
@@ -84,7 +86,8 @@ struct Lp {
         fprintf(stderr, "%s: %d\n", what, code);
         exit(1);
     }
-    ResolveOutcome solve(const std::vector<Bounds> &changes, Kind *kind, double cutoff = 1e100)
+    ResolveOutcome solve(const std::vector<Bounds> &changes, Kind *kind,
+                         double cutoff = 1e100)
     {
         for (const Bounds &b : changes) {
             lower[size_t(b.var)] = b.lower;
@@ -111,13 +114,18 @@ struct Lp {
     ResolveOutcome optimize(const std::vector<Bounds> &changes)
     {
         for (const Bounds &b : changes)
-            if (!simplex_change_bound(record, b.var, b.lower, b.upper)) fail("bound", b.var);
+            if (!simplex_change_bound(record, b.var, b.lower, b.upper))
+                fail("bound", b.var);
         SimplexCall call;
         call.Method = METHOD_DUAL;
         if (int code = SimplexOptimize(&record, body, env, call)) fail("optimize", code);
-        return {simplex_status(record), simplex_objective(record), simplex_iterations(record)};
+        return {simplex_status(record), simplex_objective(record),
+                simplex_iterations(record)};
     }
-    bool integer(int j) const { return body->vtypes.size > 0 && body->vtypes.data[j] != 'C'; }
+    bool integer(int j) const
+    {
+        return body->vtypes.size > 0 && body->vtypes.data[j] != 'C';
+    }
     // The integer variable farthest from an integer, or -1.
     int most_fractional(double *x) const
     {
@@ -125,7 +133,8 @@ struct Lp {
         double most = FRACTION;
         for (int j = 0; j < body->numvars; j++) {
             if (!integer(j) || !simplex_is_basic(record, j)) continue;
-            const double value = simplex_value(record, j), gap = std::fabs(value - std::round(value));
+            const double value = simplex_value(record, j),
+                         gap = std::fabs(value - std::round(value));
             if (gap <= most) continue;
             most = gap;
             best = j;
@@ -135,7 +144,8 @@ struct Lp {
     }
     Bounds branch(int j, double x, bool up) const
     {
-        return up ? Bounds{j, std::ceil(x), upper[size_t(j)]} : Bounds{j, lower[size_t(j)], std::floor(x)};
+        return up ? Bounds{j, std::ceil(x), upper[size_t(j)]}
+                  : Bounds{j, lower[size_t(j)], std::floor(x)};
     }
 };
 
@@ -160,7 +170,8 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, std::mt19937 *rng)
         const bool up = x - std::floor(x) > 0.5;
         undo.push_back({j, lp->lower[size_t(j)], lp->upper[size_t(j)]});
         path.push_back({j, x, up, {}, {}});
-        if (lp->live && simplex_save_basis(lp->record, &path.back().basis)) lp->fail("save", 0);
+        if (lp->live && simplex_save_basis(lp->record, &path.back().basis))
+            lp->fail("save", 0);
         ResolveOutcome outcome = lp->solve({lp->branch(j, x, up)}, dives);
         if (outcome.Status != TVX_OPTIMAL) {
             lp->lower[size_t(j)] = undo.back().lower;
@@ -172,7 +183,8 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, std::mt19937 *rng)
     }
     // back to nodes of the dive, the other branch there
     std::vector<Bounds> own; // bounds of the path, by level
-    for (const Node &node : path) own.push_back({node.var, lp->lower[size_t(node.var)], lp->upper[size_t(node.var)]});
+    for (const Node &node : path)
+        own.push_back({node.var, lp->lower[size_t(node.var)], lp->upper[size_t(node.var)]});
     for (int k = 0; k < JUMPS && !path.empty(); k++) {
         const size_t level = (*rng)() % path.size();
         std::vector<double> low = lp->lower, high = lp->upper;
@@ -181,16 +193,19 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, std::mt19937 *rng)
             high[size_t(undo[u].var)] = undo[u].upper;
         }
         for (size_t u = 0; u < level; u++) {
-            const Bounds b = {path[u].var, path[u].up ? std::ceil(path[u].x) : undo[u].lower,
+            const Bounds b = {path[u].var,
+                              path[u].up ? std::ceil(path[u].x) : undo[u].lower,
                               path[u].up ? undo[u].upper : std::floor(path[u].x)};
             low[size_t(b.var)] = b.lower;
             high[size_t(b.var)] = b.upper;
         }
         const Node &node = path[level];
-        (node.up ? high : low)[size_t(node.var)] = node.up ? std::floor(node.x) : std::ceil(node.x);
+        (node.up ? high : low)[size_t(node.var)] =
+            node.up ? std::floor(node.x) : std::ceil(node.x);
         std::vector<Bounds> changes;
         for (int j = 0; j < lp->body->numvars; j++)
-            if (low[size_t(j)] != lp->lower[size_t(j)] || high[size_t(j)] != lp->upper[size_t(j)])
+            if (low[size_t(j)] != lp->lower[size_t(j)] ||
+                high[size_t(j)] != lp->upper[size_t(j)])
                 changes.push_back({j, low[size_t(j)], high[size_t(j)]});
         const double start = processor_time();
         if (lp->live && simplex_load_basis(lp->record, node.basis)) lp->fail("load", 0);
@@ -287,16 +302,20 @@ void cut_rounds(Lp *lp, Kind *appends, Kind *deletes)
         }
         if (cuts.empty()) return;
         std::vector<LiveRow> rows;
-        for (const Cut &cut : cuts) rows.push_back({int(cut.ind.size()), cut.ind.data(), cut.val.data(), '<', cut.rhs});
+        for (const Cut &cut : cuts)
+            rows.push_back(
+                {int(cut.ind.size()), cut.ind.data(), cut.val.data(), '<', cut.rhs});
         const double start = processor_time();
-        if (int code = simplex_append_rows(lp->record, rows.data(), int(rows.size()))) lp->fail("append", code);
+        if (int code = simplex_append_rows(lp->record, rows.data(), int(rows.size())))
+            lp->fail("append", code);
         const double time = processor_time() - start;
         if (lp->solve({}, appends).Status != TVX_OPTIMAL) return;
         appends->seconds += time;
     }
     const int m = simplex_num_rows(lp->record), n = lp->body->numvars;
     std::vector<char> drop(size_t(m), 0);
-    for (int i = lp->body->numconstrs; i < m; i++) drop[size_t(i)] = simplex_is_basic(lp->record, n + i);
+    for (int i = lp->body->numconstrs; i < m; i++)
+        drop[size_t(i)] = simplex_is_basic(lp->record, n + i);
     const double start = processor_time();
     if (int code = simplex_delete_rows(lp->record, drop.data())) lp->fail("delete", code);
     const double time = processor_time() - start;
@@ -327,7 +346,8 @@ void tree(Lp *lp, double most, double seconds)
         }
         std::vector<Bounds> changes;
         for (int j = 0; j < lp->body->numvars; j++)
-            if (l[size_t(j)] != lp->lower[size_t(j)] || u[size_t(j)] != lp->upper[size_t(j)])
+            if (l[size_t(j)] != lp->lower[size_t(j)] ||
+                u[size_t(j)] != lp->upper[size_t(j)])
                 changes.push_back({j, l[size_t(j)], u[size_t(j)]});
         const ResolveOutcome outcome = lp->solve(changes, nullptr, best);
         nodes++;
@@ -347,7 +367,8 @@ void tree(Lp *lp, double most, double seconds)
         }
     }
     const double time = processor_time() - start;
-    printf("\"nodes\": %.0f, \"iterations\": %.0f, \"seconds\": %.3f, \"nodes_per_second\": %.1f, \"best\": %.10g, "
+    printf("\"nodes\": %.0f, \"iterations\": %.0f, \"seconds\": %.3f, "
+           "\"nodes_per_second\": %.1f, \"best\": %.10g, "
            "\"complete\": %d",
            nodes, iterations, time, nodes / time, best, int(stack.empty()));
 }
@@ -356,7 +377,8 @@ void set_parameter(TVXenv *env, char *word, char *equals)
 {
     *equals = 0;
     const int type = TVXgetparamtype(env, word);
-    if (type == 1 ? TVXsetintparam(env, word, atoi(equals + 1)) : TVXsetdblparam(env, word, strtod(equals + 1, nullptr)))
+    if (type == 1 ? TVXsetintparam(env, word, atoi(equals + 1))
+                  : TVXsetdblparam(env, word, strtod(equals + 1, nullptr)))
         exit(1);
 }
 } // namespace
@@ -394,10 +416,11 @@ int main(int argc, char **argv)
     const double start = processor_time();
     if (SimplexOptimize(&lp.record, lp.body, lp.env, {})) return 1;
     const double root = processor_time() - start;
-    printf("{\"model\": \"%s\", \"rows\": %d, \"columns\": %d, \"root_status\": %d, \"root_objective\": %.12g, "
+    printf("{\"model\": \"%s\", \"rows\": %d, \"columns\": %d, \"root_status\": %d, "
+           "\"root_objective\": %.12g, "
            "\"root_iterations\": %.0f, \"root_seconds\": %.4f, ",
-           file, lp.body->numconstrs, lp.body->numvars, simplex_status(lp.record), simplex_objective(lp.record),
-           simplex_iterations(lp.record), root);
+           file, lp.body->numconstrs, lp.body->numvars, simplex_status(lp.record),
+           simplex_objective(lp.record), simplex_iterations(lp.record), root);
     Kind dives{"dive"}, jumps{"jump"}, appends{"append"}, deletes{"delete"};
     if (simplex_status(lp.record) == TVX_OPTIMAL) {
         if (lp.live && simplex_go_live(lp.record)) return 1;
@@ -406,7 +429,8 @@ int main(int argc, char **argv)
         if (nodes > 0)
             tree(&lp, nodes, seconds);
         else
-            for (int k = 0; k < 20 && processor_time() - start - root < seconds; k++) dive(&lp, &dives, &jumps, &rng);
+            for (int k = 0; k < 20 && processor_time() - start - root < seconds; k++)
+                dive(&lp, &dives, &jumps, &rng);
         if (nodes == 0 && lp.live) cut_rounds(&lp, &appends, &deletes);
     }
     if (nodes == 0) {

@@ -45,10 +45,12 @@ template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
     return largest;
 }
 
-// Lagrangian bound for slack reduced costs `slack` [m], which are minus the multipliers of the basis for `cost`.
+// Lagrangian bound for the multipliers of the basis for `cost`, given by the slacks' reduced costs [m] for it.
 template<class R>
-double lagrangian(const sopt *s, const swork<R> *w, const R *slack, const double *cost)
+double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double *cost)
 {
+    R *slack = w->RowVal.data; // minus the multipliers
+    for (int i = 0; i < s->NumRows; i++) slack[i] = slack_cbar[i] - R(cost[s->NumCols + i]);
     BoundSum bound;
     double open =
         0; // sum of |reduced costs| without a bound, per user unit of the variable
@@ -62,7 +64,7 @@ double lagrangian(const sopt *s, const swork<R> *w, const R *slack, const double
             for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
                 d += R(s->ColVal.data[p]) * slack[s->ColInd.data[p]];
         if (d == R(0)) continue;
-        const double side = d > 0 ? s->Lower.data[j] : s->Upper.data[j];
+        const double side = d > R(0) ? s->Lower.data[j] : s->Upper.data[j];
         if (has_lower(s, side) && has_upper(s, side))
             bound.add(static_cast<long double>(d) * side);
         else if (std::abs(d) <= R(s->OptTol))

@@ -9,10 +9,10 @@ double basic_value(const sopt *s, int r)
                    : s->Double->Bbar.data[r];
 }
 
-double working_cbar(const sopt *s, int k)
+double minus_multiplier(const sopt *s, int i)
 {
-    return s->Quad ? static_cast<double>(s->Extended->Cbar.data[k])
-                   : s->Double->Cbar.data[k];
+    return s->Quad ? static_cast<double>(minus_multiplier(s, s->Extended, i))
+                   : minus_multiplier(s, s->Double, i);
 }
 } // namespace
 
@@ -39,13 +39,13 @@ double simplex_reduced_cost(const sopt *s, int j)
     double d = is_basic(s, j) ? 0 : s->WorkCost.data[j];
     if (!is_basic(s, j))
         for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            d += s->ColVal.data[p] * working_cbar(s, s->NumCols + s->ColInd.data[p]);
+            d += s->ColVal.data[p] * minus_multiplier(s, s->ColInd.data[p]);
     return d / (s->ColScale.data[j] * s->ObjScale);
 }
 
 double simplex_pi(const sopt *s, int i)
 {
-    return -working_cbar(s, s->NumCols + i) * s->RowScale.data[i] / s->ObjScale;
+    return -minus_multiplier(s, i) * s->RowScale.data[i] / s->ObjScale;
 }
 
 namespace

@@ -16,6 +16,9 @@
 
 namespace
 {
+constexpr double TOLERANCE_FLOOR =
+    1e-9; // smallest feasibility tolerance that doubles support
+
 bool crosses(const sopt *s, int j)
 {
     return s->Lower.data[j] - s->Upper.data[j] > s->FeasTol;
@@ -24,7 +27,10 @@ bool crosses(const sopt *s, int j)
 // Reduced cost of a nonbasic column from the multipliers.
 template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
 {
-    return R(s->WorkCost.data[j]) + column_dot(s, j, w->Cbar.data + s->NumCols);
+    R d = R(s->WorkCost.data[j]);
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        d += R(s->ColVal.data[p]) * minus_multiplier(s, w, s->ColInd.data[p]);
+    return d;
 }
 
 // The status of nonbasic j within its new bounds, by the sign of its reduced cost. A reduced cost that asks for a bound
@@ -195,8 +201,9 @@ int recover(sopt *s, double limit)
 bool is_final(int status)
 {
     return status == SIMPLEX_OPTIMAL || status == SIMPLEX_INFEASIBLE ||
-           status == SIMPLEX_CUTOFF || status == SIMPLEX_ITERATION_LIMIT ||
-           status == SIMPLEX_TIME_LIMIT || status == SIMPLEX_INTERRUPTED;
+           status == SIMPLEX_UNBOUNDED || status == SIMPLEX_CUTOFF ||
+           status == SIMPLEX_ITERATION_LIMIT || status == SIMPLEX_TIME_LIMIT ||
+           status == SIMPLEX_INTERRUPTED;
 }
 
 template<class R> int run(sopt *s, swork<R> *w)
@@ -271,26 +278,36 @@ template<class R> int go_live(sopt *s, swork<R> *w)
 
 template<class R> int clean(sopt *s, swork<R> *w)
 {
+    if (s->Live != LIVE_FRESH) return 0; // the next solve computes all
     if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
         dual_weights_save(s, w);
         TRY(Refactor(s, w));
         dual_weights_restore(s, w);
     }
-    const int status = s->Status;
     finish_values(s, w);
-    set_basic_bounds(s);
-    row_copy_partition(s);
-    dual_list_reset(s, w);
-    dual_set_objective(s, w);
-    s->Status = status;
-    s->Live = LIVE_FRESH;
+    s->Live = LIVE_STALE;
     return 0;
+}
+} // namespace
+
+namespace
+{
+// The tolerance is one of the working LP. For integer variables it has to be small in units of the body, too: a value
+// beyond a bound by more than IntFeasTol would look fractional.
+void fit_tolerance(sopt *s)
+{
+    double largest = 1;
+    for (int j = 0; j < s->NumCols && s->Body->vtypes.size > 0; j++)
+        if (s->Body->vtypes.data[j] != 'C') largest = std::max(largest, user_unit(s, j));
+    s->FeasTol =
+        std::min(s->FeasTol, std::max(TOLERANCE_FLOOR, s->Env->IntFeasTol / largest));
 }
 } // namespace
 
 int simplex_go_live(sopt *s)
 {
     assert(s->HasBasis);
+    fit_tolerance(s);
     s->Crossed = 0;
     for (int j = 0; j < s->NumCols; j++) s->Crossed += crosses(s, j);
     return s->Quad ? go_live(s, s->Extended) : go_live(s, s->Double);

@@ -6,7 +6,8 @@
 // LiveState    what it means                                              set by
 //   LIVE_NO     the record belongs to SimplexOptimize                     SimplexOptimize
 //   LIVE_STALE  basis and bounds stand; values, reduced costs, merits     simplex_go_live, simplex_load_basis,
-//               and perhaps factors are to be computed by the next solve  simplex_delete_rows, a failed solve
+//               and perhaps factors are to be computed by the next solve  simplex_delete_rows, simplex_clean, a solve that
+//                                                                         needed another method
 //   LIVE_FRESH  all belong together, with true costs and bounds           simplex_resolve
 // All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
 // TimeLimit and the stop flag count, limits and cutoff are arguments.
@@ -30,7 +31,8 @@ struct ResolveCall {
         1e100; // no better objective than this is of interest: as simplex_objective
 };
 struct ResolveOutcome {
-    // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC
+    // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED after rows
+    // were deleted that bounded the LP
     int Status;
     // As simplex_objective: of OPTIMAL the optimum; of the others a lower bound that holds in spite of shifted costs, or
     // -UNDEFINED_VALUE. Without meaning for INFEASIBLE.

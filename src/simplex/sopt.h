@@ -370,6 +370,12 @@ template<class R> inline R column_dot(const sopt *s, int j, const R *v)
     return sum;
 }
 
+// Minus the multiplier of row i: the slack may have a shifted cost.
+template<class R> inline R minus_multiplier(const sopt *s, const swork<R> *w, int i)
+{
+    return w->Cbar.data[s->NumCols + i] - R(s->WorkCost.data[s->NumCols + i]);
+}
+
 template<class R> swork<R> *live_work(sopt *s);
 template<> inline swork<double> *live_work<double>(sopt *s)
 {
