@@ -165,9 +165,9 @@ bool is_smaller(const ModelBody *reduced, const ModelBody *body)
 int solve(Auxiliary *aux, int method, double *work, bool *solved)
 {
     *solved = false;
-    const int code = presolve_lp(aux->body, aux->env, &aux->presolve, work);
-    if (code == OUT_OF_MEMORY) return code;
-    if (code != 0) return 0;
+    PresolveStatus status = PRESOLVE_OK;
+    TRY(presolve_lp(aux->body, aux->env, &aux->presolve, &status, work));
+    if (status != PRESOLVE_OK) return 0;
     const ModelBody *reduced = presolve_reduced(aux->presolve);
     if (method == METHOD_DUAL && !is_smaller(reduced, aux->body)) return 0;
     *solved = true;
@@ -194,7 +194,6 @@ int lp_auxiliary_start(const ModelBody *body, TVXenv *env, int method, double do
         start->work += simplex_take_work(aux.simplex);
     }
     if (!solved) return 0;
-    const int code = lp_postsolve_basis(aux.presolve, aux.simplex, PostsolveLimits::OBEY,
-                                        &start->statuses);
-    return code == OUT_OF_MEMORY ? code : 0; // a limit: the run to come sees it too
+    PresolveStatus stopped = PRESOLVE_OK; // a limit: the run to come sees it too
+    return lp_postsolve_basis(aux.presolve, aux.simplex, &start->statuses, &stopped);
 }

@@ -39,18 +39,9 @@ bool automatic_dual(const ModelBody *body, const TVXenv *env)
 
 int take_dual(const LpSolve *lp, LpForm *form)
 {
-    ModelBody *dual = nullptr;
-    const int error = dualise(lp->body, lp->env, &dual);
-    if (error == OUT_OF_MEMORY) return error;
-    if (!error) form->body = form->dual = dual; // else the primal form goes on
+    TRY(dualise(lp->body, lp->env, &form->dual));
+    if (form->dual) form->body = form->dual; // else the primal form goes on
     return 0;
-}
-
-// Right-hand sides have grown into what counts as infinite.
-bool is_overgrown(const LpForm *form)
-{
-    const ModelBody *reduced = lp_form_reduced(form);
-    return reduced && !all_rows_ordinary(reduced);
 }
 
 // The dual form on its own thread.
@@ -58,18 +49,19 @@ struct DualThread {
     const ModelBody *source = nullptr;
     TVXenv *env = nullptr; // an inner one
     ModelBody *dual = nullptr;
-    PresolveResult *presolve = nullptr;
+    PresolveResult *presolve = nullptr; // null: this form cannot be used
     double work = 0;
-    int status = 0;
     int32_t done = 0;
 };
 
 void run_dual(void *argument)
 {
     DualThread *t = static_cast<DualThread *>(argument);
-    t->status = dualise(t->source, t->env, &t->dual);
-    if (t->status == 0) t->status = presolve_lp(t->dual, t->env, &t->presolve, &t->work);
-    if (t->status != 0) { // to give back much memory takes time: not after the other form
+    PresolveStatus status = PRESOLVE_OK;
+    // benign: where memory does not suffice for this form the other one stands
+    if (!dualise(t->source, t->env, &t->dual) && t->dual)
+        (void)presolve_lp(t->dual, t->env, &t->presolve, &status, &t->work);
+    if (!t->presolve) { // to give back much memory takes time: not after the other form
         body_free(t->dual);
         t->dual = nullptr;
     }
@@ -97,7 +89,6 @@ void adopt(DualThread *t, TVXenv *env, LpForm *form)
     form->body = form->dual = std::exchange(t->dual, nullptr);
     form->presolve = std::exchange(t->presolve, nullptr);
     presolve_set_env(form->presolve, env);
-    form->overgrown = is_overgrown(form);
 }
 
 int choose_from_both(LpSolve *lp, LpForm *form)
@@ -116,8 +107,7 @@ int choose_from_both(LpSolve *lp, LpForm *form)
         form->outcome = static_cast<PresolveStatus>(limits_reached(lp->env));
     if (form->outcome != PRESOLVE_OK)
         lp_form_drop_presolve(form);
-    else if (!code && thread && t.status == 0 &&
-             dual_is_smaller(form->presolve, t.presolve))
+    else if (!code && t.presolve && dual_is_smaller(form->presolve, t.presolve))
         adopt(&t, lp->env, form);
     presolve_free(t.presolve);
     body_free(t.dual);
@@ -157,12 +147,8 @@ int lp_form_presolve(LpSolve *lp, LpForm *form)
 {
     if (form->presolved) return 0;
     form->presolved = true;
-    const int code =
-        presolve_lp(form->body, lp->env, &form->presolve, &lp->work, &form->claim);
-    if (code == OUT_OF_MEMORY) return code;
-    form->overgrown = code > OUT_OF_MEMORY || is_overgrown(form);
-    if (!form->overgrown) form->outcome = static_cast<PresolveStatus>(code);
-    return 0;
+    return presolve_lp(form->body, lp->env, &form->presolve, &form->outcome, &lp->work,
+                       &form->claim);
 }
 
 void lp_form_drop_presolve(LpForm *form)
@@ -190,7 +176,7 @@ int lp_postsolve_prepare(const PresolveResult *presolve, sopt *simplex)
 }
 
 int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
-                       PostsolveLimits limits, Array<int> *statuses)
+                       Array<int> *statuses, PresolveStatus *stopped)
 {
     LpPoint point, full;
     const ModelBody *reduced = presolve_reduced(presolve);
@@ -201,7 +187,8 @@ int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
         simplex_get_dual(simplex, point.dual.data + n, point.dual.data);
         simplex_get_basis(simplex, point.status.data);
     }
-    TRY(postsolve_lp(presolve, reduced ? &point : nullptr, &full, limits));
+    TRY(postsolve_lp(presolve, reduced ? &point : nullptr, &full, stopped));
+    if (stopped && *stopped != PRESOLVE_OK) return 0;
     *statuses = static_cast<Array<int> &&>(full.status);
     return 0;
 }

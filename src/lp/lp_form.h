@@ -4,15 +4,13 @@
 #include "presolve/presolve.h"
 
 struct LpForm {
-    const ModelBody *body = nullptr; // the model's own, or `dual`
-    ModelBody *dual = nullptr;       // owned; null: the form is the model itself
-    bool presolved = false;          // presolve has run
-    PresolveStatus outcome = PRESOLVE_OK;
-    bool overgrown =
-        false;     // numbers have become too large for a body: the outcome does not count
-    LpClaim claim; // behind an outcome without optimum
-    PresolveResult *presolve = nullptr; // owned; with PRESOLVE_OK
-    sopt *simplex = nullptr;            // owned; of the reduced body
+    const ModelBody *body = nullptr;      // the model's own, or `dual`
+    ModelBody *dual = nullptr;            // owned; null: the form is the model itself
+    bool presolved = false;               // presolve has run
+    PresolveStatus outcome = PRESOLVE_OK; // of presolve
+    LpClaim claim;                        // behind an outcome without optimum
+    PresolveResult *presolve = nullptr;   // owned; with PRESOLVE_OK
+    sopt *simplex = nullptr;              // owned; of the reduced body
 };
 // By PreDual and the shape; PreDual 2 presolves both, on two threads, and compares. The work is added to lp->work. 0 or
 // OUT_OF_MEMORY.
@@ -28,7 +26,7 @@ inline const ModelBody *lp_form_reduced(const LpForm *form) // or null when noth
 // Makes the optimal basis of a reduced body one that postsolve can use. 0 or a code.
 [[nodiscard]] int lp_postsolve_prepare(const PresolveResult *presolve, sopt *simplex);
 // The basis of the body behind `presolve` [n + m] that belongs to the one in `simplex` (null when nothing is left): of an
-// optimal one it is optimal, of another one it may lack or exceed basic entries. OUT_OF_MEMORY, or what postsolve_lp
-// returns.
+// optimal one it is optimal, of another one it may lack or exceed basic entries. `stopped` as in postsolve_lp; after a
+// limit *statuses is as before. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
-                                     PostsolveLimits limits, Array<int> *statuses);
+                                     Array<int> *statuses, PresolveStatus *stopped);

@@ -183,13 +183,12 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
 int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     Array<int> statuses;
-    const int code =
-        lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::OBEY, &statuses);
-    if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
-        settle(lp, code, final); // the next solve begins with postsolve
+    PresolveStatus stopped = PRESOLVE_OK;
+    TRY(lp_postsolve_basis(form->presolve, form->simplex, &statuses, &stopped));
+    if (stopped != PRESOLVE_OK) {
+        settle(lp, stopped, final); // the next solve begins with postsolve
         return 0;
     }
-    TRY(code);
     lp_form_drop_presolve(form);
     if (form->dual) return leave_dual_form(lp, form, &statuses, start);
     start_from(&statuses, start);
@@ -207,8 +206,7 @@ int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bo
         return 0;
     }
     Array<int> statuses;
-    TRY(lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::IGNORE,
-                           &statuses));
+    TRY(lp_postsolve_basis(form->presolve, form->simplex, &statuses, nullptr));
     if (form->dual) TRY(turn_basis(lp, &statuses));
     presolve_mend_basis(body->numvars, body->numconstrs, statuses.data);
     start_from(&statuses, start);
@@ -273,10 +271,7 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     const double begin = WallClock();
     TRY(lp_form_presolve(lp, form));
-    if (form->overgrown) { // the model itself has to tell
-        lp_form_drop_presolve(form);
-        return 0;
-    }
+    if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the model itself has to tell
     log_presolved(lp, form, begin);
     write_reduced(lp, form);
     if (is_limit(form->outcome)) {

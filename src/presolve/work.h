@@ -287,7 +287,7 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 }
 
 // ---- build.cpp ----
-// The result with the reduced body; null on failure. 0, OUT_OF_MEMORY or a PresolveStatus of the limits.
+// The result with the reduced body; null on failure. OUT_OF_MEMORY, or a PresolveStatus: OK, OVERGROWN or a limit.
 [[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----

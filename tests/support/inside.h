@@ -17,10 +17,10 @@ inline int simplex_alone(TVXmodel *model, const SimplexCall &call)
 struct Reduced {
     PresolveResult *result = nullptr;
     double work = 0;
-    int status;
+    PresolveStatus status = PRESOLVE_OK;
     explicit Reduced(TVXmodel *model, LpClaim *claim = nullptr)
-        : status(presolve_lp(model->body, model->env, &result, &work, claim))
     {
+        if (presolve_lp(model->body, model->env, &result, &status, &work, claim)) abort();
     }
     ~Reduced() { presolve_free(result); }
     Reduced(const Reduced &) = delete;
