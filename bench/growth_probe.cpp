@@ -128,7 +128,8 @@ int measure(TVXmodel *model)
     PresolveResult *result = nullptr;
     double work = 0;
     PresolveStatus status = PRESOLVE_OK;
-    if (const int code = presolve_lp(body, model->env, &result, &status, &work))
+    if (const int code =
+            presolve_lp(body, model->env, LP_DUAL_SIMPLEX, &result, &status, &work))
         return code;
     const double t1 = processor_time(CLOCK_PROCESS_CPUTIME_ID),
                  peak = memory("VmHWM:") - at_start;
@@ -205,7 +206,8 @@ int stop_often(TVXmodel *model, int count)
     PresolveResult *result = nullptr;
     double work = 0;
     PresolveStatus status = PRESOLVE_OK;
-    if (const int code = presolve_lp(model->body, model->env, &result, &status, &work))
+    if (const int code =
+            presolve_lp(model->body, model->env, LP_DUAL_SIMPLEX, &result, &status, &work))
         return code;
     presolve_free(result);
     const double seconds = processor_time(CLOCK_PROCESS_CPUTIME_ID) - begin;

@@ -106,7 +106,8 @@ int make_reduced(TVXmodel *model, TVXmodel **out)
     bool proved = false;
     double work = 0;
     PresolveStatus status = PRESOLVE_OK;
-    TRY(presolve_lp(model->body, model->env, &result, &status, &work, &claim));
+    const LpMethod method = static_cast<LpMethod>(model->env->LPMethod);
+    TRY(presolve_lp(model->body, model->env, method, &result, &status, &work, &claim));
     const bool no_optimum = status == PRESOLVE_INFEASIBLE ||
                             status == PRESOLVE_INF_OR_UNBD || status == PRESOLVE_UNBOUNDED;
     if (no_optimum) {

@@ -31,9 +31,9 @@ bool dual_for_barrier(const ModelBody *body)
     return equations == 0 || (free > 0 && equations < 2 * free);
 }
 
-bool automatic_dual(const ModelBody *body, const TVXenv *env)
+bool automatic_dual(const ModelBody *body, LpMethod method)
 {
-    if (env->LPMethod == LP_BARRIER) return dual_for_barrier(body);
+    if (method == LP_BARRIER) return dual_for_barrier(body);
     return body->numconstrs > TALL * body->numvars;
 }
 
@@ -48,6 +48,7 @@ int take_dual(const LpSolve *lp, LpForm *form)
 struct DualThread {
     const ModelBody *source = nullptr;
     TVXenv *env = nullptr; // an inner one
+    LpMethod method = LP_DUAL_SIMPLEX;
     ModelBody *dual = nullptr;
     PresolveResult *presolve = nullptr; // null: this form cannot be used
     double work = 0;
@@ -60,7 +61,7 @@ void run_dual(void *argument)
     PresolveStatus status = PRESOLVE_OK;
     // benign: where memory does not suffice for this form the other one stands
     if (!dualise(t->source, t->env, &t->dual) && t->dual)
-        (void)presolve_lp(t->dual, t->env, &t->presolve, &status, &t->work);
+        (void)presolve_lp(t->dual, t->env, t->method, &t->presolve, &status, &t->work);
     if (!t->presolve) { // to give back much memory takes time: not after the other form
         body_free(t->dual);
         t->dual = nullptr;
@@ -91,14 +92,15 @@ void adopt(DualThread *t, TVXenv *env, LpForm *form)
     presolve_set_env(form->presolve, env);
 }
 
-int choose_from_both(LpSolve *lp, LpForm *form)
+int choose_from_both(LpSolve *lp, LpMethod method, LpForm *form)
 {
     DualThread t;
     t.source = lp->body;
+    t.method = method;
     TRY(env_inner(&t.env, lp->env));
     t.env->outer = nullptr; // another thread must not enter the caller's function
     const uintptr_t thread = ThreadStart(run_dual, &t);
-    const int code = lp_form_presolve(lp, form);
+    const int code = lp_form_presolve(lp, method, form);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
     if (thread) ThreadJoin(thread);
     if (t.dual) lp->work += t.work;
@@ -115,7 +117,7 @@ int choose_from_both(LpSolve *lp, LpForm *form)
     return code;
 }
 
-int choose(LpSolve *lp, LpForm *form)
+int choose(LpSolve *lp, LpMethod method, LpForm *form)
 {
     const TVXenv *env = lp->env;
     form->body = lp->body;
@@ -123,19 +125,19 @@ int choose(LpSolve *lp, LpForm *form)
     int choice = env->PreDual;
     if (choice == BOTH_FORMS && (env->Threads == 1 || ProcessorCount() == 1))
         choice = AUTOMATIC;
-    if (choice == BOTH_FORMS) return choose_from_both(lp, form);
+    if (choice == BOTH_FORMS) return choose_from_both(lp, method, form);
     const bool dual =
-        choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(lp->body, env));
+        choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(lp->body, method));
     return dual ? take_dual(lp, form) : 0;
 }
 } // namespace
 
-int lp_form_choose(LpSolve *lp, LpForm **out)
+int lp_form_choose(LpSolve *lp, LpMethod method, LpForm **out)
 {
     *out = nullptr;
     LpForm *form = record_create<LpForm>();
     if (!form) return OUT_OF_MEMORY;
-    if (const int code = choose(lp, form)) {
+    if (const int code = choose(lp, method, form)) {
         lp_form_free(form);
         return code;
     }
@@ -143,12 +145,12 @@ int lp_form_choose(LpSolve *lp, LpForm **out)
     return 0;
 }
 
-int lp_form_presolve(LpSolve *lp, LpForm *form)
+int lp_form_presolve(LpSolve *lp, LpMethod method, LpForm *form)
 {
     if (form->presolved) return 0;
     form->presolved = true;
-    return presolve_lp(form->body, lp->env, &form->presolve, &form->outcome, &lp->work,
-                       &form->claim);
+    return presolve_lp(form->body, lp->env, method, &form->presolve, &form->outcome,
+                       &lp->work, &form->claim);
 }
 
 void lp_form_drop_presolve(LpForm *form)

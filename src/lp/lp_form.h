@@ -12,11 +12,11 @@ struct LpForm {
     PresolveResult *presolve = nullptr;   // owned; with PRESOLVE_OK
     sopt *simplex = nullptr;              // owned; of the reduced body
 };
-// By PreDual and the shape; PreDual 2 presolves both, on two threads, and compares. The work is added to lp->work. 0 or
-// OUT_OF_MEMORY.
-[[nodiscard]] int lp_form_choose(LpSolve *lp, LpForm **out);
+// For this method, by PreDual and the shape; PreDual 2 presolves both, on two threads, and compares. The work is added to
+// lp->work. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int lp_form_choose(LpSolve *lp, LpMethod method, LpForm **out);
 // Presolve runs, if it has not yet. 0 or OUT_OF_MEMORY; the outcome is in the form.
-[[nodiscard]] int lp_form_presolve(LpSolve *lp, LpForm *form);
+[[nodiscard]] int lp_form_presolve(LpSolve *lp, LpMethod method, LpForm *form);
 void lp_form_free(LpForm *form);          // null is ignored
 void lp_form_drop_presolve(LpForm *form); // the result of presolve and the record on it
 inline const ModelBody *lp_form_reduced(const LpForm *form) // or null when nothing is left

@@ -1,7 +1,6 @@
 // lp_presolved.cpp -- presolve, the simplex on what is left, and postsolve to a basis of the model
 //
-// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve, and so is one
-//             whose numbers would overflow in a reduction. Else: choose the form (the model or its dual); reduce it;
+// Method      Where presolve is wanted (lp_start.cpp): choose the form (the model or its dual); reduce it;
 //             solve the reduced model; map an optimum back to a basis of the form. A dual form is solved from there and
 //             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
 //             an iteration.
@@ -26,49 +25,8 @@
 
 namespace
 {
-constexpr double WIDE_COEFFICIENTS =
-    1e15;                         // largest over smallest: reductions would lose digits
-constexpr double MANY_FREE = 0.2; // free variables against the smaller dimension, then
 // Entries, rows and columns of a model whose point is computed after a limit: beyond, that takes some tenths of a second.
 constexpr int64_t SHOWN_ENTRIES = 5000000;
-
-// ---- Whether ----
-
-bool is_wide(const ModelBody *body)
-{
-    double least = 1e300, most = 0;
-    int free = 0;
-    for (const double a : body->vval) {
-        if (a == 0) continue; // stored by the caller as such
-        least = std::min(least, std::fabs(a));
-        most = std::max(most, std::fabs(a));
-    }
-    for (const char kind : body->bound_kind) free += kind == 3;
-    return most > WIDE_COEFFICIENTS * least &&
-           free < MANY_FREE * std::min(body->numvars, body->numconstrs);
-}
-
-// Bounds that cross or stand at the wrong infinity: the simplex tells what is wrong with them.
-bool has_bad_bounds(const ModelBody *body, const TVXenv *env)
-{
-    const double infinite = infinite_bound(env);
-    for (int j = 0; j < body->numvars; j++) {
-        const double lb = body->lb.data[j], ub = body->ub.data[j];
-        if (lb >= infinite || ub <= -infinite || lb - ub > env->FeasibilityTol) return true;
-    }
-    return false;
-}
-
-bool wants_presolve(const LpSolve *lp, const LpStart *start)
-{
-    const TVXenv *env = lp->env;
-    if (start->from == LpFrom::MODEL) return false; // it would begin anew at each limit
-    if (env->Presolve == 0 || has_bad_bounds(lp->body, env)) return false;
-    if (env->Presolve < 0 && start->from != LpFrom::SCRATCH) return false;
-    if (body_is_extreme(lp->body)) return false;
-    return !(env->PreDual == -1 && env->LPMethod != LP_BARRIER && env->Presolve < 2 &&
-             is_wide(lp->body));
-}
 
 // ---- The reduced model ----
 
@@ -76,6 +34,15 @@ bool wants_presolve(const LpSolve *lp, const LpStart *start)
 int method_on(const LpForm *form, int method)
 {
     return form->dual ? 1 - method : method;
+}
+
+// A run on the form in place of one on the model, without a basis to start from.
+LpStart run_on(const LpForm *form, const LpStart *start)
+{
+    LpStart run;
+    run.chosen = start->chosen;
+    run.method = method_on(form, start->method);
+    return run;
 }
 
 // The basis that a caller or an earlier solve has left, as one of the form.
@@ -165,7 +132,7 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
         sopt *simplex = nullptr;
         ~Record() { simplex_free(simplex); }
     } of_dual;
-    LpStart by_basis;
+    LpStart by_basis = run_on(form, start);
     start_from(statuses, &by_basis);
     by_basis.method = method_on(form, start->method);
     TRY(lp_run(lp, {form->dual, &of_dual.simplex, false}, by_basis));
@@ -270,7 +237,7 @@ void write_reduced(const LpSolve *lp, const LpForm *form)
 int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     const double begin = WallClock();
-    TRY(lp_form_presolve(lp, form));
+    TRY(lp_form_presolve(lp, start->chosen, form));
     if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the model itself has to tell
     log_presolved(lp, form, begin);
     write_reduced(lp, form);
@@ -281,9 +248,8 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     if (form->outcome != PRESOLVE_OK)
         return finish_without_optimum(lp, form, form->outcome == PRESOLVE_INFEASIBLE,
                                       &form->claim, final);
-    LpStart reduced;
+    LpStart reduced = run_on(form, start);
     int status = 0;
-    reduced.method = method_on(form, start->method);
     TRY(crushed_start(lp, form, start, &reduced.statuses));
     TRY(solve_reduced(lp, form, reduced, &status));
     return conclude(lp, form, status, start, final);
@@ -308,11 +274,8 @@ bool was_stopped(const LpForm *form)
 int resume_form(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     int status = TVX_OPTIMAL;
-    if (!waits_for_postsolve(form)) {
-        LpStart as_it_stands;
-        as_it_stands.method = method_on(form, start->method);
-        TRY(solve_reduced(lp, form, as_it_stands, &status));
-    }
+    if (!waits_for_postsolve(form))
+        TRY(solve_reduced(lp, form, run_on(form, start), &status));
     return conclude(lp, form, status, start, final);
 }
 } // namespace
@@ -323,8 +286,8 @@ int lp_presolved(LpSolve *lp, LpStart *start, bool *final)
     if (start->from == LpFrom::FORM) {
         TRY(resume_form(lp, lp->form, start, final));
     } else {
-        if (!wants_presolve(lp, start)) return 0;
-        TRY(lp_form_choose(lp, &lp->form));
+        if (!start->presolve) return 0;
+        TRY(lp_form_choose(lp, start->chosen, &lp->form));
         TRY(reduce_and_solve(lp, lp->form, start, final));
     }
     if (!was_stopped(lp->form)) lp_drop_form(lp);

@@ -30,10 +30,10 @@ struct LpClaim {
 // The reduced model and the data for postsolve. It keeps the address of the body that was reduced.
 struct PresolveResult;
 
-// Reduces a continuous model. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
+// Reduces a continuous model for a solve by this method. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
 // proof of what is said. The effort is added to *work. 0 or OUT_OF_MEMORY; *status has a meaning after 0 only.
-[[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out,
-                              PresolveStatus *status, double *work,
+[[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method,
+                              PresolveResult **out, PresolveStatus *status, double *work,
                               LpClaim *claim = nullptr);
 void presolve_free(PresolveResult *result);                 // null is ignored
 void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits postsolve obeys

@@ -63,10 +63,10 @@ Plan make_plan(const PresolveWork *w)
     plan.dependent = env->PreDepRow;
     if (plan.dependent < 0)
         plan.dependent =
-            level == 2                                                               ? 3
-            : level == 1                                                             ? 0
-            : env->LPMethod == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
-                                                                                     : 0;
+            level == 2                                                           ? 3
+            : level == 1                                                         ? 0
+            : w->Method == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
+                                                                                 : 0;
     return plan;
 }
 
@@ -213,11 +213,12 @@ int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
 }
 } // namespace
 
-int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out,
+int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method, PresolveResult **out,
                 PresolveStatus *status, double *effort, LpClaim *claim)
 {
     *out = nullptr;
     PresolveWork work;
+    work.Method = method;
     work.WantsProof = claim != nullptr;
     int end = load_and_reduce(&work, body, env, out);
     if (work.Proof.size > 0) {

@@ -52,7 +52,8 @@ struct WorkList {
 struct PresolveWork {
     const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
-    int MatrixClass = 0; // MATRIX_GENERAL, ...
+    LpMethod Method = LP_DUAL_SIMPLEX; // that will solve the reduced model
+    int MatrixClass = 0;               // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
     int64_t NumNz = 0; // entries at the start
     int IsMip = 0;

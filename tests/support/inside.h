@@ -20,7 +20,9 @@ struct Reduced {
     PresolveStatus status = PRESOLVE_OK;
     explicit Reduced(TVXmodel *model, LpClaim *claim = nullptr)
     {
-        if (presolve_lp(model->body, model->env, &result, &status, &work, claim)) abort();
+        const LpMethod method = static_cast<LpMethod>(model->env->LPMethod);
+        if (presolve_lp(model->body, model->env, method, &result, &status, &work, claim))
+            abort();
     }
     ~Reduced() { presolve_free(result); }
     Reduced(const Reduced &) = delete;
