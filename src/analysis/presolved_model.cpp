@@ -4,8 +4,7 @@
 // stops the call, other calls are refused.
 #include "analysis/derived.h"
 #include "body/row_kind.h"
-#include "lp/lp_claim.h"
-#include "model/model_store.h"
+#include "model/model.h"
 #include "presolve/presolve.h"
 #include "runtime/clock.h"
 #include <cstring>

@@ -9,7 +9,6 @@
 #include "env/callback.h"
 #include "files/files.h"
 #include "model/attribute_cache.h"
-#include "model/interrupt.h"
 #include "model/warm_start.h"
 #include "runtime/clock.h"
 #include "runtime/file.h"

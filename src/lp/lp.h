@@ -13,7 +13,8 @@
 #include "body/quality.h"
 #include "simplex/simplex.h"
 
-struct LpForm; // lp_form.h
+struct LpForm;  // lp_form.h
+struct LpClaim; // presolve/presolve.h
 
 struct LpResult {
     double runtime = 0;   // seconds
@@ -76,6 +77,11 @@ void lp_get_duals(const LpSolve *lp, double *pi,
 // The optimal basis gets fresh factors; where it is not optimal with them the dual runs on, and *changed is set. 0, a code,
 // or OUT_OF_MEMORY: everything is dropped then.
 [[nodiscard]] int lp_confirm(LpSolve *lp, bool *changed);
+
+// Does the claim of a presolve of this body prove that the model has no optimum? Infeasibility counts when it is there
+// with all rows and bounds held wider by FeasibilityTol. 0 or OUT_OF_MEMORY (lp_claim.cpp).
+[[nodiscard]] int lp_presolve_claim_holds(const ModelBody *body, const TVXenv *env,
+                                          const LpClaim *claim, bool *holds);
 
 // "Solved in ..." or "Stopped in ...", with the seconds since `start`, and what the status means; under TVX_OPTIMAL with
 // warnings when the unscaled solution violates the tolerances. 0 or OUT_OF_MEMORY of the measuring (lp_log.cpp).

@@ -90,9 +90,17 @@ bool model_is_occupied(TVXmodel *model);
 // TVX_ERROR_OPTIMIZATION_IN_PROGRESS then, else 0: opens whatever works on the live simplex record.
 [[nodiscard]] int check_idle(TVXmodel *model);
 
-// ---- model_update.cpp ----
+// ---- Changes asked for ----
+bool model_has_pending(
+    const TVXmodel *model); // something waits for an update (pending.cpp)
 // Makes pending changes real: TVXupdatemodel without its checks and closing report. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int model_update(TVXmodel *model);
+
+// ---- interrupt.cpp: Ctrl-C on the console and SIGTERM end the running solve, not the program ----
+// A solve opens, its stop flag cleared: a signal that has come since TVXsetsignal stops it.
+void interrupt_begin(TVXmodel *model);
+// After a solve, or before the model goes, signals mean what they meant before TVXsetsignal.
+void interrupt_end(TVXmodel *model);
 
 // ---- errors.cpp: as fail and finish, for calls on a model ----
 int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)
