@@ -25,6 +25,13 @@ void dump(TVXmodel *model)
     (void)finish_model(model, 0); // a failure leaves no text
 }
 
+// The model that presolve has left, likewise.
+void write_reduced(const ModelBody *reduced, TVXenv *env)
+{
+    (void)mps_write(reduced, env, "junk.mps", WriteNames::NUMBERED);
+    (void)finish(env, 0);
+}
+
 void log_size(const TVXmodel *model)
 {
     const ModelBody *body = model->body;
@@ -45,6 +52,7 @@ int run_lp(TVXmodel *model)
         if (warm->norms.size == warm->statuses.size) given.norms = warm->norms.data;
     }
     attributes_clear_solution(model);
+    lp->write_reduced = write_reduced;
     const int code = lp_solve(lp, model->body, model->env, given);
     attributes_clear_solution(model);
     if (lp->simplex) warm_start_drop(model); // the record is newer

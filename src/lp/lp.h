@@ -38,6 +38,8 @@ struct LpSolve {
     LpResult *result = nullptr; // owned; of the last solve
     LpForm *form = nullptr;     // owned; where a limit has stopped a solve with presolve
     int version = 0;            // counts up whenever the point may have become another one
+    // Gets each reduced model before its solve when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change anything.
+    void (*write_reduced)(const ModelBody *reduced, TVXenv *env) = nullptr;
 };
 void lp_drop_results(LpSolve *lp); // result and form; the simplex record stays
 void lp_drop_form(LpSolve *lp);

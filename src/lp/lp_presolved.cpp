@@ -15,7 +15,6 @@
 #include "lp/lp_presolved.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
-#include "files/files.h"
 #include "lp/lp_claim.h"
 #include "lp/lp_run.h"
 #include "presolve/dualise.h"
@@ -225,13 +224,12 @@ void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
         TVXmsg(env, "Presolved: All rows and columns removed\n");
 }
 
-// For whoever wants to look at it. Failing to write it does not stop the solve.
+// For whoever wants to look at it.
 void write_reduced(const LpSolve *lp, const LpForm *form)
 {
     const ModelBody *reduced = lp_form_reduced(form);
-    if (!lp->env->TARV_PAR_WRITEPREMODEL || !reduced) return;
-    (void)mps_write(reduced, lp->env, "junk.mps", WriteNames::NUMBERED);
-    (void)finish(lp->env, 0); // a failure leaves no text
+    if (lp->env->TARV_PAR_WRITEPREMODEL && reduced && lp->write_reduced)
+        lp->write_reduced(reduced, lp->env);
 }
 
 int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
