@@ -66,7 +66,7 @@ int run_mip(TVXmodel *model)
 {
     MipSolve *mip = &model->mip;
     lp_drop_results(&model->lp);
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
     attributes_clear_solution(model);
     const int code = mip_solve(mip, model->body, model->env);
     attributes_clear_solution(model);

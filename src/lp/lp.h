@@ -1,7 +1,8 @@
 // lp.h -- the face of this room: LpSolve, the solve of one linear program, and what may be asked of it
 //
 // LpSolve::status     what it means                                         set by
-//   0, TVX_LOADED     nothing is solved                                     lp_drop, lp_bound_changed, the model's updates
+//   TVX_LOADED        nothing is solved                                     lp_set_loaded, lp_drop, lp_bound_changed
+//   0                 likewise; an update of the model has failed           lp_set_broken
 //   2 5 6 12 13       final; `simplex` holds the answer                     lp_solve, lp_confirm
 //   3 4               final; `simplex` holds the proof, or there is no      lp_solve
 //                     record: presolve or an impossible row has told
@@ -41,6 +42,8 @@ struct LpSolve {
     // Gets each reduced model before its solve when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change anything.
     void (*write_reduced)(const ModelBody *reduced, TVXenv *env) = nullptr;
 };
+void lp_set_loaded(LpSolve *lp); // the model is new, or another one than was solved
+void lp_set_broken(LpSolve *lp);
 void lp_drop_results(LpSolve *lp); // result and form; the simplex record stays
 void lp_drop_form(LpSolve *lp);
 void lp_drop_simplex(LpSolve *lp);

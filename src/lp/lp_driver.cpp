@@ -17,6 +17,16 @@
 #include "lp/lp_secure.h"
 #include "runtime/clock.h"
 
+void lp_set_loaded(LpSolve *lp)
+{
+    lp->status = TVX_LOADED;
+}
+
+void lp_set_broken(LpSolve *lp)
+{
+    lp->status = 0;
+}
+
 void lp_drop_form(LpSolve *lp)
 {
     lp_form_free(lp->form);
@@ -40,7 +50,7 @@ void lp_drop(LpSolve *lp)
 {
     lp_drop_results(lp);
     lp_drop_simplex(lp);
-    lp->status = TVX_LOADED;
+    lp_set_loaded(lp);
 }
 
 namespace

@@ -8,7 +8,7 @@
 //                                      TVXresetmodel; out of memory in a solve
 // solved    lp.status > TVX_LOADED,    optimize_run (lp_solve, mip_solve)          as loaded is entered
 //           or mip.result
-// broken    lp.status STATUS_BROKEN    model_update without memory                 as loaded is entered
+// broken    lp.status 0                model_update without memory                 as loaded is entered
 // changed   model_has_pending          adds, deletes, sets of attributes           model_update
 // busy      busy != 0                  model_open_solve                            the end of that call
 // In the state solved the records lp and mip hold what attributes show. They are released by model_update, by the next

@@ -150,5 +150,5 @@ void warm_start_validate(TVXmodel *model)
     if (!model->lp.simplex) return;
     lp_drop_simplex(&model->lp);
     model_free_results(model);
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
 }
