@@ -23,7 +23,8 @@ inline const ModelBody *lp_form_reduced(const LpForm *form) // or null when noth
 {
     return form->presolve ? presolve_reduced(form->presolve) : nullptr;
 }
-// Makes the optimal basis of a reduced body one that postsolve can use. 0 or a code.
+// Makes the optimal basis of a reduced body one that postsolve can use. The status of the record may become TVX_NUMERIC.
+// 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_postsolve_prepare(const PresolveResult *presolve, sopt *simplex);
 // The basis of the body behind `presolve` [n + m] that belongs to the one in `simplex` (null when nothing is left): of an
 // optimal one it is optimal, of another one it may lack or exceed basic entries. `stopped` as in postsolve_lp; after a

@@ -86,8 +86,10 @@ int solve_reduced(LpSolve *lp, LpForm *form, const LpStart &start, int *status)
     *status = TVX_OPTIMAL;
     if (!reduced) return 0;
     TRY(lp_run(lp, {reduced, &form->simplex, !form->dual}, start));
-    *status = simplex_status(form->simplex);
-    if (*status == TVX_OPTIMAL) TRY(lp_postsolve_prepare(form->presolve, form->simplex));
+    if (simplex_status(form->simplex) == TVX_OPTIMAL)
+        TRY(lp_postsolve_prepare(form->presolve, form->simplex));
+    *status =
+        simplex_status(form->simplex); // numeric trouble, when new factors have failed
     lp->result->itercount = simplex_iterations(form->simplex);
     lp->result->reduced_itercount = lp->result->itercount;
     lp->work += simplex_take_work(form->simplex);
