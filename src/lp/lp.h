@@ -34,8 +34,10 @@ struct LpSolve {
     const ModelBody *body = nullptr; // of the last lp_solve; not owned
     TVXenv *env = nullptr;           // likewise
     int status = 0;
-    double work = 0;            // deterministic effort of the last solve
-    sopt *simplex = nullptr;    // owned; on the body itself
+    double work = 0; // deterministic effort of the last solve
+    double lost_iterations =
+        0;                   // of a last solve that ran out of memory, for its closing line
+    sopt *simplex = nullptr; // owned; on the body itself
     LpResult *result = nullptr; // owned; of the last solve
     LpForm *form = nullptr;     // owned; where a limit has stopped a solve with presolve
     int version = 0;            // counts up whenever the point may have become another one

@@ -66,7 +66,7 @@ bool already_solved(const LpSolve *lp)
 int open_result(LpSolve *lp)
 {
     lp->status = TVX_LOADED;
-    lp->work = 0;
+    lp->work = lp->lost_iterations = 0;
     if (lp->simplex) (void)simplex_take_work(lp->simplex); // of earlier solves
     if (!lp->result) lp->result = record_create<LpResult>();
     if (!lp->result) return OUT_OF_MEMORY;
@@ -142,6 +142,7 @@ int lp_solve(LpSolve *lp, const ModelBody *body, TVXenv *env, const LpGiven &giv
     lp->body = body;
     lp->env = env;
     const int code = already_solved(lp) ? refresh_factor(lp) : solve(lp, given);
+    if (code && lp->result) lp->lost_iterations = lp->result->itercount;
     if (code) lp_drop(lp); // nothing that a solve has left unfinished is used again
     return code;
 }

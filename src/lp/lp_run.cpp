@@ -22,9 +22,9 @@ int lp_run(LpSolve *lp, const LpTarget &target, const LpStart &start)
         if (auxiliary.statuses.size > 0) call.Statuses = auxiliary.statuses.data;
     }
     call.Iterations = result->itercount;
+    call.Total = &result->itercount;
     TRY(SimplexOptimize(target.simplex, target.body, lp->env, call));
     if (target.simplex == &lp->simplex) return 0;
-    result->itercount = simplex_iterations(*target.simplex);
     lp->work += simplex_take_work(*target.simplex);
     return 0;
 }

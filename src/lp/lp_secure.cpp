@@ -232,7 +232,8 @@ int try_way(LpSolve *lp, const Way &way, int method, Best *best)
     lp->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
     const SimplexCall call = {.Method = method,
                               .Statuses = basis.size > 0 ? basis.data : nullptr,
-                              .Iterations = lp->result->itercount};
+                              .Iterations = lp->result->itercount,
+                              .Total = &lp->result->itercount};
     TRY(SimplexRepeat(&lp->simplex, lp->body, lp->env, call, tuning_of(lp->env, way)));
     lp->status = simplex_status(lp->simplex);
     lp->version++;

@@ -295,6 +295,7 @@ int run_in(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall 
            const SimplexTuning &tuning)
 {
     const int error = optimize(record, body, env, call, tuning);
+    if (call.Total && *record) *call.Total = simplex_iterations(*record);
     if (error) { // parts of the record may be half built
         simplex_free(*record);
         *record = nullptr;
