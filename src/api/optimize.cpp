@@ -94,12 +94,11 @@ int close_run(TVXmodel *model, int code)
 {
     TVXenv *env = model->env;
     if (!code) code = callback_code(env);
-    if (code) env->err_hold = 1;
     if (model->mip.result) {
+        const ErrorHold hold(code ? env : nullptr);
         const int epilogue = mip_log_result(&model->mip, code);
         if (!code) code = epilogue;
     }
-    env->err_hold = 0;
     interrupt_end(model);
     flag_store(&model->busy, 0);
     if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out
@@ -177,9 +176,8 @@ void settle_result_file(TVXmodel *model, int solve_code)
     if (!solve_code) {
         write_result_file(model, name);
     } else if (result_of_solve(name)) {
-        env->err_hold = 1;
+        const ErrorHold hold(env);
         explain_no_result(env, name, solve_code, false);
-        env->err_hold = 0;
     }
 }
 } // namespace
