@@ -87,7 +87,6 @@ enum SimplexStatus {
 
 // Entries of VStat below zero; entries at or above zero are the basis position of a basic variable.
 enum BasisStatus {
-    BASIC = 0,
     AT_LOWER = -1,
     AT_UPPER = -2,
     AT_FREE = -3,  // free at zero, or superbasic at a value of its own
