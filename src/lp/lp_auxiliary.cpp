@@ -27,10 +27,8 @@
 
 namespace
 {
-constexpr int LARGE = 100000; // variables from which on a presolve more may pay
-
-constexpr double FEW = 0.001; // share of rows violated at the start of the primal
-
+constexpr int LARGE = 100000;   // variables from which on a presolve more may pay
+constexpr double FEW = 0.001;   // share of rows violated at the start of the primal
 constexpr double SMALLER = 0.5; // share of the rows that presolve may leave for the dual
 
 // ---- Whether ----

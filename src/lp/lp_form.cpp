@@ -13,7 +13,6 @@
 namespace
 {
 constexpr double TALL = 5, WIDE = 2; // rows over columns: the dual, the primal form
-
 constexpr double VAR_WEIGHT = 3, ROW_WEIGHT = 5, NZ_WEIGHT = 2,
                  BETTER = 25; // of the comparison
 

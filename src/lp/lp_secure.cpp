@@ -34,14 +34,10 @@ struct Way {
     double tolerance, markowitz; // of SimplexTuning
 };
 
-constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
-
-constexpr double USUAL = 1e-6;
-
-constexpr double STRICT = 0.9; // pivots in the factors
-
-constexpr double MOVED_MOST = 0.1; // of the objective by widening: more is another model
-
+constexpr double TIGHT = 1e-9;      // tolerances that leave room for scaling
+constexpr double USUAL = 1e-6;      // tolerances as by default
+constexpr double STRICT = 0.9;      // pivots in the factors
+constexpr double MOVED_MOST = 0.1;  // of the objective by widening: more is another model
 constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
 
 constexpr Way WAYS[] = {
@@ -55,10 +51,8 @@ constexpr Way WAYS[] = {
 };
 
 constexpr int SMALL_MODEL = 5000; // entries
-
 // Iterations that ways may take on other models, over those of the first run.
 constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
-
 constexpr double GROSS_EXCESS =
     1000; // violation over its tolerance that needs a look at its numbers
 
