@@ -56,9 +56,9 @@
 //   1 -> 0                  the same if none is left; begin_phase2 (dual.cpp); setup (primal.cpp); finish_values;
 //                           sopt_refresh
 // Perturbed
-//   0 -> 1                  dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
-//   0, 1 -> 3               dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
-//   any -> 0                dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; safe_bound,
+//   NONE -> SINGLE          dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
+//   NONE, SINGLE -> ALL     dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
+//   any -> NONE             dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; safe_bound,
 //                           bring_back of strong_branch.cpp), primal_remove_perturbation (setup, end_phase1,
 //                           end_phase2, no_row of primal.cpp), finish_values, sopt_refresh
 //
@@ -119,21 +119,24 @@ struct StallGuard {
     StallRemedy Taken = STALL_NONE; // last remedy of this run
 };
 
+// Which costs (dual) or bounds (primal) are perturbed. The value 2 has no meaning.
+enum Perturbation { PERTURBED_NONE = 0, PERTURBED_SINGLE = 1, PERTURBED_ALL = 3 };
+
 // What proves an infeasible or unbounded status: nothing, row multipliers, a ray.
 enum ProofKind { PROOF_NONE, PROOF_FARKAS, PROOF_RAY };
 
-// Why factors, values and reduced costs are to be computed afresh.
+// Why factors, values and reduced costs are to be computed afresh. What an update returns is such a reason.
 enum RefacReason {
     REFAC_NONE = 0,
     // start of a method, or basic values no longer belong to the nonbasic ones
     REFAC_START = 1,
-    REFAC_UPDATES = 2, // many passes of the loop since the last refresh (stall_count_pass)
+    REFAC_PASSES = 2, // many passes of the loop since the last refresh (stall_count_pass)
     // Costs, bounds or phase changed, or a result is to be confirmed on fresh factors.
     REFAC_CLEAN = 4,
-    REFAC_CONFIRM = 5, // infeasible or unbounded according to updated factors
-    REFAC_PIVOT = 6,   // the pivots from row and column differ, or the update was unstable
-    REFAC_FILL = 10,   // update limit reached, or solves have become slow by fill
-    REFAC_ROOM = 11,   // the update ran out of memory in its pools
+    REFAC_CONFIRM = 5,             // infeasible or unbounded according to updated factors
+    REFAC_PIVOT = UPDATE_UNSTABLE, // or the pivots from row and column differ
+    REFAC_FILL = 10,             // update limit reached, or solves have become slow by fill
+    REFAC_ROOM = UPDATE_NO_ROOM, // the update ran out of memory in its pools
 };
 
 template<class R> struct dopt;
@@ -256,10 +259,10 @@ struct sopt : SimplexCounters {
     int Status = 0; // SimplexStatus, see the table above
     // The first method is the one for which the start basis is feasible.
     int MethodByStart = 0;
-    int BadVar = -1;           // variable whose bounds alone gave the status, or -1
-    int Quad = 0;              // 1: extended precision is live
-    int InfeasCheckNeeded = 1; // bounds changed since the last test for crossed bounds
-    int Perturbed = 0; // 0 none, 1 single costs or bounds, 3 all costs or all active bounds
+    int BadVar = -1;                // variable whose bounds alone gave the status, or -1
+    int Quad = 0;                   // 1: extended precision is live
+    int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
+    int Perturbed = PERTURBED_NONE; // Perturbation
     int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
     // The run began from a given basis with few infeasibilities: costs are perturbed only after a stall.
     int NearOptimal = 0;
@@ -469,7 +472,7 @@ void stall_reset(
 inline void stall_count_pass(sopt *s)
 {
     const bool many = ++s->Stall.Passes > PASSES_PER_UPDATE * s->MaxUpdates + PASSES_LEAST;
-    if (many && s->RefacReason == REFAC_NONE) s->RefacReason = REFAC_UPDATES;
+    if (many && s->RefacReason == REFAC_NONE) s->RefacReason = REFAC_PASSES;
     if (s->RefacReason != REFAC_NONE) s->Stall.Passes = 0;
 }
 // Called with fresh factors and values: the remedy to take against a stall. The method applies STALL_COSTS and
