@@ -16,10 +16,7 @@ namespace
 {
 // A stored weight below this share of the exact one is too small: the row is chosen again.
 constexpr double WEIGHT_TRUST = 0.25;
-
-// rows set aside before the run ends with SIMPLEX_SWITCH
-constexpr int MAX_REJECTED = 20;
-
+constexpr int MAX_REJECTED = 20;  // rows set aside before the run ends with SIMPLEX_SWITCH
 constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
 
 // Update limit m^0.65: pivot rows are sparse only with few row etas. Against 0.7 it saved 1 % of the work on Netlib and
@@ -27,13 +24,6 @@ constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the prici
 constexpr double UPDATES_POWER = 0.65;
 
 constexpr int CYCLE_HITS = 30; // repetitions after which a cycle is assumed
-
-// Error of the dual bound relative to the sum of the magnitudes of its terms. Far above the rounding of the sum itself,
-// since the multipliers have the error of solves with the factors.
-constexpr double CUTOFF_ROUNDING = 1e-10;
-
-// Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
-constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
 
 // Refactorisation changes positions: the weights are carried over by variable.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
@@ -88,59 +78,6 @@ template<class R> void watch_pivot(const sopt *s, dopt<R> *d)
         d->CycleHits++;
 }
 
-bool has_cutoff(const sopt *s)
-{
-    return s->Cutoff < UNDEFINED_VALUE;
-}
-
-// A sum of products, with the sum of the magnitudes of its terms for an error bound.
-struct BoundSum {
-    long double value = 0, size = 0;
-    void add(long double term)
-    {
-        value += term;
-        size += std::fabs(term);
-    }
-};
-
-// In the user's units.
-template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
-{
-    double largest = 0;
-    for (int i = 0; i < s->NumRows; i++) {
-        const double value = std::fabs(static_cast<double>(w->Bbar.data[i]));
-        largest = std::max(largest, value * user_unit(s, s->BasisHead.data[i]));
-    }
-    return largest;
-}
-
-// True if the Lagrangian bound with the multipliers of the basis for the true (unperturbed) costs exceeds the cutoff by
-// more than rounding errors. Where the bound that a reduced cost asks for is infinite, a reduced cost within OptTol is
-// multiplied by an assumed largest value (OPEN_LEAST, OPEN_SHARE); a larger one makes the test fail. RowVal is used.
-template<class R> bool bound_passes_cutoff(sopt *s, swork<R> *w)
-{
-    R *d = w->RowVal.data;
-    compute_dual_for(s, w, s->Cost.data, d);
-    BoundSum bound;
-    // sum of |reduced costs| without a bound, per user unit of the variable
-    double open = 0;
-    for (int i = 0; i < s->NumRows; i++)
-        bound.add(-static_cast<long double>(d[s->NumCols + i]) * s->Rhs.data[i]);
-    for (int j = 0; j < s->NumVars; j++) {
-        if (is_basic(s, j)) continue;
-        const double side = d[j] > 0 ? s->Lower.data[j] : s->Upper.data[j];
-        if (has_lower(s, side) && has_upper(s, side))
-            bound.add(static_cast<long double>(d[j]) * side);
-        else if (std::abs(d[j]) <= R(s->OptTol))
-            open += static_cast<double>(std::abs(d[j])) / user_unit(s, j);
-        else
-            return false;
-    }
-    if (open > 0) open *= std::max(OPEN_LEAST, OPEN_SHARE * largest_basic_value(s, w));
-    const long double sure = bound.value - CUTOFF_ROUNDING * bound.size - open;
-    return static_cast<double>(sure) / s->ObjScale > s->Cutoff;
-}
-
 // Fresh factors, values and reduced costs.
 template<class R> int refresh(sopt *s, swork<R> *w)
 {
@@ -161,7 +98,7 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     dual_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
-    if (has_cutoff(s) && !s->BoxPhase && bound_passes_cutoff(s, w))
+    if (dual_has_cutoff(s) && !s->BoxPhase && dual_passes_cutoff(s, w))
         s->Status = SIMPLEX_CUTOFF;
     return 0;
 }
@@ -412,7 +349,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_dual(s, w);
     // With a cutoff costs are perturbed only after a stall, since the dual bound is then reached later.
-    if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !has_cutoff(s))
+    if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !dual_has_cutoff(s))
         dual_perturb_start(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);
@@ -428,32 +365,6 @@ template<class R> void write_log(sopt *s, swork<R> *w)
     log_iteration(s, true_objective(s, w), inf.PrimalSum, inf.DualSum);
 }
 } // namespace
-
-template<class R> int dopt_create(const sopt *s, dopt<R> **out)
-{
-    *out = nullptr;
-    void *block = MemAllocZero(1, sizeof(dopt<R>));
-    if (!block) return OUT_OF_MEMORY;
-    dopt<R> *d = *out = static_cast<dopt<R> *>(block);
-    *d = dopt<R>{};
-    const int m = s->NumRows;
-    TRY(array_assign(&d->Weights, m, R(0)));
-    TRY(price_list_alloc(&d->Rows, m));
-    for (Array<R> *a : {&d->WeightOf, &d->CandAlpha, &d->CandDual, &d->CandRange})
-        TRY(array_resize(a, s->NumVars));
-    for (Array<int> *a : {&d->CandPlace, &d->Flips}) TRY(array_resize(a, s->NumVars));
-    TRY(array_resize(&d->GroupEnd, int64_t{s->NumVars} + 1));
-    TRY(array_assign(&d->Reference, s->NumVars, char(0)));
-    return array_assign(&d->RowRejected, m, char(0));
-}
-
-template<class R> void dopt_free(dopt<R> **d)
-{
-    if (!*d) return;
-    **d = dopt<R>{};
-    MemFree(*d);
-    *d = nullptr;
-}
 
 template<class R> int dual_pivots(sopt *s, swork<R> *w)
 {
@@ -482,18 +393,8 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
     return 0;
 }
 
-template int dopt_create<double>(const sopt *, dopt<double> **);
-
-template int dopt_create<long double>(const sopt *, dopt<long double> **);
-
-template int dual_pivots<double>(sopt *, swork<double> *);
-
-template int dual_pivots<long double>(sopt *, swork<long double> *);
-
-template int DualRun<double>(sopt *, swork<double> *);
-
-template int DualRun<long double>(sopt *, swork<long double> *);
-
-template void dopt_free<double>(dopt<double> **);
-
-template void dopt_free<long double>(dopt<long double> **);
+#define INSTANTIATE(R)                                                                     \
+    template int dual_pivots<R>(sopt *, swork<R> *);                                       \
+    template int DualRun<R>(sopt *, swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

@@ -43,7 +43,10 @@ template<class R> struct dopt {
     Array<char> RowRejected; // [m] row is set aside
 };
 
+// dual_record.cpp
 template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
+
+// dual.cpp
 // Iterates until Status is no longer SIMPLEX_RUNNING, from a dual feasible basis with weights and merits. 0 or a code.
 template<class R> [[nodiscard]] int dual_pivots(sopt *s, swork<R> *w);
 
@@ -57,6 +60,14 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
+
+// dual_cutoff.cpp
+inline bool dual_has_cutoff(const sopt *s)
+{
+    return s->Cutoff < UNDEFINED_VALUE;
+}
+// The dual bound of the basis for the true costs exceeds the cutoff. RowVal is used.
+template<class R> bool dual_passes_cutoff(sopt *s, swork<R> *w);
 
 // dual_free.cpp
 template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar
