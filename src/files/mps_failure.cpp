@@ -90,7 +90,7 @@ int report_section(TVXenv *env, const MpsFailure *failure, const char *log_text,
     const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
     char shown[LINE_SHOWN];
     text_printable(shown, LINE_SHOWN, failure->text);
-    const char *indent = *shown ? "\n         " : ""; // no text behind the last line
+    const char *indent = *shown ? "\n         " : ""; // no text after the last line
     const char *end = *shown ? "\n" : "";
     TVXmsg(env, "%s", log_text);
     TVXmsg(env, "         line %d: %s%s%s", line, shown, indent, failure->reason);

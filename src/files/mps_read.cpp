@@ -15,7 +15,7 @@
 
 bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning warning)
 {
-    if (span_empty(name)) return !set->skipping; // as the line before
+    if (span_empty(name)) return !set->skipping; // same set as in the line before
     if (span_empty(set->first)) set->first = name;
     const bool counts =
         span_length(name) == span_length(set->first) &&
@@ -255,7 +255,7 @@ int parse(MpsReader *reader)
     if (error != TVX_ERROR_FILE_READ) return error;
     const MpsFailure second = reader->failure;
 
-    // A CHECKED failure that is no mere suspicion would come again.
+    // FREE form fails at the same line, unless the CHECKED failure was SUSPECT.
     reader->failure = first;
     if (first.fault == MpsFault::SUSPECT) error = attempt(reader, MpsForm::FREE);
     if (error == TVX_ERROR_FILE_READ && second.line > reader->failure.line)

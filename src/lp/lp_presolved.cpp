@@ -8,10 +8,10 @@
 //             once, at the same limit, and shows the point. The next solve goes on from the reduced model, or, when the
 //             limit came in postsolve, with postsolve. A limit in the run on the model itself leaves its simplex
 //             record, and the next solve goes on from that without presolve (lp_start.h).
-//             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
-//             hide: infeasible and unbounded cannot be told apart then.
-// Invariant   When this leaves a final status there is no simplex record. lp->form is there only where a limit has stopped
-//             the solve, for the next one to go on.
+//             Infeasible and unbounded of the reduced model cannot be distinguished after dual reductions or on the dual
+//             form. Numeric trouble: the model is solved without presolve.
+// Invariant   With a final status there is no simplex record. lp->form exists only if a limit has stopped the solve; the
+//             next one continues there.
 #include "lp/lp_presolved.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
@@ -29,7 +29,7 @@ constexpr int64_t SHOWN_ENTRIES = 5000000;
 
 // ---- The reduced model ----
 
-// The method that does for the dual form what the other one does for the model.
+// The primal simplex on the dual form stands for the dual simplex on the model, and conversely.
 int method_on(const LpForm *form, int method)
 {
     return form->dual ? 1 - method : method;
@@ -96,9 +96,9 @@ int solve_reduced(LpSolve *lp, LpForm *form, const LpStart &start, int *status)
     return 0;
 }
 
-// ---- What comes of it ----
+// ---- Results ----
 
-// The outcome of a model that presolve or a reduced model has settled.
+// The status of the model is known without a run on it.
 void settle(LpSolve *lp, int status, bool *final)
 {
     lp->status = status;
@@ -139,7 +139,7 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
     TRY(lp_run(lp, {form->dual, &of_dual.simplex, false}, by_basis));
     const int status = simplex_status(of_dual.simplex);
     if (status != TVX_OPTIMAL && !is_limit(status))
-        return 0; // the model itself has to tell
+        return 0; // the run on the model decides
     Array<int> own;
     TRY(array_resize(&own, int64_t{form->dual->numvars} + form->dual->numconstrs));
     simplex_get_basis(of_dual.simplex, own.data);
@@ -163,9 +163,8 @@ int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     return 0;
 }
 
-// A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there,
-// optimal or not; the next solve goes on from the reduced model itself. A huge model shows nothing: to compute its point
-// takes time.
+// A limit or the cutoff has stopped the run on the reduced model. Its basis is mapped to the model to show the point; the
+// next solve continues on the reduced model. Not for a huge model, since computing the point takes time.
 int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bool *final)
 {
     const ModelBody *body = lp->body;
@@ -181,8 +180,8 @@ int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bo
     return 0;
 }
 
-// The form is said to have no optimal solution. Where the claim is not proved the model itself has to tell. Without dual
-// reductions an infeasible reduced model is an infeasible model, and in every other case the model itself has to tell.
+// Presolve or the reduced model claims that the form has no optimal solution. The status is final if the claim is proved
+// on the model, otherwise the run on the model decides. Without dual reductions only infeasibility can be final.
 int finish_without_optimum(LpSolve *lp, LpForm *form, bool infeasible, const LpClaim *claim,
                            bool *final)
 {
@@ -207,11 +206,11 @@ int conclude(LpSolve *lp, LpForm *form, int status, LpStart *start, bool *final)
         TRY(lp_claim_of_reduced(form, &claim));
         return finish_without_optimum(lp, form, status == TVX_INFEASIBLE, &claim, final);
     }
-    lp_form_drop_presolve(form); // numeric trouble: the model itself may fare better
+    lp_form_drop_presolve(form); // numeric trouble: the run on the model decides
     return 0;
 }
 
-// ---- The road ----
+// ---- The steps in order ----
 
 void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
 {
@@ -226,7 +225,7 @@ void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
         TVXmsg(env, "Presolved: All rows and columns removed\n");
 }
 
-// For whoever wants to look at it.
+// Passes the reduced model to the hook of the caller.
 void write_reduced(const LpSolve *lp, const LpForm *form)
 {
     const ModelBody *reduced = lp_form_reduced(form);
@@ -238,7 +237,7 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     const double begin = WallClock();
     TRY(lp_form_presolve(lp, start->chosen, form));
-    if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the model itself has to tell
+    if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the run on the model decides
     log_presolved(lp, form, begin);
     write_reduced(lp, form);
     if (is_limit(form->outcome)) {

@@ -40,7 +40,7 @@ int run(PresolveWork *w, Reduction reduction)
     TRY(reduction(w));
     TRY(sum_stale(w));
 #ifdef TVX_DEBUG
-    if (presolve_verify(w) > 0) abort(); // it has printed the fault
+    if (presolve_verify(w) > 0) abort(); // it has printed what is wrong
 #endif
     return presolve_check(w);
 }

@@ -117,7 +117,7 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
     const int period = s->SwitchCount > 2 || s->Perturbed == PERTURBED_ALL ? 5 : 2;
     if (!s->PerturbAllowed || s->PerturbCur <= 0 || s->NumFactor % period != 0) return;
     if (s->Env->TARV_PAR_PRIMDUALSWITCH < 0 && s->Perturbed == PERTURBED_ALL)
-        return; // once is enough
+        return; // all costs are perturbed once only
     const bool stalled = steps > 0 && degenerate > STALL_SHARE * steps;
     s->LastPerturbIter = s->NPvt;
     s->LastDegenCount = s->DegenCount;

@@ -32,7 +32,7 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w)
 {
     UserViolation primal, dual;
-    double value = 0, price = 0; // largest
+    double value = 0, price = 0; // largest magnitudes
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
         const double x = static_cast<double>(w->Bbar.data[k]);

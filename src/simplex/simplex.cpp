@@ -296,7 +296,7 @@ int run_in(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall 
 {
     const int error = optimize(record, body, env, call, tuning);
     if (call.Total && *record) *call.Total = simplex_iterations(*record);
-    if (error) { // parts of the record may be half built
+    if (error) { // the record may be incomplete
         simplex_free(*record);
         *record = nullptr;
     }

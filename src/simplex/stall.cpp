@@ -7,8 +7,8 @@
 //             looks or FIRST_ROUNDS iterations, the value that the phase minimises is compared with its best since the
 //             last remedy: the sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), minus the
 //             dual objective (dual, box problem and phase 2). After many looks and iterations without improvement the
-//             next remedy of StallRemedy that applies is taken. Each is taken at most once, and the last one, which always
-//             applies, ends the run.
+//             next remedy of StallRemedy that applies is taken. Each is taken at most once, and the last one,
+//             which always applies, ends the run.
 // Cost        One pass over the variables per comparison.
 #include "simplex/primal.h"
 #include <algorithm>

@@ -106,7 +106,7 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
 // bound far away, because the working LP has no variables with only an upper bound.
 struct Tightened {
     int Var;
-    double Lower, Upper; // as they were
+    double Lower, Upper; // before the probe
 };
 
 Tightened tighten(sopt *s, int j, BranchSide side, double bound)
