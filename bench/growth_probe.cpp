@@ -127,7 +127,10 @@ int measure(TVXmodel *model)
     const double t0 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
     PresolveResult *result = nullptr;
     double work = 0;
-    const int status = presolve_lp(body, model->env, &result, &work);
+    PresolveStatus status = PRESOLVE_OK;
+    if (const int code =
+            presolve_lp(body, model->env, LP_DUAL_SIMPLEX, &result, &status, &work))
+        return code;
     const double t1 = processor_time(CLOCK_PROCESS_CPUTIME_ID),
                  peak = memory("VmHWM:") - at_start;
     LpPoint reduced, full;
@@ -202,7 +205,10 @@ int stop_often(TVXmodel *model, int count)
     const double begin = processor_time(CLOCK_PROCESS_CPUTIME_ID);
     PresolveResult *result = nullptr;
     double work = 0;
-    const int status = presolve_lp(model->body, model->env, &result, &work);
+    PresolveStatus status = PRESOLVE_OK;
+    if (const int code =
+            presolve_lp(model->body, model->env, LP_DUAL_SIMPLEX, &result, &status, &work))
+        return code;
     presolve_free(result);
     const double seconds = processor_time(CLOCK_PROCESS_CPUTIME_ID) - begin;
     double worst = 0, worst_at = 0;

@@ -1,6 +1,6 @@
 // derived.cpp -- common part of the calls that make a model from another one
 #include "analysis/derived.h"
-#include "model/model_store.h"
+#include "model/model.h"
 
 void derived_set_bounds(TVXmodel *copy, int j, double lb, double ub)
 {

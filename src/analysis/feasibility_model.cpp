@@ -9,8 +9,7 @@
 //             J. W. Chinneck, "Feasibility and Infeasibility in Optimization", Springer 2008, ch. 6 (elastic programs).
 #include "analysis/derived.h"
 #include "body/row_kind.h"
-#include "env/parameters.h"
-#include "model/model_store.h"
+#include "model/model.h"
 
 namespace
 {

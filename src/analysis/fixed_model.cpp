@@ -14,7 +14,7 @@
 #include "analysis/derived.h"
 #include "body/quality.h"
 #include "body/signs.h"
-#include "model/model_store.h"
+#include "model/model.h"
 #include "model/solution.h"
 #include <cmath>
 

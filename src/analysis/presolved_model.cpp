@@ -4,8 +4,7 @@
 // stops the call, other calls are refused.
 #include "analysis/derived.h"
 #include "body/row_kind.h"
-#include "lp/lp_claim.h"
-#include "model/model_store.h"
+#include "model/model.h"
 #include "presolve/presolve.h"
 #include "runtime/clock.h"
 #include <cstring>
@@ -59,14 +58,12 @@ int collect_names(const ModelBody *body, const PresolveResult *result, Names *na
     return 0;
 }
 
-int refuse(TVXmodel *model, int status)
+int refuse(TVXmodel *model, PresolveStatus status)
 {
-    if (status == OUT_OF_MEMORY) return status;
     const char *why = status == PRESOLVE_TIME_LIMIT    ? "the time limit is reached"
                       : status == PRESOLVE_INTERRUPTED ? "it was interrupted"
-                      : status == TVX_ERROR_INVALID_ARGUMENT
-                          ? "its numbers are too large"
-                          : "the model has no optimal solution";
+                      : status == PRESOLVE_OVERGROWN   ? "its numbers are too large"
+                                                     : "the model has no optimal solution";
     return fail_model(model, TVX_ERROR_DATA_NOT_AVAILABLE, Report::KEEP_FIRST,
                       "Presolve leaves no model: %s", why);
 }
@@ -91,8 +88,6 @@ int make_from_result(TVXmodel *model, PresolveResult *result, TVXmodel **out)
 {
     const ModelBody *reduced = presolve_reduced(result);
     if (!reduced) return make_empty(model, result, out);
-    if (!all_rows_ordinary(reduced)) // free rows do not get this far
-        return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
     Names names;
     TRY(collect_names(model->body, result, &names));
     TRY(model_of_body(model->env, EnvUse::PRIVATE_COPY, presolve_take_reduced(result),
@@ -102,20 +97,23 @@ int make_from_result(TVXmodel *model, PresolveResult *result, TVXmodel **out)
 
 int make_reduced(TVXmodel *model, TVXmodel **out)
 {
-    if (body_is_extreme(model->body)) return refuse(model, TVX_ERROR_INVALID_ARGUMENT);
+    if (body_is_extreme(model->body)) return refuse(model, PRESOLVE_OVERGROWN);
     if (find_row(model->body, RowKind::IMPOSSIBLE) >= 0)
         return refuse(model, PRESOLVE_INFEASIBLE);
     LpClaim claim;
     PresolveResult *result = nullptr;
     bool proved = false;
     double work = 0;
-    const int status = presolve_lp(model->body, model->env, &result, &work, &claim);
-    if (status == OUT_OF_MEMORY) return status;
-    if (status != 0 && !is_limit(status)) {
+    PresolveStatus status = PRESOLVE_OK;
+    const LpMethod method = static_cast<LpMethod>(model->env->LPMethod);
+    TRY(presolve_lp(model->body, model->env, method, &result, &status, &work, &claim));
+    const bool no_optimum = status == PRESOLVE_INFEASIBLE ||
+                            status == PRESOLVE_INF_OR_UNBD || status == PRESOLVE_UNBOUNDED;
+    if (no_optimum) {
         TRY(lp_presolve_claim_holds(model->body, model->env, &claim, &proved));
         if (!proved) return make_unreduced(model, out); // a reduction was wrong by rounding
     }
-    if (status != 0) return refuse(model, status);
+    if (status != PRESOLVE_OK) return refuse(model, status);
     const int code = make_from_result(model, result, out);
     presolve_free(result);
     return code;

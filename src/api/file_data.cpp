@@ -1,7 +1,6 @@
 // file_data.cpp -- between a model and the files that belong to it: gets what they show, sets what they say
 #include "api/file_data.h"
 #include "files/files.h"
-#include "model/pending.h"
 #include "model/solution.h"
 #include "model/warm_start.h"
 #include "runtime/text_number.h"

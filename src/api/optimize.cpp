@@ -9,7 +9,6 @@
 #include "env/callback.h"
 #include "files/files.h"
 #include "model/attribute_cache.h"
-#include "model/interrupt.h"
 #include "model/warm_start.h"
 #include "runtime/clock.h"
 #include "runtime/file.h"
@@ -24,6 +23,13 @@ void dump(TVXmodel *model)
     (void)mps_write(model->body, model->env, "tarvex.rew", WriteNames::NUMBERED);
     (void)TVXwriteparams(model->env, "tarvex.prm");
     (void)finish_model(model, 0); // a failure leaves no text
+}
+
+// The model that presolve has left, likewise.
+void write_reduced(const ModelBody *reduced, TVXenv *env)
+{
+    (void)mps_write(reduced, env, "junk.mps", WriteNames::NUMBERED);
+    (void)finish(env, 0);
 }
 
 void log_size(const TVXmodel *model)
@@ -46,6 +52,7 @@ int run_lp(TVXmodel *model)
         if (warm->norms.size == warm->statuses.size) given.norms = warm->norms.data;
     }
     attributes_clear_solution(model);
+    lp->write_reduced = write_reduced;
     const int code = lp_solve(lp, model->body, model->env, given);
     attributes_clear_solution(model);
     if (lp->simplex) warm_start_drop(model); // the record is newer
@@ -59,7 +66,7 @@ int run_mip(TVXmodel *model)
 {
     MipSolve *mip = &model->mip;
     lp_drop_results(&model->lp);
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
     attributes_clear_solution(model);
     const int code = mip_solve(mip, model->body, model->env);
     attributes_clear_solution(model);
@@ -87,12 +94,11 @@ int close_run(TVXmodel *model, int code)
 {
     TVXenv *env = model->env;
     if (!code) code = callback_code(env);
-    if (code) env->err_hold = 1;
     if (model->mip.result) {
+        const ErrorHold hold(code ? env : nullptr);
         const int epilogue = mip_log_result(&model->mip, code);
         if (!code) code = epilogue;
     }
-    env->err_hold = 0;
     interrupt_end(model);
     flag_store(&model->busy, 0);
     if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out
@@ -170,9 +176,8 @@ void settle_result_file(TVXmodel *model, int solve_code)
     if (!solve_code) {
         write_result_file(model, name);
     } else if (result_of_solve(name)) {
-        env->err_hold = 1;
+        const ErrorHold hold(env);
         explain_no_result(env, name, solve_code, false);
-        env->err_hold = 0;
     }
 }
 } // namespace

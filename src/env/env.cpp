@@ -11,11 +11,7 @@
 
 namespace
 {
-constexpr int VERSION_MAJOR = 3;
-
-constexpr int VERSION_MINOR = 0;
-
-constexpr int VERSION_TECHNICAL = 3;
+constexpr int VERSION_MAJOR = 3, VERSION_MINOR = 0, VERSION_TECHNICAL = 3;
 
 const char parameter_file[] = "tarvex.env"; // read at start-up from the current directory
 } // namespace

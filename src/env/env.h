@@ -121,6 +121,20 @@ int finish(TVXenv *env, int code);
 int check_value(TVXenv *env, double value);
 int check_values(TVXenv *env, int64_t n, const double *values);
 
+// While it lives a recorded error stands: no clearing, no other text.
+struct ErrorHold {
+    TVXenv *env; // null: nothing is held
+    explicit ErrorHold(TVXenv *held) : env(held)
+    {
+        if (env) env->err_hold = 1;
+    }
+    ~ErrorHold()
+    {
+        if (env) env->err_hold = 0;
+    }
+    ErrorHold(const ErrorHold &) = delete;
+    ErrorHold &operator=(const ErrorHold &) = delete;
+};
 void error_clear(TVXenv *env); // forgets the last error, unless err_hold; env is alive
 
 // ---- Log (log.cpp; TVXmsg is the routine for lines) ----

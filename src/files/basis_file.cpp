@@ -39,7 +39,7 @@ int work_make(const ModelBody *body, BasisWork *work)
 {
     TRY(file_names_choose(&work->vars, body, FileNameKind::VARIABLE, false));
     TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, false));
-    // Both in one width; whether own names differ from the numbered ones depends on it.
+    // Own and numbered names are compared in the same width.
     if (work->vars.wide && !work->constrs.wide)
         TRY(file_names_choose(&work->constrs, body, FileNameKind::CONSTRAINT, true));
     if (work->constrs.wide && !work->vars.wide)
@@ -66,7 +66,8 @@ void write_pairs(const BasisWork *work, TextOut *out)
     int i = 0;
     for (int j = 0; j < work->vbasis.size; j++) {
         if (work->vbasis.data[j] != TVX_BASIC) continue;
-        while (work->cbasis.data[i] == TVX_BASIC) i++; // there is one: the counts agree
+        while (work->cbasis.data[i] == TVX_BASIC)
+            i++; // exists: as many nonbasic rows as basic columns
         text_out(out, " XL ");
         text_out_padded(out, file_name(&work->vars, j, column));
         text_out(out, "  ");

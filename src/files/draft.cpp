@@ -105,7 +105,7 @@ int draft_range(ModelDraft *draft, int i, double width)
 {
     DraftColumns *columns = &draft->columns;
     draft->row_sense.data[i] = '=';
-    if (width == 0.0) return 0; // as the file says it
+    if (width == 0.0) return 0; // the value in the file, exactly
     if (columns->names.entries.size == INT_MAX || columns->entry_row.size == INT_MAX)
         return OUT_OF_MEMORY;
     TextSpan name;

@@ -37,7 +37,7 @@ int number_write_short(char *buffer, double value)
 
 int number_write(char *buffer, double value)
 {
-    // Behind the point of "%.16e": 17 in all tell any two doubles apart.
+    // Digits after the point of "%.16e": 17 digits identify every double.
     static constexpr int FULL_DIGITS = 16;
     const int length = write_general(buffer, value);
     return length ? length : number_scientific(buffer, value, FULL_DIGITS);

@@ -10,9 +10,9 @@ namespace
 // A variable and what a line says of it.
 struct Bound {
     TextSpan name;
-    double value[2] = {0.0, 0.0}; // of the lower and the upper bound
+    double value[2] = {0.0, 0.0}; // of lower and upper bound
     bool given[2] = {false, false};
-    bool equal = false; // from one comparison "="
+    bool equal = false; // both from one "="
 };
 
 // Takes "name <comparison> value" into *bound; the comparison may stand on the other side of the name.
@@ -113,7 +113,8 @@ void apply(LpReader *reader, const Bound *bound)
     int now = *flags & (LP_LOWER_GIVEN | LP_UPPER_GIVEN);
     if (bound->given[0]) now |= LP_LOWER_GIVEN;
     if (bound->given[1]) now |= LP_UPPER_GIVEN;
-    if (bound->equal && bound->value[0] == 1.0) now |= LP_SET_TO_ONE; // as written
+    if (bound->equal && bound->value[0] == 1.0)
+        now |= LP_SET_TO_ONE; // exactly 1 in the file
     *flags = static_cast<unsigned char>(now);
 }
 } // namespace

@@ -73,7 +73,8 @@ int settle_columns(LpReader *reader)
     DraftColumns *columns = &reader->draft.columns;
     TRY(count_entries(reader));
     const Array<int> *vbeg = &reader->draft.vbeg;
-    TRY(array_copy(&rows->latest, vbeg->data, vbeg->size)); // now the next free place
+    TRY(array_copy(&rows->latest, vbeg->data,
+                   vbeg->size)); // from now on the next free place
     TRY(array_resize(&columns->entry_row, vbeg->data[vbeg->size - 1]));
     TRY(array_resize(&columns->entry_value, vbeg->data[vbeg->size - 1]));
     TRY(array_append(&rows->begin, static_cast<int>(rows->column.size)));
@@ -106,7 +107,8 @@ int find_constant(const ModelDraft *draft)
     const DraftColumns *columns = &draft->columns;
     const int j = draft_find(draft, {NAME, NAME + sizeof NAME - 1});
     if (j < 0 || !(columns->flags.data[j] & LP_SET_TO_ONE)) return -1;
-    if (columns->lb.data[j] != 1.0 || columns->ub.data[j] != 1.0) return -1; // as read
+    if (columns->lb.data[j] != 1.0 || columns->ub.data[j] != 1.0)
+        return -1; // values from the file, compared exactly
     const bool used = draft->vbeg.data[j + 1] > draft->vbeg.data[j] ||
                       columns->type.data[j] != 'C' || columns->obj.data[j] == 0.0;
     if (used) return -1;

@@ -58,8 +58,8 @@ LpKind mirrored(LpKind sense)
 struct Constraint {
     TextSpan at;
     LpSum left, middle, right;
-    LpKind first = LpKind::END;  // comparison
-    LpKind second = LpKind::END; // of a range
+    LpKind first = LpKind::END;  // comparison operator
+    LpKind second = LpKind::END; // second one, of a range
 };
 
 bool is_infinite(const LpSum *side)

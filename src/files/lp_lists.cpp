@@ -49,7 +49,7 @@ int take_unknown(LpReader *reader, int64_t indent)
 
 int lp_types(LpReader *reader, LpWord section)
 {
-    int64_t indent = -1; // of the first name that begins a line
+    int64_t indent = -1; // of the first name at the start of a line
     for (;; lp_next(reader)) {
         const LpToken *token = &reader->token;
         if (token->kind == LpKind::END) return 0;
@@ -82,7 +82,7 @@ int take_header(LpReader *reader)
     while (p < reader->stop && is_white(*p)) p++;
     if (p[0] != ':' || p[1] != ':') return 0;
     const int type = word.begin[1] - '0';
-    lp_next(reader); // the colons
+    lp_next(reader); // skips the colons
     lp_next(reader);
     return type;
 }

@@ -92,7 +92,7 @@ LpWord lp_word(TextSpan name)
     const int64_t length = span_length(name);
     if (length < SHORTEST_WORD || length > LONGEST_WORD) return LpWord::NONE;
     const char last = static_cast<char>(name.end[-1] | 0x20);
-    // Most names end in a digit or a bracket, no word does.
+    // Most names end in a digit or a bracket, no keyword does.
     if ((last < 'a' || last > 'z') && name.end[-1] != '.') return LpWord::NONE;
     for (const auto &row : words)
         if (span_is_word(name, row.text)) return row.word;

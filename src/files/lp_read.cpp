@@ -95,7 +95,7 @@ int report(TVXenv *env, const char *file_name, LpReader *reader)
     reader->counted = reader->text.bytes.data;
     reader->line = 1;
     const char *place = failure->at.begin;
-    if (place == reader->text.end) place--; // the end of the last line
+    if (place == reader->text.end) place--; // to the last line
     const int64_t line = line_of(reader, place);
     const int line_shown = line < INT_MAX ? static_cast<int>(line) : INT_MAX;
     text_printable(shown, SHOWN, failure->at);

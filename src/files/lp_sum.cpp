@@ -16,11 +16,11 @@ namespace
 struct Term {
     double factor = 1;
     int column = -1;
-    bool first = true;   // of its sum
+    bool first = true;   // first term of its sum
     bool number = false; // a number was given
     bool infinite = false;
     TextSpan at;
-    TextSpan digits; // the number given last
+    TextSpan digits; // text of the last number
 };
 
 int take_number(LpReader *reader, double *factor)
@@ -129,7 +129,7 @@ int take_factors(LpReader *reader, LpPlace place, bool wanted, Term *term)
 bool is_ambiguous(const LpReader *reader, LpPlace place, const Term *term)
 {
     if (!term->number || term->column >= 0) return false;
-    if (place == LpPlace::RIGHT || place == LpPlace::LIMIT) return false; // a number
+    if (place == LpPlace::RIGHT || place == LpPlace::LIMIT) return false; // is a number
     if (term->first && lp_is_comparison(reader->token.kind)) return false;
     const char *p = term->digits.begin;
     while (p < term->digits.end && *p != 'e' && *p != 'E') p++;
@@ -224,7 +224,7 @@ int lp_sum(LpReader *reader, LpPlace place, LpSum *sum)
         term.factor = lp_signs(reader, &signs);
         const bool wanted = signs || place != LpPlace::OBJECTIVE;
         TRY(take_factors(reader, place, wanted, &term));
-        if (!term.number && term.column < 0 && !term.infinite) return 0; // an empty sum
+        if (!term.number && term.column < 0 && !term.infinite) return 0; // the sum is empty
         if (is_ambiguous(reader, place, &term))
             return lp_stop(reader, term.digits,
                            "this could be a number, or a factor and a variable");

@@ -52,7 +52,7 @@ void take_name(LpReader *reader)
 {
     LpToken *token = &reader->token;
     const char *end = token->text.begin;
-    signed char least = 0; // negative where a byte is beyond ASCII
+    signed char least = 0; // negative if a byte is not ASCII
     for (; lp_in_name(*end); end++) least = std::min(least, static_cast<signed char>(*end));
     token->text.end = end;
     const bool odd = lp_class(*token->text.begin) != LpClass::LETTER || end[-1] == ',' ||
@@ -61,7 +61,8 @@ void take_name(LpReader *reader)
     if (odd) return;
     token->word = lp_word(token->text);
     const char first = static_cast<char>(*token->text.begin | 0x20);
-    if (first != 's') return; // semi-continuous, subject to, such that
+    if (first != 's')
+        return; // of two-word keywords: semi-continuous, subject to, such that
     if (const char *second = lp_second_word(token->text, reader->stop)) {
         token->word = token->word == LpWord::SEMIS ? LpWord::SEMIS : LpWord::SUBJECT_TO;
         token->text.end = second;

@@ -33,8 +33,8 @@ struct LpWriter {
     FileNames vars, constrs;
     TextOut out;
     int64_t column = 0;       // bytes on the line so far
-    bool constant_is = false; // a variable has the name CONSTANT
-    int n_listed = 0;         // variables that the objective names, costs of 0 too
+    bool constant_is = false; // the model has a variable CONSTANT
+    int n_listed = 0;         // variables written in the objective, with zero cost too
 };
 
 // ---- Names ----
@@ -87,7 +87,7 @@ int first_row(const ModelBody *body, int j)
 // How many variables the objective must name: behind them, rows name the others in order.
 int count_listed(const ModelBody *body)
 {
-    int next = body->numconstrs - 1; // the row that first mentions the variable behind
+    int next = body->numconstrs - 1; // first row with an entry of the next variable
     for (int j = body->numvars - 1; j >= 0; j--) {
         const int row = first_row(body, j);
         if (body->obj.data[j] != 0.0 || row > next) return j + 1;
@@ -163,7 +163,7 @@ void write_row(LpWriter *writer, int i)
     const ModelBody *body = writer->body;
     char buffer[FILE_NAME_LENGTH];
     const char sense = body->senses.data[i];
-    const double side = sense == '>' ? -1.0 : 1.0; // rows with '>' are held negated
+    const double side = sense == '>' ? -1.0 : 1.0; // rows with '>' are stored negated
     writer->column = 0;
     put(writer, " ");
     put(writer, file_name(&writer->constrs, i, buffer));
@@ -230,7 +230,7 @@ void write_one(LpWriter *writer, const LpBounds *column, const char *sense, doub
 
 void write_column_bounds(LpWriter *writer, const LpBounds *column)
 {
-    const bool at_one = column->lb == 1.0 && column->ub == 1.0; // as it was set
+    const bool at_one = column->lb == 1.0 && column->ub == 1.0; // exactly
     if (column->no_lower && column->no_upper) {
         put(writer, " ");
         put(writer, column->name);

@@ -35,7 +35,7 @@ struct StartReader {
     FileNames names;
     FileNameIndex index;
     StartValues *values;
-    int64_t n_unknown; // names the model does not have
+    int64_t n_unknown; // names of no variable of the model
 };
 
 int bad_line(StartReader *reader, int64_t number, TextSpan line)
@@ -70,7 +70,7 @@ int start_line(StartReader *reader, int64_t number, TextSpan line)
     TextSpan name = span_trim(line.begin, last);
     TextSpan field = {last, line.end};
     int j = file_index_find(&reader->index, name.begin, span_length(name));
-    if (j < 0) { // name, value, and something behind
+    if (j < 0) { // more text after name and value
         name.end = skip_word(line.begin, line.end);
         name.begin = line.begin;
         field = span_trim(name.end, line.end);

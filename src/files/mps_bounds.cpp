@@ -168,7 +168,7 @@ void apply(const BoundLine *line, Bound bound, double value)
 int value_read(MpsReader *reader, Bound bound, TextSpan field, double *value)
 {
     const MpsBoundValue demand = bounds[static_cast<int>(bound)].value;
-    *value = DRAFT_INFINITY; // of SC without a value
+    *value = DRAFT_INFINITY; // bound type SC without a value
     if (demand == MpsBoundValue::NONE ||
         (demand == MpsBoundValue::OPTIONAL && span_empty(field)))
         return 0;

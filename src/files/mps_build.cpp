@@ -95,7 +95,7 @@ void drop_zeros(DraftColumns *columns, Array<int> *vbeg)
         const int begin = to;
         const int end = vbeg->data[j + 1];
         for (int p = vbeg->data[j]; p < end; p++) {
-            if (columns->entry_value.data[p] == 0.0) continue; // as the file says it
+            if (columns->entry_value.data[p] == 0.0) continue; // zero in the file, exactly
             columns->entry_row.data[to] = columns->entry_row.data[p];
             columns->entry_value.data[to++] = columns->entry_value.data[p];
         }
@@ -199,7 +199,7 @@ TextSpan without_constant(const MpsReader *reader)
     const double stored = reader->draft.sense * reader->draft.objcon;
     const int length = text_format(shown, SHOWN, " with objcon=%12g", stored);
     if (stored == 0.0 || span_length(name) + 1 < length) return name;
-    // A model without name leaves only the words behind the blank.
+    // Without a model name only the text after the blank is used.
     const TextSpan whole = {shown + 1, shown + length};
     if (span_length(name) == length - 1)
         return memcmp(name.begin, whole.begin, static_cast<size_t>(length - 1))
@@ -218,7 +218,7 @@ int copy_model_name(MpsReader *reader)
     char *copy =
         PoolCopy(reader->draft.pool, name.begin, static_cast<size_t>(span_length(name)));
     if (!copy) return OUT_OF_MEMORY;
-    for (char *c = copy; *c; c++) *c = line_char(*c); // as the writer does
+    for (char *c = copy; *c; c++) *c = line_char(*c); // same as in mps_write
     reader->draft.name = copy;
     return 0;
 }

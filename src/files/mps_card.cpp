@@ -181,7 +181,7 @@ int card_fixed(MpsReader *reader, MpsCard *card)
         return mps_stop(reader, MpsFault::FIELDS,
                         "fields do not stand in the columns of the fixed form\n");
     const bool no_set = reader->section == MpsSection::BOUNDS && !card->entries;
-    if (no_set) { // the column stands in the place of the set's name
+    if (no_set) { // the column is in the field of the set name
         card->entry[0] = card->name;
         card->name = TextSpan{};
         card->entries = 1;
@@ -256,7 +256,7 @@ int card_bound(MpsReader *reader, const MpsTokens *tokens, MpsCard *card)
     card->type = tokens->token[0];
     card->entries = 1;
     const MpsBoundValue demand = mps_bound_value(card->type);
-    if (demand == MpsBoundValue::UNKNOWN) return 0; // the section knows what to say
+    if (demand == MpsBoundValue::UNKNOWN) return 0; // the section reports it
     if (demand == MpsBoundValue::NONE)
         bound_without_value(reader, tokens, card);
     else if (!bound_with_value(reader, tokens, demand == MpsBoundValue::OPTIONAL, card))

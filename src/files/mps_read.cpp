@@ -1,4 +1,4 @@
-// mps_read.cpp -- the driver of the MPS reader: sections, the attempts at the form of the file, failures
+// mps_read.cpp -- the driver of the MPS reader: sections, and the attempts at the form of the file
 //
 // Problem     Read MPS files in all common variants into a model, or report where and why that is not possible.
 // Method      The text is in memory; an attempt reads its lines once. The first attempt is free form with checks: if a
@@ -8,74 +8,14 @@
 // Order       NAME, OBJSENSE and OBJNAME may be missing; ROWS, then COLUMNS, then RHS, RANGES, BOUNDS and SOS in any
 //             order, also repeatedly; ENDATA must end the file.
 // Cost        One pass for nearly all files, at most three.
-#include "env/env.h"
-#include "files/file_number.h"
 #include "files/files.h"
 #include "files/mps_reader.h"
 #include "runtime/text_number.h"
-#include <climits>
 #include <utility>
-
-// ---- Failures ----
-
-namespace
-{
-void failure_set(MpsReader *reader, MpsFault fault, const char *format, va_list arguments)
-{
-    MpsFailure *failure = &reader->failure;
-    failure->fault = fault;
-    failure->line = reader->text.line;
-    failure->text = reader->line;
-    text_format_v(failure->reason, MPS_REASON_LENGTH, format, arguments);
-}
-} // namespace
-
-int mps_stop(MpsReader *reader, MpsFault fault, const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    failure_set(reader, fault, format, arguments);
-    va_end(arguments);
-    return TVX_ERROR_FILE_READ;
-}
-
-namespace
-{
-constexpr int FIELD_SHOWN = 60; // characters of a field in a reason
-} // namespace
-
-int mps_stop_number(MpsReader *reader, TextSpan field)
-{
-    char shown[FIELD_SHOWN];
-    text_printable(shown, FIELD_SHOWN, field);
-    double value = 0.0;
-    switch (number_read(field, &value)) {
-    case NumberKind::INFINITE:
-        return mps_stop(reader, MpsFault::CONTENT, "an infinite value cannot stand here\n");
-    case NumberKind::TOO_LARGE:
-        return mps_stop(reader, MpsFault::CONTENT, "the number %s is too large\n", shown);
-    default:
-        return mps_stop(reader, MpsFault::CONTENT, "'%s' is not a number\n", shown);
-    }
-}
-
-int mps_finite(MpsReader *reader, TextSpan field, double *value)
-{
-    if (number_read(field, value) == NumberKind::FINITE) return 0;
-    return mps_stop_number(reader, field);
-}
-
-int mps_unknown(MpsReader *reader, MpsWarning warning, TextSpan name)
-{
-    if (reader->form == MpsForm::CHECKED)
-        return mps_stop(reader, MpsFault::SUSPECT, "unknown name\n");
-    mps_warn(&reader->warnings, warning, reader->text.line, name);
-    return 0;
-}
 
 bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning warning)
 {
-    if (span_empty(name)) return !set->skipping; // as the line before
+    if (span_empty(name)) return !set->skipping; // same set as in the line before
     if (span_empty(set->first)) set->first = name;
     const bool counts =
         span_length(name) == span_length(set->first) &&
@@ -315,7 +255,7 @@ int parse(MpsReader *reader)
     if (error != TVX_ERROR_FILE_READ) return error;
     const MpsFailure second = reader->failure;
 
-    // A CHECKED failure that is no mere suspicion would come again.
+    // FREE form fails at the same line, unless the CHECKED failure was SUSPECT.
     reader->failure = first;
     if (first.fault == MpsFault::SUSPECT) error = attempt(reader, MpsForm::FREE);
     if (error == TVX_ERROR_FILE_READ && second.line > reader->failure.line)
@@ -323,82 +263,13 @@ int parse(MpsReader *reader)
     return error;
 }
 
-// ---- Reports ----
-
-constexpr int LINE_SHOWN = 256; // bytes of an offending line in a report
-
-// Errors that belong to a line: the line with its number, then what is wrong with it.
-int report_line(TVXenv *env, const MpsFailure *failure)
-{
-    char shown[LINE_SHOWN];
-    const int size = failure->fault == MpsFault::BINARY ? FIELD_SHOWN : LINE_SHOWN;
-    text_printable(shown, size, failure->text);
-    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
-    if (failure->fault == MpsFault::FIELDS)
-        TVXmsg(env, "Error: not free format mps file.\n");
-    TVXmsg(env, "Error at line %d:\n%s\n", line, shown);
-    TVXmsg(env, "%s", failure->reason);
-    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST,
-                "MPS read error at line %d:\n%s\n%s", line, shown, failure->reason);
-}
-
-// Errors about sections.
-int report_section(TVXenv *env, const MpsFailure *failure, const char *log_text,
-                   const char *message)
-{
-    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
-    char shown[LINE_SHOWN];
-    text_printable(shown, LINE_SHOWN, failure->text);
-    const char *indent = *shown ? "\n         " : ""; // no text behind the last line
-    const char *end = *shown ? "\n" : "";
-    TVXmsg(env, "%s", log_text);
-    TVXmsg(env, "         line %d: %s%s%s", line, shown, indent, failure->reason);
-    return fail(env, TVX_ERROR_FILE_READ, Report::KEEP_FIRST, "%sline %d: %s%s%s", message,
-                line, shown, end, failure->reason);
-}
-
-int report_no_end(TVXenv *env, const MpsFailure *failure)
-{
-    char log_text[LINE_SHOWN];
-    char message[LINE_SHOWN];
-    const int line = failure->line < INT_MAX ? static_cast<int>(failure->line) : INT_MAX;
-    text_format(log_text, LINE_SHOWN, "Error: line %d not right or no ENDATA.\n", line);
-    text_format(message, LINE_SHOWN, "MPS reader: line %d not right or no ENDATA\n", line);
-    return report_section(env, failure, log_text, message);
-}
-
-int report(TVXenv *env, const MpsFailure *failure)
-{
-    switch (failure->fault) {
-    case MpsFault::NO_ROWS:
-        return report_section(env, failure, "Error: no row section.\n",
-                              "MPS reader: no row section\n");
-    case MpsFault::NO_COLUMNS:
-        return report_section(env, failure, "Error: no column section.\n",
-                              "MPS reader: no column section\n");
-    case MpsFault::EMPTY:
-        return report_section(env, failure, "Error: no columns or no nonzeros.\n",
-                              "MPS reader: no columns or no nonzeros\n");
-    case MpsFault::NO_END:
-        return report_no_end(env, failure);
-    default:
-        return report_line(env, failure);
-    }
-}
-
-int report_memory(TVXenv *env)
-{
-    TVXmsg(env, "Error: out of memory.\n");
-    return fail(env, OUT_OF_MEMORY, Report::KEEP_FIRST, "Out of memory in MPS reader\n");
-}
-
 int read_loaded(TVXenv *env, MpsReader *reader)
 {
     const int error = parse(reader);
     if (!error) return mps_build(env, reader);
-    if (error == OUT_OF_MEMORY) return report_memory(env);
+    if (error == OUT_OF_MEMORY) return mps_report_memory(env);
     mps_warnings_show(&reader->warnings, env);
-    return report(env, &reader->failure);
+    return mps_report(env, &reader->failure);
 }
 } // namespace
 
@@ -408,7 +279,7 @@ int mps_read(TVXenv *env, const char *file_name, ModelDraft *draft)
     if (const TextLoad result = text_load(file_name, &reader.text);
         result != TextLoad::OK) {
         const int error = text_load_failed(env, file_name, result);
-        return error == OUT_OF_MEMORY ? report_memory(env) : error;
+        return error == OUT_OF_MEMORY ? mps_report_memory(env) : error;
     }
     const int error = read_loaded(env, &reader);
     *draft = std::exchange(reader.draft, ModelDraft{});

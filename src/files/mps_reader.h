@@ -16,7 +16,7 @@
 enum class MpsForm { CHECKED, FIXED, FREE };
 enum class MpsSection { HEAD, SENSE, OBJNAME, ROWS, COLUMNS, RHS, RANGES, BOUNDS, SOS };
 
-// Why an attempt stopped. Each has its texts in mps_read.cpp.
+// Why an attempt stopped. Each has its texts in mps_failure.cpp.
 enum class MpsFault {
     NONE,
     SUSPECT,    // CHECKED only: an unknown name, or a line that fixed form explains too
@@ -108,7 +108,7 @@ struct MpsReader {
     ReadWarnings warnings;
 };
 
-// ---- mps_read.cpp ----
+// ---- mps_failure.cpp ----
 // Records why the attempt stops at the line in work. TVX_ERROR_FILE_READ.
 int mps_stop(MpsReader *reader, MpsFault fault, const char *format, ...) TVX_PRINTF(3, 4);
 // Likewise for a field that should be a number; names the field.
@@ -117,6 +117,11 @@ int mps_stop_number(MpsReader *reader, TextSpan field);
 [[nodiscard]] int mps_finite(MpsReader *reader, TextSpan field, double *value);
 // An unknown name: in CHECKED form a reason to try fixed form, else a warning. 0 or TVX_ERROR_FILE_READ.
 [[nodiscard]] int mps_unknown(MpsReader *reader, MpsWarning warning, TextSpan name);
+// Writes the failure to the log and records its text. TVX_ERROR_FILE_READ.
+int mps_report(TVXenv *env, const MpsFailure *failure);
+int mps_report_memory(TVXenv *env); // the same for OUT_OF_MEMORY
+
+// ---- mps_read.cpp ----
 // Whether a line with this set name counts.
 bool mps_set_counts(MpsReader *reader, MpsSet *set, TextSpan name, MpsWarning warning);
 

@@ -56,7 +56,7 @@ int set_range(MpsReader *reader, TextSpan row, TextSpan field)
     const int k = mps_find_row(reader, row);
     if (k < 0) return mps_unknown(reader, MpsWarning::UNKNOWN_ROW_IN_RANGES, row);
     const int i = rows->place.data[k].place;
-    if (i < 0) return 0; // a range of a free row says nothing
+    if (i < 0) return 0; // a range of a free row has no effect
     if (rows->given.data[i] & RANGE_GIVEN) {
         mps_warn(&reader->warnings, MpsWarning::DUPLICATE_RANGE, reader->text.line, row);
         return 0;

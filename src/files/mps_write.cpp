@@ -24,7 +24,7 @@ constexpr int FIXED_NAME_LENGTH = 8;
 struct MpsWriter {
     const ModelBody *body = nullptr;
     FileNames vars, constrs;
-    char objective[FILE_NAME_LENGTH] = "OBJ"; // no constraint's name
+    char objective[FILE_NAME_LENGTH] = "OBJ"; // made different from all constraint names
     TextOut out;
 };
 
@@ -115,7 +115,7 @@ void write_head(MpsWriter *writer)
     TextOut *out = &writer->out;
     text_out(out, "NAME ");
     if (body->modelname) text_out_line(out, body->modelname);
-    if (body->objcon != 0.0) { // as it was set
+    if (body->objcon != 0.0) { // exactly
         char shown[2 * NUMBER_LENGTH];
         text_format(shown, sizeof shown, " with objcon=%12g", body->objcon);
         text_out(out, shown);

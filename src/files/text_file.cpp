@@ -230,7 +230,7 @@ void text_printable(char *buffer, int size, TextSpan span)
     for (const char *p = span.begin; p < span.end;) {
         const int length = utf8_length(p, span.end);
         const int step = length ? length : 1;
-        // A byte never takes more than one.
+        // Each byte is shown as at most one character.
         const bool all_fits = span.end - p < size - used;
         if (!all_fits && used + step + DOTS >= size) {
             for (int k = 0; k < DOTS && used < size - 1; k++) buffer[used++] = '.';

@@ -1,7 +1,8 @@
 // lp.h -- the face of this room: LpSolve, the solve of one linear program, and what may be asked of it
 //
 // LpSolve::status     what it means                                         set by
-//   0, TVX_LOADED     nothing is solved                                     lp_drop, lp_bound_changed, the model's updates
+//   TVX_LOADED        nothing is solved                                     lp_set_loaded, lp_drop, lp_bound_changed
+//   0                 likewise; an update of the model has failed           lp_set_broken
 //   2 5 6 12 13       final; `simplex` holds the answer                     lp_solve, lp_confirm
 //   3 4               final; `simplex` holds the proof, or there is no      lp_solve
 //                     record: presolve or an impossible row has told
@@ -13,7 +14,8 @@
 #include "body/quality.h"
 #include "simplex/simplex.h"
 
-struct LpForm; // lp_form.h
+struct LpForm;  // lp_form.h
+struct LpClaim; // presolve/presolve.h
 
 struct LpResult {
     double runtime = 0;   // seconds
@@ -32,12 +34,18 @@ struct LpSolve {
     const ModelBody *body = nullptr; // of the last lp_solve; not owned
     TVXenv *env = nullptr;           // likewise
     int status = 0;
-    double work = 0;            // deterministic effort of the last solve
-    sopt *simplex = nullptr;    // owned; on the body itself
+    double work = 0; // deterministic effort of the last solve
+    double lost_iterations =
+        0;                   // of a last solve that ran out of memory, for its closing line
+    sopt *simplex = nullptr; // owned; on the body itself
     LpResult *result = nullptr; // owned; of the last solve
     LpForm *form = nullptr;     // owned; where a limit has stopped a solve with presolve
     int version = 0;            // counts up whenever the point may have become another one
+    // Gets each reduced model before its solve when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change anything.
+    void (*write_reduced)(const ModelBody *reduced, TVXenv *env) = nullptr;
 };
+void lp_set_loaded(LpSolve *lp); // the model is new, or another one than was solved
+void lp_set_broken(LpSolve *lp);
 void lp_drop_results(LpSolve *lp); // result and form; the simplex record stays
 void lp_drop_form(LpSolve *lp);
 void lp_drop_simplex(LpSolve *lp);
@@ -76,6 +84,11 @@ void lp_get_duals(const LpSolve *lp, double *pi,
 // The optimal basis gets fresh factors; where it is not optimal with them the dual runs on, and *changed is set. 0, a code,
 // or OUT_OF_MEMORY: everything is dropped then.
 [[nodiscard]] int lp_confirm(LpSolve *lp, bool *changed);
+
+// Does the claim of a presolve of this body prove that the model has no optimum? Infeasibility counts when it is there
+// with all rows and bounds held wider by FeasibilityTol. 0 or OUT_OF_MEMORY (lp_claim.cpp).
+[[nodiscard]] int lp_presolve_claim_holds(const ModelBody *body, const TVXenv *env,
+                                          const LpClaim *claim, bool *holds);
 
 // "Solved in ..." or "Stopped in ...", with the seconds since `start`, and what the status means; under TVX_OPTIMAL with
 // warnings when the unscaled solution violates the tolerances. 0 or OUT_OF_MEMORY of the measuring (lp_log.cpp).

@@ -27,10 +27,8 @@
 
 namespace
 {
-constexpr int LARGE = 100000; // variables from which on a presolve more may pay
-
-constexpr double FEW = 0.001; // share of rows violated at the start of the primal
-
+constexpr int LARGE = 100000;   // variables from which on a presolve more may pay
+constexpr double FEW = 0.001;   // share of rows violated at the start of the primal
 constexpr double SMALLER = 0.5; // share of the rows that presolve may leave for the dual
 
 // ---- Whether ----
@@ -162,14 +160,14 @@ bool is_smaller(const ModelBody *reduced, const ModelBody *body)
 }
 
 // *solved: the reduced problem is solved to its end.
-int solve(Auxiliary *aux, int method, double *work, bool *solved)
+int solve(Auxiliary *aux, const LpStart &run, double *work, bool *solved)
 {
     *solved = false;
-    const int code = presolve_lp(aux->body, aux->env, &aux->presolve, work);
-    if (code == OUT_OF_MEMORY) return code;
-    if (code != 0) return 0;
+    PresolveStatus status = PRESOLVE_OK;
+    TRY(presolve_lp(aux->body, aux->env, run.chosen, &aux->presolve, &status, work));
+    if (status != PRESOLVE_OK) return 0;
     const ModelBody *reduced = presolve_reduced(aux->presolve);
-    if (method == METHOD_DUAL && !is_smaller(reduced, aux->body)) return 0;
+    if (run.method == METHOD_DUAL && !is_smaller(reduced, aux->body)) return 0;
     *solved = true;
     if (!reduced) return 0;
     TRY(SimplexOptimize(&aux->simplex, reduced, aux->env,
@@ -179,22 +177,21 @@ int solve(Auxiliary *aux, int method, double *work, bool *solved)
 }
 } // namespace
 
-int lp_auxiliary_start(const ModelBody *body, TVXenv *env, int method, double done,
+int lp_auxiliary_start(const ModelBody *body, TVXenv *env, const LpStart &run, double done,
                        AuxiliaryStart *start)
 {
     bool wanted = false, solved = false;
-    TRY(is_wanted(body, env, method, &wanted));
+    TRY(is_wanted(body, env, run.method, &wanted));
     if (!wanted) return 0;
     Auxiliary aux;
     TRY(make_env(env, done, &aux));
-    TRY(make_body(body, method, &aux));
-    TRY(solve(&aux, method, &start->work, &solved));
+    TRY(make_body(body, run.method, &aux));
+    TRY(solve(&aux, run, &start->work, &solved));
     if (aux.simplex) {
         start->iterations = simplex_iterations(aux.simplex);
         start->work += simplex_take_work(aux.simplex);
     }
     if (!solved) return 0;
-    const int code = lp_postsolve_basis(aux.presolve, aux.simplex, PostsolveLimits::OBEY,
-                                        &start->statuses);
-    return code == OUT_OF_MEMORY ? code : 0; // a limit: the run to come sees it too
+    PresolveStatus stopped = PRESOLVE_OK; // a limit: the run to come sees it too
+    return lp_postsolve_basis(aux.presolve, aux.simplex, &start->statuses, &stopped);
 }

@@ -6,9 +6,6 @@
 // and bounds held wider by FeasibilityTol. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_claim_holds(const LpSolve *lp, const LpForm *form,
                                  const LpClaim *claim, bool *holds);
-// The same for a claim of presolve about the body itself.
-[[nodiscard]] int lp_presolve_claim_holds(const ModelBody *body, const TVXenv *env,
-                                          const LpClaim *claim, bool *holds);
 // The claim about a form from the status of the simplex on its reduced model; empty when the simplex has no proof. 0 or
 // OUT_OF_MEMORY.
 [[nodiscard]] int lp_claim_of_reduced(const LpForm *form, LpClaim *claim);

@@ -16,9 +16,7 @@
 namespace
 {
 constexpr double GROSS_TOLERANCES = 1000; // scale factors of usual models hide so much
-
 constexpr double GROSS_SHARE = 1e-3; // three correct digits are the least for an answer
-
 constexpr double ROUNDING_SHARE_OF_ROW = 1e-14; // of the terms of a row, or of a bound
 
 struct Judge {

@@ -17,6 +17,16 @@
 #include "lp/lp_secure.h"
 #include "runtime/clock.h"
 
+void lp_set_loaded(LpSolve *lp)
+{
+    lp->status = TVX_LOADED;
+}
+
+void lp_set_broken(LpSolve *lp)
+{
+    lp->status = 0;
+}
+
 void lp_drop_form(LpSolve *lp)
 {
     lp_form_free(lp->form);
@@ -40,7 +50,7 @@ void lp_drop(LpSolve *lp)
 {
     lp_drop_results(lp);
     lp_drop_simplex(lp);
-    lp->status = TVX_LOADED;
+    lp_set_loaded(lp);
 }
 
 namespace
@@ -56,7 +66,7 @@ bool already_solved(const LpSolve *lp)
 int open_result(LpSolve *lp)
 {
     lp->status = TVX_LOADED;
-    lp->work = 0;
+    lp->work = lp->lost_iterations = 0;
     if (lp->simplex) (void)simplex_take_work(lp->simplex); // of earlier solves
     if (!lp->result) lp->result = record_create<LpResult>();
     if (!lp->result) return OUT_OF_MEMORY;
@@ -132,6 +142,7 @@ int lp_solve(LpSolve *lp, const ModelBody *body, TVXenv *env, const LpGiven &giv
     lp->body = body;
     lp->env = env;
     const int code = already_solved(lp) ? refresh_factor(lp) : solve(lp, given);
+    if (code && lp->result) lp->lost_iterations = lp->result->itercount;
     if (code) lp_drop(lp); // nothing that a solve has left unfinished is used again
     return code;
 }

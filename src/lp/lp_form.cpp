@@ -13,7 +13,6 @@
 namespace
 {
 constexpr double TALL = 5, WIDE = 2; // rows over columns: the dual, the primal form
-
 constexpr double VAR_WEIGHT = 3, ROW_WEIGHT = 5, NZ_WEIGHT = 2,
                  BETTER = 25; // of the comparison
 
@@ -31,45 +30,38 @@ bool dual_for_barrier(const ModelBody *body)
     return equations == 0 || (free > 0 && equations < 2 * free);
 }
 
-bool automatic_dual(const ModelBody *body, const TVXenv *env)
+bool automatic_dual(const ModelBody *body, LpMethod method)
 {
-    if (env->LPMethod == LP_BARRIER) return dual_for_barrier(body);
+    if (method == LP_BARRIER) return dual_for_barrier(body);
     return body->numconstrs > TALL * body->numvars;
 }
 
 int take_dual(const LpSolve *lp, LpForm *form)
 {
-    ModelBody *dual = nullptr;
-    const int error = dualise(lp->body, lp->env, &dual);
-    if (error == OUT_OF_MEMORY) return error;
-    if (!error) form->body = form->dual = dual; // else the primal form goes on
+    TRY(dualise(lp->body, lp->env, &form->dual));
+    if (form->dual) form->body = form->dual; // else the primal form goes on
     return 0;
-}
-
-// Right-hand sides have grown into what counts as infinite.
-bool is_overgrown(const LpForm *form)
-{
-    const ModelBody *reduced = lp_form_reduced(form);
-    return reduced && !all_rows_ordinary(reduced);
 }
 
 // The dual form on its own thread.
 struct DualThread {
     const ModelBody *source = nullptr;
     TVXenv *env = nullptr; // an inner one
+    LpMethod method = LP_DUAL_SIMPLEX;
     ModelBody *dual = nullptr;
-    PresolveResult *presolve = nullptr;
+    PresolveResult *presolve = nullptr; // null: this form cannot be used
     double work = 0;
-    int status = 0;
     int32_t done = 0;
 };
 
 void run_dual(void *argument)
 {
     DualThread *t = static_cast<DualThread *>(argument);
-    t->status = dualise(t->source, t->env, &t->dual);
-    if (t->status == 0) t->status = presolve_lp(t->dual, t->env, &t->presolve, &t->work);
-    if (t->status != 0) { // to give back much memory takes time: not after the other form
+    PresolveStatus status = PRESOLVE_OK;
+    // benign: where memory does not suffice for this form the other one stands
+    if (!dualise(t->source, t->env, &t->dual) && t->dual)
+        (void)presolve_lp(t->dual, t->env, t->method, &t->presolve, &status, &t->work);
+    if (!t->presolve) { // to give back much memory takes time: not after the other form
         body_free(t->dual);
         t->dual = nullptr;
     }
@@ -97,17 +89,17 @@ void adopt(DualThread *t, TVXenv *env, LpForm *form)
     form->body = form->dual = std::exchange(t->dual, nullptr);
     form->presolve = std::exchange(t->presolve, nullptr);
     presolve_set_env(form->presolve, env);
-    form->overgrown = is_overgrown(form);
 }
 
-int choose_from_both(LpSolve *lp, LpForm *form)
+int choose_from_both(LpSolve *lp, LpMethod method, LpForm *form)
 {
     DualThread t;
     t.source = lp->body;
+    t.method = method;
     TRY(env_inner(&t.env, lp->env));
     t.env->outer = nullptr; // another thread must not enter the caller's function
     const uintptr_t thread = ThreadStart(run_dual, &t);
-    const int code = lp_form_presolve(lp, form);
+    const int code = lp_form_presolve(lp, method, form);
     for (int round = 0; thread && !flag_load(&t.done); round++) ThreadPause(round);
     if (thread) ThreadJoin(thread);
     if (t.dual) lp->work += t.work;
@@ -116,8 +108,7 @@ int choose_from_both(LpSolve *lp, LpForm *form)
         form->outcome = static_cast<PresolveStatus>(limits_reached(lp->env));
     if (form->outcome != PRESOLVE_OK)
         lp_form_drop_presolve(form);
-    else if (!code && thread && t.status == 0 &&
-             dual_is_smaller(form->presolve, t.presolve))
+    else if (!code && t.presolve && dual_is_smaller(form->presolve, t.presolve))
         adopt(&t, lp->env, form);
     presolve_free(t.presolve);
     body_free(t.dual);
@@ -125,7 +116,7 @@ int choose_from_both(LpSolve *lp, LpForm *form)
     return code;
 }
 
-int choose(LpSolve *lp, LpForm *form)
+int choose(LpSolve *lp, LpMethod method, LpForm *form)
 {
     const TVXenv *env = lp->env;
     form->body = lp->body;
@@ -133,19 +124,19 @@ int choose(LpSolve *lp, LpForm *form)
     int choice = env->PreDual;
     if (choice == BOTH_FORMS && (env->Threads == 1 || ProcessorCount() == 1))
         choice = AUTOMATIC;
-    if (choice == BOTH_FORMS) return choose_from_both(lp, form);
+    if (choice == BOTH_FORMS) return choose_from_both(lp, method, form);
     const bool dual =
-        choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(lp->body, env));
+        choice == DUAL_FORM || (choice == AUTOMATIC && automatic_dual(lp->body, method));
     return dual ? take_dual(lp, form) : 0;
 }
 } // namespace
 
-int lp_form_choose(LpSolve *lp, LpForm **out)
+int lp_form_choose(LpSolve *lp, LpMethod method, LpForm **out)
 {
     *out = nullptr;
     LpForm *form = record_create<LpForm>();
     if (!form) return OUT_OF_MEMORY;
-    if (const int code = choose(lp, form)) {
+    if (const int code = choose(lp, method, form)) {
         lp_form_free(form);
         return code;
     }
@@ -153,16 +144,12 @@ int lp_form_choose(LpSolve *lp, LpForm **out)
     return 0;
 }
 
-int lp_form_presolve(LpSolve *lp, LpForm *form)
+int lp_form_presolve(LpSolve *lp, LpMethod method, LpForm *form)
 {
     if (form->presolved) return 0;
     form->presolved = true;
-    const int code =
-        presolve_lp(form->body, lp->env, &form->presolve, &lp->work, &form->claim);
-    if (code == OUT_OF_MEMORY) return code;
-    form->overgrown = code > OUT_OF_MEMORY || is_overgrown(form);
-    if (!form->overgrown) form->outcome = static_cast<PresolveStatus>(code);
-    return 0;
+    return presolve_lp(form->body, lp->env, method, &form->presolve, &form->outcome,
+                       &lp->work, &form->claim);
 }
 
 void lp_form_drop_presolve(LpForm *form)
@@ -190,7 +177,7 @@ int lp_postsolve_prepare(const PresolveResult *presolve, sopt *simplex)
 }
 
 int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
-                       PostsolveLimits limits, Array<int> *statuses)
+                       Array<int> *statuses, PresolveStatus *stopped)
 {
     LpPoint point, full;
     const ModelBody *reduced = presolve_reduced(presolve);
@@ -201,7 +188,8 @@ int lp_postsolve_basis(const PresolveResult *presolve, const sopt *simplex,
         simplex_get_dual(simplex, point.dual.data + n, point.dual.data);
         simplex_get_basis(simplex, point.status.data);
     }
-    TRY(postsolve_lp(presolve, reduced ? &point : nullptr, &full, limits));
+    TRY(postsolve_lp(presolve, reduced ? &point : nullptr, &full, stopped));
+    if (stopped && *stopped != PRESOLVE_OK) return 0;
     *statuses = static_cast<Array<int> &&>(full.status);
     return 0;
 }

@@ -9,7 +9,7 @@ namespace
 void log_effort(const LpSolve *lp, double start)
 {
     const bool solved = lp->status >= TVX_OPTIMAL && lp->status <= TVX_UNBOUNDED;
-    const double iterations = lp->result ? lp->result->itercount : 0;
+    const double iterations = lp->result ? lp->result->itercount : lp->lost_iterations;
     TVXmsg(lp->env, "\n");
     TVXmsg(lp->env, "%s in %d iterations and %.2f seconds\n", solved ? "Solved" : "Stopped",
            static_cast<int>(std::min(iterations, double{INT_MAX})), WallClock() - start);

@@ -1,7 +1,6 @@
 // lp_presolved.cpp -- presolve, the simplex on what is left, and postsolve to a basis of the model
 //
-// Method      A model with a basis to start from is solved as it is, unless the caller asks for presolve, and so is one
-//             whose numbers would overflow in a reduction. Else: choose the form (the model or its dual); reduce it;
+// Method      Where presolve is wanted (lp_start.cpp): choose the form (the model or its dual); reduce it;
 //             solve the reduced model; map an optimum back to a basis of the form. A dual form is solved from there and
 //             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
 //             an iteration.
@@ -9,14 +8,13 @@
 //             once, at the same limit, and shows the point. The next solve goes on from the reduced model, or, when the
 //             limit came in postsolve, with postsolve. A limit in the run on the model itself leaves its simplex
 //             record, and the next solve goes on from that without presolve (lp_start.h).
-//             Any other outcome of the reduced model is one of the model, but for what reductions or the dual form may
-//             hide: infeasible and unbounded cannot be told apart then.
-// Invariant   When this leaves a final status there is no simplex record. lp->form is there only where a limit has stopped
-//             the solve, for the next one to go on.
+//             Infeasible and unbounded of the reduced model cannot be distinguished after dual reductions or on the dual
+//             form. Numeric trouble: the model is solved without presolve.
+// Invariant   With a final status there is no simplex record. lp->form exists only if a limit has stopped the solve; the
+//             next one continues there.
 #include "lp/lp_presolved.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
-#include "files/files.h"
 #include "lp/lp_claim.h"
 #include "lp/lp_run.h"
 #include "presolve/dualise.h"
@@ -26,56 +24,24 @@
 
 namespace
 {
-constexpr double WIDE_COEFFICIENTS =
-    1e15;                         // largest over smallest: reductions would lose digits
-constexpr double MANY_FREE = 0.2; // free variables against the smaller dimension, then
 // Entries, rows and columns of a model whose point is computed after a limit: beyond, that takes some tenths of a second.
 constexpr int64_t SHOWN_ENTRIES = 5000000;
 
-// ---- Whether ----
-
-bool is_wide(const ModelBody *body)
-{
-    double least = 1e300, most = 0;
-    int free = 0;
-    for (const double a : body->vval) {
-        if (a == 0) continue; // stored by the caller as such
-        least = std::min(least, std::fabs(a));
-        most = std::max(most, std::fabs(a));
-    }
-    for (const char kind : body->bound_kind) free += kind == 3;
-    return most > WIDE_COEFFICIENTS * least &&
-           free < MANY_FREE * std::min(body->numvars, body->numconstrs);
-}
-
-// Bounds that cross or stand at the wrong infinity: the simplex tells what is wrong with them.
-bool has_bad_bounds(const ModelBody *body, const TVXenv *env)
-{
-    const double infinite = infinite_bound(env);
-    for (int j = 0; j < body->numvars; j++) {
-        const double lb = body->lb.data[j], ub = body->ub.data[j];
-        if (lb >= infinite || ub <= -infinite || lb - ub > env->FeasibilityTol) return true;
-    }
-    return false;
-}
-
-bool wants_presolve(const LpSolve *lp, const LpStart *start)
-{
-    const TVXenv *env = lp->env;
-    if (start->from == LpFrom::MODEL) return false; // it would begin anew at each limit
-    if (env->Presolve == 0 || has_bad_bounds(lp->body, env)) return false;
-    if (env->Presolve < 0 && start->from != LpFrom::SCRATCH) return false;
-    if (body_is_extreme(lp->body)) return false;
-    return !(env->PreDual == -1 && env->LPMethod != LP_BARRIER && env->Presolve < 2 &&
-             is_wide(lp->body));
-}
-
 // ---- The reduced model ----
 
-// The method that does for the dual form what the other one does for the model.
+// The primal simplex on the dual form stands for the dual simplex on the model, and conversely.
 int method_on(const LpForm *form, int method)
 {
     return form->dual ? 1 - method : method;
+}
+
+// A run on the form in place of one on the model, without a basis to start from.
+LpStart run_on(const LpForm *form, const LpStart *start)
+{
+    LpStart run;
+    run.chosen = start->chosen;
+    run.method = method_on(form, start->method);
+    return run;
 }
 
 // The basis that a caller or an earlier solve has left, as one of the form.
@@ -120,17 +86,19 @@ int solve_reduced(LpSolve *lp, LpForm *form, const LpStart &start, int *status)
     *status = TVX_OPTIMAL;
     if (!reduced) return 0;
     TRY(lp_run(lp, {reduced, &form->simplex, !form->dual}, start));
-    *status = simplex_status(form->simplex);
-    if (*status == TVX_OPTIMAL) TRY(lp_postsolve_prepare(form->presolve, form->simplex));
+    if (simplex_status(form->simplex) == TVX_OPTIMAL)
+        TRY(lp_postsolve_prepare(form->presolve, form->simplex));
+    *status =
+        simplex_status(form->simplex); // numeric trouble, when new factors have failed
     lp->result->itercount = simplex_iterations(form->simplex);
     lp->result->reduced_itercount = lp->result->itercount;
     lp->work += simplex_take_work(form->simplex);
     return 0;
 }
 
-// ---- What comes of it ----
+// ---- Results ----
 
-// The outcome of a model that presolve or a reduced model has settled.
+// The status of the model is known without a run on it.
 void settle(LpSolve *lp, int status, bool *final)
 {
     lp->status = status;
@@ -165,13 +133,13 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
         sopt *simplex = nullptr;
         ~Record() { simplex_free(simplex); }
     } of_dual;
-    LpStart by_basis;
+    LpStart by_basis = run_on(form, start);
     start_from(statuses, &by_basis);
     by_basis.method = method_on(form, start->method);
     TRY(lp_run(lp, {form->dual, &of_dual.simplex, false}, by_basis));
     const int status = simplex_status(of_dual.simplex);
     if (status != TVX_OPTIMAL && !is_limit(status))
-        return 0; // the model itself has to tell
+        return 0; // the run on the model decides
     Array<int> own;
     TRY(array_resize(&own, int64_t{form->dual->numvars} + form->dual->numconstrs));
     simplex_get_basis(of_dual.simplex, own.data);
@@ -183,22 +151,20 @@ int leave_dual_form(LpSolve *lp, const LpForm *form, Array<int> *statuses, LpSta
 int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     Array<int> statuses;
-    const int code =
-        lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::OBEY, &statuses);
-    if (code == PRESOLVE_TIME_LIMIT || code == PRESOLVE_INTERRUPTED) {
-        settle(lp, code, final); // the next solve begins with postsolve
+    PresolveStatus stopped = PRESOLVE_OK;
+    TRY(lp_postsolve_basis(form->presolve, form->simplex, &statuses, &stopped));
+    if (stopped != PRESOLVE_OK) {
+        settle(lp, stopped, final); // the next solve begins with postsolve
         return 0;
     }
-    TRY(code);
     lp_form_drop_presolve(form);
     if (form->dual) return leave_dual_form(lp, form, &statuses, start);
     start_from(&statuses, start);
     return 0;
 }
 
-// A limit or the cutoff has stopped the reduced model. The basis it has come to, in the model, gives its point there,
-// optimal or not; the next solve goes on from the reduced model itself. A huge model shows nothing: to compute its point
-// takes time.
+// A limit or the cutoff has stopped the run on the reduced model. Its basis is mapped to the model to show the point; the
+// next solve continues on the reduced model. Not for a huge model, since computing the point takes time.
 int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bool *final)
 {
     const ModelBody *body = lp->body;
@@ -207,16 +173,15 @@ int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bo
         return 0;
     }
     Array<int> statuses;
-    TRY(lp_postsolve_basis(form->presolve, form->simplex, PostsolveLimits::IGNORE,
-                           &statuses));
+    TRY(lp_postsolve_basis(form->presolve, form->simplex, &statuses, nullptr));
     if (form->dual) TRY(turn_basis(lp, &statuses));
     presolve_mend_basis(body->numvars, body->numconstrs, statuses.data);
     start_from(&statuses, start);
     return 0;
 }
 
-// The form is said to have no optimal solution. Where the claim is not proved the model itself has to tell. Without dual
-// reductions an infeasible reduced model is an infeasible model, and in every other case the model itself has to tell.
+// Presolve or the reduced model claims that the form has no optimal solution. The status is final if the claim is proved
+// on the model, otherwise the run on the model decides. Without dual reductions only infeasibility can be final.
 int finish_without_optimum(LpSolve *lp, LpForm *form, bool infeasible, const LpClaim *claim,
                            bool *final)
 {
@@ -241,11 +206,11 @@ int conclude(LpSolve *lp, LpForm *form, int status, LpStart *start, bool *final)
         TRY(lp_claim_of_reduced(form, &claim));
         return finish_without_optimum(lp, form, status == TVX_INFEASIBLE, &claim, final);
     }
-    lp_form_drop_presolve(form); // numeric trouble: the model itself may fare better
+    lp_form_drop_presolve(form); // numeric trouble: the run on the model decides
     return 0;
 }
 
-// ---- The road ----
+// ---- The steps in order ----
 
 void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
 {
@@ -260,23 +225,19 @@ void log_presolved(const LpSolve *lp, const LpForm *form, double begin)
         TVXmsg(env, "Presolved: All rows and columns removed\n");
 }
 
-// For whoever wants to look at it. Failing to write it does not stop the solve.
+// Passes the reduced model to the hook of the caller.
 void write_reduced(const LpSolve *lp, const LpForm *form)
 {
     const ModelBody *reduced = lp_form_reduced(form);
-    if (!lp->env->TARV_PAR_WRITEPREMODEL || !reduced) return;
-    (void)mps_write(reduced, lp->env, "junk.mps", WriteNames::NUMBERED);
-    (void)finish(lp->env, 0); // a failure leaves no text
+    if (lp->env->TARV_PAR_WRITEPREMODEL && reduced && lp->write_reduced)
+        lp->write_reduced(reduced, lp->env);
 }
 
 int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     const double begin = WallClock();
-    TRY(lp_form_presolve(lp, form));
-    if (form->overgrown) { // the model itself has to tell
-        lp_form_drop_presolve(form);
-        return 0;
-    }
+    TRY(lp_form_presolve(lp, start->chosen, form));
+    if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the run on the model decides
     log_presolved(lp, form, begin);
     write_reduced(lp, form);
     if (is_limit(form->outcome)) {
@@ -286,9 +247,8 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     if (form->outcome != PRESOLVE_OK)
         return finish_without_optimum(lp, form, form->outcome == PRESOLVE_INFEASIBLE,
                                       &form->claim, final);
-    LpStart reduced;
+    LpStart reduced = run_on(form, start);
     int status = 0;
-    reduced.method = method_on(form, start->method);
     TRY(crushed_start(lp, form, start, &reduced.statuses));
     TRY(solve_reduced(lp, form, reduced, &status));
     return conclude(lp, form, status, start, final);
@@ -313,11 +273,8 @@ bool was_stopped(const LpForm *form)
 int resume_form(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
 {
     int status = TVX_OPTIMAL;
-    if (!waits_for_postsolve(form)) {
-        LpStart as_it_stands;
-        as_it_stands.method = method_on(form, start->method);
-        TRY(solve_reduced(lp, form, as_it_stands, &status));
-    }
+    if (!waits_for_postsolve(form))
+        TRY(solve_reduced(lp, form, run_on(form, start), &status));
     return conclude(lp, form, status, start, final);
 }
 } // namespace
@@ -328,8 +285,8 @@ int lp_presolved(LpSolve *lp, LpStart *start, bool *final)
     if (start->from == LpFrom::FORM) {
         TRY(resume_form(lp, lp->form, start, final));
     } else {
-        if (!wants_presolve(lp, start)) return 0;
-        TRY(lp_form_choose(lp, &lp->form));
+        if (!start->presolve) return 0;
+        TRY(lp_form_choose(lp, start->chosen, &lp->form));
         TRY(reduce_and_solve(lp, lp->form, start, final));
     }
     if (!was_stopped(lp->form)) lp_drop_form(lp);

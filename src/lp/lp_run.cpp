@@ -16,16 +16,15 @@ int lp_run(LpSolve *lp, const LpTarget &target, const LpStart &start)
         call.Statuses = start.statuses.data;
         if (start.norms.size > 0) call.Norms = start.norms.data;
     } else if (!*target.simplex) {
-        TRY(lp_auxiliary_start(target.body, lp->env, start.method, result->itercount,
-                               &auxiliary));
+        TRY(lp_auxiliary_start(target.body, lp->env, start, result->itercount, &auxiliary));
         result->itercount += auxiliary.iterations;
         lp->work += auxiliary.work;
         if (auxiliary.statuses.size > 0) call.Statuses = auxiliary.statuses.data;
     }
     call.Iterations = result->itercount;
+    call.Total = &result->itercount;
     TRY(SimplexOptimize(target.simplex, target.body, lp->env, call));
     if (target.simplex == &lp->simplex) return 0;
-    result->itercount = simplex_iterations(*target.simplex);
     lp->work += simplex_take_work(*target.simplex);
     return 0;
 }

@@ -1,18 +1,17 @@
-// lp_secure.cpp -- a sure answer from the simplex, by other ways where the first one fails
+// lp_secure.cpp -- solves a model with the simplex, and again in other ways while the answer is not sure
 //
-// Problem     A run may end in numeric trouble, at a point that violates the tolerances in the user's units, or with a
-//             claim that it cannot prove.
-// Method      The answer is sure when it is optimal within the tolerances in the user's units, proved, or a limit.
-//             Otherwise the model is solved again, each time in another way (table WAYS), until an answer is sure: from the
-//             best basis so far in extended precision, by the other method, with scaling the other way round, with
-//             both; at last with rows and bounds held wider within the tolerance, as the data of a model that is meant to
-//             be feasible may contradict each other by rounding. When none is sure the best one stands, and the closing
-//             lines tell what it violates. Without any, multipliers that prove the model infeasible for values of usual
-//             size are proof enough.
-// Invariant   A limit ends the attempts. The best point so far is kept; its status stands if it is sure but for rounding,
-//             else the limit does, and the next solve goes on from the point. When that one finds no surer answer within
-//             its own limit the best one stands after all, so that repeated calls come to an end.
-// Cost        Where the first answer is sure, the measures that the closing lines need anyway.
+// Problem     A run may end in numeric trouble, at a point that violates the tolerances in user units, or infeasible or
+//             unbounded without a proof.
+// Method      An answer is sure if it is optimal within the tolerances in user units, proved, or a limit. Otherwise the
+//             model is solved again in the ways of the table WAYS, in order, until an answer is sure: from the best basis
+//             in extended precision, by the other method, with scaling turned on or off, with both; last with rows and
+//             bounds widened within the tolerance, since rounding of the data may make a feasible model infeasible. If
+//             no answer is sure, the best one is the result, and the closing lines report its violations. Without any
+//             answer, multipliers that prove infeasibility for values up to a limited size (LimitedProof) suffice.
+// Invariant   A limit ends the attempts, and the best point is kept. If it is SURE, or ROUNDED within the tolerances, its
+//             status is the result, else that of the limit, and the next solve continues from the point. If that solve
+//             is stopped too without a better answer, the best one is the result, so repeated calls terminate.
+// Cost        If the first answer is sure: the violations, which the closing lines need anyway.
 #include "lp/lp_secure.h"
 #include "lp/lp_claim.h"
 #include "lp/lp_credible.h"
@@ -26,23 +25,21 @@ namespace
 enum Begin { BEST_BASIS, SLACKS };
 
 struct Way {
-    Begin begin;                 // ways from the best basis need one
+    Begin begin;                 // BEST_BASIS: only if there is one
     bool other_method;           // than that of the first run
-    bool turn_scaling;           // off when it was on
-    bool extended;               // precision
-    bool widen;                  // rows and bounds
+    bool turn_scaling;           // off if it is on by the parameter, and conversely
+    bool extended;               // in extended precision
+    bool widen;                  // rows and bounds are widened
     double tolerance, markowitz; // of SimplexTuning
 };
 
-constexpr double TIGHT = 1e-9; // tolerances that leave room for scaling
-
-constexpr double USUAL = 1e-6;
-
-constexpr double STRICT = 0.9; // pivots in the factors
-
-constexpr double MOVED_MOST = 0.1; // of the objective by widening: more is another model
-
-constexpr double WIDEN_SHARE = 0.5; // of FeasibilityTol: the rest is for the run
+constexpr double TIGHT = 1e-9; // tolerance: scaling may enlarge violations in user units
+constexpr double USUAL = 1e-6; // tolerance, the default
+constexpr double STRICT = 0.9; // Markowitz tolerance
+constexpr double MOVED_MOST =
+    0.1; // change of the objective by widening, at most: else it is another model
+constexpr double WIDEN_SHARE =
+    0.5; // of FeasibilityTol; the rest is the tolerance of the run
 
 constexpr Way WAYS[] = {
     {BEST_BASIS, false, false, true, false, TIGHT, 0},
@@ -55,12 +52,10 @@ constexpr Way WAYS[] = {
 };
 
 constexpr int SMALL_MODEL = 5000; // entries
-
-// Iterations that ways may take on other models, over those of the first run.
+// Iterations of all further ways on larger models, relative to the first run.
 constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
-
 constexpr double GROSS_EXCESS =
-    1000; // violation over its tolerance that needs a look at its numbers
+    1000; // violation over its tolerance from which lp_credible decides
 
 // Answers, best first.
 enum class Grade {
@@ -77,7 +72,7 @@ struct Answer {
     Grade grade = Grade::NONE;
     double excess = 0; // largest violation over its tolerance
     double objective_error =
-        0; // what violations may stand for in the objective (simplex.h)
+        0; // possible change of the objective by violations (simplex.h)
     bool is_better_than(const Answer &other) const
     {
         const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);
@@ -88,9 +83,9 @@ struct Answer {
 
 struct Best {
     Answer answer;
-    sopt *record = nullptr; // that holds it, while it is not the live one; owned
+    sopt *record = nullptr; // of the best answer if it is not that of the last run; owned
     int status = TVX_NUMERIC;
-    // Begun where a limit had stopped the last search, and the first run brought no iteration.
+    // The solve began where a limit had stopped the last one, and its first run made no iteration.
     bool repeated = false;
     LimitedProof limited; // of all runs
     ~Best() { simplex_free(record); }
@@ -111,7 +106,7 @@ Grade grade_of(Confidence level)
     return Grade::NONE;
 }
 
-// What the caller will find when he puts the point into his model.
+// The violations of the point in the model as given.
 int look_as_caller(LpSolve *lp, Answer *answer)
 {
     const TVXenv *env = lp->env;
@@ -131,7 +126,7 @@ int look_as_caller(LpSolve *lp, Answer *answer)
     return 0;
 }
 
-// An optimum that misses the model by as much as its own numbers is none.
+// An optimal point with violations of the size of the numbers themselves is no answer.
 int refuse_gross(LpSolve *lp, Answer *answer)
 {
     bool credible = true;
@@ -143,7 +138,7 @@ int refuse_gross(LpSolve *lp, Answer *answer)
     return 0;
 }
 
-// Unbounded: along a ray of the caller's model, from a point that is feasible there.
+// Unbounded: the ray, and the feasible point it starts from, are checked on the model as given.
 int look_at_ray(LpSolve *lp, bool by_ray, Answer *answer)
 {
     bool holds = true;
@@ -156,8 +151,7 @@ int look_at_ray(LpSolve *lp, bool by_ray, Answer *answer)
     return 0;
 }
 
-// Grades the answer of the live record. When it is better than the best so far it becomes the best, and the record that
-// held that one is freed.
+// Grades the answer of the last run. If it is the best so far, the record of the former best is freed.
 int note(LpSolve *lp, Best *best)
 {
     if (is_limit(lp->status) && best->answer.grade != Grade::NONE) return 0;
@@ -199,7 +193,7 @@ SimplexTuning tuning_of(const TVXenv *env, const Way &way)
     return t;
 }
 
-// The live record makes room for the next one: it is kept when it holds the best answer.
+// Before the next run: the record of the last one is kept if it has the best answer, else freed.
 void set_aside(LpSolve *lp, Best *best)
 {
     lp->result->itercount = simplex_iterations(lp->simplex);
@@ -211,7 +205,7 @@ void set_aside(LpSolve *lp, Best *best)
     lp->simplex = nullptr;
 }
 
-// What the looks after a run have found instead of its status.
+// Replaces the status of the run by what was found out after it.
 void declare(LpSolve *lp, int status)
 {
     simplex_declare(lp->simplex, status);
@@ -229,17 +223,18 @@ int try_way(LpSolve *lp, const Way &way, int method, Best *best)
         method = method == METHOD_DUAL ? METHOD_PRIMAL : METHOD_DUAL;
     }
     set_aside(lp, best);
-    lp->status = TVX_LOADED; // a callback finds a solve that runs, not the answer before
+    lp->status = TVX_LOADED; // in a callback the solve is running
     const SimplexCall call = {.Method = method,
                               .Statuses = basis.size > 0 ? basis.data : nullptr,
-                              .Iterations = lp->result->itercount};
+                              .Iterations = lp->result->itercount,
+                              .Total = &lp->result->itercount};
     TRY(SimplexRepeat(&lp->simplex, lp->body, lp->env, call, tuning_of(lp->env, way)));
     lp->status = simplex_status(lp->simplex);
     lp->version++;
     return note(lp, best);
 }
 
-// Rounding cannot always be helped: beyond the first of the ways it is tried where that costs next to nothing.
+// A ROUNDED answer cannot always be improved: more than one way is tried on small models only.
 bool is_good_enough(const LpSolve *lp, const Best &best, int tried)
 {
     const bool small = lp->body->numnz <= SMALL_MODEL;
@@ -247,7 +242,7 @@ bool is_good_enough(const LpSolve *lp, const Best &best, int tried)
            (best.answer.grade == Grade::ROUNDED && !small && tried > 0);
 }
 
-// A large model with any answer at all is not solved over and over for a better one.
+// On a large model with some answer the number of further iterations is limited.
 bool is_spent(const LpSolve *lp, const Best &best, double first_iterations)
 {
     if (best.answer.grade == Grade::NONE || lp->body->numnz <= SMALL_MODEL) return false;
@@ -255,7 +250,7 @@ bool is_spent(const LpSolve *lp, const Best &best, double first_iterations)
     return now - first_iterations > EFFORT_SHARE * first_iterations + EFFORT_LEAST;
 }
 
-// Worth telling although a limit has stopped the search for a better one.
+// The result although a limit has stopped the attempts.
 bool is_final(const Answer &answer)
 {
     return answer.grade == Grade::SURE ||
@@ -269,7 +264,7 @@ bool limited_proof_suffices(const Best &best)
            best.limited.Widened;
 }
 
-// The live record gets the best answer.
+// lp->simplex becomes the record of the best answer.
 int settle(LpSolve *lp, Best *best)
 {
     const int limit = is_limit(lp->status) ? lp->status : 0;
@@ -297,7 +292,7 @@ int settle(LpSolve *lp, Best *best)
         declare(lp, limit);
         return look_as_caller(lp, &best->answer);
     }
-    // The ray holds; whether it starts from a feasible point is open.
+    // The ray is verified, the feasible point is not.
     if (best->answer.grade == Grade::UNSURE && lp->status == TVX_UNBOUNDED)
         declare(lp, TVX_INF_OR_UNBD);
     return restored ? look_as_caller(lp, &best->answer) : 0;

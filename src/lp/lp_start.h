@@ -1,4 +1,4 @@
-// lp_start.h -- what one LP solve starts from, and by which method: decided once
+// lp_start.h -- what one LP solve starts from, by which method, and whether presolve runs first: decided once
 #pragma once
 #include "lp/lp.h"
 
@@ -12,8 +12,10 @@ enum class LpFrom {
 };
 struct LpStart {
     LpFrom from = LpFrom::SCRATCH;
-    int method = METHOD_DUAL;   // of the next run: METHOD_BY_START behind presolve
-    int resolved = METHOD_DUAL; // primal or dual, as the parameters say
+    LpMethod chosen = LP_DUAL_SIMPLEX; // by the caller: form and presolve suit it
+    int resolved = METHOD_DUAL;        // the simplex method that stands for it
+    int method = METHOD_DUAL;          // of the next run: METHOD_BY_START behind presolve
+    bool presolve = false; // presolve runs first; not with FORM, where it has run
     Array<int>
         statuses; // [n + m], or empty. With FORM: for a run on the model, should the form fail
     Array<double> norms; // [n + m] dual pricing norms of it, or empty

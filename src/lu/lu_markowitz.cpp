@@ -239,7 +239,7 @@ int take_line(LuActive<R> *a, int axis, int line, int pivot_node, int *ind, R *v
         LuNode<R> *entry = &a->Nodes.data[node];
         next = entry->Next[axis];
         if (node == pivot_node) continue;
-        if (entry->Idx[0] < 0) { // dead, and no longer in another list
+        if (entry->Idx[0] < 0) { // deleted, and no longer in another list
             node_free(a, node);
             continue;
         }

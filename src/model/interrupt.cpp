@@ -7,7 +7,7 @@
 // Invariant   One model at a time is watched; the last call wins. A model that is watched is alive: before it goes,
 //             `watched` is cleared and every handler that may have read it has returned.
 // Order       A signal that comes before the solve has begun stops it all the same: `pending` keeps it.
-#include "model/interrupt.h"
+#include "model/model.h"
 #include "runtime/thread.h"
 #include <atomic>
 #include <cerrno>

@@ -8,7 +8,7 @@
 //                                      TVXresetmodel; out of memory in a solve
 // solved    lp.status > TVX_LOADED,    optimize_run (lp_solve, mip_solve)          as loaded is entered
 //           or mip.result
-// broken    lp.status STATUS_BROKEN    model_update without memory                 as loaded is entered
+// broken    lp.status 0                model_update without memory                 as loaded is entered
 // changed   model_has_pending          adds, deletes, sets of attributes           model_update
 // busy      busy != 0                  model_open_solve                            the end of that call
 // In the state solved the records lp and mip hold what attributes show. They are released by model_update, by the next
@@ -90,9 +90,17 @@ bool model_is_occupied(TVXmodel *model);
 // TVX_ERROR_OPTIMIZATION_IN_PROGRESS then, else 0: opens whatever works on the live simplex record.
 [[nodiscard]] int check_idle(TVXmodel *model);
 
-// ---- model_update.cpp ----
+// ---- Changes asked for ----
+bool model_has_pending(
+    const TVXmodel *model); // something waits for an update (pending.cpp)
 // Makes pending changes real: TVXupdatemodel without its checks and closing report. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int model_update(TVXmodel *model);
+
+// ---- interrupt.cpp: Ctrl-C on the console and SIGTERM end the running solve, not the program ----
+// A solve opens, its stop flag cleared: a signal that has come since TVXsetsignal stops it.
+void interrupt_begin(TVXmodel *model);
+// After a solve, or before the model goes, signals mean what they meant before TVXsetsignal.
+void interrupt_end(TVXmodel *model);
 
 // ---- errors.cpp: as fail and finish, for calls on a model ----
 int fail_model(TVXmodel *model, int code, Report report, const char *format, ...)

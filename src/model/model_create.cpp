@@ -13,7 +13,7 @@ namespace
 int fill_model(TVXmodel *model, TVXenv *env, EnvUse use, ModelBody *body)
 {
     model->magic = MODEL_MAGIC;
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
     model->body = body;
     model_estimate_size(model);
     if (use == EnvUse::SHARED) {

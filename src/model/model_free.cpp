@@ -1,6 +1,5 @@
 // model_free.cpp -- letting go of a model, or of what solves left in it
 #include "model/attribute_cache.h"
-#include "model/interrupt.h"
 #include "model/model_store.h"
 #include "model/warm_start.h"
 

@@ -14,8 +14,6 @@
 
 namespace
 {
-constexpr int STATUS_BROKEN = 0; // an update failed
-
 bool changes_only_names(const PendingChanges *p)
 {
     return !(p->new_sense || p->has_objcon || p->vars.n_deleted || p->vars.n_type ||
@@ -54,7 +52,7 @@ void apply(TVXmodel *model, UpdatePlan *plan)
     if (types) body_count_types(body);
     update_basis(model, plan);
     body->solve_tag = -1;
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
     model_estimate_size(model);
 }
 } // namespace
@@ -111,7 +109,7 @@ void follow_infinity(TVXmodel *model)
     }
     model_free_results(model); // presolve alone may have made them
     attributes_clear(model);
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
 }
 
 int update_steps(TVXmodel *model)
@@ -147,7 +145,7 @@ int model_update(TVXmodel *model)
     if (error) {
         fail_model(model, error, Report::KEEP_FIRST, "Problem updating model");
         discard_pending(model);
-        model->lp.status = STATUS_BROKEN;
+        lp_set_broken(&model->lp);
     }
     return error;
 }
@@ -182,6 +180,6 @@ int TVXresetmodel(TVXmodel *model)
     lp_drop_simplex(&model->lp);
     model_free_results(model);
     model->body->solve_tag = -1;
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
     return finish_model(model, 0);
 }

@@ -113,7 +113,6 @@ struct PendingChanges {
     PendingSos sos_changes;
 };
 
-bool model_has_pending(const TVXmodel *model); // something waits for an update
 // Makes model->pending if absent. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int pending_get(TVXmodel *model);
 // Empty again, memory kept. Cost: what was queued.

@@ -19,15 +19,9 @@ bool fits(const TVXmodel *model)
     return warm && warm->kind != WARM_NONE && warm->count == body->numvars &&
            warm->statuses.size == int64_t{body->numvars} + body->numconstrs;
 }
-} // namespace
 
-const WarmStart *warm_start_usable(const TVXmodel *model)
-{
-    return fits(model) && model->warm_start->kind >= WARM_CHECKED ? model->warm_start
-                                                                  : nullptr;
-}
-
-int warm_start_make(TVXmodel *model)
+// A record for the model's present size with every status unset, of kind WARM_UNCHECKED. 0 or OUT_OF_MEMORY.
+int make_unset(TVXmodel *model)
 {
     if (!model->warm_start) model->warm_start = record_create<WarmStart>();
     WarmStart *warm = model->warm_start;
@@ -38,6 +32,13 @@ int warm_start_make(TVXmodel *model)
     warm->count = model->body->numvars;
     warm->kind = WARM_UNCHECKED;
     return 0;
+}
+} // namespace
+
+const WarmStart *warm_start_usable(const TVXmodel *model)
+{
+    return fits(model) && model->warm_start->kind >= WARM_CHECKED ? model->warm_start
+                                                                  : nullptr;
 }
 
 void warm_start_drop(TVXmodel *model)
@@ -57,7 +58,7 @@ void warm_start_free(WarmStart *warm_start)
 
 void warm_start_from_simplex(TVXmodel *model)
 {
-    if (warm_start_make(model)) { // benign: the next solve starts without a basis
+    if (make_unset(model)) { // benign: the next solve starts without a basis
         warm_start_drop(model);
         return;
     }
@@ -82,7 +83,7 @@ int check_codes(TVXmodel *model, const char *attribute, int lowest, int len,
 // Entries first, first + 1, ... of the record are those of the elements 0, 1, ...
 int set_statuses(TVXmodel *model, int first, ElementRange range, const int *codes)
 {
-    if (!fits(model)) TRY(warm_start_make(model));
+    if (!fits(model)) TRY(make_unset(model));
     WarmStart *warm = model->warm_start;
     for (int k = 0; k < range.len; k++)
         warm->statuses[first + element_at(range, k)] = codes[k];
@@ -150,5 +151,5 @@ void warm_start_validate(TVXmodel *model)
     if (!model->lp.simplex) return;
     lp_drop_simplex(&model->lp);
     model_free_results(model);
-    model->lp.status = TVX_LOADED;
+    lp_set_loaded(&model->lp);
 }

@@ -28,9 +28,6 @@ const WarmStart *warm_start_usable(const TVXmodel *model);
 // Decides on an unchecked record: checked, and then a simplex record of an earlier solve goes with
 // its results; or unchanged with a warning on the log.
 void warm_start_validate(TVXmodel *model);
-// A record for the model's present size with every status unset, of kind WARM_UNCHECKED. 0 or
-// OUT_OF_MEMORY.
-[[nodiscard]] int warm_start_make(TVXmodel *model);
 // The basis of the live record becomes one that is carried over; none when memory is short.
 void warm_start_from_simplex(TVXmodel *model);
 void warm_start_drop(TVXmodel *model);       // turns it stale; memory stays

@@ -165,7 +165,7 @@ bool settle_term(PresolveWork *w, int p, double v)
     const bool up = a > 0;
     bool lost = take_term(w, &w->RMax.data[i], &w->Rmaxcnt.data[i], a, up ? ub : lb, true);
     lost |= take_term(w, &w->RMin.data[i], &w->Rmincnt.data[i], a, up ? lb : ub, false);
-    if (v == 0 && w->BoundErr.data[node.col] == 0) return lost; // nothing changes
+    if (v == 0 && w->BoundErr.data[node.col] == 0) return lost; // the term is zero
     w->Rhs.data[i] -= a * v;
     add_to_rhs_error(w, i, size_of_entry(w, p) * std::fabs(v),
                      std::fabs(a) * w->BoundErr.data[node.col]);

@@ -71,7 +71,9 @@ int fill_result(PresolveWork *w, PresolveResult *result)
         arrays.objcon = w->ObjCon;
         TRY(collect_rows(w, result, m, &arrays));
         TRY(collect_cols(w, result, n, &arrays));
-        TRY(body_adopt(w->Env, &arrays, &result->Reduced));
+        const int code = body_adopt(w->Env, &arrays, &result->Reduced);
+        if (code == TVX_ERROR_INVALID_ARGUMENT) return PRESOLVE_OVERGROWN;
+        TRY(code);
     }
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
     result->Undo = w->Undo; // the result owns the stack from now on

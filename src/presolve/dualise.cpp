@@ -143,12 +143,11 @@ int fill_boxes(const ModelBody *body, double infinite, DualForm *d)
     }
     return 0;
 }
-} // namespace
 
-int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
+// 0, OUT_OF_MEMORY, or why there is no dual: a limit or TVX_ERROR_INVALID_ARGUMENT.
+int make_dual(const ModelBody *body, TVXenv *env, ModelBody **out)
 {
     const double infinite = infinite_bound(env);
-    *out = nullptr;
     DualForm d;
     d.watch.env = env;
     TRY(allocate(body, infinite, &d));
@@ -161,6 +160,13 @@ int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
     d.arrays.objcon = -(body->objcon + d.constant);
     TRY(limits_reached(env));
     return body_adopt(env, &d.arrays, out);
+}
+} // namespace
+
+int dualise(const ModelBody *body, TVXenv *env, ModelBody **out)
+{
+    *out = nullptr;
+    return make_dual(body, env, out) == OUT_OF_MEMORY ? OUT_OF_MEMORY : 0;
 }
 
 void dual_basis_to_primal(const ModelBody *body, double infinite, const int *dual_status,

@@ -80,6 +80,22 @@ int compute_slacks(const ModelBody *body, PostPoint *point, LimitWatch *watch)
     }
     return 0;
 }
+
+// 0, OUT_OF_MEMORY or a PresolveStatus of the limits of `env`, when it is not null.
+int map_point(const PresolveResult *result, const LpPoint *reduced, const TVXenv *env,
+              LpPoint *full)
+{
+    const ModelBody *body = result->Full;
+    TRY(lp_point_alloc(full, body, !reduced || reduced->status.size > 0));
+    PostPoint point = {body->numvars,   body->numconstrs,  full->x.data,
+                       full->dual.data, full->status.data, result->INF};
+    LimitWatch watch = {env};
+    TRY(limits_reached(env));
+    scatter(result, reduced, &point);
+    TRY(limits_reached(env));
+    TRY(undo_all(result->Undo.head, &point, &watch));
+    return compute_slacks(body, &point, &watch);
+}
 } // namespace
 
 int undo_all(const UndoRecord *undo, PostPoint *point, LimitWatch *watch)
@@ -113,16 +129,10 @@ int postsolve_equations(const PresolveResult *result, char *rows)
 }
 
 int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *full,
-                 PostsolveLimits limits)
+                 PresolveStatus *stopped)
 {
-    const ModelBody *body = result->Full;
-    TRY(lp_point_alloc(full, body, !reduced || reduced->status.size > 0));
-    PostPoint point = {body->numvars,   body->numconstrs,  full->x.data,
-                       full->dual.data, full->status.data, result->INF};
-    LimitWatch watch = {limits == PostsolveLimits::OBEY ? result->Env : nullptr};
-    TRY(limits_reached(watch.env));
-    scatter(result, reduced, &point);
-    TRY(limits_reached(watch.env));
-    TRY(undo_all(result->Undo.head, &point, &watch));
-    return compute_slacks(body, &point, &watch);
+    const int end = map_point(result, reduced, stopped ? result->Env : nullptr, full);
+    if (end == OUT_OF_MEMORY) return end;
+    if (stopped) *stopped = static_cast<PresolveStatus>(end);
+    return 0;
 }

@@ -6,14 +6,16 @@
 #pragma once
 #include "body/body.h"
 
-// Status of each reduction, and of a presolve without a reduced model.
+// How presolve ends: with a reduced model (OK), or with what is known instead. A limit also ends postsolve.
 enum PresolveStatus {
     PRESOLVE_OK = 0,
-    PRESOLVE_INFEASIBLE = 3,
-    PRESOLVE_INF_OR_UNBD = 4,
-    PRESOLVE_UNBOUNDED = 5,
-    PRESOLVE_TIME_LIMIT = 9,
-    PRESOLVE_INTERRUPTED = 11,
+    PRESOLVE_INFEASIBLE = TVX_INFEASIBLE,
+    PRESOLVE_INF_OR_UNBD = TVX_INF_OR_UNBD,
+    PRESOLVE_UNBOUNDED = TVX_UNBOUNDED,
+    PRESOLVE_TIME_LIMIT = TVX_TIME_LIMIT,
+    PRESOLVE_INTERRUPTED = TVX_INTERRUPTED,
+    PRESOLVE_OVERGROWN =
+        TVX_NUMERIC, // numbers of the reduced model overflow, or right-hand sides count as infinite
 };
 
 // Proof that the model is infeasible or unbounded, in terms of the original model; to be verified by
@@ -28,10 +30,11 @@ struct LpClaim {
 // The reduced model and the data for postsolve. It keeps the address of the body that was reduced.
 struct PresolveResult;
 
-// Reduces a continuous model. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
-// proof of what is said. The effort is added to *work. A status of PresolveStatus, or OUT_OF_MEMORY.
-[[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out,
-                              double *work, LpClaim *claim = nullptr);
+// Reduces a continuous model for a solve by this method. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
+// proof of what is said. The effort is added to *work. 0 or OUT_OF_MEMORY; *status has a meaning after 0 only.
+[[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method,
+                              PresolveResult **out, PresolveStatus *status, double *work,
+                              LpClaim *claim = nullptr);
 void presolve_free(PresolveResult *result);                 // null is ignored
 void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits postsolve obeys
 // Of the result, or null when nothing is left to solve.
@@ -52,12 +55,11 @@ struct LpPoint {
 // before. Returns their number.
 int postsolve_equations(const PresolveResult *result, char *rows);
 
-// Postsolve: maps a solution of the reduced model (null if the reduced model is empty) to the model. A PresolveStatus
-// of the limits if they are obeyed, or OUT_OF_MEMORY.
-enum class PostsolveLimits { OBEY, IGNORE };
+// Postsolve: maps a solution of the reduced model (null if the reduced model is empty) to the model. `stopped` gets
+// PRESOLVE_OK, or the limit that has stopped it: *full is no solution then. Without `stopped` limits are ignored. 0 or
+// OUT_OF_MEMORY.
 [[nodiscard]] int postsolve_lp(const PresolveResult *result, const LpPoint *reduced,
-                               LpPoint *full,
-                               PostsolveLimits limits = PostsolveLimits::OBEY);
+                               LpPoint *full, PresolveStatus *stopped = nullptr);
 
 // The same for proofs of infeasibility (row multipliers) and of unboundedness (a ray) of the reduced model. The result
 // has to be verified: reductions that keep an optimum, but not all feasible points, may not keep a proof of

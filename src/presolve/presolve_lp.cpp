@@ -6,6 +6,7 @@
 //             and rows are removed last.
 // Out         The reduced model with the data for postsolve, or a final status.
 #include "body/body.h"
+#include "body/row_kind.h"
 #include "presolve/claim.h"
 #include <algorithm>
 #include <cstdlib>
@@ -39,7 +40,7 @@ int run(PresolveWork *w, Reduction reduction)
     TRY(reduction(w));
     TRY(sum_stale(w));
 #ifdef TVX_DEBUG
-    if (presolve_verify(w) > 0) abort(); // it has printed the fault
+    if (presolve_verify(w) > 0) abort(); // it has printed what is wrong
 #endif
     return presolve_check(w);
 }
@@ -62,10 +63,10 @@ Plan make_plan(const PresolveWork *w)
     plan.dependent = env->PreDepRow;
     if (plan.dependent < 0)
         plan.dependent =
-            level == 2                                                               ? 3
-            : level == 1                                                             ? 0
-            : env->LPMethod == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
-                                                                                     : 0;
+            level == 2                                                           ? 3
+            : level == 1                                                         ? 0
+            : w->Method == LP_BARRIER || w->MatrixClass == MATRIX_UNIT_EQUATIONS ? 3
+                                                                                 : 0;
     return plan;
 }
 
@@ -181,12 +182,12 @@ int reduce(PresolveWork *w)
 }
 
 // The status of a model without optimum: reductions that keep only an optimum may leave infeasible or unbounded open.
-int final_status(const PresolveWork *w, int status)
+PresolveStatus final_status(const PresolveWork *w, int status)
 {
     if (status == PRESOLVE_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;
     if (status == PRESOLVE_INFEASIBLE && w->Env->TARV_PAR_DUALREDUCTION)
         return PRESOLVE_INF_OR_UNBD;
-    return status;
+    return static_cast<PresolveStatus>(status);
 }
 
 void log_result(const PresolveWork *w)
@@ -198,6 +199,7 @@ void log_result(const PresolveWork *w)
         TVXmsg(w->Env, "Presolve changed %d inequalities to equalities\n", w->IneqToEq);
 }
 
+// A PresolveStatus, or OUT_OF_MEMORY.
 int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
                     PresolveResult **out)
 {
@@ -206,27 +208,30 @@ int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
     if (status != 0 && status != STOP) return status;
     TRY(build_reduced(w, out));
     log_result(w);
-    return 0;
+    const ModelBody *reduced = presolve_reduced(*out);
+    return reduced && !all_rows_ordinary(reduced) ? PRESOLVE_OVERGROWN : PRESOLVE_OK;
 }
 } // namespace
 
-int presolve_lp(const ModelBody *body, TVXenv *env, PresolveResult **out, double *effort,
-                LpClaim *claim)
+int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method, PresolveResult **out,
+                PresolveStatus *status, double *effort, LpClaim *claim)
 {
     *out = nullptr;
     PresolveWork work;
+    work.Method = method;
     work.WantsProof = claim != nullptr;
-    int status = load_and_reduce(&work, body, env, out);
+    int end = load_and_reduce(&work, body, env, out);
     if (work.Proof.size > 0) {
-        const int stop = claim_finish(&work, status, claim);
-        if (stop != 0) status = stop;
+        const int stop = claim_finish(&work, end, claim);
+        if (stop != 0) end = stop;
     }
-    if (status != 0) {
+    if (end != PRESOLVE_OK) {
         presolve_free(*out);
         *out = nullptr;
     }
-    if (status != 0 && status != OUT_OF_MEMORY) status = final_status(&work, status);
+    const bool failed = end == OUT_OF_MEMORY;
+    *status = failed ? PRESOLVE_OK : final_status(&work, end);
     *effort += work.Work;
     work_free(&work);
-    return status;
+    return failed ? OUT_OF_MEMORY : 0;
 }

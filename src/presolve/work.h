@@ -52,7 +52,8 @@ struct WorkList {
 struct PresolveWork {
     const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
-    int MatrixClass = 0; // MATRIX_GENERAL, ...
+    LpMethod Method = LP_DUAL_SIMPLEX; // that will solve the reduced model
+    int MatrixClass = 0;               // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
     int64_t NumNz = 0; // entries at the start
     int IsMip = 0;
@@ -287,7 +288,7 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 }
 
 // ---- build.cpp ----
-// The result with the reduced body; null on failure. 0, OUT_OF_MEMORY or a PresolveStatus of the limits.
+// The result with the reduced body; null on failure. OUT_OF_MEMORY, or a PresolveStatus: OK, OVERGROWN or a limit.
 [[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----

@@ -349,8 +349,9 @@ bool FileRemove(const char *name)
 bool FileCanRead(const char *name)
 {
     if (!name || !*name) return false;
-    const int descriptor = open(
-        name, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a queue without writer must not wait
+    const int descriptor =
+        open(name, O_RDONLY | O_CLOEXEC |
+                       O_NONBLOCK); // opening a FIFO without a writer must not block
     if (descriptor < 0) return false;
     struct stat status {
     };

@@ -4,7 +4,7 @@
 //             requests fail.
 // Method      Calls of the C allocator. With TVX_DEBUG each request is counted first.
 // Invariant   (TVX_DEBUG) held = successful allocations - frees of non-null blocks.
-// Cost        That of malloc; two atomic additions more with TVX_DEBUG.
+// Cost        That of malloc; an atomic addition or two more with TVX_DEBUG.
 #include "runtime/memory.h"
 #include <cstdlib>
 #ifdef TVX_DEBUG
@@ -16,19 +16,13 @@ namespace
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 std::atomic<int64_t> fault_countdown{
     0}; // requests until the first refusal, plus one; 0: disarmed
-
 std::atomic<int64_t> fault_hits{0}; // requests refused since arming
-
-std::atomic<int64_t> requests{0}; // since process start
-
-std::atomic<int64_t> held{0}; // blocks allocated and not freed
-
+std::atomic<int64_t> held{0};       // blocks allocated and not freed
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 // Counts a request; true if it has to fail. After the first failure the countdown stays at 1.
 bool request_refused()
 {
-    requests.fetch_add(1, std::memory_order_relaxed);
     int64_t left = fault_countdown.load(std::memory_order_relaxed);
     while (left > 1 && !fault_countdown.compare_exchange_weak(left, left - 1)) {
     }
@@ -52,11 +46,6 @@ void mem_fault_arm(int64_t fail_at)
 int64_t mem_fault_hits()
 {
     return fault_hits;
-}
-
-int64_t mem_requests()
-{
-    return requests;
 }
 
 int64_t mem_blocks_held()

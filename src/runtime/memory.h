@@ -20,6 +20,5 @@ void HeapTuning(); // asks the platform for its best heap mode; may do nothing
 // 0: no injection. mem_fault_hits: requests refused since the last arming.
 void mem_fault_arm(int64_t fail_at);
 int64_t mem_fault_hits();
-int64_t mem_requests();    // allocation requests since process start
 int64_t mem_blocks_held(); // blocks allocated and not freed
 #endif

@@ -82,8 +82,9 @@ int hierarchy_limit(const char *root, const char *mount, const char *name)
     char group[PATH_LENGTH];
     const int top = snprintf(group, sizeof group, "%s%s", root, mount);
     if (top < 0 || static_cast<size_t>(top) + strlen(name) >= sizeof group) return INT_MAX;
-    if (access(group, F_OK) != 0) return INT_MAX; // such a hierarchy is not mounted
-    if (name[strspn(name, "/")] != '\0') strcpy(group + top, name); // else its top alone
+    if (access(group, F_OK) != 0) return INT_MAX; // the hierarchy is not mounted
+    if (name[strspn(name, "/")] != '\0')
+        strcpy(group + top, name); // else only the top group
     int limit = INT_MAX;
     while (true) {
         limit = std::min(limit, group_limit(group));
@@ -161,7 +162,7 @@ int ProcessorCount()
 
 namespace
 {
-// The lowest processor that shares the core, or the processor itself when the system does not tell.
+// The lowest processor that shares the core, or the processor itself if that is unknown.
 int core_of(int processor)
 {
     char path[PATH_LENGTH];

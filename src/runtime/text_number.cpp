@@ -213,7 +213,7 @@ int number_shortest(char *buffer, double value)
 namespace
 {
 struct PlainLocale {
-    locale_t Plain; // a constant of the C library, which allocates nothing
+    locale_t Plain; // a constant of the C library: no allocation
     locale_t Previous;
 };
 

@@ -68,7 +68,7 @@ template<class R> double inverse_norm(const sopt *s, swork<R> *w)
     fill(x, [](int) { return 1; });
     solve(w, x);
     double norm = sum_of_magnitudes(x) / m;
-    if (!(norm > 0)) return 0; // not a number, by overflow
+    if (!(norm > 0)) return 0; // overflow
     int place = -1;
     for (int round = 0; round < ASCENTS; round++) {
         const double size = std::min(norm, 1.0); // solves drop no part of their result then

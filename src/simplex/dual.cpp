@@ -16,10 +16,7 @@ namespace
 {
 // A stored weight below this share of the exact one is too small: the row is chosen again.
 constexpr double WEIGHT_TRUST = 0.25;
-
-// rows set aside before the run ends with SIMPLEX_SWITCH
-constexpr int MAX_REJECTED = 20;
-
+constexpr int MAX_REJECTED = 20;  // rows set aside before the run ends with SIMPLEX_SWITCH
 constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
 
 // Update limit m^0.65: pivot rows are sparse only with few row etas. Against 0.7 it saved 1 % of the work on Netlib and
@@ -387,32 +384,6 @@ template<class R> void write_log(sopt *s, swork<R> *w)
 }
 } // namespace
 
-template<class R> int dopt_create(const sopt *s, dopt<R> **out)
-{
-    *out = nullptr;
-    void *block = MemAllocZero(1, sizeof(dopt<R>));
-    if (!block) return OUT_OF_MEMORY;
-    dopt<R> *d = *out = static_cast<dopt<R> *>(block);
-    *d = dopt<R>{};
-    const int m = s->NumRows;
-    TRY(array_assign(&d->Weights, m, R(0)));
-    TRY(price_list_alloc(&d->Rows, m));
-    for (Array<R> *a : {&d->WeightOf, &d->CandAlpha, &d->CandDual, &d->CandRange})
-        TRY(array_resize(a, s->NumVars));
-    for (Array<int> *a : {&d->CandPlace, &d->Flips}) TRY(array_resize(a, s->NumVars));
-    TRY(array_resize(&d->GroupEnd, int64_t{s->NumVars} + 1));
-    TRY(array_assign(&d->Reference, s->NumVars, char(0)));
-    return array_assign(&d->RowRejected, m, char(0));
-}
-
-template<class R> void dopt_free(dopt<R> **d)
-{
-    if (!*d) return;
-    **d = dopt<R>{};
-    MemFree(*d);
-    *d = nullptr;
-}
-
 template<class R> int dual_pivots(sopt *s, swork<R> *w)
 {
     while (s->Status == SIMPLEX_RUNNING) {
@@ -440,18 +411,8 @@ template<class R> int DualRun(sopt *s, swork<R> *w)
     return 0;
 }
 
-template int dopt_create<double>(const sopt *, dopt<double> **);
-
-template int dopt_create<long double>(const sopt *, dopt<long double> **);
-
-template int dual_pivots<double>(sopt *, swork<double> *);
-
-template int dual_pivots<long double>(sopt *, swork<long double> *);
-
-template int DualRun<double>(sopt *, swork<double> *);
-
-template int DualRun<long double>(sopt *, swork<long double> *);
-
-template void dopt_free<double>(dopt<double> **);
-
-template void dopt_free<long double>(dopt<long double> **);
+#define INSTANTIATE(R)                                                                     \
+    template int dual_pivots<R>(sopt *, swork<R> *);                                       \
+    template int DualRun<R>(sopt *, swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

@@ -43,7 +43,10 @@ template<class R> struct dopt {
     Array<char> RowRejected; // [m] row is set aside
 };
 
+// dual_record.cpp
 template<class R> [[nodiscard]] int dopt_create(const sopt *s, dopt<R> **out);
+
+// dual.cpp
 // Iterates until Status is no longer SIMPLEX_RUNNING, from a dual feasible basis with weights and merits. 0 or a code.
 template<class R> [[nodiscard]] int dual_pivots(sopt *s, swork<R> *w);
 

@@ -80,7 +80,7 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
     s->WorkCost.data[j] += shift;
     s->DualObj += shift * nonbasic_value(s, j);
     w->Cbar.data[j] = new_cbar;
-    s->Perturbed = std::max(s->Perturbed, 1);
+    s->Perturbed = std::max<int>(s->Perturbed, PERTURBED_SINGLE);
 }
 
 // Before the first pivot the reduced costs of nonbasics are moved away from zero, without change of sign, relative to
@@ -108,7 +108,7 @@ template<class R> void dual_perturb_start(sopt *s, swork<R> *w)
         s->WorkCost.data[j] += step;
         w->Cbar.data[j] += R(step);
     }
-    s->Perturbed = 3;
+    s->Perturbed = PERTURBED_ALL;
 }
 
 // Perturbs the costs if nearly all iterations since the last test were degenerate.
@@ -116,9 +116,10 @@ template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w)
 {
     const double steps = s->NPvt - s->LastPerturbIter;
     const double degenerate = s->DegenCount - s->LastDegenCount;
-    const int period = s->SwitchCount > 2 || s->Perturbed >= 3 ? 5 : 2;
+    const int period = s->SwitchCount > 2 || s->Perturbed == PERTURBED_ALL ? 5 : 2;
     if (!s->PerturbAllowed || s->PerturbCur <= 0 || s->NumFactor % period != 0) return;
-    if (s->Env->TARV_PAR_PRIMDUALSWITCH < 0 && s->Perturbed >= 3) return; // once is enough
+    if (s->Env->TARV_PAR_PRIMDUALSWITCH < 0 && s->Perturbed == PERTURBED_ALL)
+        return; // all costs are perturbed once only
     const bool stalled = steps > 0 && degenerate > STALL_SHARE * steps;
     s->LastPerturbIter = s->NPvt;
     s->LastDegenCount = s->DegenCount;
@@ -137,14 +138,14 @@ template<class R> void dual_perturb_costs(sopt *s, swork<R> *w)
         s->WorkCost.data[j] += step;
         w->Cbar.data[j] += R(step);
     }
-    s->Perturbed = 3;
+    s->Perturbed = PERTURBED_ALL;
     s->PerturbCur = std::min(PERTURB_MOST, PERTURB_GROWTH * s->PerturbCur);
 }
 
 void dual_remove_perturbation(sopt *s)
 {
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
-    s->Perturbed = 0;
+    s->Perturbed = PERTURBED_NONE;
 }
 
 #define INSTANTIATE(R)                                                                     \

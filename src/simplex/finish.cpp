@@ -18,7 +18,7 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
     std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
     std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
-    s->Perturbed = 0;
+    s->Perturbed = PERTURBED_NONE;
     s->BoxPhase = 0;
     settle_nonbasics(s);
     if (!has_factor(s, w)) return;
@@ -32,7 +32,7 @@ template<class R> void finish_values(sopt *s, swork<R> *w)
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w)
 {
     UserViolation primal, dual;
-    double value = 0, price = 0; // largest
+    double value = 0, price = 0; // largest magnitudes
     for (int k = 0; k < s->NumRows; k++) {
         const int j = s->BasisHead.data[k];
         const double x = static_cast<double>(w->Bbar.data[k]);

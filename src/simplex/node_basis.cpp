@@ -12,6 +12,8 @@ namespace
 // Exchanges up to which updates are tried; more cost about as much as a factorisation.
 constexpr int MOST_EXCHANGES = 10;
 
+constexpr int BASIC = 0; // status of a basic variable in a NodeBasis
+
 // A pivot has to have this share of the largest entry of its column.
 constexpr double PIVOT_SHARE = 1e-3;
 

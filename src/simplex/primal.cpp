@@ -20,15 +20,6 @@ constexpr double COST_SHARE = 0.1;
 // update limit on models with few rows (updates_are_cheap)
 constexpr int FEW_ROWS_UPDATES = 100;
 
-// columns set aside before the run ends with SIMPLEX_SWITCH
-constexpr int MAX_REJECTED = 50;
-
-// Smallest OptTol when an infeasibility is to be proved.
-constexpr double TIGHTEST_TOL = 1e-9;
-
-// factor on OptTol when an infeasibility could not be proved
-constexpr double TIGHTEN = 1e-2;
-
 // Relative difference up to which a small pivot from the row confirms that from the column.
 constexpr double SMALL_PIVOT_GAP = 1e-3;
 
@@ -96,124 +87,6 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
     return 0;
-}
-
-// Phase 1 is optimal and rows are still infeasible.
-template<class R> void end_phase1(sopt *s, swork<R> *w)
-{
-    if (s->Perturbed) {
-        primal_remove_perturbation(s);
-        s->PerturbAllowed = 0;
-        s->RefacReason = REFAC_CLEAN;
-        return;
-    }
-    if (primal_classify(s, w) == 0) { // bound flips made the last row feasible
-        s->RefacReason = REFAC_CLEAN;
-        return;
-    }
-    SVec<R> *y = &w->Rho;
-    svec_clear(y);
-    for (int i = 0; i < s->NumRows; i++)
-        if (w->Primal->RowState.data[i] != ROW_FEASIBLE)
-            svec_add(y, i, R(w->Primal->RowState.data[i]));
-    Btran(&w->Lu, y, SOLVE_COSTS, Keep::NO);
-    if (proves_infeasible(s, w)) {
-        s->Status = SIMPLEX_INFEASIBLE;
-    } else if (
-        s->OptTol >
-        TIGHTEST_TOL) { // reduced costs within the tolerance may still reduce infeasibility
-        if (!s->TightProof) s->UsualOptTol = s->OptTol;
-        s->OptTol = std::max(TIGHTEST_TOL, TIGHTEN * s->OptTol);
-        s->TightProof = 1;
-        primal_list_reset(s, w);
-    } else {
-        s->Status = SIMPLEX_SWITCH;
-    }
-}
-
-template<class R> void end_phase2(sopt *s, swork<R> *w)
-{
-    if (!s->Perturbed) {
-        s->Status = SIMPLEX_OPTIMAL;
-        return;
-    }
-    primal_remove_perturbation(s);
-    compute_primal(s, w);
-    if (primal_classify(s, w) == 0) {
-        s->Status = SIMPLEX_OPTIMAL;
-        return;
-    }
-    // dual feasible: a few steps of the dual, if it leaves costs alone
-    s->Status = SIMPLEX_SWITCH;
-    s->PerturbAllowed = 0;
-}
-
-// The composite objective of phase 1 is optimal at an infeasible point: from now on only infeasibility is minimised.
-template<class R> void drop_phase_costs(sopt *s, popt<R> *p)
-{
-    p->CostWeight = 0;
-    s->RefacReason = REFAC_CLEAN;
-}
-
-template<class R> void no_column(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    if (w->Lu.NumUpdates > 0 && (p->Rejected > 0 || p->Phase1 || wants_confirmation(s))) {
-        s->RefacReason = REFAC_CLEAN;
-    } else if (p->Rejected > 0) {
-        s->Status = SIMPLEX_SWITCH;
-    } else if (p->Phase1 && p->CostWeight > 0) {
-        drop_phase_costs(s, p);
-    } else if (p->Phase1) {
-        end_phase1(s, w);
-    } else {
-        end_phase2(s, w);
-    }
-}
-
-// The column is not chosen again before the next refresh.
-template<class R> void set_column_aside(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    p->ColRejected.data[p->PivotCol] = 1;
-    primal_set_merit(s, w, p->PivotCol);
-    if (++p->Rejected > MAX_REJECTED) s->Status = SIMPLEX_SWITCH;
-}
-
-template<class R> void no_row(sopt *s, swork<R> *w)
-{
-    popt<R> *p = w->Primal;
-    if (w->Lu.NumUpdates > 0) {
-        s->RefacReason = REFAC_CONFIRM;
-    } else if (p->Phase1 && p->CostWeight > 0) {
-        drop_phase_costs(s, p);
-    } else if (p->Phase1 && s->Superbasics > 0) {
-        primal_settle_superbasic(s, w);
-    } else if (p->Phase1) { // a rounding error: the sum of infeasibilities is bounded below
-        set_column_aside(s, w);
-    } else if (s->Perturbed) {
-        primal_remove_perturbation(s);
-        s->PerturbAllowed = 0;
-        s->RefacReason = REFAC_START;
-    } else if (proves_unbounded(s, w, p->PivotCol, p->Direction)) {
-        s->Status = SIMPLEX_UNBOUNDED;
-    } else {
-        set_column_aside(s, w);
-    }
-}
-
-template<class R> void reject_column(sopt *s, swork<R> *w)
-{
-    s->NumericCount++;
-    if (w->Lu.NumUpdates > 0) {
-        distrust_factors(s);
-        return;
-    }
-    if (s->Superbasics > 0) {
-        primal_settle_superbasic(s, w);
-        return;
-    }
-    set_column_aside(s, w);
 }
 
 // True if the pivot computed from the row agrees with the small one from the column.
@@ -343,13 +216,13 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     p->PivotCol = -1;
     if (s->Superbasics > 0) primal_choose_superbasic(s, w);
     if (p->PivotCol < 0 && !choose_column(s, w)) {
-        no_column(s, w);
+        primal_no_column(s, w);
         return;
     }
     if (s->RefacReason != REFAC_NONE) return;
     switch (primal_ratio(s, w)) {
     case RATIO_UNBOUNDED:
-        no_row(s, w);
+        primal_no_row(s, w);
         return;
     case RATIO_FLIP:
         apply_flip(s, w);
@@ -363,7 +236,7 @@ template<class R> void iterate(sopt *s, swork<R> *w)
     }
     if (std::abs(w->Alpha.Value.data[p->PivotRow]) < R(s->PivotTol) &&
         (w->Lu.NumUpdates > 0 || !confirm_small_pivot(s, w))) {
-        reject_column(s, w);
+        primal_reject_column(s, w);
         return;
     }
     if (!p->Phase1) primal_shift_blocking(s, w);
@@ -411,64 +284,6 @@ template<class R> void write_log(sopt *s, swork<R> *w)
 }
 } // namespace
 
-template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w)
-{
-    const popt<R> *p = w->Primal;
-    const R share = p->Phase1 ? R(p->CostWeight) : R(1);
-    R exact = share * R(s->Cost.data[p->PivotCol]);
-    for (int k = 0; k < w->Alpha.Count; k++) {
-        const int i = w->Alpha.Index.data[k];
-        R cost = share * R(s->Cost.data[s->BasisHead.data[i]]);
-        if (p->Phase1) cost += R(p->RowState.data[i]);
-        exact -= cost * w->Alpha.Value.data[i];
-    }
-    return exact;
-}
-
-namespace
-{
-template<class R> int alloc_columns(const sopt *s, popt<R> *p)
-{
-    const int nv = s->NumVars;
-    TRY(array_resize(&p->Weights, nv));
-    TRY(price_list_alloc(&p->Columns, nv));
-    TRY(array_assign(&p->PhaseCost, nv, 0.0));
-    for (Array<char> *a : {&p->Reference, &p->InClass, &p->ColRejected})
-        TRY(array_assign(a, nv, char(0)));
-    TRY(array_resize(&p->AuxList, nv));
-    return array_resize(&p->ClassNext, nv);
-}
-
-template<class R> int alloc_rows(const sopt *s, popt<R> *p)
-{
-    const int m = s->NumRows;
-    TRY(svec_alloc(&p->CostChange, m));
-    TRY(array_resize(&p->RowState, m));
-    TRY(array_assign(&p->Pi, m, R(0)));
-    TRY(array_resize(&p->BreakStep, 2 * int64_t{m}));
-    return array_resize(&p->BreakRow, 2 * int64_t{m});
-}
-} // namespace
-
-template<class R> int popt_create(const sopt *s, popt<R> **out)
-{
-    *out = nullptr;
-    void *block = MemAllocZero(1, sizeof(popt<R>));
-    if (!block) return OUT_OF_MEMORY;
-    popt<R> *p = *out = static_cast<popt<R> *>(block);
-    *p = popt<R>{};
-    TRY(alloc_columns(s, p));
-    return alloc_rows(s, p);
-}
-
-template<class R> void popt_free(popt<R> **p)
-{
-    if (!*p) return;
-    **p = popt<R>{};
-    MemFree(*p);
-    *p = nullptr;
-}
-
 template<class R> int PrimalRun(sopt *s, swork<R> *w)
 {
     if (!w->Primal) TRY(popt_create(s, &w->Primal));
@@ -491,14 +306,4 @@ template<class R> int PrimalRun(sopt *s, swork<R> *w)
 }
 
 template int PrimalRun<double>(sopt *, swork<double> *);
-
 template int PrimalRun<long double>(sopt *, swork<long double> *);
-
-template void popt_free<double>(popt<double> **);
-
-template void popt_free<long double>(popt<long double> **);
-
-template double primal_exact_cbar<double>(const sopt *, const swork<double> *);
-
-template long double primal_exact_cbar<long double>(const sopt *,
-                                                    const swork<long double> *);

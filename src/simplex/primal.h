@@ -76,9 +76,14 @@ template<class R> struct popt {
 
 enum RatioResult { RATIO_PIVOT, RATIO_FLIP, RATIO_UNBOUNDED };
 
-// primal.cpp
-// Reduced cost of PivotCol, from its column in Alpha.
-template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w);
+// primal_record.cpp
+template<class R> [[nodiscard]] int popt_create(const sopt *s, popt<R> **out);
+
+// primal_end.cpp
+// Each sets Status, or RefacReason: no column to enter; no row for column PivotCol; a pivot that is not reliable.
+template<class R> void primal_no_column(sopt *s, swork<R> *w);
+template<class R> void primal_no_row(sopt *s, swork<R> *w);
+template<class R> void primal_reject_column(sopt *s, swork<R> *w);
 
 // primal_super.cpp
 template<class R> int primal_count_superbasics(sopt *s, swork<R> *w);
@@ -97,6 +102,8 @@ template<class R> void primal_end_cycle(const sopt *s, swork<R> *w); // before a
 template<class R> void primal_start_weights(sopt *s, swork<R> *w);
 template<class R> void primal_list_reset(sopt *s, swork<R> *w);
 template<class R> void primal_set_merit(sopt *s, swork<R> *w, int j);
+// Reduced cost of PivotCol, from its column in Alpha.
+template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w);
 // From Alpha and the packed row.
 template<class R> void primal_update_weights(sopt *s, swork<R> *w, R pivot);
 

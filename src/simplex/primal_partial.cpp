@@ -102,7 +102,7 @@ template<class R> int fill_list(sopt *s, swork<R> *w)
         if (merit == R(0)) continue; // assigned
         if (p->AuxCount < LIST_LENGTH) {
             p->AuxList.data[p->AuxCount++] = j - 1;
-        } else { // replaces another candidate, in turn, if it is better
+        } else { // replaces another candidate, each in turn, if it is better
             const int other = p->AuxList.data[weakest];
             const R d = w->Cbar.data[other];
             if (d * d / p->Weights.data[other] < merit) p->AuxList.data[weakest] = j - 1;

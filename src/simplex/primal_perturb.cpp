@@ -51,7 +51,7 @@ template<class R> void primal_perturb(sopt *s, swork<R> *w)
     }
     p->PerturbSize = std::min(LARGEST_SIZE, SIZE_GROWTH * p->PerturbSize);
     p->PerturbPasses++;
-    s->Perturbed = 3;
+    s->Perturbed = PERTURBED_ALL;
     set_basic_bounds(s);
 }
 
@@ -59,7 +59,7 @@ void primal_remove_perturbation(sopt *s)
 {
     std::copy_n(s->Lower.data, s->NumVars, s->WorkLower.data);
     std::copy_n(s->Upper.data, s->NumVars, s->WorkUpper.data);
-    s->Perturbed = 0;
+    s->Perturbed = PERTURBED_NONE;
     stall_reset(s);
 }
 
@@ -83,7 +83,7 @@ template<class R> bool primal_shift_infeasible(sopt *s, swork<R> *w)
         p->RowState.data[i] = ROW_FEASIBLE;
     }
     set_basic_bounds(s);
-    s->Perturbed = std::max(s->Perturbed, 1);
+    s->Perturbed = std::max<int>(s->Perturbed, PERTURBED_SINGLE);
     return true;
 }
 
@@ -95,7 +95,7 @@ template<class R> void primal_shift_blocking(sopt *s, swork<R> *w)
     const int j = s->BasisHead.data[p->PivotRow];
     double *bound = p->ToUpper ? &s->WorkUpper.data[j] : &s->WorkLower.data[j];
     *bound = static_cast<double>(w->Bbar.data[p->PivotRow]);
-    s->Perturbed = std::max(s->Perturbed, 1);
+    s->Perturbed = std::max<int>(s->Perturbed, PERTURBED_SINGLE);
 }
 
 #define INSTANTIATE(R)                                                                     \

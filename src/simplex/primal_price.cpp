@@ -176,10 +176,25 @@ template<class R> void primal_update_weights(sopt *s, swork<R> *w, R pivot)
     }
 }
 
+template<class R> R primal_exact_cbar(const sopt *s, const swork<R> *w)
+{
+    const popt<R> *p = w->Primal;
+    const R share = p->Phase1 ? R(p->CostWeight) : R(1);
+    R exact = share * R(s->Cost.data[p->PivotCol]);
+    for (int k = 0; k < w->Alpha.Count; k++) {
+        const int i = w->Alpha.Index.data[k];
+        R cost = share * R(s->Cost.data[s->BasisHead.data[i]]);
+        if (p->Phase1) cost += R(p->RowState.data[i]);
+        exact -= cost * w->Alpha.Value.data[i];
+    }
+    return exact;
+}
+
 #define INSTANTIATE(R)                                                                     \
     template void primal_set_merit<R>(sopt *, swork<R> *, int);                            \
     template void primal_list_reset<R>(sopt *, swork<R> *);                                \
     template void primal_start_weights<R>(sopt *, swork<R> *);                             \
-    template void primal_update_weights<R>(sopt *, swork<R> *, R);
+    template void primal_update_weights<R>(sopt *, swork<R> *, R);                         \
+    template R primal_exact_cbar<R>(const sopt *, const swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)

@@ -48,7 +48,7 @@ template<class R> bool partial_has_served(const sopt *s, const swork<R> *w)
     const double pivots = std::max(1.0, s->NPvt - p->StallIter);
     const double degenerate = std::min(1.0, (s->DegenCount - p->StallStart) / pivots);
     const double d = s->NPvt / (n + m) + 0.3 + 1.2 * p->AvgSpike / m +
-                     0.6 * ((s->Perturbed >= 3) + degenerate);
+                     0.6 * ((s->Perturbed == PERTURBED_ALL) + degenerate);
     const double f = std::max(1.0, static_cast<double>(w->Lu.UNonzeros) +
                                        3.0 * static_cast<double>(w->Lu.LNonzeros) - 2 * m);
     const double row_work = p->AvgRow / (p->AvgSpike + 1);

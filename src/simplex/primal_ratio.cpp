@@ -155,7 +155,7 @@ template<class R> void collect_breaks(sopt *s, swork<R> *w)
         const double lower = s->BasicLower.data[i], upper = s->BasicUpper.data[i];
         const R x = w->Bbar.data[i];
         if (a >
-            0) { // decreases: passes its upper bound if it is above, then its lower bound
+            0) { // decreases: reaches its upper bound if it is above it, then its lower bound
             if (state == ROW_ABOVE) add_break(p, i, true, (x - R(upper)) / size);
             if (state != ROW_BELOW && has_lower(s, lower))
                 add_break(p, i, false, (x - R(lower)) / size);

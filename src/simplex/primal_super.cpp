@@ -42,7 +42,7 @@ template<class R> void primal_choose_superbasic(sopt *s, swork<R> *w)
 {
     popt<R> *p = w->Primal;
     while (p->SuperNext > 0 && !is_superbasic(s, p->SuperNext - 1)) p->SuperNext--;
-    if (p->SuperNext == 0) { // repairs of the basis removed the others
+    if (p->SuperNext == 0) { // repairs of the basis have removed the others
         s->Superbasics = 0;
         p->PivotCol = -1;
         return;

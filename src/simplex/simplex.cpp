@@ -295,7 +295,8 @@ int run_in(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall 
            const SimplexTuning &tuning)
 {
     const int error = optimize(record, body, env, call, tuning);
-    if (error) { // parts of the record may be half built
+    if (call.Total && *record) *call.Total = simplex_iterations(*record);
+    if (error) { // the record may be incomplete
         simplex_free(*record);
         *record = nullptr;
     }

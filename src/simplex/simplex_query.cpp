@@ -113,8 +113,7 @@ Progress progress(const sopt *s)
 // 0 not at all, 1 single costs or bounds, 2 all of them
 int perturbation(const sopt *s)
 {
-    constexpr int WHOLE = 3;
-    return s->Perturbed == 0 ? 0 : s->Perturbed < WHOLE ? 1 : 2;
+    return s->Perturbed == PERTURBED_NONE ? 0 : s->Perturbed == PERTURBED_SINGLE ? 1 : 2;
 }
 } // namespace
 

@@ -208,7 +208,7 @@ bool sopt_take_up_stop(sopt *s)
         }
     }
     array_free(&s->StoppedShift);
-    s->Perturbed = 3;
+    s->Perturbed = PERTURBED_ALL;
     return true;
 }
 
@@ -245,7 +245,7 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->FeasTolCount = s->OptTolCount = 0;
     s->TightProof = 0;
     s->NumericCount = s->SingularCount = s->SwitchCount = 0;
-    s->Perturbed = 0;
+    s->Perturbed = PERTURBED_NONE;
     s->BoxPhase = 0;
     s->PerturbAllowed = env->PerturbValue > 0;
     s->PerturbCur = env->PerturbValue;

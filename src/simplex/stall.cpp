@@ -7,7 +7,8 @@
 //             looks or FIRST_ROUNDS iterations, the value that the phase minimises is compared with its best since the
 //             last remedy: the sum of infeasibilities (primal, phase 1), the objective (primal, phase 2), minus the
 //             dual objective (dual, box problem and phase 2). After many looks and iterations without improvement the
-//             next remedy of StallRemedy that applies is taken. Each is taken at most once, so the run terminates.
+//             next remedy of StallRemedy that applies is taken. Each is taken at most once, and the last one,
+//             which always applies, ends the run.
 // Cost        One pass over the variables per comparison.
 #include "simplex/primal.h"
 #include <algorithm>
@@ -100,9 +101,10 @@ template<class R> StallRemedy stall_look(sopt *s, swork<R> *w)
     if (!stalled && !stuck && !endless) return STALL_NONE;
     stall_reset(s);
     g->Begin = s->NPvt;
-    do g->Taken = static_cast<StallRemedy>(g->Taken + 1);
-    while (!applies(s, w, phase, g->Taken));
-    if (g->Taken >= STALL_END) g->Taken = STALL_END;
+    while (g->Taken < STALL_END) { // the last one always applies
+        g->Taken = static_cast<StallRemedy>(g->Taken + 1);
+        if (applies(s, w, phase, g->Taken)) break;
+    }
     if (g->Taken == STALL_SWITCH) s->Status = SIMPLEX_SWITCH;
     if (g->Taken == STALL_EXTENDED) s->Status = SIMPLEX_NEED_QUAD;
     if (g->Taken == STALL_STRICT) s->Status = SIMPLEX_RESTART;

@@ -48,6 +48,13 @@ struct LpAuxiliary : ModelTest {
                   0);
     }
 };
+
+LpStart start_by(int method)
+{
+    LpStart run;
+    run.method = method;
+    return run;
+}
 } // namespace
 
 TEST_F(LpAuxiliary, gives_either_method_a_basis)
@@ -55,7 +62,8 @@ TEST_F(LpAuxiliary, gives_either_method_a_basis)
     const int n = integer("NumVars"), m = integer("NumConstrs");
     for (const int method : {METHOD_PRIMAL, METHOD_DUAL}) {
         AuxiliaryStart start;
-        ASSERT_EQ(lp_auxiliary_start(model->body, model->env, method, 0, &start), 0);
+        ASSERT_EQ(lp_auxiliary_start(model->body, model->env, start_by(method), 0, &start),
+                  0);
         ASSERT_EQ(start.statuses.size, n + m) << method;
         EXPECT_EQ(std::count_if(start.statuses.begin(), start.statuses.end(),
                                 [](int status) { return status >= 0; }),
@@ -68,7 +76,8 @@ TEST_F(LpAuxiliary, its_iterations_count_and_the_solve_ends_at_an_optimum)
 {
     set("IterationLimit", 3);
     AuxiliaryStart stopped;
-    ASSERT_EQ(lp_auxiliary_start(model->body, model->env, METHOD_DUAL, 1, &stopped), 0);
+    ASSERT_EQ(
+        lp_auxiliary_start(model->body, model->env, start_by(METHOD_DUAL), 1, &stopped), 0);
     EXPECT_EQ(stopped.iterations, 2);
     EXPECT_EQ(stopped.statuses.size, 0);
     EXPECT_EQ(TVXoptimize(model), 0);
@@ -91,7 +100,7 @@ TEST_F(LpAuxiliary, without_memory_says_so_and_holds_nothing)
         AuxiliaryStart start;
         mem_fault_arm(k);
         const int code =
-            lp_auxiliary_start(model->body, model->env, METHOD_DUAL, 0, &start);
+            lp_auxiliary_start(model->body, model->env, start_by(METHOD_DUAL), 0, &start);
         refused = mem_fault_hits() > 0;
         mem_fault_arm(0);
         EXPECT_EQ(code, refused ? TVX_ERROR_OUT_OF_MEMORY : 0) << k;

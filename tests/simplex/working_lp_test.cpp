@@ -107,12 +107,12 @@ TEST(RowCopy, fronts_hold_the_columns_that_may_enter)
         const Working w(any_model(&dice));
         sopt *s = w.s;
         for (int round = 0; round < 5; round++) {
-            for (int j = 0; j < s->NumVars; j++) s->VStat[j] = dice.range(AT_FIXED, BASIC);
+            for (int j = 0; j < s->NumVars; j++) s->VStat[j] = dice.range(AT_FIXED, 0);
             row_copy_partition(s);
             for (int p = 0; p < s->ColBeg[s->NumCols]; p++)
                 ASSERT_EQ(s->EntryOfSlot[s->SlotOfEntry[p]], p);
             for (int j = 0; j < s->NumCols; j++) {
-                const bool enters = s->VStat[j] < BASIC && s->VStat[j] != AT_FIXED;
+                const bool enters = s->VStat[j] < 0 && s->VStat[j] != AT_FIXED;
                 for (int p = s->ColBeg[j]; p < s->ColBeg[j + 1]; p++) {
                     const int i = s->ColInd[p], slot = s->SlotOfEntry[p];
                     ASSERT_EQ(s->RowInd[slot], j);

@@ -17,10 +17,12 @@ inline int simplex_alone(TVXmodel *model, const SimplexCall &call)
 struct Reduced {
     PresolveResult *result = nullptr;
     double work = 0;
-    int status;
+    PresolveStatus status = PRESOLVE_OK;
     explicit Reduced(TVXmodel *model, LpClaim *claim = nullptr)
-        : status(presolve_lp(model->body, model->env, &result, &work, claim))
     {
+        const LpMethod method = static_cast<LpMethod>(model->env->LPMethod);
+        if (presolve_lp(model->body, model->env, method, &result, &status, &work, claim))
+            abort();
     }
     ~Reduced() { presolve_free(result); }
     Reduced(const Reduced &) = delete;

@@ -19,6 +19,7 @@ static int reduce(PresolveWork *w, TVXmodel *model,
                   std::initializer_list<Reduction> reductions, PresolveTry *out,
                   PresolveResult **result)
 {
+    w->Method = static_cast<LpMethod>(model->env->LPMethod);
     if (const int error = work_load(w, model->body, model->env)) return error;
     if (const int stop = mark_everything(w)) return stop;
     for (const Reduction reduction : reductions) {

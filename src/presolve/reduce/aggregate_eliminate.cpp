@@ -230,7 +230,7 @@ void move_objective(PresolveWork *w, int p)
     const Sized ratio =
         factor_of({w->Obj.data[pivot.col], w->ObjErr.data[pivot.col] / ROUNDING_UNIT},
                   entry_at(w, p));
-    if (ratio.value == 0) return; // no cost at all
+    if (ratio.value == 0) return; // zero cost
     for (int q = first_in_row(w, pivot.row); q >= 0; q = next_in_row(w, q)) {
         const int k = w->Nodes.data[q].col;
         double *cost = &w->Obj.data[k];

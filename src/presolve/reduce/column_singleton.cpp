@@ -212,7 +212,7 @@ int absorb(PresolveWork *w, const Singleton *s, int side)
     add_to_rhs_error(w, i, size_of_entry(w, s->p) * std::fabs(bound),
                      std::fabs(s->a) * w->BoundErr.data[s->col]);
     w->RhsErr.data[i] *= std::fabs(factor);   // at least 1
-    w->ScratchB.data[i] *= std::fabs(factor); // what pre_columns has noted
+    w->ScratchB.data[i] *= std::fabs(factor); // value noted by pre_columns
     w->Rhs.data[i] = factor * (w->Rhs.data[i] - s->a * bound);
     w->Sense.data[i] = '<';
     row_activity(w, i);

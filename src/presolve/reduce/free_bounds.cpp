@@ -27,8 +27,7 @@ constexpr double LONG_COLUMNS = 1000; // models with more entries per column are
 
 bool is_worth_it(const PresolveWork *w)
 {
-    const int method = w->Env->LPMethod;
-    if (method != LP_DUAL_SIMPLEX && method != LP_BARRIER) return false;
+    if (w->Method == LP_PRIMAL_SIMPLEX) return false;
     if (!w->Env->TARV_PAR_PREBOUND || w->MatrixClass == MATRIX_UNIT_EQUATIONS) return false;
     double entries = 0, cols = 0;
     for (int j = 0; j < w->NumCols; j++) {
@@ -61,7 +60,7 @@ bool give_bound(const BoundPropagation *p, PresolveWork *w, int j, int side)
 void bound_column(const BoundPropagation *p, PresolveWork *w, int j)
 {
     const bool lower = has_lb(w, j), upper = has_ub(w, j);
-    if (w->Env->LPMethod == LP_DUAL_SIMPLEX) {
+    if (w->Method == LP_DUAL_SIMPLEX) {
         if (lower != upper) give_bound(p, w, j, lower ? UPPER_SIDE : LOWER_SIDE);
     } else if (!lower && !upper && !give_bound(p, w, j, UPPER_SIDE)) {
         give_bound(p, w, j, LOWER_SIDE);

@@ -58,7 +58,7 @@ void fill_in(PresolveWork *w, int target, int equation)
     for (int p = first_in_row(w, equation); p >= 0; p = next_in_row(w, p)) {
         const int j = w->Nodes.data[p].col;
         const double term = w->Scratch.data[j];
-        if (term == 0) continue; // taken
+        if (term == 0) continue; // already taken
         w->Scratch.data[j] = 0;
         insert_entry(w, target, j, term);
         mark_col(w, j);

@@ -143,7 +143,7 @@ int rows_with_singletons(PresolveWork *w, int *list)
 int pre_singleton_knapsack(PresolveWork *w)
 {
     const TVXenv *env = w->Env;
-    const bool interior = env->LPMethod == 2 && env->Crossover == 0;
+    const bool interior = w->Method == LP_BARRIER && env->Crossover == 0;
     if (!env->TARV_PAR_DUALREDUCTION || (interior && !w->IsMip)) return 0;
     int *rows = w->IndexA.data;
     const int count = rows_with_singletons(w, rows);
