@@ -1,16 +1,11 @@
 // files_units_test.cpp -- the small parts under the readers and writers
-#include "files/file_number.h"
 #include "files/name_table.h"
 #include "files/text_file.h"
-#include "runtime/text_number.h"
 #include "support/dice.h"
-#include <cmath>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <vector>
-
-// ---- Name table ----
 
 TEST(NameTableTest, AgreesWithAMap)
 {
@@ -39,32 +34,6 @@ TEST(NameTableTest, AgreesWithAMap)
         ASSERT_EQ(name_table_find(&table, name.data(), static_cast<int64_t>(name.size())),
                   number);
 }
-
-// ---- Numbers ----
-
-static NumberKind kind_of(const std::string &text, double *value)
-{
-    return number_read({text.data(), text.data() + text.size()}, value);
-}
-
-TEST(FileNumber, KindsOfFields)
-{
-    double value = 0;
-    EXPECT_EQ(kind_of("+1.5D+3", &value), NumberKind::FINITE);
-    EXPECT_EQ(value, 1500);
-    EXPECT_EQ(kind_of("-1e-999", &value), NumberKind::FINITE);
-    EXPECT_EQ(value, 0);
-    EXPECT_EQ(kind_of("-Infinity", &value), NumberKind::INFINITE);
-    EXPECT_EQ(value, -HUGE_VAL);
-    EXPECT_EQ(kind_of("+inf", &value), NumberKind::INFINITE);
-    EXPECT_EQ(kind_of("1e309", &value), NumberKind::TOO_LARGE);
-    EXPECT_EQ(kind_of("-" + std::string(400, '9'), &value), NumberKind::TOO_LARGE);
-    for (const char *text : {"", "-", ".", "nan", "1x", "1e", "1e+", "0x1", "1,5", "1.2.3",
-                             "infx", "in", "e5"})
-        EXPECT_EQ(kind_of(text, &value), NumberKind::NOT_NUMBER) << text;
-}
-
-// ---- Lines ----
 
 static std::string printable(const std::string &text, int size)
 {
