@@ -21,19 +21,14 @@ struct Interrupt : ModelTest {
     }
     void SetUp() override
     {
-        load(diamond());
-        ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
-        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
-    }
-    // max x + y, x + 2y <= 4, 3x + y <= 6
-    static LpModel diamond()
-    {
-        LpModel lp;
+        LpModel lp; // max x + y, x + 2y <= 4, 3x + y <= 6
         lp.sense = -1;
         for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, LP_INFINITY);
         lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 4);
         lp_add_row_entries(&lp, {{0, 3}, {1, 1}}, '<', 6);
-        return lp;
+        load(lp);
+        ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
     }
     // The status of a solve that is sent the signal so often while it runs.
     int solve(int number, int count)
