@@ -89,20 +89,17 @@ TEST(File, WhatCannotBeOpenedIsAnError)
 TEST(File, DamagedCompressedFilesAreReportedAndSayNothing)
 {
     const Scratch scratch;
-    const std::string text = long_text();
-    ASSERT_EQ(write_text("good.gz", text), 0);
-    ASSERT_EQ(write_text("good.bz2", text), 0);
     testing::internal::CaptureStderr();
-    std::string back;
-    for (const std::string ending : {".gz", ".bz2"}) {
-        const std::string good = file_get("good" + ending);
-        std::string damaged = good;
+    for (const std::string name : {"x.gz", "x.bz2"}) {
+        ASSERT_EQ(write_text(name, long_text()), 0);
+        const std::string good = file_get(name);
+        std::string damaged = good, back;
         damaged[good.size() / 2] ^= 0x55;
-        file_put("damaged" + ending, damaged);
-        file_put("cut" + ending, good.substr(0, good.size() / 2));
-        file_put("text" + ending, "this was never compressed");
-        for (const char *name : {"damaged", "cut", "text"})
-            EXPECT_EQ(read_text(name + ending, &back), 1) << name << ending;
+        for (const std::string &bytes : {damaged, good.substr(0, good.size() / 2),
+                                         std::string("this was never compressed")}) {
+            file_put(name, bytes);
+            EXPECT_EQ(read_text(name, &back), 1) << name;
+        }
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
@@ -158,12 +155,10 @@ TEST(File, NoDescriptorIsLeftOpen)
 {
     const Scratch scratch;
     const auto open_descriptors = [] {
-        int n = 0;
-        for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd"))
-            n += !entry.path().empty();
-        return n;
+        const auto all = std::filesystem::directory_iterator("/proc/self/fd");
+        return std::distance(begin(all), end(all));
     };
-    const int before = open_descriptors();
+    const auto before = open_descriptors();
     std::string back;
     for (const char *name : {"a", "a.gz", "a.bz2"}) {
         ASSERT_EQ(write_text(name, "x"), 0);
