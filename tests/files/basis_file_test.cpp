@@ -12,22 +12,12 @@ class BasisFile : public Files
     // n columns and m rows with bounds of all kinds, and a random basis of them.
     void make(Dice *dice, int n, int m, const std::vector<std::string> &names)
     {
-        TVXfreemodel(model);
-        std::vector<double> lb, ub;
-        for (int j = 0; j < n; j++) {
-            lb.push_back(dice->chance(40) ? -1e100 : 0);
-            ub.push_back(dice->chance(40) ? 1e100 : 1);
-        }
-        std::vector<char *> pointers;
-        for (const std::string &name : names)
-            pointers.push_back(const_cast<char *>(name.data()));
-        ASSERT_EQ(TVXnewmodel(env, &model, "m", n, nullptr, lb.data(), ub.data(), nullptr,
-                              names.empty() ? nullptr : pointers.data()),
-                  0);
-        ASSERT_EQ(TVXaddconstrs(model, m, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                nullptr),
-                  0);
-        ASSERT_EQ(TVXupdatemodel(model), 0);
+        LpModel lp;
+        for (int j = 0; j < n; j++)
+            lp_add_var(&lp, 0, dice->chance(40) ? -LP_INFINITY : 0,
+                       dice->chance(40) ? LP_INFINITY : 1);
+        for (int i = 0; i < m; i++) lp_add_row(&lp, '<', 0);
+        take(lp, names, {});
         std::vector<int> all(n + m, 1);
         for (size_t k = 0; k < static_cast<size_t>(m); k++) all[k] = TVX_BASIC;
         dice->shuffle(&all);
@@ -106,11 +96,10 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
 // The long name of a row asks for short numbers, and the second column's would be the first one's name.
 TEST_F(BasisFile, NumberedNamesStandForElementsWithoutNameAndAvoidOwnNames)
 {
-    char first[] = "C1", none[] = "", *names[] = {first, none};
-    ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, nullptr, nullptr, nullptr, nullptr, names),
-              0);
-    ASSERT_EQ(TVXaddconstr(model, 0, nullptr, nullptr, '<', 1, "a_long_row_name"), 0);
-    ASSERT_EQ(TVXupdatemodel(model), 0);
+    LpModel lp;
+    for (int j = 0; j < 2; j++) lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row(&lp, '<', 1);
+    take(lp, {"C1"}, {"a_long_row_name"});
     const int v[] = {TVX_BASIC, TVX_NONBASIC_LOWER}, c[] = {TVX_NONBASIC_LOWER};
     ASSERT_EQ(basis_write(model->body, model->env, v, c, "b.bas"), 0);
     EXPECT_EQ(read_bas(file_get("b.bas")), "");

@@ -119,6 +119,23 @@ double Files::start(int j)
     return value;
 }
 
+void Files::take(const LpModel &lp, std::vector<std::string> vars,
+                 std::vector<std::string> rows)
+{
+    const auto name = [this](const char *attribute, std::vector<std::string> &names) {
+        std::vector<char *> pointers;
+        for (std::string &text : names) pointers.push_back(text.data());
+        EXPECT_EQ(TVXsetstrattrarray(model, attribute, 0, static_cast<int>(names.size()),
+                                     pointers.data()),
+                  0);
+    };
+    TVXfreemodel(model);
+    model = lp_load(env, &lp);
+    name("VarName", vars);
+    name("ConstrName", rows);
+    ASSERT_EQ(TVXupdatemodel(model), 0);
+}
+
 std::string Files::round_trip(const std::string &name, Names names)
 {
     TVXmodel *back = nullptr;

@@ -174,7 +174,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x + 3", "no constraints and no End"},
         {"min x + y\nbinary\n  y\n whole\n  x\nend", "line 4, "}, // left of the names
         {"min x + bin\ngeneral\n x\n bin\nend", "line 4, "},      // a variable, too
-        {"x + y", "line 1, column 1: 'x'"},
         {"subject to", "line 1, column 1: 'subject to'"},
         {"min x\nmax y", "line 2, column 1: 'max': this section must stand before"},
         {"min x\nbounds\nst\nc: x >= 1", "line 3, column 1: 'st'"},
@@ -201,7 +200,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x st inf <= x <= 5", "column 10: 'inf': the sides of the range exclude"},
         {"min 1e400 x", "column 5: '1e400': the number is too large"},
         {"min 1e308 x + 1e308 x", "column 13: '+': the sum of these terms is too large"},
-        {"min x st 1e308 + x + 1e308 > 2", "too large"},
         {"min x st c: x + 1e308 > -1e308", "column 10: 'c': the sum of the numbers"},
         {"min 1,5 x", "column 6: ',5': this is no name"},
         {"min x bounds 2 x <= 4", "column 16: 'x': <=, >= or ="},
@@ -228,7 +226,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x sos x:1", "column 11: 'x': S1:: or S2:: must begin"},
         {"min x sos S1:: y:1", "column 16: 'y': the set's member"},
         {"min x sos S1:: x:1 x:2", "column 20: 'x': the variable is in this set"},
-        {"min x sos S3:: x:1", "column 11: 'S3'"},
         {"min x sos S1:: x", "column 16: 'x'"},
         {std::string("min x\n st \0 c: x>=1", 20),
          "line 2, column 5: the end of the file: a control"},

@@ -1,6 +1,5 @@
 // mps_round_trip_test.cpp -- what is written is read back as the same model, whatever it holds, in LP format too
 #include "files/files_support.h"
-#include "support/lp_tarvex.h"
 #include "support/model_gen.h"
 #include <cmath>
 
@@ -40,36 +39,11 @@ std::string any_name(Dice *dice, int k, int style)
     return name + "_" + std::to_string(k);
 }
 
-// Names, as the calls want them.
-struct NameList {
-    std::vector<std::string> texts;
-    std::vector<char *> pointers;
-    explicit NameList(const std::vector<std::string> &given) : texts(given)
-    {
-        for (std::string &text : texts) pointers.push_back(text.data());
-    }
-    int count() const { return static_cast<int>(texts.size()); }
-};
-
 } // namespace
 
 class MpsRoundTrip : public Files
 {
   protected:
-    void take(const LpModel &lp, const std::vector<std::string> &vars,
-              const std::vector<std::string> &rows)
-    {
-        TVXfreemodel(model);
-        model = lp_load(env, &lp);
-        NameList columns(vars), constrs(rows);
-        ASSERT_EQ(TVXsetstrattrarray(model, "VarName", 0, columns.count(),
-                                     columns.pointers.data()),
-                  0);
-        ASSERT_EQ(TVXsetstrattrarray(model, "ConstrName", 0, constrs.count(),
-                                     constrs.pointers.data()),
-                  0);
-        ASSERT_EQ(TVXupdatemodel(model), 0);
-    }
     // A tiny model with numbers, bounds, types, names and sets of all kinds in the place of its own.
     void draw(Dice *dice)
     {

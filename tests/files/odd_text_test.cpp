@@ -9,13 +9,11 @@ class OddText : public Files
     // Two integer variables and a row, with a solution as a search would leave it.
     void make(const std::string &a, const std::string &b)
     {
-        TVXfreemodel(model);
-        std::string first = a, second = b;
-        char *names[] = {first.data(), second.data()}, types[] = "II";
-        const int ind[] = {0, 1};
-        const double val[] = {1, 1}, ub[] = {9, 9};
-        ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, val, nullptr, ub, types, names), 0);
-        ASSERT_EQ(TVXaddconstr(model, 2, ind, val, '>', 1, b.c_str()), 0);
+        LpModel lp;
+        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, 9);
+        lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 1);
+        take(lp, {a, b}, {b});
+        ASSERT_EQ(TVXsetcharattrarray(model, "VType", 0, 2, std::string("II").data()), 0);
         ASSERT_EQ(TVXupdatemodel(model), 0);
         give_solution({3, 5});
     }

@@ -1,6 +1,5 @@
-// files_units_test.cpp -- the small parts under the readers and writers
+// name_table_test.cpp -- the table of names under the readers, against a map
 #include "files/name_table.h"
-#include "files/text_file.h"
 #include "support/dice.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -33,24 +32,4 @@ TEST(NameTableTest, AgreesWithAMap)
     for (const auto &[name, number] : reference)
         ASSERT_EQ(name_table_find(&table, name.data(), static_cast<int64_t>(name.size())),
                   number);
-}
-
-static std::string printable(const std::string &text, int size)
-{
-    std::vector<char> buffer(size);
-    text_printable(buffer.data(), size, {text.data(), text.data() + text.size()});
-    return buffer.data();
-}
-
-TEST(TextFileTest, PrintableTextIsCutAndHarmless)
-{
-    EXPECT_EQ(printable("abc", 10), "abc");
-    EXPECT_EQ(printable("abcdefghi", 10), "abcdefghi");
-    EXPECT_EQ(printable("abcdefghij", 10), "abcdef...");
-    EXPECT_EQ(printable("a\x1b\x7f\tb", 10), "a?? b");
-    EXPECT_EQ(printable("\xc3\xa9\xff\xc2\x9b\xe2\x82\xac", 20), "\xc3\xa9???\xe2\x82\xac");
-    EXPECT_EQ(printable("\xe2\x82", 10), "??");
-    for (int size = 1; size < 12; size++)
-        EXPECT_LT(printable("\xe2\x82\xac\xe2\x82\xac\xe2\x82\xac", size).size(),
-                  static_cast<size_t>(size));
 }
