@@ -13,24 +13,6 @@ class Parameters : public testing::Test
     void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
     void TearDown() override { TVXfreeenv(env); }
 
-    int get_int(const char *name)
-    {
-        int value = -12345;
-        EXPECT_EQ(TVXgetintparam(env, name, &value), 0) << name;
-        return value;
-    }
-    double get_dbl(const char *name)
-    {
-        double value = -12345;
-        EXPECT_EQ(TVXgetdblparam(env, name, &value), 0) << name;
-        return value;
-    }
-    std::string get_str(const char *name)
-    {
-        char value[TVX_PARAM_LENGTH + 1] = "?";
-        EXPECT_EQ(TVXgetstrparam(env, name, value), 0) << name;
-        return value;
-    }
     std::string message() { return TVXgeterrormsg(env); }
     // What reading a file of this text prints.
     std::string read(const std::string &text)
@@ -125,19 +107,21 @@ TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
     EXPECT_EQ(message(),
               "Unable to set parameter TimeLimit to value -1e+100 (minimum is 0)");
     EXPECT_EQ(TVXsetdblparam(env, "TimeLimit", HUGE_VAL), 0);
-    EXPECT_EQ(get_dbl("TimeLimit"), 1e100);
+    EXPECT_EQ(env->TimeLimit, 1e100);
 }
 
 TEST_F(Parameters, StringsHoldTheirFirst512Characters)
 {
-    char current[TVX_PARAM_LENGTH + 1], standard[TVX_PARAM_LENGTH + 1];
+    char given[TVX_PARAM_LENGTH + 1], current[TVX_PARAM_LENGTH + 1],
+        standard[TVX_PARAM_LENGTH + 1];
     EXPECT_EQ(TVXgetparamtype(env, "NodefileDir"), 3);
     EXPECT_EQ(TVXsetstrparam(env, "NodefileDir", std::string(600, 'd').c_str()), 0);
+    EXPECT_EQ(TVXresetparams(env), 0); // strings are not reset
+    EXPECT_EQ(TVXgetstrparam(env, "NodefileDir", given), 0);
     EXPECT_EQ(TVXgetstrparaminfo(env, "NodefileDir", current, standard), 0);
     EXPECT_EQ(current, std::string(512, 'd'));
+    EXPECT_STREQ(given, current);
     EXPECT_STREQ(standard, ".");
-    EXPECT_EQ(TVXresetparams(env), 0);
-    EXPECT_EQ(get_str("NodefileDir"), std::string(512, 'd')); // strings are not reset
 }
 
 // ---- Names ----
@@ -146,7 +130,7 @@ TEST_F(Parameters, NamesIgnoreCaseAndInnerUnderscoresAndUnknownOnesAreTold)
 {
     for (const char *name : {"TimeLimit", "TIMELIMIT", "time_limit", "T_i_m_e_limit__"}) {
         EXPECT_EQ(TVXsetdblparam(env, name, 17), 0) << name;
-        EXPECT_EQ(get_dbl("TimeLimit"), 17);
+        EXPECT_EQ(env->TimeLimit, 17);
         EXPECT_EQ(TVXresetparams(env), 0);
     }
     int value = 0;
@@ -210,17 +194,17 @@ TEST_F(Parameters, NullArgumentsAreRefused)
 TEST_F(Parameters, DummySetsAnyNumberByText)
 {
     EXPECT_EQ(TVXsetstrparam(env, "Dummy", "  time_limit\t1.5d1 x"), 0);
-    EXPECT_EQ(get_dbl("TimeLimit"), 15);
+    EXPECT_EQ(env->TimeLimit, 15);
     EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 1.9"), 0);
-    EXPECT_EQ(get_int("Presolve"), 1);
-    EXPECT_EQ(get_str("Dummy"), "");
+    EXPECT_EQ(env->Presolve, 1);
+    EXPECT_STREQ(env->Dummy, "");
     EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 1e300"), 10008);
     EXPECT_EQ(message(),
               "Unable to set parameter Presolve to value 2000000000 (maximum is 2)");
     for (const std::string text : {"", "Presolve", "Presolve 2x", "LogFile 1",
                                    "Presolve nan", std::string(4000, 'n').c_str()})
         EXPECT_EQ(TVXsetstrparam(env, "Dummy", text.c_str()), 10007) << text;
-    EXPECT_EQ(get_int("Presolve"), 1);
+    EXPECT_EQ(env->Presolve, 1);
 }
 
 TEST_F(Parameters, AMasterWithModelsWarnsOnce)
@@ -297,9 +281,9 @@ TEST_F(Parameters, EveryLineOfAFileIsToldInTheLog)
         {"Cuts" + std::string(155, ' ') + "Presolve 2\n",
          "Failed to set parameter Cuts to value \nSet parameter Presolve to value 2\n"}};
     for (const auto &[text, said] : cases) EXPECT_EQ(read(text), said);
-    EXPECT_EQ(get_int("Presolve"), 2);
-    EXPECT_EQ(get_dbl("TimeLimit"), 1e100);
-    EXPECT_EQ(get_str("NodefileDir") + get_str("ResultFile"), "nodes"); // 12 is no string
+    EXPECT_EQ(env->Presolve, 2);
+    EXPECT_EQ(env->TimeLimit, 1e100);
+    EXPECT_EQ(std::string(env->NodefileDir) + env->ResultFile, "nodes"); // 12 is no string
     const std::string said = read(std::string(1000, 'n') + " 1\n");
     EXPECT_NE(said.find("\n7 warnings while reading"), std::string::npos);
 }
