@@ -2,6 +2,7 @@
 #include "model/model.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
@@ -10,17 +11,13 @@ struct FixedModel : ModelTest {
     // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than Start.
     void load_mixed(int start_count)
     {
-        const double obj[] = {-1, -1, 1, -1, -2}, lb[] = {0, 0, 2, 0, 0},
-                     ub[] = {5, 5, 9, 4, 4}, start[] = {2, 3, 0, 0, 1.5};
-        const int ind[] = {0, 1, 2, 3, 4}, sos[] = {3, 4}, type = 1, beg = 0;
-        const double val[] = {1, 1, -1, 1, 1}, weight[] = {1, 2};
+        const double start[] = {2, 3, 0, 0, 1.5};
         TVXfreemodel(model);
-        model = nullptr;
-        ASSERT_EQ(TVXnewmodel(env.env, &model, "mixed", 5, obj, lb, ub, "IISCC", nullptr),
-                  0);
-        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 8, "cap"), 0);
-        ASSERT_EQ(TVXaddsos(model, 1, 2, &type, &beg, sos, weight), 0);
-        update();
+        model =
+            model_of_text(env.env, "min - C0 - C1 + C2 - C3 - 2 C4\n"
+                                   "st cap: C0 + C1 - C2 + C3 + C4 <= 8\n"
+                                   "bounds C0 <= 5 C1 <= 5 2 <= C2 <= 9 C3 <= 4 C4 <= 4\n"
+                                   "general C0 C1 semi-continuous C2 sos S1:: C3:1 C4:2");
         if (start_count == 0) return;
         ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, start_count, start), 0);
     }

@@ -2,12 +2,11 @@
 #include "support/model_test.h"
 #include "support/model_text.h"
 #include "support/structured_gen.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
 {
-constexpr std::nullptr_t NONE = nullptr;
-
 struct RelaxedModel : ModelTest {
     // Of the optimum; infinite when there is none.
     double value_of(TVXmodel *m)
@@ -21,14 +20,12 @@ struct RelaxedModel : ModelTest {
     }
     void load_mixed()
     {
-        const double obj[] = {1, 2, 3, 4, 5, 6}, lb[] = {0.5, 0, 2, -4, 3, -1},
-                     ub[] = {5.5, 9, 6, -3, 1, 1e30};
-        const int ind[] = {0, 1, 2, 3, 4, 5}, sos[] = {0, 1}, type = 1, beg = 0;
-        const double val[] = {1, 1, 1, 1, 1, 1}, weight[] = {1, 2};
-        ASSERT_EQ(TVXnewmodel(env.env, &model, "mixed", 6, obj, lb, ub, "IBSNSC", NONE), 0);
-        ASSERT_EQ(TVXaddconstr(model, 6, ind, val, '>', 8, "cover"), 0);
-        ASSERT_EQ(TVXaddsos(model, 1, 2, &type, &beg, sos, weight), 0);
-        update();
+        model = model_of_text(
+            env.env, "min a + 2 b + 3 c + 4 d + 5 e + 6 f\n"
+                     "st cover: a + b + c + d + e + f >= 8\n"
+                     "bounds 0.5 <= a <= 5.5 b <= 9 2 <= c <= 6 -4 <= d <= -3 3 <= e <= 1\n"
+                     "f >= -1 general a d binary b semi-continuous c d e\n"
+                     "sos S1:: a:1 b:2");
     }
 };
 } // namespace
@@ -63,17 +60,10 @@ TEST_F(RelaxedModel, feasibility_is_zero_exactly_for_feasible_models)
     EXPECT_EQ(TVXfeasibility(nullptr), nullptr);
 }
 
-// x + y <= 4, x - y >= 7, x + 2 y = 12 with x <= 6, y >= 0.
 TEST_F(RelaxedModel, feasibility_measures_each_side)
 {
-    LpModel lp;
-    lp.sense = -1;
-    lp_add_var(&lp, 1, 0, 6);
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 4);
-    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', 7);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '=', 12);
-    load(lp);
+    model = model_of_text(env.env, "max x + y st R0: x + y <= 4 R1: x - y >= 7\n"
+                                   "R2: x + 2 y = 12 bounds x <= 6");
     const TestModel elastic(TVXfeasibility(model));
     EXPECT_EQ(value_of(elastic), 2 + 1 + 6); // at (6, 0) or beyond
     const double point[] = {6, 0};           // its violations are the new variables
