@@ -4,13 +4,12 @@
 // a solve does not come across: factors of a scaling, what is no number, signs of the body, integer models.
 #include "body/quality.h"
 #include "support/model_test.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
 {
 
-// min x0 + 2 x1    x0 + x1 + x2 >= 4  (row 0)    x0 - x1 <= 2  (row 1)    x0 + x2 = 3  (row 2)
-//                  0 <= x0 <= 2,  0 <= x1,  x2 free
 // Optimum (0, 1, 3), value 2, Pi = (2, 0, -2), RC = (1, 0, 0), slack of row 1 is 3.
 struct QualityOfLp : ModelTest {
     std::vector<double> x{0, 1, 3}, pi{2, 0, -2}, rc{1, 0, 0};
@@ -20,14 +19,9 @@ struct QualityOfLp : ModelTest {
 
     void SetUp() override
     {
-        LpModel lp;
-        lp_add_var(&lp, 1, 0, 2);
-        lp_add_var(&lp, 2, 0, LP_INFINITY);
-        lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '>', 4);
-        lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 2);
-        lp_add_row_entries(&lp, {{0, 1}, {2, 1}}, '=', 3);
-        load(lp);
+        model = model_of_text(env.env, "min x0 + 2 x1 + 0 x2\n"
+                                       "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
+                                       "bounds x0 <= 2 x2 free");
     }
     void measure(PointSigns signs = PointSigns::CALLER)
     {
@@ -99,16 +93,10 @@ struct QualityOfMip : ModelTest {
 
     void SetUp() override
     {
-        // five variables: continuous, integer, binary, semi-continuous 2..5, semi-integer 2..5
-        const double lb[] = {0, 0, 0, 2, 2}, ub[] = {10, 10, 1, 5, 5};
-        ASSERT_EQ(
-            TVXnewmodel(env.env, &model, nullptr, 5, nullptr, lb, ub, "CIBSN", nullptr), 0);
-        const int ind[] = {0, 1, 2, 3, 4}, types[] = {1, 2}, beg[] = {0, 3},
-                  members[] = {0, 1, 2, 0, 1, 2, 3};
-        const double val[] = {1, 1, 1, 1, 1}, weight[] = {1, 2, 3, 1, 2, 3, 4};
-        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 12, nullptr), 0);
-        ASSERT_EQ(TVXaddsos(model, 2, 7, types, beg, members, weight), 0);
-        update();
+        model = model_of_text(env.env, "min st v + i + b + s + n <= 12\n"
+                                       "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
+                                       "general i n binary b semi-continuous s n\n"
+                                       "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
     }
     // What is printed while the point is measured.
     std::string measure(const std::vector<double> &x)
