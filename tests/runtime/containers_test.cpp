@@ -28,24 +28,6 @@ TEST(TextPool, BlocksOfAllSizesKeepTheirContent)
     }
 }
 
-TEST(NameKey, CaseAndInnerUnderscoresDoNotCount)
-{
-    char key[NAME_KEY_LENGTH + 1];
-    const std::map<std::string, std::string> cases = {
-        {"TIME_LIMIT", "timelimit"},
-        {"__A_b__C_", "__abc"},
-        {"", ""},
-        {"___", "___"},
-        {"\xC4_x", "\xC4x"},
-        // the underscore is the last character taken
-        {std::string(511, 'A') + "_BC", std::string(511, 'a')},
-    };
-    for (const auto &[name, expected] : cases) {
-        name_key(name.c_str(), key);
-        EXPECT_EQ(key, expected) << name;
-    }
-}
-
 TEST(NameIndex, AgreesWithAMapAndTheNewestEntryHidesOlderOnes)
 {
     for (const NameGrowth growth : {NameGrowth::FIXED, NameGrowth::ALLOWED}) {
