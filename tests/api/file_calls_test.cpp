@@ -40,11 +40,14 @@ TEST_F(FileCalls, NamesAreCompletedInOrder)
 
 TEST_F(FileCalls, WhatCannotBeReadSaysSo)
 {
-    ASSERT_EQ(TVXwrite(model, "x.mps.gz"), 0);
-    std::string whole = file_get("x.mps.gz");
-    file_put("cut.mps.gz", whole.substr(0, whole.size() - 4));
-    whole[whole.size() - 5] ^= 1; // the check sum
-    file_put("sum.mps.gz", whole);
+    for (const std::string end : {".gz", ".bz2"}) {
+        ASSERT_EQ(TVXwrite(model, ("x.mps" + end).c_str()), 0);
+        std::string whole = file_get("x.mps" + end);
+        file_put("cut.mps" + end, whole.substr(0, whole.size() - 4));
+        whole[whole.size() - 5] ^= 1; // the check sum
+        file_put("sum.mps" + end, whole);
+        file_put("text.mps" + end, "NAME\n");
+    }
     for (const char *name : {"x.txt", "x.sol", "x.mps ", "x.mps.zip", ".gz"})
         file_put(name, "NAME\n");
     const std::string none = "No 'filename' argument supplied",
@@ -70,11 +73,16 @@ TEST_F(FileCalls, WhatCannotBeReadSaysSo)
                  {".gz", 10012, unknown},
                  {"cut.mps.gz", 10012, "File cut.mps.gz" + damaged},
                  {"sum.mps.gz", 10012, "File sum.mps.gz" + damaged},
+                 {"text.mps.gz", 10012, "File text.mps.gz" + damaged},
+                 {"cut.mps.bz2", 10012, "File cut.mps.bz2" + damaged},
+                 {"sum.mps.bz2", 10012, "File sum.mps.bz2" + damaged},
+                 {"text.mps.bz2", 10012, "File text.mps.bz2" + damaged},
                  {nullptr, 10003, none}};
     for (const auto &one : into) {
         EXPECT_EQ(TVXread(model, one.name), one.code);
         EXPECT_EQ(TVXgetmerrormsg(model), one.text);
     }
+    testing::internal::CaptureStderr(); // the commands complain there
     for (const auto &one : alone) {
         TVXmodel *made = model; // must be overwritten
         Output output;
@@ -82,6 +90,7 @@ TEST_F(FileCalls, WhatCannotBeReadSaysSo)
         EXPECT_TRUE(message().starts_with(one.text)) << message();
         EXPECT_EQ(made, nullptr);
     }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(TVXreadmodel(env, "x", nullptr), TVX_ERROR_NULL_ARGUMENT);
     TVXmodel *made = nullptr;
     EXPECT_EQ(TVXreadmodel(nullptr, "x", &made), TVX_ERROR_INVALID_ARGUMENT);
@@ -119,8 +128,10 @@ TEST_F(FileCalls, WhatCannotBeWrittenSaysSoAndLeavesNoHalfFile)
         EXPECT_EQ(unwritten("f.mps", 10013), "File f.mps cannot be written to its end\n");
         EXPECT_TRUE(std::filesystem::is_symlink("f.mps"));
         EXPECT_TRUE(std::filesystem::exists("/dev/full"));
-        std::filesystem::create_symlink("/dev/full", "f.mps.gz");
-        unwritten("f.mps.gz", 10013);
+        for (const char *name : {"f.mps.gz", "f.mps.bz2"}) {
+            std::filesystem::create_symlink("/dev/full", name);
+            unwritten(name, 10013);
+        }
     }
     const std::string path = getenv("PATH");
     std::filesystem::create_directory("bin");

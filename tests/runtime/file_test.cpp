@@ -1,4 +1,6 @@
 // file_test.cpp -- plain and compressed files under every kind of name, and files that go wrong
+//
+// Damaged files and full disks are tried through the interface, in api/file_calls_test.cpp.
 #include "runtime/file.h"
 #include "support/scratch.h"
 #include <csignal>
@@ -84,36 +86,6 @@ TEST(File, WhatCannotBeOpenedIsAnError)
     EXPECT_EQ(FileOpen(nullptr, 'r', &file), 1);
     EXPECT_FALSE(FileCanRead(nullptr));
     EXPECT_EQ(FileClose(&file), 0); // nothing open
-}
-
-TEST(File, DamagedCompressedFilesAreReportedAndSayNothing)
-{
-    const Scratch scratch;
-    testing::internal::CaptureStderr();
-    for (const std::string name : {"x.gz", "x.bz2"}) {
-        ASSERT_EQ(write_text(name, long_text()), 0);
-        const std::string good = file_get(name);
-        std::string damaged = good, back;
-        damaged[good.size() / 2] ^= 0x55;
-        for (const std::string &bytes : {damaged, good.substr(0, good.size() / 2),
-                                         std::string("this was never compressed")}) {
-            file_put(name, bytes);
-            EXPECT_EQ(read_text(name, &back), 1) << name;
-        }
-    }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
-TEST(File, AFullDiskIsAWriteError)
-{
-    if (access("/dev/full", W_OK)) GTEST_SKIP() << "no /dev/full";
-    const Scratch scratch;
-    EXPECT_EQ(write_text("/dev/full", "x"), 1);
-    for (const char *name : {"full.gz", "full.bz2"}) {
-        std::filesystem::create_symlink("/dev/full", name);
-        EXPECT_EQ(write_text(name, "x"), 1);         // the command fails at its end
-        EXPECT_EQ(write_text(name, long_text()), 1); // or while we still write
-    }
 }
 
 TEST(File, AMissingCommandIsAnErrorAndNotASignal)
