@@ -41,6 +41,7 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
         {"'NoSuchThing'", {"NoSuchThing=5", "plan.mps"}},
         {"--start", {"=5", "--start"}},
         {"'--solution=' needs a value", {"--solution=", "plan.mps"}},
+        {"'--time-limit' needs a value", {"--time-limit", "--presolve", "plan.mps"}},
         {"'-x'", {"-x", "plan.mps"}},
         {"", {"", "plan.mps"}},
         {"'soon'", {"TimeLimit=soon", "plan.mps"}},
@@ -75,26 +76,15 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
         {"did you mean 'TimeLimit'", {"TimLimit=5", "plan.mps"}},
         {"did you mean 'Presolve'", {"--parameters", "Pressolve"}},
         {"'plan.mps' was taken for the value of TimeLimit", {"--time-limit", "plan.mps"}},
-        // An option is no value of another.
-        {"needs a value", {"plan.mps", "--time-limit"}},
-        {"'--time-limit' needs a value", {"--time-limit", "--presolve", "plan.mps"}},
-        {"needs a value", {"--method", "--", "plan.mps"}},
-        {"needs a value", {"--json", "--quiet", "plan.mps"}},
-        {"needs a value", {"--json", "--time-limit", "5", "plan.mps"}},
-        {"needs a value", {"--start", "--quiet", "plan.mps"}},
-        {"needs a value", {"--params", "--presolve=off", "plan.mps"}},
-        {"needs a value", {"--solution-file", "--json", "plan.mps"}},
-        {"needs a value", {"--format", "--", "-"}},
-        {"needs a value", {"plan.mps", "--json"}},
-        {"needs a value", {"--json", "", "plan.mps"}},
-        {"needs a value", {"--json=", "plan.mps"}},
-        {"needs a value", {"--start", "", "plan.mps"}},
-        {"needs a value", {"--params", "", "plan.mps"}},
-        {"needs a value", {"--solution-file", "", "plan.mps"}},
-        {"needs a value", {"--log-file", "", "plan.mps"}},
-        {"needs a value", {"--log-file=", "plan.mps"}},
     };
     for (const auto &one : cases) ends(2, one.words, one.said);
+    for (const char *option : {"--json", "--start", "--params", "--solution-file",
+                               "--log-file", "--time-limit", "--method", "--format"}) {
+        ends(2, {"plan.mps", option}, "needs a value");
+        for (const char *next : {"", "--quiet", "--presolve=off", "--"})
+            ends(2, {option, next, "plan.mps"}, "needs a value");
+        ends(2, {std::string(option) + "=", "plan.mps"}, "needs a value");
+    }
     int files = 0;
     for (const auto &entry : std::filesystem::directory_iterator("."))
         files += entry.is_regular_file();
