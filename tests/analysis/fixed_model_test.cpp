@@ -99,16 +99,10 @@ TEST_F(FixedModel, of_a_linear_model_is_the_set_of_its_optimal_solutions)
     }
 }
 
-// max x + y with x + y <= 4, x - y >= -2: the whole edge remains, and nothing else.
+// The whole edge remains, and nothing else.
 TEST_F(FixedModel, keeps_ties_open)
 {
-    LpModel lp;
-    lp.sense = -1;
-    lp_add_var(&lp, 1, 0, 3);
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, -1}, {1, -1}}, '>', -4);
-    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', -2);
-    load(lp);
+    model = model_of_text(env.env, "max x + y st - x - y >= -4 x - y >= -2 bounds x <= 3");
     EXPECT_EQ(objective(), 4);
     const TestModel face(TVXconverttofixed(model));
     ASSERT_TRUE(face);

@@ -3,6 +3,7 @@
 // That its optimum is that of its source is looked at in fuzz/corpus_test.cpp, for all settings.
 #include "support/model_test.h"
 #include "support/structured_gen.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
@@ -45,16 +46,12 @@ TEST_F(PresolvedModel, is_smaller_has_the_same_value_and_the_names_of_what_is_le
 
 TEST_F(PresolvedModel, may_be_empty_or_not_exist)
 {
-    LpModel lp; // max 2 x <= 6
-    lp.sense = -1;
-    lp_add_var(&lp, 2, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}}, '<', 3);
-    load(lp);
+    model = model_of_text(env.env, "max 2 x st c: x <= 3");
     const TestModel nothing(TVXpresolvemodel(model));
     ASSERT_TRUE(nothing);
     EXPECT_EQ(value_of(nothing), 6);
-    lp.rhs[0] = -1;
-    load(lp);
+    ASSERT_EQ(TVXsetdblattrelement(model, "RHS", 0, -1), 0);
+    update();
     EXPECT_EQ(TVXpresolvemodel(model), nullptr);
     EXPECT_NE(std::string(TVXgetmerrormsg(model)).find("no optimal solution"),
               std::string::npos);
