@@ -10,10 +10,13 @@ TEST_F(ModelTest, models_parameters_and_messages_have_a_point_in_any_locale)
     if (!comma.in_force)
         GTEST_SKIP() << "the C library does not take the locale made for this test";
     double value = 0;
-    file_put("in.prm", "TimeLimit 2.5\n");
+    file_put("in.prm", "TimeLimit 2.5\nCutoff 123456789.123456789123456789\n");
     ASSERT_EQ(TVXreadparams(env.env, "in.prm"), 0);
     ASSERT_EQ(TVXgetdblparam(env.env, "TimeLimit", &value), 0);
     EXPECT_EQ(value, 2.5);
+    ASSERT_EQ(TVXgetdblparam(env.env, "Cutoff", &value), 0);
+    EXPECT_EQ(value, 123456789.123456789123456789);
+    ASSERT_EQ(TVXsetdblparam(env.env, "Cutoff", 1e100), 0);
     ASSERT_EQ(TVXwriteparams(env.env, "out.prm"), 0);
     EXPECT_NE(file_get("out.prm").find("TimeLimit  2.5\n"), std::string::npos);
     EXPECT_EQ(TVXsetdblparam(env.env, "Heuristics", 1.5), TVX_ERROR_VALUE_OUT_OF_RANGE);
@@ -30,4 +33,5 @@ TEST_F(ModelTest, models_parameters_and_messages_have_a_point_in_any_locale)
     }
     ASSERT_EQ(TVXwrite(model, "half.sol"), 0);
     EXPECT_NE(file_get("half.sol").find("y 1.125\n"), std::string::npos);
+    EXPECT_STREQ(localeconv()->decimal_point, ","); // the caller's is still in force
 }

@@ -1,9 +1,9 @@
 // text_number_test.cpp -- numbers to text and back, against the C library in the "C" locale
+//
+// Other locales are tried in api/locale_test.cpp.
 #include "runtime/text_number.h"
-#include "support/comma_locale.h"
 #include "support/dice.h"
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -127,21 +127,4 @@ TEST(TextNumber, FormatsCutLongTextsAndSurviveNullOnes)
     const char *volatile nothing = nullptr;
     text_format(buffer, sizeof buffer, "%s", nothing);
     EXPECT_STREQ(buffer, "(null)");
-}
-
-TEST(TextNumber, TheLocaleOfTheProcessDoesNotMatter)
-{
-    const CommaLocale comma;
-    if (!comma.in_force)
-        GTEST_SKIP() << "the C library does not take the locale made for this test";
-    char buffer[NUMBER_LENGTH];
-    text_format(buffer, sizeof buffer, "%g %.1f", 0.5, 1234.5);
-    EXPECT_STREQ(buffer, "0.5 1234.5");
-    number_general(buffer, 0.5, 6);
-    EXPECT_STREQ(buffer, "0.5");
-    double value = 0;
-    EXPECT_EQ(text_to_double("123456789.123456789123456789", nullptr, &value), 0);
-    EXPECT_EQ(value, 123456789.123456789123456789);
-    snprintf(buffer, sizeof buffer, "%g", 0.5);
-    EXPECT_STREQ(buffer, "0,5"); // the caller's locale is still in force
 }
