@@ -2,6 +2,7 @@
 #include "model/model.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
@@ -10,17 +11,13 @@ struct FixedModel : ModelTest {
     // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than Start.
     void load_mixed(int start_count)
     {
-        const double obj[] = {-1, -1, 1, -1, -2}, lb[] = {0, 0, 2, 0, 0},
-                     ub[] = {5, 5, 9, 4, 4}, start[] = {2, 3, 0, 0, 1.5};
-        const int ind[] = {0, 1, 2, 3, 4}, sos[] = {3, 4}, type = 1, beg = 0;
-        const double val[] = {1, 1, -1, 1, 1}, weight[] = {1, 2};
+        const double start[] = {2, 3, 0, 0, 1.5};
         TVXfreemodel(model);
-        model = nullptr;
-        ASSERT_EQ(TVXnewmodel(env.env, &model, "mixed", 5, obj, lb, ub, "IISCC", nullptr),
-                  0);
-        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 8, "cap"), 0);
-        ASSERT_EQ(TVXaddsos(model, 1, 2, &type, &beg, sos, weight), 0);
-        update();
+        model =
+            model_of_text(env.env, "min - C0 - C1 + C2 - C3 - 2 C4\n"
+                                   "st cap: C0 + C1 - C2 + C3 + C4 <= 8\n"
+                                   "bounds C0 <= 5 C1 <= 5 2 <= C2 <= 9 C3 <= 4 C4 <= 4\n"
+                                   "general C0 C1 semi-continuous C2 sos S1:: C3:1 C4:2");
         if (start_count == 0) return;
         ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, start_count, start), 0);
     }
@@ -29,13 +26,23 @@ struct FixedModel : ModelTest {
         EXPECT_EQ(TVXconverttofixed(model), nullptr);
         EXPECT_EQ(TVXgetmerrormsg(model), text);
     }
-    double optimum(TVXmodel *m, const char *sense)
+    double optimum(TVXmodel *m, int sense)
     {
         double value = 0;
-        EXPECT_EQ(TVXsetintattr(m, "ModelSense", sense[0] == '>' ? -1 : 1), 0);
+        EXPECT_EQ(TVXsetintattr(m, "ModelSense", sense), 0);
         EXPECT_EQ(TVXoptimize(m), 0);
         EXPECT_EQ(TVXgetdblattr(m, "ObjVal", &value), 0);
         return value;
+    }
+    // The fixed model has these bounds and this least value.
+    void expect_fixed(TVXmodel *fixed, const std::vector<double> &lb,
+                      const std::vector<double> &ub, double value)
+    {
+        LpModel rest;
+        ASSERT_EQ(lp_read_back(fixed, &rest), 0);
+        EXPECT_EQ(rest.lb, lb);
+        EXPECT_EQ(rest.ub, ub);
+        EXPECT_EQ(optimum(fixed, 1), value);
     }
 };
 } // namespace
@@ -45,11 +52,7 @@ TEST_F(FixedModel, of_discrete_decisions_is_the_linear_rest)
     load_mixed(5);
     const TestModel fixed(TVXconverttofixed(model));
     ASSERT_TRUE(fixed);
-    LpModel rest;
-    ASSERT_EQ(lp_read_back(fixed, &rest), 0);
-    EXPECT_EQ(rest.lb, (std::vector<double>{2, 3, 0, 0, 0}));
-    EXPECT_EQ(rest.ub, (std::vector<double>{2, 3, 0, 0, 4}));
-    EXPECT_EQ(optimum(fixed, "<"), -2 - 3 - 2 * 3);
+    expect_fixed(fixed, {2, 3, 0, 0, 0}, {2, 3, 0, 0, 4}, -2 - 3 - 2 * 3);
     double pi = 0;
     EXPECT_EQ(TVXgetdblattrelement(fixed, "Pi", 0, &pi), 0);
     EXPECT_EQ(pi, -2);
@@ -91,28 +94,22 @@ TEST_F(FixedModel, of_a_linear_model_is_the_set_of_its_optimal_solutions)
         const double best = objective();
         const TestModel face(TVXconverttofixed(model));
         ASSERT_TRUE(face);
-        EXPECT_NEAR(optimum(face, "<"), best, 1e-6 * (1 + std::fabs(best)));
-        EXPECT_NEAR(optimum(face, ">"), best, 1e-6 * (1 + std::fabs(best)));
+        for (const int sense : {1, -1})
+            EXPECT_NEAR(optimum(face, sense), best, 1e-6 * (1 + std::fabs(best)));
     }
 }
 
-// max x + y with x + y <= 4, x - y >= -2: the whole edge remains, and nothing else.
+// The whole edge remains, and nothing else.
 TEST_F(FixedModel, keeps_ties_open)
 {
-    LpModel lp;
-    lp.sense = -1;
-    lp_add_var(&lp, 1, 0, 3);
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, -1}, {1, -1}}, '>', -4);
-    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', -2);
-    load(lp);
+    model = model_of_text(env.env, "max x + y st - x - y >= -4 x - y >= -2 bounds x <= 3");
     EXPECT_EQ(objective(), 4);
     const TestModel face(TVXconverttofixed(model));
     ASSERT_TRUE(face);
     const double x_only[] = {1, 0};
     ASSERT_EQ(TVXsetdblattrarray(face, "Obj", 0, 2, x_only), 0);
-    EXPECT_EQ(optimum(face, ">"), 3);
-    EXPECT_EQ(optimum(face, "<"), 1);
+    EXPECT_EQ(optimum(face, -1), 3);
+    EXPECT_EQ(optimum(face, 1), 1);
 }
 
 // There is no search yet: the solution is put into the model by hand, with the noise of one that was computed.
@@ -129,19 +126,9 @@ TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
     std::copy(x, x + 5, result->x.data);
     const TestModel fixed(TVXfixedmodel(model));
     ASSERT_TRUE(fixed);
-    LpModel rest;
-    ASSERT_EQ(lp_read_back(fixed, &rest), 0);
-    EXPECT_EQ(rest.lb, (std::vector<double>{3, 4, 2, 0, 0}));
-    EXPECT_EQ(rest.ub, (std::vector<double>{3, 4, 9, 4, 0}));
-    EXPECT_EQ(optimum(fixed, "<"), -3 - 4 + 2 - 3);
-}
-
-TEST_F(FixedModel, of_a_linear_model_without_integers_is_a_copy)
-{
-    Dice dice(1);
+    expect_fixed(fixed, {3, 4, 2, 0, 0}, {3, 4, 9, 4, 0}, -3 - 4 + 2 - 3);
+    Dice dice(1); // without integers it is a copy
     load(gen_multi_period(&dice, 8).lp);
-    const TestModel fixed(TVXfixedmodel(model));
-    ASSERT_TRUE(fixed);
-    EXPECT_EQ(optimum(fixed, "<"), objective());
+    EXPECT_EQ(optimum(TestModel(TVXfixedmodel(model)), 1), objective());
     EXPECT_EQ(TVXfixedmodel(nullptr), nullptr);
 }

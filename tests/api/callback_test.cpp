@@ -1,33 +1,18 @@
-// callback_test.cpp -- the caller's callback function: when it is called, what it may ask, how it stops a solve
+// callback_test.cpp -- the caller's callback function: when it is called, and what it may ask
+//
+// That it stops a solve anywhere is looked at in fuzz/corpus_test.cpp and models/limits_test.cpp.
 #include "env/env.h"
 #include "support/model_test.h"
+#include "support/structured_gen.h"
 #include <atomic>
 #include <cmath>
-#include <csignal>
 #include <functional>
+#include <gmock/gmock.h>
 #include <map>
 #include <thread>
 
 namespace
 {
-
-// Supplies of 10 at most, demands of 5, costs that look like chance.
-LpModel transport(int from, int to)
-{
-    LpModel lp;
-    for (int k = 0; k < from * to; k++) lp_add_var(&lp, 1 + k * 37 % 101, 0, LP_INFINITY);
-    for (int i = 0; i < from; i++) {
-        std::vector<std::pair<int, double>> row;
-        for (int j = 0; j < to; j++) row.push_back({i * to + j, 1});
-        lp_add_row_entries(&lp, row, '<', 10);
-    }
-    for (int j = 0; j < to; j++) {
-        std::vector<std::pair<int, double>> row;
-        for (int i = 0; i < from; i++) row.push_back({i * to + j, 1});
-        lp_add_row_entries(&lp, row, '=', 5);
-    }
-    return lp;
-}
 
 struct Callback : ModelTest {
     std::map<int, int> calls; // by where
@@ -49,7 +34,8 @@ struct Callback : ModelTest {
 
     void SetUp() override
     {
-        load(transport(12, 15));
+        Dice dice(1);
+        load(gen_assignment(&dice, 20).lp);
         ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
     }
     int solve(int presolve)
@@ -107,7 +93,9 @@ TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)
 TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)
 {
     ASSERT_EQ(solve(1), 0);
-    EXPECT_NE(log.find("Optimize a model with 27 rows"), std::string::npos);
+    EXPECT_NE(log.find("Optimize a model with " + std::to_string(integer("NumConstrs")) +
+                       " rows"),
+              std::string::npos);
     ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
     log.clear();
     Output output;
@@ -145,7 +133,7 @@ TEST_F(Callback, lets_its_own_thread_at_the_model_and_no_other)
     std::thread other;
     int count = 0;
     act = [&](void *, int) {
-        EXPECT_EQ(integer("NumVars"), 180);
+        EXPECT_GT(integer("NumVars"), 0);
         count++;
         if (count == 1) other = std::thread(query);
         if (count != 20) return 0;
@@ -159,37 +147,10 @@ TEST_F(Callback, lets_its_own_thread_at_the_model_and_no_other)
     EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
 }
 
-TEST_F(Callback, stops_a_solve_by_its_result_or_by_terminate_and_is_then_left_alone)
-{
-    for (const int stop_at :
-         {TVX_WHERE_POLLING, TVX_WHERE_PRESOLVE, TVX_WHERE_SIMPLEX, TVX_WHERE_MESSAGE})
-        for (const int code : {0, 77}) {
-            SCOPED_TRACE(stop_at);
-            int after = 0;
-            bool stopped = false;
-            act = [&](void *, int where) {
-                after += stopped && where != TVX_WHERE_MESSAGE;
-                if (stopped || where != stop_at) return 0;
-                stopped = true;
-                if (code == 0) TVXterminate(model);
-                return code;
-            };
-            EXPECT_EQ(solve(1), code);
-            EXPECT_TRUE(stopped);
-            EXPECT_EQ(after, 0);
-            EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
-            act = [](void *, int) { return 0; };
-            EXPECT_EQ(TVXoptimize(model), 0); // the next one is not stopped
-            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
-        }
-}
-
 TEST_F(Callback, may_ask_for_what_belongs_to_the_moment)
 {
     double iterations = 0, objective = NAN;
     act = [&](void *data, int where) {
-        int vars = 0;
-        EXPECT_EQ(TVXgetintattr(model, "NumVars", &vars), 0);
         EXPECT_GE(number(data, where, TVX_CB_SECONDS), 0);
         double any = 0;
         for (const int what :
@@ -198,18 +159,12 @@ TEST_F(Callback, may_ask_for_what_belongs_to_the_moment)
         EXPECT_EQ(TVXcbget(data, TVX_WHERE_NODE, TVX_CB_NODE_VALUES, &any),
                   TVX_ERROR_DATA_NOT_AVAILABLE);
         EXPECT_EQ(TVXcbget(data, where, TVX_CB_SECONDS, nullptr), TVX_ERROR_NULL_ARGUMENT);
-        if (where == TVX_WHERE_PRESOLVE) {
-            int count = -1;
-            for (int what = TVX_CB_PRESOLVE_COLUMNS; what <= TVX_CB_PRESOLVE_COEFFICIENTS;
-                 what++) {
-                EXPECT_EQ(TVXcbget(data, where, what, &count), 0);
-                EXPECT_GE(count, 0);
-            }
-        } else {
-            int count = 0;
-            EXPECT_EQ(TVXcbget(data, TVX_WHERE_PRESOLVE, TVX_CB_PRESOLVE_ROWS, &count),
-                      TVX_ERROR_CALLBACK);
-        }
+        int count = 0;
+        for (int what = TVX_CB_PRESOLVE_COLUMNS; what <= TVX_CB_PRESOLVE_COEFFICIENTS;
+             what++)
+            EXPECT_EQ(TVXcbget(data, TVX_WHERE_PRESOLVE, what, &count),
+                      where == TVX_WHERE_PRESOLVE ? 0 : TVX_ERROR_CALLBACK);
+        EXPECT_GE(count, 0);
         if (where == TVX_WHERE_SIMPLEX) {
             const double now = number(data, where, TVX_CB_SIMPLEX_ITERATIONS);
             EXPECT_GE(now, iterations);
@@ -237,23 +192,22 @@ TEST_F(Callback, may_ask_for_what_belongs_to_the_moment)
 TEST_F(Callback, queries_that_would_work_on_the_running_simplex_are_refused)
 {
     int refused = 0;
-    const auto expect_refused = [&refused](int code) {
-        EXPECT_TRUE(code == TVX_ERROR_OPTIMIZATION_IN_PROGRESS ||
-                    code == TVX_ERROR_DATA_NOT_AVAILABLE)
-            << code;
-        refused += code == TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
-    };
     act = [&](void *, int) {
         double value = 0;
         int norms = 0;
         const int first = 0;
+        std::vector<int> codes = {
+            TVXgetdblattr(model, "Kappa", &value), TVXgetdblattr(model, "N2Kappa", &value),
+            TVXgetintattr(model, "HasDualNorm", &norms),
+            TVXstrongbranch(model, 1, &first, 1, &value, &value, nullptr)};
         for (const char *name : {"SAObjLow", "SALBUp", "SAUBLow", "SARHSLow", "SARHSUp",
                                  "VDualNorm", "CDualNorm"})
-            expect_refused(TVXgetdblattrelement(model, name, 0, &value));
-        for (const char *name : {"Kappa", "N2Kappa"})
-            expect_refused(TVXgetdblattr(model, name, &value));
-        expect_refused(TVXgetintattr(model, "HasDualNorm", &norms));
-        expect_refused(TVXstrongbranch(model, 1, &first, 1, &value, &value, nullptr));
+            codes.push_back(TVXgetdblattrelement(model, name, 0, &value));
+        for (const int code : codes) {
+            EXPECT_THAT(code, testing::AnyOf(TVX_ERROR_OPTIMIZATION_IN_PROGRESS,
+                                             TVX_ERROR_DATA_NOT_AVAILABLE));
+            refused += code == TVX_ERROR_OPTIMIZATION_IN_PROGRESS;
+        }
         return 0;
     };
     for (const int presolve : {0, 1}) {
@@ -280,51 +234,16 @@ TEST_F(Callback, misuse_is_told)
         EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_SECONDS, &type, &size), TVX_ERROR_CALLBACK);
     }
     act = [&](void *data, int) {
-        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_SOLUTION_VALUES, &type, &size), 0);
-        EXPECT_EQ(10 * type + size, 21);
-        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_MESSAGE_TEXT, &type, &size), 0);
-        EXPECT_EQ(10 * type + size, 30);
-        EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_MIP_CUTS, &type, &size), 0);
-        EXPECT_EQ(10 * type + size, 10);
+        for (const auto &[what, expected] : {std::pair{int{TVX_CB_SOLUTION_VALUES}, 21},
+                                             {TVX_CB_MESSAGE_TEXT, 30},
+                                             {TVX_CB_MIP_CUTS, 10}}) {
+            EXPECT_EQ(TVXgetcbwhatinfo(data, what, &type, &size), 0);
+            EXPECT_EQ(10 * type + size, expected);
+        }
         EXPECT_EQ(TVXgetcbwhatinfo(data, 4000, &type, &size), TVX_ERROR_CALLBACK);
         EXPECT_EQ(TVXgetcbwhatinfo(data, 4001, nullptr, &size), TVX_ERROR_NULL_ARGUMENT);
         EXPECT_EQ(TVXoptimize(model), TVX_ERROR_OPTIMIZATION_IN_PROGRESS);
         return 0;
     };
     ASSERT_EQ(solve(0), 0);
-}
-
-// The first interrupt ends the solve; the program's own handler is back afterwards, and the default within.
-TEST_F(Callback, an_interrupt_from_the_console_ends_the_solve)
-{
-    const auto own_handler = [](int) {};
-    struct sigaction before = {}, now = {};
-    now.sa_handler = own_handler;
-    sigaction(SIGINT, &now, &before);
-    bool raised = false;
-    act = [&](void *, int where) {
-        if (where != TVX_WHERE_SIMPLEX || raised) return 0;
-        raised = true;
-        raise(SIGINT);
-        struct sigaction inside = {};
-        sigaction(SIGINT, nullptr, &inside);
-        EXPECT_EQ(inside.sa_handler, SIG_DFL);
-        return 0;
-    };
-    ASSERT_EQ(TVXsetsignal(model), 0);
-    ASSERT_EQ(solve(0), 0);
-    EXPECT_TRUE(raised);
-    EXPECT_EQ(integer("Status"), TVX_INTERRUPTED);
-    sigaction(SIGINT, nullptr, &now);
-    EXPECT_EQ(now.sa_handler, static_cast<void (*)(int)>(own_handler));
-
-    now.sa_handler = SIG_IGN; // ignored interrupts stay ignored
-    sigaction(SIGINT, &now, nullptr);
-    raised = false;
-    ASSERT_EQ(TVXsetsignal(model), 0);
-    act = [](void *, int where) { return where == TVX_WHERE_SIMPLEX ? raise(SIGINT) : 0; };
-    ASSERT_EQ(solve(0), 0);
-    EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
-    sigaction(SIGINT, &before, nullptr);
-    EXPECT_EQ(TVXsetsignal(nullptr), TVX_ERROR_NULL_ARGUMENT);
 }

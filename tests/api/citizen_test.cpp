@@ -3,49 +3,23 @@
 // What the command does is looked at in tests/cli/quiet_test.cpp, exported names in tests/install.
 #include "support/lp_tarvex.h"
 #include "support/scratch.h"
-#include <array>
-#include <cmath>
+#include "support/structured_gen.h"
 #include <csignal>
 #include <gtest/gtest.h>
 
 namespace
 {
 
-// A model that takes both methods some iterations.
-LpModel plan()
+// What every signal leads to.
+std::string handlers()
 {
-    LpModel lp;
-    lp.sense = -1;
-    for (int j = 0; j < 30; j++) lp_add_var(&lp, 1 + j % 7, 0, j % 3 ? 10 : LP_INFINITY);
-    for (int i = 0; i < 20; i++)
-        lp_add_row_entries(&lp, {{i, 1 + i % 4}, {i + 5, 2}, {i + 10, 1}}, '<', 20 + i);
-    for (int j = 0; j < 30; j++) lp_add_row_entries(&lp, {{j, 1}}, '<', 50);
-    return lp;
-}
-
-long threads()
-{
-    const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
-    return std::distance(begin(tasks), end(tasks));
-}
-
-using Handlers = std::array<struct sigaction, NSIG>;
-
-Handlers handlers()
-{
-    Handlers all{};
-    for (int number = 1; number < NSIG; number++) sigaction(number, nullptr, &all[number]);
+    std::string all;
+    for (int number = 1; number < NSIG; number++) {
+        struct sigaction now = {};
+        sigaction(number, nullptr, &now);
+        all += testing::PrintToString(now.sa_handler) + std::to_string(now.sa_flags) + " ";
+    }
     return all;
-}
-
-int changed_handlers(const Handlers &before)
-{
-    const Handlers now = handlers();
-    int changed = 0;
-    for (size_t k = 1; k < NSIG; k++)
-        changed += before[k].sa_handler != now[k].sa_handler ||
-                   before[k].sa_flags != now[k].sa_flags;
-    return changed;
 }
 
 long entries(const std::filesystem::path &folder)
@@ -56,7 +30,7 @@ long entries(const std::filesystem::path &folder)
 
 // What is seen from inside a solve, at each line of its log.
 struct Inside {
-    Handlers before = handlers();
+    const std::string before = handlers();
     int lines = 0;
     long most_threads = 0;
     long most_entries = 0;
@@ -67,35 +41,10 @@ int look(TVXmodel *, void *, int where, void *usrdata)
 {
     Inside *inside = static_cast<Inside *>(usrdata);
     inside->lines += where == TVX_WHERE_MESSAGE;
-    inside->most_threads = std::max(inside->most_threads, threads());
+    inside->most_threads = std::max(inside->most_threads, entries("/proc/self/task"));
     inside->most_entries = std::max(inside->most_entries, entries("."));
-    inside->changed += changed_handlers(inside->before);
+    inside->changed += handlers() != inside->before;
     return 0;
-}
-
-void watch(TVXmodel *model, Inside *inside)
-{
-    ASSERT_EQ(TVXsetcallbackfunc(model, look, inside), 0);
-}
-
-// Calls of every kind that fail; how many did.
-int fail_in_many_ways(TVXenv *env, TVXmodel *model)
-{
-    int i = 0;
-    double d = 0;
-    TVXmodel *none = nullptr;
-    const double nan = NAN;
-    int failures = 0;
-    for (const int code :
-         {TVXsetintparam(env, "NoSuch", 1), TVXsetstrparam(env, "LogFile", "no/such/log"),
-          TVXreadparams(env, "absent.prm"), TVXreadmodel(env, "absent.mps", &none),
-          TVXreadmodel(env, "broken.mps", &none), TVXreadmodel(env, "broken.mps.gz", &none),
-          TVXread(model, "absent.bas"), TVXwrite(model, "no/such/folder/x.mps"),
-          TVXgetintattr(model, "NoSuch", &i), TVXgetdblattr(model, "ObjBound", &d),
-          TVXsetdblattrarray(model, "LB", 0, 1, &nan),
-          TVXgetdblattr(nullptr, "ObjVal", &d)})
-        failures += code != 0;
-    return failures;
 }
 
 } // namespace
@@ -107,20 +56,30 @@ TEST(Citizen, without_output_flag_no_byte_is_printed_whatever_happens)
     file_put("broken.mps.gz", "not compressed at all");
     file_put("quiet.prm", "Cuts 1\nNoSuch 1\nPresolve 99\n");
     file_put("tarvex.env", "OutputFlag 0\nCuts 1\nNoSuch 2\n");
-    const LpModel lp = plan();
+    Dice dice(1);
+    const LpModel lp = gen_multi_period(&dice, 12).lp;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     TVXenv *env = nullptr;
+    TVXmodel *none = nullptr;
+    double d = 0;
     ASSERT_EQ(TVXloadenv(&env, nullptr), 0);
     EXPECT_EQ(TVXreadparams(env, "quiet.prm"), 0);
     TVXmodel *model = lp_load(env, &lp);
     for (const int method : {0, 1, 2}) {
         EXPECT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", method), 0);
         EXPECT_EQ(TVXoptimize(model), 0);
-        EXPECT_EQ(fail_in_many_ways(env, model), 12);
+        for (const int code :
+             {TVXsetintparam(env, "NoSuch", 1), TVXreadparams(env, "absent.prm"),
+              TVXsetstrparam(env, "LogFile", "no/such/log"),
+              TVXreadmodel(env, "absent.mps", &none),
+              TVXreadmodel(env, "broken.mps", &none),
+              TVXreadmodel(env, "broken.mps.gz", &none), TVXread(model, "absent.bas"),
+              TVXwrite(model, "no/such/folder/x.mps"), TVXgetdblattr(model, "NoSuch", &d)})
+            EXPECT_NE(code, 0);
         EXPECT_EQ(TVXsetdblattrelement(model, "LB", 0, method - 1), 0);
     }
-    EXPECT_EQ(TVXsetdblattrelement(model, "LB", 0, 1e6), 0); // infeasible
+    EXPECT_EQ(TVXsetdblattrelement(model, "UB", 0, -9), 0); // infeasible
     EXPECT_EQ(TVXsetstrparam(TVXgetenv(model), "ResultFile", "no/such/x.sol"), 0);
     EXPECT_EQ(TVXoptimize(model), 0);
     TVXmsg(env, "a line\n");
@@ -135,13 +94,14 @@ TEST(Citizen, a_solve_starts_no_thread_makes_no_file_and_takes_no_signal)
 {
     const Scratch scratch;
     setenv("TMPDIR", scratch.path.c_str(), 1);
-    const LpModel lp = plan();
+    Dice dice(1);
+    const LpModel lp = gen_multi_period(&dice, 12).lp;
     const TestEnv env;
     for (const int method : {0, 1}) {
         Inside inside;
-        const long before = threads();
+        const long before = entries("/proc/self/task");
         const TestModel model(lp_load(env.env, &lp));
-        watch(model, &inside);
+        ASSERT_EQ(TVXsetcallbackfunc(model, look, &inside), 0);
         TVXenv *own = TVXgetenv(model);
         ASSERT_EQ(TVXsetintparam(own, "Threads", 1), 0);
         ASSERT_EQ(TVXsetintparam(own, "LPMethod", method), 0);
@@ -149,7 +109,8 @@ TEST(Citizen, a_solve_starts_no_thread_makes_no_file_and_takes_no_signal)
         EXPECT_GE(inside.lines, 4);
         EXPECT_LE(inside.most_threads, before);
         EXPECT_EQ(inside.most_entries, 0);
-        EXPECT_EQ(inside.changed + changed_handlers(inside.before), 0);
+        EXPECT_EQ(inside.changed, 0);
+        EXPECT_EQ(handlers(), inside.before);
         EXPECT_EQ(entries("."), 0);
     }
     unsetenv("TMPDIR");

@@ -1,34 +1,26 @@
-// dispatch_test.cpp -- file names: types, completion, compression, odd characters, files that cannot be written
-#include "api/file_calls.h"
+// file_calls_test.cpp -- the calls that read and write files: types, completion, compression, what cannot be used
 #include "files/files_support.h"
 #include <cstdlib>
 
-class Dispatch : public Files
+class FileCalls : public Files
 {
   protected:
-    void make()
+    void SetUp() override
     {
+        Files::SetUp();
         ASSERT_EQ(read(mps_with("RHS\n    RHS       R1                   4\nENDATA\n")), 0);
     }
-    std::string model_message() { return TVXgetmerrormsg(model); }
+    // What TVXwrite says when it fails with this code.
+    std::string unwritten(const char *name, int code)
+    {
+        Output output;
+        EXPECT_EQ(TVXwrite(model, name), code);
+        return TVXgetmerrormsg(model);
+    }
 };
 
-TEST_F(Dispatch, TheEndOfANameGivesItsType)
+TEST_F(FileCalls, NamesAreCompletedInOrder)
 {
-    const std::pair<const char *, int> names[] = {
-        {"a.mps", FILE_MPS},    {"model.mps.bz2", FILE_MPS}, {"A.MPS", FILE_MPS},
-        {".rew.gz", FILE_REW},  {"x.lp", FILE_LP},           {"x.rlp", FILE_RLP},
-        {"x.ilp.gz", FILE_ILP}, {"x.mps.mst", FILE_MST},     {"x.sol", FILE_SOL},
-        {"x.bas", FILE_BAS},    {"x.prm", FILE_PRM}};
-    for (const auto &[name, type] : names) EXPECT_EQ(file_type(name), type) << name;
-    for (const char *name :
-         {"", "mps", "x", "x.mps ", "x.mps.zip", "x.mpsx", ".gz", "x.gz"})
-        EXPECT_EQ(file_type(name), FILE_UNKNOWN) << name;
-}
-
-TEST_F(Dispatch, NamesAreCompletedInOrder)
-{
-    make();
     ASSERT_EQ(TVXwrite(model, "a.mps.bz2"), 0);
     EXPECT_EQ(read_file("a"), 0);
     EXPECT_NE(log.find("Read MPS format model from file a.mps.bz2\nReading time = "),
@@ -41,146 +33,119 @@ TEST_F(Dispatch, NamesAreCompletedInOrder)
     EXPECT_EQ(read_file("a"), TVX_ERROR_FILE_READ);
     std::filesystem::remove("a.mps.gz");
     EXPECT_EQ(read_file("a"), 0) << "a directory is no file";
+    ASSERT_EQ(TVXwrite(model, "x.LP.gz"), 0);
+    ASSERT_EQ(read_file("x.LP"), 0) << message();
+    EXPECT_EQ(log.find("Read LP format model from file x.LP.gz\nReading time = "), 0u);
 }
 
-TEST_F(Dispatch, WhatCannotBeReadSaysSo)
+TEST_F(FileCalls, WhatCannotBeReadSaysSo)
 {
-    make();
-    for (const char *name : {"x.txt", "x.sol"}) file_put(name, "");
+    for (const std::string end : {".gz", ".bz2"}) {
+        ASSERT_EQ(TVXwrite(model, ("x.mps" + end).c_str()), 0);
+        std::string whole = file_get("x.mps" + end);
+        file_put("cut.mps" + end, whole.substr(0, whole.size() - 4));
+        whole[whole.size() - 5] ^= 1; // the check sum
+        file_put("sum.mps" + end, whole);
+        file_put("text.mps" + end, "NAME\n");
+    }
+    for (const char *name : {"x.txt", "x.sol", "x.mps ", "x.mps.zip", ".gz"})
+        file_put(name, "NAME\n");
     const std::string none = "No 'filename' argument supplied",
-                      unknown = "Unknown file type for file 'x.txt'",
-                      closed = "Unable to open file 'none.bas' for input";
+                      open = "Unable to open file '", input = "' for input",
+                      import = "Can't import file '",
+                      damaged = " cannot be read to its end: it is cut short or damaged\n",
+                      unknown = "Unknown file type for file '", long_name(5000, 'x');
     const struct {
         const char *name;
         int code;
         std::string text;
-    } cases[] = {{"t.mps", 10012, "Can't import file 't.mps' into a model"},
-                 {"x.sol", 10012, "Can't import file 'x.sol' into a model"},
-                 {"x.txt", 10012, unknown},
-                 {"none.bas", 10003, closed},
+    } into[] = {{"t.mps", 10012, import + "t.mps' into a model"},
+                {"x.sol", 10012, import + "x.sol' into a model"},
+                {"x.txt", 10012, unknown + "x.txt'"},
+                {"none.bas", 10003, open + "none.bas" + input},
+                {nullptr, 10003, none}},
+      alone[] = {{"none.mps", 10003, open + "none.mps" + input},
+                 {long_name.c_str(), 10003, open + "xxxx"},
+                 {"x.txt", 10012, unknown + "x.txt'"},
+                 {"x.sol", 10012, ""},
+                 {"x.mps ", 10012, unknown},
+                 {"x.mps.zip", 10012, unknown},
+                 {".gz", 10012, unknown},
+                 {"cut.mps.gz", 10012, "File cut.mps.gz" + damaged},
+                 {"sum.mps.gz", 10012, "File sum.mps.gz" + damaged},
+                 {"text.mps.gz", 10012, "File text.mps.gz" + damaged},
+                 {"cut.mps.bz2", 10012, "File cut.mps.bz2" + damaged},
+                 {"sum.mps.bz2", 10012, "File sum.mps.bz2" + damaged},
+                 {"text.mps.bz2", 10012, "File text.mps.bz2" + damaged},
                  {nullptr, 10003, none}};
-    for (const auto &one : cases) {
+    for (const auto &one : into) {
         EXPECT_EQ(TVXread(model, one.name), one.code);
-        EXPECT_EQ(model_message(), one.text);
+        EXPECT_EQ(TVXgetmerrormsg(model), one.text);
     }
-    EXPECT_EQ(read_file("none.mps"), TVX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(message(), "Unable to open file 'none.mps' for input");
-    EXPECT_EQ(read_file("x.txt"), TVX_ERROR_FILE_READ);
-    EXPECT_EQ(message(), unknown);
-    EXPECT_EQ(read_file("x.sol"), TVX_ERROR_FILE_READ);
-    EXPECT_EQ(TVXreadmodel(env, nullptr, &model), TVX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(message(), none);
+    testing::internal::CaptureStderr(); // the commands complain there
+    for (const auto &one : alone) {
+        TVXmodel *made = model; // must be overwritten
+        Output output;
+        EXPECT_EQ(TVXreadmodel(env, one.name, &made), one.code) << one.text;
+        EXPECT_TRUE(message().starts_with(one.text)) << message();
+        EXPECT_EQ(made, nullptr);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(TVXreadmodel(env, "x", nullptr), TVX_ERROR_NULL_ARGUMENT);
-    EXPECT_EQ(TVXreadmodel(nullptr, "x", &model), TVX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(model, nullptr);
+    TVXmodel *made = nullptr;
+    EXPECT_EQ(TVXreadmodel(nullptr, "x", &made), TVX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(TVXread(nullptr, "x"), TVX_ERROR_NULL_ARGUMENT);
     EXPECT_EQ(TVXwrite(nullptr, "x"), TVX_ERROR_NULL_ARGUMENT);
 }
 
-TEST_F(Dispatch, ParametersGoToTheModelsOwnEnvironment)
+TEST_F(FileCalls, ParametersAreThoseOfTheModelsOwnEnvironment)
 {
-    make();
+    int own = -2, master = -2;
     ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Cuts", 2), 0);
-    ASSERT_EQ(TVXwrite(model, "p.prm"), 0) << model_message();
+    ASSERT_EQ(TVXwrite(model, "p.prm"), 0);
     ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Cuts", 0), 0);
     Output output;
     ASSERT_EQ(TVXread(model, "p.prm"), 0);
-    int cuts = -2;
-    EXPECT_EQ(TVXgetintparam(TVXgetenv(model), "Cuts", &cuts), 0);
-    EXPECT_EQ(cuts, 2);
-    EXPECT_EQ(TVXgetintparam(env, "Cuts", &cuts), 0);
-    EXPECT_EQ(cuts, -1);
+    EXPECT_EQ(TVXgetintparam(TVXgetenv(model), "Cuts", &own), 0);
+    EXPECT_EQ(TVXgetintparam(env, "Cuts", &master), 0);
+    EXPECT_TRUE(own == 2 && master == -1);
 }
 
-// ---- Writing ----
-
-TEST_F(Dispatch, WhatCannotBeWrittenSaysSo)
+TEST_F(FileCalls, WhatCannotBeWrittenSaysSoAndLeavesNoHalfFile)
 {
-    make();
-    EXPECT_EQ(TVXwrite(model, "x.txt"), TVX_ERROR_FILE_WRITE);
-    EXPECT_EQ(model_message(), "Unknown file type for file 'x.txt'");
-    EXPECT_EQ(TVXwrite(model, nullptr), TVX_ERROR_FILE_WRITE);
-    EXPECT_EQ(model_message(), "No 'filename' argument supplied");
-    EXPECT_EQ(TVXwrite(model, "no/such/directory/x.mps"), TVX_ERROR_FILE_WRITE);
-    EXPECT_EQ(model_message(), "Unable to open file 'no/such/directory/x.mps' for output");
-}
-
-TEST_F(Dispatch, AFullDiskIsAFailureAndLeavesTheDeviceAlone)
-{
-    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full here";
-    make();
-    std::filesystem::create_symlink("/dev/full", "x.mps");
-    EXPECT_EQ(TVXwrite(model, "x.mps"), TVX_ERROR_FILE_WRITE);
-    EXPECT_EQ(model_message(), "File x.mps cannot be written to its end\n");
-    EXPECT_TRUE(std::filesystem::is_symlink("x.mps"));
-    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
-    std::filesystem::create_symlink("/dev/full", "x.mps.gz");
-    EXPECT_EQ(TVXwrite(model, "x.mps.gz"), TVX_ERROR_FILE_WRITE);
-}
-
-TEST_F(Dispatch, AFileThatFailsHalfWayIsRemoved)
-{
-    make();
-    const char *path = getenv("PATH");
-    const std::string saved = path ? path : "";
+    EXPECT_EQ(unwritten("x.txt", 10013), "Unknown file type for file 'x.txt'");
+    EXPECT_EQ(unwritten(nullptr, 10013), "No 'filename' argument supplied");
+    EXPECT_EQ(unwritten("no/such/x.mps", 10013),
+              "Unable to open file 'no/such/x.mps' for output");
+    unwritten(std::string(5000, 'x').append(".mps").c_str(), 10013);
+    EXPECT_EQ(unwritten("z.ilp", TVX_ERROR_DATA_NOT_AVAILABLE),
+              "No IIS available for current model");
+    Output output;
+    EXPECT_EQ(TVXwrite(model, "no/such/x.lp"), TVX_ERROR_FILE_WRITE);
+    EXPECT_EQ(output.text(), "Unable to write to file 'no/such/x.lp'\n");
+    if (std::filesystem::exists("/dev/full")) {
+        std::filesystem::create_symlink("/dev/full", "f.mps");
+        EXPECT_EQ(unwritten("f.mps", 10013), "File f.mps cannot be written to its end\n");
+        EXPECT_TRUE(std::filesystem::is_symlink("f.mps"));
+        EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+        for (const char *name : {"f.mps.gz", "f.mps.bz2"}) {
+            std::filesystem::create_symlink("/dev/full", name);
+            unwritten(name, 10013);
+        }
+    }
+    const std::string path = getenv("PATH");
     std::filesystem::create_directory("bin");
     file_put("bin/gzip", "#!/bin/sh\nhead -c 5\nexit 1\n");
     std::filesystem::permissions("bin/gzip", std::filesystem::perms::owner_all);
-    setenv("PATH", (scratch.path / "bin").string().append(":").append(saved).c_str(), 1);
-    EXPECT_EQ(TVXwrite(model, "x.mps.gz"), TVX_ERROR_FILE_WRITE);
+    setenv("PATH", (scratch.path.string() + "/bin:" + path).c_str(), 1);
+    unwritten("x.mps.gz", 10013);
     EXPECT_FALSE(std::filesystem::exists("x.mps.gz"));
     setenv("PATH", scratch.path.c_str(), 1); // no gzip at all
     file_put("y.mps.GZ", "old");
-    for (const std::string name : {"x.mps.gz", "y.mps.GZ"}) {
-        EXPECT_EQ(TVXwrite(model, name.c_str()), TVX_ERROR_FILE_WRITE);
-        EXPECT_EQ(model_message(),
+    for (const std::string name : {"x.mps.gz", "y.mps.GZ"})
+        EXPECT_EQ(unwritten(name.c_str(), 10013),
                   "File " + name + " needs the command gzip, which cannot be started\n");
-    }
     EXPECT_EQ(file_get("y.mps.GZ"), "old");
     EXPECT_FALSE(std::filesystem::exists("x.mps.gz"));
-    setenv("PATH", saved.c_str(), 1);
-}
-
-TEST_F(Dispatch, CompressedFilesThatAreDamagedAreErrors)
-{
-    make();
-    ASSERT_EQ(TVXwrite(model, "x.mps.gz"), 0);
-    const std::string whole = file_get("x.mps.gz");
-    ASSERT_EQ(read_file("x.mps.gz"), 0);
-    std::string broken = whole;
-    broken[broken.size() - 5] ^= 1; // the check sum
-    for (const std::string &text : {whole.substr(0, whole.size() - 4), whole.substr(0, 20),
-                                    broken, std::string("NAME\n")}) {
-        file_put("y.mps.gz", text);
-        EXPECT_EQ(read_file("y.mps.gz"), TVX_ERROR_FILE_READ);
-        EXPECT_EQ(message(),
-                  "File y.mps.gz cannot be read to its end: it is cut short or damaged\n");
-        EXPECT_EQ(model, nullptr);
-    }
-}
-
-TEST_F(Dispatch, LongFileNamesAreRefusedNotCut)
-{
-    const std::string name(5000, 'x');
-    EXPECT_EQ(read_file(name + ".mps"), TVX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(message().substr(0, 25), "Unable to open file 'xxxx");
-    make();
-    EXPECT_EQ(TVXwrite(model, (name + ".mps").c_str()), TVX_ERROR_FILE_WRITE);
-}
-
-TEST_F(Dispatch, LpFilesGoThroughTheSameDoors)
-{
-    make();
-    ASSERT_EQ(TVXwrite(model, "x.lp.gz"), 0);
-    EXPECT_EQ(read_file("x"), 0) << message();
-    EXPECT_EQ(log.find("Read LP format model from file x.lp.gz\nReading time = "), 0u);
-    ASSERT_EQ(TVXwrite(model, "y.RLP.bz2"), 0);
-    EXPECT_EQ(read_file("y.RLP.bz2"), 0) << message();
-    EXPECT_EQ(column("C0000001"), 1);
-    EXPECT_EQ(read("min x\nend", "z.ilp"), 0) << message();
-    EXPECT_EQ(TVXwrite(model, "z.ilp"), TVX_ERROR_DATA_NOT_AVAILABLE);
-    EXPECT_EQ(model_message(), "No IIS available for current model");
-    Output output;
-    EXPECT_EQ(TVXwrite(model, "no/such/directory/x.lp"), TVX_ERROR_FILE_WRITE);
-    EXPECT_EQ(output.text(), "Unable to write to file 'no/such/directory/x.lp'\n");
+    setenv("PATH", path.c_str(), 1);
 }

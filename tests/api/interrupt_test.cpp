@@ -1,5 +1,6 @@
 // interrupt_test.cpp -- signals end a solve and nothing else; each case is a process of its own
 #include "support/model_test.h"
+#include "support/text_model.h"
 #include <csignal>
 #include <functional>
 #include <unistd.h>
@@ -21,19 +22,9 @@ struct Interrupt : ModelTest {
     }
     void SetUp() override
     {
-        load(diamond());
+        model = model_of_text(env.env, "max x + y st x + 2 y <= 4\n3 x + y <= 6");
         ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
         ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
-    }
-    // max x + y, x + 2y <= 4, 3x + y <= 6
-    static LpModel diamond()
-    {
-        LpModel lp;
-        lp.sense = -1;
-        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 4);
-        lp_add_row_entries(&lp, {{0, 3}, {1, 1}}, '<', 6);
-        return lp;
     }
     // The status of a solve that is sent the signal so often while it runs.
     int solve(int number, int count)
@@ -63,7 +54,7 @@ void own_handler(int /*signal*/)
 }
 } // namespace
 
-TEST_F(Interrupt, the_first_signal_ends_the_solve_and_what_signals_meant_comes_back)
+TEST_F(Interrupt, a_signal_ends_the_solve_and_what_signals_meant_comes_back)
 {
     for (const int number : {SIGINT, SIGTERM})
         expect_in_child([&] {
@@ -71,45 +62,30 @@ TEST_F(Interrupt, the_first_signal_ends_the_solve_and_what_signals_meant_comes_b
                    is_default(SIGINT) && is_default(SIGTERM) &&
                    solve(number, 0) == TVX_OPTIMAL;
         });
-}
-
-TEST_F(Interrupt, the_second_signal_ends_the_program_whichever_came_first)
-{
-    for (const int first : {SIGINT, SIGTERM})
-        for (const int second : {SIGINT, SIGTERM})
-            EXPECT_EXIT(
-                {
-                    TVXsetsignal(model);
-                    raise(first);
-                    raise(second);
-                },
-                testing::KilledBySignal(second), "");
-}
-
-TEST_F(Interrupt, a_signal_between_the_call_and_the_solve_is_not_lost)
-{
-    expect_in_child([&] {
+    expect_in_child([&] { // between the call and the solve
         return TVXsetsignal(model) == 0 && raise(SIGINT) == 0 &&
                solve(SIGINT, 0) == TVX_INTERRUPTED && solve(SIGINT, 0) == TVX_OPTIMAL &&
                TVXsetsignal(model) == 0 && solve(SIGINT, 0) == TVX_OPTIMAL;
     });
-}
-
-TEST_F(Interrupt, a_model_that_is_freed_is_not_watched_any_more)
-{
-    EXPECT_EXIT(
-        {
-            TVXsetsignal(model);
-            TVXfreemodel(model);
-            raise(SIGINT);
-        },
-        testing::KilledBySignal(SIGINT), "");
     expect_in_child([&] { // of two models the last one; the first goes meanwhile
         TVXmodel *other = TVXcopymodel(model);
         const bool set = TVXsetsignal(other) == 0 && TVXsetsignal(model) == 0;
         TVXfreemodel(other);
         return set && solve(SIGINT, 1) == TVX_INTERRUPTED && is_default(SIGINT);
     });
+}
+
+TEST_F(Interrupt, the_second_signal_and_one_without_a_model_end_the_program)
+{
+    for (const int first : {SIGINT, SIGTERM, 0})
+        for (const int second : {SIGINT, SIGTERM})
+            EXPECT_EXIT(
+                {
+                    TVXsetsignal(model);
+                    first ? raise(first) : TVXfreemodel(model);
+                    raise(second);
+                },
+                testing::KilledBySignal(second), "");
 }
 
 TEST_F(Interrupt, handlers_of_the_program_are_left_alone_or_brought_back)

@@ -2,24 +2,18 @@
 //
 // That what is set is what is read is looked at by model_store_random_test.cpp.
 #include "support/model_test.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
 {
 
-// max 3 x0 - x1 + 7   x0 + 2 x1 <= 8,  x0 - x1 >= -2,  x0 + x1 = 4;  x0 >= 0, x1 free
 struct AttributeContent : ModelTest {
     void SetUp() override
     {
-        LpModel lp;
-        lp.sense = -1;
-        lp.objcon = 7;
-        lp_add_var(&lp, 3, 0, LP_INFINITY);
-        lp_add_var(&lp, -1, -LP_INFINITY, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 8);
-        lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '>', -2);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '=', 4);
-        load(lp);
+        model = model_of_text(env.env,
+                              "max 3 x - y + 7 st x + 2 y <= 8  R1: x - y >= -2  R2: x "
+                              "+ y = 4 bounds y free");
     }
 };
 

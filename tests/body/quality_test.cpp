@@ -4,13 +4,12 @@
 // a solve does not come across: factors of a scaling, what is no number, signs of the body, integer models.
 #include "body/quality.h"
 #include "support/model_test.h"
+#include "support/text_model.h"
 #include <cmath>
 
 namespace
 {
 
-// min x0 + 2 x1    x0 + x1 + x2 >= 4  (row 0)    x0 - x1 <= 2  (row 1)    x0 + x2 = 3  (row 2)
-//                  0 <= x0 <= 2,  0 <= x1,  x2 free
 // Optimum (0, 1, 3), value 2, Pi = (2, 0, -2), RC = (1, 0, 0), slack of row 1 is 3.
 struct QualityOfLp : ModelTest {
     std::vector<double> x{0, 1, 3}, pi{2, 0, -2}, rc{1, 0, 0};
@@ -20,14 +19,9 @@ struct QualityOfLp : ModelTest {
 
     void SetUp() override
     {
-        LpModel lp;
-        lp_add_var(&lp, 1, 0, 2);
-        lp_add_var(&lp, 2, 0, LP_INFINITY);
-        lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 1}}, '>', 4);
-        lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 2);
-        lp_add_row_entries(&lp, {{0, 1}, {2, 1}}, '=', 3);
-        load(lp);
+        model = model_of_text(env.env, "min x0 + 2 x1 + 0 x2\n"
+                                       "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
+                                       "bounds x0 <= 2 x2 free");
     }
     void measure(PointSigns signs = PointSigns::CALLER)
     {
@@ -43,15 +37,14 @@ void expect_violation(const Violation &violation, double max, double sum, int in
     EXPECT_EQ(violation.index, index);
 }
 
-const std::vector<Violation Quality::*> all_groups = {
-    &Quality::BoundVio,      &Quality::BoundSVio,      &Quality::ConstrVio,
-    &Quality::ConstrSVio,    &Quality::ConstrResidual, &Quality::ConstrSResidual,
-    &Quality::DualVio,       &Quality::DualSVio,       &Quality::DualResidual,
-    &Quality::DualSResidual, &Quality::ComplVio,       &Quality::IntVio};
-
-void expect_all_zero(const Quality &quality)
+void expect_same(const Quality &a, const Quality &b)
 {
-    for (const auto group : all_groups) expect_violation(quality.*group, 0, 0, -1);
+    for (const auto group :
+         {&Quality::BoundVio, &Quality::BoundSVio, &Quality::ConstrVio,
+          &Quality::ConstrSVio, &Quality::ConstrResidual, &Quality::ConstrSResidual,
+          &Quality::DualVio, &Quality::DualSVio, &Quality::DualResidual,
+          &Quality::DualSResidual, &Quality::ComplVio, &Quality::IntVio})
+        expect_violation(a.*group, (b.*group).max, (b.*group).sum, (b.*group).index);
 }
 
 } // namespace
@@ -78,20 +71,15 @@ TEST_F(QualityOfLp, body_signs_and_callers_signs_mean_the_same_multipliers)
     const Quality callers = quality;
     pi[0] = 1; // minimise already; row 0 is held negated
     measure(PointSigns::BODY);
-    for (const auto group : all_groups)
-        expect_violation(quality.*group, (callers.*group).max, (callers.*group).sum,
-                         (callers.*group).index);
+    expect_same(quality, callers);
 }
 
 TEST_F(QualityOfLp, what_is_not_a_number_counts_as_a_huge_violation)
 {
-    x[1] = NAN;
+    x[1] = pi[1] = NAN;
     measure();
     EXPECT_EQ(quality.BoundVio.max, 1e100);
     EXPECT_EQ(quality.ConstrVio.max, 1e100);
-    x[1] = 1;
-    pi[1] = NAN;
-    measure();
     EXPECT_EQ(quality.DualVio.max, 1e100);
 }
 
@@ -105,16 +93,10 @@ struct QualityOfMip : ModelTest {
 
     void SetUp() override
     {
-        // five variables: continuous, integer, binary, semi-continuous 2..5, semi-integer 2..5
-        const double lb[] = {0, 0, 0, 2, 2}, ub[] = {10, 10, 1, 5, 5};
-        ASSERT_EQ(
-            TVXnewmodel(env.env, &model, nullptr, 5, nullptr, lb, ub, "CIBSN", nullptr), 0);
-        const int ind[] = {0, 1, 2, 3, 4}, types[] = {1, 2}, beg[] = {0, 3},
-                  members[] = {0, 1, 2, 0, 1, 2, 3};
-        const double val[] = {1, 1, 1, 1, 1}, weight[] = {1, 2, 3, 1, 2, 3, 4};
-        ASSERT_EQ(TVXaddconstr(model, 5, ind, val, '<', 12, nullptr), 0);
-        ASSERT_EQ(TVXaddsos(model, 2, 7, types, beg, members, weight), 0);
-        update();
+        model = model_of_text(env.env, "min st v + i + b + s + n <= 12\n"
+                                       "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
+                                       "general i n binary b semi-continuous s n\n"
+                                       "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
     }
     // What is printed while the point is measured.
     std::string measure(const std::vector<double> &x)
@@ -133,7 +115,7 @@ struct QualityOfMip : ModelTest {
 TEST_F(QualityOfMip, types_decide_what_is_a_violation)
 {
     EXPECT_EQ(measure({0, 3, 0, 0, 4}), "");
-    expect_all_zero(quality);
+    expect_same(quality, Quality());
     measure({0.5, 2.75, 0, 2.5, 3.375}); // integrality of integer types only
     expect_violation(quality.IntVio, 0.375, 0.625, 4);
     measure({0, 0, 0, 1.5, 0}); // semi-continuous: to its lower bound, not to zero
@@ -144,15 +126,15 @@ TEST_F(QualityOfMip, types_decide_what_is_a_violation)
 
 TEST_F(QualityOfMip, an_sos_counts_what_is_outside_its_best_window)
 {
-    const auto sos = [&](int k, const std::vector<double> &x) {
-        return sos_violation(model->body, k, x.data());
-    };
-    EXPECT_EQ(sos(0, {1, 0, 0, 0, 0}), 0);
-    EXPECT_EQ(sos(0, {1, -4, 2, 0, 0}), 2);
-    EXPECT_EQ(sos(1, {0, 3, 3, 0, 0}), 0);
-    EXPECT_EQ(sos(1, {3, 0, 3, 0, 0}), 3);
-    EXPECT_EQ(sos(1, {1, 5, 2, 0, 0}), 1);
-    EXPECT_EQ(sos(1, {2, 5, 1, 0.5, 0}), 1);
+    const struct {
+        int set;
+        std::vector<double> x;
+        double violation;
+    } cases[] = {{0, {1, 0, 0, 0, 0}, 0}, {0, {1, -4, 2, 0, 0}, 2},
+                 {1, {0, 3, 3, 0, 0}, 0}, {1, {3, 0, 3, 0, 0}, 3},
+                 {1, {1, 5, 2, 0, 0}, 1}, {1, {2, 5, 1, 0.5, 0}, 1}};
+    for (const auto &c : cases)
+        EXPECT_EQ(sos_violation(model->body, c.set, c.x.data()), c.violation);
 }
 
 TEST_F(QualityOfMip, warnings_tell_what_exceeds_its_tolerance)

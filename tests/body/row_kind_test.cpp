@@ -6,8 +6,6 @@
 namespace
 {
 
-const double SIDES[] = {1e20, 1e50, 1e100, 1.7e308};
-
 // The roads of a solve.
 std::vector<Settings> roads()
 {
@@ -56,13 +54,15 @@ struct RowKinds : ModelTest {
 
 TEST_F(RowKinds, an_infinite_side_asks_for_nothing_or_for_what_no_point_has)
 {
-    for (const double side : SIDES) {
-        on_all_roads([&] { plan('<', side); }, TVX_OPTIMAL);
-        on_all_roads([&] { plan('>', -side); }, TVX_OPTIMAL);
-        for (const auto &[sense, value] :
-             {std::pair{'<', -side}, {'>', side}, {'=', side}, {'=', -side}, {'?', -side}})
-            on_all_roads([&, s = sense, v = value] { plan(s, v); }, TVX_INFEASIBLE);
-    }
+    for (const double side : {1e20, 1e50, 1e100, 1.7e308})
+        for (const auto &[sense, value, status] : {std::tuple{'<', side, int{TVX_OPTIMAL}},
+                                                   {'>', -side, TVX_OPTIMAL},
+                                                   {'<', -side, TVX_INFEASIBLE},
+                                                   {'>', side, TVX_INFEASIBLE},
+                                                   {'=', side, TVX_INFEASIBLE},
+                                                   {'=', -side, TVX_INFEASIBLE},
+                                                   {'?', -side, TVX_INFEASIBLE}})
+            on_all_roads([&, s = sense, v = value] { plan(s, v); }, status);
     plan('<', -9.9e19); // still a number
     ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
     expect_status(TVX_INFEASIBLE);
@@ -108,13 +108,13 @@ TEST_F(RowKinds, a_free_row_reads_back_as_given_and_binds_when_its_side_comes_do
 TEST_F(RowKinds, a_start_that_holds_a_free_row_is_mended)
 {
     plan('<', 1e100);
-    for (const auto &vbasis : {std::vector{0, 0}, {0, -1}, {-1, 0}})
-        for (const auto &cbasis : {std::vector{-1, -1}, {0, -1}, {-1, 0}}) {
-            if (std::count(vbasis.begin(), vbasis.end(), 0) +
-                    std::count(cbasis.begin(), cbasis.end(), 0) !=
-                2)
-                continue;
-            ASSERT_EQ(lp_set_basis(model, vbasis, cbasis), 0);
+    for (int basic = 0; basic < 3; basic++) // two of the four variables and rows
+        for (int other = basic + 1; other < 4; other++) {
+            std::vector<int> statuses(4, -1);
+            statuses[basic] = statuses[other] = 0;
+            ASSERT_EQ(
+                lp_set_basis(model, {statuses[0], statuses[1]}, {statuses[2], statuses[3]}),
+                0);
             EXPECT_EQ(objective(), 20);
         }
 }
@@ -123,43 +123,19 @@ TEST_F(RowKinds, ranges_with_infinite_sides)
 {
     const int ind[] = {0, 1};
     const double val[] = {1, -1};
-    struct Sides {
-        double lower, upper;
-        int status;
-    };
-    for (const Sides &s : {Sides{-1e100, 1e100, TVX_OPTIMAL},
-                           {-1e20, 1e20, TVX_OPTIMAL},
-                           {-1e100, -1e100, TVX_INFEASIBLE},
-                           {1e100, 1e100, TVX_INFEASIBLE},
-                           {1e100, 5, TVX_INFEASIBLE},
-                           {5, -1e100, TVX_INFEASIBLE}})
+    for (const auto &[lower, upper, status] : {std::tuple{-1e100, 1e100, int{TVX_OPTIMAL}},
+                                               {-1e20, 1e20, TVX_OPTIMAL},
+                                               {-1e100, -1e100, TVX_INFEASIBLE},
+                                               {1e100, 1e100, TVX_INFEASIBLE},
+                                               {1e100, 5, TVX_INFEASIBLE},
+                                               {5, -1e100, TVX_INFEASIBLE},
+                                               {5, 1, TVX_INFEASIBLE}})
         on_all_roads(
-            [&] {
+            [&, low = lower, up = upper] {
                 plan('<', 1e100);
-                ASSERT_EQ(TVXaddrangeconstr(model, 2, ind, val, s.lower, s.upper, nullptr),
-                          0);
+                ASSERT_EQ(TVXaddrangeconstr(model, 2, ind, val, low, up, nullptr), 0);
             },
-            s.status);
-}
-
-TEST_F(RowKinds, files_keep_infinite_sides)
-{
-    const Scratch scratch;
-    const std::pair<const char *, int> rows[] = {
-        {"<= 1e100", TVX_OPTIMAL},   {">= -1e20", TVX_OPTIMAL},
-        {"<= inf", TVX_OPTIMAL},     {"<= -inf", TVX_INFEASIBLE},
-        {">= 1e50", TVX_INFEASIBLE}, {"= -1e100", TVX_INFEASIBLE}};
-    for (const auto &[side, status] : rows) {
-        file_put("a.lp", std::string("max\nx + 2 y\nst\na: x + y <= 10\nb: x - y ") + side +
-                             "\nend\n");
-        for (const char *file : {"a.lp", "b.mps", "c.lp"}) {
-            TVXfreemodel(model);
-            ASSERT_EQ(TVXreadmodel(env.env, file, &model), 0) << side;
-            expect_status(status);
-            ASSERT_EQ(TVXwrite(model, "b.mps"), 0);
-            ASSERT_EQ(TVXwrite(model, "c.lp"), 0);
-        }
-    }
+            status);
 }
 
 // The new variables of a model with such rows used to lie outside their arrays.
@@ -175,16 +151,12 @@ TEST_F(RowKinds, a_sense_that_is_none_stays_and_counts_as_less)
             ASSERT_EQ(settings_apply(own(), road), 0);
             expect_status(TVX_OPTIMAL);
             EXPECT_EQ(dbl("ObjVal"), 5);
-            EXPECT_EQ(dbl("ConstrVio"), 0);
         }
-        char kept = 0;
+        char kept = 0, *name = nullptr;
         EXPECT_EQ(TVXgetcharattrelement(model, "Sense", 3, &kept), 0);
         EXPECT_EQ(kept, sense);
-        const TestModel elastic(TVXfeasibility(model));
-        int n = 0;
-        char *name = nullptr;
-        EXPECT_EQ(TVXgetintattr(elastic, "NumVars", &n), 0);
-        EXPECT_EQ(n, 51);
+        const TestModel elastic(TVXfeasibility(model)); // one new variable a row
+        EXPECT_EQ(TVXgetstrattrelement(elastic, "VarName", 51, &name), 10006);
         EXPECT_EQ(TVXgetstrattrelement(elastic, "VarName", 50, &name), 0);
         EXPECT_STREQ(name, "R49_above");
     }
@@ -192,15 +164,14 @@ TEST_F(RowKinds, a_sense_that_is_none_stays_and_counts_as_less)
 
 TEST_F(RowKinds, feasibility_models_hold_to_rows_that_no_violation_satisfies)
 {
-    const auto status_of = [](TVXmodel *elastic) {
+    for (const auto &[sense, expected] :
+         {std::pair{'<', int{TVX_OPTIMAL}}, {'=', TVX_INFEASIBLE}}) {
+        plan(sense, 1e100);
+        const TestModel elastic(TVXfeasibility(model));
         int status = 0;
         EXPECT_EQ(TVXoptimize(elastic), 0);
         EXPECT_EQ(TVXgetintattr(elastic, "Status", &status), 0);
-        return status;
-    };
-    plan('<', 1e100);
-    EXPECT_EQ(status_of(TestModel(TVXfeasibility(model))), TVX_OPTIMAL);
-    plan('=', 1e100);
-    EXPECT_EQ(status_of(TestModel(TVXfeasibility(model))), TVX_INFEASIBLE);
+        EXPECT_EQ(status, expected);
+    }
     EXPECT_EQ(TVXpresolvemodel(model), nullptr);
 }

@@ -45,64 +45,80 @@ ENDATA
 // From here on a thread or a process cannot be started: the kernel kills whoever tries.
 static void forbid_threads()
 {
-    const auto kill_on = [](unsigned number, sock_filter *at) {
-        at[0] = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1);
-        at[1] = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS);
-    };
-    sock_filter code[6];
-    code[0] = BPF_STMT(BPF_LD | BPF_W | BPF_ABS,
-                       static_cast<unsigned>(offsetof(seccomp_data, nr)));
-    kill_on(SYS_clone, code + 1);
-    kill_on(SYS_clone3, code + 3);
-    code[5] = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
-    const sock_fprog program = {6, code};
+    sock_filter code[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                          BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 1, 0),
+                          BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone3, 0, 1),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog program = {std::size(code), code};
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
-static Outcome run_from(const char *input, const std::vector<std::string> &arguments,
-                        Command::Confine confine)
+static Outcome run_from(const char *input, const Words &words, Confine confine)
 {
-    std::vector<std::string> words = {TARVEX_COMMAND};
-    words.insert(words.end(), arguments.begin(), arguments.end());
+    Words call = {TARVEX_COMMAND};
+    call.insert(call.end(), words.begin(), words.end());
     std::vector<char *> argv;
-    for (std::string &word : words) argv.push_back(word.data());
+    for (std::string &word : call) argv.push_back(word.data());
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {
         dup2(open(input, O_RDONLY), STDIN_FILENO);
         dup2(open("stdout", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
         dup2(open("stderr", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
-        if (confine == Command::Confine::ONE_THREAD) forbid_threads();
+        if (confine == Confine::ONE_THREAD) forbid_threads();
         execv(argv[0], argv.data());
         _exit(127);
     }
     int state = 0;
     waitpid(child, &state, 0);
-    Outcome outcome;
-    outcome.exit_code = WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
-    outcome.out = file_get("stdout");
-    outcome.err = file_get("stderr");
-    return outcome;
+    return {WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state), file_get("stdout"),
+            file_get("stderr")};
 }
 
-Outcome Command::run(const std::vector<std::string> &arguments, Confine confine)
+std::string text_of(const Words &words)
 {
-    return run_from("/dev/null", arguments, confine);
+    std::string text;
+    for (const std::string &word : words) text += " '" + word + "'";
+    return text;
 }
 
-Outcome Command::run_with_input(const std::vector<std::string> &arguments,
-                                const std::string &input)
+Command::Command()
+{
+    file_put("plan.mps", PLAN_MODEL);
+    file_put("never.mps", INFEASIBLE_MODEL);
+}
+
+Outcome Command::run(const Words &words, Confine confine)
+{
+    return run_from("/dev/null", words, confine);
+}
+
+Outcome Command::run_with_input(const Words &words, const std::string &input)
 {
     file_put("stdin", input);
-    return run_from("stdin", arguments, Confine::NO);
+    return run_from("stdin", words, Confine::NO);
+}
+
+int Command::shell(const std::string &words, const std::string &before)
+{
+    return WEXITSTATUS(system((before + TARVEX_COMMAND + " " + words).c_str()));
+}
+
+Outcome Command::ends(int code, const Words &words, const std::string &said)
+{
+    SCOPED_TRACE(text_of(words));
+    Outcome outcome = run(words);
+    EXPECT_EQ(outcome.exit_code, code);
+    EXPECT_THAT(code ? outcome.err : outcome.out, HasSubstr(said));
+    EXPECT_TRUE(code ? is_one_line(outcome.err) : outcome.err.empty()) << outcome.err;
+    EXPECT_TRUE(code != 2 || outcome.out.empty()) << outcome.out;
+    return outcome;
 }
 
 testing::AssertionResult is_one_line(const std::string &text)
 {
-    if (!text.starts_with("tarvex: "))
-        return testing::AssertionFailure() << "does not begin with tarvex: " << text;
-    if (text.find('\n') != text.size() - 1)
-        return testing::AssertionFailure() << "not one line: " << text;
-    return testing::AssertionSuccess();
+    const bool holds = text.starts_with("tarvex: ") && text.find('\n') == text.size() - 1;
+    return (holds ? testing::AssertionSuccess() : testing::AssertionFailure()) << text;
 }

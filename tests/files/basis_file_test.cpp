@@ -1,7 +1,6 @@
 // basis_file_test.cpp -- bases through files: exactly what was written comes back
 #include "files/files.h"
 #include "files/files_support.h"
-#include "model/warm_start.h"
 #include "support/dice.h"
 #include <algorithm>
 
@@ -13,22 +12,12 @@ class BasisFile : public Files
     // n columns and m rows with bounds of all kinds, and a random basis of them.
     void make(Dice *dice, int n, int m, const std::vector<std::string> &names)
     {
-        TVXfreemodel(model);
-        std::vector<double> lb, ub;
-        for (int j = 0; j < n; j++) {
-            lb.push_back(dice->chance(40) ? -1e100 : 0);
-            ub.push_back(dice->chance(40) ? 1e100 : 1);
-        }
-        std::vector<char *> pointers;
-        for (const std::string &name : names)
-            pointers.push_back(const_cast<char *>(name.data()));
-        ASSERT_EQ(TVXnewmodel(env, &model, "m", n, nullptr, lb.data(), ub.data(), nullptr,
-                              names.empty() ? nullptr : pointers.data()),
-                  0);
-        ASSERT_EQ(TVXaddconstrs(model, m, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                nullptr),
-                  0);
-        ASSERT_EQ(TVXupdatemodel(model), 0);
+        LpModel lp;
+        for (int j = 0; j < n; j++)
+            lp_add_var(&lp, 0, dice->chance(40) ? -LP_INFINITY : 0,
+                       dice->chance(40) ? LP_INFINITY : 1);
+        for (int i = 0; i < m; i++) lp_add_row(&lp, '<', 0);
+        take(lp, names, {});
         std::vector<int> all(n + m, 1);
         for (size_t k = 0; k < static_cast<size_t>(m); k++) all[k] = TVX_BASIC;
         dice->shuffle(&all);
@@ -41,20 +30,8 @@ class BasisFile : public Files
     }
     std::string read_bas(const std::string &text)
     {
-        file_put("b.bas", text);
-        Output output;
-        EXPECT_EQ(TVXread(model, "b.bas"), 0);
-        log = output.text();
-        return TVXgetmerrormsg(model);
-    }
-    // Statuses that a solve would start from, columns first; basic is 0.
-    std::vector<int> start()
-    {
-        const WarmStart *warm = warm_start_usable(model);
-        std::vector<int> statuses;
-        for (int k = 0; warm && k < warm->count + model->body->numconstrs; k++)
-            statuses.push_back(std::min(warm->statuses[k], 0));
-        return statuses;
+        EXPECT_EQ(read_into("b.bas", text), 0);
+        return model_message();
     }
 };
 
@@ -72,17 +49,16 @@ TEST_F(BasisFile, EveryBasisComesBack)
         remove("b.bas");
         ASSERT_EQ(
             basis_write(model->body, model->env, vbasis.data(), cbasis.data(), "b.bas"), 0);
-        Output output;
-        ASSERT_EQ(TVXread(model, "b.bas"), 0);
-        ASSERT_STREQ(TVXgetmerrormsg(model), "") << file_get("b.bas");
+        ASSERT_EQ(read_into("b.bas"), 0);
+        ASSERT_EQ(model_message(), "") << file_get("b.bas");
         std::vector<int> written = vbasis;
         written.insert(written.end(), cbasis.begin(), cbasis.end());
-        ASSERT_EQ(start(), written) << file_get("b.bas");
-        ASSERT_EQ(output.text(), "");
+        ASSERT_EQ(basis(), written) << file_get("b.bas");
+        ASSERT_EQ(log, "");
     }
 }
 
-TEST_F(BasisFile, HasTheClassicForm)
+TEST_F(BasisFile, HasTheClassicFormAndReadsThatOfOtherPrograms)
 {
     ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n UP B Y 4\nENDATA\n")), 0);
     const int v[] = {TVX_BASIC, TVX_NONBASIC_UPPER};
@@ -92,17 +68,12 @@ TEST_F(BasisFile, HasTheClassicForm)
                                  " XL X         R2      \n"
                                  " UL Y       \n"
                                  "ENDATA\n");
-}
-
-TEST_F(BasisFile, ReadsOtherProgramsFiles)
-{
-    ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n UP B Y 4\nENDATA\n")), 0);
     EXPECT_EQ(read_bas("NAME          TEST  Rows 2  Cols 2\n* comment\n XU X R2 1.5\n UL Y "
                        "4.0\n ?? Z\n\nENDATA\n XL Y R1\n"),
               "");
-    EXPECT_EQ(start(), (std::vector<int>{0, -2, 0, -1}));
+    EXPECT_EQ(basis(), (std::vector<int>{0, -2, 0, -1}));
     EXPECT_EQ(read_bas(" xl Y R1\n ll X\n"), "");
-    EXPECT_EQ(start(), (std::vector<int>{-1, 0, -1, 0}));
+    EXPECT_EQ(basis(), (std::vector<int>{-1, 0, -1, 0}));
 }
 
 TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
@@ -110,14 +81,14 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
     ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     EXPECT_EQ(read_bas(" XL X R2\n"), "");
     EXPECT_EQ(log, "Warning: no ENDATA in file b.bas\n");
-    const std::vector<int> before = start();
+    const std::vector<int> before = basis();
     EXPECT_EQ(read_bas(" XL Y R1\n UL NONE\nENDATA\n"),
               "MPS reader: variable name NONE doesn't exist\n");
     EXPECT_EQ(log, "Error: variable name NONE doesn't exist\n");
     EXPECT_EQ(read_bas(" XL Y NONE\nENDATA\n"),
               "MPS reader: row name NONE doesn't exist\n");
     EXPECT_EQ(log, "Error: row name NONE doesn't exist\n");
-    EXPECT_EQ(start(), before);
+    EXPECT_EQ(basis(), before);
     EXPECT_EQ(read_bas(std::string(" XL Y\0R1\n", 9)),
               "File b.bas is no text file: control character in line 1\n");
 }
@@ -125,19 +96,18 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
 // The long name of a row asks for short numbers, and the second column's would be the first one's name.
 TEST_F(BasisFile, NumberedNamesStandForElementsWithoutNameAndAvoidOwnNames)
 {
-    char first[] = "C1", none[] = "", *names[] = {first, none};
-    ASSERT_EQ(TVXnewmodel(env, &model, "m", 2, nullptr, nullptr, nullptr, nullptr, names),
-              0);
-    ASSERT_EQ(TVXaddconstr(model, 0, nullptr, nullptr, '<', 1, "a_long_row_name"), 0);
-    ASSERT_EQ(TVXupdatemodel(model), 0);
+    LpModel lp;
+    for (int j = 0; j < 2; j++) lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row(&lp, '<', 1);
+    take(lp, {"C1"}, {"a_long_row_name"});
     const int v[] = {TVX_BASIC, TVX_NONBASIC_LOWER}, c[] = {TVX_NONBASIC_LOWER};
     ASSERT_EQ(basis_write(model->body, model->env, v, c, "b.bas"), 0);
     EXPECT_EQ(read_bas(file_get("b.bas")), "");
-    EXPECT_EQ(start(), (std::vector<int>{0, -1, -1})) << file_get("b.bas");
+    EXPECT_EQ(basis(), (std::vector<int>{0, -1, -1})) << file_get("b.bas");
     Dice dice(1);
     make(&dice, 3, 2, {});
     EXPECT_EQ(read_bas(" XL C1 R0000001\n XL C0000002 R0\nENDATA\n"), "");
-    EXPECT_EQ(start(),
+    EXPECT_EQ(basis(),
               (std::vector<int>{model->body->bound_kind[0] == 3 ? -3 : -1, 0, 0, -1, -1}));
     EXPECT_EQ(read_bas(" XL C3 R0\nENDATA\n"),
               "MPS reader: variable name C3 doesn't exist\n");
@@ -148,13 +118,13 @@ TEST_F(BasisFile, WhatIsNoBasisIsNeitherReadNorWritten)
     ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     EXPECT_EQ(read_bas(" XL X R1\n XL Y R1\nENDATA\n"), "");
     EXPECT_EQ(log, "Warning, invalid warm-start basis discarded\n");
-    EXPECT_TRUE(start().empty());
+    EXPECT_TRUE(basis().empty());
     ASSERT_EQ(TVXsetdblattrelement(model, "Obj", 0, 77), 0);
     EXPECT_EQ(read_bas(" XL X R1\nENDATA\n"), "");
     EXPECT_NE(model->body->obj[0], 77); // reading is no update
     remove("b.bas");
     EXPECT_EQ(TVXwrite(model, "b.bas"), TVX_ERROR_DATA_NOT_AVAILABLE);
-    EXPECT_STREQ(TVXgetmerrormsg(model), "Unable to retrieve basis for current model");
+    EXPECT_EQ(model_message(), "Unable to retrieve basis for current model");
     const int v[] = {TVX_BASIC, TVX_BASIC}, c[] = {TVX_BASIC, TVX_NONBASIC_LOWER};
     EXPECT_EQ(basis_write(model->body, model->env, v, c, "b.bas"),
               TVX_ERROR_DATA_NOT_AVAILABLE);

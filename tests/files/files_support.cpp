@@ -1,4 +1,6 @@
 #include "files/files_support.h"
+#include "model/model_store.h"
+#include "model/warm_start.h"
 #include <algorithm>
 #include <cmath>
 #include <sstream>
@@ -76,6 +78,64 @@ int Files::read(const std::string &text, const std::string &name)
     return read_file(name);
 }
 
+int Files::read_into(const std::string &name)
+{
+    Output output;
+    const int code = TVXread(model, name.c_str());
+    log = output.text();
+    return code;
+}
+
+int Files::read_into(const std::string &name, const std::string &text)
+{
+    file_put(name, text);
+    return read_into(name);
+}
+
+void Files::give_solution(const std::vector<double> &x)
+{
+    MipResult *result = model->mip.result = record_create<MipResult>();
+    ASSERT_NE(result, nullptr);
+    result->status = TVX_OPTIMAL;
+    result->has_solution = result->sol_count = 1;
+    ASSERT_EQ(array_resize(&result->x, static_cast<int64_t>(x.size())), 0);
+    std::copy(x.begin(), x.end(), result->x.data);
+}
+
+std::vector<int> Files::basis() const
+{
+    const WarmStart *warm = warm_start_usable(model);
+    std::vector<int> statuses;
+    for (int k = 0; warm && k < warm->count + model->body->numconstrs; k++)
+        statuses.push_back(std::min(warm->statuses[k], 0));
+    return statuses;
+}
+
+double Files::start(int j)
+{
+    double value = 0;
+    EXPECT_EQ(TVXupdatemodel(model), 0);
+    EXPECT_EQ(TVXgetdblattrelement(model, "Start", j, &value), 0);
+    return value;
+}
+
+void Files::take(const LpModel &lp, std::vector<std::string> vars,
+                 std::vector<std::string> rows)
+{
+    const auto name = [this](const char *attribute, std::vector<std::string> &names) {
+        std::vector<char *> pointers;
+        for (std::string &text : names) pointers.push_back(text.data());
+        EXPECT_EQ(TVXsetstrattrarray(model, attribute, 0, static_cast<int>(names.size()),
+                                     pointers.data()),
+                  0);
+    };
+    TVXfreemodel(model);
+    model = lp_load(env, &lp);
+    name("VarName", vars);
+    name("ConstrName", rows);
+    ASSERT_EQ(TVXupdatemodel(model), 0);
+}
+
 std::string Files::round_trip(const std::string &name, Names names)
 {
     TVXmodel *back = nullptr;
@@ -88,6 +148,14 @@ std::string Files::round_trip(const std::string &name, Names names)
     const std::string was = stored_text(model, names), is = stored_text(back, names);
     TVXfreemodel(back);
     return was == is ? "" : was + "became\n" + is;
+}
+
+std::string Files::content() const
+{
+    std::string line;
+    for (const char c : stored_text(model, Names::COMPARE))
+        line += c == '\n' ? std::string("; ") : std::string(1, c);
+    return line;
 }
 
 int Files::column(const std::string &name) const

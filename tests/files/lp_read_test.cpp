@@ -58,16 +58,6 @@ TEST_F(LpFormat, ObjectivesAndTerms)
     });
 }
 
-TEST_F(LpFormat, TellsOfFilesThatMayBeCutShort)
-{
-    EXPECT_NE(read("min x + 3", "t.lp"), 0);
-    EXPECT_NE(message().find("no constraints and no End"), std::string::npos);
-    ASSERT_EQ(read("min x st c: x > 1\n", "t.lp"), 0);
-    EXPECT_NE(log.find("Warning: no End at the end of the file"), std::string::npos);
-    ASSERT_EQ(read("min x st c: x > 1\nend\n", "t.lp"), 0);
-    EXPECT_EQ(log.find("Warning"), std::string::npos);
-}
-
 TEST_F(LpFormat, Constraints)
 {
     expect_meanings({
@@ -133,36 +123,30 @@ TEST_F(LpFormat, BoundsTypesAndSets)
 
 TEST_F(LpFormat, WarnsOfWhatHasOneMeaningAllTheSame)
 {
-    const std::string many =
-        "min x st c: x > 1\nc: x > 2\n1 >= x >= 2 bounds\nx < 2\n x < -3\n"
-        "a free b = 1 c free d free e free f free g free\ngen q bin r\nend";
-    ASSERT_EQ(read(many, "t.lp"), 0);
-    EXPECT_EQ(
-        log.substr(0, log.find("Read LP")),
-        "Warning: unknown variable 'a' in bounds section\n         line 6\n"
-        "Warning: unknown variable 'b' in bounds section\n         line 6\n"
-        "Warning: unknown variable 'c' in bounds section\n         line 6\n"
-        "Warning: unknown variable 'd' in bounds section\n         line 6\n"
-        "Warning: unknown variable 'e' in bounds section\n         line 6\n"
-        "         and 2 more\n"
-        "Warning: unknown variable 'q' in integer section\n         line 7\n"
-        "Warning: unknown variable 'r' in integer section\n         line 7\n"
-        "Warning: a bound is given twice, the later one stands: 'x'\n         line 5\n"
-        "Warning: negative upper bound under the default lower bound 0: 'x'\n"
-        "Warning: constraint name used twice: 'c'\n         line 2\n"
-        "Warning: lower side of a range above its upper side: '1'\n         line 3\n");
-}
-
-TEST_F(LpFormat, WarnsOfBoundsThatBinariesCannotHaveAndOfTextBehindTheEnd)
-{
-    ASSERT_EQ(read("min x + y bounds x<=3 binary x y\nend\n\n\\ note\nbounds y<=5", "t.lp"),
-              0);
-    EXPECT_EQ(log.substr(0, log.find("Read LP")),
-              "Warning: bounds of a binary variable are cut to 0 and 1: 'x'\n"
-              "Warning: text behind the end is not read: 'bounds'\n         line 5\n");
-    ASSERT_EQ(read("min x + y bounds 1<=x binary x y end \\ note\n\n", "t.lp"), 0);
-    EXPECT_EQ(log.substr(0, log.find("Read LP")), "");
-    EXPECT_EQ(domain("x"), "B [1,1]");
+    const std::string unknown = "Warning: unknown variable '",
+                      line6 = "' in bounds section\n         line 6\n",
+                      line7 = "' in integer section\n         line 7\n";
+    const std::pair<const char *, std::string> cases[] = {
+        {"min x st c: x > 1\nc: x > 2\n1 >= x >= 2 bounds\nx < 2\n x < -3\n"
+         "a free b = 1 c free d free e free f free g free\ngen q bin r\nend",
+         unknown + "a" + line6 + unknown + "b" + line6 + unknown + "c" + line6 + unknown +
+             "d" + line6 + unknown + "e" + line6 + "         and 2 more\n" + unknown + "q" +
+             line7 + unknown + "r" + line7 +
+             "Warning: a bound is given twice, the later one stands: 'x'\n         line 5\n"
+             "Warning: negative upper bound under the default lower bound 0: 'x'\n"
+             "Warning: constraint name used twice: 'c'\n         line 2\n"
+             "Warning: lower side of a range above its upper side: '1'\n         line 3\n"},
+        {"min x + y bounds x<=3 binary x y\nend\n\n\\ note\nbounds y<=5",
+         "Warning: bounds of a binary variable are cut to 0 and 1: 'x'\n"
+         "Warning: text behind the end is not read: 'bounds'\n         line 5\n"},
+        {"min x + y bounds 1<=x binary x y end \\ note\n\n", ""},
+        {"min x st c: x > 1\nend\n", ""}};
+    for (const auto &[text, expected] : cases) {
+        ASSERT_EQ(read(text, "t.lp"), 0) << message();
+        EXPECT_EQ(warnings(), expected) << text;
+    }
+    ASSERT_EQ(read("min x st c: x > 1\n", "t.lp"), 0); // may be cut short
+    EXPECT_NE(log.find("Warning: no End at the end of the file"), std::string::npos);
 }
 
 // Heads that are misspelt, or sections of other dialects, must not leave the names below them to the section above.
@@ -176,14 +160,9 @@ TEST_F(LpFormat, AWordThatMayHeadASectionIsNeverPassedOver)
         EXPECT_EQ(read(text, "t.lp"), TVX_ERROR_FILE_READ) << word;
         EXPECT_NE(message().find("line 6, column 1: '"), std::string::npos) << message();
     }
-    // Any other that stands further left than the names.
-    EXPECT_EQ(read("min x + y\nbinary\n  y\n whole\n  x\nend", "t.lp"),
-              TVX_ERROR_FILE_READ);
     // An unknown name among names is one, and so is a variable whose name looks like a head.
     ASSERT_EQ(read("min x + generls\nbinary\n x ghost\n ghost\n  generls\nend", "t.lp"), 0);
     EXPECT_EQ(domain("generls"), "B [0,1]");
-    // The word of a section that is a variable, too.
-    EXPECT_EQ(read("min x + bin\ngeneral\n x\n bin\nend", "t.lp"), TVX_ERROR_FILE_READ);
 }
 
 TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
@@ -192,7 +171,9 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         std::string text, place;
     } cases[] = {
         {"", "line 1, column 1: the end of the file: the file must begin with"},
-        {"x + y", "line 1, column 1: 'x'"},
+        {"min x + 3", "no constraints and no End"},
+        {"min x + y\nbinary\n  y\n whole\n  x\nend", "line 4, "}, // left of the names
+        {"min x + bin\ngeneral\n x\n bin\nend", "line 4, "},      // a variable, too
         {"subject to", "line 1, column 1: 'subject to'"},
         {"min x\nmax y", "line 2, column 1: 'max': this section must stand before"},
         {"min x\nbounds\nst\nc: x >= 1", "line 3, column 1: 'st'"},
@@ -219,7 +200,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x st inf <= x <= 5", "column 10: 'inf': the sides of the range exclude"},
         {"min 1e400 x", "column 5: '1e400': the number is too large"},
         {"min 1e308 x + 1e308 x", "column 13: '+': the sum of these terms is too large"},
-        {"min x st 1e308 + x + 1e308 > 2", "too large"},
         {"min x st c: x + 1e308 > -1e308", "column 10: 'c': the sum of the numbers"},
         {"min 1,5 x", "column 6: ',5': this is no name"},
         {"min x bounds 2 x <= 4", "column 16: 'x': <=, >= or ="},
@@ -230,8 +210,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x bounds - free", "column 16: 'free': a number is missing"},
         {"min x gen x, y", "column 11: 'x,': this is no name"},
         {"min x st c: x <= 1 000\n y >= 2", "column 20: '000': a number cannot follow"},
-        {"min x st x <= 1.5.2\n y >= 2", "column 18: '.2': a number cannot follow"},
-        {"min x st x <= 1d2", "column 16: 'd2': this is no variable so far"},
         {"min x st x <= 1e5e3", "column 18: 'e3': this is no variable so far"},
         {"min x st\nc: x >= 1\nbounds:\nx <= 5", "line 3, column 1: 'bounds': the word"},
         {"min x st\nc: x >= 1\nlazy\n+ x <= 5",
@@ -246,7 +224,6 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x sos x:1", "column 11: 'x': S1:: or S2:: must begin"},
         {"min x sos S1:: y:1", "column 16: 'y': the set's member"},
         {"min x sos S1:: x:1 x:2", "column 20: 'x': the variable is in this set"},
-        {"min x sos S3:: x:1", "column 11: 'S3'"},
         {"min x sos S1:: x", "column 16: 'x'"},
         {std::string("min x\n st \0 c: x>=1", 20),
          "line 2, column 5: the end of the file: a control"},

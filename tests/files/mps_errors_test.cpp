@@ -19,7 +19,7 @@ class MpsErrors : public Files
 };
 
 struct BadLine {
-    const char *section, *line, *reason;
+    std::string section, line, reason;
 };
 
 static const char *const NOT_FREE =
@@ -27,34 +27,39 @@ static const char *const NOT_FREE =
 
 TEST_F(MpsErrors, EveryBadFieldHasItsReason)
 {
-    const std::vector<BadLine> lines = {
-        {"", " Y R2 1,5", "'1,5' is not a number"},
-        {"", " Y R2 1e", "'1e' is not a number"},
-        {"", " Y R2 0x10", "'0x10' is not a number"},
-        {"", " Y R2 --1", "'--1' is not a number"},
-        {"", " Y R2 1e400", "the number 1e400 is too large"},
-        {"", " Y R2 -inf", "an infinite value cannot stand here"},
+    const std::string infinite = "an infinite value cannot stand here",
+                      too_far = "the bound is infinite, nothing can meet it",
+                      set = "SOS\n S1 s\n";
+    std::vector<BadLine> lines = {
+        {"", " Y R2 -inf", infinite},
         {"", " Y R1 1 R2", NOT_FREE},
         {"", " Y R1 1 R2 2 R1 3", NOT_FREE},
         {"", " Y", NOT_FREE},
         {"", " M 'MARKER' 'SOSORG'", "this kind of marker cannot be read"},
-        {"RHS\n", " RHS COST inf", "an infinite value cannot stand here"},
+        {"RHS\n", " RHS COST inf", infinite},
         {"RHS\n", " RHS", NOT_FREE},
         {"RHS\n", " RHS R1", "'R1' is not a number"},
-        {"RANGES\n", " RNG R1 a", "'a' is not a number"},
         {"BOUNDS\n", " ZZ B X 1", "unknown type of bound"},
         {"BOUNDS\n", " UP B X", "'X' is not a number"},
         {"BOUNDS\n", " UP X", NOT_FREE},
-        {"BOUNDS\n", " FX B X inf", "an infinite value cannot stand here"},
-        {"BOUNDS\n", " UP B X nan", "'nan' is not a number"},
-        {"BOUNDS\n", " UP B X -inf", "the bound is infinite, nothing can meet it"},
-        {"BOUNDS\n", " LI B X inf", "the bound is infinite, nothing can meet it"},
+        {"BOUNDS\n", " FX B X inf", infinite},
+        {"BOUNDS\n", " UP B X -inf", too_far},
+        {"BOUNDS\n", " LI B X inf", too_far},
         {"SOS\n", " X 1", "S1 or S2 must begin a set"},
-        {"SOS\n S1 s\n", " NOCOL 1", "the set's member is no column"},
-        {"SOS\n S1 s\n", " X", NOT_FREE},
-        {"SOS\n S1 s\n X 1\n", " X 2", "the column is in this set already"},
-        {"SOS\n S1 s\n", " X inf", "an infinite value cannot stand here"},
+        {set, " NOCOL 1", "the set's member is no column"},
+        {set, " X", NOT_FREE},
+        {set + " X 1\n", " X 2", "the column is in this set already"},
+        {set, " X inf", infinite},
     };
+    for (const std::string number : {"1,5", "1e", "0x10", "--1", "nan", "1e400"})
+        for (const auto &[section, line] : {std::pair{"", " Y R2 "},
+                                            {"RHS\n", " RHS R1 "},
+                                            {"RANGES\n", " RNG R1 "},
+                                            {"BOUNDS\n", " UP B X "},
+                                            {"SOS\n S1 s\n", " X "}})
+            lines.push_back({section, line + number,
+                             number == "1e400" ? "the number 1e400 is too large"
+                                               : "'" + number + "' is not a number"});
     for (const BadLine &one : lines) {
         const std::string before = mps_with(one.section);
         const size_t number =

@@ -1,20 +1,10 @@
 // mps_round_trip_test.cpp -- what is written is read back as the same model, whatever it holds, in LP format too
 #include "files/files_support.h"
-#include "support/dice.h"
+#include "support/model_gen.h"
 #include <cmath>
 
 namespace
 {
-
-// A model in the making, as TVXloadmodel wants it.
-struct Draft {
-    int n = 0, m = 0, sense = 1;
-    double objcon = 0;
-    std::vector<double> obj{}, lb{}, ub{}, rhs{}, val{}, sos_weight{};
-    std::vector<int> beg{}, len{}, ind{}, sos_type{}, sos_beg{}, sos_ind{};
-    std::string types{}, senses{};
-    std::vector<std::string> varnames{}, constrnames{}; // empty: no names
-};
 
 double any_number(Dice *dice)
 {
@@ -40,8 +30,8 @@ std::string any_name(Dice *dice, int k, int style)
 {
     static const char *const parts[] = {"x", "a b",      "#1", "RHS",    "$",
                                         "9", "\xc3\xa9", "'",  "MARKER", "a  b"};
-    std::string name = style == 1 ? "v" + std::to_string(k) : "";
-    if (style == 1) return name; // short
+    if (style == 1) return "v" + std::to_string(k); // short
+    std::string name;
     const int count = dice->range(1, style == 2 ? 1 : 4);
     for (int c = 0; c < count; c++) name += parts[dice->range(0, 9)];
     if (style == 2)
@@ -49,100 +39,63 @@ std::string any_name(Dice *dice, int k, int style)
     return name + "_" + std::to_string(k);
 }
 
-void draw_columns(Dice *dice, Draft *draft)
-{
-    for (int j = 0; j < draft->n; j++) {
-        draft->obj.push_back(dice->chance(40) ? 0 : any_number(dice));
-        draft->types += "CCCBISN"[dice->range(0, 6)];
-        double lb = any_bound(dice, false);
-        double ub = dice->chance(20) ? lb : any_bound(dice, true);
-        if (draft->types.back() == 'B' && dice->chance(70)) lb = 0, ub = 1;
-        draft->lb.push_back(lb);
-        draft->ub.push_back(ub);
-        draft->beg.push_back(static_cast<int>(draft->ind.size()));
-        for (int i = 0; i < draft->m; i++)
-            if (dice->chance(40)) {
-                draft->ind.push_back(i);
-                draft->val.push_back(dice->chance(3) ? 0 : any_number(dice));
-            }
-        draft->len.push_back(static_cast<int>(draft->ind.size()) - draft->beg.back());
-    }
-}
-
-void draw_sets(Dice *dice, Draft *draft)
-{
-    const int count = dice->chance(30) ? dice->range(1, 3) : 0;
-    for (int s = 0; s < count; s++) {
-        draft->sos_type.push_back(dice->range(1, 2));
-        draft->sos_beg.push_back(static_cast<int>(draft->sos_ind.size()));
-        for (int j = 0; j < draft->n; j++)
-            if (dice->chance(60)) {
-                draft->sos_ind.push_back(j);
-                draft->sos_weight.push_back(dice->chance(50) ? j : dice->nonzero(50) / 3.0);
-            }
-    }
-}
-
-Draft draw(Dice *dice)
-{
-    Draft draft;
-    draft.n = dice->range(0, 8);
-    draft.m = dice->range(0, 6);
-    draft.sense = dice->chance(30) ? -1 : 1;
-    draft.objcon = dice->chance(40) ? any_number(dice) : 0;
-    draw_columns(dice, &draft);
-    for (int i = 0; i < draft.m; i++) {
-        draft.senses += "<>="[dice->range(0, 2)];
-        draft.rhs.push_back(dice->chance(30) ? 0 : any_number(dice));
-    }
-    const int style = dice->range(0, 3);
-    const int other = dice->chance(70) ? style : dice->range(0, 3);
-    for (int j = 0; style && j < draft.n; j++)
-        draft.varnames.push_back(any_name(dice, j, style));
-    for (int i = 0; other && i < draft.m; i++)
-        draft.constrnames.push_back(any_name(dice, i, other));
-    if (other && draft.m && dice->chance(20)) draft.constrnames[0] = "OBJ";
-    draw_sets(dice, &draft);
-    return draft;
-}
-
-TVXmodel *build(TVXenv *env, Draft *d, const char *name)
-{
-    TVXmodel *model = nullptr;
-    std::vector<char *> vars, rows;
-    for (std::string &text : d->varnames) vars.push_back(text.data());
-    for (std::string &text : d->constrnames) rows.push_back(text.data());
-    d->ind.push_back(0); // so that no array is null
-    d->val.push_back(0);
-    EXPECT_EQ(TVXloadmodel(env, &model, name, d->n, d->m, d->sense, d->objcon,
-                           d->obj.data(), d->senses.data(), d->rhs.data(), d->beg.data(),
-                           d->len.data(), d->ind.data(), d->val.data(), d->lb.data(),
-                           d->ub.data(), d->types.data(),
-                           vars.empty() ? nullptr : vars.data(),
-                           rows.empty() ? nullptr : rows.data()),
-              0);
-    EXPECT_EQ(TVXaddsos(model, static_cast<int>(d->sos_type.size()),
-                        static_cast<int>(d->sos_ind.size()), d->sos_type.data(),
-                        d->sos_beg.data(), d->sos_ind.data(), d->sos_weight.data()),
-              0);
-    EXPECT_EQ(TVXupdatemodel(model), 0);
-    return model;
-}
-
 } // namespace
 
 class MpsRoundTrip : public Files
 {
+  protected:
+    // A tiny model with numbers, bounds, types, names and sets of all kinds in the place of its own.
+    void draw(Dice *dice)
+    {
+        LpModel lp = gen_tiny(dice, {});
+        const int n = lp.num_vars();
+        lp.objcon = dice->chance(40) ? any_number(dice) : 0;
+        for (double &cost : lp.obj) cost = dice->chance(40) ? 0 : any_number(dice);
+        for (double &side : lp.rhs) side = dice->chance(30) ? 0 : any_number(dice);
+        for (auto &column : lp.cols)
+            for (LpEntry &e : column) e.value = dice->chance(3) ? 0 : any_number(dice);
+        const int style = dice->range(0, 3),
+                  other = dice->chance(70) ? style : dice->range(0, 3);
+        std::vector<std::string> vars, rows;
+        for (int j = 0; style && j < n; j++) vars.push_back(any_name(dice, j, style));
+        for (int i = 0; other && i < lp.num_rows(); i++)
+            rows.push_back(i == 0 && dice->chance(20) ? "OBJ" : any_name(dice, i, other));
+        std::string types;
+        for (int j = 0; j < n; j++) {
+            types += "CCCBISN"[dice->range(0, 6)];
+            lp.lb[j] = any_bound(dice, false);
+            lp.ub[j] = dice->chance(20) ? lp.lb[j] : any_bound(dice, true);
+            if (types.back() == 'B' && dice->chance(70)) lp.lb[j] = 0, lp.ub[j] = 1;
+        }
+        take(lp, vars, rows);
+        ASSERT_EQ(TVXsetcharattrarray(model, "VType", 0, n, types.data()), 0);
+        for (int sets = dice->chance(30) ? dice->range(1, 3) : 0; sets > 0; sets--) {
+            const int type = dice->range(1, 2), begin = 0;
+            std::vector<int> members;
+            std::vector<double> weights;
+            for (int j = 0; j < n; j++)
+                if (dice->chance(60)) {
+                    members.push_back(j);
+                    weights.push_back(dice->chance(50) ? j : dice->nonzero(50) / 3.0);
+                }
+            ASSERT_EQ(TVXaddsos(model, 1, static_cast<int>(members.size()), &type, &begin,
+                                members.data(), weights.data()),
+                      0);
+        }
+        ASSERT_EQ(TVXupdatemodel(model), 0);
+    }
 };
 
 TEST_F(MpsRoundTrip, RandomModelsOfAllTypesAndBounds)
 {
     Dice dice(3);
     for (int k = 0; k < 700; k++) {
-        Draft draft = draw(&dice);
-        const char *name = k % 3 == 0 ? nullptr : k % 3 == 1 ? "name" : "two words";
-        TVXfreemodel(model);
-        model = build(env, &draft, name);
+        draw(&dice);
+        if (k % 3) {
+            ASSERT_EQ(TVXsetstrattr(model, "ModelName", k % 3 == 1 ? "name" : "two words"),
+                      0);
+            ASSERT_EQ(TVXupdatemodel(model), 0);
+        }
         ASSERT_EQ(round_trip("t.mps", Names::IGNORE), "") << k << "\n" << file_get("t.mps");
         for (const char *other : {"t.rew", "t.lp", "t.rlp"})
             ASSERT_EQ(round_trip(other, Names::IGNORE), "") << k << "\n" << file_get(other);
@@ -219,27 +172,18 @@ TEST_F(MpsRoundTrip, TheConstantShownInTheNameIsNoPartOfIt)
 
 // ---- Names ----
 
-class MpsNames : public Files
+class MpsNames : public MpsRoundTrip
 {
   protected:
     // Two columns and two rows of these names.
-    void make(const std::vector<std::string> &vars, const std::vector<std::string> &constrs)
+    void make(const std::vector<std::string> &vars, const std::vector<std::string> &rows)
     {
-        TVXfreemodel(model);
-        Draft draft{.n = 2, .m = 2};
-        draft.obj = {1, 2};
-        draft.lb = {0, 1};
-        draft.ub = {3, 4};
-        draft.rhs = {5, 6};
-        draft.types = "CI";
-        draft.senses = "<=";
-        draft.beg = {0, 2};
-        draft.len = {2, 1};
-        draft.ind = {0, 1, 1};
-        draft.val = {7, 8, 9};
-        draft.varnames = vars;
-        draft.constrnames = constrs;
-        model = build(env, &draft, "m");
+        LpModel lp;
+        lp_add_var(&lp, 1, 0, 3);
+        lp_add_var(&lp, 2, 1, 4);
+        lp_add_row_entries(&lp, {{0, 7}}, '<', 5);
+        lp_add_row_entries(&lp, {{0, 8}, {1, 9}}, '=', 6);
+        take(lp, vars, rows);
     }
 };
 

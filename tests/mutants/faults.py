@@ -182,7 +182,7 @@ PRESOLVE = [
           "the objective's constant has the wrong sign after a column singleton", "Columns.*:PresolvedModel.*:Presolve.*"),
     Fault("src/presolve/reduce/aggregate_eliminate.cpp",
           "w->ObjCon -= ratio.value * w->Rhs.data[pivot.row];", "w->ObjCon += ratio.value * w->Rhs.data[pivot.row];",
-          "the objective's constant has the wrong sign after a substitution", "Aggregate.*:Presolve*"),
+          "the objective's constant has the wrong sign after a substitution", "Aggregate.*:Presolve*:ApiPrograms.*"),
     Fault("src/presolve/reduce/substitute.cpp",
           "cost = point->constants * undo->cost;", "cost = -point->constants * undo->cost;",
           "the dual of a row that gave a column has the cost with the wrong sign", "Aggregate.*:Columns.*"),
