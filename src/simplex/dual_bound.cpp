@@ -6,7 +6,7 @@
 //             d = Cost - y (A I), holds for the true costs. y is that of the basis for the costs in force, read from the
 //             reduced costs of the slacks, or that for the true costs. Where the bound that a reduced cost asks for is
 //             infinite, a reduced cost within OptTol is multiplied by an assumed largest value (OPEN_LEAST,
-//             OPEN_SHARE); a larger one means that there is no bound. Rounding errors of the sum are subtracted.
+//             OPEN_SHARE), a larger one by the bound that one of the rows of the column implies. Rounding errors of the sum are subtracted.
 // Cost        O(nonzeros). The objective in force, which costs nothing (DualObj), tells when it is worth it.
 // Literature  A. M. Geoffrion, "Lagrangean relaxation for integer programming", Math. Prog. Study 2, 1974.
 //             A. Neumaier and O. Shcherbina, "Safe bounds in linear and mixed-integer linear programming", Math. Prog.
@@ -23,6 +23,9 @@ constexpr double BOUND_ROUNDING = 1e-10;
 
 // Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
 constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
+
+// Entries that may be read for implied bounds, besides as many as the matrix has.
+constexpr int64_t IMPLIED_LEAST = 1000;
 
 // A sum of products, with the sum of the magnitudes of its terms for an error bound.
 struct BoundSum {
@@ -45,6 +48,40 @@ template<class R> double largest_basic_value(const sopt *s, const swork<R> *w)
     return largest;
 }
 
+// Largest value of sum a_ik (-x_k) over the row without column j, or HUGE_VAL.
+double rest_of_row(const sopt *s, int i, int j, double sign)
+{
+    double rest = 0;
+    for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++) {
+        const int k = s->RowInd.data[p];
+        const double a = -sign * s->RowVal.data[p];
+        if (k == j) continue;
+        const double side = a > 0 ? s->Upper.data[k] : s->Lower.data[k];
+        if (!has_lower(s, side) || !has_upper(s, side)) return HUGE_VAL;
+        rest += a * side;
+    }
+    return rest;
+}
+
+// The bound that some row implies for column j, above or below; infinite if none does. `entries` counts what is read.
+double implied_bound(const sopt *s, int j, bool above, int64_t *entries)
+{
+    double best = HUGE_VAL; // of x_j, or of -x_j
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
+        const int i = s->ColInd.data[p];
+        const double a = above ? s->ColVal.data[p] : -s->ColVal.data[p];
+        // a x <= Rhs - slack - rest for a > 0; an equation bounds from either side
+        const double slack = s->Upper.data[s->NumCols + i];
+        if (a < 0 && !has_upper(s, slack)) continue;
+        const double sign = a > 0 ? 1 : -1;
+        *entries += s->RowBeg.data[i + 1] - s->RowBeg.data[i];
+        const double room =
+            sign * s->Rhs.data[i] + (a > 0 ? 0 : slack) + rest_of_row(s, i, j, sign);
+        best = std::min(best, room / std::fabs(a));
+    }
+    return above ? best : -best;
+}
+
 // Lagrangian bound for the multipliers of the basis for `cost`, given by the slacks' reduced costs [m] for it.
 template<class R>
 double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double *cost)
@@ -52,6 +89,8 @@ double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double 
     R *slack = w->RowVal.data; // minus the multipliers
     for (int i = 0; i < s->NumRows; i++) slack[i] = slack_cbar[i] - R(cost[s->NumCols + i]);
     BoundSum bound;
+    int64_t entries = 0;
+    const int64_t most = IMPLIED_LEAST + s->ColBeg.data[s->NumCols];
     double open =
         0; // sum of |reduced costs| without a bound, per user unit of the variable
     for (int i = 0; i < s->NumRows; i++)
@@ -69,8 +108,13 @@ double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double 
             bound.add(static_cast<long double>(d) * side);
         else if (std::abs(d) <= R(s->OptTol))
             open += static_cast<double>(std::abs(d)) / user_unit(s, j);
-        else
-            return -HUGE_VAL;
+        else {
+            const double implied = j < s->NumCols && entries <= most
+                                       ? implied_bound(s, j, d < R(0), &entries)
+                                       : HUGE_VAL;
+            if (std::fabs(implied) >= s->Infinity) return -HUGE_VAL;
+            bound.add(static_cast<long double>(d) * implied);
+        }
     }
     if (open > 0) open *= std::max(OPEN_LEAST, OPEN_SHARE * largest_basic_value(s, w));
     return static_cast<double>(bound.value - BOUND_ROUNDING * bound.size - open);
