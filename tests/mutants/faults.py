@@ -244,7 +244,7 @@ LP_AND_MIP = [
           "a point that misses a row of the model is called an optimum", "Families/Hostile.*"),
     Fault("src/lp/lp_presolved.cpp",
           "return form->dual ? 1 - method : method;", "return (void)form, method;",
-          "the dual form is solved by the method that the caller did not mean", "SureAnswers.*:Limits.*"),
+          "the dual form is solved by the method that the caller did not mean", "LpStartTest.*"),
     Fault("src/lp/lp_auxiliary.cpp",
           "std::max(0.0, outer->IterationLimit - done)", "std::max(0.0, outer->IterationLimit + done)",
           "the auxiliary problem takes iterations beyond the limit", "LpAuxiliary.*"),
