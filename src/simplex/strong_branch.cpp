@@ -95,10 +95,10 @@ template<class R> void restore_row_copy(sopt *s, int branched)
 // kept vectors then follow. 0 or a code.
 template<class R> int factor_again(sopt *s, swork<R> *w, KeptState<R> *k)
 {
-    const int probing = s->Probing;
-    s->Probing = 0;
-    TRY(Refactor(s, w));
-    s->Probing = probing;
+    s->Probing = 0; // this is the basis itself
+    const int code = Refactor(s, w);
+    s->Probing = 1;
+    if (code) return code;
     SVec<R> *old = &w->Work;
     for (Array<R> *values : {&k->Bbar, &k->Weights}) {
         svec_clear(old);
@@ -124,8 +124,9 @@ template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
     // the primal simplex shifts bounds
     if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s);
     restore_row_copy<R>(s, branched);
+    int code = 0;
     if (s->BaseLost)
-        TRY(factor_again(s, w, k));
+        code = factor_again(s, w, k); // without memory the next solve factors
     else
         lu_drop_products(&w->Lu);
     w->FactorAge = s->BasisAge;
@@ -147,7 +148,7 @@ template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
     dual_list_reset(s, w);
-    return 0;
+    return code;
 }
 
 // The bounds of a variable in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
@@ -254,8 +255,8 @@ int probe(StrongBranch *b, swork<R> *w, const Tightened &branch, double limit,
     const int code = solve_branch(b, w, branch, limit, outcome);
     s->Lower.data[branch.Var] = s->WorkLower.data[branch.Var] = lower;
     s->Upper.data[branch.Var] = s->WorkUpper.data[branch.Var] = upper;
-    if (code) return code;
-    return bring_back(b, w, branch.Var);
+    const int back = bring_back(b, w, branch.Var);
+    return code ? code : back;
 }
 
 template<class R> int open(StrongBranch *b, swork<R> *w)

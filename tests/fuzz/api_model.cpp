@@ -56,7 +56,7 @@ bool ApiModel::from_lp(const LpModel &lp)
                                          var.name.c_str()) != 0;
     }
     for (size_t i = 0; i < lp.rhs.size(); i++) {
-        r->constrs.push_back({"r" + std::to_string(i), lp.senses[i], lp.rhs[i] + 0.0});
+        r->constrs.push_back({"r" + std::to_string(i), lp.senses[i], lp.rhs[i] + 0.0, {}});
         failures += TVXsetstrattrelement(model, "ConstrName", static_cast<int>(i),
                                          r->constrs[i].name.c_str()) != 0;
     }

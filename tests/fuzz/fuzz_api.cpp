@@ -5,8 +5,8 @@
 //             model that it concerned must read as the reference says, and results must be what the exact judge finds.
 // Ends        With the bytes. Models and environment are then freed in an order that the last draw chooses, and no memory
 //             may be left.
-#include "fuzz/fuzz_api.h"
 #include "fuzz/api_model.h"
+#include "fuzz/fuzz_kind.h"
 #include "runtime/memory.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"

@@ -7,6 +7,7 @@
 #include "fuzz/fuzz_file.h"
 #include "files/files_support.h"
 #include "model/model_store.h"
+#include "support/lp_tarvex.h"
 
 namespace
 {
@@ -16,19 +17,12 @@ constexpr char PLAN[] =
     "bounds y <= 9 z free general x end";
 
 struct Session {
-    TVXenv *env = nullptr;
+    TestEnv own;
+    TVXenv *env = own.env;
     TVXmodel *model = nullptr;
 
-    Session()
-    {
-        TVXloadenv(&env, nullptr);
-        TVXsetintparam(env, "OutputFlag", 0);
-    }
-    ~Session()
-    {
-        TVXfreemodel(model);
-        TVXfreeenv(env);
-    }
+    Session() = default;
+    ~Session() { TVXfreemodel(model); }
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 

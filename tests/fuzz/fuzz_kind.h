@@ -1,7 +1,10 @@
 // fuzz_kind.h -- the kinds of input that are fuzzed; corpus/KIND holds inputs of each
 #pragma once
-#include "fuzz/fuzz_api.h"
 #include "fuzz/fuzz_file.h"
+
+// A program of API calls read from bytes, and what must hold during it and at its end. The current directory must be
+// empty but for what earlier calls left. What is wrong, or "".
+std::string fuzz_api(const std::string &bytes);
 
 // What is wrong with the library under this input, or "".
 inline std::string fuzz_kind(const std::string &kind, const std::string &bytes)

@@ -40,13 +40,6 @@ LpModel trading()
 
 struct LpAuxiliary : ModelTest {
     void SetUp() override { load(trading()); }
-    void set(const char *name, double value)
-    {
-        const bool integral = TVXgetparamtype(own(), name) == 1;
-        ASSERT_EQ(integral ? TVXsetintparam(own(), name, static_cast<int>(value))
-                           : TVXsetdblparam(own(), name, value),
-                  0);
-    }
 };
 
 LpStart start_by(int method)
@@ -74,7 +67,7 @@ TEST_F(LpAuxiliary, gives_either_method_a_basis)
 // From the start of the dual's auxiliary problem to the optimum; a limit holds for both together.
 TEST_F(LpAuxiliary, its_iterations_count_and_the_solve_ends_at_an_optimum)
 {
-    set("IterationLimit", 3);
+    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 3), 0);
     AuxiliaryStart stopped;
     ASSERT_EQ(
         lp_auxiliary_start(model->body, model->env, start_by(METHOD_DUAL), 1, &stopped), 0);
@@ -83,7 +76,7 @@ TEST_F(LpAuxiliary, its_iterations_count_and_the_solve_ends_at_an_optimum)
     EXPECT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(integer("Status"), TVX_ITERATION_LIMIT);
     EXPECT_EQ(dbl("IterCount"), 3);
-    set("IterationLimit", 1e100);
+    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 1e100), 0);
     ASSERT_EQ(TVXresetmodel(model), 0);
     EXPECT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(integer("Status"), TVX_OPTIMAL);

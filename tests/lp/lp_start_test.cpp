@@ -1,5 +1,7 @@
 // lp_start_test.cpp -- what a solve starts from, when several things are there
+#include "lp/lp_form.h"
 #include "lp/lp_start.h"
+#include "simplex/sopt.h"
 #include "support/model_test.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -44,4 +46,16 @@ TEST_F(LpStartTest, a_basis_given_since_comes_first_then_the_form_the_record_and
     EXPECT_EQ(chosen(true, false), LpFrom::MODEL) << "where the limit has stopped it";
     model->lp.status = TVX_LOADED;
     EXPECT_EQ(chosen(true, false), LpFrom::RECORD);
+}
+
+TEST_F(LpStartTest, the_dual_form_is_solved_by_the_other_method)
+{
+    for (const int method : {METHOD_PRIMAL, METHOD_DUAL}) {
+        ASSERT_EQ(TVXresetmodel(model), 0);
+        ASSERT_EQ(settings_apply(own(), {{"PreDual", 1}, {"LPMethod", method}}), 0);
+        ASSERT_EQ(TVXoptimize(model), 0);
+        ASSERT_NE(model->lp.form, nullptr);
+        ASSERT_NE(model->lp.form->dual, nullptr);
+        EXPECT_EQ(model->lp.form->simplex->AskedMethod, 1 - method);
+    }
 }

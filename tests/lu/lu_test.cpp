@@ -1,8 +1,7 @@
 // Factors, solves and updates against the columns of the basis themselves: every result is put back into the equations.
 #include "lu/lufact.h"
+#include "support/dice.h"
 #include "gtest/gtest.h"
-#include <random>
-#include <vector>
 
 namespace
 {
@@ -14,22 +13,19 @@ struct Pool {
     BasisMatrix matrix() const { return {m, n, beg.data(), ind.data(), val.data()}; }
 };
 
-Pool random_pool(int m, int n, double extra, unsigned seed)
+Pool random_pool(int m, int n, int extra_percent, uint64_t seed)
 {
-    std::mt19937 rng(seed);
-    std::uniform_real_distribution<double> share(0, 1);
+    Dice dice(seed);
     Pool pool{m, n, {0}, {}, {}};
     for (int j = 0; j < n; j++) {
         std::vector<char> used(m, 0);
         const auto put = [&](int i, double v) {
-            if (used[i]) return;
-            used[i] = 1;
+            if (used[i]++) return;
             pool.ind.push_back(i);
             pool.val.push_back(v);
         };
         put(j % m, 1.5);
-        while (share(rng) < extra)
-            put(static_cast<int>(rng() % unsigned(m)), 2 * share(rng) - 1);
+        while (dice.chance(extra_percent)) put(dice.range(0, m - 1), dice.real(-1, 1));
         pool.beg.push_back(static_cast<int>(pool.ind.size()));
     }
     return pool;
@@ -42,10 +38,9 @@ template<class R> struct Factored {
 
     explicit Factored(Pool p) : pool(std::move(p))
     {
-        const auto m = static_cast<size_t>(pool.m);
-        head.resize(m);
-        bad_rows.resize(m);
-        bad_cols.resize(m);
+        for (int k = 0; k < pool.m; k++) head.push_back(k);
+        bad_rows.resize(head.size());
+        bad_cols.resize(head.size());
         EXPECT_EQ(0, lu_alloc(&lu, pool.m, 100, 1e-13));
     }
     int factor(double tol = 0.01)
@@ -88,10 +83,9 @@ template<class R> struct Factored {
 };
 
 // Right-hand sides with one, a few and all entries, with and without a list.
-template<class R> void check_solves(Factored<R> *f, double limit, unsigned seed)
+template<class R> void check_solves(Factored<R> *f, double limit, Dice *dice)
 {
     const int m = f->pool.m;
-    std::mt19937 rng(seed);
     SVec<R> x;
     ASSERT_EQ(0, svec_alloc(&x, m));
     for (int kind = 0; kind < 12; kind++) {
@@ -99,7 +93,7 @@ template<class R> void check_solves(Factored<R> *f, double limit, unsigned seed)
         const bool forward = kind % 2;
         std::vector<R> b(m, R(0));
         for (int k = 0; k < entries; k++)
-            b[entries == m ? unsigned(k) : rng() % unsigned(m)] = R(1 + k % 7);
+            b[entries == m ? k : dice->range(0, m - 1)] = R(1 + k % 7);
         svec_clear(&x);
         for (int i = 0; i < m; i++)
             if (b[i] != R(0)) svec_add(&x, i, b[i]);
@@ -114,10 +108,9 @@ template<class R> void check_solves(Factored<R> *f, double limit, unsigned seed)
 }
 
 // Several FTRANs at once give, to the last bit, what each gives alone.
-template<class R> void check_joint(Factored<R> *f, unsigned seed)
+template<class R> void check_joint(Factored<R> *f, Dice *dice)
 {
     const int m = f->pool.m;
-    std::mt19937 rng(seed);
     const Keep keeps[] = {Keep::YES, Keep::VALUES, Keep::NO};
     const SolveKind kinds[] = {SOLVE_COLUMN, SOLVE_NORM, SOLVE_FLIPS};
     SVec<R> alone[MAX_FTRANS], joint[MAX_FTRANS];
@@ -127,9 +120,9 @@ template<class R> void check_joint(Factored<R> *f, unsigned seed)
         for (int k = 0; k < count; k++) {
             ASSERT_EQ(0, svec_alloc(&alone[k], m));
             ASSERT_EQ(0, svec_alloc(&joint[k], m));
-            const int entries = round < 6 ? m : static_cast<int>(rng() % 3);
+            const int entries = round < 6 ? m : dice->range(0, 2);
             for (int e = 0; e < entries; e++)
-                svec_add(&alone[k], static_cast<int>(rng() % unsigned(m)), R(1 + e % 7));
+                svec_add(&alone[k], dice->range(0, m - 1), R(1 + e % 7));
             svec_copy(&joint[k], &alone[k]);
             tasks[k] = {&joint[k], kinds[k], keeps[k]};
             Ftran(&f->lu, &alone[k], kinds[k], keeps[k]);
@@ -147,117 +140,98 @@ template<class R> void check_joint(Factored<R> *f, unsigned seed)
 }
 
 // Random exchanges as a simplex would make them.
-template<class R>
-void check_updates(Factored<R> *f, int updates, double limit, unsigned seed)
+template<class R> void check_updates(Factored<R> *f, int updates, double limit, Dice *dice)
 {
     const int m = f->pool.m;
-    std::mt19937 rng(seed);
     SVec<R> alpha, rho;
-    ASSERT_EQ(0, svec_alloc(&alpha, m));
-    ASSERT_EQ(0, svec_alloc(&rho, m));
+    ASSERT_EQ(0, svec_alloc(&alpha, m) + svec_alloc(&rho, m));
     std::vector<char> basic(size_t(f->pool.n + m), 0);
     for (const int var : f->head) basic[var] = 1;
     int done = 0;
     for (int tries = 0; tries < 50 * updates && done < updates; tries++) {
-        const int q = static_cast<int>(rng() % unsigned(f->pool.n + m));
+        const int q = dice->range(0, f->pool.n + m - 1);
         if (basic[q]) continue;
         f->column(q, &alpha);
         Ftran(&f->lu, &alpha, SOLVE_COLUMN, Keep::YES);
         int r = -1; // a pivot of fair size
         for (int k = 0; k < alpha.Count; k++)
-            if (std::abs(alpha.Value.data[alpha.Index.data[k]]) > R(0.1) && rng() % 3)
+            if (std::abs(alpha.Value.data[alpha.Index.data[k]]) > R(0.1) &&
+                dice->chance(67))
                 r = alpha.Index.data[k];
         if (r < 0) continue;
         svec_unit(&rho, r, R(1));
         Btran(&f->lu, &rho, SOLVE_ROW, Keep::YES);
-        const int result = UpdateFactor(&f->lu, r, alpha.Value.data[r]);
-        if (result != UPDATE_DONE) { // the old basis stands
+        if (UpdateFactor(&f->lu, r, alpha.Value.data[r]) !=
+            UPDATE_DONE) { // the old basis stands
             ASSERT_EQ(0, f->factor());
             continue;
         }
-        basic[f->head[size_t(r)]] = 0;
-        basic[q] = 1;
+        std::swap(basic[f->head[r]], basic[q]);
         f->head[r] = q;
         done++;
     }
     EXPECT_EQ(done, updates);
-    check_joint(f, seed);
-    check_solves(f, limit, seed);
+    check_joint(f, dice);
+    check_solves(f, limit, dice);
 }
 
 template<class R> void check_random_bases(double limit)
 {
-    struct Shape {
-        int m;
-        double extra;
-    };
-    unsigned seed = 1;
-    for (const Shape shape : {Shape{1, 0.0}, {7, 0.5}, {60, 0.5}, {60, 0.9}, {300, 0.66}}) {
+    uint64_t seed = 1;
+    const std::pair<int, int> shapes[] = {{1, 0},   {7, 50},   {60, 50},
+                                          {60, 90}, {300, 66}, {120, 98}};
+    for (const auto &[m, extra] : shapes)
         for (int round = 0; round < 4; round++, seed++) {
             SCOPED_TRACE(seed);
-            Factored<R> f(random_pool(shape.m, 2 * shape.m, shape.extra, seed));
-            for (int k = 0; k < shape.m; k++) // structurals and slacks mixed
-                f.head[k] = round && k % (round + 1) == 0 ? f.pool.n + k : k;
+            Dice dice(seed);
+            Factored<R> f(random_pool(m, 2 * m, extra, seed));
+            for (int k = 0; k < m && round > 0; k += round + 1)
+                f.head[k] += f.pool.n; // structurals and slacks mixed
             ASSERT_EQ(0, f.factor());
-            check_solves(&f, limit, seed);
-            check_updates(&f, std::min(shape.m, 40), limit * 100, seed);
+            check_solves(&f, limit, &dice);
+            check_updates(&f, std::min(m, 40), limit * 100, &dice);
         }
-    }
 }
 } // namespace
 
 TEST(Lu, solves_and_updates_satisfy_the_equations)
 {
     check_random_bases<double>(1e-8);
-}
-
-TEST(Lu, extended_precision_is_more_accurate)
-{
-    check_random_bases<long double>(1e-11);
-}
-
-TEST(Lu, dense_basis)
-{
-    Factored<double> f(random_pool(120, 120, 0.99, 7));
-    for (int k = 0; k < 120; k++) f.head[k] = k;
-    ASSERT_EQ(0, f.factor(0.1));
-    check_solves(&f, 1e-8, 7);
+    check_random_bases<long double>(1e-11); // more accurate
 }
 
 // A deficient basis names as many rows as columns; slacks of those rows in those positions mend it.
 TEST(Lu, singular_basis_is_mended_by_the_slacks_it_names)
 {
-    for (unsigned seed = 1; seed <= 20; seed++) {
+    for (uint64_t seed = 1; seed <= 20; seed++) {
         SCOPED_TRACE(seed);
-        Factored<double> f(random_pool(40, 80, 0.6, seed));
-        for (int k = 0; k < 40; k++) f.head[k] = k % 7 == 3 ? 40 + k - 1 : k;
+        Dice dice(seed);
+        Factored<double> f(random_pool(40, 80, 60, seed));
+        for (int k = 3; k < 40; k += 7) f.head[k] = 40 + k - 1;
         for (int k = 5; k < 40; k += 9) f.head[k] = f.head[k - 1]; // twice
         const std::vector<int> before = f.head;
         const int missing = f.factor();
         ASSERT_GT(missing, 0);
         EXPECT_EQ(before, f.head);
         EXPECT_EQ(1, f.lu.NeedBasis);
-        for (int k = 0; k < missing; k++)
-            f.head[f.bad_cols[size_t(k)]] = f.pool.n + f.bad_rows[k];
+        for (int k = 0; k < missing; k++) f.head[f.bad_cols[k]] = f.pool.n + f.bad_rows[k];
         ASSERT_EQ(0, f.factor());
-        check_solves(&f, 1e-7, seed);
+        check_solves(&f, 1e-7, &dice);
     }
 }
 
 TEST(Lu, update_refuses_a_vanishing_pivot_and_leaves_the_factors)
 {
-    Factored<double> f(random_pool(30, 60, 0.5, 3));
-    for (int k = 0; k < 30; k++) f.head[k] = k;
+    Dice dice(3);
+    Factored<double> f(random_pool(30, 60, 50, 3));
     ASSERT_EQ(0, f.factor());
     SVec<double> alpha, rho;
-    ASSERT_EQ(0, svec_alloc(&alpha, 30));
-    ASSERT_EQ(0, svec_alloc(&rho, 30));
-    f.column(f.head[4],
-             &alpha); // a column that is basic elsewhere: entry 5 of the result is 0
+    ASSERT_EQ(0, svec_alloc(&alpha, 30) + svec_alloc(&rho, 30));
+    f.column(f.head[4], &alpha); // basic elsewhere: entry 5 of the result is 0
     Ftran(&f.lu, &alpha, SOLVE_COLUMN, Keep::YES);
     svec_unit(&rho, 5, 1.0);
     Btran(&f.lu, &rho, SOLVE_ROW, Keep::YES);
     EXPECT_EQ(UPDATE_UNSTABLE, UpdateFactor(&f.lu, 5, alpha.Value.data[5]));
     EXPECT_EQ(0, f.lu.NumUpdates);
-    check_solves(&f, 1e-8, 3);
+    check_solves(&f, 1e-8, &dice);
 }

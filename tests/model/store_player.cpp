@@ -43,11 +43,12 @@ std::vector<char *> pointers(std::vector<std::string> *texts)
 
 } // namespace
 
-void StorePlayer::expect(int code, int returned, const char *call)
+void StorePlayer::expect(int code, int returned, int line)
 {
     if (code == returned) return;
-    wrong += std::string(call) + " returned " + std::to_string(returned) + " for " +
-             std::to_string(code) + ": " + TVXgetmerrormsg(model) + "\n";
+    wrong += "the call of line " + std::to_string(line) + " returned " +
+             std::to_string(returned) + " for " + std::to_string(code) + ": " +
+             TVXgetmerrormsg(model) + "\n";
 }
 
 int StorePlayer::room_for_vars() const
@@ -123,88 +124,57 @@ void StorePlayer::add_vars()
     std::vector<char> types;
     const bool with_names = dice->chance(70);
     for (int k = 0; k < count; k++) {
-        StoreReference::Var var;
-        var.column = entries(n_constrs());
-        columns.push(var.column);
+        const Entries column = entries(n_constrs());
+        columns.push(column);
         types.push_back(vtype());
         obj.push_back(number());
         lb.push_back(bound(Side::LOWER));
         ub.push_back(bound(Side::UPPER));
         uncross(&lb.back(), &ub.back());
         names.push_back(with_names ? name() : "");
-        var.name = names.back();
-        var.vtype = upper(types.back());
-        var.obj = obj.back();
-        var.lb = lb.back();
-        var.ub = ub.back();
-        reference.add_var(var);
+        reference.add_var({names[k], obj[k], lb[k], ub[k], upper(types[k]), column});
     }
     std::vector<char *> texts = pointers(&names);
-    if (count == 1) {
-        expect(0,
-               TVXaddvar(model, columns.size(), columns.ind.data(), columns.val.data(),
-                         obj[0], lb[0], ub[0], types[0], texts[0]),
-               "TVXaddvar");
-        return;
-    }
-    expect(0,
-           TVXaddvars(model, count, columns.size(), columns.beg.data(), columns.ind.data(),
-                      columns.val.data(), obj.data(), lb.data(), ub.data(), types.data(),
-                      with_names ? texts.data() : nullptr),
-           "TVXaddvars");
+    const int *beg = columns.beg.data(), *ind = columns.ind.data();
+    const double *val = columns.val.data();
+    if (count == 1)
+        expect(0, TVXaddvar(model, columns.size(), ind, val, obj[0], lb[0], ub[0], types[0],
+                            texts[0]));
+    else
+        expect(0, TVXaddvars(model, count, columns.size(), beg, ind, val, obj.data(),
+                             lb.data(), ub.data(), types.data(),
+                             with_names ? texts.data() : nullptr));
 }
 
-void StorePlayer::add_constrs()
+void StorePlayer::add_rows(bool ranges)
 {
-    const int count = std::min(dice->range(1, 4), room_for_constrs());
+    int count = std::min(dice->range(1, ranges ? 3 : 4), room_for_constrs());
+    if (ranges) count = std::min(count, room_for_vars());
     if (count <= 0) return;
     Compressed rows;
     std::vector<std::string> names;
-    std::vector<double> rhs;
+    std::vector<double> lower, rhs;
     std::vector<char> senses;
     for (int k = 0; k < count; k++) {
-        StoreReference::NewConstr added;
-        added.row = entries(n_vars());
-        rows.push(added.row);
-        senses.push_back(sense());
-        rhs.push_back(number());
+        const Entries row = entries(n_vars());
+        rows.push(row);
+        senses.push_back(ranges ? '=' : sense());
+        lower.push_back(ranges ? bound(Side::LOWER) : 0);
+        rhs.push_back(ranges ? bound(Side::UPPER) : number());
+        if (ranges) uncross(&lower.back(), &rhs.back());
         names.push_back(name());
-        added.constr = {names.back(), symbol(senses.back()), rhs.back()};
-        reference.add_constr(added);
+        reference.add_constr(
+            {{names[k], symbol(senses[k]), rhs[k], row}, ranges, lower[k]});
     }
     std::vector<char *> texts = pointers(&names);
-    expect(0,
-           TVXaddconstrs(model, count, rows.size(), rows.beg.data(), rows.ind.data(),
-                         rows.val.data(), senses.data(), rhs.data(), texts.data()),
-           "TVXaddconstrs");
-}
-
-void StorePlayer::add_ranges()
-{
-    const int count = std::min({dice->range(1, 3), room_for_vars(), room_for_constrs()});
-    if (count <= 0) return;
-    Compressed rows;
-    std::vector<std::string> names;
-    std::vector<double> lower, upper_side;
-    for (int k = 0; k < count; k++) {
-        StoreReference::NewConstr added;
-        added.row = entries(n_vars());
-        rows.push(added.row);
-        lower.push_back(bound(Side::LOWER));
-        upper_side.push_back(bound(Side::UPPER));
-        uncross(&lower.back(), &upper_side.back());
-        names.push_back(name());
-        added.constr = {names.back(), '=', upper_side.back()};
-        added.is_range = true;
-        added.lower = lower.back();
-        reference.add_constr(added);
-    }
-    std::vector<char *> texts = pointers(&names);
-    expect(0,
-           TVXaddrangeconstrs(model, count, rows.size(), rows.beg.data(), rows.ind.data(),
-                              rows.val.data(), lower.data(), upper_side.data(),
-                              texts.data()),
-           "TVXaddrangeconstrs");
+    const int *beg = rows.beg.data(), *ind = rows.ind.data();
+    const double *val = rows.val.data();
+    if (ranges)
+        expect(0, TVXaddrangeconstrs(model, count, rows.size(), beg, ind, val, lower.data(),
+                                     rhs.data(), texts.data()));
+    else
+        expect(0, TVXaddconstrs(model, count, rows.size(), beg, ind, val, senses.data(),
+                                rhs.data(), texts.data()));
 }
 
 void StorePlayer::add_sos()
@@ -216,10 +186,8 @@ void StorePlayer::add_sos()
     for (auto &[j, weight] : set.members) weight = dice->range(-9, 9);
     Compressed list;
     list.push(set.members);
-    expect(0,
-           TVXaddsos(model, 1, list.size(), &set.type, list.beg.data(), list.ind.data(),
-                     list.val.data()),
-           "TVXaddsos");
+    expect(0, TVXaddsos(model, 1, list.size(), &set.type, list.beg.data(), list.ind.data(),
+                        list.val.data()));
     reference.add_sos(set);
 }
 
@@ -229,8 +197,8 @@ void StorePlayer::set_values()
         const int j = dice->range(0, n_vars() - 1);
         const double value = number();
         const char type = vtype();
-        expect(0, TVXsetdblattrelement(model, "Obj", j, value), "TVXsetdblattrelement");
-        expect(0, TVXsetcharattrelement(model, "VType", j, type), "TVXsetcharattrelement");
+        expect(0, TVXsetdblattrelement(model, "Obj", j, value));
+        expect(0, TVXsetcharattrelement(model, "VType", j, type));
         reference.queue.obj[j] = value;
         reference.queue.vtype[j] = upper(type);
     }
@@ -240,15 +208,11 @@ void StorePlayer::set_values()
     std::vector<double> rhs;
     std::vector<char> senses;
     for (int i = first; i < first + len; i++) {
-        rhs.push_back(number());
-        senses.push_back(sense());
-        reference.queue.rhs[i] = rhs.back();
-        reference.queue.sense[i] = symbol(senses.back());
+        reference.queue.rhs[i] = rhs.emplace_back(number());
+        reference.queue.sense[i] = symbol(senses.emplace_back(sense()));
     }
-    expect(0, TVXsetdblattrarray(model, "RHS", first, len, rhs.data()),
-           "TVXsetdblattrarray");
-    expect(0, TVXsetcharattrarray(model, "Sense", first, len, senses.data()),
-           "TVXsetcharattrarray");
+    expect(0, TVXsetdblattrarray(model, "RHS", first, len, rhs.data()));
+    expect(0, TVXsetcharattrarray(model, "Sense", first, len, senses.data()));
 }
 
 void StorePlayer::set_bounds()
@@ -262,50 +226,39 @@ void StorePlayer::set_bounds()
         const StoreReference::Var &var = reference.vars[j];
         double value = bound(lower ? Side::LOWER : Side::UPPER),
                other = lower ? var.ub : var.lb;
-        if (lower ? value > other : value < other)
-            uncross(lower ? &value : &other, lower ? &other : &value);
-        values.push_back(value);
-        (lower ? reference.queue.lb : reference.queue.ub)[j] = value;
+        uncross(lower ? &value : &other, lower ? &other : &value);
+        (lower ? reference.queue.lb : reference.queue.ub)[j] = values.emplace_back(value);
     }
-    expect(0,
-           TVXsetdblattrlist(model, lower ? "LB" : "UB", static_cast<int>(list.size()),
-                             list.data(), values.data()),
-           "TVXsetdblattrlist");
+    expect(0, TVXsetdblattrlist(model, lower ? "LB" : "UB", static_cast<int>(list.size()),
+                                list.data(), values.data()));
 }
 
 void StorePlayer::set_names()
 {
     const std::string text = name();
     const char *given = text.empty() && dice->chance(50) ? nullptr : text.c_str();
-    if (n_vars() > 0) {
-        const int j = dice->range(0, n_vars() - 1);
-        expect(0, TVXsetstrattrelement(model, "VarName", j, given), "TVXsetstrattrelement");
-        reference.queue.varname[j] = text.empty() ? "C" + std::to_string(j) : text;
-    }
-    if (n_constrs() > 0) {
-        const int i = dice->range(0, n_constrs() - 1);
-        expect(0, TVXsetstrattrelement(model, "ConstrName", i, given),
-               "TVXsetstrattrelement");
-        reference.queue.constrname[i] = text.empty() ? "R" + std::to_string(i) : text;
+    for (const bool var : {true, false}) {
+        const int n = var ? n_vars() : n_constrs();
+        if (n == 0) continue;
+        const int k = dice->range(0, n - 1);
+        expect(0, TVXsetstrattrelement(model, var ? "VarName" : "ConstrName", k, given));
+        (var ? reference.queue.varname : reference.queue.constrname)[k] =
+            text.empty() ? (var ? "C" : "R") + std::to_string(k) : text;
     }
 }
 
 void StorePlayer::set_model()
 {
+    StoreReference::Queue *queue = &reference.queue;
     if (dice->chance(40)) {
         const int value = dice->range(-2, 2);
-        expect(0, TVXsetintattr(model, "ModelSense", value), "TVXsetintattr");
-        reference.queue.model_sense = value < 1 ? -1 : 1;
+        expect(0, TVXsetintattr(model, "ModelSense", value));
+        queue->model_sense = value < 1 ? -1 : 1;
     }
-    if (dice->chance(40)) {
-        reference.queue.objcon = number();
-        expect(0, TVXsetdblattr(model, "ObjCon", *reference.queue.objcon), "TVXsetdblattr");
-    }
-    if (dice->chance(40)) {
-        reference.queue.name = name();
-        expect(0, TVXsetstrattr(model, "ModelName", reference.queue.name->c_str()),
-               "TVXsetstrattr");
-    }
+    if (dice->chance(40))
+        expect(0, TVXsetdblattr(model, "ObjCon", queue->objcon.emplace(number())));
+    if (dice->chance(40))
+        expect(0, TVXsetstrattr(model, "ModelName", queue->name.emplace(name()).c_str()));
 }
 
 void StorePlayer::change_coeffs()
@@ -314,72 +267,61 @@ void StorePlayer::change_coeffs()
     std::vector<int> rows, columns;
     std::vector<double> values;
     for (int k = dice->range(1, 8); k > 0; k--) {
-        const StoreReference::Coef change = {dice->range(0, n_constrs() - 1),
-                                             dice->range(0, n_vars() - 1),
-                                             dice->chance(5) ? 1e-14 : number()};
-        rows.push_back(change.row);
-        columns.push_back(change.var);
-        values.push_back(change.value);
-        reference.queue.coefs.push_back(change);
+        rows.push_back(dice->range(0, n_constrs() - 1));
+        columns.push_back(dice->range(0, n_vars() - 1));
+        values.push_back(dice->chance(5) ? 1e-14 : number());
+        reference.queue.coefs.push_back({rows.back(), columns.back(), values.back()});
     }
-    expect(0,
-           TVXchgcoeffs(model, static_cast<int>(rows.size()), rows.data(), columns.data(),
-                        values.data()),
-           "TVXchgcoeffs");
+    expect(0, TVXchgcoeffs(model, static_cast<int>(rows.size()), rows.data(),
+                           columns.data(), values.data()));
 }
 
 void StorePlayer::remove()
 {
-    const int what = dice->range(0, 2);
-    const int n = what == 0 ? n_vars() : what == 1 ? n_constrs() : n_sos();
-    if (n == 0) return;
+    StoreReference::Queue *queue = &reference.queue;
+    const struct {
+        int n;
+        int (*call)(TVXmodel *, int, const int *);
+        std::set<int> *gone;
+    } kinds[] = {{n_vars(), TVXdelvars, &queue->gone_vars},
+                 {n_constrs(), TVXdelconstrs, &queue->gone_constrs},
+                 {n_sos(), TVXdelsos, &queue->gone_sos}};
+    const auto &kind = kinds[dice->range(0, 2)];
+    if (kind.n == 0) return;
     std::vector<int> list;
-    for (int k = dice->range(1, 3); k > 0; k--) list.push_back(dice->range(0, n - 1));
-    const int count = static_cast<int>(list.size());
-    const auto call = what == 0 ? TVXdelvars : what == 1 ? TVXdelconstrs : TVXdelsos;
-    expect(0, call(model, count, list.data()), "delete");
-    auto &gone = what == 0   ? reference.queue.gone_vars
-                 : what == 1 ? reference.queue.gone_constrs
-                             : reference.queue.gone_sos;
-    gone.insert(list.begin(), list.end());
+    for (int k = dice->range(1, 3); k > 0; k--) list.push_back(dice->range(0, kind.n - 1));
+    expect(0, kind.call(model, static_cast<int>(list.size()), list.data()));
+    kind.gone->insert(list.begin(), list.end());
 }
 
 // Two vectors, a good one and a bad one: nothing of either may be queued. api/model_build_test.cpp has the texts.
 void StorePlayer::misuse()
 {
     constexpr std::nullptr_t NONE = nullptr;
-    const int beg[] = {0, 1}, zeros[] = {0, 0, 0}, types[] = {1, 2};
+    const int beg[] = {0, 1}, twice[] = {0, 0, 0}, types[] = {1, 2};
     const double val[] = {1, 1, 1}, bad[] = {1, dice->chance(50) ? NAN : -HUGE_VAL, 1};
     const int outside[] = {0, 0, dice->chance(50) ? -1 : n_vars()};
     const int outside_rows[] = {0, 0, dice->chance(50) ? -1 : n_constrs()};
     const int rows[] = {0, n_constrs()}, columns[] = {0, n_vars()}, sets[] = {n_sos()};
-    const auto add_rows = [&](const int *ind) {
-        return TVXaddconstrs(model, 2, 3, beg, ind, val, NONE, NONE, NONE);
-    };
-    const auto add_columns = [&](const int *ind) {
-        return TVXaddvars(model, 2, 3, beg, ind, val, NONE, NONE, NONE, NONE, NONE);
-    };
     if (n_vars() > 0) {
-        expect(10018, add_rows(zeros), "misuse");
-        expect(10006, add_rows(outside), "misuse");
-        expect(10003, TVXaddrangeconstrs(model, 2, 3, beg, zeros, bad, val, val, NONE),
-               "misuse");
-        expect(10018, TVXaddsos(model, 2, 3, types, beg, zeros, val), "misuse");
-        expect(10006, TVXaddsos(model, 2, 3, types, beg, outside, val), "misuse");
+        expect(10018, TVXaddconstrs(model, 2, 3, beg, twice, val, NONE, NONE, NONE));
+        expect(10006, TVXaddconstrs(model, 2, 3, beg, outside, val, NONE, NONE, NONE));
+        expect(10003, TVXaddrangeconstrs(model, 2, 3, beg, twice, bad, val, val, NONE));
+        expect(10018, TVXaddsos(model, 2, 3, types, beg, twice, val));
+        expect(10006, TVXaddsos(model, 2, 3, types, beg, outside, val));
     }
     if (n_constrs() > 0) {
-        expect(10018, add_columns(zeros), "misuse");
-        expect(10006, add_columns(outside_rows), "misuse");
+        expect(10018,
+               TVXaddvars(model, 2, 3, beg, twice, val, NONE, NONE, NONE, NONE, NONE));
+        expect(10006, TVXaddvars(model, 2, 3, beg, outside_rows, val, NONE, NONE, NONE,
+                                 NONE, NONE));
+        if (n_vars() > 0) expect(10003, TVXchgcoeffs(model, 2, twice, twice, bad));
     }
-    if (n_vars() > 0 && n_constrs() > 0) {
-        expect(10003, TVXchgcoeffs(model, 2, zeros, zeros, bad), "misuse");
-    }
-    expect(10006, TVXdelvars(model, 2, columns), "misuse");
-    expect(10006, TVXdelconstrs(model, 2, rows), "misuse");
-    expect(10006, TVXdelsos(model, 1, sets), "misuse");
-    expect(10006, TVXchgcoeffs(model, 2, rows, columns, val), "misuse");
-    expect(10003, TVXaddvars(model, 2, 0, NONE, NONE, NONE, NONE, NONE, NONE, "CX", NONE),
-           "misuse");
+    expect(10006, TVXdelvars(model, 2, columns));
+    expect(10006, TVXdelconstrs(model, 2, rows));
+    expect(10006, TVXdelsos(model, 1, sets));
+    expect(10006, TVXchgcoeffs(model, 2, rows, columns, val));
+    expect(10003, TVXaddvars(model, 2, 0, NONE, NONE, NONE, NONE, NONE, NONE, "CX", NONE));
 }
 
 void StorePlayer::step()

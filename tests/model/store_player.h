@@ -30,7 +30,7 @@ struct StorePlayer {
   private:
     enum class Side { LOWER, UPPER };
 
-    void expect(int code, int returned, const char *call);
+    void expect(int code, int returned, int line = __builtin_LINE());
     int room_for_vars() const;
     int room_for_constrs() const;
     double number();
@@ -42,8 +42,9 @@ struct StorePlayer {
     Entries entries(int n_elements);
 
     void add_vars();
-    void add_constrs();
-    void add_ranges();
+    void add_rows(bool ranges);
+    void add_constrs() { add_rows(false); }
+    void add_ranges() { add_rows(true); }
     void add_sos();
     void set_values();
     void set_bounds();

@@ -1,9 +1,9 @@
+// store_reference.cpp -- what each call means for the content; see the header
 #include "model/store_reference.h"
+#include "model/model.h"
 #include "model/model_store.h"
-#include "support/model_text.h"
 #include <algorithm>
 #include <cmath>
-#include <sstream>
 
 // The bounds that the type makes of those given.
 static double shown_lower(const StoreReference::Var &var)
@@ -144,7 +144,7 @@ void StoreReference::update_deletions()
                            constr_map = numbering(constrs.size(), queue.gone_constrs);
     for (std::vector<Var> *list : {&vars, &queue.vars})
         for (Var &var : *list) renumber(&var.column, constr_map);
-    for (NewConstr &added : queue.constrs) renumber(&added.row, var_map);
+    for (NewConstr &added : queue.constrs) renumber(&added.constr.row, var_map);
     for (std::vector<Sos> *list : {&sos, &queue.sos})
         for (Sos &set : *list) renumber(&set.members, var_map);
     erase_gone(&vars, queue.gone_vars);
@@ -158,8 +158,10 @@ void StoreReference::update_additions()
     std::vector<Var> ranges;
     for (const NewConstr &added : queue.constrs) {
         const int i = static_cast<int>(constrs.size());
-        for (const auto &[j, value] : added.row) vars[j].column.emplace_back(i, value);
+        for (const auto &[j, value] : added.constr.row)
+            vars[j].column.emplace_back(i, value);
         constrs.push_back(added.constr);
+        constrs.back().row.clear();
         if (!added.is_range) continue;
         Var range;
         range.name = "Rg" + added.constr.name;
@@ -184,69 +186,33 @@ void StoreReference::update()
 
 static double shown_bound(double value)
 {
-    return std::fabs(value) >= 1e30 ? std::copysign(1e100, value) : value + 0.0; // no -0
+    return std::fabs(value) >= 1e30 ? std::copysign(1e100, value) : value;
 }
 
-// The reference in the form of model_text.
-static std::string reference_text(const StoreReference &r)
+// What the library should show.
+static ModelContent shown(const StoreReference &r)
 {
-    using Var = StoreReference::Var;
-    using Constr = StoreReference::Constr;
-    std::ostringstream text;
-    text.precision(17);
-    const auto line = [&](const char *title, const auto &list, const auto &value) {
-        text << title;
-        for (const auto &element : list) text << value(element);
-        text << "\n";
-    };
-    const auto vectors = [&](const std::vector<Entries> &list) {
-        for (const Entries &entries : list) {
-            for (const auto &[k, value] : entries)
-                text << " (" << k << ", " << value << ")";
-            text << "\n";
-        }
-    };
-    std::vector<Entries> columns, rows(r.constrs.size()), members;
-    size_t numnz = 0, integers = 0, binaries = 0;
-    for (size_t j = 0; j < r.vars.size(); j++) {
-        columns.push_back(r.vars[j].column);
-        for (const auto &[i, value] : columns[j])
-            rows[i].emplace_back(static_cast<int>(j), value);
-        numnz += columns[j].size();
-        integers += r.vars[j].vtype != 'C';
-        binaries += r.vars[j].vtype == 'B';
+    ModelContent c = r;
+    int numnz = 0, integers = 0, binaries = 0;
+    for (size_t j = 0; j < c.vars.size(); j++) {
+        StoreReference::Var *var = &c.vars[j];
+        const double lb = shown_bound(shown_lower(*var)),
+                     ub = shown_bound(shown_upper(*var));
+        var->lb = lb;
+        var->ub = ub;
+        for (const auto &[i, value] : var->column)
+            c.constrs[i].row.emplace_back(static_cast<int>(j), value);
+        numnz += static_cast<int>(var->column.size());
+        integers += var->vtype != 'C';
+        binaries += var->vtype == 'B';
     }
-    for (const StoreReference::Sos &set : r.sos) members.push_back(set.members);
-    const auto blank = [](auto value) {
-        std::ostringstream out;
-        out.precision(17);
-        out << " " << value;
-        return out.str();
-    };
-    const auto name_of = [&](const auto &element) { return blank(element.name); };
-    text << r.name.value_or("") << " sense " << r.sense << " constant " << r.objcon
-         << " nonzeros " << numnz << " integers " << integers << " binaries " << binaries
-         << "\n";
-    line("VarName:", r.vars, name_of);
-    line("VType: ", r.vars, [](const Var &v) { return v.vtype; });
-    line("Obj:", r.vars, [&](const Var &v) { return blank(v.obj); });
-    line("LB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_lower(v))); });
-    line("UB:", r.vars, [&](const Var &v) { return blank(shown_bound(shown_upper(v))); });
-    line("ConstrName:", r.constrs, name_of);
-    line("Sense: ", r.constrs, [](const Constr &c) { return c.sense; });
-    line("RHS:", r.constrs, [&](const Constr &c) { return blank(c.rhs); });
-    text << "columns\n";
-    vectors(columns);
-    text << "rows\n";
-    vectors(rows);
-    line("sos", r.sos, [&](const StoreReference::Sos &set) { return blank(set.type); });
-    vectors(members);
-    return text.str();
+    c.counts = content_counts(numnz, integers, binaries);
+    return c;
 }
 
 std::string compare(TVXmodel *model, const StoreReference &r)
 {
-    const std::string is = model_text(model), should = reference_text(r);
+    const std::string is = model_text(model), should = content_text(shown(r));
     std::string wrong = is == should ? "" : "is\n" + is + "should be\n" + should;
     for (size_t j = 0; j < r.vars.size(); j++)
         for (const auto &[i, value] : r.vars[j].column) {

@@ -4,35 +4,15 @@
 // queueing routine mirrors a call of the library; update() makes the queue real in the documented
 // order. compare() reads a model through its queries and attributes and reports what differs.
 #pragma once
-#include "model/model.h"
+#include "support/model_text.h"
 #include <map>
-#include <optional>
 #include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
-using Entries = std::vector<std::pair<int, double>>; // index, value
-
-struct StoreReference {
-    struct Var {
-        std::string name;                  // "": by its index
-        double obj = 0, lb = 0, ub = 1e30; // bounds as given, whatever the type
-        char vtype = 'C';
-        Entries column; // rows in stored order
-    };
-    struct Constr {
-        std::string name;
-        char sense = '<';
-        double rhs = 0;
-    };
-    struct Sos {
-        int type = 1;
-        Entries members; // variables and weights
-    };
+// Of variables the bounds as given, whatever the type, and "" as name until the index is known; of constraints the row
+// only while they are queued.
+struct StoreReference : ModelContent {
     struct NewConstr {
         Constr constr;
-        Entries row;
         bool is_range = false;
         double lower = 0;
     };
@@ -55,12 +35,6 @@ struct StoreReference {
         std::optional<std::string> name;
     };
 
-    std::optional<std::string> name;
-    int sense = 1;
-    double objcon = 0;
-    std::vector<Var> vars;
-    std::vector<Constr> constrs;
-    std::vector<Sos> sos;
     int next_var_name = 0, next_constr_name = 0;
     Queue queue;
 

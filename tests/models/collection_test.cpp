@@ -5,10 +5,8 @@
 // TARVEX_SETTINGS=a=1,b=2       parameters to set
 // TARVEX_COLLECTION_SEED=s      of the random changes (1)
 #include "files/files_support.h"
-#include "fuzz/api_model.h"
-#include "support/lp_tarvex.h"
+#include "models/changes.h"
 #include "support/quality_check.h"
-#include "support/solve_judge.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -18,7 +16,6 @@
 
 static constexpr double REFERENCE_TOL =
     1e-6; // published values are good to more digits than that
-static constexpr int CHANGE_ROUNDS = 6;
 static constexpr double POINT_TOL = 1e-6; // unscaled violations
 
 namespace
@@ -167,45 +164,14 @@ TEST_P(Collection, reference_answer_whatever_presolve_does)
     }
 }
 
-// An optimum whose point violates something by nearly the tolerance: another run may rightly prove infeasibility.
-static bool lives_on_tolerance(TVXmodel *model)
-{
-    double bound = 0, constraint = 0;
-    return TVXgetdblattr(model, "BoundVio", &bound) == 0 &&
-           TVXgetdblattr(model, "ConstrVio", &constraint) == 0 &&
-           std::max(bound, constraint) > 1e-7;
-}
-
-// Random changes to a live model, a few at a time; then it must agree with a fresh copy by the other method.
 TEST_P(Collection, solves_after_changes_agree_with_fresh_ones)
 {
     const TestEnv env;
     TVXmodel *read = nullptr;
     ASSERT_EQ(TVXreadmodel(env.env, GetParam().file.c_str(), &read), 0);
-    LpModel lp;
-    ASSERT_EQ(lp_read_back(read, &lp), 0);
     Dice dice(
         strtoull(from_environment("TARVEX_COLLECTION_SEED", "1").c_str(), nullptr, 10));
-    ApiModel live(&dice, read);
-    live.player.linear = true;
-    ASSERT_TRUE(live.from_lp(lp));
-    for (int round = 0; round < CHANGE_ROUNDS && live.to_lp(&lp); round++) {
-        SCOPED_TRACE(round);
-        const int lp_method = dice.range(0, 1);
-        LpSolution warm, fresh;
-        ASSERT_EQ(TVXsetintparam(live.env(), "LPMethod", lp_method), 0);
-        ASSERT_EQ(lp_solve(live.model, &warm), 0);
-        const TestModel copy(TVXcopymodel(live.model));
-        ASSERT_TRUE(copy);
-        ASSERT_EQ(TVXsetintparam(TVXgetenv(copy), "LPMethod", 1 - lp_method), 0);
-        ASSERT_EQ(lp_solve(copy, &fresh), 0);
-        if (lives_on_tolerance(live.model) || lives_on_tolerance(copy)) break;
-        ASSERT_EQ(same_outcome(&warm, &fresh), "") << "method " << lp_method;
-        for (int k = dice.range(1, 3); k > 0; k--) live.player.step();
-        ASSERT_EQ(TVXupdatemodel(live.model), 0);
-        live.player.reference.update();
-        ASSERT_EQ(live.player.wrong, "");
-    }
+    expect_agreement_through_changes(&dice, read, {});
 }
 
 static std::string instance_name(const testing::TestParamInfo<Instance> &info)

@@ -1,13 +1,16 @@
 // differential_test.cpp -- the same model by different roads must give the same answer
 //
 // Models of all generated families. Every optimal answer passes the optimality checker, every planted truth must be
-// found, and where two roads lead to one model (methods, changes against a fresh start, a copy, a basis
-// taken along, a second run) both must agree.
+// found, and where two roads lead to one model (methods, reductions, changes against a fresh start, a copy, a
+// basis taken along, a second run, threads side by side) both must agree.
 //   TARVEX_DIFFERENTIAL_COUNT=n    models per test (104)
-#include "fuzz/api_model.h"
-#include "support/solve_judge.h"
+#include "model/model.h"
+#include "models/changes.h"
+#include "simplex/sopt.h"
 #include "support/structured_gen.h"
+#include <array>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace
 {
@@ -59,152 +62,173 @@ static std::string solve_fresh(TVXenv *env, const LpModel *lp, const Settings &s
     return solve_checked(model, lp, solution);
 }
 
-static bool truth_met(const GeneratedLp &g, const LpSolution &s, bool presolve)
+static std::string differs(const LpSolution &a, const LpSolution &b)
 {
-    const bool either = presolve && s.status == TVX_INF_OR_UNBD;
-    switch (g.truth) {
-    case Truth::UNKNOWN:
-        return true;
-    case Truth::INFEASIBLE:
-        return s.status == TVX_INFEASIBLE || either;
-    case Truth::UNBOUNDED:
-        return s.status == TVX_UNBOUNDED || either;
-    case Truth::OPTIMAL:
-        break;
-    }
-    return s.status == TVX_OPTIMAL &&
-           (!g.has_value || std::abs(s.objval - g.value) <= 1e-6 * (1 + std::abs(g.value)));
+    const bool same =
+        a.status == b.status && a.iterations == b.iterations && a.x == b.x && a.pi == b.pi;
+    return same ? "" : "another outcome";
 }
 
-TEST(Differential, primal_and_dual_find_the_planted_truth)
+// Empty when the planted truth is found.
+static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool presolve)
 {
+    static constexpr int STATUS[] = {0, TVX_OPTIMAL, TVX_INFEASIBLE,
+                                     TVX_UNBOUNDED}; // by Truth
+    const int expected = STATUS[static_cast<size_t>(g.truth)];
+    const bool either = presolve && expected != TVX_OPTIMAL && s.status == TVX_INF_OR_UNBD;
+    const bool value =
+        !g.has_value || std::abs(s.objval - g.value) <= 1e-6 * (1 + std::abs(g.value));
+    if (expected == 0 || either || (s.status == expected && value)) return "";
+    return "status " + std::to_string(s.status) + " value " + std::to_string(s.objval) +
+           ", planted " + std::to_string(expected) + " " + std::to_string(g.value);
+}
+
+static Settings draw_presolve_settings(Dice *dice)
+{
+    const std::pair<const char *, std::vector<double>> table[] = {
+        {"Presolve", {-1, 1, 2}},
+        {"Aggregate", {0, 1, 1}},
+        {"PrePasses", {0, 1, -1, -1}},
+        {"TARV_PAR_DUALREDUCTION", {0, 1, 1}},
+        {"TARV_PAR_PREBOUND", {0, 1, 1}},
+        {"TARV_PAR_PREPARALLEL", {0, 1, 1}},
+        {"PreDepRow", {-1, -1, 0, 1}},
+        {"PreDual", {-1, -1, 0, 1, 2}},
+        {"TARV_PAR_PRETWOROWS", {-1, 0, 1, 2}},
+        {"TARV_PAR_PRESINGLECOL", {-1, -1, 0, 1}},
+        {"LPMethod", {0, 1}},
+    };
+    Settings settings;
+    for (const auto &[name, values] : table)
+        settings.emplace_back(name, dice->pick(values));
+    return settings;
+}
+
+// By either method, plain and with presolve under any of its settings; the way back hardly ever leaves work to be done.
+TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
+{
+    constexpr int DRAWS = 6;
     const TestEnv env;
+    double iterations = 0, clean_up = 0;
     for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed);
         const Subject s = make_subject(seed, &dice);
-        for (const int presolve : {0, -1})
-            for (const int lp_method : {0, 1}) {
-                LpSolution solution;
-                const std::string wrong =
-                    solve_fresh(env.env, &s.g.lp, method(lp_method, presolve), &solution);
-                ASSERT_EQ(wrong, "") << s.text() << "method " << lp_method;
-                ASSERT_TRUE(truth_met(s.g, solution, presolve != 0))
-                    << s.text() << "method " << lp_method << " presolve " << presolve
-                    << " status " << solution.status << " value " << solution.objval
-                    << " planted " << s.g.value;
-            }
+        std::vector<Settings> roads = {method(0, 0), method(1, 0), method(0, -1),
+                                       method(1, -1)};
+        for (int k = 0; k < DRAWS; k++) roads.push_back(draw_presolve_settings(&dice));
+        for (size_t k = 0; k < roads.size(); k++) {
+            SCOPED_TRACE(s.text() + settings_text(roads[k]));
+            const bool presolve = k > 1;
+            const TestModel model(lp_load(env.env, &s.g.lp));
+            LpSolution solution;
+            ASSERT_EQ(settings_apply(TVXgetenv(model), roads[k]), 0);
+            ASSERT_EQ(solve_checked(model, &s.g.lp, &solution), "")
+                << lp_to_mps(&s.g.lp, "");
+            ASSERT_EQ(truth_missed(s.g, solution, presolve), "") << lp_to_mps(&s.g.lp, "");
+            if (solution.status == TVX_OPTIMAL)
+                (presolve ? clean_up : iterations) += model.model->lp.simplex->NPvt;
+        }
     }
+    EXPECT_LE(clean_up, 0.002 * iterations + 1);
 }
 
-// A live model goes through random changes; after each few it must agree with a fresh start of the same model by
-// the other method.
 TEST(Differential, solves_after_changes_agree_with_fresh_ones)
 {
     const TestEnv env;
     for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 1000000);
         const Subject s = make_subject(seed, &dice);
-        LpModel lp = s.g.lp;
-        ApiModel live(&dice, lp_load(env.env, &lp));
-        live.player.linear = true;
-        ASSERT_TRUE(live.from_lp(lp));
+        SCOPED_TRACE(s.text());
         const int presolve = dice.chance(70) ? 0 : -1;
-        for (int round = 0; round < 6 && live.to_lp(&lp); round++) {
-            SCOPED_TRACE(s.text() + "round " + std::to_string(round));
-            const int lp_method = dice.range(0, 1);
-            LpSolution warm, fresh;
-            ASSERT_EQ(settings_apply(live.env(), method(lp_method, presolve)), 0);
-            ASSERT_EQ(solve_checked(live.model, &lp, &warm), "");
-            ASSERT_EQ(solve_fresh(env.env, &lp, method(1 - lp_method, 0), &fresh), "");
-            ASSERT_EQ(same_outcome(&warm, &fresh), "") << lp_to_mps(&lp, "");
-            for (int k = dice.range(1, 3); k > 0; k--) {
-                live.player.step();
-                live.player.reference.update();
-                ASSERT_EQ(live.player.wrong, "");
-                if (k == 1) break; // the last change is left to TVXoptimize
-                ASSERT_EQ(TVXupdatemodel(live.model), 0);
-            }
-        }
+        expect_agreement_through_changes(&dice, lp_load(env.env, &s.g.lp),
+                                         {{"Presolve", presolve}});
+        ASSERT_FALSE(testing::Test::HasFatalFailure());
     }
 }
 
-TEST(Differential, an_optimal_basis_taken_along_needs_no_iterations)
-{
-    const TestEnv env;
-    for (int seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 3000000);
-        const Subject s = make_subject(seed, &dice);
-        LpSolution first, second;
-        ASSERT_EQ(solve_fresh(env.env, &s.g.lp, method(1, 0), &first), "") << s.text();
-        if (first.status != TVX_OPTIMAL) continue;
-        const int lp_method = dice.range(0, 1);
-        const TestModel model(lp_load(env.env, &s.g.lp));
-        ASSERT_TRUE(model);
-        ASSERT_EQ(settings_apply(TVXgetenv(model), method(lp_method, 0)), 0);
-        ASSERT_EQ(lp_set_basis(model, first.vbasis, first.cbasis), 0);
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &second), "")
-            << s.text() << "method " << lp_method;
-        ASSERT_EQ(same_outcome(&first, &second), "") << s.text();
-        ASSERT_EQ(second.iterations, 0) << s.text() << "method " << lp_method;
-    }
-}
-
-TEST(Differential, a_random_basis_is_as_good_a_start_as_any)
+// From an optimal basis of another run no iteration is needed; any other, also with a basic too few, finds the truth.
+TEST(Differential, any_basis_is_a_start_and_an_optimal_one_is_the_end)
 {
     const TestEnv env;
     for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed + 4000000);
         const Subject s = make_subject(seed, &dice);
         const size_t n = s.g.lp.obj.size(), m = s.g.lp.rhs.size();
-        std::vector<int> places(n + m), vbasis(n, -1), cbasis(m, -1);
-        for (size_t k = 0; k < n + m; k++) places[k] = static_cast<int>(k);
-        dice.shuffle(&places);
-        if (dice.chance(10) && m > 1) places.resize(m - 1); // one basic too few
-        for (size_t j = 0; j < n; j++) vbasis[j] = -dice.range(1, 3);
-        for (size_t k = 0; k < std::min(m, places.size()); k++) {
-            const size_t v = static_cast<size_t>(places[k]);
-            (v < n ? vbasis[v] : cbasis[v - n]) = 0;
+        LpSolution first, second;
+        ASSERT_EQ(solve_fresh(env.env, &s.g.lp, method(1, 0), &first), "") << s.text();
+        std::vector<int> drawn(n + m, 0);
+        for (size_t k = 0; k < n + m; k++)
+            if (k >= m) drawn[k] = -dice.range(1, 3);
+        if (dice.chance(10) && m > 1) drawn[0] = -1; // one basic too few
+        dice.shuffle(&drawn);
+        for (const bool optimal : {true, false}) {
+            if (optimal && first.status != TVX_OPTIMAL) continue;
+            const int lp_method = dice.range(0, 1),
+                      presolve = optimal ? 0 : dice.range(-1, 0);
+            SCOPED_TRACE(s.text() + settings_text(method(lp_method, presolve)));
+            std::vector<int> vbasis(drawn.begin(), drawn.begin() + static_cast<long>(n)),
+                cbasis;
+            for (size_t k = n; k < n + m; k++) cbasis.push_back(std::max(drawn[k], -1));
+            const TestModel model(lp_load(env.env, &s.g.lp));
+            ASSERT_EQ(settings_apply(TVXgetenv(model), method(lp_method, presolve)), 0);
+            ASSERT_EQ(optimal ? lp_set_basis(model, first.vbasis, first.cbasis)
+                              : lp_set_basis(model, vbasis, cbasis),
+                      0);
+            ASSERT_EQ(solve_checked(model, &s.g.lp, &second), "");
+            ASSERT_EQ(truth_missed(s.g, second, presolve != 0), "");
+            ASSERT_TRUE(!optimal || second.iterations == 0) << second.iterations;
         }
-        LpSolution solution;
-        const int lp_method = dice.range(0, 1), presolve = dice.range(-1, 0);
-        const TestModel model(lp_load(env.env, &s.g.lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(model), method(lp_method, presolve)), 0);
-        ASSERT_EQ(lp_set_basis(model, vbasis, cbasis), 0);
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &solution), "") << s.text() << lp_method;
-        ASSERT_TRUE(truth_met(s.g, solution, presolve != 0))
-            << s.text() << "method " << lp_method << " presolve " << presolve << " status "
-            << solution.status << " value " << solution.objval << " planted " << s.g.value;
     }
 }
 
-TEST(Differential, copies_and_second_runs_do_exactly_the_same)
+// Loads, solves, changes and solves again; what is wrong, and both outcomes.
+static std::string play(TVXenv *env, const LpModel &lp, const Settings &settings,
+                        LpSolution outcomes[2])
 {
-    const TestEnv env;
-    for (int seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 8000000);
-        const Subject s = make_subject(seed, &dice);
-        const Settings settings = settings_draw(&dice);
-        const TestModel model(lp_load(env.env, &s.g.lp)), same(lp_load(env.env, &s.g.lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
-        ASSERT_EQ(settings_apply(TVXgetenv(same), settings), 0);
-        const TestModel copy(TVXcopymodel(model));
-        ASSERT_TRUE(copy);
-        LpModel held;
-        ASSERT_EQ(lp_read_back(copy, &held), 0);
-        ASSERT_TRUE(lp_same(&held, &s.g.lp)) << s.text();
-        LpSolution first, second, third, fourth;
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &first), "")
-            << s.text() << settings_text(settings);
-        ASSERT_EQ(solve_checked(same, &s.g.lp, &second), "") << s.text();
-        ASSERT_EQ(solve_checked(copy, &s.g.lp, &third), "") << s.text();
-        ASSERT_EQ(TVXresetmodel(model), 0);
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &fourth), "") << s.text();
-        for (const LpSolution *other : {&second, &third, &fourth}) {
-            ASSERT_EQ(first.status, other->status) << s.text() << settings_text(settings);
-            ASSERT_EQ(first.iterations, other->iterations)
-                << s.text() << settings_text(settings);
-            ASSERT_EQ(first.x, other->x) << s.text() << settings_text(settings);
-            ASSERT_EQ(first.pi, other->pi) << s.text() << settings_text(settings);
+    const TestModel model(lp_load(env, &lp)), copy(TVXcopymodel(model));
+    if (!model || !copy || settings_apply(TVXgetenv(model), settings) ||
+        settings_apply(TVXgetenv(copy), settings))
+        return "load failed";
+    LpModel held;
+    LpSolution again;
+    std::string wrong =
+        lp_read_back(copy, &held) || !lp_same(&held, &lp) ? "a copy differs" : "";
+    wrong += solve_checked(model, &lp, &outcomes[0]) + solve_checked(copy, &lp, &again) +
+             differs(outcomes[0], again);
+    if (TVXresetmodel(model)) wrong += "no reset";
+    wrong += solve_checked(model, &lp, &again) + differs(outcomes[0], again);
+    if (lp.num_vars() > 0 && TVXsetdblattrelement(model, "Obj", 0, 3))
+        wrong += "change failed";
+    return lp_solve(model, &outcomes[1]) ? TVXgetmerrormsg(model) : wrong;
+}
+
+// Whoever solves: a model, its copy, the same after a reset, and several environments side by side in threads.
+TEST(Differential, copies_second_runs_and_threads_do_exactly_the_same)
+{
+    constexpr size_t THREADS = 3;
+    const size_t count = static_cast<size_t>(subject_count());
+    std::vector<std::array<LpSolution, 2>> outcomes[THREADS];
+    std::string wrong[THREADS];
+    const auto run = [&](size_t t) {
+        const TestEnv env;
+        outcomes[t].resize(count);
+        for (size_t k = 0; k < count; k++) {
+            const size_t number = (k + 7 * t) % count;
+            Dice dice(number + 8000000);
+            const Subject s = make_subject(static_cast<int>(number), &dice);
+            const Settings settings = settings_draw(&dice);
+            const std::string told =
+                play(env.env, s.g.lp, settings, outcomes[t][number].data());
+            if (!told.empty()) wrong[t] += s.text() + settings_text(settings) + told + "\n";
         }
+    };
+    std::vector<std::thread> threads;
+    for (size_t t = 0; t < THREADS; t++) threads.emplace_back(run, t);
+    for (std::thread &thread : threads) thread.join();
+    for (size_t t = 0; t < THREADS; t++) {
+        EXPECT_EQ(wrong[t], "");
+        for (size_t k = 0; k < count; k++)
+            for (const int leg : {0, 1})
+                EXPECT_EQ(differs(outcomes[t][k][leg], outcomes[0][k][leg]), "") << k;
     }
 }

@@ -15,25 +15,21 @@ const double SIZES[] = {1e15, 1e19, 1e20, 1e30, 1e99, 1e100, 1e200, 1e300, 1e307
 struct HugeNumbers : ModelTest {
     Settings more; // on all roads
 
-    // Calls look(road) after each solve; `fresh` holds the fixture's model otherwise.
+    // Calls look(status) after each solve.
     template<class Look> void solve_all(const LpModel &lp, const Look &look)
     {
-        for (const double method : {0, 1})
-            for (const double form : {0, 1, 2})
-                for (const double presolve : {-1, 0})
-                    for (const double scale : {0, 1}) {
-                        Settings road = {{"LPMethod", method},
-                                         {"Presolve", presolve},
-                                         {"PreDual", form},
-                                         {"ScaleFlag", scale}};
-                        road.insert(road.end(), more.begin(), more.end());
-                        load(lp);
-                        ASSERT_EQ(settings_apply(own(), road), 0);
-                        ASSERT_EQ(TVXoptimize(model), 0) << settings_text(road);
-                        SCOPED_TRACE(settings_text(road));
-                        look(integer("Status"));
-                        if (HasFailure()) return;
-                    }
+        for (const Settings &road : settings_product({{"LPMethod", {0, 1}},
+                                                      {"PreDual", {0, 1, 2}},
+                                                      {"Presolve", {-1, 0}},
+                                                      {"ScaleFlag", {0, 1}}},
+                                                     more)) {
+            SCOPED_TRACE(settings_text(road));
+            load(lp);
+            ASSERT_EQ(settings_apply(own(), road), 0);
+            ASSERT_EQ(TVXoptimize(model), 0);
+            look(integer("Status"));
+            if (HasFailure()) return;
+        }
     }
     void expect_optimum(const LpModel &lp, double value)
     {
@@ -64,11 +60,7 @@ struct HugeNumbers : ModelTest {
 // min a x + b y  subject to  x + y >= 3,  0 <= x, y <= ub
 LpModel two_costs(double a, double b, double ub)
 {
-    LpModel lp;
-    lp_add_var(&lp, a, 0, ub);
-    lp_add_var(&lp, b, 0, ub);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 3);
-    return lp;
+    return lp_make({{a, 0, ub}, {b, 0, ub}}, {{{1, 1}, '>', 3}});
 }
 
 } // namespace
@@ -99,26 +91,15 @@ TEST_F(HugeNumbers, overflow_is_told_as_numeric_trouble)
 {
     expect_honest(two_costs(1.7e308, 1.7e308, INF));
     for (const double size : {1e10, 1e19, 1e100, 1e160, 1e300, 1.7e308}) {
-        LpModel lp; // min x + y with size x + y >= 3: scaled away, x = 0 looks feasible
-        lp_add_var(&lp, 1, 0, INF);
-        lp_add_var(&lp, 1, 0, INF);
-        lp_add_row_entries(&lp, {{0, size}, {1, 1}}, '>', 3);
-        expect_honest(lp);
-        lp = LpModel(); // products of coefficients overflow
-        lp_add_var(&lp, -1, 0, INF);
-        lp_add_var(&lp, -2, 0, INF);
-        lp_add_row_entries(&lp, {{0, size}, {1, 1}}, '<', 1e10);
-        lp_add_row_entries(&lp, {{0, 1}, {1, size}}, '<', 4);
-        expect_honest(lp);
+        // Scaled away, x = 0 looks feasible; and products of coefficients overflow.
+        expect_honest(lp_make({{1}, {1}}, {{{size, 1}, '>', 3}}));
+        expect_honest(lp_make({{-1}, {-2}}, {{{size, 1}, '<', 1e10}, {{1, size}, '<', 4}}));
     }
 }
 
 TEST_F(HugeNumbers, what_counts_as_infinite_never_exceeds_what_is_stored_as_infinite)
 {
-    LpModel rising; // min y - x  subject to  x - y >= -5
-    lp_add_var(&rising, -1, -INF, INF);
-    lp_add_var(&rising, 0.5, 0, INF);
-    lp_add_row_entries(&rising, {{0, 1}, {1, -1}}, '>', -5);
+    const LpModel rising = lp_make({{-1, -INF, INF}, {0.5}}, {{{1, -1}, '>', -5}});
     LpModel capped = two_costs(-1, 1, 5e6);
     for (const double infinite : {1e6, 1e20, 1e30, 1e31, 1e100}) {
         more = {{"TARV_PAR_INFBOUND", infinite}};
@@ -142,10 +123,8 @@ TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
     ASSERT_EQ(TVXsetdblparam(own(), "TARV_PAR_INFBOUND", 1e30), 0);
     EXPECT_EQ(objective(), -5e6);
 
-    LpModel lp; // presolve alone finds it infeasible, and no simplex record is left
-    for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, 5e6);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 2e7);
-    load(lp);
+    // Presolve alone finds it infeasible, and no simplex record is left.
+    load(lp_make({{1, 0, 5e6}, {1, 0, 5e6}}, {{{1, 1}, '>', 2e7}}));
     ASSERT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(integer("Status"), TVX_INFEASIBLE);
     EXPECT_EQ(model->lp.simplex, nullptr);
@@ -161,10 +140,10 @@ TEST_F(HugeNumbers, the_infinite_bound_may_change_between_solves)
 TEST_F(HugeNumbers, lines_of_huge_and_tiny_entries_are_scaled)
 {
     for (const double size : {1e-200, 1e-160, 1e154, 1e170, 1e290}) {
-        LpModel lp; // min x + y,  size (x - y / 2) >= 0,  size (1e-11 x - y) <= 0,  y >= 4
-        for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 4 * j, 10);
-        lp_add_row_entries(&lp, {{0, size}, {1, -size / 2}}, '>', 0);
-        lp_add_row_entries(&lp, {{0, 1e-11 * size}, {1, -size}}, '<', 0);
+        // min x + y,  size (x - y / 2) >= 0,  size (1e-11 x - y) <= 0,  y >= 4
+        const LpModel lp =
+            lp_make({{1, 0, 10}, {1, 4, 10}},
+                    {{{size, -size / 2}, '>', 0}, {{1e-11 * size, -size}, '<', 0}});
         SCOPED_TRACE(size);
         for (const double method : {0, 1}) {
             load(lp);

@@ -1,6 +1,7 @@
-// judges_test.cpp -- the judges and generators themselves: planted faults are seen, promises are kept
+// judges_test.cpp -- the judges of exact answers and of optimality, and generators: planted faults are seen
 //
 // Each answer of the exact judge is proved from its certificate wherever it is used; here the proof is tested.
+#include "support/dictionary.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
@@ -8,54 +9,15 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-// The dual written down as an LP of its own has the same value.
-static LpModel write_dual(const LpModel &lp)
+// min -x - y,  x + y <= 3,  0 <= x <= 2,  0 <= y: value -3 at (2, 1), every multiplier -1 or 0
+static LpModel corner()
 {
-    // max  rhs y + lb l - ub u    with  A'y + l - u = obj,   y by sense, l, u >= 0 where the bound exists.
-    LpModel dual;
-    dual.sense = -1;
-    for (size_t i = 0; i < lp.rhs.size(); i++)
-        lp_add_var(&dual, lp.rhs[i], lp.senses[i] == '>' ? 0 : -LP_INFINITY,
-                   lp.senses[i] == '<' ? 0 : LP_INFINITY);
-    for (size_t j = 0; j < lp.obj.size(); j++) {
-        const int row = lp_add_row(&dual, '=', lp.obj[j] * lp.sense);
-        for (const LpEntry &e : lp.cols[j]) lp_set_entry(&dual, row, e.row, e.value);
-        if (!lp_is_infinite(lp.lb[j]))
-            lp_set_entry(&dual, row, lp_add_var(&dual, lp.lb[j], 0, LP_INFINITY), 1);
-        if (!lp_is_infinite(lp.ub[j]))
-            lp_set_entry(&dual, row, lp_add_var(&dual, -lp.ub[j], 0, LP_INFINITY), -1);
-    }
-    return dual;
-}
-
-TEST(RationalLp, agrees_with_its_own_dual)
-{
-    int seen[3] = {0, 0, 0};
-    for (uint64_t seed = 0; seed < 3000; seed++) {
-        Dice dice(seed);
-        const LpModel lp = gen_tiny(&dice, TinyLimits{});
-        const LpModel dual = write_dual(lp);
-        const RationalResult p = rational_solve(&lp), d = rational_solve(&dual);
-        seen[static_cast<int>(p.status)]++;
-        if (p.status == LpStatus::INFEASIBLE) {
-            ASSERT_NE(d.status, LpStatus::OPTIMAL) << seed;
-            continue;
-        }
-        ASSERT_EQ(d.status == LpStatus::INFEASIBLE, p.status == LpStatus::UNBOUNDED);
-        if (p.status == LpStatus::OPTIMAL) {
-            ASSERT_EQ(d.value * lp.sense + lp.objcon, p.value) << seed;
-        }
-    }
-    for (const int count : seen) EXPECT_GE(count, 300); // each verdict is well represented
+    return lp_make({{-1, 0, 2}, {-1}}, {{{1, 1}, '<', 3}});
 }
 
 TEST(RationalLp, verifier_refuses_wrong_claims)
 {
-    // min -x - y,  x + y <= 3,  0 <= x <= 2,  0 <= y: value -3
-    LpModel lp;
-    lp_add_var(&lp, -1, 0, 2);
-    lp_add_var(&lp, -1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 3);
+    const LpModel lp = corner();
     const RationalResult right = rational_solve(&lp);
     ASSERT_EQ(right.value, -3);
     void (*const faults[])(RationalResult *) = {
@@ -75,30 +37,46 @@ TEST(RationalLp, verifier_refuses_wrong_claims)
     }
 }
 
-// ---- The checker of optimality ----
-
-static LpSolution solution_of(const LpModel &lp, const RationalResult &exact)
+TEST(RationalLp, relaxing_moves_every_side_exactly)
 {
-    LpSolution s;
-    s.objval = exact.value.get_d();
-    for (const mpq_class &v : exact.x) s.x.push_back(v.get_d());
-    for (const mpq_class &v : exact.pi) s.pi.push_back(v.get_d());
-    std::vector<mpq_class> activity(lp.rhs.size());
-    for (size_t j = 0; j < lp.obj.size(); j++) {
-        mpq_class rc = lp.obj[j];
-        for (const LpEntry &e : lp.cols[j]) {
-            rc -= e.value * exact.pi[e.row];
-            activity[e.row] += e.value * exact.x[j];
-        }
-        s.rc.push_back(rc.get_d());
-    }
-    for (size_t i = 0; i < lp.rhs.size(); i++)
-        s.slack.push_back(mpq_class(lp.rhs[i] - activity[i]).get_d());
-    s.has_basis = true;
-    s.vbasis = exact.vbasis;
-    s.cbasis = exact.cbasis;
-    return s;
+    LpModel lp = corner();
+    EXPECT_EQ(rational_solve(&lp, 0.25).value, mpq_class(-13, 4));
+    lp.senses[0] = '=';
+    EXPECT_EQ(rational_solve(&lp, 0.25).value, mpq_class(-13, 4));
+    lp_add_row_entries(&lp, {{0, 1}}, '>', 2.5); // half a unit beyond the bound
+    EXPECT_EQ(rational_solve(&lp, 0.1875).status, LpStatus::INFEASIBLE);
+    EXPECT_EQ(rational_solve(&lp, 0.25).status, LpStatus::OPTIMAL);
 }
+
+TEST(RationalLp, relaxation_sees_what_doubles_cannot_add)
+{
+    // 1e10 <= x <= 1e10 - 1.9e-6, where 1e10 + 1e-7 is 1e10 in doubles
+    const LpModel lp = lp_make({{1, 1e10}}, {{{1}, '<', 1e10 - 1.9073486328125e-06}});
+    EXPECT_EQ(rational_solve(&lp, 9.5e-7).status, LpStatus::INFEASIBLE);
+    EXPECT_EQ(rational_solve(&lp, 9.6e-7).status, LpStatus::OPTIMAL);
+    const RationalResult fits = rational_solve(&lp, 9.6e-7);
+    EXPECT_EQ(rational_verify(&lp, &fits, 9.6e-7), "");
+    EXPECT_NE(rational_verify(&lp, &fits, 9.5e-7), "");
+}
+
+// The first attempt in many digits hides the method in rationals; here it stands alone.
+TEST(RationalLp, the_method_in_rationals_finds_the_same)
+{
+    for (uint64_t seed = 0; seed < 500; seed++) {
+        Dice dice(seed);
+        const LpModel lp = gen_tiny(&dice, TinyLimits{});
+        const RationalResult right = rational_solve(&lp);
+        if (right.crossed >= 0) continue;
+        RationalResult slow;
+        ASSERT_TRUE(rational_certificate(&lp, 0, dictionary_solve<mpq_class>(&lp, 0, false),
+                                         &slow));
+        ASSERT_EQ(rational_verify(&lp, &slow), "") << seed;
+        ASSERT_EQ(slow.status, right.status) << seed;
+        ASSERT_EQ(slow.value, right.value) << seed;
+    }
+}
+
+// ---- The checker of optimality ----
 
 TEST(LpCheck, accepts_exact_optima_and_sees_each_planted_fault)
 {
@@ -109,7 +87,7 @@ TEST(LpCheck, accepts_exact_optima_and_sees_each_planted_fault)
         const LpModel lp = gen_tiny(&dice, limits);
         const RationalResult exact = rational_solve(&lp);
         if (exact.status != LpStatus::OPTIMAL || lp.obj.empty() || lp.rhs.empty()) continue;
-        const LpSolution good = solution_of(lp, exact);
+        const LpSolution good = exact_solution(&lp, exact);
         ASSERT_EQ(judge_optimal(&lp, &good), "") << lp_to_mps(&lp, "");
         if (count++ % 2 == 0) continue; // scaled: the same faults may be tolerable
         const int j = dice.range(0, lp.num_vars() - 1),
@@ -153,11 +131,8 @@ TEST(LpCheck, accepts_exact_optima_and_sees_each_planted_fault)
 TEST(LpCheck, sees_vertices_that_are_not_optimal_and_a_singular_basis)
 {
     // max x + y, x + 2y <= 4, x <= 3: optimum 3.5 at (3, 0.5); (0, 2) is a vertex with value 2
-    LpModel lp;
+    LpModel lp = lp_make({{1, 0, 3}, {1}}, {{{1, 2}, '<', 4}});
     lp.sense = -1;
-    lp_add_var(&lp, 1, 0, 3);
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 2}}, '<', 4);
     const LpSolution good{2, 3.5, 0, {3, 0.5}, {0.5, 0}, {0.5}, {0}, true, {-2, 0}, {-1}};
     const LpSolution vertex{2, 2, 0, {0, 2}, {0.5, 0}, {0.5}, {0}, true, {-1, 0}, {-1}};
     const LpSolution slacks{2, 0, 0, {0, 0}, {1, 1}, {0}, {4}, true, {-1, -1}, {0}};
@@ -165,9 +140,8 @@ TEST(LpCheck, sees_vertices_that_are_not_optimal_and_a_singular_basis)
     EXPECT_NE(judge_optimal(&lp, &vertex), "");
     EXPECT_NE(judge_optimal(&lp, &slacks), "");
 
-    LpModel twice; // two equal rows, two equal columns basic: the right count, but no basis
-    for (int k = 0; k < 2; k++) lp_add_var(&twice, 0, 0, LP_INFINITY);
-    for (int k = 0; k < 2; k++) lp_add_row_entries(&twice, {{0, 1}, {1, 1}}, '=', 2);
+    // two equal rows, two equal columns basic: the right count, but no basis
+    const LpModel twice = lp_make({{}, {}}, {{{1, 1}, '=', 2}, {{1, 1}, '=', 2}});
     LpSolution s{2, 0, 0, {2, 0}, {0, 0}, {0, 0}, {0, 0}, true, {0, 0}, {-1, -1}};
     EXPECT_NE(judge_optimal(&twice, &s), "");
     s.vbasis = {0, -1};

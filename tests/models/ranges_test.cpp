@@ -38,25 +38,22 @@ struct Ranges {
     int at_ends = 0, beyond = 0;
     std::string wrong;
 
-    bool on_line(const Mover &mover, double to, double tolerance)
+    // Is the value on the line there, or off it?
+    void expect(const Mover &mover, double to, bool on, double tolerance)
     {
         const double from = std::exchange(*mover.place, to);
         const RationalResult truth = rational_solve(&lp);
         *mover.place = from;
-        const double expected =
+        const double line =
             solution.objval + (mover.slope != 0 ? mover.slope * (to - from) : 0);
-        return truth.status == LpStatus::OPTIMAL &&
-               std::fabs(truth.value.get_d() - expected) <
-                   tolerance * (1 + std::fabs(expected));
-    }
-
-    void expect(const Mover &mover, double to, bool on, double tolerance)
-    {
-        if (on_line(mover, to, tolerance) == on) return;
+        const bool is_on =
+            truth.status == LpStatus::OPTIMAL &&
+            std::fabs(truth.value.get_d() - line) < tolerance * (1 + std::fabs(line));
+        if (is_on == on) return;
         std::ostringstream text;
-        text << mover.text << " = " << *mover.place << " in [" << mover.low << ", "
-             << mover.up << "], slope " << mover.slope << (on ? ", off" : ", on")
-             << " the line at " << to << "\n";
+        text << mover.text << " = " << from << " in [" << mover.low << ", " << mover.up
+             << "], slope " << mover.slope << (on ? ", off" : ", on") << " the line at "
+             << to << "\n";
         wrong += text.str();
     }
 
@@ -75,12 +72,6 @@ struct Ranges {
         if (!mover.no_ties) return;
         beyond++;
         expect(mover, end + side * BEYOND, false, SAME);
-    }
-
-    void check(const Mover &mover)
-    {
-        check_end(mover, -1);
-        check_end(mover, +1);
     }
 };
 
@@ -121,7 +112,7 @@ void check_ranges(TVXmodel *model, Ranges *r)
             const std::string attribute = "SA" + name + (end == &mover.up ? "Up" : "Low");
             EXPECT_EQ(TVXgetdblattrelement(model, attribute.c_str(), k, end), 0);
         }
-        r->check(mover);
+        for (const int side : {-1, 1}) r->check_end(mover, side);
     };
     for (int j = 0; j < lp->num_vars(); j++) {
         const double rc = s.vbasis[j] != 0 && std::fabs(s.rc[j]) > TIE ? s.rc[j] : 0;
@@ -137,12 +128,10 @@ struct Sensitivity : ModelTest {
     // The bakery of the examples: 10 oven, 180 flour, 20 work; 5.82 of cake and 3.27 of bread.
     void bakery(bool solve)
     {
-        LpModel lp;
+        LpModel lp = lp_make({{45}, {80}, {30}}, {{{1, 1.5, 0.5}, '<', 10},
+                                                  {{-14, -8, -9}, '>', -180},
+                                                  {{0.6, 2, 0.8}, '<', 20}});
         lp.sense = -1;
-        for (const double profit : {45, 80, 30}) lp_add_var(&lp, profit, 0, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, 1.5}, {2, 0.5}}, '<', 10);
-        lp_add_row_entries(&lp, {{0, -14}, {1, -8}, {2, -9}}, '>', -180);
-        lp_add_row_entries(&lp, {{0, 0.6}, {1, 2}, {2, 0.8}}, '<', 20);
         load(lp);
         if (solve) objective();
     }

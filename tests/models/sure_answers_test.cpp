@@ -1,4 +1,5 @@
-// sure_answers_test.cpp -- answers that hold in the units of the model, cutoffs, and starts in the dual form
+// sure_answers_test.cpp -- models on which a tolerance, a scale or a huge number misleads: right by exact arithmetic
+// whatever the route; cutoffs, and starts in the dual form
 #include "simplex/simplex.h"
 #include "support/hostile_gen.h"
 #include "support/model_test.h"
@@ -10,6 +11,8 @@
 
 namespace
 {
+constexpr double INF = LP_INFINITY;
+
 struct SureAnswers : ModelTest {
     void load_with(const LpModel &lp, const Settings &settings)
     {
@@ -18,105 +21,101 @@ struct SureAnswers : ModelTest {
     }
 };
 
-const std::vector<Settings> ROUTES = {{},
-                                      {{"Presolve", 0}},
-                                      {{"LPMethod", 0}, {"Presolve", 0}},
-                                      {{"PreDual", 1}},
-                                      {{"ScaleFlag", 0}, {"Presolve", 0}}};
-
-// max x,  x <= y,  y <= M z,  z <= 1
-LpModel chain(double m)
+// Either method on the model, a reduced one and its dual form, scaled and not, in both precisions.
+void expect_right(const LpModel &lp)
 {
-    LpModel lp;
-    lp.sense = -1;
-    for (const double obj : {1, 0, 0}) lp_add_var(&lp, obj, 0, LP_INFINITY);
-    lp.ub[2] = 1;
-    lp_add_row_entries(&lp, {{0, 1}, {1, -1}}, '<', 0);
-    lp_add_row_entries(&lp, {{1, 1}, {2, -m}}, '<', 0);
-    return lp;
+    const TestEnv env;
+    for (const Settings &road : settings_product({{"LPMethod", {0, 1}},
+                                                  {"Presolve", {-1, 0}},
+                                                  {"PreDual", {-1, 1}},
+                                                  {"ScaleFlag", {0, 1}},
+                                                  {"Quad", {-1, 0, 1}}}))
+        ASSERT_EQ(solve_and_judge(env.env, &lp, road), "")
+            << lp_to_mps(&lp, settings_text(road));
 }
 
-// min -3 x + 7,  -x + 4 y >= 1,  3 x + y - 5 z >= 42,  y <= M z,  z <= 1: x = 4 M - 1
-LpModel big_m(double m)
+// x0 = first, each variable `factor` times the one before, the last one at most `end`; minimise the sum.
+LpModel rising_chain(double first, double factor, int steps, double end)
 {
-    LpModel lp;
-    lp.objcon = 7;
-    for (const double obj : {-3, 0, 0}) lp_add_var(&lp, obj, 0, LP_INFINITY);
-    lp.ub[2] = 1;
-    lp_add_row_entries(&lp, {{0, -1}, {1, 4}}, '>', 1);
-    lp_add_row_entries(&lp, {{0, 3}, {1, 1}, {2, -5}}, '>', 42);
-    lp_add_row_entries(&lp, {{1, 1}, {2, -m}}, '<', 0);
+    LpModel lp = lp_make({{1}}, {{{1}, '=', first}});
+    for (int k = 1; k <= steps; k++)
+        lp_add_row_entries(&lp, {{k - 1, factor}, {lp_add_var(&lp, 1, 0, INF), -1}}, '=',
+                           0);
+    lp_add_row_entries(&lp, {{steps, 1}}, '<', end);
     return lp;
 }
 } // namespace
 
 TEST_F(SureAnswers, a_coefficient_of_one_beside_a_huge_one_still_blocks)
 {
-    for (double m = 1e5; m <= 1e12; m *= 10)
-        for (const Settings &settings : ROUTES) {
-            load_with(chain(m), settings);
-            EXPECT_NEAR(objective(), m, 1e-9 * m) << settings_text(settings);
-            EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << m << "\n"
-                                                      << settings_text(settings);
-            load_with(big_m(m), settings);
-            EXPECT_NEAR(objective(), 10 - 12 * m, 1e-9 * m) << settings_text(settings);
-            EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << m << "\n"
-                                                      << settings_text(settings);
-        }
+    for (double m = 1e5; m <= 1e12; m *= 10) {
+        SCOPED_TRACE(m);
+        // max x,  x <= y,  y <= M z,  z <= 1
+        LpModel chain =
+            lp_make({{1}, {0}, {0, 0, 1}}, {{{1, -1}, '<', 0}, {{0, 1, -m}, '<', 0}});
+        chain.sense = -1;
+        expect_right(chain);
+        // min -3 x + 7,  -x + 4 y >= 1,  3 x + y - 5 z >= 42,  y <= M z,  z <= 1: x = 4 M - 1
+        LpModel big_m =
+            lp_make({{-3}, {0}, {0, 0, 1}},
+                    {{{-1, 4}, '>', 1}, {{3, 1, -5}, '>', 42}, {{0, 1, -m}, '<', 0}});
+        big_m.objcon = 7;
+        expect_right(big_m);
+    }
 }
 
-// A step of 1e12 makes the distance to the bound and the tolerance one number.
 // Each entry of the ray is small against the next one, and none is rounding: x_t = k x_t+1, the last one bounded.
 TEST_F(SureAnswers, a_chain_of_factors_is_bounded_by_its_far_end)
 {
     const std::pair<double, int> chains[] = {{2, 55}, {10, 17}, {1000, 6}, {1e4, 5}};
-    for (const auto &[factor, periods] : chains)
-        for (const Settings &settings : ROUTES) {
-            LpModel lp;
-            for (int t = 0; t <= periods; t++)
-                lp_add_var(&lp, t == 0 ? -1 : 0, 0, t < periods ? LP_INFINITY : 1);
-            for (int t = 0; t < periods; t++)
-                lp_add_row_entries(&lp, {{t, 1}, {t + 1, -factor}}, '=', 0);
-            load_with(lp, settings);
-            const double best = -std::pow(factor, periods);
-            EXPECT_NEAR(objective(), best, 1e-9 * -best) << factor << "\n"
-                                                         << settings_text(settings);
-            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
-        }
+    for (const auto &[factor, periods] : chains) {
+        LpModel lp;
+        for (int t = 0; t <= periods; t++)
+            lp_add_var(&lp, t == 0 ? -1 : 0, 0, t < periods ? INF : 1);
+        for (int t = 0; t < periods; t++)
+            lp_add_row_entries(&lp, {{t, 1}, {t + 1, -factor}}, '=', 0);
+        expect_right(lp);
+    }
+}
+
+TEST_F(SureAnswers, large_multipliers_and_steps_hide_nothing)
+{
+    const double last = 1e-5 * (1 << 17); // the first row has multiplier 2^17
+    for (const double end : {last - 0.01, last})
+        expect_right(rising_chain(1e-5, 2, 17, end));
+    // A step of 1e12 makes the distance to the bound and the tolerance one number.
+    const LpModel far = lp_make({{-1}, {0, 0, 1}}, {{{1, 1}, '<', 1e12}});
+    for (const double tol : {1e-6, 1e-9}) {
+        load_with(far, {{"LPMethod", 0}, {"Presolve", 0}, {"FeasibilityTol", tol}});
+        EXPECT_EQ(objective(), -1e12);
+    }
+    // What the tolerance would allow is half a per cent of the objective: a small reduced cost, a small violation.
+    expect_right(lp_make({{1, 1}, {-5e-7}}, {{{0, 1}, '<', 1e4}}));
+    expect_right(lp_make({{1, 1}, {1e4}}, {{{0, 1}, '>', 5e-7}}));
 }
 
 // No pivot, no flip: nothing but looks of the stall guard ends such a run.
 TEST_F(SureAnswers, a_run_that_never_pivots_ends)
 {
-    LpModel lp;
-    lp_add_var(&lp, 0, -LP_INFINITY, LP_INFINITY);
-    lp_add_var(&lp, 0, 0, 0);
-    const double entry[] = {9, 3, -1, 8, 2, -3, 2}, rhs[] = {9, 6, 1, 10, 2, -3, 2};
-    for (int i = 0; i < 7; i++) {
-        if (i == 2)
-            lp_add_row_entries(&lp, {{0, entry[i]}, {1, -1e-300}}, '<', rhs[i]);
-        else if (i == 4)
-            lp_add_row_entries(&lp, {{0, entry[i]}, {1, 1e-20}}, '=', rhs[i]);
-        else
-            lp_add_row_entries(&lp, {{0, entry[i]}}, '<', rhs[i]);
-    }
-    for (const Settings &settings : ROUTES) {
-        load_with(lp, settings);
-        EXPECT_EQ(objective(), 0);
-        EXPECT_EQ(integer("Status"), TVX_OPTIMAL) << settings_text(settings);
-    }
+    expect_right(lp_make({{0, -INF, INF}, {0, 0, 0}}, {{{9}, '<', 9},
+                                                       {{3}, '<', 6},
+                                                       {{-1, -1e-300}, '<', 1},
+                                                       {{8}, '<', 10},
+                                                       {{2, 1e-20}, '=', 2},
+                                                       {{-3}, '<', -3},
+                                                       {{2}, '<', 2}}));
 }
 
-TEST_F(SureAnswers, a_row_blocks_however_far_it_is)
+TEST_F(SureAnswers,
+       a_model_that_is_feasible_within_the_tolerance_only_stays_so_at_any_price)
 {
-    LpModel lp; // min -x, x <= 1e12 by a row
-    lp_add_var(&lp, -1, 0, LP_INFINITY);
-    lp_add_var(&lp, 0, 0, 1);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 1e12);
-    for (const double tol : {1e-6, 1e-9}) {
-        load_with(lp, {{"LPMethod", 0}, {"Presolve", 0}, {"FeasibilityTol", tol}});
-        EXPECT_EQ(objective(), -1e12);
-    }
+    for (const double method : {0, 1})
+        for (const double scale : {0, 1}) {
+            load_with(lp_make({{1e4, 0, 1 - 5e-7}}, {{{1}, '>', 1}}),
+                      {{"LPMethod", method}, {"ScaleFlag", scale}});
+            ASSERT_EQ(TVXoptimize(model), 0);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        }
 }
 
 TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
@@ -128,15 +127,12 @@ TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
         const double value = objective(), iterations = dbl("IterCount"),
                      size = std::fabs(value);
         for (const double share : {-100.0, -1e-3, 1e-3}) { // of the value
-            load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}});
             const double cutoff = value + lp.lp.sense * share * (1 + size);
-            ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", cutoff), 0);
+            load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}, {"Cutoff", cutoff}});
             ASSERT_EQ(TVXoptimize(model), 0);
             EXPECT_EQ(integer("Status"), share < 0 ? TVX_CUTOFF : TVX_OPTIMAL);
-            EXPECT_LE(dbl("IterCount"), 2 * iterations + 10);
-            if (share < -1) {
-                EXPECT_LE(dbl("IterCount"), 0.7 * iterations);
-            }
+            EXPECT_LE(dbl("IterCount"),
+                      share < -1 ? 0.7 * iterations : 2 * iterations + 10);
         }
     }
 }
@@ -144,14 +140,11 @@ TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
 // A reduced cost of -5e-7 is within the tolerance, but x goes to 1e6: the least value is -0.5.
 TEST_F(SureAnswers, a_reduced_cost_within_the_tolerance_is_no_bound_for_a_cutoff)
 {
-    LpModel lp;
-    lp_add_var(&lp, -5e-7, 0, LP_INFINITY);
-    lp_add_var(&lp, 0, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}}, '<', 1e6);
-    lp_add_row_entries(&lp, {{1, 1}}, '>', 1); // so that there is something to do
     for (const double method : {0, 1}) {
-        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}, {"ScaleFlag", 0}});
-        ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", -0.3), 0);
+        load_with(
+            lp_make({{-5e-7}, {0}}, {{{1}, '<', 1e6},
+                                     {{0, 1}, '>', 1}}), // so that there is something to do
+            {{"LPMethod", method}, {"Presolve", 0}, {"ScaleFlag", 0}, {"Cutoff", -0.3}});
         EXPECT_NEAR(objective(), -0.5, 1e-9);
         EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
     }
@@ -208,14 +201,9 @@ int hear(TVXmodel *, void *cbdata, int where, void *data)
 // to it by itself, without another way.
 TEST_F(SureAnswers, violations_count_in_the_units_of_the_model)
 {
-    LpModel
-        lp; // min 9e6 y - 5e-6 x, x <= 1 by a row, y >= 1 by another: x counts for nothing in the objective
-    lp_add_var(&lp, -5e-6, 0, LP_INFINITY);
-    lp_add_var(&lp, 9e6, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}}, '<', 1);
-    lp_add_row_entries(&lp, {{1, 1}}, '>', 1);
     for (const double method : {0, 1}) {
-        load_with(lp, {{"LPMethod", method}, {"Presolve", 0}});
+        load_with(lp_make({{-5e-6}, {9e6}}, {{{1}, '<', 1}, {{0, 1}, '>', 1}}),
+                  {{"LPMethod", method}, {"Presolve", 0}});
         Heard heard;
         ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
         ASSERT_EQ(TVXoptimize(model), 0);

@@ -67,7 +67,9 @@ TEST(PrimalPricing, every_kind_finds_the_same_answer_with_and_without_perturbati
         const LpModel lp =
             seed % 4 == 0 ? wide_covering(&dice, 8, 300)
             : seed % 4 == 1
-                ? (seed % 8 == 1 ? gen_assignment(&dice, 25) : gen_cone(&dice, 40)).lp
+                ? (seed % 8 == 1 ? gen_assignment(&dice, 25)
+                                 : gen_degenerate_optimum(&dice, 40))
+                      .lp
                 : dice.pick(all_families()).generate(&dice, dice.range(5, 40)).lp;
         const TestModel first(lp_load(env.env, &lp));
         solve(first, METHOD_PRIMAL);

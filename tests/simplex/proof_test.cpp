@@ -35,20 +35,14 @@ struct Proof : ModelTest {
 // x + entry z >= 1 with x at most 1 - gap: feasible from z = gap / entry on.
 LpModel far_point(double gap, double entry)
 {
-    LpModel lp;
-    lp_add_var(&lp, 1, 0, 1 - gap);
-    lp_add_var(&lp, 0, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, entry}}, '>', 1);
+    LpModel lp = lp_make({{1, 0, 1 - gap}, {0}}, {{{1, entry}, '>', 1}});
     return lp;
 }
 
 // min cost x, entry x - y <= 1 with y at most `most`
 LpModel far_end(double cost, double entry, double most)
 {
-    LpModel lp;
-    lp_add_var(&lp, cost, 0, LP_INFINITY);
-    lp_add_var(&lp, 0, 0, most);
-    lp_add_row_entries(&lp, {{0, entry}, {1, -1}}, '<', 1);
+    LpModel lp = lp_make({{cost}, {0, 0, most}}, {{{entry, -1}, '<', 1}});
     return lp;
 }
 } // namespace
@@ -108,10 +102,8 @@ TEST_F(Proof, a_ray_gains_and_meets_nothing)
 TEST_F(Proof, a_ray_by_wrong_factors_is_mended_or_refused)
 {
     for (const double wrong : {1.0, 1 + 1e-6, 3.0}) {
-        LpModel lp; // min -x - y, x = 2 y, both basic or at a bound
-        lp_add_var(&lp, -1, 0, LP_INFINITY);
-        lp_add_var(&lp, -1, 0, LP_INFINITY);
-        lp_add_row_entries(&lp, {{0, 1}, {1, -2}}, '=', 0);
+        // min -x - y, x = 2 y, both basic or at a bound
+        LpModel lp = lp_make({{-1}, {-1}}, {{{1, -2}, '=', 0}});
         load(lp);
         for (const char *name : {"Presolve", "ScaleFlag"})
             ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);

@@ -8,11 +8,10 @@
 TEST(ReleaseSlacks, equations_at_zero_get_the_dual_that_keeps_the_basis_optimal)
 {
     const TestEnv env;
-    LpModel lp;
-    for (const double cost : {3.0, 1.0, 2.0}) lp_add_var(&lp, cost, 0, 4);
-    lp_add_row_entries(&lp, {{0, 2}, {1, -1}}, '=', 0);
-    lp_add_row_entries(&lp, {{0, 4}, {1, -2}}, '=', 0); // follows from the first
-    lp_add_row_entries(&lp, {{1, 1}, {2, 1}}, '<', 5);
+    LpModel lp = lp_make({{3.0, 0, 4}, {1.0, 0, 4}, {2.0, 0, 4}},
+                         {{{2, -1}, '=', 0},
+                          {{4, -2}, '=', 0}, // follows from the first
+                          {{0, 1, 1}, '<', 5}});
     const TestModel model(lp_load(env.env, &lp));
     ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Presolve", 0), 0);
     ASSERT_EQ(TVXoptimize(model), 0);

@@ -25,14 +25,9 @@ struct SelfCheck : ModelTest {
 // max x + y within a pentagon: both are basic in the end.
 LpModel pentagon()
 {
-    LpModel lp;
+    LpModel lp = lp_make({{3}, {2}, {1}},
+                         {{{1, 1, 2}, '<', 4}, {{1, 0.5, 2}, '<', 3}, {{1}, '<', 9}});
     lp.sense = -1;
-    lp_add_var(&lp, 3, 0, LP_INFINITY);
-    lp_add_var(&lp, 2, 0, LP_INFINITY);
-    lp_add_var(&lp, 1, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}, {2, 2}}, '<', 4);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 0.5}, {2, 2}}, '<', 3);
-    lp_add_row_entries(&lp, {{0, 1}}, '<', 9);
     return lp;
 }
 

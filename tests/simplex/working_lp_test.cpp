@@ -91,10 +91,8 @@ TEST(Scaling, the_working_lp_is_the_model_times_its_factors)
 // Entries between 1e-24 and 1 ask for factors that would make the bound of the first column as good as none.
 TEST(Scaling, finite_bounds_stay_finite)
 {
-    LpModel lp;
-    for (const double ub : {9e19, 1.0, 1.0}) lp_add_var(&lp, 1, 0, ub);
-    lp_add_row_entries(&lp, {{0, 1e24}, {1, 1}}, '<', 1);
-    lp_add_row_entries(&lp, {{1, 1}, {2, 1}}, '<', 1);
+    LpModel lp = lp_make({{1, 0, 9e19}, {1, 0, 1.0}, {1, 0, 1.0}},
+                         {{{1e24, 1}, '<', 1}, {{0, 1, 1}, '<', 1}});
     const Working w(lp);
     for (int j = 0; j < 3; j++) EXPECT_TRUE(has_upper(w.s, w.s->Upper[j])) << j;
 }

@@ -154,75 +154,58 @@ template<class T> T excess(const Dictionary<T> *d, int variable)
     return T(0);
 }
 
-// Is the candidate better than the best so far? By size, or the smaller number under Bland's order.
-template<class T>
-bool preferred(const Dictionary<T> *d, const T &size, int variable, const T &best_size,
-               int best_variable)
-{
-    if (best_variable < 0) return true;
-    return d->pivots_to_bland > 0 ? size > best_size : variable < best_variable;
-}
-
-// The basic variable to repair, as a row of the dictionary, or -1.
-template<class T> int choose_violated(const Dictionary<T> *d, T *gap)
-{
-    int best = -1;
-    T best_size;
-    for (size_t r = 0; r < d->basic.size(); r++) {
-        const T out = excess(d, d->basic[r]), size = abs(out);
-        if (sgn(out) == 0) continue;
-        if (!preferred(d, size, d->basic[r], best_size, best < 0 ? -1 : d->basic[best]))
-            continue;
-        best = static_cast<int>(r);
-        best_size = size;
-        *gap = -out;
+// The best candidate so far: by size, or the smaller number under Bland's order.
+template<class T> struct Choice {
+    int place = -1, variable = -1;
+    T size;
+    bool offer(const Dictionary<T> *d, const T &offered, int at, int v)
+    {
+        const bool better = d->pivots_to_bland > 0 ? offered > size : v < variable;
+        if (variable >= 0 && !better) return false;
+        place = at;
+        variable = v;
+        size = offered;
+        return true;
     }
-    return best;
-}
+};
 
 // Phase 1. Returns -1 when all variables are within bounds, else the row that proves infeasibility.
 template<class T> int make_feasible(Dictionary<T> *d)
 {
-    T gap, size, best_size;
-    for (int found = choose_violated(d, &gap); found >= 0;
-         found = choose_violated(d, &gap)) {
-        const size_t r = static_cast<size_t>(found);
-        int entering = -1;
+    for (;;) {
+        Choice<T> leaving, entering;
+        for (size_t r = 0; r < d->basic.size(); r++) {
+            const T out = excess(d, d->basic[r]);
+            if (sgn(out) != 0) leaving.offer(d, abs(out), static_cast<int>(r), d->basic[r]);
+        }
+        if (leaving.place < 0) return -1;
+        const size_t r = static_cast<size_t>(leaving.place);
+        const T gap = -excess(d, leaving.variable);
         for (size_t k = 0; k < d->nonbasic.size(); k++) {
             const int turn = sgn(d->coef[r][k]) * sgn(gap);
-            if (turn == 0) continue;
-            if (!can_move(d, d->nonbasic[k], turn > 0 ? Move::UP : Move::DOWN)) continue;
-            size = abs(d->coef[r][k]);
-            const int best = entering < 0 ? -1 : d->nonbasic[entering];
-            if (!preferred(d, size, d->nonbasic[k], best_size, best)) continue;
-            entering = static_cast<int>(k);
-            best_size = size;
+            if (turn == 0 || !can_move(d, d->nonbasic[k], turn > 0 ? Move::UP : Move::DOWN))
+                continue;
+            entering.offer(d, abs(d->coef[r][k]), static_cast<int>(k), d->nonbasic[k]);
         }
-        if (entering < 0) return found;
-        shift(d, static_cast<size_t>(entering), T(gap / d->coef[r][entering]));
-        pivot(d, r, static_cast<size_t>(entering));
+        if (entering.place < 0) return leaving.place;
+        const size_t k = static_cast<size_t>(entering.place);
+        shift(d, k, T(gap / d->coef[r][k]));
+        pivot(d, r, k);
     }
-    return -1;
 }
 
 // The nonbasic variable that improves the objective by moving, as a place, or -1.
 template<class T> int choose_improving(const Dictionary<T> *d, Move *move_out)
 {
-    int best = -1;
-    T size, best_size;
+    Choice<T> best;
     for (size_t k = 0; k < d->nonbasic.size(); k++) {
         const int turn = sgn(d->cost[k]);
         const Move move = turn < 0 ? Move::UP : Move::DOWN;
         if (turn == 0 || !can_move(d, d->nonbasic[k], move)) continue;
-        size = abs(d->cost[k]);
-        if (!preferred(d, size, d->nonbasic[k], best_size,
-                       best < 0 ? -1 : d->nonbasic[best]))
-            continue;
-        best = static_cast<int>(k);
-        best_size = size;
-        *move_out = move;
+        if (best.offer(d, abs(d->cost[k]), static_cast<int>(k), d->nonbasic[k]))
+            *move_out = move;
     }
-    return best;
+    return best.place;
 }
 
 // How far a variable can go in its direction before its bound; false when there is none.
@@ -239,27 +222,24 @@ template<class T> bool room_of(const Dictionary<T> *d, int variable, Move move, 
 template<class T>
 bool ratio_test(const Dictionary<T> *d, size_t k, Move move, T *step, int *leaving)
 {
-    T room, size, best_size;
-    *leaving = -1;
-    int leaving_variable = d->nonbasic[k];
+    T room;
+    Choice<T> best;
     bool limited = room_of(d, d->nonbasic[k], move, step);
+    if (limited) best.offer(d, T(0), -1, d->nonbasic[k]);
     for (size_t r = 0; r < d->basic.size(); r++) {
         const int turn = sgn(d->coef[r][k]);
-        if (turn == 0) continue;
         const bool up = (turn > 0) == (move == Move::UP);
-        if (!room_of(d, d->basic[r], up ? Move::UP : Move::DOWN, &room)) continue;
-        size = abs(d->coef[r][k]);
+        if (turn == 0 || !room_of(d, d->basic[r], up ? Move::UP : Move::DOWN, &room))
+            continue;
+        const T size = abs(d->coef[r][k]);
         room /= size;
         const int order = limited ? sign(T(room - *step)) : -1;
         if (order > 0) continue;
-        if (order == 0 && !preferred(d, size, d->basic[r], best_size, leaving_variable))
-            continue;
+        if (order < 0) best = Choice<T>{};
+        if (best.offer(d, size, static_cast<int>(r), d->basic[r])) *step = room;
         limited = true;
-        *step = room;
-        *leaving = static_cast<int>(r);
-        leaving_variable = d->basic[r];
-        best_size = size;
     }
+    *leaving = best.place;
     return limited;
 }
 
@@ -304,3 +284,8 @@ DictionaryEnd dictionary_solve(const LpModel *lp, double relax, bool by_size)
     }
     return end;
 }
+
+// rational_certificate.cpp: what the basis and witness of `end` say, in rational numbers: points, multipliers, Farkas
+// row or ray, and the basis. False when the basis matrix is singular; otherwise the result still needs rational_verify.
+bool rational_certificate(const LpModel *lp, double relax, const DictionaryEnd &end,
+                          RationalResult *result);

@@ -17,8 +17,7 @@ const std::vector<HostileFamily> &hostile_families()
     return families;
 }
 
-// Rows that exclude a sum of other rows, by a margin.
-static void contradict_rows(Dice *dice, LpModel *lp, double margin)
+void contradict_rows(Dice *dice, LpModel *lp, double margin)
 {
     const std::vector<HostileTerms> rows = rows_of(lp);
     HostileTerms sum;
@@ -57,8 +56,7 @@ static void make_infeasible(Dice *dice, LpModel *lp)
     contradict_rows(dice, lp, margin);
 }
 
-// Columns u, v >= 0 with u = v = t for all t >= 0 as ray: in each row the pair cancels or goes the harmless way.
-static void add_cancelling_pair(Dice *dice, LpModel *lp, double gain)
+void add_cancelling_pair(Dice *dice, LpModel *lp, double gain)
 {
     const int u = lp_add_var(lp, 2.0 * lp->sense, 0, LP_INFINITY);
     const int v = lp_add_var(lp, -(2.0 + gain) * lp->sense, 0, LP_INFINITY);

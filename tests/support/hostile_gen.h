@@ -29,6 +29,11 @@ struct HostileFamily {
 const std::vector<HostileFamily> &hostile_families();
 HostileModel hostile_generate(const HostileFamily &family, uint64_t seed);
 
+// A row that excludes a sum of other rows, by a margin.
+void contradict_rows(Dice *dice, LpModel *lp, double margin);
+// Columns u, v >= 0 with u = v = t for all t >= 0 as ray: in each row the pair cancels or goes the harmless way.
+void add_cancelling_pair(Dice *dice, LpModel *lp, double gain);
+
 // The families, one file each (hostile_tall.cpp also has wide and wild).
 LpModel hostile_tall(Dice *dice);
 LpModel hostile_wide(Dice *dice);

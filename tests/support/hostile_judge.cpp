@@ -91,9 +91,7 @@ struct Stand {
 struct Point {
     const LpModel *lp = nullptr;
     const HostileOutcome *outcome = nullptr;
-    std::vector<long double> activity, activity_size; // [m] a_i x, and sum |a_ij x_j|
-    std::vector<long double> cost, cost_size; // [n] c_j - pi A_j, and the size of its terms
-    long double value = 0, value_size = 0;    // c x, and the size of its terms
+    LpSums sums;
     long double residual = 0; // largest difference of RC from c - pi A that is not rounding
     long double primal = 0, dual = 0; // largest violations, less their rounding
 };
@@ -111,52 +109,18 @@ __attribute__((format(printf, 2, 3))) static HostileJudgement say(Verdict verdic
     return {verdict, text};
 }
 
-static void sum_up(Point *p)
-{
-    const LpModel *lp = p->lp;
-    const LpSolution *s = &p->outcome->solution;
-    const size_t n = lp->obj.size(), m = lp->rhs.size();
-    p->activity.assign(m, 0);
-    p->activity_size.assign(m, 0);
-    p->cost.assign(n, 0);
-    p->cost_size.assign(n, 0);
-    p->value = lp->objcon;
-    p->value_size = std::fabs(lp->objcon);
-    for (size_t j = 0; j < n; j++) {
-        const long double x = s->x[j], c = lp->obj[j];
-        p->value += c * x;
-        p->value_size += std::fabs(c * x);
-        p->cost[j] = c;
-        p->cost_size[j] = std::fabs(c);
-        for (const LpEntry &e : lp->cols[j]) {
-            p->activity[e.row] += e.value * x;
-            p->activity_size[e.row] += std::fabs(e.value * x);
-            if (!p->outcome->has_duals) continue;
-            const long double part = static_cast<long double>(s->pi[e.row]) * e.value;
-            p->cost[j] -= part;
-            p->cost_size[j] += std::fabs(part);
-        }
-    }
-}
-
 static void measure_primal(Point *p)
 {
-    const LpModel *lp = p->lp;
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        const long double x = p->outcome->solution.x[j];
-        const long double rounding = p->outcome->rounding * std::fabs(x);
-        if (!lp_is_infinite(lp->lb[j]))
-            p->primal = std::max(p->primal, lp->lb[j] - x - rounding);
-        if (!lp_is_infinite(lp->ub[j]))
-            p->primal = std::max(p->primal, x - lp->ub[j] - rounding);
+    const double rounding = p->outcome->rounding;
+    for (size_t j = 0; j < p->lp->obj.size(); j++) {
+        const double x = p->outcome->solution.x[j];
+        p->primal =
+            std::max(p->primal, lp_bound_violation(p->lp, j, x) - rounding * std::fabs(x));
     }
-    for (size_t i = 0; i < lp->rhs.size(); i++) {
-        if (lp_is_infinite(lp->rhs[i])) continue;
-        const long double over = p->activity[i] - lp->rhs[i];
-        const long double vio = lp->senses[i] == '<'   ? over
-                                : lp->senses[i] == '>' ? -over
-                                                       : std::fabs(over);
-        p->primal = std::max(p->primal, vio - p->outcome->rounding * p->activity_size[i]);
+    for (size_t i = 0; i < p->lp->rhs.size(); i++) {
+        const TermSum &row = p->sums.rows[i];
+        p->primal = std::max(p->primal,
+                             lp_row_violation(p->lp, i, row.value) - rounding * row.size);
     }
 }
 
@@ -168,18 +132,18 @@ static Stand stand_of_row(const Point *p, size_t i)
     const char priced = s.force > 0 ? '>' : '<';
     s.priced =
         (lp->senses[i] == '=' || lp->senses[i] == priced) && !lp_is_infinite(lp->rhs[i]);
-    s.distance = (p->activity[i] - lp->rhs[i]) * (s.force > 0 ? 1 : -1);
+    const TermSum &row = p->sums.rows[i];
+    s.distance = (row.value - lp->rhs[i]) * (s.force > 0 ? 1 : -1);
     if (lp->senses[i] == '=') s.distance = std::fabs(s.distance);
     s.place = p->outcome->feasibility +
-              PLACE_RELATIVE * std::max(p->activity_size[i],
-                                        static_cast<long double>(std::fabs(lp->rhs[i])));
+              PLACE_RELATIVE * std::max<long double>(row.size, std::fabs(lp->rhs[i]));
     return s;
 }
 
 static Stand stand_of_column(const Point *p, size_t j)
 {
     Stand s;
-    s.force = p->cost[j] * p->lp->sense;
+    s.force = p->sums.costs[j].value * p->lp->sense;
     const double bound = s.force > 0 ? p->lp->lb[j] : p->lp->ub[j];
     s.priced = !lp_is_infinite(bound);
     s.distance = (p->outcome->solution.x[j] - static_cast<long double>(bound)) *
@@ -198,40 +162,38 @@ static void measure_dual(Point *p)
     }
     for (size_t j = 0; j < p->lp->obj.size(); j++) {
         const Stand s = stand_of_column(p, j);
-        const long double rounding = p->outcome->rounding * p->cost_size[j];
+        const TermSum &cost = p->sums.costs[j];
         if (!s.priced || s.distance > s.place)
-            p->dual = std::max(p->dual, std::fabs(s.force) - rounding);
-        const long double rc = p->outcome->solution.rc[j];
-        const long double missed = std::fabs(p->cost[j] - rc);
-        if (missed > RC_ROUNDING * p->cost_size[j])
-            p->residual = std::max(p->residual, missed);
+            p->dual =
+                std::max(p->dual, std::fabs(s.force) - p->outcome->rounding * cost.size);
+        const long double missed = std::fabs(cost.value - p->outcome->solution.rc[j]);
+        if (missed > RC_ROUNDING * cost.size) p->residual = std::max(p->residual, missed);
     }
 }
 
 // What the tolerances explain of c x - c x*, where x* is feasible in the model relaxed by `relax`.
 static long double explained(const Point *p, const RationalResult &best, double relax)
 {
-    const LpModel *lp = p->lp;
     const double tol = p->outcome->feasibility, dual_tol = p->outcome->optimality;
-    std::vector<long double> x, activity(lp->rhs.size(), 0);
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        x.push_back(best.x[j].get_d());
-        for (const LpEntry &e : lp->cols[j]) activity[e.row] += e.value * x[j];
-    }
+    std::vector<double> x;
+    for (const mpq_class &v : best.x) x.push_back(v.get_d());
+    const std::vector<long double> activity = lp_activity(p->lp, x);
     const auto share = [&](const Stand &s, long double way) -> long double {
         const long double force = std::fabs(s.force);
         if (s.priced && s.distance <= tol)
             return force * (std::max(s.distance, 0.0L) + relax);
         return std::min<long double>(force, dual_tol) * std::fabs(way);
     };
-    long double sum = SUM_ROUNDING * p->value_size;
+    long double sum = SUM_ROUNDING * p->sums.objective.size;
     for (size_t i = 0; i < activity.size(); i++) {
         const Stand s = stand_of_row(p, i);
-        sum += share(s, p->activity[i] - activity[i]) +
-               SUM_ROUNDING * std::fabs(s.force) * p->activity_size[i];
+        const TermSum &row = p->sums.rows[i];
+        sum += share(s, row.value - activity[i]) +
+               SUM_ROUNDING * std::fabs(s.force) * row.size;
     }
     for (size_t j = 0; j < x.size(); j++)
-        sum += share(stand_of_column(p, j), p->outcome->solution.x[j] - x[j]);
+        sum += share(stand_of_column(p, j),
+                     p->outcome->solution.x[j] - static_cast<long double>(x[j]));
     return sum;
 }
 
@@ -251,20 +213,21 @@ static bool well_formed(const LpModel *lp, const HostileOutcome *outcome)
 static HostileJudgement judge_value(HostileTruth *truth, const Point *p)
 {
     const double tol = p->outcome->feasibility, said = p->outcome->solution.objval;
-    if (std::fabs(said - p->value) > VALUE_ROUNDING * p->value_size)
+    const long double value = p->sums.objective.value;
+    if (std::fabs(said - value) > VALUE_ROUNDING * p->sums.objective.size)
         return say(Verdict::OBJECTIVE, "ObjVal %.15g, but the point has %.15Lg", said,
-                   p->value);
+                   value);
     double relax = 0;
     if (truth->relaxed(0).status == LpStatus::INFEASIBLE) relax = tol;
     const RationalResult &best = truth->relaxed(relax);
     if (best.status != LpStatus::OPTIMAL)
         return {}; // unbounded: the dual violation is within the tolerance
-    const long double exact = best.value.get_d(), miss = (p->value - exact) * p->lp->sense;
+    const long double exact = best.value.get_d(), miss = (value - exact) * p->lp->sense;
     if (p->outcome->has_duals && miss > explained(p, best, relax))
         return say(Verdict::OBJECTIVE, "value %.15Lg, exact %.15Lg, explained is %.3Lg",
-                   p->value, exact, explained(p, best, relax));
+                   value, exact, explained(p, best, relax));
     if (relax == 0 && std::fabs(miss) > LOOSE_VALUE * std::max(1.0L, std::fabs(exact)))
-        return say(Verdict::LOOSE, "value %.15Lg, exact %.15Lg", p->value, exact);
+        return say(Verdict::LOOSE, "value %.15Lg, exact %.15Lg", value, exact);
     return {};
 }
 
@@ -291,44 +254,17 @@ static HostileJudgement judge_point(HostileTruth *truth, const Point *p)
 
 static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome *outcome)
 {
-    Point p;
-    p.lp = truth->lp;
-    p.outcome = outcome;
     if (!well_formed(truth->lp, outcome))
         return say(Verdict::OTHER, "solution incomplete or not finite");
-    sum_up(&p);
+    const LpSolution *s = &outcome->solution;
+    Point p = {truth->lp, outcome, {}, 0, 0, 0};
+    p.sums = lp_sums(truth->lp, s->x, outcome->has_duals ? s->pi : std::vector<double>{});
     measure_primal(&p);
     if (outcome->has_duals) measure_dual(&p);
     HostileJudgement j = judge_point(truth, &p);
     j.primal_vio = static_cast<double>(p.primal);
     j.dual_vio = static_cast<double>(p.dual);
     return j;
-}
-
-// By how much x, rounded to doubles, violates a row or bound at most.
-static mpq_class rounded_violation(const LpModel *lp, const std::vector<mpq_class> &x)
-{
-    std::vector<mpq_class> activity(lp->rhs.size());
-    mpq_class worst = 0;
-    const auto at_least = [&worst](const mpq_class &v, double bound) {
-        if (!lp_is_infinite(bound))
-            worst = std::max<mpq_class>(worst, mpq_class(bound) - v);
-    };
-    const auto at_most = [&worst](const mpq_class &v, double bound) {
-        if (!lp_is_infinite(bound))
-            worst = std::max<mpq_class>(worst, v - mpq_class(bound));
-    };
-    for (int j = 0; j < lp->num_vars(); j++) {
-        const mpq_class v(x[j].get_d());
-        for (const LpEntry &e : lp->cols[j]) activity[e.row] += v * mpq_class(e.value);
-        at_least(v, lp->lb[j]);
-        at_most(v, lp->ub[j]);
-    }
-    for (int i = 0; i < lp->num_rows(); i++) {
-        if (lp->senses[i] != '<') at_least(activity[i], lp->rhs[i]);
-        if (lp->senses[i] != '>') at_most(activity[i], lp->rhs[i]);
-    }
-    return worst;
 }
 
 // By how much rows move at x, at most, when coefficients that are no short numbers, such as 1/3, are what their writer
@@ -369,54 +305,34 @@ static bool has_rounded_ray(const LpModel *lp)
     return rational_solve(&cone, ROUNDING).value * lp->sense < -CLEAR * cost;
 }
 
-// Wrong where doubles can hold the point of the model relaxed by `relax`, and it does not hang on their rounding.
-static Verdict unless_far(HostileTruth *truth, double relax, double tol, Verdict wrong)
+// The point of the model relaxed by `relax` counts: doubles can hold it, and it does not hang on their rounding.
+static bool is_near(HostileTruth *truth, double relax, double tol)
 {
-    const std::vector<mpq_class> &x = truth->relaxed(relax).x;
-    const bool held =
-        rounded_violation(truth->lp, x) <= mpq_class(relax) + mpq_class(tol) &&
-        coefficient_doubt(truth->lp, x) <= tol;
-    return held ? wrong : Verdict::FAR;
+    std::vector<mpq_class> rounded;
+    for (const mpq_class &v : truth->relaxed(relax).x) rounded.emplace_back(v.get_d());
+    return rational_verify_point(truth->lp, rounded, relax + tol).empty() &&
+           coefficient_doubt(truth->lp, rounded) <= tol;
 }
 
-static HostileJudgement judge_infeasible(HostileTruth *truth, double tol)
+// The first relaxed model that is feasible tells. Rays are the same in all of them.
+static HostileJudgement judge_refusal(HostileTruth *truth, int said, double tol,
+                                      Verdict wrong)
 {
-    for (const double relax : {0.0, NEARBY})
-        if (truth->relaxed(relax).status != LpStatus::INFEASIBLE)
-            return say(unless_far(truth, relax, tol, Verdict::REFUSED),
-                       "infeasible, but relaxed by %g it is %s", relax,
-                       lp_status_name(truth->relaxed(relax).status));
-    return {};
-}
-
-static HostileJudgement judge_either(HostileTruth *truth, double tol)
-{
-    for (const double relax : {0.0, NEARBY}) {
+    std::vector<double> relaxations = {0, NEARBY};
+    if (said == TVX_UNBOUNDED) relaxations.push_back(tol);
+    for (const double relax : relaxations) {
         const LpStatus status = truth->relaxed(relax).status;
-        if (status == LpStatus::UNBOUNDED) return {};
-        if (status == LpStatus::OPTIMAL)
-            return say(has_rounded_ray(truth->lp)
-                           ? Verdict::FAR
-                           : unless_far(truth, relax, tol, Verdict::REFUSED_EITHER),
-                       "infeasible or unbounded, but relaxed by %g it is optimal", relax);
+        if (status == LpStatus::INFEASIBLE) continue;
+        const bool ray_claimed = said != TVX_INFEASIBLE;
+        if (ray_claimed && status == LpStatus::UNBOUNDED) return {};
+        const bool far =
+            (ray_claimed && has_rounded_ray(truth->lp)) || !is_near(truth, relax, tol);
+        return say(far ? Verdict::FAR : wrong,
+                   "status %d, but relaxed by %g it is %s with %.12g", said, relax,
+                   lp_status_name(status), truth->relaxed(relax).value.get_d());
     }
-    return {};
-}
-
-// Rays are the same in all relaxed models; the first feasible one tells whether there is one.
-static HostileJudgement judge_unbounded(HostileTruth *truth, double tol)
-{
-    for (const double relax : {0.0, NEARBY, tol}) {
-        const LpStatus status = truth->relaxed(relax).status;
-        if (status == LpStatus::UNBOUNDED) return {};
-        if (status == LpStatus::OPTIMAL)
-            return say(has_rounded_ray(truth->lp)
-                           ? Verdict::FAR
-                           : unless_far(truth, relax, tol, Verdict::FALSE_UNBOUNDED),
-                       "unbounded, but relaxed by %g it is optimal with %.12g", relax,
-                       truth->relaxed(relax).value.get_d());
-    }
-    return say(Verdict::FALSE_UNBOUNDED, "unbounded, but infeasible within %g", tol);
+    if (said != TVX_UNBOUNDED) return {};
+    return say(wrong, "unbounded, but infeasible within %g", tol);
 }
 
 HostileJudgement hostile_judge(HostileTruth *truth, const HostileOutcome *outcome)
@@ -435,11 +351,13 @@ HostileJudgement hostile_judge(HostileTruth *truth, const HostileOutcome *outcom
     case TVX_OPTIMAL:
         return judge_solution(truth, outcome);
     case TVX_INFEASIBLE:
-        return judge_infeasible(truth, outcome->feasibility);
+        return judge_refusal(truth, s->status, outcome->feasibility, Verdict::REFUSED);
     case TVX_INF_OR_UNBD:
-        return judge_either(truth, outcome->feasibility);
+        return judge_refusal(truth, s->status, outcome->feasibility,
+                             Verdict::REFUSED_EITHER);
     case TVX_UNBOUNDED:
-        return judge_unbounded(truth, outcome->feasibility);
+        return judge_refusal(truth, s->status, outcome->feasibility,
+                             Verdict::FALSE_UNBOUNDED);
     case TVX_NUMERIC:
         return say(Verdict::NUMERIC, "numeric error, the model is %s",
                    lp_status_name(truth->relaxed(0).status));

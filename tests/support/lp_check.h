@@ -9,9 +9,7 @@
 //               gap       primal value = dual value, and Pi*Slack, RC*distance to the bound are small
 //               reports   Slack = rhs - a x, ObjVal = objcon + obj x, nothing is NaN
 //               basis     as many basics as rows, nonbasics at their bounds, the basis matrix is regular
-// Tolerances  A solver guarantees its tolerance in its scaled space: rows divided by their largest entry, then
-//             columns by theirs. A violation passes when it is small in that space (SCALE_SLACK times the
-//             tolerance, since a solver's factors are rounded), or small relative to the bound or rhs itself.
+// Tolerances  A violation passes within the tolerance in the units of the model, or relative to the bound or rhs.
 // Out         LpReport: the measures and one line of text per fault; no faults means optimal.
 #pragma once
 #include "support/lp_model.h"

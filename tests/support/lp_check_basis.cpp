@@ -37,37 +37,26 @@ static std::vector<SparseRow> basis_rows(const LpModel *lp, const LpSolution *s)
     return rows;
 }
 
-// The next pivot row: the shortest one; its largest entry is the pivot.
-static size_t shortest_row(const std::vector<SparseRow> &rows,
-                           const std::vector<bool> &done)
-{
-    size_t best = rows.size();
-    for (size_t i = 0; i < rows.size(); i++)
-        if (!done[i] && (best == rows.size() || rows[i].size() < rows[best].size()))
-            best = i;
-    return best;
-}
-
+// The next pivot row is the shortest one; its largest entry is the pivot.
 static bool is_regular(std::vector<SparseRow> rows)
 {
-    std::vector<bool> done(rows.size(), false);
-    for (size_t step = 0; step < rows.size(); step++) {
-        const size_t r = shortest_row(rows, done);
-        done[r] = true;
-        int pivot_col = -1;
-        long double pivot = 0;
-        for (const auto &[col, value] : rows[r])
-            if (std::fabs(value) > std::fabs(pivot)) {
-                pivot = value;
-                pivot_col = col;
-            }
-        if (std::fabs(pivot) < static_cast<long double>(SINGULAR)) return false;
-        for (size_t i = 0; i < rows.size(); i++) {
-            const auto entry = done[i] ? rows[i].end() : rows[i].find(pivot_col);
-            if (done[i] || entry == rows[i].end()) continue;
-            const long double factor = entry->second / pivot;
-            for (const auto &[col, value] : rows[r]) rows[i][col] -= factor * value;
-            rows[i].erase(pivot_col);
+    while (!rows.empty()) {
+        const auto shorter = [](const SparseRow &a, const SparseRow &b) {
+            return a.size() < b.size();
+        };
+        std::iter_swap(std::min_element(rows.begin(), rows.end(), shorter), rows.end() - 1);
+        const SparseRow top = rows.back();
+        rows.pop_back();
+        std::pair<int, long double> pivot = {-1, 0};
+        for (const auto &entry : top)
+            if (std::fabs(entry.second) > std::fabs(pivot.second)) pivot = entry;
+        if (std::fabs(pivot.second) < static_cast<long double>(SINGULAR)) return false;
+        for (SparseRow &row : rows) {
+            const auto entry = row.find(pivot.first);
+            if (entry == row.end()) continue;
+            const long double factor = entry->second / pivot.second;
+            for (const auto &[col, value] : top) row[col] -= factor * value;
+            row.erase(pivot.first);
         }
     }
     return true;
@@ -101,12 +90,6 @@ void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_pr
         return;
     }
     const std::vector<long double> activity = lp_activity(lp, solution->x);
-    std::vector<double> size(m, 1); // largest entry of the row
-    for (const std::vector<LpEntry> &col : lp->cols)
-        for (const LpEntry &e : col) {
-            double *largest = &size[e.row];
-            *largest = std::max(*largest, std::fabs(e.value));
-        }
     size_t basics = 0;
     for (size_t j = 0; j < n; j++) {
         if (solution->vbasis[j] == 0) basics++;
@@ -121,7 +104,7 @@ void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_pr
         if (solution->cbasis[i] != 0 && solution->cbasis[i] != -1)
             faults->push_back(name + " has a CBasis that does not exist");
         else if (solution->cbasis[i] == -1 &&
-                 gap > tol_primal * std::max(size[i], std::fabs(lp->rhs[i])))
+                 gap > tol_primal * std::max(1.0, std::fabs(lp->rhs[i])))
             faults->push_back(name + " nonbasic, but its slack is not 0");
     }
     if (basics != m)

@@ -1,9 +1,22 @@
 // lp_model.cpp -- building, changing and printing the test's own copy of an LP
 #include "support/lp_model.h"
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
+#include <iomanip>
 #include <map>
 #include <sstream>
+
+LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows)
+{
+    LpModel lp;
+    for (const LpColumn &c : columns) lp_add_var(&lp, c.obj, c.lb, c.ub);
+    for (const LpRow &r : rows) {
+        const int i = lp_add_row(&lp, r.sense, r.rhs);
+        for (size_t j = 0; j < r.coefs.size(); j++)
+            lp_set_entry(&lp, i, static_cast<int>(j), r.coefs[j]);
+    }
+    return lp;
+}
 
 int lp_add_var(LpModel *lp, double obj, double lb, double ub)
 {
@@ -74,30 +87,67 @@ bool lp_same(const LpModel *a, const LpModel *b)
     return true;
 }
 
+void TermSum::add(long double a, long double b)
+{
+    const long double term = a * b;
+    value += term;
+    size += std::fabs(term);
+    largest = std::max(largest, std::fabs(term));
+}
+
+LpSums lp_sums(const LpModel *lp, const std::vector<double> &x,
+               const std::vector<double> &pi)
+{
+    LpSums sums;
+    sums.rows.resize(lp->rhs.size());
+    sums.costs.resize(lp->obj.size());
+    sums.objective.add(lp->objcon, 1);
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        sums.objective.add(lp->obj[j], x[j]);
+        sums.costs[j].add(lp->obj[j], 1);
+        for (const LpEntry &e : lp->cols[j]) {
+            sums.rows[e.row].add(e.value, x[j]);
+            if (!pi.empty()) sums.costs[j].add(-pi[e.row], e.value);
+        }
+    }
+    return sums;
+}
+
 std::vector<long double> lp_activity(const LpModel *lp, const std::vector<double> &x)
 {
-    std::vector<long double> activity(lp->rhs.size(), 0);
-    for (size_t j = 0; j < lp->cols.size(); j++)
-        for (const LpEntry &e : lp->cols[j])
-            activity[e.row] += static_cast<long double>(e.value) * x[j];
+    std::vector<long double> activity;
+    for (const TermSum &sum : lp_sums(lp, x, {}).rows) activity.push_back(sum.value);
     return activity;
 }
 
 long double lp_objective(const LpModel *lp, const std::vector<double> &x)
 {
-    long double value = lp->objcon;
-    for (size_t j = 0; j < lp->obj.size(); j++)
-        value += static_cast<long double>(lp->obj[j]) * x[j];
-    return value;
+    return lp_sums(lp, x, {}).objective.value;
+}
+
+long double lp_row_violation(const LpModel *lp, size_t row, long double activity)
+{
+    if (lp_is_infinite(lp->rhs[row])) return 0;
+    const long double over = activity - lp->rhs[row];
+    const char sense = lp->senses[row];
+    return sense == '<' ? over : sense == '>' ? -over : std::fabs(over);
+}
+
+long double lp_bound_violation(const LpModel *lp, size_t col, double x)
+{
+    long double most = -LP_INFINITY;
+    if (!lp_is_infinite(lp->lb[col])) most = lp->lb[col] - static_cast<long double>(x);
+    if (!lp_is_infinite(lp->ub[col]))
+        most = std::max(most, static_cast<long double>(x) - lp->ub[col]);
+    return most;
 }
 
 static std::string number(double value)
 {
-    char text[40];
-    snprintf(text, sizeof text, "%.17g", value);
-    char brief[40];
-    snprintf(brief, sizeof brief, "%g", value);
-    return strtod(brief, nullptr) == value ? brief : text;
+    std::ostringstream brief, full;
+    brief << value;
+    full << std::setprecision(17) << value;
+    return strtod(brief.str().c_str(), nullptr) == value ? brief.str() : full.str();
 }
 
 static void print_bounds(const LpModel *lp, std::ostringstream *out)
@@ -105,21 +155,11 @@ static void print_bounds(const LpModel *lp, std::ostringstream *out)
     *out << "BOUNDS\n";
     for (size_t j = 0; j < lp->obj.size(); j++) {
         const double lb = lp->lb[j], ub = lp->ub[j];
-        const auto card = [&](const char *kind, const std::string &value) {
-            *out << " " << kind << " BND C" << j << (value.empty() ? "" : " ") << value
-                 << "\n";
-        };
-        if (lb == ub) {
-            card("FX", number(lb));
-            continue;
-        }
-        if (lp_is_infinite(lb) && lp_is_infinite(ub)) {
-            card("FR", "");
-            continue;
-        }
-        if (lp_is_infinite(lb)) card("MI", "");
-        if (!lp_is_infinite(lb) && (lb != 0 || ub < 0)) card("LO", number(lb));
-        if (!lp_is_infinite(ub)) card("UP", number(ub));
+        if (lp_is_infinite(lb))
+            *out << " MI BND C" << j << "\n";
+        else if (lb != 0 || ub < 0)
+            *out << " LO BND C" << j << " " << number(lb) << "\n";
+        if (!lp_is_infinite(ub)) *out << " UP BND C" << j << " " << number(ub) << "\n";
     }
 }
 

@@ -32,6 +32,17 @@ struct LpModel {
     int num_rows() const { return static_cast<int>(rhs.size()); }
 };
 
+// A small model as a list of columns and one of dense rows; coefficients behind the last one given are 0.
+struct LpColumn {
+    double obj = 0, lb = 0, ub = LP_INFINITY;
+};
+struct LpRow {
+    std::vector<double> coefs; // [up to n]
+    char sense;
+    double rhs;
+};
+LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows);
+
 int lp_add_var(LpModel *lp, double obj, double lb, double ub); // its index
 int lp_add_row(LpModel *lp, char sense, double rhs);           // its index
 // A row with its entries (column, value); columns named twice are added up, zeros are left out.
@@ -41,9 +52,28 @@ void lp_set_entry(LpModel *lp, int row, int col, double value); // 0 removes the
 double lp_get_entry(const LpModel *lp, int row, int col);
 bool lp_same(const LpModel *a, const LpModel *b); // up to the order inside columns
 
-// Row activities a_i x, added up in long double.
+// A sum in long double with the size of its terms, by which a judge tells rounding from a fault.
+struct TermSum {
+    long double value = 0;
+    long double size = 0;    // of the magnitudes of the terms
+    long double largest = 0; // of these magnitudes
+    void add(long double a, long double b);
+};
+
+// What every judge looks at: row activities, reduced costs c - pi A (costs without pi), and the objective.
+struct LpSums {
+    std::vector<TermSum> rows;  // [m]
+    std::vector<TermSum> costs; // [n]
+    TermSum objective;          // the constant included
+};
+LpSums lp_sums(const LpModel *lp, const std::vector<double> &x,
+               const std::vector<double> &pi);
 std::vector<long double> lp_activity(const LpModel *lp, const std::vector<double> &x);
 long double lp_objective(const LpModel *lp, const std::vector<double> &x);
+
+// By how much an activity breaks its row, and x the worse of its bounds; negative: by how much it keeps it.
+long double lp_row_violation(const LpModel *lp, size_t row, long double activity);
+long double lp_bound_violation(const LpModel *lp, size_t col, double x);
 
 // The model as free MPS, all digits, each line of `comment` behind a star.
 std::string lp_to_mps(const LpModel *lp, const std::string &comment);

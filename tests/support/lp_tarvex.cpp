@@ -29,17 +29,18 @@ TVXmodel *lp_load(TVXenv *env, const LpModel *lp)
     return error ? nullptr : model;
 }
 
+template<class T, class Query>
+static int read_array(Query query, TVXmodel *model, const char *name, int count,
+                      std::vector<T> *values)
+{
+    values->resize(count);
+    return count > 0 ? query(model, name, 0, count, values->data()) : 0;
+}
+
 static int read_doubles(TVXmodel *model, const char *name, int count,
                         std::vector<double> *values)
 {
-    values->resize(count);
-    return count > 0 ? TVXgetdblattrarray(model, name, 0, count, values->data()) : 0;
-}
-
-static int read_ints(TVXmodel *model, const char *name, int count, std::vector<int> *values)
-{
-    values->resize(count);
-    return count > 0 ? TVXgetintattrarray(model, name, 0, count, values->data()) : 0;
+    return read_array(TVXgetdblattrarray, model, name, count, values);
 }
 
 static int read_columns(TVXmodel *model, LpModel *lp)
@@ -70,9 +71,7 @@ int lp_read_back(TVXmodel *model, LpModel *lp)
     if (!error) error = read_doubles(model, "LB", n, &lp->lb);
     if (!error) error = read_doubles(model, "UB", n, &lp->ub);
     if (!error) error = read_doubles(model, "RHS", m, &lp->rhs);
-    lp->senses.resize(m);
-    if (!error && m > 0)
-        error = TVXgetcharattrarray(model, "Sense", 0, m, lp->senses.data());
+    if (!error) error = read_array(TVXgetcharattrarray, model, "Sense", m, &lp->senses);
     return error ? error : read_columns(model, lp);
 }
 
@@ -86,8 +85,10 @@ int lp_read_point(TVXmodel *model, LpSolution *solution)
     if (!error) error = read_doubles(model, "RC", n, &solution->rc);
     if (!error) error = read_doubles(model, "Pi", m, &solution->pi);
     if (!error) error = read_doubles(model, "Slack", m, &solution->slack);
-    if (!error) error = read_ints(model, "VBasis", n, &solution->vbasis);
-    if (!error) error = read_ints(model, "CBasis", m, &solution->cbasis);
+    if (!error)
+        error = read_array(TVXgetintattrarray, model, "VBasis", n, &solution->vbasis);
+    if (!error)
+        error = read_array(TVXgetintattrarray, model, "CBasis", m, &solution->cbasis);
     solution->has_basis = !error;
     return error;
 }

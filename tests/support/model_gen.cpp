@@ -42,7 +42,7 @@ static void add_random_var(Dice *dice, LpModel *lp)
     lp_add_var(lp, obj, kind->lb, kind->ub);
 }
 
-static char random_sense(Dice *dice)
+char random_sense(Dice *dice)
 {
     const int kind = dice->range(1, 10);
     return kind <= 4 ? '<' : kind <= 7 ? '>' : '=';
@@ -127,16 +127,15 @@ static void plant_dual(Dice *dice, LpModel *lp)
     }
 }
 
-// Multiplies rows and columns by powers of two: no rounding, so the verdict is that of the integers.
-static void unscale(Dice *dice, LpModel *lp)
+void stretch_lines(Dice *dice, LpModel *lp, int power)
 {
     std::vector<double> row_factor;
     for (double &b : lp->rhs) {
-        row_factor.push_back(std::pow(2.0, dice->range(-7, 10)));
+        row_factor.push_back(std::pow(2.0, dice->range(-power, power)));
         b *= row_factor.back();
     }
     for (size_t j = 0; j < lp->obj.size(); j++) {
-        const double factor = std::pow(2.0, dice->range(-7, 7));
+        const double factor = std::pow(2.0, dice->range(-power, power));
         for (LpEntry &e : lp->cols[j]) e.value *= row_factor[e.row] * factor;
         lp->obj[j] *= factor;
         if (!lp_is_infinite(lp->lb[j])) lp->lb[j] /= factor;
@@ -172,6 +171,6 @@ LpModel gen_tiny(Dice *dice, const TinyLimits &limits)
     if (flavour.plant_point) plant_point(dice, flavour, &lp);
     if (flavour.plant_dual) plant_dual(dice, &lp);
     if (dice->chance(4)) lp.obj.assign(lp.obj.size(), 0);
-    if (dice->chance(limits.scaled_percent)) unscale(dice, &lp);
+    if (dice->chance(limits.scaled_percent)) stretch_lines(dice, &lp, 8);
     return lp;
 }

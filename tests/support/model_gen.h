@@ -13,3 +13,7 @@ struct TinyLimits {
     int scaled_percent = 5; // models whose rows and columns are multiplied by powers of two
 };
 LpModel gen_tiny(Dice *dice, const TinyLimits &limits);
+
+char random_sense(Dice *dice);
+// Multiplies rows and columns by powers of two up to 2^power: no rounding, so the verdict stays.
+void stretch_lines(Dice *dice, LpModel *lp, int power);

@@ -1,100 +1,126 @@
+// model_text.cpp -- reading and printing; see the header
 #include "support/model_text.h"
+#include <algorithm>
 #include <sstream>
-#include <vector>
 
-static int count_of(TVXmodel *model, const char *attribute)
+namespace
 {
-    int count = -1;
-    TVXgetintattr(model, attribute, &count);
-    return count;
-}
 
-static void put_doubles(std::ostringstream &text, TVXmodel *model, const char *attribute,
-                        int n)
-{
-    std::vector<double> values(n);
-    text << attribute << ":";
-    if (n > 0 && TVXgetdblattrarray(model, attribute, 0, n, values.data()))
-        text << " unreadable";
-    for (const double value : values) text << " " << value + 0.0; // no -0
-    text << "\n";
-}
+struct Reader {
+    TVXmodel *model;
+    std::string unreadable;
 
-static void put_chars(std::ostringstream &text, TVXmodel *model, const char *attribute,
-                      int n)
-{
-    std::string values(n, '?');
-    if (n > 0) TVXgetcharattrarray(model, attribute, 0, n, values.data());
-    text << attribute << ": " << values << "\n";
-}
-
-static void put_names(std::ostringstream &text, TVXmodel *model, const char *attribute,
-                      int n)
-{
-    std::vector<char *> values(n, nullptr);
-    if (n > 0) TVXgetstrattrarray(model, attribute, 0, n, values.data());
-    text << attribute << ":";
-    for (const char *value : values) text << " " << (value ? value : "(null)");
-    text << "\n";
-}
-
-using Query = int (*)(TVXmodel *, int *, int *, int *, double *, int, int);
-
-static void put_vectors(std::ostringstream &text, TVXmodel *model, Query query, int n)
-{
-    int count = 0;
-    if (n == 0) return;
-    if (query(model, &count, nullptr, nullptr, nullptr, 0, n)) text << "unreadable";
-    std::vector<int> beg(n + 1);
-    std::vector<int> ind(count + 1);
-    std::vector<double> val(count + 1);
-    query(model, &count, beg.data(), ind.data(), val.data(), 0, n);
-    beg.back() = count;
-    for (size_t k = 0; k + 1 < beg.size(); k++) {
-        for (int p = beg[k]; p < beg[k + 1]; p++)
-            text << " (" << ind[p] << ", " << val[p] << ")";
-        text << "\n";
+    int count(const char *attribute)
+    {
+        int value = 0;
+        if (TVXgetintattr(model, attribute, &value))
+            unreadable += std::string(" ") + attribute;
+        return value;
     }
+    // use(k, value) for each of n elements
+    template<class T, class Use>
+    void each(int (*query)(TVXmodel *, const char *, int, int, T *), const char *attribute,
+              int n, const Use &use)
+    {
+        std::vector<T> values(n);
+        if (n > 0 && query(model, attribute, 0, n, values.data()))
+            unreadable += std::string(" ") + attribute;
+        for (int k = 0; k < n; k++) use(static_cast<size_t>(k), values[k]);
+    }
+    template<class Query, class Use> void vectors(const Query &query, int n, const Use &use)
+    {
+        int count = 0;
+        if (n == 0) return;
+        if (query(&count, nullptr, nullptr, nullptr)) unreadable += " vectors";
+        std::vector<int> beg(n + 1), ind(count + 1);
+        std::vector<double> val(count + 1);
+        query(&count, beg.data(), ind.data(), val.data());
+        beg[n] = count;
+        for (int k = 0; k < n; k++)
+            for (int p = beg[k]; p < beg[k + 1]; p++)
+                use(static_cast<size_t>(k))->emplace_back(ind[p], val[p]);
+    }
+};
+
+} // namespace
+
+ModelContent model_content(TVXmodel *model)
+{
+    ModelContent c;
+    Reader r = {model, ""};
+    const int n = r.count("NumVars"), m = r.count("NumConstrs"), sets = r.count("NumSOS");
+    c.vars.resize(n);
+    c.constrs.resize(m);
+    c.sos.resize(sets);
+    char *name = nullptr;
+    TVXgetstrattr(model, "ModelName", &name);
+    TVXgetdblattr(model, "ObjCon", &c.objcon);
+    c.name = name ? name : "(null)";
+    c.sense = r.count("ModelSense");
+    c.counts =
+        content_counts(r.count("NumNZs"), r.count("NumIntVars"), r.count("NumBinVars"));
+    r.each(TVXgetstrattrarray, "VarName", n,
+           [&](size_t j, const char *v) { c.vars[j].name = v ? v : "(null)"; });
+    r.each(TVXgetcharattrarray, "VType", n, [&](size_t j, char v) { c.vars[j].vtype = v; });
+    r.each(TVXgetdblattrarray, "Obj", n, [&](size_t j, double v) { c.vars[j].obj = v; });
+    r.each(TVXgetdblattrarray, "LB", n, [&](size_t j, double v) { c.vars[j].lb = v; });
+    r.each(TVXgetdblattrarray, "UB", n, [&](size_t j, double v) { c.vars[j].ub = v; });
+    r.each(TVXgetstrattrarray, "ConstrName", m,
+           [&](size_t i, const char *v) { c.constrs[i].name = v ? v : "(null)"; });
+    r.each(TVXgetcharattrarray, "Sense", m,
+           [&](size_t i, char v) { c.constrs[i].sense = v; });
+    r.each(TVXgetdblattrarray, "RHS", m, [&](size_t i, double v) { c.constrs[i].rhs = v; });
+    const auto columns = [=](auto... to) { return TVXgetvars(model, to..., 0, n); };
+    const auto rows = [=](auto... to) { return TVXgetconstrs(model, to..., 0, m); };
+    const auto members = [=](int *count, auto... to) {
+        return TVXgetsos(model, count, nullptr, to..., 0, sets);
+    };
+    r.vectors(columns, n, [&](size_t j) { return &c.vars[j].column; });
+    r.vectors(rows, m, [&](size_t i) { return &c.constrs[i].row; });
+    r.vectors(members, sets, [&](size_t k) { return &c.sos[k].members; });
+    std::vector<int> types(sets);
+    int all = 0;
+    if (sets > 0) TVXgetsos(model, &all, types.data(), nullptr, nullptr, nullptr, 0, sets);
+    for (int k = 0; k < sets; k++) c.sos[k].type = types[k];
+    c.unreadable = r.unreadable;
+    return c;
+}
+
+std::string content_counts(int nonzeros, int integers, int binaries)
+{
+    return "nonzeros " + std::to_string(nonzeros) + " integers " +
+           std::to_string(integers) + " binaries " + std::to_string(binaries);
+}
+
+static void put(std::ostringstream *text, const Entries &entries)
+{
+    for (const auto &[k, value] : entries) *text << " (" << k << ", " << value << ")";
+    *text << "\n";
+}
+
+std::string content_text(const ModelContent &c)
+{
+    std::ostringstream text;
+    text.precision(17);
+    text << c.name.value_or("") << " sense " << c.sense << " constant " << c.objcon << " "
+         << c.counts << (c.unreadable.empty() ? "" : " unreadable" + c.unreadable) << "\n";
+    for (const ModelContent::Var &v : c.vars) { // + 0.0: no -0
+        text << v.name << " " << v.vtype << " " << v.obj + 0.0 << " in " << v.lb + 0.0
+             << " " << v.ub + 0.0;
+        put(&text, v.column);
+    }
+    for (const ModelContent::Constr &constr : c.constrs) {
+        text << constr.name << " " << constr.sense << " " << constr.rhs + 0.0;
+        put(&text, constr.row);
+    }
+    for (const ModelContent::Sos &set : c.sos) {
+        text << "set " << set.type;
+        put(&text, set.members);
+    }
+    return text.str();
 }
 
 std::string model_text(TVXmodel *model)
 {
-    std::ostringstream text;
-    text.precision(17);
-    const int n = count_of(model, "NumVars");
-    const int m = count_of(model, "NumConstrs");
-    const int sos = count_of(model, "NumSOS");
-    if (n < 0 || m < 0 || sos < 0) return "unreadable";
-    char *name = nullptr;
-    double objcon = 0;
-    TVXgetstrattr(model, "ModelName", &name);
-    TVXgetdblattr(model, "ObjCon", &objcon);
-    text << (name ? name : "(null)") << " sense " << count_of(model, "ModelSense")
-         << " constant " << objcon << " nonzeros " << count_of(model, "NumNZs")
-         << " integers " << count_of(model, "NumIntVars") << " binaries "
-         << count_of(model, "NumBinVars") << "\n";
-    put_names(text, model, "VarName", n);
-    put_chars(text, model, "VType", n);
-    for (const char *attribute : {"Obj", "LB", "UB"})
-        put_doubles(text, model, attribute, n);
-    put_names(text, model, "ConstrName", m);
-    put_chars(text, model, "Sense", m);
-    put_doubles(text, model, "RHS", m);
-    text << "columns\n";
-    put_vectors(text, model, TVXgetvars, n);
-    text << "rows\n";
-    put_vectors(text, model, TVXgetconstrs, m);
-    text << "sos";
-    std::vector<int> types(sos);
-    int members = 0;
-    if (sos > 0)
-        TVXgetsos(model, &members, types.data(), nullptr, nullptr, nullptr, 0, sos);
-    for (const int type : types) text << " " << type;
-    text << "\n";
-    const Query members_of = [](TVXmodel *of, int *count, int *beg, int *ind,
-                                double *weight, int start, int len) {
-        return TVXgetsos(of, count, nullptr, beg, ind, weight, start, len);
-    };
-    put_vectors(text, model, members_of, sos);
-    return text.str();
+    return content_text(model_content(model));
 }

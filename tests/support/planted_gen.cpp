@@ -2,9 +2,10 @@
 //
 // All data are integers (or integers times powers of two), so that the planted point, multipliers and value are
 // exact in doubles.
+#include "support/hostile_gen.h"
+#include "support/model_gen.h"
 #include "support/structured_gen.h"
 #include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -23,12 +24,6 @@ static void add_entries(Dice *dice, const Plan &plan, LpModel *lp)
     for (int j = 0; j < plan.cols; j++)
         for (int k = 0; k < plan.entries_per_col; k++)
             lp_set_entry(lp, dice->range(0, plan.rows - 1), j, dice->nonzero(5));
-}
-
-static char pick_sense(Dice *dice)
-{
-    const int kind = dice->range(1, 10);
-    return kind <= 4 ? '<' : kind <= 7 ? '>' : '=';
 }
 
 // Bounds around a value, by pattern; returns the value of the planted point.
@@ -55,7 +50,7 @@ static GeneratedLp plant_optimum(Dice *dice, const Plan &plan)
     lp->objcon = dice->range(-50, 50);
     std::vector<double> x, y;
     for (int j = 0; j < plan.cols; j++) x.push_back(add_planted_var(dice, lp));
-    for (int i = 0; i < plan.rows; i++) lp_add_row(lp, pick_sense(dice), 0);
+    for (int i = 0; i < plan.rows; i++) lp_add_row(lp, random_sense(dice), 0);
     add_entries(dice, plan, lp);
     const std::vector<long double> activity = lp_activity(lp, x);
     for (size_t i = 0; i < lp->rhs.size(); i++) {
@@ -95,71 +90,20 @@ GeneratedLp gen_degenerate_optimum(Dice *dice, int size)
 GeneratedLp gen_badly_scaled(Dice *dice, int size)
 {
     GeneratedLp g = gen_planted_optimum(dice, size);
-    LpModel *lp = &g.lp;
-    std::vector<double> factor;
-    for (double &b : lp->rhs) {
-        factor.push_back(std::pow(2.0, dice->range(-10, 10)));
-        b *= factor.back();
-    }
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        const double stretch = std::pow(2.0, dice->range(-10, 10));
-        for (LpEntry &e : lp->cols[j]) e.value *= factor[e.row] * stretch;
-        lp->obj[j] *= stretch;
-        if (!lp_is_infinite(lp->lb[j])) lp->lb[j] /= stretch;
-        if (!lp_is_infinite(lp->ub[j])) lp->ub[j] /= stretch;
-    }
+    stretch_lines(dice, &g.lp, 10);
     return g;
 }
 
 GeneratedLp gen_planted_infeasible(Dice *dice, int size)
 {
-    GeneratedLp g = gen_planted_optimum(dice, size);
-    g.truth = Truth::INFEASIBLE;
-    g.has_value = false;
-    LpModel *lp = &g.lp;
-    // sum of y_i * row_i, with y_i >= 0 on '<' rows, is at most `right`; the new row asks for one more. Columns
-    // that a bound holds may be left out when the bound's share moves to the right-hand side.
-    std::vector<double> sum(lp->obj.size(), 0), y(lp->rhs.size(), 0);
-    double right = 0;
-    const int picked = std::min(lp->num_rows(), dice->range(1, 5));
-    for (int k = 0; k < picked; k++) {
-        const size_t i = static_cast<size_t>(dice->range(0, lp->num_rows() - 1));
-        if (y[i] != 0) continue;
-        y[i] = dice->range(1, 3) * (lp->senses[i] == '>' ? -1 : 1);
-        right += y[i] * lp->rhs[i];
-    }
-    std::vector<std::pair<int, double>> terms;
-    for (size_t j = 0; j < sum.size(); j++) {
-        for (const LpEntry &e : lp->cols[j]) sum[j] += y[e.row] * e.value;
-        const double bound = sum[j] > 0 ? lp->lb[j] : lp->ub[j];
-        if (!lp_is_infinite(bound) && dice->chance(40))
-            right -= sum[j] * bound;
-        else if (sum[j] != 0)
-            terms.push_back({static_cast<int>(j), sum[j]});
-    }
-    lp_add_row_entries(lp, terms, dice->chance(50) ? '>' : '=', right + dice->range(1, 5));
+    GeneratedLp g{.lp = gen_planted_optimum(dice, size).lp, .truth = Truth::INFEASIBLE};
+    contradict_rows(dice, &g.lp, dice->range(1, 5));
     return g;
 }
 
 GeneratedLp gen_planted_unbounded(Dice *dice, int size)
 {
-    GeneratedLp g = gen_planted_optimum(dice, size);
-    g.truth = Truth::UNBOUNDED;
-    g.has_value = false;
-    LpModel *lp = &g.lp;
-    // Columns u, v with u = v = t for all t >= 0 as ray: in each row the pair cancels or goes the harmless way.
-    const int u = lp_add_var(lp, 2.0 * lp->sense, 0, LP_INFINITY);
-    const int v = lp_add_var(lp, -3.0 * lp->sense, 0, LP_INFINITY);
-    for (int i = 0; i < lp->num_rows(); i++) {
-        if (!dice->chance(30)) continue;
-        const int a = dice->nonzero(4);
-        lp_set_entry(lp, i, u, a);
-        const int harmless = dice->range(0, 2);
-        const char sense = lp->senses[i];
-        lp_set_entry(lp, i, v,
-                     sense == '='   ? -a
-                     : sense == '<' ? -a - harmless
-                                    : -a + harmless);
-    }
+    GeneratedLp g{.lp = gen_planted_optimum(dice, size).lp, .truth = Truth::UNBOUNDED};
+    add_cancelling_pair(dice, &g.lp, 1);
     return g;
 }

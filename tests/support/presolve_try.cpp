@@ -3,8 +3,8 @@
 #include "body/signs.h"
 #include "presolve/presolve.h"
 #include "support/inside.h"
-#include "support/settings.h"
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 static int broken_invariants(const PresolveWork *w)
 {
@@ -144,10 +144,33 @@ PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
     return out;
 }
 
-void set_parameters(TVXenv *env,
-                    std::initializer_list<std::pair<const char *, double>> values)
+PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                       const Settings &settings)
 {
-    Settings settings;
-    for (const auto &[name, value] : values) settings.emplace_back(name, value);
-    if (settings_apply(env, settings)) abort();
+    const TestEnv env;
+    if (settings_apply(env.env, settings)) abort();
+    return presolve_try(env.env, &lp, reductions);
+}
+
+PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                        int rows, int cols, const Settings &settings)
+{
+    PresolveTry t = reduced_by(lp, reductions, settings);
+    EXPECT_EQ(t.status, 0) << lp_to_mps(&lp, "");
+    EXPECT_EQ(t.faults, "") << lp_to_mps(&lp, "");
+    EXPECT_TRUE(rows == -1 || t.rows == rows)
+        << t.rows << " rows left, not " << rows << "\n"
+        << lp_to_mps(&lp, "");
+    EXPECT_TRUE(cols == -1 || t.cols == cols)
+        << t.cols << " columns left, not " << cols << "\n"
+        << lp_to_mps(&lp, "");
+    return t;
+}
+
+PresolveTry expect_end(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                       int status)
+{
+    PresolveTry t = reduced_by(lp, reductions);
+    EXPECT_EQ(t.status, status) << lp_to_mps(&lp, "");
+    return t;
 }

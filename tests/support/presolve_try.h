@@ -5,9 +5,9 @@
 #pragma once
 #include "presolve/work.h"
 #include "support/lp_tarvex.h"
+#include "support/settings.h"
 #include <initializer_list>
 #include <string>
-#include <vector>
 
 using Reduction = int (*)(PresolveWork *);
 
@@ -33,6 +33,11 @@ PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
 // presolve_lp in place of single reductions.
 PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp);
 
-// Sets parameters of an environment; aborts when one is refused.
-void set_parameters(TVXenv *env,
-                    std::initializer_list<std::pair<const char *, double>> values);
+// Such a run in an environment of its own. What is left is judged, and counted: -1 stands for any number.
+PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                       const Settings &settings = {});
+PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                        int rows, int cols = -1, const Settings &settings = {});
+// Presolve ends with this PresolveStatus.
+PresolveTry expect_end(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                       int status);

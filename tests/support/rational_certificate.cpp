@@ -9,7 +9,7 @@
 // Cost        O(k^3) integer operations on numbers of up to k times 60 bits.
 // Literature  E. H. Bareiss, "Sylvester's identity and multistep integer-preserving Gaussian elimination", Math.
 //             Comp. 22, 1968.
-#include "support/rational_certificate.h"
+#include "support/dictionary.h"
 
 namespace
 {
@@ -29,11 +29,10 @@ struct Basis {
 
 } // namespace
 
-// Rows M_i | rhs_i times the least common denominator of M_i; rhs times one more for all. Returns that one.
-static mpz_class make_integer(const std::vector<Vector> &matrix, const Vector &rhs,
+// Integer rows M_i | rhs_i: each M_i times its least common denominator, all rhs times one factor more, the result.
+static mpz_class make_integer(const std::vector<Vector> &matrix, Vector rhs,
                               std::vector<IntegerRow> *out)
 {
-    Vector right = rhs;
     mpz_class common = 1;
     for (size_t i = 0; i < matrix.size(); i++) {
         mpz_class factor = 1;
@@ -42,76 +41,39 @@ static mpz_class make_integer(const std::vector<Vector> &matrix, const Vector &r
         for (const mpq_class &a : matrix[i])
             row.push_back(a.get_num() * (factor / a.get_den()));
         out->push_back(row);
-        right[i] *= factor;
-        common = lcm(common, right[i].get_den());
+        rhs[i] *= factor;
+        common = lcm(common, rhs[i].get_den());
     }
-    for (size_t i = 0; i < matrix.size(); i++) {
-        right[i] *= common;
-        (*out)[i].push_back(right[i].get_num());
-    }
+    for (size_t i = 0; i < matrix.size(); i++)
+        (*out)[i].push_back(mpq_class(rhs[i] * common).get_num());
     return common;
 }
 
-// The row from `step` on with the shortest nonzero entry in column `step`, or -1.
-static int choose_pivot(const std::vector<IntegerRow> &rows, size_t step)
-{
-    int best = -1;
-    size_t best_bits = 0;
-    for (size_t i = step; i < rows.size(); i++) {
-        if (rows[i][step] == 0) continue;
-        const size_t bits = mpz_sizeinbase(rows[i][step].get_mpz_t(), 2);
-        if (best >= 0 && bits >= best_bits) continue;
-        best = static_cast<int>(i);
-        best_bits = bits;
-    }
-    return best;
-}
-
-// Upper triangular form in place; false when singular.
-static bool eliminate(std::vector<IntegerRow> *rows)
-{
-    const size_t k = rows->size();
-    mpz_class previous = 1, product;
-    for (size_t step = 0; step < k; step++) {
-        const int found = choose_pivot(*rows, step);
-        if (found < 0) return false;
-        std::swap((*rows)[step], (*rows)[found]);
-        const IntegerRow &top = (*rows)[step];
-        for (size_t i = step + 1; i < k; i++) {
-            IntegerRow *row = &(*rows)[i];
-            for (size_t c = step + 1; c <= k; c++) {
-                mpz_class *a = &(*row)[c];
-                *a *= top[step];
-                product = (*row)[step] * top[c];
-                *a -= product;
-                mpz_divexact(a->get_mpz_t(), a->get_mpz_t(), previous.get_mpz_t());
-            }
-            (*row)[step] = 0;
-        }
-        previous = top[step];
-    }
-    return true;
-}
-
-// matrix * x = rhs; false when singular.
+// matrix * x = rhs by Gauss and Jordan without fractions; false when singular. Columns left of `step` are done with.
 static bool solve_square(const std::vector<Vector> &matrix, const Vector &rhs, Vector *x)
 {
     const size_t k = matrix.size();
-    x->assign(k, 0);
-    if (k == 0) return true;
     std::vector<IntegerRow> rows;
     const mpz_class common = make_integer(matrix, rhs, &rows);
-    if (!eliminate(&rows)) return false;
-    const mpz_class determinant = rows[k - 1][k - 1];
-    IntegerRow scaled(k); // x * determinant, integer by Cramer's rule
-    for (size_t i = k; i-- > 0;) {
-        mpz_class sum = determinant * rows[i][k];
-        for (size_t c = i + 1; c < k; c++) sum -= rows[i][c] * scaled[c];
-        mpz_divexact(scaled[i].get_mpz_t(), sum.get_mpz_t(), rows[i][i].get_mpz_t());
+    mpz_class determinant = 1;
+    for (size_t step = 0; step < k; step++) {
+        size_t pivot = step;
+        while (pivot < k && rows[pivot][step] == 0) pivot++;
+        if (pivot == k) return false;
+        std::swap(rows[step], rows[pivot]);
+        const IntegerRow &top = rows[step];
+        for (size_t i = 0; i < k; i++)
+            for (size_t c = step + 1; c <= k && i != step; c++) {
+                mpz_class *a = &rows[i][c];
+                *a = *a * top[step] - rows[i][step] * top[c];
+                mpz_divexact(a->get_mpz_t(), a->get_mpz_t(), determinant.get_mpz_t());
+            }
+        determinant = top[step];
     }
-    for (size_t i = 0; i < k; i++) {
-        (*x)[i] = mpq_class(scaled[i], determinant * common);
-        (*x)[i].canonicalize();
+    x->clear();
+    for (const IntegerRow &row : rows) {
+        x->emplace_back(row[k], determinant * common); // Cramer's rule
+        x->back().canonicalize();
     }
     return true;
 }
@@ -171,22 +133,23 @@ static bool find_optimum(const Basis *basis, RationalResult *result)
     const LpModel *lp = basis->lp;
     Vector cost;
     for (const int j : basis->cols) cost.emplace_back(lp->obj[j]);
-    if (!find_multipliers(basis, cost, &result->pi)) return false;
     result->value = lp->objcon;
     for (size_t j = 0; j < lp->obj.size(); j++) result->value += lp->obj[j] * result->x[j];
-    return true;
+    result->vbasis.assign(basis->end->place.begin(),
+                          basis->end->place.begin() + lp->num_vars());
+    for (const int spot : basis->row_spot) result->cbasis.push_back(spot < 0 ? 0 : -1);
+    return find_multipliers(basis, cost, &result->pi);
 }
 
 static bool find_farkas(const Basis *basis, RationalResult *result)
 {
-    const LpModel *lp = basis->lp;
-    const int n = lp->num_vars(), witness = basis->end->witness;
+    const int n = basis->lp->num_vars(), witness = basis->end->witness;
     Vector rhs(basis->cols.size());
     if (witness < n)
         rhs[basis->col_spot[witness]] = 1;
     else
         for (size_t c = 0; c < rhs.size(); c++)
-            rhs[c] = -lp_get_entry(lp, witness - n, basis->cols[c]);
+            rhs[c] = -lp_get_entry(basis->lp, witness - n, basis->cols[c]);
     if (!find_multipliers(basis, rhs, &result->farkas)) return false;
     if (witness >= n) result->farkas[witness - n] = 1;
     return true;
@@ -194,17 +157,17 @@ static bool find_farkas(const Basis *basis, RationalResult *result)
 
 static bool find_ray(const Basis *basis, RationalResult *result)
 {
-    const LpModel *lp = basis->lp;
-    const int n = lp->num_vars(), witness = basis->end->witness;
+    const int n = basis->lp->num_vars(), witness = basis->end->witness,
+              direction = basis->end->direction;
     Vector rhs(basis->rows.size()), basic;
-    result->ray.assign(lp->obj.size(), 0);
+    result->ray.assign(basis->lp->obj.size(), 0);
     if (witness < n) {
-        result->ray[witness] = basis->end->direction;
-        for (const LpEntry &e : lp->cols[witness])
+        result->ray[witness] = direction;
+        for (const LpEntry &e : basis->lp->cols[witness])
             if (basis->row_spot[e.row] >= 0)
-                rhs[basis->row_spot[e.row]] = -e.value * basis->end->direction;
+                rhs[basis->row_spot[e.row]] = -e.value * direction;
     } else {
-        rhs[basis->row_spot[witness - n]] = basis->end->direction;
+        rhs[basis->row_spot[witness - n]] = direction;
     }
     if (!solve_square(basis_matrix(basis, false), rhs, &basic)) return false;
     for (size_t c = 0; c < basic.size(); c++) result->ray[basis->cols[c]] = basic[c];
@@ -236,11 +199,6 @@ bool rational_certificate(const LpModel *lp, double relax, const DictionaryEnd &
     result->status = end.status;
     if (end.status == LpStatus::INFEASIBLE) return find_farkas(&basis, result);
     if (!find_point(&basis, &result->x)) return false;
-    if (end.status == LpStatus::UNBOUNDED) return find_ray(&basis, result);
-    for (size_t v = 0; v < end.place.size(); v++)
-        if (v < lp->obj.size())
-            result->vbasis.push_back(end.place[v]);
-        else
-            result->cbasis.push_back(end.place[v] == 0 ? 0 : -1);
-    return find_optimum(&basis, result);
+    return end.status == LpStatus::UNBOUNDED ? find_ray(&basis, result)
+                                             : find_optimum(&basis, result);
 }

@@ -1,6 +1,5 @@
 // rational_lp.cpp -- from a basis in many digits to a proved answer, see the header
-#include "support/rational_lp.h"
-#include "support/rational_certificate.h"
+#include "support/dictionary.h"
 #include <cstdio>
 #include <cstdlib>
 
@@ -26,9 +25,6 @@ static RationalRange relax_range(double low, double high, double relax)
     range.has_high = !lp_is_infinite(high);
     if (range.has_low) range.low = low;
     if (range.has_high) range.high = high;
-    const bool stays = relax < 0 && range.has_low && range.has_high &&
-                       range.high - range.low < -2 * mpq_class(relax);
-    if (stays) return range;
     if (range.has_low) range.low -= relax;
     if (range.has_high) range.high += relax;
     return range;

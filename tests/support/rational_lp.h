@@ -7,9 +7,8 @@
 // Trust       Every answer comes with a certificate in terms of the model alone: a primal and a dual point, a
 //             Farkas row, or a feasible point and a ray. rational_verify proves the answer from the certificate
 //             with code that knows nothing of the method; rational_solve calls it and aborts on failure.
-// Relaxed     With `relax` every row and bound gives way by that much: bounds [lb - relax, ub + relax], rows
-//             a x <= rhs + relax, and so on; all in rationals. A negative value tightens; a range that would cross
-//             then (equations among them) stays as it is.
+// Relaxed     With `relax`, at least 0, every row and bound gives way by that much: bounds [lb - relax, ub + relax],
+//             rows a x <= rhs + relax, and so on; all in rationals.
 // Cost        Dense: some milliseconds for 20 x 60, tens for 40 x 200.
 #pragma once
 #include "support/lp_model.h"
@@ -45,6 +44,8 @@ RationalRange relaxed_column(const LpModel *lp, size_t col, double relax);
 // Answer with certificate, already verified. A lower bound of plus infinity, or an upper bound of minus infinity,
 // is not accepted (aborts).
 RationalResult rational_solve(const LpModel *lp, double relax = 0);
-// Empty when the certificates prove the claim, else what is wrong with them.
+// Empty when the certificates prove the claim, else what is wrong with them; and when the point is feasible.
+std::string rational_verify_point(const LpModel *lp, const std::vector<mpq_class> &point,
+                                  double relax);
 std::string rational_verify(const LpModel *lp, const RationalResult *result,
                             double relax = 0);

@@ -2,137 +2,62 @@
 //
 // Only the definitions: weak duality for an optimum, a row combination that no point within the bounds can meet
 // for infeasibility, a feasible point and an improving direction for unboundedness.
-// A vector is held as integers over one denominator, and a double as an integer times 2^-UNIT_BITS, so that no sum
-// needs a common divisor: with thousands of digits that is all the difference.
+// A vector is first multiplied by its common denominator: sums of doubles times integers need no long common divisors,
+// and with thousands of digits that is all the difference.
 #include "support/rational_lp.h"
-#include <cmath>
 
 namespace
 {
 
-constexpr int UNIT_BITS = 1074; // every double is an integer times 2^-1074
-constexpr int MANTISSA_BITS = 53;
-
 using Vector = std::vector<mpq_class>;
-using Integers = std::vector<mpz_class>;
 
-// value[k] = number[k] / denominator
-struct Common {
-    Integers number;
-    mpz_class denominator = 1;
+// An integer vector, and what it was multiplied by.
+struct Scaled {
+    Vector number;
+    mpq_class factor = 1;
 };
 
-struct Range {
-    bool has_low = false, has_high = false;
-    mpz_class low, high; // in units of 2^-UNIT_BITS
-};
-
-} // namespace
-
-// product = value * factor in units of 2^-UNIT_BITS
-static mpz_class times(double value, const mpz_class &factor)
+Scaled scale(const Vector &values)
 {
-    int exponent = 0;
-    const double mantissa = std::ldexp(std::frexp(value, &exponent), MANTISSA_BITS);
-    mpz_class product = factor * mantissa;
-    const int shift = exponent - MANTISSA_BITS + UNIT_BITS;
-    if (shift >= 0)
-        product <<= static_cast<mp_bitcnt_t>(shift);
-    else // a subnormal number: the low bits of its mantissa are 0
-        product >>= static_cast<mp_bitcnt_t>(-shift);
-    return product;
+    Scaled s;
+    mpz_class common = 1;
+    for (const mpq_class &v : values) common = lcm(common, v.get_den());
+    s.factor = common;
+    for (const mpq_class &v : values) s.number.push_back(v * s.factor);
+    return s;
 }
 
-static mpz_class units(double value)
+// y A, one entry per column.
+Vector combine_rows(const LpModel *lp, const Vector &y)
 {
-    return times(value, 1);
-}
-
-static Common common_of(const Vector &values)
-{
-    Common c;
-    for (const mpq_class &v : values) c.denominator = lcm(c.denominator, v.get_den());
-    for (const mpq_class &v : values)
-        c.number.push_back(v.get_num() * (c.denominator / v.get_den()));
-    return c;
-}
-
-// [low, high] in units, wider by `relax`; a negative one narrows, but nothing that would cross.
-static Range make_range(double low, double high, double relax)
-{
-    Range r;
-    r.has_low = !lp_is_infinite(low);
-    r.has_high = !lp_is_infinite(high);
-    if (r.has_low) r.low = units(low);
-    if (r.has_high) r.high = units(high);
-    const mpz_class change = units(relax);
-    if (relax < 0 && r.has_low && r.has_high && r.high - r.low + 2 * change < 0) return r;
-    r.low -= change;
-    r.high += change;
-    return r;
-}
-
-static Range row_range(const LpModel *lp, size_t i, double relax)
-{
-    return make_range(lp->senses[i] == '<' ? -LP_INFINITY : lp->rhs[i],
-                      lp->senses[i] == '>' ? LP_INFINITY : lp->rhs[i], relax);
-}
-
-static Range column_range(const LpModel *lp, size_t j, double relax)
-{
-    return make_range(lp->lb[j], lp->ub[j], relax);
-}
-
-// y A, one entry per column, over the denominator of y, in units.
-static Integers combine_rows(const LpModel *lp, const Common &y)
-{
-    Integers sum(lp->obj.size());
+    Vector sum(lp->obj.size());
     for (size_t j = 0; j < lp->cols.size(); j++)
         for (const LpEntry &e : lp->cols[j])
-            if (y.number[e.row] != 0) sum[j] += times(e.value, y.number[e.row]);
+            if (y[e.row] != 0) sum[j] += e.value * y[e.row];
     return sum;
 }
 
-// A x, one entry per row, over the denominator of x, in units.
-static Integers activities(const LpModel *lp, const Common &x)
+// A x, one entry per row.
+Vector activities(const LpModel *lp, const Vector &x)
 {
-    Integers sum(lp->rhs.size());
+    Vector sum(lp->rhs.size());
     for (size_t j = 0; j < lp->cols.size(); j++)
         for (const LpEntry &e : lp->cols[j])
-            if (x.number[j] != 0) sum[e.row] += times(e.value, x.number[j]);
+            if (x[j] != 0) sum[e.row] += e.value * x[j];
     return sum;
 }
 
-static mpz_class shifted(const mpz_class &value)
+// value / factor is outside the range
+bool outside(const mpq_class &value, const mpq_class &factor, const RationalRange &range)
 {
-    return value << UNIT_BITS;
-}
-
-static std::string verify_point(const LpModel *lp, const Vector &given, double relax)
-{
-    if (given.size() != lp->obj.size()) return "point of wrong length";
-    const Common x = common_of(given);
-    for (size_t j = 0; j < given.size(); j++) {
-        const Range r = column_range(lp, j, relax);
-        const mpz_class value = shifted(x.number[j]);
-        if (r.has_low && value < r.low * x.denominator) return "point below a lower bound";
-        if (r.has_high && value > r.high * x.denominator)
-            return "point above an upper bound";
-    }
-    const Integers activity = activities(lp, x);
-    for (size_t i = 0; i < lp->rhs.size(); i++) {
-        const Range r = row_range(lp, i, relax);
-        if ((r.has_low && activity[i] < r.low * x.denominator) ||
-            (r.has_high && activity[i] > r.high * x.denominator))
-            return "point breaks a row";
-    }
-    return "";
+    return (range.has_low && value < range.low * factor) ||
+           (range.has_high && value > range.high * factor);
 }
 
 // The smallest of multiplier * value over the range, for a minimisation (sense +1) or the largest (-1); false when it
 // has no limit. A multiplier of 0 adds nothing.
-static bool add_least(const mpz_class &multiplier, int sense, const Range &range,
-                      mpz_class *sum)
+bool add_least(const mpq_class &multiplier, int sense, const RationalRange &range,
+               mpq_class *sum)
 {
     const int sign = sgn(multiplier) * sense;
     if (sign == 0) return true;
@@ -142,89 +67,89 @@ static bool add_least(const mpz_class &multiplier, int sense, const Range &range
 }
 
 // For a minimisation: with these multipliers no feasible point is below the dual value, and x attains it.
-static std::string verify_optimum(const LpModel *lp, const RationalResult *result,
-                                  double relax)
+std::string verify_optimum(const LpModel *lp, const RationalResult *result, double relax)
 {
-    const std::string wrong = verify_point(lp, result->x, relax);
-    if (!wrong.empty()) return wrong;
     if (result->pi.size() != lp->rhs.size()) return "multipliers of wrong length";
-    const Common x = common_of(result->x), pi = common_of(result->pi);
-    mpz_class primal = times(lp->objcon, x.denominator);
-    mpz_class dual = shifted(times(lp->objcon, pi.denominator));
+    const Scaled x = scale(result->x), pi = scale(result->pi);
+    mpq_class primal = lp->objcon * x.factor, dual = lp->objcon * pi.factor;
     for (size_t i = 0; i < lp->rhs.size(); i++)
-        if (!add_least(shifted(pi.number[i]), lp->sense, row_range(lp, i, relax), &dual))
+        if (!add_least(pi.number[i], lp->sense, relaxed_row(lp, i, relax), &dual))
             return "multiplier of wrong sign in a row";
-    const Integers covered = combine_rows(lp, pi);
+    const Vector covered = combine_rows(lp, pi.number);
     for (size_t j = 0; j < lp->obj.size(); j++) {
-        const mpz_class rc = times(lp->obj[j], pi.denominator) - covered[j];
-        primal += times(lp->obj[j], x.number[j]);
-        if (!add_least(rc, lp->sense, column_range(lp, j, relax), &dual))
+        primal += lp->obj[j] * x.number[j];
+        if (!add_least(lp->obj[j] * pi.factor - covered[j], lp->sense,
+                       relaxed_column(lp, j, relax), &dual))
             return "reduced cost needs a bound that is infinite";
     }
-    const mpz_class &number = result->value.get_num(),
-                    &denominator = result->value.get_den();
-    if (primal * denominator != shifted(number) * x.denominator)
-        return "value is not that of the point";
-    return shifted(primal) * pi.denominator == dual * x.denominator
-               ? ""
-               : "primal and dual value differ";
+    if (primal != result->value * x.factor) return "value is not that of the point";
+    return primal * pi.factor == dual * x.factor ? "" : "primal and dual value differ";
 }
 
 // The multipliers combine the rows to (yA) x, which the rows hold within a range; when even the smallest (yA) x - y
 // (activities) over all ranges is positive, no x has these activities.
-static std::string verify_farkas(const LpModel *lp, const Vector &given, double relax)
+std::string verify_farkas(const LpModel *lp, const Vector &given, double relax)
 {
     if (given.size() != lp->rhs.size()) return "Farkas multipliers of wrong length";
-    const Common y = common_of(given);
-    const Integers left = combine_rows(lp, y);
+    const Vector y = scale(given).number, left = combine_rows(lp, y);
     for (const int sign : {1, -1}) {
-        mpz_class smallest = 0;
+        mpq_class smallest = 0;
         bool holds = true;
         for (size_t j = 0; j < left.size() && holds; j++)
-            holds = add_least(sign * left[j], 1, column_range(lp, j, relax), &smallest);
-        for (size_t i = 0; i < given.size() && holds; i++)
-            holds = add_least(shifted(-sign * y.number[i]), 1, row_range(lp, i, relax),
-                              &smallest);
+            holds = add_least(sign * left[j], 1, relaxed_column(lp, j, relax), &smallest);
+        for (size_t i = 0; i < y.size() && holds; i++)
+            holds = add_least(-sign * y[i], 1, relaxed_row(lp, i, relax), &smallest);
         if (holds && smallest > 0) return "";
     }
     return "Farkas multipliers prove nothing";
 }
 
-static std::string verify_ray(const LpModel *lp, const RationalResult *result, double relax)
+std::string verify_ray(const LpModel *lp, const RationalResult *result, double relax)
 {
-    const std::string wrong = verify_point(lp, result->x, relax);
-    if (!wrong.empty()) return wrong;
     if (result->ray.size() != lp->obj.size()) return "ray of wrong length";
-    const Common ray = common_of(result->ray);
-    mpz_class gain;
+    const Vector ray = scale(result->ray).number, activity = activities(lp, ray);
+    const auto meets = [](const mpq_class &way, const RationalRange &range) {
+        return (range.has_low && way < 0) || (range.has_high && way > 0);
+    };
+    mpq_class gain;
     for (size_t j = 0; j < lp->obj.size(); j++) {
-        if (ray.number[j] < 0 && !lp_is_infinite(lp->lb[j]))
-            return "ray meets a lower bound";
-        if (ray.number[j] > 0 && !lp_is_infinite(lp->ub[j]))
-            return "ray meets an upper bound";
-        gain += times(lp->obj[j] * lp->sense, ray.number[j]);
+        if (meets(ray[j], relaxed_column(lp, j, relax))) return "ray meets a bound";
+        gain += lp->obj[j] * lp->sense * ray[j];
     }
-    const Integers activity = activities(lp, ray);
-    for (size_t i = 0; i < lp->rhs.size(); i++) {
-        const Range r = row_range(lp, i, relax);
-        if ((r.has_low && activity[i] < 0) || (r.has_high && activity[i] > 0))
-            return "ray meets a row";
-    }
+    for (size_t i = 0; i < lp->rhs.size(); i++)
+        if (meets(activity[i], relaxed_row(lp, i, relax))) return "ray meets a row";
     return gain < 0 ? "" : "ray does not improve";
+}
+
+} // namespace
+
+std::string rational_verify_point(const LpModel *lp, const std::vector<mpq_class> &given,
+                                  double relax)
+{
+    if (given.size() != lp->obj.size()) return "point of wrong length";
+    const Scaled x = scale(given);
+    for (size_t j = 0; j < given.size(); j++)
+        if (outside(x.number[j], x.factor, relaxed_column(lp, j, relax)))
+            return "point breaks a bound";
+    const Vector activity = activities(lp, x.number);
+    for (size_t i = 0; i < lp->rhs.size(); i++)
+        if (outside(activity[i], x.factor, relaxed_row(lp, i, relax)))
+            return "point breaks a row";
+    return "";
 }
 
 std::string rational_verify(const LpModel *lp, const RationalResult *result, double relax)
 {
-    switch (result->status) {
-    case LpStatus::OPTIMAL:
-        return verify_optimum(lp, result, relax);
-    case LpStatus::UNBOUNDED:
-        return verify_ray(lp, result, relax);
-    case LpStatus::INFEASIBLE:
-        break;
+    if (result->status == LpStatus::INFEASIBLE) {
+        if (result->crossed < 0) return verify_farkas(lp, result->farkas, relax);
+        const RationalRange r =
+            relaxed_column(lp, static_cast<size_t>(result->crossed), relax);
+        return r.has_low && r.has_high && r.low > r.high
+                   ? ""
+                   : "bounds said to be crossed are not";
     }
-    if (result->crossed < 0) return verify_farkas(lp, result->farkas, relax);
-    const Range r = column_range(lp, static_cast<size_t>(result->crossed), relax);
-    return r.has_low && r.has_high && r.low > r.high ? ""
-                                                     : "bounds said to be crossed are not";
+    const std::string wrong = rational_verify_point(lp, result->x, relax);
+    if (!wrong.empty()) return wrong;
+    return result->status == LpStatus::OPTIMAL ? verify_optimum(lp, result, relax)
+                                               : verify_ray(lp, result, relax);
 }

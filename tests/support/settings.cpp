@@ -56,6 +56,21 @@ Settings settings_draw(Dice *dice)
     return settings;
 }
 
+std::vector<Settings>
+settings_product(const std::vector<std::pair<const char *, std::vector<double>>> &choices,
+                 const Settings &more)
+{
+    std::vector<Settings> all = {more};
+    for (const auto &[name, values] : choices) {
+        std::vector<Settings> longer;
+        for (const Settings &road : all)
+            for (const double value : values)
+                longer.emplace_back(road).emplace_back(name, value);
+        all = longer;
+    }
+    return all;
+}
+
 int settings_apply(TVXenv *env, const Settings &settings)
 {
     for (const auto &[name, value] : settings) {

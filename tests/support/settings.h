@@ -11,6 +11,10 @@ using Settings = std::vector<std::pair<std::string, double>>; // name, value
 
 // Settings an LP solve must give the same answer under; most parameters stay at their default.
 Settings settings_draw(Dice *dice);
+// Every combination of these values, in front of those in `more`.
+std::vector<Settings>
+settings_product(const std::vector<std::pair<const char *, std::vector<double>>> &choices,
+                 const Settings &more = {});
 int settings_apply(TVXenv *env, const Settings &settings); // 0 or the first code
 std::string settings_text(const Settings &settings);       // one "name value" per line
 

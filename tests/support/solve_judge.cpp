@@ -16,6 +16,29 @@ std::string judge_optimal(const LpModel *lp, const LpSolution *solution)
     return report.ok() ? "" : "not an optimal solution:\n" + report.text();
 }
 
+LpSolution exact_solution(const LpModel *lp, const RationalResult &exact)
+{
+    LpSolution s;
+    s.status = TVX_OPTIMAL;
+    s.objval = exact.value.get_d();
+    for (const mpq_class &v : exact.x) s.x.push_back(v.get_d());
+    for (const mpq_class &v : exact.pi) s.pi.push_back(v.get_d());
+    std::vector<mpq_class> slack(lp->rhs.begin(), lp->rhs.end());
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        mpq_class rc = lp->obj[j];
+        for (const LpEntry &e : lp->cols[j]) {
+            rc -= e.value * exact.pi[e.row];
+            slack[e.row] -= e.value * exact.x[j];
+        }
+        s.rc.push_back(rc.get_d());
+    }
+    for (const mpq_class &v : slack) s.slack.push_back(v.get_d());
+    s.has_basis = true;
+    s.vbasis = exact.vbasis;
+    s.cbasis = exact.cbasis;
+    return s;
+}
+
 static std::string wrong_status(int status, LpStatus expected)
 {
     return "status " + std::to_string(status) + ", but the model is " +

@@ -13,6 +13,8 @@ static constexpr double RUNAWAY_ITERATIONS =
 // be infeasible).
 std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool presolve,
                         const LpSolution *solution);
+// An exact optimum as a solver would report it.
+LpSolution exact_solution(const LpModel *lp, const RationalResult &exact);
 // The checker's opinion of status 2, under the tolerances of the default parameters.
 std::string judge_optimal(const LpModel *lp, const LpSolution *solution);
 // A fresh model, the settings, one solve, judged exactly.

@@ -10,7 +10,6 @@ const std::vector<FamilyRow> &all_families()
         {"assignment", gen_assignment},
         {"multi_period", gen_multi_period},
         {"network", gen_network},
-        {"cone", gen_cone},
         {"blending", gen_blending},
         {"planted_optimum", gen_planted_optimum},
         {"badly_scaled", gen_badly_scaled},
@@ -83,22 +82,6 @@ GeneratedLp gen_network(Dice *dice, int size)
     }
     for (int v = 0; v < nodes; v++) // one row is redundant
         lp_add_row_entries(&g.lp, balance[v], '=', net[v]);
-    return g;
-}
-
-GeneratedLp gen_cone(Dice *dice, int size)
-{
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
-    const int cols = std::max(3, size / 2);
-    for (int j = 0; j < cols; j++)
-        lp_add_var(&g.lp, -dice->range(0, 5), dice->chance(20) ? -1 : 0,
-                   dice->range(1, 10));
-    for (int i = 0; i < size; i++) {
-        Terms terms;
-        for (int j = 0; j < cols; j++)
-            if (dice->chance(25)) terms.push_back({j, dice->nonzero(4)});
-        lp_add_row_entries(&g.lp, terms, dice->chance(90) ? '<' : '=', 0);
-    }
     return g;
 }
 

@@ -28,13 +28,10 @@ const std::vector<FamilyRow> &all_families();
 GeneratedLp gen_assignment(Dice *dice, int size);   // few distinct costs, highly degenerate
 GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capacity
 GeneratedLp gen_network(Dice *dice, int size);      // minimum cost flow with capacities
-GeneratedLp gen_cone(Dice *dice, int size);         // all rows meet in one vertex
-GeneratedLp gen_blending(Dice *dice, int size); // dense ratio rows, free and fixed columns
+GeneratedLp gen_blending(Dice *dice, int size);     // dense ratio rows, free, fixed columns
 // planted_gen.cpp
-GeneratedLp gen_planted_optimum(Dice *dice, int size); // from complementary slackness
-GeneratedLp gen_badly_scaled(Dice *dice, int size); // the same, rows and columns stretched
-GeneratedLp gen_degenerate_optimum(Dice *dice,
-                                   int size); // the same, most multipliers and slacks are 0
+GeneratedLp gen_planted_optimum(Dice *dice, int size);    // by complementary slackness
+GeneratedLp gen_badly_scaled(Dice *dice, int size);       // the same, lines stretched
+GeneratedLp gen_degenerate_optimum(Dice *dice, int size); // the same, mostly zeros
 GeneratedLp gen_planted_infeasible(Dice *dice, int size); // rows add up to a contradiction
-GeneratedLp gen_planted_unbounded(Dice *dice,
-                                  int size); // a feasible point and a hidden ray
+GeneratedLp gen_planted_unbounded(Dice *dice, int size);  // a feasible point, a hidden ray

@@ -1,5 +1,5 @@
 // reductions_test.cpp -- each reduction alone on random models: the truth stays, the way back ends in an optimal basis, and
-// it does find what it looks for
+// it does find what it looks for; a wrong reduction is seen
 #include "support/dice.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
@@ -87,7 +87,7 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
         {"implied_bounds", {pre_implied_bounds}, 100},
     };
     const TestEnv env;
-    set_parameters(env.env, {{"AggFill", 1000}});
+    ASSERT_EQ(TVXsetintparam(env.env, "AggFill", 1000), 0);
     for (const auto &row : rows) {
         int effect = 0;
         for (uint64_t seed = 0; seed < 1200; seed++) {
@@ -109,4 +109,22 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
         }
         EXPECT_GE(effect, row.least) << row.name;
     }
+}
+
+TEST(PresolveTry, the_way_back_is_judged_and_a_wrong_reduction_seen)
+{
+    // min -2 x - y,  x <= 4 as a row,  x + y <= 6,  y >= 1 as a row
+    LpModel lp =
+        lp_make({{-2}, {-1}}, {{{1, 0}, '<', 4}, {{1, 1}, '<', 6}, {{0, 2}, '>', 2}});
+    const PresolveTry t = expect_left(lp, {pre_singleton_rows}, 1, 2);
+    EXPECT_EQ(t.rows_removed, 2);
+    EXPECT_EQ(t.solution.objval, -10);
+    EXPECT_EQ(t.solution.pi, (std::vector<double>{-1, -1, 0}));
+    expect_left(lp, {}, 3, 2);
+    lp.ub = {9, 9};
+    const Reduction lose_a_row = [](PresolveWork *w) {
+        remove_row(w, 1, ROW_REDUNDANT);
+        return pre_activity(w);
+    };
+    EXPECT_NE(reduced_by(lp, {lose_a_row}).faults, "");
 }

@@ -1,4 +1,5 @@
-// mip_epilogue_test.cpp -- the closing lines of a MIP, from results made by hand
+// mip_test.cpp -- the closing lines of a MIP, from results made by hand, and the presets of MIPFocus
+#include "mip/mip.h"
 #include "model/model.h"
 #include "support/model_test.h"
 
@@ -112,4 +113,24 @@ TEST_F(MipEpilogue, results_are_read_from_the_record_of_the_mip)
         EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), 10005);
         EXPECT_EQ(TVXgetdblattr(model, "ObjBound", &value), 10005);
     }
+}
+
+// Applied where a parameter has its default, in a copy of the caller's environment.
+TEST(MipFocus, presets_respect_what_the_caller_chose_and_leave_his_environment_alone)
+{
+    TestEnv given;
+    TVXenv *env = given.env, *own = nullptr;
+    env->MIPFocus = 3;
+    env->Cuts = 0; // the caller's choice
+    ASSERT_EQ(env_variant(&own, env), 0);
+    mip_focus_apply(own);
+    EXPECT_EQ(own->Cuts, 0);
+    EXPECT_EQ(own->CutAggPasses, 20);
+    EXPECT_EQ(own->Presolve, 2);
+    EXPECT_EQ(own->TARV_PAR_ASPIRE, 0.2);
+    EXPECT_EQ(own->TARV_PAR_CUTORTHTOL, 0.99);
+    EXPECT_EQ(own->RINS, -1);
+    env_free(own);
+    EXPECT_EQ(env->CutAggPasses, -1);
+    EXPECT_EQ(env->Presolve, -1);
 }
