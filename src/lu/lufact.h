@@ -240,9 +240,3 @@ template<class R> inline void lu_forget_updates(lufact<R> *lu)
     lu->SpikeNnz = 0;
     lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
 }
-
-// lu_copy.cpp. lu_keep saves fresh factors in a record that is used for nothing else: 0 or OUT_OF_MEMORY. lu_go_back
-// restores the parts that updates change, or ALL after a refactorisation.
-enum class LuParts { UPDATED, ALL };
-template<class R> [[nodiscard]] int lu_keep(const lufact<R> *lu, lufact<R> *kept);
-template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu);
