@@ -241,3 +241,21 @@ TEST(Resolve, a_live_record_follows_every_change)
             walk(uint64_t(first + k), row.generate, 5 + k % 20);
         }
 }
+
+// min x + w    x + w + 1e-10 y >= 5    y - z <= 0    0 <= x <= 1,  0 <= w <= 10,  0 <= y, z
+TEST(Resolve, a_tiny_entry_of_a_variable_without_bound_allows_no_proof)
+{
+    const double none = LP_INFINITY;
+    const LpModel lp = lp_make({{1, 0, 1}, {1, 0, 10}, {0, 0, none}, {0, 0, none}},
+                               {{{1, 1, 1e-10}, '>', 5}, {{0, 0, 1, -1}, '<', 0}});
+    TestEnv env;
+    TestModel model(lp_load(env.env, &lp));
+    sopt *s = nullptr;
+    ASSERT_EQ(SimplexOptimize(&s, model.model->body, model.model->env, {}), 0);
+    ASSERT_EQ(simplex_go_live(s), 0);
+    const BoundChange fixed = {1, 0, 0};
+    ResolveOutcome out;
+    ASSERT_EQ(simplex_resolve(s, {&fixed, 1}, &out), 0);
+    EXPECT_EQ(out.Status, TVX_OPTIMAL) << "with y = 4e10";
+    simplex_free(s);
+}
