@@ -249,6 +249,7 @@ TEST(Resolve, a_tiny_entry_of_a_variable_without_bound_allows_no_proof)
     const LpModel lp = lp_make({{1, 0, 1}, {1, 0, 10}, {0, 0, none}, {0, 0, none}},
                                {{{1, 1, 1e-10}, '>', 5}, {{0, 0, 1, -1}, '<', 0}});
     TestEnv env;
+    ASSERT_EQ(TVXsetintparam(env.env, "ScaleFlag", 0), 0);
     TestModel model(lp_load(env.env, &lp));
     sopt *s = nullptr;
     ASSERT_EQ(SimplexOptimize(&s, model.model->body, model.model->env, {}), 0);
