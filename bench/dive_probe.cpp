@@ -9,6 +9,8 @@
 // no rounds of cuts then. Written is one line of JSON: for each kind of call the number of calls, iterations,
 // factorisations and processor seconds, and the least squares fit seconds = fixed + pivot * iterations over its calls.
 // With `--tree N` instead: a depth-first branch and bound without anything else, at most N nodes: nodes per second.
+// With `--check` instead: ten random start bases, ten times random changes of bounds, rows appended: each re-solve is
+// compared with a fresh solve of the same LP; their numbers, the disagreements, and solves without an answer are told.
 // Exit code 0, or 1 with a line on standard error.
 #include "model/model.h"
 #include "simplex/resolve.h"
@@ -148,6 +150,11 @@ struct Lp {
                   : Bounds{j, lower[size_t(j)], std::floor(x)};
     }
 };
+
+int pick(std::mt19937 *rng, int width)
+{
+    return int((*rng)() % unsigned(width));
+}
 
 // ---- Dives and jumps ----
 
@@ -289,17 +296,24 @@ Cut gomory_cut(const Lp *lp, int k)
     return cut;
 }
 
+// Of the first basic integer variables with a fractional value.
+std::vector<Cut> cuts_of_point(const Lp *lp)
+{
+    std::vector<Cut> cuts;
+    for (int j = 0; j < lp->body->numvars && cuts.size() < CUTS; j++) {
+        if (!lp->integer(j) || !simplex_is_basic(lp->record, j)) continue;
+        const double x = simplex_value(lp->record, j);
+        if (std::fabs(x - std::round(x)) < 0.05) continue;
+        Cut cut = gomory_cut(lp, j);
+        if (!cut.ind.empty()) cuts.push_back(cut);
+    }
+    return cuts;
+}
+
 void cut_rounds(Lp *lp, Kind *appends, Kind *deletes)
 {
     for (int round = 0; round < ROUNDS; round++) {
-        std::vector<Cut> cuts;
-        for (int j = 0; j < lp->body->numvars && cuts.size() < CUTS; j++) {
-            if (!lp->integer(j) || !simplex_is_basic(lp->record, j)) continue;
-            const double x = simplex_value(lp->record, j);
-            if (std::fabs(x - std::round(x)) < 0.05) continue;
-            Cut cut = gomory_cut(lp, j);
-            if (!cut.ind.empty()) cuts.push_back(cut);
-        }
+        const std::vector<Cut> cuts = cuts_of_point(lp);
         if (cuts.empty()) return;
         std::vector<LiveRow> rows;
         for (const Cut &cut : cuts)
@@ -373,6 +387,140 @@ void tree(Lp *lp, double most, double seconds)
            nodes, iterations, time, nodes / time, best, int(stack.empty()));
 }
 
+// ---- Checks ----
+
+constexpr double SAME = 1e-6; // relative difference of objectives that counts as none
+
+struct Tally {
+    const char *name;
+    int solves = 0, wrong = 0, none = 0;
+    void judge(const ResolveOutcome &out, int status, double objective)
+    {
+        solves++;
+        const bool unanswered = out.Status == TVX_NUMERIC || status == TVX_NUMERIC;
+        none += unanswered;
+        const bool same = out.Status == status &&
+                          (status != TVX_OPTIMAL || std::fabs(out.Value - objective) <=
+                                                        SAME * (1 + std::fabs(objective)));
+        if (!same && !unanswered) {
+            wrong++;
+            fprintf(stderr, "%s: %d %.10g, fresh %d %.10g\n", name, out.Status, out.Value,
+                    status, objective);
+        }
+    }
+};
+
+// A fresh solve of a body within the bounds in force.
+void fresh(Lp *lp, ModelBody *body, int *status, double *objective)
+{
+    sopt *s = nullptr;
+    for (int j = 0; j < body->numvars; j++) {
+        body->lb.data[j] = lp->lower[size_t(j)];
+        body->ub.data[j] = lp->upper[size_t(j)];
+    }
+    if (int code = SimplexOptimize(&s, body, lp->env, {})) lp->fail("fresh", code);
+    *status = simplex_status(s);
+    *objective = simplex_objective(s);
+    simplex_free(s);
+}
+
+void check_bases(Lp *lp, double objective, std::mt19937 *rng, Tally *tally)
+{
+    const int n = lp->body->numvars, m = lp->body->numconstrs;
+    for (int k = 0; k < 10; k++) {
+        NodeBasis basis;
+        if (simplex_save_basis(lp->record, &basis)) lp->fail("save", 0);
+        for (int v = 0; v < n + m; v++) basis.Statuses.data[v] = char(v < n);
+        for (int i = 0; i < m; i++) basis.Weights.data[i] = 1;
+        for (int c = pick(rng, std::min(m, n) + 1); c > 0; c--) {
+            const int j = pick(rng, n), i = pick(rng, m);
+            if (basis.Statuses.data[j] == 0 || basis.Statuses.data[n + i] != 0) continue;
+            basis.Statuses.data[j] = 0;
+            basis.Statuses.data[n + i] = 1;
+        }
+        if (simplex_load_basis(lp->record, basis)) lp->fail("load", 0);
+        tally->judge(lp->solve({}, nullptr), TVX_OPTIMAL, objective);
+    }
+}
+
+void check_changes(Lp *lp, ModelBody *body, std::mt19937 *rng, Tally *tally)
+{
+    const std::vector<double> low = lp->lower, high = lp->upper;
+    const int n = body->numvars;
+    for (int k = 0; k < 10; k++) {
+        std::vector<Bounds> changes, back;
+        for (int c = pick(rng, 10); c >= 0; c--) {
+            const int j = pick(rng, n);
+            const double x = simplex_value(lp->record, j), step = pick(rng, 3) - 1;
+            const Bounds b = {
+                j, std::max(low[size_t(j)], std::floor(x + step)),
+                std::min(high[size_t(j)], std::floor(x + step) + pick(rng, 2))};
+            if (b.lower > b.upper) continue;
+            changes.push_back(b);
+            back.push_back({j, low[size_t(j)], high[size_t(j)]});
+        }
+        const ResolveOutcome out = lp->solve(changes, nullptr);
+        int status = 0;
+        double objective = 0;
+        fresh(lp, body, &status, &objective);
+        tally->judge(out, status, objective);
+        if (k % 2) lp->solve(back, nullptr); // else the next changes come on top
+    }
+    std::vector<Bounds> back;
+    for (int j = 0; j < n; j++)
+        if (lp->lower[size_t(j)] != low[size_t(j)] ||
+            lp->upper[size_t(j)] != high[size_t(j)])
+            back.push_back({j, low[size_t(j)], high[size_t(j)]});
+    lp->solve(back, nullptr);
+}
+
+void check_rows(Lp *lp, TVXmodel *model, Tally *tally)
+{
+    for (int round = 0; round < 3; round++) {
+        const std::vector<Cut> cuts = cuts_of_point(lp);
+        if (cuts.empty()) return;
+        std::vector<LiveRow> rows;
+        for (const Cut &cut : cuts) {
+            rows.push_back(
+                {int(cut.ind.size()), cut.ind.data(), cut.val.data(), '<', cut.rhs});
+            if (TVXaddconstr(model, int(cut.ind.size()), cut.ind.data(), cut.val.data(),
+                             '<', cut.rhs, nullptr))
+                lp->fail("row", 0);
+        }
+        if (TVXupdatemodel(model)) lp->fail("update", 0);
+        if (int code = simplex_append_rows(lp->record, rows.data(), int(rows.size())))
+            lp->fail("append", code);
+        const ResolveOutcome out = lp->solve({}, nullptr);
+        int status = 0;
+        double objective = 0;
+        fresh(lp, model->body, &status, &objective);
+        tally->judge(out, status, objective);
+        if (out.Status != TVX_OPTIMAL) return;
+    }
+    const int m = simplex_num_rows(lp->record), n = lp->body->numvars;
+    std::vector<char> drop(size_t(m), 0);
+    for (int i = lp->body->numconstrs; i < m; i++)
+        drop[size_t(i)] = simplex_is_basic(lp->record, n + i);
+    const double objective = lp->solve({}, nullptr).Value;
+    if (int code = simplex_delete_rows(lp->record, drop.data())) lp->fail("delete", code);
+    tally->judge(lp->solve({}, nullptr), TVX_OPTIMAL, objective);
+}
+
+void check(Lp *lp, TVXmodel *model)
+{
+    std::mt19937 rng(1);
+    TVXmodel *copy = TVXcopymodel(model);
+    if (!copy) lp->fail("copy", 0);
+    Tally bases{"bases"}, changes{"changes"}, rows{"rows"};
+    check_bases(lp, simplex_objective(lp->record), &rng, &bases);
+    check_changes(lp, copy->body, &rng, &changes);
+    check_rows(lp, copy, &rows);
+    for (const Tally *t : {&bases, &changes, &rows})
+        printf("\"%s\": {\"solves\": %d, \"wrong\": %d, \"none\": %d}%s", t->name,
+               t->solves, t->wrong, t->none, t == &rows ? "" : ", ");
+    TVXfreemodel(copy);
+}
+
 void set_parameter(TVXenv *env, char *word, char *equals)
 {
     *equals = 0;
@@ -390,6 +538,7 @@ int main(int argc, char **argv)
     if (TVXloadenv(&env, nullptr)) return 1;
     TVXsetintparam(env, "OutputFlag", 0);
     double seconds = 2, nodes = 0;
+    bool checks = false;
     Lp lp;
     const char *file = nullptr;
     for (int k = 1; k < argc; k++) {
@@ -398,6 +547,8 @@ int main(int argc, char **argv)
             seconds = atof(argv[++k]);
         else if (!strcmp(argv[k], "--tree") && k + 1 < argc)
             nodes = atof(argv[++k]);
+        else if (!strcmp(argv[k], "--check"))
+            checks = true;
         else if (!strcmp(argv[k], "--by") && k + 1 < argc)
             lp.live = strcmp(argv[++k], "optimize") != 0;
         else if (equals)
@@ -426,14 +577,16 @@ int main(int argc, char **argv)
         if (lp.live && simplex_go_live(lp.record)) return 1;
         if (lp.live) lp.solve({}, nullptr);
         std::mt19937 rng(1);
-        if (nodes > 0)
+        if (checks)
+            check(&lp, model);
+        else if (nodes > 0)
             tree(&lp, nodes, seconds);
         else
             for (int k = 0; k < 20 && processor_time() - start - root < seconds; k++)
                 dive(&lp, &dives, &jumps, &rng);
-        if (nodes == 0 && lp.live) cut_rounds(&lp, &appends, &deletes);
+        if (nodes == 0 && !checks && lp.live) cut_rounds(&lp, &appends, &deletes);
     }
-    if (nodes == 0) {
+    if (nodes == 0 && !checks) {
         dives.print(false);
         jumps.print(false);
         appends.print(false);

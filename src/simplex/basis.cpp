@@ -19,6 +19,15 @@ constexpr double FILL_SPIKES = 1.5, FILL_ETAS = 2,
 // repairs in one refactorisation before the run ends in numeric trouble
 constexpr int MAX_REPAIRS = 50;
 
+// A search inside a heuristic gives up at a singular basis, any other run after TARV_PAR_STMPFIXES repairs.
+bool may_repair(const sopt *s)
+{
+    if (s->Env->TARV_PAR_SUBMIP) return false;
+    if (s->SingularCount < s->Env->TARV_PAR_STMPFIXES) return true;
+    TVXmsg(s->Env, "Temporary fix limit exceeded\n");
+    return false;
+}
+
 // Columns without pivot become nonbasic, slacks of the rows without pivot basic.
 template<class R> void repair_basis(sopt *s, int deficiency)
 {
@@ -45,7 +54,7 @@ template<class R> int Refactor(sopt *s, swork<R> *w)
                                        s->BadRows.data, s->BadCols.data);
         if (result == 0) break;
         if (result < 0) return -result;
-        if (repairs >= MAX_REPAIRS) {
+        if (repairs >= MAX_REPAIRS || !may_repair(s)) {
             s->Status = SIMPLEX_NUMERIC;
             return 0;
         }

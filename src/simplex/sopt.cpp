@@ -220,6 +220,7 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->TickIndex = -1;
     s->LastLogIter = -1;
     s->HeaderDone = 0;
+    s->RootLog = call.Root;
     s->NextLogIter = 0;
     s->IterBase = call.Iterations;
     s->HasCutoff = call.Cutoff;

@@ -102,6 +102,7 @@ struct sopt : SimplexCounters {
     double WorkTaken = 0;    // the part of the work that simplex_take_work has returned
     double FactorWork = 0;   // work of factors that a change of precision has freed
     int HeaderDone = 0;      // the column header of the log has been written
+    int RootLog = 0;         // SimplexCall::Root of this run
 
     // Working LP
     int NumRows = 0, NumCols = 0, NumVars = 0; // m, n, n + m
