@@ -185,7 +185,7 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_SIMPLEXENDFAC", YES, ON_OFF, "Whether a finished run is checked with fresh factors.", ""},
     {"TARV_PAR_EXACTNORM", YES, AUTO_ON_OFF, "Whether the dual simplex computes the norms of its start basis.", ""},
     {"TARV_PAR_WARMBASIS", YES, "", "0: a basis that a change of coefficients touches is dropped instead of repaired.", ""},
-    {"TARV_PAR_SUBMIP", NOT_YET, "", "Marks a search inside a heuristic.", ""},
+    {"TARV_PAR_SUBMIP", YES, "", "Marks a search inside a heuristic: it ends at a singular basis.", ""},
     {"TARV_PAR_MIPLIM", NOT_YET, "off=0", "Nodes from which a search may start again from its root.", ""},
     {"TARV_PAR_NODEPRE", NOT_YET, "off=0", "How hard nodes are presolved.", ""},
     {"TARV_PAR_CUTPASS", NOT_YET, "auto=-1", "The most passes of cuts at the root.", ""},
@@ -211,7 +211,7 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_UNSCALEDVIO", YES, "off=0",
      "0: an optimum is not checked in the units of the model; any other value: it is, and improved where it violates "
      "tolerances.", ""},
-    {"TARV_PAR_STMPFIXES", NOT_YET, "", "Room for temporarily fixed variables.", ""},
+    {"TARV_PAR_STMPFIXES", YES, "", "Repairs of singular bases in a simplex run before it ends in numeric trouble.", ""},
     {"TARV_PAR_WRITEPREMODEL", YES, ON_OFF, "Writes the presolved model to junk.mps in the current folder.", ""},
     {"TARV_PAR_INTBASIS", NOT_YET, "", "Treatment of integer variables in the basis.", ""},
     {"TARV_PAR_SDISPINTERVAL", YES, "auto=0", "Simplex iterations between two looks whether a log line is due.", ""},

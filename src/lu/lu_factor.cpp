@@ -216,49 +216,18 @@ template<class R> int build_lower_rows(lufact<R> *lu)
     lu->LNonzeros = entries + m;
     return 0;
 }
-// Arrays that do not have length m or have to be zero at the start.
-template<class R> int alloc_others(lufact<R> *lu)
-{
-    const int m = lu->NumRows;
-    LuActive<R> *a = &lu->Active;
-    for (Array<int> *array : {&a->First[0], &a->First[1], &lu->PatBeg})
-        TRY(array_resize(array, int64_t{m} + 1));
-    TRY(array_assign(&a->Work, m, R(0)));
-    TRY(array_assign(&a->Stamp, m, 0));
-    TRY(array_assign(&lu->Mark, m, char(0)));
-    for (Array<int> *start :
-         {&lu->LColBeg,
-          &lu->URowTmpBeg}) // the starts of empty columns and rows are read but not used
-        TRY(array_assign(start, m, 0));
-    TRY(array_assign(&lu->Lanes, int64_t{4} * m, R(0)));
-    TRY(array_resize(&lu->EtaRow, lu->MaxMoves));
-    return array_resize(&lu->EtaBeg, int64_t{lu->MaxMoves} + 1);
-}
 } // namespace
 
 template<class R>
 int lu_alloc(lufact<R> *lu, int num_rows, int max_updates, double drop_tol)
 {
-    const int m = num_rows;
-    lu->NumRows = m;
     lu->NeedBasis = 1;
     lu->DropTol = R(drop_tol);
     lu->MaxMoves = max_updates;
-    LuActive<R> *a = &lu->Active;
-    TRY(array_resize(&lu->Order, int64_t{m} + max_updates));
-    for (Array<int> *array :
-         {&lu->PosOfRow, &lu->LColBeg,   &lu->LColLen,  &lu->LColOrder,  &lu->LRowBeg,
-          &lu->LRowLen,  &lu->LRowOrder, &lu->UColBeg,  &lu->UColLen,    &lu->UColCap,
-          &lu->URowBeg,  &lu->URowLen,   &lu->URowCap,  &lu->SpikeInd,   &lu->PartInd,
-          &lu->Stack,    &lu->StackPos,  &lu->List,     &lu->URowTmpBeg, &lu->URowTmpLen,
-          &lu->RowCount, &lu->RowSum,    &lu->ColCount, &lu->ColSum,     &lu->RowOfPosn,
-          &lu->HeadNew,  &lu->FirstEta,  &a->Head[0],   &a->Head[1],     &a->Count[0],
-          &a->Count[1],  &a->Prev[0],    &a->Prev[1],   &a->Next[0],     &a->Next[1]})
-        TRY(array_resize(array, m));
-    for (Array<R> *array :
-         {&lu->UDiag, &lu->SpikeVal, &lu->PartVal, &a->Max[0], &a->Max[1]})
-        TRY(array_resize(array, m));
-    return alloc_others(lu);
+    TRY(array_resize(&lu->EtaRow, max_updates));
+    TRY(array_resize(&lu->EtaBeg, int64_t{max_updates} + 1));
+    TRY(array_assign(&lu->ProductBeg, 1, 0));
+    return lu_grow(lu, num_rows);
 }
 
 template<class R>

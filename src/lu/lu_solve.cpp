@@ -294,8 +294,9 @@ template<class R> void ftran_lower(lufact<R> *lu, const FtranTask<R> *task)
 
 template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task)
 {
-    if (task->X->Count != 0)
-        solve_upper(lu, task->X, &lu->Density[task->Kind][1], task->Keeps == Keep::VALUES);
+    if (task->X->Count == 0) return;
+    solve_upper(lu, task->X, &lu->Density[task->Kind][1], task->Keeps == Keep::VALUES);
+    if (lu->NumProducts > 0) lu_apply_products(lu, task->X);
 }
 
 template<class R>
@@ -318,6 +319,7 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 {
     if (x->Count == 0) return;
     const int row = x->Count > 0 ? x->Index.data[0] : -1;
+    if (lu->NumProducts > 0) lu_apply_products_transposed(lu, x);
     solve_upper_transposed(lu, x, &lu->Density[kind][1]);
     if (keep == Keep::YES) {
         lu->PartRow = row;
@@ -328,6 +330,14 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
     svec_tidy(x, lu->DropTol);
 }
 
+template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x)
+{
+    if (x->Count != 0) solve_upper_transposed(lu, x, &lu->Density[SOLVE_COSTS][1]);
+}
+
+template void lu_solve_upper_transposed<double>(lufact<double> *, SVec<double> *);
+template void lu_solve_upper_transposed<long double>(lufact<long double> *,
+                                                     SVec<long double> *);
 template void Ftran<double>(lufact<double> *, SVec<double> *, SolveKind, Keep);
 template void Ftran<long double>(lufact<long double> *, SVec<long double> *, SolveKind,
                                  Keep);

@@ -115,6 +115,14 @@ template<class R> struct lufact {
     int PartCount = -1;  // its entries, -1 if there is none
     int PartRow = -1;    // index of the unit vector that it was computed from
 
+    // Product form updates (lu_product.cpp), on top of the factors and their row etas
+    Array<int> ProductRow; // [NumProducts] pivot position
+    Array<R> ProductPivot; // [NumProducts]
+    Array<int> ProductBeg; // [NumProducts + 1]
+    Array<int> ProductInd; // other positions of the entering column
+    Array<R> ProductVal;   // and its entries
+    int NumProducts = 0;
+
     // Running average of the share of nonzeros after the first and the second triangle.
     double Density[SOLVE_KINDS][2] = {};
     double WorkUnits = 0; // entries touched by solves, factors and updates
@@ -196,6 +204,8 @@ inline void lu_remember(const lufact<R> *lu, int nonzeros, double *density)
 // x := B^-T x, with a list of its nonzeros. With Keep::YES x must be the unit vector of the position that UpdateFactor
 // will replace.
 template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep keep);
+// x := U^-T x alone.
+template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x);
 
 // Replaces the column of position r by the one whose spike Ftran stored. `pivot` is entry r of the result of that
 // Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis, and a refactorisation is
@@ -203,20 +213,30 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 
+// lu_product.cpp. The same by an eta column of the product form: `alpha` is the result of that Ftran. The factors below
+// are not changed, so all such updates are undone at once. No other update may follow before that.
+// 0 or OUT_OF_MEMORY: nothing is changed then.
+template<class R>
+[[nodiscard]] int lu_product_update(lufact<R> *lu, int r, const SVec<R> *alpha);
+template<class R> void lu_drop_products(lufact<R> *lu);
+// The eta columns in a solve: after U in an FTRAN, before U^T in a BTRAN.
+template<class R> void lu_apply_products(lufact<R> *lu, SVec<R> *x);
+template<class R> void lu_apply_products_transposed(lufact<R> *lu, SVec<R> *x);
+
+// lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries of
+// the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or OUT_OF_MEMORY,
+// when nothing is changed.
+template<class R> [[nodiscard]] int lu_grow(lufact<R> *lu, int num_rows);
+template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> *row);
+
 // Sets the state after a factorisation: no updates.
 template<class R> inline void lu_forget_updates(lufact<R> *lu)
 {
     lu->NumPos = lu->NumRows;
-    lu->NumEtas = lu->NumUpdates = 0;
+    lu->NumEtas = lu->NumUpdates = lu->NumProducts = 0;
     lu->EtaInd.size = lu->EtaVal.size = 0;
     lu->EtaBeg.data[0] = 0;
     for (int i = 0; i < lu->NumRows; i++) lu->FirstEta.data[i] = INT32_MAX;
     lu->SpikeNnz = 0;
     lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
 }
-
-// lu_copy.cpp. lu_keep saves fresh factors in a record that is used for nothing else: 0 or OUT_OF_MEMORY. lu_go_back
-// restores the parts that updates change, or ALL after a refactorisation.
-enum class LuParts { UPDATED, ALL };
-template<class R> [[nodiscard]] int lu_keep(const lufact<R> *lu, lufact<R> *kept);
-template<class R> void lu_go_back(const lufact<R> *kept, LuParts parts, lufact<R> *lu);

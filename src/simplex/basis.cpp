@@ -19,6 +19,15 @@ constexpr double FILL_SPIKES = 1.5, FILL_ETAS = 2,
 // repairs in one refactorisation before the run ends in numeric trouble
 constexpr int MAX_REPAIRS = 50;
 
+// A search inside a heuristic gives up at a singular basis, any other run after TARV_PAR_STMPFIXES repairs.
+bool may_repair(const sopt *s)
+{
+    if (s->Env->TARV_PAR_SUBMIP) return false;
+    if (s->SingularCount < s->Env->TARV_PAR_STMPFIXES) return true;
+    TVXmsg(s->Env, "Temporary fix limit exceeded\n");
+    return false;
+}
+
 // Columns without pivot become nonbasic, slacks of the rows without pivot basic.
 template<class R> void repair_basis(sopt *s, int deficiency)
 {
@@ -38,13 +47,14 @@ template<class R> int Refactor(sopt *s, swork<R> *w)
     const BasisMatrix matrix{s->NumRows, s->NumCols, s->ColBeg.data, s->ColInd.data,
                              s->ColVal.data};
     s->NumFactor++;
+    s->BaseLost |= s->Probing;
     if (s->Running) callback_poll(s->Env, TVX_WHERE_POLLING, {});
     for (int repairs = 0;; repairs++) {
         const int result = FactorBasis(&w->Lu, &matrix, s->BasisHead.data, s->MarkowitzTol,
                                        s->BadRows.data, s->BadCols.data);
         if (result == 0) break;
         if (result < 0) return -result;
-        if (repairs >= MAX_REPAIRS) {
+        if (repairs >= MAX_REPAIRS || !may_repair(s)) {
             s->Status = SIMPLEX_NUMERIC;
             return 0;
         }
@@ -192,7 +202,7 @@ template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
 
 bool wants_confirmation(const sopt *s)
 {
-    return s->Env->TARV_PAR_SIMPLEXENDFAC || s->MarkowitzTol > s->Env->MarkowitzTol;
+    return s->EndFactor || s->MarkowitzTol > s->Env->MarkowitzTol;
 }
 
 void distrust_factors(sopt *s)

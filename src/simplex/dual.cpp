@@ -28,7 +28,8 @@ constexpr int CYCLE_HITS = 30; // repetitions after which a cycle is assumed
 // Refactorisation changes positions: the weights are carried over by variable.
 template<class R> int refactor_with_weights(sopt *s, swork<R> *w)
 {
-    if (has_factor(s, w) && w->Lu.NumUpdates == 0) return 0;
+    const bool usable = s->RefacReason == REFAC_VALUES || w->Lu.NumUpdates == 0;
+    if (has_factor(s, w) && usable) return 0;
     dual_weights_save(s, w);
     const int repairs = s->SingularCount;
     TRY(Refactor(s, w));
@@ -98,8 +99,9 @@ template<class R> int refresh(sopt *s, swork<R> *w)
     dual_list_reset(s, w);
     s->RefacReason = REFAC_NONE;
     simplex_self_check(s, w, CheckPoint::FACTORED, -1);
-    if (dual_has_cutoff(s) && !s->BoxPhase && dual_passes_cutoff(s, w))
-        s->Status = SIMPLEX_CUTOFF;
+    if (tracks_objective(s)) dual_set_objective(s, w);
+    if (has_cutoff(s) && !s->BoxPhase && (s->Perturbed || s->DualObj > s->CutoffFrom))
+        dual_test_cutoff(s, w);
     return 0;
 }
 
@@ -138,6 +140,7 @@ template<class R> void end_phase2(sopt *s, swork<R> *w)
     if (s->Perturbed) {
         dual_remove_perturbation(s);
         compute_dual(s, w);
+        if (tracks_objective(s)) dual_set_objective(s, w);
         const Infeasibility inf = measure_infeasibility(s, w);
         s->Status = inf.DualCount == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
     } else {
@@ -174,7 +177,9 @@ template<class R> void set_row_aside(sopt *s, swork<R> *w)
 template<class R> bool no_column(sopt *s, swork<R> *w)
 {
     const bool fresh = w->Lu.NumUpdates == 0;
-    if (!s->BoxPhase && (fresh || !wants_confirmation(s)) && proves_infeasible(s, w)) {
+    const bool sure = fresh || !wants_confirmation(s);
+    if (!s->BoxPhase && sure &&
+        ((s->Live && proves_simply(s, w)) || proves_infeasible(s, w))) {
         s->Status = SIMPLEX_INFEASIBLE;
     } else if (!fresh) {
         s->RefacReason = REFAC_CONFIRM;
@@ -270,8 +275,19 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
     return true;
 }
 
-// Updates values, reduced costs, weights, basis and factors.
-template<class R> void apply_step(sopt *s, swork<R> *w)
+// The factors follow the basis. 0 or OUT_OF_MEMORY.
+template<class R> int update_factor(sopt *s, swork<R> *w, int r, int entered, int left)
+{
+    if (!s->Probing) {
+        s->RefacReason = UpdateFactor(&w->Lu, r, w->Dual->AlphaCol);
+        return 0;
+    }
+    TRY(array_append(&s->Path, PivotRecord{entered, left}));
+    return lu_product_update(&w->Lu, r, &w->Alpha);
+}
+
+// Updates values, reduced costs, weights, basis and factors. 0 or OUT_OF_MEMORY.
+template<class R> int apply_step(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, q = d->PivotCol;
@@ -290,23 +306,25 @@ template<class R> void apply_step(sopt *s, swork<R> *w)
     s->NPvt++;
     s->Work++;
     watch_pivot(s, d);
-    s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
+    TRY(update_factor(s, w, r, q, leaving));
     if (s->RefacReason == REFAC_NONE) simplex_self_check(s, w, CheckPoint::UPDATED, -1);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
+    if (s->DualObj > s->CutoffFrom && !s->BoxPhase) dual_test_cutoff(s, w);
+    return 0;
 }
 
-// One pivot, or a decision that asks for a refresh or ends the run.
-template<class R> void iterate(sopt *s, swork<R> *w)
+// One pivot, or a decision that asks for a refresh or ends the run. 0 or OUT_OF_MEMORY.
+template<class R> int iterate(sopt *s, swork<R> *w)
 {
     if (!choose_row(s, w)) {
         no_row(s, w);
-        return;
+        return 0;
     }
     const double before = s->WorkUnits;
     compute_row(s, w);
     w->Dual->RowWork += s->WorkUnits - before;
-    if (!dual_ratio(s, w, pivot_floor(w)) && !no_column(s, w)) return;
-    if (compute_step(s, w)) apply_step(s, w);
+    if (!dual_ratio(s, w, pivot_floor(w)) && !no_column(s, w)) return 0;
+    return compute_step(s, w) ? apply_step(s, w) : 0;
 }
 
 bool has_free_nonbasics(const sopt *s)
@@ -349,7 +367,7 @@ template<class R> int setup(sopt *s, swork<R> *w)
     if (s->Status != SIMPLEX_RUNNING) return 0;
     compute_dual(s, w);
     // With a cutoff costs are perturbed only after a stall, since the dual bound is then reached later.
-    if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !dual_has_cutoff(s))
+    if (s->PerturbAllowed && !goes_on && !s->NearOptimal && !has_cutoff(s))
         dual_perturb_start(s, w);
     s->BoxPhase = dual_place_nonbasics(s, w) > 0;
     if (s->BoxPhase) dual_set_box_bounds(s);
@@ -377,7 +395,7 @@ template<class R> int dual_pivots(sopt *s, swork<R> *w)
             write_log(s, w);
         }
         if (limit_reached(s)) break;
-        iterate(s, w);
+        TRY(iterate(s, w));
         stall_count_pass(s);
     }
     return 0;

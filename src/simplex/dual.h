@@ -61,13 +61,17 @@ template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
-// dual_cutoff.cpp
-inline bool dual_has_cutoff(const sopt *s)
-{
-    return s->Cutoff < UNDEFINED_VALUE;
-}
-// The dual bound of the basis for the true costs exceeds the cutoff. RowVal is used.
-template<class R> bool dual_passes_cutoff(sopt *s, swork<R> *w);
+// resolve.cpp, also for strong branching
+// New bounds of column j in units of the working LP. The change of its value is added to Work, live_move_values then
+// changes the basic values. Work has to be empty before the first one.
+template<class R>
+void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);
+template<class R> void live_move_values(sopt *s, swork<R> *w);
+template<class R>
+void live_begin(sopt *s, swork<R> *w,
+                double iteration_limit); // counters and guards of a solve
+template<class R>
+[[nodiscard]] int live_run_primal(sopt *s, swork<R> *w); // from SIMPLEX_SWITCH on
 
 // dual_free.cpp
 template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar
@@ -97,7 +101,20 @@ template<class R> void dual_change_pricing(sopt *s, swork<R> *w); // between fac
 // PivotCol, AlphaRow and Flips, from row entries above floor; false if no breakpoint makes the slope negative.
 template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor);
 
+// dual_bound.cpp
+// Lower bound of the optimum for the true costs, in user units without ObjOffset; -HUGE_VAL: none. dual_bound uses the
+// multipliers for the costs in force, the other those for the true costs (RowVal, Work, Tau are used).
+template<class R> double dual_bound(sopt *s, swork<R> *w);
+template<class R> double dual_bound_true_costs(sopt *s, swork<R> *w);
+template<class R>
+void dual_set_objective(sopt *s, const swork<R> *w);           // DualObj, CutoffFrom
+template<class R> void dual_test_cutoff(sopt *s, swork<R> *w); // sets Status, or CutoffFrom
+
 // dual_update.cpp
+template<class R>
+void dual_add_column(const sopt *s, SVec<R> *x, int j, R factor); // x += factor * column j
+template<class R>
+void dual_move_values(sopt *s, swork<R> *w); // Bbar -= Work, which is cleared; merits
 template<class R> void dual_load_flips(sopt *s, swork<R> *w); // into Work, before its FTRAN
 template<class R> void dual_apply_flips(sopt *s, swork<R> *w);   // Bbar, from Work after it
 template<class R> void dual_update_values(sopt *s, swork<R> *w); // Bbar, merits, Cbar

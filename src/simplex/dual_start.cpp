@@ -76,7 +76,9 @@ template<class R> int dual_place_nonbasics(sopt *s, swork<R> *w)
 
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
 {
-    s->WorkCost.data[j] += static_cast<double>(new_cbar - w->Cbar.data[j]);
+    const double shift = static_cast<double>(new_cbar - w->Cbar.data[j]);
+    s->WorkCost.data[j] += shift;
+    s->DualObj += shift * nonbasic_value(s, j);
     w->Cbar.data[j] = new_cbar;
     s->Perturbed = std::max<int>(s->Perturbed, PERTURBED_SINGLE);
 }

@@ -9,16 +9,6 @@
 
 namespace
 {
-template<class R> void add_column(sopt *s, SVec<R> *x, int j, R factor)
-{
-    if (j >= s->NumCols) {
-        svec_add(x, j - s->NumCols, factor);
-        return;
-    }
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        svec_add(x, s->ColInd.data[p], R(s->ColVal.data[p]) * factor);
-}
-
 // Bbar -= factor x.
 template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
 {
@@ -34,7 +24,7 @@ template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
     }
 }
 
-template<class R> void update_reduced_costs(swork<R> *w, int leaving)
+template<class R> void update_reduced_costs(const sopt *s, swork<R> *w, int leaving)
 {
     dopt<R> *d = w->Dual;
     const R theta = d->ThetaDual;
@@ -43,11 +33,27 @@ template<class R> void update_reduced_costs(swork<R> *w, int leaving)
         const int *__restrict ind = w->RowInd.data;
         const R *__restrict val = w->RowVal.data;
         for (int k = 0; k < w->RowCount; k++) cbar[ind[k]] -= theta * val[k];
+        // The packed row has no fixed slacks, but their reduced costs are the multipliers of the rows.
+        for (int k = 0; k < w->Rho.Count; k++) {
+            const int slack = s->NumCols + w->Rho.Index.data[k];
+            if (s->VStat.data[slack] == AT_FIXED)
+                cbar[slack] -= theta * w->Rho.Value.data[w->Rho.Index.data[k]];
+        }
     }
     cbar[d->PivotCol] = R(0);
     cbar[leaving] = -theta;
 }
 } // namespace
+
+template<class R> void dual_add_column(const sopt *s, SVec<R> *x, int j, R factor)
+{
+    if (j >= s->NumCols) {
+        svec_add(x, j - s->NumCols, factor);
+        return;
+    }
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        svec_add(x, s->ColInd.data[p], R(s->ColVal.data[p]) * factor);
+}
 
 template<class R> void dual_load_flips(sopt *s, swork<R> *w)
 {
@@ -56,7 +62,7 @@ template<class R> void dual_load_flips(sopt *s, swork<R> *w)
     for (int k = 0; k < d->FlipCount; k++) {
         const int j = d->Flips.data[k];
         const R range = R(s->WorkUpper.data[j]) - R(s->WorkLower.data[j]);
-        add_column(s, &w->Work, j, s->VStat.data[j] == AT_LOWER ? range : -range);
+        dual_add_column(s, &w->Work, j, s->VStat.data[j] == AT_LOWER ? range : -range);
     }
     s->Work += d->FlipCount;
 }
@@ -66,7 +72,11 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
     dopt<R> *d = w->Dual;
     if (d->FlipCount == 0) return;
     for (int k = 0; k < d->FlipCount; k++) {
-        int *status = &s->VStat.data[d->Flips.data[k]];
+        const int j = d->Flips.data[k];
+        int *status = &s->VStat.data[j];
+        const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
+        s->DualObj +=
+            static_cast<double>(w->Cbar.data[j]) * (*status == AT_LOWER ? range : -range);
         *status = *status == AT_LOWER ? AT_UPPER : AT_LOWER;
     }
     subtract(w, R(1), &w->Work);
@@ -75,19 +85,29 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
     svec_clear(&w->Work);
 }
 
+template<class R> void dual_move_values(sopt *s, swork<R> *w)
+{
+    subtract(w, R(1), &w->Work);
+    dual_set_merits(s, w, &w->Work);
+    svec_clear(&w->Work);
+}
+
 template<class R> void dual_update_values(sopt *s, swork<R> *w)
 {
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, leaving = s->BasisHead.data[r];
     const R theta = d->ThetaPrimal;
+    s->DualObj += static_cast<double>(w->Cbar.data[d->PivotCol] * theta);
     subtract(w, theta, &w->Alpha);
     dual_set_merits(s, w, &w->Alpha);
     w->Bbar.data[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
-    update_reduced_costs(w, leaving);
+    update_reduced_costs(s, w, leaving);
     s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;
 }
 
 #define INSTANTIATE(R)                                                                     \
+    template void dual_add_column<R>(const sopt *, SVec<R> *, int, R);                     \
+    template void dual_move_values<R>(sopt *, swork<R> *);                                 \
     template void dual_load_flips<R>(sopt *, swork<R> *);                                  \
     template void dual_apply_flips<R>(sopt *, swork<R> *);                                 \
     template void dual_update_values<R>(sopt *, swork<R> *);

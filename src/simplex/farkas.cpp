@@ -14,7 +14,7 @@
 // Literature  J. Farkas, "Theorie der einfachen Ungleichungen", J. reine angew. Math. 124, 1902.
 //             N. J. Higham, "Accuracy and stability of numerical algorithms", 2002, chapter 12 (refinement).
 #include "body/double_double.h"
-#include "simplex/sopt.h"
+#include "simplex/dual.h"
 #include <algorithm>
 
 namespace
@@ -205,6 +205,87 @@ template<class R> bool proves_infeasible(sopt *s, swork<R> *w)
     svec_clear(&w->Tau);
     return proved;
 }
+
+namespace
+{
+// Entries of g up to this size at a variable without a bound are rounding errors.
+constexpr double SIMPLE_NOISE = 1e-14;
+
+// Share of the sum of all terms by which the gap has to exceed rounding errors.
+constexpr double SIMPLE_ROUNDING = 1e-10;
+
+// Both ends of the range of g x, with the sums of its terms' magnitudes and of the weights of a widening.
+struct SimpleRange {
+    double Low = 0, High = 0, Size = 0, Weight = 0;
+    bool LowOpen = false, HighOpen = false;
+};
+
+void extend_simply(const sopt *s, SimpleRange *range, int j, double g)
+{
+    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+    const double below = g > 0 ? lower : upper, above = g > 0 ? upper : lower;
+    const bool noise = std::fabs(g) <= SIMPLE_NOISE;
+    range->Weight += std::fabs(g) / user_unit(s, j);
+    for (const bool low : {true, false}) {
+        const double bound = low ? below : above;
+        if (!has_lower(s, bound) || !has_upper(s, bound)) {
+            (low ? range->LowOpen : range->HighOpen) |= !noise;
+            continue;
+        }
+        (low ? range->Low : range->High) += g * bound;
+        range->Size += std::fabs(g * bound);
+    }
+}
+
+// Entries of g in the nonbasic columns and the sums over all of them. acc is SVEC_TINY again on return.
+template<class R> SimpleRange range_of_row(const sopt *s, swork<R> *w)
+{
+    R *acc = w->RowAcc.data;
+    int *list = w->Dual->CandPlace.data, count = 0;
+    SimpleRange range;
+    for (int k = 0; k < w->Rho.Count; k++) {
+        const int i = w->Rho.Index.data[k];
+        const R rho = w->Rho.Value.data[i];
+        for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++) {
+            const int j = s->RowInd.data[p];
+            if (is_basic(s, j)) continue;
+            if (acc[j] == SVEC_TINY<R>) list[count++] = j;
+            acc[j] += rho * R(s->RowVal.data[p]);
+        }
+        if (!is_basic(s, s->NumCols + i))
+            extend_simply(s, &range, s->NumCols + i, static_cast<double>(rho));
+    }
+    for (int k = 0; k < count; k++) {
+        extend_simply(s, &range, list[k], static_cast<double>(acc[list[k]]));
+        acc[list[k]] = SVEC_TINY<R>;
+    }
+    return range;
+}
+} // namespace
+
+template<class R> bool proves_simply(sopt *s, swork<R> *w)
+{
+    const int r = w->Dual->PivotRow;
+    SimpleRange range = range_of_row(s, w);
+    extend_simply(s, &range, s->BasisHead.data[r],
+                  1); // the other basic variables have g = 0
+    double rhs = 0;
+    for (int k = 0; k < w->Rho.Count; k++) {
+        const int i = w->Rho.Index.data[k];
+        const double term = static_cast<double>(w->Rho.Value.data[i]) * s->Rhs.data[i];
+        rhs += term;
+        range.Size += std::fabs(term);
+    }
+    const double least = SLACK * range.Weight + SIMPLE_ROUNDING * range.Size;
+    const bool above = !range.LowOpen && range.Low - rhs > least,
+               below = !range.HighOpen && rhs - range.High > least;
+    if (above || below) s->Proof = PROOF_ROW;
+    return above || below;
+}
+
+template bool proves_simply<double>(sopt *, swork<double> *);
+
+template bool proves_simply<long double>(sopt *, swork<long double> *);
 
 template bool proves_infeasible<double>(sopt *, swork<double> *);
 

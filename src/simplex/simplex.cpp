@@ -304,6 +304,11 @@ int run_in(sopt **record, const ModelBody *body, TVXenv *env, const SimplexCall 
 }
 } // namespace
 
+int simplex_run(sopt *s, const SimplexCall &call)
+{
+    return optimize(&s, s->Body, s->Env, call, s->Tuning);
+}
+
 int SimplexOptimize(sopt **record, const ModelBody *body, TVXenv *env,
                     const SimplexCall &call)
 {

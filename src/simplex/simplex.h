@@ -34,7 +34,9 @@ struct SimplexCall {
     const double *X = nullptr;     // [n] start point that places nonbasics, or null
     const double *Slack = nullptr; // [m] the slacks of this point
     double Iterations = 0;         // iterations of earlier stages of the same solve
+    double Limit = 1e100;          // of the iterations, as IterationLimit, which counts too
     bool Cutoff = true;            // the environment's Cutoff applies to this body
+    bool Root = false;             // the root relaxation of a search: its log has a banner of its own
     double *Total = nullptr;       // or gets the count at the end, also after OUT_OF_MEMORY
 };
 // Solves the LP relaxation of the body. *record is null or the record of earlier runs on this body; it then holds the

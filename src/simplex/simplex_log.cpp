@@ -17,6 +17,7 @@ double elapsed(const sopt *s)
 void write_header(sopt *s)
 {
     if (s->HeaderDone) return;
+    if (s->RootLog) TVXmsg(s->Env, "\nRoot simplex log...\n\n");
     TVXmsg(s->Env, "Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
     s->HeaderDone = 1;
 }
@@ -32,6 +33,7 @@ void line_written(sopt *s, double time)
 bool log_is_due(sopt *s)
 {
     if (!s->Env->OutputFlag) return false;
+    if (s->RootLog && elapsed(s) < s->TickLength) return false; // most roots are solved before
     const double interval =
         s->Env->TARV_PAR_SDISPINTERVAL > 0 ? s->Env->TARV_PAR_SDISPINTERVAL : LOG_STEP;
     if (s->Work - s->NextLogIter < interval && s->LastLogIter >= 0) return false;
@@ -76,7 +78,7 @@ bool limit_reached(sopt *s)
     if (s->Running) callback_poll(s->Env, TVX_WHERE_SIMPLEX, {s, simplex_answer});
     if (env_stop_requested(s->Env))
         s->Status = SIMPLEX_INTERRUPTED;
-    else if (iterations(s) >= s->Env->IterationLimit)
+    else if (iterations(s) >= s->IterLimit)
         s->Status = SIMPLEX_ITERATION_LIMIT;
     else if (WallClock() - s->Env->optimize_start >= s->Env->TimeLimit)
         s->Status = SIMPLEX_TIME_LIMIT;

@@ -220,9 +220,14 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->TickIndex = -1;
     s->LastLogIter = -1;
     s->HeaderDone = 0;
+    s->RootLog = call.Root;
     s->NextLogIter = 0;
     s->IterBase = call.Iterations;
     s->HasCutoff = call.Cutoff;
+    s->IterLimit = std::min(env->IterationLimit, call.Limit);
+    s->EndFactor = env->TARV_PAR_SIMPLEXENDFAC;
+    s->Live = LIVE_NO;
+    s->CutoffFrom = HUGE_VAL;
     s->Running = 1;
     s->NPvt = s->Work = 0;
     s->NumFactor = 0;

@@ -15,7 +15,7 @@
 #pragma once
 #include "lu/lufact.h"
 #include "runtime/random.h"
-#include "simplex/simplex.h"
+#include "simplex/resolve.h"
 #include "simplex/sopt_states.h"
 
 template<class R> struct dopt;
@@ -48,6 +48,9 @@ struct SimplexCounters {
     int NumFactor = 0;        // factorisations
     int Method = METHOD_DUAL; // method of the last run
     double Obj = 0;           // objective in user units, minimisation, without ObjOffset
+    // Dual simplex with a cutoff, or live: objective for the costs in force, in units of the working LP; value of it
+    // from which the next test against the cutoff is worth it.
+    double DualObj = 0, CutoffFrom = HUGE_VAL;
     int RefacReason = REFAC_NONE; // see the table above
     StallGuard Stall;
     int SwitchCount = 0;    // changes of method in this run
@@ -75,12 +78,19 @@ struct SimplexCounters {
     int MaxUpdates = 20, MinUpdates = 0;
 };
 
+// A pivot of a probe, for its undoing: variable `Entered` replaced `Left`.
+struct PivotRecord {
+    int Entered, Left;
+};
+
 struct sopt : SimplexCounters {
     const ModelBody *Body = nullptr; // the body that is solved; not owned
     SimplexTuning Tuning;  // settings that differ from the environment's parameters
     TVXenv *Env = nullptr; // not owned
     int Running = 0;       // the callback function is called during this run
     int HasCutoff = 1;     // the environment's Cutoff applies to this body
+    double IterLimit = 0;  // IterationLimit, or that of simplex_resolve
+    int EndFactor = 1; // results need fresh factors: TARV_PAR_SIMPLEXENDFAC; 0 when live
 
     // Time, limits, log
     double StartTime = 0;    // clock at the start of this run
@@ -92,6 +102,7 @@ struct sopt : SimplexCounters {
     double WorkTaken = 0;    // the part of the work that simplex_take_work has returned
     double FactorWork = 0;   // work of factors that a change of precision has freed
     int HeaderDone = 0;      // the column header of the log has been written
+    int RootLog = 0;         // SimplexCall::Root of this run
 
     // Working LP
     int NumRows = 0, NumCols = 0, NumVars = 0; // m, n, n + m
@@ -167,6 +178,13 @@ struct sopt : SimplexCounters {
     Array<double> ProofVector;
     Random Rng; // for perturbations
 
+    // Search (resolve.h)
+    LiveState Live = LIVE_NO;
+    int Crossed = 0;  // columns whose bounds cross
+    int Probing = 0;  // strong branching: updates in product form, pivots are recorded
+    int BaseLost = 0; // a probe has replaced the factors of the basis that it started from
+    Array<PivotRecord> Path; // pivots of a probe
+
     // Scratch
     Array<double> RowWork;       // [m]
     Array<int> BadRows, BadCols; // [m] rows and positions without pivot, from FactorBasis
@@ -230,6 +248,12 @@ template<class R> inline R column_dot(const sopt *s, int j, const R *v)
     return sum;
 }
 
+// Minus the multiplier of row i: the slack may have a shifted cost.
+template<class R> inline R minus_multiplier(const sopt *s, const swork<R> *w, int i)
+{
+    return w->Cbar.data[s->NumCols + i] - R(s->WorkCost.data[s->NumCols + i]);
+}
+
 template<class R> swork<R> *live_work(sopt *s);
 template<> inline swork<double> *live_work<double>(sopt *s)
 {
@@ -243,6 +267,16 @@ template<> inline swork<long double> *live_work<long double>(sopt *s)
 inline double iterations(const sopt *s)
 {
     return s->IterBase + s->NPvt;
+}
+
+inline bool has_cutoff(const sopt *s)
+{
+    return s->Cutoff < UNDEFINED_VALUE;
+}
+// The dual simplex keeps DualObj.
+inline bool tracks_objective(const sopt *s)
+{
+    return s->Live != LIVE_NO || has_cutoff(s);
 }
 
 // The factors (with their updates) belong to the current basis.
@@ -267,6 +301,8 @@ template<class R> inline R noise_share(const swork<R> *w)
     return R(ROUNDING_SHARE<R> * (w->Lu.NumUpdates == 0 ? 1e-12 : 1e-11));
 }
 
+// SimplexOptimize on an existing record, which is not freed on an error (simplex.cpp).
+[[nodiscard]] int simplex_run(sopt *s, const SimplexCall &call);
 // Answers to the queries of a callback function during a run (simplex_query.cpp).
 int simplex_answer(const void *record, int what, void *result);
 
@@ -333,11 +369,16 @@ template<class R> void compute_dual_for(sopt *s, swork<R> *w, const double *cost
 // Acts on the residuals of the last compute_primal and compute_dual: stricter pivots in the factors, or extended
 // precision; may set Status.
 template<class R> void judge_residuals(sopt *s, const swork<R> *w);
+// Objective of the basis for the costs and bounds in force, in units of the working LP.
+template<class R> double working_objective(const sopt *s, const swork<R> *w);
 
 // ---- farkas.cpp ----
 // True if the multipliers in Rho prove that no point within the true bounds satisfies the equations. They are refined
 // with the factors, which should be fresh; Tau and Work are used.
 template<class R> bool proves_infeasible(sopt *s, swork<R> *w);
+// The same for a live record, by the row of the tableau in plain double arithmetic, where the gap is far above rounding
+// errors. Otherwise false, which tells nothing. The multipliers stay in Rho.
+template<class R> bool proves_simply(sopt *s, swork<R> *w);
 
 // ---- ray.cpp ----
 // True if the objective is proved to decrease without limit along the edge on which nonbasic q moves in `direction`.

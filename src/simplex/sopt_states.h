@@ -3,16 +3,17 @@
 // Status: each transition with the functions that make it (file after the name; only one of a name per file)
 //   any -> RUNNING          sopt_refresh: a new call. run_again, take_up (simplex.cpp): polishing, also back to the
 //                           optimum before it. simplex_confirm (simplex_query.cpp): fresh factors show no optimum.
-//                           open, run, run_primal (strong_branch.cpp): a probe
+//                           live_begin, live_run_primal, go_live (resolve.cpp), open (strong_branch.cpp): a re-solve
 //   RUNNING -> OPTIMAL      keep_optimal (simplex.cpp): the start basis is optimal. end_phase2 (dual.cpp,
 //                           primal_end.cpp). open, bring_back, strong_branch_close (strong_branch.cpp): the optimum
 //                           before the probe
-//   RUNNING -> INFEASIBLE   no_column (dual.cpp), end_phase1 (primal_end.cpp): after proves_infeasible.
+//   RUNNING -> INFEASIBLE   no_column (dual.cpp), end_phase1 (primal_end.cpp): after proves_infeasible or, when live,
+//                           proves_simply. resolve (resolve.cpp): crossed bounds.
 //                           sopt_check_bounds: crossed bounds, or a lower bound +inf or upper bound -inf
 //   RUNNING -> UNBOUNDED    primal_no_row: after proves_unbounded. sopt_check_bounds: an infinite bound on the
 //                           wrong side towards which the cost of the variable improves without limit
-//   RUNNING -> CUTOFF       refresh (dual.cpp): the dual bound exceeds Cutoff
-//   OPTIMAL -> CUTOFF       optimize (simplex.cpp): the optimal objective exceeds Cutoff
+//   RUNNING -> CUTOFF       dual_test_cutoff: a dual bound exceeds Cutoff
+//   OPTIMAL -> CUTOFF       optimize (simplex.cpp), resolve (resolve.cpp): the optimal objective exceeds Cutoff
 //   RUNNING -> limits       limit_reached (simplex_log.cpp): INTERRUPTED, ITERATION_LIMIT, TIME_LIMIT. Called by solve
 //                           (simplex.cpp), dual_pivots, dual_enter_free, exact_weights (dual_weights.cpp), PrimalRun,
 //                           start_norms (primal_price.cpp)
@@ -26,7 +27,7 @@
 //   any -> NUMERIC          Refactor (basis.cpp): a basis that repairs do not make regular. stall_look (STALL_END).
 //                           iterate (primal.cpp): the ratio test finds no row because values are not finite
 //   SWITCH -> RUNNING       hand_over (simplex.cpp): the other method, or the dual again without perturbation;
-//                           -> NUMERIC after MAX_SWITCHES. run_primal (strong_branch.cpp)
+//                           -> NUMERIC after MAX_SWITCHES. live_run_primal (resolve.cpp)
 //   RESTART -> RUNNING      restart (simplex.cpp)
 //   NUMERIC, NEED_QUAD -> RUNNING   go_extended (simplex.cpp), once, if the parameter Quad is -1
 //   NEED_QUAD -> NUMERIC    run_methods (simplex.cpp), if extended precision is not allowed or already in use
@@ -41,8 +42,9 @@
 //   NONE -> PIVOT, ROOM     UpdateFactor, in apply_step (dual.cpp) and apply_pivot (primal.cpp); PIVOT also
 //                           distrust_factors, for reject_pivot (dual.cpp) and primal_reject_column
 //   NONE -> FILL            apply_step (dual.cpp), apply_pivot (primal.cpp), after wants_refactor
-//   any -> NONE             refresh (dual.cpp, primal.cpp); run (strong_branch.cpp). bring_back restores the value that
-//                           the record had before strong branching
+//   any -> VALUES           run (resolve.cpp): a stale record
+//   any -> NONE             refresh (dual.cpp, primal.cpp); live_begin (resolve.cpp). bring_back (strong_branch.cpp)
+//                           restores the value that the record had before strong branching
 // BoxPhase
 //   0 -> 1                  setup (dual.cpp), if dual infeasible nonbasics are left after dual_place_nonbasics
 //   1 -> 0                  the same if none is left; begin_phase2 (dual.cpp); setup (primal.cpp); finish_values;
@@ -50,8 +52,8 @@
 // Perturbed
 //   NONE -> SINGLE          dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
 //   NONE, SINGLE -> ALL     dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
-//   any -> NONE             dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; safe_bound,
-//                           bring_back of strong_branch.cpp), primal_remove_perturbation (setup of primal.cpp;
+//   any -> NONE             dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; take_true_lp
+//                           of resolve.cpp, bring_back of strong_branch.cpp), primal_remove_perturbation (setup of primal.cpp;
 //                           end_phase1, end_phase2, primal_no_row of primal_end.cpp), finish_values, sopt_refresh
 #pragma once
 #include "lu/lufact.h"
@@ -110,7 +112,10 @@ struct StallGuard {
 enum Perturbation { PERTURBED_NONE = 0, PERTURBED_SINGLE = 1, PERTURBED_ALL = 3 };
 
 // What proves an infeasible or unbounded status: nothing, row multipliers, a ray.
-enum ProofKind { PROOF_NONE, PROOF_FARKAS, PROOF_RAY };
+// PROOF_ROW: row multipliers in Rho, until the next solve with the factors.
+enum ProofKind { PROOF_NONE, PROOF_FARKAS, PROOF_RAY, PROOF_ROW };
+
+enum LiveState { LIVE_NO, LIVE_STALE, LIVE_FRESH }; // see resolve.h
 
 // Why factors, values and reduced costs are to be computed afresh. What an update returns is such a reason.
 enum RefacReason {
@@ -122,6 +127,7 @@ enum RefacReason {
     REFAC_CLEAN = 4,
     REFAC_CONFIRM = 5,             // infeasible or unbounded according to updated factors
     REFAC_PIVOT = UPDATE_UNSTABLE, // or the pivots from row and column differ
+    REFAC_VALUES = 7, // values and reduced costs alone: the factors stand (live records)
     REFAC_FILL = 10,             // update limit reached, or solves have become slow by fill
     REFAC_ROOM = UPDATE_NO_ROOM, // the update ran out of memory in its pools
 };

@@ -30,18 +30,6 @@ constexpr double STUCK_PIVOTS = 2;
 constexpr double LONG_ROUNDS = 25, LONG_LEAST = 1000;
 constexpr double STALL_PROGRESS = 1e-9; // relative decrease that counts as an improvement
 
-// Objective of the basis for the costs and bounds in force: in the dual simplex the dual objective.
-template<class R> double working_objective(const sopt *s, const swork<R> *w)
-{
-    double sum = 0;
-    for (int j = 0; j < s->NumVars; j++)
-        if (s->WorkCost.data[j] != 0)
-            sum += s->WorkCost.data[j] *
-                   (is_basic(s, j) ? static_cast<double>(w->Bbar.data[s->VStat.data[j]])
-                                   : nonbasic_value(s, j));
-    return sum;
-}
-
 template<class R> double infeasibility(const sopt *s, const swork<R> *w)
 {
     double sum = 0;

@@ -3,12 +3,13 @@
 // Problem     For many candidates and both directions: tighten a bound, re-solve for a few iterations, return the
 //             objective or a lower bound of it.
 // Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
-//             infeasible. Basis, values, weights and factors are saved once and copied back after each probe, which is
-//             cheaper than a refactorisation. There is no perturbation and no confirmation on fresh factors, since the
-//             dual bound is valid at every dual feasible basis. If shifted costs led to a basis that is not dual
+//             infeasible. Its pivots update the factors in product form, which is undone by forgetting the eta columns;
+//             basis and vectors are copied back. There is no perturbation and no confirmation on fresh factors, since
+//             the dual bound is valid at every dual feasible basis. If shifted costs led to a basis that is not dual
 //             feasible for the true costs, the primal simplex continues within the same limit.
-// Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy.
-// Cost        A probe: its iterations, and O(n + m + entries of the factors).
+// Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
+//             of the positions after a probe that factored.
+// Cost        A probe: its iterations, and O(n + m) for the copies; a factorisation if it factored itself.
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -17,12 +18,11 @@
 namespace
 {
 template<class R> struct KeptState {
-    lufact<R> Lu;           // see lu_keep
     Array<int> VStat;       // [NumVars]
     Array<int> BasisHead;   // [m]
     Array<R> Cbar;          // [NumVars]
     Array<R> Bbar, Weights; // [m]
-    Array<char> Reference;  // [NumVars]
+    Array<char> Reference;  // [NumVars] with Devex
     int PricingCur = 0, PricingFinal = 0, FreeCount = 0;
     double FrameworkWork = 0;
 };
@@ -31,8 +31,7 @@ template<class R> struct KeptState {
 struct StrongBranch {
     sopt *Record = nullptr;
     SimplexCounters Counters; // of the record, as they were at open
-    TVXenv *Outer = nullptr;  // environment of the record before open and after close
-    TVXenv *Inner = nullptr;  // environment during the probes; owned
+    LiveState Live = LIVE_NO; // likewise
     bool WeightsKept = false; // weights of the last dual run belong to the basis
     double Optimum = 0;       // the objective without any branching, as simplex_objective
     KeptState<double> Double;
@@ -58,7 +57,6 @@ template<class R> int keep(StrongBranch *b, const swork<R> *w)
     const sopt *s = b->Record;
     const dopt<R> *d = w->Dual;
     KeptState<R> *k = kept<R>(b);
-    TRY(lu_keep(&w->Lu, &k->Lu));
     TRY(array_copy(&k->VStat, s->VStat.data, s->NumVars));
     TRY(array_copy(&k->BasisHead, s->BasisHead.data, s->NumRows));
     TRY(array_copy(&k->Cbar, w->Cbar.data, s->NumVars));
@@ -72,20 +70,71 @@ template<class R> int keep(StrongBranch *b, const swork<R> *w)
     return 0;
 }
 
-template<class R> void bring_back(StrongBranch *b, swork<R> *w)
+// The columns that the probe has moved in or out of the row copy go back.
+template<class R> void restore_row_copy(sopt *s, int branched)
+{
+    if (s->BaseLost) {
+        row_copy_partition(s);
+        return;
+    }
+    const auto settle = [s](int j) {
+        const int status = s->VStat.data[j];
+        if (status < 0 && status != AT_FIXED)
+            row_copy_insert(s, j);
+        else
+            row_copy_remove(s, j);
+    };
+    for (int64_t k = 0; k < s->Path.size; k++) {
+        settle(s->Path.data[k].Entered);
+        settle(s->Path.data[k].Left);
+    }
+    settle(branched);
+}
+
+// The factors of the kept basis were replaced. A new factorisation may put its variables into other positions, which the
+// kept vectors then follow. 0 or a code.
+template<class R> int factor_again(sopt *s, swork<R> *w, KeptState<R> *k)
+{
+    s->Probing = 0; // this is the basis itself
+    const int code = Refactor(s, w);
+    s->Probing = 1;
+    if (code) return code;
+    SVec<R> *old = &w->Work;
+    for (Array<R> *values : {&k->Bbar, &k->Weights}) {
+        svec_clear(old);
+        std::copy_n(values->data, s->NumRows, old->Value.data);
+        for (int r = 0; r < s->NumRows; r++)
+            values->data[r] = old->Value.data[k->VStat.data[s->BasisHead.data[r]]];
+        old->Count = -1;
+        svec_clear(old);
+    }
+    std::copy_n(s->VStat.data, s->NumVars, k->VStat.data);
+    std::copy_n(s->BasisHead.data, s->NumRows, k->BasisHead.data);
+    return 0;
+}
+
+template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
 {
     sopt *s = b->Record;
     dopt<R> *d = w->Dual;
     KeptState<R> *k = kept<R>(b);
-    const bool factored = s->NumFactor != b->Counters.NumFactor;
-    lu_go_back(&k->Lu, factored ? LuParts::ALL : LuParts::UPDATED, &w->Lu);
-    w->FactorAge = s->BasisAge;
     std::copy_n(k->VStat.data, s->NumVars, s->VStat.data);
     std::copy_n(k->BasisHead.data, s->NumRows, s->BasisHead.data);
+    if (s->Perturbed || s->Method == METHOD_PRIMAL) dual_remove_perturbation(s);
+    // the primal simplex shifts bounds
+    if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s);
+    restore_row_copy<R>(s, branched);
+    int code = 0;
+    if (s->BaseLost)
+        code = factor_again(s, w, k); // without memory the next solve factors
+    else
+        lu_drop_products(&w->Lu);
+    w->FactorAge = s->BasisAge;
     std::copy_n(k->Cbar.data, s->NumVars, w->Cbar.data);
     std::copy_n(k->Bbar.data, s->NumRows, w->Bbar.data);
     std::copy_n(k->Weights.data, s->NumRows, d->Weights.data);
-    std::copy_n(k->Reference.data, s->NumVars, d->Reference.data);
+    if (d->PricingCur == PRICE_DEVEX || k->PricingCur == PRICE_DEVEX)
+        std::copy_n(k->Reference.data, s->NumVars, d->Reference.data);
     d->PricingCur = k->PricingCur;
     d->PricingFinal = k->PricingFinal;
     d->FreeCount = k->FreeCount;
@@ -93,75 +142,46 @@ template<class R> void bring_back(StrongBranch *b, swork<R> *w)
     if (d->Rejected > 0)
         for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
     d->Rejected = 0;
-    if (s->Perturbed || s->Method == METHOD_PRIMAL) dual_remove_perturbation(s);
-    // the primal simplex shifts bounds
-    if (s->Method == METHOD_PRIMAL) dual_set_true_bounds(s);
+    const double limit = s->IterLimit;
     *static_cast<SimplexCounters *>(s) = b->Counters;
+    s->IterLimit = limit;
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
-    row_copy_partition(s);
+    dual_list_reset(s, w);
+    return code;
 }
 
-// The bounds of j in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
+// The bounds of a variable in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
 // bound far away, because the working LP has no variables with only an upper bound.
 struct Tightened {
     int Var;
-    double Lower, Upper; // before the probe
+    double Lower, Upper;
 };
 
-Tightened tighten(sopt *s, int j, BranchSide side, double bound)
+Tightened tighten(const sopt *s, int j, BranchSide side, double bound)
 {
-    double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
-    const Tightened saved = {j, *lower, *upper};
+    Tightened branch = {j, s->Lower.data[j], s->Upper.data[j]};
     const double scale = s->ColScale.data[j], limit = bound / scale;
     const bool from_above = (side == BranchSide::DOWN) == (scale > 0);
     if (from_above)
-        *upper = std::min(*upper, limit);
+        branch.Upper = std::min(branch.Upper, limit);
     else
-        *lower = std::max(*lower, limit);
-    if (from_above && !has_lower(s, *lower)) *lower = -s->Infinity / 2;
-    s->WorkLower.data[j] = *lower;
-    s->WorkUpper.data[j] = *upper;
-    return saved;
+        branch.Lower = std::max(branch.Lower, limit);
+    if (from_above && !has_lower(s, branch.Lower)) branch.Lower = -s->Infinity / 2;
+    return branch;
 }
 
-void loosen(sopt *s, const Tightened &saved)
+template<class R> int run(sopt *s, swork<R> *w, const Tightened &branch, double limit)
 {
-    s->Lower.data[saved.Var] = s->WorkLower.data[saved.Var] = saved.Lower;
-    s->Upper.data[saved.Var] = s->WorkUpper.data[saved.Var] = saved.Upper;
-}
-
-// A nonbasic variable moves with its bound; a free one goes to its new bound.
-template<class R> void place_nonbasic(sopt *s, swork<R> *w, const Tightened &old)
-{
-    const int j = old.Var;
-    int *status = &s->VStat.data[j];
-    if (s->Lower.data[j] == s->Upper.data[j]) { // assigned alike
-        *status = AT_FIXED;
-        row_copy_remove(s, j);
-    } else if (*status == AT_FREE) {
-        w->Dual->FreeCount--;
-        *status = s->Upper.data[j] < old.Upper ? AT_UPPER : AT_LOWER;
-    }
-    compute_primal(s, w);
-}
-
-template<class R> int run(sopt *s, swork<R> *w, const Tightened &old)
-{
-    if (is_basic(s, old.Var))
-        set_basic_bounds(s);
-    else
-        place_nonbasic(s, w, old);
-    s->Status = SIMPLEX_RUNNING;
-    s->RefacReason = REFAC_NONE;
-    s->Method = METHOD_DUAL;
-    s->NPvt = s->IterBase = 0;
-    s->Stall = StallGuard{};
-    stall_reset(s);
-    w->Dual->CycleVar = -1;
-    w->Dual->CycleHits = 0;
-    w->Dual->CycleIter = 0;
-    dual_list_reset(s, w);
+    s->Probing = 1;
+    s->BaseLost = 0;
+    s->Path.size = 0;
+    svec_clear(&w->Work);
+    live_set_bounds(s, w, branch.Var, branch.Lower, branch.Upper);
+    live_move_values(s, w);
+    live_begin(s, w, limit);
+    s->PerturbAllowed = 0;
+    s->CutoffFrom = has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
     return dual_pivots(s, w);
 }
 
@@ -171,45 +191,12 @@ double at_least_optimum(const StrongBranch *b, double value)
     return std::isfinite(value) ? std::max(b->Optimum, value) : b->Optimum;
 }
 
-// Lower bound of the objective in the branch from the current basis: its dual objective, minus the possible gain by
-// reduced costs of the wrong sign that removed cost shifts have left.
+// Lower bound of the objective in the branch from the current basis.
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
 {
     sopt *s = b->Record;
-    if (s->Perturbed) {
-        dual_remove_perturbation(s);
-        compute_dual(s, w);
-    }
-    long double gain = 0;
-    for (int j = 0; j < s->NumVars; j++) {
-        const int status = s->VStat.data[j];
-        if (status >= 0 || status == AT_FIXED) continue;
-        const double d = static_cast<double>(w->Cbar.data[j]),
-                     wrong = status == AT_LOWER   ? -d
-                             : status == AT_UPPER ? d
-                                                  : std::fabs(d);
-        if (wrong <= s->OptTol) continue;
-        const double lower = s->Lower.data[j], upper = s->Upper.data[j];
-        if (!has_lower(s, lower) || !has_upper(s, upper)) return b->Optimum;
-        gain += wrong * (static_cast<long double>(upper) - lower);
-    }
-    const double bound = true_objective(s, w) - static_cast<double>(gain) / s->ObjScale;
+    const double bound = s->Perturbed ? dual_bound(s, w) : s->DualObj / s->ObjScale;
     return at_least_optimum(b, bound + s->ObjOffset);
-}
-
-// The basis of the dual run is not optimal for the true costs: the primal simplex continues, with a popt of its own,
-// since that of the record belongs to the last primal run.
-template<class R> int run_primal(sopt *s, swork<R> *w)
-{
-    popt<R> *other = w->Primal;
-    w->Primal = nullptr;
-    s->Status = SIMPLEX_RUNNING;
-    s->Method = METHOD_PRIMAL;
-    s->PerturbAllowed = 1;
-    const int code = PrimalRun(s, w);
-    popt_free(&w->Primal);
-    w->Primal = other;
-    return code;
 }
 
 // The outcome of a probe; bound is the safe bound of its dual run.
@@ -235,15 +222,17 @@ BranchOutcome conclude(const StrongBranch *b, double value, double bound)
 }
 
 template<class R>
-int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutcome *outcome)
+int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double limit,
+                 BranchOutcome *outcome)
 {
     sopt *s = b->Record;
-    TRY(run(s, w, old));
+    TRY(run(s, w, branch, limit));
     double bound = b->Optimum;
     switch (s->Status) {
     case SIMPLEX_SWITCH:
         bound = safe_bound(b, w);
-        TRY(run_primal(s, w));
+        s->BaseLost = 1; // the primal simplex updates the factors in place
+        TRY(live_run_primal(s, w));
         break;
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
@@ -258,12 +247,16 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutco
 }
 
 template<class R>
-int probe(StrongBranch *b, swork<R> *w, const Tightened &old, BranchOutcome *outcome)
+int probe(StrongBranch *b, swork<R> *w, const Tightened &branch, double limit,
+          BranchOutcome *outcome)
 {
-    const int code = solve_branch(b, w, old, outcome);
-    loosen(b->Record, old);
-    bring_back(b, w);
-    return code;
+    sopt *s = b->Record;
+    const double lower = s->Lower.data[branch.Var], upper = s->Upper.data[branch.Var];
+    const int code = solve_branch(b, w, branch, limit, outcome);
+    s->Lower.data[branch.Var] = s->WorkLower.data[branch.Var] = lower;
+    s->Upper.data[branch.Var] = s->WorkUpper.data[branch.Var] = upper;
+    const int back = bring_back(b, w, branch.Var);
+    return code ? code : back;
 }
 
 template<class R> int open(StrongBranch *b, swork<R> *w)
@@ -274,13 +267,18 @@ template<class R> int open(StrongBranch *b, swork<R> *w)
     s->Status = SIMPLEX_RUNNING;
     s->StartNorms.size = 0; // they belong to the start basis of the last run
     b->WeightsKept = dual_weights_kept(s, w->Dual);
-    dual_weights_start(s, w);
+    if (s->Live == LIVE_NO) {
+        dual_weights_start(s, w);
+        row_copy_partition(s);
+    }
+    s->Live = LIVE_FRESH;
     for (int i = 0; i < s->NumRows; i++) w->Dual->RowRejected.data[i] = 0;
     w->Dual->Rejected = w->Dual->FreeCount = 0;
     for (int j = 0; j < s->NumVars; j++) w->Dual->FreeCount += s->VStat.data[j] == AT_FREE;
     s->Status = SIMPLEX_OPTIMAL;
     set_basic_bounds(s);
-    row_copy_partition(s);
+    dual_set_objective(s, w);
+    b->Counters.DualObj = s->DualObj;
     return keep(b, w);
 }
 
@@ -291,20 +289,11 @@ double value_of(const sopt *s, int j)
     return s->Quad ? static_cast<double>(s->Extended->Bbar.data[r])
                    : s->Double->Bbar.data[r];
 }
-
-int make_env(StrongBranch *b)
-{
-    b->Outer = b->Record->Env;
-    TRY(env_inner(&b->Inner, b->Outer));
-    b->Inner->TARV_PAR_SIMPLEXENDFAC = 0;
-    b->Record->Env = b->Inner;
-    return 0;
-}
 } // namespace
 
 int strong_branch_open(sopt *s, StrongBranch **out)
 {
-    assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_fresh_factor(s));
+    assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_factor(s));
     *out = nullptr;
     void *block = MemAllocZero(1, sizeof(StrongBranch));
     if (!block) return OUT_OF_MEMORY;
@@ -313,10 +302,10 @@ int strong_branch_open(sopt *s, StrongBranch **out)
     b->Record = s;
     b->Optimum = simplex_objective(s);
     b->Counters = *s;
+    b->Live = s->Live;
     s->Running = 0; // no callbacks during probes
-    sopt_take_cutoff(s);
-    int code = make_env(b);
-    if (!code) code = s->Quad ? open(b, s->Extended) : open(b, s->Double);
+    if (s->Live == LIVE_NO) sopt_take_cutoff(s);
+    const int code = s->Quad ? open(b, s->Extended) : open(b, s->Double);
     if (code)
         strong_branch_close(b);
     else
@@ -329,28 +318,25 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
 {
     sopt *s = branch->Record;
     const double x = value_of(s, j);
-    const Tightened old = tighten(s, j, side, bound);
-    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
-    const bool crossed = lower - upper > s->FeasTol,
-               kept_in = x >= lower - s->FeasTol && x <= upper + s->FeasTol;
+    const Tightened t = tighten(s, j, side, bound);
+    const bool crossed = t.Lower - t.Upper > s->FeasTol,
+               kept_in = x >= t.Lower - s->FeasTol && x <= t.Upper + s->FeasTol;
     if (crossed || kept_in) {
-        loosen(s, old);
         *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
     }
-    branch->Inner->IterationLimit = iteration_limit;
-    return s->Quad ? probe(branch, s->Extended, old, outcome)
-                   : probe(branch, s->Double, old, outcome);
+    return s->Quad ? probe(branch, s->Extended, t, iteration_limit, outcome)
+                   : probe(branch, s->Double, t, iteration_limit, outcome);
 }
 
 void strong_branch_close(StrongBranch *branch)
 {
     if (!branch) return;
     sopt *s = branch->Record;
-    s->Env = branch->Outer;
-    env_free(branch->Inner);
     *static_cast<SimplexCounters *>(s) = branch->Counters;
     s->Status = SIMPLEX_OPTIMAL;
+    s->Probing = 0;
+    s->Live = branch->Live;
     if (branch->WeightsKept)
         s->Quad ? dual_weights_keep(s, s->Extended) : dual_weights_keep(s, s->Double);
     *branch = StrongBranch{};

@@ -236,7 +236,19 @@ template<class R> void judge_residuals(sopt *s, const swork<R> *w)
     if (s->DualResidual > s->OptTol) strike(s, &s->OptTolCount, DUAL_STRIKES);
 }
 
+template<class R> double working_objective(const sopt *s, const swork<R> *w)
+{
+    double sum = 0;
+    for (int j = 0; j < s->NumVars; j++)
+        if (s->WorkCost.data[j] != 0)
+            sum += s->WorkCost.data[j] *
+                   (is_basic(s, j) ? static_cast<double>(w->Bbar.data[s->VStat.data[j]])
+                                   : nonbasic_value(s, j));
+    return sum;
+}
+
 #define INSTANTIATE(R)                                                                     \
+    template double working_objective<R>(const sopt *, const swork<R> *);                  \
     template void compute_primal<R>(sopt *, swork<R> *);                                   \
     template void refine_primal<R>(sopt *, swork<R> *);                                    \
     template void compute_dual<R>(sopt *, swork<R> *);                                     \

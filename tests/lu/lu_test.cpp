@@ -175,6 +175,70 @@ template<class R> void check_updates(Factored<R> *f, int updates, double limit, 
     check_solves(f, limit, dice);
 }
 
+// Updates in product form, and back to the basis before them.
+template<class R> void check_products(Factored<R> *f, double limit, Dice *dice)
+{
+    const std::vector<int> before = f->head;
+    const int updates = f->lu.NumUpdates;
+    SVec<R> alpha;
+    ASSERT_EQ(0, svec_alloc(&alpha, f->pool.m));
+    for (int k = 0; k < 8; k++) {
+        const int q = dice->range(0, f->pool.n + f->pool.m - 1);
+        if (std::count(f->head.begin(), f->head.end(), q)) continue;
+        f->column(q, &alpha);
+        Ftran(&f->lu, &alpha, SOLVE_COLUMN, Keep::YES);
+        int r = 0;
+        for (int i = 0; i < f->pool.m; i++)
+            if (std::abs(alpha.Value.data[i]) > std::abs(alpha.Value.data[r])) r = i;
+        ASSERT_EQ(0, lu_product_update(&f->lu, r, &alpha));
+        f->head[size_t(r)] = q;
+    }
+    check_joint(f, dice);
+    check_solves(f, limit, dice);
+    lu_drop_products(&f->lu);
+    f->head = before;
+    EXPECT_EQ(f->lu.NumUpdates, updates);
+    check_solves(f, limit, dice);
+}
+
+// Rows with a basic slack are appended: every column may have entries in them.
+template<class R> void check_appended(Factored<R> *f, int rows, double limit, Dice *dice)
+{
+    const Pool old = f->pool;
+    Pool *pool = &f->pool;
+    *pool = {old.m + rows, old.n, {0}, {}, {}};
+    std::vector<std::vector<double>> entry(size_t(rows),
+                                           std::vector<double>(size_t(old.n), 0.0));
+    for (int j = 0; j < old.n; j++) {
+        for (int p = old.beg[size_t(j)]; p < old.beg[size_t(j) + 1]; p++) {
+            pool->ind.push_back(old.ind[size_t(p)]);
+            pool->val.push_back(old.val[size_t(p)]);
+        }
+        for (int i = 0; i < rows; i++) {
+            if (!dice->chance(30)) continue;
+            pool->ind.push_back(old.m + i);
+            pool->val.push_back(entry[size_t(i)][size_t(j)] = dice->nonzero(4));
+        }
+        pool->beg.push_back(int(pool->ind.size()));
+    }
+    ASSERT_EQ(0, lu_grow(&f->lu, pool->m));
+    SVec<R> row;
+    ASSERT_EQ(0, svec_alloc(&row, pool->m));
+    for (int i = 0; i < rows; i++) {
+        svec_clear(&row);
+        for (int k = 0; k < old.m; k++)
+            if (f->head[size_t(k)] < old.n &&
+                entry[size_t(i)][size_t(f->head[size_t(k)])] != 0)
+                svec_add(&row, k, R(entry[size_t(i)][size_t(f->head[size_t(k)])]));
+        ASSERT_EQ(0, lu_append_row(&f->lu, old.m + i, &row));
+        f->head.push_back(pool->n + old.m + i);
+    }
+    f->bad_rows.resize(size_t(pool->m));
+    f->bad_cols.resize(size_t(pool->m));
+    check_solves(f, limit, dice);
+    check_updates(f, std::min(old.m, 20), limit, dice);
+}
+
 template<class R> void check_random_bases(double limit)
 {
     uint64_t seed = 1;
@@ -190,6 +254,8 @@ template<class R> void check_random_bases(double limit)
             ASSERT_EQ(0, f.factor());
             check_solves(&f, limit, &dice);
             check_updates(&f, std::min(m, 40), limit * 100, &dice);
+            check_products(&f, limit * 1000, &dice);
+            check_appended(&f, 1 + round, limit * 1000, &dice);
         }
 }
 } // namespace

@@ -1,0 +1,100 @@
+// live_query.cpp -- results of a live record, in the units of the body, read without copies
+#include "simplex/sopt.h"
+
+namespace
+{
+double basic_value(const sopt *s, int r)
+{
+    return s->Quad ? static_cast<double>(s->Extended->Bbar.data[r])
+                   : s->Double->Bbar.data[r];
+}
+
+double minus_multiplier(const sopt *s, int i)
+{
+    return s->Quad ? static_cast<double>(minus_multiplier(s, s->Extended, i))
+                   : minus_multiplier(s, s->Double, i);
+}
+} // namespace
+
+int simplex_num_rows(const sopt *s)
+{
+    return s->NumRows;
+}
+
+bool simplex_is_basic(const sopt *s, int k)
+{
+    return is_basic(s, k);
+}
+
+double simplex_value(const sopt *s, int k)
+{
+    const double x =
+        is_basic(s, k) ? basic_value(s, s->VStat.data[k]) : nonbasic_value(s, k);
+    return k < s->NumCols ? x * s->ColScale.data[k] : x / s->RowScale.data[k - s->NumCols];
+}
+
+// That of a fixed variable is computed from the multipliers, as it is not updated.
+double simplex_reduced_cost(const sopt *s, int j)
+{
+    double d = is_basic(s, j) ? 0 : s->WorkCost.data[j];
+    if (!is_basic(s, j))
+        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+            d += s->ColVal.data[p] * minus_multiplier(s, s->ColInd.data[p]);
+    return d / (s->ColScale.data[j] * s->ObjScale);
+}
+
+double simplex_pi(const sopt *s, int i)
+{
+    return -minus_multiplier(s, i) * s->RowScale.data[i] / s->ObjScale;
+}
+
+namespace
+{
+// A vector of extended precision is copied to RowWork.
+const double *as_double(sopt *, const SVec<double> *v)
+{
+    return v->Value.data;
+}
+
+const double *as_double(sopt *s, const SVec<long double> *v)
+{
+    for (int k = 0; k < v->Count; k++) {
+        const int i = v->Index.data[k];
+        s->RowWork.data[i] = static_cast<double>(v->Value.data[i]);
+    }
+    return s->RowWork.data;
+}
+
+template<class R> LiveVector view(sopt *s, const SVec<R> *v, double factor)
+{
+    return {v->Count, v->Index.data, as_double(s, v), s->RowScale.data, factor};
+}
+
+template<class R> LiveVector inverse_row(sopt *s, swork<R> *w, int k)
+{
+    svec_unit(&w->Rho, s->VStat.data[k], R(1));
+    Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
+    s->Proof = PROOF_NONE; // its multipliers were in Rho
+    return view(s, &w->Rho,
+                k < s->NumCols ? s->ColScale.data[k]
+                               : 1 / s->RowScale.data[k - s->NumCols]);
+}
+
+template<class R> LiveVector farkas_row(sopt *s, swork<R> *w)
+{
+    const bool held =
+        s->Status == SIMPLEX_INFEASIBLE && s->Proof != PROOF_NONE && w->Rho.Count >= 0;
+    return held ? view(s, &w->Rho, 1.0) : LiveVector{0, nullptr, nullptr, nullptr, 1};
+}
+} // namespace
+
+LiveVector simplex_inverse_row(sopt *s, int k)
+{
+    assert(is_basic(s, k));
+    return s->Quad ? inverse_row(s, s->Extended, k) : inverse_row(s, s->Double, k);
+}
+
+LiveVector simplex_farkas_row(sopt *s)
+{
+    return s->Quad ? farkas_row(s, s->Extended) : farkas_row(s, s->Double);
+}

@@ -1,0 +1,334 @@
+// resolve.cpp -- re-solves of a live record after changes of bounds
+//
+// Problem     The LP of a node differs from the last one in a few bounds. Its cost should be that of its pivots.
+// Method      A bound of a nonbasic variable moves the variable, and all moves together change the basic values by one
+//             sparse FTRAN; a bound of a basic variable changes one merit. Reduced costs stay, but for a variable that
+//             was fixed: its reduced cost is computed from the multipliers. The basis stays dual feasible, as a boxed
+//             variable goes to the bound that its reduced cost asks for, so the dual simplex continues. Results need no
+//             fresh factors; those come when updates have become too many. If shifted costs led to a basis that is not
+//             dual feasible for the true costs, the primal simplex continues; numeric trouble leads to SimplexOptimize.
+// Invariant   LIVE_FRESH (resolve.h).
+// Cost        The pivots, one FTRAN, the columns of the changed variables.
+#include "simplex/dual.h"
+#include "simplex/primal.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double TOLERANCE_FLOOR =
+    1e-9; // smallest feasibility tolerance that doubles support
+
+bool crosses(const sopt *s, int j)
+{
+    return s->Lower.data[j] - s->Upper.data[j] > s->FeasTol;
+}
+
+// Reduced cost of a nonbasic column from the multipliers.
+template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
+{
+    R d = R(s->WorkCost.data[j]);
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        d += R(s->ColVal.data[p]) * minus_multiplier(s, w, s->ColInd.data[p]);
+    return d;
+}
+
+// The status of nonbasic j within its new bounds, by the sign of its reduced cost. A reduced cost that asks for a bound
+// at infinity is shifted to 0.
+template<class R> int place(sopt *s, swork<R> *w, int j, int status)
+{
+    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
+    const R d = w->Cbar.data[j], tol = R(s->OptTol);
+    if (lower == upper) return AT_FIXED; // assigned alike
+    const bool below = has_lower(s, lower), above = has_upper(s, upper);
+    const bool wrong = (d > tol && !below) || (d < -tol && !above);
+    if (wrong) dual_shift_cost(s, w, j, R(0));
+    if (!below && !above) return AT_FREE;
+    if (!below) return AT_UPPER;
+    if (!above) return AT_LOWER;
+    if (std::abs(d) <= tol) return status == AT_UPPER ? AT_UPPER : AT_LOWER;
+    return d < 0 ? AT_UPPER : AT_LOWER;
+}
+
+// A nonbasic variable goes to its new place; the change of its value is added to Work.
+template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
+{
+    int *status = &s->VStat.data[j];
+    if (*status == AT_FIXED) w->Cbar.data[j] = fresh_cbar(s, w, j);
+    const int old = *status;
+    *status = place(s, w, j, old);
+    w->Dual->FreeCount += (*status == AT_FREE) - (old == AT_FREE);
+    if (*status == AT_FIXED)
+        row_copy_remove(s, j);
+    else
+        row_copy_insert(s, j);
+    const double step = nonbasic_value(s, j) - before;
+    if (step == 0) return;
+    s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
+    dual_add_column(s, &w->Work, j, R(step));
+}
+} // namespace
+
+template<class R>
+void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper)
+{
+    const int status = s->VStat.data[j];
+    const double before = status < 0 ? nonbasic_value(s, j) : 0;
+    s->Crossed -= crosses(s, j);
+    s->Lower.data[j] = lower;
+    s->Upper.data[j] = upper;
+    if (crosses(s, j))
+        s->Crossed++;
+    else if (lower > upper) // by less than the tolerance: fixed
+        s->Upper.data[j] = lower;
+    s->WorkLower.data[j] = s->Lower.data[j];
+    s->WorkUpper.data[j] = s->Upper.data[j];
+    if (s->Live != LIVE_FRESH) return; // the next refresh places all variables
+    if (status < 0) {
+        move_nonbasic(s, w, j, before);
+    } else {
+        s->BasicLower.data[status] = s->WorkLower.data[j];
+        s->BasicUpper.data[status] = s->WorkUpper.data[j];
+        dual_set_merit(s, w, status);
+    }
+}
+
+template<class R> void live_move_values(sopt *s, swork<R> *w)
+{
+    if (w->Work.Count == 0) return;
+    Ftran(&w->Lu, &w->Work, SOLVE_FLIPS, Keep::NO);
+    dual_move_values(s, w);
+}
+
+template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
+{
+    dopt<R> *d = w->Dual;
+    s->Status = SIMPLEX_RUNNING;
+    s->Method = METHOD_DUAL;
+    s->IterLimit = iteration_limit;
+    s->EndFactor = 0;
+    s->RefacReason = REFAC_NONE;
+    s->NPvt = s->IterBase = 0;
+    s->LastPerturbIter = 0;
+    s->LastDegenCount = s->DegenCount;
+    s->PerturbAllowed = s->Env->PerturbValue > 0;
+    s->SwitchCount = 0;
+    s->Proof = PROOF_NONE;
+    s->Stall = StallGuard{};
+    stall_reset(s);
+    d->CycleVar = -1;
+    d->CycleHits = 0;
+    d->CycleIter = 0;
+    if (d->Rejected == 0) return;
+    for (int i = 0; i < s->NumRows; i++) d->RowRejected.data[i] = 0;
+    d->Rejected = 0;
+    dual_list_reset(s, w);
+}
+
+// The basis of the dual run is not optimal for the true costs: the primal simplex continues, with a popt of its own,
+// since that of the record belongs to the last primal run.
+template<class R> int live_run_primal(sopt *s, swork<R> *w)
+{
+    popt<R> *other = w->Primal;
+    w->Primal = nullptr;
+    s->Status = SIMPLEX_RUNNING;
+    s->Method = METHOD_PRIMAL;
+    s->PerturbAllowed = 1;
+    const int code = PrimalRun(s, w);
+    popt_free(&w->Primal);
+    w->Primal = other;
+    return code;
+}
+
+namespace
+{
+// Bounds of a change in units of the working LP. A free variable that gets an upper bound also gets a lower bound far
+// away, because the working LP has no variables with only an upper bound.
+struct WorkingBounds {
+    double Lower, Upper;
+};
+
+WorkingBounds working_bounds(const sopt *s, const BoundChange &change)
+{
+    const double scale = s->ColScale.data[change.Var], size = std::fabs(scale);
+    double lower = working_bound(s, change.Lower), upper = working_bound(s, change.Upper);
+    if (has_lower(s, lower)) lower /= size;
+    if (has_upper(s, upper)) upper /= size;
+    if (scale < 0) {
+        std::swap(lower, upper);
+        lower = -lower;
+        upper = -upper;
+    }
+    if (!has_lower(s, lower) && has_upper(s, upper)) lower = -s->Infinity / 2;
+    return {lower, upper};
+}
+
+template<class R> void apply_changes(sopt *s, swork<R> *w, const ResolveCall &call)
+{
+    svec_clear(&w->Work);
+    for (int k = 0; k < call.NumChanges; k++) {
+        const WorkingBounds b = working_bounds(s, call.Changes[k]);
+        live_set_bounds(s, w, call.Changes[k].Var, b.Lower, b.Upper);
+    }
+    if (s->Live == LIVE_FRESH) live_move_values(s, w);
+}
+
+// Costs, bounds and phase of an ordinary run are behind us: those of the LP itself count again.
+template<class R> void take_true_lp(sopt *s)
+{
+    dual_set_true_bounds(s);
+    dual_remove_perturbation(s);
+    s->BoxPhase = 0;
+    s->Live = LIVE_STALE;
+}
+
+// Numeric trouble: an ordinary run from this basis, with all its remedies. 0 or a code.
+int recover(sopt *s, double limit)
+{
+    SimplexCall call;
+    call.Method = METHOD_DUAL;
+    call.Cutoff = false;
+    call.Limit = limit;
+    const double done = s->NPvt;
+    TRY(simplex_run(s, call));
+    const int status = s->Status;
+    TRY(simplex_go_live(s));
+    s->NPvt += done;
+    s->Status = status;
+    return 0;
+}
+
+bool is_final(int status)
+{
+    return status == SIMPLEX_OPTIMAL || status == SIMPLEX_INFEASIBLE ||
+           status == SIMPLEX_UNBOUNDED || status == SIMPLEX_CUTOFF ||
+           status == SIMPLEX_ITERATION_LIMIT || status == SIMPLEX_TIME_LIMIT ||
+           status == SIMPLEX_INTERRUPTED;
+}
+
+template<class R> int run(sopt *s, swork<R> *w)
+{
+    if (s->Live == LIVE_STALE) s->RefacReason = REFAC_VALUES;
+    s->CutoffFrom =
+        s->Live == LIVE_FRESH && has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
+    s->Live = LIVE_FRESH;
+    if (s->RefacReason == REFAC_NONE && s->DualObj > s->CutoffFrom) dual_test_cutoff(s, w);
+    TRY(dual_pivots(s, w));
+    if (s->Status == SIMPLEX_SWITCH) {
+        dual_weights_save(s, w); // the primal simplex changes positions
+        TRY(live_run_primal(s, w));
+        dual_weights_restore(s, w);
+        take_true_lp<R>(s);
+    }
+    return 0;
+}
+
+template<class R> double lower_bound(sopt *s, swork<R> *w)
+{
+    if (s->Live != LIVE_FRESH || s->BoxPhase) return -UNDEFINED_VALUE;
+    const double bound = dual_bound(s, w);
+    return std::isfinite(bound) ? bound + s->ObjOffset : -UNDEFINED_VALUE;
+}
+
+template<class R>
+int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
+{
+    apply_changes(s, w, call);
+    live_begin(s, w, call.Iterations);
+    s->Cutoff = call.Cutoff < UNDEFINED_VALUE ? call.Cutoff - s->ObjOffset : HUGE_VAL;
+    if (s->Crossed > 0) {
+        s->Status = SIMPLEX_INFEASIBLE;
+        *out = {SIMPLEX_INFEASIBLE, UNDEFINED_VALUE, 0};
+        return 0;
+    }
+    TRY(run(s, w));
+    double value = -UNDEFINED_VALUE;
+    if (!is_final(s->Status)) {
+        TRY(recover(s, call.Iterations - s->NPvt));
+        *out = {is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC, value, s->NPvt};
+        if (s->Status == SIMPLEX_OPTIMAL) out->Value = simplex_objective(s);
+        return 0;
+    }
+    if (s->Status == SIMPLEX_OPTIMAL)
+        value = s->ObjOffset +
+                (s->Live == LIVE_FRESH ? s->DualObj / s->ObjScale : true_objective(s, w));
+    else if (s->Status != SIMPLEX_INFEASIBLE)
+        value = lower_bound(s, w);
+    if (s->Status == SIMPLEX_OPTIMAL && value - s->ObjOffset > s->Cutoff)
+        s->Status = SIMPLEX_CUTOFF;
+    s->Obj = value - s->ObjOffset;
+    *out = {s->Status, value, s->NPvt};
+    return 0;
+}
+
+template<class R> int go_live(sopt *s, swork<R> *w)
+{
+    if (!w->Dual) TRY(dopt_create(s, &w->Dual));
+    s->Running = 0; // no callbacks
+    s->IterLimit = HUGE_VAL;
+    s->EndFactor = 0;
+    s->Cutoff = HUGE_VAL;
+    s->Status = SIMPLEX_RUNNING;
+    take_true_lp<R>(s);
+    if (!has_factor(s, w)) TRY(Refactor(s, w));
+    dual_weights_start(s, w);
+    s->StartNorms.size = 0; // they belonged to the start basis of the last run
+    return 0;
+}
+
+template<class R> int clean(sopt *s, swork<R> *w)
+{
+    if (s->Live != LIVE_FRESH) return 0; // the next solve computes all
+    if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
+        dual_weights_save(s, w);
+        TRY(Refactor(s, w));
+        dual_weights_restore(s, w);
+    }
+    finish_values(s, w);
+    s->Live = LIVE_STALE;
+    return 0;
+}
+} // namespace
+
+namespace
+{
+// The tolerance is one of the working LP. For integer variables it has to be small in units of the body, too: a value
+// beyond a bound by more than IntFeasTol would look fractional.
+void fit_tolerance(sopt *s)
+{
+    double largest = 1;
+    for (int j = 0; j < s->NumCols && s->Body->vtypes.size > 0; j++)
+        if (s->Body->vtypes.data[j] != 'C') largest = std::max(largest, user_unit(s, j));
+    s->FeasTol =
+        std::min(s->FeasTol, std::max(TOLERANCE_FLOOR, s->Env->IntFeasTol / largest));
+}
+} // namespace
+
+int simplex_go_live(sopt *s)
+{
+    assert(s->HasBasis);
+    fit_tolerance(s);
+    s->Crossed = 0;
+    for (int j = 0; j < s->NumCols; j++) s->Crossed += crosses(s, j);
+    return s->Quad ? go_live(s, s->Extended) : go_live(s, s->Double);
+}
+
+int simplex_resolve(sopt *s, const ResolveCall &call, ResolveOutcome *outcome)
+{
+    assert(s->Live != LIVE_NO);
+    return s->Quad ? resolve(s, s->Extended, call, outcome)
+                   : resolve(s, s->Double, call, outcome);
+}
+
+int simplex_clean(sopt *s)
+{
+    return s->Quad ? clean(s, s->Extended) : clean(s, s->Double);
+}
+
+#define INSTANTIATE(R)                                                                     \
+    template void live_set_bounds<R>(sopt *, swork<R> *, int, double, double);             \
+    template void live_move_values<R>(sopt *, swork<R> *);                                 \
+    template void live_begin<R>(sopt *, swork<R> *, double);                               \
+    template int live_run_primal<R>(sopt *, swork<R> *);
+INSTANTIATE(double)
+INSTANTIATE(long double)

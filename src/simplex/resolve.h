@@ -1,0 +1,98 @@
+// resolve.h -- the simplex as the engine of a search: re-solves of a live record after small changes
+//
+// A search solves thousands of LPs that differ in a few bounds or rows. A live record keeps basis, factors with their
+// updates, values, reduced costs, weights and merits between two solves; a change is applied to them directly.
+//
+// LiveState    what it means                                              set by
+//   LIVE_NO     the record belongs to SimplexOptimize                     SimplexOptimize
+//   LIVE_STALE  basis and bounds stand; values, reduced costs, merits     simplex_go_live, simplex_load_basis,
+//               and perhaps factors are to be computed by the next solve  simplex_delete_rows, simplex_clean, a solve that
+//                                                                         needed another method
+//   LIVE_FRESH  all belong together, with true costs and bounds           simplex_resolve
+// All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
+// TimeLimit and the stop flag count, limits and cutoff are arguments.
+#pragma once
+#include "simplex/simplex.h"
+
+// Makes the record of a solved LP live. It keeps its environment, which should be a quiet one of the search (env_inner).
+// 0 or a code.
+[[nodiscard]] int simplex_go_live(sopt *s);
+
+// New bounds of structural variable Var, in the body's units.
+struct BoundChange {
+    int Var;
+    double Lower, Upper;
+};
+struct ResolveCall {
+    const BoundChange *Changes = nullptr; // applied before the solve, in order
+    int NumChanges = 0;
+    double Iterations = 1e100; // limit of this solve
+    double Cutoff =
+        1e100; // no better objective than this is of interest: as simplex_objective
+};
+struct ResolveOutcome {
+    // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED after rows
+    // were deleted that bounded the LP
+    int Status;
+    // As simplex_objective: of OPTIMAL the optimum; of the others a lower bound that holds in spite of shifted costs, or
+    // -UNDEFINED_VALUE. Without meaning for INFEASIBLE.
+    double Value;
+    double Iterations;
+};
+// Changes bounds and solves again by the dual simplex. 0 or a code: the record may only be freed then.
+[[nodiscard]] int simplex_resolve(sopt *s, const ResolveCall &call,
+                                  ResolveOutcome *outcome);
+// Values and reduced costs are computed afresh, with one step of refinement, on fresh factors: for a point that is
+// going to be accepted. 0 or a code.
+[[nodiscard]] int simplex_clean(sopt *s);
+
+// ---- Nodes (node_basis.cpp) ----
+// A basis as a node keeps it. Rows appended since it was saved count as basic when it is loaded; deleted rows have to be
+// taken out of it by the caller.
+struct NodeBasis {
+    int NumCols = 0, NumRows = 0;
+    Array<char> Statuses; // [NumCols + NumRows] 0 basic, else minus a BasisStatus
+    Array<float>
+        Weights; // [NumRows] dual weights of the basic variables, in the order of the variables
+};
+[[nodiscard]] int simplex_save_basis(const sopt *s, NodeBasis *basis);
+// If the live basis differs in a few variables only, the factors follow by updates. 0 or a code.
+[[nodiscard]] int simplex_load_basis(sopt *s, const NodeBasis &basis);
+
+// ---- Rows (live_rows.cpp) ----
+// sum Val x  <= Rhs  or  = Rhs, in the body's units. Indices differ from each other.
+struct LiveRow {
+    int Count;
+    const int *Ind;
+    const double *Val;
+    char Sense; // '<' or '='
+    double Rhs;
+};
+// Appends rows; their slacks become basic. Factors are extended, nothing else changes. 0 or a code: the record may only
+// be freed then.
+[[nodiscard]] int simplex_append_rows(sopt *s, const LiveRow *rows, int count);
+// Deletes the rows i with drop[i] != 0 [m], all of which must have a basic slack. The others keep their order. Likewise.
+[[nodiscard]] int simplex_delete_rows(sopt *s, const char *drop);
+
+// ---- Reading without copies (live_query.cpp) ----
+int simplex_num_rows(const sopt *s);
+bool simplex_is_basic(const sopt *s, int k);
+double simplex_value(const sopt *s,
+                     int k); // of variable k (n + i: slack i), in the body's units
+double simplex_reduced_cost(const sopt *s,
+                            int j);      // of column j < n, for the body's minimisation
+double simplex_pi(const sopt *s, int i); // of row i, likewise
+// Entry k of a sparse vector in the body's units: Ind[k], Val[k] * Scale[Ind[k]] * Factor.
+struct LiveVector {
+    int Count;
+    const int *Ind;
+    const double *Val; // [dimension] by index
+    const double *Scale;
+    double Factor;
+};
+// The multipliers y of the rows for which y (A I) has a 1 at the basic variable k and 0 at the other basic ones. Valid
+// until the next call on the record.
+LiveVector simplex_inverse_row(sopt *s, int k);
+// After INFEASIBLE: row multipliers y for which no point within the bounds satisfies y (A I) x = y b. Count 0 if there
+// are none.
+LiveVector simplex_farkas_row(sopt *s);
