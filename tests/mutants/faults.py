@@ -92,7 +92,7 @@ SIMPLEX_DUAL = [
           "for (int k = 1; k < list->Count; k++) list->InList.data[list->Listed.data[k]] = 0;",
           "a place that a reset forgets never comes back into the price list", "PriceList.*"),
     Fault("src/simplex/price_list.h",
-          "if (merit > best_merit) {", "if (merit >= list->Threshold && best < 0) {",
+          "if (merit > best_merit) {", "if (merit > best_merit && best < 0) {",
           "the price list returns its first place instead of its best", "PriceList.*"),
     Fault("src/simplex/strong_branch.cpp",
           "std::copy_n(k->Weights.data, s->NumRows, d->Weights.data);",
