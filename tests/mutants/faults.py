@@ -40,9 +40,9 @@ LU = [
     Fault("src/lu/lu_append.cpp",
           "lu->EtaVal.data[next++] = -row->Value.data[r];", "lu->EtaVal.data[next++] = row->Value.data[r];",
           "an appended row enters the factors with the wrong sign", "Lu.*"),
-    Fault("src/lu/lu_product.cpp",
-          "sum /= lu->ProductPivot.data[t];", "",
-          "a product form update is not undone in the transposed solve", "Lu.*"),
+    Fault("src/lu/lu_journal.cpp",
+          "for (int k = 0; k < lu->SpikeCount; k++) TRY(save_line(lu, 1, lu->SpikeInd.data[k]));", "",
+          "rows that get an entry of the new column are not recorded", "Lu.*"),
 ]
 
 BODY = [
