@@ -30,18 +30,6 @@ int without_free_nodes(PresolveWork *w)
 }
 } // namespace
 
-TEST(Aggregate, doubletons_hand_their_bounds_on_whatever_the_signs)
-{
-    for (const double a : {1.0, -1.0, 2.0, -0.25})
-        for (const double b : {1.0, -1.0, 4.0, -0.5})
-            for (const double c : {1.0, 0.0, -1.0})
-                for (const double d : {2.0, 0.0, -0.5}) {
-                    const PresolveTry t =
-                        expect_left(doubleton(a, b, c, d), {pre_aggregate}, 1, 1);
-                    EXPECT_EQ(t.nonzeros, a == b ? 0 : 1);
-                }
-}
-
 // Each merge by a search through the dense row or the long column would exhaust the effort of a call.
 TEST(Aggregate, stars_and_chains_with_dense_rows_go_within_the_effort)
 {
@@ -76,19 +64,6 @@ TEST(Aggregate, bounds_do_not_move_where_they_cross_or_over_steep_ratios)
     steep.ub[0] = 2.05;
     for (const LpModel &lp : {flat, steep})
         EXPECT_EQ(reduced_by(lp, {pre_aggregate}).rows, 2);
-}
-
-TEST(Aggregate, a_column_that_the_row_keeps_in_its_bounds_is_substituted)
-{
-    for (const LpModel &lp : {star(3, -4, 11), star(3, -INF, INF)})
-        expect_left(lp, {pre_aggregate}, 3, 5);
-    for (const LpModel &lp :
-         {star(3, -INF, 3), star(3, -1, INF)}) // the bound is not implied: it must stay
-        expect_left(lp, {pre_aggregate}, 4);
-    // x - y + f = 0 and y - x + g = 0 with f = g = 0: x and y imply each other's bounds, and never both vouch
-    const LpModel pair = lp_make({{-1, 0, 4}, {-1, 0, 4}, {0, 0, 0}, {0, 0, 0}},
-                                 {{{1, -1, 1, 0}, '=', 0}, {{-1, 1, 0, 1}, '=', 0}});
-    EXPECT_EQ(expect_left(pair, {pre_aggregate, pre_aggregate}, -1).solution.objval, -8);
 }
 
 TEST(Aggregate, fill_is_bounded_by_the_parameter_and_by_the_nodes)

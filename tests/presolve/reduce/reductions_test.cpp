@@ -68,23 +68,23 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
     const struct {
         const char *name;
         std::initializer_list<Reduction> reductions;
-        int least; // rows, columns, coefficients, bounds and senses changed in all
+        int least; // rows, columns, coefficients, bounds and senses changed in all: what they are today, but for 0.5 %
     } rows[] = {
-        {"singleton_rows", {pre_singleton_rows}, 1000},
-        {"forcing_rows", {pre_forcing_rows}, 50},
-        {"redundant_rows", {pre_redundant_rows}, 500},
-        {"aggregate", {pre_aggregate, pre_aggregate}, 1000},
-        {"duplicate_rows", {pre_duplicate_rows, pre_aggregate}, 1000},
-        {"dependent_rows", {pre_dependent_rows}, 100},
-        {"dependent_cols", {pre_dependent_cols}, 5},
-        {"two_rows", {pre_two_rows}, 1000},
-        {"ineq_to_eq", {pre_ineq_to_eq, pre_columns}, 500},
-        {"columns", {pre_columns, pre_ineq_to_eq, pre_columns}, 1000},
-        {"fix_empty", {pre_fix_empty}, 200},
-        {"dual_bounds", {pre_dual_bounds}, 300},
-        {"duplicate_cols", {pre_duplicate_cols}, 200},
-        {"singleton_knapsack", {pre_singleton_knapsack}, 10},
-        {"implied_bounds", {pre_implied_bounds}, 100},
+        {"singleton_rows", {pre_singleton_rows}, 1240},
+        {"forcing_rows", {pre_forcing_rows}, 187},
+        {"redundant_rows", {pre_redundant_rows}, 682},
+        {"aggregate", {pre_aggregate, pre_aggregate}, 2196},
+        {"duplicate_rows", {pre_duplicate_rows, pre_aggregate}, 3106},
+        {"dependent_rows", {pre_dependent_rows}, 213},
+        {"dependent_cols", {pre_dependent_cols}, 8},
+        {"two_rows", {pre_two_rows}, 4255},
+        {"ineq_to_eq", {pre_ineq_to_eq, pre_columns}, 2768},
+        {"columns", {pre_columns, pre_ineq_to_eq, pre_columns}, 2608},
+        {"fix_empty", {pre_fix_empty}, 876},
+        {"dual_bounds", {pre_dual_bounds}, 868},
+        {"duplicate_cols", {pre_duplicate_cols}, 1131},
+        {"singleton_knapsack", {pre_singleton_knapsack}, 86},
+        {"implied_bounds", {pre_implied_bounds}, 225},
     };
     const TestEnv env;
     ASSERT_EQ(TVXsetintparam(env.env, "AggFill", 1000), 0);
