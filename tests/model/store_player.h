@@ -52,5 +52,4 @@ struct StorePlayer {
     void set_model();
     void change_coeffs();
     void remove();
-    void misuse();
 };
