@@ -1,6 +1,6 @@
 // model_build_test.cpp -- building and querying models: edges and misuse (code, exact text, nothing changed)
 //
-// That good calls in any order make the right model is what model/model_store_random_test.cpp looks at.
+// That good calls in any order make the right model is what fuzz/corpus_test.cpp looks at.
 #include "support/model_test.h"
 #include "support/model_text.h"
 #include "support/text_model.h"

@@ -1,6 +1,6 @@
 // attribute_content_test.cpp -- attributes of the content: signs, texts that stay, statistics, empty models
 //
-// That what is set is what is read is looked at by model_store_random_test.cpp.
+// That what is set is what is read is looked at by fuzz/corpus_test.cpp.
 #include "support/model_test.h"
 #include "support/text_model.h"
 #include <cmath>

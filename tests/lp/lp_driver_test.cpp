@@ -194,23 +194,3 @@ TEST_F(LpDriver, refuses_what_needs_a_search_and_solves_it_once_it_is_continuous
     ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'C'), 0);
     EXPECT_EQ(objective(), 2);
 }
-
-TEST(ObjectiveIsBounded, needs_a_finite_bound_where_each_cost_would_run)
-{
-    constexpr double INF = LP_INFINITY;
-    const struct {
-        int sense;
-        LpColumn column;
-        bool bounded;
-    } cases[] = {{1, {1, 0, INF}, true},   {1, {-1, 0, INF}, false},
-                 {-1, {-1, 0, INF}, true}, {-1, {1, 0, INF}, false},
-                 {1, {1, -INF, 0}, false}, {1, {0, -INF, INF}, true}};
-    const TestEnv env;
-    for (const auto &c : cases) {
-        LpModel lp = lp_make({c.column}, {});
-        lp.sense = c.sense;
-        const TestModel model(lp_load(env.env, &lp));
-        EXPECT_EQ(objective_is_bounded(model.model->env, model.model->body), c.bounded)
-            << &c - cases;
-    }
-}

@@ -1,7 +1,6 @@
 // judges_test.cpp -- the judges of exact answers and of optimality, and generators: planted faults are seen
 //
 // Each answer of the exact judge is proved from its certificate wherever it is used; here the proof is tested.
-#include "support/dictionary.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
@@ -57,23 +56,6 @@ TEST(RationalLp, relaxation_sees_what_doubles_cannot_add)
     const RationalResult fits = rational_solve(&lp, 9.6e-7);
     EXPECT_EQ(rational_verify(&lp, &fits, 9.6e-7), "");
     EXPECT_NE(rational_verify(&lp, &fits, 9.5e-7), "");
-}
-
-// The first attempt in many digits hides the method in rationals; here it stands alone.
-TEST(RationalLp, the_method_in_rationals_finds_the_same)
-{
-    for (uint64_t seed = 0; seed < 500; seed++) {
-        Dice dice(seed);
-        const LpModel lp = gen_tiny(&dice, TinyLimits{});
-        const RationalResult right = rational_solve(&lp);
-        if (right.crossed >= 0) continue;
-        RationalResult slow;
-        ASSERT_TRUE(rational_certificate(&lp, 0, dictionary_solve<mpq_class>(&lp, 0, false),
-                                         &slow));
-        ASSERT_EQ(rational_verify(&lp, &slow), "") << seed;
-        ASSERT_EQ(slow.status, right.status) << seed;
-        ASSERT_EQ(slow.value, right.value) << seed;
-    }
 }
 
 // ---- The checker of optimality ----

@@ -61,7 +61,7 @@ BODY = [
           "violations of bounds in scaled units are not measured", "QualityOf*"),
     Fault("src/body/quality_lp.cpp",
           "violation_add(&result->DualResidual, j, residual);", "violation_add(&result->DualResidual, j, 0 * residual);",
-          "residuals of reduced costs are not measured", "QualityOf*:QualityAttributes.*"),
+          "residuals of reduced costs are not measured", "QualityOf*:ApiPrograms.*"),
 ]
 
 SIMPLEX_DUAL = [
@@ -205,14 +205,14 @@ SIMPLEX_REST = [
 PRESOLVE = [
     Fault("src/presolve/reduce/column_singleton.cpp",
           "w->ObjCon += y * w->Rhs.data[s->row];", "w->ObjCon -= y * w->Rhs.data[s->row];",
-          "the objective's constant has the wrong sign after a column singleton", "Columns.*:PresolvedModel.*"),
+          "the objective's constant has the wrong sign after a column singleton", "Columns.*:PresolvedModel.*:Reductions.*"),
     Fault("src/presolve/reduce/aggregate_eliminate.cpp",
           "w->ObjCon -= ratio.value * w->Rhs.data[pivot.row];", "w->ObjCon += ratio.value * w->Rhs.data[pivot.row];",
           "the objective's constant has the wrong sign after a substitution",
           "Aggregate.*:Presolve*:Differential.*:ApiPrograms.*"),
     Fault("src/presolve/reduce/substitute.cpp",
           "cost = point->constants * undo->cost;", "cost = -point->constants * undo->cost;",
-          "the dual of a row that gave a column has the cost with the wrong sign", "Aggregate.*:Columns.*"),
+          "the dual of a row that gave a column has the cost with the wrong sign", "Aggregate.*:Columns.*:Reductions.*"),
     Fault("src/presolve/reduce/redundant_rows.cpp",
           "w->RMax.data[i] >= w->FeasTol)", "w->RMax.data[i] >= 1000 * w->FeasTol)",
           "rows go that bounds violate by a thousand tolerances", "RedundantRows.*"),
@@ -283,10 +283,10 @@ LP_AND_MIP = [
 MODEL = [
     Fault("src/model/update_add.cpp",
           "const int j = mapped(var_map, body->sosind[p]);", "(void)var_map; const int j = body->sosind[p];",
-          "a deleted variable stays in its sets", "StoreRandom.*"),
+          "a deleted variable stays in its sets", "ApiPrograms.*"),
     Fault("src/model/update_values.cpp",
           "body->objcon = -body->objcon;", "",
-          "a new sense of the model turns the costs but not the constant", "StoreRandom.*"),
+          "a new sense of the model turns the costs but not the constant", "ApiPrograms.*"),
     Fault("src/model/update_basis.cpp",
           "return ub < infinite ? TVX_NONBASIC_UPPER : TVX_SUPERBASIC;", "return (void)ub, TVX_NONBASIC_LOWER;",
           "a new variable without lower bound stands at it", "ModelUpdate.*"),

@@ -13,7 +13,7 @@
 static constexpr double INF = 1e30;
 
 // What came of a claim.
-enum class Proof { NO_CLAIM, NONE, WRONG, HOLDS };
+enum class Proof { NONE, WRONG, HOLDS };
 
 static Proof judge(const ModelBody *body, const LpClaim *claim)
 {
@@ -23,32 +23,6 @@ static Proof judge(const ModelBody *body, const LpClaim *claim)
     bool holds = false;
     if (ray_holds(body, INF, claim->ray.data, &holds)) abort();
     return holds ? Proof::HOLDS : Proof::WRONG;
-}
-
-static int run(PresolveWork *w, std::initializer_list<Reduction> reductions)
-{
-    TRY(mark_everything(w));
-    for (const Reduction reduction : reductions) {
-        TRY(pre_activity(w));
-        TRY(reduction(w));
-        TRY(compress(w));
-    }
-    return 0;
-}
-
-// These reductions end the model, and their claim is judged.
-static Proof claim_by(TVXenv *env, const LpModel &lp,
-                      std::initializer_list<Reduction> reductions)
-{
-    const TestModel model(lp_load(env, &lp));
-    PresolveWork w;
-    LpClaim claim;
-    w.WantsProof = true;
-    int status = work_load(&w, model.model->body, model.model->env);
-    if (status == 0) status = run(&w, reductions);
-    if (status != 0 && claim_finish(&w, status, &claim)) abort();
-    work_free(&w);
-    return status == 0 ? Proof::NO_CLAIM : judge(model.model->body, &claim);
 }
 
 struct Score {
@@ -103,31 +77,32 @@ static LpModel contradictory(Dice *dice)
 TEST(Claim, what_single_reductions_say_is_proved)
 {
     const struct {
-        const char *name;
         std::initializer_list<Reduction> reductions;
         int least; // claims
     } rows[] = {
-        {"rows with one entry", {pre_singleton_rows}, 50},
-        {"bounds of rows", {pre_singleton_rows, pre_redundant_rows}, 50},
-        {"empty rows", {pre_aggregate, pre_redundant_rows}, 50},
-        {"implied bounds", {pre_implied_bounds}, 50},
-        {"parallel rows", {pre_duplicate_rows}, 50},
-        {"dependent rows", {pre_dependent_rows}, 30},
-        {"empty columns", {pre_fix_empty}, 20},
-        {"columns", {pre_columns}, 50},
-        {"parallel columns", {pre_duplicate_cols}, 20},
-        {"dependent columns", {pre_dependent_cols}, 10},
-        {"bounds of duals", {pre_dual_bounds}, 50},
+        {{pre_singleton_rows, pre_redundant_rows}, 50},
+        {{pre_aggregate, pre_redundant_rows}, 50},
+        {{pre_implied_bounds}, 50},
+        {{pre_duplicate_rows}, 50},
+        {{pre_dependent_rows}, 30},
+        {{pre_fix_empty}, 20},
+        {{pre_columns}, 50},
+        {{pre_duplicate_cols}, 20},
+        {{pre_dependent_cols}, 10},
+        {{pre_dual_bounds}, 50},
     };
     const TestEnv env;
     for (const auto &row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(&row - rows);
         Score score;
         for (uint64_t seed = 0; seed < 1500; seed++) {
             Dice dice(seed);
             const LpModel lp = contradictory(&dice);
-            if (rational_solve(&lp).crossed < 0) // those need no proof
-                score.add(claim_by(env.env, lp, row.reductions));
+            LpClaim claim;
+            if (rational_solve(&lp).crossed >= 0) continue; // those need no proof
+            const TestModel model(lp_load(env.env, &lp));
+            if (presolve_try(env.env, &lp, row.reductions, &claim).status != 0)
+                score.add(judge(model.model->body, &claim));
         }
         EXPECT_GE(score.holds, row.least);
         EXPECT_LT(score.share(), LOST)

@@ -1,9 +1,8 @@
-// dictionary.h -- the dictionary method for small LPs, over any number type
+// dictionary.h -- the dictionary method for small LPs, in numbers of the default precision
 //
 // Problem     min obj x over the ranges of columns and row activities (rational_lp.h).
 // Method      Phase 1 repairs a violated basic variable by a nonbasic one that can move; phase 2 is the primal
-//             simplex. Largest violation, cost and pivot first; after PATIENCE pivots per variable, and in rational
-//             numbers from the start, Bland's order, which terminates.
+//             simplex. Largest violation, cost and pivot first; after PATIENCE pivots per variable Bland's order.
 // In, out     LpModel and relaxation -> DictionaryEnd: the basis and what it is said to prove.
 // Trust       None: whoever calls computes the certificate of the basis and has it verified.
 // Cost        O(m n) operations a pivot.
@@ -26,52 +25,51 @@ struct DictionaryEnd {
 namespace dictionary
 {
 
-// Below this a number of the inexact type is rounding: 320 bits are 96 digits, the data have less than 30 decades.
-inline constexpr double NOISE = 1e-45;
 inline constexpr int PATIENCE = 3; // pivots per variable before Bland's order
 
-inline int sign(const mpq_class &v)
+using Number = mpf_class;
+
+// Below 2^(-bits / 2) a number is rounding: of 320 bits, 96 digits, the data have less than 30 decades.
+inline int sign(const Number &v)
 {
-    return sgn(v);
-}
-inline int sign(const mpf_class &v)
-{
-    return std::fabs(v.get_d()) < NOISE ? 0 : sgn(v);
+    long power = 0;
+    (void)mpf_get_d_2exp(&power, v.get_mpf_t());
+    return 2 * power < -static_cast<long>(mpf_get_default_prec()) ? 0 : sgn(v);
 }
 
-template<class T> struct Bound {
+struct Bound {
     bool finite = false;
-    T value;
+    Number value;
 };
 
 // Row r reads  basic[r] = sum over k of coef[r][k] * nonbasic[k],  the objective = sum over k of cost[k] * nonbasic[k].
 // Nonbasic variables keep within their bounds: at one of them, or at 0 when they have none.
-template<class T> struct Dictionary {
+struct Dictionary {
     std::vector<int> basic, nonbasic;
-    std::vector<std::vector<T>> coef;   // [rows][nonbasics]
-    std::vector<T> cost;                // [nonbasics]
-    std::vector<Bound<T>> lower, upper; // [n + m]
-    std::vector<T> value;               // [n + m] current values
-    int pivots_to_bland = 0;            // so many pivots by size before Bland's order
+    std::vector<std::vector<Number>> coef; // [rows][nonbasics]
+    std::vector<Number> cost;              // [nonbasics]
+    std::vector<Bound> lower, upper;       // [n + m]
+    std::vector<Number> value;             // [n + m] current values
+    int pivots_to_bland = 0;               // so many pivots by size before Bland's order
 };
 
 enum class Move { NONE, UP, DOWN };
 
-template<class T> void set_range(Dictionary<T> *d, size_t v, const RationalRange &range)
+inline void set_range(Dictionary *d, size_t v, const RationalRange &range)
 {
-    d->lower[v] = {range.has_low, T(range.low)};
-    d->upper[v] = {range.has_high, T(range.high)};
+    d->lower[v] = {range.has_low, Number(range.low)};
+    d->upper[v] = {range.has_high, Number(range.high)};
 }
 
-template<class T> Dictionary<T> build(const LpModel *lp, double relax, bool by_size)
+inline Dictionary build(const LpModel *lp, double relax)
 {
     const size_t n = lp->obj.size(), m = lp->rhs.size();
-    Dictionary<T> d;
+    Dictionary d;
     d.lower.resize(n + m);
     d.upper.resize(n + m);
     d.value.resize(n + m);
-    d.coef.assign(m, std::vector<T>(n));
-    d.pivots_to_bland = by_size ? PATIENCE * static_cast<int>(n + m) : 0;
+    d.coef.assign(m, std::vector<Number>(n));
+    d.pivots_to_bland = PATIENCE * static_cast<int>(n + m);
     for (size_t j = 0; j < n; j++) {
         d.nonbasic.push_back(static_cast<int>(j));
         d.cost.emplace_back(lp->obj[j] * lp->sense);
@@ -93,7 +91,7 @@ template<class T> Dictionary<T> build(const LpModel *lp, double relax, bool by_s
 }
 
 // Nonbasic k moves by `step`; the basic variables follow.
-template<class T> void shift(Dictionary<T> *d, size_t k, const T &step)
+inline void shift(Dictionary *d, size_t k, const Number &step)
 {
     d->value[d->nonbasic[k]] += step;
     for (size_t r = 0; r < d->basic.size(); r++)
@@ -101,13 +99,13 @@ template<class T> void shift(Dictionary<T> *d, size_t k, const T &step)
 }
 
 // target += target[k] * row, where basic[r] = row replaces nonbasic k.
-template<class T>
-void substitute(const std::vector<T> &row, size_t k, std::vector<T> *target)
+inline void substitute(const std::vector<Number> &row, size_t k,
+                       std::vector<Number> *target)
 {
-    const T factor = (*target)[k];
+    const Number factor = (*target)[k];
     if (sgn(factor) == 0) return;
     (*target)[k] = 0;
-    T product;
+    Number product;
     for (size_t p = 0; p < row.size(); p++) {
         if (sgn(row[p]) == 0) continue;
         product = factor * row[p];
@@ -117,11 +115,11 @@ void substitute(const std::vector<T> &row, size_t k, std::vector<T> *target)
 }
 
 // basic[r] and nonbasic[k] change places; no value changes.
-template<class T> void pivot(Dictionary<T> *d, size_t r, size_t k)
+inline void pivot(Dictionary *d, size_t r, size_t k)
 {
-    std::vector<T> *row = &d->coef[r];
-    const T inverse = 1 / (*row)[k];
-    for (T &a : *row)
+    std::vector<Number> *row = &d->coef[r];
+    const Number inverse = 1 / (*row)[k];
+    for (Number &a : *row)
         if (sgn(a) != 0) a *= -inverse;
     (*row)[k] = inverse;
     for (size_t q = 0; q < d->coef.size(); q++)
@@ -131,34 +129,34 @@ template<class T> void pivot(Dictionary<T> *d, size_t r, size_t k)
     d->pivots_to_bland--;
 }
 
-template<class T> bool can_move(const Dictionary<T> *d, int variable, Move move)
+inline bool can_move(const Dictionary *d, int variable, Move move)
 {
     const size_t v = static_cast<size_t>(variable);
     if (move == Move::UP)
-        return !d->upper[v].finite || sign(T(d->upper[v].value - d->value[v])) > 0;
-    return !d->lower[v].finite || sign(T(d->value[v] - d->lower[v].value)) > 0;
+        return !d->upper[v].finite || sign(Number(d->upper[v].value - d->value[v])) > 0;
+    return !d->lower[v].finite || sign(Number(d->value[v] - d->lower[v].value)) > 0;
 }
 
 // How far a variable is outside its bounds: negative below, positive above, 0 inside.
-template<class T> T excess(const Dictionary<T> *d, int variable)
+inline Number excess(const Dictionary *d, int variable)
 {
     const size_t v = static_cast<size_t>(variable);
     if (d->lower[v].finite) {
-        T gap = d->value[v] - d->lower[v].value;
+        Number gap = d->value[v] - d->lower[v].value;
         if (sign(gap) < 0) return gap;
     }
     if (d->upper[v].finite) {
-        T gap = d->value[v] - d->upper[v].value;
+        Number gap = d->value[v] - d->upper[v].value;
         if (sign(gap) > 0) return gap;
     }
-    return T(0);
+    return Number(0);
 }
 
 // The best candidate so far: by size, or the smaller number under Bland's order.
-template<class T> struct Choice {
+struct Choice {
     int place = -1, variable = -1;
-    T size;
-    bool offer(const Dictionary<T> *d, const T &offered, int at, int v)
+    Number size;
+    bool offer(const Dictionary *d, const Number &offered, int at, int v)
     {
         const bool better = d->pivots_to_bland > 0 ? offered > size : v < variable;
         if (variable >= 0 && !better) return false;
@@ -170,17 +168,17 @@ template<class T> struct Choice {
 };
 
 // Phase 1. Returns -1 when all variables are within bounds, else the row that proves infeasibility.
-template<class T> int make_feasible(Dictionary<T> *d)
+inline int make_feasible(Dictionary *d)
 {
     for (;;) {
-        Choice<T> leaving, entering;
+        Choice leaving, entering;
         for (size_t r = 0; r < d->basic.size(); r++) {
-            const T out = excess(d, d->basic[r]);
+            const Number out = excess(d, d->basic[r]);
             if (sgn(out) != 0) leaving.offer(d, abs(out), static_cast<int>(r), d->basic[r]);
         }
         if (leaving.place < 0) return -1;
         const size_t r = static_cast<size_t>(leaving.place);
-        const T gap = -excess(d, leaving.variable);
+        const Number gap = -excess(d, leaving.variable);
         for (size_t k = 0; k < d->nonbasic.size(); k++) {
             const int turn = sgn(d->coef[r][k]) * sgn(gap);
             if (turn == 0 || !can_move(d, d->nonbasic[k], turn > 0 ? Move::UP : Move::DOWN))
@@ -189,15 +187,15 @@ template<class T> int make_feasible(Dictionary<T> *d)
         }
         if (entering.place < 0) return leaving.place;
         const size_t k = static_cast<size_t>(entering.place);
-        shift(d, k, T(gap / d->coef[r][k]));
+        shift(d, k, Number(gap / d->coef[r][k]));
         pivot(d, r, k);
     }
 }
 
 // The nonbasic variable that improves the objective by moving, as a place, or -1.
-template<class T> int choose_improving(const Dictionary<T> *d, Move *move_out)
+inline int choose_improving(const Dictionary *d, Move *move_out)
 {
-    Choice<T> best;
+    Choice best;
     for (size_t k = 0; k < d->nonbasic.size(); k++) {
         const int turn = sgn(d->cost[k]);
         const Move move = turn < 0 ? Move::UP : Move::DOWN;
@@ -209,33 +207,32 @@ template<class T> int choose_improving(const Dictionary<T> *d, Move *move_out)
 }
 
 // How far a variable can go in its direction before its bound; false when there is none.
-template<class T> bool room_of(const Dictionary<T> *d, int variable, Move move, T *room)
+inline bool room_of(const Dictionary *d, int variable, Move move, Number *room)
 {
     const size_t v = static_cast<size_t>(variable);
-    const Bound<T> &bound = move == Move::UP ? d->upper[v] : d->lower[v];
+    const Bound &bound = move == Move::UP ? d->upper[v] : d->lower[v];
     if (!bound.finite) return false;
     *room = abs(bound.value - d->value[v]);
     return true;
 }
 
 // The step of nonbasic k and the row that stops it (-1: its own bound). False when nothing does.
-template<class T>
-bool ratio_test(const Dictionary<T> *d, size_t k, Move move, T *step, int *leaving)
+inline bool ratio_test(const Dictionary *d, size_t k, Move move, Number *step, int *leaving)
 {
-    T room;
-    Choice<T> best;
+    Number room;
+    Choice best;
     bool limited = room_of(d, d->nonbasic[k], move, step);
-    if (limited) best.offer(d, T(0), -1, d->nonbasic[k]);
+    if (limited) best.offer(d, Number(0), -1, d->nonbasic[k]);
     for (size_t r = 0; r < d->basic.size(); r++) {
         const int turn = sgn(d->coef[r][k]);
         const bool up = (turn > 0) == (move == Move::UP);
         if (turn == 0 || !room_of(d, d->basic[r], up ? Move::UP : Move::DOWN, &room))
             continue;
-        const T size = abs(d->coef[r][k]);
+        const Number size = abs(d->coef[r][k]);
         room /= size;
-        const int order = limited ? sign(T(room - *step)) : -1;
+        const int order = limited ? sign(Number(room - *step)) : -1;
         if (order > 0) continue;
-        if (order < 0) best = Choice<T>{};
+        if (order < 0) best = Choice{};
         if (best.offer(d, size, static_cast<int>(r), d->basic[r])) *step = room;
         limited = true;
     }
@@ -244,15 +241,15 @@ bool ratio_test(const Dictionary<T> *d, size_t k, Move move, T *step, int *leavi
 }
 
 // Phase 2. Returns -1 at an optimum, else the place of the nonbasic variable that improves for ever.
-template<class T> int make_optimal(Dictionary<T> *d, Move *move)
+inline int make_optimal(Dictionary *d, Move *move)
 {
-    T step;
+    Number step;
     int leaving = -1;
     for (int found = choose_improving(d, move); found >= 0;
          found = choose_improving(d, move)) {
         const size_t k = static_cast<size_t>(found);
         if (!ratio_test(d, k, *move, &step, &leaving)) return found;
-        shift(d, k, *move == Move::UP ? step : T(-step));
+        shift(d, k, *move == Move::UP ? step : Number(-step));
         if (leaving >= 0) pivot(d, static_cast<size_t>(leaving), k);
     }
     return -1;
@@ -260,12 +257,11 @@ template<class T> int make_optimal(Dictionary<T> *d, Move *move)
 
 } // namespace dictionary
 
-// No range may be crossed. T: mpq_class (exact), or mpf_class in its default precision.
-template<class T>
-DictionaryEnd dictionary_solve(const LpModel *lp, double relax, bool by_size)
+// No range may be crossed.
+inline DictionaryEnd dictionary_solve(const LpModel *lp, double relax)
 {
     using namespace dictionary;
-    Dictionary<T> d = build<T>(lp, relax, by_size);
+    Dictionary d = build(lp, relax);
     DictionaryEnd end;
     Move move = Move::NONE;
     if (const int r = make_feasible(&d); r >= 0) {
@@ -279,7 +275,8 @@ DictionaryEnd dictionary_solve(const LpModel *lp, double relax, bool by_size)
     end.place.assign(d.value.size(), 0);
     for (const int variable : d.nonbasic) {
         const size_t v = static_cast<size_t>(variable);
-        const bool low = d.lower[v].finite && sign(T(d.value[v] - d.lower[v].value)) == 0;
+        const bool low =
+            d.lower[v].finite && sign(Number(d.value[v] - d.lower[v].value)) == 0;
         end.place[v] = low ? -1 : d.upper[v].finite ? -2 : -3;
     }
     return end;

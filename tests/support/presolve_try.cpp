@@ -118,14 +118,16 @@ static void finish(TVXmodel *model, const PresolveResult *result, const LpModel 
 }
 
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions)
+                         std::initializer_list<Reduction> reductions, LpClaim *claim)
 {
     PresolveTry out;
     const TestModel model(lp_load(env, lp));
     if (!model) abort();
     PresolveWork work;
     PresolveResult *result = nullptr;
+    work.WantsProof = claim != nullptr;
     out.error = reduce(&work, model, reductions, &out, &result);
+    if (claim && out.status != 0 && claim_finish(&work, out.status, claim)) abort();
     keep_counters(&work, &out);
     work_free(&work);
     finish(model, result, lp, &out);

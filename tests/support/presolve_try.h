@@ -3,6 +3,7 @@
 // The point is judged as it comes from the way back, before any simplex has seen it: values, duals, reduced costs and
 // basis must be optimal for the model itself.
 #pragma once
+#include "presolve/claim.h"
 #include "presolve/work.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
@@ -27,9 +28,11 @@ struct PresolveTry {
 };
 
 // Runs the reductions in this order, each once, on all rows and columns, with activities summed and lists compressed
-// between them; then solves, comes back and judges. Parameters are those of `env`.
+// between them; then solves, comes back and judges. Parameters are those of `env`. A claim is what reductions that end
+// the model say in proof.
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions);
+                         std::initializer_list<Reduction> reductions,
+                         LpClaim *claim = nullptr);
 // presolve_lp in place of single reductions.
 PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp);
 

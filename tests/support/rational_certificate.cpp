@@ -3,8 +3,8 @@
 // Problem     B are the basic columns, T the rows whose activity is nonbasic; |B| = |T| = k. With M = A_TB:
 //               x       M x_B = b_T - A_TN x_N,  x_N and b_T at the ends of their ranges
 //               pi      M' pi_T = c_B
-//               ray     M r_B = -A_Tq r_q for a column q that moves, = direction e_q for a row activity
-//               Farkas  M' y_T = -a_p,B with y_p = 1 for a row p that nothing repairs, = e_p for a column
+//               ray     what x changes by when the nonbasic variable that moves for ever does so by 1
+//               Farkas  pi when a basic variable that nothing repairs is the objective
 // Method      One k x k system each, made integer and eliminated without fractions (all divisions are exact).
 // Cost        O(k^3) integer operations on numbers of up to k times 60 bits.
 // Literature  E. H. Bareiss, "Sylvester's identity and multistep integer-preserving Gaussian elimination", Math.
@@ -95,35 +95,39 @@ static mpq_class end_value(const RationalRange &range, int place)
     return place == -1 ? range.low : place == -2 ? range.high : mpq_class(0);
 }
 
-static bool find_point(const Basis *basis, Vector *x)
+// The point of the basis, with one nonbasic variable off its end by a step.
+static bool find_point(const Basis *basis, int moved, int step, Vector *x)
 {
     const LpModel *lp = basis->lp;
     const size_t n = lp->obj.size();
-    Vector rhs(basis->rows.size());
-    x->assign(n, 0);
-    for (size_t r = 0; r < rhs.size(); r++) {
-        const size_t row = static_cast<size_t>(basis->rows[r]);
-        rhs[r] = end_value(relaxed_row(lp, row, basis->relax), basis->end->place[n + row]);
+    const auto place = [&](size_t v, const RationalRange &range) -> mpq_class {
+        return end_value(range, basis->end->place[v]) +
+               (static_cast<int>(v) == moved ? step : 0);
+    };
+    Vector rhs, basic;
+    for (const int i : basis->rows) {
+        const size_t row = static_cast<size_t>(i);
+        rhs.push_back(place(n + row, relaxed_row(lp, row, basis->relax)));
     }
+    x->assign(n, 0);
     for (size_t j = 0; j < n; j++) {
         if (basis->col_spot[j] >= 0) continue;
-        (*x)[j] = end_value(relaxed_column(lp, j, basis->relax), basis->end->place[j]);
+        (*x)[j] = place(j, relaxed_column(lp, j, basis->relax));
         for (const LpEntry &e : lp->cols[j])
             if (basis->row_spot[e.row] >= 0)
                 rhs[basis->row_spot[e.row]] -= e.value * (*x)[j];
     }
-    Vector basic;
     if (!solve_square(basis_matrix(basis, false), rhs, &basic)) return false;
     for (size_t c = 0; c < basic.size(); c++) (*x)[basis->cols[c]] = basic[c];
     return true;
 }
 
-// Multipliers of T from a right-hand side over B, spread over all rows.
-static bool find_multipliers(const Basis *basis, const Vector &rhs, Vector *y)
+// Multipliers of T from the costs of B, spread over all rows.
+static bool find_multipliers(const Basis *basis, const Vector &costs, Vector *y)
 {
     Vector tight;
     y->assign(basis->lp->rhs.size(), 0);
-    if (!solve_square(basis_matrix(basis, true), rhs, &tight)) return false;
+    if (!solve_square(basis_matrix(basis, true), costs, &tight)) return false;
     for (size_t r = 0; r < tight.size(); r++) (*y)[basis->rows[r]] = tight[r];
     return true;
 }
@@ -131,46 +135,33 @@ static bool find_multipliers(const Basis *basis, const Vector &rhs, Vector *y)
 static bool find_optimum(const Basis *basis, RationalResult *result)
 {
     const LpModel *lp = basis->lp;
-    Vector cost;
-    for (const int j : basis->cols) cost.emplace_back(lp->obj[j]);
+    Vector costs;
+    for (const int j : basis->cols) costs.emplace_back(lp->obj[j]);
     result->value = lp->objcon;
     for (size_t j = 0; j < lp->obj.size(); j++) result->value += lp->obj[j] * result->x[j];
     result->vbasis.assign(basis->end->place.begin(),
                           basis->end->place.begin() + lp->num_vars());
     for (const int spot : basis->row_spot) result->cbasis.push_back(spot < 0 ? 0 : -1);
-    return find_multipliers(basis, cost, &result->pi);
+    return find_multipliers(basis, costs, &result->pi);
 }
 
 static bool find_farkas(const Basis *basis, RationalResult *result)
 {
     const int n = basis->lp->num_vars(), witness = basis->end->witness;
-    Vector rhs(basis->cols.size());
-    if (witness < n)
-        rhs[basis->col_spot[witness]] = 1;
-    else
-        for (size_t c = 0; c < rhs.size(); c++)
-            rhs[c] = -lp_get_entry(basis->lp, witness - n, basis->cols[c]);
-    if (!find_multipliers(basis, rhs, &result->farkas)) return false;
-    if (witness >= n) result->farkas[witness - n] = 1;
+    Vector costs;
+    for (const int j : basis->cols)
+        costs.emplace_back(witness < n ? double(j == witness)
+                                       : lp_get_entry(basis->lp, witness - n, j));
+    if (!find_multipliers(basis, costs, &result->farkas)) return false;
+    if (witness >= n) result->farkas[witness - n] = -1;
     return true;
 }
 
 static bool find_ray(const Basis *basis, RationalResult *result)
 {
-    const int n = basis->lp->num_vars(), witness = basis->end->witness,
-              direction = basis->end->direction;
-    Vector rhs(basis->rows.size()), basic;
-    result->ray.assign(basis->lp->obj.size(), 0);
-    if (witness < n) {
-        result->ray[witness] = direction;
-        for (const LpEntry &e : basis->lp->cols[witness])
-            if (basis->row_spot[e.row] >= 0)
-                rhs[basis->row_spot[e.row]] = -e.value * direction;
-    } else {
-        rhs[basis->row_spot[witness - n]] = direction;
-    }
-    if (!solve_square(basis_matrix(basis, false), rhs, &basic)) return false;
-    for (size_t c = 0; c < basic.size(); c++) result->ray[basis->cols[c]] = basic[c];
+    if (!find_point(basis, basis->end->witness, basis->end->direction, &result->ray))
+        return false;
+    for (size_t j = 0; j < result->x.size(); j++) result->ray[j] -= result->x[j];
     return true;
 }
 
@@ -198,7 +189,7 @@ bool rational_certificate(const LpModel *lp, double relax, const DictionaryEnd &
     *result = RationalResult{};
     result->status = end.status;
     if (end.status == LpStatus::INFEASIBLE) return find_farkas(&basis, result);
-    if (!find_point(&basis, &result->x)) return false;
+    if (!find_point(&basis, -1, 0, &result->x)) return false;
     return end.status == LpStatus::UNBOUNDED ? find_ray(&basis, result)
                                              : find_optimum(&basis, result);
 }

@@ -3,7 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-static constexpr int BITS = 320; // of the first attempt
+static constexpr unsigned BITS = 320,
+                          MOST_BITS = 20480; // of the first attempt, and of the last
 
 const char *lp_status_name(LpStatus status)
 {
@@ -62,19 +63,15 @@ RationalResult rational_solve(const LpModel *lp, double relax)
 {
     RationalResult result;
     if (find_crossed(lp, relax, &result)) return result;
-    mpf_set_default_prec(BITS);
-    if (rational_certificate(lp, relax, dictionary_solve<mpf_class>(lp, relax, true),
-                             &result) &&
-        rational_verify(lp, &result, relax).empty())
-        return result;
-    const bool regular = rational_certificate(
-        lp, relax, dictionary_solve<mpq_class>(lp, relax, false), &result);
-    const std::string wrong =
-        regular ? rational_verify(lp, &result, relax) : "singular basis";
-    if (!wrong.empty()) {
-        fprintf(stderr, "exact judge contradicts itself: %s\n%s", wrong.c_str(),
-                lp_to_mps(lp, "").c_str());
-        abort();
+    std::string wrong;
+    for (unsigned bits = BITS; bits <= MOST_BITS; bits *= 4) {
+        mpf_set_default_prec(bits);
+        const bool regular =
+            rational_certificate(lp, relax, dictionary_solve(lp, relax), &result);
+        wrong = regular ? rational_verify(lp, &result, relax) : "singular basis";
+        if (wrong.empty()) return result;
     }
-    return result;
+    fprintf(stderr, "exact judge contradicts itself: %s\n%s", wrong.c_str(),
+            lp_to_mps(lp, "").c_str());
+    abort();
 }

@@ -3,7 +3,7 @@
 // Problem     Is this LP optimal (with which value), infeasible or unbounded, beyond any rounding?
 // Method      The data are doubles, so they are rationals. The dictionary method (dictionary.h) in 320 bits ends with
 //             a basis; the certificate of that basis is computed exactly (rational_certificate.cpp). Should it
-//             prove nothing, the same method runs in rationals with Bland's rule, which terminates.
+//             prove nothing, the method runs again in more bits.
 // Trust       Every answer comes with a certificate in terms of the model alone: a primal and a dual point, a
 //             Farkas row, or a feasible point and a ray. rational_verify proves the answer from the certificate
 //             with code that knows nothing of the method; rational_solve calls it and aborts on failure.

@@ -69,6 +69,14 @@ TEST(DualBounds, a_column_that_never_pays_goes_to_its_lower_bound)
     expect_left(dear(2.5), {pre_dual_bounds}, 1, 2, {{"TARV_PAR_DUALREDUCTION", 0}});
 }
 
+// Each of two columns would be fixed if the other stood: one has to stay. y <= 1/2 by either: the third is too dear.
+TEST(DualBounds, columns_that_rest_on_each_other_do_not_both_go)
+{
+    const LpModel lp =
+        lp_make({{1}, {1}, {10, 0, 5}}, {{{2, 1, 1}, '>', 8}, {{1, 2, 1}, '>', 8}});
+    EXPECT_EQ(expect_left(lp, {pre_dual_bounds}, -1, 2).solution.x[2], 0);
+}
+
 // x stands in one equation that implies its bounds: y is at most 1, and the other column costs more than that.
 TEST(DualBounds, a_bound_that_a_row_implies_counts_as_absent_and_goes)
 {
