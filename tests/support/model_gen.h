@@ -13,6 +13,8 @@ struct TinyLimits {
     int scaled_percent = 5; // models whose rows and columns are multiplied by powers of two
 };
 LpModel gen_tiny(Dice *dice, const TinyLimits &limits);
+// Feasible by a point and bounded by multipliers; so many percent of the entries are not 0.
+LpModel gen_planted(Dice *dice, int rows, int cols, int density, bool all_tight);
 
 char random_sense(Dice *dice);
 // Multiplies rows and columns by powers of two up to 2^power: no rounding, so the verdict stays.

@@ -13,8 +13,6 @@ enum class Truth { UNKNOWN, OPTIMAL, INFEASIBLE, UNBOUNDED };
 struct GeneratedLp {
     LpModel lp;
     Truth truth = Truth::UNKNOWN; // OPTIMAL: at least feasible and bounded
-    bool has_value = false;
-    double value = 0; // the optimum, when has_value
 };
 
 using Family = GeneratedLp (*)(Dice *dice, int size);
@@ -30,8 +28,8 @@ GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capaci
 GeneratedLp gen_network(Dice *dice, int size);      // minimum cost flow with capacities
 GeneratedLp gen_blending(Dice *dice, int size);     // dense ratio rows, free, fixed columns
 // planted_gen.cpp
-GeneratedLp gen_planted_optimum(Dice *dice, int size);    // by complementary slackness
+GeneratedLp gen_planted_optimum(Dice *dice, int size);    // by a point and multipliers
 GeneratedLp gen_badly_scaled(Dice *dice, int size);       // the same, lines stretched
-GeneratedLp gen_degenerate_optimum(Dice *dice, int size); // the same, mostly zeros
+GeneratedLp gen_degenerate_optimum(Dice *dice, int size); // the same, all rows tight
 GeneratedLp gen_planted_infeasible(Dice *dice, int size); // rows add up to a contradiction
 GeneratedLp gen_planted_unbounded(Dice *dice, int size);  // a feasible point, a hidden ray
