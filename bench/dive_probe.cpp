@@ -56,16 +56,15 @@ struct Kind {
         xy += iters * time;
         if (iters == 0) each.push_back(time);
     }
-    void print(bool last) const
+    void print() const
     {
         const double det = calls * xx - iterations * iterations;
         const double slope = det > 0 ? (calls * xy - iterations * seconds) / det : 0;
         const double fixed = calls > 0 ? (seconds - slope * iterations) / calls : 0;
         printf("\"%s\": {\"calls\": %.0f, \"iterations\": %.0f, \"factored\": %.0f, "
                "\"seconds\": %.6f, "
-               "\"fixed_us\": %.3f, \"pivot_us\": %.3f}%s",
-               name, calls, iterations, factored, seconds, 1e6 * fixed, 1e6 * slope,
-               last ? "" : ", ");
+               "\"fixed_us\": %.3f, \"pivot_us\": %.3f}, ",
+               name, calls, iterations, factored, seconds, 1e6 * fixed, 1e6 * slope);
     }
 };
 
@@ -383,7 +382,7 @@ void tree(Lp *lp, double most, double seconds)
     const double time = processor_time() - start;
     printf("\"nodes\": %.0f, \"iterations\": %.0f, \"seconds\": %.3f, "
            "\"nodes_per_second\": %.1f, \"best\": %.10g, "
-           "\"complete\": %d",
+           "\"complete\": %d, ",
            nodes, iterations, time, nodes / time, best, int(stack.empty()));
 }
 
@@ -516,8 +515,8 @@ void check(Lp *lp, TVXmodel *model)
     check_changes(lp, copy->body, &rng, &changes);
     check_rows(lp, copy, &rows);
     for (const Tally *t : {&bases, &changes, &rows})
-        printf("\"%s\": {\"solves\": %d, \"wrong\": %d, \"none\": %d}%s", t->name,
-               t->solves, t->wrong, t->none, t == &rows ? "" : ", ");
+        printf("\"%s\": {\"solves\": %d, \"wrong\": %d, \"none\": %d}, ", t->name,
+               t->solves, t->wrong, t->none);
     TVXfreemodel(copy);
 }
 
@@ -587,12 +586,12 @@ int main(int argc, char **argv)
         if (nodes == 0 && !checks && lp.live) cut_rounds(&lp, &appends, &deletes);
     }
     if (nodes == 0 && !checks) {
-        dives.print(false);
-        jumps.print(false);
-        appends.print(false);
-        deletes.print(true);
+        dives.print();
+        jumps.print();
+        appends.print();
+        deletes.print();
     }
-    printf("}\n");
+    printf("\"done\": 1}\n");
     simplex_free(lp.record);
     TVXfreemodel(model);
     TVXfreeenv(env);

@@ -65,7 +65,7 @@ template<class R> int lu_grow(lufact<R> *lu, int num_rows)
 
 template<class R> int lu_append_row(lufact<R> *lu, int i, SVec<R> *row)
 {
-    assert(lu->NumProducts == 0);
+    assert(!lu->Journal);
     lu_solve_upper_transposed(lu, row);
     svec_tidy(row, lu->DropTol);
     if (row->Count == 0) return 0;

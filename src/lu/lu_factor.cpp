@@ -226,7 +226,6 @@ int lu_alloc(lufact<R> *lu, int num_rows, int max_updates, double drop_tol)
     lu->MaxMoves = max_updates;
     TRY(array_resize(&lu->EtaRow, max_updates));
     TRY(array_resize(&lu->EtaBeg, int64_t{max_updates} + 1));
-    TRY(array_assign(&lu->ProductBeg, 1, 0));
     return lu_grow(lu, num_rows);
 }
 
@@ -236,6 +235,7 @@ int FactorBasis(lufact<R> *lu, const BasisMatrix *basis, int *head, double marko
 {
     const int m = lu->NumRows;
     lu->NeedBasis = 1;
+    lu_journal_end(lu);
     const int deficiency = run_stages(lu, basis, head, R(markowitz_tol));
     if (deficiency < 0) return deficiency;
     if (deficiency > 0) {

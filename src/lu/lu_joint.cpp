@@ -152,8 +152,6 @@ template<class R> void FtranJoint(lufact<R> *lu, const FtranTask<R> *tasks, int 
         ftran_upper(lu, group[0]);
     else if (size > 1)
         solve_together(lu, group, size, last);
-    if (size > 1 && lu->NumProducts > 0)
-        for (int k = 0; k < size; k++) lu_apply_products(lu, group[k]->X);
 }
 
 template void FtranJoint<double>(lufact<double> *, const FtranTask<double> *, int);

@@ -296,7 +296,6 @@ template<class R> void ftran_upper(lufact<R> *lu, const FtranTask<R> *task)
 {
     if (task->X->Count == 0) return;
     solve_upper(lu, task->X, &lu->Density[task->Kind][1], task->Keeps == Keep::VALUES);
-    if (lu->NumProducts > 0) lu_apply_products(lu, task->X);
 }
 
 template<class R>
@@ -319,7 +318,6 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 {
     if (x->Count == 0) return;
     const int row = x->Count > 0 ? x->Index.data[0] : -1;
-    if (lu->NumProducts > 0) lu_apply_products_transposed(lu, x);
     solve_upper_transposed(lu, x, &lu->Density[kind][1]);
     if (keep == Keep::YES) {
         lu->PartRow = row;

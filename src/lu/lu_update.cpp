@@ -153,6 +153,7 @@ template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot)
     if (std::abs(diag) < R(UNSTABLE_DIAGONAL) ||
         std::abs(diag - expected) > R(UNSTABLE_RELATIVE) * std::abs(expected))
         return UPDATE_UNSTABLE;
+    if (lu->Journal && lu_journal_record(lu, r)) return UPDATE_NO_ROOM;
     if (!reserve_room(lu, r, below ? lu->PartCount : 0)) return UPDATE_NO_ROOM;
     replace_column(lu, r);
     if (below) move_to_end(lu, r);

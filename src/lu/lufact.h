@@ -60,6 +60,22 @@ template<class R> struct LuActive {
     int StampNow = 0;       // current stamp
 };
 
+// The journal: a line of U, and a position whose column was replaced.
+struct LuLine {
+    int Axis, Index;   // 0 column, 1 row; its number
+    int Beg, Len, Cap; // as in lufact
+    int64_t At;        // of its entries in OldInd and OldVal
+};
+template<class R> struct LuReplaced {
+    int Row, Place; // position; its place in the order
+    R Diag;         // its pivot
+};
+struct LuFigures {
+    int NumPos, NumEtas, NumUpdates;
+    int64_t Etas, ColEntries, RowEntries, SpikeNnz; // sizes of the pools
+    double Density[SOLVE_KINDS][2];
+};
+
 template<class R> struct lufact {
     int NumRows = 0;   // m
     int NeedBasis = 1; // a factorisation is needed before the next solve
@@ -115,13 +131,14 @@ template<class R> struct lufact {
     int PartCount = -1;  // its entries, -1 if there is none
     int PartRow = -1;    // index of the unit vector that it was computed from
 
-    // Product form updates (lu_product.cpp), on top of the factors and their row etas
-    Array<int> ProductRow; // [NumProducts] pivot position
-    Array<R> ProductPivot; // [NumProducts]
-    Array<int> ProductBeg; // [NumProducts + 1]
-    Array<int> ProductInd; // other positions of the entering column
-    Array<R> ProductVal;   // and its entries
-    int NumProducts = 0;
+    // Journal of updates (lu_journal.cpp)
+    int Journal = 0;               // updates are recorded
+    LuFigures Begin;               // figures when it was begun
+    Array<LuLine> OldLines;        // lines of U as they were before their first change
+    Array<int> OldInd;             // their entries
+    Array<R> OldVal;               // likewise
+    Array<char> LineSaved[2];      // [m] column, row of U is in OldLines
+    Array<LuReplaced<R>> Replaced; // positions whose column was replaced, in order
 
     // Running average of the share of nonzeros after the first and the second triangle.
     double Density[SOLVE_KINDS][2] = {};
@@ -213,15 +230,13 @@ template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x);
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 
-// lu_product.cpp. The same by an eta column of the product form: `alpha` is the result of that Ftran. The factors below
-// are not changed, so all such updates are undone at once. No other update may follow before that.
-// 0 or OUT_OF_MEMORY: nothing is changed then.
-template<class R>
-[[nodiscard]] int lu_product_update(lufact<R> *lu, int r, const SVec<R> *alpha);
-template<class R> void lu_drop_products(lufact<R> *lu);
-// The eta columns in a solve: after U in an FTRAN, before U^T in a BTRAN.
-template<class R> void lu_apply_products(lufact<R> *lu, SVec<R> *x);
-template<class R> void lu_apply_products_transposed(lufact<R> *lu, SVec<R> *x);
+// lu_journal.cpp. After lu_journal_begin (0 or OUT_OF_MEMORY) updates are recorded, until lu_journal_undo brings back the
+// factors as they were then, or a factorisation ends the journal.
+template<class R> [[nodiscard]] int lu_journal_begin(lufact<R> *lu);
+template<class R> void lu_journal_undo(lufact<R> *lu);
+template<class R> void lu_journal_end(lufact<R> *lu); // without undoing
+// Records what the next UpdateFactor of position r may change. 0 or OUT_OF_MEMORY.
+template<class R> [[nodiscard]] int lu_journal_record(lufact<R> *lu, int r);
 
 // lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries of
 // the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or OUT_OF_MEMORY,
@@ -233,7 +248,7 @@ template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> 
 template<class R> inline void lu_forget_updates(lufact<R> *lu)
 {
     lu->NumPos = lu->NumRows;
-    lu->NumEtas = lu->NumUpdates = lu->NumProducts = 0;
+    lu->NumEtas = lu->NumUpdates = 0;
     lu->EtaInd.size = lu->EtaVal.size = 0;
     lu->EtaBeg.data[0] = 0;
     for (int i = 0; i < lu->NumRows; i++) lu->FirstEta.data[i] = INT32_MAX;

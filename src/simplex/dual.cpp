@@ -275,17 +275,6 @@ template<class R> bool compute_step(sopt *s, swork<R> *w)
     return true;
 }
 
-// The factors follow the basis. 0 or OUT_OF_MEMORY.
-template<class R> int update_factor(sopt *s, swork<R> *w, int r, int entered, int left)
-{
-    if (!s->Probing) {
-        s->RefacReason = UpdateFactor(&w->Lu, r, w->Dual->AlphaCol);
-        return 0;
-    }
-    TRY(array_append(&s->Path, PivotRecord{entered, left}));
-    return lu_product_update(&w->Lu, r, &w->Alpha);
-}
-
 // Updates values, reduced costs, weights, basis and factors. 0 or OUT_OF_MEMORY.
 template<class R> int apply_step(sopt *s, swork<R> *w)
 {
@@ -306,7 +295,8 @@ template<class R> int apply_step(sopt *s, swork<R> *w)
     s->NPvt++;
     s->Work++;
     watch_pivot(s, d);
-    TRY(update_factor(s, w, r, q, leaving));
+    if (s->Probing) TRY(array_append(&s->Path, PivotRecord{q, leaving}));
+    s->RefacReason = UpdateFactor(&w->Lu, r, d->AlphaCol);
     if (s->RefacReason == REFAC_NONE) simplex_self_check(s, w, CheckPoint::UPDATED, -1);
     if (s->RefacReason == REFAC_NONE && wants_refactor(s, w)) s->RefacReason = REFAC_FILL;
     if (s->DualObj > s->CutoffFrom && !s->BoxPhase) dual_test_cutoff(s, w);

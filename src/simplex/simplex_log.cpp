@@ -33,7 +33,8 @@ void line_written(sopt *s, double time)
 bool log_is_due(sopt *s)
 {
     if (!s->Env->OutputFlag) return false;
-    if (s->RootLog && elapsed(s) < s->TickLength) return false; // most roots are solved before
+    if (s->RootLog && elapsed(s) < s->TickLength)
+        return false; // most roots are solved before
     const double interval =
         s->Env->TARV_PAR_SDISPINTERVAL > 0 ? s->Env->TARV_PAR_SDISPINTERVAL : LOG_STEP;
     if (s->Work - s->NextLogIter < interval && s->LastLogIter >= 0) return false;

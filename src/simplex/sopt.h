@@ -181,7 +181,7 @@ struct sopt : SimplexCounters {
     // Search (resolve.h)
     LiveState Live = LIVE_NO;
     int Crossed = 0;  // columns whose bounds cross
-    int Probing = 0;  // strong branching: updates in product form, pivots are recorded
+    int Probing = 0;  // strong branching: pivots are recorded
     int BaseLost = 0; // a probe has replaced the factors of the basis that it started from
     Array<PivotRecord> Path; // pivots of a probe
 

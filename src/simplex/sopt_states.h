@@ -128,6 +128,6 @@ enum RefacReason {
     REFAC_CONFIRM = 5,             // infeasible or unbounded according to updated factors
     REFAC_PIVOT = UPDATE_UNSTABLE, // or the pivots from row and column differ
     REFAC_VALUES = 7, // values and reduced costs alone: the factors stand (live records)
-    REFAC_FILL = 10,             // update limit reached, or solves have become slow by fill
+    REFAC_FILL = 10,  // update limit reached, or solves have become slow by fill
     REFAC_ROOM = UPDATE_NO_ROOM, // the update ran out of memory in its pools
 };

@@ -3,9 +3,9 @@
 // Problem     For many candidates and both directions: tighten a bound, re-solve for a few iterations, return the
 //             objective or a lower bound of it.
 // Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
-//             infeasible. Its pivots update the factors in product form, which is undone by forgetting the eta columns;
-//             basis and vectors are copied back. There is no perturbation and no confirmation on fresh factors, since
-//             the dual bound is valid at every dual feasible basis. If shifted costs led to a basis that is not dual
+//             infeasible. Updates of the factors are recorded and undone (lu_journal.cpp); basis and vectors are copied
+//             back. There is no perturbation and no confirmation on fresh factors, since the dual bound is valid at
+//             every dual feasible basis. If shifted costs led to a basis that is not dual
 //             feasible for the true costs, the primal simplex continues within the same limit.
 // Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
 //             of the positions after a probe that factored.
@@ -127,8 +127,8 @@ template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
     int code = 0;
     if (s->BaseLost)
         code = factor_again(s, w, k); // without memory the next solve factors
-    else
-        lu_drop_products(&w->Lu);
+    else if (w->Lu.Journal)
+        lu_journal_undo(&w->Lu);
     w->FactorAge = s->BasisAge;
     std::copy_n(k->Cbar.data, s->NumVars, w->Cbar.data);
     std::copy_n(k->Bbar.data, s->NumRows, w->Bbar.data);
@@ -176,6 +176,7 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &branch, double 
     s->Probing = 1;
     s->BaseLost = 0;
     s->Path.size = 0;
+    TRY(lu_journal_begin(&w->Lu));
     svec_clear(&w->Work);
     live_set_bounds(s, w, branch.Var, branch.Lower, branch.Upper);
     live_move_values(s, w);
@@ -195,7 +196,9 @@ double at_least_optimum(const StrongBranch *b, double value)
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
 {
     sopt *s = b->Record;
-    const double bound = s->Perturbed ? dual_bound(s, w) : s->DualObj / s->ObjScale;
+    const double bound = s->Perturbed
+                             ? std::max(dual_bound(s, w), dual_bound_true_costs(s, w))
+                             : s->DualObj / s->ObjScale;
     return at_least_optimum(b, bound + s->ObjOffset);
 }
 

@@ -139,12 +139,12 @@ template<class R> void check_joint(Factored<R> *f, Dice *dice)
     }
 }
 
-// Random exchanges as a simplex would make them.
-template<class R> void check_updates(Factored<R> *f, int updates, double limit, Dice *dice)
+// Random exchanges as a simplex would make them. Their number.
+template<class R> int exchange(Factored<R> *f, int updates, Dice *dice)
 {
     const int m = f->pool.m;
     SVec<R> alpha, rho;
-    ASSERT_EQ(0, svec_alloc(&alpha, m) + svec_alloc(&rho, m));
+    EXPECT_EQ(0, svec_alloc(&alpha, m) + svec_alloc(&rho, m));
     std::vector<char> basic(size_t(f->pool.n + m), 0);
     for (const int var : f->head) basic[var] = 1;
     int done = 0;
@@ -163,42 +163,63 @@ template<class R> void check_updates(Factored<R> *f, int updates, double limit, 
         Btran(&f->lu, &rho, SOLVE_ROW, Keep::YES);
         if (UpdateFactor(&f->lu, r, alpha.Value.data[r]) !=
             UPDATE_DONE) { // the old basis stands
-            ASSERT_EQ(0, f->factor());
+            EXPECT_EQ(0, f->factor());
             continue;
         }
         std::swap(basic[f->head[r]], basic[q]);
         f->head[r] = q;
         done++;
     }
-    EXPECT_EQ(done, updates);
+    return done;
+}
+
+template<class R> void check_updates(Factored<R> *f, int updates, double limit, Dice *dice)
+{
+    EXPECT_EQ(exchange(f, updates, dice), updates);
     check_joint(f, dice);
     check_solves(f, limit, dice);
 }
 
-// Updates in product form, and back to the basis before them.
-template<class R> void check_products(Factored<R> *f, double limit, Dice *dice)
+// All of U that solves read, in order.
+template<class R> std::vector<R> upper_of(const lufact<R> *lu)
 {
-    const std::vector<int> before = f->head;
-    const int updates = f->lu.NumUpdates;
-    SVec<R> alpha;
-    ASSERT_EQ(0, svec_alloc(&alpha, f->pool.m));
-    for (int k = 0; k < 8; k++) {
-        const int q = dice->range(0, f->pool.n + f->pool.m - 1);
-        if (std::count(f->head.begin(), f->head.end(), q)) continue;
-        f->column(q, &alpha);
-        Ftran(&f->lu, &alpha, SOLVE_COLUMN, Keep::YES);
-        int r = 0;
-        for (int i = 0; i < f->pool.m; i++)
-            if (std::abs(alpha.Value.data[i]) > std::abs(alpha.Value.data[r])) r = i;
-        ASSERT_EQ(0, lu_product_update(&f->lu, r, &alpha));
-        f->head[size_t(r)] = q;
+    std::vector<R> all;
+    for (int place = 0; place < lu->NumPos; place++)
+        all.push_back(R(lu->Order.data[place]));
+    for (int i = 0; i < lu->NumRows; i++) {
+        all.push_back(lu->UDiag.data[i]);
+        all.push_back(R(lu->PosOfRow.data[i]));
+        all.push_back(R(lu->FirstEta.data[i]));
+        for (int p = lu->UColBeg.data[i], k = 0; k < lu->UColLen.data[i]; k++, p++) {
+            all.push_back(R(lu->UColInd.data[p]));
+            all.push_back(lu->UColVal.data[p]);
+        }
+        for (int p = lu->URowBeg.data[i], k = 0; k < lu->URowLen.data[i]; k++, p++) {
+            all.push_back(R(lu->URowInd.data[p]));
+            all.push_back(lu->URowVal.data[p]);
+        }
     }
-    check_joint(f, dice);
-    check_solves(f, limit, dice);
-    lu_drop_products(&f->lu);
-    f->head = before;
-    EXPECT_EQ(f->lu.NumUpdates, updates);
-    check_solves(f, limit, dice);
+    return all;
+}
+
+// Recorded updates, and back to the factors before them, to the last bit.
+template<class R> void check_journal(Factored<R> *f, double limit, Dice *dice)
+{
+    for (const int updates : {1, 5, 30}) {
+        const std::vector<int> head = f->head;
+        const std::vector<R> before = upper_of(&f->lu);
+        const int etas = f->lu.NumEtas, count = f->lu.NumUpdates;
+        ASSERT_EQ(0, lu_journal_begin(&f->lu));
+        exchange(f, updates, dice);
+        if (!f->lu.Journal) return; // an update was refused
+        check_solves(f, limit, dice);
+        lu_journal_undo(&f->lu);
+        f->head = head;
+        EXPECT_TRUE(before == upper_of(&f->lu));
+        EXPECT_EQ(etas, f->lu.NumEtas);
+        EXPECT_EQ(count, f->lu.NumUpdates);
+        check_solves(f, limit, dice);
+    }
 }
 
 // Rows with a basic slack are appended: every column may have entries in them.
@@ -254,7 +275,7 @@ template<class R> void check_random_bases(double limit)
             ASSERT_EQ(0, f.factor());
             check_solves(&f, limit, &dice);
             check_updates(&f, std::min(m, 40), limit * 100, &dice);
-            check_products(&f, limit * 1000, &dice);
+            check_journal(&f, limit * 1000, &dice);
             check_appended(&f, 1 + round, limit * 1000, &dice);
         }
 }

@@ -40,9 +40,9 @@ LU = [
     Fault("src/lu/lu_append.cpp",
           "lu->EtaVal.data[next++] = -row->Value.data[r];", "lu->EtaVal.data[next++] = row->Value.data[r];",
           "an appended row enters the factors with the wrong sign", "Lu.*"),
-    Fault("src/lu/lu_product.cpp",
-          "sum /= lu->ProductPivot.data[t];", "",
-          "a product form update is not undone in the transposed solve", "Lu.*"),
+    Fault("src/lu/lu_journal.cpp",
+          "for (int k = 0; k < lu->SpikeCount; k++) TRY(save_line(lu, 1, lu->SpikeInd.data[k]));", "",
+          "rows that get an entry of the new column are not recorded", "Lu.*"),
 ]
 
 BODY = [
@@ -92,7 +92,7 @@ SIMPLEX_DUAL = [
           "for (int k = 1; k < list->Count; k++) list->InList.data[list->Listed.data[k]] = 0;",
           "a place that a reset forgets never comes back into the price list", "PriceList.*"),
     Fault("src/simplex/price_list.h",
-          "if (merit > best_merit) {", "if (merit >= list->Threshold && best < 0) {",
+          "if (merit > best_merit) {", "if (merit > best_merit && best < 0) {",
           "the price list returns its first place instead of its best", "PriceList.*"),
     Fault("src/simplex/strong_branch.cpp",
           "std::copy_n(k->Weights.data, s->NumRows, d->Weights.data);",
