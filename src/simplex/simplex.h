@@ -27,7 +27,7 @@ struct SimplexTuning {
 
 // Arguments of a run.
 struct SimplexCall {
-    int Method = METHOD_AUTO;
+    SimplexMethod Method = METHOD_AUTO;
     // [n + m] start basis; null: that of the record, or slacks
     const int *Statuses = nullptr;
     const double *Norms = nullptr; // [n + m] dual steepest edge weights for it, or null
@@ -36,8 +36,8 @@ struct SimplexCall {
     double Iterations = 0;         // iterations of earlier stages of the same solve
     double Limit = 1e100;          // of the iterations, as IterationLimit, which counts too
     bool Cutoff = true;            // the environment's Cutoff applies to this body
-    bool Root = false;             // the root relaxation of a search: its log has a banner of its own
-    double *Total = nullptr;       // or gets the count at the end, also after OUT_OF_MEMORY
+    bool Root = false; // the root relaxation of a search: its log has a banner of its own
+    double *Total = nullptr; // or gets the count at the end, also after OUT_OF_MEMORY
 };
 // Solves the LP relaxation of the body. *record is null or the record of earlier runs on this body; it then holds the
 // status (simplex_status) and the result. 0, also for limits, infeasibility and numeric trouble; or OUT_OF_MEMORY: the
