@@ -2,9 +2,9 @@
 //
 // Problem     Strong branching pivots a few times from one basis and then returns to it, for many candidates. The
 //             Forrest-Tomlin update changes U in place; undoing it would mean to copy all of U.
-// Method      B_k = B_0 F_1 .. F_k with eta columns F_t: the unit matrix with column r replaced by alpha = B^-1 a_q, the
-//             FTRAN of the entering column. Solves apply the inverses of the F_t after (FTRAN) or before (BTRAN) those
-//             of B_0. Undoing all updates is to forget the eta columns.
+// Method      B_k = B_0 F_1 .. F_k with eta columns F_t: the unit matrix with column r replaced by alpha = B^-1 a_q,
+//             the FTRAN of the entering column. Solves apply the inverses of the F_t after (FTRAN) or before (BTRAN)
+//             those of B_0. Undoing all updates is to forget the eta columns.
 // Cost        Each solve: entries of the eta columns. Good for some dozens of pivots.
 // Literature  G. B. Dantzig and W. Orchard-Hays, "The product form for the inverse in the simplex method", Math. Tables
 //             and Other Aids to Computation 8, 1954.
