@@ -18,8 +18,8 @@ struct Work {
     SolveRequest request;
     std::string json_file; // or empty
     bool convert = false;
-    bool own_results =
-        false; // the command line names result files, or asks for none by an empty name
+    // the command line names result files, or asks for none by an empty name
+    bool own_results = false;
 };
 
 // Sorts the words, and refuses what can be known to be wrong from them alone. EXIT_SOLVED; else reported.

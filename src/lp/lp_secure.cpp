@@ -72,8 +72,8 @@ enum class Grade {
 struct Answer {
     Grade grade = Grade::NONE;
     double excess = 0; // largest violation over its tolerance
-    double objective_error =
-        0; // possible change of the objective by violations (simplex.h)
+    // possible change of the objective by violations (simplex.h)
+    double objective_error = 0;
     bool is_better_than(const Answer &other) const
     {
         const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);

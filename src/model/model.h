@@ -35,10 +35,10 @@ struct WarmStart {
     int count = 0; // numvars the arrays were made for; negative: stale
     int kind = WARM_NONE;
     int repair = 0; // coefficients of basic columns changed: the factor may need mending
-    Array<int>
-        statuses; // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
-    Array<double>
-        norms; // [numvars + numconstrs] dual pricing norms given by a caller, or empty
+    // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
+    Array<int> statuses;
+    // [numvars + numconstrs] dual pricing norms given by a caller, or empty
+    Array<double> norms;
 };
 
 static constexpr double START_UNSET = 1e101; // entry of `mip_start` that nobody has set
@@ -58,8 +58,8 @@ struct TVXmodel {
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;
-    Array<double>
-        mip_start; // [numvars] Start attribute, START_UNSET where undefined; empty when none
+    // [numvars] Start attribute, START_UNSET where undefined; empty when none
+    Array<double> mip_start;
 };
 
 // ---- model_create.cpp ----
