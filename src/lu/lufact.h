@@ -238,9 +238,9 @@ template<class R> void lu_journal_end(lufact<R> *lu); // without undoing
 // Records what the next UpdateFactor of position r may change. 0 or OUT_OF_MEMORY.
 template<class R> [[nodiscard]] int lu_journal_record(lufact<R> *lu, int r);
 
-// lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries of
-// the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or OUT_OF_MEMORY,
-// when nothing is changed.
+// lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries
+// of the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or
+// OUT_OF_MEMORY, when nothing is changed.
 template<class R> [[nodiscard]] int lu_grow(lufact<R> *lu, int num_rows);
 template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> *row);
 

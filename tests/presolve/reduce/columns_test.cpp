@@ -61,7 +61,7 @@ TEST(Columns, singletons_leave_where_no_bound_of_theirs_matters)
     for (const Slack &s : {slacks[0], slacks[14]}) // parameters keep them
         expect_left(with_singleton(s, 1), {pre_columns}, 2, 4, kept);
     const LpModel crossed = with_singleton({"", 3, 2, 1, 2, '=', 0, 0}, 1);
-    EXPECT_EQ(expect_end(crossed, {pre_columns}, PRESOLVE_INFEASIBLE).infeas_col, 3);
+    EXPECT_EQ(expect_end(crossed, {pre_columns}, END_INFEASIBLE).infeas_col, 3);
 }
 
 // Each of them wants to fill the row; once the best has set its price, the others do not pay.
@@ -84,7 +84,7 @@ TEST(Columns, a_column_that_frees_its_rows_takes_them_along)
                     {{{1, -1, -2}, '>', 1}, {{-2, 3, 0}, '<', 1}, {{0, 1, 1}, '<', 5}});
         EXPECT_GE(expect_left(lp, {pre_columns}, 1, 2).solution.x[0], lb);
         lp.obj[0] = -1; // for ever
-        EXPECT_EQ(expect_end(lp, {pre_columns}, PRESOLVE_UNBOUNDED).infeas_col, 0);
+        EXPECT_EQ(expect_end(lp, {pre_columns}, END_UNBOUNDED).infeas_col, 0);
     }
 }
 
@@ -155,7 +155,7 @@ TEST(DuplicateCols, dear_ones_go_to_a_bound_and_equal_ones_merge)
                 for (Parallel &k : columns) k = {-k.factor, -k.cost, -k.ub, -k.lb};
             const LpModel lp = with_parallel_columns(columns);
             if (c.cols == 0)
-                expect_end(lp, {pre_duplicate_cols}, PRESOLVE_UNBOUNDED);
+                expect_end(lp, {pre_duplicate_cols}, END_UNBOUNDED);
             else
                 expect_left(lp, {pre_duplicate_cols}, 2, c.cols);
         }
@@ -236,7 +236,7 @@ TEST(DualBounds, a_bound_that_a_row_implies_counts_as_absent_and_goes)
     // (1, 1) is a ray: no dual is feasible
     const PresolveTry u = reduced_by(
         lp_make({{-1}, {-1}}, {{{1, -2}, '<', 3}, {{-2, 1}, '<', 3}}), {pre_dual_bounds});
-    EXPECT_TRUE(u.status == PRESOLVE_UNBOUNDED || u.reduced_status == TVX_UNBOUNDED);
+    EXPECT_TRUE(u.status == END_UNBOUNDED || u.reduced_status == TVX_UNBOUNDED);
 }
 
 // A demand of at most 10 (x, y <= 5, wanted), covered by sources of one row with these costs and capacities.
