@@ -33,21 +33,27 @@ template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
     return d;
 }
 
-// The status of nonbasic j within its new bounds, by the sign of its reduced cost. A reduced cost that asks for a bound
-// at infinity is shifted to 0.
-template<class R> int place(sopt *s, swork<R> *w, int j, int status)
+// The status of nonbasic j within its new bounds, by the sign of its reduced cost.
+template<class R> int place(const sopt *s, const swork<R> *w, int j, int status)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const R d = w->Cbar.data[j], tol = R(s->OptTol);
     if (lower == upper) return AT_FIXED; // assigned alike
     const bool below = has_lower(s, lower), above = has_upper(s, upper);
-    const bool wrong = (d > tol && !below) || (d < -tol && !above);
-    if (wrong) dual_shift_cost(s, w, j, R(0));
     if (!below && !above) return AT_FREE;
     if (!below) return AT_UPPER;
     if (!above) return AT_LOWER;
     if (std::abs(d) <= tol) return status == AT_UPPER ? AT_UPPER : AT_LOWER;
     return d < 0 ? AT_UPPER : AT_LOWER;
+}
+
+// The reduced cost of nonbasic j asks for a bound at infinity.
+template<class R> bool wants_infinity(const sopt *s, const swork<R> *w, int j)
+{
+    const R d = w->Cbar.data[j], tol = R(s->OptTol);
+    if (s->VStat.data[j] == AT_FIXED) return false;
+    return (d > tol && !has_lower(s, s->Lower.data[j])) ||
+           (d < -tol && !has_upper(s, s->Upper.data[j]));
 }
 
 // A nonbasic variable goes to its new place; the change of its value is added to Work.
@@ -63,9 +69,12 @@ template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
     else
         row_copy_insert(s, j);
     const double step = nonbasic_value(s, j) - before;
-    if (step == 0) return;
-    s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
-    dual_add_column(s, &w->Work, j, R(step));
+    if (step != 0) {
+        s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
+        dual_add_column(s, &w->Work, j, R(step));
+    }
+    // last, since the shift changes the objective by its product with the value
+    if (wants_infinity(s, w, j)) dual_shift_cost(s, w, j, R(0));
 }
 } // namespace
 

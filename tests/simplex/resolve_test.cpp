@@ -1,6 +1,6 @@
 // resolve_test.cpp -- a live record under random changes against fresh solves of the same LP
+#include "simplex/live_check.h"
 #include "simplex/resolve.h"
-#include "simplex/sopt.h"
 #include "support/inside.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -23,11 +23,32 @@ struct Walk {
     std::vector<BoundChange> changes;
     std::vector<NodeBasis> saved;
     int numeric = 0; // solves without an answer
+    TestEnv usual;   // of the fresh solves
 
-    Walk(uint64_t seed, Family family, int size)
-        : dice(seed), lp(family(&dice, size).lp), lb(lp.lb), ub(lp.ub),
-          model(lp_load(env.env, &lp))
+    Walk(uint64_t seed, Family family, int size, const Settings &settings)
+        : dice(seed), lp(turn_columns(&dice, family(&dice, size).lp)), lb(lp.lb), ub(lp.ub),
+          model(set(&env, settings, &lp))
     {
+    }
+    static TVXmodel *set(TestEnv *env, const Settings &settings, const LpModel *lp)
+    {
+        EXPECT_EQ(settings_apply(env->env, settings), 0);
+        return lp_load(env->env, lp);
+    }
+    // Some columns change their sign, so that they have only an upper bound; few become free.
+    static LpModel turn_columns(Dice *dice, LpModel lp)
+    {
+        if (!dice->chance(50)) return lp;
+        for (size_t j = 0; j < lp.cols.size(); j++) {
+            if (dice->chance(5)) lp.lb[j] = -LP_INFINITY;
+            if (!dice->chance(30)) continue;
+            for (LpEntry &e : lp.cols[j]) e.value = -e.value;
+            lp.obj[j] = -lp.obj[j];
+            std::swap(lp.lb[j], lp.ub[j]);
+            lp.lb[j] = -lp.lb[j];
+            lp.ub[j] = -lp.ub[j];
+        }
+        return lp;
     }
     ~Walk() { simplex_free(s); }
     Walk(const Walk &) = delete;
@@ -62,8 +83,6 @@ struct Walk {
             *low = lb[size_t(j)];
             *high = ub[size_t(j)];
         }
-        if (*low < -1e20 && *high < 1e20 && ub[size_t(j)] > 1e20)
-            *low = -1e4; // keeps a lower bound
         changes.push_back({j, *low, *high});
     }
     void append_rows()
@@ -143,7 +162,7 @@ struct Walk {
     {
         LpSolution solution;
         for (const int presolve : {-1, 0}) {
-            TestModel other(lp_load(env.env, &lp));
+            TestModel other(lp_load(usual.env, &lp));
             EXPECT_EQ(TVXsetintparam(TVXgetenv(other), "Presolve", presolve), 0);
             EXPECT_EQ(lp_solve(other, &solution), 0);
             if (solution.status != TVX_INF_OR_UNBD) break;
@@ -198,7 +217,50 @@ struct Walk {
             EXPECT_LE(out.Value, optimum + SAME * size);
             EXPECT_LE(out.Iterations, call.Iterations);
         }
+        EXPECT_EQ(live_faults(s), "") << "status " << out.Status;
         if (out.Status == TVX_OPTIMAL) check_point();
+        if (out.Status == TVX_OPTIMAL && dice.chance(20)) probe();
+    }
+    // Strong branching between two solves; the record is as before.
+    void probe()
+    {
+        StrongBranch *branch = nullptr;
+        ASSERT_EQ(strong_branch_open(s, &branch), 0);
+        for (int k = dice.range(1, 4); k > 0; k--) {
+            const int j = dice.range(0, lp.num_vars() - 1);
+            const double bound = std::floor(simplex_value(s, j) + dice.range(-1, 1));
+            const BranchSide side = dice.chance(50) ? BranchSide::DOWN : BranchSide::UP;
+            const double low = lp.lb[size_t(j)], high = lp.ub[size_t(j)];
+            if (side == BranchSide::DOWN)
+                lp.ub[size_t(j)] = std::min(high, bound);
+            else
+                lp.lb[size_t(j)] = std::max(low, bound);
+            BranchOutcome out;
+            ASSERT_EQ(strong_branch_probe(branch, j, side, bound,
+                                          dice.chance(50) ? 1e100 : dice.range(0, 4), &out),
+                      0);
+            judge_probe(out);
+            lp.lb[size_t(j)] = low;
+            lp.ub[size_t(j)] = high;
+        }
+        strong_branch_close(branch);
+        EXPECT_EQ(live_faults(s), "") << "after strong branching";
+    }
+    void judge_probe(const BranchOutcome &out)
+    {
+        const LpSolution truth = fresh();
+        if (truth.status != TVX_OPTIMAL && !infeasible(truth)) return;
+        const double optimum = infeasible(truth) ? 1e100 : turned(truth.objval),
+                     size = infeasible(truth) ? 1 : 1 + std::fabs(optimum);
+        if (out.Status == TVX_OPTIMAL) {
+            EXPECT_NEAR(out.Value, optimum, SAME * size) << "probe";
+        } else if (out.Status == TVX_INFEASIBLE) {
+            EXPECT_TRUE(infeasible(truth)) << "probe " << optimum;
+        } else if (out.Status == TVX_CUTOFF) {
+            EXPECT_GE(optimum, s->Cutoff + s->ObjOffset - SAME * size) << "probe";
+        } else {
+            EXPECT_LE(out.Value, optimum + SAME * size) << "probe";
+        }
     }
     // The point is feasible and has the objective.
     void check_point() const
@@ -215,10 +277,11 @@ struct Walk {
     }
 };
 
-void walk(uint64_t seed, Family family, int size)
+void walk(uint64_t seed, Family family, int size, const Settings &settings)
 {
     SCOPED_TRACE(seed);
-    Walk walk(seed, family, size);
+    SCOPED_TRACE(settings_text(settings));
+    Walk walk(seed, family, size, settings);
     if (!walk.begin()) return;
     for (int k = 0; k < STEPS && !testing::Test::HasFailure(); k++) {
         SCOPED_TRACE(k);
@@ -238,7 +301,20 @@ TEST(Resolve, a_live_record_follows_every_change)
             // A violation within the tolerance of the working LP may move its objective far.
             if (row.generate == gen_badly_scaled) continue;
             SCOPED_TRACE(row.name);
-            walk(uint64_t(first + k), row.generate, 5 + k % 20);
+            walk(uint64_t(first + k), row.generate, 5 + k % 20, {});
+        }
+}
+
+TEST(Resolve, a_live_record_follows_under_every_setting)
+{
+    const int runs = campaign("TARVEX_RESOLVE_RUNS", 30),
+              first = campaign("TARVEX_RESOLVE_SEED", 1);
+    for (int k = 0; k < runs && !testing::Test::HasFailure(); k++)
+        for (const FamilyRow &row : all_families()) {
+            if (row.generate == gen_badly_scaled) continue;
+            SCOPED_TRACE(row.name);
+            Dice dice(uint64_t(first + k) + 1000000);
+            walk(uint64_t(first + k), row.generate, 5 + k % 20, settings_draw(&dice));
         }
 }
 
