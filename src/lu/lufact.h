@@ -244,6 +244,9 @@ template<class R> [[nodiscard]] int lu_journal_record(lufact<R> *lu, int r);
 template<class R> [[nodiscard]] int lu_grow(lufact<R> *lu, int num_rows);
 template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> *row);
 
+// lu_negate.cpp. The column at position r of the basis matrix changes its sign.
+template<class R> void lu_negate_column(lufact<R> *lu, int r);
+
 // Sets the state after a factorisation: no updates.
 template<class R> inline void lu_forget_updates(lufact<R> *lu)
 {

@@ -151,8 +151,7 @@ template<class R> int live_run_primal(sopt *s, swork<R> *w)
 
 namespace
 {
-// Bounds of a change in units of the working LP. A free variable that gets an upper bound also gets a lower bound far
-// away, because the working LP has no variables with only an upper bound.
+// Bounds of a change in units of the working LP.
 struct WorkingBounds {
     double Lower, Upper;
 };
@@ -168,7 +167,6 @@ WorkingBounds working_bounds(const sopt *s, const BoundChange &change)
         lower = -lower;
         upper = -upper;
     }
-    if (!has_lower(s, lower) && has_upper(s, upper)) lower = -s->Infinity / 2;
     return {lower, upper};
 }
 
@@ -176,8 +174,13 @@ template<class R> void apply_changes(sopt *s, swork<R> *w, const ResolveCall &ca
 {
     svec_clear(&w->Work);
     for (int k = 0; k < call.NumChanges; k++) {
-        const WorkingBounds b = working_bounds(s, call.Changes[k]);
-        live_set_bounds(s, w, call.Changes[k].Var, b.Lower, b.Upper);
+        const int j = call.Changes[k].Var;
+        WorkingBounds b = working_bounds(s, call.Changes[k]);
+        if (!has_lower(s, b.Lower) && has_upper(s, b.Upper)) { // only an upper bound
+            live_negate(s, w, j);
+            b = {-b.Upper, s->Infinity};
+        }
+        live_set_bounds(s, w, j, b.Lower, b.Upper);
     }
     if (s->Live == LIVE_FRESH) live_move_values(s, w);
 }

@@ -151,23 +151,36 @@ template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
     return code;
 }
 
-// The bounds of a variable in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
-// bound far away, because the working LP has no variables with only an upper bound.
+// The bounds of a variable in a branch, in units of the working LP.
 struct Tightened {
     int Var;
     double Lower, Upper;
 };
 
+// A column keeps an upper bound only.
+bool has_wrong_sign(const sopt *s, int j, BranchSide side)
+{
+    const bool from_above = (side == BranchSide::DOWN) == (s->ColScale.data[j] > 0);
+    return from_above && !has_lower(s, s->Lower.data[j]);
+}
+
+template<class R> void turn_column(StrongBranch *b, swork<R> *w, int j)
+{
+    sopt *s = b->Record;
+    KeptState<R> *k = kept<R>(b);
+    live_negate(s, w, j);
+    k->Cbar.data[j] = -k->Cbar.data[j];
+    if (is_basic(s, j)) k->Bbar.data[s->VStat.data[j]] = -k->Bbar.data[s->VStat.data[j]];
+}
+
 Tightened tighten(const sopt *s, int j, BranchSide side, double bound)
 {
     Tightened branch = {j, s->Lower.data[j], s->Upper.data[j]};
     const double scale = s->ColScale.data[j], limit = bound / scale;
-    const bool from_above = (side == BranchSide::DOWN) == (scale > 0);
-    if (from_above)
+    if ((side == BranchSide::DOWN) == (scale > 0))
         branch.Upper = std::min(branch.Upper, limit);
     else
         branch.Lower = std::max(branch.Lower, limit);
-    if (from_above && !has_lower(s, branch.Lower)) branch.Lower = -s->Infinity / 2;
     return branch;
 }
 
@@ -320,6 +333,8 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
                         double iteration_limit, BranchOutcome *outcome)
 {
     sopt *s = branch->Record;
+    if (has_wrong_sign(s, j, side))
+        s->Quad ? turn_column(branch, s->Extended, j) : turn_column(branch, s->Double, j);
     const double x = value_of(s, j);
     const Tightened t = tighten(s, j, side, bound);
     const bool crossed = t.Lower - t.Upper > s->FeasTol,

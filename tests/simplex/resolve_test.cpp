@@ -40,7 +40,10 @@ struct Walk {
     {
         if (!dice->chance(50)) return lp;
         for (size_t j = 0; j < lp.cols.size(); j++) {
-            if (dice->chance(5)) lp.lb[j] = -LP_INFINITY;
+            if (dice->chance(15)) {
+                lp.lb[j] = -LP_INFINITY;
+                lp.ub[j] = LP_INFINITY;
+            }
             if (!dice->chance(30)) continue;
             for (LpEntry &e : lp.cols[j]) e.value = -e.value;
             lp.obj[j] = -lp.obj[j];
