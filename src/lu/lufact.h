@@ -225,8 +225,8 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x);
 
 // Replaces the column of position r by the one whose spike Ftran stored. `pivot` is entry r of the result of that
-// Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis, and a refactorisation is
-// needed.
+// Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis; NeedBasis is set, as
+// the caller goes on to the new one.
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 

@@ -120,8 +120,7 @@ template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
     s->NPvt = s->IterBase = 0;
     s->LastPerturbIter = 0;
     s->LastDegenCount = s->DegenCount;
-    s->PerturbAllowed = s->Env->PerturbValue > 0;
-    s->SwitchCount = 0;
+    sopt_forget_trouble(s);
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
@@ -264,11 +263,14 @@ int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
     if (s->Status == SIMPLEX_OPTIMAL)
         value = s->ObjOffset +
                 (s->Live == LIVE_FRESH ? s->DualObj / s->ObjScale : true_objective(s, w));
+    else if (s->Status == SIMPLEX_CUTOFF)
+        value = s->CutoffBound + s->ObjOffset;
     else if (s->Status != SIMPLEX_INFEASIBLE)
         value = lower_bound(s, w);
     if (s->Status == SIMPLEX_OPTIMAL && value - s->ObjOffset > s->Cutoff)
         s->Status = SIMPLEX_CUTOFF;
     s->Obj = value - s->ObjOffset;
+    if (!has_factor(s, w)) s->Live = LIVE_STALE; // the last update failed
     *out = {s->Status, value, s->NPvt};
     return 0;
 }
@@ -280,6 +282,7 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     s->IterLimit = HUGE_VAL;
     s->EndFactor = 0;
     s->Cutoff = HUGE_VAL;
+    s->Stopped = 0; // what a limit left belongs to other bounds and rows
     s->Status = SIMPLEX_RUNNING;
     take_true_lp<R>(s);
     if (!has_factor(s, w)) TRY(Refactor(s, w));
@@ -290,7 +293,6 @@ template<class R> int go_live(sopt *s, swork<R> *w)
 
 template<class R> int clean(sopt *s, swork<R> *w)
 {
-    if (s->Live != LIVE_FRESH) return 0; // the next solve computes all
     if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
         dual_weights_save(s, w);
         TRY(Refactor(s, w));
