@@ -1,4 +1,5 @@
 // resolve_test.cpp -- a live record under random changes against fresh solves of the same LP
+#include "runtime/memory.h"
 #include "simplex/live_check.h"
 #include "simplex/resolve.h"
 #include "support/inside.h"
@@ -260,6 +261,63 @@ struct Walk {
         }
         EXPECT_TRUE(low > -1e-9 * size || high < 1e-9 * size) << low << " " << high;
     }
+#ifdef TVX_DEBUG
+    // One call with its k-th request refused; false if it makes fewer.
+    bool refuse(int kind, int64_t k, const NodeBasis &basis)
+    {
+        const int n = lp.num_vars();
+        std::vector<int> ind(static_cast<size_t>(n));
+        for (int j = 0; j < n; j++) ind[size_t(j)] = j;
+        const std::vector<double> val(static_cast<size_t>(n), 1.0);
+        const LiveRow row = {n, ind.data(), val.data(), '<', 1e6};
+        std::vector<char> drop(size_t(lp.num_rows()), 0);
+        for (int i = 0; i < lp.num_rows(); i++)
+            drop[size_t(i)] = simplex_is_basic(s, n + i);
+        change_bound();
+        ResolveCall call;
+        call.Changes = changes.data();
+        call.NumChanges = int(changes.size());
+        ResolveOutcome out;
+        BranchOutcome branched;
+        StrongBranch *branch = nullptr;
+        if (kind == 5 && simplex_status(s) != TVX_OPTIMAL) return false;
+        mem_fault_arm(k);
+        int code = 0;
+        switch (kind) {
+        case 0:
+            code = simplex_append_rows(s, &row, 1);
+            break;
+        case 1:
+            code = simplex_delete_rows(s, drop.data());
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 2:
+            code = simplex_load_basis(s, basis);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 3:
+            code = simplex_clean(s);
+            if (code == 0) code = simplex_append_rows(s, &row, 1);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 4:
+            code = simplex_go_live(s);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        default:
+            code = strong_branch_open(s, &branch);
+            for (int j = 0; code == 0 && j < n; j++)
+                code = strong_branch_probe(branch, j, BranchSide::UP,
+                                           std::floor(simplex_value(s, j)) + 1, 1e100,
+                                           &branched);
+            strong_branch_close(branch);
+        }
+        const bool hit = mem_fault_hits() > 0;
+        mem_fault_arm(0);
+        EXPECT_TRUE(code == 0 || (hit && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
+        return hit;
+    }
+#endif
     // Strong branching between two solves; the record is as before.
     void probe()
     {
@@ -357,6 +415,34 @@ TEST(Resolve, a_live_record_follows_under_every_setting)
                  settings_draw(&dice));
         }
 }
+
+#ifdef TVX_DEBUG
+// Every request of a call is refused once: the call says so or gets by, and the record can be freed.
+TEST(Resolve, memory_refused_leaves_a_record_that_can_be_freed)
+{
+    const int kinds = 6;
+    for (const double quad : {0.0, 1.0}) {
+        for (int kind = 0; kind < kinds; kind++) {
+            SCOPED_TRACE(kind);
+            const int64_t held = mem_blocks_held();
+            bool refused = true;
+            for (int64_t k = 1; refused; k++) {
+                Walk walk(3, gen_multi_period, 10, {{"Quad", quad}});
+                ASSERT_TRUE(walk.begin());
+                for (int step = 0; step < 4; step++) {
+                    walk.change_bound();
+                    walk.solve_and_compare();
+                }
+                NodeBasis basis;
+                ASSERT_EQ(simplex_save_basis(walk.s, &basis), 0);
+                refused = walk.refuse(kind, k, basis);
+                if (HasFailure()) return;
+            }
+            EXPECT_EQ(mem_blocks_held(), held);
+        }
+    }
+}
+#endif
 
 // min x + w    x + w + 1e-10 y >= 5    y - z <= 0    0 <= x <= 1,  0 <= w <= 10,  0 <= y, z
 TEST(Resolve, a_tiny_entry_of_a_variable_without_bound_allows_no_proof)
