@@ -157,7 +157,7 @@ struct Tightened {
     double Lower, Upper;
 };
 
-// A column keeps an upper bound only.
+// The column would keep an upper bound only: it is probed with the other sign.
 bool has_wrong_sign(const sopt *s, int j, BranchSide side)
 {
     const bool from_above = (side == BranchSide::DOWN) == (s->ColScale.data[j] > 0);
@@ -329,12 +329,12 @@ int strong_branch_open(sopt *s, StrongBranch **out)
     return code;
 }
 
-int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
-                        double iteration_limit, BranchOutcome *outcome)
+namespace
+{
+int probe_column(StrongBranch *branch, int j, BranchSide side, double bound, double limit,
+                 BranchOutcome *outcome)
 {
     sopt *s = branch->Record;
-    if (has_wrong_sign(s, j, side))
-        s->Quad ? turn_column(branch, s->Extended, j) : turn_column(branch, s->Double, j);
     const double x = value_of(s, j);
     const Tightened t = tighten(s, j, side, bound);
     const bool crossed = t.Lower - t.Upper > s->FeasTol,
@@ -343,8 +343,25 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
         *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
     }
-    return s->Quad ? probe(branch, s->Extended, t, iteration_limit, outcome)
-                   : probe(branch, s->Double, t, iteration_limit, outcome);
+    return s->Quad ? probe(branch, s->Extended, t, limit, outcome)
+                   : probe(branch, s->Double, t, limit, outcome);
+}
+
+void turn_column(StrongBranch *b, int j)
+{
+    sopt *s = b->Record;
+    s->Quad ? turn_column(b, s->Extended, j) : turn_column(b, s->Double, j);
+}
+} // namespace
+
+int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
+                        double iteration_limit, BranchOutcome *outcome)
+{
+    const bool turned = has_wrong_sign(branch->Record, j, side);
+    if (turned) turn_column(branch, j);
+    const int code = probe_column(branch, j, side, bound, iteration_limit, outcome);
+    if (turned) turn_column(branch, j); // exactly as before
+    return code;
 }
 
 void strong_branch_close(StrongBranch *branch)

@@ -235,6 +235,10 @@ struct Walk {
         if (y.Count == 0) return;
         std::vector<double> pi(size_t(lp.num_rows()), 0.0);
         double low = 0, high = 0, size = 1; // range of y (A I) x - y b
+        double largest = 0;
+        for (int k = 0; k < y.Count; k++)
+            largest = std::max(largest,
+                               std::fabs(y.Val[y.Ind[k]] * y.Scale[y.Ind[k]] * y.Factor));
         for (int k = 0; k < y.Count; k++) {
             const size_t i = size_t(y.Ind[k]);
             pi[i] = y.Val[i] * y.Scale[i] * y.Factor;
@@ -243,7 +247,9 @@ struct Walk {
                          rhs = pi[i] * turn * lp.rhs[i];
             low -= rhs;
             high -= rhs;
-            if (lp.senses[i] != '=') (pi[i] > 0 ? high : low) = pi[i] > 0 ? 1e100 : -1e100;
+            // the slack has no upper bound; entries that are rounding errors do not count
+            if (lp.senses[i] != '=' && std::fabs(pi[i]) > 1e-9 * largest)
+                (pi[i] > 0 ? high : low) = pi[i] > 0 ? 1e100 : -1e100;
             pi[i] *= turn;
             size += std::fabs(rhs);
         }
