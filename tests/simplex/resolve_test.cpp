@@ -154,9 +154,11 @@ struct Walk {
             ASSERT_EQ(simplex_save_basis(s, &saved.back()), 0);
         }
         if (action == 3 && !saved.empty()) {
-            ASSERT_EQ(
-                simplex_load_basis(s, saved[size_t(dice.range(0, int(saved.size()) - 1))]),
-                0);
+            NodeBasis &basis = saved[size_t(dice.range(0, int(saved.size()) - 1))];
+            // one that does not fit, as after rows were deleted carelessly
+            if (dice.chance(20))
+                basis.Statuses.data[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
+            ASSERT_EQ(simplex_load_basis(s, basis), 0);
         }
         if (action == 4) {
             ASSERT_EQ(simplex_clean(s), 0);
