@@ -412,7 +412,7 @@ TEST(Resolve, a_live_record_follows_every_change)
 
 TEST(Resolve, a_live_record_follows_under_every_setting)
 {
-    const int runs = campaign("TARVEX_RESOLVE_RUNS", 30),
+    const int runs = campaign("TARVEX_RESOLVE_RUNS", 20),
               first = campaign("TARVEX_RESOLVE_SEED", 1);
     for (int k = 0; k < runs && !testing::Test::HasFailure(); k++)
         for (const FamilyRow &row : all_families()) {
