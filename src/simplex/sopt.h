@@ -51,6 +51,7 @@ struct SimplexCounters {
     // Dual simplex with a cutoff, or live: objective for the costs in force, in units of the working LP; value of it
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
+    double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)
     StallGuard Stall;
     int SwitchCount = 0;    // changes of method in this run
@@ -312,6 +313,8 @@ int simplex_answer(const void *record, int what, void *result);
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s,
                   const SimplexCall &call); // tolerances, limits, counters for a new run
+// The part of it that numeric trouble or a stall changes: counters, Markowitz tolerance, size of perturbations.
+void sopt_forget_trouble(sopt *s);
 // At the end of a run: sets Stopped and the fields after it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sopt_keep_stop(sopt *s);
 // Called by the first method of a run: true if it continues a stopped run, whose perturbation is then restored.
