@@ -3,7 +3,7 @@
 //   tarvex_dive [Name=Value ...] [--seconds S] [--by optimize] MODEL
 //
 // The relaxation is solved without presolve. Then, with seeded choices: dives (one bound of the most fractional variable
-// at a time, the other side where a branch is infeasible), jumps back to a node of the dive with its basis and the other
+// at a time, the other side where a branch is infeasible), between them calls that need no pivot, jumps back to a node of the dive with its basis and the other
 // branch, and rounds of Gomory cuts that are appended and, when their slack is basic again, deleted. With
 // `--by optimize` dives and jumps use SimplexOptimize on the record as an ordinary caller would, for comparison; there are
 // no rounds of cuts then. Written is one line of JSON: for each kind of call the number of calls, iterations,
@@ -44,7 +44,6 @@ struct Kind {
     explicit Kind(const char *n) : name(n) {}
     double calls = 0, iterations = 0, factored = 0, seconds = 0;
     double xx = 0, xy = 0;
-    std::vector<double> each;
 
     void add(double iters, double factors, double time)
     {
@@ -54,7 +53,6 @@ struct Kind {
         seconds += time;
         xx += iters * iters;
         xy += iters * time;
-        if (iters == 0) each.push_back(time);
     }
     void print() const
     {
@@ -165,7 +163,18 @@ struct Node { // before it was branched
     std::vector<int> statuses; // of all variables, for SimplexOptimize
 };
 
-void dive(Lp *lp, Kind *dives, Kind *jumps, std::mt19937 *rng)
+// A nonbasic variable is fixed where it is, and released: what a call costs without any pivot.
+void idle(Lp *lp, Kind *idles, std::mt19937 *rng)
+{
+    const int j = pick(rng, lp->body->numvars);
+    if (!lp->live || simplex_is_basic(lp->record, j)) return;
+    const Bounds before = {j, lp->lower[size_t(j)], lp->upper[size_t(j)]};
+    const double x = simplex_value(lp->record, j);
+    lp->solve({{j, x, x}}, idles);
+    lp->solve({before}, idles);
+}
+
+void dive(Lp *lp, Kind *dives, Kind *jumps, Kind *idles, std::mt19937 *rng)
 {
     std::vector<Node> path;
     std::vector<Bounds> undo;
@@ -186,6 +195,7 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, std::mt19937 *rng)
             outcome = lp->solve({lp->branch(j, x, !up)}, dives);
             if (outcome.Status != TVX_OPTIMAL) break;
         }
+        idle(lp, idles, rng);
     }
     // back to nodes of the dive, the other branch there
     std::vector<Bounds> own; // bounds of the path, by level
@@ -571,7 +581,7 @@ int main(int argc, char **argv)
            "\"root_iterations\": %.0f, \"root_seconds\": %.4f, ",
            file, lp.body->numconstrs, lp.body->numvars, simplex_status(lp.record),
            simplex_objective(lp.record), simplex_iterations(lp.record), root);
-    Kind dives{"dive"}, jumps{"jump"}, appends{"append"}, deletes{"delete"};
+    Kind dives{"dive"}, idles{"idle"}, jumps{"jump"}, appends{"append"}, deletes{"delete"};
     if (simplex_status(lp.record) == TVX_OPTIMAL) {
         if (lp.live && simplex_go_live(lp.record)) return 1;
         if (lp.live) lp.solve({}, nullptr);
@@ -582,11 +592,12 @@ int main(int argc, char **argv)
             tree(&lp, nodes, seconds);
         else
             for (int k = 0; k < 20 && processor_time() - start - root < seconds; k++)
-                dive(&lp, &dives, &jumps, &rng);
+                dive(&lp, &dives, &jumps, &idles, &rng);
         if (nodes == 0 && !checks && lp.live) cut_rounds(&lp, &appends, &deletes);
     }
     if (nodes == 0 && !checks) {
         dives.print();
+        idles.print();
         jumps.print();
         appends.print();
         deletes.print();

@@ -138,7 +138,7 @@ int measure(TVXmodel *model)
     const ModelBody *small = result ? presolve_reduced(result) : nullptr;
     if (small) error = made_up_point(small, &reduced);
     const double t2 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
-    if (!error && status == 0)
+    if (!error && status == PRESOLVE_OK)
         error = postsolve_lp(result, small ? &reduced : nullptr, &full);
     const double t3 = processor_time(CLOCK_PROCESS_CPUTIME_ID);
     const ModelBody none, *left = small ? small : &none;

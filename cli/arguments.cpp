@@ -9,7 +9,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-static constexpr const char *DESCRIPTION =
+namespace
+{
+constexpr const char *DESCRIPTION =
     "Solves linear programs.\n"
     "\n"
     "MODEL is a file in MPS (.mps, .rew) or LP format (.lp, .rlp, .ilp), also compressed "
@@ -19,13 +21,13 @@ static constexpr const char *DESCRIPTION =
     "--lp-method dual;\n--method and --quiet are short for --lp-method and OutputFlag=0.\n"
     "ResultFile=NAME writes the result after the solve: .sol, .bas, .mst, .mps, .rew, "
     ".lp,\n.rlp or .prm; may be repeated.\n";
-static constexpr const char *CLOSING =
+constexpr const char *CLOSING =
     "A file whose name holds a '=' is written with its folder: ./a=b.mps\n"
     "OutputFlag=0 prints nothing but what an option asks for, not even errors.\n"
-    "Exit code: 0 solved or stopped at a limit, 1 an error was reported, 2 wrong usage, "
+    "Exit code: 0 solved or stopped at a limit, 1 an error, 2 wrong usage, "
     "130 interrupted (Ctrl-C, SIGTERM).";
 
-static std::string version_text()
+std::string version_text()
 {
     int major = 0;
     int minor = 0;
@@ -35,7 +37,7 @@ static std::string version_text()
            std::to_string(technical) + " (" + TVXplatform() + ")";
 }
 
-static void add_answers(CLI::App *app, Arguments *arguments)
+void add_answers(CLI::App *app, Arguments *arguments)
 {
     app->add_flag(
         "--solution", arguments->solution,
@@ -58,7 +60,7 @@ static void add_answers(CLI::App *app, Arguments *arguments)
         "that are named behind it, and exit");
 }
 
-static void add_inputs(CLI::App *app, Arguments *arguments)
+void add_inputs(CLI::App *app, Arguments *arguments)
 {
     // For the help text alone; see options_of.
     app->add_option("words", arguments->words, "Parameters and model files, in any order")
@@ -82,7 +84,7 @@ static void add_inputs(CLI::App *app, Arguments *arguments)
 }
 
 // The first of the words left over that looks like an option, with what may have been meant.
-static std::string unknown_option(const CLI::App &app)
+std::string unknown_option(const CLI::App &app)
 {
     std::vector<std::string> known;
     for (const CLI::Option *option : app.get_options())
@@ -99,7 +101,7 @@ static std::string unknown_option(const CLI::App &app)
 }
 
 // --solution=FILE is two things at once to the parser: a flag, and a file.
-static std::string name_solution_file(const std::string &word)
+std::string name_solution_file(const std::string &word)
 {
     static constexpr std::string_view FLAG = "--solution=";
     if (!word.starts_with(FLAG)) return word;
@@ -107,7 +109,7 @@ static std::string name_solution_file(const std::string &word)
 }
 
 // "--maximise=false" would be read as the opposite of what stands in front of it.
-static bool is_flag_with_value(const CLI::App &app, const std::string &word)
+bool is_flag_with_value(const CLI::App &app, const std::string &word)
 {
     const size_t equals = word.find('=');
     if (equals == std::string::npos) return false;
@@ -116,8 +118,8 @@ static bool is_flag_with_value(const CLI::App &app, const std::string &word)
 }
 
 // The options for the parser; all other words go to *others as they stand, for the parser would take "[a.lp]" apart.
-static std::vector<std::string> options_of(const std::vector<std::string> &words,
-                                           std::vector<std::string> *others)
+std::vector<std::string> options_of(const std::vector<std::string> &words,
+                                    std::vector<std::string> *others)
 {
     std::vector<std::string> options;
     bool all_words = false; // behind "--"
@@ -131,6 +133,7 @@ static std::vector<std::string> options_of(const std::vector<std::string> &words
     }
     return options;
 }
+} // namespace
 
 Parsed arguments_parse(const std::vector<std::string> &words, Arguments *arguments,
                        std::string *error)
@@ -180,10 +183,13 @@ bool split_setting(const std::string &word, std::string *name, std::string *valu
     return true;
 }
 
-static char small_letter(char c)
+namespace
+{
+char small_letter(char c)
 {
     return static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
 }
+} // namespace
 
 std::string name_key(const std::string &name)
 {

@@ -1,8 +1,8 @@
 // commented_parameters.cpp -- parameter files that say what their parameters do
 //
 // Method   The lines are those of the library, unchanged; above each stands what the parameter does, as a line that the
-//          reader passes over. The new file takes the place of the old one when it is complete: behind links, and with the
-//          same permissions. A queue or device, and a file with several names, keep the bare lines.
+//          reader passes over. The new file takes the place of the old one when it is complete: behind links, and with
+//          the same permissions. A queue or device, and a file with several names, keep the bare lines.
 #include "commented_parameters.h"
 #include "arguments.h"
 #include "option_words.h"
@@ -13,9 +13,11 @@
 #include <sstream>
 #include <sys/stat.h>
 
-static constexpr mode_t PERMISSIONS = 07777; // the bits of a file mode that chmod sets
+namespace
+{
+constexpr mode_t PERMISSIONS = 07777; // the bits of a file mode that chmod sets
 
-static std::string with_comments(std::istream &lines)
+std::string with_comments(std::istream &lines)
 {
     std::string commented;
     for (std::string line; std::getline(lines, line);) {
@@ -27,6 +29,7 @@ static std::string with_comments(std::istream &lines)
     }
     return commented;
 }
+} // namespace
 
 void comment_parameters(const std::string &file)
 {

@@ -1,9 +1,9 @@
 // file_use.cpp -- which files one call reads and writes
 //
-// Problem     A slip on the command line must not cost a file: "--json a.lp b.lp" means no output called a.lp. And an output
-//             of an earlier call must not pass for that of this one.
-// Method      Files that are there are compared by device and inode, which links and other spellings share; files that are
-//             not there yet by their absolute names.
+// Problem     A slip on the command line must not cost a file: "--json a.lp b.lp" means no output called a.lp. And an
+//             output of an earlier call must not pass for that of this one.
+// Method      Files that are there are compared by device and inode, which links and other spellings share; files that
+//             are not there yet by their absolute names.
 #include "file_use.h"
 #include "arguments.h"
 #include "runtime/file.h"
@@ -13,10 +13,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-static constexpr int MOST_LINKS = 40; // in a chain, as the system itself follows
+namespace
+{
+constexpr int MOST_LINKS = 40; // in a chain, as the system itself follows
 
 // What a link leads to, also when nothing is there.
-static std::filesystem::path behind_links(std::filesystem::path name)
+std::filesystem::path behind_links(std::filesystem::path name)
 {
     std::error_code failed;
     for (int k = 0; k < MOST_LINKS && std::filesystem::is_symlink(name, failed); k++) {
@@ -26,6 +28,7 @@ static std::filesystem::path behind_links(std::filesystem::path name)
     }
     return name;
 }
+} // namespace
 
 bool FileUse::find(const std::string &name, Place *place)
 {
@@ -49,9 +52,11 @@ bool FileUse::is_same(const Place &a, const Place &b)
     return !a.path.empty() && a.path == b.path;
 }
 
-// The name that the library opens: the first that can be read with the endings it tries, in its order. A queue is not
-// touched: whoever writes into it would lose its reader.
-static std::string completed(const std::string &name)
+namespace
+{
+// The name that the library opens: the first that can be read with the endings it tries, in its order. A named pipe is
+// not opened: whoever writes into it would lose its reader.
+std::string completed(const std::string &name)
 {
     std::error_code failed;
     if (std::filesystem::is_fifo(name, failed)) return name;
@@ -61,6 +66,7 @@ static std::string completed(const std::string &name)
                 return name + ending + packed;
     return name;
 }
+} // namespace
 
 void FileUse::reads(const std::string &what, const std::string &name)
 {

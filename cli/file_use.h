@@ -34,10 +34,10 @@ class FileUse
     std::vector<Place> outputs;
 };
 
-// Why a file written by --json, --solution or LogFile may not be called so, or empty: the endings of models, bases, starts
-// and parameter files belong to files that somebody has made.
+// Why a file written by --json, --solution or LogFile may not be called so, or empty: the endings of models, bases,
+// starts and parameter files belong to files that somebody has made.
 std::string ending_refused(const std::string &what, const std::string &name);
 
-// Takes away what an earlier call left in an output file: a file is removed, one behind a link emptied; devices and queues
-// stay as they are. Why that is not possible, or empty.
+// Takes away what an earlier call left in an output file: a file is removed, one behind a link emptied; devices and
+// queues stay as they are. Why that is not possible, or empty.
 std::string clear_output(const std::string &name);

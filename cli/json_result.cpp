@@ -1,7 +1,7 @@
 // json_result.cpp -- the result of one solve for programs, as a JSON object
 //
-// Invariant   The text is valid JSON whatever names, messages and numbers come in: JSON knows no infinity and no NaN, and
-//             is UTF-8, while names may hold any bytes.
+// Invariant   The text is valid JSON whatever names, messages and numbers come in: JSON knows no infinity and no NaN,
+//             and is UTF-8, while names may hold any bytes.
 #include "json_result.h"
 #include "report.h"
 #include "status.h"
@@ -10,8 +10,10 @@
 
 // ---- Values ----
 
+namespace
+{
 // Length of the UTF-8 character at text[at], or 0 when there is none: RFC 3629, without overlong forms and surrogates.
-static size_t utf8_length(const std::string &text, size_t at)
+size_t utf8_length(const std::string &text, size_t at)
 {
     const auto byte = [&](size_t k) {
         return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u;
@@ -31,6 +33,7 @@ static size_t utf8_length(const std::string &text, size_t at)
         (first == 0xed && second > 0x9f) || (first == 0xf4 && second > 0x8f);
     return overlong || beyond ? 0 : length;
 }
+} // namespace
 
 std::string json_text(const std::string &text)
 {
@@ -61,21 +64,23 @@ std::string json_number(double value)
 
 // ---- The model ----
 
-static std::string json_double(TVXmodel *model, const char *name)
+namespace
+{
+std::string json_double(TVXmodel *model, const char *name)
 {
     double value = 0;
     if (!model || TVXgetdblattr(model, name, &value) != 0) return "null";
     return json_number(value);
 }
 
-static std::string json_int(TVXmodel *model, const char *name)
+std::string json_int(TVXmodel *model, const char *name)
 {
     int value = 0;
     if (!model || TVXgetintattr(model, name, &value) != 0) return "null";
     return std::to_string(value);
 }
 
-static std::string json_string(TVXmodel *model, const char *name)
+std::string json_string(TVXmodel *model, const char *name)
 {
     char *value = nullptr;
     if (!model || TVXgetstrattr(model, name, &value) != 0 || !value) return "null";
@@ -96,7 +101,7 @@ class Members
     std::string text;
 };
 
-static std::string version()
+std::string version()
 {
     int major = 0;
     int minor = 0;
@@ -106,7 +111,7 @@ static std::string version()
            std::to_string(technical);
 }
 
-static std::string model_object(TVXmodel *model, const std::string &file)
+std::string model_object(TVXmodel *model, const std::string &file)
 {
     int sense = 1;
     if (model) TVXgetintattr(model, "ModelSense", &sense);
@@ -123,7 +128,7 @@ static std::string model_object(TVXmodel *model, const std::string &file)
     return members.object();
 }
 
-static std::string violation_object(TVXmodel *model)
+std::string violation_object(TVXmodel *model)
 {
     Members members;
     members.add("bound", json_double(model, "BoundVio"));
@@ -134,7 +139,7 @@ static std::string violation_object(TVXmodel *model)
     return members.object();
 }
 
-static std::string time_object(const SolveTimes &times)
+std::string time_object(const SolveTimes &times)
 {
     Members members;
     members.add("read", json_number(times.read));
@@ -143,7 +148,7 @@ static std::string time_object(const SolveTimes &times)
     return members.object();
 }
 
-static std::string error_object(const Failure &failure)
+std::string error_object(const Failure &failure)
 {
     if (failure.text.empty()) return "null";
     Members members;
@@ -157,14 +162,14 @@ struct Bounds {
     std::string objective = "null", bound = "null", gap = "null";
 };
 
-static bool is_mip_model(TVXmodel *model)
+bool is_mip_model(TVXmodel *model)
 {
     int is_mip = 0;
     if (model) TVXgetintattr(model, "IsMIP", &is_mip);
     return is_mip != 0;
 }
 
-static Bounds bounds_of(TVXmodel *model, int status)
+Bounds bounds_of(TVXmodel *model, int status)
 {
     Bounds bounds;
     double objective = 0;
@@ -182,6 +187,7 @@ static Bounds bounds_of(TVXmodel *model, int status)
     bounds.gap = json_number(distance == 0 ? 0 : distance / std::fabs(objective));
     return bounds;
 }
+} // namespace
 
 std::string json_result(TVXmodel *model, const std::string &file, const Failure &failure,
                         const SolveTimes &times)

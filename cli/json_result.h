@@ -6,8 +6,8 @@
 #include <vector>
 
 struct SolveTimes {
-    double read =
-        0; // seconds from the command's begin of work on the file until the model was there
+    // seconds from the command's begin of work on the file until the model was there
+    double read = 0;
     double solve = 0; // seconds of the solve
     double total = 0; // seconds of everything, files written included
 };

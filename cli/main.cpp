@@ -1,9 +1,10 @@
 // main.cpp -- the command `tarvex`
 //
-// In order: silence if the words ask for it; the command line; an environment (which reads tarvex.env); OutputFlag, so
-// that a parameter file is read as silently as asked; outputs of an earlier call are removed; parameter files; the other
-// parameters; each model in turn; the JSON file. What is wrong with the command line itself is found before anything is
-// removed or a model is read and gives exit code 2; a model that fails does not keep the next from being solved.
+// In order: silence if the words ask for it; the command line, refused for what its words alone show; an environment
+// (which reads tarvex.env and may begin a log); files and values; OutputFlag, so that a parameter file is read as
+// silently as asked; outputs of an earlier call are removed; parameter files; the other parameters; each model in turn;
+// the JSON file. What is wrong with the command line itself is found before anything is removed or a model is read and
+// gives exit code 2; a model that fails does not keep the next from being solved.
 #include "arguments.h"
 #include "json_result.h"
 #include "option_words.h"
@@ -17,13 +18,15 @@
 #include <exception>
 #include <memory>
 
+namespace
+{
 struct FreeEnv {
     void operator()(TVXenv *env) const { TVXfreeenv(env); }
 };
 using OwnedEnv = std::unique_ptr<TVXenv, FreeEnv>;
 
 // The environment, or null after a report.
-static OwnedEnv load_env(bool silent)
+OwnedEnv load_env(bool silent)
 {
     TVXenv *loaded = nullptr;
     const SilentScope scope(stdout, silent); // tarvex.env tells what it sets
@@ -32,7 +35,7 @@ static OwnedEnv load_env(bool silent)
     return OwnedEnv(loaded);
 }
 
-static ExitCode describe_parameters(TVXenv *env, const std::vector<std::string> &words)
+ExitCode describe_parameters(TVXenv *env, const std::vector<std::string> &words)
 {
     if (words.empty()) parameters_list(env);
     ExitCode worst = EXIT_SOLVED;
@@ -44,8 +47,7 @@ static ExitCode describe_parameters(TVXenv *env, const std::vector<std::string> 
 }
 
 // out: standard output as it was, when the JSON goes there; else null.
-static ExitCode write_json(const Work &work, const std::vector<std::string> &objects,
-                           FILE *out)
+ExitCode write_json(const Work &work, const std::vector<std::string> &objects, FILE *out)
 {
     if (work.json_file.empty()) return EXIT_SOLVED;
     // Also when an interrupt has ended the call after the first of several.
@@ -67,7 +69,7 @@ static ExitCode write_json(const Work &work, const std::vector<std::string> &obj
 }
 
 // Each model in turn, until one is interrupted.
-static ExitCode solve_all(TVXenv *env, const Work &work, std::vector<std::string> *objects)
+ExitCode solve_all(TVXenv *env, const Work &work, std::vector<std::string> *objects)
 {
     ExitCode worst = EXIT_SOLVED;
     for (const std::string &model : work.models) {
@@ -80,17 +82,19 @@ static ExitCode solve_all(TVXenv *env, const Work &work, std::vector<std::string
     return worst;
 }
 
-static ExitCode run(const Arguments &arguments, bool silent)
+ExitCode run(const Arguments &arguments, bool silent)
 {
     FILE *json_out = arguments.json_file == STANDARD_INPUT ? divert_output() : nullptr;
     if (!json_out && arguments.json_file == STANDARD_INPUT) {
         report_error("--json -: standard output is closed");
         return EXIT_ERROR;
     }
+    Work work;
+    if (!arguments.list_parameters)
+        if (const ExitCode code = work_sort(arguments, &work)) return code;
     const OwnedEnv env = load_env(silent || arguments.list_parameters);
     if (!env) return EXIT_ERROR;
     if (arguments.list_parameters) return describe_parameters(env.get(), arguments.words);
-    Work work;
     if (const ExitCode code = work_prepare(env.get(), arguments, &work)) return code;
     int output_flag = 1;
     TVXgetintparam(env.get(), "OutputFlag", &output_flag);
@@ -104,7 +108,7 @@ static ExitCode run(const Arguments &arguments, bool silent)
     return solved != EXIT_SOLVED ? solved : written;
 }
 
-static ExitCode parse_and_run(int argc, char **argv)
+ExitCode parse_and_run(int argc, char **argv)
 {
     Arguments arguments;
     std::string error;
@@ -121,6 +125,7 @@ static ExitCode parse_and_run(int argc, char **argv)
         return run(arguments, silent);
     }
 }
+} // namespace
 
 int main(int argc, char **argv)
 {

@@ -3,8 +3,10 @@
 #include "arguments.h"
 #include "report.h"
 
+namespace
+{
 // Puts "standard input" for each place where a message names the temporary file.
-static std::string with_own_name(std::string text, const std::string &temporary)
+std::string with_own_name(std::string text, const std::string &temporary)
 {
     static constexpr std::string_view NAME = "standard input";
     for (size_t at = 0; (at = text.find(temporary, at)) != std::string::npos;
@@ -14,7 +16,7 @@ static std::string with_own_name(std::string text, const std::string &temporary)
 }
 
 // What to do about a file that is not there or of no known type.
-static std::string name_hint(const std::string &file, int code)
+std::string name_hint(const std::string &file, int code)
 {
     const bool told = file_kind(file) != FileKind::UNKNOWN;
     if (code == TVX_ERROR_INVALID_ARGUMENT && !told)
@@ -25,7 +27,7 @@ static std::string name_hint(const std::string &file, int code)
     return "";
 }
 
-static OwnedModel read_named(TVXenv *env, const std::string &file, Failure *failure)
+OwnedModel read_named(TVXenv *env, const std::string &file, Failure *failure)
 {
     TVXmodel *model = nullptr;
     if (const int code = TVXreadmodel(env, file.c_str(), &model)) {
@@ -35,7 +37,7 @@ static OwnedModel read_named(TVXenv *env, const std::string &file, Failure *fail
     return OwnedModel(model);
 }
 
-static OwnedModel read_input(TVXenv *env, ModelFormat format, Failure *failure)
+OwnedModel read_input(TVXenv *env, ModelFormat format, Failure *failure)
 {
     const StandardInput input(format);
     if (!input.error().empty()) {
@@ -50,7 +52,7 @@ static OwnedModel read_input(TVXenv *env, ModelFormat format, Failure *failure)
 }
 
 // The sense of the objective alone is changed: its coefficients and its constant stay as they are.
-static void set_sense(TVXmodel *model, int sense, Failure *failure)
+void set_sense(TVXmodel *model, int sense, Failure *failure)
 {
     int code = TVXsetintattr(model, "ModelSense", sense);
     if (code == 0) code = TVXupdatemodel(model);
@@ -59,6 +61,7 @@ static void set_sense(TVXmodel *model, int sense, Failure *failure)
     failure->text = "cannot set the sense of the objective: " +
                     describe_failure(code, TVXgetmerrormsg(model));
 }
+} // namespace
 
 OwnedModel model_input(TVXenv *env, const std::string &file, const InputRequest &request,
                        Failure *failure)

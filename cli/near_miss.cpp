@@ -7,12 +7,14 @@
 #include "env/parameter_texts.h"
 #include <algorithm>
 
-static constexpr size_t LETTERS_PER_SLIP = 3;
-static constexpr size_t LONGEST_WORD = 64;   // longer ones resemble no name
-static constexpr size_t LEAST_BEGINNING = 3; // shorter ones begin too many names
+namespace
+{
+constexpr size_t LETTERS_PER_SLIP = 3;
+constexpr size_t LONGEST_WORD = 64;   // longer ones resemble no name
+constexpr size_t LEAST_BEGINNING = 3; // shorter ones begin too many names
 
 // cost[i][j] leads from the first i letters of a to the first j letters of b.
-static size_t slips(const std::string &a, const std::string &b)
+size_t slips(const std::string &a, const std::string &b)
 {
     std::vector<std::vector<size_t>> cost(a.size() + 1, std::vector<size_t>(b.size() + 1));
     for (size_t i = 0; i <= a.size(); i++) {
@@ -30,6 +32,7 @@ static size_t slips(const std::string &a, const std::string &b)
     }
     return cost[a.size()][b.size()];
 }
+} // namespace
 
 std::string nearest_name(const std::string &word, const std::vector<std::string> &names)
 {

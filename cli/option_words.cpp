@@ -7,26 +7,30 @@
 #include "arguments.h"
 #include <algorithm>
 
+namespace
+{
 struct ShortName {
     const char *option;    // without the dashes
     const char *parameter; // or "Name=value", which takes no value behind it
 };
-static constexpr ShortName SHORT_NAMES[] = {
+constexpr ShortName SHORT_NAMES[] = {
     {"method", "LPMethod"},
     {"quiet", "OutputFlag=0"},
 };
 
-// The options of the command itself with a file or a word behind them. They are joined with it here, before that word can
-// be taken for an option of its own.
-static constexpr const char *VALUE_OPTIONS[] = {"--json", "--params", "--start", "--format",
-                                                "--solution-file"};
+// The options of the command itself with a file or a word behind them. They are joined with it here, before that word
+// can be taken for an option of its own.
+constexpr const char *VALUE_OPTIONS[] = {"--json", "--params", "--start", "--format",
+                                         "--solution-file"};
 
-static std::string without_dashes(const std::string &text)
+} // namespace
+
+const ParameterText *option_parameter(const std::string &option)
 {
-    std::string rest;
-    for (const char c : text)
-        if (c != '-') rest += c;
-    return rest;
+    std::string name;
+    for (const char c : option)
+        if (c != '-') name += c;
+    return parameter_text(name);
 }
 
 const ParameterText *parameter_text(const std::string &name)
@@ -37,27 +41,30 @@ const ParameterText *parameter_text(const std::string &name)
     return nullptr;
 }
 
+namespace
+{
 // The parameter that an option means, as in ShortName, or empty.
-static std::string meaning(const std::string &option)
+std::string meaning(const std::string &option)
 {
     for (const ShortName &name : SHORT_NAMES)
         if (option == name.option) return name.parameter;
-    const ParameterText *text = parameter_text(without_dashes(option));
+    const ParameterText *text = option_parameter(option);
     return text ? text->name : "";
 }
 
-static bool takes_value(const std::string &word)
+bool takes_value(const std::string &word)
 {
     return std::ranges::any_of(VALUE_OPTIONS,
                                [&](const char *option) { return word == option; });
 }
 
-// Whether argv[k] can be a value: it is there, is not empty and is no option. A value that begins with two dashes stands
-// behind '='.
-static bool is_value(int argc, char **argv, int k)
+// Whether argv[k] can be a value: it is there, is not empty and is no option. A value that begins with two dashes
+// stands behind '='.
+bool is_value(int argc, char **argv, int k)
 {
     return k < argc && *argv[k] && std::string_view(argv[k]).substr(0, 2) != "--";
 }
+} // namespace
 
 std::vector<std::string> option_words(int argc, char **argv, std::string *error)
 {
@@ -94,10 +101,13 @@ std::vector<std::string> option_words(int argc, char **argv, std::string *error)
     return words;
 }
 
-static bool is_capital(char c)
+namespace
+{
+bool is_capital(char c)
 {
     return 'A' <= c && c <= 'Z';
 }
+} // namespace
 
 // A dash before each capital that begins a word: LogFile log-file, MIPGapAbs mip-gap-abs, LPMethod lp-method.
 std::string parameter_option(const std::string &name)

@@ -6,8 +6,8 @@
 
 // The words of the command line behind the name of the command, with each option that means a parameter turned into
 // Name=value: "--time-limit 10" is "TimeLimit=10", and other options joined with their value:
-// "--json=out.json". *error, unless it is set, says what is wrong with such an option; the rest of the words is there all
-// the same.
+// "--json=out.json". *error, unless it is set, says what is wrong with such an option; the rest of the words is there
+// all the same.
 std::vector<std::string> option_words(int argc, char **argv, std::string *error);
 
 // "TimeLimit" as an option: "--time-limit".
@@ -15,6 +15,9 @@ std::string parameter_option(const std::string &name);
 
 // What is known about a parameter whatever the form of its name, or null.
 const ParameterText *parameter_text(const std::string &name);
+
+// The same for an option without its two dashes: those within do not matter either.
+const ParameterText *option_parameter(const std::string &option);
 
 struct ValueWord {
     std::string word, value;

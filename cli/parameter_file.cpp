@@ -12,8 +12,10 @@
 #include <sstream>
 #include <vector>
 
+namespace
+{
 // All of the file, or false.
-static bool read_text(const std::string &file, std::string *text)
+bool read_text(const std::string &file, std::string *text)
 {
     static constexpr size_t BLOCK = 1 << 16;
     FileHandle handle;
@@ -24,22 +26,20 @@ static bool read_text(const std::string &file, std::string *text)
     return FileClose(&handle) == 0;
 }
 
-static bool is_control(char c)
+bool is_control(char c)
 {
     return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\r' && c != '\f';
 }
 
 // A log file is opened when it is set.
-static std::string log_fault(const std::string &name, const std::string &value,
-                             FileUse *files)
+std::string log_fault(const std::string &name, const std::string &value, FileUse *files)
 {
     if (name_key(name) != "logfile") return "";
     const std::string fault = ending_refused("LogFile", value);
     return fault.empty() ? files->writes("LogFile", value, Output::LOG) : fault;
 }
 
-static ExitCode set_line(TVXenv *env, const std::string &line, FileUse *files,
-                         std::string *error)
+ExitCode set_line(TVXenv *env, const std::string &line, FileUse *files, std::string *error)
 {
     std::istringstream words(line);
     std::string name;
@@ -65,10 +65,11 @@ static ExitCode set_line(TVXenv *env, const std::string &line, FileUse *files,
     return EXIT_SOLVED;
 }
 
-static void report_at(const std::string &file, int line, const std::string &error)
+void report_at(const std::string &file, int line, const std::string &error)
 {
     report_error("--params '" + file + "' line " + std::to_string(line) + ": " + error);
 }
+} // namespace
 
 ExitCode parameter_file_set(TVXenv *env, const std::string &file, FileUse *files)
 {

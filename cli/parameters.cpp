@@ -10,9 +10,11 @@
 #include <cmath>
 #include <cstdio>
 
+namespace
+{
 enum ParameterType { INT_PARAMETER = 1, DOUBLE_PARAMETER = 2, STRING_PARAMETER = 3 };
 
-static bool parse_number(const std::string &text, double *value)
+bool parse_number(const std::string &text, double *value)
 {
     const char *begin = text.c_str();
     const char *end = begin + text.size();
@@ -24,7 +26,7 @@ static bool parse_number(const std::string &text, double *value)
     return code == std::errc();
 }
 
-static int set_int(TVXenv *env, const std::string &name, double value, std::string *error)
+int set_int(TVXenv *env, const std::string &name, double value, std::string *error)
 {
     if (value != std::floor(value) || std::fabs(value) > 2e9) {
         *error = "takes a whole number between -2000000000 and 2000000000";
@@ -34,7 +36,7 @@ static int set_int(TVXenv *env, const std::string &name, double value, std::stri
 }
 
 // " or one of the words ...", or empty.
-static std::string word_choice(const std::string &name)
+std::string word_choice(const std::string &name)
 {
     std::string list;
     const ParameterText *text = parameter_text(name);
@@ -43,6 +45,7 @@ static std::string word_choice(const std::string &name)
             list += (list.empty() ? "" : ", ") + word.word;
     return list.empty() ? "" : " or a word (" + list + ")";
 }
+} // namespace
 
 ExitCode parameter_set(TVXenv *env, const std::string &name, const std::string &text,
                        std::string *error)
@@ -103,9 +106,11 @@ void parameters_list(TVXenv *env)
 
 // ---- One parameter ----
 
-static constexpr size_t LINE = 78; // of text on a screen
+namespace
+{
+constexpr size_t LINE = 78; // of text on a screen
 
-static void print_wrapped(const std::string &text, const char *indent)
+void print_wrapped(const std::string &text, const char *indent)
 {
     std::string line;
     for (size_t at = 0; at < text.size();) {
@@ -121,7 +126,7 @@ static void print_wrapped(const std::string &text, const char *indent)
     if (!line.empty()) printf("%s%s\n", indent, line.c_str());
 }
 
-static void print_int_head(TVXenv *env, const char *name)
+void print_int_head(TVXenv *env, const char *name)
 {
     int now = 0;
     int low = 0;
@@ -132,7 +137,7 @@ static void print_int_head(TVXenv *env, const char *name)
     if (now != usual) printf("  set to %d by tarvex.env\n", now);
 }
 
-static void print_double_head(TVXenv *env, const char *name)
+void print_double_head(TVXenv *env, const char *name)
 {
     double now = 0;
     double low = 0;
@@ -143,7 +148,7 @@ static void print_double_head(TVXenv *env, const char *name)
     if (now != usual) printf("  set to %g by tarvex.env\n", now);
 }
 
-static void print_string_head(TVXenv *env, const char *name)
+void print_string_head(TVXenv *env, const char *name)
 {
     char now[TVX_PARAM_LENGTH + 1] = "";
     char usual[TVX_PARAM_LENGTH + 1] = "";
@@ -151,10 +156,11 @@ static void print_string_head(TVXenv *env, const char *name)
     printf("%s: string, default '%s'\n", name, usual);
     if (std::string(now) != usual) printf("  set to '%s' by tarvex.env\n", now);
 }
+} // namespace
 
 ExitCode parameter_describe(TVXenv *env, const std::string &name)
 {
-    const ParameterText *text = parameter_text(name);
+    const ParameterText *text = option_parameter(name);
     const int type = text ? TVXgetparamtype(env, text->name) : 0;
     if (type <= 0) {
         report_error("there is no parameter '" + name + "'" +

@@ -12,5 +12,6 @@ ExitCode parameter_set(TVXenv *env, const std::string &name, const std::string &
 // Prints the table of all public parameters on standard output.
 void parameters_list(TVXenv *env);
 
-// Prints everything about one parameter; EXIT_USAGE, reported, when there is none of that name.
+// Prints everything about one parameter, named as in Name=Value or as an option; EXIT_USAGE, reported, when there is
+// none of that name.
 ExitCode parameter_describe(TVXenv *env, const std::string &name);

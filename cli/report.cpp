@@ -8,10 +8,13 @@
 #include "tarvex.h"
 #include <cstdio>
 
-static bool is_control(char c)
+namespace
+{
+bool is_control(char c)
 {
     return static_cast<unsigned char>(c) < ' ';
 }
+} // namespace
 
 // Blanks that a line began with go with its beginning.
 std::string one_line(const std::string &text)
@@ -42,8 +45,10 @@ ExitCode report_usage(const std::string &text)
     return EXIT_USAGE;
 }
 
+namespace
+{
 // What a user can do about an error of this code; empty when the message says all.
-static const char *hint(int code)
+const char *hint(int code)
 {
     switch (code) {
     case TVX_ERROR_OUT_OF_MEMORY:
@@ -61,6 +66,7 @@ static const char *hint(int code)
         return "";
     }
 }
+} // namespace
 
 std::string describe_failure(int code, const char *message)
 {

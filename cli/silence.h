@@ -13,8 +13,8 @@ void silence(FILE *stream); // for good
 // input or writing standard output fails then, and what goes to standard error goes nowhere.
 void hold_streams();
 
-// From here on standard output goes to standard error; returned is a stream to where it went before, or null when that was
-// closed.
+// From here on standard output goes to standard error; returned is a stream to where it went before, or null when that
+// was closed.
 FILE *divert_output();
 
 // Silent from construction to the end of its scope, if asked.

@@ -9,13 +9,15 @@
 #include <cstdio>
 #include <vector>
 
+namespace
+{
 struct Column {
     const char *attribute; // in the library
     const char *title;     // in the file
     bool is_basis;         // VBasis or CBasis: words
     bool is_range;         // only with ranging
 };
-static constexpr Column VARIABLE_COLUMNS[] = {
+constexpr Column VARIABLE_COLUMNS[] = {
     {"X", "value", false, false},          {"RC", "reduced_cost", false, false},
     {"VBasis", "basis", true, false},      {"Obj", "cost", false, true},
     {"SAObjLow", "cost_low", false, true}, {"SAObjUp", "cost_up", false, true},
@@ -23,14 +25,14 @@ static constexpr Column VARIABLE_COLUMNS[] = {
     {"SALBUp", "lower_up", false, true},   {"UB", "upper", false, true},
     {"SAUBLow", "upper_low", false, true}, {"SAUBUp", "upper_up", false, true},
 };
-static constexpr Column CONSTRAINT_COLUMNS[] = {
+constexpr Column CONSTRAINT_COLUMNS[] = {
     {"Slack", "slack", false, false},     {"Pi", "dual", false, false},
     {"CBasis", "basis", true, false},     {"RHS", "rhs", false, true},
     {"SARHSLow", "rhs_low", false, true}, {"SARHSUp", "rhs_up", false, true},
 };
 
 // A constraint has one way only of not being basic: it holds with equality.
-static const char *basis_word(int status, bool is_constraint)
+const char *basis_word(int status, bool is_constraint)
 {
     switch (status) {
     case TVX_BASIC:
@@ -52,7 +54,7 @@ struct Values {
 };
 
 // False when the model does not have them.
-static bool column_values(TVXmodel *model, const Column &column, int count, Values *values)
+bool column_values(TVXmodel *model, const Column &column, int count, Values *values)
 {
     values->column = &column;
     const size_t size = static_cast<size_t>(count);
@@ -66,7 +68,7 @@ static bool column_values(TVXmodel *model, const Column &column, int count, Valu
            0;
 }
 
-static std::string value_text(const Values &values, size_t j)
+std::string value_text(const Values &values, size_t j)
 {
     if (!values.column->is_basis) return number_text(values.numbers[j]);
     return basis_word(values.places[j], values.column->attribute[0] == 'C');
@@ -80,8 +82,7 @@ struct Section {
     size_t n_columns;      // the first one must be there, else there is no section
 };
 
-static void write_section(FILE *stream, TVXmodel *model, const Section &section,
-                          bool ranging)
+void write_section(FILE *stream, TVXmodel *model, const Section &section, bool ranging)
 {
     int count = 0;
     TVXgetintattr(model, section.count, &count);
@@ -109,7 +110,7 @@ static void write_section(FILE *stream, TVXmodel *model, const Section &section,
     }
 }
 
-static void write_head(FILE *stream, TVXmodel *model)
+void write_head(FILE *stream, TVXmodel *model)
 {
     char *name = nullptr;
     int status = TVX_LOADED;
@@ -122,6 +123,7 @@ static void write_head(FILE *stream, TVXmodel *model)
     if (TVXgetdblattr(model, "ObjVal", &objective) == 0)
         fprintf(stream, "# Objective %s\n", number_text(objective).c_str());
 }
+} // namespace
 
 bool solution_text_write(TVXmodel *model, const std::string &file, bool ranging)
 {

@@ -8,20 +8,23 @@
 #include <chrono>
 #include <cstdio>
 
-static Failure failed_call(const std::string &what, int code, const char *message)
+namespace
+{
+Failure failed_call(const std::string &what, int code, const char *message)
 {
     return {code, what + ": " + describe_failure(code, message)};
 }
 
 // A start file that names what the model does not have reads "successfully" with the message left standing: for
 // someone who asked for this start that is an error.
-static Failure read_start(TVXmodel *model, const std::string &file)
+Failure read_start(TVXmodel *model, const std::string &file)
 {
     const int code = TVXread(model, file.c_str());
     const char *message = TVXgetmerrormsg(model);
     if (code == 0 && !*message) return {};
     return failed_call("cannot start from '" + file + "'", code, message);
 }
+} // namespace
 
 // ---- Result files ----
 
@@ -31,8 +34,10 @@ bool is_result_of_solve(const std::string &file)
     return kind == FileKind::START || kind == FileKind::SOLUTION;
 }
 
+namespace
+{
 // A solve that ends without a point is an answer, and so is a file that is not there.
-static Failure write_result(TVXmodel *model, const std::string &file)
+Failure write_result(TVXmodel *model, const std::string &file)
 {
     const int code = TVXwrite(model, file.c_str());
     if (code == 0) {
@@ -56,7 +61,7 @@ static Failure write_result(TVXmodel *model, const std::string &file)
 }
 
 // Every file is tried, and every failure reported; returned is the last one.
-static Failure write_results(TVXmodel *model, const SolveRequest &request)
+Failure write_results(TVXmodel *model, const SolveRequest &request)
 {
     Failure last;
     for (const std::string &file : request.results) {
@@ -79,7 +84,7 @@ static Failure write_results(TVXmodel *model, const SolveRequest &request)
 
 // ---- The model ----
 
-static void print_solution(TVXmodel *model)
+void print_solution(TVXmodel *model)
 {
     int status = TVX_LOADED;
     int numvars = 0;
@@ -122,8 +127,7 @@ class Clock
 };
 
 // What failed before there was a result is reported here; what failed in writing the result, where it is written.
-static Failure solve_model(TVXmodel *model, const std::string &file,
-                           const SolveRequest &request)
+Failure solve_model(TVXmodel *model, const std::string &file, const SolveRequest &request)
 {
     if (!request.start.empty()) {
         Failure failure = read_start(model, request.start);
@@ -143,6 +147,7 @@ static Failure solve_model(TVXmodel *model, const std::string &file,
     if (request.solution) print_solution(model);
     return failure;
 }
+} // namespace
 
 ExitCode solve_file(TVXenv *env, const std::string &file, const SolveRequest &request,
                     std::string *json)

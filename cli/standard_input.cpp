@@ -14,23 +14,24 @@
 #include <unistd.h>
 #include <vector>
 
-static constexpr size_t BLOCK = 1 << 16;
-static constexpr std::string_view GZIP_BEGIN = "\x1f\x8b", BZIP2_BEGIN = "BZh";
-static constexpr int DEADLY[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM, SIGPIPE,
-                                 SIGALRM, SIGXCPU, SIGXFSZ, SIGABRT, SIGSEGV,
-                                 SIGBUS,  SIGFPE,  SIGILL};
+namespace
+{
+constexpr size_t BLOCK = 1 << 16;
+constexpr std::string_view GZIP_BEGIN = "\x1f\x8b", BZIP2_BEGIN = "BZh";
+constexpr int DEADLY[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM, SIGPIPE, SIGALRM, SIGXCPU,
+                          SIGXFSZ, SIGABRT, SIGSEGV, SIGBUS,  SIGFPE,  SIGILL};
 
 // What the signals remove. Read by a signal handler, which no argument reaches.
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-static char file_to_remove[4096];
+char file_to_remove[4096];
 
-static void remove_and_die(int signal)
+void remove_and_die(int signal)
 {
     unlink(file_to_remove);
     raise(signal); // held back until this returns, then as it was before
 }
 
-static void watch_signals()
+void watch_signals()
 {
     for (const int signal : DEADLY) {
         struct sigaction now = {};
@@ -42,7 +43,7 @@ static void watch_signals()
     }
 }
 
-static void leave_signals()
+void leave_signals()
 {
     for (const int signal : DEADLY) {
         struct sigaction now = {};
@@ -55,15 +56,15 @@ static void leave_signals()
 
 // ---- The format ----
 
-static std::string small_letters(std::string text)
+std::string small_letters(std::string text)
 {
     for (char &c : text) c = static_cast<char>('A' <= c && c <= 'Z' ? c - 'A' + 'a' : c);
     return text;
 }
 
-// What one line says: an MPS file begins with the name of a section or a comment after '*', an LP file with the word for
-// minimise or maximise or a comment after '\'.
-static ModelFormat format_of_line(const std::string &line)
+// What one line says: an MPS file begins with the name of a section or a comment after '*', an LP file with the word
+// for minimise or maximise or a comment after '\'.
+ModelFormat format_of_line(const std::string &line)
 {
     const size_t begin = line.find_first_not_of(" \t\r\f\v");
     if (begin == std::string::npos) return ModelFormat::UNKNOWN;
@@ -76,6 +77,7 @@ static ModelFormat format_of_line(const std::string &line)
         if (word == section) return ModelFormat::MPS;
     return ModelFormat::UNKNOWN;
 }
+} // namespace
 
 ModelFormat model_format(const std::string &text)
 {
@@ -93,7 +95,9 @@ ModelFormat model_format(const std::string &text)
 
 // ---- The copy ----
 
-static bool write_all(int file, const char *data, size_t size)
+namespace
+{
+bool write_all(int file, const char *data, size_t size)
 {
     while (size > 0) {
         const ssize_t done = write(file, data, size);
@@ -106,7 +110,7 @@ static bool write_all(int file, const char *data, size_t size)
 }
 
 // Appends what comes to *text until there are `wanted` bytes or nothing more; false when reading fails.
-static bool read_some(std::string *text, size_t wanted)
+bool read_some(std::string *text, size_t wanted)
 {
     std::vector<char> block(BLOCK);
     while (text->size() < wanted) {
@@ -119,7 +123,7 @@ static bool read_some(std::string *text, size_t wanted)
     return true;
 }
 
-static bool copy_input(int file, const std::string &beginning)
+bool copy_input(int file, const std::string &beginning)
 {
     if (!write_all(file, beginning.data(), beginning.size())) return false;
     for (std::string block;; block.clear()) {
@@ -129,12 +133,13 @@ static bool copy_input(int file, const std::string &beginning)
     }
 }
 
-static std::string packing(const std::string &text)
+std::string packing(const std::string &text)
 {
     return text.starts_with(GZIP_BEGIN)    ? ".gz"
            : text.starts_with(BZIP2_BEGIN) ? ".bz2"
                                            : "";
 }
+} // namespace
 
 StandardInput::StandardInput(ModelFormat format)
 {

@@ -7,8 +7,8 @@ enum class ModelFormat { UNKNOWN, MPS, LP };
 // Which format a text is in, by its first line that says so.
 ModelFormat model_format(const std::string &text);
 
-// A copy of standard input in a file of its own, whose name ends as its format demands. The file is removed at the end of
-// the scope, and by every signal that ends the program and can be caught.
+// A copy of standard input in a file of its own, whose name ends as its format demands. The file is removed at the end
+// of the scope, and by every signal that ends the program and can be caught.
 class StandardInput
 {
   public:

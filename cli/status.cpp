@@ -4,12 +4,14 @@
 #include <charconv>
 #include <cmath>
 
+namespace
+{
 struct StatusName {
     int status;
     const char *text; // for people
     const char *word; // for programs
 };
-static constexpr StatusName STATUS_NAMES[] = {
+constexpr StatusName STATUS_NAMES[] = {
     {TVX_LOADED, "not solved", "loaded"},
     {TVX_OPTIMAL, "optimal", "optimal"},
     {TVX_INFEASIBLE, "infeasible", "infeasible"},
@@ -25,13 +27,14 @@ static constexpr StatusName STATUS_NAMES[] = {
     {TVX_SUBOPTIMAL, "suboptimal", "suboptimal"},
 };
 
-static const StatusName &names_of(int status)
+const StatusName &names_of(int status)
 {
     static constexpr StatusName UNKNOWN = {0, "unknown status", "unknown"};
     for (const StatusName &name : STATUS_NAMES)
         if (name.status == status) return name;
     return UNKNOWN;
 }
+} // namespace
 
 const char *status_text(int status)
 {

@@ -1,19 +1,23 @@
 // work.cpp -- from the words of the command line to what has to be done
 //
-// In order: parameters, options and models are told apart; everything that can be known to be wrong is refused, files and
-// values of parameters included; what an earlier call left in the outputs is removed; parameters are set, those of the
-// parameter files first; the result file that one of them may name is treated like the others.
+// In order: parameters, options and models are told apart; everything that can be known to be wrong is refused, first
+// what needs no environment (whose creation may begin the log of tarvex.env), then files and values of parameters; what
+// an earlier call left in the outputs is removed; parameters are set, those of the parameter files first; the result
+// file that one of them may name is treated like the others.
 #include "work.h"
 #include "file_use.h"
 #include "near_miss.h"
+#include "option_words.h"
 #include "parameter_file.h"
 #include "parameters.h"
 #include "silence.h"
 #include <algorithm>
 #include <filesystem>
 
+namespace
+{
 // A word with '=' is a parameter if the library knows one of that name, else a file if there is one.
-static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
+ExitCode sort_words(const Arguments &arguments, Work *work)
 {
     for (const std::string &word : arguments.words) {
         Setting setting;
@@ -22,7 +26,7 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
         if (is_setting && name_key(setting.name) == "resultfile") {
             work->own_results = true;
             if (!setting.value.empty()) work->request.results.push_back(setting.value);
-        } else if (is_setting && TVXgetparamtype(env, setting.name.c_str()) > 0) {
+        } else if (is_setting && parameter_text(setting.name)) {
             work->settings.push_back(setting);
         } else if (!is_setting || std::filesystem::exists(word, ignored)) {
             work->models.push_back(word);
@@ -38,7 +42,7 @@ static ExitCode sort_words(TVXenv *env, const Arguments &arguments, Work *work)
 }
 
 // What the options ask for, parameters and models apart.
-static ExitCode take_options(const Arguments &arguments, Work *work)
+ExitCode take_options(const Arguments &arguments, Work *work)
 {
     SolveRequest *request = &work->request;
     request->start = arguments.start;
@@ -63,7 +67,7 @@ static ExitCode take_options(const Arguments &arguments, Work *work)
 }
 
 // Whether a file could be written after the solve: better known before it.
-static ExitCode check_folder(const std::string &what, const std::string &file)
+ExitCode check_folder(const std::string &what, const std::string &file)
 {
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     std::error_code ignored;
@@ -74,7 +78,7 @@ static ExitCode check_folder(const std::string &what, const std::string &file)
     return EXIT_ERROR;
 }
 
-static ExitCode check_result(const std::string &file)
+ExitCode check_result(const std::string &file)
 {
     if (file_kind(file) == FileKind::UNKNOWN)
         return report_usage(
@@ -87,7 +91,7 @@ static ExitCode check_result(const std::string &file)
 }
 
 // "--time-limit plan.mps" takes the model for a value.
-static std::string swallowed_model(const Work &work)
+std::string swallowed_model(const Work &work)
 {
     std::error_code ignored;
     for (const Setting &setting : work.settings)
@@ -97,7 +101,7 @@ static std::string swallowed_model(const Work &work)
     return "";
 }
 
-static ExitCode check_work(const Work &work)
+ExitCode check_work(const Work &work)
 {
     const SolveRequest &request = work.request;
     if (work.models.empty())
@@ -115,7 +119,7 @@ static ExitCode check_work(const Work &work)
 }
 
 // A conversion solves nothing, so nothing may be asked for that a solve gives.
-static ExitCode check_convert(const Work &work)
+ExitCode check_convert(const Work &work)
 {
     const SolveRequest &request = work.request;
     if (work.models.size() != 2)
@@ -135,7 +139,7 @@ static ExitCode check_convert(const Work &work)
     return check_folder("--convert to '", target);
 }
 
-static ExitCode check_results(const Work &work)
+ExitCode check_results(const Work &work)
 {
     const SolveRequest &request = work.request;
     if (work.models.size() > 1 &&
@@ -153,14 +157,14 @@ static ExitCode check_results(const Work &work)
 
 // ---- The files ----
 
-static bool is_log_file(const std::string &name)
+bool is_log_file(const std::string &name)
 {
     return name_key(name) == "logfile";
 }
 
 // Refuses to write what is read, and one file twice. tarvex.env has been read by now, and its log file is open.
-static ExitCode check_files(TVXenv *env, const Arguments &arguments, const Work &work,
-                            FileUse *files)
+ExitCode check_files(TVXenv *env, const Arguments &arguments, const Work &work,
+                     FileUse *files)
 {
     const SolveRequest &request = work.request;
     const size_t n_models = work.convert ? 1 : work.models.size();
@@ -197,7 +201,7 @@ static ExitCode check_files(TVXenv *env, const Arguments &arguments, const Work 
 }
 
 // Every file is tried, and every failure reported.
-static ExitCode clear_outputs(const std::vector<std::string> &files)
+ExitCode clear_outputs(const std::vector<std::string> &files)
 {
     ExitCode worst = EXIT_SOLVED;
     for (const std::string &file : files) {
@@ -209,9 +213,9 @@ static ExitCode clear_outputs(const std::vector<std::string> &files)
     return worst;
 }
 
-// Result files that only a solve can make: an older one must not pass for the result of this call, whatever ends it. Other
-// kinds hold the model and the parameters, which are what they are without a solve.
-static std::vector<std::string> results_of_solve(const Work &work)
+// Result files that only a solve can make: an older one must not pass for the result of this call, whatever ends it.
+// Other kinds hold the model and the parameters, which are what they are without a solve.
+std::vector<std::string> results_of_solve(const Work &work)
 {
     std::vector<std::string> files;
     for (const std::string &file : work.request.results)
@@ -219,7 +223,7 @@ static std::vector<std::string> results_of_solve(const Work &work)
     return files;
 }
 
-static ExitCode clear_all(const Work &work)
+ExitCode clear_all(const Work &work)
 {
     std::vector<std::string> files = results_of_solve(work);
     if (!work.request.solution_file.empty()) files.push_back(work.request.solution_file);
@@ -232,13 +236,13 @@ static ExitCode clear_all(const Work &work)
 
 enum class Which { OUTPUT_FLAG, VALUES, ALL }; // VALUES: all but those that open a file
 
-static bool is_among(const std::string &name, Which which)
+bool is_among(const std::string &name, Which which)
 {
     if (which == Which::OUTPUT_FLAG) return name_key(name) == "outputflag";
     return which == Which::ALL || !is_log_file(name);
 }
 
-static ExitCode apply_settings(TVXenv *env, const Work &work, Which which)
+ExitCode apply_settings(TVXenv *env, const Work &work, Which which)
 {
     for (const Setting &setting : work.settings) {
         if (!is_among(setting.name, which)) continue;
@@ -252,15 +256,15 @@ static ExitCode apply_settings(TVXenv *env, const Work &work, Which which)
 }
 
 // Whether the values can be set, found out by doing it: a wrong one is a wrong command line.
-static ExitCode check_settings(TVXenv *env, const Work &work)
+ExitCode check_settings(TVXenv *env, const Work &work)
 {
     if (const ExitCode code = apply_settings(env, work, Which::OUTPUT_FLAG)) return code;
     return apply_settings(env, work, Which::VALUES);
 }
 
 // The parameter files, and over them the words of the command line once more.
-static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &work,
-                          FileUse *files)
+ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &work,
+                   FileUse *files)
 {
     for (const std::string &file : arguments.param_files)
         if (const ExitCode code = parameter_file_set(env, file, files)) return code;
@@ -270,7 +274,7 @@ static ExitCode configure(TVXenv *env, const Arguments &arguments, const Work &w
 
 // A result file that a parameter file names is written like those of the command line, which win over it; an empty name
 // asks for none.
-static void take_result_file(TVXenv *env, Work *work)
+void take_result_file(TVXenv *env, Work *work)
 {
     char file[TVX_PARAM_LENGTH + 1] = "";
     TVXgetstrparam(env, "ResultFile", file);
@@ -279,7 +283,7 @@ static void take_result_file(TVXenv *env, Work *work)
 }
 
 // The same checks for the result file that tarvex.env or a parameter file asks for; the command line names none then.
-static ExitCode take_named_result(TVXenv *env, Work *work, FileUse *files)
+ExitCode take_named_result(TVXenv *env, Work *work, FileUse *files)
 {
     take_result_file(env, work);
     if (const ExitCode code = check_results(*work)) return code;
@@ -289,16 +293,20 @@ static ExitCode take_named_result(TVXenv *env, Work *work, FileUse *files)
     }
     return clear_outputs(results_of_solve(*work));
 }
+} // namespace
 
 // ---- All of it ----
 
-ExitCode work_prepare(TVXenv *env, const Arguments &arguments, Work *work)
+ExitCode work_sort(const Arguments &arguments, Work *work)
 {
-    if (const ExitCode code = sort_words(env, arguments, work)) return code;
+    if (const ExitCode code = sort_words(arguments, work)) return code;
     if (const ExitCode code = take_options(arguments, work)) return code;
     if (const ExitCode code = check_work(*work)) return code;
-    if (const ExitCode code = work->convert ? check_convert(*work) : check_results(*work))
-        return code;
+    return work->convert ? check_convert(*work) : check_results(*work);
+}
+
+ExitCode work_prepare(TVXenv *env, const Arguments &arguments, Work *work)
+{
     FileUse files;
     if (const ExitCode code = check_files(env, arguments, *work, &files)) return code;
     if (const ExitCode code = check_settings(env, *work)) return code;

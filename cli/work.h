@@ -18,11 +18,13 @@ struct Work {
     SolveRequest request;
     std::string json_file; // or empty
     bool convert = false;
-    bool own_results =
-        false; // the command line names result files, or asks for none by an empty name
+    // the command line names result files, or asks for none by an empty name
+    bool own_results = false;
 };
 
-// Sorts the words, checks everything, removes what an earlier call left in the outputs and sets the parameters of *env, which
-// has read tarvex.env. EXIT_SOLVED; else reported: EXIT_USAGE for a wrong command line, where nothing has been removed unless a
-// parameter file is at fault, or EXIT_ERROR.
+// Sorts the words, and refuses what can be known to be wrong from them alone. EXIT_SOLVED; else reported.
+ExitCode work_sort(const Arguments &arguments, Work *work);
+// After work_sort: checks files and values, removes what an earlier call left in the outputs and sets the parameters of
+// *env, which has read tarvex.env. EXIT_SOLVED; else reported: EXIT_USAGE for a wrong command line, where nothing has
+// been removed unless a parameter file is at fault, or EXIT_ERROR.
 ExitCode work_prepare(TVXenv *env, const Arguments &arguments, Work *work);

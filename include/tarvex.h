@@ -287,9 +287,9 @@ TVX_API TVXmodel *TVXpresolvemodel(TVXmodel *model);
 /* A linear model in which everything is fixed that a solution of this one decides, called "NAME_fixed", with the same
  * variables and constraints.
  *   with integer or semi-continuous variables or SOS constraints: the solution, or the values of attribute Start when
- *     there is none, decides. Integer variables are fixed at their values; a semi-continuous variable and a member of an
- *     SOS constraint are fixed at zero if they are zero, else they keep their bounds. Types and SOS constraints go. The
- *     optimum of the new model is the best solution with these decisions, and it has dual values.
+ *     there is none, decides. Integer variables are fixed at their values; a semi-continuous variable and a member of
+ *     an SOS constraint are fixed at zero if they are zero, else they keep their bounds. Types and SOS constraints go.
+ *     The optimum of the new model is the best solution with these decisions, and it has dual values.
  *   linear: the optimal solution decides. Variables with a reduced cost other than zero are fixed at their bound, and
  *     constraints with a dual value other than zero become equations. The feasible points of the new model are the
  *     optimal solutions of this one: with another objective it finds the best of them.
@@ -463,7 +463,7 @@ TVX_API int TVXgetsos(TVXmodel *model, int *nummembers_out, int *types, int *beg
  * infinite (an infinite bound is one of magnitude 1e20 and more), or a character or basis code with
  * no meaning; TVX_ERROR_UNKNOWN_ATTRIBUTE for an unknown name, another type, another kind than the
  * call's, or an attribute that may not be set; TVX_ERROR_INDEX_OUT_OF_RANGE;
- * TVX_ERROR_DATA_NOT_AVAILABLE when nothing stands behind the attribute at present, for example X
+ * TVX_ERROR_DATA_NOT_AVAILABLE when the attribute has no value at present, for example X
  * without a solution; TVX_ERROR_OPTIMIZATION_IN_PROGRESS; TVX_ERROR_OUT_OF_MEMORY. On failure output
  * values are unspecified, but for those of TVXget*attr, which are set to 0 before anything else.
  */
@@ -580,8 +580,8 @@ TVX_API int TVXsetsignal(TVXmodel *model);
  *                          none within Cutoff. Where the optimum itself is as bad as that or worse the largest
  *                          number of its sign, 1.8e308, stands in its place. An objective is never exactly either, nor
  *                          NaN or infinite. Either may be null, and its sides are left out then
- *   status_out        out  2 done; 9 TimeLimit reached (counted from this call) and 11 stopped by TVXterminate: sides that
- *                          were not finished show a bound; 0 on failure. May be null
+ *   status_out        out  2 done; 9 TimeLimit reached (counted from this call) and 11 stopped by TVXterminate: sides
+ *                          that were not finished show a bound; 0 on failure. May be null
  * Nothing is logged. Parameters read: IntFeasTol, TimeLimit, Cutoff, SimplexPricing, tolerances.
  * Returns 0; TVX_ERROR_NULL_ARGUMENT ind is null; TVX_ERROR_INVALID_ARGUMENT a negative count or limit;
  * TVX_ERROR_DATA_NOT_AVAILABLE without an optimal LP solution (Status 2, no MIP); TVX_ERROR_INDEX_OUT_OF_RANGE a
@@ -678,7 +678,8 @@ TVX_API int TVXcbget(void *cbdata, int where, int what, void *result_out);
 /* The type of what a code stands for.
  *   type_out  out  1 int, 2 double, 3 const char *
  *   size_out  out  1 for an array, else 0
- * Returns 0; TVX_ERROR_NULL_ARGUMENT an out argument is null; TVX_ERROR_CALLBACK no such code, or cbdata is not valid. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT an out argument is null; TVX_ERROR_CALLBACK no such code, or cbdata is not
+ * valid. */
 TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_out);
 
 /* ---- Files ----

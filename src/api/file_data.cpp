@@ -82,7 +82,8 @@ int write_basis(TVXmodel *model, const char *file_name)
                : error;
 }
 
-// The basis is judged at once, as by an update, but queued changes stay queued. From a callback it waits for the update.
+// The basis is judged at once, as by an update, but queued changes stay queued. From a callback it waits for the
+// update.
 int read_basis(TVXmodel *model, const char *file_name)
 {
     BasisCodes codes;

@@ -39,8 +39,7 @@ void log_size(const TVXmodel *model)
            body->numconstrs, body->numvars, body->numnz);
 }
 
-// Results are for calls to come: what has been derived from earlier ones goes, before and, as a callback may have asked
-// for more, after the solve.
+// Clears cached attributes before the solve and after it, since a callback may have filled them.
 int run_lp(TVXmodel *model)
 {
     LpSolve *lp = &model->lp;
@@ -79,7 +78,6 @@ int optimize_run(TVXmodel *model)
     const double start = WallClock();
     TRY(model_update(model));
     log_size(model);
-    model->start_time = start;
     model->run_time = 0;
     if (model->env->TARV_PAR_DUMP) dump(model);
     const int code = body_is_mip(model->body) ? run_mip(model) : run_lp(model);
@@ -109,7 +107,8 @@ int close_run(TVXmodel *model, int code)
 
 // ---- The result file ----
 
-// What the file would hold, if only a solve can make it: the file of an earlier solve must not pass for that of this one.
+// What the file would hold, if only a solve can make it: the file of an earlier solve must not pass for that of this
+// one.
 const char *result_of_solve(const char *file_name)
 {
     switch (file_type(file_name)) {
@@ -165,8 +164,8 @@ void write_result_file(TVXmodel *model, const char *name)
     (void)finish_model(model, 0); // the solve went well: its call leaves no text
 }
 
-// Behind a solve with this code. A callback that hears the lines written here may change parameters and make calls of its
-// own: the name is kept, and so is the text of a failure.
+// Behind a solve with this code. A callback that receives a log line written here may change parameters and make calls
+// of its own: the name is kept, and so is the text of a failure.
 void settle_result_file(TVXmodel *model, int solve_code)
 {
     TVXenv *env = model->env;

@@ -39,9 +39,9 @@ bool is_stop(int status)
     return status == TVX_TIME_LIMIT || status == TVX_INTERRUPTED;
 }
 
-// What a caller reads of a side, in the form of a minimisation. Values of models with huge objectives may reach and pass
-// the one that stands for no solution: then the largest number stands for it, and a value that meets it moves up by its
-// last digit.
+// What a caller reads of a side, in the form of a minimisation. Values of models with huge objectives may reach and
+// pass the one that stands for no solution: then the largest number stands for it, and a value that meets it moves up
+// by its last digit.
 double shown(const BranchOutcome &outcome, double optimum)
 {
     const bool huge = optimum >= UNDEFINED_VALUE;
@@ -52,7 +52,7 @@ double shown(const BranchOutcome &outcome, double optimum)
     return outcome.Value;
 }
 
-// One candidate, or the optimum for one that is not looked at any more.
+// One candidate, or the optimum once a limit has stopped the call.
 int try_candidate(const TVXmodel *model, StrongBranch *branch, const Request &request,
                   int k)
 {

@@ -1,9 +1,9 @@
 // callback.h -- CallbackRecord, what the caller's callback function is given, and the calls of that function
 //
 // The record belongs to one environment, that of a model; env_free releases it. A copy of the environment has none. An
-// inner solve (env_inner) shows nothing of its own, but polls the function of the outer one; on a thread of its own it must
-// not, and has no outer one. The solver that works on a reduced
-// model uses the environment of the model, and so its callback.
+// inner solve (env_inner) shows nothing of its own, but polls the function of the nearest outer one that has one; on a
+// thread of its own it must not, and has no outer one. The solver that works on a reduced model uses the environment of
+// the model, and so its callback.
 #pragma once
 #include "env/env.h"
 #include <cstdarg>
@@ -41,15 +41,16 @@ inline int callback_code(const TVXenv *env)
 // Delivers a message to the caller's function, if there is one.
 void callback_message(TVXenv *env, const char *format, va_list arguments) TVX_PRINTF(2, 0);
 
-// Calls the caller's function, but not once the solve has been asked to stop. A result other than 0 asks it to stop, and
-// becomes the code of TVXoptimize.
+// Calls the caller's function, but not once the solve has been asked to stop. A result other than 0 asks it to stop,
+// and becomes the code of TVXoptimize.
 void callback_call(TVXenv *env, int where, const CallbackSource &source);
 
 // A solve inside another one has nothing of its own to show: the outer one's function is called as from a long loop.
 inline void callback_poll(TVXenv *env, int where, const CallbackSource &source)
 {
     if (TVXenv *own = env_outlet(env); own->cb_active)
-        callback_call(own, where, source);
-    else if (env->outer && env->outer->cb_active)
-        callback_call(env->outer, TVX_WHERE_POLLING, CallbackSource());
+        return callback_call(own, where, source);
+    for (TVXenv *outer = env->outer; outer; outer = outer->outer)
+        if (TVXenv *own = env_outlet(outer); own->cb_active)
+            return callback_call(own, TVX_WHERE_POLLING, CallbackSource());
 }

@@ -178,7 +178,7 @@ void env_write_no_files(TVXenv *copy)
     copy->TARV_PAR_DUMP = 0;
 }
 
-int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
+int env_copy(TVXenv **copy_out, TVXenv *source, EnvFiles files)
 {
     *copy_out = nullptr;
     TVXenv *copy = static_cast<TVXenv *>(MemAlloc(sizeof(TVXenv)));
@@ -197,10 +197,10 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
     copy->is_master = 0;
     copy->lender = nullptr;
     copy->log_file = nullptr;
-    if (log == LogReopen::NO) env_write_no_files(copy);
+    if (files == EnvFiles::NONE) env_write_no_files(copy);
     flag_store(&source->model_copies, 1);
     hold(source->master);
-    if (log == LogReopen::YES && source->log_file && source->LogFile[0])
+    if (files == EnvFiles::AS_SOURCE && source->log_file && source->LogFile[0])
         if (env_open_log(copy, source->LogFile)) {
             copy->LogFile[0] =
                 '\0'; // benign: the warning is out, the model has no log file
@@ -212,7 +212,7 @@ int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log)
 
 int env_variant(TVXenv **variant_out, TVXenv *env)
 {
-    TRY(env_copy(variant_out, env, LogReopen::NO));
+    TRY(env_copy(variant_out, env, EnvFiles::NONE));
     TVXenv *variant = *variant_out;
     variant->lender = env_outlet(env);
     variant->outer = env->outer;
@@ -221,7 +221,7 @@ int env_variant(TVXenv **variant_out, TVXenv *env)
 
 int env_inner(TVXenv **inner_out, TVXenv *outer)
 {
-    TRY(env_copy(inner_out, outer, LogReopen::NO));
+    TRY(env_copy(inner_out, outer, EnvFiles::NONE));
     (*inner_out)->outer = outer;
     (*inner_out)->OutputFlag = 0;
     (*inner_out)->quiet_solve = 1;

@@ -15,13 +15,13 @@
 #include <cstdio>
 
 static constexpr uint32_t ENV_MAGIC = 0x129e2d82;
-static constexpr int MESSAGE_LENGTH =
-    512; // characters of an error text, a log line slot, a string value
-static constexpr double INFINITE_VALUE =
-    1e20; // a caller's bound of this magnitude or more is infinite
+// characters of an error text, a log line slot, a string value
+static constexpr int MESSAGE_LENGTH = 512;
+// a caller's bound of this magnitude or more is infinite
+static constexpr double INFINITE_VALUE = 1e20;
 static constexpr double INFINITE_BOUND = 1e30; // how an infinite bound is stored
-static constexpr double UNDEFINED_VALUE =
-    1e100; // no incumbent; an infinite bound as attributes report it
+// no incumbent; an infinite bound as attributes report it
+static constexpr double UNDEFINED_VALUE = 1e100;
 
 // Values of the parameter LPMethod.
 enum LpMethod { LP_PRIMAL_SIMPLEX = 0, LP_DUAL_SIMPLEX = 1, LP_BARRIER = 2 };
@@ -50,10 +50,9 @@ struct TVXenv {
     int quiet_solve;        // the model is solved as an inner step: no closing lines
     TVXcallback cb_active;  // the caller's callback function, or null
     TVXenv *lender; // whose log and callback function this one uses, or null: its own
-    CallbackRecord
-        *cb_record; // one block, owned; its first word is set to 0 before it is freed
-    TVXenv
-        *outer; // of the solve that this one is a part of: its callback is polled; or null
+    CallbackRecord *cb_record; // owned block; its first word is set to 0 before it is freed
+    TVXenv *
+        outer; // of the solve that this one is a part of, whose callback is polled; or null
 
     // One field per parameter, named like it.
 #define FIELD_INT(name, minimum, maximum, value) int name;
@@ -80,13 +79,15 @@ inline TVXenv *env_outlet(TVXenv *env)
     return env->lender ? env->lender : env;
 }
 
-enum class LogReopen { NO, YES };
-// A private copy for a model; with YES an open log of the source is opened again for the copy (a failure there is a
-// warning). With NO, for inner solves, the copy also writes no files. terminate_ptr stays that of the source until the
-// solve that uses the copy repoints it. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, LogReopen log);
+// Which files a copy writes. AS_SOURCE, for a model: those of its source; an open log is opened again (a failure there
+// is a warning). NONE, for inner solves: no log, and no files that parameters ask for (env_write_no_files).
+enum class EnvFiles { NONE, AS_SOURCE };
+// A private copy. terminate_ptr stays that of the source until the solve that uses the copy repoints it. 0 or
+// OUT_OF_MEMORY.
+[[nodiscard]] int env_copy(TVXenv **copy_out, TVXenv *source, EnvFiles files);
 // The environment of a solve inside another one: silent, without files and callback record; it stops when the outer one
-// is asked to, and long loops call the outer one's callback function. What differs else is set in it. 0 or OUT_OF_MEMORY.
+// is asked to, and long loops call the outer one's callback function. What differs else is set in it. 0 or
+// OUT_OF_MEMORY.
 [[nodiscard]] int env_inner(TVXenv **inner_out, TVXenv *outer);
 // A copy for a solve with other parameter values: log, callback function and stop flag are those of `env`, which has to
 // outlive it. 0 or OUT_OF_MEMORY.

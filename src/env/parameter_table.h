@@ -1,6 +1,6 @@
 // parameter_table.h -- every parameter, once: name, range, default, in table order
 //
-// The environment's fields, the run-time table and the reference pages all grow from these rows.
+// The environment's fields, the run-time table and the reference pages are all generated from these rows.
 //   INT(name, minimum, maximum, default)   DBL(name, minimum, maximum, default)   STR(name, default)
 // The default of Threads is replaced by the processor count when the table is built.
 #pragma once

@@ -1,7 +1,7 @@
 // parameters.cpp -- parameters by name: the run-time table, getting and setting
 //
-// Problem     Every parameter of parameter_table.h is read by solvers as a field of the environment and by callers under
-//             its name, in any case and with or without underscores.
+// Problem     Every parameter of parameter_table.h is read by solvers as a field of the environment and by callers
+//             under its name, in any case and with or without underscores.
 // Method      The rows are generated from the table with the position of each field; an index maps name keys to
 //             rows. One setter per type checks the range and writes the message.
 // Invariant   A value in an environment is within its row's range.

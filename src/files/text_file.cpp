@@ -24,7 +24,7 @@ constexpr int64_t READ_BLOCK = 1 << 20; // bytes asked for at a time
 // Text bytes per compressed byte; grows when short.
 constexpr int64_t COMPRESSION_ESTIMATE = 5;
 
-// Of a first allocation: the rest must be there to be believed.
+// First allocation; grows only as data arrive.
 constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
 
 char capital(char c)

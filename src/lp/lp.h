@@ -35,13 +35,14 @@ struct LpSolve {
     TVXenv *env = nullptr;           // likewise
     int status = 0;
     double work = 0; // deterministic effort of the last solve
-    double lost_iterations =
-        0;                   // of a last solve that ran out of memory, for its closing line
-    sopt *simplex = nullptr; // owned; on the body itself
+    // of a last solve that ran out of memory, for its closing line
+    double lost_iterations = 0;
+    sopt *simplex = nullptr;    // owned; on the body itself
     LpResult *result = nullptr; // owned; of the last solve
     LpForm *form = nullptr;     // owned; where a limit has stopped a solve with presolve
     int version = 0;            // counts up whenever the point may have become another one
-    // Gets each reduced model before its solve when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change anything.
+    // Gets each reduced model before its solve when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change
+    // anything.
     void (*write_reduced)(const ModelBody *reduced, TVXenv *env) = nullptr;
 };
 void lp_set_loaded(LpSolve *lp); // the model is new, or another one than was solved
@@ -55,16 +56,17 @@ void lp_drop(LpSolve *lp); // all; status TVX_LOADED
 struct LpGiven {
     const int *statuses = nullptr; // [n + m], or null: none
     const double *norms = nullptr; // [n + m] dual pricing norms, or null
-    bool newer =
-        false; // than the last solve, so that it counts more than what that has left
+    // than the last solve, so that it counts more than what that has left
+    bool newer = false;
 };
 // Solves the body from where the last solve ended, the given basis, or scratch. lp_log_result writes the lines of the
 // result. 0 or OUT_OF_MEMORY: everything is dropped then. When a callback asks for a stop by a code of its
 // own this returns 0 with status TVX_INTERRUPTED, and callback_code tells.
 [[nodiscard]] int lp_solve(LpSolve *lp, const ModelBody *body, TVXenv *env,
                            const LpGiven &given);
-// A bound of variable j has changed in the body: the next solve goes on from the live record. False when the record cannot
-// follow (the variable becomes or stops being free); it is left as it was then, for its basis, and has to be dropped.
+// A bound of variable j has changed in the body: the next solve goes on from the live record. False when the record
+// cannot follow (the variable becomes or stops being free); it is left as it was then, for its basis, and has to be
+// dropped.
 [[nodiscard]] bool lp_bound_changed(LpSolve *lp, int j);
 
 // A limit or an interruption: the solve can go on.
@@ -81,15 +83,15 @@ void lp_get_duals(const LpSolve *lp, double *pi,
                   double *rc); // [m], [n], in the body's signs
 // Fills result->quality if that has not been done since the solve. 0, TVX_ERROR_DATA_NOT_AVAILABLE or OUT_OF_MEMORY.
 [[nodiscard]] int lp_quality(LpSolve *lp);
-// The optimal basis gets fresh factors; where it is not optimal with them the dual runs on, and *changed is set. 0, a code,
-// or OUT_OF_MEMORY: everything is dropped then.
+// The optimal basis gets fresh factors; where it is not optimal with them the dual runs on, and *changed is set. 0, a
+// code, or OUT_OF_MEMORY: everything is dropped then.
 [[nodiscard]] int lp_confirm(LpSolve *lp, bool *changed);
 
 // Does the claim of a presolve of this body prove that the model has no optimum? Infeasibility counts when it is there
-// with all rows and bounds held wider by FeasibilityTol. 0 or OUT_OF_MEMORY (lp_claim.cpp).
+// with all rows and bounds relaxed by FeasibilityTol. 0 or OUT_OF_MEMORY (lp_claim.cpp).
 [[nodiscard]] int lp_presolve_claim_holds(const ModelBody *body, const TVXenv *env,
                                           const LpClaim *claim, bool *holds);
 
-// "Solved in ..." or "Stopped in ...", with the seconds since `start`, and what the status means; under TVX_OPTIMAL with
-// warnings when the unscaled solution violates the tolerances. 0 or OUT_OF_MEMORY of the measuring (lp_log.cpp).
+// "Solved in ..." or "Stopped in ...", with the seconds since `start`, and what the status means; under TVX_OPTIMAL
+// with warnings when the unscaled solution violates the tolerances. 0 or OUT_OF_MEMORY of the measuring (lp_log.cpp).
 [[nodiscard]] int lp_log_result(LpSolve *lp, double start);

@@ -82,7 +82,7 @@ int count_violated(const ModelBody *body, const TVXenv *env, double *violated)
     return 0;
 }
 
-int is_wanted(const ModelBody *body, const TVXenv *env, int method, bool *wanted)
+int is_wanted(const ModelBody *body, const TVXenv *env, SimplexMethod method, bool *wanted)
 {
     *wanted = false;
     if (body->numvars < LARGE || !env->Presolve || !env->PrePasses || body_is_extreme(body))
@@ -134,7 +134,7 @@ void make_homogeneous(ModelBody *body, double infinite)
 }
 
 // The body's form is kept, so that the basis is one of the model.
-int make_body(const ModelBody *body, int method, Auxiliary *aux)
+int make_body(const ModelBody *body, SimplexMethod method, Auxiliary *aux)
 {
     const int n = body->numvars, m = body->numconstrs;
     ModelArrays arrays;

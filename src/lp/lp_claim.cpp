@@ -1,7 +1,8 @@
 // lp_claim.cpp -- is what a form or a reduced model says of a model without optimum true of the model?
 //
-// Method      Presolve, or the simplex on the reduced model, gives multipliers or a ray; postsolve makes them those of the
-//             form, the dual form turns one into the other, and body/certificate.h judges the result on the model alone.
+// Method      Presolve, or the simplex on the reduced model, gives multipliers or a ray; postsolve makes them those of
+//             the form, the dual form turns one into the other, and body/certificate.h judges the result on the model
+//             alone.
 // Cost        O(nonzeros) for a model that is said to have no optimum, nothing otherwise.
 #include "lp/lp_claim.h"
 #include "body/certificate.h"

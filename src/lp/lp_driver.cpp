@@ -5,11 +5,11 @@
 //             3  What to start from, and the method, are decided (lp_start.cpp).
 //             4  Presolve reduces the model, the simplex solves what is left, postsolve gives a basis of the model
 //                (lp_presolved.cpp); or not, with a basis to start from.
-//             5  The simplex solves the model itself, from that basis usually without an iteration. An answer that is not
-//                sure is sought in other ways (lp_secure.cpp).
+//             5  The simplex solves the model itself, from that basis usually without an iteration. An answer that is
+//                not sure is sought in other ways (lp_secure.cpp).
 //             6  The result is published.
-// Invariant   A status other than TVX_LOADED stands for what simplex and result hold. Out of memory leaves the status at
-//             TVX_LOADED, and neither.
+// Invariant   A status other than TVX_LOADED stands for what simplex and result hold. Out of memory leaves the status
+//             at TVX_LOADED, and neither.
 #include "body/row_kind.h"
 #include "body/signs.h"
 #include "lp/lp_form.h"

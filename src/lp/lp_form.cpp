@@ -1,8 +1,8 @@
 // lp_form.cpp -- which form of a linear model is presolved and solved: the model or its dual
 //
-// Method      Many more rows than columns speak for the dual. With PreDual 2 both forms are presolved at the same time, on
-//             two threads; the sizes that are left decide. Both always run to their end, so the choice does not depend on
-//             which is faster.
+// Method      Many more rows than columns favour the dual form. With PreDual 2 both forms are presolved at the same
+//             time, on two threads; the sizes that are left decide. Both always run to their end, so the choice does
+//             not depend on which is faster.
 #include "lp/lp_form.h"
 #include "body/row_kind.h"
 #include "env/limits.h"
@@ -105,7 +105,7 @@ int choose_from_both(LpSolve *lp, LpMethod method, LpForm *form)
     if (t.dual) lp->work += t.work;
     // One form may have been ready long before the other: a limit is looked at before anything is made of either.
     if (form->outcome == PRESOLVE_OK)
-        form->outcome = static_cast<PresolveStatus>(limits_reached(lp->env));
+        form->outcome = presolve_status_of(limits_reached(lp->env));
     if (form->outcome != PRESOLVE_OK)
         lp_form_drop_presolve(form);
     else if (!code && t.presolve && dual_is_smaller(form->presolve, t.presolve))
@@ -130,6 +130,27 @@ int choose(LpSolve *lp, LpMethod method, LpForm *form)
     return dual ? take_dual(lp, form) : 0;
 }
 } // namespace
+
+int lp_status_of(PresolveStatus outcome)
+{
+    switch (outcome) {
+    case PRESOLVE_OK:
+        break;
+    case PRESOLVE_INFEASIBLE:
+        return TVX_INFEASIBLE;
+    case PRESOLVE_INF_OR_UNBD:
+        return TVX_INF_OR_UNBD;
+    case PRESOLVE_UNBOUNDED:
+        return TVX_UNBOUNDED;
+    case PRESOLVE_TIME_LIMIT:
+        return TVX_TIME_LIMIT;
+    case PRESOLVE_INTERRUPTED:
+        return TVX_INTERRUPTED;
+    case PRESOLVE_OVERGROWN:
+        return TVX_NUMERIC;
+    }
+    return 0;
+}
 
 int lp_form_choose(LpSolve *lp, LpMethod method, LpForm **out)
 {

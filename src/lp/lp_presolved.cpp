@@ -2,16 +2,16 @@
 //
 // Method      Where presolve is wanted (lp_start.cpp): choose the form (the model or its dual); reduce it;
 //             solve the reduced model; map an optimum back to a basis of the form. A dual form is solved from there and
-//             its basis turned into one of the model. The caller confirms the basis on the model itself, usually without
-//             an iteration.
+//             its basis turned into one of the model. The caller confirms the basis on the model itself, usually
+//             without an iteration.
 //             Where a limit stops the reduced model its basis is mapped back all the same: the run on the model ends at
 //             once, at the same limit, and shows the point. The next solve goes on from the reduced model, or, when the
 //             limit came in postsolve, with postsolve. A limit in the run on the model itself leaves its simplex
 //             record, and the next solve goes on from that without presolve (lp_start.h).
-//             Infeasible and unbounded of the reduced model cannot be distinguished after dual reductions or on the dual
-//             form. Numeric trouble: the model is solved without presolve.
-// Invariant   With a final status there is no simplex record. lp->form exists only if a limit has stopped the solve; the
-//             next one continues there.
+//             Infeasible and unbounded of the reduced model cannot be distinguished after dual reductions or on the
+//             dual form. Numeric trouble: the model is solved without presolve.
+// Invariant   With a final status there is no simplex record. lp->form exists only if a limit has stopped the solve;
+//             the next one continues there.
 #include "lp/lp_presolved.h"
 #include "body/row_kind.h"
 #include "body/signs.h"
@@ -24,15 +24,26 @@
 
 namespace
 {
-// Entries, rows and columns of a model whose point is computed after a limit: beyond, that takes some tenths of a second.
+// Entries, rows and columns of a model whose point is computed after a limit: beyond, that takes some tenths of a
+// second.
 constexpr int64_t SHOWN_ENTRIES = 5000000;
 
 // ---- The reduced model ----
 
 // The primal simplex on the dual form stands for the dual simplex on the model, and conversely.
-int method_on(const LpForm *form, int method)
+SimplexMethod method_on(const LpForm *form, SimplexMethod method)
 {
-    return form->dual ? 1 - method : method;
+    if (!form->dual) return method;
+    switch (method) {
+    case METHOD_PRIMAL:
+        return METHOD_DUAL;
+    case METHOD_DUAL:
+        return METHOD_PRIMAL;
+    case METHOD_BY_START:
+    case METHOD_AUTO:
+        break; // neither names a method
+    }
+    return method;
 }
 
 // A run on the form in place of one on the model, without a basis to start from.
@@ -154,7 +165,7 @@ int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     PresolveStatus stopped = PRESOLVE_OK;
     TRY(lp_postsolve_basis(form->presolve, form->simplex, &statuses, &stopped));
     if (stopped != PRESOLVE_OK) {
-        settle(lp, stopped, final); // the next solve begins with postsolve
+        settle(lp, lp_status_of(stopped), final); // the next solve begins with postsolve
         return 0;
     }
     lp_form_drop_presolve(form);
@@ -163,8 +174,8 @@ int finish_optimal(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     return 0;
 }
 
-// A limit or the cutoff has stopped the run on the reduced model. Its basis is mapped to the model to show the point; the
-// next solve continues on the reduced model. Not for a huge model, since computing the point takes time.
+// A limit or the cutoff has stopped the run on the reduced model. Its basis is mapped to the model to show the point;
+// the next solve continues on the reduced model. Not for a huge model, since computing the point takes time.
 int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bool *final)
 {
     const ModelBody *body = lp->body;
@@ -180,8 +191,8 @@ int show_stopped(LpSolve *lp, const LpForm *form, int status, LpStart *start, bo
     return 0;
 }
 
-// Presolve or the reduced model claims that the form has no optimal solution. The status is final if the claim is proved
-// on the model, otherwise the run on the model decides. Without dual reductions only infeasibility can be final.
+// Presolve or the reduced model claims that the form has no optimal solution. The status is final if the claim is
+// proved on the model, otherwise the run on the model decides. Without dual reductions only infeasibility can be final.
 int finish_without_optimum(LpSolve *lp, LpForm *form, bool infeasible, const LpClaim *claim,
                            bool *final)
 {
@@ -240,8 +251,8 @@ int reduce_and_solve(LpSolve *lp, LpForm *form, LpStart *start, bool *final)
     if (form->outcome == PRESOLVE_OVERGROWN) return 0; // the run on the model decides
     log_presolved(lp, form, begin);
     write_reduced(lp, form);
-    if (is_limit(form->outcome)) {
-        settle(lp, form->outcome, final);
+    if (const int status = lp_status_of(form->outcome); is_limit(status)) {
+        settle(lp, status, final);
         return 0;
     }
     if (form->outcome != PRESOLVE_OK)

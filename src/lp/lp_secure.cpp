@@ -3,14 +3,15 @@
 // Problem     A run may end in numeric trouble, at a point that violates the tolerances in user units, or infeasible or
 //             unbounded without a proof.
 // Method      An answer is sure if it is optimal within the tolerances in user units, proved, or a limit. Otherwise the
-//             model is solved again in the ways of the table WAYS, in order, until an answer is sure: from the best basis
-//             in extended precision, by the other method, with scaling turned on or off, with both; last with rows and
-//             bounds widened within the tolerance, since rounding of the data may make a feasible model infeasible. If
-//             no answer is sure, the best one is the result, and the closing lines report its violations. Without any
-//             answer, multipliers that prove infeasibility for values up to a limited size (LimitedProof) suffice.
-// Invariant   A limit ends the attempts, and the best point is kept. If it is SURE, or ROUNDED within the tolerances, its
-//             status is the result, else that of the limit, and the next solve continues from the point. If that solve
-//             is stopped too without a better answer, the best one is the result, so repeated calls terminate.
+//             model is solved again in the ways of the table WAYS, in order, until an answer is sure: from the best
+//             basis in extended precision, by the other method, with scaling turned on or off, with both; last with
+//             rows and bounds widened within the tolerance, since rounding of the data may make a feasible model
+//             infeasible. If no answer is sure, the best one is the result, and the closing lines report its
+//             violations. Without any answer, multipliers that prove infeasibility for values up to a limited size
+//             (LimitedProof) suffice.
+// Invariant   A limit ends the attempts, and the best point is kept. If it is SURE, or ROUNDED within the tolerances,
+//             its status is the result, else that of the limit, and the next solve continues from the point. If that
+//             solve is stopped too without a better answer, the best one is the result, so repeated calls terminate.
 // Cost        If the first answer is sure: the violations, which the closing lines need anyway.
 #include "lp/lp_secure.h"
 #include "lp/lp_claim.h"
@@ -36,10 +37,10 @@ struct Way {
 constexpr double TIGHT = 1e-9; // tolerance: scaling may enlarge violations in user units
 constexpr double USUAL = 1e-6; // tolerance, the default
 constexpr double STRICT = 0.9; // Markowitz tolerance
-constexpr double MOVED_MOST =
-    0.1; // change of the objective by widening, at most: else it is another model
-constexpr double WIDEN_SHARE =
-    0.5; // of FeasibilityTol; the rest is the tolerance of the run
+// change of the objective by widening, at most: else it is another model
+constexpr double MOVED_MOST = 0.1;
+// of FeasibilityTol; the rest is the tolerance of the run
+constexpr double WIDEN_SHARE = 0.5;
 
 constexpr Way WAYS[] = {
     {BEST_BASIS, false, false, true, false, TIGHT, 0},
@@ -54,8 +55,8 @@ constexpr Way WAYS[] = {
 constexpr int SMALL_MODEL = 5000; // entries
 // Iterations of all further ways on larger models, relative to the first run.
 constexpr double EFFORT_SHARE = 3, EFFORT_LEAST = 1000;
-constexpr double GROSS_EXCESS =
-    1000; // violation over its tolerance from which lp_credible decides
+// violation over its tolerance from which lp_credible decides
+constexpr double GROSS_EXCESS = 1000;
 
 // Answers, best first.
 enum class Grade {
@@ -63,7 +64,7 @@ enum class Grade {
     // As SURE, but as doubles the point violates tolerances in the user's units, or its violations may be a visible
     // part of the objective.
     ROUNDED,
-    NARROW, // proved infeasible, but not if rows and bounds were held wider by the tolerance
+    NARROW, // proved infeasible, but not if rows and bounds were relaxed by the tolerance
     UNSURE, // optimal at a point that violates tolerances, or a proved ray without a feasible point
     NONE
 };
@@ -71,8 +72,8 @@ enum class Grade {
 struct Answer {
     Grade grade = Grade::NONE;
     double excess = 0; // largest violation over its tolerance
-    double objective_error =
-        0; // possible change of the objective by violations (simplex.h)
+    // possible change of the objective by violations (simplex.h)
+    double objective_error = 0;
     bool is_better_than(const Answer &other) const
     {
         const double more = std::max(1.0, excess), less = std::max(1.0, other.excess);
@@ -212,7 +213,7 @@ void declare(LpSolve *lp, int status)
     lp->status = status;
 }
 
-int try_way(LpSolve *lp, const Way &way, int method, Best *best)
+int try_way(LpSolve *lp, const Way &way, SimplexMethod method, Best *best)
 {
     Array<int> basis;
     if (way.begin == BEST_BASIS) {
@@ -305,7 +306,7 @@ int lp_secure(LpSolve *lp, const LpStart &start)
     TRY(lp_run(lp, lp_own_target(lp), start));
     lp->status = simplex_status(lp->simplex);
     lp->version++;
-    const int first = start.resolved;
+    const SimplexMethod first = start.resolved;
     const double first_iterations = simplex_iterations(lp->simplex);
     Best best;
     best.repeated = stopped && first_iterations == 0;

@@ -2,7 +2,8 @@
 //
 // Order       A basis that the caller has set since the last solve; the place where a limit has stopped that one (the
 //             form, with presolve on, else the model itself); the live record; a basis that a change of the model has
-//             carried over; scratch. A record that was tuned (SimplexTuning) for one solve is dropped; its basis is kept.
+//             carried over; scratch. A record that was tuned (SimplexTuning) for one solve is dropped; its basis is
+//             kept.
 #include "lp/lp_start.h"
 #include "body/row_kind.h"
 #include "lp/lp_form.h"
@@ -11,9 +12,10 @@
 
 namespace
 {
-constexpr double WIDE_COEFFICIENTS =
-    1e15;                         // largest over smallest: reductions would lose digits
-constexpr double MANY_FREE = 0.2; // free variables against the smaller dimension, then
+// largest over smallest: reductions would lose digits
+constexpr double WIDE_COEFFICIENTS = 1e15;
+// free variables against the smaller dimension, then
+constexpr double MANY_FREE = 0.2;
 
 void choose_method(TVXenv *env, LpStart *start)
 {
@@ -38,7 +40,7 @@ bool is_wide(const ModelBody *body)
            free < MANY_FREE * std::min(body->numvars, body->numconstrs);
 }
 
-// Bounds that cross or stand at the wrong infinity: the simplex tells what is wrong with them.
+// Bounds that cross, a lower bound of +inf or an upper bound of -inf: the simplex tells what is wrong with them.
 bool has_bad_bounds(const ModelBody *body, const TVXenv *env)
 {
     const double infinite = infinite_bound(env);

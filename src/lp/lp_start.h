@@ -12,13 +12,13 @@ enum class LpFrom {
 };
 struct LpStart {
     LpFrom from = LpFrom::SCRATCH;
-    LpMethod chosen = LP_DUAL_SIMPLEX; // by the caller: form and presolve suit it
-    int resolved = METHOD_DUAL;        // the simplex method that stands for it
-    int method = METHOD_DUAL;          // of the next run: METHOD_BY_START behind presolve
+    LpMethod chosen = LP_DUAL_SIMPLEX;    // by the caller: form and presolve suit it
+    SimplexMethod resolved = METHOD_DUAL; // the simplex method that stands for it
+    SimplexMethod method = METHOD_DUAL; // of the next run: METHOD_BY_START behind presolve
     bool presolve = false; // presolve runs first; not with FORM, where it has run
-    Array<int>
-        statuses; // [n + m], or empty. With FORM: for a run on the model, should the form fail
+    // [n + m], or empty. With FORM: for a run on the model, should the form fail
+    Array<int> statuses;
     Array<double> norms; // [n + m] dual pricing norms of it, or empty
 };
-// Drops the simplex record where it is not gone on from. 0 or OUT_OF_MEMORY.
+// Drops the simplex record unless the solve continues from it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int lp_start_choose(LpSolve *lp, const LpGiven &given, LpStart *start);

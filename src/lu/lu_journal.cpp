@@ -78,7 +78,7 @@ template<class R> void cut_back(lufact<R> *lu)
 
 template<class R> int lu_journal_begin(lufact<R> *lu)
 {
-    assert(!lu->Journal);
+    assert(!lu->Journal && !lu->NeedBasis);
     for (Array<char> &saved : lu->LineSaved)
         TRY(array_extend(&saved, lu->NumRows, char(0)));
     lu->Begin = {lu->NumPos,       lu->NumEtas,      lu->NumUpdates, lu->EtaInd.size,
@@ -107,6 +107,7 @@ template<class R> void lu_journal_undo(lufact<R> *lu)
     const LuFigures &old = lu->Begin;
     for (int64_t k = 0; k < lu->OldLines.size; k++) put_back(lu, lu->OldLines.data[k]);
     cut_back(lu);
+    lu->NeedBasis = 0; // also after an update that failed
     lu->NumPos = old.NumPos;
     lu->NumEtas = old.NumEtas;
     lu->NumUpdates = old.NumUpdates;

@@ -128,7 +128,9 @@ template<class R> void move_to_end(lufact<R> *lu, int r)
 }
 } // namespace
 
-template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot)
+namespace
+{
+template<class R> int update(lufact<R> *lu, int r, R pivot)
 {
     assert(lu->SpikeCount >= 0 && lu->PartRow == r);
     const int place = lu->PosOfRow.data[r];
@@ -163,6 +165,15 @@ template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot)
     lu->WorkUnits += 2.0 * lu->SpikeCount + lu->PartCount;
     lu->SpikeCount = lu->PartCount = lu->PartRow = -1;
     return UPDATE_DONE;
+}
+} // namespace
+
+template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot)
+{
+    const int result = update(lu, r, pivot);
+    // the caller has changed the basis, or gives it up
+    if (result != UPDATE_DONE) lu->NeedBasis = 1;
+    return result;
 }
 
 template int UpdateFactor<double>(lufact<double> *, int, double);

@@ -225,8 +225,8 @@ template<class R> void Btran(lufact<R> *lu, SVec<R> *x, SolveKind kind, Keep kee
 template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x);
 
 // Replaces the column of position r by the one whose spike Ftran stored. `pivot` is entry r of the result of that
-// Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis, and a refactorisation is
-// needed.
+// Ftran. 0; UPDATE_UNSTABLE or UPDATE_NO_ROOM: the factors are still those of the old basis; NeedBasis is set, as
+// the caller goes on to the new one.
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 
@@ -238,11 +238,14 @@ template<class R> void lu_journal_end(lufact<R> *lu); // without undoing
 // Records what the next UpdateFactor of position r may change. 0 or OUT_OF_MEMORY.
 template<class R> [[nodiscard]] int lu_journal_record(lufact<R> *lu, int r);
 
-// lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries of
-// the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or OUT_OF_MEMORY,
-// when nothing is changed.
+// lu_append.cpp. The basis matrix grows by rows whose slacks are basic in them. `row` holds, by position, the entries
+// of the new row in the basic columns; it is overwritten. lu_grow comes first, for all rows together: 0 or
+// OUT_OF_MEMORY, when nothing is changed.
 template<class R> [[nodiscard]] int lu_grow(lufact<R> *lu, int num_rows);
 template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> *row);
+
+// lu_negate.cpp. The column at position r of the basis matrix changes its sign.
+template<class R> void lu_negate_column(lufact<R> *lu, int r);
 
 // Sets the state after a factorisation: no updates.
 template<class R> inline void lu_forget_updates(lufact<R> *lu)

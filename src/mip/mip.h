@@ -21,17 +21,17 @@ struct MipResult {
     Quality quality;        // of the best solution, filled on first query
 };
 
-// What a model keeps between MIP solves: the result, and the place for what a stopped search goes on from.
+// What a model keeps between MIP solves.
 struct MipSolve {
     const ModelBody *body = nullptr; // of the last mip_solve; not owned
     TVXenv *env = nullptr;           // likewise
-    MipResult *result =
-        nullptr; // owned; null before the first solve, and after one that left nothing
+    // owned; null before the first solve, and after one that left nothing
+    MipResult *result = nullptr;
 };
 void mip_drop(MipSolve *mip);
 
-// Presets of MIPFocus in an environment of its own for one solve (mip_focus.cpp). A preset changes a parameter only where
-// it still has its default, so that what a caller has chosen stands.
+// Presets of MIPFocus in an environment of its own for one solve (mip_focus.cpp). A preset changes a parameter only
+// where it still has its default, so that what a caller has chosen stands.
 void mip_focus_apply(TVXenv *env);
 // Solves a body with integers, semi-continuous variables or SOS constraints. 0 or a code, with its text recorded.
 [[nodiscard]] int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env);

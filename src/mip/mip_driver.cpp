@@ -1,7 +1,8 @@
 // mip_driver.cpp -- the solve of a mixed-integer program: its parameters around the search
 //
-// Method   The search works in a copy of the caller's environment, in which the presets of MIPFocus are made. There is no
-//          search yet, so the model is refused as a whole: its relaxation alone would be an answer to another question.
+// Method   The search works in a copy of the caller's environment, in which the presets of MIPFocus are made. There is
+//          no search yet, so the model is refused as a whole: its relaxation alone would be an answer to another
+//          question.
 #include "mip/mip.h"
 
 namespace

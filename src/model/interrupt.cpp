@@ -1,9 +1,9 @@
 // interrupt.cpp -- Ctrl-C on the console and SIGTERM end the running solve, not the program
 //
-// Method      TVXsetsignal installs a handler that is good for one signal: it stores the stop flag, and the next signal has
-//             its usual meaning again. The end of the solve, or of the model, brings back what was installed before. Where
-//             interrupts are ignored (a program started in the background) they stay ignored; SIGTERM is only taken over
-//             where it would end the program.
+// Method      TVXsetsignal installs a handler that is good for one signal: it stores the stop flag, and the next signal
+//             has its usual meaning again. The end of the solve, or of the model, brings back what was installed
+//             before. Where interrupts are ignored (a program started in the background) they stay ignored; SIGTERM is
+//             only taken over where it would end the program.
 // Invariant   One model at a time is watched; the last call wins. A model that is watched is alive: before it goes,
 //             `watched` is cleared and every handler that may have read it has returned.
 // Order       A signal that comes before the solve has begun stops it all the same: `pending` keeps it.

@@ -35,10 +35,10 @@ struct WarmStart {
     int count = 0; // numvars the arrays were made for; negative: stale
     int kind = WARM_NONE;
     int repair = 0; // coefficients of basic columns changed: the factor may need mending
-    Array<int>
-        statuses; // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
-    Array<double>
-        norms; // [numvars + numconstrs] dual pricing norms given by a caller, or empty
+    // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
+    Array<int> statuses;
+    // [numvars + numconstrs] dual pricing norms given by a caller, or empty
+    Array<double> norms;
 };
 
 static constexpr double START_UNSET = 1e101; // entry of `mip_start` that nobody has set
@@ -48,7 +48,6 @@ struct TVXmodel {
     int busy = 0;                  // TVXoptimize is running
     uintptr_t callback_thread = 0; // that runs a user callback on this model, or 0
     int signal_set = 0;            // TVXsetsignal was called for this solve
-    double start_time = 0;         // WallClock of the last optimize
     double run_time = 0;           // its length
     int64_t size_estimate = 0;     // 13 per variable + 7 per constraint + 23 per nonzero
     ModelBody *body = nullptr;
@@ -59,8 +58,8 @@ struct TVXmodel {
     PendingChanges *pending = nullptr;
     WarmStart *warm_start = nullptr;
     AttributeTable *attributes = nullptr;
-    Array<double>
-        mip_start; // [numvars] Start attribute, START_UNSET where undefined; empty when none
+    // [numvars] Start attribute, START_UNSET where undefined; empty when none
+    Array<double> mip_start;
 };
 
 // ---- model_create.cpp ----
@@ -71,7 +70,8 @@ enum class EnvUse { PRIVATE_COPY, SHARED };
 // A model of a body, which belongs to it from now on (and is freed on failure). 0 or OUT_OF_MEMORY.
 [[nodiscard]] int model_of_body(TVXenv *env, EnvUse use, ModelBody *body,
                                 TVXmodel **model_out);
-// A model of a settled draft (files/draft.h), with an environment of its own. 0 or a code; *model_out is null on failure.
+// A model of a settled draft (files/draft.h), with an environment of its own. 0 or a code; *model_out is null on
+// failure.
 struct ModelDraft;
 [[nodiscard]] int model_from_draft(TVXenv *env, const ModelDraft *draft,
                                    TVXmodel **model_out);
@@ -82,10 +82,10 @@ void model_free(TVXmodel *model); // any state, half-built too; null is ignored
 void model_free_results(
     TVXmodel *model); // drops lp, mip and presolve results, keeps simplex and warm start
 int model_check(TVXmodel *model); // as TVXcheckmodel but keeps the error state
-// Opens a call that solves, or works as long as a solve: the model is busy (the caller ends that), TimeLimit counts from
-// `now`, and what has stopped an earlier call is forgotten.
+// Opens a call that solves, or works as long as a solve: the model is busy (the caller ends that), TimeLimit counts
+// from `now`, and what has stopped an earlier call is forgotten.
 void model_open_solve(TVXmodel *model, double now);
-// A solve runs, or a callback, which may hear a line of any call: nothing may be updated, solved or freed.
+// A solve runs, or a callback, which receives a log line of any call: nothing may be updated, solved or freed.
 bool model_is_occupied(TVXmodel *model);
 // TVX_ERROR_OPTIMIZATION_IN_PROGRESS then, else 0: opens whatever works on the live simplex record.
 [[nodiscard]] int check_idle(TVXmodel *model);

@@ -20,7 +20,7 @@ int fill_model(TVXmodel *model, TVXenv *env, EnvUse use, ModelBody *body)
         model->env = env;
         return 0;
     }
-    TRY(env_copy(&model->env, env, LogReopen::YES));
+    TRY(env_copy(&model->env, env, EnvFiles::AS_SOURCE));
     model->env_owned = 1;
     return 0;
 }

@@ -95,8 +95,8 @@ int apply_pending(TVXmodel *model)
     return 0;
 }
 
-// Another parameter value makes other bounds infinite: the model is another one for the solvers, which may start from the
-// basis of before.
+// Another parameter value makes other bounds infinite: the model is another one for the solvers, which may start from
+// the basis of before.
 void follow_infinity(TVXmodel *model)
 {
     const double infinite = infinite_bound(model->env);

@@ -1,6 +1,6 @@
 // solution.cpp -- turns what the simplex holds into the solution that a caller sees
 //
-// Method   The simplex record speaks the body's form: minimise, rows '>' negated. With s the sense (+1, -1)
+// Method   The simplex record is in the body's form: minimise, rows '>' negated. With s the sense (+1, -1)
 //          and f_i = -1 for a '>' row, else 1:   Pi_i = s * f_i * pi_i,   RC_j = s * rc_j,
 //          Slack_i = f_i * (rhs_i - activity_i). Each group is made once per solve and kept.
 // Cost     O(n + m), Slack O(nonzeros).

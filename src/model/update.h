@@ -51,8 +51,8 @@ struct UpdatePlan {
     Array<const char *> range_names; // [n_ranges] in the pool
 
     BasisMode mode = BasisMode::DROP;
-    WarmStart *carried =
-        nullptr; // CARRY: the record in its new shape, or null to keep the old
+    // CARRY: the record in its new shape, or null to keep the old
+    WarmStart *carried = nullptr;
 
     int numvars() const { return kept_vars + added_vars + n_ranges; }
     int numconstrs() const { return kept_constrs + added_constrs; }

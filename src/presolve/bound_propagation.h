@@ -74,14 +74,14 @@ inline ConEntries entries_of(BoundPropagation *p, int con)
     if (p->Con.data[con].begin < 0) propagation_copy(p, con);
     return p->Con.data[con];
 }
-// Arrays of a system; limits and bounds are absent. A PresolveStatus of the limits, or OUT_OF_MEMORY.
+// Arrays of a system; limits and bounds are absent. A PresolveEnd of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int propagation_alloc(BoundPropagation *p, PresolveWork *w,
                                     PropagationKind kind);
 // The system of the rows, each widened on its finite sides by `relax` or by its error, and the bounds of the columns.
 void propagation_set_rows(BoundPropagation *p, double relax);
 void propagation_list(BoundPropagation *p, int con); // to be processed in the first round
 void propagation_list_all(BoundPropagation *p);
-// Tightens bounds until none changes, for at most this number of rounds. A PresolveStatus of the limits.
+// Tightens bounds until none changes, for at most this number of rounds. A PresolveEnd of the limits.
 [[nodiscard]] int propagation_run(BoundPropagation *p, int rounds);
 // After a contradiction: multipliers of the constraints [NumCons], and minus their sum [NumVars] as multipliers of the
 // bounds of the model, as in a direction of dual values. 0 or OUT_OF_MEMORY.
@@ -90,7 +90,7 @@ void propagation_list_all(BoundPropagation *p);
 // Replaces multipliers of implied bounds in such a pair by multipliers of constraints and of bounds of the model.
 void propagation_unfold(BoundPropagation *p, double *con, double *var);
 
-// Tests the limits from time to time, as effort grows. A PresolveStatus.
+// Tests the limits from time to time, as effort grows. A PresolveEnd.
 [[nodiscard]] int propagation_check(BoundPropagation *p);
 
 // ---- bound_origins.cpp ----

@@ -72,7 +72,7 @@ int fill_result(PresolveWork *w, PresolveResult *result)
         TRY(collect_rows(w, result, m, &arrays));
         TRY(collect_cols(w, result, n, &arrays));
         const int code = body_adopt(w->Env, &arrays, &result->Reduced);
-        if (code == TVX_ERROR_INVALID_ARGUMENT) return PRESOLVE_OVERGROWN;
+        if (code == TVX_ERROR_INVALID_ARGUMENT) return END_OVERGROWN;
         TRY(code);
     }
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);

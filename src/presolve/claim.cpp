@@ -77,42 +77,42 @@ void ray_clean(const ModelBody *body, double infinite, double *ray)
 
 int claim_infeasible(PresolveWork *w, std::initializer_list<LineTerm> rows)
 {
-    if (!w->WantsProof) return PRESOLVE_INFEASIBLE;
+    if (!w->WantsProof) return END_INFEASIBLE;
     TRY(begin_proof(w));
     for (const LineTerm &term : rows) add_row(w, term.line, term.factor);
-    return PRESOLVE_INFEASIBLE;
+    return END_INFEASIBLE;
 }
 
 int claim_row_sum(PresolveWork *w, int i, const LineTerm *rows, int count, int sign)
 {
-    if (!w->WantsProof) return PRESOLVE_INFEASIBLE;
+    if (!w->WantsProof) return END_INFEASIBLE;
     TRY(begin_proof(w));
     add_row(w, i, sign);
     for (int k = 0; k < count; k++) add_row(w, rows[k].line, -sign * rows[k].factor);
-    return PRESOLVE_INFEASIBLE;
+    return END_INFEASIBLE;
 }
 
 int claim_unbounded(PresolveWork *w, std::initializer_list<LineTerm> cols)
 {
-    if (!w->WantsProof) return PRESOLVE_UNBOUNDED;
+    if (!w->WantsProof) return END_UNBOUNDED;
     TRY(begin_proof(w));
     for (const LineTerm &term : cols) w->Proof.data[term.line] = term.factor;
-    return PRESOLVE_UNBOUNDED;
+    return END_UNBOUNDED;
 }
 
 int claim_col_sum(PresolveWork *w, int j, const LineTerm *cols, int count, int sign)
 {
-    if (!w->WantsProof) return PRESOLVE_UNBOUNDED;
+    if (!w->WantsProof) return END_UNBOUNDED;
     TRY(begin_proof(w));
     w->Proof.data[j] = sign;
     for (int k = 0; k < count; k++) w->Proof.data[cols[k].line] = -sign * cols[k].factor;
-    return PRESOLVE_UNBOUNDED;
+    return END_UNBOUNDED;
 }
 
 int claim_propagated(PresolveWork *w, BoundPropagation *p)
 {
     const bool primal = p->kind == PROPAGATE_PRIMAL;
-    const int status = primal ? PRESOLVE_INFEASIBLE : PRESOLVE_UNBOUNDED;
+    const int status = primal ? END_INFEASIBLE : END_UNBOUNDED;
     if (!w->WantsProof) return status;
     Array<double> con, var;
     TRY(propagation_proof(p, &con, &var));
@@ -131,7 +131,7 @@ int claim_finish(PresolveWork *w, int status, LpClaim *claim)
     if (w->Proof.size == 0) return 0;
     const ModelBody *body = w->Body;
     const int n = w->NumCols, m = w->NumRows;
-    const bool infeasible = status == PRESOLVE_INFEASIBLE;
+    const bool infeasible = status == END_INFEASIBLE;
     Direction direction;
     TRY(direction_alloc(&direction, n, m, w->INF));
     std::copy_n(w->Proof.data, w->Proof.size,

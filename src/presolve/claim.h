@@ -1,7 +1,7 @@
 // claim.h -- claims of reductions that the model is infeasible or unbounded, with a proof for the current model
 //
 // A reduction that finds the model infeasible or unbounded returns the result of one of these routines:
-// PRESOLVE_INFEASIBLE, PRESOLVE_UNBOUNDED, or OUT_OF_MEMORY. The caller sets the witness (InfeasRow, InfeasCol). A
+// END_INFEASIBLE, END_UNBOUNDED, or OUT_OF_MEMORY. The caller sets the witness (InfeasRow, InfeasCol). A
 // proof is computed only if the caller of presolve asked for it.
 #pragma once
 #include "presolve/work.h"
@@ -28,5 +28,5 @@ struct LineTerm {
 // A contradiction of propagated bounds, of the primal or the dual system.
 [[nodiscard]] int claim_propagated(PresolveWork *w, BoundPropagation *p);
 
-// Maps the proof to the original model through the undo stack. A PresolveStatus of the limits, or OUT_OF_MEMORY.
+// Maps the proof to the original model through the undo stack. A PresolveEnd of the limits, or OUT_OF_MEMORY.
 [[nodiscard]] int claim_finish(PresolveWork *w, int status, LpClaim *claim);

@@ -3,8 +3,8 @@
 #include "body/body.h"
 
 // The dual of a body, as a body. If the dual is infeasible, the model is infeasible or unbounded; if the dual is
-// unbounded, the model is infeasible. *out is null when a limit stops it, or when the dual would be too large in size or
-// numbers. 0 or OUT_OF_MEMORY.
+// unbounded, the model is infeasible. *out is null when a limit stops it, or when the dual would be too large in size
+// or numbers. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int dualise(const ModelBody *body, TVXenv *env, ModelBody **out);
 // Mapping of proofs: a ray of the dual [its variables] gives row multipliers that prove the model infeasible; row
 // multipliers that prove the dual infeasible give a ray of the model (body/certificate.h).

@@ -9,8 +9,7 @@
 //             allows for the difference. For coefficients the size of the largest term of their sum is kept instead,
 //             from which the error follows; most coefficients are original data and have none.
 // Use         A number within its error counts as zero. Tests for infeasibility and unboundedness add the error to
-// their
-//             tolerance. A substitution is refused if it would cause errors above the tolerances.
+//             their tolerance. A substitution is refused if it would cause errors above the tolerances.
 // Cost        A few operations per number that changes, none for those that do not.
 // Literature  J. H. Wilkinson, "Rounding Errors in Algebraic Processes", 1963 (running error analysis).
 #pragma once

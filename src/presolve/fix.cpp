@@ -66,7 +66,7 @@ int fix_by_range(PresolveWork *w, int j)
                  cost = w->Obj.data[j];
     if (-range > 2 * w->FeasTol + bound_error(w, j)) {
         w->InfeasCol = j;
-        return PRESOLVE_INFEASIBLE;
+        return END_INFEASIBLE;
     }
     double largest = 0;
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))

@@ -33,7 +33,7 @@ int copy_vectors(PresolveWork *w, const ModelBody *body)
         if (w->Ub.data[j] >= w->INF) w->Ub.data[j] = w->INF;
     }
     for (int i = 0; i < m; i++) {
-        if (row_kind(body, i) == RowKind::IMPOSSIBLE) return PRESOLVE_INFEASIBLE;
+        if (row_kind(body, i) == RowKind::IMPOSSIBLE) return END_INFEASIBLE;
         w->Sense.data[i] = is_equation(body, i) ? '=' : '<';
     }
     return 0;

@@ -81,7 +81,7 @@ int compute_slacks(const ModelBody *body, PostPoint *point, LimitWatch *watch)
     return 0;
 }
 
-// 0, OUT_OF_MEMORY or a PresolveStatus of the limits of `env`, when it is not null.
+// 0, OUT_OF_MEMORY or a PresolveEnd of the limits of `env`, when it is not null.
 int map_point(const PresolveResult *result, const LpPoint *reduced, const TVXenv *env,
               LpPoint *full)
 {
@@ -133,6 +133,6 @@ int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *
 {
     const int end = map_point(result, reduced, stopped ? result->Env : nullptr, full);
     if (end == OUT_OF_MEMORY) return end;
-    if (stopped) *stopped = static_cast<PresolveStatus>(end);
+    if (stopped) *stopped = presolve_status_of(end);
     return 0;
 }

@@ -21,7 +21,7 @@ inline double bound_of(const PostPoint *point, double bound)
     return bound <= -point->INF || bound >= point->INF ? bound : point->constants * bound;
 }
 
-// Undoes all records, beginning with this one, the newest. A PresolveStatus of the limits.
+// Undoes all records, beginning with this one, the newest. A PresolveEnd of the limits.
 [[nodiscard]] int undo_all(const UndoRecord *undo, PostPoint *point, LimitWatch *watch);
 
 // Each undoes one record; it is in the file of its reduction.

@@ -7,16 +7,19 @@
 #include "body/body.h"
 
 // How presolve ends: with a reduced model (OK), or with what is known instead. A limit also ends postsolve.
-enum PresolveStatus {
-    PRESOLVE_OK = 0,
-    PRESOLVE_INFEASIBLE = TVX_INFEASIBLE,
-    PRESOLVE_INF_OR_UNBD = TVX_INF_OR_UNBD,
-    PRESOLVE_UNBOUNDED = TVX_UNBOUNDED,
-    PRESOLVE_TIME_LIMIT = TVX_TIME_LIMIT,
-    PRESOLVE_INTERRUPTED = TVX_INTERRUPTED,
-    PRESOLVE_OVERGROWN =
-        TVX_NUMERIC, // numbers of the reduced model overflow, or right-hand sides count as infinite
+enum class PresolveStatus {
+    PRESOLVE_OK,
+    PRESOLVE_INFEASIBLE,
+    PRESOLVE_INF_OR_UNBD,
+    PRESOLVE_UNBOUNDED,
+    PRESOLVE_TIME_LIMIT,
+    PRESOLVE_INTERRUPTED,
+    // numbers of the reduced model overflow, or right-hand sides count as infinite
+    PRESOLVE_OVERGROWN,
 };
+using enum PresolveStatus;
+// The status for what limits_reached (env/limits.h) returns, or for a PresolveEnd of this folder; 0 gives PRESOLVE_OK.
+PresolveStatus presolve_status_of(int end);
 
 // Proof that the model is infeasible or unbounded, in terms of the original model; to be verified by
 // body/certificate.h. Both are empty if a reduction on the way cannot map the proof.
@@ -30,8 +33,9 @@ struct LpClaim {
 // The reduced model and the data for postsolve. It keeps the address of the body that was reduced.
 struct PresolveResult;
 
-// Reduces a continuous model for a solve by this method. On PRESOLVE_OK *out is the result, else null; `claim`, unless it is null, then gets the
-// proof of what is said. The effort is added to *work. 0 or OUT_OF_MEMORY; *status has a meaning after 0 only.
+// Reduces a continuous model for a solve by this method. On PRESOLVE_OK *out is the result, else null; `claim`, unless
+// it is null, then gets the proof of what is said. The effort is added to *work. 0 or OUT_OF_MEMORY; *status has a
+// meaning after 0 only.
 [[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method,
                               PresolveResult **out, PresolveStatus *status, double *work,
                               LpClaim *claim = nullptr);

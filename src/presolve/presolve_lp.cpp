@@ -9,6 +9,7 @@
 #include "body/row_kind.h"
 #include "presolve/claim.h"
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <initializer_list>
 
@@ -184,10 +185,10 @@ int reduce(PresolveWork *w)
 // The status of a model without optimum: reductions that keep only an optimum may leave infeasible or unbounded open.
 PresolveStatus final_status(const PresolveWork *w, int status)
 {
-    if (status == PRESOLVE_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;
-    if (status == PRESOLVE_INFEASIBLE && w->Env->TARV_PAR_DUALREDUCTION)
+    if (status == END_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;
+    if (status == END_INFEASIBLE && w->Env->TARV_PAR_DUALREDUCTION)
         return PRESOLVE_INF_OR_UNBD;
-    return static_cast<PresolveStatus>(status);
+    return presolve_status_of(status);
 }
 
 void log_result(const PresolveWork *w)
@@ -199,7 +200,7 @@ void log_result(const PresolveWork *w)
         TVXmsg(w->Env, "Presolve changed %d inequalities to equalities\n", w->IneqToEq);
 }
 
-// A PresolveStatus, or OUT_OF_MEMORY.
+// A PresolveEnd, or OUT_OF_MEMORY.
 int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
                     PresolveResult **out)
 {
@@ -209,9 +210,30 @@ int load_and_reduce(PresolveWork *w, const ModelBody *body, TVXenv *env,
     TRY(build_reduced(w, out));
     log_result(w);
     const ModelBody *reduced = presolve_reduced(*out);
-    return reduced && !all_rows_ordinary(reduced) ? PRESOLVE_OVERGROWN : PRESOLVE_OK;
+    return reduced && !all_rows_ordinary(reduced) ? END_OVERGROWN : 0;
 }
 } // namespace
+
+PresolveStatus presolve_status_of(int end)
+{
+    switch (end) {
+    case 0:
+        return PRESOLVE_OK;
+    case END_INFEASIBLE:
+        return PRESOLVE_INFEASIBLE;
+    case END_INF_OR_UNBD:
+        return PRESOLVE_INF_OR_UNBD;
+    case END_UNBOUNDED:
+        return PRESOLVE_UNBOUNDED;
+    case TVX_TIME_LIMIT:
+        return PRESOLVE_TIME_LIMIT;
+    case TVX_INTERRUPTED:
+        return PRESOLVE_INTERRUPTED;
+    default:
+        assert(end == END_OVERGROWN);
+        return PRESOLVE_OVERGROWN;
+    }
+}
 
 int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method, PresolveResult **out,
                 PresolveStatus *status, double *effort, LpClaim *claim)
@@ -225,7 +247,7 @@ int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method, PresolveRes
         const int stop = claim_finish(&work, end, claim);
         if (stop != 0) end = stop;
     }
-    if (end != PRESOLVE_OK) {
+    if (end != 0) {
         presolve_free(*out);
         *out = nullptr;
     }

@@ -10,7 +10,7 @@ struct SortKey {
 uint64_t key_of_number(double value);
 
 // Sorts keys[0 .. count), in which `at` rises, by key; equal ones stay in that order. `other` has the same room. A
-// PresolveStatus of the limits.
+// PresolveEnd of the limits.
 [[nodiscard]] int sort_keys(PresolveWork *w, SortKey *keys, SortKey *other, int count);
 // Sorts list[0 .. count), which holds lines, by rank[line] >= 0; ranks above HIGHEST_RANK count as that, equal ones
 // stay in their order. `other` has the same room.

@@ -5,8 +5,7 @@
 // Rows        a x <= b ('<') or a x = b ('=').
 // States of a row      RowCnt >= 0 live with that many entries; ROW_GONE and below: removed
 //           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
-// Contract of a reduction   takes the record, returns a PresolveStatus or OUT_OF_MEMORY; pushes an undo record before
-// it
+// Contract of a reduction   takes the record, returns a PresolveEnd or OUT_OF_MEMORY; pushes an undo record before it
 //             removes anything that postsolve needs; keeps activities and counts up to date; marks the rows and columns
 //             that it changes; adds to the five counters, and its effort to Work.
 // Errors      Results of cancellation may be rounding errors. errors.h estimates them; a reduction that ends the model,
@@ -19,6 +18,15 @@
 
 // activities of longer rows are recomputed later, by sum_stale
 static constexpr int LONG_STALE_ROW = 1000;
+
+// How a step ends, returned as int: 0 to go on, what limits_reached returns (TVX_TIME_LIMIT, TVX_INTERRUPTED), or one
+// of these. Outside of this folder it is a PresolveStatus (presolve_status_of).
+enum PresolveEnd {
+    END_INFEASIBLE = TVX_INFEASIBLE,
+    END_INF_OR_UNBD = TVX_INF_OR_UNBD,
+    END_UNBOUNDED = TVX_UNBOUNDED,
+    END_OVERGROWN = TVX_NUMERIC // as PRESOLVE_OVERGROWN
+};
 
 struct PresolveNode {
     double value;
@@ -56,6 +64,8 @@ struct PresolveWork {
     int MatrixClass = 0;               // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
     int64_t NumNz = 0; // entries at the start
+    // Integers keep their meaning: for the presolve of a mixed-integer program. Not set by presolve_lp, which sees a
+    // continuous model or relaxation.
     int IsMip = 0;
     double StartTime = 0, LastLogTime = 0;
     double INF = 1e30; // TARV_PAR_INFBOUND: bounds of this size are absent
@@ -192,7 +202,7 @@ void mark_row(PresolveWork *w, int i);
 void mark_col(PresolveWork *w, int j);
 void mark_rows_of_col(PresolveWork *w, int j);
 void mark_cols_of_row(PresolveWork *w, int i);
-// All rows and columns active in both worklists. A PresolveStatus of the limits.
+// All rows and columns active in both worklists. A PresolveEnd of the limits.
 [[nodiscard]] int mark_everything(PresolveWork *w);
 void rotate(PresolveWork *w); // of the worklist of the phase: touched members become active
 // The lists themselves: active members, then those touched since, which become more as reductions run.
@@ -221,20 +231,20 @@ void remove_row(PresolveWork *w, int i, int state);
 // Unlinks deleted entries from the row's list; returns the number of entries before.
 int sweep_row(PresolveWork *w, int i);
 int sweep_col(PresolveWork *w, int j);
-[[nodiscard]] int sweep_marked(PresolveWork *w); // all that need it; a PresolveStatus
-// Sweeps all lists; deleted nodes become free. A PresolveStatus of the limits; the lists are unusable then.
+[[nodiscard]] int sweep_marked(PresolveWork *w); // all that need it; a PresolveEnd
+// Sweeps all lists; deleted nodes become free. A PresolveEnd of the limits; the lists are unusable then.
 [[nodiscard]] int compress(PresolveWork *w);
 // A new entry at the heads of both lists; a free node must be there. Counts rise; activities are the caller's.
 void insert_entry(PresolveWork *w, int i, int j, double value);
 
 // ---- activity.cpp ----
-// All live rows from scratch. A PresolveStatus of the limits.
+// All live rows from scratch. A PresolveEnd of the limits.
 [[nodiscard]] int pre_activity(PresolveWork *w);
 void row_activity(PresolveWork *w, int i); // one
 // The activity of row i lost digits by cancellation: recomputes it, immediately or, for a long row, by sum_stale, which
 // the driver calls after each reduction; until then the row implies nothing.
 void digits_lost(PresolveWork *w, int i);
-[[nodiscard]] int sum_stale(PresolveWork *w); // a PresolveStatus of the limits
+[[nodiscard]] int sum_stale(PresolveWork *w); // a PresolveEnd of the limits
 // Sets the bounds of column j and updates activities.
 void change_bounds(PresolveWork *w, int j, double lb, double ub);
 // The coefficient of column j in row i will be changed to `after` (0: no entry): updates the activity. True if it has
@@ -254,7 +264,7 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub);
 // status: nonbasic status after postsolve (-1, -2), STATUS_BY_SIGN to let the sign of the reduced cost decide, or -3.
 static constexpr int STATUS_BY_SIGN = -4;
 [[nodiscard]] int fix_column(PresolveWork *w, int j, double v, int status);
-// Removes a column whose bounds are equal up to rounding, unless its range still matters. A PresolveStatus.
+// Removes a column whose bounds are equal up to rounding, unless its range still matters. A PresolveEnd.
 [[nodiscard]] int fix_by_range(PresolveWork *w, int j);
 [[nodiscard]] int fix_at_lower(PresolveWork *w, int j);
 [[nodiscard]] int fix_at_upper(PresolveWork *w, int j);
@@ -276,7 +286,7 @@ ImpliedBounds implied_bounds(const PresolveWork *w, int j);
 
 // ---- progress.cpp ----
 void presolve_log(PresolveWork *w); // a progress line when one is due
-// Callback function, interruption and time limit: a PresolveStatus.
+// Callback function, interruption and time limit: a PresolveEnd.
 [[nodiscard]] int presolve_check(const PresolveWork *w);
 // The same within a scan, now and then (limits_watch).
 [[nodiscard]] inline int check_limits(PresolveWork *w, double entries)
@@ -288,7 +298,7 @@ void presolve_log(PresolveWork *w); // a progress line when one is due
 }
 
 // ---- build.cpp ----
-// The result with the reduced body; null on failure. OUT_OF_MEMORY, or a PresolveStatus: OK, OVERGROWN or a limit.
+// The result with the reduced body; null on failure. OUT_OF_MEMORY, or a PresolveEnd: 0, END_OVERGROWN or a limit.
 [[nodiscard]] int build_reduced(PresolveWork *w, PresolveResult **out);
 
 // ---- free_bounds.cpp ----

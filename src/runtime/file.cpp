@@ -54,8 +54,8 @@ bool is_standard_stream(const struct stat &status)
     return false;
 }
 
-// The file that `name` means, behind links, when it is new or may be replaced by another one: a regular file that may be
-// written and has this one name. Its mode, or that of new files. False: it is to be written directly.
+// The file that `name` means, behind links, when it is new or may be replaced by another one: a regular file that may
+// be written and has this one name. Its mode, or that of new files. False: it is to be written directly.
 bool is_replaceable(const char *name, FileHandle *file, mode_t *mode)
 {
     struct stat status {

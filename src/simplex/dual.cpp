@@ -5,7 +5,7 @@
 //             updates. Phase 1 is the box problem (dual_start.cpp). Costs are perturbed against stalling; when the
 //             perturbed problem is solved, the perturbation is removed, and if the basis is then not dual feasible the
 //             primal simplex continues.
-// Out         Status: see the table in sopt.h.
+// Out         Status: see the table in sopt_states.h.
 // Invariant   Between refreshes Bbar, Cbar, merits and weights belong to the basis; nonbasics are at working bounds.
 // Literature  A. Koberstein, The dual simplex method, techniques for a fast and stable implementation, Paderborn 2005.
 #include "simplex/dual.h"

@@ -67,6 +67,8 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);
 template<class R> void live_move_values(sopt *s, swork<R> *w);
+// live_negate.cpp. Column j changes its sign; the LP stays the same.
+template<class R> void live_negate(sopt *s, swork<R> *w, int j);
 template<class R>
 void live_begin(sopt *s, swork<R> *w,
                 double iteration_limit); // counters and guards of a solve

@@ -144,6 +144,7 @@ template<class R> void dual_test_cutoff(sopt *s, swork<R> *w)
     double bound = dual_bound(s, w);
     if (bound <= s->Cutoff && s->Perturbed)
         bound = std::max(bound, dual_bound_true_costs(s, w));
+    s->CutoffBound = bound;
     if (bound > s->Cutoff)
         s->Status = SIMPLEX_CUTOFF;
     else // the objective in force has to rise by what is missing

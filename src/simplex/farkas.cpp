@@ -211,6 +211,10 @@ namespace
 // Entries of g up to this size at a variable without a bound are rounding errors.
 constexpr double SIMPLE_NOISE = 1e-14;
 
+// In user units, as SLACK. Far larger, since the multipliers are not refined and the entries in the other basic columns are
+// taken as zero; closer cases are left to proves_infeasible.
+constexpr double SIMPLE_SLACK = 1e-6;
+
 // Share of the sum of all terms by which the gap has to exceed rounding errors.
 constexpr double SIMPLE_ROUNDING = 1e-10;
 
@@ -276,7 +280,7 @@ template<class R> bool proves_simply(sopt *s, swork<R> *w)
         rhs += term;
         range.Size += std::fabs(term);
     }
-    const double least = SLACK * range.Weight + SIMPLE_ROUNDING * range.Size;
+    const double least = SIMPLE_SLACK * range.Weight + SIMPLE_ROUNDING * range.Size;
     const bool above = !range.LowOpen && range.Low - rhs > least,
                below = !range.HighOpen && rhs - range.High > least;
     if (above || below) s->Proof = PROOF_ROW;

@@ -80,11 +80,21 @@ template<class R> LiveVector inverse_row(sopt *s, swork<R> *w, int k)
                                : 1 / s->RowScale.data[k - s->NumCols]);
 }
 
+// Other solves may have used Rho since the proof.
+template<class R> void load_proof(const sopt *s, swork<R> *w)
+{
+    svec_clear(&w->Rho);
+    for (int i = 0; i < s->NumRows; i++)
+        if (s->ProofVector.data[i] != 0) svec_add(&w->Rho, i, R(s->ProofVector.data[i]));
+}
+
 template<class R> LiveVector farkas_row(sopt *s, swork<R> *w)
 {
-    const bool held =
-        s->Status == SIMPLEX_INFEASIBLE && s->Proof != PROOF_NONE && w->Rho.Count >= 0;
-    return held ? view(s, &w->Rho, 1.0) : LiveVector{0, nullptr, nullptr, nullptr, 1};
+    const bool proved = s->Status == SIMPLEX_INFEASIBLE &&
+                        (s->Proof == PROOF_FARKAS || s->Proof == PROOF_ROW);
+    if (proved && s->Proof == PROOF_FARKAS) load_proof(s, w);
+    return proved && w->Rho.Count >= 0 ? view(s, &w->Rho, 1.0)
+                                       : LiveVector{0, nullptr, nullptr, nullptr, 1};
 }
 } // namespace
 

@@ -17,6 +17,9 @@ constexpr int BASIC = 0; // status of a basic variable in a NodeBasis
 // A pivot has to have this share of the largest entry of its column.
 constexpr double PIVOT_SHARE = 1e-3;
 
+// Larger weights would be infinite as floats, and rows with an infinite weight would never be chosen.
+constexpr double LARGEST_WEIGHT = 1e38;
+
 // What a loaded basis makes of the variables.
 struct Target {
     const NodeBasis *Basis;
@@ -83,10 +86,12 @@ template<class R> bool follow(sopt *s, swork<R> *w, const Target &target)
     return true;
 }
 
+// After a start from slacks a nonbasic variable may be a basic one of the target.
 void take_statuses(sopt *s, const Target &target)
 {
     for (int k = 0; k < s->NumVars; k++)
-        if (!is_basic(s, k)) s->VStat.data[k] = target.status(k);
+        if (!is_basic(s, k) && target.status(k) != BASIC)
+            s->VStat.data[k] = target.status(k);
 }
 
 // A basis to be factored. False if it has not one variable per row.
@@ -139,7 +144,8 @@ template<class R> int save(const sopt *s, const swork<R> *w, NodeBasis *basis)
         const int status = s->VStat.data[k];
         basis->Statuses.data[k] = static_cast<char>(status >= 0 ? 0 : -status);
         if (status >= 0)
-            basis->Weights.data[next++] = static_cast<float>(w->Dual->Weights.data[status]);
+            basis->Weights.data[next++] = static_cast<float>(
+                std::min(w->Dual->Weights.data[status], R(LARGEST_WEIGHT)));
     }
     return 0;
 }

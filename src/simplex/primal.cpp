@@ -7,7 +7,7 @@
 //             the pivot row, or by partial pricing. In a stall bounds are perturbed outwards; when the perturbed
 //             problem is solved, the true bounds are restored, and if the basis is then not primal feasible the dual
 //             simplex continues.
-// Out         Status: see the table in sopt.h.
+// Out         Status: see the table in sopt_states.h.
 // Invariant   Between refreshes: Bbar, Cbar (of the phase), RowState and merits belong to the basis.
 #include "simplex/primal.h"
 #include <algorithm>

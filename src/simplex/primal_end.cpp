@@ -2,8 +2,9 @@
 //
 // Problem     No column to enter: the phase is optimal, if its prices are right. No row: the LP is unbounded, if the
 //             factors are right. Neither holds for sure with updated factors, perturbed bounds, or columns set aside.
-// Method      First the doubts are removed, one a time: fresh factors, no perturbation, no share of the true costs in
-//             phase 1. An end counts when it is proved; else the column is set aside, or the dual simplex continues.
+// Method      First possible causes of a wrong conclusion are removed, one at a time: fresh factors, no perturbation,
+//             no share of the true costs in phase 1. An end counts when it is proved; else the column is set aside, or
+//             the dual simplex continues.
 // Out         Status, or RefacReason: the run goes on after a refresh.
 #include "simplex/primal.h"
 #include <algorithm>

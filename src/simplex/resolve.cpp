@@ -33,21 +33,27 @@ template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
     return d;
 }
 
-// The status of nonbasic j within its new bounds, by the sign of its reduced cost. A reduced cost that asks for a bound
-// at infinity is shifted to 0.
-template<class R> int place(sopt *s, swork<R> *w, int j, int status)
+// The status of nonbasic j within its new bounds, by the sign of its reduced cost.
+template<class R> int place(const sopt *s, const swork<R> *w, int j, int status)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const R d = w->Cbar.data[j], tol = R(s->OptTol);
     if (lower == upper) return AT_FIXED; // assigned alike
     const bool below = has_lower(s, lower), above = has_upper(s, upper);
-    const bool wrong = (d > tol && !below) || (d < -tol && !above);
-    if (wrong) dual_shift_cost(s, w, j, R(0));
     if (!below && !above) return AT_FREE;
     if (!below) return AT_UPPER;
     if (!above) return AT_LOWER;
     if (std::abs(d) <= tol) return status == AT_UPPER ? AT_UPPER : AT_LOWER;
     return d < 0 ? AT_UPPER : AT_LOWER;
+}
+
+// The reduced cost of nonbasic j asks for a bound at infinity.
+template<class R> bool wants_infinity(const sopt *s, const swork<R> *w, int j)
+{
+    const R d = w->Cbar.data[j], tol = R(s->OptTol);
+    if (s->VStat.data[j] == AT_FIXED) return false;
+    return (d > tol && !has_lower(s, s->Lower.data[j])) ||
+           (d < -tol && !has_upper(s, s->Upper.data[j]));
 }
 
 // A nonbasic variable goes to its new place; the change of its value is added to Work.
@@ -63,9 +69,12 @@ template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
     else
         row_copy_insert(s, j);
     const double step = nonbasic_value(s, j) - before;
-    if (step == 0) return;
-    s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
-    dual_add_column(s, &w->Work, j, R(step));
+    if (step != 0) {
+        s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
+        dual_add_column(s, &w->Work, j, R(step));
+    }
+    // last, since the shift changes the objective by its product with the value
+    if (wants_infinity(s, w, j)) dual_shift_cost(s, w, j, R(0));
 }
 } // namespace
 
@@ -111,8 +120,7 @@ template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
     s->NPvt = s->IterBase = 0;
     s->LastPerturbIter = 0;
     s->LastDegenCount = s->DegenCount;
-    s->PerturbAllowed = s->Env->PerturbValue > 0;
-    s->SwitchCount = 0;
+    sopt_forget_trouble(s);
     s->Proof = PROOF_NONE;
     s->Stall = StallGuard{};
     stall_reset(s);
@@ -142,8 +150,7 @@ template<class R> int live_run_primal(sopt *s, swork<R> *w)
 
 namespace
 {
-// Bounds of a change in units of the working LP. A free variable that gets an upper bound also gets a lower bound far
-// away, because the working LP has no variables with only an upper bound.
+// Bounds of a change in units of the working LP.
 struct WorkingBounds {
     double Lower, Upper;
 };
@@ -159,7 +166,6 @@ WorkingBounds working_bounds(const sopt *s, const BoundChange &change)
         lower = -lower;
         upper = -upper;
     }
-    if (!has_lower(s, lower) && has_upper(s, upper)) lower = -s->Infinity / 2;
     return {lower, upper};
 }
 
@@ -167,8 +173,13 @@ template<class R> void apply_changes(sopt *s, swork<R> *w, const ResolveCall &ca
 {
     svec_clear(&w->Work);
     for (int k = 0; k < call.NumChanges; k++) {
-        const WorkingBounds b = working_bounds(s, call.Changes[k]);
-        live_set_bounds(s, w, call.Changes[k].Var, b.Lower, b.Upper);
+        const int j = call.Changes[k].Var;
+        WorkingBounds b = working_bounds(s, call.Changes[k]);
+        if (!has_lower(s, b.Lower) && has_upper(s, b.Upper)) { // only an upper bound
+            live_negate(s, w, j);
+            b = {-b.Upper, s->Infinity};
+        }
+        live_set_bounds(s, w, j, b.Lower, b.Upper);
     }
     if (s->Live == LIVE_FRESH) live_move_values(s, w);
 }
@@ -252,11 +263,14 @@ int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
     if (s->Status == SIMPLEX_OPTIMAL)
         value = s->ObjOffset +
                 (s->Live == LIVE_FRESH ? s->DualObj / s->ObjScale : true_objective(s, w));
+    else if (s->Status == SIMPLEX_CUTOFF)
+        value = s->CutoffBound + s->ObjOffset;
     else if (s->Status != SIMPLEX_INFEASIBLE)
         value = lower_bound(s, w);
     if (s->Status == SIMPLEX_OPTIMAL && value - s->ObjOffset > s->Cutoff)
         s->Status = SIMPLEX_CUTOFF;
     s->Obj = value - s->ObjOffset;
+    if (!has_factor(s, w)) s->Live = LIVE_STALE; // the last update failed
     *out = {s->Status, value, s->NPvt};
     return 0;
 }
@@ -268,6 +282,7 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     s->IterLimit = HUGE_VAL;
     s->EndFactor = 0;
     s->Cutoff = HUGE_VAL;
+    s->Stopped = 0; // what a limit left belongs to other bounds and rows
     s->Status = SIMPLEX_RUNNING;
     take_true_lp<R>(s);
     if (!has_factor(s, w)) TRY(Refactor(s, w));
@@ -278,7 +293,6 @@ template<class R> int go_live(sopt *s, swork<R> *w)
 
 template<class R> int clean(sopt *s, swork<R> *w)
 {
-    if (s->Live != LIVE_FRESH) return 0; // the next solve computes all
     if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
         dual_weights_save(s, w);
         TRY(Refactor(s, w));

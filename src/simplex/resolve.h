@@ -7,8 +7,10 @@
 //   LIVE_NO     the record belongs to SimplexOptimize                     SimplexOptimize
 //   LIVE_STALE  basis and bounds stand; values, reduced costs, merits     simplex_go_live, simplex_load_basis,
 //               and perhaps factors are to be computed by the next solve  simplex_delete_rows, simplex_clean, a solve that
-//                                                                         needed another method
-//   LIVE_FRESH  all belong together, with true costs and bounds           simplex_resolve
+//                                                                         needed another method or
+//                                                                         whose last update failed
+//   LIVE_FRESH  all belong together, with true bounds; after CUTOFF and   simplex_resolve
+//               limits costs may be shifted
 // All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
 // TimeLimit and the stop flag count, limits and cutoff are arguments.
 #pragma once

@@ -160,7 +160,7 @@ bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &
 }
 
 // Another run from the current basis.
-int run_again(sopt *s, int method)
+int run_again(sopt *s, SimplexMethod method)
 {
     s->Status = SIMPLEX_RUNNING;
     s->Method = method;
@@ -258,7 +258,7 @@ int prepare_basis(sopt *s, const SimplexCall &call, bool *from_slacks)
 }
 
 // A run that a limit stopped continues with the method that was running.
-int choose_method(const sopt *s, int method)
+SimplexMethod choose_method(const sopt *s, SimplexMethod method)
 {
     if (s->Superbasics > 0) return METHOD_PRIMAL;
     if (s->Stopped && s->AskedMethod == method) return s->StoppedMethod;

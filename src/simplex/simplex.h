@@ -27,7 +27,7 @@ struct SimplexTuning {
 
 // Arguments of a run.
 struct SimplexCall {
-    int Method = METHOD_AUTO;
+    SimplexMethod Method = METHOD_AUTO;
     // [n + m] start basis; null: that of the record, or slacks
     const int *Statuses = nullptr;
     const double *Norms = nullptr; // [n + m] dual steepest edge weights for it, or null

@@ -212,6 +212,18 @@ bool sopt_take_up_stop(sopt *s)
     return true;
 }
 
+void sopt_forget_trouble(sopt *s)
+{
+    const TVXenv *env = s->Env;
+    s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);
+    s->FeasTolCount = s->OptTolCount = 0;
+    s->NumericCount = s->SingularCount = s->SwitchCount = 0;
+    s->PerturbAllowed = env->PerturbValue > 0;
+    s->PerturbCur = env->PerturbValue;
+    if (env->PerturbValue <= PERTURB_DEFAULT)
+        s->PerturbCur *= s->NumRows <= PERTURB_SMALL_ROWS ? PERTURB_SMALL : PERTURB_LARGE;
+}
+
 void sopt_refresh(sopt *s, const SimplexCall &call)
 {
     const TVXenv *env = s->Env;
@@ -239,19 +251,13 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->LimitedFarkas = LimitedProof{};
     s->FeasTol = std::min(env->FeasibilityTol, s->Tuning.Tolerance);
     s->OptTol = std::min(env->OptimalityTol, s->Tuning.Tolerance);
-    s->MarkowitzTol = std::max(env->MarkowitzTol, s->Tuning.Markowitz);
     s->PivotTol = env->TARV_PAR_PIVOTTOL;
     s->BigTol = env->TARV_PAR_BIGTOL;
     s->ZeroTol = env->TARV_PAR_ZERO;
-    s->FeasTolCount = s->OptTolCount = 0;
     s->TightProof = 0;
-    s->NumericCount = s->SingularCount = s->SwitchCount = 0;
     s->Perturbed = PERTURBED_NONE;
     s->BoxPhase = 0;
-    s->PerturbAllowed = env->PerturbValue > 0;
-    s->PerturbCur = env->PerturbValue;
-    if (env->PerturbValue <= PERTURB_DEFAULT)
-        s->PerturbCur *= s->NumRows <= PERTURB_SMALL_ROWS ? PERTURB_SMALL : PERTURB_LARGE;
+    sopt_forget_trouble(s);
     s->DegenCount = s->LastDegenCount = s->LastPerturbIter = 0;
     const double m = s->NumRows;
     s->MaxUpdates = update_limit(s, UPDATES_POWER);

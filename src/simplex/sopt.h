@@ -41,17 +41,18 @@ template<class R> struct swork {
 
 // Counters and adapted tolerances of a run. Strong branching saves and restores them by one assignment.
 struct SimplexCounters {
-    double IterBase = 0;      // iterations that earlier stages of the same solve took
-    double NPvt = 0;          // iterations of this run
-    double Pivots = 0;        // pivots since the record was created
-    double Work = 0;          // NPvt plus bound flips
-    int NumFactor = 0;        // factorisations
-    int Method = METHOD_DUAL; // method of the last run
-    double Obj = 0;           // objective in user units, minimisation, without ObjOffset
+    double IterBase = 0; // iterations that earlier stages of the same solve took
+    double NPvt = 0;     // iterations of this run
+    double Pivots = 0;   // pivots since the record was created
+    double Work = 0;     // NPvt plus bound flips
+    int NumFactor = 0;   // factorisations
+    SimplexMethod Method = METHOD_DUAL; // method of the last run
+    double Obj = 0; // objective in user units, minimisation, without ObjOffset
     // Dual simplex with a cutoff, or live: objective for the costs in force, in units of the working LP; value of it
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
-    int RefacReason = REFAC_NONE; // see the table above
+    double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
+    int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)
     StallGuard Stall;
     int SwitchCount = 0;    // changes of method in this run
     int NumericCount = 0;   // rejected pivots, singular bases, large residuals in this run
@@ -146,7 +147,7 @@ struct sopt : SimplexCounters {
     int BasisAge = 0;
 
     // Run
-    int Status = 0; // SimplexStatus, see the table above
+    int Status = 0; // SimplexStatus (sopt_states.h)
     // The first method is the one for which the start basis is feasible.
     int MethodByStart = 0;
     int BadVar = -1;                // variable whose bounds alone gave the status, or -1
@@ -159,9 +160,9 @@ struct sopt : SimplexCounters {
     // A limit stopped the last run. The next run continues with the same method and the same perturbation: otherwise it
     // could undo the pivots of the last one, and a sequence of short runs might never reach the optimum.
     int Stopped = 0;
-    int AskedMethod = 0,
-        StoppedMethod = 0;  // method asked for by the caller; method that ran
-    int StoppedPerturb = 0; // PerturbAllowed of the stopped run
+    SimplexMethod AskedMethod = METHOD_PRIMAL,
+                  StoppedMethod = METHOD_PRIMAL; // asked for by the caller; that ran
+    int StoppedPerturb = 0;                      // PerturbAllowed of the stopped run
     // Empty, or what was added to the costs [NumVars] (dual), or to lower and then upper bounds [2 NumVars] (primal).
     Array<double> StoppedShift;
     // Empty, or [NumVars] nonbasics at their upper bound of the box problem.
@@ -312,6 +313,8 @@ int simplex_answer(const void *record, int what, void *result);
                               sopt **out); // scaled working LP, row copy; no basis yet
 void sopt_refresh(sopt *s,
                   const SimplexCall &call); // tolerances, limits, counters for a new run
+// The part of it that numeric trouble or a stall changes: counters, Markowitz tolerance, size of perturbations.
+void sopt_forget_trouble(sopt *s);
 // At the end of a run: sets Stopped and the fields after it. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sopt_keep_stop(sopt *s);
 // Called by the first method of a run: true if it continues a stopped run, whose perturbation is then restored.

@@ -53,8 +53,9 @@
 //   NONE -> SINGLE          dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
 //   NONE, SINGLE -> ALL     dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
 //   any -> NONE             dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; take_true_lp
-//                           of resolve.cpp, bring_back of strong_branch.cpp), primal_remove_perturbation (setup of primal.cpp;
-//                           end_phase1, end_phase2, primal_no_row of primal_end.cpp), finish_values, sopt_refresh
+//                           of resolve.cpp, bring_back of strong_branch.cpp), primal_remove_perturbation (setup of
+//                           primal.cpp; end_phase1, end_phase2, primal_no_row of primal_end.cpp), finish_values,
+//                           sopt_refresh
 #pragma once
 #include "lu/lufact.h"
 

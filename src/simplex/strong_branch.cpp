@@ -151,23 +151,36 @@ template<class R> int bring_back(StrongBranch *b, swork<R> *w, int branched)
     return code;
 }
 
-// The bounds of a variable in a branch, in units of the working LP. A free variable that gets an upper bound also gets a lower
-// bound far away, because the working LP has no variables with only an upper bound.
+// The bounds of a variable in a branch, in units of the working LP.
 struct Tightened {
     int Var;
     double Lower, Upper;
 };
 
+// The column would keep an upper bound only: it is probed with the other sign.
+bool has_wrong_sign(const sopt *s, int j, BranchSide side)
+{
+    const bool from_above = (side == BranchSide::DOWN) == (s->ColScale.data[j] > 0);
+    return from_above && !has_lower(s, s->Lower.data[j]);
+}
+
+template<class R> void turn_column(StrongBranch *b, swork<R> *w, int j)
+{
+    sopt *s = b->Record;
+    KeptState<R> *k = kept<R>(b);
+    live_negate(s, w, j);
+    k->Cbar.data[j] = -k->Cbar.data[j];
+    if (is_basic(s, j)) k->Bbar.data[s->VStat.data[j]] = -k->Bbar.data[s->VStat.data[j]];
+}
+
 Tightened tighten(const sopt *s, int j, BranchSide side, double bound)
 {
     Tightened branch = {j, s->Lower.data[j], s->Upper.data[j]};
     const double scale = s->ColScale.data[j], limit = bound / scale;
-    const bool from_above = (side == BranchSide::DOWN) == (scale > 0);
-    if (from_above)
+    if ((side == BranchSide::DOWN) == (scale > 0))
         branch.Upper = std::min(branch.Upper, limit);
     else
         branch.Lower = std::max(branch.Lower, limit);
-    if (from_above && !has_lower(s, branch.Lower)) branch.Lower = -s->Infinity / 2;
     return branch;
 }
 
@@ -316,8 +329,10 @@ int strong_branch_open(sopt *s, StrongBranch **out)
     return code;
 }
 
-int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
-                        double iteration_limit, BranchOutcome *outcome)
+namespace
+{
+int probe_column(StrongBranch *branch, int j, BranchSide side, double bound, double limit,
+                 BranchOutcome *outcome)
 {
     sopt *s = branch->Record;
     const double x = value_of(s, j);
@@ -328,8 +343,25 @@ int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bou
         *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
     }
-    return s->Quad ? probe(branch, s->Extended, t, iteration_limit, outcome)
-                   : probe(branch, s->Double, t, iteration_limit, outcome);
+    return s->Quad ? probe(branch, s->Extended, t, limit, outcome)
+                   : probe(branch, s->Double, t, limit, outcome);
+}
+
+void turn_column(StrongBranch *b, int j)
+{
+    sopt *s = b->Record;
+    s->Quad ? turn_column(b, s->Extended, j) : turn_column(b, s->Double, j);
+}
+} // namespace
+
+int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
+                        double iteration_limit, BranchOutcome *outcome)
+{
+    const bool turned = has_wrong_sign(branch->Record, j, side);
+    if (turned) turn_column(branch, j);
+    const int code = probe_column(branch, j, side, bound, iteration_limit, outcome);
+    if (turned) turn_column(branch, j); // exactly as before
+    return code;
 }
 
 void strong_branch_close(StrongBranch *branch)

@@ -80,6 +80,6 @@ TEST_F(RelaxedModel, feasibility_measures_each_side)
         ASSERT_EQ(TVXgetdblattrelement(elastic, "X", 2 + k, &value), 0);
         EXPECT_EQ(value, expected[k].second) << name;
     }
-    ASSERT_EQ(TVXsetdblattrelement(elastic, "LB", 0, 7), 0); // bounds are not given way
+    ASSERT_EQ(TVXsetdblattrelement(elastic, "LB", 0, 7), 0); // bounds are not relaxed
     EXPECT_EQ(value_of(elastic), HUGE_VAL);
 }

@@ -90,6 +90,26 @@ TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)
     TVXfreemodel(copy);
 }
 
+TEST_F(Callback, is_polled_by_solves_within_solves)
+{
+    TVXmodel *copy = TVXcopymodel(model);
+    TVXenv *variant = nullptr, *inner = nullptr, *innermost = nullptr, *tuned = nullptr;
+    ASSERT_EQ(env_variant(&variant, own()), 0); // as a search works in
+    ASSERT_EQ(env_inner(&inner, variant), 0);
+    ASSERT_EQ(env_inner(&innermost, inner), 0);
+    ASSERT_EQ(env_variant(&tuned, innermost), 0);
+    for (TVXenv *outer : {variant, inner, innermost, tuned}) {
+        calls.clear();
+        TVXgetenv(copy)->outer = outer;
+        EXPECT_EQ(TVXresetmodel(copy), 0);
+        EXPECT_EQ(TVXoptimize(copy), 0);
+        EXPECT_GT(calls[TVX_WHERE_POLLING], 0);
+        EXPECT_EQ(calls.size(), 1U); // and nothing else
+    }
+    for (TVXenv *other : {tuned, innermost, inner, variant}) env_free(other);
+    TVXfreemodel(copy);
+}
+
 TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)
 {
     ASSERT_EQ(solve(1), 0);

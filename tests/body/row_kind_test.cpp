@@ -1,4 +1,4 @@
-// row_kind_test.cpp -- rows with infinite right-hand sides and with senses that are none, on every road of a solve
+// row_kind_test.cpp -- rows with infinite right-hand sides and with senses that are none, by every way to solve
 #include "body/row_kind.h"
 #include "support/model_test.h"
 #include "support/settings.h"
@@ -6,8 +6,8 @@
 namespace
 {
 
-// The roads of a solve.
-std::vector<Settings> roads()
+// The ways to solve.
+std::vector<Settings> ways()
 {
     std::vector<Settings> list;
     for (const double method : {0, 1})
@@ -35,17 +35,17 @@ struct RowKinds : ModelTest {
         ASSERT_EQ(TVXoptimize(model), 0);
         ASSERT_EQ(integer("Status"), status);
     }
-    // On all roads; `made` gives the fixture a fresh model.
-    template<class Make> void on_all_roads(const Make &made, int status)
+    // By all ways to solve; `made` gives the fixture a fresh model.
+    template<class Make> void by_all_ways(const Make &made, int status)
     {
-        for (const Settings &road : roads()) {
+        for (const Settings &way : ways()) {
             made();
-            ASSERT_EQ(settings_apply(own(), road), 0);
+            ASSERT_EQ(settings_apply(own(), way), 0);
             expect_status(status);
             if (status == TVX_OPTIMAL) {
                 ASSERT_DOUBLE_EQ(dbl("ObjVal"), 20);
             }
-            if (HasFatalFailure()) FAIL() << settings_text(road);
+            if (HasFatalFailure()) FAIL() << settings_text(way);
         }
     }
 };
@@ -62,7 +62,7 @@ TEST_F(RowKinds, an_infinite_side_asks_for_nothing_or_for_what_no_point_has)
                                                    {'=', side, TVX_INFEASIBLE},
                                                    {'=', -side, TVX_INFEASIBLE},
                                                    {'?', -side, TVX_INFEASIBLE}})
-            on_all_roads([&, s = sense, v = value] { plan(s, v); }, status);
+            by_all_ways([&, s = sense, v = value] { plan(s, v); }, status);
     plan('<', -9.9e19); // still a number
     ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
     expect_status(TVX_INFEASIBLE);
@@ -130,7 +130,7 @@ TEST_F(RowKinds, ranges_with_infinite_sides)
                                                {1e100, 5, TVX_INFEASIBLE},
                                                {5, -1e100, TVX_INFEASIBLE},
                                                {5, 1, TVX_INFEASIBLE}})
-        on_all_roads(
+        by_all_ways(
             [&, low = lower, up = upper] {
                 plan('<', 1e100);
                 ASSERT_EQ(TVXaddrangeconstr(model, 2, ind, val, low, up, nullptr), 0);
@@ -146,9 +146,9 @@ TEST_F(RowKinds, a_sense_that_is_none_stays_and_counts_as_less)
         lp.sense = -1;
         lp_add_var(&lp, 1, 0, LP_INFINITY);
         for (int i = 0; i < 50; i++) lp_add_row_entries(&lp, {{0, 1}}, sense, 5 + i);
-        for (const Settings &road : roads()) {
+        for (const Settings &way : ways()) {
             load(lp);
-            ASSERT_EQ(settings_apply(own(), road), 0);
+            ASSERT_EQ(settings_apply(own(), way), 0);
             expect_status(TVX_OPTIMAL);
             EXPECT_EQ(dbl("ObjVal"), 5);
         }

@@ -19,7 +19,7 @@ TEST_F(CliUsage, HelpVersionAndParametersGoToStandardOutput)
     EXPECT_THAT(list.out, HasSubstr("\nOutputFlag "));
     EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 64);
     file_put("tarvex.env", "LPMethod 0\n");
-    const Outcome two = ends(0, {"--parameters", "lp_method", "TARV_PAR_BIGM"},
+    const Outcome two = ends(0, {"--parameters", "lp-method", "TARV_PAR_BIGM"},
                              "LPMethod: int, 0 to 2, default 1\n"
                              "  set to 0 by tarvex.env\n");
     EXPECT_THAT(two.out, HasSubstr("  Words: primal (0), dual (1), barrier (2)\n"));
@@ -85,6 +85,11 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
             ends(2, {option, next, "plan.mps"}, "needs a value");
         ends(2, {std::string(option) + "=", "plan.mps"}, "needs a value");
     }
+    // No log is begun by a call that is refused for its words.
+    file_put("tarvex.env", "LogFile begun.log\n");
+    ends(2, {"NoSuchThing=5", "plan.mps"}, "'NoSuchThing'");
+    ends(2, {"--convert", "plan.mps"});
+    std::filesystem::remove("tarvex.env");
     int files = 0;
     for (const auto &entry : std::filesystem::directory_iterator("."))
         files += entry.is_regular_file();

@@ -143,7 +143,7 @@ TEST_F(Env, ACopyHasItsOwnValuesAndOpensTheLogAgain)
     std::filesystem::create_directory("d");
     ASSERT_EQ(TVXsetstrparam(env, "LogFile", "d/a.log"), 0);
     TVXenv *copy = nullptr, *second = nullptr, *third = nullptr;
-    ASSERT_EQ(env_copy(&copy, env, LogReopen::YES), 0);
+    ASSERT_EQ(env_copy(&copy, env, EnvFiles::AS_SOURCE), 0);
     ASSERT_EQ(TVXsetintparam(copy, "Cuts", 3), 0);
     EXPECT_EQ(env->Cuts, -1);
     EXPECT_NE(copy->log_file, env->log_file);
@@ -153,7 +153,7 @@ TEST_F(Env, ACopyHasItsOwnValuesAndOpensTheLogAgain)
     EXPECT_EQ(message(), "shared");
     TVXfreeenv(copy); // belongs to its model: ignored
     EXPECT_EQ(env_check(copy), 0);
-    ASSERT_EQ(env_copy(&second, copy, LogReopen::NO), 0);
+    ASSERT_EQ(env_copy(&second, copy, EnvFiles::NONE), 0);
     EXPECT_EQ(second->log_file, nullptr);
     env_free(copy);
     EXPECT_EQ(TVXsetintparam(second, "Cuts", 1), 0); // holds the master, not the copy
@@ -161,7 +161,7 @@ TEST_F(Env, ACopyHasItsOwnValuesAndOpensTheLogAgain)
 
     std::filesystem::remove_all("d"); // a log that has gone is done without
     Output output;
-    ASSERT_EQ(env_copy(&third, env, LogReopen::YES), 0);
+    ASSERT_EQ(env_copy(&third, env, EnvFiles::AS_SOURCE), 0);
     EXPECT_EQ(output.text(), "Warning: Failed to open log file 'd/a.log'\n");
     EXPECT_EQ(third->log_file, nullptr);
     EXPECT_STREQ(TVXgeterrormsg(third), "");
@@ -179,7 +179,7 @@ TEST_F(Env, AModelHandleIsChecked)
     model.magic = MODEL_MAGIC;
     EXPECT_EQ(TVXcheckmodel(&model), TVX_ERROR_NULL_ARGUMENT); // no environment
 
-    ASSERT_EQ(env_copy(&model.env, env, LogReopen::NO), 0);
+    ASSERT_EQ(env_copy(&model.env, env, EnvFiles::NONE), 0);
     fail_model(&model, 10003, Report::FORCE, "text");
     finish_model(&model, 10003);
     for (int k = 0; k < 2; k++) EXPECT_STREQ(TVXgetmerrormsg(&model), "text");
@@ -203,7 +203,7 @@ TEST_F(Env, AfterTheMasterIsFreedItsModelsRefuseWithAWarning)
         "Warning: invalid Tarvex environment. Was it freed too early?\n";
     TVXmodel model;
     model.magic = MODEL_MAGIC;
-    ASSERT_EQ(env_copy(&model.env, env, LogReopen::NO), 0);
+    ASSERT_EQ(env_copy(&model.env, env, EnvFiles::NONE), 0);
     TVXfreeenv(env);
     env = nullptr;
     Output output;
@@ -231,7 +231,7 @@ TEST_F(Env, CopiesServeSeveralThreads)
     const auto work = [this](int number) {
         for (int k = 0; k < 200; k++) {
             TVXenv *copy = nullptr;
-            ASSERT_EQ(env_copy(&copy, env, LogReopen::NO), 0);
+            ASSERT_EQ(env_copy(&copy, env, EnvFiles::NONE), 0);
             fail(copy, 10014, k % 2 ? Report::FORCE : Report::KEEP_FIRST, "%d", number);
             flag_store(copy->terminate_ptr, 1); // all point at the master's flag
             finish(copy, k % 3 ? 10014 : 0);
@@ -265,7 +265,7 @@ TEST(EnvMemory, EveryRefusedRequestEndsTheStartCleanlyAndACopyLeavesItsSourceAlo
     }
     TVXenv *copy = env;
     mem_fault_arm(1);
-    EXPECT_EQ(env_copy(&copy, env, LogReopen::YES), OUT_OF_MEMORY);
+    EXPECT_EQ(env_copy(&copy, env, EnvFiles::AS_SOURCE), OUT_OF_MEMORY);
     mem_fault_arm(0);
     EXPECT_EQ(copy, nullptr);
     EXPECT_EQ(env->holders + env->model_copies, 1);

@@ -213,7 +213,7 @@ TEST_F(Parameters, AMasterWithModelsWarnsOnce)
     ASSERT_EQ(TVXsetintparam(env, "Cuts", 1), 0);
     EXPECT_EQ(quiet.text(), ""); // no model yet
     TVXenv *copy = nullptr;
-    ASSERT_EQ(env_copy(&copy, env, LogReopen::NO), 0);
+    ASSERT_EQ(env_copy(&copy, env, EnvFiles::NONE), 0);
     Output output;
     TVXsetintparam(copy, "Cuts", 2); // a model's own environment
     TVXsetintparam(env, "OutputFlag", 0);

@@ -42,7 +42,7 @@ struct LpAuxiliary : ModelTest {
     void SetUp() override { load(trading()); }
 };
 
-LpStart start_by(int method)
+LpStart start_by(SimplexMethod method)
 {
     LpStart run;
     run.method = method;
@@ -53,7 +53,7 @@ LpStart start_by(int method)
 TEST_F(LpAuxiliary, gives_either_method_a_basis)
 {
     const int n = integer("NumVars"), m = integer("NumConstrs");
-    for (const int method : {METHOD_PRIMAL, METHOD_DUAL}) {
+    for (const SimplexMethod method : {METHOD_PRIMAL, METHOD_DUAL}) {
         AuxiliaryStart start;
         ASSERT_EQ(lp_auxiliary_start(model->body, model->env, start_by(method), 0, &start),
                   0);

@@ -50,7 +50,7 @@ TEST_F(LpStartTest, a_basis_given_since_comes_first_then_the_form_the_record_and
 
 TEST_F(LpStartTest, the_dual_form_is_solved_by_the_other_method)
 {
-    for (const int method : {METHOD_PRIMAL, METHOD_DUAL}) {
+    for (const SimplexMethod method : {METHOD_PRIMAL, METHOD_DUAL}) {
         ASSERT_EQ(TVXresetmodel(model), 0);
         ASSERT_EQ(settings_apply(own(), {{"PreDual", 1}, {"LPMethod", method}}), 0);
         ASSERT_EQ(TVXoptimize(model), 0);

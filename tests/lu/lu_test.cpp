@@ -319,6 +319,7 @@ TEST(Lu, update_refuses_a_vanishing_pivot_and_leaves_the_factors)
     svec_unit(&rho, 5, 1.0);
     Btran(&f.lu, &rho, SOLVE_ROW, Keep::YES);
     EXPECT_EQ(UPDATE_UNSTABLE, UpdateFactor(&f.lu, 5, alpha.Value.data[5]));
+    EXPECT_EQ(1, f.lu.NeedBasis) << "the caller's basis is another one";
     EXPECT_EQ(0, f.lu.NumUpdates);
     check_solves(&f, 1e-8, &dice);
 }

@@ -149,18 +149,18 @@ TEST_P(Collection, is_read_whole_and_written_the_same)
 // The answer does not depend on what presolve does: off, and on at levels and with parts that are not the default.
 TEST_P(Collection, reference_answer_whatever_presolve_does)
 {
-    const Settings roads[] = {
+    const Settings ways[] = {
         {{"Presolve", 0}},
         {{"Presolve", 1}, {"TARV_PAR_DUALREDUCTION", 0}},
         {{"Presolve", 2}},
         {{"Presolve", 2}, {"Aggregate", 0}, {"PrePasses", 1}},
         {{"Presolve", 2}, {"PreDual", 1}},
     };
-    for (Settings road : roads) {
+    for (Settings way : ways) {
         const Settings wanted = wanted_settings();
-        road.insert(road.end(), wanted.begin(), wanted.end());
-        SCOPED_TRACE(settings_text(road));
-        ASSERT_NO_FATAL_FAILURE(expect_reference(GetParam(), road, false));
+        way.insert(way.end(), wanted.begin(), wanted.end());
+        SCOPED_TRACE(settings_text(way));
+        ASSERT_NO_FATAL_FAILURE(expect_reference(GetParam(), way, false));
     }
 }
 

@@ -1,7 +1,7 @@
-// differential_test.cpp -- the same model by different roads must give the same answer
+// differential_test.cpp -- the same model by different ways to solve it must give the same answer
 //
 // Models of all generated families. Every optimal answer passes the optimality checker, every planted truth must be
-// found, and where two roads lead to one model (methods, reductions, changes against a fresh start, a copy, a
+// found, and where there are two ways to solve one model (methods, reductions, changes against a fresh start, a copy, a
 // basis taken along, a second run, threads side by side) both must agree.
 //   TARVEX_DIFFERENTIAL_COUNT=n    models per test (104)
 #include "model/model.h"
@@ -101,7 +101,7 @@ static Settings draw_presolve_settings(Dice *dice)
     return settings;
 }
 
-// By either method, plain and with presolve under any of its settings; the way back hardly ever leaves work to be done.
+// By either method, plain and with presolve under any of its settings; postsolve hardly ever leaves work to be done.
 TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
 {
     constexpr int DRAWS = 6;
@@ -110,15 +110,15 @@ TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
     for (int seed = 0; seed < subject_count(); seed++) {
         Dice dice(seed);
         const Subject s = make_subject(seed, &dice);
-        std::vector<Settings> roads = {method(0, 0), method(1, 0), method(0, -1),
-                                       method(1, -1)};
-        for (int k = 0; k < DRAWS; k++) roads.push_back(draw_presolve_settings(&dice));
-        for (size_t k = 0; k < roads.size(); k++) {
-            SCOPED_TRACE(s.text() + settings_text(roads[k]));
+        std::vector<Settings> ways = {method(0, 0), method(1, 0), method(0, -1),
+                                      method(1, -1)};
+        for (int k = 0; k < DRAWS; k++) ways.push_back(draw_presolve_settings(&dice));
+        for (size_t k = 0; k < ways.size(); k++) {
+            SCOPED_TRACE(s.text() + settings_text(ways[k]));
             const bool presolve = k > 1;
             const TestModel model(lp_load(env.env, &s.g.lp));
             LpSolution solution;
-            ASSERT_EQ(settings_apply(TVXgetenv(model), roads[k]), 0);
+            ASSERT_EQ(settings_apply(TVXgetenv(model), ways[k]), 0);
             ASSERT_EQ(solve_checked(model, &s.g.lp, &solution), "")
                 << lp_to_mps(&s.g.lp, "");
             ASSERT_EQ(truth_missed(s.g, solution, presolve), "") << lp_to_mps(&s.g.lp, "");

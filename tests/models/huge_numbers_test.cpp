@@ -13,19 +13,19 @@ constexpr double INF = LP_INFINITY;
 const double SIZES[] = {1e15, 1e19, 1e20, 1e30, 1e99, 1e100, 1e200, 1e300, 1e307};
 
 struct HugeNumbers : ModelTest {
-    Settings more; // on all roads
+    Settings more; // by all ways to solve
 
     // Calls look(status) after each solve.
     template<class Look> void solve_all(const LpModel &lp, const Look &look)
     {
-        for (const Settings &road : settings_product({{"LPMethod", {0, 1}},
-                                                      {"PreDual", {0, 1, 2}},
-                                                      {"Presolve", {-1, 0}},
-                                                      {"ScaleFlag", {0, 1}}},
-                                                     more)) {
-            SCOPED_TRACE(settings_text(road));
+        for (const Settings &way : settings_product({{"LPMethod", {0, 1}},
+                                                     {"PreDual", {0, 1, 2}},
+                                                     {"Presolve", {-1, 0}},
+                                                     {"ScaleFlag", {0, 1}}},
+                                                    more)) {
+            SCOPED_TRACE(settings_text(way));
             load(lp);
-            ASSERT_EQ(settings_apply(own(), road), 0);
+            ASSERT_EQ(settings_apply(own(), way), 0);
             ASSERT_EQ(TVXoptimize(model), 0);
             look(integer("Status"));
             if (HasFailure()) return;

@@ -67,7 +67,7 @@ const Family families[] = {gen_multi_period, gen_network, gen_blending,
                            gen_planted_optimum};
 
 // Settings with presolve, by either method and on the dual form; and without.
-const std::vector<Settings> roads = {
+const std::vector<Settings> ways = {
     {{"Presolve", -1}},
     {{"Presolve", 1}},
     {{"Presolve", 2}},
@@ -75,13 +75,13 @@ const std::vector<Settings> roads = {
     {{"Presolve", 1}, {"PreDual", 1}},
     {{"Presolve", -1}, {"PreDual", 1}, {"LPMethod", 0}},
 };
-const std::vector<Settings> direct_roads = {{{"Presolve", 0}},
-                                            {{"Presolve", 0}, {"LPMethod", 0}}};
+const std::vector<Settings> direct_ways = {{{"Presolve", 0}},
+                                           {{"Presolve", 0}, {"LPMethod", 0}}};
 
-std::vector<Settings> all_roads()
+std::vector<Settings> all_ways()
 {
-    std::vector<Settings> all = roads;
-    all.insert(all.end(), direct_roads.begin(), direct_roads.end());
+    std::vector<Settings> all = ways;
+    all.insert(all.end(), direct_ways.begin(), direct_ways.end());
     return all;
 }
 
@@ -91,13 +91,13 @@ LpModel example(Family family, int size, uint64_t seed = 42)
     return family(&dice, size).lp;
 }
 
-// Calls `use` with a run of every family on each of the roads.
-template<class Use> void on_roads(const std::vector<Settings> &list, const Use &use)
+// Calls `use` with a run of every family by each of the ways to solve.
+template<class Use> void on_ways(const std::vector<Settings> &list, const Use &use)
 {
-    for (const Settings &road : list)
+    for (const Settings &way : list)
         for (const Family family : families) {
-            SCOPED_TRACE(settings_text(road));
-            Legs run(example(family, 60), road);
+            SCOPED_TRACE(settings_text(way));
+            Legs run(example(family, 60), way);
             ASSERT_EQ(judge_optimal(&run.lp, &run.whole), "");
             use(&run);
             if (testing::Test::HasFatalFailure()) return;
@@ -129,7 +129,7 @@ void expect_basic_point(const Legs &run)
 TEST(Limits, a_limit_stops_shows_a_basic_point_of_the_model_and_the_next_solve_continues)
 {
     int shown = 0;
-    on_roads(all_roads(), [&](Legs *run) {
+    on_ways(all_ways(), [&](Legs *run) {
         for (const double limit : {0.0, 1.0, 2.0, 7.0, run->whole.iterations}) {
             const int status = run->anew(limit);
             // The end itself may have to be confirmed.
@@ -148,7 +148,7 @@ TEST(Limits, a_limit_stops_shows_a_basic_point_of_the_model_and_the_next_solve_c
 // One iteration a call: wherever a call stops, the next one gets further.
 TEST(Limits, a_solve_arrives_in_steps_of_one_iteration)
 {
-    on_roads(all_roads(), [](Legs *run) {
+    on_ways(all_ways(), [](Legs *run) {
         EXPECT_TRUE(run->in_legs(1, 3000));
         run->expect_optimum();
     });
@@ -157,9 +157,9 @@ TEST(Limits, a_solve_arrives_in_steps_of_one_iteration)
 // Else each call would start from the costs without perturbation, and undo what the one before had done.
 TEST(Limits, a_stopped_run_keeps_its_perturbation)
 {
-    for (const Settings &road : direct_roads) {
-        SCOPED_TRACE(settings_text(road));
-        Legs run(example(gen_assignment, 500, 7), road);
+    for (const Settings &way : direct_ways) {
+        SCOPED_TRACE(settings_text(way));
+        Legs run(example(gen_assignment, 500, 7), way);
         EXPECT_TRUE(run.in_legs(20, static_cast<int>(run.whole.iterations / 10)));
         EXPECT_EQ(run.last.status, TVX_OPTIMAL);
     }
@@ -168,12 +168,12 @@ TEST(Limits, a_stopped_run_keeps_its_perturbation)
 TEST(Limits, short_runs_arrive_whatever_the_end_is)
 {
     for (uint64_t seed = 0; seed < 600; seed++)
-        for (const Settings &road : direct_roads) {
+        for (const Settings &way : direct_ways) {
             Dice dice(seed);
-            Legs run(gen_tiny(&dice, TinyLimits{.max_vars = 5, .max_rows = 4}), road);
+            Legs run(gen_tiny(&dice, TinyLimits{.max_vars = 5, .max_rows = 4}), way);
             run.in_legs(1, 100);
             ASSERT_EQ(run.last.status, run.whole.status) << seed << "\n"
-                                                         << settings_text(road);
+                                                         << settings_text(way);
         }
 }
 
@@ -182,10 +182,10 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
 {
     int stopped = 0;
     for (uint64_t seed = 0; seed < 60; seed++)
-        for (const Settings &road : roads) {
-            SCOPED_TRACE(settings_text(road));
+        for (const Settings &way : ways) {
+            SCOPED_TRACE(settings_text(way));
             Dice dice(seed);
-            Legs run(hostile_tall(&dice), road);
+            Legs run(hostile_tall(&dice), way);
             run.anew(NONE);
             if (run.last.status != TVX_OPTIMAL ||
                 run.last.iterations <= run.model.model->lp.result->reduced_itercount)
@@ -240,9 +240,9 @@ static int stop_at(TVXmodel *model, void *, int, void *data)
 // At any moment of the solve at which the caller hears of it.
 TEST(Limits, a_solve_that_is_interrupted_anywhere_is_gone_on_from)
 {
-    for (const Settings &road : roads) {
-        SCOPED_TRACE(settings_text(road));
-        Legs run(example(gen_multi_period, 12, 5), road);
+    for (const Settings &way : ways) {
+        SCOPED_TRACE(settings_text(way));
+        Legs run(example(gen_multi_period, 12, 5), way);
         StopAt at;
         ASSERT_EQ(TVXsetcallbackfunc(run.model, stop_at, &at), 0);
         run.go_on(NONE);
@@ -256,12 +256,12 @@ TEST(Limits, a_solve_that_is_interrupted_anywhere_is_gone_on_from)
     }
 }
 
-// The reduced model is solved, the way back has not begun: as a limit leaves it there.
-TEST(Limits, the_way_back_from_presolve_is_gone_on_from)
+// The reduced model is solved, postsolve has not begun: as a limit leaves it there.
+TEST(Limits, the_next_solve_begins_with_postsolve)
 {
-    for (const Settings &road : roads) {
-        SCOPED_TRACE(settings_text(road));
-        Legs run(example(gen_multi_period, 30, 5), road);
+    for (const Settings &way : ways) {
+        SCOPED_TRACE(settings_text(way));
+        Legs run(example(gen_multi_period, 30, 5), way);
         run.go_on(5);
         LpForm *form = run.model.model->lp.form;
         ASSERT_NE(form, nullptr);
@@ -294,7 +294,7 @@ TEST(Limits, work_is_that_of_the_last_call)
 
 TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
 {
-    on_roads(all_roads(), [](Legs *run) {
+    on_ways(all_ways(), [](Legs *run) {
         std::atomic<bool> done{false};
         std::thread stopper([&] {
             while (!done) // the start of a solve clears the request: repeat it
@@ -312,7 +312,7 @@ TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continu
 // On the model itself, a reduced one, and its dual, whose values come from the other side.
 TEST(Limits, cutoff_below_the_optimum_gives_status_6_and_lifting_it_continues)
 {
-    on_roads(all_roads(), [](Legs *run) {
+    on_ways(all_ways(), [](Legs *run) {
         const double value = run->whole.objval,
                      step = run->lp.sense * 1e-3 * (1 + std::fabs(value));
         LpSolution point;

@@ -118,11 +118,11 @@ TEST(OutOfMemory, update_of_a_solved_model)
 
 TEST(OutOfMemory, solve)
 {
-    const Settings roads[] = {{{"LPMethod", 0}},
-                              {{"LPMethod", 1}},
-                              {{"LPMethod", 0}, {"Quad", 1}},
-                              {{"LPMethod", 1}, {"Quad", 1}, {"Presolve", 0}}};
-    for (const Settings &road : roads)
+    const Settings ways[] = {{{"LPMethod", 0}},
+                             {{"LPMethod", 1}},
+                             {{"LPMethod", 0}, {"Quad", 1}},
+                             {{"LPMethod", 1}, {"Quad", 1}, {"Presolve", 0}}};
+    for (const Settings &way : ways)
         for (const Family family : {gen_multi_period, gen_planted_infeasible,
                                     gen_planted_unbounded, gen_badly_scaled})
             run_sweep({"solve",
@@ -130,7 +130,7 @@ TEST(OutOfMemory, solve)
                            s->lp = example(family, 10);
                            s->model = lp_load(s->env.env, &s->lp);
                            ASSERT_TRUE(s->model);
-                           ASSERT_EQ(settings_apply(TVXgetenv(s->model), road), 0);
+                           ASSERT_EQ(settings_apply(TVXgetenv(s->model), way), 0);
                        },
                        [](Scene *s) { return TVXoptimize(s->model); },
                        [](Scene *s, int code) {

@@ -25,13 +25,13 @@ struct SureAnswers : ModelTest {
 void expect_right(const LpModel &lp)
 {
     const TestEnv env;
-    for (const Settings &road : settings_product({{"LPMethod", {0, 1}},
-                                                  {"Presolve", {-1, 0}},
-                                                  {"PreDual", {-1, 1}},
-                                                  {"ScaleFlag", {0, 1}},
-                                                  {"Quad", {-1, 0, 1}}}))
-        ASSERT_EQ(solve_and_judge(env.env, &lp, road), "")
-            << lp_to_mps(&lp, settings_text(road));
+    for (const Settings &way : settings_product({{"LPMethod", {0, 1}},
+                                                 {"Presolve", {-1, 0}},
+                                                 {"PreDual", {-1, 1}},
+                                                 {"ScaleFlag", {0, 1}},
+                                                 {"Quad", {-1, 0, 1}}}))
+        ASSERT_EQ(solve_and_judge(env.env, &lp, way), "")
+            << lp_to_mps(&lp, settings_text(way));
 }
 
 // x0 = first, each variable `factor` times the one before, the last one at most `end`; minimise the sum.

@@ -18,6 +18,9 @@ RUNTIME_AND_ENV = [
           "(*inner_out)->outer = outer;\n    (*inner_out)->cb_active = outer->cb_active;\n"
           "    (*inner_out)->cb_record = outer->cb_record;",
           "an inner environment inherits the callback of the outer one", "Callback.*:Env.*:LpAuxiliary.*"),
+    Fault("src/env/callback.h",
+          "outer; outer = outer->outer)", "outer; outer = nullptr)",
+          "the callback is not polled by a solve two levels below it", "Callback.*"),
     Fault("src/env/limits.cpp",
           "if (env_stop_requested(env)) return TVX_INTERRUPTED;", "",
           "presolve does not hear that it shall stop", "PresolvedModel.*"),
@@ -269,7 +272,7 @@ LP_AND_MIP = [
           "*holds = bounds_hold(body, x.data, judge) || rows_hold(body, rows, judge);",
           "a point that misses a row of the model is called an optimum", "Families/Hostile.*"),
     Fault("src/lp/lp_presolved.cpp",
-          "return form->dual ? 1 - method : method;", "return (void)form, method;",
+          "if (!form->dual) return method;", "return (void)form, method;",
           "the dual form is solved by the method that the caller did not mean", "LpStartTest.*"),
     Fault("src/lp/lp_auxiliary.cpp",
           "std::max(0.0, outer->IterationLimit - done)", "std::max(0.0, outer->IterationLimit + done)",

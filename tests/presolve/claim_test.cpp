@@ -110,7 +110,7 @@ TEST(Claim, what_single_reductions_say_is_proved)
     }
 }
 
-TEST(Claim, the_way_back_takes_proofs_through_what_came_before)
+TEST(Claim, postsolve_takes_proofs_through_what_came_before)
 {
     LpModel lp; // a forced row, a slack, and then a contradiction
     for (int j = 0; j < 4; j++) lp_add_var(&lp, 1, 0, 10);
@@ -167,7 +167,7 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
         const TestModel model(lp_load(env.env, &lp));
         LpClaim small, claim;
         const Reduced left(model, &claim);
-        if (left.status != 0 && size == 8) {
+        if (left.status != PRESOLVE_OK && size == 8) {
             const Proof proof = judge(model.model->body, &claim);
             own.add(proof);
             expect_right(&lp, &claim, proof, seed);

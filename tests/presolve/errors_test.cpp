@@ -45,6 +45,6 @@ TEST(Errors, costs_that_are_rounding_do_not_make_a_model_unbounded)
             {{{1, 0, -1}, '=', 0}, {{0, 1, -1}, '=', 0}});
         expect_end(lp, {pre_columns, pre_aggregate, pre_fix_empty}, 0);
         lp.obj[2] -= 1e-3 * scale; // and this is a cost
-        expect_end(lp, {pre_columns, pre_aggregate, pre_fix_empty}, PRESOLVE_UNBOUNDED);
+        expect_end(lp, {pre_columns, pre_aggregate, pre_fix_empty}, END_UNBOUNDED);
     }
 }

@@ -7,7 +7,7 @@ namespace
 {
 
 // Solves as set up; with `x` from that point.
-const sopt *solve(TVXmodel *model, int method, const double *x = nullptr)
+const sopt *solve(TVXmodel *model, SimplexMethod method, const double *x = nullptr)
 {
     EXPECT_EQ(simplex_alone(model, {.Method = method, .X = x}), 0);
     return model->lp.simplex;

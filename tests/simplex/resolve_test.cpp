@@ -1,6 +1,7 @@
 // resolve_test.cpp -- a live record under random changes against fresh solves of the same LP
+#include "runtime/memory.h"
+#include "simplex/live_check.h"
 #include "simplex/resolve.h"
-#include "simplex/sopt.h"
 #include "support/inside.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -23,11 +24,35 @@ struct Walk {
     std::vector<BoundChange> changes;
     std::vector<NodeBasis> saved;
     int numeric = 0; // solves without an answer
+    TestEnv usual;   // of the fresh solves
 
-    Walk(uint64_t seed, Family family, int size)
-        : dice(seed), lp(family(&dice, size).lp), lb(lp.lb), ub(lp.ub),
-          model(lp_load(env.env, &lp))
+    Walk(uint64_t seed, Family family, int size, const Settings &settings)
+        : dice(seed), lp(turn_columns(&dice, family(&dice, size).lp)), lb(lp.lb), ub(lp.ub),
+          model(set(&env, settings, &lp))
     {
+    }
+    static TVXmodel *set(TestEnv *env, const Settings &settings, const LpModel *lp)
+    {
+        EXPECT_EQ(settings_apply(env->env, settings), 0);
+        return lp_load(env->env, lp);
+    }
+    // Some columns change their sign, so that they have only an upper bound; few become free.
+    static LpModel turn_columns(Dice *dice, LpModel lp)
+    {
+        if (!dice->chance(50)) return lp;
+        for (size_t j = 0; j < lp.cols.size(); j++) {
+            if (dice->chance(15)) {
+                lp.lb[j] = -LP_INFINITY;
+                lp.ub[j] = LP_INFINITY;
+            }
+            if (!dice->chance(30)) continue;
+            for (LpEntry &e : lp.cols[j]) e.value = -e.value;
+            lp.obj[j] = -lp.obj[j];
+            std::swap(lp.lb[j], lp.ub[j]);
+            lp.lb[j] = -lp.lb[j];
+            lp.ub[j] = -lp.ub[j];
+        }
+        return lp;
     }
     ~Walk() { simplex_free(s); }
     Walk(const Walk &) = delete;
@@ -46,7 +71,9 @@ struct Walk {
     void change_bound()
     {
         const int j = dice.range(0, lp.num_vars() - 1);
-        const double x = simplex_value(s, j), whole = std::floor(x + dice.range(-1, 1));
+        // there need not be a point
+        const double x = std::clamp(simplex_value(s, j), -1e6, 1e6),
+                     whole = std::floor(x + dice.range(-1, 1));
         double *low = &lp.lb[size_t(j)], *high = &lp.ub[size_t(j)];
         switch (dice.range(0, 9)) {
         case 0:
@@ -62,8 +89,6 @@ struct Walk {
             *low = lb[size_t(j)];
             *high = ub[size_t(j)];
         }
-        if (*low < -1e20 && *high < 1e20 && ub[size_t(j)] > 1e20)
-            *low = -1e4; // keeps a lower bound
         changes.push_back({j, *low, *high});
     }
     void append_rows()
@@ -81,7 +106,7 @@ struct Walk {
                 ind[k].push_back(j);
                 val[k].push_back(a);
                 if (a != 0) entries.emplace_back(j, a);
-                activity += a * simplex_value(s, j);
+                activity += a * std::clamp(simplex_value(s, j), -1e6, 1e6);
             }
             const bool equation = dice.range(0, 5) == 0;
             const double rhs =
@@ -129,9 +154,11 @@ struct Walk {
             ASSERT_EQ(simplex_save_basis(s, &saved.back()), 0);
         }
         if (action == 3 && !saved.empty()) {
-            ASSERT_EQ(
-                simplex_load_basis(s, saved[size_t(dice.range(0, int(saved.size()) - 1))]),
-                0);
+            NodeBasis &basis = saved[size_t(dice.range(0, int(saved.size()) - 1))];
+            // one that does not fit, as after rows were deleted carelessly
+            if (dice.chance(20))
+                basis.Statuses.data[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
+            ASSERT_EQ(simplex_load_basis(s, basis), 0);
         }
         if (action == 4) {
             ASSERT_EQ(simplex_clean(s), 0);
@@ -143,7 +170,7 @@ struct Walk {
     {
         LpSolution solution;
         for (const int presolve : {-1, 0}) {
-            TestModel other(lp_load(env.env, &lp));
+            TestModel other(lp_load(usual.env, &lp));
             EXPECT_EQ(TVXsetintparam(TVXgetenv(other), "Presolve", presolve), 0);
             EXPECT_EQ(lp_solve(other, &solution), 0);
             if (solution.status != TVX_INF_OR_UNBD) break;
@@ -189,6 +216,7 @@ struct Walk {
             break;
         case TVX_INFEASIBLE:
             EXPECT_TRUE(infeasible(truth)) << optimum;
+            check_proof();
             break;
         case TVX_CUTOFF:
             EXPECT_GE(optimum, call.Cutoff - SAME * size);
@@ -198,7 +226,146 @@ struct Walk {
             EXPECT_LE(out.Value, optimum + SAME * size);
             EXPECT_LE(out.Iterations, call.Iterations);
         }
+        EXPECT_EQ(live_faults(s), "") << "status " << out.Status;
         if (out.Status == TVX_OPTIMAL) check_point();
+        if (out.Status == TVX_OPTIMAL && dice.chance(20)) probe();
+    }
+    // The multipliers, if there are any, have no point within the bounds.
+    void check_proof()
+    {
+        const LiveVector y = simplex_farkas_row(s);
+        if (y.Count == 0) return;
+        std::vector<double> pi(size_t(lp.num_rows()), 0.0);
+        double low = 0, high = 0, size = 1; // range of y (A I) x - y b
+        double largest = 0;
+        for (int k = 0; k < y.Count; k++)
+            largest = std::max(largest,
+                               std::fabs(y.Val[y.Ind[k]] * y.Scale[y.Ind[k]] * y.Factor));
+        for (int k = 0; k < y.Count; k++) {
+            const size_t i = size_t(y.Ind[k]);
+            pi[i] = y.Val[i] * y.Scale[i] * y.Factor;
+            // a row with '>' is turned in the body
+            const double turn = lp.senses[i] == '>' ? -1 : 1,
+                         rhs = pi[i] * turn * lp.rhs[i];
+            low -= rhs;
+            high -= rhs;
+            // the slack has no upper bound; entries that are rounding errors do not count
+            if (lp.senses[i] != '=' && std::fabs(pi[i]) > 1e-9 * largest)
+                (pi[i] > 0 ? high : low) = pi[i] > 0 ? 1e100 : -1e100;
+            pi[i] *= turn;
+            size += std::fabs(rhs);
+        }
+        for (size_t j = 0; j < lp.cols.size(); j++) {
+            double g = 0, terms = 0;
+            for (const LpEntry &e : lp.cols[j]) {
+                g += pi[size_t(e.row)] * e.value;
+                terms += std::fabs(pi[size_t(e.row)] * e.value);
+            }
+            if (std::fabs(g) <= 1e-9 * terms) continue;
+            const double at_low = g * (g > 0 ? lp.lb[j] : lp.ub[j]),
+                         at_high = g * (g > 0 ? lp.ub[j] : lp.lb[j]);
+            low += at_low;
+            high += at_high;
+        }
+        EXPECT_TRUE(low > -1e-9 * size || high < 1e-9 * size) << low << " " << high;
+    }
+#ifdef TVX_DEBUG
+    // One call with its k-th request refused; false if it makes fewer.
+    bool refuse(int kind, int64_t k, const NodeBasis &basis)
+    {
+        const int n = lp.num_vars();
+        std::vector<int> ind(static_cast<size_t>(n));
+        for (int j = 0; j < n; j++) ind[size_t(j)] = j;
+        const std::vector<double> val(static_cast<size_t>(n), 1.0);
+        const LiveRow row = {n, ind.data(), val.data(), '<', 1e6};
+        std::vector<char> drop(size_t(lp.num_rows()), 0);
+        for (int i = 0; i < lp.num_rows(); i++)
+            drop[size_t(i)] = simplex_is_basic(s, n + i);
+        change_bound();
+        ResolveCall call;
+        call.Changes = changes.data();
+        call.NumChanges = int(changes.size());
+        ResolveOutcome out;
+        BranchOutcome branched;
+        StrongBranch *branch = nullptr;
+        if (kind == 5 && simplex_status(s) != TVX_OPTIMAL) return false;
+        mem_fault_arm(k);
+        int code = 0;
+        switch (kind) {
+        case 0:
+            code = simplex_append_rows(s, &row, 1);
+            break;
+        case 1:
+            code = simplex_delete_rows(s, drop.data());
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 2:
+            code = simplex_load_basis(s, basis);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 3:
+            code = simplex_clean(s);
+            if (code == 0) code = simplex_append_rows(s, &row, 1);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        case 4:
+            code = simplex_go_live(s);
+            if (code == 0) code = simplex_resolve(s, call, &out);
+            break;
+        default:
+            code = strong_branch_open(s, &branch);
+            for (int j = 0; code == 0 && j < n; j++)
+                code = strong_branch_probe(branch, j, BranchSide::UP,
+                                           std::floor(simplex_value(s, j)) + 1, 1e100,
+                                           &branched);
+            strong_branch_close(branch);
+        }
+        const bool hit = mem_fault_hits() > 0;
+        mem_fault_arm(0);
+        EXPECT_TRUE(code == 0 || (hit && code == TVX_ERROR_OUT_OF_MEMORY)) << code;
+        return hit;
+    }
+#endif
+    // Strong branching between two solves; the record is as before.
+    void probe()
+    {
+        StrongBranch *branch = nullptr;
+        ASSERT_EQ(strong_branch_open(s, &branch), 0);
+        for (int k = dice.range(1, 4); k > 0; k--) {
+            const int j = dice.range(0, lp.num_vars() - 1);
+            const double bound = std::floor(simplex_value(s, j) + dice.range(-1, 1));
+            const BranchSide side = dice.chance(50) ? BranchSide::DOWN : BranchSide::UP;
+            const double low = lp.lb[size_t(j)], high = lp.ub[size_t(j)];
+            if (side == BranchSide::DOWN)
+                lp.ub[size_t(j)] = std::min(high, bound);
+            else
+                lp.lb[size_t(j)] = std::max(low, bound);
+            BranchOutcome out;
+            ASSERT_EQ(strong_branch_probe(branch, j, side, bound,
+                                          dice.chance(50) ? 1e100 : dice.range(0, 4), &out),
+                      0);
+            judge_probe(out);
+            lp.lb[size_t(j)] = low;
+            lp.ub[size_t(j)] = high;
+        }
+        strong_branch_close(branch);
+        EXPECT_EQ(live_faults(s), "") << "after strong branching";
+    }
+    void judge_probe(const BranchOutcome &out)
+    {
+        const LpSolution truth = fresh();
+        if (truth.status != TVX_OPTIMAL && !infeasible(truth)) return;
+        const double optimum = infeasible(truth) ? 1e100 : turned(truth.objval),
+                     size = infeasible(truth) ? 1 : 1 + std::fabs(optimum);
+        if (out.Status == TVX_OPTIMAL) {
+            EXPECT_NEAR(out.Value, optimum, SAME * size) << "probe";
+        } else if (out.Status == TVX_INFEASIBLE) {
+            EXPECT_TRUE(infeasible(truth)) << "probe " << optimum;
+        } else if (out.Status == TVX_CUTOFF) {
+            EXPECT_GE(optimum, s->Cutoff + s->ObjOffset - SAME * size) << "probe";
+        } else {
+            EXPECT_LE(out.Value, optimum + SAME * size) << "probe";
+        }
     }
     // The point is feasible and has the objective.
     void check_point() const
@@ -215,10 +382,11 @@ struct Walk {
     }
 };
 
-void walk(uint64_t seed, Family family, int size)
+void walk(uint64_t seed, Family family, int size, const Settings &settings)
 {
     SCOPED_TRACE(seed);
-    Walk walk(seed, family, size);
+    SCOPED_TRACE(settings_text(settings));
+    Walk walk(seed, family, size, settings);
     if (!walk.begin()) return;
     for (int k = 0; k < STEPS && !testing::Test::HasFailure(); k++) {
         SCOPED_TRACE(k);
@@ -238,9 +406,51 @@ TEST(Resolve, a_live_record_follows_every_change)
             // A violation within the tolerance of the working LP may move its objective far.
             if (row.generate == gen_badly_scaled) continue;
             SCOPED_TRACE(row.name);
-            walk(uint64_t(first + k), row.generate, 5 + k % 20);
+            walk(uint64_t(first + k), row.generate, 5 + (first + k - 1) % 20, {});
         }
 }
+
+TEST(Resolve, a_live_record_follows_under_every_setting)
+{
+    const int runs = campaign("TARVEX_RESOLVE_RUNS", 20),
+              first = campaign("TARVEX_RESOLVE_SEED", 1);
+    for (int k = 0; k < runs && !testing::Test::HasFailure(); k++)
+        for (const FamilyRow &row : all_families()) {
+            if (row.generate == gen_badly_scaled) continue;
+            SCOPED_TRACE(row.name);
+            Dice dice(uint64_t(first + k) + 1000000);
+            walk(uint64_t(first + k), row.generate, 5 + (first + k - 1) % 20,
+                 settings_draw(&dice));
+        }
+}
+
+#ifdef TVX_DEBUG
+// Every request of a call is refused once: the call says so or gets by, and the record can be freed.
+TEST(Resolve, memory_refused_leaves_a_record_that_can_be_freed)
+{
+    const int kinds = 6;
+    for (const double quad : {0.0, 1.0}) {
+        for (int kind = 0; kind < kinds; kind++) {
+            SCOPED_TRACE(kind);
+            const int64_t held = mem_blocks_held();
+            bool refused = true;
+            for (int64_t k = 1; refused; k++) {
+                Walk walk(3, gen_multi_period, 10, {{"Quad", quad}});
+                ASSERT_TRUE(walk.begin());
+                for (int step = 0; step < 4; step++) {
+                    walk.change_bound();
+                    walk.solve_and_compare();
+                }
+                NodeBasis basis;
+                ASSERT_EQ(simplex_save_basis(walk.s, &basis), 0);
+                refused = walk.refuse(kind, k, basis);
+                if (HasFailure()) return;
+            }
+            EXPECT_EQ(mem_blocks_held(), held);
+        }
+    }
+}
+#endif
 
 // min x + w    x + w + 1e-10 y >= 5    y - z <= 0    0 <= x <= 1,  0 <= w <= 10,  0 <= y, z
 TEST(Resolve, a_tiny_entry_of_a_variable_without_bound_allows_no_proof)

@@ -9,7 +9,7 @@ struct Stall : ModelTest {
     sopt *s = nullptr;
 
     // A run that has not pivoted yet.
-    void begin(int method, int phase1)
+    void begin(SimplexMethod method, int phase1)
     {
         LpModel lp;
         lp_add_var(&lp, 1, 0, 9);

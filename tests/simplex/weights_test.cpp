@@ -85,7 +85,7 @@ void compare_primal(const sopt *s, Compare *compare)
 struct Stopped {
     TestEnv env;
     TestModel model;
-    Stopped(Dice *dice, int method, int pricing, int iterations, int legs)
+    Stopped(Dice *dice, SimplexMethod method, int pricing, int iterations, int legs)
         : model(load(dice, env.env))
     {
         TVXenv *own = TVXgetenv(model);
@@ -104,7 +104,7 @@ struct Stopped {
     }
     sopt *record() const { return model.model->lp.simplex; }
     // The method has ended by the limit itself, with weights, and no basis had to be repaired on the way.
-    bool usable(int method) const
+    bool usable(SimplexMethod method) const
     {
         const sopt *s = record();
         if (s->Status != SIMPLEX_ITERATION_LIMIT || s->Method != method || s->Quad ||
@@ -114,7 +114,7 @@ struct Stopped {
     }
 };
 
-void compare_runs(int method, int pricing, int most, Compare compare)
+void compare_runs(SimplexMethod method, int pricing, int most, Compare compare)
 {
     for (uint64_t seed = 0; seed < RUNS; seed++) {
         SCOPED_TRACE(seed);

@@ -1,6 +1,7 @@
 // presolve_try.cpp -- see the header
 #include "support/presolve_try.h"
 #include "body/signs.h"
+#include "lp/lp_form.h"
 #include "presolve/presolve.h"
 #include "support/inside.h"
 #include <cstdlib>
@@ -141,7 +142,7 @@ PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
     const TestModel model(lp_load(env, lp));
     if (!model) abort();
     const Reduced reduced(model);
-    out.status = reduced.status;
+    out.status = lp_status_of(reduced.status);
     finish(model, reduced.result, lp, &out);
     return out;
 }

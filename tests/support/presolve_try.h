@@ -1,6 +1,6 @@
-// presolve_try.h -- chosen reductions on a model, the reduced model solved, and the way back judged
+// presolve_try.h -- chosen reductions on a model, the reduced model solved, and postsolve judged
 //
-// The point is judged as it comes from the way back, before any simplex has seen it: values, duals, reduced costs and
+// The point is judged as it comes from postsolve, before any simplex has seen it: values, duals, reduced costs and
 // basis must be optimal for the model itself.
 #pragma once
 #include "presolve/claim.h"
@@ -13,8 +13,8 @@
 using Reduction = int (*)(PresolveWork *);
 
 struct PresolveTry {
-    int error = 0;  // a code from loading, solving, or the way back
-    int status = 0; // PresolveStatus of the reductions: the first that is not 0
+    int error = 0;  // a code from loading, solving, or postsolve
+    int status = 0; // PresolveEnd of the reductions: the first that is not 0
     int infeas_row = -1, infeas_col = -1;
     int rows = 0, cols = 0, nonzeros = 0; // of the reduced model, 0 when nothing is left
     int rows_removed = 0, cols_removed = 0, ineq_to_eq = 0, coefs_changed = 0,
@@ -22,13 +22,13 @@ struct PresolveTry {
     int broken = 0;  // invariants of the record that a reduction broke (TVX_DEBUG builds)
     LpModel reduced; // as the reductions left it, rows '<' and '=' only, to look at
     int reduced_status = 0; // Status of the reduced model, 0 when nothing is left
-    LpSolution solution;    // after the way back, when there is an optimum
+    LpSolution solution;    // after postsolve, when there is an optimum
     std::string
         faults; // of that solution, or what else went wrong; empty when all is right
 };
 
 // Runs the reductions in this order, each once, on all rows and columns, with activities summed and lists compressed
-// between them; then solves, comes back and judges. Parameters are those of `env`. A claim is what reductions that end
+// between them; then solves, postsolves and judges. Parameters are those of `env`. A claim is what reductions that end
 // the model say in proof.
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
                          std::initializer_list<Reduction> reductions,
@@ -41,6 +41,6 @@ PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reduc
                        const Settings &settings = {});
 PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,
                         int rows, int cols = -1, const Settings &settings = {});
-// Presolve ends with this PresolveStatus.
+// The reductions end with this PresolveEnd.
 PresolveTry expect_end(const LpModel &lp, std::initializer_list<Reduction> reductions,
                        int status);

@@ -63,9 +63,9 @@ settings_product(const std::vector<std::pair<const char *, std::vector<double>>>
     std::vector<Settings> all = {more};
     for (const auto &[name, values] : choices) {
         std::vector<Settings> longer;
-        for (const Settings &road : all)
+        for (const Settings &way : all)
             for (const double value : values)
-                longer.emplace_back(road).emplace_back(name, value);
+                longer.emplace_back(way).emplace_back(name, value);
         all = longer;
     }
     return all;

@@ -6,7 +6,7 @@
 // Largest absolute value of the entries of a row or a column.
 double largest_in_row(const PresolveWork *w, int i);
 double largest_in_col(const PresolveWork *w, int j);
-// *there: `fill` nodes are free; compresses the matrix if that helps. A PresolveStatus of the limits.
+// *there: `fill` nodes are free; compresses the matrix if that helps. A PresolveEnd of the limits.
 [[nodiscard]] int room_for_fill(PresolveWork *w, int64_t fill, bool *there);
 // Adds multiples of the row of entry p to the objective and all other rows such that the column of p is eliminated from
 // them, but does not delete its entries there. Needs (length of row - 1) * (length of column - 1) free nodes.

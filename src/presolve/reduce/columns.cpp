@@ -61,7 +61,7 @@ int try_column(PresolveWork *w, int j, bool dual)
     const double lb = w->Lb.data[j], ub = w->Ub.data[j];
     if (lb > ub + w->FeasTol + bound_error(w, j)) {
         w->InfeasCol = j;
-        return PRESOLVE_INFEASIBLE;
+        return END_INFEASIBLE;
     }
     if (lb > ub - CLOSED) TRY(fix_by_range(w, j));
     if (!is_live_col(w, j) || w->ColFlags.data[j]) return 0;

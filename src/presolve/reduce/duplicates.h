@@ -12,7 +12,7 @@ struct DupLine {
     int skip;   // node that does not count, or -1
 };
 
-// What is done with the members of one class, count >= 2. A PresolveStatus or OUT_OF_MEMORY.
+// What is done with the members of one class, count >= 2. A PresolveEnd or OUT_OF_MEMORY.
 using DupHandler = int (*)(PresolveWork *w, DupLine *members, int count);
 
 // Calls the handler for each class among the lines list[0 .. count); it may change and remove only lines of that class.

@@ -5,8 +5,8 @@
 // Method      Sorted by cost per unit of relaxation, the first ones together give all that may be required. A later one
 //             above its lower bound could be exchanged for an earlier one, so it is fixed at its lower bound.
 // Postsolve   That of fixing. If the dual value made a fixed column attractive, all earlier ones would be at their
-// upper
-//             bounds; then the row would not be tight, since they give more than is required, and its dual value zero.
+//             upper bounds; then the row would not be tight, since they give more than is required, and its dual value
+//             zero.
 // Cost        O(entries + candidates log candidates)
 #include "presolve/work.h"
 #include <algorithm>

@@ -58,7 +58,7 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     double lb = 0, ub = 0;
     if (!new_bounds(w, j, mode, t, &lb, &ub)) {
         w->InfeasRow = i;
-        return PRESOLVE_INFEASIBLE;
+        return END_INFEASIBLE;
     }
     UndoRecord *undo = undo_push(&w->Undo, UNDO_SINGLETON_ROW, 0);
     if (!undo) return OUT_OF_MEMORY;

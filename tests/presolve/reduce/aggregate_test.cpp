@@ -57,7 +57,7 @@ TEST(Aggregate, stars_and_chains_with_dense_rows_go_within_the_effort)
 TEST(Aggregate, bounds_do_not_move_where_they_cross_or_over_steep_ratios)
 {
     const LpModel crossing = lp_make({{1, 0, 1}, {1, 5, 9}}, {{{1, -1}, '=', 0}});
-    EXPECT_GE(expect_end(crossing, {pre_aggregate}, PRESOLVE_INFEASIBLE).infeas_col, 0);
+    EXPECT_GE(expect_end(crossing, {pre_aggregate}, END_INFEASIBLE).infeas_col, 0);
     LpModel flat = doubleton(1, 1e-5, 1, 1), steep = doubleton(1, 1e5, 1, 1);
     flat.lb[1] = -(flat.ub[1] = 1e9);
     steep.lb[1] = -(steep.ub[1] = 1e-6);

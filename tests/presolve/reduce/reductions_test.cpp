@@ -1,4 +1,4 @@
-// reductions_test.cpp -- each reduction alone on random models: the truth stays, the way back ends in an optimal basis, and
+// reductions_test.cpp -- each reduction alone on random models: the truth stays, postsolve ends in an optimal basis, and
 // it does find what it looks for; a wrong reduction is seen
 #include "support/dice.h"
 #include "support/model_gen.h"
@@ -111,7 +111,7 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
     }
 }
 
-TEST(PresolveTry, the_way_back_is_judged_and_a_wrong_reduction_seen)
+TEST(PresolveTry, postsolve_is_judged_and_a_wrong_reduction_seen)
 {
     // min -2 x - y,  x <= 4 as a row,  x + y <= 6,  y >= 1 as a row
     LpModel lp =

@@ -26,7 +26,7 @@ TEST(RedundantRows, an_empty_row_is_a_contradiction_beyond_the_tolerance)
         if (below < 1e-6)
             EXPECT_EQ(reduced_by(lp, {pre_redundant_rows}).rows_removed, 1);
         else
-            expect_end(lp, {pre_redundant_rows}, PRESOLVE_INFEASIBLE);
+            expect_end(lp, {pre_redundant_rows}, END_INFEASIBLE);
     }
 }
 
@@ -49,7 +49,7 @@ TEST(DependentRows, another_right_hand_side_is_a_contradiction)
     expect_left(lp, {pre_dependent_rows}, 2);
     for (const double off : {1e-3, 1.0}) {
         lp.rhs[2] = 14 + off;
-        expect_end(lp, {pre_dependent_rows}, PRESOLVE_INFEASIBLE);
+        expect_end(lp, {pre_dependent_rows}, END_INFEASIBLE);
     }
     lp.senses[2] = '<'; // an inequality says something else
     expect_left(lp, {pre_dependent_rows}, 3);
@@ -63,7 +63,7 @@ TEST(DependentRows, another_right_hand_side_is_a_contradiction)
 TEST(DependentRows, free_columns_that_others_replace_are_zero)
 {
     const LpModel lp = lp_make({{1, -INF, INF}, {3, -INF, INF}}, {{{1, 2}, '>', 6}});
-    expect_end(lp, {pre_dependent_cols}, PRESOLVE_UNBOUNDED);
+    expect_end(lp, {pre_dependent_cols}, END_UNBOUNDED);
 }
 
 TEST(DuplicateRows, almost_parallel_rows_stay)
@@ -103,7 +103,7 @@ TEST(ImpliedBounds, a_chain_back_to_the_row_itself_is_seen)
 TEST(ImpliedBounds, a_contradiction_of_several_rows_is_found)
 {
     LpModel lp = lp_make({{-1}, {-1}}, {{{1, 1}, '<', 4}, {{1, -1}, '>', 5}});
-    expect_end(lp, {pre_implied_bounds}, PRESOLVE_INFEASIBLE);
+    expect_end(lp, {pre_implied_bounds}, END_INFEASIBLE);
     lp.rhs[1] = 4 + 1e-7; // only within the tolerance
     EXPECT_EQ(reduced_by(lp, {pre_implied_bounds}).status, 0);
 }
