@@ -146,8 +146,8 @@ int measure(TVXmodel *model)
            "%d, \"cols_left\": %d, "
            "\"entries_left\": %d, \"presolve\": %.6f, \"postsolve\": %.6f, \"work\": %.0f, "
            "\"memory\": %.1f}\n",
-           body->numconstrs, body->numvars, body->numnz, status, left->numconstrs,
-           left->numvars, left->numnz, t1 - t0, t3 - t2, work, peak);
+           body->numconstrs, body->numvars, body->numnz, static_cast<int>(status),
+           left->numconstrs, left->numvars, left->numnz, t1 - t0, t3 - t2, work, peak);
     presolve_free(result);
     return error;
 }
@@ -220,7 +220,7 @@ int stop_often(TVXmodel *model, int count)
         worst = std::max(worst, late);
     }
     printf("{\"status\": %d, \"presolve\": %.3f, \"late\": %.4f, \"late_at\": %.3f}\n",
-           status, seconds, worst, worst_at);
+           static_cast<int>(status), seconds, worst, worst_at);
     return 0;
 }
 
