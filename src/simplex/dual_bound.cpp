@@ -6,7 +6,8 @@
 //             d = Cost - y (A I), holds for the true costs. y is that of the basis for the costs in force, read from the
 //             reduced costs of the slacks, or that for the true costs. Where the bound that a reduced cost asks for is
 //             infinite, a reduced cost within OptTol is multiplied by an assumed largest value (OPEN_LEAST,
-//             OPEN_SHARE), a larger one by the bound that one of the rows of the column implies. Rounding errors of the sum are subtracted.
+//             OPEN_SHARE), a larger one by the bound that one of the rows of the column implies. Rounding errors of the
+//             sum are subtracted.
 // Cost        O(nonzeros). The objective in force, which costs nothing (DualObj), tells when it is worth it.
 // Literature  A. M. Geoffrion, "Lagrangean relaxation for integer programming", Math. Prog. Study 2, 1974.
 //             A. Neumaier and O. Shcherbina, "Safe bounds in linear and mixed-integer linear programming", Math. Prog.
@@ -23,6 +24,9 @@ constexpr double BOUND_ROUNDING = 1e-10;
 
 // Assumed largest value of a column without a bound: OPEN_SHARE times the largest basic value, at least OPEN_LEAST.
 constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
+
+// Rise of the objective from one test against the cutoff to the next: share of the excess, least relative rise.
+constexpr double TEST_SHARE = 0.1, TEST_LEAST = 1e-9;
 
 // Entries that may be read for implied bounds, besides as many as the matrix has.
 constexpr int64_t IMPLIED_LEAST = 1000;
@@ -82,42 +86,61 @@ double implied_bound(const sopt *s, int j, bool above, int64_t *entries)
     return above ? best : -best;
 }
 
+// Reduced cost of variable j for the true costs, from minus the multipliers of the basis for `cost`.
+template<class R>
+R true_reduced_cost(const sopt *s, const double *cost, const R *minus_multipliers, int j)
+{
+    // that of a basic variable for `cost` is 0
+    if (is_basic(s, j)) return R(s->Cost.data[j]) - R(cost[j]);
+    if (j >= s->NumCols) return minus_multipliers[j - s->NumCols];
+    return R(s->Cost.data[j]) + column_dot(s, j, minus_multipliers);
+}
+
+// The sum of a Lagrangian bound.
+struct Lagrangian {
+    BoundSum Sum;
+    double Open =
+        0; // sum of |reduced costs| without a bound, per user unit of the variable
+    int64_t Entries = 0; // read for implied bounds
+    bool Infinite = false;
+};
+
+// Adds min d x_j. Without a bound of j on that side: as the file head says.
+void add_variable(const sopt *s, Lagrangian *bound, int j, double d)
+{
+    double side = d > 0 ? s->Lower.data[j] : s->Upper.data[j];
+    const bool given = has_lower(s, side) && has_upper(s, side);
+    if (!given && std::fabs(d) <= s->OptTol) {
+        bound->Open += std::fabs(d) / user_unit(s, j);
+        return;
+    }
+    if (!given) {
+        const int64_t most = IMPLIED_LEAST + s->ColBeg.data[s->NumCols];
+        const bool looks = j < s->NumCols && bound->Entries <= most;
+        side = looks ? implied_bound(s, j, d < 0, &bound->Entries) : HUGE_VAL;
+        bound->Infinite |= std::fabs(side) >= s->Infinity;
+    }
+    bound->Sum.add(static_cast<long double>(d) * side);
+}
+
 // Lagrangian bound for the multipliers of the basis for `cost`, given by the slacks' reduced costs [m] for it.
 template<class R>
 double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double *cost)
 {
-    R *slack = w->RowVal.data; // minus the multipliers
-    for (int i = 0; i < s->NumRows; i++) slack[i] = slack_cbar[i] - R(cost[s->NumCols + i]);
-    BoundSum bound;
-    int64_t entries = 0;
-    const int64_t most = IMPLIED_LEAST + s->ColBeg.data[s->NumCols];
-    double open =
-        0; // sum of |reduced costs| without a bound, per user unit of the variable
-    for (int i = 0; i < s->NumRows; i++)
-        bound.add(-static_cast<long double>(slack[i]) * s->Rhs.data[i]);
-    for (int j = 0; j < s->NumVars; j++) {
-        R d = j < s->NumCols ? R(s->Cost.data[j]) : slack[j - s->NumCols];
-        if (is_basic(s, j)) // its reduced cost for `cost` is 0
-            d = R(s->Cost.data[j]) - R(cost[j]);
-        else if (j < s->NumCols)
-            for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-                d += R(s->ColVal.data[p]) * slack[s->ColInd.data[p]];
-        if (d == R(0)) continue;
-        const double side = d > R(0) ? s->Lower.data[j] : s->Upper.data[j];
-        if (has_lower(s, side) && has_upper(s, side))
-            bound.add(static_cast<long double>(d) * side);
-        else if (std::abs(d) <= R(s->OptTol))
-            open += static_cast<double>(std::abs(d)) / user_unit(s, j);
-        else {
-            const double implied = j < s->NumCols && entries <= most
-                                       ? implied_bound(s, j, d < R(0), &entries)
-                                       : HUGE_VAL;
-            if (std::fabs(implied) >= s->Infinity) return -HUGE_VAL;
-            bound.add(static_cast<long double>(d) * implied);
-        }
+    R *minus_multipliers = w->RowVal.data;
+    Lagrangian bound;
+    for (int i = 0; i < s->NumRows; i++) {
+        minus_multipliers[i] = slack_cbar[i] - R(cost[s->NumCols + i]);
+        bound.Sum.add(-static_cast<long double>(minus_multipliers[i]) * s->Rhs.data[i]);
     }
+    for (int j = 0; j < s->NumVars && !bound.Infinite; j++) {
+        const R d = true_reduced_cost(s, cost, minus_multipliers, j);
+        if (d != R(0)) add_variable(s, &bound, j, static_cast<double>(d));
+    }
+    if (bound.Infinite) return -HUGE_VAL;
+    double open = bound.Open;
     if (open > 0) open *= std::max(OPEN_LEAST, OPEN_SHARE * largest_basic_value(s, w));
-    return static_cast<double>(bound.value - BOUND_ROUNDING * bound.size - open);
+    return static_cast<double>(bound.Sum.value - BOUND_ROUNDING * bound.Sum.size - open);
 }
 } // namespace
 
@@ -145,10 +168,16 @@ template<class R> void dual_test_cutoff(sopt *s, swork<R> *w)
     if (bound <= s->Cutoff && s->Perturbed)
         bound = std::max(bound, dual_bound_true_costs(s, w));
     s->CutoffBound = bound;
-    if (bound > s->Cutoff)
+    if (bound > s->Cutoff) {
         s->Status = SIMPLEX_CUTOFF;
-    else // the objective in force has to rise by what is missing
-        s->CutoffFrom = s->DualObj + (s->Cutoff - bound) * s->ObjScale;
+        return;
+    }
+    // The objective in force has to rise by what is missing, and by a share of what it already exceeds the cutoff by, so
+    // that perturbed costs do not lead to a test at every pivot. The next refresh tests again in any case.
+    const double cutoff = s->Cutoff * s->ObjScale;
+    s->CutoffFrom = s->DualObj + std::max({cutoff - bound * s->ObjScale,
+                                           TEST_SHARE * (s->DualObj - cutoff),
+                                           TEST_LEAST * (1 + std::fabs(s->DualObj))});
 }
 
 #define INSTANTIATE(R)                                                                     \

@@ -229,50 +229,64 @@ void drop_entries(sopt *s, const int *number)
     s->ColInd.size = s->ColVal.size = next;
 }
 
-template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
+// The positions without those of deleted slacks, with their weights; number: as above.
+template<class R> void compact_basis(sopt *s, swork<R> *w, const int *number)
+{
+    const int n = s->NumCols;
+    int next = 0;
+    for (int r = 0; r < s->NumRows; r++) {
+        const int k = s->BasisHead.data[r];
+        if (k >= n && number[k - n] < 0) continue;
+        s->BasisHead.data[next] = k < n ? k : n + number[k - n];
+        w->Dual->Weights.data[next++] = w->Dual->Weights.data[r];
+    }
+}
+
+template<class R> void compact_vectors(sopt *s, swork<R> *w, const char *drop)
 {
     const int m = s->NumRows, n = s->NumCols;
+    const auto row = [=](int i) { return drop[i] == 0; };
+    const auto slack = [=](int k) { return drop[k - n] == 0; };
+    for (Array<double> *a : {&s->Rhs, &s->RowScale}) compact(a, 0, m, row);
+    for (Array<double> *a : {&s->Cost, &s->Lower, &s->Upper, &s->WorkCost, &s->WorkLower,
+                             &s->WorkUpper, &s->SuperVal})
+        compact(a, n, s->NumVars, slack);
+    compact(&s->VStat, n, s->NumVars, slack);
+    compact(&w->Dual->Reference, n, s->NumVars, slack);
+}
+
+template<class R> void shrink_work(swork<R> *w, int m)
+{
+    for (SVec<R> *v : {&w->Rho, &w->Alpha, &w->Tau, &w->Work}) {
+        svec_clear(v);
+        v->Dim = m;
+    }
+    price_list_reset(&w->Dual->Rows);
+    w->Dual->Rows.Dim = m;
+    popt_free(&w->Primal);
+    w->Lu.NumRows = m;
+    w->Lu.NeedBasis = 1;
+}
+
+template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
+{
+    const int m = s->NumRows;
     Array<int> number; // new number of each row, -1 deleted
     TRY(array_resize(&number, m));
     int left = 0;
     for (int i = 0; i < m; i++) number.data[i] = drop[i] ? -1 : left++;
     if (left == m) return 0;
-    dopt<R> *d = w->Dual;
-    // positions: those of deleted slacks go
-    int next = 0;
-    for (int r = 0; r < m; r++) {
-        int k = s->BasisHead.data[r];
-        if (k >= n && drop[k - n]) continue;
-        if (k >= n) k = n + number.data[k - n];
-        s->BasisHead.data[next] = k;
-        d->Weights.data[next++] = d->Weights.data[r];
-    }
-    assert(next == left);
-    const auto kept_row = [&](int i) { return drop[i] == 0; };
-    const auto kept_var = [&](int k) { return k < n || drop[k - n] == 0; };
-    for (Array<double> *a : {&s->Rhs, &s->RowScale}) compact(a, 0, m, kept_row);
-    for (Array<double> *a : {&s->Cost, &s->Lower, &s->Upper, &s->WorkCost, &s->WorkLower,
-                             &s->WorkUpper, &s->SuperVal})
-        compact(a, n, s->NumVars, [&](int k) { return kept_var(k); });
-    compact(&s->VStat, n, s->NumVars, [&](int k) { return kept_var(k); });
+    compact_basis(s, w, number.data);
+    compact_vectors(s, w, drop);
     drop_entries(s, number.data);
     s->NumRows = left;
-    s->NumVars = n + left;
+    s->NumVars = s->NumCols + left;
     for (int r = 0; r < left; r++) s->VStat.data[s->BasisHead.data[r]] = r;
     std::fill_n(s->Mark.data, s->NumVars, 0);
-    TRY(row_copy_build(s));
-    for (SVec<R> *v : {&w->Rho, &w->Alpha, &w->Tau, &w->Work}) {
-        svec_clear(v);
-        v->Dim = left;
-    }
-    price_list_reset(&d->Rows);
-    d->Rows.Dim = left;
-    popt_free(&w->Primal);
-    w->Lu.NumRows = left;
-    w->Lu.NeedBasis = 1;
+    shrink_work(w, left);
     s->BasisAge++;
     s->Live = LIVE_STALE;
-    return 0;
+    return row_copy_build(s);
 }
 } // namespace
 

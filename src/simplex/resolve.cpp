@@ -291,21 +291,20 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     return 0;
 }
 
-template<class R> int clean(sopt *s, swork<R> *w)
+template<class R> int clean(sopt *s, swork<R> *w, bool *same)
 {
+    const int repairs = s->SingularCount;
     if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
         dual_weights_save(s, w);
         TRY(Refactor(s, w));
         dual_weights_restore(s, w);
     }
-    finish_values(s, w);
+    *same = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs;
     s->Live = LIVE_STALE;
+    if (has_factor(s, w)) finish_values(s, w);
     return 0;
 }
-} // namespace
 
-namespace
-{
 // The tolerance is one of the working LP. For integer variables it has to be small in units of the body, too: a value
 // beyond a bound by more than IntFeasTol would look fractional.
 void fit_tolerance(sopt *s)
@@ -334,9 +333,9 @@ int simplex_resolve(sopt *s, const ResolveCall &call, ResolveOutcome *outcome)
                    : resolve(s, s->Double, call, outcome);
 }
 
-int simplex_clean(sopt *s)
+int simplex_clean(sopt *s, bool *same)
 {
-    return s->Quad ? clean(s, s->Extended) : clean(s, s->Double);
+    return s->Quad ? clean(s, s->Extended, same) : clean(s, s->Double, same);
 }
 
 #define INSTANTIATE(R)                                                                     \

@@ -3,14 +3,13 @@
 // A search solves thousands of LPs that differ in a few bounds or rows. A live record keeps basis, factors with their
 // updates, values, reduced costs, weights and merits between two solves; a change is applied to them directly.
 //
-// LiveState    what it means                                              set by
-//   LIVE_NO     the record belongs to SimplexOptimize                     SimplexOptimize
-//   LIVE_STALE  basis and bounds stand; values, reduced costs, merits     simplex_go_live, simplex_load_basis,
-//               and perhaps factors are to be computed by the next solve  simplex_delete_rows, simplex_clean, a solve that
-//                                                                         needed another method or
-//                                                                         whose last update failed
-//   LIVE_FRESH  all belong together, with true bounds; after CUTOFF and   simplex_resolve
-//               limits costs may be shifted
+// LiveState    what it means
+//   LIVE_NO     the record belongs to SimplexOptimize.
+//   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the next
+//               solve. Set by simplex_go_live, simplex_load_basis, simplex_delete_rows, simplex_clean, and by a solve that
+//               needed another method or whose last update failed.
+//   LIVE_FRESH  All belong together, with true bounds; after CUTOFF and limits costs may be shifted. Set by
+//               simplex_resolve.
 // All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
 // TimeLimit and the stop flag count, limits and cutoff are arguments.
 #pragma once
@@ -29,8 +28,8 @@ struct ResolveCall {
     const BoundChange *Changes = nullptr; // applied before the solve, in order
     int NumChanges = 0;
     double Iterations = 1e100; // limit of this solve
-    double Cutoff =
-        1e100; // no better objective than this is of interest: as simplex_objective
+    // As simplex_objective: no objective above this is of interest.
+    double Cutoff = 1e100;
 };
 struct ResolveOutcome {
     // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED after rows
@@ -44,18 +43,19 @@ struct ResolveOutcome {
 // Changes bounds and solves again by the dual simplex. 0 or a code: the record may only be freed then.
 [[nodiscard]] int simplex_resolve(sopt *s, const ResolveCall &call,
                                   ResolveOutcome *outcome);
-// Values and reduced costs are computed afresh, with one step of refinement, on fresh factors: for a point that is
-// going to be accepted. 0 or a code.
-[[nodiscard]] int simplex_clean(sopt *s);
+// After OPTIMAL: values and reduced costs are computed afresh, with one step of refinement, on fresh factors, for a point
+// that is going to be accepted. *same: the basis is still that of the optimum; otherwise it was singular and has been
+// repaired, and the LP has to be solved again. 0 or a code.
+[[nodiscard]] int simplex_clean(sopt *s, bool *same);
 
 // ---- Nodes (node_basis.cpp) ----
-// A basis as a node keeps it. Rows appended since it was saved count as basic when it is loaded; deleted rows have to be
-// taken out of it by the caller.
+// A basis as a node keeps it. Rows appended since it was saved count as basic when it is loaded. Of rows deleted since the
+// caller takes out the status and, as their slacks were basic, the weight.
 struct NodeBasis {
     int NumCols = 0, NumRows = 0;
     Array<char> Statuses; // [NumCols + NumRows] 0 basic, else minus a BasisStatus
-    Array<float>
-        Weights; // [NumRows] dual weights of the basic variables, in the order of the variables
+    // [NumRows] dual weights of the basic variables, in the order of the variables
+    Array<float> Weights;
 };
 [[nodiscard]] int simplex_save_basis(const sopt *s, NodeBasis *basis);
 // If the live basis differs in a few variables only, the factors follow by updates. 0 or a code.
@@ -77,13 +77,14 @@ struct LiveRow {
 [[nodiscard]] int simplex_delete_rows(sopt *s, const char *drop);
 
 // ---- Reading without copies (live_query.cpp) ----
+// Values, reduced costs and multipliers are those of the last solve that ended OPTIMAL, until the next call that changes
+// the record.
 int simplex_num_rows(const sopt *s);
 bool simplex_is_basic(const sopt *s, int k);
-double simplex_value(const sopt *s,
-                     int k); // of variable k (n + i: slack i), in the body's units
-double simplex_reduced_cost(const sopt *s,
-                            int j);      // of column j < n, for the body's minimisation
-double simplex_pi(const sopt *s, int i); // of row i, likewise
+// Of variable k (n + i: slack i), in the body's units; of column j < n and row i, for the body's minimisation.
+double simplex_value(const sopt *s, int k);
+double simplex_reduced_cost(const sopt *s, int j);
+double simplex_pi(const sopt *s, int i);
 // Entry k of a sparse vector in the body's units: Ind[k], Val[k] * Scale[Ind[k]] * Factor.
 struct LiveVector {
     int Count;

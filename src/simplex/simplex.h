@@ -148,10 +148,10 @@ VariablePlace simplex_place(const sopt *s, int k);
 enum class KappaNorm { ONE, TWO };
 [[nodiscard]] int simplex_kappa(sopt *s, KappaNorm norm, double *kappa);
 
-// ---- Strong branching on a live optimal record with fresh factors (strong_branch.cpp) ----
+// ---- Strong branching on an optimal record with factors (strong_branch.cpp) ----
 // open saves the state; each probe tightens one bound, runs the dual simplex up to a limit, and restores the state;
 // close leaves the record as it was before. Between open and close the record is used for nothing else. Probes allocate
-// only if factors grow beyond their pools.
+// until the records of their pivots have room, and if factors grow beyond their pools.
 struct StrongBranch;
 enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
 struct BranchOutcome {
@@ -166,7 +166,8 @@ inline bool branch_is_closed(const BranchOutcome &outcome)
 {
     return outcome.Status == TVX_INFEASIBLE || outcome.Status == TVX_CUTOFF;
 }
-[[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out); // 0 or OUT_OF_MEMORY
+// 0 or OUT_OF_MEMORY. A live record that is stale is solved first; *out is null if it is not optimal then.
+[[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out);
 [[nodiscard]] int strong_branch_probe(StrongBranch *branch, int j, BranchSide side,
                                       double bound, double iteration_limit,
                                       BranchOutcome *outcome); // likewise

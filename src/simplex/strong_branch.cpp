@@ -5,8 +5,8 @@
 // Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
 //             infeasible. Updates of the factors are recorded and undone (lu_journal.cpp); basis and vectors are copied
 //             back. There is no perturbation and no confirmation on fresh factors, since the dual bound is valid at
-//             every dual feasible basis. If shifted costs led to a basis that is not dual
-//             feasible for the true costs, the primal simplex continues within the same limit.
+//             every dual feasible basis. If shifted costs led to a basis that is not dual feasible for the true costs,
+//             the primal simplex continues within the same limit.
 // Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
 //             of the positions after a probe that factored.
 // Cost        A probe: its iterations, and O(n + m) for the copies; a factorisation if it factored itself.
@@ -309,8 +309,13 @@ double value_of(const sopt *s, int j)
 
 int strong_branch_open(sopt *s, StrongBranch **out)
 {
-    assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_factor(s));
     *out = nullptr;
+    if (s->Live == LIVE_STALE) { // values and reduced costs may be those of another basis
+        ResolveOutcome outcome;
+        TRY(simplex_resolve(s, {}, &outcome));
+        if (outcome.Status != SIMPLEX_OPTIMAL || s->Live != LIVE_FRESH) return 0;
+    }
+    assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_factor(s));
     void *block = MemAllocZero(1, sizeof(StrongBranch));
     if (!block) return OUT_OF_MEMORY;
     StrongBranch *b = static_cast<StrongBranch *>(block);

@@ -24,10 +24,9 @@ TEST(Columns, singletons_leave_unless_they_are_small_in_their_row_or_parameters_
     expect_left(free, {pre_columns}, 1, 3);
     expect_left(dear, {pre_columns}, 2, 3);
     for (const LpModel &lp : {free, dear}) expect_left(lp, {pre_columns}, 2, 4, kept);
-    EXPECT_EQ(
-        expect_end(with_singleton(3, 2, 1, 2, '='), {pre_columns}, END_INFEASIBLE)
-            .infeas_col,
-        3);
+    EXPECT_EQ(expect_end(with_singleton(3, 2, 1, 2, '='), {pre_columns}, END_INFEASIBLE)
+                  .infeas_col,
+              3);
 }
 
 // Each of them wants to fill the row; once the best has set its price, the others do not pay.
