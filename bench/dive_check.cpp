@@ -7,6 +7,7 @@
 namespace
 {
 constexpr double SAME = 1e-6; // relative difference of objectives that counts as none
+constexpr int PROBED = 4;     // variables of a point for strong branching
 
 struct Tally {
     const char *name;
@@ -24,6 +25,20 @@ struct Tally {
             fprintf(stderr, "%s: %d %.10g, fresh %d %.10g\n", name, out.Status, out.Value,
                     status, objective);
         }
+    }
+    // At a limit the value is a bound.
+    void judge_probe(const BranchOutcome &out, int status, double objective)
+    {
+        if (out.Status == TVX_ITERATION_LIMIT) {
+            solves++;
+            const bool valid = status == TVX_INFEASIBLE ||
+                               out.Value <= objective + SAME * (1 + std::fabs(objective));
+            if (valid) return;
+            wrong++;
+            fprintf(stderr, "%s: bound %.10g, fresh %d %.10g\n", name, out.Value, status,
+                    objective);
+        } else
+            judge({out.Status, out.Value, out.Iterations}, status, objective);
     }
 };
 
@@ -86,6 +101,38 @@ void check_changes(Lp *lp, ModelBody *body, std::mt19937 *rng, Tally *tally)
     lp->solve(lp->changes_to(low, high), nullptr);
 }
 
+// Strong branching of fractional variables at the point, with few iterations, more, and to the end.
+void check_probes(Lp *lp, ModelBody *body, Tally *tally)
+{
+    StrongBranch *branch = nullptr;
+    if (strong_branch_open(lp->record, &branch)) fail("open", 0);
+    int left = PROBED;
+    for (int j = 0; j < body->numvars && branch && left > 0; j++) {
+        const double x = simplex_value(lp->record, j);
+        if (!lp->integer(j) || std::fabs(x - std::round(x)) < 1e-6) continue;
+        left--;
+        for (const bool up : {false, true}) {
+            const Bounds before = {j, lp->lower[size_t(j)], lp->upper[size_t(j)]},
+                         changed = lp->branch(j, x, up);
+            lp->lower[size_t(j)] = changed.lower;
+            lp->upper[size_t(j)] = changed.upper;
+            int status = 0;
+            double objective = 0;
+            fresh(lp, body, &status, &objective);
+            lp->lower[size_t(j)] = before.lower;
+            lp->upper[size_t(j)] = before.upper;
+            for (const double limit : {5.0, 50.0, 1e100}) {
+                BranchOutcome out;
+                if (strong_branch_probe(branch, j, up ? BranchSide::UP : BranchSide::DOWN,
+                                        up ? changed.lower : changed.upper, limit, &out))
+                    fail("probe", j);
+                tally->judge_probe(out, status, objective);
+            }
+        }
+    }
+    strong_branch_close(branch);
+}
+
 void check_rows(Lp *lp, TVXmodel *model, Tally *tally)
 {
     for (int round = 0; round < 3; round++) {
@@ -115,11 +162,12 @@ void check(Lp *lp, TVXmodel *model)
     std::mt19937 rng(1);
     TVXmodel *copy = TVXcopymodel(model);
     if (!copy) fail("copy", 0);
-    Tally bases{"bases"}, changes{"changes"}, rows{"rows"};
+    Tally bases{"bases"}, changes{"changes"}, probes{"probes"}, rows{"rows"};
     check_bases(lp, simplex_objective(lp->record), &rng, &bases);
     check_changes(lp, copy->body, &rng, &changes);
+    check_probes(lp, copy->body, &probes);
     check_rows(lp, copy, &rows);
-    for (const Tally *t : {&bases, &changes, &rows})
+    for (const Tally *t : {&bases, &changes, &probes, &rows})
         printf("\"%s\": {\"solves\": %d, \"wrong\": %d, \"none\": %d}, ", t->name,
                t->solves, t->wrong, t->none);
     TVXfreemodel(copy);
