@@ -33,8 +33,10 @@ template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
     return d;
 }
 
-// The status of nonbasic j within its new bounds, by the sign of its reduced cost.
-template<class R> int place(const sopt *s, const swork<R> *w, int j, int status)
+// The status of nonbasic j within its new bounds, by the sign of its reduced cost. Without a sign it keeps its side; one that
+// was fixed goes to the bound nearest to where it was.
+template<class R>
+int place(const sopt *s, const swork<R> *w, int j, int status, double before)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const R d = w->Cbar.data[j], tol = R(s->OptTol);
@@ -43,6 +45,8 @@ template<class R> int place(const sopt *s, const swork<R> *w, int j, int status)
     if (!below && !above) return AT_FREE;
     if (!below) return AT_UPPER;
     if (!above) return AT_LOWER;
+    if (std::abs(d) <= tol && status == AT_FIXED)
+        return upper - before < before - lower ? AT_UPPER : AT_LOWER;
     if (std::abs(d) <= tol) return status == AT_UPPER ? AT_UPPER : AT_LOWER;
     return d < 0 ? AT_UPPER : AT_LOWER;
 }
@@ -62,7 +66,7 @@ template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
     int *status = &s->VStat.data[j];
     if (*status == AT_FIXED) w->Cbar.data[j] = fresh_cbar(s, w, j);
     const int old = *status;
-    *status = place(s, w, j, old);
+    *status = place(s, w, j, old, before);
     w->Dual->FreeCount += (*status == AT_FREE) - (old == AT_FREE);
     if (*status == AT_FIXED)
         row_copy_remove(s, j);

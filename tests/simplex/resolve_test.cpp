@@ -230,6 +230,21 @@ struct Walk {
         EXPECT_EQ(live_faults(s), "") << "status " << out.Status;
         if (out.Status == TVX_OPTIMAL) check_point();
         if (out.Status == TVX_OPTIMAL && dice.chance(20)) probe();
+        if (out.Status == TVX_OPTIMAL && dice.chance(20)) fix_and_release();
+    }
+    // A nonbasic variable is fixed where it is, and released: both without a pivot.
+    void fix_and_release()
+    {
+        const int j = dice.range(0, lp.num_vars() - 1);
+        if (simplex_is_basic(s, j) || s->Live != LIVE_FRESH) return;
+        const double x = simplex_value(s, j);
+        const BoundChange to[] = {{j, x, x}, {j, lp.lb[size_t(j)], lp.ub[size_t(j)]}};
+        for (const BoundChange &change : to) {
+            ResolveOutcome out;
+            ASSERT_EQ(simplex_resolve(s, {&change, 1}, &out), 0);
+            EXPECT_TRUE(out.Status == TVX_OPTIMAL && out.Iterations == 0)
+                << out.Status << " " << out.Iterations << " of " << j;
+        }
     }
     // The multipliers, if there are any, have no point within the bounds.
     void check_proof()
