@@ -16,6 +16,10 @@ namespace
 {
 // A stored weight below this share of the exact one is too small: the row is chosen again.
 constexpr double WEIGHT_TRUST = 0.25;
+// Rounding errors of a live record's basic values above this share of FeasTol: they are computed anew before an optimum
+// is reported.
+constexpr double NOISE_SHARE = 0.01;
+
 constexpr int MAX_REJECTED = 20;  // rows set aside before the run ends with SIMPLEX_SWITCH
 constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
 
@@ -137,15 +141,14 @@ template<class R> void end_box_phase(sopt *s, swork<R> *w)
 // Phase 2 has no infeasible row: optimal for the costs in force.
 template<class R> void end_phase2(sopt *s, swork<R> *w)
 {
-    if (s->Perturbed) {
+    bool feasible = true;
+    if (s->Perturbed && !dual_remove_shifts(s, w, &feasible)) {
         dual_remove_perturbation(s);
         compute_dual(s, w);
         if (tracks_objective(s)) dual_set_objective(s, w);
-        const Infeasibility inf = measure_infeasibility(s, w);
-        s->Status = inf.DualCount == 0 ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
-    } else {
-        s->Status = SIMPLEX_OPTIMAL;
+        feasible = measure_infeasibility(s, w).DualCount == 0;
     }
+    s->Status = feasible ? SIMPLEX_OPTIMAL : SIMPLEX_SWITCH;
 }
 
 // No row is eligible. Infeasible rows may have been set aside, and updated factors may be inaccurate.
@@ -156,6 +159,8 @@ template<class R> void no_row(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CLEAN;
     } else if (d->Rejected > 0) {
         s->Status = SIMPLEX_SWITCH;
+    } else if (s->Live && s->ValueNoise > NOISE_SHARE * s->FeasTol) {
+        s->RefacReason = REFAC_VALUES;
     } else if (s->BoxPhase) {
         end_box_phase(s, w);
     } else {

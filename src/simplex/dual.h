@@ -2,6 +2,8 @@
 #pragma once
 #include "simplex/price_list.h"
 #include "simplex/sopt.h"
+#include <algorithm>
+#include <cmath>
 
 template<class R> struct dopt {
     // Pricing of the rows
@@ -59,11 +61,19 @@ template<class R> void dual_perturb_start(sopt *s, swork<R> *w); // needs Cbar
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);
+// The same by what single shifts have changed, in DualObj and Cbar too; Rho and the packed row are used. False, and nothing
+// done, if it does not apply. *feasible: the reduced costs that changed keep their signs.
+template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
-// resolve.cpp, also for strong branching
-// New bounds of column j in units of the working LP. The change of its value is added to Work, live_move_values then
-// changes the basic values. Work has to be empty before the first one.
+// resolve.cpp, also for strong branching and loaded bases
+// Reduced cost of nonbasic column j from the multipliers. That of a fixed column is not kept.
+template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j);
+// Nonbasic j, at `before`, goes to the bound that its reduced cost asks for, or takes status `wish` if that has no sign. The
+// change of its value is added to Work, live_move_values then changes the basic values.
+template<class R>
+void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before);
+// New bounds of column j in units of the working LP, as live_move_nonbasic. Work has to be empty before the first one.
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);
 template<class R> void live_move_values(sopt *s, swork<R> *w);
@@ -108,11 +118,28 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor);
 // multipliers for the costs in force, the other those for the true costs (RowVal, Work, Tau are used).
 template<class R> double dual_bound(sopt *s, swork<R> *w);
 template<class R> double dual_bound_true_costs(sopt *s, swork<R> *w);
+// SignError of the reduced costs as they are.
+template<class R> double dual_sign_errors(const sopt *s, const swork<R> *w);
 template<class R>
-void dual_set_objective(sopt *s, const swork<R> *w);           // DualObj, CutoffFrom
+void dual_set_objective(sopt *s, const swork<R> *w); // DualObj, SignError, CutoffFrom
 template<class R> void dual_test_cutoff(sopt *s, swork<R> *w); // sets Status, or CutoffFrom
 
 // dual_update.cpp
+inline void dual_add_objective(sopt *s, double term)
+{
+    s->DualObj += term;
+    s->DualObjSum += std::fabs(term);
+}
+constexpr double SIGN_TRUST = 1e-7; // share of the objective that SignError may be
+
+// What a reduced cost of the wrong sign, `gap` on the wrong side of zero, adds to the error of the objective: as
+// measure_violations.
+inline double dual_sign_error(const sopt *s, int j, double gap)
+{
+    return gap > 0 ? gap * std::min(s->ValueSize, s->Upper.data[j] - s->Lower.data[j]) : 0;
+}
+// Cbar -= theta times the packed row, for the slacks of equations times Rho.
+template<class R> void dual_subtract_row(const sopt *s, swork<R> *w, R theta);
 template<class R>
 void dual_add_column(const sopt *s, SVec<R> *x, int j, R factor); // x += factor * column j
 template<class R>

@@ -28,6 +28,9 @@ constexpr double OPEN_LEAST = 1e6, OPEN_SHARE = 100;
 // Rise of the objective from one test against the cutoff to the next: share of the excess, least relative rise.
 constexpr double TEST_SHARE = 0.1, TEST_LEAST = 1e-9;
 
+// Reduced costs of basic variables up to this size, relative to 1 + |cost|, are rounding errors.
+constexpr double BASIC_NOISE = 1e-12;
+
 // Entries that may be read for implied bounds, besides as many as the matrix has.
 constexpr int64_t IMPLIED_LEAST = 1000;
 
@@ -86,12 +89,9 @@ double implied_bound(const sopt *s, int j, bool above, int64_t *entries)
     return above ? best : -best;
 }
 
-// Reduced cost of variable j for the true costs, from minus the multipliers of the basis for `cost`.
-template<class R>
-R true_reduced_cost(const sopt *s, const double *cost, const R *minus_multipliers, int j)
+// Reduced cost of variable j for the true costs.
+template<class R> R true_reduced_cost(const sopt *s, const R *minus_multipliers, int j)
 {
-    // that of a basic variable for `cost` is 0
-    if (is_basic(s, j)) return R(s->Cost.data[j]) - R(cost[j]);
     if (j >= s->NumCols) return minus_multipliers[j - s->NumCols];
     return R(s->Cost.data[j]) + column_dot(s, j, minus_multipliers);
 }
@@ -110,6 +110,9 @@ void add_variable(const sopt *s, Lagrangian *bound, int j, double d)
 {
     double side = d > 0 ? s->Lower.data[j] : s->Upper.data[j];
     const bool given = has_lower(s, side) && has_upper(s, side);
+    if (!given && is_basic(s, j) &&
+        std::fabs(d) <= BASIC_NOISE * (1 + std::fabs(s->Cost.data[j])))
+        return;
     if (!given && std::fabs(d) <= s->OptTol) {
         bound->Open += std::fabs(d) / user_unit(s, j);
         return;
@@ -134,7 +137,7 @@ double lagrangian(const sopt *s, swork<R> *w, const R *slack_cbar, const double 
         bound.Sum.add(-static_cast<long double>(minus_multipliers[i]) * s->Rhs.data[i]);
     }
     for (int j = 0; j < s->NumVars && !bound.Infinite; j++) {
-        const R d = true_reduced_cost(s, cost, minus_multipliers, j);
+        const R d = true_reduced_cost(s, minus_multipliers, j);
         if (d != R(0)) add_variable(s, &bound, j, static_cast<double>(d));
     }
     if (bound.Infinite) return -HUGE_VAL;
@@ -156,9 +159,38 @@ template<class R> double dual_bound_true_costs(sopt *s, swork<R> *w)
     return lagrangian(s, w, w->RowVal.data + s->NumCols, s->Cost.data) / s->ObjScale;
 }
 
+namespace
+{
+// By how much the reduced cost of nonbasic j has the wrong sign.
+template<class R> double sign_gap(const sopt *s, const swork<R> *w, int j)
+{
+    const double d = static_cast<double>(w->Cbar.data[j]);
+    switch (s->VStat.data[j]) {
+    case AT_LOWER:
+        return -d;
+    case AT_UPPER:
+        return d;
+    case AT_FREE:
+        return std::fabs(d);
+    default:
+        return 0;
+    }
+}
+} // namespace
+
+template<class R> double dual_sign_errors(const sopt *s, const swork<R> *w)
+{
+    double sum = 0;
+    for (int j = 0; j < s->NumVars; j++)
+        if (!is_basic(s, j)) sum += dual_sign_error(s, j, sign_gap(s, w, j));
+    return sum;
+}
+
 template<class R> void dual_set_objective(sopt *s, const swork<R> *w)
 {
+    if (s->Live) s->SignError = dual_sign_errors(s, w);
     s->DualObj = working_objective(s, w);
+    s->DualObjSum = 0;
     s->CutoffFrom = has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
 }
 
@@ -183,6 +215,7 @@ template<class R> void dual_test_cutoff(sopt *s, swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template double dual_bound<R>(sopt *, swork<R> *);                                     \
     template double dual_bound_true_costs<R>(sopt *, swork<R> *);                          \
+    template double dual_sign_errors<R>(const sopt *, const swork<R> *);                   \
     template void dual_set_objective<R>(sopt *, const swork<R> *);                         \
     template void dual_test_cutoff<R>(sopt *, swork<R> *);
 INSTANTIATE(double)

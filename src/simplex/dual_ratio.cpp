@@ -216,6 +216,19 @@ template<class R> int pick(const dopt<R> *d, int groups, int *flip_end)
     }
     return -1; // not reached: the group with the largest entry qualifies
 }
+// The candidates passed that do not flip, and those that flip before their breakpoint, get reduced costs of the wrong sign.
+template<class R>
+void count_sign_errors(sopt *s, const swork<R> *w, int flip_end, int groups, int best)
+{
+    const dopt<R> *d = w->Dual;
+    const R step = d->CandDual.data[best] / d->CandAlpha.data[best];
+    for (int k = 0; k < d->GroupEnd.data[groups - 1]; k++) {
+        const R left = d->CandDual.data[k] - step * d->CandAlpha.data[k];
+        s->SignError += dual_sign_error(s, w->RowInd.data[d->CandPlace.data[k]],
+                                        static_cast<double>(k < flip_end ? left : -left));
+    }
+}
+
 // The variables to flip. With NonDegenFlip only those whose reduced cost changes its sign.
 template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int best)
 {
@@ -251,6 +264,7 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor)
     const int best = pick(d, groups, &flip_end);
     d->PivotCol = w->RowInd.data[d->CandPlace.data[best]];
     d->AlphaRow = w->RowVal.data[d->CandPlace.data[best]];
+    if (s->Live) count_sign_errors(s, w, flip_end, groups, best);
     list_flips(s, w, flip_end, best);
     return true;
 }

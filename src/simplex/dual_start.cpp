@@ -78,7 +78,10 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar)
 {
     const double shift = static_cast<double>(new_cbar - w->Cbar.data[j]);
     s->WorkCost.data[j] += shift;
-    s->DualObj += shift * nonbasic_value(s, j);
+    dual_add_objective(s, shift * nonbasic_value(s, j));
+    if (s->Perturbed == PERTURBED_NONE) s->ShiftCount = 0;
+    if (s->ShiftCount < MOST_SHIFTS) s->Shifted[s->ShiftCount] = j;
+    s->ShiftCount++;
     w->Cbar.data[j] = new_cbar;
     s->Perturbed = std::max<int>(s->Perturbed, PERTURBED_SINGLE);
 }
@@ -146,6 +149,60 @@ void dual_remove_perturbation(sopt *s)
 {
     std::copy_n(s->Cost.data, s->NumVars, s->WorkCost.data);
     s->Perturbed = PERTURBED_NONE;
+    s->ShiftCount = 0;
+}
+
+namespace
+{
+// Whether the reduced cost of j has the wrong sign beyond the tolerance; SignError counts what is within.
+template<class R> bool has_wrong_sign(sopt *s, const swork<R> *w, int j)
+{
+    const double d = static_cast<double>(w->Cbar.data[j]);
+    const int status = s->VStat.data[j];
+    const double gap = status == AT_LOWER   ? -d
+                       : status == AT_UPPER ? d
+                       : status == AT_FREE  ? std::fabs(d)
+                                            : 0;
+    s->SignError += dual_sign_error(s, j, gap);
+    return gap > s->OptTol;
+}
+} // namespace
+
+// The shift of a basic variable changes the reduced costs of its tableau row.
+template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible)
+{
+    if (s->Perturbed != PERTURBED_SINGLE || s->ShiftCount > MOST_SHIFTS ||
+        !tracks_objective(s))
+        return false;
+    bool basic = false;
+    svec_clear(&w->Rho);
+    for (int k = 0; k < s->ShiftCount; k++) {
+        const int j = s->Shifted[k];
+        const double shift = s->WorkCost.data[j] - s->Cost.data[j];
+        s->WorkCost.data[j] = s->Cost.data[j];
+        if (shift == 0) continue; // listed twice
+        const int r = s->VStat.data[j];
+        dual_add_objective(s, -shift * (r >= 0 ? static_cast<double>(w->Bbar.data[r])
+                                               : nonbasic_value(s, j)));
+        if (r >= 0)
+            svec_add(&w->Rho, r, R(shift));
+        else
+            w->Cbar.data[j] -= R(shift);
+        basic |= r >= 0;
+    }
+    if (basic) {
+        Btran(&w->Lu, &w->Rho, SOLVE_COSTS, Keep::NO);
+        compute_row(s, w);
+        dual_subtract_row(s, w, R(-1));
+    }
+    int wrong = 0;
+    for (int k = 0; k < s->ShiftCount; k++) wrong += has_wrong_sign(s, w, s->Shifted[k]);
+    for (int k = 0; basic && k < w->RowCount; k++)
+        wrong += has_wrong_sign(s, w, w->RowInd.data[k]);
+    *feasible = wrong == 0;
+    s->Perturbed = PERTURBED_NONE;
+    s->ShiftCount = 0;
+    return true;
 }
 
 #define INSTANTIATE(R)                                                                     \
@@ -153,6 +210,7 @@ void dual_remove_perturbation(sopt *s)
     template void dual_perturb_start<R>(sopt *, swork<R> *);                               \
     template void dual_perturb_stalled<R>(sopt *, swork<R> *);                             \
     template void dual_perturb_costs<R>(sopt *, swork<R> *);                               \
+    template bool dual_remove_shifts<R>(sopt *, swork<R> *, bool *);                       \
     template void dual_shift_cost<R>(sopt *, swork<R> *, int, R);
 INSTANTIATE(double)
 INSTANTIATE(long double)

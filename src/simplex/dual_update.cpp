@@ -6,9 +6,12 @@
 //   reduced costs     d_j -= theta_d (row entry of j), d_leaving = -theta_d
 #include "simplex/dual.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
+constexpr double UNIT_ROUNDOFF = 1.2e-16; // of doubles
+
 // Bbar -= factor x.
 template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
 {
@@ -24,27 +27,22 @@ template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
     }
 }
 
-template<class R> void update_reduced_costs(const sopt *s, swork<R> *w, int leaving)
-{
-    dopt<R> *d = w->Dual;
-    const R theta = d->ThetaDual;
-    R *__restrict cbar = w->Cbar.data;
-    if (theta != R(0)) { // assigned zero when the step is degenerate
-        const int *__restrict ind = w->RowInd.data;
-        const R *__restrict val = w->RowVal.data;
-        for (int k = 0; k < w->RowCount; k++) cbar[ind[k]] -= theta * val[k];
-        // The packed row has no fixed slacks, but their reduced costs are the multipliers of the rows, which bounds and
-        // later re-solves need.
-        for (int k = 0; k < w->Rho.Count && tracks_objective(s); k++) {
-            const int slack = s->NumCols + w->Rho.Index.data[k];
-            if (s->VStat.data[slack] == AT_FIXED)
-                cbar[slack] -= theta * w->Rho.Value.data[w->Rho.Index.data[k]];
-        }
-    }
-    cbar[d->PivotCol] = R(0);
-    cbar[leaving] = -theta;
-}
 } // namespace
+
+template<class R> void dual_subtract_row(const sopt *s, swork<R> *w, R theta)
+{
+    R *__restrict cbar = w->Cbar.data;
+    const int *__restrict ind = w->RowInd.data;
+    const R *__restrict val = w->RowVal.data;
+    for (int k = 0; k < w->RowCount; k++) cbar[ind[k]] -= theta * val[k];
+    // The packed row has no fixed slacks, but their reduced costs are the multipliers of the rows, which bounds and later
+    // re-solves need.
+    for (int k = 0; k < w->Rho.Count && tracks_objective(s); k++) {
+        const int slack = s->NumCols + w->Rho.Index.data[k];
+        if (s->VStat.data[slack] == AT_FIXED)
+            cbar[slack] -= theta * w->Rho.Value.data[w->Rho.Index.data[k]];
+    }
+}
 
 template<class R> void dual_add_column(const sopt *s, SVec<R> *x, int j, R factor)
 {
@@ -76,8 +74,8 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
         const int j = d->Flips.data[k];
         int *status = &s->VStat.data[j];
         const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
-        s->DualObj +=
-            static_cast<double>(w->Cbar.data[j]) * (*status == AT_LOWER ? range : -range);
+        dual_add_objective(s, static_cast<double>(w->Cbar.data[j]) *
+                                  (*status == AT_LOWER ? range : -range));
         *status = *status == AT_LOWER ? AT_UPPER : AT_LOWER;
     }
     subtract(w, R(1), &w->Work);
@@ -88,6 +86,13 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
 
 template<class R> void dual_move_values(sopt *s, swork<R> *w)
 {
+    const SVec<R> *x = &w->Work;
+    R largest = 0;
+    for (int k = 0; k < x->Count; k++)
+        largest = std::max(largest, std::abs(x->Value.data[x->Index.data[k]]));
+    for (int i = 0; i < x->Dim && x->Count < 0; i++)
+        largest = std::max(largest, std::abs(x->Value.data[i]));
+    s->ValueNoise += UNIT_ROUNDOFF * static_cast<double>(largest);
     subtract(w, R(1), &w->Work);
     dual_set_merits(s, w, &w->Work);
     svec_clear(&w->Work);
@@ -98,16 +103,21 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
     dopt<R> *d = w->Dual;
     const int r = d->PivotRow, leaving = s->BasisHead.data[r];
     const R theta = d->ThetaPrimal;
-    s->DualObj += static_cast<double>(w->Cbar.data[d->PivotCol] * theta);
+    dual_add_objective(s, static_cast<double>(w->Cbar.data[d->PivotCol] * theta));
+    s->ValueNoise += UNIT_ROUNDOFF * std::fabs(static_cast<double>(theta));
     subtract(w, theta, &w->Alpha);
     dual_set_merits(s, w, &w->Alpha);
     w->Bbar.data[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
-    update_reduced_costs(s, w, leaving);
+    // assigned zero when the step is degenerate
+    if (d->ThetaDual != R(0)) dual_subtract_row(s, w, d->ThetaDual);
+    w->Cbar.data[d->PivotCol] = R(0);
+    w->Cbar.data[leaving] = -d->ThetaDual;
     s->WorkUnits += 3.0 * w->Alpha.Count + w->RowCount;
 }
 
 #define INSTANTIATE(R)                                                                     \
     template void dual_add_column<R>(const sopt *, SVec<R> *, int, R);                     \
+    template void dual_subtract_row<R>(const sopt *, swork<R> *, R);                       \
     template void dual_move_values<R>(sopt *, swork<R> *);                                 \
     template void dual_load_flips<R>(sopt *, swork<R> *);                                  \
     template void dual_apply_flips<R>(sopt *, swork<R> *);                                 \

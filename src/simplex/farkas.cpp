@@ -211,8 +211,7 @@ namespace
 // Entries of g up to this size at a variable without a bound are rounding errors.
 constexpr double SIMPLE_NOISE = 1e-14;
 
-// In user units, as SLACK. Far larger, since the multipliers are not refined and the entries in the other basic columns are
-// taken as zero; closer cases are left to proves_infeasible.
+// In user units, as SLACK. Far larger, since the multipliers are not refined; closer cases are left to proves_infeasible.
 constexpr double SIMPLE_SLACK = 1e-6;
 
 // Share of the sum of all terms by which the gap has to exceed rounding errors.
@@ -241,7 +240,7 @@ void extend_simply(const sopt *s, SimpleRange *range, int j, double g)
     }
 }
 
-// Entries of g in the nonbasic columns and the sums over all of them. acc is SVEC_TINY again on return.
+// Entries of g and the sums over all of them. acc is SVEC_TINY again on return.
 template<class R> SimpleRange range_of_row(const sopt *s, swork<R> *w)
 {
     R *acc = w->RowAcc.data;
@@ -252,12 +251,10 @@ template<class R> SimpleRange range_of_row(const sopt *s, swork<R> *w)
         const R rho = w->Rho.Value.data[i];
         for (int p = s->RowBeg.data[i]; p < s->RowBeg.data[i + 1]; p++) {
             const int j = s->RowInd.data[p];
-            if (is_basic(s, j)) continue;
             if (acc[j] == SVEC_TINY<R>) list[count++] = j;
             acc[j] += rho * R(s->RowVal.data[p]);
         }
-        if (!is_basic(s, s->NumCols + i))
-            extend_simply(s, &range, s->NumCols + i, static_cast<double>(rho));
+        extend_simply(s, &range, s->NumCols + i, static_cast<double>(rho));
     }
     for (int k = 0; k < count; k++) {
         extend_simply(s, &range, list[k], static_cast<double>(acc[list[k]]));
@@ -269,10 +266,7 @@ template<class R> SimpleRange range_of_row(const sopt *s, swork<R> *w)
 
 template<class R> bool proves_simply(sopt *s, swork<R> *w)
 {
-    const int r = w->Dual->PivotRow;
     SimpleRange range = range_of_row(s, w);
-    extend_simply(s, &range, s->BasisHead.data[r],
-                  1); // the other basic variables have g = 0
     double rhs = 0;
     for (int k = 0; k < w->Rho.Count; k++) {
         const int i = w->Rho.Index.data[k];

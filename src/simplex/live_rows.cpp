@@ -117,13 +117,28 @@ void put_row(sopt *s, const LiveRow &row, int i, int *next)
     s->RowBeg.data[i + 1] = slot;
 }
 
+// A row without a finite right-hand side is no condition, or one that no point satisfies.
+void put_infinite_row(sopt *s, char sense, double rhs, int i)
+{
+    s->RowFill.data[i] = 0;
+    s->RowBeg.data[i + 1] = s->RowBeg.data[i];
+    s->RowScale.data[i] = 1;
+    s->Rhs.data[i] = sense == '<' && rhs > 0 ? 0 : -1;
+}
+
+bool has_finite_rhs(const sopt *s, const LiveRow &row)
+{
+    const double rhs = working_bound(s, row.Rhs);
+    return has_lower(s, rhs) && has_upper(s, rhs);
+}
+
 int put_rows(sopt *s, const LiveRow *rows, int count, int first)
 {
     Array<int> extra;
     TRY(array_assign(&extra, s->NumCols, 0));
     int64_t more = 0;
     for (int k = 0; k < count; k++)
-        for (int p = 0; p < rows[k].Count; p++) {
+        for (int p = 0; p < rows[k].Count && has_finite_rhs(s, rows[k]); p++) {
             extra.data[rows[k].Ind[p]] += rows[k].Val[p] != 0;
             more += rows[k].Val[p] != 0;
         }
@@ -132,6 +147,10 @@ int put_rows(sopt *s, const LiveRow *rows, int count, int first)
     for (int j = 0; j < s->NumCols; j++) next[j] = s->ColBeg.data[j + 1] - extra.data[j];
     for (int k = 0; k < count; k++) {
         const int i = first + k;
+        if (!has_finite_rhs(s, rows[k])) {
+            put_infinite_row(s, rows[k].Sense, rows[k].Rhs, i);
+            continue;
+        }
         s->RowScale.data[i] = row_factor(s, rows[k]);
         s->Scaled |= s->RowScale.data[i] != 1;
         s->Rhs.data[i] = rows[k].Rhs * s->RowScale.data[i];
@@ -197,6 +216,7 @@ template<class R> int append(sopt *s, swork<R> *w, const LiveRow *rows, int coun
         if (factored) TRY(join_basis(s, w, i));
     }
     if (!factored) s->Live = LIVE_STALE;
+    s->Status = SIMPLEX_RUNNING;
     return 0;
 }
 
@@ -284,6 +304,7 @@ template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
     for (int r = 0; r < left; r++) s->VStat.data[s->BasisHead.data[r]] = r;
     std::fill_n(s->Mark.data, s->NumVars, 0);
     shrink_work(w, left);
+    if (s->ShiftCount > 0) s->ShiftCount = MOST_SHIFTS + 1; // the slacks have other numbers
     s->BasisAge++;
     s->Live = LIVE_STALE;
     return row_copy_build(s);

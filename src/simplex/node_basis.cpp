@@ -1,9 +1,9 @@
 // node_basis.cpp -- saves the basis of a live record for a node, and loads it again
 //
 // Method      Statuses as bytes, weights as floats. A basis that differs from the live one in a few variables is reached
-//             by updates of the factors: each entering variable replaces the one of the leaving variables in whose
-//             position its column is largest. Otherwise, or if the pivots become small, the next solve factors anew.
-// Cost        O(n + m); an exchange costs an FTRAN, a BTRAN and an update.
+//             by pivots: each entering variable replaces the one of the leaving variables in whose position its column is
+//             largest. Otherwise, or if the pivots become small, the next solve factors anew.
+// Cost        O(n + m), and that of the pivots; else a factorisation, and values and reduced costs from the matrix.
 #include "simplex/dual.h"
 #include <algorithm>
 
@@ -20,13 +20,22 @@ constexpr double PIVOT_SHARE = 1e-3;
 // Larger weights would be infinite as floats, and rows with an infinite weight would never be chosen.
 constexpr double LARGEST_WEIGHT = 1e38;
 
+// From the body's sign of column k to that of the working LP, and back.
+int sign_status(const sopt *s, int k, int status)
+{
+    if (k >= s->NumCols || s->ColScale.data[k] > 0) return status;
+    return status == AT_LOWER ? AT_UPPER : status == AT_UPPER ? AT_LOWER : status;
+}
+
 // What a loaded basis makes of the variables.
 struct Target {
+    const sopt *Record;
     const NodeBasis *Basis;
     int NumCols, RowsSaved;
     int status(int k) const // BASIC, or a BasisStatus
     {
-        return k < NumCols + RowsSaved ? -Basis->Statuses.data[k] : BASIC;
+        if (k >= NumCols + RowsSaved) return BASIC;
+        return sign_status(Record, k, -Basis->Statuses.data[k]);
     }
 };
 
@@ -50,6 +59,35 @@ bool list_exchanges(const sopt *s, const swork<R> *w, const Target &target, int 
     return in == out;
 }
 
+// Status of a variable that leaves the basis: as wished if its bounds allow that.
+int nonbasic_status(const sopt *s, int k, int wish)
+{
+    const double lower = s->WorkLower.data[k], upper = s->WorkUpper.data[k];
+    if (lower == upper) return AT_FIXED; // assigned alike
+    if (!has_lower(s, lower)) return AT_FREE;
+    return wish == AT_UPPER && has_upper(s, upper) ? AT_UPPER : AT_LOWER;
+}
+
+// Values, reduced costs and objective follow the pivot of Alpha and Rho, before the basis changes.
+template<class R> void pivot_values(sopt *s, swork<R> *w, int r, int q, int status)
+{
+    dopt<R> *d = w->Dual;
+    const int leaving = s->BasisHead.data[r];
+    const double bound = status == AT_FREE    ? 0
+                         : status == AT_UPPER ? s->WorkUpper.data[leaving]
+                                              : s->WorkLower.data[leaving];
+    if (s->VStat.data[q] == AT_FIXED && q < s->NumCols)
+        w->Cbar.data[q] = live_reduced_cost(s, w, q);
+    d->FreeCount += (status == AT_FREE) - (s->VStat.data[q] == AT_FREE);
+    d->PivotRow = r;
+    d->PivotCol = q;
+    const R pivot = w->Alpha.Value.data[r];
+    d->ThetaPrimal = (w->Bbar.data[r] - R(bound)) / pivot;
+    d->ThetaDual = w->Cbar.data[q] / pivot;
+    compute_row(s, w);
+    dual_update_values(s, w);
+}
+
 // One exchange; false if no pivot is large enough. positions[0..left-1]: those still to be given up.
 template<class R>
 bool exchange(sopt *s, swork<R> *w, const Target &target, int q, int *positions, int left)
@@ -69,9 +107,11 @@ bool exchange(sopt *s, swork<R> *w, const Target &target, int q, int *positions,
     if (std::abs(pivot) <= R(PIVOT_SHARE) * largest) return false;
     svec_unit(&w->Rho, r, R(1));
     Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::YES);
-    const int leaving = s->BasisHead.data[r];
+    const int leaving = s->BasisHead.data[r],
+              status = nonbasic_status(s, leaving, target.status(leaving));
+    if (s->Live == LIVE_FRESH) pivot_values(s, w, r, q, status);
     if (UpdateFactor(&w->Lu, r, pivot) != UPDATE_DONE) return false;
-    swap_basis(s, r, q, target.status(leaving));
+    swap_basis(s, r, q, status);
     std::swap(positions[best], positions[left - 1]);
     return true;
 }
@@ -122,14 +162,32 @@ template<class R> void take_weights(const sopt *s, swork<R> *w, const NodeBasis 
     }
 }
 
+// All nonbasics of a fresh record whose basis has become that of the target.
+template<class R> void move_nonbasics(sopt *s, swork<R> *w, const Target &target)
+{
+    svec_clear(&w->Work);
+    for (int k = 0; k < s->NumVars; k++)
+        if (!is_basic(s, k) && s->VStat.data[k] != AT_FIXED)
+            live_move_nonbasic(s, w, k, target.status(k), nonbasic_value(s, k));
+    live_move_values(s, w);
+}
+
 template<class R> int load(sopt *s, swork<R> *w, const NodeBasis &basis)
 {
-    const Target target = {&basis, basis.NumCols, basis.NumRows};
-    if (!follow(s, w, target) && !replace_basis(s, target)) start_slack_basis(s);
-    take_statuses(s, target);
-    settle_nonbasics(s);
-    take_weights(s, w, basis);
-    s->Live = LIVE_STALE;
+    const Target target = {s, &basis, basis.NumCols, basis.NumRows};
+    const bool followed = follow(s, w, target);
+    if (followed && s->Live == LIVE_FRESH) {
+        move_nonbasics(s, w, target);
+        take_weights(s, w, basis);
+        dual_list_reset(s, w);
+    } else {
+        if (!followed && !replace_basis(s, target)) start_slack_basis(s);
+        take_statuses(s, target);
+        settle_nonbasics(s);
+        take_weights(s, w, basis);
+        s->Live = LIVE_STALE;
+    }
+    s->Status = SIMPLEX_RUNNING;
     return 0;
 }
 
@@ -142,7 +200,8 @@ template<class R> int save(const sopt *s, const swork<R> *w, NodeBasis *basis)
     int next = 0;
     for (int k = 0; k < s->NumVars; k++) {
         const int status = s->VStat.data[k];
-        basis->Statuses.data[k] = static_cast<char>(status >= 0 ? 0 : -status);
+        basis->Statuses.data[k] =
+            static_cast<char>(status >= 0 ? 0 : -sign_status(s, k, status));
         if (status >= 0)
             basis->Weights.data[next++] = static_cast<float>(
                 std::min(w->Dual->Weights.data[status], R(LARGEST_WEIGHT)));
@@ -159,5 +218,10 @@ int simplex_save_basis(const sopt *s, NodeBasis *basis)
 int simplex_load_basis(sopt *s, const NodeBasis &basis)
 {
     assert(basis.NumCols == s->NumCols && basis.NumRows <= s->NumRows);
+    if (s->Quad && s->Env->Quad != 1 && !s->Tuning.Extended) {
+        // the trouble that asked for extended precision was that of another basis
+        TRY(switch_precision(s, 0));
+        if (!s->Double->Dual) TRY(dopt_create(s, &s->Double->Dual));
+    }
     return s->Quad ? load(s, s->Extended, basis) : load(s, s->Double, basis);
 }

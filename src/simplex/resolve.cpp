@@ -19,22 +19,17 @@ namespace
 constexpr double TOLERANCE_FLOOR =
     1e-9; // smallest feasibility tolerance that doubles support
 
+// DualObj is computed anew when more than this multiple of it was added: rounding errors and those of the terms are then
+// within 1e-9 of it.
+constexpr double SUM_TRUST = 1000;
+
 bool crosses(const sopt *s, int j)
 {
-    return s->Lower.data[j] - s->Upper.data[j] > s->FeasTol;
+    return bounds_exclude(s, j, s->Lower.data[j], s->Upper.data[j]);
 }
 
-// Reduced cost of a nonbasic column from the multipliers.
-template<class R> R fresh_cbar(const sopt *s, const swork<R> *w, int j)
-{
-    R d = R(s->WorkCost.data[j]);
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        d += R(s->ColVal.data[p]) * minus_multiplier(s, w, s->ColInd.data[p]);
-    return d;
-}
-
-// The status of nonbasic j within its new bounds, by the sign of its reduced cost. Without a sign it keeps its side; one that
-// was fixed goes to the bound nearest to where it was.
+// The status of nonbasic j by the sign of its reduced cost. Without a sign it gets `status`; one that was fixed goes to the
+// bound nearest to where it was.
 template<class R>
 int place(const sopt *s, const swork<R> *w, int j, int status, double before)
 {
@@ -60,13 +55,26 @@ template<class R> bool wants_infinity(const sopt *s, const swork<R> *w, int j)
            (d < -tol && !has_upper(s, s->Upper.data[j]));
 }
 
-// A nonbasic variable goes to its new place; the change of its value is added to Work.
-template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
+} // namespace
+
+template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j)
+{
+    R d = R(s->WorkCost.data[j]);
+    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
+        d += R(s->ColVal.data[p]) * minus_multiplier(s, w, s->ColInd.data[p]);
+    return d;
+}
+
+template<class R>
+void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before)
 {
     int *status = &s->VStat.data[j];
-    if (*status == AT_FIXED) w->Cbar.data[j] = fresh_cbar(s, w, j);
+    if (*status == AT_FIXED) w->Cbar.data[j] = live_reduced_cost(s, w, j);
     const int old = *status;
-    *status = place(s, w, j, old, before);
+    *status = place(s, w, j, wish, before);
+    const double d = static_cast<double>(w->Cbar.data[j]);
+    if (*status != AT_FIXED)
+        s->SignError += dual_sign_error(s, j, *status == AT_UPPER ? d : -d);
     w->Dual->FreeCount += (*status == AT_FREE) - (old == AT_FREE);
     if (*status == AT_FIXED)
         row_copy_remove(s, j);
@@ -74,31 +82,33 @@ template<class R> void move_nonbasic(sopt *s, swork<R> *w, int j, double before)
         row_copy_insert(s, j);
     const double step = nonbasic_value(s, j) - before;
     if (step != 0) {
-        s->DualObj += step * static_cast<double>(w->Cbar.data[j]);
+        dual_add_objective(s, step * static_cast<double>(w->Cbar.data[j]));
         dual_add_column(s, &w->Work, j, R(step));
     }
     // last, since the shift changes the objective by its product with the value
     if (wants_infinity(s, w, j)) dual_shift_cost(s, w, j, R(0));
 }
-} // namespace
 
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper)
 {
     const int status = s->VStat.data[j];
-    const double before = status < 0 ? nonbasic_value(s, j) : 0;
     s->Crossed -= crosses(s, j);
     s->Lower.data[j] = lower;
     s->Upper.data[j] = upper;
-    if (crosses(s, j))
+    if (crosses(
+            s,
+            j)) { // no solve before they are changed again: values keep to the working bounds
         s->Crossed++;
-    else if (lower > upper) // by less than the tolerance: fixed
-        s->Upper.data[j] = lower;
+        return;
+    }
+    if (lower > upper) s->Upper.data[j] = lower; // by less than the tolerance: fixed
+    const double before = status < 0 ? nonbasic_value(s, j) : 0;
     s->WorkLower.data[j] = s->Lower.data[j];
     s->WorkUpper.data[j] = s->Upper.data[j];
     if (s->Live != LIVE_FRESH) return; // the next refresh places all variables
     if (status < 0) {
-        move_nonbasic(s, w, j, before);
+        live_move_nonbasic(s, w, j, status, before);
     } else {
         s->BasicLower.data[status] = s->WorkLower.data[j];
         s->BasicUpper.data[status] = s->WorkUpper.data[j];
@@ -120,7 +130,9 @@ template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
     s->Method = METHOD_DUAL;
     s->IterLimit = iteration_limit;
     s->EndFactor = 0;
-    s->RefacReason = REFAC_NONE;
+    if (s->RefacReason != REFAC_FILL) s->RefacReason = REFAC_NONE;
+    if (s->TightProof) s->OptTol = s->UsualOptTol;
+    s->TightProof = 0;
     s->NPvt = s->IterBase = 0;
     s->LastPerturbIter = 0;
     s->LastDegenCount = s->DegenCount;
@@ -198,17 +210,21 @@ template<class R> void take_true_lp(sopt *s)
 }
 
 // Numeric trouble: an ordinary run from this basis, with all its remedies. 0 or a code.
-int recover(sopt *s, double limit)
+int recover(sopt *s, double limit, double cutoff)
 {
     SimplexCall call;
     call.Method = METHOD_DUAL;
     call.Cutoff = false;
     call.Limit = limit;
-    const double done = s->NPvt;
+    call.Inner = true;
+    const SimplexCounters before = *s;
     TRY(simplex_run(s, call));
     const int status = s->Status;
     TRY(simplex_go_live(s));
-    s->NPvt += done;
+    s->NPvt += before.NPvt;
+    s->Cutoff = cutoff;
+    s->FeasTol = std::min(s->FeasTol, before.FeasTol);
+    s->OptTol = std::min(s->OptTol, before.OptTol);
     s->Status = status;
     return 0;
 }
@@ -221,28 +237,76 @@ bool is_final(int status)
            status == SIMPLEX_INTERRUPTED;
 }
 
-template<class R> int run(sopt *s, swork<R> *w)
+// Lower bound of the optimum, as simplex_objective; -UNDEFINED_VALUE: none. Cbar belongs to the basis and WorkCost.
+template<class R> double lower_bound(sopt *s, swork<R> *w)
 {
-    if (s->Live == LIVE_STALE) s->RefacReason = REFAC_VALUES;
+    if (s->BoxPhase) return -UNDEFINED_VALUE;
+    double bound = dual_bound(s, w);
+    if (s->Perturbed && has_factor(s, w))
+        bound = std::max(bound, dual_bound_true_costs(s, w));
+    return std::isfinite(bound) ? bound + s->ObjOffset : -UNDEFINED_VALUE;
+}
+
+// Reduced costs of the wrong sign within the tolerance put the objective visibly above the optimum: the tolerance is reduced.
+template<class R> bool has_sign_error(sopt *s, swork<R> *w)
+{
+    const double limit = SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
+    if (s->SignError <= limit) return false;
+    s->SignError = dual_sign_errors(s, w);
+    bool primal = false;
+    return s->SignError > limit &&
+           tighten_tolerances(s, {{}, measure_violations(s, w).Dual}, &primal);
+}
+
+// *bound: a lower bound known when a limit stops the primal simplex.
+template<class R> int run(sopt *s, swork<R> *w, double *bound)
+{
+    if (s->Live == LIVE_STALE && s->RefacReason == REFAC_NONE)
+        s->RefacReason = REFAC_VALUES;
     s->CutoffFrom =
         s->Live == LIVE_FRESH && has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
     s->Live = LIVE_FRESH;
     if (s->RefacReason == REFAC_NONE && s->DualObj > s->CutoffFrom) dual_test_cutoff(s, w);
     TRY(dual_pivots(s, w));
+    if (s->Status == SIMPLEX_OPTIMAL && has_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
     if (s->Status == SIMPLEX_SWITCH) {
+        *bound = lower_bound(s, w);
         dual_weights_save(s, w); // the primal simplex changes positions
         TRY(live_run_primal(s, w));
         dual_weights_restore(s, w);
         take_true_lp<R>(s);
+        // the primal simplex does not keep all reduced costs
+        if (s->Status == SIMPLEX_OPTIMAL && has_factor(s, w)) compute_dual(s, w);
     }
     return 0;
 }
 
-template<class R> double lower_bound(sopt *s, swork<R> *w)
+// The objective of the basis. DualObj has rounding errors of the terms that were added.
+template<class R> double optimum(sopt *s, swork<R> *w)
 {
-    if (s->Live != LIVE_FRESH || s->BoxPhase) return -UNDEFINED_VALUE;
-    const double bound = dual_bound(s, w);
-    return std::isfinite(bound) ? bound + s->ObjOffset : -UNDEFINED_VALUE;
+    if (s->Live != LIVE_FRESH) return true_objective(s, w) + s->ObjOffset;
+    if (s->DualObjSum > SUM_TRUST * (1 + std::fabs(s->DualObj))) dual_set_objective(s, w);
+    return s->DualObj / s->ObjScale + s->ObjOffset;
+}
+
+// An optimum above the cutoff is told as CUTOFF if a bound proves it: where a reduced cost has the wrong sign within the
+// tolerance, there are points below the value.
+template<class R> void judge_cutoff(sopt *s, swork<R> *w, ResolveOutcome *out)
+{
+    if (s->Status != SIMPLEX_OPTIMAL || out->Value - s->ObjOffset <= s->Cutoff) return;
+    const double bound = lower_bound(s, w);
+    if (bound - s->ObjOffset <= s->Cutoff) return;
+    out->Status = s->Status = SIMPLEX_CUTOFF;
+    out->Value = bound;
+}
+
+int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
+{
+    TRY(recover(s, call.Iterations - s->NPvt, s->Cutoff));
+    *out = {is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC, -UNDEFINED_VALUE, s->NPvt};
+    if (s->Status == SIMPLEX_OPTIMAL) out->Value = simplex_objective(s);
+    s->Quad ? judge_cutoff(s, s->Extended, out) : judge_cutoff(s, s->Double, out);
+    return 0;
 }
 
 template<class R>
@@ -256,26 +320,19 @@ int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
         *out = {SIMPLEX_INFEASIBLE, UNDEFINED_VALUE, 0};
         return 0;
     }
-    TRY(run(s, w));
     double value = -UNDEFINED_VALUE;
-    if (!is_final(s->Status)) {
-        TRY(recover(s, call.Iterations - s->NPvt));
-        *out = {is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC, value, s->NPvt};
-        if (s->Status == SIMPLEX_OPTIMAL) out->Value = simplex_objective(s);
-        return 0;
-    }
+    TRY(run(s, w, &value));
+    if (!is_final(s->Status)) return solve_with_trouble(s, call, out);
     if (s->Status == SIMPLEX_OPTIMAL)
-        value = s->ObjOffset +
-                (s->Live == LIVE_FRESH ? s->DualObj / s->ObjScale : true_objective(s, w));
+        value = optimum(s, w);
     else if (s->Status == SIMPLEX_CUTOFF)
         value = s->CutoffBound + s->ObjOffset;
-    else if (s->Status != SIMPLEX_INFEASIBLE)
+    else if (s->Status != SIMPLEX_INFEASIBLE && s->Live == LIVE_FRESH)
         value = lower_bound(s, w);
-    if (s->Status == SIMPLEX_OPTIMAL && value - s->ObjOffset > s->Cutoff)
-        s->Status = SIMPLEX_CUTOFF;
-    s->Obj = value - s->ObjOffset;
-    if (!has_factor(s, w)) s->Live = LIVE_STALE; // the last update failed
     *out = {s->Status, value, s->NPvt};
+    judge_cutoff(s, w, out);
+    s->Obj = out->Value - s->ObjOffset;
+    if (!has_factor(s, w)) s->Live = LIVE_STALE; // the last update failed
     return 0;
 }
 
@@ -303,9 +360,15 @@ template<class R> int clean(sopt *s, swork<R> *w, bool *same)
         TRY(Refactor(s, w));
         dual_weights_restore(s, w);
     }
-    *same = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs;
+    *same = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs && has_factor(s, w);
     s->Live = LIVE_STALE;
-    if (has_factor(s, w)) finish_values(s, w);
+    if (!has_factor(s, w)) return 0;
+    finish_values(s, w);
+    const Infeasibility inf = measure_infeasibility(s, w);
+    if (inf.PrimalCount > 0 || inf.DualCount > 0) *same = false;
+    bool primal = false;
+    if (*same) *same = !tighten_tolerances(s, measure_violations(s, w), &primal);
+    if (*same) s->Obj = true_objective(s, w);
     return 0;
 }
 
@@ -343,6 +406,8 @@ int simplex_clean(sopt *s, bool *same)
 }
 
 #define INSTANTIATE(R)                                                                     \
+    template R live_reduced_cost<R>(const sopt *, const swork<R> *, int);                  \
+    template void live_move_nonbasic<R>(sopt *, swork<R> *, int, int, double);             \
     template void live_set_bounds<R>(sopt *, swork<R> *, int, double, double);             \
     template void live_move_values<R>(sopt *, swork<R> *);                                 \
     template void live_begin<R>(sopt *, swork<R> *, double);                               \

@@ -35,8 +35,8 @@ struct ResolveOutcome {
     // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED after rows
     // were deleted that bounded the LP
     int Status;
-    // As simplex_objective: of OPTIMAL the optimum; of the others a lower bound that holds in spite of shifted costs, or
-    // -UNDEFINED_VALUE. Without meaning for INFEASIBLE.
+    // As simplex_objective: of OPTIMAL the optimum, above the cutoff only if no bound proves that; of the others a lower
+    // bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE.
     double Value;
     double Iterations;
 };
@@ -44,8 +44,9 @@ struct ResolveOutcome {
 [[nodiscard]] int simplex_resolve(sopt *s, const ResolveCall &call,
                                   ResolveOutcome *outcome);
 // After OPTIMAL: values and reduced costs are computed afresh, with one step of refinement, on fresh factors, for a point
-// that is going to be accepted. *same: the basis is still that of the optimum; otherwise it was singular and has been
-// repaired, and the LP has to be solved again. 0 or a code.
+// that is going to be accepted. *same: the basis is optimal with them. Otherwise the LP has to be solved again: the basis was
+// singular and has been repaired, or values violate tolerances, which are then tighter for this record where violations in
+// units of the body ask for it. 0 or a code.
 [[nodiscard]] int simplex_clean(sopt *s, bool *same);
 
 // ---- Nodes (node_basis.cpp) ----
@@ -58,7 +59,8 @@ struct NodeBasis {
     Array<float> Weights;
 };
 [[nodiscard]] int simplex_save_basis(const sopt *s, NodeBasis *basis);
-// If the live basis differs in a few variables only, the factors follow by updates. 0 or a code.
+// If the live basis differs in a few variables only, it is reached by pivots. Extended precision that numeric trouble asked
+// for ends. 0 or a code.
 [[nodiscard]] int simplex_load_basis(sopt *s, const NodeBasis &basis);
 
 // ---- Rows (live_rows.cpp) ----

@@ -159,6 +159,17 @@ bool tighten_for(const sopt *s, double *tol, double limit, const UserViolation &
     return tighten(s, tol, wish);
 }
 
+} // namespace
+
+bool tighten_tolerances(sopt *s, const UserViolations &v, bool *primal)
+{
+    *primal = tighten_for(s, &s->FeasTol, s->Env->FeasibilityTol, v.Primal);
+    const bool dual = tighten_for(s, &s->OptTol, s->Env->OptimalityTol, v.Dual);
+    return *primal || dual;
+}
+
+namespace
+{
 // Another run from the current basis.
 int run_again(sopt *s, SimplexMethod method)
 {
@@ -194,9 +205,8 @@ int polish(sopt *s)
         if (acceptable.size == 0 && v.Primal.Largest <= s->Env->FeasibilityTol &&
             v.Dual.Largest <= s->Env->OptimalityTol)
             TRY(array_copy(&acceptable, s->VStat.data, s->NumVars));
-        const bool primal = tighten_for(s, &s->FeasTol, s->Env->FeasibilityTol, v.Primal),
-                   dual = tighten_for(s, &s->OptTol, s->Env->OptimalityTol, v.Dual);
-        if (!primal && !dual) return 0;
+        bool primal = false;
+        if (!tighten_tolerances(s, v, &primal)) return 0;
         TRY(run_again(s, primal ? METHOD_DUAL : METHOD_PRIMAL));
     }
     if (s->Status == SIMPLEX_OPTIMAL) return 0;

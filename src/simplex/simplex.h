@@ -35,6 +35,7 @@ struct SimplexCall {
     const double *Slack = nullptr; // [m] the slacks of this point
     double Iterations = 0;         // iterations of earlier stages of the same solve
     double Limit = 1e100;          // of the iterations, as IterationLimit, which counts too
+    bool Inner = false;            // no callbacks, and IterationLimit does not count
     bool Cutoff = true;            // the environment's Cutoff applies to this body
     bool Root = false; // the root relaxation of a search: its log has a banner of its own
     double *Total = nullptr; // or gets the count at the end, also after OUT_OF_MEMORY
@@ -166,7 +167,8 @@ inline bool branch_is_closed(const BranchOutcome &outcome)
 {
     return outcome.Status == TVX_INFEASIBLE || outcome.Status == TVX_CUTOFF;
 }
-// 0 or OUT_OF_MEMORY. A live record that is stale is solved first; *out is null if it is not optimal then.
+// 0 or OUT_OF_MEMORY. A live record that is not optimal with its rows, or stale, is solved first; *out is null if it is not
+// optimal then. The cutoff is that of the last solve.
 [[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out);
 [[nodiscard]] int strong_branch_probe(StrongBranch *branch, int j, BranchSide side,
                                       double bound, double iteration_limit,

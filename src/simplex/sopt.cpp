@@ -236,11 +236,11 @@ void sopt_refresh(sopt *s, const SimplexCall &call)
     s->NextLogIter = 0;
     s->IterBase = call.Iterations;
     s->HasCutoff = call.Cutoff;
-    s->IterLimit = std::min(env->IterationLimit, call.Limit);
+    s->IterLimit = call.Inner ? call.Limit : std::min(env->IterationLimit, call.Limit);
     s->EndFactor = env->TARV_PAR_SIMPLEXENDFAC;
     s->Live = LIVE_NO;
     s->CutoffFrom = HUGE_VAL;
-    s->Running = 1;
+    s->Running = !call.Inner;
     s->NPvt = s->Work = 0;
     s->NumFactor = 0;
     s->Status = SIMPLEX_RUNNING;
@@ -287,16 +287,14 @@ void sopt_check_bounds(sopt *s)
 {
     for (int j = 0; j < s->NumCols; j++) {
         double *lower = &s->Lower.data[j], *upper = &s->Upper.data[j];
-        const bool crossed = (*lower - *upper) * user_unit(s, j) > s->Env->FeasibilityTol;
-        const bool passable = *lower < s->Infinity && -*upper < s->Infinity;
-        if (!crossed && passable) {
+        if (!bounds_exclude(s, j, *lower, *upper)) {
             // Crossed by less than the tolerance: fixed.
             if (*lower > *upper) *upper = *lower;
             continue;
         }
         const bool runs_away = (*lower >= s->Infinity && s->Cost.data[j] < 0) ||
                                (*upper <= -s->Infinity && s->Cost.data[j] > 0);
-        s->Status = !crossed && runs_away ? SIMPLEX_UNBOUNDED : SIMPLEX_INFEASIBLE;
+        s->Status = *lower <= *upper && runs_away ? SIMPLEX_UNBOUNDED : SIMPLEX_INFEASIBLE;
         s->BadVar = j;
         tell_bad_bounds(s, j);
         return; // InfeasCheckNeeded stays set: the next run has to test again

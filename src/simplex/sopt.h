@@ -51,6 +51,12 @@ struct SimplexCounters {
     // Dual simplex with a cutoff, or live: objective for the costs in force, in units of the working LP; value of it
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
+    double DualObjSum =
+        0; // sum of the magnitudes that were added to DualObj since it was computed
+    double ValueNoise = 0; // rounding errors of large steps in Bbar since it was computed
+    double ValueSize = 0;  // largest basic value when Bbar was last computed
+    // By so much at most DualObj exceeds the optimum through reduced costs with a wrong sign within OptTol (live records).
+    double SignError = 0;
     double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)
     StallGuard Stall;
@@ -78,6 +84,8 @@ struct SimplexCounters {
     // Refactorisation after MaxUpdates updates; below MinUpdates the fill is not tested.
     int MaxUpdates = 20, MinUpdates = 0;
 };
+
+constexpr int MOST_SHIFTS = 64; // beyond that reduced costs are better computed anew
 
 // A pivot of a probe, for its undoing: variable `Entered` replaced `Left`.
 struct PivotRecord {
@@ -154,6 +162,8 @@ struct sopt : SimplexCounters {
     int Quad = 0;                   // 1: extended precision is live
     int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
     int Perturbed = PERTURBED_NONE; // Perturbation
+    // With PERTURBED_SINGLE: the variables whose costs are shifted, some twice; more than MOST_SHIFTS are not listed.
+    int ShiftCount = 0, Shifted[MOST_SHIFTS];
     int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
     // The run began from a given basis with few infeasibilities: costs are perturbed only after a stall.
     int NearOptimal = 0;
@@ -217,6 +227,12 @@ inline double user_unit(const sopt *s, int j)
 {
     return j < s->NumCols ? std::fabs(s->ColScale.data[j])
                           : 1 / s->RowScale.data[j - s->NumCols];
+}
+// Bounds without a value between them: crossed by more than FeasibilityTol, or infinite on the wrong side.
+inline bool bounds_exclude(const sopt *s, int j, double lower, double upper)
+{
+    return (lower - upper) * user_unit(s, j) > s->Env->FeasibilityTol ||
+           lower >= s->Infinity || -upper >= s->Infinity;
 }
 // A bound of the model as the working LP holds it.
 inline double working_bound(const sopt *s, double bound)
@@ -417,6 +433,11 @@ struct UserViolations {
     UserViolation Primal, Dual;
 };
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w);
+
+// ---- simplex.cpp ----
+// Reduces FeasTol and OptTol so that violations above the parameters' tolerances, or that move the objective visibly, would
+// have counted. False if there are none, or at the smallest tolerances. *primal: FeasTol was reduced.
+bool tighten_tolerances(sopt *s, const UserViolations &v, bool *primal);
 
 // ---- self_check.cpp ----
 // With TARV_PAR_ITEST: recomputes what is updated from iteration to iteration and logs differences. The number of

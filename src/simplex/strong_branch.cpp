@@ -96,9 +96,17 @@ template<class R> void restore_row_copy(sopt *s, int branched)
 template<class R> int factor_again(sopt *s, swork<R> *w, KeptState<R> *k)
 {
     s->Probing = 0; // this is the basis itself
-    const int code = Refactor(s, w);
+    const int repairs = s->SingularCount, code = Refactor(s, w);
     s->Probing = 1;
     if (code) return code;
+    if (s->SingularCount > repairs ||
+        !has_factor(s, w)) { // back to the basis without factors
+        std::copy_n(k->VStat.data, s->NumVars, s->VStat.data);
+        std::copy_n(k->BasisHead.data, s->NumRows, s->BasisHead.data);
+        row_copy_partition(s);
+        w->Lu.NeedBasis = 1;
+        return 0;
+    }
     SVec<R> *old = &w->Work;
     for (Array<R> *values : {&k->Bbar, &k->Weights}) {
         svec_clear(old);
@@ -195,6 +203,7 @@ template<class R> int run(sopt *s, swork<R> *w, const Tightened &branch, double 
     live_move_values(s, w);
     live_begin(s, w, limit);
     s->PerturbAllowed = 0;
+    s->RefacReason = REFAC_NONE;
     s->CutoffFrom = has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
     return dual_pivots(s, w);
 }
@@ -205,13 +214,13 @@ double at_least_optimum(const StrongBranch *b, double value)
     return std::isfinite(value) ? std::max(b->Optimum, value) : b->Optimum;
 }
 
-// Lower bound of the objective in the branch from the current basis.
+// Lower bound of the objective in the branch from the current basis. The dual objective is none where a reduced cost has
+// the wrong sign within the tolerance.
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
 {
     sopt *s = b->Record;
-    const double bound = s->Perturbed
-                             ? std::max(dual_bound(s, w), dual_bound_true_costs(s, w))
-                             : s->DualObj / s->ObjScale;
+    double bound = dual_bound(s, w);
+    if (s->Perturbed) bound = std::max(bound, dual_bound_true_costs(s, w));
     return at_least_optimum(b, bound + s->ObjOffset);
 }
 
@@ -225,9 +234,8 @@ BranchOutcome conclude(const StrongBranch *b, double value, double bound)
         return {s->Status, b->Optimum, s->NPvt};
     case SIMPLEX_OPTIMAL:
         if (!std::isfinite(value)) return {SIMPLEX_NUMERIC, bound, s->NPvt};
-        value = at_least_optimum(b, value);
-        return {value - s->ObjOffset > s->Cutoff ? SIMPLEX_CUTOFF : SIMPLEX_OPTIMAL, value,
-                s->NPvt};
+        return {bound - s->ObjOffset > s->Cutoff ? SIMPLEX_CUTOFF : SIMPLEX_OPTIMAL,
+                at_least_optimum(b, value), s->NPvt};
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
     case SIMPLEX_INTERRUPTED:
@@ -244,6 +252,7 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
     sopt *s = b->Record;
     TRY(run(s, w, branch, limit));
     double bound = b->Optimum;
+    bool doubtful = false; // reduced costs of the wrong sign move the objective
     switch (s->Status) {
     case SIMPLEX_SWITCH:
         bound = safe_bound(b, w);
@@ -255,10 +264,14 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
     case SIMPLEX_INTERRUPTED:
         bound = safe_bound(b, w);
         break;
+    case SIMPLEX_OPTIMAL:
+        doubtful = s->SignError > SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
+        if (s->DualObj > s->Cutoff * s->ObjScale || doubtful) bound = safe_bound(b, w);
+        break;
     default:
         break;
     }
-    *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
+    *outcome = conclude(b, doubtful ? bound : true_objective(s, w) + s->ObjOffset, bound);
     return 0;
 }
 
@@ -295,6 +308,8 @@ template<class R> int open(StrongBranch *b, swork<R> *w)
     set_basic_bounds(s);
     dual_set_objective(s, w);
     b->Counters.DualObj = s->DualObj;
+    b->Counters.DualObjSum = s->DualObjSum;
+    b->Counters.SignError = s->SignError;
     return keep(b, w);
 }
 
@@ -310,9 +325,12 @@ double value_of(const sopt *s, int j)
 int strong_branch_open(sopt *s, StrongBranch **out)
 {
     *out = nullptr;
-    if (s->Live == LIVE_STALE) { // values and reduced costs may be those of another basis
+    // Values and reduced costs may be those of another basis, or rows were appended since.
+    if (s->Live == LIVE_STALE || (s->Live && s->Status != SIMPLEX_OPTIMAL)) {
+        ResolveCall call;
+        if (has_cutoff(s)) call.Cutoff = s->Cutoff + s->ObjOffset;
         ResolveOutcome outcome;
-        TRY(simplex_resolve(s, {}, &outcome));
+        TRY(simplex_resolve(s, call, &outcome));
         if (outcome.Status != SIMPLEX_OPTIMAL || s->Live != LIVE_FRESH) return 0;
     }
     assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_factor(s));
@@ -342,8 +360,12 @@ int probe_column(StrongBranch *branch, int j, BranchSide side, double bound, dou
     sopt *s = branch->Record;
     const double x = value_of(s, j);
     const Tightened t = tighten(s, j, side, bound);
-    const bool crossed = t.Lower - t.Upper > s->FeasTol,
+    const bool crossed = bounds_exclude(s, j, t.Lower, t.Upper),
                kept_in = x >= t.Lower - s->FeasTol && x <= t.Upper + s->FeasTol;
+    if (!simplex_has_factor(s)) { // the basis itself proved singular
+        *outcome = {SIMPLEX_NUMERIC, branch->Optimum, 0};
+        return 0;
+    }
     if (crossed || kept_in) {
         *outcome = {crossed ? SIMPLEX_INFEASIBLE : SIMPLEX_OPTIMAL, branch->Optimum, 0};
         return 0;
@@ -377,6 +399,7 @@ void strong_branch_close(StrongBranch *branch)
     s->Status = SIMPLEX_OPTIMAL;
     s->Probing = 0;
     s->Live = branch->Live;
+    if (s->Live && !simplex_has_factor(s)) s->Live = LIVE_STALE;
     if (branch->WeightsKept)
         s->Quad ? dual_weights_keep(s, s->Extended) : dual_weights_keep(s, s->Double);
     *branch = StrongBranch{};

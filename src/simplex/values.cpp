@@ -149,6 +149,8 @@ template<class R> void compute_primal(sopt *s, swork<R> *w)
     s->RhsSize = largest(x->Value.data, s->NumRows);
     Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
     for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = x->Value.data[i];
+    s->ValueNoise = 0;
+    s->ValueSize = largest(w->Bbar.data, s->NumRows);
     s->PrimalError = s->PrimalResidual = primal_residual(s, w, x);
     if (s->PrimalError > REFINE_SHARE * s->FeasTol) correct_primal(s, w, x);
     svec_clear(x);

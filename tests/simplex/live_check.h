@@ -34,11 +34,12 @@ template<class R> struct LiveCheck {
                 tell("row", i, double(sum), s->Rhs.data[i]);
         }
     }
-    // Those of fixed columns are not kept; those of fixed slacks are, as they are the multipliers.
-    void reduced_costs()
+    // Those of fixed columns are not kept; those of fixed slacks are, as they are the multipliers, by which those of basic
+    // columns are zero.
+    void reduced_costs(bool basic_only)
     {
         for (int j = 0; j < s->NumCols; j++) {
-            if (s->VStat.data[j] == AT_FIXED) continue;
+            if (s->VStat.data[j] == AT_FIXED || (basic_only && !is_basic(s, j))) continue;
             long double d = s->WorkCost.data[j];
             double size = 1 + std::fabs(s->WorkCost.data[j]);
             for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++) {
@@ -47,10 +48,11 @@ template<class R> struct LiveCheck {
                 d += term;
                 size += std::fabs(term);
             }
-            const double held = double(w->Cbar.data[j]);
+            const double held = is_basic(s, j) ? 0 : double(w->Cbar.data[j]);
             if (!(std::fabs(held - double(d)) <= 1e-7 * size))
                 tell("reduced cost", j, held, double(d));
         }
+        if (basic_only) return;
         for (int k = 0; k < s->NumVars; k++) {
             const double d = double(w->Cbar.data[k]);
             const int status = s->VStat.data[k];
@@ -66,8 +68,11 @@ template<class R> struct LiveCheck {
         int crossed = 0, at_free = 0;
         for (int k = 0; k < s->NumVars; k++) {
             const double lower = s->Lower.data[k], upper = s->Upper.data[k];
-            crossed += k < s->NumCols && lower - upper > s->FeasTol;
             at_free += s->VStat.data[k] == AT_FREE;
+            if (k < s->NumCols && bounds_exclude(s, k, lower, upper)) {
+                crossed++;
+                continue;
+            }
             if (s->WorkLower.data[k] != lower || s->WorkUpper.data[k] != upper)
                 tell("bounds", k, s->WorkLower.data[k], lower);
             const int status = s->VStat.data[k];
@@ -127,14 +132,18 @@ template<class R> struct LiveCheck {
     }
 };
 
-// Empty, or what is wrong with a fresh record.
+// Empty, or what is wrong with a record after a solve.
 template<class R> std::string live_faults(sopt *s, swork<R> *w)
 {
     LiveCheck<R> check{s, w, {}};
+    if (s->Live != LIVE_FRESH) {
+        if (s->Status == SIMPLEX_OPTIMAL) check.reduced_costs(true);
+        return check.faults;
+    }
     check.places();
     check.row_copy();
     check.values();
-    check.reduced_costs();
+    check.reduced_costs(false);
     check.merits();
     check.objective();
     if (!has_factor(s, w)) check.tell("factors", 0, w->FactorAge, s->BasisAge);
@@ -142,6 +151,5 @@ template<class R> std::string live_faults(sopt *s, swork<R> *w)
 }
 inline std::string live_faults(sopt *s)
 {
-    if (s->Live != LIVE_FRESH) return "";
     return s->Quad ? live_faults(s, s->Extended) : live_faults(s, s->Double);
 }

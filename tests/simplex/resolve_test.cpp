@@ -158,7 +158,9 @@ struct Walk {
             // one that does not fit, as after rows were deleted carelessly
             if (dice.chance(20))
                 basis.Statuses.data[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
+            if (dice.chance(50)) s->Env->Quad = -1; // back to double precision
             ASSERT_EQ(simplex_load_basis(s, basis), 0);
+            EXPECT_EQ(s->Quad, s->Env->Quad == 1);
         }
         if (action == 4) {
             bool same = false;
