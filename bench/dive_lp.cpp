@@ -49,20 +49,22 @@ void Kind::print() const
            name, calls, iterations, factored, seconds, 1e6 * fixed, 1e6 * slope);
 }
 
-ResolveOutcome Lp::solve(const std::vector<Bounds> &changes, Kind *kind, double cutoff)
+ResolveOutcome Lp::solve(const std::vector<Bounds> &changes, Kind *kind, double cutoff,
+                         const NodeBasis *basis)
 {
     for (const Bounds &b : changes) {
         lower[size_t(b.var)] = b.lower;
         upper[size_t(b.var)] = b.upper;
     }
     const double before = simplex_factorizations(record), start = processor_time();
-    ResolveOutcome outcome = live ? resolve(changes, cutoff) : optimize(changes);
+    ResolveOutcome outcome = live ? resolve(changes, cutoff, basis) : optimize(changes);
     const double factors = simplex_factorizations(record) - (live ? before : 0);
     if (kind) kind->add(outcome.Iterations, factors, processor_time() - start);
     return outcome;
 }
 
-ResolveOutcome Lp::resolve(const std::vector<Bounds> &changes, double cutoff)
+ResolveOutcome Lp::resolve(const std::vector<Bounds> &changes, double cutoff,
+                           const NodeBasis *basis)
 {
     std::vector<BoundChange> list;
     for (const Bounds &b : changes) list.push_back({b.var, b.lower, b.upper});
@@ -70,6 +72,7 @@ ResolveOutcome Lp::resolve(const std::vector<Bounds> &changes, double cutoff)
     call.Changes = list.data();
     call.NumChanges = int(list.size());
     call.Cutoff = cutoff;
+    call.Basis = basis;
     ResolveOutcome outcome;
     if (int code = simplex_resolve(record, call, &outcome)) fail("resolve", code);
     return outcome;

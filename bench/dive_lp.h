@@ -35,7 +35,7 @@ struct Lp {
 
     // Applies changes and solves. `kind` takes the figures if it is not null.
     ResolveOutcome solve(const std::vector<Bounds> &changes, Kind *kind,
-                         double cutoff = 1e100);
+                         double cutoff = 1e100, const NodeBasis *basis = nullptr);
     bool integer(int j) const;
     // The integer variable farthest from an integer, or -1.
     int most_fractional(double *x) const;
@@ -45,7 +45,8 @@ struct Lp {
                                    const std::vector<double> &high) const;
 
   private:
-    ResolveOutcome resolve(const std::vector<Bounds> &changes, double cutoff);
+    ResolveOutcome resolve(const std::vector<Bounds> &changes, double cutoff,
+                           const NodeBasis *basis);
     ResolveOutcome optimize(const std::vector<Bounds> &changes);
 };
 

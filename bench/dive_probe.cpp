@@ -21,9 +21,10 @@
 
 namespace
 {
-constexpr int DEPTH = 60; // levels of a dive
-constexpr int JUMPS = 10; // jumps after a dive
-constexpr int ROUNDS = 5; // of cuts
+constexpr int DEPTH = 60;     // levels of a dive
+constexpr int JUMPS = 10;     // jumps after a dive
+constexpr double STEP = 1e-9; // of a move that makes no pivot necessary
+constexpr int ROUNDS = 5;     // of cuts
 
 struct Node { // before it was branched
     int var;
@@ -33,13 +34,16 @@ struct Node { // before it was branched
     std::vector<int> statuses; // of all variables, for SimplexOptimize
 };
 
-// A nonbasic variable is fixed where it is, and released: what a call costs without any pivot.
+// A nonbasic variable is fixed a little beside its bound, and released: what a call costs without any pivot, with the FTRAN
+// of its move.
 void idle(Lp *lp, Kind *idles, std::mt19937 *rng)
 {
     const int j = pick(rng, lp->body->numvars);
     if (!lp->live || simplex_is_basic(lp->record, j)) return;
     const Bounds before = {j, lp->lower[size_t(j)], lp->upper[size_t(j)]};
-    const double x = simplex_value(lp->record, j);
+    const double value = simplex_value(lp->record, j),
+                 x = value + (value >= before.upper ? -STEP : STEP);
+    if (x < before.lower || x > before.upper) return;
     lp->solve({{j, x, x}}, idles);
     lp->solve({before}, idles);
 }
@@ -88,11 +92,7 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, Kind *idles, std::mt19937 *rng)
         (node.up ? high : low)[size_t(node.var)] =
             node.up ? std::floor(node.x) : std::ceil(node.x);
         const std::vector<Bounds> changes = lp->changes_to(low, high);
-        const double start = processor_time();
-        if (lp->live && simplex_load_basis(lp->record, node.basis)) fail("load", 0);
-        const double load = processor_time() - start;
-        lp->solve(changes, jumps);
-        jumps->seconds += load;
+        lp->solve(changes, jumps, 1e100, &node.basis);
     }
     std::vector<Bounds> back;
     for (size_t u = undo.size(); u-- > 0;) back.push_back(undo[u]);

@@ -77,6 +77,11 @@ void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before);
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);
 template<class R> void live_move_values(sopt *s, swork<R> *w);
+// node_basis.cpp
+// Whether the live basis differs from this one in a few variables only.
+bool live_is_near(const sopt *s, const NodeBasis &basis);
+// Takes it over, after the bounds were changed. The record is fresh after that only if it was and the bases are near.
+[[nodiscard]] int live_load_basis(sopt *s, const NodeBasis &basis);
 // live_negate.cpp. Column j changes its sign; the LP stays the same.
 template<class R> void live_negate(sopt *s, swork<R> *w, int j);
 template<class R>

@@ -80,6 +80,42 @@ template<class R> LiveVector inverse_row(sopt *s, swork<R> *w, int k)
                                : 1 / s->RowScale.data[k - s->NumCols]);
 }
 
+double signed_unit(const sopt *s, int k)
+{
+    return k < s->NumCols ? s->ColScale.data[k] : 1 / s->RowScale.data[k - s->NumCols];
+}
+
+template<class R> LiveEntries tableau_row(sopt *s, swork<R> *w, int k)
+{
+    svec_unit(&w->Rho, s->VStat.data[k], R(1));
+    Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
+    s->Proof = PROOF_NONE; // its multipliers were in Rho
+    compute_row(s, w);
+    const double unit = signed_unit(s, k);
+    for (int p = 0; p < w->RowCount; p++) {
+        const int j = s->QueryVar.data[p] = w->RowInd.data[p];
+        s->QueryVal.data[p] =
+            static_cast<double>(w->RowVal.data[p]) * unit / signed_unit(s, j);
+    }
+    return {w->RowCount, s->QueryVar.data, s->QueryVal.data};
+}
+
+template<class R> LiveEntries tableau_column(sopt *s, swork<R> *w, int j)
+{
+    load_column(s, j, &w->Alpha);
+    Ftran(&w->Lu, &w->Alpha, SOLVE_COLUMN, Keep::NO);
+    const double unit = signed_unit(s, j);
+    int count = 0;
+    for (int r = 0; r < s->NumRows; r++) {
+        if (w->Alpha.Value.data[r] == R(0)) continue; // assigned zero, or never set
+        const int k = s->QueryVar.data[count] = s->BasisHead.data[r];
+        s->QueryVal.data[count++] =
+            static_cast<double>(w->Alpha.Value.data[r]) * signed_unit(s, k) / unit;
+    }
+    svec_clear(&w->Alpha);
+    return {count, s->QueryVar.data, s->QueryVal.data};
+}
+
 // Other solves may have used Rho since the proof.
 template<class R> void load_proof(const sopt *s, swork<R> *w)
 {
@@ -102,6 +138,18 @@ LiveVector simplex_inverse_row(sopt *s, int k)
 {
     assert(is_basic(s, k));
     return s->Quad ? inverse_row(s, s->Extended, k) : inverse_row(s, s->Double, k);
+}
+
+LiveEntries simplex_tableau_row(sopt *s, int k)
+{
+    assert(is_basic(s, k));
+    return s->Quad ? tableau_row(s, s->Extended, k) : tableau_row(s, s->Double, k);
+}
+
+LiveEntries simplex_tableau_column(sopt *s, int j)
+{
+    assert(!is_basic(s, j));
+    return s->Quad ? tableau_column(s, s->Extended, j) : tableau_column(s, s->Double, j);
 }
 
 LiveVector simplex_farkas_row(sopt *s)

@@ -49,6 +49,8 @@ int grow_record(sopt *s, int64_t m, int64_t nv)
     for (Array<double> *a : {&s->Upper, &s->WorkUpper})
         TRY(array_extend(a, nv, s->Infinity));
     TRY(array_extend(&s->Mark, nv, 0));
+    TRY(array_extend(&s->QueryVar, nv, 0));
+    TRY(array_extend(&s->QueryVal, nv, 0.0));
     TRY(array_extend(&s->VStat, nv, 0));
     TRY(array_extend(&s->RowScale, m, 1.0));
     for (Array<double> *a : {&s->Rhs, &s->BasicLower, &s->RowWork})

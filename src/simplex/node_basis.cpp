@@ -116,6 +116,12 @@ bool exchange(sopt *s, swork<R> *w, const Target &target, int q, int *positions,
     return true;
 }
 
+template<class R> bool is_near(const sopt *s, const swork<R> *w, const Target &target)
+{
+    int positions[MOST_EXCHANGES], entering[MOST_EXCHANGES], count = 0;
+    return has_factor(s, w) && list_exchanges(s, w, target, positions, entering, &count);
+}
+
 template<class R> bool follow(sopt *s, swork<R> *w, const Target &target)
 {
     if (!has_factor(s, w)) return false;
@@ -215,7 +221,13 @@ int simplex_save_basis(const sopt *s, NodeBasis *basis)
     return s->Quad ? save(s, s->Extended, basis) : save(s, s->Double, basis);
 }
 
-int simplex_load_basis(sopt *s, const NodeBasis &basis)
+bool live_is_near(const sopt *s, const NodeBasis &basis)
+{
+    const Target target = {s, &basis, basis.NumCols, basis.NumRows};
+    return s->Quad ? is_near(s, s->Extended, target) : is_near(s, s->Double, target);
+}
+
+int live_load_basis(sopt *s, const NodeBasis &basis)
 {
     assert(basis.NumCols == s->NumCols && basis.NumRows <= s->NumRows);
     if (s->Quad && s->Env->Quad != 1 && !s->Tuning.Extended) {

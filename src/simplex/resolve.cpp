@@ -312,7 +312,6 @@ int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 template<class R>
 int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
 {
-    apply_changes(s, w, call);
     live_begin(s, w, call.Iterations);
     s->Cutoff = call.Cutoff < UNDEFINED_VALUE ? call.Cutoff - s->ObjOffset : HUGE_VAL;
     if (s->Crossed > 0) {
@@ -387,6 +386,8 @@ void fit_tolerance(sopt *s)
 int simplex_go_live(sopt *s)
 {
     assert(s->HasBasis);
+    TRY(array_resize(&s->QueryVar, s->NumVars));
+    TRY(array_resize(&s->QueryVal, s->NumVars));
     fit_tolerance(s);
     s->Crossed = 0;
     for (int j = 0; j < s->NumCols; j++) s->Crossed += crosses(s, j);
@@ -396,8 +397,18 @@ int simplex_go_live(sopt *s)
 int simplex_resolve(sopt *s, const ResolveCall &call, ResolveOutcome *outcome)
 {
     assert(s->Live != LIVE_NO);
+    if (call.Basis && !live_is_near(s, *call.Basis)) s->Live = LIVE_STALE;
+    s->Quad ? apply_changes(s, s->Extended, call) : apply_changes(s, s->Double, call);
+    if (call.Basis) TRY(live_load_basis(s, *call.Basis));
     return s->Quad ? resolve(s, s->Extended, call, outcome)
                    : resolve(s, s->Double, call, outcome);
+}
+
+void simplex_change_cost(sopt *s, int j, double cost)
+{
+    s->Cost.data[j] = s->WorkCost.data[j] = cost * s->ColScale.data[j] * s->ObjScale;
+    s->Live = LIVE_STALE;
+    s->Status = SIMPLEX_RUNNING;
 }
 
 int simplex_clean(sopt *s, bool *same)

@@ -6,8 +6,8 @@
 // LiveState    what it means
 //   LIVE_NO     the record belongs to SimplexOptimize.
 //   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the next
-//               solve. Set by simplex_go_live, simplex_load_basis, simplex_delete_rows, simplex_clean, and by a solve that
-//               needed another method or whose last update failed.
+//               solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, a basis loaded from afar, and a solve
+//               that needed another method or whose last update failed.
 //   LIVE_FRESH  All belong together, with true bounds; after CUTOFF and limits costs may be shifted. Set by
 //               simplex_resolve.
 // All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
@@ -24,9 +24,13 @@ struct BoundChange {
     int Var;
     double Lower, Upper;
 };
+struct NodeBasis;
 struct ResolveCall {
     const BoundChange *Changes = nullptr; // applied before the solve, in order
     int NumChanges = 0;
+    // Start basis, with its weights; null: the live one. If the live basis differs in a few variables only, it is reached by
+    // pivots. Extended precision that numeric trouble asked for ends with it.
+    const NodeBasis *Basis = nullptr;
     double Iterations = 1e100; // limit of this solve
     // As simplex_objective: no objective above this is of interest.
     double Cutoff = 1e100;
@@ -49,8 +53,11 @@ struct ResolveOutcome {
 // units of the body ask for it. 0 or a code.
 [[nodiscard]] int simplex_clean(sopt *s, bool *same);
 
+// New cost of column j, for the body's minimisation. The next solve computes the reduced costs anew.
+void simplex_change_cost(sopt *s, int j, double cost);
+
 // ---- Nodes (node_basis.cpp) ----
-// A basis as a node keeps it. Rows appended since it was saved count as basic when it is loaded. Of rows deleted since the
+// A basis as a node keeps it. Rows appended since it was saved count as basic when a solve starts from it. Of rows deleted since the
 // caller takes out the status and, as their slacks were basic, the weight.
 struct NodeBasis {
     int NumCols = 0, NumRows = 0;
@@ -59,9 +66,6 @@ struct NodeBasis {
     Array<float> Weights;
 };
 [[nodiscard]] int simplex_save_basis(const sopt *s, NodeBasis *basis);
-// If the live basis differs in a few variables only, it is reached by pivots. Extended precision that numeric trouble asked
-// for ends. 0 or a code.
-[[nodiscard]] int simplex_load_basis(sopt *s, const NodeBasis &basis);
 
 // ---- Rows (live_rows.cpp) ----
 // sum Val x  <= Rhs  or  = Rhs, in the body's units. Indices differ from each other.
@@ -98,6 +102,16 @@ struct LiveVector {
 // The multipliers y of the rows for which y (A I) has a 1 at the basic variable k and 0 at the other basic ones. Valid
 // until the next call on the record.
 LiveVector simplex_inverse_row(sopt *s, int k);
+// Entries of the tableau in the body's units: Val[p] of variable Var[p], p < Count. Valid until the next call on the record.
+struct LiveEntries {
+    int Count;
+    const int *Var;
+    const double *Val;
+};
+// Row of basic variable k: x_k + sum of Val times Var is constant, over the nonbasic variables that are not fixed.
+LiveEntries simplex_tableau_row(sopt *s, int k);
+// Column of nonbasic variable j: by how much each basic variable falls per unit of j.
+LiveEntries simplex_tableau_column(sopt *s, int j);
 // After INFEASIBLE: row multipliers y for which no point within the bounds satisfies y (A I) x = y b. Count 0 if there
 // are none.
 LiveVector simplex_farkas_row(sopt *s);

@@ -197,7 +197,10 @@ struct sopt : SimplexCounters {
     Array<PivotRecord> Path; // pivots of a probe
 
     // Scratch
-    Array<double> RowWork;       // [m]
+    Array<double> RowWork; // [m]
+    Array<int>
+        QueryVar; // [NumVars], live: entries read by simplex_tableau_row and _column,
+    Array<double> QueryVal;      // [NumVars] and their values
     Array<int> BadRows, BadCols; // [m] rows and positions without pivot, from FactorBasis
     Array<int> Mark;             // [NumVars] zero between uses
 

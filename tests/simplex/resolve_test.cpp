@@ -7,6 +7,7 @@
 #include "support/structured_gen.h"
 #include <cmath>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {
@@ -23,8 +24,9 @@ struct Walk {
     sopt *s = nullptr;
     std::vector<BoundChange> changes;
     std::vector<NodeBasis> saved;
-    int numeric = 0; // solves without an answer
-    TestEnv usual;   // of the fresh solves
+    const NodeBasis *start = nullptr; // of the next solve
+    int numeric = 0;                  // solves without an answer
+    TestEnv usual;                    // of the fresh solves
 
     Walk(uint64_t seed, Family family, int size, const Settings &settings)
         : dice(seed), lp(turn_columns(&dice, family(&dice, size).lp)), lb(lp.lb), ub(lp.ub),
@@ -143,10 +145,12 @@ struct Walk {
         lp = left;
         ASSERT_EQ(simplex_delete_rows(s, drop.data()), 0);
         saved.clear();
+        start = nullptr;
     }
     void step()
     {
         const int action = dice.range(0, 19);
+        start = nullptr;
         if (action == 0) append_rows();
         if (action == 1) delete_rows();
         if (action == 2) {
@@ -159,12 +163,16 @@ struct Walk {
             if (dice.chance(20))
                 basis.Statuses.data[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
             if (dice.chance(50)) s->Env->Quad = -1; // back to double precision
-            ASSERT_EQ(simplex_load_basis(s, basis), 0);
-            EXPECT_EQ(s->Quad, s->Env->Quad == 1);
+            start = &basis;
         }
         if (action == 4) {
             bool same = false;
             ASSERT_EQ(simplex_clean(s, &same), 0);
+        }
+        if (action == 5) {
+            const int j = dice.range(0, lp.num_vars() - 1);
+            lp.obj[size_t(j)] = dice.range(-9, 9);
+            simplex_change_cost(s, j, turned(lp.obj[size_t(j)]));
         }
         for (int k = dice.range(0, 3); k > 0; k--) change_bound();
     }
@@ -198,6 +206,7 @@ struct Walk {
         ResolveCall call;
         call.Changes = changes.data();
         call.NumChanges = int(changes.size());
+        call.Basis = std::exchange(start, nullptr);
         const int kind = dice.range(0, 3);
         if (kind == 0) call.Iterations = dice.range(0, 4);
         if (kind == 1)
@@ -231,6 +240,7 @@ struct Walk {
         }
         EXPECT_EQ(live_faults(s), "") << "status " << out.Status;
         if (out.Status == TVX_OPTIMAL) check_point();
+        if (out.Status == TVX_OPTIMAL && simplex_has_factor(s)) check_tableau();
         if (out.Status == TVX_OPTIMAL && dice.chance(20)) probe();
         if (out.Status == TVX_OPTIMAL && dice.chance(20)) fix_and_release();
     }
@@ -287,6 +297,38 @@ struct Walk {
         }
         EXPECT_TRUE(low > -1e-9 * size || high < 1e-9 * size) << low << " " << high;
     }
+    // A column solves its equations, and the rows have the same entries.
+    void check_tableau()
+    {
+        const int n = lp.num_vars(), nv = n + lp.num_rows(), j = dice.range(0, nv - 1);
+        if (simplex_is_basic(s, j)) return;
+        std::vector<double> left(size_t(lp.num_rows()), 0), size(left);
+        const auto add = [&](int k, double factor) { // column k of the body
+            for (const LpEntry &e : k < n ? lp.cols[size_t(k)] : std::vector<LpEntry>{}) {
+                const double a =
+                    (lp.senses[size_t(e.row)] == '>' ? -e.value : e.value) * factor;
+                left[size_t(e.row)] += a;
+                size[size_t(e.row)] += std::fabs(a);
+            }
+            if (k >= n) {
+                left[size_t(k - n)] += factor;
+                size[size_t(k - n)] += std::fabs(factor);
+            }
+        };
+        add(j, 1);
+        const LiveEntries column = simplex_tableau_column(s, j);
+        const int chosen = column.Count > 0 ? dice.range(0, column.Count - 1) : -1;
+        for (int p = 0; p < column.Count; p++) add(column.Var[p], -column.Val[p]);
+        for (size_t i = 0; i < left.size(); i++)
+            EXPECT_LE(std::fabs(left[i]), 1e-7 * (1 + size[i])) << "row " << i;
+        if (chosen < 0 || s->VStat.data[j] == AT_FIXED) return;
+        const double entry = column.Val[chosen];
+        const LiveEntries row = simplex_tableau_row(s, column.Var[chosen]);
+        double held = 0;
+        for (int p = 0; p < row.Count; p++)
+            if (row.Var[p] == j) held = row.Val[p];
+        EXPECT_NEAR(held, entry, 1e-6 * (1 + std::fabs(entry))) << j;
+    }
 #ifdef TVX_DEBUG
     // One call with its k-th request refused; false if it makes fewer.
     bool refuse(int kind, int64_t k, const NodeBasis &basis)
@@ -319,8 +361,8 @@ struct Walk {
             if (code == 0) code = simplex_resolve(s, call, &out);
             break;
         case 2:
-            code = simplex_load_basis(s, basis);
-            if (code == 0) code = simplex_resolve(s, call, &out);
+            call.Basis = &basis;
+            code = simplex_resolve(s, call, &out);
             break;
         case 3:
             code = simplex_clean(s, &same);
