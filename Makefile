@@ -49,8 +49,9 @@ install: setup-run
 # The pages that are made from tables of the library.
 docs: setup-test
 	@$(MAKE) --no-print-directory build/test/stamp
-	build/test/bin/parameters_page >docs/parameters.md.new
-	mv docs/parameters.md.new docs/parameters.md
+	for page in parameters attributes; do \
+	    build/test/bin/$${page}_page >docs/$$page.md.new && mv docs/$$page.md.new docs/$$page.md || exit 1; \
+	done
 
 format: setup-lint
 	clang-format-14 -i $(CODE)

@@ -54,10 +54,14 @@ void add_answers(CLI::App *app, Arguments *arguments)
         ->type_name("FILE");
     app->add_flag("--convert", arguments->convert,
                   "Write the first file as the second one, without solving");
-    app->add_flag(
+    CLI::Option *parameters = app->add_flag(
         "--parameters", arguments->list_parameters,
         "List all parameters with type, range and default, or tell all about those\n"
         "that are named behind it, and exit");
+    app->add_flag(
+           "--attributes", arguments->list_attributes,
+           "The same for the attributes of models: type, of what, whether one can be set")
+        ->excludes(parameters);
 }
 
 void add_inputs(CLI::App *app, Arguments *arguments)

@@ -17,6 +17,7 @@ struct Arguments {
     bool maximise = false;                // --maximise
     bool minimise = false;                // --minimise
     bool list_parameters = false;         // --parameters
+    bool list_attributes = false;         // --attributes
 };
 
 enum class Parsed { OK, DONE, WRONG };

@@ -6,6 +6,7 @@
 // the JSON file. What is wrong with the command line itself is found before anything is removed or a model is read and
 // gives exit code 2; a model that fails does not keep the next from being solved.
 #include "arguments.h"
+#include "attributes.h"
 #include "json_result.h"
 #include "option_words.h"
 #include "parameters.h"
@@ -35,12 +36,15 @@ OwnedEnv load_env(bool silent)
     return OwnedEnv(loaded);
 }
 
-ExitCode describe_parameters(TVXenv *env, const std::vector<std::string> &words)
+// What --parameters and --attributes ask for: all about each word, or without words the list.
+ExitCode describe(TVXenv *env, const Arguments &arguments)
 {
-    if (words.empty()) parameters_list(env);
+    const bool attributes = arguments.list_attributes;
+    if (arguments.words.empty()) (attributes ? attributes_list : parameters_list)(env);
     ExitCode worst = EXIT_SOLVED;
-    for (const std::string &word : words) {
-        const ExitCode code = parameter_describe(env, word.substr(0, word.find('=')));
+    for (const std::string &word : arguments.words) {
+        const auto tell = attributes ? attribute_describe : parameter_describe;
+        const ExitCode code = tell(env, word.substr(0, word.find('=')));
         if (code != EXIT_SOLVED) worst = code;
     }
     return worst;
@@ -90,11 +94,12 @@ ExitCode run(const Arguments &arguments, bool silent)
         return EXIT_ERROR;
     }
     Work work;
-    if (!arguments.list_parameters)
+    const bool describing = arguments.list_parameters || arguments.list_attributes;
+    if (!describing)
         if (const ExitCode code = work_sort(arguments, &work)) return code;
-    const OwnedEnv env = load_env(silent || arguments.list_parameters);
+    const OwnedEnv env = load_env(silent || describing);
     if (!env) return EXIT_ERROR;
-    if (arguments.list_parameters) return describe_parameters(env.get(), arguments.words);
+    if (describing) return describe(env.get(), arguments);
     if (const ExitCode code = work_prepare(env.get(), arguments, &work)) return code;
     int output_flag = 1;
     TVXgetintparam(env.get(), "OutputFlag", &output_flag);

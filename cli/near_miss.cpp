@@ -57,6 +57,13 @@ std::string nearest_hint(const std::string &word, const std::vector<std::string>
     return near.empty() ? "" : "; did you mean '" + near + "'?";
 }
 
+std::string unknown_name(const std::string &kind, const std::string &name,
+                         const std::vector<std::string> &names)
+{
+    return "there is no " + kind + " '" + name + "'" + nearest_hint(name, names) +
+           "; tarvex --" + kind + "s lists them";
+}
+
 const std::vector<std::string> &parameter_names()
 {
     static const std::vector<std::string> names = [] {

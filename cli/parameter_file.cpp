@@ -50,8 +50,7 @@ ExitCode set_line(TVXenv *env, const std::string &line, FileUse *files, std::str
     for (const char c : line)
         if (is_control(c)) *error = "a control character: this is no text file";
     if (error->empty() && TVXgetparamtype(env, name.c_str()) <= 0)
-        *error = "there is no parameter '" + name + "'" +
-                 nearest_hint(name, parameter_names()) + "; tarvex --parameters lists them";
+        *error = unknown_name("parameter", name, parameter_names());
     if (error->empty() && !rest.empty() && rest[0] != '#')
         *error = "'" + rest + "' is too much: a line is a name and a value";
     if (!error->empty()) return EXIT_ERROR;

@@ -5,7 +5,7 @@
 #include "parameters.h"
 #include "near_miss.h"
 #include "option_words.h"
-#include <algorithm>
+#include "wrapped_text.h"
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -108,24 +108,6 @@ void parameters_list(TVXenv *env)
 
 namespace
 {
-constexpr size_t LINE = 78; // of text on a screen
-
-void print_wrapped(const std::string &text, const char *indent)
-{
-    std::string line;
-    for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find(' ', at), text.size());
-        const std::string word = text.substr(at, end - at);
-        if (!line.empty() && line.size() + 1 + word.size() > LINE) {
-            printf("%s%s\n", indent, line.c_str());
-            line.clear();
-        }
-        line += (line.empty() ? "" : " ") + word;
-        at = end + 1;
-    }
-    if (!line.empty()) printf("%s%s\n", indent, line.c_str());
-}
-
 void print_int_head(TVXenv *env, const char *name)
 {
     int now = 0;
@@ -163,9 +145,7 @@ ExitCode parameter_describe(TVXenv *env, const std::string &name)
     const ParameterText *text = option_parameter(name);
     const int type = text ? TVXgetparamtype(env, text->name) : 0;
     if (type <= 0) {
-        report_error("there is no parameter '" + name + "'" +
-                     nearest_hint(name, parameter_names()) +
-                     "; tarvex --parameters lists them");
+        report_error(unknown_name("parameter", name, parameter_names()));
         return EXIT_USAGE;
     }
     if (type == INT_PARAMETER)
@@ -176,13 +156,12 @@ ExitCode parameter_describe(TVXenv *env, const std::string &name)
         print_string_head(env, text->name);
     print_wrapped(text->use == ParameterUse::NOT_YET
                       ? std::string("Not used yet. ") + text->does
-                      : text->does,
-                  "  ");
-    if (*text->when) print_wrapped(std::string("When to change it: ") + text->when, "  ");
+                      : text->does);
+    if (*text->when) print_wrapped(std::string("When to change it: ") + text->when);
     std::string words;
     for (const ValueWord &word : value_words(*text))
         words += (words.empty() ? "Words: " : ", ") + word.word + " (" + word.value + ")";
-    print_wrapped(words, "  ");
+    print_wrapped(words);
     printf("  tarvex %s=VALUE ...", text->name);
     if (!std::string_view(text->name).starts_with("TARV_")) // those have no handy option
         printf("  or  tarvex %s VALUE ...", parameter_option(text->name).c_str());

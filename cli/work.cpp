@@ -31,11 +31,8 @@ ExitCode sort_words(const Arguments &arguments, Work *work)
         } else if (!is_setting || std::filesystem::exists(word, ignored)) {
             work->models.push_back(word);
         } else {
-            return report_usage(
-                "there is no parameter '" + setting.name + "'" +
-                nearest_hint(setting.name, parameter_names()) +
-                "; tarvex --parameters lists them, and a file of that name is written ./" +
-                word);
+            return report_usage(unknown_name("parameter", setting.name, parameter_names()) +
+                                ", and a file of that name is written ./" + word);
         }
     }
     return EXIT_SOLVED;

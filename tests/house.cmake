@@ -6,6 +6,10 @@ add_test(NAME house.readme_example COMMAND ${house}/readme_example.sh ${PROJECT_
 add_test(NAME house.work_table COMMAND ${house}/work_table.sh ${PROJECT_SOURCE_DIR})
 set_tests_properties(house.work_table PROPERTIES SKIP_RETURN_CODE 77)
 add_test(NAME house.pages COMMAND ${house}/pages.sh ${PROJECT_SOURCE_DIR})
+foreach(page parameters attributes)
+  add_test(NAME house.page.${page} COMMAND
+    ${house}/made_page.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:${page}_page> docs/${page}.md)
+endforeach()
 add_test(NAME house.parameters COMMAND ${house}/parameters.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:parameters_page>)
 if(TARVEX_CLI)
   add_test(NAME house.manual COMMAND ${house}/manual.sh ${PROJECT_SOURCE_DIR} $<TARGET_FILE:tarvex_cli>)

@@ -1,15 +1,16 @@
-# Completion of tarvex for bash: options, parameters and their words as the installed command tells them, then files.
+# Completion of tarvex for bash: options, parameters and their words, attributes as the installed command tells them, then files.
 
 # Options of the command, and each parameter as an option.
 _tarvex_options() {
     {
         tarvex --help 2>/dev/null | grep -oE -- '--[a-z]+(-[a-z]+)*'
-        _tarvex_parameters | sed -E 's/([a-z])([A-Z])/\1-\2/g; s/([A-Z])([A-Z][a-z])/\1-\2/g; s/.*/--\L&/'
+        _tarvex_names parameters | sed -E 's/([a-z])([A-Z])/\1-\2/g; s/([A-Z])([A-Z][a-z])/\1-\2/g; s/.*/--\L&/'
     } | sort -u
 }
 
-_tarvex_parameters() {
-    tarvex --parameters 2>/dev/null | awk 'NR > 1 {print $1}'
+# All "parameters", or all "attributes".
+_tarvex_names() {
+    tarvex "--$1" 2>/dev/null | awk 'NR > 1 {print $1}'
 }
 
 # Words for the values of a parameter: "  Words: auto (-1), off (0)".
@@ -35,6 +36,7 @@ _tarvex() {
         name=$before
     fi
     case $name in
+    --attributes) mapfile -t COMPREPLY < <(compgen -W "$(_tarvex_names attributes)" -- "$word"); return ;;
     --format) mapfile -t COMPREPLY < <(compgen -W "mps lp" -- "$word"); return ;;
     --start | --params | --json | --solution | --solution-file | --log-file | --result-file | LogFile | ResultFile)
         [ "$before" = --solution ] || { _tarvex_files "$word"; return; } ;;
@@ -50,7 +52,7 @@ _tarvex() {
         return
     fi
     if [[ $word == [A-Z]* ]]; then
-        mapfile -t COMPREPLY < <(compgen -S = -W "$(_tarvex_parameters)" -- "$word"; compgen -f -- "$word")
+        mapfile -t COMPREPLY < <(compgen -S = -W "$(_tarvex_names parameters)" -- "$word"; compgen -f -- "$word")
         compopt -o nospace
     else
         _tarvex_files "$word"

@@ -3,6 +3,7 @@
 // In, out   the arguments of a call -> the row of the table and the range of elements, or an error code
 //           whose text describes what is wrong with the call. Nothing else is read or changed.
 #include "attributes/attribute_access.h"
+#include "attributes/attribute_texts.h"
 
 namespace
 {
@@ -10,17 +11,7 @@ constexpr int REFUSED = TVX_ERROR_UNKNOWN_ATTRIBUTE; // unknown, or not for this
 
 const char *type_word(AttrType type)
 {
-    switch (type) {
-    case AttrType::CHAR:
-        return "char";
-    case AttrType::INT:
-        return "int";
-    case AttrType::DOUBLE:
-        return "double";
-    case AttrType::STRING:
-        break;
-    }
-    return "string";
+    return attribute_texts::types[static_cast<int>(type)];
 }
 
 int element_count(const ModelBody *body, AttrKind kind)

@@ -6,8 +6,8 @@
 //   get       writes the values asked for, because they are stored in another form
 //   neither   the library does not compute them: every query returns "not available"
 // `set` takes values from a caller. Setters add to the pending changes or write start records;
-// none changes the model body. A new attribute needs a row and its routines
-// (attribute_routines.h).
+// none changes the model body. A new attribute needs a row, its routines
+// (attribute_routines.h) and a text (attribute_texts.h).
 #pragma once
 #include "model/model.h"
 #include "model/pending.h"

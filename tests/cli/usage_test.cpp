@@ -27,6 +27,21 @@ TEST_F(CliUsage, HelpVersionAndParametersGoToStandardOutput)
                                    "\n  Not used yet."));
 }
 
+TEST_F(CliUsage, AttributesAreListedAndDescribed)
+{
+    const Outcome list = ends(0, {"--attributes"}, "\nX ");
+    EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 97);
+    EXPECT_THAT(list.out, testing::ContainsRegex("\nSense +char +constraint +yes\n"));
+    EXPECT_THAT(list.out,
+                testing::ContainsRegex("\nIISSOS +int +SOS +no +not filled yet\n"));
+    const Outcome two = ends(0, {"--attributes", "v_basis", "iisub"},
+                             "VBasis: int, of each variable, set: at once\n  0 basic, ");
+    EXPECT_THAT(two.out,
+                HasSubstr("\n  For an LP only. A start basis needs all of VBasis"));
+    EXPECT_THAT(two.out, HasSubstr("\nIISUB: int, of each variable, set: no\n"
+                                   "  Not filled yet. 1 if the bound belongs"));
+}
+
 TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
 {
     file_put("plan.bas", "ENDATA\n");
@@ -75,6 +90,8 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
         {"did you mean '--solution'", {"--solutoin", "plan.mps"}},
         {"did you mean 'TimeLimit'", {"TimLimit=5", "plan.mps"}},
         {"did you mean 'Presolve'", {"--parameters", "Pressolve"}},
+        {"did you mean 'Kappa'", {"--attributes", "Kapa"}},
+        {"excludes", {"--attributes", "--parameters"}},
         {"'plan.mps' was taken for the value of TimeLimit", {"--time-limit", "plan.mps"}},
     };
     for (const auto &one : cases) ends(2, one.words, one.said);
