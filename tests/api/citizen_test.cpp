@@ -1,6 +1,6 @@
 // citizen_test.cpp -- the library in its host: a solve makes no files and takes no signals
 //
-// That it is silent when asked is looked at in tests/fuzz, threads in cli/quiet_test.cpp, exported names in tests/install.
+// That it is silent when asked is looked at in tests/fuzz, threads in cli/solve_test.cpp, exported names in tests/install.
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <csignal>

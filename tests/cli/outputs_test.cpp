@@ -44,7 +44,6 @@ TEST_F(CliOutputs, NoSlipOfTheCommandLineCostsAFile)
         {"--json", "plan.mps", "other.mps"}, // the file to write is missing
         {"--json=other.mps", "plan.mps"},
         {"--json", "x.prm", "plan.mps"},
-        {"--json", "x.LP.gz", "plan.mps"},
         {"--json", "x.mst", "plan.mps"},
         {"--solution=plan.mps", "plan.mps"},
         {"--solution-file", "other.mps", "plan.mps"},

@@ -5,9 +5,7 @@
 namespace
 {
 
-class CliUsage : public Command
-{
-};
+using CliUsage = Command;
 
 TEST_F(CliUsage, HelpVersionAndParametersGoToStandardOutput)
 {

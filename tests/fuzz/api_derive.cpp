@@ -143,6 +143,9 @@ std::string api_file(ApiModel *a)
     if (code == TVX_ERROR_DATA_NOT_AVAILABLE && kind >= 4) return "";
     if (code) return suffix + " not written: " + TVXgetmerrormsg(a->model);
     if (suffix == ".sol") return "";
+    if (suffix == ".prm" && // what is read is looked at after the next solve
+        (TVXresetparams(a->env()) || TVXsetintparam(a->env(), "OutputFlag", 0)))
+        return "the parameters are stubborn";
     if (kind >= 4)
         return TVXread(a->model, name.c_str()) ? suffix + " is not read back" : "";
     TVXmodel *read = nullptr;

@@ -199,8 +199,8 @@ void StorePlayer::set_values()
         const char type = vtype();
         expect(0, TVXsetdblattrelement(model, "Obj", j, value));
         expect(0, TVXsetcharattrelement(model, "VType", j, type));
-        reference.queue.obj[j] = value;
-        reference.queue.vtype[j] = upper(type);
+        reference.set([=](auto *r) { r->vars[j].obj = value; });
+        reference.set([=](auto *r) { r->vars[j].vtype = upper(type); });
     }
     if (n_constrs() == 0) return;
     const int first = dice->range(0, n_constrs() - 1); // a stretch
@@ -208,8 +208,10 @@ void StorePlayer::set_values()
     std::vector<double> rhs;
     std::vector<char> senses;
     for (int i = first; i < first + len; i++) {
-        reference.queue.rhs[i] = rhs.emplace_back(number());
-        reference.queue.sense[i] = symbol(senses.emplace_back(sense()));
+        const double side = rhs.emplace_back(number());
+        const char way = symbol(senses.emplace_back(sense()));
+        reference.set([=](auto *r) { r->constrs[i].rhs = side; });
+        reference.set([=](auto *r) { r->constrs[i].sense = way; });
     }
     expect(0, TVXsetdblattrarray(model, "RHS", first, len, rhs.data()));
     expect(0, TVXsetcharattrarray(model, "Sense", first, len, senses.data()));
@@ -227,7 +229,9 @@ void StorePlayer::set_bounds()
         double value = bound(lower ? Side::LOWER : Side::UPPER),
                other = lower ? var.ub : var.lb;
         uncross(lower ? &value : &other, lower ? &other : &value);
-        (lower ? reference.queue.lb : reference.queue.ub)[j] = values.emplace_back(value);
+        values.push_back(value);
+        reference.set(
+            [=](auto *r) { (lower ? r->vars[j].lb : r->vars[j].ub) = bounded(value); });
     }
     expect(0, TVXsetdblattrlist(model, lower ? "LB" : "UB", static_cast<int>(list.size()),
                                 list.data(), values.data()));
@@ -242,23 +246,30 @@ void StorePlayer::set_names()
         if (n == 0) continue;
         const int k = dice->range(0, n - 1);
         expect(0, TVXsetstrattrelement(model, var ? "VarName" : "ConstrName", k, given));
-        (var ? reference.queue.varname : reference.queue.constrname)[k] =
+        const std::string name =
             text.empty() ? (var ? "C" : "R") + std::to_string(k) : text;
+        reference.set(
+            [=](auto *r) { (var ? r->vars[k].name : r->constrs[k].name) = name; });
     }
 }
 
 void StorePlayer::set_model()
 {
-    StoreReference::Queue *queue = &reference.queue;
     if (dice->chance(40)) {
         const int value = dice->range(-2, 2);
         expect(0, TVXsetintattr(model, "ModelSense", value));
-        queue->model_sense = value < 1 ? -1 : 1;
+        reference.set([=](auto *r) { r->sense = value < 1 ? -1 : 1; });
     }
-    if (dice->chance(40))
-        expect(0, TVXsetdblattr(model, "ObjCon", queue->objcon.emplace(number())));
-    if (dice->chance(40))
-        expect(0, TVXsetstrattr(model, "ModelName", queue->name.emplace(name()).c_str()));
+    if (dice->chance(40)) {
+        const double value = number();
+        expect(0, TVXsetdblattr(model, "ObjCon", value));
+        reference.set([=](auto *r) { r->objcon = value; });
+    }
+    if (dice->chance(40)) {
+        const std::string text = name();
+        expect(0, TVXsetstrattr(model, "ModelName", text.c_str()));
+        reference.set([=](auto *r) { r->name = text; });
+    }
 }
 
 void StorePlayer::change_coeffs()

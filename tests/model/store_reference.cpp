@@ -19,7 +19,7 @@ static double shown_upper(const StoreReference::Var &var)
     return var.vtype == 'B' ? std::min(whole, 1.0) : whole;
 }
 
-static double bounded(double value)
+double bounded(double value)
 {
     if (value >= 1e20) return 1e30;
     return value <= -1e20 ? -1e30 : value;
@@ -77,21 +77,6 @@ void StoreReference::add_sos(Sos set)
         }
     }
     queue.sos.push_back(set);
-}
-
-void StoreReference::update_values()
-{
-    if (queue.name) name = queue.name;
-    for (const auto &[j, text] : queue.varname) vars[j].name = text;
-    for (const auto &[i, text] : queue.constrname) constrs[i].name = text;
-    for (const auto &[i, value] : queue.rhs) constrs[i].rhs = value;
-    for (const auto &[i, value] : queue.sense) constrs[i].sense = value;
-    sense = queue.model_sense.value_or(sense); // the caller's costs stay as they are
-    for (const auto &[j, value] : queue.obj) vars[j].obj = value;
-    objcon = queue.objcon.value_or(objcon);
-    for (const auto &[j, value] : queue.vtype) vars[j].vtype = value;
-    for (const auto &[j, value] : queue.lb) vars[j].lb = bounded(value);
-    for (const auto &[j, value] : queue.ub) vars[j].ub = bounded(value);
 }
 
 // The last change of a place counts, at the time it came.
@@ -175,7 +160,7 @@ void StoreReference::update_additions()
 
 void StoreReference::update()
 {
-    update_values();
+    for (const auto &change : queue.values) change(this);
     update_coefs();
     update_deletions();
     update_additions();
