@@ -1,9 +1,8 @@
-// attribute_content_test.cpp -- attributes of the content: signs, texts that stay, statistics, empty models
+// attribute_content_test.cpp -- attributes of the content: texts that stay, statistics
 //
 // That what is set is what is read is looked at by fuzz/corpus_test.cpp.
 #include "support/model_test.h"
 #include "support/text_model.h"
-#include <cmath>
 
 namespace
 {
@@ -18,17 +17,6 @@ struct AttributeContent : ModelTest {
 };
 
 } // namespace
-
-TEST_F(AttributeContent, zeros_of_turned_rows_and_costs_are_positive_zeros)
-{
-    ASSERT_EQ(TVXsetdblattrelement(model, "RHS", 1, 0), 0);
-    ASSERT_EQ(TVXsetdblattrelement(model, "Obj", 1, 0), 0);
-    ASSERT_EQ(TVXsetdblattr(model, "ObjCon", 0), 0);
-    EXPECT_EQ(dbl("RHS", 1), -2) << "before the update";
-    update();
-    for (const double zero : {dbl("RHS", 1), dbl("Obj", 1), dbl("ObjCon")})
-        EXPECT_TRUE(zero == 0 && !std::signbit(zero));
-}
 
 TEST_F(AttributeContent, texts_are_copied_and_stay_where_they_are_until_the_next_update)
 {

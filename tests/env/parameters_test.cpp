@@ -1,6 +1,6 @@
 // parameters_test.cpp -- parameters by name and from files
 #include "env/env.h"
-#include "env/parameter_table.h"
+#include "env/parameter_rows.h"
 #include "support/scratch.h"
 #include <cmath>
 #include <sstream>
@@ -33,20 +33,10 @@ class Parameters : public testing::Test
 
 // ---- Every row ----
 
-struct Row {
-    const char *name;
-    bool is_int;
-    double minimum, maximum, value;
-};
-#define NOTHING(...)
-#define INT_ROW(name, minimum, maximum, value) {#name, true, minimum, maximum, value},
-#define DBL_ROW(name, minimum, maximum, value) {#name, false, minimum, maximum, value},
 #define NAME_ROW(name, ...) #name,
-static const std::vector<Row> rows = {PUBLIC_PARAMETERS(INT_ROW, DBL_ROW, NOTHING)
-                                          HIDDEN_PARAMETERS(INT_ROW, DBL_ROW, NOTHING)};
 
 // Value, minimum, maximum and default as the library tells them.
-static std::vector<double> info(TVXenv *env, const Row &row)
+static std::vector<double> info(TVXenv *env, const ParameterRow &row)
 {
     int i[4] = {};
     double d[4] = {};
@@ -56,16 +46,10 @@ static std::vector<double> info(TVXenv *env, const Row &row)
     return row.is_int ? std::vector<double>(i, i + 4) : std::vector<double>(d, d + 4);
 }
 
-static int set(TVXenv *env, const Row &row, double value)
-{
-    return row.is_int ? TVXsetintparam(env, row.name, static_cast<int>(value))
-                      : TVXsetdblparam(env, row.name, value);
-}
-
 TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
 {
-    EXPECT_EQ(rows.size() + 4, 63u + 59u);
-    for (const Row &row : rows) {
+    EXPECT_EQ(parameter_rows.size() + 4, 63u + 59u);
+    for (const ParameterRow &row : parameter_rows) {
         const std::string name = row.name;
         SCOPED_TRACE(name);
         const double value = name == "Threads" ? ProcessorCount() : row.value;
@@ -75,10 +59,10 @@ TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
         const double largest = row.is_int ? 2000000000 : 1e100; // no value is further
         for (const bool low : {true, false}) {
             const double bound = low ? row.minimum : row.maximum, way = low ? -1 : 1;
-            ASSERT_EQ(set(env, row, bound), 0);
+            ASSERT_EQ(row.set(env, bound), 0);
             ASSERT_EQ(info(env, row)[0], bound);
             if (std::fabs(bound) >= largest) continue;
-            ASSERT_EQ(set(env, row, row.is_int ? bound + way : way * HUGE_VAL), 10008);
+            ASSERT_EQ(row.set(env, row.is_int ? bound + way : way * HUGE_VAL), 10008);
             std::ostringstream text;
             text << "Unable to set parameter " << name << " to value ";
             if (row.is_int) text.precision(10);
@@ -87,8 +71,8 @@ TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
             ASSERT_EQ(message(), text.str());
             ASSERT_EQ(info(env, row)[0], bound); // unchanged by the failure
             if (row.is_int) continue;
-            ASSERT_EQ(set(env, row, std::nextafter(bound, way * HUGE_VAL)), 10008);
-            ASSERT_EQ(set(env, row, NAN), 10008);
+            ASSERT_EQ(row.set(env, std::nextafter(bound, way * HUGE_VAL)), 10008);
+            ASSERT_EQ(row.set(env, NAN), 10008);
         }
         double number = 0;
         ASSERT_EQ(row.is_int ? TVXgetdblparam(env, row.name, &number)
