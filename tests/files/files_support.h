@@ -47,7 +47,8 @@ class Files : public testing::Test
     void give_solution(const std::vector<double> &x);
     // Statuses that a solve would start from, columns first; basic is 0.
     std::vector<int> basis() const;
-    double start(int j); // the start value of column j, once changes are made
+    double
+    start(int j); // the start value of column j, once changes are made; 0 if there is none
 
     // The model in place of `model`, with names for its first columns and rows.
     void take(const LpModel &lp, std::vector<std::string> vars,

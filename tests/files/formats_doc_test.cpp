@@ -50,6 +50,5 @@ TEST_F(FormatsDoc, ExamplesAreReadWithoutAWarning)
     std::string wrong = models[1];
     wrong.replace(wrong.find("UP BND chair 60"), 15, "UP BND chair sixty");
     EXPECT_EQ(read(wrong), TVX_ERROR_FILE_READ);
-    EXPECT_EQ(message(), "MPS read error at line 19:\n UP BND chair sixty\n"
-                         "'sixty' is not a number\n");
+    EXPECT_TRUE(message().starts_with("MPS read error at line 19:\n UP BND chair sixty\n"));
 }

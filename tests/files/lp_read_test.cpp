@@ -22,13 +22,10 @@ class LpFormat : public Files
                 written.replace(at, strlen(from), to);
         return written;
     }
-    struct Case {
-        const char *text, *expected;
-    };
-    void expect_meanings(const std::vector<Case> &cases)
+    void expect_meanings(const std::vector<std::pair<std::string, std::string>> &cases)
     {
-        for (const Case &one : cases)
-            EXPECT_EQ(meaning(one.text), one.expected) << one.text;
+        for (const auto &[text, expected] : cases)
+            EXPECT_EQ(meaning(text), expected) << text;
     }
 };
 
@@ -146,7 +143,7 @@ TEST_F(LpFormat, WarnsOfWhatHasOneMeaningAllTheSame)
         EXPECT_EQ(warnings(), expected) << text;
     }
     ASSERT_EQ(read("min x st c: x > 1\n", "t.lp"), 0); // may be cut short
-    EXPECT_NE(log.find("Warning: no End at the end of the file"), std::string::npos);
+    EXPECT_NE(log.find("Warning: no End at the end of the file"), log.npos);
 }
 
 // Heads that are misspelt, or sections of other dialects, must not leave the names below them to the section above.

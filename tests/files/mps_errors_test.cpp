@@ -12,10 +12,7 @@ class MpsErrors : public Files
         EXPECT_EQ(model, nullptr);
         return message();
     }
-    bool logged(const std::string &text) const
-    {
-        return log.find(text) != std::string::npos;
-    }
+    bool logged(const std::string &text) const { return log.find(text) != log.npos; }
 };
 
 struct BadLine {
@@ -62,15 +59,12 @@ TEST_F(MpsErrors, EveryBadFieldHasItsReason)
                                                : "'" + number + "' is not a number"});
     for (const BadLine &one : lines) {
         const std::string before = mps_with(one.section);
-        const size_t number =
-            static_cast<size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
-        EXPECT_EQ(bad(before + one.line + "\nENDATA\n"),
-                  "MPS read error at line " + std::to_string(number) + ":\n" + one.line +
-                      "\n" + one.reason + "\n");
-        const bool wrong_form = one.reason == NOT_FREE;
-        EXPECT_EQ(logged("Error: not free format mps file.\n"), wrong_form) << one.line;
-        EXPECT_TRUE(logged("Error at line " + std::to_string(number) + ":\n" + one.line +
-                           "\n" + one.reason + "\n"));
+        const auto number = std::count(before.begin(), before.end(), '\n') + 1;
+        const std::string told = " at line " + std::to_string(number) + ":\n" + one.line +
+                                 "\n" + one.reason + "\n";
+        EXPECT_EQ(bad(before + one.line + "\nENDATA\n"), "MPS read error" + told);
+        EXPECT_TRUE(logged("Error" + told));
+        EXPECT_EQ(logged("Error: not free format mps file.\n"), one.reason == NOT_FREE);
     }
 }
 

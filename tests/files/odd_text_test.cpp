@@ -1,36 +1,28 @@
 // odd_text_test.cpp -- line ends and marks of every kind make no difference, whatever file they stand in
 #include "files/files_support.h"
-#include <functional>
 
 class OddText : public Files
 {
   protected:
-    std::string starts() { return shown(start(0)) + " " + shown(start(1)); }
-    std::string cuts()
+    // All that the file may have changed.
+    std::string state()
     {
-        int value = 0;
-        TVXgetintparam(TVXgetenv(model), "Cuts", &value);
-        return std::to_string(value);
+        return stored_text(model, Names::COMPARE) + testing::PrintToString(basis()) +
+               shown(start(0)) + shown(start(1)) + std::to_string(TVXgetenv(model)->Cuts);
     }
 };
 
 TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
 {
-    const struct {
-        const char *name, *text;
-        std::function<std::string()> result;
-    } files[] = {
-        {"t.mps", "ROWS\n N C\n G R1\nCOLUMNS\n a C 1 R1 2\nRHS\n R R1 4\nENDATA\n",
-         [this] { return stored_text(model, Names::COMPARE); }},
-        {"t.lp", "max x + 2 y\nst\n c: x + y\n <= 4\nbounds\n x <= 3\ngen\n x\nend\n",
-         [this] { return stored_text(model, Names::COMPARE); }},
-        {"t.bas", "NAME t\n UL a\n XL b b\nENDATA\n",
-         [this] { return testing::PrintToString(basis()); }},
-        {"t.mst", "# start\na 1.5\nb -2\n", [this] { return starts(); }},
-        {"t.prm", "# cuts\nCuts 2\n", [this] { return cuts(); }}};
-    for (const auto &file : files) {
-        const std::string text = file.text, name = file.name;
-        const auto with_end = [&](const std::string &end) {
+    const std::pair<std::string, std::string> files[] = {
+        {"t.mps",
+         "ROWS\n N C\n G R1\nCOLUMNS\n a C 1 R1 2\n b C 1\nRHS\n R R1 4\nENDATA\n"},
+        {"t.lp", "max x + 2 y\nst\n c: x + y\n <= 4\nbounds\n x <= 3\ngen\n x\nend\n"},
+        {"t.bas", "NAME t\n UL a\n XL b b\nENDATA\n"},
+        {"t.mst", "# start\na 1.5\nb -2\n"},
+        {"t.prm", "# cuts\nCuts 2\n"}};
+    for (const auto &[name, text] : files) {
+        const auto with_end = [&text = text](const std::string &end) {
             std::string other;
             for (const char c : text) other += c == '\n' ? end : std::string(1, c);
             return other;
@@ -57,8 +49,8 @@ TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
             ASSERT_EQ(
                 (name == "t.lp" || name == "t.mps") ? read_file(name) : read_into(name), 0)
                 << message();
-            if (plain.empty()) plain = file.result();
-            EXPECT_EQ(file.result(), plain);
+            if (plain.empty()) plain = state();
+            EXPECT_EQ(state(), plain);
         }
     }
 }
