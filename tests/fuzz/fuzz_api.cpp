@@ -43,7 +43,7 @@ ApiModel *Program::adopt(TVXmodel *model)
 {
     models.push_back(std::make_unique<ApiModel>(&dice, model));
     ApiModel *a = models.back().get();
-    a->player.most_vars = a->player.most_constrs = MOST_ELEMENTS;
+    a->player.most_elements = MOST_ELEMENTS;
     TVXsetdblparam(a->env(), "IterationLimit", RUNAWAY_ITERATIONS);
     return a;
 }

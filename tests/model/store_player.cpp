@@ -25,13 +25,12 @@ struct Compressed {
 
 char upper(char vtype)
 {
-    return vtype >= 'a' ? static_cast<char>(vtype - 'a' + 'A') : vtype;
+    return static_cast<char>(toupper(vtype));
 }
 char symbol(char sense)
 {
-    if (strchr("Ll", sense)) return '<';
-    if (strchr("Gg", sense)) return '>';
-    return strchr("Ee", sense) ? '=' : sense;
+    const char *const letters = "LlGgEe", *const found = strchr(letters, sense);
+    return found ? "<>="[(found - letters) / 2] : sense;
 }
 
 std::vector<char *> pointers(std::vector<std::string> *texts)
@@ -51,17 +50,13 @@ void StorePlayer::expect(int code, int returned, int line)
              TVXgetmerrormsg(model) + "\n";
 }
 
-int StorePlayer::room_for_vars() const
+// How many variables may be added, or constraints; these may be ranges, with a variable each.
+int StorePlayer::room(bool of_vars) const
 {
-    const size_t used = reference.vars.size() + reference.queue.vars.size() +
-                        reference.queue.constrs.size(); // that may be ranges
-    return most_vars - static_cast<int>(used);
-}
-
-int StorePlayer::room_for_constrs() const
-{
-    return most_constrs -
-           static_cast<int>(reference.constrs.size() + reference.queue.constrs.size());
+    const StoreReference::Queue &queue = reference.queue;
+    const size_t used =
+        of_vars ? reference.vars.size() + queue.vars.size() : reference.constrs.size();
+    return most_elements - static_cast<int>(used + queue.constrs.size());
 }
 
 // ---- Random things ----
@@ -116,7 +111,7 @@ Entries StorePlayer::entries(int n_elements)
 
 void StorePlayer::add_vars()
 {
-    const int count = std::min(dice->range(1, 4), room_for_vars());
+    const int count = std::min(dice->range(1, 4), room(true));
     if (count <= 0) return;
     Compressed columns;
     std::vector<std::string> names;
@@ -130,26 +125,25 @@ void StorePlayer::add_vars()
         obj.push_back(number());
         lb.push_back(bound(Side::LOWER));
         ub.push_back(bound(Side::UPPER));
-        uncross(&lb.back(), &ub.back());
+        uncross(&lb[k], &ub[k]);
         names.push_back(with_names ? name() : "");
         reference.add_var({names[k], obj[k], lb[k], ub[k], upper(types[k]), column});
     }
     std::vector<char *> texts = pointers(&names);
-    const int *beg = columns.beg.data(), *ind = columns.ind.data();
-    const double *val = columns.val.data();
+    auto &[beg, ind, val] = columns;
     if (count == 1)
-        expect(0, TVXaddvar(model, columns.size(), ind, val, obj[0], lb[0], ub[0], types[0],
-                            texts[0]));
+        expect(0, TVXaddvar(model, columns.size(), ind.data(), val.data(), obj[0], lb[0],
+                            ub[0], types[0], texts[0]));
     else
-        expect(0, TVXaddvars(model, count, columns.size(), beg, ind, val, obj.data(),
-                             lb.data(), ub.data(), types.data(),
+        expect(0, TVXaddvars(model, count, columns.size(), beg.data(), ind.data(),
+                             val.data(), obj.data(), lb.data(), ub.data(), types.data(),
                              with_names ? texts.data() : nullptr));
 }
 
 void StorePlayer::add_rows(bool ranges)
 {
-    int count = std::min(dice->range(1, ranges ? 3 : 4), room_for_constrs());
-    if (ranges) count = std::min(count, room_for_vars());
+    int count = std::min(dice->range(1, ranges ? 3 : 4), room(false));
+    if (ranges) count = std::min(count, room(true));
     if (count <= 0) return;
     Compressed rows;
     std::vector<std::string> names;
@@ -167,14 +161,13 @@ void StorePlayer::add_rows(bool ranges)
             {{names[k], symbol(senses[k]), rhs[k], row}, ranges, lower[k]});
     }
     std::vector<char *> texts = pointers(&names);
-    const int *beg = rows.beg.data(), *ind = rows.ind.data();
-    const double *val = rows.val.data();
+    auto &[beg, ind, val] = rows;
     if (ranges)
-        expect(0, TVXaddrangeconstrs(model, count, rows.size(), beg, ind, val, lower.data(),
-                                     rhs.data(), texts.data()));
+        expect(0, TVXaddrangeconstrs(model, count, rows.size(), beg.data(), ind.data(),
+                                     val.data(), lower.data(), rhs.data(), texts.data()));
     else
-        expect(0, TVXaddconstrs(model, count, rows.size(), beg, ind, val, senses.data(),
-                                rhs.data(), texts.data()));
+        expect(0, TVXaddconstrs(model, count, rows.size(), beg.data(), ind.data(),
+                                val.data(), senses.data(), rhs.data(), texts.data()));
 }
 
 void StorePlayer::add_sos()
@@ -307,11 +300,10 @@ void StorePlayer::remove()
 
 void StorePlayer::step()
 {
-    static constexpr void (StorePlayer::*moves[])() = {
-        &StorePlayer::add_vars,    &StorePlayer::add_vars,   &StorePlayer::add_constrs,
-        &StorePlayer::add_constrs, &StorePlayer::add_ranges, &StorePlayer::add_sos,
-        &StorePlayer::set_values,  &StorePlayer::set_bounds, &StorePlayer::set_bounds,
-        &StorePlayer::set_names,   &StorePlayer::set_model,  &StorePlayer::change_coeffs,
-        &StorePlayer::remove};
+    using P = StorePlayer;
+    static constexpr void (P::*moves[])() = {
+        &P::add_vars,  &P::add_vars,      &P::add_constrs, &P::add_constrs, &P::add_ranges,
+        &P::add_sos,   &P::set_values,    &P::set_bounds,  &P::set_bounds,  &P::set_names,
+        &P::set_model, &P::change_coeffs, &P::remove};
     (this->*moves[dice->range(0, 12)])();
 }

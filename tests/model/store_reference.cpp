@@ -5,18 +5,19 @@
 #include <algorithm>
 #include <cmath>
 
-// The bounds that the type makes of those given.
-static double shown_lower(const StoreReference::Var &var)
+// The bounds that the type makes of those given, as the library shows them.
+static void show_bounds(StoreReference::Var *var)
 {
-    if (var.vtype == 'C' || var.vtype == 'S') return var.lb;
-    const double whole = std::ceil(var.lb - 1e-5);
-    return var.vtype == 'B' ? std::max(whole, 0.0) : whole;
-}
-static double shown_upper(const StoreReference::Var &var)
-{
-    if (var.vtype == 'C' || var.vtype == 'S') return var.ub;
-    const double whole = std::floor(var.ub + 1e-5);
-    return var.vtype == 'B' ? std::min(whole, 1.0) : whole;
+    if (var->vtype != 'C' && var->vtype != 'S') {
+        var->lb = std::ceil(var->lb - 1e-5);
+        var->ub = std::floor(var->ub + 1e-5);
+    }
+    if (var->vtype == 'B') {
+        var->lb = std::max(var->lb, 0.0);
+        var->ub = std::min(var->ub, 1.0);
+    }
+    for (double *bound : {&var->lb, &var->ub})
+        if (std::fabs(*bound) >= 1e30) *bound = std::copysign(1e100, *bound);
 }
 
 double bounded(double value)
@@ -44,16 +45,13 @@ void StoreReference::add_constr(NewConstr added)
         added.constr.name = "R" + std::to_string(number);
         next_constr_name = number + 1;
     }
-    if (added.is_range && added.lower <= -1e20) {
-        added.is_range = false;
+    if (added.is_range && added.lower <= -1e20)
         added.constr.sense = '<';
-    } else if (added.is_range && added.constr.rhs >= 1e20) {
-        added.is_range = false;
+    else if (added.is_range && added.constr.rhs >= 1e20) {
         added.constr.sense = '>';
         added.constr.rhs = added.lower;
-    } else if (added.is_range) {
-        added.constr.sense = '=';
     }
+    added.is_range = added.is_range && added.constr.sense == '=';
     queue.constrs.push_back(added);
 }
 
@@ -169,11 +167,6 @@ void StoreReference::update()
 
 // ---- Comparing ----
 
-static double shown_bound(double value)
-{
-    return std::fabs(value) >= 1e30 ? std::copysign(1e100, value) : value;
-}
-
 // What the library should show.
 static ModelContent shown(const StoreReference &r)
 {
@@ -181,10 +174,7 @@ static ModelContent shown(const StoreReference &r)
     int numnz = 0, integers = 0, binaries = 0;
     for (size_t j = 0; j < c.vars.size(); j++) {
         StoreReference::Var *var = &c.vars[j];
-        const double lb = shown_bound(shown_lower(*var)),
-                     ub = shown_bound(shown_upper(*var));
-        var->lb = lb;
-        var->ub = ub;
+        show_bounds(var);
         for (const auto &[i, value] : var->column)
             c.constrs[i].row.emplace_back(static_cast<int>(j), value);
         numnz += static_cast<int>(var->column.size());
