@@ -130,13 +130,11 @@ TEST_F(Callback, lets_its_own_thread_at_the_model_and_no_other)
         }
         TVXterminate(model);
     };
-    std::thread other;
     int count = 0;
     act = [&](void *, int) {
         EXPECT_GT(integer("NumVars"), 0);
-        count++;
-        if (count == 1) other = std::thread(query);
-        if (count != 20) return 0;
+        if (++count != 20) return 0;
+        std::thread other(query);
         while (refused < 10) std::this_thread::yield();
         enough = true;
         other.join();

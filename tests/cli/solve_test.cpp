@@ -12,10 +12,7 @@ using CliSolve = Command;
 TEST_F(CliSolve, ParametersAreWordsOrOptionsOrLinesOfAFile)
 {
     file_put("set.prm", "Presolve off\nIterationLimit 0\n");
-    const struct {
-        const char *said;
-        Words words;
-    } cases[] = {
+    const Case cases[] = {
         {"Optimal objective", {"plan.mps"}},
         {"Infeasible model", {"Presolve=0", "never.mps"}},
         {"Iteration limit", {"presolve=0", "iteration_LIMIT=0", "plan.mps"}},

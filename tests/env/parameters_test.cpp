@@ -151,7 +151,6 @@ TEST_F(Parameters, NullArgumentsAreRefused)
               TVXsetstrparam(handle, nullptr, "x"),
               TVXsetstrparam(handle, "LogFile", nullptr),
               TVXsetstrparam(handle, "Dummy", nullptr),
-              TVXsetstrparam(handle, "ResultFile", nullptr),
               TVXgetintparaminfo(handle, nullptr, &i, &i, &i, &i),
               TVXgetdblparaminfo(handle, nullptr, &d, &d, &d, &d),
               TVXgetstrparaminfo(handle, nullptr, s, s), TVXreadparams(handle, nullptr),
