@@ -29,14 +29,16 @@ TEST(TextPool, BlocksOfAllSizesKeepTheirContent)
     }
 }
 
-// As models have them, or random bytes.
+// As models have them, or of few letters and odd bytes, some long.
 static std::string random_name(Dice *dice)
 {
     if (dice->chance(50))
         return "x" + std::to_string(dice->range(0, 300)) + "_" +
                std::to_string(dice->range(0, 9));
-    std::string name(static_cast<size_t>(dice->range(0, dice->chance(1) ? 600 : 6)), 'a');
-    for (char &c : name) c = static_cast<char>(dice->range(-128, 127));
+    std::string name(static_cast<size_t>(dice->range(0, dice->chance(1) ? 600 : 24)), 'a');
+    for (char &c : name)
+        c = static_cast<char>(dice->chance(90) ? 'a' + dice->range(0, 1)
+                                               : dice->range(-128, 127));
     return name;
 }
 
