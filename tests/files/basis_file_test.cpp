@@ -12,41 +12,19 @@ class BasisFile : public Files
     // Names of the first of n elements, odd ones of every kind, also twice.
     static std::vector<std::string> odd_names(Dice *dice, int n)
     {
-        static const std::string names[] = {"a b",
-                                            "a",
-                                            " a",
-                                            "a ",
-                                            "a  1",
-                                            "\xc3\xa9t\xc3\xa9 \xe2\x82\xac",
-                                            "\xe9",
-                                            "",
-                                            "#",
-                                            "# b",
-                                            "ENDATA",
-                                            "XL",
-                                            "1e5",
-                                            "-inf",
-                                            "a\tb",
-                                            "c\nd",
-                                            "x",
-                                            "X",
-                                            "C0000001",
-                                            "C0",
-                                            "C1",
-                                            "R1",
-                                            "b c",
-                                            "b",
-                                            "c",
-                                            "2",
-                                            "a long name",
-                                            "a long name 2",
-                                            "a_long_row_name",
-                                            std::string(255, 'n'),
-                                            std::string(256, 'n'),
-                                            std::string(70000, 'l')};
+        // clang-format off
+        static const std::string numbered[] = {
+            "C0", "C1", "C0000000", "C0000001", "R0", "R1", "R0000001", "a_long_row_name"},
+            names[] = {
+            "a b", "a", " a", "a ", "a  1", "\xc3\xa9t\xc3\xa9 \xe2\x82\xac", "\xe9", "", "#", "# b", "ENDATA",
+            "XL", "1e5", "-inf", "a\tb", "c\nd", "x", "X", "b c", "b", "c", "2", "a long name", "a long name 2",
+            std::string(255, 'n'), std::string(256, 'n'), std::string(70000, 'l')};
+        // clang-format on
         std::vector<std::string> list;
+        const bool odd = dice->chance(50);
         for (int k = dice->chance(30) ? 0 : dice->range(0, n); k > 0; k--)
-            list.push_back(names[dice->range(0, std::size(names) - 1)]);
+            list.push_back(odd ? names[dice->range(0, std::size(names) - 1)]
+                               : numbered[dice->range(0, std::size(numbered) - 1)]);
         return list;
     }
     // n integer columns and m rows with bounds of all kinds, a random basis of them, and a solution as a search would

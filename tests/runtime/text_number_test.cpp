@@ -1,6 +1,6 @@
 // text_number_test.cpp -- numbers to text and back, against the C library in the "C" locale
 //
-// Other locales are tried in api/locale_test.cpp.
+// Other locales are tried in api/citizen_test.cpp.
 #include "runtime/text_number.h"
 #include "support/dice.h"
 #include <bit>
@@ -76,6 +76,7 @@ TEST(TextNumber, ReadsPiecedTextsAsStrtod)
     const std::string pieces[] = {
         "0", "1", "9", "+", "-", ".", ".", "e", "e", "e-3", "e22", "e-22", "inf", "Inf", "INITY", "inity", "in", "na",
         "nan", ",", "\xff", "5e-324", "e99999999999999999999", std::string(1500, '0'), std::string(400, '7'),
+        "9007199254740993." + std::string(1500, '0'),
         "9007199254740993", // 2^53 + 1, a tie; behind it just below and above half the smallest number
         "2.4703282292062327e-324", "2.4703282292062328e-324", "2.2250738585072011e-308", "1.7976931348623158e308",
         "1.7976931348623159e308", "123456789012345678901234567890e-30", "9007199254740992e22", "9007199254740991e-22"};
