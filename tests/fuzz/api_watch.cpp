@@ -77,6 +77,8 @@ int api_callback(TVXmodel *model, void *cbdata, int where, void *usrdata)
     if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask_all(cbdata, where);
     const bool now = w->calls == w->at_call;
     if (w->wrong.empty() && now) w->wrong = try_forbidden(a, where);
+    if (now) TVXmsg(a->env(), "a line"); // a call within this call
+    if (w->wrong.empty() && now) w->wrong = ask_all(cbdata, where);
     w->busy = false;
     if (!now || w->end == Watch::End::NEVER) return 0;
     w->asked = true;
