@@ -92,9 +92,7 @@ TEST_F(Callback, is_polled_by_solves_within_solves_and_else_inherited_by_none)
 TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)
 {
     ASSERT_EQ(solve(1), 0);
-    EXPECT_NE(log.find("Optimize a model with " + std::to_string(integer("NumConstrs")) +
-                       " rows"),
-              std::string::npos);
+    EXPECT_NE(log.find("Optimize a model with "), log.npos);
     ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
     log.clear();
     Output output;
@@ -175,7 +173,7 @@ TEST_F(Callback, misuse_is_told)
     refused(TVX_ERROR_NULL_ARGUMENT, "Unable to query callback function",
             TVXgetcallbackfunc(model, nullptr));
     EXPECT_EQ(TVXsetcallbackfunc(nullptr, enter, nullptr), TVX_ERROR_NULL_ARGUMENT);
-    for (void *data : {static_cast<void *>(nullptr), static_cast<void *>(&garbage)}) {
+    for (int *data : {static_cast<int *>(nullptr), &garbage}) {
         EXPECT_EQ(TVXcbget(data, 2, TVX_CB_SECONDS, &size), TVX_ERROR_CALLBACK);
         EXPECT_EQ(TVXgetcbwhatinfo(data, TVX_CB_SECONDS, &type, &size), TVX_ERROR_CALLBACK);
     }

@@ -2,9 +2,7 @@
 #include "files/files_support.h"
 #include <cstdlib>
 
-class FileCalls : public Files
-{
-  protected:
+struct FileCalls : Files {
     void SetUp() override
     {
         Files::SetUp();

@@ -2,6 +2,7 @@
 #include "body/row_kind.h"
 #include "support/model_test.h"
 #include "support/settings.h"
+#include <cmath>
 #include <gmock/gmock.h>
 
 namespace
@@ -30,10 +31,9 @@ struct RowKinds : ModelTest {
             made();
             ASSERT_EQ(settings_apply(own(), way), 0);
             expect_status(status);
-            if (status == TVX_OPTIMAL) {
-                ASSERT_DOUBLE_EQ(dbl("ObjVal"), 20);
-            }
-            if (HasFatalFailure()) FAIL() << settings_text(way);
+            ASSERT_TRUE(!HasFatalFailure() &&
+                        (status != TVX_OPTIMAL || std::fabs(dbl("ObjVal") - 20) < 1e-12))
+                << settings_text(way);
         }
     }
 };
@@ -122,15 +122,13 @@ TEST_F(RowKinds, ranges_with_infinite_sides)
 TEST_F(RowKinds, a_sense_that_is_none_stays_and_counts_as_less)
 {
     for (const char sense : {'?', '\0', 'x', '\377'}) {
-        LpModel lp;
-        lp.sense = -1;
-        lp_add_var(&lp, 1, 0, LP_INFINITY);
+        LpModel lp = lp_make({{-1}}, {});
         for (int i = 0; i < 50; i++) lp_add_row_entries(&lp, {{0, 1}}, sense, 5 + i);
         for (const Settings &way : ways) {
             load(lp);
             ASSERT_EQ(settings_apply(own(), way), 0);
             expect_status(TVX_OPTIMAL);
-            EXPECT_EQ(dbl("ObjVal"), 5);
+            EXPECT_EQ(dbl("ObjVal"), -5);
         }
         char kept = 0, *name = nullptr;
         EXPECT_EQ(TVXgetcharattrelement(model, "Sense", 3, &kept), 0);

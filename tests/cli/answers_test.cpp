@@ -21,9 +21,7 @@ bool is_json(const std::string &file)
 
 using CliAnswers = Command;
 
-class CliJson : public Command
-{
-  public:
+struct CliJson : Command {
     void SetUp() override
     {
         if (system("command -v python3 >/dev/null")) GTEST_SKIP() << "python3 is missing";

@@ -8,9 +8,7 @@ static constexpr const char *PLAN_LP =
     "\n\\ a plan\nMAXIMIZE 3x + 2y\nst x + y <= 4\nx + 3y <= 6\n"
     "bounds x <= 3\nend\n";
 
-class CliInput : public Command
-{
-  public:
+struct CliInput : Command {
     void SetUp() override
     {
         std::filesystem::create_directory("temporary");

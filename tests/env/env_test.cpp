@@ -1,20 +1,8 @@
 // env_test.cpp -- environments: start and end, copies, the log, error texts, freed masters, lack of memory
-#include "env/env.h"
+#include "env/env_fixture.h"
 #include "model/model.h"
-#include "support/scratch.h"
 #include <cstring>
 #include <thread>
-
-// An environment in a scratch directory.
-class Env : public testing::Test
-{
-  protected:
-    Scratch scratch;
-    TVXenv *env = nullptr;
-    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
-    void TearDown() override { TVXfreeenv(env); }
-    std::string message() { return TVXgeterrormsg(env); }
-};
 
 TEST(EnvStart, PrintsNothingWithoutParameterFileAndAppendsItsLineToALog)
 {
@@ -249,11 +237,9 @@ TEST(EnvMemory, EveryRefusedRequestEndsTheStartCleanlyAndACopyLeavesItsSourceAlo
         mem_fault_arm(fail_at);
         const int error = TVXloadenv(&env, "a.log");
         mem_fault_arm(0);
-        const std::string text = output.text();
         if (!error) break;
-        ASSERT_EQ(error, TVX_ERROR_OUT_OF_MEMORY);
-        ASSERT_EQ(env, nullptr);
-        ASSERT_EQ(text, fail_at == 1 ? "" : "\nERROR: Out of memory\n\n");
+        ASSERT_TRUE(error == TVX_ERROR_OUT_OF_MEMORY && !env);
+        ASSERT_EQ(output.text(), fail_at == 1 ? "" : "\nERROR: Out of memory\n\n");
         ASSERT_EQ(mem_blocks_held(), before);
     }
     TVXenv *copy = env;
@@ -265,4 +251,5 @@ TEST(EnvMemory, EveryRefusedRequestEndsTheStartCleanlyAndACopyLeavesItsSourceAlo
     TVXfreeenv(env);
     EXPECT_EQ(mem_blocks_held(), before);
 }
+
 #endif

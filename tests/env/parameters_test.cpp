@@ -1,20 +1,11 @@
 // parameters_test.cpp -- parameters by name and from files
-#include "env/env.h"
+#include "env/env_fixture.h"
 #include "env/parameter_rows.h"
-#include "support/scratch.h"
 #include <cmath>
 #include <sstream>
 #include <vector>
 
-class Parameters : public testing::Test
-{
-  protected:
-    Scratch scratch;
-    TVXenv *env = nullptr;
-    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
-    void TearDown() override { TVXfreeenv(env); }
-
-    std::string message() { return TVXgeterrormsg(env); }
+struct Parameters : Env {
     // What reading a file of this text prints.
     std::string read(const std::string &text)
     {

@@ -4,9 +4,7 @@
 #include "support/dice.h"
 #include <algorithm>
 
-class BasisFile : public Files
-{
-  protected:
+struct BasisFile : Files {
     std::vector<int> vbasis, cbasis;
 
     // Names of the first of n elements, odd ones of every kind, also twice.

@@ -1,8 +1,8 @@
 // files_support.h -- what the tests of model files share
 #pragma once
+#include "env/env_fixture.h"
 #include "model/model.h"
 #include "support/lp_tarvex.h"
-#include "support/scratch.h"
 #include <string>
 #include <vector>
 
@@ -12,18 +12,13 @@ std::string stored_text(const TVXmodel *model, Names names);
 std::string shown(double value); // infinities as "inf"
 
 // An environment and an empty current directory.
-class Files : public testing::Test
-{
-  protected:
-    Scratch scratch;
-    TVXenv *env = nullptr;
+struct Files : Env {
     TVXmodel *model = nullptr; // of the last read
     std::string log;           // of the last read
-    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
     void TearDown() override
     {
         TVXfreemodel(model);
-        TVXfreeenv(env);
+        Env::TearDown();
 #ifdef TVX_DEBUG
         EXPECT_EQ(mem_blocks_held(), 0);
 #endif
@@ -35,10 +30,6 @@ class Files : public testing::Test
     // Reads a side file into `model`; the code.
     int read_into(const std::string &name);
     int read_into(const std::string &name, const std::string &text);
-    std::string message()
-    {
-        return TVXgeterrormsg(env);
-    }
     std::string model_message()
     {
         return TVXgetmerrormsg(model);

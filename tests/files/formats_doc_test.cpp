@@ -1,9 +1,7 @@
 // formats_doc_test.cpp -- the examples of docs/formats.md are what the page says
 #include "files/files_support.h"
 
-class FormatsDoc : public Files
-{
-  protected:
+struct FormatsDoc : Files {
     // The examples marked with the word, in order.
     static std::vector<std::string> examples(const std::string &word)
     {

@@ -4,9 +4,7 @@
 #include "support/inside.h"
 #include <sstream>
 
-class LpFormat : public Files
-{
-  protected:
+struct LpFormat : Files {
     // What is written of the model that the text means, on one line and without what never changes.
     std::string meaning(const std::string &text)
     {

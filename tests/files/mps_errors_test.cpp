@@ -4,9 +4,7 @@
 #include <gmock/gmock.h>
 using testing::HasSubstr;
 
-class MpsErrors : public Files
-{
-  protected:
+struct MpsErrors : Files {
     // Reads a bad text; the message.
     std::string bad(const std::string &text)
     {

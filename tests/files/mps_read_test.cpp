@@ -1,9 +1,7 @@
 // mps_read_test.cpp -- what the MPS reader makes of good files, in all their dialects
 #include "files/files_support.h"
 
-class MpsRead : public Files
-{
-  protected:
+struct MpsRead : Files {
     void good(const std::string &text) { ASSERT_EQ(read(text), 0) << message() << text; }
     bool warned(const std::string &text) const { return log.find(text) != log.npos; }
     // A text, what is held of it (rows of type G and maxima are negated), and what is warned of.

@@ -64,9 +64,7 @@ bool fit_a_file(const std::vector<std::string> &vars, const std::vector<std::str
 
 } // namespace
 
-class MpsRoundTrip : public Files
-{
-  protected:
+struct MpsRoundTrip : Files {
     bool fit = false; // the names that were drawn can stand in a file
 
     // A tiny model with numbers, bounds, types, names and sets of all kinds in the place of its own.
@@ -188,9 +186,7 @@ TEST_F(MpsRoundTrip, TheFileHasTheStoredForm)
 
 // ---- Names ----
 
-class MpsNames : public MpsRoundTrip
-{
-  protected:
+struct MpsNames : MpsRoundTrip {
     // Two columns and two rows of these names.
     void make(const std::vector<std::string> &vars, const std::vector<std::string> &rows)
     {

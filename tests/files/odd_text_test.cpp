@@ -1,9 +1,7 @@
 // odd_text_test.cpp -- line ends and marks of every kind make no difference, whatever file they stand in
 #include "files/files_support.h"
 
-class OddText : public Files
-{
-  protected:
+struct OddText : Files {
     // All that the file may have changed.
     std::string state()
     {

@@ -1,9 +1,7 @@
 // solution_files_test.cpp -- MIP starts and solutions
 #include "files/files_support.h"
 
-class SolutionFiles : public Files
-{
-  protected:
+struct SolutionFiles : Files {
     void SetUp() override
     {
         Files::SetUp();
