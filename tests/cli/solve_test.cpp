@@ -4,9 +4,6 @@
 #include <sys/stat.h>
 namespace fs = std::filesystem;
 
-namespace
-{
-
 using CliSolve = Command;
 
 TEST_F(CliSolve, ParametersAreWordsOrOptionsOrLinesOfAFile)
@@ -153,5 +150,3 @@ TEST_F(CliSolve, OneThreadMeansNoOther)
     file_put("plan.mps.gz", "not compressed at all"); // reading it starts gzip
     EXPECT_EQ(run({"plan.mps.gz"}, Confine::ONE_THREAD).exit_code, -SIGSYS);
 }
-
-} // namespace

@@ -2,9 +2,6 @@
 #include "cli/command.h"
 #include <algorithm>
 
-namespace
-{
-
 using CliUsage = Command;
 
 TEST_F(CliUsage, HelpVersionAndParametersGoToStandardOutput)
@@ -121,5 +118,3 @@ TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)
     EXPECT_THAT(ends(1, {"plan.mps", "absent.mps", "never.mps"}, "absent.mps").out,
                 testing::ContainsRegex("plan: 2 rows(.|\n)*never: 1 rows"));
 }
-
-} // namespace

@@ -56,6 +56,15 @@ std::string stored_text(const TVXmodel *model, Names names)
     return text.str();
 }
 
+void Files::TearDown()
+{
+    TVXfreemodel(model);
+    Env::TearDown();
+#ifdef TVX_DEBUG
+    EXPECT_EQ(mem_blocks_held(), 0);
+#endif
+}
+
 int Files::read_file(const std::string &name)
 {
     TVXfreemodel(model);
@@ -79,12 +88,6 @@ int Files::read_into(const std::string &name)
     const int code = TVXread(model, name.c_str());
     log = output.text();
     return code;
-}
-
-int Files::read_into(const std::string &name, const std::string &text)
-{
-    file_put(name, text);
-    return read_into(name);
 }
 
 void Files::give_solution(const std::vector<double> &x)
@@ -161,13 +164,6 @@ int Files::row(const std::string &name) const
     for (int i = 0; i < model->body->numconstrs; i++)
         if (name == name_of(model->body, 'R', i)) return i;
     return -1;
-}
-
-double Files::coefficient(const std::string &row_name, const std::string &column_name) const
-{
-    double value = NAN;
-    TVXgetcoeff(model, row(row_name), column(column_name), &value);
-    return value;
 }
 
 std::string Files::domain(const std::string &column_name) const

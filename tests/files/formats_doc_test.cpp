@@ -5,8 +5,8 @@ struct FormatsDoc : Files {
     // The examples marked with the word, in order.
     static std::vector<std::string> examples(const std::string &word)
     {
-        const std::string page = file_get(TARVEX_SOURCE_DIR "/docs/formats.md");
-        const std::string mark = "```" + word + "\n";
+        const std::string page = file_get(TARVEX_SOURCE_DIR "/docs/formats.md"),
+                          mark = "```" + word + "\n";
         std::vector<std::string> found;
         for (size_t at = 0; (at = page.find(mark, at)) != std::string::npos;) {
             at += mark.size();

@@ -77,7 +77,8 @@ TEST_F(MpsRead, FreeFormGivesLongNamesTabsNumbersAsNamesCommentsAndAnyPlaces)
     const std::string name(100000, 'n');
     good("* " + std::string(3000000, 'c') + "\nROWS\n N COST\n L " + name +
          "\nCOLUMNS\n X " + std::string(70000, ' ') + name + " 5\nRHS\nENDATA\n");
-    EXPECT_EQ(coefficient(name, "X"), 5);
+    EXPECT_EQ(model->body->vval[0], 5);
+    EXPECT_EQ(row(name), 0);
 }
 
 TEST_F(MpsRead, HeadsRowsAndColumns)
