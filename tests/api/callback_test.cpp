@@ -71,14 +71,16 @@ TEST_F(Callback, is_polled_by_solves_within_solves_and_else_inherited_by_none)
 {
     const TestModel copy(TVXcopymodel(model));
     EXPECT_EQ(TVXoptimize(copy), 0);
-    TVXenv *variant = nullptr, *inner = nullptr, *innermost = nullptr, *tuned = nullptr;
+    TVXenv *first = nullptr, *variant = nullptr, *inner = nullptr, *innermost = nullptr,
+           *tuned = nullptr;
+    ASSERT_EQ(env_inner(&first, own()), 0);
     ASSERT_EQ(env_variant(&variant, own()), 0); // as a search works in
     ASSERT_EQ(env_inner(&inner, variant), 0);
     ASSERT_EQ(env_inner(&innermost, inner), 0);
     ASSERT_EQ(env_variant(&tuned, innermost), 0);
-    TVXmsg(inner, "a line\n"); // is not the caller's
+    for (TVXenv *other : {first, inner}) TVXmsg(other, "a line\n"); // is not the caller's
     EXPECT_TRUE(calls.empty());
-    for (TVXenv *outer : {own(), variant, inner, innermost, tuned}) {
+    for (TVXenv *outer : {own(), first, variant, inner, innermost, tuned}) {
         calls.clear();
         TVXgetenv(copy)->outer = outer;
         EXPECT_EQ(TVXresetmodel(copy), 0);
@@ -86,7 +88,7 @@ TEST_F(Callback, is_polled_by_solves_within_solves_and_else_inherited_by_none)
         EXPECT_GT(calls[TVX_WHERE_POLLING], 0);
         EXPECT_EQ(calls.size(), 1U); // and nothing else
     }
-    for (TVXenv *other : {tuned, innermost, inner, variant}) env_free(other);
+    for (TVXenv *other : {tuned, innermost, inner, variant, first}) env_free(other);
 }
 
 TEST_F(Callback, hears_every_line_also_unprinted_and_long_ones_cut)

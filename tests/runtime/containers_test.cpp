@@ -129,8 +129,7 @@ TEST(Memory, TheInjectorRefusesFromTheArmedRequestOnAndBlocksAreCounted)
     EXPECT_EQ(mem_fault_hits(), 2);
     mem_fault_arm(0);
     EXPECT_EQ(mem_blocks_held(), before + 1);
-    MemFree(first);
-    MemFree(nullptr);
+    for (void *block : {first, static_cast<void *>(nullptr)}) MemFree(block);
     EXPECT_EQ(mem_blocks_held(), before);
     EXPECT_TRUE(!MemAlloc(0) && !MemAllocZero(SIZE_MAX / 2, 8)); // overflow
 }
