@@ -95,15 +95,6 @@ TEST_F(FileCalls, WhatCannotBeReadSaysSo)
     EXPECT_EQ(TVXwrite(nullptr, "x"), TVX_ERROR_NULL_ARGUMENT);
 }
 
-TEST_F(FileCalls, ParametersAreThoseOfTheModelsOwnEnvironment)
-{
-    int own = -2, master = -2;
-    ASSERT_EQ(read_into("p.prm", "Cuts 2\n"), 0);
-    EXPECT_EQ(TVXgetintparam(TVXgetenv(model), "Cuts", &own), 0);
-    EXPECT_EQ(TVXgetintparam(env, "Cuts", &master), 0);
-    EXPECT_TRUE(own == 2 && master == -1);
-}
-
 TEST_F(FileCalls, WhatCannotBeWrittenSaysSoAndLeavesNoHalfFile)
 {
     EXPECT_EQ(unwritten("x.txt", 10013), "Unknown file type for file 'x.txt'");

@@ -2,7 +2,6 @@
 #include "files/files.h"
 #include "files/files_support.h"
 #include "support/dice.h"
-#include <algorithm>
 
 struct BasisFile : Files {
     std::vector<int> vbasis, cbasis;

@@ -2,7 +2,6 @@
 #include "attributes/attribute_table.h"
 #include "env/parameter_rows.h"
 #include "fuzz/api_model.h"
-#include <algorithm>
 #include <cmath>
 
 namespace

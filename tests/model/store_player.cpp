@@ -1,8 +1,7 @@
 // store_player.cpp -- the moves; see the header
 #include "model/store_player.h"
 #include <algorithm>
-#include <climits>
-#include <cmath>
+#include <cctype>
 #include <cstring>
 
 namespace

@@ -15,7 +15,7 @@ struct StorePlayer {
     TVXmodel *model = nullptr;
     StoreReference reference;
     bool linear = false;         // continuous variables only, no SOS
-    int most_elements = INT_MAX; // of variables, and of constraints: no more are added
+    int most_elements = INT_MAX; // variables, and constraints: no more are added
     int names_made = 0;
     std::string wrong;
 

@@ -4,6 +4,7 @@
 #include "model/model_store.h"
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 // The bounds that the type makes of those given, as the library shows them.
 static void show_bounds(StoreReference::Var *var)

@@ -6,7 +6,6 @@
 #pragma once
 #include "support/model_text.h"
 #include <functional>
-#include <map>
 #include <set>
 
 // Of variables the bounds as given, whatever the type, and "" as name until the index is known; of constraints the row

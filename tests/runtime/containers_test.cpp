@@ -4,7 +4,6 @@
 #include "runtime/name_index.h"
 #include "runtime/text_pool.h"
 #include "support/dice.h"
-#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
