@@ -1,17 +1,16 @@
-// citizen_test.cpp -- the library in its host: silent when asked, no threads, no files, no signals of its own
+// citizen_test.cpp -- the library in its host: no files and signals of its own, and a point in numbers in any locale
 //
-// What the command does is looked at in tests/cli/quiet_test.cpp, exported names in tests/install.
-#include "support/lp_tarvex.h"
-#include "support/scratch.h"
+// That it is silent when asked is looked at in tests/fuzz, threads in cli/solve_test.cpp, exported names in tests/install.
+#include "support/comma_locale.h"
+#include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <csignal>
-#include <gtest/gtest.h>
 
 namespace
 {
 
-// What every signal leads to.
-std::string handlers()
+// What every signal leads to, and how many files there are.
+std::string seen_from_outside()
 {
     std::string all;
     for (int number = 1; number < NSIG; number++) {
@@ -19,21 +18,13 @@ std::string handlers()
         sigaction(number, nullptr, &now);
         all += testing::PrintToString(now.sa_handler) + std::to_string(now.sa_flags) + " ";
     }
-    return all;
+    const auto files = std::filesystem::directory_iterator(".");
+    return all + std::to_string(std::distance(begin(files), end(files)));
 }
 
-long entries(const std::filesystem::path &folder)
-{
-    const auto all = std::filesystem::directory_iterator(folder);
-    return std::distance(begin(all), end(all));
-}
-
-// What is seen from inside a solve, at each line of its log.
 struct Inside {
-    const std::string before = handlers();
+    const std::string before = seen_from_outside();
     int lines = 0;
-    long most_threads = 0;
-    long most_entries = 0;
     int changed = 0;
 };
 
@@ -41,77 +32,59 @@ int look(TVXmodel *, void *, int where, void *usrdata)
 {
     Inside *inside = static_cast<Inside *>(usrdata);
     inside->lines += where == TVX_WHERE_MESSAGE;
-    inside->most_threads = std::max(inside->most_threads, entries("/proc/self/task"));
-    inside->most_entries = std::max(inside->most_entries, entries("."));
-    inside->changed += handlers() != inside->before;
+    inside->changed += seen_from_outside() != inside->before;
     return 0;
 }
 
 } // namespace
 
-TEST(Citizen, without_output_flag_no_byte_is_printed_whatever_happens)
-{
-    const Scratch scratch;
-    file_put("broken.mps", "ROWS\n what is this\n");
-    file_put("broken.mps.gz", "not compressed at all");
-    file_put("quiet.prm", "Cuts 1\nNoSuch 1\nPresolve 99\n");
-    file_put("tarvex.env", "OutputFlag 0\nCuts 1\nNoSuch 2\n");
-    Dice dice(1);
-    const LpModel lp = gen_multi_period(&dice, 12).lp;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    TVXenv *env = nullptr;
-    TVXmodel *none = nullptr;
-    double d = 0;
-    ASSERT_EQ(TVXloadenv(&env, nullptr), 0);
-    EXPECT_EQ(TVXreadparams(env, "quiet.prm"), 0);
-    TVXmodel *model = lp_load(env, &lp);
-    for (const int method : {0, 1, 2}) {
-        EXPECT_EQ(TVXsetintparam(TVXgetenv(model), "LPMethod", method), 0);
-        EXPECT_EQ(TVXoptimize(model), 0);
-        for (const int code :
-             {TVXsetintparam(env, "NoSuch", 1), TVXreadparams(env, "absent.prm"),
-              TVXsetstrparam(env, "LogFile", "no/such/log"),
-              TVXreadmodel(env, "absent.mps", &none),
-              TVXreadmodel(env, "broken.mps", &none),
-              TVXreadmodel(env, "broken.mps.gz", &none), TVXread(model, "absent.bas"),
-              TVXwrite(model, "no/such/folder/x.mps"), TVXgetdblattr(model, "NoSuch", &d)})
-            EXPECT_NE(code, 0);
-        EXPECT_EQ(TVXsetdblattrelement(model, "LB", 0, method - 1), 0);
-    }
-    EXPECT_EQ(TVXsetdblattrelement(model, "UB", 0, -9), 0); // infeasible
-    EXPECT_EQ(TVXsetstrparam(TVXgetenv(model), "ResultFile", "no/such/x.sol"), 0);
-    EXPECT_EQ(TVXoptimize(model), 0);
-    TVXmsg(env, "a line\n");
-    TVXfreeenv(env);
-    EXPECT_NE(TVXoptimize(model), 0);
-    EXPECT_NE(TVXfreemodel(model), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
-TEST(Citizen, a_solve_starts_no_thread_makes_no_file_and_takes_no_signal)
+TEST_F(ModelTest, a_solve_makes_no_file_and_takes_no_signal)
 {
     const Scratch scratch;
     setenv("TMPDIR", scratch.path.c_str(), 1);
     Dice dice(1);
-    const LpModel lp = gen_multi_period(&dice, 12).lp;
-    const TestEnv env;
+    load(gen_multi_period(&dice, 12).lp);
+    Inside inside;
+    ASSERT_EQ(TVXsetcallbackfunc(model, look, &inside), 0);
     for (const int method : {0, 1}) {
-        Inside inside;
-        const long before = entries("/proc/self/task");
-        const TestModel model(lp_load(env.env, &lp));
-        ASSERT_EQ(TVXsetcallbackfunc(model, look, &inside), 0);
-        TVXenv *own = TVXgetenv(model);
-        ASSERT_EQ(TVXsetintparam(own, "Threads", 1), 0);
-        ASSERT_EQ(TVXsetintparam(own, "LPMethod", method), 0);
+        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+        ASSERT_EQ(TVXresetmodel(model), 0);
         ASSERT_EQ(TVXoptimize(model), 0);
-        EXPECT_GE(inside.lines, 4);
-        EXPECT_LE(inside.most_threads, before);
-        EXPECT_EQ(inside.most_entries, 0);
-        EXPECT_EQ(inside.changed, 0);
-        EXPECT_EQ(handlers(), inside.before);
-        EXPECT_EQ(entries("."), 0);
     }
+    EXPECT_GE(inside.lines, 8);
+    EXPECT_EQ(inside.changed, 0);
+    EXPECT_EQ(seen_from_outside(), inside.before);
     unsetenv("TMPDIR");
+}
+
+TEST_F(ModelTest, models_parameters_and_messages_have_a_point_in_any_locale)
+{
+    const CommaLocale comma;
+    if (!comma.in_force)
+        GTEST_SKIP() << "the C library does not take the locale made for this test";
+    double value = 0;
+    file_put("in.prm", "TimeLimit 2.5\nCutoff 123456789.123456789123456789\n");
+    ASSERT_EQ(TVXreadparams(env.env, "in.prm"), 0);
+    ASSERT_EQ(TVXgetdblparam(env.env, "TimeLimit", &value), 0);
+    EXPECT_EQ(value, 2.5);
+    ASSERT_EQ(TVXgetdblparam(env.env, "Cutoff", &value), 0);
+    EXPECT_EQ(value, 123456789.123456789123456789);
+    ASSERT_EQ(TVXsetdblparam(env.env, "Cutoff", 1e100), 0);
+    ASSERT_EQ(TVXwriteparams(env.env, "out.prm"), 0);
+    EXPECT_NE(file_get("out.prm").find("TimeLimit  2.5\n"), std::string::npos);
+    EXPECT_EQ(TVXsetdblparam(env.env, "Heuristics", 1.5), TVX_ERROR_VALUE_OUT_OF_RANGE);
+    EXPECT_STREQ(TVXgeterrormsg(env.env),
+                 "Unable to set parameter Heuristics to value 1.5 (maximum is 1)");
+
+    file_put("half.mps", "ROWS\n N obj\n G c\nCOLUMNS\n x obj 0.5 c 1\n y obj 1.25 c 2\n"
+                         "RHS\n r c 3.75\nBOUNDS\n UP b x 1.5\nENDATA\n");
+    for (const char *file : {"half.mps", "copy.mps"}) {
+        TVXfreemodel(model);
+        ASSERT_EQ(TVXreadmodel(env.env, file, &model), 0);
+        EXPECT_DOUBLE_EQ(objective(), 0.5 * 1.5 + 1.25 * 1.125);
+        ASSERT_EQ(TVXwrite(model, "copy.mps"), 0);
+    }
+    ASSERT_EQ(TVXwrite(model, "half.sol"), 0);
+    EXPECT_NE(file_get("half.sol").find("y 1.125\n"), std::string::npos);
+    EXPECT_STREQ(localeconv()->decimal_point, ","); // the caller's is still in force
 }

@@ -4,20 +4,18 @@
 #include <csignal>
 #include <functional>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
-// Solves the model, and sends the process the signal at its first iterations.
+// Solves the model, and sends the process the signal at its first iteration.
 struct Interrupt : ModelTest {
-    int signal_number = 0; // to be sent, each time
-    int times = 1;
+    int to_send = 0; // a signal, or 0 when it was sent
 
     static int enter(TVXmodel *, void *, int where, void *test)
     {
         Interrupt *self = static_cast<Interrupt *>(test);
-        if (where != TVX_WHERE_SIMPLEX || self->times == 0) return 0;
-        self->times--;
-        raise(self->signal_number);
+        if (where == TVX_WHERE_SIMPLEX) raise(std::exchange(self->to_send, 0));
         return 0;
     }
     void SetUp() override
@@ -26,11 +24,11 @@ struct Interrupt : ModelTest {
         ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
         ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
     }
-    // The status of a solve that is sent the signal so often while it runs.
-    int solve(int number, int count)
+    // Sets the signals, if asked; the status of a solve that is sent the signal while it runs.
+    int set_and_solve(int number) { return TVXsetsignal(model) ? -1 : solve(number); }
+    int solve(int number)
     {
-        signal_number = number;
-        times = count;
+        to_send = number;
         EXPECT_EQ(TVXresetmodel(model), 0);
         EXPECT_EQ(TVXoptimize(model), 0);
         return integer("Status");
@@ -58,20 +56,19 @@ TEST_F(Interrupt, a_signal_ends_the_solve_and_what_signals_meant_comes_back)
 {
     for (const int number : {SIGINT, SIGTERM})
         expect_in_child([&] {
-            return TVXsetsignal(model) == 0 && solve(number, 1) == TVX_INTERRUPTED &&
-                   is_default(SIGINT) && is_default(SIGTERM) &&
-                   solve(number, 0) == TVX_OPTIMAL;
+            return set_and_solve(number) == TVX_INTERRUPTED && is_default(SIGINT) &&
+                   is_default(SIGTERM) && solve(0) == TVX_OPTIMAL;
         });
     expect_in_child([&] { // between the call and the solve
         return TVXsetsignal(model) == 0 && raise(SIGINT) == 0 &&
-               solve(SIGINT, 0) == TVX_INTERRUPTED && solve(SIGINT, 0) == TVX_OPTIMAL &&
-               TVXsetsignal(model) == 0 && solve(SIGINT, 0) == TVX_OPTIMAL;
+               solve(0) == TVX_INTERRUPTED && solve(0) == TVX_OPTIMAL &&
+               set_and_solve(0) == TVX_OPTIMAL;
     });
     expect_in_child([&] { // of two models the last one; the first goes meanwhile
         TVXmodel *other = TVXcopymodel(model);
         const bool set = TVXsetsignal(other) == 0 && TVXsetsignal(model) == 0;
         TVXfreemodel(other);
-        return set && solve(SIGINT, 1) == TVX_INTERRUPTED && is_default(SIGINT);
+        return set && solve(SIGINT) == TVX_INTERRUPTED && is_default(SIGINT);
     });
 }
 
@@ -92,14 +89,13 @@ TEST_F(Interrupt, handlers_of_the_program_are_left_alone_or_brought_back)
 {
     expect_in_child([&] { // SIGTERM is the program's own
         signal(SIGTERM, own_handler);
-        return TVXsetsignal(model) == 0 && solve(SIGTERM, 1) == TVX_OPTIMAL &&
-               own_calls == 1;
+        return set_and_solve(SIGTERM) == TVX_OPTIMAL && own_calls == 1;
     });
     expect_in_child([&] { // both ignored
         signal(SIGTERM, SIG_IGN);
         signal(SIGINT, SIG_IGN);
-        return TVXsetsignal(model) == 0 && solve(SIGTERM, 1) == TVX_OPTIMAL &&
-               TVXsetsignal(model) == 0 && solve(SIGINT, 1) == TVX_OPTIMAL;
+        return set_and_solve(SIGTERM) == TVX_OPTIMAL &&
+               set_and_solve(SIGINT) == TVX_OPTIMAL;
     });
     expect_in_child([&] { // the program's own comes back when the model goes
         signal(SIGINT, own_handler);
@@ -110,7 +106,7 @@ TEST_F(Interrupt, handlers_of_the_program_are_left_alone_or_brought_back)
     expect_in_child([&] { // one that is installed after the call stays
         const bool set = TVXsetsignal(model) == 0;
         signal(SIGINT, own_handler);
-        return set && solve(SIGTERM, 1) == TVX_INTERRUPTED && raise(SIGINT) == 0 &&
+        return set && solve(SIGTERM) == TVX_INTERRUPTED && raise(SIGINT) == 0 &&
                own_calls == 1;
     });
 }

@@ -14,18 +14,10 @@ constexpr std::nullptr_t NONE = nullptr;
 constexpr double INF = HUGE_VAL;
 
 struct ModelBuild : ModelTest {
-    std::string before;
-
-    void SetUpModel()
+    void SetUp() override
     {
         model =
             model_of_text(env.env, "max 5 x + y + 0 z + 3 st x + 2 y >= 3 s: 4 x - z = 5");
-    }
-    void SetUp() override { SetUpModel(); }
-    void expect_unchanged()
-    {
-        update();
-        EXPECT_EQ(model_text(model), before);
     }
     void made(int n, const double *lb, const double *ub, const char *types, char **names)
     {
@@ -74,10 +66,8 @@ TEST_F(ModelBuild, new_models_with_bad_arguments_are_refused)
     EXPECT_EQ(TVXnewmodel(env.env, NONE, NONE, 1, NONE, NONE, NONE, NONE, NONE), 10002);
 }
 
-// A model to load: two rows, two columns; the code and the text that come of it.
+// A model to load: two rows, two columns.
 struct Load {
-    int code;
-    std::string text;
     std::vector<int> vbeg{0, 2}, vlen{2, 1}, vind{0, 1, 1};
     std::vector<double> vval{5, 6, 7}, rhs{3, 4};
     int numconstrs = 2;
@@ -87,43 +77,41 @@ struct Load {
 TEST_F(ModelBuild, loaded_columns_may_lie_anywhere_but_are_fully_guarded)
 {
     const std::string nan = "Element 1 of a double array is Nan or Inf.",
-                      column = "Invalid start or length of column ";
-    const Load loads[] = {
-        {.code = 0,
-         .text = "",
-         .vbeg = {2, 0},
-         .vind = {1, 77, 0, 1, -5},
-         .vval = {7, NAN, 5, 6, INF}}, // gaps that hold anything, and any order
-        {.code = 0, .text = "", .vbeg = {0, INT_MAX}, .vlen = {2, 0}}, // an empty column
-        {.code = 10006, .text = "Row index 2 out of range in column 0", .vind = {0, 2, 1}},
-        {.code = 10006,
-         .text = "Row index -1 out of range in column 1",
-         .vind = {0, 1, -1}},
-        {.code = 10018, .text = "Row index 1 appears twice in column 0", .vind = {1, 1, 1}},
-        {.code = 10006, .text = column + "0", .vlen = {3, 1}}, // runs into column 1
-        {.code = 10006, .text = column + "1", .vlen = {2, -1}},
-        {.code = 10006, .text = column + "0", .vbeg = {-1, 2}},
-        {.code = 10006, .text = column + "1", .vbeg = {0, INT_MAX}},
-        {.code = 10006,
-         .text = column + "1",
-         .vbeg = {1, 0},
-         .vlen = {1, 2}}, // shared entry
-        {.code = 10003, .text = "Double value is Nan or Inf.", .objcon = NAN},
-        {.code = 10003, .text = nan, .rhs = {1, -INF}},
-        {.code = 10003, .text = nan, .vval = {1, NAN, 1}},
-        {.code = 10003,
-         .text = "Invalid argument value for required parameter",
-         .numconstrs = -1},
+                      column = "Invalid start or length of column ",
+                      invalid = "Invalid argument value for required parameter";
+    const struct {
+        int code;
+        std::string text;
+        Load l;
+    } cases[] = {
+        {0,
+         "",
+         {.vbeg = {2, 0}, // gaps that hold anything, and any order
+          .vind = {1, 77, 0, 1, -5},
+          .vval = {7, NAN, 5, 6, INF}}},
+        {0, "", {.vbeg = {0, INT_MAX}, .vlen = {2, 0}}}, // an empty column
+        {10006, "Row index 2 out of range in column 0", {.vind = {0, 2, 1}}},
+        {10006, "Row index -1 out of range in column 1", {.vind = {0, 1, -1}}},
+        {10018, "Row index 1 appears twice in column 0", {.vind = {1, 1, 1}}},
+        {10006, column + "0", {.vlen = {3, 1}}}, // runs into column 1
+        {10006, column + "1", {.vlen = {2, -1}}},
+        {10006, column + "0", {.vbeg = {-1, 2}}},
+        {10006, column + "1", {.vbeg = {0, INT_MAX}}},
+        {10006, column + "1", {.vbeg = {1, 0}, .vlen = {1, 2}}}, // shared entry
+        {10003, "Double value is Nan or Inf.", {.objcon = NAN}},
+        {10003, nan, {.rhs = {1, -INF}}},
+        {10003, nan, {.vval = {1, NAN, 1}}},
+        {10003, invalid, {.numconstrs = -1}},
     };
-    for (const Load &l : loads) {
+    for (const auto &[code, text, l] : cases) {
         TVXmodel *out = model; // must be overwritten
         EXPECT_EQ(TVXloadmodel(env.env, &out, NONE, 2, l.numconstrs, 1, l.objcon, NONE,
                                "<>", l.rhs.data(), l.vbeg.data(), l.vlen.data(),
                                l.vind.data(), l.vval.data(), NONE, NONE, NONE, NONE, NONE),
-                  l.code);
-        EXPECT_EQ(TVXgeterrormsg(env.env), l.text);
+                  code);
+        EXPECT_EQ(TVXgeterrormsg(env.env), text);
         const TestModel loaded(out);
-        EXPECT_EQ(out == nullptr, l.code != 0);
+        EXPECT_EQ(out == nullptr, code != 0);
         const double expected[] = {5, 6, 0, l.vlen[1] ? 7.0 : 0.0};
         for (int k = 0; out && k < 4; k++) {
             double value = -1;
@@ -164,8 +152,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     const int vars[] = {0, 3}, rows[] = {0, 2}, *zero = beg, ind[] = {0, 1, 2};
     const double val[] = {1, 1, 1}, bad[] = {1, NAN, 1};
     const std::string no_vars = "Problem adding variables",
-                      nan = "Element 1 of a double "
-                            "array is Nan or Inf.",
+                      nan = "Element 1 of a double array is Nan or Inf.",
                       no_rows = "Problem adding constraints",
                       no_sos = "Problem adding SOS constraints",
                       no_change = "Problem changing coefficient";
@@ -188,9 +175,9 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     };
     queue();
     update();
-    before = model_text(model);
+    const std::string before = model_text(model);
     TVXfreemodel(model);
-    SetUpModel();
+    SetUp();
     queue();
     refused(10018, no_vars, add_vars(3, beg, twice, val));
     refused(10006, "Invalid start 1 of vector 0", add_vars(3, back, twice, val));
@@ -235,9 +222,10 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
               TVXdelvars(model, count, NONE), TVXdelconstrs(model, count, NONE),
               TVXdelsos(model, count, NONE), TVXchgcoeffs(model, count, NONE, NONE, NONE)})
             EXPECT_EQ(code, 0);
-    expect_unchanged();
+    update();
+    EXPECT_EQ(model_text(model), before);
     EXPECT_EQ(TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE),
-              0); // what was queued is an element now
+              0); // it is an element now
 }
 
 TEST_F(ModelBuild, queries_say_which_index_is_wrong)
@@ -304,11 +292,8 @@ TEST_F(ModelBuild, a_copy_leaves_queued_changes_behind_and_warns)
                                  "New model does not contain these changes.\n",
                                  ""}) {
         Output output;
-        const TestModel copy(TVXcopymodel(model));
+        const TestModel copy(TVXcopymodel(model)); // its content: fuzz/corpus_test.cpp
         EXPECT_EQ(output.text(), expected);
-        int count = 0;
-        EXPECT_EQ(TVXgetintattr(copy, "NumVars", &count), 0);
-        EXPECT_EQ(count, *expected ? 3 : 4);
         update();
     }
 }

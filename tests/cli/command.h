@@ -37,6 +37,10 @@ class Command : public testing::Test
     // A run that ends with `code`. After 0 `said` is in the output and there are no errors, else it is in the one line
     // of error; after 2, wrong usage, nothing is printed.
     static Outcome ends(int code, const Words &words, const std::string &said = "");
+    struct Case {
+        std::string said;
+        Words words;
+    };
 
     Scratch scratch;
 };

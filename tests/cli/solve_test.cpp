@@ -1,22 +1,15 @@
-// solve_test.cpp -- parameters and their files, starts, result files and the printed solution, as a user runs them
+// solve_test.cpp -- parameters and their files, starts, result files, the printed solution; silence and threads
 #include "cli/command.h"
+#include <csignal>
 #include <sys/stat.h>
 namespace fs = std::filesystem;
 
-namespace
-{
-
-class CliSolve : public Command
-{
-};
+using CliSolve = Command;
 
 TEST_F(CliSolve, ParametersAreWordsOrOptionsOrLinesOfAFile)
 {
     file_put("set.prm", "Presolve off\nIterationLimit 0\n");
-    const struct {
-        const char *said;
-        Words words;
-    } cases[] = {
+    const Case cases[] = {
         {"Optimal objective", {"plan.mps"}},
         {"Infeasible model", {"Presolve=0", "never.mps"}},
         {"Iteration limit", {"presolve=0", "iteration_LIMIT=0", "plan.mps"}},
@@ -70,19 +63,14 @@ TEST_F(CliSolve, ResultFilesAreThoseOfThisSolve)
     ends(0, {"ResultFile=plan.sol", "Result_File=again.MPS", "plan.mps"});
     EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
     EXPECT_THAT(file_get("again.MPS"), HasSubstr("ENDATA"));
-    ends(0, {"Presolve=0", "IterationLimit=0", "ResultFile=plan.sol", "plan.mps"});
-    EXPECT_THAT(file_get("plan.sol"), HasSubstr("\n# Not optimal (iteration limit): "));
-    for (const char *file : {"x.sol", "x.bas", "x.mst"}) {
-        file_put(file, "older\n");
-        ends(0, {std::string("ResultFile=") + file, "Presolve=1", "never.mps"},
-             "There is nothing to write: infeasible");
-        EXPECT_FALSE(fs::exists(file)) << file;
-    }
     file_put("whole.lp", "min x st c: x >= 1 general x end\n");
-    file_put("x.sol", "older\n");
-    ends(1, {"ResultFile=x.sol", "whole.lp"});
-    EXPECT_FALSE(fs::exists("x.sol"));
-
+    for (const char *file : {"x.sol", "x.bas", "x.mst"})
+        for (const char *model : {"never.mps", "whole.lp"}) {
+            file_put(file, "older\n");
+            ends(*model == 'w', {std::string("ResultFile=") + file, "Presolve=1", model},
+                 *model == 'w' ? "" : "There is nothing to write: infeasible");
+            EXPECT_FALSE(fs::exists(file)) << file;
+        }
     ends(0, {"Presolve=0", "ResultFile=plan.bas", "plan.mps"});
     const char *const none = "Solved in 0 iterations";
     EXPECT_THAT(ends(0, {"Presolve=0", "plan.mps"}).out, Not(HasSubstr(none)));
@@ -104,4 +92,59 @@ TEST_F(CliSolve, AnyFileNameIsTakenAsItStands)
     EXPECT_TRUE(fs::exists("--odd"));
 }
 
-} // namespace
+// ---- Silence, threads ----
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+static constexpr bool SANITIZED = true; // the sanitizers start threads of their own
+#else
+static constexpr bool SANITIZED = false;
+#endif
+
+// Exit codes tell all that a silent run has to say.
+TEST_F(CliSolve, OutputFlagZeroIsSilentOnBothStreamsAlsoAboutErrors)
+{
+    file_put("set.prm", "Presolve 0\n");
+    file_put("plan.bas", "NAME plan\nENDATA\n");
+    file_put("broken.mps", "ROWS\n what is this\n");
+    file_put("tarvex.env", "OutputFlag 0\nPresolve 0\nNoSuch 1\n");
+    const std::pair<Words, int> calls[] = {
+        {{"plan.mps", "never.mps"}, 0},
+        {{"LogFile=run.log", "ResultFile=plan.sol", "--params", "set.prm", "--start",
+          "plan.bas", "plan.mps"},
+         0},
+        {{"broken.mps"}, 1},
+        {{"LogFile=no/such/folder/log", "plan.mps"}, 1},
+        {{"--params", "absent.prm", "plan.mps"}, 1},
+        {{"ResultFile=no/such/folder/plan.sol", "plan.mps"}, 1},
+        {{"--start", "absent.bas", "plan.mps"}, 1},
+        {{"--quiet", "plan.mps"}, 0},
+        {{}, 2},
+        {{"--no-such-option", "plan.mps"}, 2},
+        {{"NoSuchParameter=1", "plan.mps"}, 2},
+    };
+    for (const auto &[words, code] : calls) {
+        Words call = words;
+        call.push_back("Output_Flag=0");
+        const Outcome outcome = run(call);
+        EXPECT_EQ(outcome.exit_code, code) << (words.empty() ? "" : words[0]);
+        EXPECT_EQ(outcome.out + outcome.err, "");
+    }
+    file_put("tarvex.env", "OutputFlag 1\nNoSuch 1\n");                // that of the folder
+    ends(0, {"OutputFlag=0", "--solution", "plan.mps"}, "# Solution"); // asked for
+    file_put("quiet.prm", "OutputFlag 0\n");
+    EXPECT_EQ(run({"--params", "quiet.prm", "absent.mps"}).err, "");
+    ends(1, {"--params", "quiet.prm", "OutputFlag=1", "absent.mps"}); // takes it back
+}
+
+TEST_F(CliSolve, OneThreadMeansNoOther)
+{
+    if (SANITIZED) GTEST_SKIP() << "sanitizers start threads of their own";
+    for (const char *method : {"LPMethod=0", "LPMethod=1"})
+        for (const char *presolve : {"Presolve=-1", "Presolve=0"})
+            EXPECT_EQ(run({"Threads=1", method, presolve, "plan.mps", "never.mps"},
+                          Confine::ONE_THREAD)
+                          .exit_code,
+                      0);
+    file_put("plan.mps.gz", "not compressed at all"); // reading it starts gzip
+    EXPECT_EQ(run({"plan.mps.gz"}, Confine::ONE_THREAD).exit_code, -SIGSYS);
+}

@@ -2,12 +2,7 @@
 #include "cli/command.h"
 #include <algorithm>
 
-namespace
-{
-
-class CliUsage : public Command
-{
-};
+using CliUsage = Command;
 
 TEST_F(CliUsage, HelpVersionAndParametersGoToStandardOutput)
 {
@@ -46,10 +41,7 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
 {
     file_put("plan.bas", "ENDATA\n");
     file_put("TimeLimit=5", PLAN_MODEL); // a parameter, whatever stands in the folder
-    const struct {
-        const char *said;
-        Words words;
-    } cases[] = {
+    const Case cases[] = {
         {"--help", {}},
         {"no model", {"TimeLimit=5"}},
         {"--nonsense", {"--nonsense", "plan.mps"}},
@@ -107,10 +99,9 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
     ends(2, {"NoSuchThing=5", "plan.mps"}, "'NoSuchThing'");
     ends(2, {"--convert", "plan.mps"});
     std::filesystem::remove("tarvex.env");
-    int files = 0;
-    for (const auto &entry : std::filesystem::directory_iterator("."))
-        files += entry.is_regular_file();
-    EXPECT_EQ(files, 6); // two models, two made above, two streams: none written
+    const auto files = std::filesystem::directory_iterator(".");
+    EXPECT_EQ(std::distance(begin(files), end(files)),
+              6); // two models, two made above, two streams
 }
 
 TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)
@@ -120,25 +111,23 @@ TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)
     file_put("other.bas", "NAME other\n XL stranger  hours\nENDATA\n");
     file_put("whole.lp", "min x st c: x >= 1 general x end\n");
     std::filesystem::create_directory("folder.mps");
-    const struct {
-        const char *said;
-        Words words;
-    } cases[] = {{"absent.mps", {"absent.mps"}},
-                 {"folder.mps", {"folder.mps"}},
-                 {"tarvex: cannot read 'broken.mps': MPS read error at line 3: Q  row; a "
-                  "row type is N, L, G or E\n",
-                  {"broken.mps"}},
-                 {"none with .mps", {"afiro"}},
-                 {"tarvex - <FILE", {"plan.txt"}},
-                 {"whole.lp", {"whole.lp"}},
-                 {"'missing'", {"ResultFile=missing/plan.sol", "plan.mps"}},
-                 {"missing/run.log", {"LogFile=missing/run.log", "plan.mps"}},
-                 {"", {"--json", "missing/x.json", "plan.mps"}},
-                 {"", {"--convert", "plan.mps", "missing/x.lp"}},
-                 {"", {"--convert", "absent.mps", "x.lp"}},
-                 {"absent.prm", {"--params", "absent.prm", "plan.mps"}},
-                 {"stranger", {"--start", "other.bas", "plan.mps"}},
-                 {"absent.bas", {"--start", "absent.bas", "plan.mps"}}};
+    const Case cases[] = {
+        {"absent.mps", {"absent.mps"}},
+        {"folder.mps", {"folder.mps"}},
+        {"tarvex: cannot read 'broken.mps': MPS read error at line 3: Q  row; a "
+         "row type is N, L, G or E\n",
+         {"broken.mps"}},
+        {"none with .mps", {"afiro"}},
+        {"tarvex - <FILE", {"plan.txt"}},
+        {"whole.lp", {"whole.lp"}},
+        {"'missing'", {"ResultFile=missing/plan.sol", "plan.mps"}},
+        {"missing/run.log", {"LogFile=missing/run.log", "plan.mps"}},
+        {"", {"--json", "missing/x.json", "plan.mps"}},
+        {"", {"--convert", "plan.mps", "missing/x.lp"}},
+        {"", {"--convert", "absent.mps", "x.lp"}},
+        {"absent.prm", {"--params", "absent.prm", "plan.mps"}},
+        {"stranger", {"--start", "other.bas", "plan.mps"}},
+        {"absent.bas", {"--start", "absent.bas", "plan.mps"}}};
     for (const auto &one : cases)
         EXPECT_THAT(ends(1, one.words, one.said).out, Not(HasSubstr("Optimal objective")));
     EXPECT_FALSE(std::filesystem::exists("x.lp"));
@@ -146,5 +135,3 @@ TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)
     EXPECT_THAT(ends(1, {"plan.mps", "absent.mps", "never.mps"}, "absent.mps").out,
                 testing::ContainsRegex("plan: 2 rows(.|\n)*never: 1 rows"));
 }
-
-} // namespace

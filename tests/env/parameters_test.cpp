@@ -1,19 +1,11 @@
 // parameters_test.cpp -- parameters by name and from files
-#include "env/env.h"
-#include "env/parameter_table.h"
-#include "support/scratch.h"
+#include "env/env_fixture.h"
+#include "env/parameter_rows.h"
 #include <cmath>
+#include <sstream>
 #include <vector>
 
-class Parameters : public testing::Test
-{
-  protected:
-    Scratch scratch;
-    TVXenv *env = nullptr;
-    void SetUp() override { ASSERT_EQ(TVXloadenv(&env, nullptr), 0); }
-    void TearDown() override { TVXfreeenv(env); }
-
-    std::string message() { return TVXgeterrormsg(env); }
+struct Parameters : Env {
     // What reading a file of this text prints.
     std::string read(const std::string &text)
     {
@@ -32,20 +24,10 @@ class Parameters : public testing::Test
 
 // ---- Every row ----
 
-struct Row {
-    const char *name;
-    bool is_int;
-    double minimum, maximum, value;
-};
-#define NOTHING(...)
-#define INT_ROW(name, minimum, maximum, value) {#name, true, minimum, maximum, value},
-#define DBL_ROW(name, minimum, maximum, value) {#name, false, minimum, maximum, value},
 #define NAME_ROW(name, ...) #name,
-static const std::vector<Row> rows = {PUBLIC_PARAMETERS(INT_ROW, DBL_ROW, NOTHING)
-                                          HIDDEN_PARAMETERS(INT_ROW, DBL_ROW, NOTHING)};
 
 // Value, minimum, maximum and default as the library tells them.
-static std::vector<double> info(TVXenv *env, const Row &row)
+static std::vector<double> info(TVXenv *env, const ParameterRow &row)
 {
     int i[4] = {};
     double d[4] = {};
@@ -55,16 +37,10 @@ static std::vector<double> info(TVXenv *env, const Row &row)
     return row.is_int ? std::vector<double>(i, i + 4) : std::vector<double>(d, d + 4);
 }
 
-static int set(TVXenv *env, const Row &row, double value)
-{
-    return row.is_int ? TVXsetintparam(env, row.name, static_cast<int>(value))
-                      : TVXsetdblparam(env, row.name, value);
-}
-
 TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
 {
-    EXPECT_EQ(rows.size() + 4, 63u + 59u);
-    for (const Row &row : rows) {
+    EXPECT_EQ(parameter_rows.size() + 4, 63u + 59u);
+    for (const ParameterRow &row : parameter_rows) {
         const std::string name = row.name;
         SCOPED_TRACE(name);
         const double value = name == "Threads" ? ProcessorCount() : row.value;
@@ -72,25 +48,22 @@ TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
         ASSERT_EQ(info(env, row),
                   (std::vector<double>{value, row.minimum, row.maximum, value}));
         const double largest = row.is_int ? 2000000000 : 1e100; // no value is further
-        for (const double bound : {row.minimum, row.maximum}) {
-            const bool low = bound == row.minimum;
-            const double way = low ? -1 : 1,
-                         beyond = row.is_int ? bound + way : way * HUGE_VAL;
-            ASSERT_EQ(set(env, row, bound), 0);
+        for (const bool low : {true, false}) {
+            const double bound = low ? row.minimum : row.maximum, way = low ? -1 : 1;
+            ASSERT_EQ(row.set(env, bound), 0);
             ASSERT_EQ(info(env, row)[0], bound);
             if (std::fabs(bound) >= largest) continue;
-            ASSERT_EQ(set(env, row, beyond), 10008);
-            const std::string said = message();
+            ASSERT_EQ(row.set(env, row.is_int ? bound + way : way * HUGE_VAL), 10008);
+            std::ostringstream text;
+            text << "Unable to set parameter " << name << " to value ";
+            if (row.is_int) text.precision(10);
+            text << (row.is_int ? bound + way : way * largest) << " ("
+                 << (low ? "minimum is " : "maximum is ") << bound << ")";
+            ASSERT_EQ(message(), text.str());
             ASSERT_EQ(info(env, row)[0], bound); // unchanged by the failure
-            if (!row.is_int) {
-                ASSERT_EQ(set(env, row, std::nextafter(bound, beyond)), 10008);
-                ASSERT_EQ(set(env, row, NAN), 10008);
-            } else
-                ASSERT_EQ(said, "Unable to set parameter " + name + " to value " +
-                                    std::to_string(static_cast<int>(beyond)) +
-                                    (low ? " (minimum is " : " (maximum is ") +
-                                    std::to_string(static_cast<int>(bound)) + ")");
-            if (row.minimum == row.maximum) break;
+            if (row.is_int) continue;
+            ASSERT_EQ(row.set(env, std::nextafter(bound, way * HUGE_VAL)), 10008);
+            ASSERT_EQ(row.set(env, NAN), 10008);
         }
         double number = 0;
         ASSERT_EQ(row.is_int ? TVXgetdblparam(env, row.name, &number)
@@ -100,12 +73,6 @@ TEST_F(Parameters, NumbersKeepTheirRangeAndDefault)
     }
     ASSERT_EQ(TVXresetparams(env), 0);
     EXPECT_EQ(written(), "");
-    EXPECT_EQ(TVXsetdblparam(env, "FeasibilityTol", 0.5), 10008);
-    EXPECT_EQ(message(),
-              "Unable to set parameter FeasibilityTol to value 0.5 (maximum is 0.01)");
-    EXPECT_EQ(TVXsetdblparam(env, "time_limit", -1e300), 10008);
-    EXPECT_EQ(message(),
-              "Unable to set parameter TimeLimit to value -1e+100 (minimum is 0)");
     EXPECT_EQ(TVXsetdblparam(env, "TimeLimit", HUGE_VAL), 0);
     EXPECT_EQ(env->TimeLimit, 1e100);
 }
@@ -147,15 +114,15 @@ TEST_F(Parameters, NamesIgnoreCaseAndInnerUnderscoresAndUnknownOnesAreTold)
 
 TEST_F(Parameters, PublicNamesCanBeListedInTableOrder)
 {
-    const char *names[] = {PUBLIC_PARAMETERS(NAME_ROW, NAME_ROW, NAME_ROW)};
     char *name = nullptr;
-    ASSERT_EQ(TVXgetnumparams(env), 63);
-    for (int k = 0; k < 63; k++) {
-        ASSERT_EQ(TVXgetparamname(env, k, &name), 0);
-        EXPECT_STREQ(name, names[k]);
+    int k = 0;
+    for (const char *expected : {PUBLIC_PARAMETERS(NAME_ROW, NAME_ROW, NAME_ROW)}) {
+        ASSERT_EQ(TVXgetparamname(env, k++, &name), 0);
+        EXPECT_STREQ(name, expected);
     }
-    for (const int k : {63, -1, 2000000000}) {
-        EXPECT_EQ(TVXgetparamname(env, k, &name), TVX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(TVXgetnumparams(env), k);
+    for (const int bad : {k, -1, 2000000000}) {
+        EXPECT_EQ(TVXgetparamname(env, bad, &name), TVX_ERROR_INVALID_ARGUMENT);
         EXPECT_EQ(name, nullptr);
     }
 }
@@ -175,7 +142,6 @@ TEST_F(Parameters, NullArgumentsAreRefused)
               TVXsetstrparam(handle, nullptr, "x"),
               TVXsetstrparam(handle, "LogFile", nullptr),
               TVXsetstrparam(handle, "Dummy", nullptr),
-              TVXsetstrparam(handle, "ResultFile", nullptr),
               TVXgetintparaminfo(handle, nullptr, &i, &i, &i, &i),
               TVXgetdblparaminfo(handle, nullptr, &d, &d, &d, &d),
               TVXgetstrparaminfo(handle, nullptr, s, s), TVXreadparams(handle, nullptr),
@@ -227,35 +193,28 @@ TEST_F(Parameters, AMasterWithModelsWarnsOnce)
 
 // ---- Files ----
 
-TEST_F(Parameters, WhatIsWrittenReadsBack)
+// That every value comes back is looked at by fuzz/corpus_test.cpp.
+TEST_F(Parameters, WhatDiffersFromItsDefaultIsWrittenAndToldWhenItIsRead)
 {
-    ASSERT_EQ(TVXsetintparam(env, "MIPFocus", 2), 0);
     ASSERT_EQ(TVXsetdblparam(env, "TimeLimit", 12.5), 0);
     ASSERT_EQ(TVXsetdblparam(env, "Cutoff", -1e100), 0);
     ASSERT_EQ(TVXsetintparam(env, "TARV_PAR_ITEST", -2000000000), 0);
     ASSERT_EQ(TVXsetintparam(env, "TARV_PAR_MASTERENVWARN", 0), 0);
     ASSERT_EQ(TVXsetstrparam(env, "ResultFile", "r.sol"), 0);
     const std::string text = written();
-    EXPECT_EQ(text, "Cutoff  -1e+100\nTimeLimit  12.5\nMIPFocus  2\n"
-                    "TARV_PAR_ITEST  -2000000000\n");
+    EXPECT_EQ(text, "Cutoff  -1e+100\nTimeLimit  12.5\nTARV_PAR_ITEST  -2000000000\n");
     ASSERT_EQ(TVXwriteparams(env, "w.prm.gz"), 0);
-    for (const char *file : {"w.prm", "w.prm.gz"}) {
+    ASSERT_EQ(system("gzip -d <w.prm.gz | cmp - w.prm"), 0);
 #ifdef TVX_DEBUG
-        mem_fault_arm(file == std::string("w.prm") ? 1 : 0); // needs no memory
+    mem_fault_arm(1); // needs no memory
 #endif
-        ASSERT_EQ(TVXresetparams(env), 0);
-        Output output;
-        ASSERT_EQ(TVXreadparams(env, file), 0);
-        EXPECT_EQ(output.text(), "Set parameter Cutoff to value -1e+100\n"
-                                 "Set parameter TimeLimit to value 12.5\n"
-                                 "Set parameter MIPFocus to value 2\n"
-                                 "Set parameter TARV_PAR_ITEST to value -2e+09\n");
-        EXPECT_EQ(written(), text);
+    EXPECT_EQ(read(text), "Set parameter Cutoff to value -1e+100\n"
+                          "Set parameter TimeLimit to value 12.5\n"
+                          "Set parameter TARV_PAR_ITEST to value -2e+09\n");
 #ifdef TVX_DEBUG
-        EXPECT_EQ(mem_fault_hits(), 0);
-        mem_fault_arm(0);
+    EXPECT_EQ(mem_fault_hits(), 0);
+    mem_fault_arm(0);
 #endif
-    }
 }
 
 TEST_F(Parameters, EveryLineOfAFileIsToldInTheLog)

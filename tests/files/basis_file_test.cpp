@@ -1,23 +1,45 @@
-// basis_file_test.cpp -- bases through files: exactly what was written comes back
+// basis_file_test.cpp -- bases and starts through files: exactly what was written comes back
 #include "files/files.h"
 #include "files/files_support.h"
 #include "support/dice.h"
-#include <algorithm>
 
-class BasisFile : public Files
-{
-  protected:
+struct BasisFile : Files {
     std::vector<int> vbasis, cbasis;
 
-    // n columns and m rows with bounds of all kinds, and a random basis of them.
-    void make(Dice *dice, int n, int m, const std::vector<std::string> &names)
+    // Names of the first of n elements, odd ones of every kind, also twice.
+    static std::vector<std::string> odd_names(Dice *dice, int n)
+    {
+        // clang-format off
+        static const std::string numbered[] = {
+            "C0", "C1", "C0000000", "C0000001", "R0", "R1", "R0000001", "a_long_row_name"},
+            names[] = {
+            "a b", "a", " a", "a ", "a  1", "\xc3\xa9t\xc3\xa9 \xe2\x82\xac", "\xe9", "", "#", "# b", "ENDATA",
+            "XL", "1e5", "-inf", "a\tb", "c\nd", "x", "X", "b c", "b", "c", "2", "a long name", "a long name 2",
+            std::string(255, 'n'), std::string(256, 'n'), std::string(70000, 'l')};
+        // clang-format on
+        std::vector<std::string> list;
+        const bool odd = dice->chance(50);
+        for (int k = dice->chance(30) ? 0 : dice->range(0, n); k > 0; k--)
+            list.push_back(odd ? names[dice->range(0, std::size(names) - 1)]
+                               : numbered[dice->range(0, std::size(numbered) - 1)]);
+        return list;
+    }
+    // n integer columns and m rows with bounds of all kinds, a random basis of them, and a solution as a search would
+    // leave it.
+    void make(Dice *dice, int n, int m)
     {
         LpModel lp;
         for (int j = 0; j < n; j++)
             lp_add_var(&lp, 0, dice->chance(40) ? -LP_INFINITY : 0,
                        dice->chance(40) ? LP_INFINITY : 1);
         for (int i = 0; i < m; i++) lp_add_row(&lp, '<', 0);
-        take(lp, names, {});
+        take(lp, odd_names(dice, n), odd_names(dice, m));
+        std::string types(n, 'I');
+        ASSERT_EQ(TVXsetcharattrarray(model, "VType", 0, n, types.data()), 0);
+        ASSERT_EQ(TVXupdatemodel(model), 0);
+        std::vector<double> x;
+        for (int j = 0; j < n; j++) x.push_back(j + 3);
+        give_solution(x);
         std::vector<int> all(n + m, 1);
         for (size_t k = 0; k < static_cast<size_t>(m); k++) all[k] = TVX_BASIC;
         dice->shuffle(&all);
@@ -35,17 +57,11 @@ class BasisFile : public Files
     }
 };
 
-TEST_F(BasisFile, EveryBasisComesBack)
+TEST_F(BasisFile, EveryBasisAndEveryStartComeBackUnderAnyNames)
 {
     Dice dice(5);
-    const std::vector<std::vector<std::string>> names = {
-        {},
-        {"a", "b c", "b", "c", "R 1", "x y z"},
-        {"same", "same", "p", "q", "r", "s"},
-        {"a long name", "a long name 2", "2", "x", "long", "name"}};
-    for (int k = 0; k < 400; k++) {
-        const std::vector<std::string> &set = names[static_cast<size_t>(k) % names.size()];
-        make(&dice, set.empty() ? dice.range(1, 9) : 6, dice.range(1, 9), set);
+    for (int k = 0; k < 600; k++) {
+        make(&dice, dice.range(1, 9), dice.range(1, 9));
         remove("b.bas");
         ASSERT_EQ(
             basis_write(model->body, model->env, vbasis.data(), cbasis.data(), "b.bas"), 0);
@@ -55,6 +71,10 @@ TEST_F(BasisFile, EveryBasisComesBack)
         written.insert(written.end(), cbasis.begin(), cbasis.end());
         ASSERT_EQ(basis(), written) << file_get("b.bas");
         ASSERT_EQ(log, "");
+        ASSERT_EQ(TVXwrite(model, "s.mst"), 0);
+        ASSERT_EQ(read_into("s.mst"), 0) << message();
+        for (int j = 0; j < model->body->numvars; j++)
+            ASSERT_EQ(start(j), j + 3) << file_get("s.mst");
     }
 }
 
@@ -93,22 +113,14 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
               "File b.bas is no text file: control character in line 1\n");
 }
 
-// The long name of a row asks for short numbers, and the second column's would be the first one's name.
-TEST_F(BasisFile, NumberedNamesStandForElementsWithoutNameAndAvoidOwnNames)
+TEST_F(BasisFile, NumberedNamesStandForElementsWithoutName)
 {
     LpModel lp;
-    for (int j = 0; j < 2; j++) lp_add_var(&lp, 0, 0, LP_INFINITY);
-    lp_add_row(&lp, '<', 1);
-    take(lp, {"C1"}, {"a_long_row_name"});
-    const int v[] = {TVX_BASIC, TVX_NONBASIC_LOWER}, c[] = {TVX_NONBASIC_LOWER};
-    ASSERT_EQ(basis_write(model->body, model->env, v, c, "b.bas"), 0);
-    EXPECT_EQ(read_bas(file_get("b.bas")), "");
-    EXPECT_EQ(basis(), (std::vector<int>{0, -1, -1})) << file_get("b.bas");
-    Dice dice(1);
-    make(&dice, 3, 2, {});
+    for (int j = 0; j < 3; j++) lp_add_var(&lp, 0, 0, LP_INFINITY);
+    for (int i = 0; i < 2; i++) lp_add_row(&lp, '<', 1);
+    take(lp, {}, {});
     EXPECT_EQ(read_bas(" XL C1 R0000001\n XL C0000002 R0\nENDATA\n"), "");
-    EXPECT_EQ(basis(),
-              (std::vector<int>{model->body->bound_kind[0] == 3 ? -3 : -1, 0, 0, -1, -1}));
+    EXPECT_EQ(basis(), (std::vector<int>{-1, 0, 0, -1, -1}));
     EXPECT_EQ(read_bas(" XL C3 R0\nENDATA\n"),
               "MPS reader: variable name C3 doesn't exist\n");
 }

@@ -3,6 +3,7 @@
 #include "model/warm_start.h"
 #include <algorithm>
 #include <cmath>
+#include <regex>
 #include <sstream>
 
 std::string shown(double value)
@@ -19,16 +20,10 @@ static std::string domain_of(const ModelBody *body, int j)
            shown(body->lb[j]) + "," + shown(body->ub[j]) + "]";
 }
 
-static std::string name_of_column(const ModelBody *body, int j)
+static std::string name_of(const ModelBody *body, char kind, int k)
 {
     char buffer[DEFAULT_NAME_LENGTH];
-    return var_name(body, j, buffer);
-}
-
-static std::string name_of_row(const ModelBody *body, int i)
-{
-    char buffer[DEFAULT_NAME_LENGTH];
-    return constr_name(body, i, buffer);
+    return kind == 'C' ? var_name(body, k, buffer) : constr_name(body, k, buffer);
 }
 
 std::string stored_text(const TVXmodel *model, Names names)
@@ -39,7 +34,7 @@ std::string stored_text(const TVXmodel *model, Names names)
     if (named) text << (body->modelname ? body->modelname : "") << "\n";
     text << "constant " << shown(body->objcon) << "\n";
     for (int j = 0; j < body->numvars; j++) {
-        if (named) text << name_of_column(body, j) << " ";
+        if (named) text << name_of(body, 'C', j) << " ";
         text << domain_of(body, j) << " " << shown(body->obj[j]);
         std::vector<std::pair<int, double>> entries;
         for (int p = body->vbeg[j]; p < body->vbeg[j] + body->vlen[j]; p++)
@@ -49,7 +44,7 @@ std::string stored_text(const TVXmodel *model, Names names)
         text << "\n";
     }
     for (int i = 0; i < body->numconstrs; i++) {
-        if (named) text << name_of_row(body, i) << " ";
+        if (named) text << name_of(body, 'R', i) << " ";
         text << (body->senses[i] == '=' ? "= " : "< ") << shown(body->rhs[i]) << "\n";
     }
     for (int s = 0; s < body->numsos; s++) {
@@ -59,6 +54,15 @@ std::string stored_text(const TVXmodel *model, Names names)
         text << "\n";
     }
     return text.str();
+}
+
+void Files::TearDown()
+{
+    TVXfreemodel(model);
+    Env::TearDown();
+#ifdef TVX_DEBUG
+    EXPECT_EQ(mem_blocks_held(), 0);
+#endif
 }
 
 int Files::read_file(const std::string &name)
@@ -86,12 +90,6 @@ int Files::read_into(const std::string &name)
     return code;
 }
 
-int Files::read_into(const std::string &name, const std::string &text)
-{
-    file_put(name, text);
-    return read_into(name);
-}
-
 void Files::give_solution(const std::vector<double> &x)
 {
     MipResult *result = model->mip.result = record_create<MipResult>();
@@ -115,8 +113,7 @@ double Files::start(int j)
 {
     double value = 0;
     EXPECT_EQ(TVXupdatemodel(model), 0);
-    EXPECT_EQ(TVXgetdblattrelement(model, "Start", j, &value), 0);
-    return value;
+    return TVXgetdblattrelement(model, "Start", j, &value) ? 0 : value;
 }
 
 void Files::take(const LpModel &lp, std::vector<std::string> vars,
@@ -152,31 +149,21 @@ std::string Files::round_trip(const std::string &name, Names names)
 
 std::string Files::content() const
 {
-    std::string line;
-    for (const char c : stored_text(model, Names::COMPARE))
-        line += c == '\n' ? std::string("; ") : std::string(1, c);
-    return line;
+    return std::regex_replace(stored_text(model, Names::COMPARE), std::regex("\n"), "; ");
 }
 
 int Files::column(const std::string &name) const
 {
     for (int j = 0; j < model->body->numvars; j++)
-        if (name == name_of_column(model->body, j)) return j;
+        if (name == name_of(model->body, 'C', j)) return j;
     return -1;
 }
 
 int Files::row(const std::string &name) const
 {
     for (int i = 0; i < model->body->numconstrs; i++)
-        if (name == name_of_row(model->body, i)) return i;
+        if (name == name_of(model->body, 'R', i)) return i;
     return -1;
-}
-
-double Files::coefficient(const std::string &row_name, const std::string &column_name) const
-{
-    double value = NAN;
-    TVXgetcoeff(model, row(row_name), column(column_name), &value);
-    return value;
 }
 
 std::string Files::domain(const std::string &column_name) const

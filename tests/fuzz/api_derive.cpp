@@ -31,16 +31,6 @@ double branch_value(LpModel lp, int j, double d, bool down)
     return side.status == LpStatus::OPTIMAL ? side.value.get_d() : lp.sense * LP_INFINITY;
 }
 
-std::string check_names_of(TVXmodel *made, const std::string &suffix)
-{
-    char *name = nullptr;
-    if (TVXgetstrattr(made, "ModelName", &name)) return "no name";
-    const std::string text = name;
-    const bool ends =
-        text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
-    return ends ? "" : "is called " + text;
-}
-
 // The best value of a derived model must be that of its source. Its numbers are rounded, so that no exact judge can tell:
 // the library solves it under default parameters.
 std::string same_optimum(TVXmodel *made, const RationalResult *truth)
@@ -58,31 +48,25 @@ std::string same_optimum(TVXmodel *made, const RationalResult *truth)
            std::to_string(truth->value.get_d()) + "\n" + lp_to_mps(&lp, "");
 }
 
-std::string derive_presolved(ApiModel *a, const LpModel *lp, const RationalResult *truth)
+std::string derive_presolved(ApiModel *a, const RationalResult *truth)
 {
     a->watch = Watch{}; // the callback is called, and does not stop it
     const TestModel made(TVXpresolvemodel(a->model));
-    if (made) {
-        if (truth->status != LpStatus::OPTIMAL) return ""; // it may be found later
-        const std::string wrong = same_optimum(made, truth);
-        return wrong.empty() ? ""
-                             : "presolved model " + wrong + lp_to_mps(lp, a->settings());
-    }
+    const bool optimal = truth->status == LpStatus::OPTIMAL; // else it may be found later
+    if (made) return optimal ? same_optimum(made, truth) : "";
     const bool in_time = a->value("TimeLimit", 1e100) >= 1e100;
-    return truth->status == LpStatus::OPTIMAL && in_time
-               ? std::string("not presolved: ") + TVXgetmerrormsg(a->model) + "\n" +
-                     lp_to_mps(lp, a->settings())
-               : "";
+    return optimal && in_time ? std::string("is not made: ") + TVXgetmerrormsg(a->model)
+                              : "";
 }
 
-std::string derive_fixed(ApiModel *a, const LpModel *lp, const RationalResult *truth)
+std::string derive_fixed(ApiModel *a, const RationalResult *truth)
 {
     const TestModel made(TVXconverttofixed(a->model));
-    if (!is_solved(a)) return made ? "fixed without a solution" : "";
-    if (!made) return "not fixed";
-    std::string wrong = check_names_of(made, "_fixed");
-    if (wrong.empty()) wrong = same_optimum(made, truth);
-    return wrong.empty() ? "" : "fixed model " + wrong + lp_to_mps(lp, a->settings());
+    if (!is_solved(a)) return made ? "is made without a solution" : "";
+    char *name = nullptr;
+    if (!made || TVXgetstrattr(made, "ModelName", &name)) return "is not made";
+    return std::string(name).ends_with("_fixed") ? same_optimum(made, truth)
+                                                 : std::string("is called ") + name;
 }
 } // namespace
 
@@ -130,7 +114,10 @@ std::string api_derive(ApiModel *a)
         return "";
     }
     const RationalResult truth = rational_solve(&lp);
-    return presolved ? derive_presolved(a, &lp, &truth) : derive_fixed(a, &lp, &truth);
+    const std::string wrong =
+        presolved ? derive_presolved(a, &truth) : derive_fixed(a, &truth);
+    return wrong.empty() ? ""
+                         : "derived model " + wrong + "\n" + lp_to_mps(&lp, a->settings());
 }
 
 std::string api_file(ApiModel *a)
@@ -143,6 +130,9 @@ std::string api_file(ApiModel *a)
     if (code == TVX_ERROR_DATA_NOT_AVAILABLE && kind >= 4) return "";
     if (code) return suffix + " not written: " + TVXgetmerrormsg(a->model);
     if (suffix == ".sol") return "";
+    if (suffix == ".prm" && // what is read is looked at after the next solve
+        (TVXresetparams(a->env()) || TVXsetintparam(a->env(), "OutputFlag", 0)))
+        return "the parameters are stubborn";
     if (kind >= 4)
         return TVXread(a->model, name.c_str()) ? suffix + " is not read back" : "";
     TVXmodel *read = nullptr;

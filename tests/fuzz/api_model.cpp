@@ -41,9 +41,6 @@ bool ApiModel::from_lp(const LpModel &lp)
     int failures = 0;
     r->sense = lp.sense;
     r->objcon = lp.objcon;
-    const auto bounded = [](double bound) {
-        return lp_is_infinite(bound) ? (bound < 0 ? -1e30 : 1e30) : bound;
-    };
     for (size_t j = 0; j < lp.obj.size(); j++) {
         StoreReference::Var var;
         var.name = "x" + std::to_string(j);

@@ -13,7 +13,7 @@ struct Watch {
     bool queues = false; // at that call it also makes moves of the player
     int calls = 0;
     bool busy =
-        false; // inside a call: what is logged by calls made there comes as a call of its own
+        false; // inside a call: what is logged by calls made there comes as one of its own
     bool asked = false; // the solve was asked to stop
     std::string wrong;
 };

@@ -1,8 +1,7 @@
 // api_query.cpp -- attributes and parameters of a fuzzed model: every form of a query must tell the same
 #include "attributes/attribute_table.h"
-#include "env/parameter_table.h"
+#include "env/parameter_rows.h"
 #include "fuzz/api_model.h"
-#include <algorithm>
 #include <cmath>
 
 namespace
@@ -25,20 +24,18 @@ constexpr Calls<char *> STR_CALLS = {TVXgetstrattr, TVXgetstrattrelement,
 
 template<class T> bool same(T a, T b)
 {
-    return a == b;
-}
-template<> bool same(char *a, char *b)
-{
-    return std::string(a ? a : "") == (b ? b : "");
+    if constexpr (std::is_same_v<T, char *>)
+        return std::string(a ? a : "") == (b ? b : "");
+    else
+        return a == b;
 }
 
-template<class T> bool sane(T)
+template<class T> bool sane(T value)
 {
-    return true;
-}
-template<> bool sane(double value)
-{
-    return std::isfinite(value);
+    if constexpr (std::is_same_v<T, double>)
+        return std::isfinite(value) && (value != 0 || !std::signbit(value));
+    else
+        return true;
 }
 
 template<class T>
@@ -58,14 +55,15 @@ std::string query_elements(ApiModel *a, const Calls<T> &calls, const char *name,
         calls.list(model, name, n, ind.data(), listed.data()) != code ||
         calls.element(model, name, start, &one) != code)
         return "the forms answer with several codes";
-    if (calls.array(model, name, start, n - start + 1, part.data() + 0) == 0)
+    if (calls.array(model, name, start, n - start + 1, part.data()) == 0)
         return "a stretch beyond the last";
     if (code) return "";
     (void)calls.array(model, name, start, len, part.data());
     for (int k = 0; k < len; k++)
         if (!same(part[k], all[start + k])) return "array differs";
     for (int k = 0; k < n; k++)
-        if (!same(listed[k], all[ind[k]]) || !sane(all[k])) return "list differs, or NaN";
+        if (!same(listed[k], all[ind[k]]) || !sane(all[k]))
+            return "list differs, is no number, or minus zero";
     return same(one, all[start]) ? "" : "element differs";
 }
 
@@ -80,20 +78,8 @@ std::string query(ApiModel *a, const Calls<T> &calls, const AttributeRow &row)
     const int code = calls.of_model(a->model, row.name, &one);
     if (calls.of_model(a->model, row.name, &again) != code || !same(one, again))
         return "a second query differs";
-    return sane(one) ? "" : "not a number";
+    return code || sane(one) ? "" : "no number, or minus zero";
 }
-
-struct Parameter {
-    const char *name;
-    bool is_int;
-    double low, high, initial;
-};
-
-#define INT_ROW(name, low, high, initial) {#name, true, low, high, initial},
-#define DBL_ROW(name, low, high, initial) {#name, false, low, high, initial},
-#define STR_ROW(name, initial)
-constexpr Parameter parameters[] = {PUBLIC_PARAMETERS(INT_ROW, DBL_ROW, STR_ROW)
-                                        HIDDEN_PARAMETERS(INT_ROW, DBL_ROW, STR_ROW)};
 
 // Integers take any value, but for those that print, write files, ask for threads, or change what the reference says.
 constexpr const char *LEFT_ALONE[] = {"OutputFlag", "Threads", "TARV_PAR_DUMP",
@@ -115,54 +101,37 @@ const std::map<std::string, std::vector<double>> doubles = {
     {"TARV_PAR_ASPIRE", {0, 0.2}},
 };
 
-double draw_value(Dice *dice, const Parameter &p)
+double draw_value(Dice *dice, const ParameterRow &p)
 {
-    if (dice->chance(20)) return p.initial;
+    if (dice->chance(20)) return p.value;
     if (!p.is_int) return dice->pick(doubles.at(p.name));
     const double small = dice->range(-2, 4);
-    if (small >= p.low && small <= p.high) return small;
-    return dice->chance(50) ? p.low : p.high;
+    if (small >= p.minimum && small <= p.maximum) return small;
+    return dice->chance(50) ? p.minimum : p.maximum;
 }
 
-int set(TVXenv *env, const Parameter &p, double value)
-{
-    return p.is_int ? TVXsetintparam(env, p.name, static_cast<int>(value))
-                    : TVXsetdblparam(env, p.name, value);
-}
 } // namespace
 
 std::string api_query(ApiModel *a)
 {
     const AttributeRow &row = attribute_rows[a->dice()->range(0, ATTRIBUTE_COUNT - 1)];
-    std::string wrong;
-    switch (row.type) {
-    case AttrType::CHAR:
-        wrong = query(a, CHAR_CALLS, row);
-        break;
-    case AttrType::INT:
-        wrong = query(a, INT_CALLS, row);
-        break;
-    case AttrType::DOUBLE:
-        wrong = query(a, DBL_CALLS, row);
-        break;
-    case AttrType::STRING:
-        wrong = query(a, STR_CALLS, row);
-        break;
-    }
+    const std::string wrong = row.type == AttrType::CHAR     ? query(a, CHAR_CALLS, row)
+                              : row.type == AttrType::INT    ? query(a, INT_CALLS, row)
+                              : row.type == AttrType::DOUBLE ? query(a, DBL_CALLS, row)
+                                                             : query(a, STR_CALLS, row);
     return wrong.empty() ? "" : std::string(row.name) + ": " + wrong;
 }
 
 std::string api_set_parameter(ApiModel *a)
 {
-    const int last = static_cast<int>(std::size(parameters)) - 1;
-    const Parameter &p = parameters[a->dice()->range(0, last)];
+    const ParameterRow &p = a->dice()->pick(parameter_rows);
     for (const char *name : LEFT_ALONE)
         if (std::string(name) == p.name) return "";
     if (!p.is_int && !doubles.count(p.name)) return "";
-    if (p.high < 1e9 && set(a->env(), p, p.high + 1) != TVX_ERROR_VALUE_OUT_OF_RANGE)
+    if (p.maximum < 1e9 && p.set(a->env(), p.maximum + 1) != TVX_ERROR_VALUE_OUT_OF_RANGE)
         return std::string(p.name) + " takes a value beyond its range";
     const double value = draw_value(a->dice(), p);
-    if (set(a->env(), p, value)) return std::string(p.name) + " refuses a value";
+    if (p.set(a->env(), value)) return std::string(p.name) + " refuses a value";
     a->values[p.name] = value;
     return "";
 }

@@ -84,13 +84,6 @@ std::string check_parameters(const ApiModel *a)
     return "";
 }
 
-// ScaleFlag may have changed since the record was scaled, so the scaled measures are not compared.
-std::string check_attributes(ApiModel *a, const LpModel *lp)
-{
-    const std::vector<std::string> wrong =
-        check_quality(a->model, lp, &a->solution, QualityScaling::SCALED);
-    return wrong.empty() ? "" : wrong[0];
-}
 } // namespace
 
 std::string api_solve(ApiModel *a)
@@ -116,8 +109,11 @@ std::string api_solve(ApiModel *a)
     const bool clear = a->to_lp(&lp);
     if (wrong.empty() && clear) wrong = judge(a, &lp);
     const bool measured = clear && !lp.obj.empty() && a->dice()->chance(50);
-    if (wrong.empty() && measured &&
-        lp_read_point(a->model, &a->solution) == 0) // also where it was stopped
-        wrong = check_attributes(a, &lp);
+    if (wrong.empty() && measured && !lp_read_point(a->model, &a->solution)) {
+        // Also where it was stopped. ScaleFlag may have changed since the record was scaled.
+        const auto found =
+            check_quality(a->model, &lp, &a->solution, QualityScaling::SCALED);
+        if (!found.empty()) wrong = found[0];
+    }
     return wrong.empty() ? "" : wrong + "\n" + lp_to_mps(&lp, a->settings());
 }

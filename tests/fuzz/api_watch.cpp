@@ -1,29 +1,38 @@
 // api_watch.cpp -- the callback of a fuzzed program: asks for everything, tries what is forbidden, and may end the solve
 #include "fuzz/api_model.h"
 #include <cmath>
-#include <cstring>
 
 namespace
 {
-// Each code answers where it belongs, and nowhere else.
-std::string ask(void *cbdata, int where)
+// What a code answers when the caller says that the moment is `named`.
+std::string ask(void *cbdata, int what, int named, int where)
 {
-    for (int what = 1000; what <= 7006; what += what % 1000 == 6 ? 994 : 1) {
-        int type = 0, is_array = 0, integer = 0;
-        double number = 0;
-        const char *text = nullptr;
-        if (TVXgetcbwhatinfo(cbdata, what, &type, &is_array) || is_array) continue;
-        void *result = &integer;
-        if (type == 2) result = &number;
-        if (type == 3) result = &text;
-        const int code = TVXcbget(cbdata, where, what, result);
-        const bool belongs = what / 1000 == where && where != TVX_WHERE_MESSAGE;
-        if (belongs && code)
-            return "code " + std::to_string(what) + " answers " + std::to_string(code);
-        if (!std::isfinite(number))
-            return "code " + std::to_string(what) + " is not finite";
-    }
-    return "";
+    int type = 0, is_array = 0;
+    union {
+        double number;
+        int integer;
+        const char *text;
+    } result = {0};
+    const bool fits =
+        !TVXgetcbwhatinfo(cbdata, what, &type, &is_array) && what / 1000 == named;
+    int expected = fits && named == where ? 0 : TVX_ERROR_CALLBACK;
+    if (fits && is_array) expected = TVX_ERROR_DATA_NOT_AVAILABLE; // there is no search
+    if (what == TVX_CB_SECONDS) expected = 0;
+    const int code = TVXcbget(cbdata, named, what, &result);
+    if (code != expected)
+        return "code " + std::to_string(what) + " answers " + std::to_string(code);
+    const bool is_fine = code || type != 2 || std::isfinite(result.number);
+    return is_fine ? "" : "code " + std::to_string(what) + " is not finite";
+}
+
+// Each code answers where it belongs, and nowhere else.
+std::string ask_all(void *cbdata, int where)
+{
+    std::string wrong;
+    for (int what = 999; what <= 7007 && wrong.empty(); what += what % 1000 == 7 ? 992 : 1)
+        for (int named = 0; named < 8 && wrong.empty(); named++)
+            wrong = ask(cbdata, what, named, where);
+    return wrong;
 }
 
 // The first messages come before the queued changes are real.
@@ -39,8 +48,15 @@ std::string try_forbidden(ApiModel *a, int where)
             return "from a callback: code " + std::to_string(code);
     if (TVXpresolvemodel(a->model)) return "presolved from a callback";
     (void)TVXgetdblattr(a->model, "ObjVal", &value); // whatever stands there now
-    (void)TVXgetdblattr(a->model, "Kappa", &value);
     (void)TVXgetdblattr(a->model, "ConstrVio", &value);
+    // What would work on the running simplex is refused, also when the solution is there already.
+    int norms = 0, served = !TVXgetintattr(a->model, "HasDualNorm", &norms);
+    for (const char *name : {"Kappa", "N2Kappa"})
+        served += !TVXgetdblattr(a->model, name, &value);
+    for (const char *name :
+         {"SAObjLow", "SALBUp", "SAUBLow", "SARHSLow", "VDualNorm", "CDualNorm"})
+        served += !TVXgetdblattrelement(a->model, name, 0, &value);
+    if (served) return "a query of the running simplex is served";
     if (where == TVX_WHERE_MESSAGE) return "";
     std::string wrong = compare(a->model, a->player.reference);
     for (int k = a->watch.queues ? a->dice()->range(1, 4) : 0; k > 0; k--) a->player.step();
@@ -58,9 +74,11 @@ int api_callback(TVXmodel *model, void *cbdata, int where, void *usrdata)
     if (model != a->model) w->wrong = "called with another model";
     w->busy = true;
     w->calls++;
-    if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask(cbdata, where);
+    if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask_all(cbdata, where);
     const bool now = w->calls == w->at_call;
     if (w->wrong.empty() && now) w->wrong = try_forbidden(a, where);
+    if (now) TVXmsg(a->env(), "a line"); // a call within this call
+    if (w->wrong.empty() && now) w->wrong = ask_all(cbdata, where);
     w->busy = false;
     if (!now || w->end == Watch::End::NEVER) return 0;
     w->asked = true;

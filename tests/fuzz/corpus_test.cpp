@@ -6,6 +6,15 @@
 #include "support/scratch.h"
 #include "support/settings.h"
 
+// No program asks for output, and no file is read aloud that is read by a silent environment.
+static std::string run_silently(const std::string &kind, const std::string &bytes)
+{
+    Output output;
+    const std::string wrong = fuzz_kind(kind, bytes);
+    const std::string printed = output.text();
+    return wrong + (printed.empty() ? "" : "printed: " + printed);
+}
+
 TEST(FuzzCorpus, EveryInputIsServedOrRefusedAndNothingElse)
 {
     const Scratch scratch;
@@ -14,7 +23,7 @@ TEST(FuzzCorpus, EveryInputIsServedOrRefusedAndNothingElse)
     for (const auto &entry : std::filesystem::recursive_directory_iterator(corpus)) {
         if (!entry.is_regular_file()) continue;
         const std::string kind = entry.path().parent_path().filename().string();
-        EXPECT_EQ(fuzz_kind(kind, file_get(entry.path())), "") << entry.path();
+        EXPECT_EQ(run_silently(kind, file_get(entry.path())), "") << entry.path();
         count++;
     }
     EXPECT_GT(count, 0);
@@ -30,6 +39,6 @@ TEST(ApiPrograms, RandomOnesDoWhatTheirReferencesSay)
         Dice dice(static_cast<uint64_t>(seed));
         std::string bytes(static_cast<size_t>(dice.range(200, 2000)), '\0');
         for (char &c : bytes) c = static_cast<char>(dice.range(0, 255));
-        EXPECT_EQ(fuzz_api(bytes), "") << "TARVEX_PROGRAM_SEED=" << seed;
+        EXPECT_EQ(run_silently("api", bytes), "") << "TARVEX_PROGRAM_SEED=" << seed;
     }
 }

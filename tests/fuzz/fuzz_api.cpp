@@ -1,10 +1,10 @@
 // fuzz_api.cpp -- the interpreter of API programs
 //
-// Method      Bytes are the choices of a Dice: each move is one draw, and draws its own arguments. Up to three models live
-//             at a time, each with a plain reference that queues and updates as the store must. After every move the
-//             model that it concerned must read as the reference says, and results must be what the exact judge finds.
-// Ends        With the bytes. Models and environment are then freed in an order that the last draw chooses, and no memory
-//             may be left.
+// Method      Bytes are the choices of a Dice: each move is one draw. Up to three models live at a time, each with a plain
+//             reference that queues and updates as the store must. After every move the model that it concerned must
+//             read as the reference says, and results must be what the exact judge finds.
+// Ends        With the bytes, or after 60 moves. Models and environment are then freed in an order that the last draw
+//             chooses, and no memory may be left.
 #include "fuzz/api_model.h"
 #include "fuzz/fuzz_kind.h"
 #include "runtime/memory.h"
@@ -43,7 +43,7 @@ ApiModel *Program::adopt(TVXmodel *model)
 {
     models.push_back(std::make_unique<ApiModel>(&dice, model));
     ApiModel *a = models.back().get();
-    a->player.most_vars = a->player.most_constrs = MOST_ELEMENTS;
+    a->player.most_elements = MOST_ELEMENTS;
     TVXsetdblparam(a->env(), "IterationLimit", RUNAWAY_ITERATIONS);
     return a;
 }

@@ -4,8 +4,8 @@
 //             read again it is the same but for names; from then on names stay too.
 // Other files Are read into a small model that must keep its content, or are refused with a message; what can be written
 //             then can be read back.
-#include "fuzz/fuzz_file.h"
 #include "files/files_support.h"
+#include "fuzz/fuzz_kind.h"
 #include "model/model_store.h"
 #include "support/lp_tarvex.h"
 

@@ -31,19 +31,23 @@ model model solution attribute_cache pending warm_start
 attributes sensitivity'
 status=0
 
-rank_of() { # of a folder; empty for one that is in no layer
-    local rank=0 line name
-    while read -r line; do
-        rank=$((rank + 1))
-        for name in $line; do [ "$name" != "$1" ] || echo $rank; done
-    done <<<"$layers"
-}
-declare -A rank
+declare -A rank public_of
+height=0
+while read -r line; do
+    height=$((height + 1))
+    for name in $line; do rank[$name]=$height; done
+done <<<"$layers"
 for folder in src/*/; do
-    name=$(basename "$folder")
-    rank[$name]=$(rank_of "$name")
-    [ -n "${rank[$name]}" ] || { echo "folder $name is in no layer"; exit 1; }
+    [ -n "${rank[$(basename "$folder")]:-}" ] || { echo "$folder is in no layer"; exit 1; }
 done
+while read -r folder names; do
+    public_of[$folder]=" $names "
+    [ "$names" = '*' ] && continue
+    for name in $names; do
+        grep -qF "\`$name.h\`" "src/$folder/README.md" ||
+            { echo "src/$folder/README.md does not name $name.h as public"; status=1; }
+    done
+done <<<"$public"
 
 # Lines "from to what" on standard input: every arrow that does not point down.
 judge() {
@@ -63,27 +67,11 @@ odd=$(grep -E "\.\./|[<\"](src/)?($rooms)/|\.cpp[>\"]" <<<"$includes" | grep -vE
 [ -z "$odd" ] || { echo "not of the form #include \"folder/file.h\":"; echo "$odd"; status=1; }
 sed -nE 's,^src/([a-z_]+)/([^:]*):([0-9]+):#include "([a-z_]+)/(.*)",\1 \4 \2:\3 includes \4/\5,p' <<<"$includes" |
     judge || status=1
-is_public() { # folder, header without its ending
-    local folder names
-    while read -r folder names; do
-        [ "$folder" = "$1" ] || continue
-        [ "$names" = '*' ] || [[ " $names " = *" $2 "* ]]
-        return
-    done <<<"$public"
-    return 1
-}
 while read -r from to header where; do
-    [ "$from" = "$to" ] || is_public "$to" "$header" && continue
+    [[ $from = "$to" || ${public_of[$to]:-} = ' * ' || ${public_of[$to]:-} = *" $header "* ]] && continue
     echo "src/$from/$where includes $to/$header.h, which is not for other folders"
     status=1
 done < <(sed -nE 's,^src/([a-z_]+)/([^:]*:[0-9]+):#include "([a-z_]+)/(.*)\.h",\1 \3 \4 \2,p' <<<"$includes")
-while read -r folder names; do
-    [ "$names" = '*' ] && continue
-    for name in $names; do
-        grep -qF "\`$name.h\`" "src/$folder/README.md" ||
-            { echo "src/$folder/README.md does not name $name.h as public"; status=1; }
-    done
-done <<<"$public"
 # The command uses the public header, the opener of files, and the texts of parameters and attributes, which include
 # nothing.
 odd=$(grep -rnE "#[[:space:]]*include[[:space:]]*[<\"](\.\./|src/|($rooms)/)" cli |

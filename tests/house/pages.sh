@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Every source file that a README or a page of docs/ names is there, and every folder of the library has a README.
+# Every source file that a README or a page of docs/ names is there, and every folder of the library has a README. The C
+# example in the README is the one in examples/, which is built and run.
 #   pages.sh SOURCE
 set -euo pipefail
 cd "$1"
@@ -16,4 +17,5 @@ done
 for folder in src/*/ src/presolve/reduce cli; do
     [ -f "$folder/README.md" ] || complain "$folder has no README.md"
 done
+diff <(sed -n '/^```c$/,/^```$/p' README.md | sed '1d;$d') examples/bakery.c || status=1
 exit $status

@@ -45,13 +45,13 @@ struct ModelUpdate : ModelTest {
     {
         ASSERT_EQ(lp_set_basis(model, vars, constrs), 0);
     }
-    std::string update_output()
+    void update_says(const char *text)
     {
         own()->OutputFlag = 1;
         Output output;
         update();
         own()->OutputFlag = 0;
-        return output.text();
+        EXPECT_EQ(output.text(), text);
     }
 };
 
@@ -148,8 +148,7 @@ TEST_F(ModelUpdate, carried_statuses_are_in_their_new_places)
     update();
     // x, y | three added | the range variable | a, c | added row | range row
     EXPECT_EQ(statuses(), (std::vector<int>{-2, 0, -1, -2, -3, 0, -1, 0, 0, -1}));
-    set("Obj", 0,
-        4); // so that the basis is carried over; nonbasics do not stay on bounds that are gone
+    set("Obj", 0, 4); // carries it over; nonbasics do not stay on bounds that are gone
     set("UB", 0, 1e30);
     set("LB", 2, -1e30);
     set("UB", 3, 1e30);
@@ -158,18 +157,17 @@ TEST_F(ModelUpdate, carried_statuses_are_in_their_new_places)
     EXPECT_EQ(statuses(), (std::vector<int>{-1, 0, -2, -3, -1, 0, -1, 0, 0, -1}));
 }
 
-TEST_F(ModelUpdate,
-       a_basic_column_that_changes_asks_for_repair_unless_the_parameter_forbids)
+TEST_F(ModelUpdate, a_changed_basic_column_asks_for_repair_unless_the_parameter_forbids)
 {
     optimize();
-    const double seven = 7;
-    ASSERT_EQ(TVXchgcoeffs(model, 1, &B_ROW, &Y_VAR, &seven), 0);
+    ASSERT_EQ(TVXchgcoeffs(model, 1, &B_ROW, &Y_VAR, &ONE), 0);
     update();
     ASSERT_NE(warm_start_usable(model), nullptr);
     EXPECT_EQ(model->warm_start->repair, 1);
     ASSERT_EQ(TVXoptimize(model), 0);
     own()->TARV_PAR_WARMBASIS = 0;
-    ASSERT_EQ(TVXchgcoeffs(model, 1, &B_ROW, &Y_VAR, &ONE), 0);
+    const double seven = 7;
+    ASSERT_EQ(TVXchgcoeffs(model, 1, &B_ROW, &Y_VAR, &seven), 0);
     update();
     EXPECT_EQ(warm_start_usable(model), nullptr);
 }
@@ -178,18 +176,13 @@ TEST_F(ModelUpdate, names_and_empty_updates_leave_the_solved_state_and_a_reset_d
 {
     optimize();
     ASSERT_EQ(TVXsetstrattrelement(model, "VarName", 1, "renamed"), 0);
-    ASSERT_EQ(TVXsetstrattr(model, "ModelName", ""), 0);
     for (int round = 0; round < 2; round++) {
         update();
         EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
         EXPECT_TRUE(live());
-        EXPECT_EQ(dbl("X", 0), 3);
-        EXPECT_EQ(text("VarName", 1), "renamed");
         EXPECT_FALSE(model_has_pending(model));
     }
-    ASSERT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, 0, 1, 'C', NONE), 0);
     ASSERT_EQ(TVXresetmodel(model), 0);
-    EXPECT_EQ(integer("NumVars"), 4);
     EXPECT_FALSE(live());
     EXPECT_EQ(statuses().size(), 0u);
     EXPECT_EQ(integer("Status"), TVX_LOADED);
@@ -203,12 +196,12 @@ TEST_F(ModelUpdate, a_start_is_taken_when_it_is_a_basis_and_else_discarded_with_
     const char *warning = "Warning, invalid warm-start basis discarded\n";
     const int vars[] = {-2, 0, -1};
     ASSERT_EQ(TVXsetintattrarray(model, "VBasis", 0, 3, vars), 0);
-    EXPECT_EQ(update_output(), warning) << "CBasis not set";
+    update_says(warning); // CBasis is not set
     set_basis({-2, 0, 0}, {-1, 0, 0});
-    EXPECT_EQ(update_output(), warning) << "four basic";
+    update_says(warning); // four are basic
     EXPECT_EQ(warm_start_usable(model), nullptr);
     set_basis({-2, 0, -1}, {-1, 0, 0});
-    EXPECT_EQ(update_output(), "");
+    update_says("");
     EXPECT_EQ(model->warm_start->kind, WARM_CHECKED);
     optimize();
     EXPECT_EQ(dbl("IterCount"), 0) << "it was optimal";
@@ -222,18 +215,17 @@ TEST_F(ModelUpdate, a_start_is_taken_when_it_is_a_basis_and_else_discarded_with_
 
 TEST_F(ModelUpdate, a_start_survives_changes_of_bounds_with_its_norms)
 {
-    refused(10003, "Invalid VBasis value -4", TVXsetintattrelement(model, "VBasis", 0, -4));
-    EXPECT_EQ(TVXsetintattrelement(model, "CBasis", 0, -2), 10003);
-    for (const int code : {1, 7, INT_MAX, INT_MIN, -10}) {
+    for (const int code : {-4, 1, INT_MAX, INT_MIN}) {
         const int codes[] = {0, -1, code};
-        EXPECT_EQ(TVXsetintattrarray(model, "VBasis", 0, 3, codes), 10003) << code;
+        refused(10003, "Invalid VBasis value " + std::to_string(code),
+                TVXsetintattrarray(model, "VBasis", 0, 3, codes));
         EXPECT_EQ(TVXsetintattrarray(model, "CBasis", 0, 3, codes), 10003) << code;
     }
+    EXPECT_EQ(TVXsetintattrelement(model, "CBasis", 0, -2), 10003);
     EXPECT_EQ(model->warm_start, nullptr);
     EXPECT_EQ(TVXsetdblattrelement(model, "VDualNorm", 0, 1), 10003) << "no start yet";
     set_basis({-2, 0, -1}, {-1, 0, 0});
-    const double norms[] = {1, 2, 3};
-    ASSERT_EQ(TVXsetdblattrarray(model, "VDualNorm", 0, 3, norms), 0);
+    set("VDualNorm", 0, 2);
     set("UB", 0, 2);
     set("RHS", 0, 5);
     update();
@@ -260,22 +252,6 @@ TEST_F(ModelUpdate, a_start_point_is_taken_at_once_and_moves_with_its_variables)
 }
 
 // ---- Pieces inside ----
-
-TEST_F(ModelUpdate, a_busy_model_refuses_other_threads_and_what_would_pull_it_away)
-{
-    model->busy = 1;
-    EXPECT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, 0, 1, 'C', NONE), 10017);
-    for (const uintptr_t thread : {uintptr_t{0}, ThreadSelf()}) {
-        model->callback_thread = thread;
-        for (const auto call : {TVXupdatemodel, TVXresetmodel, TVXfreemodel})
-            EXPECT_EQ(call(model), 10017);
-    }
-    EXPECT_EQ(TVXaddvar(model, 0, NONE, NONE, 0, 0, 1, 'C', NONE), 0);
-    model->callback_thread = 0;
-    model->busy = 0;
-    update();
-    EXPECT_EQ(integer("NumVars"), 4);
-}
 
 TEST_F(ModelUpdate, names_that_come_and_go_do_not_pile_up)
 {

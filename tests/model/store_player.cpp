@@ -1,8 +1,7 @@
 // store_player.cpp -- the moves; see the header
 #include "model/store_player.h"
 #include <algorithm>
-#include <climits>
-#include <cmath>
+#include <cctype>
 #include <cstring>
 
 namespace
@@ -25,13 +24,12 @@ struct Compressed {
 
 char upper(char vtype)
 {
-    return vtype >= 'a' ? static_cast<char>(vtype - 'a' + 'A') : vtype;
+    return static_cast<char>(toupper(vtype));
 }
 char symbol(char sense)
 {
-    if (strchr("Ll", sense)) return '<';
-    if (strchr("Gg", sense)) return '>';
-    return strchr("Ee", sense) ? '=' : sense;
+    const char *const letters = "LlGgEe", *const found = strchr(letters, sense);
+    return found ? "<>="[(found - letters) / 2] : sense;
 }
 
 std::vector<char *> pointers(std::vector<std::string> *texts)
@@ -51,17 +49,13 @@ void StorePlayer::expect(int code, int returned, int line)
              TVXgetmerrormsg(model) + "\n";
 }
 
-int StorePlayer::room_for_vars() const
+// How many variables may be added, or constraints; these may be ranges, with a variable each.
+int StorePlayer::room(bool of_vars) const
 {
-    const size_t used = reference.vars.size() + reference.queue.vars.size() +
-                        reference.queue.constrs.size(); // that may be ranges
-    return most_vars - static_cast<int>(used);
-}
-
-int StorePlayer::room_for_constrs() const
-{
-    return most_constrs -
-           static_cast<int>(reference.constrs.size() + reference.queue.constrs.size());
+    const StoreReference::Queue &queue = reference.queue;
+    const size_t used =
+        of_vars ? reference.vars.size() + queue.vars.size() : reference.constrs.size();
+    return most_elements - static_cast<int>(used + queue.constrs.size());
 }
 
 // ---- Random things ----
@@ -116,7 +110,7 @@ Entries StorePlayer::entries(int n_elements)
 
 void StorePlayer::add_vars()
 {
-    const int count = std::min(dice->range(1, 4), room_for_vars());
+    const int count = std::min(dice->range(1, 4), room(true));
     if (count <= 0) return;
     Compressed columns;
     std::vector<std::string> names;
@@ -130,26 +124,25 @@ void StorePlayer::add_vars()
         obj.push_back(number());
         lb.push_back(bound(Side::LOWER));
         ub.push_back(bound(Side::UPPER));
-        uncross(&lb.back(), &ub.back());
+        uncross(&lb[k], &ub[k]);
         names.push_back(with_names ? name() : "");
         reference.add_var({names[k], obj[k], lb[k], ub[k], upper(types[k]), column});
     }
     std::vector<char *> texts = pointers(&names);
-    const int *beg = columns.beg.data(), *ind = columns.ind.data();
-    const double *val = columns.val.data();
+    auto &[beg, ind, val] = columns;
     if (count == 1)
-        expect(0, TVXaddvar(model, columns.size(), ind, val, obj[0], lb[0], ub[0], types[0],
-                            texts[0]));
+        expect(0, TVXaddvar(model, columns.size(), ind.data(), val.data(), obj[0], lb[0],
+                            ub[0], types[0], texts[0]));
     else
-        expect(0, TVXaddvars(model, count, columns.size(), beg, ind, val, obj.data(),
-                             lb.data(), ub.data(), types.data(),
+        expect(0, TVXaddvars(model, count, columns.size(), beg.data(), ind.data(),
+                             val.data(), obj.data(), lb.data(), ub.data(), types.data(),
                              with_names ? texts.data() : nullptr));
 }
 
 void StorePlayer::add_rows(bool ranges)
 {
-    int count = std::min(dice->range(1, ranges ? 3 : 4), room_for_constrs());
-    if (ranges) count = std::min(count, room_for_vars());
+    int count = std::min(dice->range(1, ranges ? 3 : 4), room(false));
+    if (ranges) count = std::min(count, room(true));
     if (count <= 0) return;
     Compressed rows;
     std::vector<std::string> names;
@@ -167,14 +160,13 @@ void StorePlayer::add_rows(bool ranges)
             {{names[k], symbol(senses[k]), rhs[k], row}, ranges, lower[k]});
     }
     std::vector<char *> texts = pointers(&names);
-    const int *beg = rows.beg.data(), *ind = rows.ind.data();
-    const double *val = rows.val.data();
+    auto &[beg, ind, val] = rows;
     if (ranges)
-        expect(0, TVXaddrangeconstrs(model, count, rows.size(), beg, ind, val, lower.data(),
-                                     rhs.data(), texts.data()));
+        expect(0, TVXaddrangeconstrs(model, count, rows.size(), beg.data(), ind.data(),
+                                     val.data(), lower.data(), rhs.data(), texts.data()));
     else
-        expect(0, TVXaddconstrs(model, count, rows.size(), beg, ind, val, senses.data(),
-                                rhs.data(), texts.data()));
+        expect(0, TVXaddconstrs(model, count, rows.size(), beg.data(), ind.data(),
+                                val.data(), senses.data(), rhs.data(), texts.data()));
 }
 
 void StorePlayer::add_sos()
@@ -199,8 +191,8 @@ void StorePlayer::set_values()
         const char type = vtype();
         expect(0, TVXsetdblattrelement(model, "Obj", j, value));
         expect(0, TVXsetcharattrelement(model, "VType", j, type));
-        reference.queue.obj[j] = value;
-        reference.queue.vtype[j] = upper(type);
+        reference.set([=](auto *r) { r->vars[j].obj = value; });
+        reference.set([=](auto *r) { r->vars[j].vtype = upper(type); });
     }
     if (n_constrs() == 0) return;
     const int first = dice->range(0, n_constrs() - 1); // a stretch
@@ -208,8 +200,10 @@ void StorePlayer::set_values()
     std::vector<double> rhs;
     std::vector<char> senses;
     for (int i = first; i < first + len; i++) {
-        reference.queue.rhs[i] = rhs.emplace_back(number());
-        reference.queue.sense[i] = symbol(senses.emplace_back(sense()));
+        const double side = rhs.emplace_back(number());
+        const char way = symbol(senses.emplace_back(sense()));
+        reference.set([=](auto *r) { r->constrs[i].rhs = side; });
+        reference.set([=](auto *r) { r->constrs[i].sense = way; });
     }
     expect(0, TVXsetdblattrarray(model, "RHS", first, len, rhs.data()));
     expect(0, TVXsetcharattrarray(model, "Sense", first, len, senses.data()));
@@ -227,7 +221,9 @@ void StorePlayer::set_bounds()
         double value = bound(lower ? Side::LOWER : Side::UPPER),
                other = lower ? var.ub : var.lb;
         uncross(lower ? &value : &other, lower ? &other : &value);
-        (lower ? reference.queue.lb : reference.queue.ub)[j] = values.emplace_back(value);
+        values.push_back(value);
+        reference.set(
+            [=](auto *r) { (lower ? r->vars[j].lb : r->vars[j].ub) = bounded(value); });
     }
     expect(0, TVXsetdblattrlist(model, lower ? "LB" : "UB", static_cast<int>(list.size()),
                                 list.data(), values.data()));
@@ -242,23 +238,30 @@ void StorePlayer::set_names()
         if (n == 0) continue;
         const int k = dice->range(0, n - 1);
         expect(0, TVXsetstrattrelement(model, var ? "VarName" : "ConstrName", k, given));
-        (var ? reference.queue.varname : reference.queue.constrname)[k] =
+        const std::string name =
             text.empty() ? (var ? "C" : "R") + std::to_string(k) : text;
+        reference.set(
+            [=](auto *r) { (var ? r->vars[k].name : r->constrs[k].name) = name; });
     }
 }
 
 void StorePlayer::set_model()
 {
-    StoreReference::Queue *queue = &reference.queue;
     if (dice->chance(40)) {
         const int value = dice->range(-2, 2);
         expect(0, TVXsetintattr(model, "ModelSense", value));
-        queue->model_sense = value < 1 ? -1 : 1;
+        reference.set([=](auto *r) { r->sense = value < 1 ? -1 : 1; });
     }
-    if (dice->chance(40))
-        expect(0, TVXsetdblattr(model, "ObjCon", queue->objcon.emplace(number())));
-    if (dice->chance(40))
-        expect(0, TVXsetstrattr(model, "ModelName", queue->name.emplace(name()).c_str()));
+    if (dice->chance(40)) {
+        const double value = number();
+        expect(0, TVXsetdblattr(model, "ObjCon", value));
+        reference.set([=](auto *r) { r->objcon = value; });
+    }
+    if (dice->chance(40)) {
+        const std::string text = name();
+        expect(0, TVXsetstrattr(model, "ModelName", text.c_str()));
+        reference.set([=](auto *r) { r->name = text; });
+    }
 }
 
 void StorePlayer::change_coeffs()
@@ -296,11 +299,10 @@ void StorePlayer::remove()
 
 void StorePlayer::step()
 {
-    static constexpr void (StorePlayer::*moves[])() = {
-        &StorePlayer::add_vars,    &StorePlayer::add_vars,   &StorePlayer::add_constrs,
-        &StorePlayer::add_constrs, &StorePlayer::add_ranges, &StorePlayer::add_sos,
-        &StorePlayer::set_values,  &StorePlayer::set_bounds, &StorePlayer::set_bounds,
-        &StorePlayer::set_names,   &StorePlayer::set_model,  &StorePlayer::change_coeffs,
-        &StorePlayer::remove};
+    using P = StorePlayer;
+    static constexpr void (P::*moves[])() = {
+        &P::add_vars,  &P::add_vars,      &P::add_constrs, &P::add_constrs, &P::add_ranges,
+        &P::add_sos,   &P::set_values,    &P::set_bounds,  &P::set_bounds,  &P::set_names,
+        &P::set_model, &P::change_coeffs, &P::remove};
     (this->*moves[dice->range(0, 12)])();
 }

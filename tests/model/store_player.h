@@ -14,10 +14,8 @@ struct StorePlayer {
     Dice *dice = nullptr; // of the caller
     TVXmodel *model = nullptr;
     StoreReference reference;
-    bool linear = false; // continuous variables only, no SOS
-    int most_vars =
-        INT_MAX; // additions beyond are left out; range constraints need one each
-    int most_constrs = INT_MAX;
+    bool linear = false;         // continuous variables only, no SOS
+    int most_elements = INT_MAX; // variables, and constraints: no more are added
     int names_made = 0;
     std::string wrong;
 
@@ -31,8 +29,7 @@ struct StorePlayer {
     enum class Side { LOWER, UPPER };
 
     void expect(int code, int returned, int line = __builtin_LINE());
-    int room_for_vars() const;
-    int room_for_constrs() const;
+    int room(bool of_vars) const;
     double number();
     double bound(Side side);
     void uncross(double *low, double *up);

@@ -4,22 +4,24 @@
 #include "model/model_store.h"
 #include <algorithm>
 #include <cmath>
+#include <map>
 
-// The bounds that the type makes of those given.
-static double shown_lower(const StoreReference::Var &var)
+// The bounds that the type makes of those given, as the library shows them.
+static void show_bounds(StoreReference::Var *var)
 {
-    if (var.vtype == 'C' || var.vtype == 'S') return var.lb;
-    const double whole = std::ceil(var.lb - 1e-5);
-    return var.vtype == 'B' ? std::max(whole, 0.0) : whole;
-}
-static double shown_upper(const StoreReference::Var &var)
-{
-    if (var.vtype == 'C' || var.vtype == 'S') return var.ub;
-    const double whole = std::floor(var.ub + 1e-5);
-    return var.vtype == 'B' ? std::min(whole, 1.0) : whole;
+    if (var->vtype != 'C' && var->vtype != 'S') {
+        var->lb = std::ceil(var->lb - 1e-5);
+        var->ub = std::floor(var->ub + 1e-5);
+    }
+    if (var->vtype == 'B') {
+        var->lb = std::max(var->lb, 0.0);
+        var->ub = std::min(var->ub, 1.0);
+    }
+    for (double *bound : {&var->lb, &var->ub})
+        if (std::fabs(*bound) >= 1e30) *bound = std::copysign(1e100, *bound);
 }
 
-static double bounded(double value)
+double bounded(double value)
 {
     if (value >= 1e20) return 1e30;
     return value <= -1e20 ? -1e30 : value;
@@ -44,16 +46,13 @@ void StoreReference::add_constr(NewConstr added)
         added.constr.name = "R" + std::to_string(number);
         next_constr_name = number + 1;
     }
-    if (added.is_range && added.lower <= -1e20) {
-        added.is_range = false;
+    if (added.is_range && added.lower <= -1e20)
         added.constr.sense = '<';
-    } else if (added.is_range && added.constr.rhs >= 1e20) {
-        added.is_range = false;
+    else if (added.is_range && added.constr.rhs >= 1e20) {
         added.constr.sense = '>';
         added.constr.rhs = added.lower;
-    } else if (added.is_range) {
-        added.constr.sense = '=';
     }
+    added.is_range = added.is_range && added.constr.sense == '=';
     queue.constrs.push_back(added);
 }
 
@@ -77,21 +76,6 @@ void StoreReference::add_sos(Sos set)
         }
     }
     queue.sos.push_back(set);
-}
-
-void StoreReference::update_values()
-{
-    if (queue.name) name = queue.name;
-    for (const auto &[j, text] : queue.varname) vars[j].name = text;
-    for (const auto &[i, text] : queue.constrname) constrs[i].name = text;
-    for (const auto &[i, value] : queue.rhs) constrs[i].rhs = value;
-    for (const auto &[i, value] : queue.sense) constrs[i].sense = value;
-    sense = queue.model_sense.value_or(sense); // the caller's costs stay as they are
-    for (const auto &[j, value] : queue.obj) vars[j].obj = value;
-    objcon = queue.objcon.value_or(objcon);
-    for (const auto &[j, value] : queue.vtype) vars[j].vtype = value;
-    for (const auto &[j, value] : queue.lb) vars[j].lb = bounded(value);
-    for (const auto &[j, value] : queue.ub) vars[j].ub = bounded(value);
 }
 
 // The last change of a place counts, at the time it came.
@@ -175,7 +159,7 @@ void StoreReference::update_additions()
 
 void StoreReference::update()
 {
-    update_values();
+    for (const auto &change : queue.values) change(this);
     update_coefs();
     update_deletions();
     update_additions();
@@ -184,11 +168,6 @@ void StoreReference::update()
 
 // ---- Comparing ----
 
-static double shown_bound(double value)
-{
-    return std::fabs(value) >= 1e30 ? std::copysign(1e100, value) : value;
-}
-
 // What the library should show.
 static ModelContent shown(const StoreReference &r)
 {
@@ -196,10 +175,7 @@ static ModelContent shown(const StoreReference &r)
     int numnz = 0, integers = 0, binaries = 0;
     for (size_t j = 0; j < c.vars.size(); j++) {
         StoreReference::Var *var = &c.vars[j];
-        const double lb = shown_bound(shown_lower(*var)),
-                     ub = shown_bound(shown_upper(*var));
-        var->lb = lb;
-        var->ub = ub;
+        show_bounds(var);
         for (const auto &[i, value] : var->column)
             c.constrs[i].row.emplace_back(static_cast<int>(j), value);
         numnz += static_cast<int>(var->column.size());

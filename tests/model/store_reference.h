@@ -5,7 +5,7 @@
 // order. compare() reads a model through its queries and attributes and reports what differs.
 #pragma once
 #include "support/model_text.h"
-#include <map>
+#include <functional>
 #include <set>
 
 // Of variables the bounds as given, whatever the type, and "" as name until the index is known; of constraints the row
@@ -26,13 +26,8 @@ struct StoreReference : ModelContent {
         std::vector<NewConstr> constrs;
         std::vector<Sos> sos;
         std::set<int> gone_vars, gone_constrs, gone_sos;
-        std::map<int, double> obj, lb, ub, rhs;
-        std::map<int, char> vtype, sense;
-        std::map<int, std::string> varname, constrname;
+        std::vector<std::function<void(StoreReference *)>> values;
         std::vector<Coef> coefs;
-        std::optional<int> model_sense;
-        std::optional<double> objcon;
-        std::optional<std::string> name;
     };
 
     int next_var_name = 0, next_constr_name = 0;
@@ -41,14 +36,20 @@ struct StoreReference : ModelContent {
     void add_var(Var var); // "" as name: the next default
     void add_constr(NewConstr constr);
     void add_sos(Sos set); // sorts members and sets ties apart, unless monotone
+    // A change of values: a later one of the same place counts.
+    void set(const std::function<void(StoreReference *)> &change)
+    {
+        queue.values.push_back(change);
+    }
     void update();
 
   private:
-    void update_values();
     void update_coefs();
     void update_deletions();
     void update_additions();
 };
+
+double bounded(double value); // a bound as it is held
 
 // Both as texts when they differ, and what is broken inside; empty when all is well.
 std::string compare(TVXmodel *model, const StoreReference &reference);

@@ -1,9 +1,9 @@
-// containers_test.cpp -- text pool and name index against the standard containers
+// containers_test.cpp -- text pool, name index and the table of names under the readers against the standard containers
+#include "files/name_table.h"
 #include "runtime/memory.h"
 #include "runtime/name_index.h"
 #include "runtime/text_pool.h"
 #include "support/dice.h"
-#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -28,23 +28,27 @@ TEST(TextPool, BlocksOfAllSizesKeepTheirContent)
     }
 }
 
+// As models have them, or of few letters and odd bytes, some long.
+static std::string random_name(Dice *dice)
+{
+    if (dice->chance(50))
+        return "x" + std::to_string(dice->range(0, 300)) + "_" +
+               std::to_string(dice->range(0, 9));
+    std::string name(static_cast<size_t>(dice->range(0, dice->chance(1) ? 600 : 24)), 'a');
+    for (char &c : name)
+        c = static_cast<char>(dice->chance(90) ? 'a' + dice->range(0, 1)
+                                               : dice->range(-128, 127));
+    return name;
+}
+
 TEST(NameIndex, AgreesWithAMapAndTheNewestEntryHidesOlderOnes)
 {
     for (const NameGrowth growth : {NameGrowth::FIXED, NameGrowth::ALLOWED}) {
         Dice dice(3);
-        const auto random_name = [&] { // as models have them, or random bytes
-            std::string name;
-            if (dice.chance(50))
-                return "x" + std::to_string(dice.range(0, 300)) + "_" +
-                       std::to_string(dice.range(0, 9));
-            for (int k = dice.range(0, 6); k > 0; k--)
-                name += static_cast<char>(dice.range(-128, 127));
-            return name;
-        };
         NameIndex *index = name_index_create(10, growth);
         std::map<std::string, int> plain;
         for (int k = 0; k < 5000; k++) {
-            const std::string name = random_name(), other = random_name();
+            const std::string name = random_name(&dice), other = random_name(&dice);
             ASSERT_EQ(name_index_insert_n(index, name.data(), name.size(), k), 0);
             plain[name] = k;
             const auto found = plain.find(other);
@@ -54,6 +58,24 @@ TEST(NameIndex, AgreesWithAMapAndTheNewestEntryHidesOlderOnes)
         EXPECT_EQ(name_index_find(index, "not there"), -1);
         name_index_free(&index);
         name_index_free(&index);
+    }
+}
+
+TEST(NameTable, AgreesWithAMap)
+{
+    Dice dice(7);
+    std::map<std::string, int> reference; // its names stay where they are
+    NameTable table;
+    for (int k = 0; k < 20000; k++) {
+        const auto [known, is_new] =
+            reference.try_emplace(random_name(&dice), static_cast<int>(table.entries.size));
+        const char *name = known->first.data();
+        const int64_t length = static_cast<int64_t>(known->first.size());
+        ASSERT_EQ(name_table_find(&table, name, length),
+                  is_new ? NAME_ABSENT : known->second);
+        if (is_new) {
+            ASSERT_EQ(name_table_append(&table, name, length), 0);
+        }
     }
 }
 
@@ -106,8 +128,7 @@ TEST(Memory, TheInjectorRefusesFromTheArmedRequestOnAndBlocksAreCounted)
     EXPECT_EQ(mem_fault_hits(), 2);
     mem_fault_arm(0);
     EXPECT_EQ(mem_blocks_held(), before + 1);
-    MemFree(first);
-    MemFree(nullptr);
+    for (void *block : {first, static_cast<void *>(nullptr)}) MemFree(block);
     EXPECT_EQ(mem_blocks_held(), before);
     EXPECT_TRUE(!MemAlloc(0) && !MemAllocZero(SIZE_MAX / 2, 8)); // overflow
 }

@@ -1,6 +1,6 @@
 // file_test.cpp -- plain and compressed files under every kind of name, and files that go wrong
 //
-// Damaged files and full disks are tried through the interface, in api/file_calls_test.cpp.
+// Damaged files, full disks and commands that are missing are tried through the interface, in api/file_calls_test.cpp.
 #include "runtime/file.h"
 #include "support/scratch.h"
 #include <csignal>
@@ -8,11 +8,6 @@
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
-
-static bool have(const std::string &command)
-{
-    return system(("command -v " + command + " >/dev/null").c_str()) == 0;
-}
 
 // More than any buffer between two processes holds.
 static std::string long_text()
@@ -45,7 +40,8 @@ static int read_text(const std::string &name, std::string *text)
 
 TEST(File, OddNamesRoundTripPlainAndCompressed)
 {
-    if (!have("gzip") || !have("bzip2")) GTEST_SKIP() << "gzip or bzip2 is missing";
+    if (system("command -v gzip bzip2 >/dev/null"))
+        GTEST_SKIP() << "gzip or bzip2 is missing";
     const std::string texts[] = {long_text(), ""};
     int files = 0;
     const Scratch scratch;
@@ -54,15 +50,13 @@ TEST(File, OddNamesRoundTripPlainAndCompressed)
          {"plain", "with space", "-dc", "--help", "a;touch b", "$(touch b)",
           "it's \"quoted\"", "`touch b`", "new\nline", "a|b>c", "*", "\xff\xfe"})
         for (const char *ending : {"", ".gz", ".bz2"}) {
-            const std::string file = name + ending;
-            const std::string &text = texts[files++ % 7 == 0];
+            const std::string file = name + ending, &text = texts[files++ % 7 == 0];
             ASSERT_EQ(write_text(file, text), 0) << file;
             ASSERT_TRUE(FileCanRead(file.c_str()));
             ASSERT_EQ(read_text(file, &back), 0) << file;
             ASSERT_EQ(back, text) << file;
-            if (!text.empty()) {
-                EXPECT_EQ(std::filesystem::file_size(file) < text.size(), *ending != 0);
-            }
+            EXPECT_TRUE(text.empty() ||
+                        (file_get(file).size() < text.size()) == (*ending != 0));
         }
     for (const auto &entry : std::filesystem::directory_iterator("."))
         files -= entry.exists();
@@ -76,34 +70,30 @@ TEST(File, WhatCannotBeOpenedIsAnError)
     std::filesystem::create_directory("dir");
     std::filesystem::create_directory("dir.gz");
     for (const char *name :
-         {"none", "none.gz", "none.bz2", "dir", "dir.gz", "", "no/such/file"}) {
+         {"none", "none.gz", "none.bz2", "dir", "dir.gz", "", "no/such/file.gz"}) {
         EXPECT_EQ(FileOpen(name, 'r', &file), 1) << name;
         EXPECT_EQ(file.stream, nullptr);
         EXPECT_FALSE(FileCanRead(name)) << name;
+        if (*name != 'n' || name[2] == '/') {
+            EXPECT_EQ(FileOpen(name, 'w', &file), 1) << name;
+        }
     }
-    for (const char *name : {"dir", "dir.gz", "", "no/such/file", "no/such/file.gz"})
-        EXPECT_EQ(FileOpen(name, 'w', &file), 1) << name;
     EXPECT_EQ(FileOpen(nullptr, 'r', &file), 1);
     EXPECT_FALSE(FileCanRead(nullptr));
     EXPECT_EQ(FileClose(&file), 0); // nothing open
 }
 
-TEST(File, AMissingCommandIsAnErrorAndNotASignal)
+TEST(File, ACommandThatGivesUpIsAnErrorAndNotASignal)
 {
     const Scratch scratch;
     ASSERT_EQ(write_text("good.gz", "x"), 0);
     const std::string path = getenv("PATH");
     setenv("PATH", scratch.path.c_str(), 1);
-    std::string back;
-    EXPECT_EQ(read_text("good.gz", &back), -1);
-    EXPECT_EQ(write_text("out.gz", long_text()), -1);
-    // A command that gives up at once: whatever does not fit its buffer must come back as an error.
+    std::string back, much; // whatever does not fit its buffer must come back as an error
+    while (much.size() < 4'000'000) much += long_text();
     file_put("gzip", "#!/bin/sh\nexit 1\n");
     std::filesystem::permissions("gzip", std::filesystem::perms::owner_all);
-    std::string much;
-    while (much.size() < 4'000'000) much += long_text();
     EXPECT_EQ(write_text("out.gz", much), 1);
-    EXPECT_EQ(write_text("out.gz", ""), 1);
     EXPECT_EQ(read_text("good.gz", &back), 1);
     setenv("PATH", path.c_str(), 1);
 }
@@ -142,8 +132,7 @@ TEST(File, NoDescriptorIsLeftOpen)
     getrlimit(RLIMIT_NOFILE, &limit);
     rlimit tight = limit; // descriptors run out at every step of opening a pipe
     for (int spare = 0; spare < 4; spare++) {
-        tight.rlim_cur = static_cast<rlim_t>(
-            before - 1 + spare); // the directory was open while counting
+        tight.rlim_cur = static_cast<rlim_t>(before - 1 + spare); // one was for counting
         setrlimit(RLIMIT_NOFILE, &tight);
         read_text("a.gz", &back);
         write_text("b.gz", "x");

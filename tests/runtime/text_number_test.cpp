@@ -1,13 +1,12 @@
 // text_number_test.cpp -- numbers to text and back, against the C library in the "C" locale
 //
-// Other locales are tried in api/locale_test.cpp.
+// Other locales are tried in api/citizen_test.cpp.
 #include "runtime/text_number.h"
 #include "support/dice.h"
 #include <bit>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 #include <string>
 
 static uint64_t bits(double value)
@@ -15,18 +14,25 @@ static uint64_t bits(double value)
     return std::bit_cast<uint64_t>(value);
 }
 
-// A whole text is read as strtod reads it, with an e or a Fortran d before its exponent.
+// A text is read as strtod reads it, up to the same place, with an e or a Fortran d before the exponent; without leading
+// blanks, hexadecimal digits and texts behind "nan".
 static void expect_read(std::string text, const char *letters)
 {
-    const double expected = strtod(text.c_str(), nullptr);
     for (const char *letter = letters; *letter; letter++) {
         for (char &c : text)
-            if (strchr("edD", c)) c = *letter;
-        double value = 7;
+            if (strchr("edD", c)) c = 'e';
+        char *stop = nullptr;
+        double value = 7, expected = strtod(text.c_str(), &stop);
+        const long length = stop - text.c_str();
+        if (length == 0) expected = 7;
+        for (char &c : text)
+            if (c == 'e') c = *letter;
         const char *end = nullptr;
-        ASSERT_EQ(text_to_double(text.c_str(), &end, &value), 0) << text;
-        ASSERT_EQ(*end, '\0') << text;
-        ASSERT_EQ(bits(value), bits(expected)) << text;
+        ASSERT_EQ(text_to_double(text.c_str(), &end, &value), length == 0) << text;
+        ASSERT_EQ(end - text.c_str(), length) << text;
+        ASSERT_TRUE(bits(value) == bits(expected) ||
+                    (value != value && expected != expected))
+            << text;
     }
 }
 
@@ -64,59 +70,30 @@ TEST(TextNumber, PrintsAsPrintfAndReadsAsStrtodOnRandomNumbers)
     }
 }
 
-TEST(TextNumber, LongAndExtremeNumbersAreRoundedCorrectly)
+TEST(TextNumber, ReadsPiecedTextsAsStrtod)
 {
-    const std::string zeros(1500, '0'), half = "9007199254740993"; // 2^53 + 1, a tie
     // clang-format off
-    const std::string texts[] = {
-        half, half + "." + zeros + "1", half + "." + zeros, "0." + zeros + "123e1510",
-        std::string(400, '7') + "e-300", zeros + "1." + zeros, "1e400", "-1e400", "1e-400",
-        "1e99999999999999999999", "-1e-99999999999999999999", "0e99999999999999999999",
-        "0.000e-5", "2.2250738585072011e-308", // and just above and below half the smallest number
-        "2.4703282292062328e-324", "2.4703282292062327e-324", "1.7976931348623158e308",
-        "1.7976931348623159e308", "123456789012345678901234567890e-30", "9007199254740992e22",
-        "9007199254740991e-22", "1e23", ".5", "5.", "+.5e+01", "-0"};
+    const std::string pieces[] = {
+        "0", "1", "9", "+", "-", ".", ".", "e", "e", "e-3", "e22", "e-22", "inf", "Inf", "INITY", "inity", "in", "na",
+        "nan", ",", "\xff", "5e-324", "e99999999999999999999", std::string(1500, '0'), std::string(400, '7'),
+        "9007199254740993." + std::string(1500, '0'),
+        "9007199254740993", // 2^53 + 1, a tie; behind it just below and above half the smallest number
+        "2.4703282292062327e-324", "2.4703282292062328e-324", "2.2250738585072011e-308", "1.7976931348623158e308",
+        "1.7976931348623159e308", "123456789012345678901234567890e-30", "9007199254740992e22", "9007199254740991e-22"};
     // clang-format on
-    for (const std::string &text : texts) expect_read(text, "eD");
-}
-
-TEST(TextNumber, StopsBehindTheNumberOrWordAndRefusesWhatIsNone)
-{
-    const double infinity = std::numeric_limits<double>::infinity();
-    const struct {
-        const char *text, *rest;
-        double expected;
-    } cases[] = {{"1e+", "e+", 1},
-                 {"12abc", "abc", 12},
-                 {"1.5.5", ".5", 1.5},
-                 {"1d", "d", 1},
-                 {"3,5", ",5", 3},
-                 {"0x10", "x10", 0},
-                 {"1-2", "-2", 1},
-                 {"1ee5", "ee5", 1},
-                 {"inf", "", infinity},
-                 {"Inf", "", infinity},
-                 {"+INFINITY", "", infinity},
-                 {"iNfInItY", "", infinity},
-                 {"-infinite", "inite", -infinity}};
-    double value = 7;
+    Dice dice(5);
+    for (int k = 0; k < 100'000; k++) {
+        std::string text;
+        for (int count = dice.range(0, 6); count > 0; count--)
+            text += pieces[dice.range(0, std::size(pieces) - 1)];
+        expect_read(text, "eD");
+    }
     const char *end = nullptr;
-    for (const auto &one : cases) {
-        EXPECT_EQ(text_to_double(one.text, &end, &value), 0) << one.text;
-        EXPECT_STREQ(end, one.rest);
-        EXPECT_EQ(value, one.expected);
-    }
-    ASSERT_EQ(text_to_double("NaN ", &end, &value), 0);
-    EXPECT_STREQ(end, " ");
-    EXPECT_TRUE(std::isnan(value));
-    value = 7;
-    for (const char *text :
-         {"", "+", "-", ".", "e5", "-.e1", " 1", "+-1", "in", "na", "\xff", "d"}) {
-        EXPECT_EQ(text_to_double(text, &end, &value), 1) << text;
-        EXPECT_EQ(end, text);
-        EXPECT_EQ(value, 7);
-    }
-    EXPECT_EQ(text_to_double("x", nullptr, &value), 1);
+    double value = 7;
+    for (const char *text : {" 1", "x", "\n"})
+        EXPECT_EQ(text_to_double(text, nullptr, &value), 1);
+    EXPECT_EQ(text_to_double("0x10", &end, &value), 0);
+    EXPECT_STREQ(end, "x10");
 }
 
 TEST(TextNumber, FormatsCutLongTextsAndSurviveNullOnes)
