@@ -300,13 +300,12 @@ struct Walk {
     void check_point() const
     {
         std::vector<double> x;
-        for (int j = 0; j < lp.num_vars(); j++) {
-            x.push_back(simplex_value(s, j));
-            EXPECT_LE(lp_bound_violation(&lp, j, x.back()),
-                      2 * s->FeasTol * std::max(1.0, user_unit(s, j)))
+        for (int j = 0; j < lp.num_vars(); j++) x.push_back(simplex_value(s, j));
+        const LpMeasures m = lp_measure(&lp, x, {});
+        for (int j = 0; j < lp.num_vars(); j++)
+            EXPECT_LE(m.bound[j].value, 2 * s->FeasTol * std::max(1.0, user_unit(s, j)))
                 << j;
-        }
-        EXPECT_NEAR(lp.sense * double(lp_objective(&lp, x)), s->Obj + s->ObjOffset,
+        EXPECT_NEAR(lp.sense * double(m.sums.objective.value), s->Obj + s->ObjOffset,
                     SAME * (1 + std::fabs(s->Obj)));
     }
 };

@@ -125,21 +125,71 @@ long double lp_objective(const LpModel *lp, const std::vector<double> &x)
     return lp_sums(lp, x, {}).objective.value;
 }
 
-long double lp_row_violation(const LpModel *lp, size_t row, long double activity)
+static LpAmount row_violation(const LpModel *lp, size_t row, const TermSum &sum)
 {
-    if (lp_is_infinite(lp->rhs[row])) return 0;
-    const long double over = activity - lp->rhs[row];
+    if (lp_is_infinite(lp->rhs[row])) return {};
+    const long double over = sum.value - lp->rhs[row];
     const char sense = lp->senses[row];
-    return sense == '<' ? over : sense == '>' ? -over : std::fabs(over);
+    return {sense == '<'   ? over
+            : sense == '>' ? -over
+                           : std::fabs(over),
+            sum.size + std::fabs(lp->rhs[row])};
 }
 
-long double lp_bound_violation(const LpModel *lp, size_t col, double x)
+static LpAmount bound_violation(const LpModel *lp, size_t col, long double x)
 {
     long double most = -LP_INFINITY;
-    if (!lp_is_infinite(lp->lb[col])) most = lp->lb[col] - static_cast<long double>(x);
-    if (!lp_is_infinite(lp->ub[col]))
-        most = std::max(most, static_cast<long double>(x) - lp->ub[col]);
-    return most;
+    if (!lp_is_infinite(lp->lb[col])) most = lp->lb[col] - x;
+    if (!lp_is_infinite(lp->ub[col])) most = std::max(most, x - lp->ub[col]);
+    return {most, std::fabs(x)};
+}
+
+static LpPriced price(LpAmount force, bool exists, double end, long double stands)
+{
+    const long double distance = (stands - end) * (force.value > 0 ? 1 : -1);
+    if (!exists || lp_is_infinite(end)) return {force, {HUGE_VALL, 0}, 0};
+    return {force, {distance, 0}, std::fabs(end)};
+}
+
+static LpPriced price_row(const LpModel *lp, size_t row, double pi, const TermSum &sum)
+{
+    const long double y = pi * lp->sense;
+    const bool equation = lp->senses[row] == '=';
+    LpPriced p =
+        price({y, std::fabs(y)}, equation || lp->senses[row] == (y > 0 ? '>' : '<'),
+              lp->rhs[row], sum.value);
+    if (equation) p.distance.value = std::fabs(p.distance.value);
+    p.distance.terms = sum.size + std::fabs(lp->rhs[row]);
+    p.end = std::max(p.end, sum.largest);
+    return p;
+}
+
+LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
+                      const std::vector<double> &pi)
+{
+    LpMeasures m;
+    m.sums = lp_sums(lp, x, pi);
+    const bool priced = pi.size() == lp->rhs.size();
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const TermSum &d = m.sums.costs[j];
+        m.bound.push_back(bound_violation(lp, j, x[j]));
+        if (priced)
+            m.cols.push_back(price({d.value * lp->sense, d.size}, true,
+                                   d.value * lp->sense > 0 ? lp->lb[j] : lp->ub[j], x[j]));
+    }
+    for (size_t i = 0; i < lp->rhs.size(); i++) {
+        m.constr.push_back(row_violation(lp, i, m.sums.rows[i]));
+        if (priced) m.rows.push_back(price_row(lp, i, pi[i], m.sums.rows[i]));
+    }
+    return m;
+}
+
+double LpMeasures::violation() const
+{
+    long double most = 0;
+    for (const std::vector<LpAmount> *list : {&bound, &constr})
+        for (const LpAmount &a : *list) most = std::max(most, a.value);
+    return static_cast<double>(most);
 }
 
 static std::string number(double value)

@@ -104,8 +104,7 @@ static int solve_and_return(TVXmodel *model, const PresolveResult *result,
     if (const int error = postsolve_lp(result, body ? &reduced : nullptr, &full))
         return error;
     out->solution = as_caller_sees(model, lp, &full);
-    const LpReport report = lp_check_optimal(lp, &out->solution, LpTolerances{});
-    out->faults += report.text();
+    out->faults += lp_check_optimal(lp, &out->solution, LpTolerances{});
     return 0;
 }
 

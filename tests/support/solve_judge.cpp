@@ -4,8 +4,8 @@
 
 std::string judge_optimal(const LpModel *lp, const LpSolution *solution)
 {
-    const LpReport report = lp_check_optimal(lp, solution, LpTolerances{});
-    return report.ok() ? "" : "not an optimal solution:\n" + report.text();
+    const std::string faults = lp_check_optimal(lp, solution, LpTolerances{});
+    return faults.empty() ? "" : "not an optimal solution:\n" + faults;
 }
 
 LpSolution exact_solution(const LpModel *lp, const RationalResult &exact)
