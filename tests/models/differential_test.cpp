@@ -170,12 +170,9 @@ static std::string play(TVXenv *env, const LpModel &lp, const Settings &settings
     if (!model || !copy || settings_apply(TVXgetenv(model), settings) ||
         settings_apply(TVXgetenv(copy), settings))
         return "load failed";
-    LpModel held;
     LpSolution again;
-    std::string wrong =
-        lp_read_back(copy, &held) || !lp_same(&held, &lp) ? "a copy differs" : "";
-    wrong += solve_checked(model, &lp, &outcomes[0]) + solve_checked(copy, &lp, &again) +
-             differs(outcomes[0], again);
+    std::string wrong = solve_checked(model, &lp, &outcomes[0]) +
+                        solve_checked(copy, &lp, &again) + differs(outcomes[0], again);
     if (TVXresetmodel(model)) wrong += "no reset";
     wrong += solve_checked(model, &lp, &again) + differs(outcomes[0], again);
     if (lp.num_vars() > 0 && TVXsetdblattrelement(model, "Obj", 0, 3))

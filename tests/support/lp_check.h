@@ -12,6 +12,7 @@
 // Tolerances  A violation passes within the tolerance in the units of the model, or relative to the bound or rhs.
 // Out         One line of text per fault; none means optimal.
 #pragma once
+#include "support/dense.h"
 #include "support/lp_model.h"
 #include <string>
 #include <vector>
@@ -35,6 +36,8 @@ struct LpTolerances {
 
 std::string lp_check_optimal(const LpModel *lp, const LpSolution *solution,
                              const LpTolerances &tolerances);
+// Basic columns, then those of basic slacks; signs do not matter.
+Matrix basis_matrix(const LpModel *lp, const LpSolution *solution);
 // The basis alone: count, nonbasics at existing bounds, regular matrix. Appends to *faults.
 void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
                     std::vector<std::string> *faults);

@@ -1,65 +1,42 @@
 // lp_check_basis.cpp -- is the reported basis a basis, and do the nonbasic variables stand where it says?
 //
-// The matrix of basic columns (slack columns are unit columns) must be regular: sparse elimination with a map
-// per row, pivots by fewest entries among those of good size. Slow and plain; skipped for more than
-// MAX_FACTOR_ROWS rows.
+// The matrix of basic columns (slack columns are unit columns) must be regular; skipped for more than MAX_FACTOR_ROWS
+// rows.
 #include "support/lp_check.h"
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 static constexpr int MAX_FACTOR_ROWS = 400;
 static constexpr double SINGULAR =
     1e-11; // largest entry left, relative to 1: rows and columns are scaled
 
-using SparseRow = std::map<int, long double>;
-
-// The basis matrix by rows, each row scaled to largest entry 1.
-static std::vector<SparseRow> basis_rows(const LpModel *lp, const LpSolution *s)
+Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {
-    std::vector<SparseRow> rows(lp->rhs.size());
-    int position = 0;
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        if (s->vbasis[j] != 0) continue;
-        long double largest = 0;
-        for (const LpEntry &e : lp->cols[j])
-            largest = std::max(largest, std::fabs(static_cast<long double>(e.value)));
-        for (const LpEntry &e : lp->cols[j]) rows[e.row][position] = e.value / largest;
-        position++;
-    }
-    for (size_t i = 0; i < lp->rhs.size(); i++)
-        if (s->cbasis[i] == 0) rows[i][position++] = 1;
-    for (SparseRow &row : rows) {
-        long double largest = 0;
-        for (const auto &[col, value] : row) largest = std::max(largest, std::fabs(value));
-        for (auto &[col, value] : row) value /= largest;
-    }
-    return rows;
+    Matrix b(lp->rhs.size());
+    const auto add = [&b](const std::vector<LpEntry> &column) {
+        for (auto &row : b) row.push_back(0);
+        for (const LpEntry &e : column) b[e.row].back() = e.value;
+    };
+    for (int j = 0; j < lp->num_vars(); j++)
+        if (s->vbasis[j] == 0) add(lp->cols[j]);
+    for (int i = 0; i < lp->num_rows(); i++)
+        if (s->cbasis[i] == 0) add({{i, 1}});
+    return b;
 }
 
-// The next pivot row is the shortest one; its largest entry is the pivot.
-static bool is_regular(std::vector<SparseRow> rows)
+static bool is_regular(Matrix b)
 {
-    while (!rows.empty()) {
-        const auto shorter = [](const SparseRow &a, const SparseRow &b) {
-            return a.size() < b.size();
-        };
-        std::iter_swap(std::min_element(rows.begin(), rows.end(), shorter), rows.end() - 1);
-        const SparseRow top = rows.back();
-        rows.pop_back();
-        std::pair<int, long double> pivot = {-1, 0};
-        for (const auto &entry : top)
-            if (std::fabs(entry.second) > std::fabs(pivot.second)) pivot = entry;
-        if (std::fabs(pivot.second) < static_cast<long double>(SINGULAR)) return false;
-        for (SparseRow &row : rows) {
-            const auto entry = row.find(pivot.first);
-            if (entry == row.end()) continue;
-            const long double factor = entry->second / pivot.second;
-            for (const auto &[col, value] : top) row[col] -= factor * value;
-            row.erase(pivot.first);
-        }
+    for (size_t c = 0; c < b.size(); c++) {
+        long double largest = 0;
+        for (const auto &row : b) largest = std::max(largest, std::fabs(row[c]));
+        for (auto &row : b) row[c] /= largest;
     }
-    return true;
+    for (auto &row : b) {
+        long double largest = 0;
+        for (const long double v : row) largest = std::max(largest, std::fabs(v));
+        for (long double &v : row) v /= largest;
+    }
+    return b.empty() || !inverse(b, SINGULAR).empty();
 }
 
 static std::string at_place(const LpModel *lp, size_t j, int status, double x, double tol)
@@ -110,6 +87,6 @@ void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_pr
     if (basics != m)
         faults->push_back(std::to_string(basics) + " basics for " + std::to_string(m) +
                           " rows");
-    else if (m <= MAX_FACTOR_ROWS && !is_regular(basis_rows(lp, solution)))
+    else if (m <= MAX_FACTOR_ROWS && !is_regular(basis_matrix(lp, solution)))
         faults->emplace_back("basis matrix is singular");
 }

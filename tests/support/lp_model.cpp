@@ -59,34 +59,6 @@ double lp_get_entry(const LpModel *lp, int row, int col)
     return 0;
 }
 
-static bool same_bound(double a, double b)
-{
-    return a == b || (lp_is_infinite(a) && lp_is_infinite(b) && (a > 0) == (b > 0));
-}
-
-static bool same_column(std::vector<LpEntry> a, std::vector<LpEntry> b)
-{
-    if (a.size() != b.size()) return false;
-    const auto by_row = [](const LpEntry &p, const LpEntry &q) { return p.row < q.row; };
-    std::sort(a.begin(), a.end(), by_row);
-    std::sort(b.begin(), b.end(), by_row);
-    for (size_t k = 0; k < a.size(); k++)
-        if (a[k].row != b[k].row || a[k].value != b[k].value) return false;
-    return true;
-}
-
-bool lp_same(const LpModel *a, const LpModel *b)
-{
-    if (a->sense != b->sense || a->objcon != b->objcon || a->obj != b->obj) return false;
-    if (a->senses != b->senses || a->rhs != b->rhs) return false;
-    for (size_t j = 0; j < a->obj.size(); j++) {
-        if (!same_bound(a->lb[j], b->lb[j]) || !same_bound(a->ub[j], b->ub[j]))
-            return false;
-        if (!same_column(a->cols[j], b->cols[j])) return false;
-    }
-    return true;
-}
-
 void TermSum::add(long double a, long double b)
 {
     const long double term = a * b;

@@ -50,7 +50,6 @@ int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &e
                        char sense, double rhs);
 void lp_set_entry(LpModel *lp, int row, int col, double value); // 0 removes the entry
 double lp_get_entry(const LpModel *lp, int row, int col);
-bool lp_same(const LpModel *a, const LpModel *b); // up to the order inside columns
 
 // A sum in long double with the size of its terms, by which a judge tells rounding from a fault.
 struct TermSum {
