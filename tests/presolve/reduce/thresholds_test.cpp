@@ -51,6 +51,12 @@ TEST(Rows, go_or_contradict_by_the_tolerance)
         expect_end(lp_make(SQUARE, {{{}, '<', -excess}}), {pre_redundant_rows},
                    within ? 0 : END_INFEASIBLE);
     }
+    // The third row is the sum of the others, almost.
+    for (const double off : {1e-7, 1e-3})
+        expect_end(
+            lp_make({{1, 0, 10}, {1, 0, 10}, {1, 0, 10}},
+                    {{{1, 1, 2}, '=', 6}, {{1, -1, 1}, '=', 2}, {{2, 0, 3}, '=', 8 + off}}),
+            {pre_dependent_rows}, off < 1e-6 ? 0 : END_INFEASIBLE);
     // Entries go while their sum is a thousandth of the tolerance, at the middle of what they add.
     for (const double entry : {9e-10, 1.5e-9, 1e-7}) {
         const PresolveTry t =
