@@ -39,23 +39,13 @@ static bool is_regular(Matrix b)
     return b.empty() || !inverse(b, SINGULAR).empty();
 }
 
-static std::string at_place(const LpModel *lp, size_t j, int status, double x, double tol)
+// Nonbasic at `bound`, the sum or value being x.
+static std::string wrong_place(double bound, long double x, double tol)
 {
-    const double lb = lp->lb[j], ub = lp->ub[j];
-    const auto apart = [&](double bound) {
-        return std::fabs(x - bound) > tol * std::max(1.0, std::fabs(bound));
-    };
-    const std::string name = "C" + std::to_string(j);
-    if (status == -1 && lp_is_infinite(lb))
-        return name + " nonbasic at an infinite lower bound";
-    if (status == -2 && lp_is_infinite(ub))
-        return name + " nonbasic at an infinite upper bound";
-    if (status == -1 && apart(lb)) return name + " nonbasic at lower, but not there";
-    if (status == -2 && apart(ub)) return name + " nonbasic at upper, but not there";
-    if (status == -3 && !(lp_is_infinite(lb) && lp_is_infinite(ub)))
-        return name + " superbasic though it has a bound";
-    if (status < -3 || status > 0) return name + " has a VBasis that does not exist";
-    return "";
+    if (lp_is_infinite(bound)) return " nonbasic at an infinite bound\n";
+    const long double apart = std::fabs(x - bound);
+    return apart > tol * std::max(1.0, std::fabs(bound)) ? " nonbasic, but not there\n"
+                                                         : "";
 }
 
 void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
@@ -68,21 +58,24 @@ void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_pr
     }
     const std::vector<long double> activity = lp_activity(lp, solution->x);
     size_t basics = 0;
+    const auto add = [&](char kind, size_t k, const std::string &wrong) {
+        if (!wrong.empty()) faults->push_back(kind + std::to_string(k) + wrong);
+    };
     for (size_t j = 0; j < n; j++) {
-        if (solution->vbasis[j] == 0) basics++;
-        const std::string wrong =
-            at_place(lp, j, solution->vbasis[j], solution->x[j], tol_primal);
-        if (!wrong.empty()) faults->push_back(wrong);
+        const int status = solution->vbasis[j];
+        const double lb = lp->lb[j], ub = lp->ub[j];
+        basics += status == 0;
+        if (status == -1 || status == -2)
+            add('C', j, wrong_place(status == -1 ? lb : ub, solution->x[j], tol_primal));
+        if (status == -3 && !(lp_is_infinite(lb) && lp_is_infinite(ub)))
+            add('C', j, " superbasic though it has a bound");
+        if (status < -3 || status > 0) add('C', j, " has a VBasis that does not exist");
     }
     for (size_t i = 0; i < m; i++) {
-        if (solution->cbasis[i] == 0) basics++;
-        const long double gap = std::fabs(activity[i] - lp->rhs[i]);
-        const std::string name = "R" + std::to_string(i);
-        if (solution->cbasis[i] != 0 && solution->cbasis[i] != -1)
-            faults->push_back(name + " has a CBasis that does not exist");
-        else if (solution->cbasis[i] == -1 &&
-                 gap > tol_primal * std::max(1.0, std::fabs(lp->rhs[i])))
-            faults->push_back(name + " nonbasic, but its slack is not 0");
+        const int status = solution->cbasis[i];
+        basics += status == 0;
+        if (status == -1) add('R', i, wrong_place(lp->rhs[i], activity[i], tol_primal));
+        if (status < -1 || status > 0) add('R', i, " has a CBasis that does not exist");
     }
     if (basics != m)
         faults->push_back(std::to_string(basics) + " basics for " + std::to_string(m) +
