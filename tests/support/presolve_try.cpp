@@ -148,9 +148,8 @@ PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> redu
                         int rows, int cols, const Settings &settings)
 {
     PresolveTry t = reduced_by(lp, reductions, settings);
-    SCOPED_TRACE(lp_to_mps(&lp, ""));
-    EXPECT_EQ(t.status, 0);
-    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.status, 0) << lp_to_mps(&lp, "");
+    EXPECT_EQ(t.faults, "") << lp_to_mps(&lp, "");
     EXPECT_EQ(t.rows, rows == -1 ? t.rows : rows);
     EXPECT_EQ(t.cols, cols == -1 ? t.cols : cols);
     return t;
