@@ -69,28 +69,28 @@ TEST_F(StrongBranching, refuses_what_it_cannot_do)
     const int ind[] = {0, 1};
     double down = -1, up = -1;
     int status = -1;
-    refused(10005, "Requested data not available",
-            TVXstrongbranch(model, 1, ind, 10, &down, &up, &status));
+    const auto probe = [&](TVXmodel *m, int count, const int *list, double limit) {
+        return TVXstrongbranch(m, count, list, limit, &down, &up, &status);
+    };
+    refused(10005, "Requested data not available", probe(model, 1, ind, 10));
     EXPECT_EQ(status, 0);
     EXPECT_EQ(objective(), 3.5);
-    EXPECT_EQ(TVXstrongbranch(model, 1, nullptr, 10, &down, &up, &status), 10002);
-    EXPECT_EQ(TVXstrongbranch(model, -1, ind, 10, &down, &up, &status), 10003);
-    EXPECT_EQ(TVXstrongbranch(model, 1, ind, -1, &down, &up, &status), 10003);
-    EXPECT_EQ(TVXstrongbranch(model, 1, ind, NAN, &down, &up, &status), 10003);
-    refused(10006, "Index 1 out of range for strong branching",
-            TVXstrongbranch(model, 2, ind, 10, &down, &up, &status));
-    EXPECT_EQ(TVXstrongbranch(nullptr, 1, ind, 10, &down, &up, &status), 10002);
+    EXPECT_EQ(probe(nullptr, 1, ind, 10), 10002);
+    EXPECT_EQ(probe(model, 1, nullptr, 10), 10002);
+    EXPECT_EQ(probe(model, -1, ind, 10), 10003);
+    for (const double limit : {-1.0, double{NAN}})
+        EXPECT_EQ(probe(model, 1, ind, limit), 10003);
+    refused(10006, "Index 1 out of range for strong branching", probe(model, 2, ind, 10));
     EXPECT_TRUE(down == -1 && up == -1);
     EXPECT_EQ(TVXstrongbranch(model, 0, nullptr, 10, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, &up, &status), 0);
+    EXPECT_EQ(probe(model, 1, ind, 10), 0);
     EXPECT_TRUE(down == 3 && up == -1e100 && status == 2);
-    ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", 3.2),
-              0); // of a maximise model: at least this
+    ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", 3.2), 0); // maximise: at least this
     EXPECT_EQ(objective(), 3.5);
     EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, nullptr, &status), 0);
     EXPECT_EQ(down, -1e100);
     ASSERT_EQ(TVXsetdblparam(own(), "TimeLimit", 0), 0);
-    EXPECT_EQ(TVXstrongbranch(model, 1, ind, 10, &down, &up, &status), 0);
+    EXPECT_EQ(probe(model, 1, ind, 10), 0);
     EXPECT_TRUE(down == 3.5 && up == 3.5 && status == TVX_TIME_LIMIT);
 }
 

@@ -99,20 +99,6 @@ TEST(Claim, what_single_reductions_say_is_proved)
     }
 }
 
-TEST(Claim, postsolve_takes_proofs_through_what_came_before)
-{
-    LpModel lp; // a forced row, a slack, and then a contradiction
-    for (int j = 0; j < 4; j++) lp_add_var(&lp, 1, 0, 10);
-    lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '<', 0);
-    const int slack = lp_add_var(&lp, 0, 0, 3);
-    lp_add_row_entries(&lp, {{0, -5}, {2, 1}, {3, 2}, {slack, 1}}, '=', 40);
-    const TestEnv env;
-    const TestModel model(lp_load(env.env, &lp));
-    LpClaim claim;
-    EXPECT_EQ(Reduced(model, &claim).status, PRESOLVE_INF_OR_UNBD);
-    EXPECT_TRUE(proved(model.model->body, &claim));
-}
-
 // ---- random models ----
 
 // The model's own verdict; proofs never say anything else.
