@@ -3,7 +3,7 @@
 #include "body/signs.h"
 #include "presolve/claim.h"
 #include "presolve/dualise.h"
-#include "support/dice.h"
+#include "support/hostile_gen.h"
 #include "support/inside.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
@@ -51,16 +51,7 @@ static LpModel contradictory(Dice *dice)
                 lp_set_entry(&lp, i, j, lp.senses[i] == '<' ? -1 : 1);
         return lp;
     }
-    std::vector<std::pair<int, double>> sum; // of some rows, a single one among them
-    double rhs = 0;
-    for (int k = dice->range(1, 3); k > 0 && m > 0; k--) {
-        const int i = dice->range(0, m - 1);
-        const double factor = dice->pick<double>({1, -1, 2, -0.5, 3.0 / 7});
-        for (int j = 0; j < n; j++) sum.emplace_back(j, factor * lp_get_entry(&lp, i, j));
-        rhs += factor * lp.rhs[i];
-    }
-    lp_add_row_entries(&lp, sum, dice->pick<char>({'=', '=', '<', '>'}),
-                       rhs + dice->nonzero(1));
+    if (m > 0) contradict_rows(dice, &lp, dice->nonzero(1));
     return lp;
 }
 

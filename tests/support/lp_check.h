@@ -38,6 +38,3 @@ std::string lp_check_optimal(const LpModel *lp, const LpSolution *solution,
                              const LpTolerances &tolerances);
 // Basic columns, then those of basic slacks; signs do not matter.
 Matrix basis_matrix(const LpModel *lp, const LpSolution *solution);
-// The basis alone: count, nonbasics at existing bounds, regular matrix. Appends to *faults.
-void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
-                    std::vector<std::string> *faults);
