@@ -40,14 +40,15 @@ LpModel trading()
 
 struct LpAuxiliary : ModelTest {
     void SetUp() override { load(trading()); }
+    // The code of a start that counts so many iterations before it.
+    int begin(SimplexMethod method, double done, AuxiliaryStart *start)
+    {
+        LpStart run;
+        run.method = method;
+        return lp_auxiliary_start(model->body, model->env, run, done, start);
+    }
 };
 
-LpStart start_by(SimplexMethod method)
-{
-    LpStart run;
-    run.method = method;
-    return run;
-}
 } // namespace
 
 TEST_F(LpAuxiliary, gives_either_method_a_basis)
@@ -55,8 +56,7 @@ TEST_F(LpAuxiliary, gives_either_method_a_basis)
     const int n = integer("NumVars"), m = integer("NumConstrs");
     for (const SimplexMethod method : {METHOD_PRIMAL, METHOD_DUAL}) {
         AuxiliaryStart start;
-        ASSERT_EQ(lp_auxiliary_start(model->body, model->env, start_by(method), 0, &start),
-                  0);
+        ASSERT_EQ(begin(method, 0, &start), 0);
         ASSERT_EQ(start.statuses.size, n + m) << method;
         EXPECT_EQ(std::count_if(start.statuses.begin(), start.statuses.end(),
                                 [](int status) { return status >= 0; }),
@@ -69,8 +69,7 @@ TEST_F(LpAuxiliary, its_iterations_count_and_the_solve_ends_at_an_optimum)
 {
     ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 3), 0);
     AuxiliaryStart stopped;
-    ASSERT_EQ(
-        lp_auxiliary_start(model->body, model->env, start_by(METHOD_DUAL), 1, &stopped), 0);
+    ASSERT_EQ(begin(METHOD_DUAL, 1, &stopped), 0);
     EXPECT_EQ(stopped.iterations, 2);
     EXPECT_EQ(stopped.statuses.size, 0);
     EXPECT_EQ(TVXoptimize(model), 0);
@@ -92,8 +91,7 @@ TEST_F(LpAuxiliary, without_memory_says_so_and_holds_nothing)
         const int64_t before = mem_blocks_held();
         AuxiliaryStart start;
         mem_fault_arm(k);
-        const int code =
-            lp_auxiliary_start(model->body, model->env, start_by(METHOD_DUAL), 0, &start);
+        const int code = begin(METHOD_DUAL, 0, &start);
         refused = mem_fault_hits() > 0;
         mem_fault_arm(0);
         EXPECT_EQ(code, refused ? TVX_ERROR_OUT_OF_MEMORY : 0) << k;

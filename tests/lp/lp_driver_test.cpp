@@ -27,10 +27,6 @@ struct LpDriver : ModelTest {
         ASSERT_EQ(TVXsetintparam(env.env, "Presolve", 0), 0); // the simplex alone
         load(small_lp());
     }
-    void set(const char *name, double value)
-    {
-        ASSERT_EQ(TVXsetdblparam(own(), name, value), 0);
-    }
     int status() { return integer("Status"); }
 
     // The lines of one solve, the same in the log file and on standard output; seconds replaced by "#".
@@ -117,11 +113,8 @@ TEST_F(LpDriver, tells_infeasible_from_unbounded_and_shows_no_solution)
         EXPECT_EQ(lines.back(), none ? "Infeasible model" : "Unbounded model");
         EXPECT_EQ(lines[lines.size() - 2], effort("Solved"));
         EXPECT_EQ(status(), expected);
-        double value = 0;
-        for (const char *name : {"X", "Xn"})
-            EXPECT_EQ(TVXgetdblattrelement(model, name, 0, &value), 10005) << name;
-        for (const char *name : {"ObjVal", "DualVioSum"})
-            EXPECT_EQ(TVXgetdblattr(model, name, &value), 10005) << name;
+        double value = 0; // that other results are missing: fuzz/corpus_test.cpp
+        EXPECT_EQ(TVXgetdblattrelement(model, "Xn", 0, &value), 10005);
         EXPECT_EQ(integer("SolCount"), 0);
         ASSERT_EQ(TVXoptimize(model), 0); // once more, at once
         EXPECT_EQ(status(), expected);
@@ -130,18 +123,14 @@ TEST_F(LpDriver, tells_infeasible_from_unbounded_and_shows_no_solution)
 
 TEST_F(LpDriver, stops_at_a_limit_and_goes_on_from_there)
 {
-    set("IterationLimit", 0);
-    std::vector<std::string> lines = solve_log();
-    ASSERT_EQ(status(), TVX_ITERATION_LIMIT);
-    EXPECT_EQ(lines[lines.size() - 2], "Stopped in 0 iterations and # seconds");
-    EXPECT_EQ(lines.back(), "Iteration limit exceeded");
-    (void)all("X", 3); // where the simplex stands
-    (void)dbl("BoundVio");
-    set("IterationLimit", 1e100);
-    set("TimeLimit", 0);
-    EXPECT_EQ(solve_log().back(), "Time limit exceeded");
-    ASSERT_EQ(status(), TVX_TIME_LIMIT);
-    set("TimeLimit", 1e100);
+    for (const std::string kind : {"Iteration", "Time"}) {
+        ASSERT_EQ(TVXsetdblparam(own(), (kind + "Limit").c_str(), 0), 0);
+        const std::vector<std::string> lines = solve_log();
+        EXPECT_EQ(lines[lines.size() - 2], "Stopped in 0 iterations and # seconds");
+        EXPECT_EQ(lines.back(), kind + " limit exceeded");
+        (void)all("X", 3); // where the simplex stands
+        ASSERT_EQ(TVXsetdblparam(own(), (kind + "Limit").c_str(), 1e100), 0);
+    }
     EXPECT_EQ(objective(), 2);
     EXPECT_EQ(all("X", 3), (std::vector<double>{0, 1, 3})) << "not what was read before";
 }

@@ -183,21 +183,17 @@ template<class R> void check_updates(Factored<R> *f, int updates, double limit, 
 // All of U that solves read, in order.
 template<class R> std::vector<R> upper_of(const lufact<R> *lu)
 {
-    std::vector<R> all;
-    for (int place = 0; place < lu->NumPos; place++)
-        all.push_back(R(lu->Order.data[place]));
+    std::vector<R> all(lu->UDiag.data, lu->UDiag.data + lu->NumRows);
+    const auto add = [&](const auto &ind, const auto &val, int from, int count) {
+        for (int p = from; p < from + count; p++)
+            all.insert(all.end(), {R(ind.data[p]), val.data[p]});
+    };
+    all.insert(all.end(), lu->Order.data, lu->Order.data + lu->NumPos);
+    for (const auto *list : {&lu->PosOfRow, &lu->FirstEta})
+        all.insert(all.end(), list->data, list->data + lu->NumRows);
     for (int i = 0; i < lu->NumRows; i++) {
-        all.push_back(lu->UDiag.data[i]);
-        all.push_back(R(lu->PosOfRow.data[i]));
-        all.push_back(R(lu->FirstEta.data[i]));
-        for (int p = lu->UColBeg.data[i], k = 0; k < lu->UColLen.data[i]; k++, p++) {
-            all.push_back(R(lu->UColInd.data[p]));
-            all.push_back(lu->UColVal.data[p]);
-        }
-        for (int p = lu->URowBeg.data[i], k = 0; k < lu->URowLen.data[i]; k++, p++) {
-            all.push_back(R(lu->URowInd.data[p]));
-            all.push_back(lu->URowVal.data[p]);
-        }
+        add(lu->UColInd, lu->UColVal, lu->UColBeg.data[i], lu->UColLen.data[i]);
+        add(lu->URowInd, lu->URowVal, lu->URowBeg.data[i], lu->URowLen.data[i]);
     }
     return all;
 }
@@ -228,17 +224,15 @@ template<class R> void check_appended(Factored<R> *f, int rows, double limit, Di
     const Pool old = f->pool;
     Pool *pool = &f->pool;
     *pool = {old.m + rows, old.n, {0}, {}, {}};
-    std::vector<std::vector<double>> entry(size_t(rows),
-                                           std::vector<double>(size_t(old.n), 0.0));
+    std::vector<std::vector<double>> entry(rows, std::vector<double>(old.n, 0.0));
     for (int j = 0; j < old.n; j++) {
-        for (int p = old.beg[size_t(j)]; p < old.beg[size_t(j) + 1]; p++) {
-            pool->ind.push_back(old.ind[size_t(p)]);
-            pool->val.push_back(old.val[size_t(p)]);
-        }
+        const int from = old.beg[j], to = old.beg[j + 1];
+        pool->ind.insert(pool->ind.end(), old.ind.begin() + from, old.ind.begin() + to);
+        pool->val.insert(pool->val.end(), old.val.begin() + from, old.val.begin() + to);
         for (int i = 0; i < rows; i++) {
             if (!dice->chance(30)) continue;
             pool->ind.push_back(old.m + i);
-            pool->val.push_back(entry[size_t(i)][size_t(j)] = dice->nonzero(4));
+            pool->val.push_back(entry[i][j] = dice->nonzero(4));
         }
         pool->beg.push_back(int(pool->ind.size()));
     }
@@ -247,15 +241,15 @@ template<class R> void check_appended(Factored<R> *f, int rows, double limit, Di
     ASSERT_EQ(0, svec_alloc(&row, pool->m));
     for (int i = 0; i < rows; i++) {
         svec_clear(&row);
-        for (int k = 0; k < old.m; k++)
-            if (f->head[size_t(k)] < old.n &&
-                entry[size_t(i)][size_t(f->head[size_t(k)])] != 0)
-                svec_add(&row, k, R(entry[size_t(i)][size_t(f->head[size_t(k)])]));
+        for (int k = 0; k < old.m; k++) {
+            const double a = f->head[k] < old.n ? entry[i][f->head[k]] : 0;
+            if (a != 0) svec_add(&row, k, R(a));
+        }
         ASSERT_EQ(0, lu_append_row(&f->lu, old.m + i, &row));
         f->head.push_back(pool->n + old.m + i);
     }
-    f->bad_rows.resize(size_t(pool->m));
-    f->bad_cols.resize(size_t(pool->m));
+    f->bad_rows.resize(pool->m);
+    f->bad_cols.resize(pool->m);
     check_solves(f, limit, dice);
     check_updates(f, std::min(old.m, 20), limit, dice);
 }

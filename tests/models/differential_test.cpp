@@ -80,28 +80,27 @@ static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool 
     return "status " + std::to_string(s.status) + ", planted " + std::to_string(expected);
 }
 
-static Settings draw_presolve_settings(Dice *dice)
+// Settings of any kind, with presolve in all its parts.
+static Settings draw_settings(Dice *dice)
 {
     const std::pair<const char *, std::vector<double>> table[] = {
         {"Presolve", {-1, 1, 2}},
         {"Aggregate", {0, 1, 1}},
         {"PrePasses", {0, 1, -1, -1}},
-        {"TARV_PAR_DUALREDUCTION", {0, 1, 1}},
         {"TARV_PAR_PREBOUND", {0, 1, 1}},
         {"TARV_PAR_PREPARALLEL", {0, 1, 1}},
         {"PreDepRow", {-1, -1, 0, 1}},
         {"PreDual", {-1, -1, 0, 1, 2}},
         {"TARV_PAR_PRETWOROWS", {-1, 0, 1, 2}},
         {"TARV_PAR_PRESINGLECOL", {-1, -1, 0, 1}},
-        {"LPMethod", {0, 1}},
     };
-    Settings settings;
+    Settings settings = settings_draw(dice);
     for (const auto &[name, values] : table)
         settings.emplace_back(name, dice->pick(values));
     return settings;
 }
 
-// By either method, plain and with presolve under any of its settings; postsolve hardly ever leaves work to be done.
+// By either method, plain and with presolve under any settings; postsolve hardly ever leaves work to be done.
 TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
 {
     constexpr int DRAWS = 6;
@@ -112,7 +111,7 @@ TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
         const Subject s = make_subject(seed, &dice);
         std::vector<Settings> ways = {method(0, 0), method(1, 0), method(0, -1),
                                       method(1, -1)};
-        for (int k = 0; k < DRAWS; k++) ways.push_back(draw_presolve_settings(&dice));
+        for (int k = 0; k < DRAWS; k++) ways.push_back(draw_settings(&dice));
         for (size_t k = 0; k < ways.size(); k++) {
             SCOPED_TRACE(s.text() + settings_text(ways[k]));
             const bool presolve = k > 1;
@@ -170,12 +169,9 @@ static std::string play(TVXenv *env, const LpModel &lp, const Settings &settings
     if (!model || !copy || settings_apply(TVXgetenv(model), settings) ||
         settings_apply(TVXgetenv(copy), settings))
         return "load failed";
-    LpModel held;
     LpSolution again;
-    std::string wrong =
-        lp_read_back(copy, &held) || !lp_same(&held, &lp) ? "a copy differs" : "";
-    wrong += solve_checked(model, &lp, &outcomes[0]) + solve_checked(copy, &lp, &again) +
-             differs(outcomes[0], again);
+    std::string wrong = solve_checked(model, &lp, &outcomes[0]) +
+                        solve_checked(copy, &lp, &again) + differs(outcomes[0], again);
     if (TVXresetmodel(model)) wrong += "no reset";
     wrong += solve_checked(model, &lp, &again) + differs(outcomes[0], again);
     if (lp.num_vars() > 0 && TVXsetdblattrelement(model, "Obj", 0, 3))

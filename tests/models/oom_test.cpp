@@ -143,6 +143,37 @@ TEST(OutOfMemory, solve)
                        }});
 }
 
+// A solve that fails behind the last pivot has made as many iterations as one that succeeds.
+TEST(OutOfMemory, is_told_with_the_iterations_done)
+{
+    Scene s;
+    int code = 0;
+    load_example(&s);
+    // The closing line of a solve whose request number `fail_at`, if not 0, fails, with all behind it.
+    const auto closing = [&](int fail_at, const char *verb) {
+        EXPECT_EQ(settings_apply(TVXgetenv(s.model), {{"Presolve", 0}, {"OutputFlag", 1}}),
+                  0);
+        EXPECT_EQ(TVXresetmodel(s.model), 0);
+        Output output;
+        mem_fault_arm(fail_at);
+        code = TVXoptimize(s.model);
+        mem_fault_arm(0);
+        const std::string shown = output.text();
+        const size_t at = shown.find(verb);
+        if (at == std::string::npos) return std::string();
+        return shown.substr(at, shown.find(" iterations", at) - at);
+    };
+    const std::string done = closing(0, "Solved in ").substr(6);
+    ASSERT_NE(done, " in 0");
+    bool told = false;
+    for (int fail_at = 1;; fail_at++) {
+        const std::string line = closing(fail_at, "Stopped in ");
+        if (!code) break;
+        told |= line == "Stopped" + done;
+    }
+    EXPECT_TRUE(told);
+}
+
 // The second solve starts from what the first left behind.
 TEST(OutOfMemory, solve_again_after_changes)
 {

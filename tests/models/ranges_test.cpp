@@ -186,11 +186,6 @@ TEST_F(Sensitivity, is_there_for_an_optimal_lp_only)
     ASSERT_EQ(TVXresetmodel(model), 0);
     ASSERT_EQ(TVXoptimize(model), 0);
     unavailable(); // stopped
-    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 1e100), 0);
-    ASSERT_EQ(TVXsetdblattrelement(model, "LB", 0, 11), 0);
-    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 12), 0);
-    ASSERT_EQ(TVXoptimize(model), 0);
-    unavailable(); // infeasible
     ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'I'), 0);
     static_cast<void>(TVXoptimize(model));
     unavailable(); // a MIP

@@ -1,5 +1,4 @@
 // kappa_test.cpp -- the condition estimates of a basis against a dense inverse
-#include "support/dense.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
 #include "support/structured_gen.h"
@@ -8,21 +7,6 @@
 
 namespace
 {
-// Columns of the basis that a solve without scaling ended with; signs do not matter.
-Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
-{
-    Matrix b(lp->rhs.size());
-    const auto add = [&b](const std::vector<LpEntry> &column) {
-        for (auto &row : b) row.push_back(0);
-        for (const LpEntry &e : column) b[e.row].back() = e.value;
-    };
-    for (int j = 0; j < lp->num_vars(); j++)
-        if (s->vbasis[j] == 0) add(lp->cols[j]);
-    for (int i = 0; i < lp->num_rows(); i++)
-        if (s->cbasis[i] == 0) add({{i, 1}});
-    return b;
-}
-
 double norm1(const Matrix &b)
 {
     long double norm = 0;

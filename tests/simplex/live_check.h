@@ -56,10 +56,10 @@ template<class R> struct LiveCheck {
         for (int k = 0; k < s->NumVars; k++) {
             const double d = double(w->Cbar.data[k]);
             const int status = s->VStat.data[k];
-            if (status >= 0 ? std::fabs(d) > 1e-7
-                            : (status == AT_LOWER && d < -1.1 * s->OptTol) ||
-                                  (status == AT_UPPER && d > 1.1 * s->OptTol) ||
-                                  (status == AT_FREE && std::fabs(d) > 1.1 * s->OptTol))
+            const bool may_fall = status == AT_UPPER || status == AT_FIXED,
+                       may_rise = status == AT_LOWER || status == AT_FIXED;
+            const double tol = status >= 0 ? 1e-7 : 1.1 * s->OptTol;
+            if ((d < -tol && !may_fall) || (d > tol && !may_rise))
                 tell("sign of the reduced cost", k, d, status);
         }
     }

@@ -7,8 +7,8 @@
 
 using Matrix = std::vector<std::vector<long double>>; // by rows
 
-// Gauss and Jordan with the largest pivot of each column. The matrix is square and regular.
-inline Matrix inverse(Matrix b)
+// Gauss and Jordan with the largest pivot of each column. Empty when one is below `least`.
+inline Matrix inverse(Matrix b, long double least = 0)
 {
     const size_t m = b.size();
     for (size_t i = 0; i < m; i++)
@@ -17,6 +17,7 @@ inline Matrix inverse(Matrix b)
         size_t best = k;
         for (size_t i = k; i < m; i++)
             if (std::fabs(b[i][k]) > std::fabs(b[best][k])) best = i;
+        if (std::fabs(b[best][k]) < least) return {};
         std::swap(b[k], b[best]);
         const long double pivot = b[k][k];
         for (long double &v : b[k]) v /= pivot;

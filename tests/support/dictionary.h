@@ -53,8 +53,6 @@ struct Dictionary {
     int pivots_to_bland = 0;               // so many pivots by size before Bland's order
 };
 
-enum class Move { NONE, UP, DOWN };
-
 inline void set_range(Dictionary *d, size_t v, const RationalRange &range)
 {
     d->lower[v] = {range.has_low, Number(range.low)};
@@ -91,7 +89,7 @@ inline Dictionary build(const LpModel *lp, double relax)
 }
 
 // Nonbasic k moves by `step`; the basic variables follow.
-inline void shift(Dictionary *d, size_t k, const Number &step)
+inline void shift(Dictionary *d, int k, const Number &step)
 {
     d->value[d->nonbasic[k]] += step;
     for (size_t r = 0; r < d->basic.size(); r++)
@@ -99,8 +97,7 @@ inline void shift(Dictionary *d, size_t k, const Number &step)
 }
 
 // target += target[k] * row, where basic[r] = row replaces nonbasic k.
-inline void substitute(const std::vector<Number> &row, size_t k,
-                       std::vector<Number> *target)
+inline void substitute(const std::vector<Number> &row, int k, std::vector<Number> *target)
 {
     const Number factor = (*target)[k];
     if (sgn(factor) == 0) return;
@@ -115,39 +112,47 @@ inline void substitute(const std::vector<Number> &row, size_t k,
 }
 
 // basic[r] and nonbasic[k] change places; no value changes.
-inline void pivot(Dictionary *d, size_t r, size_t k)
+inline void pivot(Dictionary *d, int r, int k)
 {
     std::vector<Number> *row = &d->coef[r];
     const Number inverse = 1 / (*row)[k];
     for (Number &a : *row)
         if (sgn(a) != 0) a *= -inverse;
     (*row)[k] = inverse;
-    for (size_t q = 0; q < d->coef.size(); q++)
+    for (int q = 0; q < static_cast<int>(d->coef.size()); q++)
         if (q != r) substitute(*row, k, &d->coef[q]);
     substitute(*row, k, &d->cost);
     std::swap(d->basic[r], d->nonbasic[k]);
     d->pivots_to_bland--;
 }
 
-inline bool can_move(const Dictionary *d, int variable, Move move)
+// The bound in a direction: +1 up, -1 down.
+inline const Bound &bound_of(const Dictionary *d, int variable, int way)
 {
-    const size_t v = static_cast<size_t>(variable);
-    if (move == Move::UP)
-        return !d->upper[v].finite || sign(Number(d->upper[v].value - d->value[v])) > 0;
-    return !d->lower[v].finite || sign(Number(d->value[v] - d->lower[v].value)) > 0;
+    return (way > 0 ? d->upper : d->lower)[variable];
+}
+
+// How far a variable can go in its direction before its bound; false when there is none.
+inline bool room_of(const Dictionary *d, int variable, int way, Number *room)
+{
+    const Bound &bound = bound_of(d, variable, way);
+    if (bound.finite) *room = abs(bound.value - d->value[variable]);
+    return bound.finite;
+}
+
+inline bool can_move(const Dictionary *d, int variable, int way)
+{
+    Number room;
+    return !room_of(d, variable, way, &room) || sign(room) > 0;
 }
 
 // How far a variable is outside its bounds: negative below, positive above, 0 inside.
 inline Number excess(const Dictionary *d, int variable)
 {
-    const size_t v = static_cast<size_t>(variable);
-    if (d->lower[v].finite) {
-        Number gap = d->value[v] - d->lower[v].value;
-        if (sign(gap) < 0) return gap;
-    }
-    if (d->upper[v].finite) {
-        Number gap = d->value[v] - d->upper[v].value;
-        if (sign(gap) > 0) return gap;
+    for (const int way : {-1, 1}) {
+        const Bound &bound = bound_of(d, variable, way);
+        const Number gap = d->value[variable] - bound.value;
+        if (bound.finite && sign(gap) * way > 0) return gap;
     }
     return Number(0);
 }
@@ -177,57 +182,43 @@ inline int make_feasible(Dictionary *d)
             if (sgn(out) != 0) leaving.offer(d, abs(out), static_cast<int>(r), d->basic[r]);
         }
         if (leaving.place < 0) return -1;
-        const size_t r = static_cast<size_t>(leaving.place);
+        const int r = leaving.place;
         const Number gap = -excess(d, leaving.variable);
         for (size_t k = 0; k < d->nonbasic.size(); k++) {
-            const int turn = sgn(d->coef[r][k]) * sgn(gap);
-            if (turn == 0 || !can_move(d, d->nonbasic[k], turn > 0 ? Move::UP : Move::DOWN))
-                continue;
+            const int way = sgn(d->coef[r][k]) * sgn(gap);
+            if (way == 0 || !can_move(d, d->nonbasic[k], way)) continue;
             entering.offer(d, abs(d->coef[r][k]), static_cast<int>(k), d->nonbasic[k]);
         }
-        if (entering.place < 0) return leaving.place;
-        const size_t k = static_cast<size_t>(entering.place);
+        const int k = entering.place;
+        if (k < 0) return r;
         shift(d, k, Number(gap / d->coef[r][k]));
         pivot(d, r, k);
     }
 }
 
 // The nonbasic variable that improves the objective by moving, as a place, or -1.
-inline int choose_improving(const Dictionary *d, Move *move_out)
+inline int choose_improving(const Dictionary *d, int *way_out)
 {
     Choice best;
     for (size_t k = 0; k < d->nonbasic.size(); k++) {
-        const int turn = sgn(d->cost[k]);
-        const Move move = turn < 0 ? Move::UP : Move::DOWN;
-        if (turn == 0 || !can_move(d, d->nonbasic[k], move)) continue;
+        const int way = -sgn(d->cost[k]);
+        if (way == 0 || !can_move(d, d->nonbasic[k], way)) continue;
         if (best.offer(d, abs(d->cost[k]), static_cast<int>(k), d->nonbasic[k]))
-            *move_out = move;
+            *way_out = way;
     }
     return best.place;
 }
 
-// How far a variable can go in its direction before its bound; false when there is none.
-inline bool room_of(const Dictionary *d, int variable, Move move, Number *room)
-{
-    const size_t v = static_cast<size_t>(variable);
-    const Bound &bound = move == Move::UP ? d->upper[v] : d->lower[v];
-    if (!bound.finite) return false;
-    *room = abs(bound.value - d->value[v]);
-    return true;
-}
-
 // The step of nonbasic k and the row that stops it (-1: its own bound). False when nothing does.
-inline bool ratio_test(const Dictionary *d, size_t k, Move move, Number *step, int *leaving)
+inline bool ratio_test(const Dictionary *d, int k, int way, Number *step, int *leaving)
 {
     Number room;
     Choice best;
-    bool limited = room_of(d, d->nonbasic[k], move, step);
+    bool limited = room_of(d, d->nonbasic[k], way, step);
     if (limited) best.offer(d, Number(0), -1, d->nonbasic[k]);
     for (size_t r = 0; r < d->basic.size(); r++) {
-        const int turn = sgn(d->coef[r][k]);
-        const bool up = (turn > 0) == (move == Move::UP);
-        if (turn == 0 || !room_of(d, d->basic[r], up ? Move::UP : Move::DOWN, &room))
-            continue;
+        const int turn = sgn(d->coef[r][k]) * way;
+        if (turn == 0 || !room_of(d, d->basic[r], turn, &room)) continue;
         const Number size = abs(d->coef[r][k]);
         room /= size;
         const int order = limited ? sign(Number(room - *step)) : -1;
@@ -241,16 +232,14 @@ inline bool ratio_test(const Dictionary *d, size_t k, Move move, Number *step, i
 }
 
 // Phase 2. Returns -1 at an optimum, else the place of the nonbasic variable that improves for ever.
-inline int make_optimal(Dictionary *d, Move *move)
+inline int make_optimal(Dictionary *d, int *way)
 {
     Number step;
-    int leaving = -1;
-    for (int found = choose_improving(d, move); found >= 0;
-         found = choose_improving(d, move)) {
-        const size_t k = static_cast<size_t>(found);
-        if (!ratio_test(d, k, *move, &step, &leaving)) return found;
-        shift(d, k, *move == Move::UP ? step : Number(-step));
-        if (leaving >= 0) pivot(d, static_cast<size_t>(leaving), k);
+    int leaving = -1, k = -1;
+    while ((k = choose_improving(d, way)) >= 0) {
+        if (!ratio_test(d, k, *way, &step, &leaving)) return k;
+        shift(d, k, Number(*way * step));
+        if (leaving >= 0) pivot(d, leaving, k);
     }
     return -1;
 }
@@ -263,21 +252,17 @@ inline DictionaryEnd dictionary_solve(const LpModel *lp, double relax)
     using namespace dictionary;
     Dictionary d = build(lp, relax);
     DictionaryEnd end;
-    Move move = Move::NONE;
     if (const int r = make_feasible(&d); r >= 0) {
         end.status = LpStatus::INFEASIBLE;
         end.witness = d.basic[r];
-    } else if (const int k = make_optimal(&d, &move); k >= 0) {
+    } else if (const int k = make_optimal(&d, &end.direction); k >= 0) {
         end.status = LpStatus::UNBOUNDED;
         end.witness = d.nonbasic[k];
-        end.direction = move == Move::UP ? 1 : -1;
     }
     end.place.assign(d.value.size(), 0);
     for (const int variable : d.nonbasic) {
-        const size_t v = static_cast<size_t>(variable);
-        const bool low =
-            d.lower[v].finite && sign(Number(d.value[v] - d.lower[v].value)) == 0;
-        end.place[v] = low ? -1 : d.upper[v].finite ? -2 : -3;
+        const bool low = d.lower[variable].finite && !can_move(&d, variable, -1);
+        end.place[variable] = low ? -1 : d.upper[variable].finite ? -2 : -3;
     }
     return end;
 }

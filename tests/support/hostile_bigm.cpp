@@ -3,7 +3,6 @@
 // Each kind is a few columns as people write them, of which some may stand side by side in one model, tied together by
 // a row. The numbers but M are small integers: only M makes them hard.
 #include "support/hostile_gen.h"
-#include "support/hostile_parts.h"
 #include <algorithm>
 
 static double big_number(Dice *dice)

@@ -1,6 +1,5 @@
 // hostile_gen.cpp -- the table of families, and what makes a member infeasible or unbounded
 #include "support/hostile_gen.h"
-#include "support/hostile_parts.h"
 #include <algorithm>
 #include <cstring>
 

@@ -79,19 +79,10 @@ HostileOutcome hostile_solve(TVXenv *env, const LpModel *lp, const Settings &set
 namespace
 {
 
-// Of one column or row: its multiplier turned to a minimisation, how far it stands from the bound that the multiplier
-// prices (negative: beyond), and how far off it still counts as there.
-struct Stand {
-    long double force = 0;
-    bool priced = false; // the bound exists
-    long double distance = 0;
-    long double place = 0;
-};
-
 struct Point {
     const LpModel *lp = nullptr;
     const HostileOutcome *outcome = nullptr;
-    LpSums sums;
+    LpMeasures measures;
     long double residual = 0; // largest difference of RC from c - pi A that is not rounding
     long double primal = 0, dual = 0; // largest violations, less their rounding
 };
@@ -109,64 +100,25 @@ __attribute__((format(printf, 2, 3))) static HostileJudgement say(Verdict verdic
     return {verdict, text};
 }
 
-static void measure_primal(Point *p)
+static void measure(Point *p)
 {
-    const double rounding = p->outcome->rounding;
-    for (size_t j = 0; j < p->lp->obj.size(); j++) {
-        const double x = p->outcome->solution.x[j];
-        p->primal =
-            std::max(p->primal, lp_bound_violation(p->lp, j, x) - rounding * std::fabs(x));
-    }
-    for (size_t i = 0; i < p->lp->rhs.size(); i++) {
-        const TermSum &row = p->sums.rows[i];
-        p->primal = std::max(p->primal,
-                             lp_row_violation(p->lp, i, row.value) - rounding * row.size);
-    }
-}
-
-static Stand stand_of_row(const Point *p, size_t i)
-{
-    const LpModel *lp = p->lp;
-    Stand s;
-    s.force = static_cast<long double>(p->outcome->solution.pi[i]) * lp->sense;
-    const char priced = s.force > 0 ? '>' : '<';
-    s.priced =
-        (lp->senses[i] == '=' || lp->senses[i] == priced) && !lp_is_infinite(lp->rhs[i]);
-    const TermSum &row = p->sums.rows[i];
-    s.distance = (row.value - lp->rhs[i]) * (s.force > 0 ? 1 : -1);
-    if (lp->senses[i] == '=') s.distance = std::fabs(s.distance);
-    s.place = p->outcome->feasibility +
-              PLACE_RELATIVE * std::max<long double>(row.size, std::fabs(lp->rhs[i]));
-    return s;
-}
-
-static Stand stand_of_column(const Point *p, size_t j)
-{
-    Stand s;
-    s.force = p->sums.costs[j].value * p->lp->sense;
-    const double bound = s.force > 0 ? p->lp->lb[j] : p->lp->ub[j];
-    s.priced = !lp_is_infinite(bound);
-    s.distance = (p->outcome->solution.x[j] - static_cast<long double>(bound)) *
-                 (s.force > 0 ? 1 : -1);
-    s.place = p->outcome->feasibility + PLACE_RELATIVE * std::fabs(bound);
-    return s;
-}
-
-static void measure_dual(Point *p)
-{
-    for (size_t i = 0; i < p->lp->rhs.size(); i++) {
-        if (p->lp->senses[i] == '=') continue;
-        const Stand s = stand_of_row(p, i);
-        if (!s.priced || s.distance > s.place)
-            p->dual = std::max(p->dual, std::fabs(s.force));
-    }
-    for (size_t j = 0; j < p->lp->obj.size(); j++) {
-        const Stand s = stand_of_column(p, j);
-        const TermSum &cost = p->sums.costs[j];
-        if (!s.priced || s.distance > s.place)
-            p->dual =
-                std::max(p->dual, std::fabs(s.force) - p->outcome->rounding * cost.size);
-        const long double missed = std::fabs(cost.value - p->outcome->solution.rc[j]);
+    const HostileOutcome *o = p->outcome;
+    const auto raise = [o](long double *most, const LpAmount &a) {
+        *most = std::max(*most, std::fabs(a.value) - o->rounding * a.terms);
+    };
+    for (const std::vector<LpAmount> *list : {&p->measures.bound, &p->measures.constr})
+        for (const LpAmount &a : *list)
+            if (a.value > 0) raise(&p->primal, a);
+    const auto judge = [&](const LpPriced &one) {
+        if (one.distance.value > o->feasibility + PLACE_RELATIVE * one.end)
+            raise(&p->dual, one.force);
+    };
+    for (const LpPriced &one : p->measures.cols) judge(one);
+    for (size_t i = 0; i < p->measures.rows.size(); i++)
+        if (p->lp->senses[i] != '=') judge(p->measures.rows[i]);
+    for (size_t j = 0; j < p->measures.cols.size(); j++) {
+        const TermSum &cost = p->measures.sums.costs[j];
+        const long double missed = std::fabs(cost.value - o->solution.rc[j]);
         if (missed > RC_ROUNDING * cost.size) p->residual = std::max(p->residual, missed);
     }
 }
@@ -178,22 +130,19 @@ static long double explained(const Point *p, const RationalResult &best, double 
     std::vector<double> x;
     for (const mpq_class &v : best.x) x.push_back(v.get_d());
     const std::vector<long double> activity = lp_activity(p->lp, x);
-    const auto share = [&](const Stand &s, long double way) -> long double {
-        const long double force = std::fabs(s.force);
-        if (s.priced && s.distance <= tol)
-            return force * (std::max(s.distance, 0.0L) + relax);
+    const auto share = [&](const LpPriced &one, long double way) -> long double {
+        const long double force = std::fabs(one.force.value);
+        if (one.distance.value <= tol)
+            return force * (std::max(one.distance.value, 0.0L) + relax);
         return std::min<long double>(force, dual_tol) * std::fabs(way);
     };
-    long double sum = SUM_ROUNDING * p->sums.objective.size;
-    for (size_t i = 0; i < activity.size(); i++) {
-        const Stand s = stand_of_row(p, i);
-        const TermSum &row = p->sums.rows[i];
-        sum += share(s, row.value - activity[i]) +
-               SUM_ROUNDING * std::fabs(s.force) * row.size;
-    }
+    const LpMeasures &m = p->measures;
+    long double sum = SUM_ROUNDING * m.sums.objective.size;
+    for (size_t i = 0; i < activity.size(); i++)
+        sum += share(m.rows[i], m.sums.rows[i].value - activity[i]) +
+               SUM_ROUNDING * std::fabs(m.rows[i].force.value) * m.sums.rows[i].size;
     for (size_t j = 0; j < x.size(); j++)
-        sum += share(stand_of_column(p, j),
-                     p->outcome->solution.x[j] - static_cast<long double>(x[j]));
+        sum += share(m.cols[j], p->outcome->solution.x[j] - static_cast<long double>(x[j]));
     return sum;
 }
 
@@ -213,8 +162,8 @@ static bool well_formed(const LpModel *lp, const HostileOutcome *outcome)
 static HostileJudgement judge_value(HostileTruth *truth, const Point *p)
 {
     const double tol = p->outcome->feasibility, said = p->outcome->solution.objval;
-    const long double value = p->sums.objective.value;
-    if (std::fabs(said - value) > VALUE_ROUNDING * p->sums.objective.size)
+    const long double value = p->measures.sums.objective.value;
+    if (std::fabs(said - value) > VALUE_ROUNDING * p->measures.sums.objective.size)
         return say(Verdict::OBJECTIVE, "ObjVal %.15g, but the point has %.15Lg", said,
                    value);
     double relax = 0;
@@ -258,9 +207,9 @@ static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome
         return say(Verdict::OTHER, "solution incomplete or not finite");
     const LpSolution *s = &outcome->solution;
     Point p = {truth->lp, outcome, {}, 0, 0, 0};
-    p.sums = lp_sums(truth->lp, s->x, outcome->has_duals ? s->pi : std::vector<double>{});
-    measure_primal(&p);
-    if (outcome->has_duals) measure_dual(&p);
+    p.measures =
+        lp_measure(truth->lp, s->x, outcome->has_duals ? s->pi : std::vector<double>{});
+    measure(&p);
     HostileJudgement j = judge_point(truth, &p);
     j.primal_vio = static_cast<double>(p.primal);
     j.dual_vio = static_cast<double>(p.dual);

@@ -5,20 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-namespace
-{
-
-// Everything the conditions look at.
-struct Check {
-    const LpModel *lp = nullptr;
-    const LpSolution *s = nullptr;
-    const LpTolerances *tol = nullptr;
-    LpReport *report = nullptr;
-    LpSums sums;
-};
-
-} // namespace
-
 __attribute__((format(printf, 2, 3))) static void fault(std::vector<std::string> *faults,
                                                         const char *format, ...)
 {
@@ -36,142 +22,168 @@ static bool all_finite(const std::vector<double> &values)
                        [](double v) { return std::isfinite(v); });
 }
 
-static bool check_shape(Check *c)
+static bool check_shape(const LpModel *lp, const LpSolution *s,
+                        std::vector<std::string> *faults)
 {
-    const size_t n = c->lp->obj.size(), m = c->lp->rhs.size();
-    std::vector<std::string> *faults = &c->report->faults;
-    if (c->s->x.size() != n || c->s->rc.size() != n || c->s->pi.size() != m ||
-        c->s->slack.size() != m) {
+    const size_t n = lp->obj.size(), m = lp->rhs.size();
+    if (s->x.size() != n || s->rc.size() != n || s->pi.size() != m || s->slack.size() != m)
         fault(faults, "solution has the wrong size");
-        return false;
-    }
-    if (!all_finite(c->s->x) || !all_finite(c->s->rc) || !all_finite(c->s->pi) ||
-        !all_finite(c->s->slack) || !std::isfinite(c->s->objval)) {
+    else if (!all_finite(s->x) || !all_finite(s->rc) || !all_finite(s->pi) ||
+             !all_finite(s->slack) || !std::isfinite(s->objval))
         fault(faults, "solution holds NaN or infinity");
-        return false;
-    }
-    return true;
+    return faults->empty();
 }
 
-static void check_bounds(Check *c)
+// A number that the solver reports, against the sum that it stands for.
+static void check_report(const char *name, size_t k, double said, long double found,
+                         long double largest, double tol, std::vector<std::string> *faults)
 {
-    for (size_t j = 0; j < c->lp->obj.size(); j++) {
-        const double x = c->s->x[j], lb = c->lp->lb[j], ub = c->lp->ub[j];
-        const long double vio = lp_bound_violation(c->lp, j, x);
-        c->report->bound_vio = std::max(c->report->bound_vio, vio);
-        const long double relative = std::max(1.0, std::fabs(x > ub ? ub : lb));
-        if (vio > c->tol->primal * relative)
-            fault(&c->report->faults, "C%zu = %.12g beyond its bounds %.12g, %.12g", j, x,
-                  lb, ub);
-    }
+    if (std::fabs(found - said) > tol * std::max(1.0L, largest))
+        fault(faults, "%s %zu is %.12g, but %.12Lg by its sum", name, k, said, found);
 }
 
-static void check_rows(Check *c)
+static void check_violation(const char *name, size_t k, const LpAmount &amount, double from,
+                            double to, double tol, std::vector<std::string> *faults)
 {
-    for (size_t i = 0; i < c->lp->rhs.size(); i++) {
-        const TermSum &sum = c->sums.rows[i];
-        const long double rhs = c->lp->rhs[i], slack = rhs - sum.value;
-        const long double vio = lp_row_violation(c->lp, i, sum.value);
-        c->report->row_vio = std::max(c->report->row_vio, vio);
-        const long double relative = std::max(1.0L, std::fabs(rhs));
-        if (vio > c->tol->primal * relative)
-            fault(&c->report->faults, "R%zu: activity %.12Lg breaks %c %.12Lg", i,
-                  sum.value, c->lp->senses[i], rhs);
-        const long double size = std::max({1.0L, sum.largest, std::fabs(rhs)});
-        if (std::fabs(slack - c->s->slack[i]) > c->tol->report * size)
-            fault(&c->report->faults, "R%zu: Slack %.12g, but rhs - activity is %.12Lg", i,
-                  c->s->slack[i], slack);
-    }
+    double nearest = std::fabs(from); // an end that is violated is finite
+    if (lp_is_infinite(from) || std::fabs(to) < nearest) nearest = std::fabs(to);
+    if (amount.value > tol * std::max(1.0, nearest))
+        fault(faults, "%s %zu violated by %.12Lg", name, k, amount.value);
 }
 
-static void check_row_duals(Check *c)
+// A multiplier is 0, or its column or row stands where the multiplier drives it.
+static void check_priced(const char *name, size_t k, const LpPriced &p,
+                         const LpTolerances &tol, std::vector<std::string> *faults)
 {
-    for (size_t i = 0; i < c->lp->rhs.size(); i++) {
-        const double pi = c->s->pi[i], y = pi * c->lp->sense;
-        c->report->dual_value += static_cast<long double>(pi) * c->lp->rhs[i];
-        if (c->lp->senses[i] == '=') continue;
-        const long double vio = c->lp->senses[i] == '<' ? y : -y;
-        c->report->dual_vio = std::max(c->report->dual_vio, vio);
-        if (vio > c->tol->dual)
-            fault(&c->report->faults, "R%zu: Pi %.12g has the wrong sign", i, pi);
-    }
+    if (std::fabs(p.force.value) > tol.dual &&
+        p.distance.value > tol.primal * std::max(1.0L, p.end))
+        fault(faults, "%s %zu has multiplier %.12Lg, its end is %.12Lg away", name, k,
+              p.force.value, p.distance.value);
 }
 
-static void check_reduced_costs(Check *c)
+static void check_value(const LpModel *lp, const LpSolution *s, const LpMeasures &m,
+                        const LpTolerances &tol, std::vector<std::string> *faults)
 {
-    for (size_t j = 0; j < c->lp->obj.size(); j++) {
-        const long double rc = c->sums.costs[j].value;
-        const long double size = std::max(1.0L, c->sums.costs[j].largest);
-        if (std::fabs(rc - c->s->rc[j]) > c->tol->report * size)
-            fault(&c->report->faults, "C%zu: RC %.12g, but obj - Pi A is %.12Lg", j,
-                  c->s->rc[j], rc);
-        const long double d = rc * c->lp->sense;
-        const double bound = d > 0 ? c->lp->lb[j] : c->lp->ub[j];
-        if (lp_is_infinite(bound)) {
-            c->report->dual_vio = std::max(c->report->dual_vio, std::fabs(d));
-            // What the infinite bound would add to the dual value is left out: d counts as 0.
-            if (std::fabs(d) > c->tol->dual)
-                fault(&c->report->faults, "C%zu: RC %.12Lg improves without limit", j, rc);
+    const TermSum &primal = m.sums.objective;
+    const long double size = std::max(1 + std::fabs(primal.value), primal.largest);
+    check_report("ObjVal", 0, s->objval, primal.value, size, tol.report, faults);
+    long double dual = lp->objcon;
+    for (size_t i = 0; i < lp->rhs.size(); i++)
+        dual += static_cast<long double>(s->pi[i]) * lp->rhs[i];
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        // Rounding noise counts as 0, so that a far bound does not blow it up into a gap; so does what has no bound.
+        const TermSum &rc = m.sums.costs[j];
+        const bool open = std::isinf(m.cols[j].distance.value);
+        if (open || std::fabs(rc.value) <= tol.report * std::max(1.0L, rc.largest))
             continue;
-        }
-        // Rounding noise counts as 0: a far bound must not blow it up into a gap.
-        if (std::fabs(rc) > c->tol->report * size) c->report->dual_value += rc * bound;
-        const long double distance =
-            std::fabs(c->s->x[j] - static_cast<long double>(bound));
-        const double near = c->tol->primal * std::max(1.0, std::fabs(bound));
-        if (distance > near && std::fabs(d) > c->tol->dual) {
-            c->report->dual_vio = std::max(c->report->dual_vio, std::fabs(d));
-            fault(&c->report->faults,
-                  "C%zu = %.12g with RC %.12Lg is not at its bound %.12g", j, c->s->x[j],
-                  rc, bound);
-        }
+        dual += rc.value * (rc.value * lp->sense > 0 ? lp->lb[j] : lp->ub[j]);
     }
+    if (std::fabs(primal.value - dual) > tol.gap * size)
+        fault(faults, "duality gap: primal %.12Lg, dual %.12Lg", primal.value, dual);
 }
 
-static void check_values(Check *c)
+// ---- The basis ----
+
+static constexpr int MAX_FACTOR_ROWS = 400; // larger bases are not tested for regularity
+static constexpr double SINGULAR =
+    1e-11; // largest entry left, relative to 1: rows and columns are scaled
+
+Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {
-    const long double size =
-        std::max(1 + std::fabs(c->report->primal_value), c->sums.objective.largest);
-    if (std::fabs(c->report->primal_value - c->s->objval) > c->tol->report * size)
-        fault(&c->report->faults, "ObjVal %.12g, but the point has %.12Lg", c->s->objval,
-              c->report->primal_value);
-    const long double gap = c->report->primal_value - c->report->dual_value;
-    if (std::fabs(gap) > c->tol->gap * size)
-        fault(&c->report->faults, "duality gap: primal %.12Lg, dual %.12Lg",
-              c->report->primal_value, c->report->dual_value);
-    for (size_t i = 0; i < c->lp->rhs.size(); i++) {
-        const long double slack = c->lp->rhs[i] - c->sums.rows[i].value;
-        if (std::fabs(slack * c->s->pi[i]) > c->tol->gap * size)
-            fault(&c->report->faults, "R%zu: Pi %.12g on a row with slack %.12Lg", i,
-                  c->s->pi[i], slack);
+    Matrix b(lp->rhs.size());
+    const auto add = [&b](const std::vector<LpEntry> &column) {
+        for (auto &row : b) row.push_back(0);
+        for (const LpEntry &e : column) b[e.row].back() = e.value;
+    };
+    for (int j = 0; j < lp->num_vars(); j++)
+        if (s->vbasis[j] == 0) add(lp->cols[j]);
+    for (int i = 0; i < lp->num_rows(); i++)
+        if (s->cbasis[i] == 0) add({{i, 1}});
+    return b;
+}
+
+static bool is_regular(Matrix b)
+{
+    for (size_t c = 0; c < b.size(); c++) {
+        long double largest = 0;
+        for (const auto &row : b) largest = std::max(largest, std::fabs(row[c]));
+        for (auto &row : b) row[c] /= largest;
     }
+    for (auto &row : b) {
+        long double largest = 0;
+        for (const long double v : row) largest = std::max(largest, std::fabs(v));
+        for (long double &v : row) v /= largest;
+    }
+    return b.empty() || !inverse(b, SINGULAR).empty();
 }
 
-LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
-                          const LpTolerances &tolerances)
+// Nonbasic at `bound`, the sum or value being x.
+static std::string wrong_place(double bound, long double x, double tol)
 {
-    LpReport report;
-    Check c;
-    c.lp = lp;
-    c.s = solution;
-    c.tol = &tolerances;
-    c.report = &report;
-    if (!check_shape(&c)) return report;
-    c.sums = lp_sums(lp, solution->x, solution->pi);
-    report.primal_value = c.sums.objective.value;
-    report.dual_value = lp->objcon;
-    check_bounds(&c);
-    check_rows(&c);
-    check_row_duals(&c);
-    check_reduced_costs(&c);
-    check_values(&c);
-    if (solution->has_basis)
-        lp_check_basis(lp, solution, tolerances.primal, &report.faults);
-    return report;
+    if (lp_is_infinite(bound)) return " nonbasic at an infinite bound\n";
+    const long double apart = std::fabs(x - bound);
+    return apart > tol * std::max(1.0, std::fabs(bound)) ? " nonbasic, but not there\n"
+                                                         : "";
 }
 
-std::string LpReport::text() const
+static void check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
+                        std::vector<std::string> *faults)
 {
+    const size_t n = lp->obj.size(), m = lp->rhs.size();
+    if (solution->vbasis.size() != n || solution->cbasis.size() != m) {
+        faults->emplace_back("basis has the wrong size");
+        return;
+    }
+    const std::vector<long double> activity = lp_activity(lp, solution->x);
+    size_t basics = 0;
+    const auto add = [&](char kind, size_t k, const std::string &wrong) {
+        if (!wrong.empty()) faults->push_back(kind + std::to_string(k) + wrong);
+    };
+    for (size_t j = 0; j < n; j++) {
+        const int status = solution->vbasis[j];
+        const double lb = lp->lb[j], ub = lp->ub[j];
+        basics += status == 0;
+        if (status == -1 || status == -2)
+            add('C', j, wrong_place(status == -1 ? lb : ub, solution->x[j], tol_primal));
+        if (status == -3 && !(lp_is_infinite(lb) && lp_is_infinite(ub)))
+            add('C', j, " superbasic though it has a bound");
+        if (status < -3 || status > 0) add('C', j, " has a VBasis that does not exist");
+    }
+    for (size_t i = 0; i < m; i++) {
+        const int status = solution->cbasis[i];
+        basics += status == 0;
+        if (status == -1) add('R', i, wrong_place(lp->rhs[i], activity[i], tol_primal));
+        if (status < -1 || status > 0) add('R', i, " has a CBasis that does not exist");
+    }
+    if (basics != m)
+        faults->push_back(std::to_string(basics) + " basics for " + std::to_string(m) +
+                          " rows");
+    else if (m <= MAX_FACTOR_ROWS && !is_regular(basis_matrix(lp, solution)))
+        faults->emplace_back("basis matrix is singular");
+}
+
+std::string lp_check_optimal(const LpModel *lp, const LpSolution *s,
+                             const LpTolerances &tol)
+{
+    std::vector<std::string> faults;
+    if (!check_shape(lp, s, &faults)) return faults[0];
+    const LpMeasures m = lp_measure(lp, s->x, s->pi);
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const TermSum &rc = m.sums.costs[j];
+        check_violation("column", j, m.bound[j], lp->lb[j], lp->ub[j], tol.primal, &faults);
+        check_report("RC", j, s->rc[j], rc.value, rc.largest, tol.report, &faults);
+        check_priced("column", j, m.cols[j], tol, &faults);
+    }
+    for (size_t i = 0; i < lp->rhs.size(); i++) {
+        const TermSum &sum = m.sums.rows[i];
+        const long double rhs = lp->rhs[i];
+        check_violation("row", i, m.constr[i], lp->rhs[i], lp->rhs[i], tol.primal, &faults);
+        check_report("Slack", i, s->slack[i], rhs - sum.value,
+                     std::max(sum.largest, std::fabs(rhs)), tol.report, &faults);
+        check_priced("row", i, m.rows[i], tol, &faults);
+    }
+    check_value(lp, s, m, tol, &faults);
+    if (s->has_basis) check_basis(lp, s, tol.primal, &faults);
     std::string all;
     for (const std::string &line : faults) all += line + "\n";
     return all;

@@ -6,12 +6,13 @@
 //               primal    bounds and rows hold
 //               dual      sense*Pi <= 0 in '<' rows, >= 0 in '>' rows; RC = obj - Pi A; sense*RC >= 0 unless the
 //                         variable is at its upper bound, <= 0 unless at its lower bound
-//               gap       primal value = dual value, and Pi*Slack, RC*distance to the bound are small
+//               gap       primal value = dual value; Pi and RC are 0 away from the end that they price
 //               reports   Slack = rhs - a x, ObjVal = objcon + obj x, nothing is NaN
 //               basis     as many basics as rows, nonbasics at their bounds, the basis matrix is regular
 // Tolerances  A violation passes within the tolerance in the units of the model, or relative to the bound or rhs.
-// Out         LpReport: the measures and one line of text per fault; no faults means optimal.
+// Out         One line of text per fault; none means optimal.
 #pragma once
+#include "support/dense.h"
 #include "support/lp_model.h"
 #include <string>
 #include <vector>
@@ -33,17 +34,7 @@ struct LpTolerances {
     double report = 1e-9; // Slack, RC and ObjVal, relative to the largest term of their sum
 };
 
-struct LpReport {
-    long double bound_vio = 0, row_vio = 0; // largest unscaled violations
-    long double dual_vio = 0;               // largest wrong sign of Pi or RC, unscaled
-    long double primal_value = 0, dual_value = 0;
-    std::vector<std::string> faults;
-    bool ok() const { return faults.empty(); }
-    std::string text() const; // all faults, one per line
-};
-
-LpReport lp_check_optimal(const LpModel *lp, const LpSolution *solution,
-                          const LpTolerances &tolerances);
-// The basis alone: count, nonbasics at existing bounds, regular matrix. Appends to *faults.
-void lp_check_basis(const LpModel *lp, const LpSolution *solution, double tol_primal,
-                    std::vector<std::string> *faults);
+std::string lp_check_optimal(const LpModel *lp, const LpSolution *solution,
+                             const LpTolerances &tolerances);
+// Basic columns, then those of basic slacks; signs do not matter.
+Matrix basis_matrix(const LpModel *lp, const LpSolution *solution);

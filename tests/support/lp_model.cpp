@@ -59,34 +59,6 @@ double lp_get_entry(const LpModel *lp, int row, int col)
     return 0;
 }
 
-static bool same_bound(double a, double b)
-{
-    return a == b || (lp_is_infinite(a) && lp_is_infinite(b) && (a > 0) == (b > 0));
-}
-
-static bool same_column(std::vector<LpEntry> a, std::vector<LpEntry> b)
-{
-    if (a.size() != b.size()) return false;
-    const auto by_row = [](const LpEntry &p, const LpEntry &q) { return p.row < q.row; };
-    std::sort(a.begin(), a.end(), by_row);
-    std::sort(b.begin(), b.end(), by_row);
-    for (size_t k = 0; k < a.size(); k++)
-        if (a[k].row != b[k].row || a[k].value != b[k].value) return false;
-    return true;
-}
-
-bool lp_same(const LpModel *a, const LpModel *b)
-{
-    if (a->sense != b->sense || a->objcon != b->objcon || a->obj != b->obj) return false;
-    if (a->senses != b->senses || a->rhs != b->rhs) return false;
-    for (size_t j = 0; j < a->obj.size(); j++) {
-        if (!same_bound(a->lb[j], b->lb[j]) || !same_bound(a->ub[j], b->ub[j]))
-            return false;
-        if (!same_column(a->cols[j], b->cols[j])) return false;
-    }
-    return true;
-}
-
 void TermSum::add(long double a, long double b)
 {
     const long double term = a * b;
@@ -125,21 +97,71 @@ long double lp_objective(const LpModel *lp, const std::vector<double> &x)
     return lp_sums(lp, x, {}).objective.value;
 }
 
-long double lp_row_violation(const LpModel *lp, size_t row, long double activity)
+static LpAmount row_violation(const LpModel *lp, size_t row, const TermSum &sum)
 {
-    if (lp_is_infinite(lp->rhs[row])) return 0;
-    const long double over = activity - lp->rhs[row];
+    if (lp_is_infinite(lp->rhs[row])) return {};
+    const long double over = sum.value - lp->rhs[row];
     const char sense = lp->senses[row];
-    return sense == '<' ? over : sense == '>' ? -over : std::fabs(over);
+    return {sense == '<'   ? over
+            : sense == '>' ? -over
+                           : std::fabs(over),
+            sum.size + std::fabs(lp->rhs[row])};
 }
 
-long double lp_bound_violation(const LpModel *lp, size_t col, double x)
+static LpAmount bound_violation(const LpModel *lp, size_t col, long double x)
 {
     long double most = -LP_INFINITY;
-    if (!lp_is_infinite(lp->lb[col])) most = lp->lb[col] - static_cast<long double>(x);
-    if (!lp_is_infinite(lp->ub[col]))
-        most = std::max(most, static_cast<long double>(x) - lp->ub[col]);
-    return most;
+    if (!lp_is_infinite(lp->lb[col])) most = lp->lb[col] - x;
+    if (!lp_is_infinite(lp->ub[col])) most = std::max(most, x - lp->ub[col]);
+    return {most, std::fabs(x)};
+}
+
+static LpPriced price(LpAmount force, bool exists, double end, long double stands)
+{
+    const long double distance = (stands - end) * (force.value > 0 ? 1 : -1);
+    if (!exists || lp_is_infinite(end)) return {force, {HUGE_VALL, 0}, 0};
+    return {force, {distance, 0}, std::fabs(end)};
+}
+
+static LpPriced price_row(const LpModel *lp, size_t row, double pi, const TermSum &sum)
+{
+    const long double y = pi * lp->sense;
+    const bool equation = lp->senses[row] == '=';
+    LpPriced p =
+        price({y, std::fabs(y)}, equation || lp->senses[row] == (y > 0 ? '>' : '<'),
+              lp->rhs[row], sum.value);
+    if (equation) p.distance.value = std::fabs(p.distance.value);
+    p.distance.terms = sum.size + std::fabs(lp->rhs[row]);
+    p.end = std::max(p.end, sum.largest);
+    return p;
+}
+
+LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
+                      const std::vector<double> &pi)
+{
+    LpMeasures m;
+    m.sums = lp_sums(lp, x, pi);
+    const bool priced = pi.size() == lp->rhs.size();
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const TermSum &d = m.sums.costs[j];
+        m.bound.push_back(bound_violation(lp, j, x[j]));
+        if (priced)
+            m.cols.push_back(price({d.value * lp->sense, d.size}, true,
+                                   d.value * lp->sense > 0 ? lp->lb[j] : lp->ub[j], x[j]));
+    }
+    for (size_t i = 0; i < lp->rhs.size(); i++) {
+        m.constr.push_back(row_violation(lp, i, m.sums.rows[i]));
+        if (priced) m.rows.push_back(price_row(lp, i, pi[i], m.sums.rows[i]));
+    }
+    return m;
+}
+
+double LpMeasures::violation() const
+{
+    long double most = 0;
+    for (const std::vector<LpAmount> *list : {&bound, &constr})
+        for (const LpAmount &a : *list) most = std::max(most, a.value);
+    return static_cast<double>(most);
 }
 
 static std::string number(double value)

@@ -50,7 +50,6 @@ int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &e
                        char sense, double rhs);
 void lp_set_entry(LpModel *lp, int row, int col, double value); // 0 removes the entry
 double lp_get_entry(const LpModel *lp, int row, int col);
-bool lp_same(const LpModel *a, const LpModel *b); // up to the order inside columns
 
 // A sum in long double with the size of its terms, by which a judge tells rounding from a fault.
 struct TermSum {
@@ -71,9 +70,28 @@ LpSums lp_sums(const LpModel *lp, const std::vector<double> &x,
 std::vector<long double> lp_activity(const LpModel *lp, const std::vector<double> &x);
 long double lp_objective(const LpModel *lp, const std::vector<double> &x);
 
-// By how much an activity breaks its row, and x the worse of its bounds; negative: by how much it keeps it.
-long double lp_row_violation(const LpModel *lp, size_t row, long double activity);
-long double lp_bound_violation(const LpModel *lp, size_t col, double x);
+// An amount, and the magnitudes of the terms of the sum that it comes from.
+struct LpAmount {
+    long double value = 0, terms = 0;
+};
+// How the multiplier of a column or row fits where it stands.
+struct LpPriced {
+    LpAmount
+        force; // turned to a minimisation: above 0 it prices the lower end, below 0 the upper one
+    LpAmount
+        distance; // from that end, negative: beyond; infinite without it; in an equation either way
+    long double end = 0; // largest of the numbers behind the distance
+};
+// What a point, and multipliers if there are any, miss of optimality.
+struct LpMeasures {
+    LpSums sums;
+    std::vector<LpAmount> bound,
+        constr; // [n], [m] violations, negative: by how much it is kept
+    std::vector<LpPriced> cols, rows; // [n], [m]; none without multipliers
+    double violation() const;         // the largest
+};
+LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
+                      const std::vector<double> &pi);
 
 // The model as free MPS, all digits, each line of `comment` behind a star.
 std::string lp_to_mps(const LpModel *lp, const std::string &comment);

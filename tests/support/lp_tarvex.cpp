@@ -1,5 +1,6 @@
 // lp_tarvex.cpp -- load, read back and solve through the public interface; see the header
 #include "support/lp_tarvex.h"
+#include "support/model_text.h"
 #include <cstdlib>
 
 TestEnv::TestEnv()
@@ -43,36 +44,18 @@ static int read_doubles(TVXmodel *model, const char *name, int count,
     return read_array(TVXgetdblattrarray, model, name, count, values);
 }
 
-static int read_columns(TVXmodel *model, LpModel *lp)
-{
-    const int n = lp->num_vars();
-    int numnz = 0;
-    if (n == 0) return 0;
-    int error = TVXgetvars(model, &numnz, nullptr, nullptr, nullptr, 0, n);
-    std::vector<int> beg(n + 1), ind(numnz + 1);
-    std::vector<double> val(numnz + 1);
-    if (!error) error = TVXgetvars(model, &numnz, beg.data(), ind.data(), val.data(), 0, n);
-    beg[n] = numnz;
-    lp->cols.resize(n);
-    for (int j = 0; j < n; j++)
-        for (int p = beg[j]; p < beg[j + 1]; p++) lp->cols[j].push_back({ind[p], val[p]});
-    return error;
-}
-
 int lp_read_back(TVXmodel *model, LpModel *lp)
 {
+    const ModelContent content = model_content(model);
     *lp = LpModel{};
-    int n = 0, m = 0;
-    int error = TVXgetintattr(model, "NumVars", &n);
-    if (!error) error = TVXgetintattr(model, "NumConstrs", &m);
-    if (!error) error = TVXgetintattr(model, "ModelSense", &lp->sense);
-    if (!error) error = TVXgetdblattr(model, "ObjCon", &lp->objcon);
-    if (!error) error = read_doubles(model, "Obj", n, &lp->obj);
-    if (!error) error = read_doubles(model, "LB", n, &lp->lb);
-    if (!error) error = read_doubles(model, "UB", n, &lp->ub);
-    if (!error) error = read_doubles(model, "RHS", m, &lp->rhs);
-    if (!error) error = read_array(TVXgetcharattrarray, model, "Sense", m, &lp->senses);
-    return error ? error : read_columns(model, lp);
+    lp->sense = content.sense;
+    lp->objcon = content.objcon;
+    for (const ModelContent::Constr &c : content.constrs) lp_add_row(lp, c.sense, c.rhs);
+    for (const ModelContent::Var &v : content.vars) {
+        lp_add_var(lp, v.obj, v.lb, v.ub);
+        for (const auto &[row, value] : v.column) lp->cols.back().push_back({row, value});
+    }
+    return content.unreadable.empty() ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }
 
 int lp_read_point(TVXmodel *model, LpSolution *solution)

@@ -25,7 +25,7 @@ struct TestModel {
 
 // The model in one call (columns with TVXloadmodel), or null.
 TVXmodel *lp_load(TVXenv *env, const LpModel *lp);
-// What the library holds, by queries. 0 or the first code.
+// What the library holds, by queries. 0, or a code when some fail.
 int lp_read_back(TVXmodel *model, LpModel *lp);
 
 // TVXoptimize and lp_read_solution. 0 or the first code.

@@ -13,14 +13,12 @@
 using Reduction = int (*)(PresolveWork *);
 
 struct PresolveTry {
-    int error = 0;  // a code from loading, solving, or postsolve
     int status = 0; // PresolveEnd of the reductions: the first that is not 0
-    int infeas_row = -1, infeas_col = -1;
+    int infeas_col = -1;
     int rows = 0, cols = 0, nonzeros = 0; // of the reduced model, 0 when nothing is left
-    int rows_removed = 0, cols_removed = 0, ineq_to_eq = 0, coefs_changed = 0,
-        bounds_changed = 0;
-    int broken = 0;  // invariants of the record that a reduction broke (TVX_DEBUG builds)
-    LpModel reduced; // as the reductions left it, rows '<' and '=' only, to look at
+    int effect = 0;         // rows, columns, coefficients, bounds and senses changed in all
+    int coefs_changed = 0;  // of these
+    LpModel reduced;        // as the reductions left it, rows '<' and '=' only, to look at
     int reduced_status = 0; // Status of the reduced model, 0 when nothing is left
     LpSolution solution;    // after postsolve, when there is an optimum
     std::string

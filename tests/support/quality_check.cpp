@@ -15,85 +15,33 @@ struct Amount {
 };
 using Amounts = std::vector<Amount>;
 
-struct Measures {
-    Amounts bound, constr, residual, dual, dual_residual, complementarity;
-};
-
-struct Computation {
-    const LpModel *lp;
-    const LpSolution *s;
-    LpSums sums;
-    double tol = 0; // FeasibilityTol
-    Measures found;
-};
-
 } // namespace
 
-static Amount positive(long double value, long double terms)
+static Amount positive(const LpAmount &amount)
 {
-    const double amount = static_cast<double>(std::max(value, 0.0L));
-    return {amount, RELATIVE * amount + ROUNDING * static_cast<double>(terms)};
+    const double value = static_cast<double>(std::max(amount.value, 0.0L));
+    return {value, RELATIVE * value + ROUNDING * static_cast<double>(amount.terms)};
 }
 
-static void measure_point(Computation *c)
+static Amount size_of(const LpAmount &amount)
 {
-    const LpModel *lp = c->lp;
-    for (size_t j = 0; j < lp->obj.size(); j++)
-        c->found.bound.push_back(positive(lp_bound_violation(lp, j, c->s->x[j]), 0));
-    for (size_t i = 0; i < lp->rhs.size(); i++) {
-        const TermSum &sum = c->sums.rows[i];
-        const long double terms = sum.size + std::fabs(lp->rhs[i]);
-        const bool tight = lp->senses[i] == '=' || c->s->cbasis[i] < 0;
-        c->found.constr.push_back(positive(lp_row_violation(lp, i, sum.value), terms));
-        c->found.residual.push_back(
-            tight ? positive(std::fabs(lp->rhs[i] - sum.value), terms) : Amount{});
+    return positive({std::fabs(amount.value), amount.terms});
+}
+
+// Optimality wants the force of a multiplier to be 0, or its column or row to stand at the end that it prices.
+struct Priced {
+    Amounts dual, complementarity;
+    void judge(const LpPriced &p, double tol)
+    {
+        const Amount force = size_of(p.force), away = size_of(p.distance);
+        const bool open = std::isinf(away.value);
+        dual.push_back(p.distance.value > tol + PLACE_RELATIVE * p.end ? force : Amount{});
+        if (open) return complementarity.push_back({});
+        const double value = force.value * away.value;
+        complementarity.push_back({value, force.noise * away.value +
+                                              force.value * away.noise + RELATIVE * value});
     }
-}
-
-// Optimality for a minimise model wants `force` to be 0 or its bound, which is `distance` away, to hold.
-static void judge(Computation *c, const Amount &force, double distance,
-                  double distance_noise, double tolerance)
-{
-    c->found.dual.push_back(distance > tolerance ? force : Amount{});
-    const double size = std::isinf(distance) ? 0 : std::fabs(distance),
-                 value = force.value * size;
-    c->found.complementarity.push_back(
-        {value, force.noise * size + force.value * distance_noise + RELATIVE * value});
-}
-
-static void measure_reduced_costs(Computation *c)
-{
-    const LpModel *lp = c->lp;
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        const TermSum &d = c->sums.costs[j];
-        c->found.dual_residual.push_back(
-            positive(std::fabs(d.value - c->s->rc[j]), d.size));
-        const bool at_lower = d.value * lp->sense > 0;
-        const double bound = at_lower ? lp->lb[j] : lp->ub[j], x = c->s->x[j];
-        const double distance = lp_is_infinite(bound) ? HUGE_VAL
-                                : at_lower            ? x - bound
-                                                      : bound - x;
-        judge(c, positive(std::fabs(d.value), d.size), distance, 0,
-              c->tol + PLACE_RELATIVE * std::fabs(bound));
-    }
-}
-
-static void measure_row_duals(Computation *c)
-{
-    const LpModel *lp = c->lp;
-    for (size_t i = 0; i < lp->rhs.size(); i++) {
-        const TermSum &sum = c->sums.rows[i];
-        const double pi = c->s->pi[i], rhs = lp->rhs[i];
-        const int turn = lp->senses[i] == '>' ? -1 : 1; // the row as "at most"
-        const bool equation = lp->senses[i] == '=', wrong_sign = pi * lp->sense * turn > 0;
-        const double slack = static_cast<double>((rhs - sum.value) * turn),
-                     terms = static_cast<double>(sum.size) + std::fabs(rhs),
-                     largest = std::max(static_cast<double>(sum.largest), std::fabs(rhs));
-        judge(c, equation ? Amount{} : positive(std::fabs(pi), std::fabs(pi)),
-              wrong_sign ? HUGE_VAL : slack, RELATIVE * std::fabs(slack) + ROUNDING * terms,
-              c->tol + PLACE_RELATIVE * largest);
-    }
-}
+};
 
 static std::string differs(const std::string &name, double said, double found)
 {
@@ -134,22 +82,37 @@ static void compare(TVXmodel *model, const std::string &name, const Amounts &amo
 std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,
                                        const LpSolution *solution, QualityScaling scaling)
 {
-    Computation c = {lp, solution, lp_sums(lp, solution->x, solution->pi), 0, {}};
-    TVXgetdblparam(TVXgetenv(model), "FeasibilityTol", &c.tol);
-    measure_point(&c);
-    measure_reduced_costs(&c);
-    measure_row_duals(&c);
+    const LpMeasures m = lp_measure(lp, solution->x, solution->pi);
+    Amounts bound, constr, residual, dual_residual;
+    Priced priced;
+    double tol = 0;
+    TVXgetdblparam(TVXgetenv(model), "FeasibilityTol", &tol);
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        const TermSum &d = m.sums.costs[j];
+        bound.push_back(positive(m.bound[j]));
+        dual_residual.push_back(size_of({d.value - solution->rc[j], d.size}));
+        priced.judge(m.cols[j], tol);
+    }
+    for (size_t i = 0; i < lp->rhs.size(); i++) {
+        const bool equation = lp->senses[i] == '=';
+        LpPriced p = m.rows[i];
+        if (equation) p.force = {}; // free
+        constr.push_back(positive(m.constr[i]));
+        residual.push_back(equation || solution->cbasis[i] < 0 ? size_of(m.constr[i])
+                                                               : Amount{});
+        priced.judge(p, tol);
+    }
     const Amounts none;
     const struct {
         const char *kind, *measure;
         const Amounts &amounts;
         bool scaled; // there is one on the scaled model
-    } rows[] = {{"Bound", "Vio", c.found.bound, true},
-                {"Constr", "Vio", c.found.constr, true},
-                {"Constr", "Residual", c.found.residual, true},
-                {"Dual", "Vio", c.found.dual, true},
-                {"Dual", "Residual", c.found.dual_residual, true},
-                {"Compl", "Vio", c.found.complementarity, false},
+    } rows[] = {{"Bound", "Vio", bound, true},
+                {"Constr", "Vio", constr, true},
+                {"Constr", "Residual", residual, true},
+                {"Dual", "Vio", priced.dual, true},
+                {"Dual", "Residual", dual_residual, true},
+                {"Compl", "Vio", priced.complementarity, false},
                 {"Int", "Vio", none, false}};
     std::vector<std::string> faults;
     for (const auto &row : rows) {

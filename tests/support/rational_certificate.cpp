@@ -22,7 +22,7 @@ struct Basis {
     double relax;
     const DictionaryEnd *end;
     std::vector<int> cols;     // B
-    std::vector<int> rows;     // T
+    std::vector<size_t> rows;  // T
     std::vector<int> row_spot; // [m] position in T, or -1
     std::vector<int> col_spot; // [n] position in B, or -1
 };
@@ -90,25 +90,21 @@ static std::vector<Vector> basis_matrix(const Basis *basis, bool transposed)
     return matrix;
 }
 
-static mpq_class end_value(const RationalRange &range, int place)
-{
-    return place == -1 ? range.low : place == -2 ? range.high : mpq_class(0);
-}
-
 // The point of the basis, with one nonbasic variable off its end by a step.
 static bool find_point(const Basis *basis, int moved, int step, Vector *x)
 {
     const LpModel *lp = basis->lp;
     const size_t n = lp->obj.size();
     const auto place = [&](size_t v, const RationalRange &range) -> mpq_class {
-        return end_value(range, basis->end->place[v]) +
+        const int at = basis->end->place[v];
+        return (at == -1   ? range.low
+                : at == -2 ? range.high
+                           : mpq_class(0)) +
                (static_cast<int>(v) == moved ? step : 0);
     };
     Vector rhs, basic;
-    for (const int i : basis->rows) {
-        const size_t row = static_cast<size_t>(i);
-        rhs.push_back(place(n + row, relaxed_row(lp, row, basis->relax)));
-    }
+    for (const size_t i : basis->rows)
+        rhs.push_back(place(n + i, relaxed_row(lp, i, basis->relax)));
     x->assign(n, 0);
     for (size_t j = 0; j < n; j++) {
         if (basis->col_spot[j] >= 0) continue;
@@ -177,7 +173,7 @@ static Basis split_basis(const LpModel *lp, double relax, const DictionaryEnd *e
     for (size_t i = 0; i < m; i++) {
         if (end->place[n + i] == 0) continue;
         basis.row_spot[i] = static_cast<int>(basis.rows.size());
-        basis.rows.push_back(static_cast<int>(i));
+        basis.rows.push_back(i);
     }
     return basis;
 }

@@ -17,9 +17,9 @@ std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool pre
 LpSolution exact_solution(const LpModel *lp, const RationalResult &exact);
 // The checker's opinion of status 2, under the tolerances of the default parameters.
 std::string judge_optimal(const LpModel *lp, const LpSolution *solution);
-// A fresh model, the settings, one solve, judged exactly.
-std::string solve_and_judge(TVXenv *env, const LpModel *lp, const Settings &settings);
-bool settings_presolve(const Settings &settings); // may presolve blur the status?
+// A fresh model, the settings, a cutoff among them perhaps, and one solve, judged exactly.
+std::string solve_and_judge(TVXenv *env, const LpModel *lp, const RationalResult *truth,
+                            const Settings &settings);
 
 // Do two outcomes of the same model agree? Status 4 goes with 3 and 5. Empty, or the difference.
 std::string same_outcome(const LpSolution *a, const LpSolution *b);

@@ -22,12 +22,10 @@ struct FamilyRow {
 };
 const std::vector<FamilyRow> &all_families();
 
-// structured_gen.cpp
 GeneratedLp gen_assignment(Dice *dice, int size);   // few distinct costs, highly degenerate
 GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capacity
 GeneratedLp gen_network(Dice *dice, int size);      // minimum cost flow with capacities
 GeneratedLp gen_blending(Dice *dice, int size);     // dense ratio rows, free, fixed columns
-// planted_gen.cpp
 GeneratedLp gen_planted_optimum(Dice *dice, int size);    // by a point and multipliers
 GeneratedLp gen_badly_scaled(Dice *dice, int size);       // the same, lines stretched
 GeneratedLp gen_degenerate_optimum(Dice *dice, int size); // the same, all rows tight
