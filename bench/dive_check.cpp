@@ -6,8 +6,9 @@
 
 namespace
 {
-constexpr double SAME = 1e-6; // relative difference of objectives that counts as none
-constexpr int PROBED = 4;     // variables of a point for strong branching
+constexpr double SAME = 1e-6;     // relative difference of objectives that counts as none
+constexpr int PROBED = 4;         // variables of a point for strong branching,
+constexpr double INTEGRAL = 1e-5; // farther from an integer than this, the usual IntFeasTol
 
 struct Tally {
     const char *name;
@@ -108,7 +109,7 @@ void check_probes(Lp *lp, ModelBody *body, Tally *tally)
     int left = PROBED;
     for (int j = 0; j < body->numvars && branch && left > 0; j++) {
         const double x = simplex_value(lp->record, j);
-        if (!lp->integer(j) || std::fabs(x - std::round(x)) < 1e-6) continue;
+        if (!lp->integer(j) || std::fabs(x - std::round(x)) < INTEGRAL) continue;
         left--;
         for (const bool up : {false, true}) {
             const Bounds before = {j, lp->lower[size_t(j)], lp->upper[size_t(j)]},
