@@ -7,6 +7,7 @@
 namespace
 {
 constexpr double SAME = 1e-6;     // relative difference of objectives that counts as none
+constexpr double BELOW = 1e-5;    // relative, of probes
 constexpr int PROBED = 4;         // variables of a point for strong branching,
 constexpr double INTEGRAL = 1e-5; // farther from an integer than this, the usual IntFeasTol
 
@@ -27,13 +28,16 @@ struct Tally {
                     status, objective);
         }
     }
-    // At a limit the value is a bound.
+    // At a limit the value is a bound. An optimum within the tolerance may lie below by a little more than another one.
     void judge_probe(const BranchOutcome &out, int status, double objective)
     {
-        if (out.Status == TVX_ITERATION_LIMIT) {
+        const double size = 1 + std::fabs(objective);
+        const bool near = out.Status == TVX_OPTIMAL && status == TVX_OPTIMAL &&
+                          out.Value >= objective - BELOW * size;
+        if (out.Status == TVX_ITERATION_LIMIT || near) {
             solves++;
-            const bool valid = status == TVX_INFEASIBLE ||
-                               out.Value <= objective + SAME * (1 + std::fabs(objective));
+            const bool valid =
+                status == TVX_INFEASIBLE || out.Value <= objective + SAME * size;
             if (valid) return;
             wrong++;
             fprintf(stderr, "%s: bound %.10g, fresh %d %.10g\n", name, out.Value, status,

@@ -73,6 +73,9 @@ template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j);
 // change of its value is added to Work, live_move_values then changes the basic values.
 template<class R>
 void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before);
+// Reduced costs of the wrong sign within OptTol put the objective visibly above the optimum: OptTol is reduced, and the primal
+// simplex has to continue.
+template<class R> bool live_sign_error(sopt *s, swork<R> *w);
 // New bounds of column j in units of the working LP, as live_move_nonbasic. Work has to be empty before the first one.
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);

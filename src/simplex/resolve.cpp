@@ -164,6 +164,16 @@ template<class R> int live_run_primal(sopt *s, swork<R> *w)
     return code;
 }
 
+template<class R> bool live_sign_error(sopt *s, swork<R> *w)
+{
+    const double limit = SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
+    if (s->SignError <= limit) return false;
+    s->SignError = dual_sign_errors(s, w);
+    bool primal = false;
+    return s->SignError > limit &&
+           tighten_tolerances(s, {{}, measure_violations(s, w).Dual}, &primal);
+}
+
 namespace
 {
 // Bounds of a change in units of the working LP.
@@ -247,17 +257,6 @@ template<class R> double lower_bound(sopt *s, swork<R> *w)
     return std::isfinite(bound) ? bound + s->ObjOffset : -UNDEFINED_VALUE;
 }
 
-// Reduced costs of the wrong sign within the tolerance put the objective visibly above the optimum: the tolerance is reduced.
-template<class R> bool has_sign_error(sopt *s, swork<R> *w)
-{
-    const double limit = SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
-    if (s->SignError <= limit) return false;
-    s->SignError = dual_sign_errors(s, w);
-    bool primal = false;
-    return s->SignError > limit &&
-           tighten_tolerances(s, {{}, measure_violations(s, w).Dual}, &primal);
-}
-
 // *bound: a lower bound known when a limit stops the primal simplex.
 template<class R> int run(sopt *s, swork<R> *w, double *bound)
 {
@@ -268,7 +267,7 @@ template<class R> int run(sopt *s, swork<R> *w, double *bound)
     s->Live = LIVE_FRESH;
     if (s->RefacReason == REFAC_NONE && s->DualObj > s->CutoffFrom) dual_test_cutoff(s, w);
     TRY(dual_pivots(s, w));
-    if (s->Status == SIMPLEX_OPTIMAL && has_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
+    if (s->Status == SIMPLEX_OPTIMAL && live_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
     if (s->Status == SIMPLEX_SWITCH) {
         *bound = lower_bound(s, w);
         dual_weights_save(s, w); // the primal simplex changes positions
@@ -422,6 +421,7 @@ int simplex_clean(sopt *s, bool *same)
     template void live_set_bounds<R>(sopt *, swork<R> *, int, double, double);             \
     template void live_move_values<R>(sopt *, swork<R> *);                                 \
     template void live_begin<R>(sopt *, swork<R> *, double);                               \
+    template bool live_sign_error<R>(sopt *, swork<R> *);                                  \
     template int live_run_primal<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)

@@ -5,8 +5,8 @@
 // Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
 //             infeasible. Updates of the factors are recorded and undone (lu_journal.cpp); basis and vectors are copied
 //             back. There is no perturbation and no confirmation on fresh factors, since the dual bound is valid at
-//             every dual feasible basis. If shifted costs led to a basis that is not dual feasible for the true costs,
-//             the primal simplex continues within the same limit.
+//             every dual feasible basis. If the basis at the end is not dual feasible for the true costs, or not sharply
+//             enough, the primal simplex continues within the same limit.
 // Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
 //             of the positions after a probe that factored.
 // Cost        A probe: its iterations, and O(n + m) for the copies; a factorisation if it factored itself.
@@ -251,8 +251,8 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
 {
     sopt *s = b->Record;
     TRY(run(s, w, branch, limit));
+    if (s->Status == SIMPLEX_OPTIMAL && live_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
     double bound = b->Optimum;
-    bool doubtful = false; // reduced costs of the wrong sign move the objective
     switch (s->Status) {
     case SIMPLEX_SWITCH:
         bound = safe_bound(b, w);
@@ -265,13 +265,12 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
         bound = safe_bound(b, w);
         break;
     case SIMPLEX_OPTIMAL:
-        doubtful = s->SignError > SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
-        if (s->DualObj > s->Cutoff * s->ObjScale || doubtful) bound = safe_bound(b, w);
+        if (s->DualObj > s->Cutoff * s->ObjScale) bound = safe_bound(b, w);
         break;
     default:
         break;
     }
-    *outcome = conclude(b, doubtful ? bound : true_objective(s, w) + s->ObjOffset, bound);
+    *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
     return 0;
 }
 

@@ -98,7 +98,7 @@ FAULTS = [
           "if (s->Live == LIVE_FRESH) pivot_values(s, w, r, q, status);", ""),
     Fault("src/simplex/live_query.cpp", "a column of the tableau has the units of the working LP", "Resolve.*",
           "static_cast<double>(w->Alpha.Value.data[r]) * signed_unit(s, k) / unit;",
-          "static_cast<double>(w->Alpha.Value.data[r]);"),
+          "static_cast<double>(w->Alpha.Value.data[r]) / signed_unit(s, k) / unit;"),
     Fault("src/simplex/dual_bound.cpp",
           "the dual bound is one for the shifted costs", "Resolve.*:DualBound.*",
           "return R(s->Cost.data[j]) + column_dot", "return R(s->WorkCost.data[j]) + column_dot"),
