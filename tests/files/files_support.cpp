@@ -3,7 +3,6 @@
 #include "model/warm_start.h"
 #include <algorithm>
 #include <cmath>
-#include <regex>
 #include <sstream>
 
 std::string shown(double value)
@@ -149,7 +148,9 @@ std::string Files::round_trip(const std::string &name, Names names)
 
 std::string Files::content() const
 {
-    return std::regex_replace(stored_text(model, Names::COMPARE), std::regex("\n"), "; ");
+    std::string text = stored_text(model, Names::COMPARE), line, all;
+    for (std::istringstream lines(text); std::getline(lines, line);) all += line + "; ";
+    return all;
 }
 
 int Files::column(const std::string &name) const
