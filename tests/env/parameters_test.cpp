@@ -5,6 +5,8 @@
 #include <sstream>
 #include <vector>
 
+using namespace std::string_literals;
+
 struct Parameters : Env {
     // What reading a file of this text prints.
     std::string read(const std::string &text)
@@ -167,8 +169,9 @@ TEST_F(Parameters, DummySetsAnyNumberByText)
     EXPECT_EQ(TVXsetstrparam(env, "Dummy", "Presolve 1e300"), 10008);
     EXPECT_EQ(message(),
               "Unable to set parameter Presolve to value 2000000000 (maximum is 2)");
-    for (const std::string text : {"", "Presolve", "Presolve 2x", "LogFile 1",
-                                   "Presolve nan", std::string(4000, 'n').c_str()})
+    const std::string none, long_name(4000, 'n');
+    for (const std::string &text :
+         {none, long_name, "Presolve"s, "Presolve 2x"s, "LogFile 1"s, "Presolve nan"s})
         EXPECT_EQ(TVXsetstrparam(env, "Dummy", text.c_str()), 10007) << text;
     EXPECT_EQ(env->Presolve, 1);
 }
