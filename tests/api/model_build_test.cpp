@@ -149,7 +149,8 @@ TEST_F(ModelBuild, loading_requires_arrays_where_something_stands_in_them)
 TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
 {
     const int beg[] = {0, 1}, back[] = {1, 0}, twice[] = {0, 1, 1}, types[] = {1, 3};
-    const int vars[] = {0, 3}, rows[] = {0, 2}, *zero = beg, ind[] = {0, 1, 2};
+    const int vars[] = {0, 3}, rows[] = {0, 2}, *zero = beg, ind[] = {0, 1, 2},
+              late[] = {3, 0};
     const double val[] = {1, 1, 1}, bad[] = {1, NAN, 1};
     const std::string no_vars = "Problem adding variables",
                       nan = "Element 1 of a double array is Nan or Inf.",
@@ -202,7 +203,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     refused(10002, no_sos, add_sos(ind + 1, 3, nullptr, ind, val));
     refused(10002, no_sos, add_sos(ind + 1, 3, beg, ind, nullptr));
     refused(10003, no_sos, add_sos(ind + 1, -3, beg, ind, val));
-    refused(10006, "Invalid start 3 of SOS 0", add_sos(ind + 1, 3, vars + 1, ind, val));
+    refused(10006, "Invalid start 3 of SOS 0", add_sos(ind + 1, 3, late, ind, val));
     refused(10003, nan, add_sos(ind + 1, 3, beg, ind, bad));
     refused(10006, "Problem deleting variable", TVXdelvars(model, 2, vars));
     refused(10002, "Problem deleting variable", TVXdelvars(model, 1, nullptr));
