@@ -16,10 +16,6 @@ namespace
 {
 // A stored weight below this share of the exact one is too small: the row is chosen again.
 constexpr double WEIGHT_TRUST = 0.25;
-// Rounding errors of a live record's basic values above this share of FeasTol: they are computed anew before an optimum
-// is reported.
-constexpr double NOISE_SHARE = 0.01;
-
 constexpr int MAX_REJECTED = 20;  // rows set aside before the run ends with SIMPLEX_SWITCH
 constexpr int PRICING_PERIOD = 3; // factorisations between reviews of the pricing
 
@@ -159,7 +155,7 @@ template<class R> void no_row(sopt *s, swork<R> *w)
         s->RefacReason = REFAC_CLEAN;
     } else if (d->Rejected > 0) {
         s->Status = SIMPLEX_SWITCH;
-    } else if (s->Live && s->ValueNoise > NOISE_SHARE * s->FeasTol) {
+    } else if (dual_is_noisy(s)) {
         s->RefacReason = REFAC_VALUES;
     } else if (s->BoxPhase) {
         end_box_phase(s, w);

@@ -66,16 +66,14 @@ void dual_remove_perturbation(sopt *s);
 template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
-// resolve.cpp, also for strong branching and loaded bases
+// live_bounds.cpp
+bool live_crosses(const sopt *s, int j); // its bounds exclude every value
 // Reduced cost of nonbasic column j from the multipliers. That of a fixed column is not kept.
 template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j);
 // Nonbasic j, at `before`, goes to the bound that its reduced cost asks for, or takes status `wish` if that has no sign. The
 // change of its value is added to Work, live_move_values then changes the basic values.
 template<class R>
 void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before);
-// Reduced costs of the wrong sign within OptTol put the objective visibly above the optimum: OptTol is reduced, and the primal
-// simplex has to continue.
-template<class R> bool live_sign_error(sopt *s, swork<R> *w);
 // New bounds of column j in units of the working LP, as live_move_nonbasic. Work has to be empty before the first one.
 template<class R>
 void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper);
@@ -87,6 +85,10 @@ bool live_is_near(const sopt *s, const NodeBasis &basis);
 [[nodiscard]] int live_load_basis(sopt *s, const NodeBasis &basis);
 // live_negate.cpp. Column j changes its sign; the LP stays the same.
 template<class R> void live_negate(sopt *s, swork<R> *w, int j);
+// resolve.cpp, also for strong branching
+// Whether reduced costs of the wrong sign within OptTol put the objective visibly above the optimum. OptTol is then reduced,
+// for this and later solves of the record, and the primal simplex has to continue.
+template<class R> bool live_tighten_signs(sopt *s, swork<R> *w);
 template<class R>
 void live_begin(sopt *s, swork<R> *w,
                 double iteration_limit); // counters and guards of a solve
@@ -126,8 +128,52 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor);
 // multipliers for the costs in force, the other those for the true costs (RowVal, Work, Tau are used).
 template<class R> double dual_bound(sopt *s, swork<R> *w);
 template<class R> double dual_bound_true_costs(sopt *s, swork<R> *w);
-// SignError of the reduced costs as they are.
-template<class R> double dual_sign_errors(const sopt *s, const swork<R> *w);
+// By how much the reduced cost of j has the wrong sign; not positive if it has none.
+template<class R> double dual_sign_gap(const sopt *s, const swork<R> *w, int j)
+{
+    const double d = static_cast<double>(w->Cbar.data[j]);
+    switch (s->VStat.data[j]) {
+    case AT_LOWER:
+        return -d;
+    case AT_UPPER:
+        return d;
+    case AT_FREE:
+        return std::fabs(d);
+    default:
+        return 0;
+    }
+}
+// Counts the gap of one more reduced cost in SignError or SignOpen.
+inline void dual_count_sign(sopt *s, int j, double gap)
+{
+    if (gap <= 0) return;
+    const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
+    if (range <= s->ValueSize)
+        s->SignError += gap * range;
+    else
+        s->SignOpen += gap;
+}
+// By how much DualObj may exceed the optimum through reduced costs of the wrong sign; 0 if nobody would see it.
+constexpr double SIGN_TRUST = 1e-7; // share of 1 + |objective|
+inline double dual_error_limit(const sopt *s)
+{
+    return SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
+}
+inline double dual_visible_error(const sopt *s)
+{
+    const double error = s->SignError + (s->SignOpen > 0 ? s->SignOpen * s->ValueSize : 0);
+    return error > dual_error_limit(s) ? error : 0;
+}
+// Rounding errors of a live record's values or reduced costs above this share of the tolerance: they are computed anew before
+// an optimum is reported.
+constexpr double NOISE_SHARE = 0.01;
+inline bool dual_is_noisy(const sopt *s)
+{
+    return s->Live && (s->ValueNoise > NOISE_SHARE * s->FeasTol ||
+                       s->DualNoise > NOISE_SHARE * s->OptTol);
+}
+// SignError, SignOpen and ValueSize of the reduced costs and values as they are.
+template<class R> void dual_count_signs(sopt *s, const swork<R> *w);
 template<class R>
 void dual_set_objective(sopt *s, const swork<R> *w); // DualObj, SignError, CutoffFrom
 template<class R> void dual_test_cutoff(sopt *s, swork<R> *w); // sets Status, or CutoffFrom
@@ -137,14 +183,6 @@ inline void dual_add_objective(sopt *s, double term)
 {
     s->DualObj += term;
     s->DualObjSum += std::fabs(term);
-}
-constexpr double SIGN_TRUST = 1e-7; // share of the objective that SignError may be
-
-// What a reduced cost of the wrong sign, `gap` on the wrong side of zero, adds to the error of the objective: as
-// measure_violations.
-inline double dual_sign_error(const sopt *s, int j, double gap)
-{
-    return gap > 0 ? gap * std::min(s->ValueSize, s->Upper.data[j] - s->Lower.data[j]) : 0;
 }
 // Cbar -= theta times the packed row, for the slacks of equations times Rho.
 template<class R> void dual_subtract_row(const sopt *s, swork<R> *w, R theta);

@@ -159,36 +159,18 @@ template<class R> double dual_bound_true_costs(sopt *s, swork<R> *w)
     return lagrangian(s, w, w->RowVal.data + s->NumCols, s->Cost.data) / s->ObjScale;
 }
 
-namespace
+template<class R> void dual_count_signs(sopt *s, const swork<R> *w)
 {
-// By how much the reduced cost of nonbasic j has the wrong sign.
-template<class R> double sign_gap(const sopt *s, const swork<R> *w, int j)
-{
-    const double d = static_cast<double>(w->Cbar.data[j]);
-    switch (s->VStat.data[j]) {
-    case AT_LOWER:
-        return -d;
-    case AT_UPPER:
-        return d;
-    case AT_FREE:
-        return std::fabs(d);
-    default:
-        return 0;
-    }
-}
-} // namespace
-
-template<class R> double dual_sign_errors(const sopt *s, const swork<R> *w)
-{
-    double sum = 0;
-    for (int j = 0; j < s->NumVars; j++)
-        if (!is_basic(s, j)) sum += dual_sign_error(s, j, sign_gap(s, w, j));
-    return sum;
+    s->ValueSize = s->SignError = s->SignOpen = 0;
+    for (int r = 0; r < s->NumRows; r++)
+        s->ValueSize =
+            std::max(s->ValueSize, std::fabs(static_cast<double>(w->Bbar.data[r])));
+    for (int j = 0; j < s->NumVars; j++) dual_count_sign(s, j, dual_sign_gap(s, w, j));
 }
 
 template<class R> void dual_set_objective(sopt *s, const swork<R> *w)
 {
-    if (s->Live) s->SignError = dual_sign_errors(s, w);
+    if (s->Live) dual_count_signs(s, w);
     s->DualObj = working_objective(s, w);
     s->DualObjSum = 0;
     s->CutoffFrom = has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
@@ -215,7 +197,7 @@ template<class R> void dual_test_cutoff(sopt *s, swork<R> *w)
 #define INSTANTIATE(R)                                                                     \
     template double dual_bound<R>(sopt *, swork<R> *);                                     \
     template double dual_bound_true_costs<R>(sopt *, swork<R> *);                          \
-    template double dual_sign_errors<R>(const sopt *, const swork<R> *);                   \
+    template void dual_count_signs<R>(sopt *, const swork<R> *);                           \
     template void dual_set_objective<R>(sopt *, const swork<R> *);                         \
     template void dual_test_cutoff<R>(sopt *, swork<R> *);
 INSTANTIATE(double)

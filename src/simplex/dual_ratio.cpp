@@ -224,8 +224,8 @@ void count_sign_errors(sopt *s, const swork<R> *w, int flip_end, int groups, int
     const R step = d->CandDual.data[best] / d->CandAlpha.data[best];
     for (int k = 0; k < d->GroupEnd.data[groups - 1]; k++) {
         const R left = d->CandDual.data[k] - step * d->CandAlpha.data[k];
-        s->SignError += dual_sign_error(s, w->RowInd.data[d->CandPlace.data[k]],
-                                        static_cast<double>(k < flip_end ? left : -left));
+        dual_count_sign(s, w->RowInd.data[d->CandPlace.data[k]],
+                        static_cast<double>(k < flip_end ? left : -left));
     }
 }
 

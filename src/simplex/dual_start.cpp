@@ -5,7 +5,8 @@
 //             [0, 1], free ones in [-1000, 1000], all others fixed at 0, right-hand side 0. Its optimum is 0 if and
 //             only if the LP is dual feasible; its optimal basis is then dual feasible for the LP.
 //             Costs are perturbed to the dual feasible side against degeneracy; cost shifts keep reduced costs from
-//             becoming infeasible by rounding. Both are removed at the end.
+//             becoming infeasible by rounding. Both are removed at the end; a live record takes back few shifts by the
+//             tableau rows that they have changed.
 // Literature  A. Koberstein, The dual simplex method, techniques for a fast and stable implementation, Paderborn 2005.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -152,22 +153,6 @@ void dual_remove_perturbation(sopt *s)
     s->ShiftCount = 0;
 }
 
-namespace
-{
-// Whether the reduced cost of j has the wrong sign beyond the tolerance; SignError counts what is within.
-template<class R> bool has_wrong_sign(sopt *s, const swork<R> *w, int j)
-{
-    const double d = static_cast<double>(w->Cbar.data[j]);
-    const int status = s->VStat.data[j];
-    const double gap = status == AT_LOWER   ? -d
-                       : status == AT_UPPER ? d
-                       : status == AT_FREE  ? std::fabs(d)
-                                            : 0;
-    s->SignError += dual_sign_error(s, j, gap);
-    return gap > s->OptTol;
-}
-} // namespace
-
 // The shift of a basic variable changes the reduced costs of its tableau row.
 template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible)
 {
@@ -195,11 +180,14 @@ template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible)
         compute_row(s, w);
         dual_subtract_row(s, w, R(-1));
     }
-    int wrong = 0;
-    for (int k = 0; k < s->ShiftCount; k++) wrong += has_wrong_sign(s, w, s->Shifted[k]);
-    for (int k = 0; basic && k < w->RowCount; k++)
-        wrong += has_wrong_sign(s, w, w->RowInd.data[k]);
-    *feasible = wrong == 0;
+    *feasible = true;
+    const auto judge = [=](int j) {
+        const double gap = dual_sign_gap(s, w, j);
+        dual_count_sign(s, j, gap);
+        if (gap > s->OptTol) *feasible = false;
+    };
+    for (int k = 0; k < s->ShiftCount; k++) judge(s->Shifted[k]);
+    for (int k = 0; basic && k < w->RowCount; k++) judge(w->RowInd.data[k]);
     s->Perturbed = PERTURBED_NONE;
     s->ShiftCount = 0;
     return true;

@@ -10,7 +10,24 @@
 
 namespace
 {
-constexpr double UNIT_ROUNDOFF = 1.2e-16; // of doubles
+constexpr double UNIT_ROUNDOFF = 1.2e-16; // of doubles, rounded up
+
+template<class R> double largest_entry(const SVec<R> *x)
+{
+    R largest = 0;
+    for (int k = 0; k < x->Count; k++)
+        largest = std::max(largest, std::abs(x->Value.data[x->Index.data[k]]));
+    for (int i = 0; i < x->Dim && x->Count < 0; i++)
+        largest = std::max(largest, std::abs(x->Value.data[i]));
+    return static_cast<double>(largest);
+}
+
+// A live record's basic values move by at most `step`.
+void count_step(sopt *s, double step)
+{
+    s->ValueSize += step;
+    s->ValueNoise += UNIT_ROUNDOFF * step;
+}
 
 // Bbar -= factor x.
 template<class R> void subtract(swork<R> *w, R factor, const SVec<R> *x)
@@ -78,6 +95,7 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
                                   (*status == AT_LOWER ? range : -range));
         *status = *status == AT_LOWER ? AT_UPPER : AT_LOWER;
     }
+    if (s->Live) count_step(s, largest_entry(&w->Work));
     subtract(w, R(1), &w->Work);
     if (svec_is_short(&w->Alpha))
         dual_set_merits(s, w, &w->Work); // otherwise dual_update_values sets all merits
@@ -86,13 +104,7 @@ template<class R> void dual_apply_flips(sopt *s, swork<R> *w)
 
 template<class R> void dual_move_values(sopt *s, swork<R> *w)
 {
-    const SVec<R> *x = &w->Work;
-    R largest = 0;
-    for (int k = 0; k < x->Count; k++)
-        largest = std::max(largest, std::abs(x->Value.data[x->Index.data[k]]));
-    for (int i = 0; i < x->Dim && x->Count < 0; i++)
-        largest = std::max(largest, std::abs(x->Value.data[i]));
-    s->ValueNoise += UNIT_ROUNDOFF * static_cast<double>(largest);
+    count_step(s, largest_entry(&w->Work));
     subtract(w, R(1), &w->Work);
     dual_set_merits(s, w, &w->Work);
     svec_clear(&w->Work);
@@ -104,10 +116,14 @@ template<class R> void dual_update_values(sopt *s, swork<R> *w)
     const int r = d->PivotRow, leaving = s->BasisHead.data[r];
     const R theta = d->ThetaPrimal;
     dual_add_objective(s, static_cast<double>(w->Cbar.data[d->PivotCol] * theta));
-    s->ValueNoise += UNIT_ROUNDOFF * std::fabs(static_cast<double>(theta));
+    if (s->Live)
+        count_step(s,
+                   std::fabs(static_cast<double>(theta)) * (1 + largest_entry(&w->Alpha)) +
+                       std::fabs(nonbasic_value(s, d->PivotCol)));
     subtract(w, theta, &w->Alpha);
     dual_set_merits(s, w, &w->Alpha);
     w->Bbar.data[r] = R(nonbasic_value(s, d->PivotCol)) + theta;
+    s->DualNoise += UNIT_ROUNDOFF * std::fabs(static_cast<double>(d->ThetaDual));
     // assigned zero when the step is degenerate
     if (d->ThetaDual != R(0)) dual_subtract_row(s, w, d->ThetaDual);
     w->Cbar.data[d->PivotCol] = R(0);

@@ -211,6 +211,9 @@ namespace
 // Entries of g up to this size at a variable without a bound are rounding errors.
 constexpr double SIMPLE_NOISE = 1e-14;
 
+// The same of basic variables, whose entries are zero but for the errors of the multipliers, and 1 for the leaving one.
+constexpr double SIMPLE_BASIC_NOISE = 1e-9;
+
 // In user units, as SLACK. Far larger, since the multipliers are not refined; closer cases are left to proves_infeasible.
 constexpr double SIMPLE_SLACK = 1e-6;
 
@@ -227,7 +230,7 @@ void extend_simply(const sopt *s, SimpleRange *range, int j, double g)
 {
     const double lower = s->Lower.data[j], upper = s->Upper.data[j];
     const double below = g > 0 ? lower : upper, above = g > 0 ? upper : lower;
-    const bool noise = std::fabs(g) <= SIMPLE_NOISE;
+    const bool noise = std::fabs(g) <= (is_basic(s, j) ? SIMPLE_BASIC_NOISE : SIMPLE_NOISE);
     range->Weight += std::fabs(g) / user_unit(s, j);
     for (const bool low : {true, false}) {
         const double bound = low ? below : above;

@@ -1,5 +1,5 @@
 // live_query.cpp -- results of a live record, in the units of the body, read without copies
-#include "simplex/sopt.h"
+#include "simplex/dual.h"
 
 namespace
 {
@@ -7,6 +7,12 @@ double basic_value(const sopt *s, int r)
 {
     return s->Quad ? static_cast<double>(s->Extended->Bbar.data[r])
                    : s->Double->Bbar.data[r];
+}
+
+// A value of the working LP in that of the body, with its sign.
+double signed_unit(const sopt *s, int k)
+{
+    return k < s->NumCols ? s->ColScale.data[k] : 1 / s->RowScale.data[k - s->NumCols];
 }
 
 double minus_multiplier(const sopt *s, int i)
@@ -30,16 +36,15 @@ double simplex_value(const sopt *s, int k)
 {
     const double x =
         is_basic(s, k) ? basic_value(s, s->VStat.data[k]) : nonbasic_value(s, k);
-    return k < s->NumCols ? x * s->ColScale.data[k] : x / s->RowScale.data[k - s->NumCols];
+    return x * signed_unit(s, k);
 }
 
 // That of a fixed variable is computed from the multipliers, as it is not updated.
 double simplex_reduced_cost(const sopt *s, int j)
 {
-    double d = is_basic(s, j) ? 0 : s->WorkCost.data[j];
-    if (!is_basic(s, j))
-        for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-            d += s->ColVal.data[p] * minus_multiplier(s, s->ColInd.data[p]);
+    if (is_basic(s, j)) return 0;
+    const double d = s->Quad ? static_cast<double>(live_reduced_cost(s, s->Extended, j))
+                             : live_reduced_cost(s, s->Double, j);
     return d / (s->ColScale.data[j] * s->ObjScale);
 }
 
@@ -75,14 +80,7 @@ template<class R> LiveVector inverse_row(sopt *s, swork<R> *w, int k)
     svec_unit(&w->Rho, s->VStat.data[k], R(1));
     Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
     s->Proof = PROOF_NONE; // its multipliers were in Rho
-    return view(s, &w->Rho,
-                k < s->NumCols ? s->ColScale.data[k]
-                               : 1 / s->RowScale.data[k - s->NumCols]);
-}
-
-double signed_unit(const sopt *s, int k)
-{
-    return k < s->NumCols ? s->ColScale.data[k] : 1 / s->RowScale.data[k - s->NumCols];
+    return view(s, &w->Rho, signed_unit(s, k));
 }
 
 template<class R> LiveEntries tableau_row(sopt *s, swork<R> *w, int k)

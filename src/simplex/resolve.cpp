@@ -6,7 +6,8 @@
 //             was fixed: its reduced cost is computed from the multipliers. The basis stays dual feasible, as a boxed
 //             variable goes to the bound that its reduced cost asks for, so the dual simplex continues. Results need no
 //             fresh factors; those come when updates have become too many. If shifted costs led to a basis that is not
-//             dual feasible for the true costs, the primal simplex continues; numeric trouble leads to SimplexOptimize.
+//             dual feasible for the true costs, or reduced costs of the wrong sign within the tolerance put the objective
+//             too high, the primal simplex continues; numeric trouble leads to SimplexOptimize.
 // Invariant   LIVE_FRESH (resolve.h).
 // Cost        The pivots, one FTRAN, the columns of the changed variables.
 #include "simplex/dual.h"
@@ -16,112 +17,17 @@
 
 namespace
 {
-constexpr double TOLERANCE_FLOOR =
-    1e-9; // smallest feasibility tolerance that doubles support
+// Smallest tolerances that double and extended precision support.
+constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
 
 // DualObj is computed anew when more than this multiple of it was added: rounding errors and those of the terms are then
 // within 1e-9 of it.
 constexpr double SUM_TRUST = 1000;
 
-bool crosses(const sopt *s, int j)
-{
-    return bounds_exclude(s, j, s->Lower.data[j], s->Upper.data[j]);
-}
+constexpr double AIM = 0.5; // of the visible error by wrong signs, with a smaller tolerance
 
-// The status of nonbasic j by the sign of its reduced cost. Without a sign it gets `status`; one that was fixed goes to the
-// bound nearest to where it was.
-template<class R>
-int place(const sopt *s, const swork<R> *w, int j, int status, double before)
-{
-    const double lower = s->Lower.data[j], upper = s->Upper.data[j];
-    const R d = w->Cbar.data[j], tol = R(s->OptTol);
-    if (lower == upper) return AT_FIXED; // assigned alike
-    const bool below = has_lower(s, lower), above = has_upper(s, upper);
-    if (!below && !above) return AT_FREE;
-    if (!below) return AT_UPPER;
-    if (!above) return AT_LOWER;
-    if (std::abs(d) <= tol && status == AT_FIXED)
-        return upper - before < before - lower ? AT_UPPER : AT_LOWER;
-    if (std::abs(d) <= tol) return status == AT_UPPER ? AT_UPPER : AT_LOWER;
-    return d < 0 ? AT_UPPER : AT_LOWER;
-}
-
-// The reduced cost of nonbasic j asks for a bound at infinity.
-template<class R> bool wants_infinity(const sopt *s, const swork<R> *w, int j)
-{
-    const R d = w->Cbar.data[j], tol = R(s->OptTol);
-    if (s->VStat.data[j] == AT_FIXED) return false;
-    return (d > tol && !has_lower(s, s->Lower.data[j])) ||
-           (d < -tol && !has_upper(s, s->Upper.data[j]));
-}
-
+constexpr int SIGN_ROUNDS = 4; // runs of the primal simplex with smaller tolerances
 } // namespace
-
-template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j)
-{
-    R d = R(s->WorkCost.data[j]);
-    for (int p = s->ColBeg.data[j]; p < s->ColBeg.data[j + 1]; p++)
-        d += R(s->ColVal.data[p]) * minus_multiplier(s, w, s->ColInd.data[p]);
-    return d;
-}
-
-template<class R>
-void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before)
-{
-    int *status = &s->VStat.data[j];
-    if (*status == AT_FIXED) w->Cbar.data[j] = live_reduced_cost(s, w, j);
-    const int old = *status;
-    *status = place(s, w, j, wish, before);
-    const double d = static_cast<double>(w->Cbar.data[j]);
-    if (*status != AT_FIXED)
-        s->SignError += dual_sign_error(s, j, *status == AT_UPPER ? d : -d);
-    w->Dual->FreeCount += (*status == AT_FREE) - (old == AT_FREE);
-    if (*status == AT_FIXED)
-        row_copy_remove(s, j);
-    else
-        row_copy_insert(s, j);
-    const double step = nonbasic_value(s, j) - before;
-    if (step != 0) {
-        dual_add_objective(s, step * static_cast<double>(w->Cbar.data[j]));
-        dual_add_column(s, &w->Work, j, R(step));
-    }
-    // last, since the shift changes the objective by its product with the value
-    if (wants_infinity(s, w, j)) dual_shift_cost(s, w, j, R(0));
-}
-
-template<class R>
-void live_set_bounds(sopt *s, swork<R> *w, int j, double lower, double upper)
-{
-    const int status = s->VStat.data[j];
-    s->Crossed -= crosses(s, j);
-    s->Lower.data[j] = lower;
-    s->Upper.data[j] = upper;
-    if (crosses(
-            s,
-            j)) { // no solve before they are changed again: values keep to the working bounds
-        s->Crossed++;
-        return;
-    }
-    if (lower > upper) s->Upper.data[j] = lower; // by less than the tolerance: fixed
-    const double before = status < 0 ? nonbasic_value(s, j) : 0;
-    s->WorkLower.data[j] = s->Lower.data[j];
-    s->WorkUpper.data[j] = s->Upper.data[j];
-    if (s->Live != LIVE_FRESH) return; // the next refresh places all variables
-    if (status < 0) {
-        live_move_nonbasic(s, w, j, status, before);
-    } else {
-        s->BasicLower.data[status] = s->WorkLower.data[j];
-        s->BasicUpper.data[status] = s->WorkUpper.data[j];
-        dual_set_merit(s, w, status);
-    }
-}
-
-template<class R> void live_move_values(sopt *s, swork<R> *w)
-{
-    if (w->Work.Count == 0) return;
-    Ftran(&w->Lu, &w->Work, SOLVE_FLIPS, Keep::NO);
-    dual_move_values(s, w);
-}
 
 template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
 {
@@ -164,14 +70,15 @@ template<class R> int live_run_primal(sopt *s, swork<R> *w)
     return code;
 }
 
-template<class R> bool live_sign_error(sopt *s, swork<R> *w)
+template<class R> bool live_tighten_signs(sopt *s, swork<R> *w)
 {
-    const double limit = SIGN_TRUST * (s->ObjScale + std::fabs(s->DualObj));
-    if (s->SignError <= limit) return false;
-    s->SignError = dual_sign_errors(s, w);
-    bool primal = false;
-    return s->SignError > limit &&
-           tighten_tolerances(s, {{}, measure_violations(s, w).Dual}, &primal);
+    if (dual_visible_error(s) == 0) return false; // as last counted, too large at most
+    dual_count_signs(s, w);
+    const double error = dual_visible_error(s),
+                 least = s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR;
+    if (error == 0 || s->OptTol <= least) return false;
+    s->OptTol = std::max(least, AIM * s->OptTol * dual_error_limit(s) / error);
+    return true;
 }
 
 namespace
@@ -185,8 +92,8 @@ WorkingBounds working_bounds(const sopt *s, const BoundChange &change)
 {
     const double scale = s->ColScale.data[change.Var], size = std::fabs(scale);
     double lower = working_bound(s, change.Lower), upper = working_bound(s, change.Upper);
-    if (has_lower(s, lower)) lower /= size;
-    if (has_upper(s, upper)) upper /= size;
+    if (std::fabs(lower) < s->Infinity) lower /= size;
+    if (std::fabs(upper) < s->Infinity) upper /= size;
     if (scale < 0) {
         std::swap(lower, upper);
         lower = -lower;
@@ -210,7 +117,7 @@ template<class R> void apply_changes(sopt *s, swork<R> *w, const ResolveCall &ca
     if (s->Live == LIVE_FRESH) live_move_values(s, w);
 }
 
-// Costs, bounds and phase of an ordinary run are behind us: those of the LP itself count again.
+// Costs, bounds and phase of an ordinary run no longer apply: those of the LP itself count again.
 template<class R> void take_true_lp(sopt *s)
 {
     dual_set_true_bounds(s);
@@ -228,7 +135,11 @@ int recover(sopt *s, double limit, double cutoff)
     call.Limit = limit;
     call.Inner = true;
     const SimplexCounters before = *s;
-    TRY(simplex_run(s, call));
+    const double tolerance = s->Tuning.Tolerance;
+    s->Tuning.Tolerance = std::min({tolerance, s->FeasTol, s->OptTol});
+    const int code = simplex_run(s, call);
+    s->Tuning.Tolerance = tolerance;
+    if (code) return code;
     const int status = s->Status;
     TRY(simplex_go_live(s));
     s->NPvt += before.NPvt;
@@ -267,25 +178,31 @@ template<class R> int run(sopt *s, swork<R> *w, double *bound)
     s->Live = LIVE_FRESH;
     if (s->RefacReason == REFAC_NONE && s->DualObj > s->CutoffFrom) dual_test_cutoff(s, w);
     TRY(dual_pivots(s, w));
-    if (s->Status == SIMPLEX_OPTIMAL && live_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
-    if (s->Status == SIMPLEX_SWITCH) {
+    if (s->Status == SIMPLEX_OPTIMAL && live_tighten_signs(s, w))
+        s->Status = SIMPLEX_SWITCH;
+    for (int round = 0; s->Status == SIMPLEX_SWITCH; round++) {
         *bound = lower_bound(s, w);
         dual_weights_save(s, w); // the primal simplex changes positions
         TRY(live_run_primal(s, w));
         dual_weights_restore(s, w);
         take_true_lp<R>(s);
-        // the primal simplex does not keep all reduced costs
-        if (s->Status == SIMPLEX_OPTIMAL && has_factor(s, w)) compute_dual(s, w);
+        if (s->Status != SIMPLEX_OPTIMAL || !has_factor(s, w)) break;
+        compute_dual(s, w); // the primal simplex does not keep all reduced costs
+        dual_set_objective(s, w);
+        if (round < SIGN_ROUNDS && live_tighten_signs(s, w)) s->Status = SIMPLEX_SWITCH;
     }
     return 0;
 }
 
-// The objective of the basis. DualObj has rounding errors of the terms that were added.
+// The objective of the basis, less what reduced costs of the wrong sign within the smallest tolerance may add. DualObj has
+// rounding errors of the terms that were added.
 template<class R> double optimum(sopt *s, swork<R> *w)
 {
-    if (s->Live != LIVE_FRESH) return true_objective(s, w) + s->ObjOffset;
+    const double error = dual_visible_error(s);
+    if (s->Live != LIVE_FRESH)
+        return true_objective(s, w) - error / s->ObjScale + s->ObjOffset;
     if (s->DualObjSum > SUM_TRUST * (1 + std::fabs(s->DualObj))) dual_set_objective(s, w);
-    return s->DualObj / s->ObjScale + s->ObjOffset;
+    return (s->DualObj - error) / s->ObjScale + s->ObjOffset;
 }
 
 // An optimum above the cutoff is told as CUTOFF if a bound proves it: where a reduced cost has the wrong sign within the
@@ -362,10 +279,16 @@ template<class R> int clean(sopt *s, swork<R> *w, bool *same)
     s->Live = LIVE_STALE;
     if (!has_factor(s, w)) return 0;
     finish_values(s, w);
+    const bool again = s->UncleanAge == s->BasisAge && s->UncleanFeasTol == s->FeasTol &&
+                       s->UncleanOptTol == s->OptTol;
     const Infeasibility inf = measure_infeasibility(s, w);
-    if (inf.PrimalCount > 0 || inf.DualCount > 0) *same = false;
     bool primal = false;
-    if (*same) *same = !tighten_tolerances(s, measure_violations(s, w), &primal);
+    if (*same && !again)
+        *same = inf.PrimalCount == 0 && inf.DualCount == 0 &&
+                !tighten_tolerances(s, measure_violations(s, w), &primal);
+    s->UncleanAge = *same ? -1 : s->BasisAge;
+    s->UncleanFeasTol = s->FeasTol;
+    s->UncleanOptTol = s->OptTol;
     if (*same) s->Obj = true_objective(s, w);
     return 0;
 }
@@ -389,7 +312,7 @@ int simplex_go_live(sopt *s)
     TRY(array_resize(&s->QueryVal, s->NumVars));
     fit_tolerance(s);
     s->Crossed = 0;
-    for (int j = 0; j < s->NumCols; j++) s->Crossed += crosses(s, j);
+    for (int j = 0; j < s->NumCols; j++) s->Crossed += live_crosses(s, j);
     return s->Quad ? go_live(s, s->Extended) : go_live(s, s->Double);
 }
 
@@ -416,12 +339,8 @@ int simplex_clean(sopt *s, bool *same)
 }
 
 #define INSTANTIATE(R)                                                                     \
-    template R live_reduced_cost<R>(const sopt *, const swork<R> *, int);                  \
-    template void live_move_nonbasic<R>(sopt *, swork<R> *, int, int, double);             \
-    template void live_set_bounds<R>(sopt *, swork<R> *, int, double, double);             \
-    template void live_move_values<R>(sopt *, swork<R> *);                                 \
     template void live_begin<R>(sopt *, swork<R> *, double);                               \
-    template bool live_sign_error<R>(sopt *, swork<R> *);                                  \
+    template bool live_tighten_signs<R>(sopt *, swork<R> *);                               \
     template int live_run_primal<R>(sopt *, swork<R> *);
 INSTANTIATE(double)
 INSTANTIATE(long double)

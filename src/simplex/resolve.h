@@ -6,12 +6,13 @@
 // LiveState    what it means
 //   LIVE_NO     the record belongs to SimplexOptimize.
 //   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the next
-//               solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, a basis loaded from afar, and a solve
-//               that needed another method or whose last update failed.
+//               solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, simplex_change_cost, a loaded basis that
+//               differs in many variables, rows or the end of strong branching without factors, and a solve that needed
+//               another method or whose last update failed.
 //   LIVE_FRESH  All belong together, with true bounds; after CUTOFF and limits costs may be shifted. Set by
 //               simplex_resolve.
-// All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its parameters
-// TimeLimit and the stop flag count, limits and cutoff are arguments.
+// All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its limits
+// TimeLimit and the stop flag count, the others and the cutoff are arguments.
 #pragma once
 #include "simplex/simplex.h"
 
@@ -36,11 +37,12 @@ struct ResolveCall {
     double Cutoff = 1e100;
 };
 struct ResolveOutcome {
-    // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED after rows
-    // were deleted that bounded the LP
+    // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED where rows were
+    // deleted that bounded the LP, or where reduced costs within the tolerance hid it
     int Status;
-    // As simplex_objective: of OPTIMAL the optimum, above the cutoff only if no bound proves that; of the others a lower
-    // bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE.
+    // As simplex_objective: of OPTIMAL the optimum (above the cutoff it is CUTOFF if a bound proves it); of the others a
+    // lower bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE. Columns without
+    // a bound on the side that a reduced cost within OptTol asks for count as bounded by a large value (dual_bound.cpp).
     double Value;
     double Iterations;
 };
@@ -48,9 +50,9 @@ struct ResolveOutcome {
 [[nodiscard]] int simplex_resolve(sopt *s, const ResolveCall &call,
                                   ResolveOutcome *outcome);
 // After OPTIMAL: values and reduced costs are computed afresh, with one step of refinement, on fresh factors, for a point
-// that is going to be accepted. *same: the basis is optimal with them. Otherwise the LP has to be solved again: the basis was
-// singular and has been repaired, or values violate tolerances, which are then tighter for this record where violations in
-// units of the body ask for it. 0 or a code.
+// that is going to be accepted. *same: the basis is optimal with them, or no better one can be had. Otherwise the LP has to be
+// solved again: the basis was singular and has been repaired, or values violate tolerances, which are then tighter for this
+// record where violations in units of the body ask for it. 0 or a code.
 [[nodiscard]] int simplex_clean(sopt *s, bool *same);
 
 // New cost of column j, for the body's minimisation. The next solve computes the reduced costs anew.

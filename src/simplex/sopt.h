@@ -53,10 +53,12 @@ struct SimplexCounters {
     double DualObj = 0, CutoffFrom = HUGE_VAL;
     double DualObjSum =
         0; // sum of the magnitudes that were added to DualObj since it was computed
-    double ValueNoise = 0; // rounding errors of large steps in Bbar since it was computed
-    double ValueSize = 0;  // largest basic value when Bbar was last computed
-    // By so much at most DualObj exceeds the optimum through reduced costs with a wrong sign within OptTol (live records).
-    double SignError = 0;
+    // Rounding errors of large steps in Bbar and Cbar since they were computed.
+    double ValueNoise = 0, DualNoise = 0;
+    double ValueSize = 0; // no basic value has been larger than this
+    // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError plus
+    // ValueSize times SignOpen, the part of variables whose range is larger.
+    double SignError = 0, SignOpen = 0;
     double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)
     StallGuard Stall;
@@ -162,8 +164,11 @@ struct sopt : SimplexCounters {
     int Quad = 0;                   // 1: extended precision is live
     int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
     int Perturbed = PERTURBED_NONE; // Perturbation
+    // Basis and tolerances that simplex_clean last found wanting.
+    int64_t UncleanAge = -1;
+    double UncleanFeasTol = 0, UncleanOptTol = 0;
     // With PERTURBED_SINGLE: the variables whose costs are shifted, some twice; more than MOST_SHIFTS are not listed.
-    int ShiftCount = 0, Shifted[MOST_SHIFTS];
+    int ShiftCount = 0, Shifted[MOST_SHIFTS] = {};
     int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
     // The run began from a given basis with few infeasibilities: costs are perturbed only after a stall.
     int NearOptimal = 0;
@@ -198,9 +203,9 @@ struct sopt : SimplexCounters {
 
     // Scratch
     Array<double> RowWork; // [m]
-    Array<int>
-        QueryVar; // [NumVars], live: entries read by simplex_tableau_row and _column,
-    Array<double> QueryVal;      // [NumVars] and their values
+    // [NumVars] live: the entries that simplex_tableau_row and _column return
+    Array<int> QueryVar;
+    Array<double> QueryVal;
     Array<int> BadRows, BadCols; // [m] rows and positions without pivot, from FactorBasis
     Array<int> Mark;             // [NumVars] zero between uses
 

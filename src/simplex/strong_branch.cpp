@@ -5,8 +5,9 @@
 // Method      The optimal basis stays dual feasible, so the dual simplex continues from it: only one basic variable is
 //             infeasible. Updates of the factors are recorded and undone (lu_journal.cpp); basis and vectors are copied
 //             back. There is no perturbation and no confirmation on fresh factors, since the dual bound is valid at
-//             every dual feasible basis. If the basis at the end is not dual feasible for the true costs, or not sharply
-//             enough, the primal simplex continues within the same limit.
+//             every dual feasible basis. If the basis at the end is not dual feasible for the true costs, or if reduced
+//             costs of the wrong sign within the tolerance put the objective too high, the primal simplex continues
+//             within the same limit.
 // Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
 //             of the positions after a probe that factored.
 // Cost        A probe: its iterations, and O(n + m) for the copies; a factorisation if it factored itself.
@@ -99,8 +100,8 @@ template<class R> int factor_again(sopt *s, swork<R> *w, KeptState<R> *k)
     const int repairs = s->SingularCount, code = Refactor(s, w);
     s->Probing = 1;
     if (code) return code;
-    if (s->SingularCount > repairs ||
-        !has_factor(s, w)) { // back to the basis without factors
+    // Back to the basis, without factors.
+    if (s->SingularCount > repairs || !has_factor(s, w)) {
         std::copy_n(k->VStat.data, s->NumVars, s->VStat.data);
         std::copy_n(k->BasisHead.data, s->NumRows, s->BasisHead.data);
         row_copy_partition(s);
@@ -166,7 +167,7 @@ struct Tightened {
 };
 
 // The column would keep an upper bound only: it is probed with the other sign.
-bool has_wrong_sign(const sopt *s, int j, BranchSide side)
+bool keeps_upper_only(const sopt *s, int j, BranchSide side)
 {
     const bool from_above = (side == BranchSide::DOWN) == (s->ColScale.data[j] > 0);
     return from_above && !has_lower(s, s->Lower.data[j]);
@@ -251,13 +252,17 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
 {
     sopt *s = b->Record;
     TRY(run(s, w, branch, limit));
-    if (s->Status == SIMPLEX_OPTIMAL && live_sign_error(s, w)) s->Status = SIMPLEX_SWITCH;
+    if (s->Status == SIMPLEX_OPTIMAL && live_tighten_signs(s, w))
+        s->Status = SIMPLEX_SWITCH;
     double bound = b->Optimum;
     switch (s->Status) {
     case SIMPLEX_SWITCH:
         bound = safe_bound(b, w);
         s->BaseLost = 1; // the primal simplex updates the factors in place
         TRY(live_run_primal(s, w));
+        if (s->Status != SIMPLEX_OPTIMAL || !has_factor(s, w)) break;
+        compute_dual(s, w); // the primal simplex does not keep all reduced costs
+        dual_set_objective(s, w);
         break;
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
@@ -270,7 +275,8 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
     default:
         break;
     }
-    *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
+    const double value = true_objective(s, w) - dual_visible_error(s) / s->ObjScale;
+    *outcome = conclude(b, value + s->ObjOffset, bound);
     return 0;
 }
 
@@ -309,6 +315,8 @@ template<class R> int open(StrongBranch *b, swork<R> *w)
     b->Counters.DualObj = s->DualObj;
     b->Counters.DualObjSum = s->DualObjSum;
     b->Counters.SignError = s->SignError;
+    b->Counters.SignOpen = s->SignOpen;
+    b->Counters.ValueSize = s->ValueSize;
     return keep(b, w);
 }
 
@@ -330,6 +338,9 @@ int strong_branch_open(sopt *s, StrongBranch **out)
         if (has_cutoff(s)) call.Cutoff = s->Cutoff + s->ObjOffset;
         ResolveOutcome outcome;
         TRY(simplex_resolve(s, call, &outcome));
+        // after the primal simplex the record is stale
+        if (outcome.Status == SIMPLEX_OPTIMAL && s->Live != LIVE_FRESH)
+            TRY(simplex_resolve(s, call, &outcome));
         if (outcome.Status != SIMPLEX_OPTIMAL || s->Live != LIVE_FRESH) return 0;
     }
     assert(s->Status == SIMPLEX_OPTIMAL && simplex_has_factor(s));
@@ -383,7 +394,7 @@ void turn_column(StrongBranch *b, int j)
 int strong_branch_probe(StrongBranch *branch, int j, BranchSide side, double bound,
                         double iteration_limit, BranchOutcome *outcome)
 {
-    const bool turned = has_wrong_sign(branch->Record, j, side);
+    const bool turned = keeps_upper_only(branch->Record, j, side);
     if (turned) turn_column(branch, j);
     const int code = probe_column(branch, j, side, bound, iteration_limit, outcome);
     if (turned) turn_column(branch, j); // exactly as before

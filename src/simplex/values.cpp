@@ -150,7 +150,6 @@ template<class R> void compute_primal(sopt *s, swork<R> *w)
     Ftran(&w->Lu, x, SOLVE_COSTS, Keep::VALUES);
     for (int i = 0; i < s->NumRows; i++) w->Bbar.data[i] = x->Value.data[i];
     s->ValueNoise = 0;
-    s->ValueSize = largest(w->Bbar.data, s->NumRows);
     s->PrimalError = s->PrimalResidual = primal_residual(s, w, x);
     if (s->PrimalError > REFINE_SHARE * s->FeasTol) correct_primal(s, w, x);
     svec_clear(x);
@@ -225,6 +224,7 @@ template<class R> void refine_dual(sopt *s, swork<R> *w)
 template<class R> void compute_dual(sopt *s, swork<R> *w)
 {
     compute_dual_for(s, w, s->WorkCost.data, w->Cbar.data);
+    s->DualNoise = 0;
 }
 
 template<class R> void judge_residuals(sopt *s, const swork<R> *w)
