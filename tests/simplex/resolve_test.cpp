@@ -6,7 +6,6 @@
 #include "support/settings.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <utility>
@@ -442,94 +441,3 @@ TEST(Resolve, memory_refused_leaves_a_record_that_can_be_freed)
     }
 }
 #endif
-
-// A live record of a small LP, solved again with one change of bounds.
-struct Small {
-    TestEnv env;
-    TestModel model;
-    sopt *s = nullptr;
-    explicit Small(const LpModel &lp, int scaled = 1, const char *types = "")
-        : model(lp_load(env.env, &lp))
-    {
-        const int count = int(strlen(types));
-        EXPECT_EQ(TVXsetcharattrarray(model, "VType", 0, count, types), 0);
-        EXPECT_EQ(TVXupdatemodel(model), 0);
-        EXPECT_EQ(settings_apply(TVXgetenv(model), {{"ScaleFlag", scaled}}), 0);
-        EXPECT_EQ(SimplexOptimize(&s, model.model->body, model.model->env, {}), 0);
-        EXPECT_EQ(simplex_go_live(s), 0);
-    }
-    ~Small() { simplex_free(s); }
-    Small(const Small &) = delete;
-    Small &operator=(const Small &) = delete;
-    ResolveOutcome solve(const BoundChange &change)
-    {
-        ResolveOutcome out;
-        EXPECT_EQ(simplex_resolve(s, {&change, 1}, &out), 0);
-        return out;
-    }
-};
-
-// min x + w    x + w + 1e-10 y >= 5    y - z <= 0    0 <= x <= 1,  0 <= w <= 10,  0 <= y, z
-TEST(Resolve, a_tiny_entry_of_a_variable_without_bound_allows_no_proof)
-{
-    const double none = LP_INFINITY;
-    Small lp(lp_make({{1, 0, 1}, {1, 0, 10}, {0, 0, none}, {0, 0, none}},
-                     {{{1, 1, 1e-10}, '>', 5}, {{0, 0, 1, -1}, '<', 0}}),
-             0);
-    EXPECT_EQ(lp.solve({1, 0, 0}).Status, TVX_OPTIMAL) << "with y = 4e10";
-}
-
-// min z    z - y = 0.3    0 <= y <= 10;  y far away and back
-TEST(Resolve, large_steps_leave_no_rounding_errors)
-{
-    for (const double far : {1e9, 1e12, 1e15}) {
-        Small lp(lp_make({{1}, {0, 0, 10}}, {{{1, -1}, '=', 0.3}}));
-        EXPECT_EQ(lp.solve({1, far, far}).Status, TVX_OPTIMAL);
-        const ResolveOutcome out = lp.solve({1, 0, 10});
-        EXPECT_EQ(out.Status, TVX_OPTIMAL);
-        EXPECT_NEAR(out.Value, 0.3, 1e-9) << far;
-    }
-}
-
-// min x + y    x + y >= 4    0 <= x, y <= 10; y integer and 65536 times larger where the tolerance is to be small
-TEST(Resolve, bounds_and_right_hand_sides_that_exclude_every_point)
-{
-    const double none = LP_INFINITY;
-    for (const double unit : {1.0, 1.0 / 65536}) {
-        const LpModel model =
-            lp_make({{1, 0, 10}, {unit, 0, 10 / unit}}, {{{1, unit}, '>', 4}});
-        Small lp(model, 1, "CI");
-        for (const BoundChange &empty :
-             {BoundChange{0, none, none}, {0, -none, -none}, {0, 5, 4}, {0, 4.001, 4}}) {
-            EXPECT_EQ(lp.solve(empty).Status, TVX_INFEASIBLE) << empty.Lower;
-            EXPECT_NEAR(lp.solve({0, 0, 10}).Value, 4, 1e-6);
-        }
-        // crossed by less than the tolerance
-        EXPECT_NEAR(lp.solve({0, 4 + 1e-8, 4}).Value, 4, 1e-6);
-        EXPECT_EQ(lp.solve({0, 0, 10}).Status, TVX_OPTIMAL);
-        const int column = 0;
-        const double one = 1;
-        for (const double rhs : {none, -none}) {
-            const LiveRow row = {1, &column, &one, '<', rhs};
-            ASSERT_EQ(simplex_append_rows(lp.s, &row, 1), 0);
-            EXPECT_EQ(lp.solve({0, 0, 10}).Status, rhs > 0 ? TVX_OPTIMAL : TVX_INFEASIBLE);
-        }
-    }
-}
-
-// min x    x >= 3 is appended: the old point satisfies the bound of the probe.
-TEST(Resolve, strong_branching_knows_the_rows_appended_since_the_last_solve)
-{
-    Small lp(lp_make({{1, 0, 10}, {0, 0, 10}}, {{{1, 1}, '<', 12}}));
-    EXPECT_EQ(lp.solve({1, 0, 10}).Value, 0);
-    const int column = 0;
-    const double minus = -1;
-    const LiveRow row = {1, &column, &minus, '<', -3};
-    ASSERT_EQ(simplex_append_rows(lp.s, &row, 1), 0);
-    StrongBranch *branch = nullptr;
-    ASSERT_EQ(strong_branch_open(lp.s, &branch), 0);
-    BranchOutcome out;
-    ASSERT_EQ(strong_branch_probe(branch, 1, BranchSide::DOWN, 5, NONE, &out), 0);
-    EXPECT_EQ(out.Value, 3);
-    strong_branch_close(branch);
-}
