@@ -31,7 +31,6 @@ struct Node { // before it was branched
     double x;
     bool up; // the branch taken
     NodeBasis basis;
-    std::vector<int> statuses; // of all variables, for SimplexOptimize
 };
 
 // A nonbasic variable is fixed a little beside its bound, and released: what a call costs without any pivot, with the FTRAN

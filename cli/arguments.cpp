@@ -112,6 +112,19 @@ std::string name_solution_file(const std::string &word)
     return "--solution-file=" + word.substr(FLAG.size());
 }
 
+// What stands beside --parameters or --attributes although they take names alone.
+std::string not_a_name(const CLI::App &app, const std::vector<std::string> &others)
+{
+    for (const CLI::Option *option : app.get_options()) {
+        const std::string name = option->get_name();
+        if (option->count() > 0 && name != "--parameters" && name != "--attributes")
+            return name;
+    }
+    for (const std::string &word : others)
+        if (word.find('=') != std::string::npos) return word;
+    return "";
+}
+
 // "--maximise=false" would be read as the opposite of what stands in front of it.
 bool is_flag_with_value(const CLI::App &app, const std::string &word)
 {
@@ -174,6 +187,11 @@ Parsed arguments_parse(const std::vector<std::string> &words, Arguments *argumen
         if (error->empty()) *error = e.what();
         return Parsed::WRONG;
     }
+    if (arguments->list_parameters || arguments->list_attributes)
+        if (const std::string odd = not_a_name(app, others); !odd.empty()) {
+            *error = "--parameters and --attributes take names, not '" + odd + "'";
+            return Parsed::WRONG;
+        }
     arguments->words = others;
     return Parsed::OK;
 }

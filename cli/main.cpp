@@ -44,7 +44,7 @@ ExitCode describe(TVXenv *env, const Arguments &arguments)
     ExitCode worst = EXIT_SOLVED;
     for (const std::string &word : arguments.words) {
         const auto tell = attributes ? attribute_describe : parameter_describe;
-        const ExitCode code = tell(env, word.substr(0, word.find('=')));
+        const ExitCode code = tell(env, word);
         if (code != EXIT_SOLVED) worst = code;
     }
     return worst;

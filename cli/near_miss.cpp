@@ -1,7 +1,7 @@
 // near_miss.cpp -- the name that somebody who mistyped probably meant
 //
 // Method   The number of letters to insert, delete, replace or swap with a neighbour, by the usual table; near is what
-//          needs no more than one in three of them. A name of which the word is a beginning is near as well.
+//          needs no more than one in three of them, and fewer than the word has. A name of which the word is a beginning is near as well.
 #include "near_miss.h"
 #include "arguments.h"
 #include "env/parameter_texts.h"
@@ -44,7 +44,7 @@ std::string nearest_name(const std::string &word, const std::vector<std::string>
         const std::string other = name_key(name);
         const bool begins = key.size() >= LEAST_BEGINNING && other.starts_with(key);
         const size_t count = begins ? 1 : slips(key, other);
-        if (count >= least) continue;
+        if (count >= least || count >= key.size()) continue;
         least = count;
         best = name;
     }

@@ -125,7 +125,7 @@ inline constexpr AttributeText rows[] = {
      "as given stay known when the type rounds them."},
     {CONTENT, {"Start"}, AT_ONCE,
      "Start value for a MIP; 1e101 where none was given, and a value of magnitude 1e100 or more takes one back. No value "
-     "while no variable has one."},
+     "before one has been set."},
     {CONTENT, {"VarName"}, NONE,
      "Name; a variable without one shows `C` and its index. Setting an empty text asks for that."},
     {CONTENT, {"RHS"}, NONE,
@@ -155,9 +155,9 @@ inline constexpr AttributeText rows[] = {
      "Objective of the solution, constant included. No value under `Status` 1, 3, 4 and 5."},
     {RESULTS, {"ObjBound"}, NOT_YET,
      "Best bound on the objective of a MIP. No value under `Status` 1, 3, 4 and 5."},
-    {RESULTS, {"IterCount"}, NONE, "Simplex iterations."},
-    {RESULTS, {"BarIterCount"}, NOT_YET, "Barrier iterations."},
-    {RESULTS, {"NodeCount"}, NONE, "Nodes of a MIP; for an LP an estimate of the work done."},
+    {RESULTS, {"IterCount"}, NONE, "Simplex iterations. No value under `Status` 1."},
+    {RESULTS, {"BarIterCount"}, NOT_YET, "Barrier iterations. No value under `Status` 1."},
+    {RESULTS, {"NodeCount"}, NONE, "Nodes of a MIP; for an LP an estimate of the work done. No value under `Status` 1."},
 
     {SOLUTION, {"X"}, NONE, "Value of the variable in the solution."},
     {SOLUTION, {"Xn"}, NONE,

@@ -84,6 +84,9 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
         {"did you mean 'Presolve'", {"--parameters", "Pressolve"}},
         {"did you mean 'Kappa'", {"--attributes", "Kapa"}},
         {"excludes", {"--attributes", "--parameters"}},
+        {"take names, not '--convert'", {"--attributes", "Pi", "--convert"}},
+        {"take names, not '--json'", {"--parameters", "--json", "-"}},
+        {"take names, not 'Cuts=2'", {"--parameters", "Cuts=2"}},
         {"'plan.mps' was taken for the value of TimeLimit", {"--time-limit", "plan.mps"}},
     };
     for (const auto &one : cases) ends(2, one.words, one.said);
