@@ -57,7 +57,7 @@ void dive(Lp *lp, Kind *dives, Kind *jumps, Kind *idles, std::mt19937 *rng)
         if (j < 0) break;
         const bool up = x - std::floor(x) > 0.5;
         undo.push_back({j, lp->lower[size_t(j)], lp->upper[size_t(j)]});
-        path.push_back({j, x, up, {}, {}});
+        path.push_back({j, x, up, {}});
         if (lp->live && simplex_save_basis(lp->record, &path.back().basis)) fail("save", 0);
         ResolveOutcome outcome = lp->solve({lp->branch(j, x, up)}, dives);
         if (outcome.Status != TVX_OPTIMAL) {
