@@ -17,6 +17,9 @@
 #include "work.h"
 #include <cstdio>
 #include <exception>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <memory>
 
 namespace
@@ -130,11 +133,21 @@ ExitCode parse_and_run(int argc, char **argv)
         return run(arguments, silent);
     }
 }
+
+// A solve allocates and frees large arrays many times. Pages returned to the system in between would be cleared by it again.
+void keep_memory()
+{
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, 32 << 20); // the largest that takes effect
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
+#endif
+}
 } // namespace
 
 int main(int argc, char **argv)
 {
     try {
+        keep_memory();
         hold_streams();
         const ExitCode code = parse_and_run(argc, argv);
         if (fflush(stdout) != 0 || ferror(stdout)) {
