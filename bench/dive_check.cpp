@@ -43,7 +43,7 @@ struct Tally {
             fprintf(stderr, "%s: bound %.10g, fresh %d %.10g\n", name, out.Value, status,
                     objective);
         } else
-            judge({out.Status, out.Value, out.Iterations}, status, objective);
+            judge({out.Status, out.Value, out.Value, out.Iterations}, status, objective);
     }
 };
 

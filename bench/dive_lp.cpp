@@ -85,7 +85,8 @@ ResolveOutcome Lp::optimize(const std::vector<Bounds> &changes)
     SimplexCall call;
     call.Method = METHOD_DUAL;
     if (int code = SimplexOptimize(&record, body, env, call)) fail("optimize", code);
-    return {simplex_status(record), simplex_objective(record), simplex_iterations(record)};
+    const double value = simplex_objective(record);
+    return {simplex_status(record), value, value, simplex_iterations(record)};
 }
 
 bool Lp::integer(int j) const

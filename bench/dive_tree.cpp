@@ -37,7 +37,7 @@ void tree(Lp *lp, double most, double seconds)
         for (const bool side : {!up, up}) {
             stack.push_back(node);
             stack.back().bounds.push_back(lp->branch(j, x, side));
-            stack.back().bound = outcome.Value;
+            stack.back().bound = outcome.Bound;
         }
     }
     const double time = processor_time() - start;

@@ -194,15 +194,12 @@ template<class R> int run(sopt *s, swork<R> *w, double *bound)
     return 0;
 }
 
-// The objective of the basis, less what reduced costs of the wrong sign within the smallest tolerance may add. DualObj has
-// rounding errors of the terms that were added.
+// The objective of the basis. DualObj has rounding errors of the terms that were added.
 template<class R> double optimum(sopt *s, swork<R> *w)
 {
-    const double error = dual_visible_error(s);
-    if (s->Live != LIVE_FRESH)
-        return true_objective(s, w) - error / s->ObjScale + s->ObjOffset;
+    if (s->Live != LIVE_FRESH) return true_objective(s, w) + s->ObjOffset;
     if (s->DualObjSum > SUM_TRUST * (1 + std::fabs(s->DualObj))) dual_set_objective(s, w);
-    return (s->DualObj - error) / s->ObjScale + s->ObjOffset;
+    return s->DualObj / s->ObjScale + s->ObjOffset;
 }
 
 // An optimum above the cutoff is told as CUTOFF if a bound proves it: where a reduced cost has the wrong sign within the
@@ -213,14 +210,15 @@ template<class R> void judge_cutoff(sopt *s, swork<R> *w, ResolveOutcome *out)
     const double bound = lower_bound(s, w);
     if (bound - s->ObjOffset <= s->Cutoff) return;
     out->Status = s->Status = SIMPLEX_CUTOFF;
-    out->Value = bound;
+    out->Value = out->Bound = bound;
 }
 
 int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 {
     TRY(recover(s, call.Iterations - s->NPvt, s->Cutoff));
-    *out = {is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC, -UNDEFINED_VALUE, s->NPvt};
-    if (s->Status == SIMPLEX_OPTIMAL) out->Value = simplex_objective(s);
+    const int status = is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC;
+    *out = {status, -UNDEFINED_VALUE, -UNDEFINED_VALUE, s->NPvt};
+    if (status == SIMPLEX_OPTIMAL) out->Value = out->Bound = simplex_objective(s);
     s->Quad ? judge_cutoff(s, s->Extended, out) : judge_cutoff(s, s->Double, out);
     return 0;
 }
@@ -232,7 +230,7 @@ int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
     s->Cutoff = call.Cutoff < UNDEFINED_VALUE ? call.Cutoff - s->ObjOffset : HUGE_VAL;
     if (s->Crossed > 0) {
         s->Status = SIMPLEX_INFEASIBLE;
-        *out = {SIMPLEX_INFEASIBLE, UNDEFINED_VALUE, 0};
+        *out = {SIMPLEX_INFEASIBLE, UNDEFINED_VALUE, UNDEFINED_VALUE, 0};
         return 0;
     }
     double value = -UNDEFINED_VALUE;
@@ -244,7 +242,8 @@ int resolve(sopt *s, swork<R> *w, const ResolveCall &call, ResolveOutcome *out)
         value = s->CutoffBound + s->ObjOffset;
     else if (s->Status != SIMPLEX_INFEASIBLE && s->Live == LIVE_FRESH)
         value = lower_bound(s, w);
-    *out = {s->Status, value, s->NPvt};
+    *out = {s->Status, value, value, s->NPvt};
+    if (s->Status == SIMPLEX_OPTIMAL) out->Bound -= dual_visible_error(s) / s->ObjScale;
     judge_cutoff(s, w, out);
     s->Obj = out->Value - s->ObjOffset;
     if (!has_factor(s, w)) s->Live = LIVE_STALE; // the last update failed

@@ -44,6 +44,8 @@ struct ResolveOutcome {
     // lower bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE. Columns without
     // a bound on the side that a reduced cost within OptTol asks for count as bounded by a large value (dual_bound.cpp).
     double Value;
+    // Value, of OPTIMAL less what reduced costs of the wrong sign within the smallest tolerance may add: a lower bound.
+    double Bound;
     double Iterations;
 };
 // Changes bounds and solves again by the dual simplex. 0 or a code: the record may only be freed then.

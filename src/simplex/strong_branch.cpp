@@ -275,8 +275,7 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
     default:
         break;
     }
-    const double value = true_objective(s, w) - dual_visible_error(s) / s->ObjScale;
-    *outcome = conclude(b, value + s->ObjOffset, bound);
+    *outcome = conclude(b, true_objective(s, w) + s->ObjOffset, bound);
     return 0;
 }
 
