@@ -110,9 +110,8 @@ std::string api_solve(ApiModel *a)
     if (wrong.empty() && clear) wrong = judge(a, &lp);
     const bool measured = clear && !lp.obj.empty() && a->dice()->chance(50);
     if (wrong.empty() && measured && !lp_read_point(a->model, &a->solution)) {
-        // Also where it was stopped. ScaleFlag may have changed since the record was scaled.
-        const auto found =
-            check_quality(a->model, &lp, &a->solution, QualityScaling::SCALED);
+        // Also where it was stopped.
+        const auto found = check_quality(a->model, &lp, &a->solution);
         if (!found.empty()) wrong = found[0];
     }
     return wrong.empty() ? "" : wrong + "\n" + lp_to_mps(&lp, a->settings());

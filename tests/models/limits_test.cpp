@@ -7,10 +7,8 @@
 #include "support/settings.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <atomic>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <thread>
 #include <vector>
 
 namespace
@@ -107,8 +105,7 @@ void expect_basic_point(const Legs &run)
     EXPECT_EQ(basics, run.lp.num_rows());
     const double value = static_cast<double>(lp_objective(&run.lp, point.x));
     EXPECT_NEAR(point.objval, value, 1e-9 * (1 + std::fabs(value)));
-    EXPECT_EQ(check_quality(run.model, &run.lp, &point, QualityScaling::SCALED),
-              std::vector<std::string>{});
+    EXPECT_EQ(check_quality(run.model, &run.lp, &point), std::vector<std::string>{});
 }
 } // namespace
 
@@ -274,23 +271,6 @@ TEST(Limits, work_is_that_of_the_last_call)
         EXPECT_LT(work[2], 0.5 * work[0]);
         EXPECT_GT(work[2], 0);
     }
-}
-
-TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
-{
-    on_all_ways([](Legs *run) {
-        std::atomic<bool> done{false};
-        std::thread stopper([&] {
-            while (!done) // the start of a solve clears the request: repeat it
-                TVXterminate(run->model);
-        });
-        const int status = run->go_on(NONE);
-        done = true;
-        stopper.join();
-        ASSERT_TRUE(status == TVX_INTERRUPTED || status == TVX_OPTIMAL) << status;
-        run->go_on(NONE);
-        run->expect_optimum();
-    });
 }
 
 // On the model itself, a reduced one, and its dual, whose values come from the other side.

@@ -26,14 +26,13 @@ struct Sweep {
     std::function<void(Scene *)> prepare;
     std::function<int(Scene *)> step;        // the code of the call under test
     std::function<void(Scene *, int)> after; // with memory back; gets that code
-    int stride = 1;                          // of k
 };
 
 inline void run_sweep(const Sweep &sweep)
 {
     const int64_t before = mem_blocks_held();
     bool refused = true;
-    for (int64_t k = 1; refused; k += sweep.stride) {
+    for (int64_t k = 1; refused; k++) {
         {
             Scene scene;
             sweep.prepare(&scene);

@@ -137,17 +137,6 @@ PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
     return out;
 }
 
-PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
-{
-    PresolveTry out;
-    const TestModel model(lp_load(env, lp));
-    if (!model) abort();
-    const Reduced reduced(model);
-    out.status = lp_status_of(reduced.status);
-    finish(model, reduced.result, lp, 0, &out);
-    return out;
-}
-
 PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
                        const Settings &settings)
 {

@@ -29,8 +29,6 @@ struct PresolveTry {
 // between them; then solves, postsolves and judges. Parameters are those of `env`.
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
                          std::initializer_list<Reduction> reductions);
-// presolve_lp in place of single reductions.
-PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp);
 
 // Such a run in an environment of its own. What is left is judged, and counted: -1 stands for any number.
 PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
