@@ -24,19 +24,6 @@ static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
     return kinds;
 }
 
-static void sweep(const LpModel &lp, const Settings &settings)
-{
-    run_sweep({"presolve",
-               [&](Scene *s) {
-                   ASSERT_EQ(settings_apply(s->env.env, settings), 0);
-                   s->lp = lp;
-                   s->model = lp_load(s->env.env, &lp);
-                   ASSERT_TRUE(s->model);
-               },
-               [](Scene *s) { return TVXoptimize(s->model); },
-               [](Scene *s, int) { expect_solves(s); }});
-}
-
 // On small models whose records are of all kinds together, and on larger ones.
 TEST(Presolve, memory_may_end_anywhere)
 {
@@ -54,12 +41,12 @@ TEST(Presolve, memory_may_end_anywhere)
         for (const Settings &settings : {Settings{{"Presolve", 2}},
                                          {{"PreDual", 1}},
                                          {{"PreDual", 2}, {"Threads", 2}}})
-            sweep(lp, settings);
+            sweep_solve(lp, settings);
     }
     EXPECT_EQ(wanted, 0U); // else the sweep has gaps
     for (const Family family : {gen_multi_period, gen_planted_infeasible}) {
         Dice dice(9);
-        sweep(family(&dice, 8).lp, {{"Presolve", 2}});
+        sweep_solve(family(&dice, 8).lp, {{"Presolve", 2}});
     }
 }
 
