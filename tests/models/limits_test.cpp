@@ -1,4 +1,6 @@
 // limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
+//
+// That the caller may stop it at any moment at which he hears of it is looked at in fuzz/api_watch.cpp.
 #include "lp/lp_form.h"
 #include "model/model.h"
 #include "support/hostile_gen.h"
@@ -205,36 +207,6 @@ TEST(Limits, an_unsure_answer_is_not_final)
         run.expect_optimum();
     }
     EXPECT_EQ(limited, run.whole.iterations);
-}
-
-struct StopAt {
-    int call = 0, stop = 0; // calls of the function so far; the one that stops the solve
-};
-
-static int stop_at(TVXmodel *model, void *, int, void *data)
-{
-    StopAt *at = static_cast<StopAt *>(data);
-    if (++at->call == at->stop) TVXterminate(model);
-    return 0;
-}
-
-// At any moment of the solve at which the caller hears of it.
-TEST(Limits, a_solve_that_is_interrupted_anywhere_is_gone_on_from)
-{
-    for (const Settings &way : ways) {
-        SCOPED_TRACE(settings_text(way));
-        Legs run(example(gen_multi_period, 12, 5), way);
-        StopAt at;
-        ASSERT_EQ(TVXsetcallbackfunc(run.model, stop_at, &at), 0);
-        run.go_on(NONE);
-        for (int stop = 1, calls = at.call; stop <= calls; stop++) {
-            at = {0, stop};
-            run.anew(NONE);
-            at = {0, 0};
-            run.go_on(NONE);
-            run.expect_optimum();
-        }
-    }
 }
 
 // The reduced model is solved, postsolve has not begun: as a limit leaves it there.

@@ -1,6 +1,4 @@
 // primal_test.cpp -- pricings and starts of the primal: whatever the way, the same answer in a vertex
-//
-// Answers under every kind of pricing are judged in models/tiny_lp_test.cpp and models/differential_test.cpp.
 #include "simplex/primal.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
@@ -59,6 +57,27 @@ int superbasics_left(const sopt *s)
 }
 
 } // namespace
+
+// The other kinds are drawn in models/tiny_lp_test.cpp and models/differential_test.cpp.
+TEST(PrimalPricing, every_partial_kind_finds_the_same_answer)
+{
+    const TestEnv env;
+    for (uint64_t seed = 0; seed < 40; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed + 77);
+        const LpModel lp = seed % 4 == 0 ? wide_covering(&dice, 8, 300)
+                                         : dice.pick(all_families()).generate(&dice, 30).lp;
+        const TestModel first(lp_load(env.env, &lp));
+        solve(first, METHOD_PRIMAL);
+        for (const int kind : {1, 2, 3}) {
+            const TestModel other(lp_load(env.env, &lp));
+            TVXgetenv(other)->SimplexPricing = 0;
+            TVXgetenv(other)->TARV_PAR_PRIMALPARTIAL = kind;
+            TVXgetenv(other)->IterationLimit = 50000;
+            expect_same(solve(other, METHOD_PRIMAL), first.model->lp.simplex);
+        }
+    }
+}
 
 // Exact weights from slacks; those of the framework from another basis; parts of very many columns; and Devex after the
 // dual. What the caller asks for is done.
