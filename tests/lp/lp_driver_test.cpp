@@ -118,10 +118,10 @@ TEST_F(LpDriver, tells_how_it_ends_and_goes_on_from_a_limit)
         EXPECT_EQ(lines.back(), said);
         EXPECT_EQ(lines[lines.size() - 2], effort(limit ? "Stopped" : "Solved"));
         EXPECT_EQ(status(), expected);
-        double value = 0; // that other results are missing: fuzz/corpus_test.cpp
-        EXPECT_EQ(TVXgetdblattrelement(model, "Xn", 0, &value), 10005);
-        EXPECT_EQ(integer("SolCount"), 0);
-        if (!limit) { // once more, at once
+        if (!limit) {
+            double value = 0; // that other results are missing: fuzz/corpus_test.cpp
+            EXPECT_EQ(TVXgetdblattrelement(model, "Xn", 0, &value), 10005);
+            EXPECT_EQ(integer("SolCount"), 0); // and once more, at once:
             ASSERT_EQ(TVXoptimize(model), 0);
             EXPECT_EQ(status(), expected);
             continue;
