@@ -13,19 +13,6 @@ namespace
 {
 constexpr int MIP_LATER = TVX_ERROR_NOT_FOR_MIP; // until there is a search
 
-bool presolve_blurs(const ApiModel *a) // status 4 is an answer
-{
-    return a->value("Presolve", -1) != 0 && a->value("TARV_PAR_DUALREDUCTION", 1) != 0;
-}
-
-// The optimum may be beyond the cutoff, or have no value to compare.
-bool cutoff_fits(const ApiModel *a, const LpModel *lp, const RationalResult *truth)
-{
-    const double cutoff = a->value("Cutoff", 1e100);
-    if (truth->status != LpStatus::OPTIMAL) return truth->status == LpStatus::INFEASIBLE;
-    return lp->sense * (truth->value.get_d() - cutoff) > -1e-6 * (1 + std::fabs(cutoff));
-}
-
 // May the solve end with this status, whatever the model is?
 bool stopped_rightly(const ApiModel *a, int status)
 {
@@ -47,9 +34,10 @@ std::string judge(ApiModel *a, const LpModel *lp)
     const int status = a->solution.status;
     if (stopped_rightly(a, status)) return "";
     const RationalResult truth = rational_solve(lp);
-    if (status == TVX_CUTOFF && a->value("Cutoff", 1e100) < 1e100)
-        return cutoff_fits(a, lp, &truth) ? "" : "cut off below the cutoff";
-    return judge_exact(lp, &truth, presolve_blurs(a), &a->solution);
+    Settings settings; // a solve that was at its end before the cutoff came stays there
+    for (const auto &[name, value] : a->values)
+        if (name != "Cutoff" || status == TVX_CUTOFF) settings.emplace_back(name, value);
+    return judge_outcome(lp, &truth, settings, &a->solution);
 }
 
 // A point is there under the statuses that have one; what was stopped may have come to none.
@@ -110,9 +98,8 @@ std::string api_solve(ApiModel *a)
     if (wrong.empty() && clear) wrong = judge(a, &lp);
     const bool measured = clear && !lp.obj.empty() && a->dice()->chance(50);
     if (wrong.empty() && measured && !lp_read_point(a->model, &a->solution)) {
-        // Also where it was stopped. ScaleFlag may have changed since the record was scaled.
-        const auto found =
-            check_quality(a->model, &lp, &a->solution, QualityScaling::SCALED);
+        // Also where it was stopped.
+        const auto found = check_quality(a->model, &lp, &a->solution);
         if (!found.empty()) wrong = found[0];
     }
     return wrong.empty() ? "" : wrong + "\n" + lp_to_mps(&lp, a->settings());

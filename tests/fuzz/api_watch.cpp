@@ -1,6 +1,7 @@
 // api_watch.cpp -- the callback of a fuzzed program: asks for everything, tries what is forbidden, and may end the solve
 #include "fuzz/api_model.h"
 #include <cmath>
+#include <cstring>
 
 namespace
 {
@@ -74,6 +75,10 @@ int api_callback(TVXmodel *model, void *cbdata, int where, void *usrdata)
     if (model != a->model) w->wrong = "called with another model";
     w->busy = true;
     w->calls++;
+    const char *line = "";
+    if (where == TVX_WHERE_MESSAGE)
+        (void)TVXcbget(cbdata, where, TVX_CB_MESSAGE_TEXT, &line);
+    if (strstr(line, "Warning in ")) w->wrong = line; // checks of debug builds
     if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask_all(cbdata, where);
     const bool now = w->calls == w->at_call;
     if (w->wrong.empty() && now) w->wrong = try_forbidden(a, where);

@@ -44,6 +44,7 @@ std::vector<char *> pointers(std::vector<std::string> *texts)
 void StorePlayer::expect(int code, int returned, int line)
 {
     if (code == returned) return;
+    if (!failed) failed = returned;
     wrong += "the call of line " + std::to_string(line) + " returned " +
              std::to_string(returned) + " for " + std::to_string(code) + ": " +
              TVXgetmerrormsg(model) + "\n";

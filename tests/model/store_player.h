@@ -18,6 +18,7 @@ struct StorePlayer {
     int most_elements = INT_MAX; // variables, and constraints: no more are added
     int names_made = 0;
     std::string wrong;
+    int failed = 0; // the first code that is not the expected one
 
     void step(); // one move
 

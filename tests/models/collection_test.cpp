@@ -110,8 +110,7 @@ static void expect_reference(const Instance &instance, const Settings &settings)
     tolerances.report = 1e-7; // sums of many terms of very different size
     EXPECT_EQ(lp_check_optimal(&lp, &s, tolerances), "");
     EXPECT_LE(lp_measure(&lp, s.x, {}).violation(), POINT_TOL);
-    EXPECT_EQ(check_quality(model, &lp, &s, QualityScaling::SCALED),
-              std::vector<std::string>{});
+    EXPECT_EQ(check_quality(model, &lp, &s), std::vector<std::string>{});
 }
 
 TEST_P(Collection, is_read_whole_and_written_the_same)

@@ -87,6 +87,7 @@ static Settings draw_settings(Dice *dice)
         {"Presolve", {-1, 1, 2}},
         {"Aggregate", {0, 1, 1}},
         {"PrePasses", {0, 1, -1, -1}},
+        {"TARV_PAR_PRELIMIT", {2e9, 2e9, double(dice->range(0, 40))}},
         {"TARV_PAR_PREBOUND", {0, 1, 1}},
         {"TARV_PAR_PREPARALLEL", {0, 1, 1}},
         {"PreDepRow", {-1, -1, 0, 1}},

@@ -1,4 +1,6 @@
 // limits_test.cpp -- a solve that is stopped says why, and the next one goes on to the right answer
+//
+// That the caller may stop it at any moment at which he hears of it is looked at in fuzz/api_watch.cpp.
 #include "lp/lp_form.h"
 #include "model/model.h"
 #include "support/hostile_gen.h"
@@ -7,10 +9,8 @@
 #include "support/settings.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <atomic>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <thread>
 #include <vector>
 
 namespace
@@ -107,8 +107,7 @@ void expect_basic_point(const Legs &run)
     EXPECT_EQ(basics, run.lp.num_rows());
     const double value = static_cast<double>(lp_objective(&run.lp, point.x));
     EXPECT_NEAR(point.objval, value, 1e-9 * (1 + std::fabs(value)));
-    EXPECT_EQ(check_quality(run.model, &run.lp, &point, QualityScaling::SCALED),
-              std::vector<std::string>{});
+    EXPECT_EQ(check_quality(run.model, &run.lp, &point), std::vector<std::string>{});
 }
 } // namespace
 
@@ -210,36 +209,6 @@ TEST(Limits, an_unsure_answer_is_not_final)
     EXPECT_EQ(limited, run.whole.iterations);
 }
 
-struct StopAt {
-    int call = 0, stop = 0; // calls of the function so far; the one that stops the solve
-};
-
-static int stop_at(TVXmodel *model, void *, int, void *data)
-{
-    StopAt *at = static_cast<StopAt *>(data);
-    if (++at->call == at->stop) TVXterminate(model);
-    return 0;
-}
-
-// At any moment of the solve at which the caller hears of it.
-TEST(Limits, a_solve_that_is_interrupted_anywhere_is_gone_on_from)
-{
-    for (const Settings &way : ways) {
-        SCOPED_TRACE(settings_text(way));
-        Legs run(example(gen_multi_period, 12, 5), way);
-        StopAt at;
-        ASSERT_EQ(TVXsetcallbackfunc(run.model, stop_at, &at), 0);
-        run.go_on(NONE);
-        for (int stop = 1, calls = at.call; stop <= calls; stop++) {
-            at = {0, stop};
-            run.anew(NONE);
-            at = {0, 0};
-            run.go_on(NONE);
-            run.expect_optimum();
-        }
-    }
-}
-
 // The reduced model is solved, postsolve has not begun: as a limit leaves it there.
 TEST(Limits, the_next_solve_begins_with_postsolve)
 {
@@ -274,23 +243,6 @@ TEST(Limits, work_is_that_of_the_last_call)
         EXPECT_LT(work[2], 0.5 * work[0]);
         EXPECT_GT(work[2], 0);
     }
-}
-
-TEST(Limits, terminate_from_another_thread_interrupts_and_the_next_solve_continues)
-{
-    on_all_ways([](Legs *run) {
-        std::atomic<bool> done{false};
-        std::thread stopper([&] {
-            while (!done) // the start of a solve clears the request: repeat it
-                TVXterminate(run->model);
-        });
-        const int status = run->go_on(NONE);
-        done = true;
-        stopper.join();
-        ASSERT_TRUE(status == TVX_INTERRUPTED || status == TVX_OPTIMAL) << status;
-        run->go_on(NONE);
-        run->expect_optimum();
-    });
 }
 
 // On the model itself, a reduced one, and its dual, whose values come from the other side.

@@ -1,6 +1,7 @@
 // oom_test.cpp -- every allocation of a whole solve fails once
 //
 // The sweeps are those of support/memory_sweep.h.
+#include "model/store_player.h"
 #include "support/memory_sweep.h"
 #include "support/model_text.h"
 #include "support/scratch.h"
@@ -24,41 +25,32 @@ static void load_example(Scene *scene)
     ASSERT_TRUE(scene->model);
 }
 
-// Everything that can be queued, read and copied; the first code that is not 0.
+// Random calls that queue, updates with a basis to carry over, queries and a copy; the first code that is not 0.
 static int build(Scene *s)
 {
     constexpr std::nullptr_t NONE = nullptr;
-    const int beg[] = {0, 2, 4}, ind[] = {0, 1, 1, 2, 3}, back[] = {2, 0, 1}, type = 2;
-    const double val[] = {1, 2, 3, 4, 5}, ub[] = {4, 5, 1e20, 1};
-    const std::vector<int> vars(5, TVX_NONBASIC_LOWER), rows(4, TVX_BASIC);
-    char a[] = "a", c[] = "c", *names[] = {a, nullptr, c, nullptr};
     int count = 0;
-    TVXmodel *&m = s->model;
-    int error = TVXnewmodel(s->env.env, &m, "m", 0, NONE, NONE, NONE, NONE, NONE);
-    if (!error) error = TVXaddvars(m, 4, 0, NONE, NONE, NONE, val, NONE, ub, "CCCC", names);
-    if (!error) error = TVXupdatemodel(m);
-    if (!error) error = TVXaddconstrs(m, 3, 5, beg, ind, val, "<>=", val, NONE);
-    if (!error) error = TVXaddrangeconstr(m, 2, ind, val, 1, 5, "range");
-    if (!error) error = TVXupdatemodel(m);
-    if (!error) error = TVXgetconstrs(m, &count, NONE, NONE, NONE, 0, 4);
-    if (!error) error = TVXaddvar(m, 2, ind, val, 1, -1e30, 9, 'C', "late");
-    if (!error) error = TVXupdatemodel(m);
-    if (!error) error = lp_set_basis(m, vars, rows); // that the update has to carry over
-    if (!error) error = TVXchgcoeffs(m, 3, back, ind, val);
-    if (!error) error = TVXdelvars(m, 1, ind + 4);
-    if (!error) error = TVXdelconstrs(m, 1, back);
-    if (!error) error = TVXsetdblattrelement(m, "LB", 0, 1);
-    if (!error) error = TVXsetcharattrelement(m, "Sense", 0, '>');
-    if (!error) error = TVXsetstrattrelement(m, "VarName", 1, "renamed");
-    if (!error) error = TVXsetstrattr(m, "ModelName", "changed");
-    if (!error) error = TVXupdatemodel(m);
-    if (!error) error = TVXaddsos(m, 1, 3, &type, beg, back, val);
-    if (!error) error = TVXsetcharattrelement(m, "VType", 1, 'I');
-    if (!error) error = TVXupdatemodel(m);
-    TVXmodel *copy = error ? nullptr : TVXcopymodel(m);
-    if (!error && !copy) error = TVX_ERROR_OUT_OF_MEMORY;
-    TVXfreemodel(copy);
-    return error ? error : TVXresetmodel(m);
+    Dice dice(8);
+    StorePlayer player;
+    player.dice = &dice;
+    int error =
+        TVXnewmodel(s->env.env, &player.model, "m", 0, NONE, NONE, NONE, NONE, NONE);
+    s->model = player.model;
+    for (int k = 1; k <= 60 && !error; k++) {
+        player.linear = k <= 30;
+        player.step();
+        error = player.failed;
+        if (k % 5 != 0 || error) continue;
+        error = TVXupdatemodel(s->model);
+        player.reference.update();
+        const int n = player.n_vars(), m = player.n_constrs();
+        if (!error) error = TVXgetconstrs(s->model, &count, NONE, NONE, NONE, 0, m);
+        const std::vector<int> vars(n, TVX_NONBASIC_LOWER), rows(m, TVX_BASIC);
+        if (!error && player.linear) error = lp_set_basis(s->model, vars, rows);
+    }
+    if (error) return error;
+    const TestModel copy(TVXcopymodel(s->model));
+    return copy ? TVXresetmodel(s->model) : TVX_ERROR_OUT_OF_MEMORY;
 }
 
 // What was queued before a failure is all there or all lost, and the model goes on.
@@ -90,30 +82,36 @@ TEST(OutOfMemory, building_and_copying)
                [](Scene *s, int code) { ASSERT_EQ(code != 0, s->model == nullptr); }});
 }
 
-// A failed update may leave the content half changed, but never a model that crashes or cannot be freed.
-TEST(OutOfMemory, update_of_a_solved_model)
+// A failed update may leave the content half changed, but never a model that crashes or cannot be freed. A second solve
+// starts from what the first left behind, as nothing of it is deleted.
+TEST(OutOfMemory, update_and_second_solve)
 {
-    run_sweep({"update",
-               [](Scene *s) {
-                   load_example(s);
-                   ASSERT_EQ(TVXoptimize(s->model), 0);
-                   const double values[] = {1, 2};
-                   const int rows[] = {2, 3}, cols[] = {0, 4};
-                   TVXmodel *model = s->model;
-                   ASSERT_EQ(TVXaddvar(model, 2, rows, values, 1, 0, 9, 'C', nullptr), 0);
-                   ASSERT_EQ(TVXaddrangeconstr(model, 2, cols, values, 0, 90, nullptr), 0);
-                   ASSERT_EQ(TVXaddconstr(model, 2, cols, values, '>', 1, nullptr), 0);
-                   ASSERT_EQ(TVXchgcoeffs(model, 2, rows, cols, values), 0);
-                   ASSERT_EQ(TVXdelconstrs(model, 1, rows), 0);
-                   ASSERT_EQ(TVXdelvars(model, 1, cols), 0);
-                   ASSERT_EQ(TVXsetdblattrelement(model, "LB", 5, 1), 0);
-                   ASSERT_EQ(TVXsetcharattrelement(model, "Sense", 5, '>'), 0);
-               },
-               [](Scene *s) { return TVXupdatemodel(s->model); },
-               [](Scene *s, int) {
-                   ASSERT_EQ(lp_read_back(s->model, &s->lp), 0);
-                   expect_solves(s);
-               }});
+    for (const int lp_method : {0, 1})
+        for (const auto step : {TVXupdatemodel, TVXoptimize})
+            run_sweep(
+                {"changes",
+                 [&](Scene *s) {
+                     load_example(s);
+                     TVXmodel *m = s->model;
+                     ASSERT_EQ(TVXsetintparam(TVXgetenv(m), "LPMethod", lp_method), 0);
+                     ASSERT_EQ(TVXoptimize(m), 0);
+                     const double values[] = {1, 2};
+                     const int rows[] = {2, 3}, cols[] = {0, 4};
+                     ASSERT_EQ(TVXaddvar(m, 2, rows, values, 1, 0, 9, 'C', nullptr), 0);
+                     ASSERT_EQ(TVXaddrangeconstr(m, 2, cols, values, 0, 90, nullptr), 0);
+                     ASSERT_EQ(TVXaddconstr(m, 2, cols, values, '>', 1, nullptr), 0);
+                     ASSERT_EQ(TVXsetdblattrelement(m, "LB", 5, 1), 0);
+                     ASSERT_EQ(TVXsetcharattrelement(m, "Sense", 5, '>'), 0);
+                     if (step == TVXoptimize) return;
+                     ASSERT_EQ(TVXchgcoeffs(m, 2, rows, cols, values), 0);
+                     ASSERT_EQ(TVXdelconstrs(m, 1, rows), 0);
+                     ASSERT_EQ(TVXdelvars(m, 1, cols), 0);
+                 },
+                 [&](Scene *s) { return step(s->model); },
+                 [](Scene *s, int) {
+                     ASSERT_EQ(lp_read_back(s->model, &s->lp), 0);
+                     expect_solves(s);
+                 }});
 }
 
 TEST(OutOfMemory, solve)
@@ -125,22 +123,7 @@ TEST(OutOfMemory, solve)
     for (const Settings &way : ways)
         for (const Family family : {gen_multi_period, gen_planted_infeasible,
                                     gen_planted_unbounded, gen_badly_scaled})
-            run_sweep({"solve",
-                       [&](Scene *s) {
-                           s->lp = example(family, 10);
-                           s->model = lp_load(s->env.env, &s->lp);
-                           ASSERT_TRUE(s->model);
-                           ASSERT_EQ(settings_apply(TVXgetenv(s->model), way), 0);
-                       },
-                       [](Scene *s) { return TVXoptimize(s->model); },
-                       [](Scene *s, int code) {
-                           int status = 0;
-                           ASSERT_EQ(TVXgetintattr(s->model, "Status", &status), 0);
-                           if (code) {
-                               ASSERT_EQ(status, TVX_LOADED);
-                           }
-                           expect_solves(s);
-                       }});
+            sweep_solve(example(family, 10), way);
 }
 
 // A solve that fails behind the last pivot has made as many iterations as one that succeeds.
@@ -172,26 +155,6 @@ TEST(OutOfMemory, is_told_with_the_iterations_done)
         told |= line == "Stopped" + done;
     }
     EXPECT_TRUE(told);
-}
-
-// The second solve starts from what the first left behind.
-TEST(OutOfMemory, solve_again_after_changes)
-{
-    for (const int lp_method : {0, 1})
-        run_sweep(
-            {"solve again",
-             [&](Scene *s) {
-                 load_example(s);
-                 ASSERT_EQ(TVXsetintparam(TVXgetenv(s->model), "LPMethod", lp_method), 0);
-                 ASSERT_EQ(TVXoptimize(s->model), 0);
-                 const int cols[] = {1, 3};
-                 const double values[] = {4, 1};
-                 ASSERT_EQ(TVXaddconstr(s->model, 2, cols, values, '>', 6, nullptr), 0);
-                 lp_add_row_entries(&s->lp, {{1, 4}, {3, 1}}, '>', 6);
-                 ASSERT_EQ(TVXupdatemodel(s->model), 0);
-             },
-             [](Scene *s) { return TVXoptimize(s->model); },
-             [](Scene *s, int) { expect_solves(s); }});
 }
 
 // Whatever can be asked of a solved model, written of it and read into it; the first code that is not 0.

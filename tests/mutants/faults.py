@@ -217,7 +217,7 @@ FAULTS = [
           "full[result->NumCols + i];", "full[i];"),
     Fault("src/presolve/crush.cpp", "a mended basis lacks a basic variable", "Crush.*",
           "for (int k = n + m - 1; k >= n && basic < m; k--)", "for (int k = n + m - 1; k >= n && basic < m - 1; k--)"),
-    Fault("src/presolve/claim.cpp", "the proof from dependent rows has wrong signs", "Claim.*",
+    Fault("src/presolve/claim.cpp", "the proof from dependent rows has wrong signs", "Reductions.*",
           "add_row(w, rows[k].line, -sign * rows[k].factor)", "add_row(w, rows[k].line, sign * rows[k].factor)"),
     Fault("src/lp/lp_start.cpp", "a basis that is newer than the last solve is ignored", "LpStartTest.*",
           "const bool newer = given.statuses && given.newer,", "const bool newer = !given.statuses && given.newer,"),

@@ -1,9 +1,10 @@
 // claim_test.cpp -- what presolve says of models without optimum is proved on the models themselves
+//
+// What single reductions say is looked at in presolve/reduce/reductions_test.cpp.
 #include "body/certificate.h"
 #include "body/signs.h"
 #include "presolve/claim.h"
 #include "presolve/dualise.h"
-#include "support/hostile_gen.h"
 #include "support/inside.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
@@ -12,15 +13,6 @@
 
 static constexpr double INF = 1e30;
 
-// Is there a proof, and does it hold?
-static bool proved(const ModelBody *body, const LpClaim *claim)
-{
-    bool holds = false;
-    if (claim->farkas.size > 0) return farkas_holds(body, INF, claim->farkas.data);
-    if (claim->ray.size > 0 && ray_holds(body, INF, claim->ray.data, &holds)) abort();
-    return holds;
-}
-
 struct Score {
     int holds = 0, lost = 0; // lost: none, or a wrong one
     void add(bool proof) { (proof ? holds : lost)++; }
@@ -28,69 +20,6 @@ struct Score {
 };
 
 static constexpr double LOST = 0.05; // proofs that reductions may lose
-
-// Small models that contradict themselves in one row or column more: what single reductions end must be proved.
-static LpModel contradictory(Dice *dice)
-{
-    LpModel lp = gen_tiny(dice, {.max_vars = 5, .max_rows = 5});
-    const int m = lp.num_rows(), n = lp.num_vars();
-    if (n > 0 &&
-        dice->chance(10)) { // free columns, and the sum of two of them at less cost
-        for (int j = 0; j < n; j++) lp.lb[j] = -LP_INFINITY, lp.ub[j] = LP_INFINITY;
-        const int a = dice->range(0, n - 1), b = dice->range(0, n - 1);
-        const int sum = lp_add_var(&lp, lp.obj[a] + lp.obj[b] + dice->nonzero(1),
-                                   -LP_INFINITY, LP_INFINITY);
-        for (int i = 0; i < m; i++)
-            lp_set_entry(&lp, i, sum, lp_get_entry(&lp, i, a) + lp_get_entry(&lp, i, b));
-        return lp;
-    }
-    if (dice->chance(20)) { // a column that nothing stops
-        const int j = lp_add_var(&lp, -lp.sense, 0, LP_INFINITY);
-        for (int i = 0; i < m; i++)
-            if (lp.senses[i] != '=' && dice->chance(50))
-                lp_set_entry(&lp, i, j, lp.senses[i] == '<' ? -1 : 1);
-        return lp;
-    }
-    if (m > 0) contradict_rows(dice, &lp, dice->nonzero(1));
-    return lp;
-}
-
-TEST(Claim, what_single_reductions_say_is_proved)
-{
-    const struct {
-        std::initializer_list<Reduction> reductions;
-        int least; // claims
-    } rows[] = {
-        {{pre_singleton_rows, pre_redundant_rows}, 50},
-        {{pre_aggregate, pre_redundant_rows}, 50},
-        {{pre_implied_bounds}, 50},
-        {{pre_duplicate_rows}, 50},
-        {{pre_dependent_rows}, 30},
-        {{pre_fix_empty}, 20},
-        {{pre_columns}, 50},
-        {{pre_duplicate_cols}, 20},
-        {{pre_dependent_cols}, 10},
-        {{pre_dual_bounds}, 50},
-    };
-    const TestEnv env;
-    for (const auto &row : rows) {
-        SCOPED_TRACE(&row - rows);
-        Score score;
-        for (uint64_t seed = 0; seed < 1500; seed++) {
-            Dice dice(seed);
-            const LpModel lp = contradictory(&dice);
-            LpClaim claim;
-            if (rational_solve(&lp).crossed >= 0) continue; // those need no proof
-            const TestModel model(lp_load(env.env, &lp));
-            if (presolve_try(env.env, &lp, row.reductions, &claim).status != 0)
-                score.add(proved(model.model->body, &claim));
-        }
-        EXPECT_GE(score.holds, row.least);
-        EXPECT_LT(score.share(), LOST);
-    }
-}
-
-// ---- random models ----
 
 // The model's own verdict; proofs never say anything else.
 static void expect_right(const LpModel *lp, const LpClaim *claim, uint64_t seed)
@@ -130,8 +59,8 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
         LpClaim small, claim;
         const Reduced left(model, &claim);
         if (left.status != PRESOLVE_OK && size == 8) {
-            own.add(proved(model.model->body, &claim));
-            if (proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+            own.add(claim_proved(model.model->body, &claim));
+            if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
         }
         if (!left.body()) continue;
         LpModel reduced;
@@ -139,7 +68,7 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
         const RationalResult exact = rational_solve(&reduced);
         if (exact.status == LpStatus::OPTIMAL || exact.crossed >= 0) continue;
         exact_claim(left.body(), exact, &small);
-        if (!proved(left.body(), &small)) continue; // by rounding
+        if (!claim_proved(left.body(), &small)) continue; // by rounding
         if (small.farkas.size > 0) {
             ASSERT_EQ(array_resize(&claim.farkas, lp.num_rows()), 0);
             ASSERT_EQ(postsolve_farkas(left.result, small.farkas.data, claim.farkas.data),
@@ -148,8 +77,8 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
             ASSERT_EQ(postsolve_ray(left.result, small.ray.data, claim.ray.data), 0);
         }
-        back[small.ray.size > 0].add(proved(model.model->body, &claim));
-        if (proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+        back[small.ray.size > 0].add(claim_proved(model.model->body, &claim));
+        if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
     }
     EXPECT_GT(own.holds, 500);
     EXPECT_GT(back[0].holds + back[1].holds, 40);
@@ -185,7 +114,7 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
             dual_farkas_to_ray(model.model->body, INF, of_dual.farkas.data, claim.ray.data);
         }
-        EXPECT_TRUE(proved(model.model->body, &claim)) << seed;
+        EXPECT_TRUE(claim_proved(model.model->body, &claim)) << seed;
     }
     EXPECT_GT(infeasible, 100);
     EXPECT_GT(unbounded, 100);

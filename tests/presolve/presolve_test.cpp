@@ -1,31 +1,15 @@
-// presolve_test.cpp -- presolve may be stopped after any reduction, by its limit or by lack of memory
+// presolve_test.cpp -- memory may end anywhere in presolve
 //
-// That answers are the same with presolve under all its settings as without: models/differential_test.cpp.
+// That answers are the same with presolve under all its settings as without, also where its limit stops it after a few
+// reductions: models/differential_test.cpp.
 #include "model/model.h"
 #include "presolve/work.h"
 #include "support/inside.h"
 #include "support/memory_sweep.h"
 #include "support/model_gen.h"
-#include "support/presolve_try.h"
+#include "support/settings.h"
 #include "support/structured_gen.h"
 #include <gtest/gtest.h>
-
-// Presolve may stop behind each of its reductions: what stands then is a model like any other.
-TEST(Presolve, it_may_stop_after_any_reduction)
-{
-    for (const Family family :
-         {gen_multi_period, gen_blending, gen_network, gen_degenerate_optimum})
-        for (int limit = 0; limit < 40; limit++) {
-            const TestEnv env;
-            ASSERT_EQ(
-                settings_apply(env.env, {{"TARV_PAR_PRELIMIT", limit}, {"Presolve", 2}}),
-                0);
-            Dice dice(3);
-            const LpModel lp = family(&dice, 15).lp;
-            const PresolveTry t = presolve_try_all(env.env, &lp);
-            ASSERT_EQ(t.faults, "") << "limit " << limit;
-        }
-}
 
 #ifdef TVX_DEBUG
 // Kinds of the records that presolve leaves behind, as bits.
@@ -38,19 +22,6 @@ static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
     for (const UndoRecord *undo = reduced.result->Undo.head; undo; undo = undo->next)
         kinds |= 1U << undo->kind;
     return kinds;
-}
-
-static void sweep(const LpModel &lp, const Settings &settings)
-{
-    run_sweep({"presolve",
-               [&](Scene *s) {
-                   ASSERT_EQ(settings_apply(s->env.env, settings), 0);
-                   s->lp = lp;
-                   s->model = lp_load(s->env.env, &lp);
-                   ASSERT_TRUE(s->model);
-               },
-               [](Scene *s) { return TVXoptimize(s->model); },
-               [](Scene *s, int) { expect_solves(s); }});
 }
 
 // On small models whose records are of all kinds together, and on larger ones.
@@ -70,12 +41,12 @@ TEST(Presolve, memory_may_end_anywhere)
         for (const Settings &settings : {Settings{{"Presolve", 2}},
                                          {{"PreDual", 1}},
                                          {{"PreDual", 2}, {"Threads", 2}}})
-            sweep(lp, settings);
+            sweep_solve(lp, settings);
     }
     EXPECT_EQ(wanted, 0U); // else the sweep has gaps
     for (const Family family : {gen_multi_period, gen_planted_infeasible}) {
         Dice dice(9);
-        sweep(family(&dice, 8).lp, {{"Presolve", 2}});
+        sweep_solve(family(&dice, 8).lp, {{"Presolve", 2}});
     }
 }
 

@@ -26,14 +26,13 @@ struct Sweep {
     std::function<void(Scene *)> prepare;
     std::function<int(Scene *)> step;        // the code of the call under test
     std::function<void(Scene *, int)> after; // with memory back; gets that code
-    int stride = 1;                          // of k
 };
 
 inline void run_sweep(const Sweep &sweep)
 {
     const int64_t before = mem_blocks_held();
     bool refused = true;
-    for (int64_t k = 1; refused; k += sweep.stride) {
+    for (int64_t k = 1; refused; k++) {
         {
             Scene scene;
             sweep.prepare(&scene);
@@ -59,5 +58,24 @@ inline void expect_solves(Scene *scene)
     LpSolution solution;
     ASSERT_EQ(lp_solve(scene->model, &solution), 0) << TVXgetmerrormsg(scene->model);
     ASSERT_EQ(judge_exact(&scene->lp, &truth, true, &solution), "");
+}
+
+// A fresh model solved under these settings.
+inline void sweep_solve(const LpModel &lp, const Settings &settings)
+{
+    run_sweep({"solve",
+               [&](Scene *s) {
+                   s->lp = lp;
+                   s->model = lp_load(s->env.env, &lp);
+                   ASSERT_TRUE(s->model);
+                   ASSERT_EQ(settings_apply(TVXgetenv(s->model), settings), 0);
+               },
+               [](Scene *s) { return TVXoptimize(s->model); },
+               [](Scene *s, int code) {
+                   int status = 0;
+                   ASSERT_EQ(TVXgetintattr(s->model, "Status", &status), 0);
+                   ASSERT_TRUE(code == 0 || status == TVX_LOADED);
+                   expect_solves(s);
+               }});
 }
 #endif

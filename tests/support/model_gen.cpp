@@ -42,7 +42,7 @@ static void add_random_var(Dice *dice, LpModel *lp)
     lp_add_var(lp, obj, kind->lb, kind->ub);
 }
 
-char random_sense(Dice *dice)
+static char random_sense(Dice *dice)
 {
     const int kind = dice->range(1, 10);
     return kind <= 4 ? '<' : kind <= 7 ? '>' : '=';

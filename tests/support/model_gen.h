@@ -16,6 +16,5 @@ LpModel gen_tiny(Dice *dice, const TinyLimits &limits);
 // Feasible by a point and bounded by multipliers; so many percent of the entries are not 0.
 LpModel gen_planted(Dice *dice, int rows, int cols, int density, bool all_tight);
 
-char random_sense(Dice *dice);
 // Multiplies rows and columns by powers of two up to 2^power: no rounding, so the verdict stays.
 void stretch_lines(Dice *dice, LpModel *lp, int power);

@@ -1,7 +1,9 @@
 // presolve_try.cpp -- see the header
 #include "support/presolve_try.h"
+#include "body/certificate.h"
 #include "body/signs.h"
 #include "lp/lp_form.h"
+#include "presolve/claim.h"
 #include "presolve/presolve.h"
 #include "support/inside.h"
 #include <cstdlib>
@@ -104,17 +106,27 @@ static void finish(TVXmodel *model, const PresolveResult *result, const LpModel 
     if (error) out->faults += "error " + std::to_string(error) + "\n";
 }
 
+bool claim_proved(const ModelBody *body, const LpClaim *claim)
+{
+    bool holds = false;
+    if (claim->farkas.size > 0) return farkas_holds(body, 1e30, claim->farkas.data);
+    if (claim->ray.size > 0 && ray_holds(body, 1e30, claim->ray.data, &holds)) abort();
+    return holds;
+}
+
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions, LpClaim *claim)
+                         std::initializer_list<Reduction> reductions)
 {
     PresolveTry out;
+    LpClaim claim;
     const TestModel model(lp_load(env, lp));
     if (!model) abort();
     PresolveWork work;
     PresolveResult *result = nullptr;
-    work.WantsProof = claim != nullptr;
+    work.WantsProof = true;
     const int error = reduce(&work, model, reductions, &out, &result);
-    if (claim && out.status != 0 && claim_finish(&work, out.status, claim)) abort();
+    if (out.status != 0 && claim_finish(&work, out.status, &claim)) abort();
+    out.proved = claim_proved(model.model->body, &claim);
     out.infeas_col = work.InfeasCol;
     out.coefs_changed = work.CoefsChanged;
     out.effect = work.RowsRemoved + work.ColsRemoved + work.IneqToEq + work.CoefsChanged +
@@ -122,17 +134,6 @@ PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
     work_free(&work);
     finish(model, result, lp, error, &out);
     presolve_free(result);
-    return out;
-}
-
-PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp)
-{
-    PresolveTry out;
-    const TestModel model(lp_load(env, lp));
-    if (!model) abort();
-    const Reduced reduced(model);
-    out.status = lp_status_of(reduced.status);
-    finish(model, reduced.result, lp, 0, &out);
     return out;
 }
 

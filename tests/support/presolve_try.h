@@ -3,7 +3,6 @@
 // The point is judged as it comes from postsolve, before any simplex has seen it: values, duals, reduced costs and
 // basis must be optimal for the model itself.
 #pragma once
-#include "presolve/claim.h"
 #include "presolve/work.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
@@ -13,7 +12,8 @@
 using Reduction = int (*)(PresolveWork *);
 
 struct PresolveTry {
-    int status = 0; // PresolveEnd of the reductions: the first that is not 0
+    int status = 0;      // PresolveEnd of the reductions: the first that is not 0
+    bool proved = false; // that end, on the model itself
     int infeas_col = -1;
     int rows = 0, cols = 0, nonzeros = 0; // of the reduced model, 0 when nothing is left
     int effect = 0;         // rows, columns, coefficients, bounds and senses changed in all
@@ -26,19 +26,17 @@ struct PresolveTry {
 };
 
 // Runs the reductions in this order, each once, on all rows and columns, with activities summed and lists compressed
-// between them; then solves, postsolves and judges. Parameters are those of `env`. A claim is what reductions that end
-// the model say in proof.
+// between them; then solves, postsolves and judges. Parameters are those of `env`.
 PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions,
-                         LpClaim *claim = nullptr);
-// presolve_lp in place of single reductions.
-PresolveTry presolve_try_all(TVXenv *env, const LpModel *lp);
+                         std::initializer_list<Reduction> reductions);
 
 // Such a run in an environment of its own. What is left is judged, and counted: -1 stands for any number.
 PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
                        const Settings &settings = {});
 PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,
                         int rows, int cols = -1, const Settings &settings = {});
+// Is there a proof in the claim, and does it hold for the model?
+bool claim_proved(const ModelBody *body, const LpClaim *claim);
 // The reductions end with this PresolveEnd.
 PresolveTry expect_end(const LpModel &lp, std::initializer_list<Reduction> reductions,
                        int status);

@@ -80,7 +80,7 @@ static void compare(TVXmodel *model, const std::string &name, const Amounts &amo
 }
 
 std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,
-                                       const LpSolution *solution, QualityScaling scaling)
+                                       const LpSolution *solution)
 {
     const LpMeasures m = lp_measure(lp, solution->x, solution->pi);
     Amounts bound, constr, residual, dual_residual;
@@ -103,22 +103,15 @@ std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,
         priced.judge(p, tol);
     }
     const Amounts none;
-    const struct {
-        const char *kind, *measure;
-        const Amounts &amounts;
-        bool scaled; // there is one on the scaled model
-    } rows[] = {{"Bound", "Vio", bound, true},
-                {"Constr", "Vio", constr, true},
-                {"Constr", "Residual", residual, true},
-                {"Dual", "Vio", priced.dual, true},
-                {"Dual", "Residual", dual_residual, true},
-                {"Compl", "Vio", priced.complementarity, false},
-                {"Int", "Vio", none, false}};
+    const std::pair<const char *, const Amounts &> rows[] = {
+        {"BoundVio", bound},
+        {"ConstrVio", constr},
+        {"ConstrResidual", residual},
+        {"DualVio", priced.dual},
+        {"DualResidual", dual_residual},
+        {"ComplVio", priced.complementarity},
+        {"IntVio", none}};
     std::vector<std::string> faults;
-    for (const auto &row : rows) {
-        compare(model, std::string(row.kind) + row.measure, row.amounts, &faults);
-        if (row.scaled && scaling == QualityScaling::UNSCALED)
-            compare(model, std::string(row.kind) + "S" + row.measure, row.amounts, &faults);
-    }
+    for (const auto &[name, amounts] : rows) compare(model, name, amounts, &faults);
     return faults;
 }

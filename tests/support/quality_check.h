@@ -8,7 +8,5 @@
 #include "support/lp_check.h"
 #include "tarvex.h"
 
-// The measures on the scaled model are compared with the others when the solve was not SCALED, and else left out.
-enum class QualityScaling { SCALED, UNSCALED };
 std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,
-                                       const LpSolution *solution, QualityScaling scaling);
+                                       const LpSolution *solution);

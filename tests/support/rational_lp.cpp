@@ -8,26 +8,15 @@ static constexpr unsigned BITS = 320,
 
 const char *lp_status_name(LpStatus status)
 {
-    switch (status) {
-    case LpStatus::OPTIMAL:
-        return "optimal";
-    case LpStatus::INFEASIBLE:
-        return "infeasible";
-    case LpStatus::UNBOUNDED:
-        return "unbounded";
-    }
-    return "?";
+    static constexpr const char *NAMES[] = {"optimal", "infeasible", "unbounded"};
+    return NAMES[static_cast<size_t>(status)];
 }
 
 static RationalRange relax_range(double low, double high, double relax)
 {
-    RationalRange range;
-    range.has_low = !lp_is_infinite(low);
-    range.has_high = !lp_is_infinite(high);
-    if (range.has_low) range.low = low;
-    if (range.has_high) range.high = high;
-    if (range.has_low) range.low -= relax;
-    if (range.has_high) range.high += relax;
+    RationalRange range{!lp_is_infinite(low), !lp_is_infinite(high), 0, 0};
+    if (range.has_low) range.low = mpq_class(low) - relax;
+    if (range.has_high) range.high = mpq_class(high) + relax;
     return range;
 }
 

@@ -72,8 +72,8 @@ static double value_of(const Settings &settings, const char *wanted, double othe
 // A cutoff this near to the optimum, relatively, may go either way.
 static constexpr double CLOSE = 1e-6;
 
-static std::string judge(const LpModel *lp, const RationalResult *truth,
-                         const Settings &settings, const LpSolution *solution)
+std::string judge_outcome(const LpModel *lp, const RationalResult *truth,
+                          const Settings &settings, const LpSolution *solution)
 {
     const bool cut = solution->status == TVX_CUTOFF,
                presolve = value_of(settings, "Presolve", -1) != 0 &&
@@ -99,7 +99,7 @@ std::string solve_and_judge(TVXenv *env, const LpModel *lp, const RationalResult
         return std::string("settings refused: ") + TVXgetmerrormsg(model);
     const int error = lp_solve(model, &solution);
     if (error) return "error " + std::to_string(error) + ": " + TVXgetmerrormsg(model);
-    return judge(lp, truth, settings, &solution);
+    return judge_outcome(lp, truth, settings, &solution);
 }
 
 std::string same_outcome(const LpSolution *a, const LpSolution *b)

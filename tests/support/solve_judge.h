@@ -13,11 +13,14 @@ static constexpr double RUNAWAY_ITERATIONS =
 // be infeasible).
 std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool presolve,
                         const LpSolution *solution);
+// The same under these settings, a cutoff among them perhaps.
+std::string judge_outcome(const LpModel *lp, const RationalResult *truth,
+                          const Settings &settings, const LpSolution *solution);
 // An exact optimum as a solver would report it.
 LpSolution exact_solution(const LpModel *lp, const RationalResult &exact);
 // The checker's opinion of status 2, under the tolerances of the default parameters.
 std::string judge_optimal(const LpModel *lp, const LpSolution *solution);
-// A fresh model, the settings, a cutoff among them perhaps, and one solve, judged exactly.
+// A fresh model, the settings and one solve, judged exactly.
 std::string solve_and_judge(TVXenv *env, const LpModel *lp, const RationalResult *truth,
                             const Settings &settings);
 
