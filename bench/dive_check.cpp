@@ -11,6 +11,7 @@ constexpr double BELOW = 1e-5;    // relative, of probes
 constexpr int PROBED = 4;         // variables of a point for strong branching,
 constexpr double INTEGRAL = 1e-5; // farther from an integer than this, the usual IntFeasTol
 
+// Solves of one kind, those that disagree with the fresh one, and those without an answer.
 struct Tally {
     const char *name;
     int solves = 0, wrong = 0, none = 0;
@@ -28,7 +29,7 @@ struct Tally {
                     status, objective);
         }
     }
-    // At a limit the value is a bound. An optimum within the tolerance may lie below by a little more than another one.
+    // At a limit the value is a bound.
     void judge_probe(const BranchOutcome &out, int status, double objective)
     {
         const double size = 1 + std::fabs(objective);

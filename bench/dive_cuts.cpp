@@ -6,6 +6,12 @@ namespace
 {
 constexpr size_t CUTS = 10; // of one point
 
+constexpr double ZERO = 1e-12;          // entries of the row up to this are rounding errors
+constexpr double FRACTION_LEAST = 0.01; // of the right-hand side, and as far from 1
+constexpr double VALUE_FRACTION = 0.05; // of a variable whose row is used
+// Coefficients of a cut below DROPPED of the largest are left out; one below KEPT makes the cut useless, as it ranges too far.
+constexpr double DROPPED = 1e-11, KEPT = 1e-6;
+
 // The Gomory mixed-integer cut of the row of basic integer variable k, on the columns, or an empty one.
 Cut gomory_cut(const Lp *lp, int k)
 {
@@ -26,13 +32,13 @@ Cut gomory_cut(const Lp *lp, int k)
     // shifted to the bounds at which the nonbasics are: x = l + t or u - t
     std::vector<char> upper(size_t(n), 0);
     for (int j = 0; j < n; j++) {
-        if (simplex_is_basic(lp->record, j) || std::fabs(g[size_t(j)]) < 1e-12) continue;
+        if (simplex_is_basic(lp->record, j) || std::fabs(g[size_t(j)]) < ZERO) continue;
         const double x = simplex_value(lp->record, j);
         upper[size_t(j)] = x == lp->upper[size_t(j)] && x != lp->lower[size_t(j)];
         rhs -= g[size_t(j)] * x;
     }
     const double f0 = rhs - std::floor(rhs);
-    if (f0 < 0.01 || f0 > 0.99) return {};
+    if (f0 < FRACTION_LEAST || f0 > 1 - FRACTION_LEAST) return {};
     const auto weight = [&](double a, bool integral) { // of t in  sum weight t >= 1
         if (!integral) return a > 0 ? a / f0 : -a / (1 - f0);
         const double f = a - std::floor(a);
@@ -42,7 +48,7 @@ Cut gomory_cut(const Lp *lp, int k)
     cut.rhs = -1;
     std::vector<double> c(size_t(n), 0.0);
     for (int j = 0; j < n; j++) {
-        if (simplex_is_basic(lp->record, j) || std::fabs(g[size_t(j)]) < 1e-12) continue;
+        if (simplex_is_basic(lp->record, j) || std::fabs(g[size_t(j)]) < ZERO) continue;
         const double sign = upper[size_t(j)] ? -1 : 1, bound = simplex_value(lp->record, j);
         const double w = weight(sign * g[size_t(j)], lp->integer(j));
         c[size_t(j)] -= w * sign;
@@ -61,8 +67,8 @@ Cut gomory_cut(const Lp *lp, int k)
     double most = 0;
     for (const double v : c) most = std::max(most, std::fabs(v));
     for (int j = 0; j < n; j++) {
-        if (std::fabs(c[size_t(j)]) < 1e-11 * most) continue;
-        if (std::fabs(c[size_t(j)]) < 1e-6 * most) return {}; // bad dynamism
+        if (std::fabs(c[size_t(j)]) < DROPPED * most) continue;
+        if (std::fabs(c[size_t(j)]) < KEPT * most) return {};
         cut.ind.push_back(j);
         cut.val.push_back(c[size_t(j)]);
     }
@@ -77,7 +83,7 @@ std::vector<Cut> cuts_of_point(const Lp *lp)
     for (int j = 0; j < lp->body->numvars && cuts.size() < CUTS; j++) {
         if (!lp->integer(j) || !simplex_is_basic(lp->record, j)) continue;
         const double x = simplex_value(lp->record, j);
-        if (std::fabs(x - std::round(x)) < 0.05) continue;
+        if (std::fabs(x - std::round(x)) < VALUE_FRACTION) continue;
         Cut cut = gomory_cut(lp, j);
         if (!cut.ind.empty()) cuts.push_back(cut);
     }

@@ -14,8 +14,8 @@ namespace
 {
 constexpr double SAME = 1e-6;  // relative difference of objectives that counts as none
 constexpr double NONE = 1e100; // no limit, and the value of an infeasible LP
-constexpr int STEPS = 40;
-constexpr int PROBES = 4; // kind of calls that memory is refused to
+constexpr int STEPS = 40;      // of a walk
+constexpr int PROBES = 4;      // the kind of refuse() that is strong branching
 
 // The LP as it should be, beside the live record that follows it.
 struct Walk {
