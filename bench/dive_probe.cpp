@@ -21,10 +21,11 @@
 
 namespace
 {
-constexpr int DEPTH = 60;     // levels of a dive
-constexpr int JUMPS = 10;     // jumps after a dive
-constexpr double STEP = 1e-9; // of a move that makes no pivot necessary
-constexpr int ROUNDS = 5;     // of cuts
+constexpr int DEPTH = 60; // levels of a dive
+constexpr int JUMPS = 10; // jumps after a dive
+constexpr double STEP =
+    1e-13; // of a move that makes no pivot necessary, even with coefficients of 1e6
+constexpr int ROUNDS = 5; // of cuts
 
 struct Node { // before it was branched
     int var;

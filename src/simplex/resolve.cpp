@@ -24,7 +24,8 @@ constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
 // within 1e-9 of it.
 constexpr double SUM_TRUST = 1000;
 
-constexpr double AIM = 0.5; // of the visible error by wrong signs, with a smaller tolerance
+// A smaller tolerance aims at this share of the visible error by wrong signs; one step reduces it to LEAST_STEP at most.
+constexpr double AIM = 0.5, LEAST_STEP = 0.1;
 
 constexpr int SIGN_ROUNDS = 4; // runs of the primal simplex with smaller tolerances
 } // namespace
@@ -77,7 +78,8 @@ template<class R> bool live_tighten_signs(sopt *s, swork<R> *w)
     const double error = dual_visible_error(s),
                  least = s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR;
     if (error == 0 || s->OptTol <= least) return false;
-    s->OptTol = std::max(least, AIM * s->OptTol * dual_error_limit(s) / error);
+    const double share = std::max(LEAST_STEP, AIM * dual_error_limit(s) / error);
+    s->OptTol = std::max(least, share * s->OptTol);
     return true;
 }
 
@@ -215,7 +217,13 @@ template<class R> void judge_cutoff(sopt *s, swork<R> *w, ResolveOutcome *out)
 
 int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 {
-    TRY(recover(s, call.Iterations - s->NPvt, s->Cutoff));
+    const double cutoff = s->Cutoff;
+    TRY(recover(s, call.Iterations - s->NPvt, cutoff));
+    if (!is_final(s->Status)) { // perhaps because tolerances were reduced
+        s->FeasTol = s->Env->FeasibilityTol;
+        s->OptTol = s->Env->OptimalityTol;
+        TRY(recover(s, call.Iterations - s->NPvt, cutoff));
+    }
     const int status = is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC;
     *out = {status, -UNDEFINED_VALUE, -UNDEFINED_VALUE, s->NPvt};
     if (status == SIMPLEX_OPTIMAL) out->Value = out->Bound = simplex_objective(s);
