@@ -9,7 +9,8 @@ constexpr size_t CUTS = 10; // of one point
 constexpr double ZERO = 1e-12;          // entries of the row up to this are rounding errors
 constexpr double FRACTION_LEAST = 0.01; // of the right-hand side, and as far from 1
 constexpr double VALUE_FRACTION = 0.05; // of a variable whose row is used
-// Coefficients of a cut below DROPPED of the largest are left out; one below KEPT makes the cut useless, as it ranges too far.
+// Coefficients of a cut below DROPPED of the largest are left out; one below KEPT makes the cut useless, as it ranges
+// too far.
 constexpr double DROPPED = 1e-11, KEPT = 1e-6;
 
 // The Gomory mixed-integer cut of the row of basic integer variable k, on the columns, or an empty one.

@@ -2,12 +2,13 @@
 //
 //   tarvex_dive [Name=Value ...] [--seconds S] [--by optimize | --tree N | --check] MODEL
 //
-// The relaxation is solved without presolve. Then, with seeded choices: dives (one bound of the most fractional variable
-// at a time, the other side where a branch is infeasible), between them calls that need no pivot, jumps back to a node of
-// the dive with its basis and the other branch, and rounds of Gomory cuts that are appended and, when their slack is basic
-// again, deleted. With `--by optimize` dives and jumps use SimplexOptimize on the record as an ordinary caller would, for
-// comparison; there are no rounds of cuts then. Written is one line of JSON: for each kind of call the number of calls,
-// iterations, factorisations and processor seconds, and the least squares fit seconds = fixed + pivot * iterations.
+// The relaxation is solved without presolve. Then, with seeded choices: dives (one bound of the most fractional
+// variable at a time, the other side where a branch is infeasible), between them calls that need no pivot, jumps back
+// to a node of the dive with its basis and the other branch, and rounds of Gomory cuts that are appended and, when
+// their slack is basic again, deleted. With `--by optimize` dives and jumps use SimplexOptimize on the record as an
+// ordinary caller would, for comparison; there are no rounds of cuts then. Written is one line of JSON: for each kind
+// of call the number of calls, iterations, factorisations and processor seconds, and the least squares fit seconds =
+// fixed + pivot * iterations.
 // With `--tree N` instead: a depth-first branch and bound without anything else, at most N nodes: nodes per second.
 // With `--check` instead: ten random start bases, ten times random changes of bounds, probes of strong branching, rows
 // appended: each is compared with a fresh solve of the same LP; their numbers, the disagreements, and solves without an
@@ -34,8 +35,8 @@ struct Node { // before it was branched
     NodeBasis basis;
 };
 
-// A nonbasic variable is fixed a little beside its bound, and released: what a call costs without any pivot, with the FTRAN
-// of its move.
+// A nonbasic variable is fixed a little beside its bound, and released: what a call costs without any pivot, with the
+// FTRAN of its move.
 void idle(Lp *lp, Kind *idles, std::mt19937 *rng)
 {
     const int j = pick(rng, lp->body->numvars);

@@ -134,7 +134,8 @@ ExitCode parse_and_run(int argc, char **argv)
     }
 }
 
-// A solve allocates and frees large arrays many times. Pages returned to the system in between would be cleared by it again.
+// A solve allocates and frees large arrays many times. Pages returned to the system in between would be cleared by it
+// again.
 void keep_memory()
 {
 #ifdef __GLIBC__

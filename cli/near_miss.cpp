@@ -1,7 +1,8 @@
 // near_miss.cpp -- the name that somebody who mistyped probably meant
 //
 // Method   The number of letters to insert, delete, replace or swap with a neighbour, by the usual table; near is what
-//          needs no more than one in three of them, and fewer than the word has. A name of which the word is a beginning is near as well.
+//          needs no more than one in three of them, and fewer than the word has. A name of which the word is a
+//          beginning is near as well.
 #include "near_miss.h"
 #include "arguments.h"
 #include "env/parameter_texts.h"

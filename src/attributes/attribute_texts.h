@@ -1,8 +1,8 @@
 // attribute_texts.h -- what every attribute tells, in the order and the sections of docs/attributes.md
 //
-// Data and words for it, and no include: the command line and the program that writes docs/attributes.md take their texts from
-// here as well. Type, kind, and whether an attribute may be set stand in attribute_table.cpp only. Names are between
-// backticks, as the page wants them.
+// Data and words for it, and no include: the command line and the program that writes docs/attributes.md take their
+// texts from here as well. Type, kind, and whether an attribute may be set stand in attribute_table.cpp only. Names
+// are between backticks, as the page wants them.
 #pragma once
 
 enum class AttributeSection {

@@ -1,10 +1,10 @@
 // lu_journal.cpp -- a journal of updates, for runs that are undone as a whole
 //
 // Problem     Strong branching pivots from one basis and then returns to it, for many candidates.
-// Method      A Forrest-Tomlin update of position r changes column r and row r of U, the rows in which the old or the new
-//             column has entries, and the columns in which row r has entries. Each of these lines is copied before its
-//             first change. Undoing puts the copies back to their old places, which nobody else uses, since lines that
-//             outgrow theirs move to the end of the pool. The order, the etas and the pools are cut back.
+// Method      A Forrest-Tomlin update of position r changes column r and row r of U, the rows in which the old or the
+//             new column has entries, and the columns in which row r has entries. Each of these lines is copied before
+//             its first change. Undoing puts the copies back to their old places, which nobody else uses, since lines
+//             that outgrow theirs move to the end of the pool. The order, the etas and the pools are cut back.
 // Cost        Recording: the entries of the lines, like the update itself. Undoing: the entries recorded.
 #include "lu/lufact.h"
 #include <algorithm>

@@ -230,8 +230,8 @@ template<class R> void lu_solve_upper_transposed(lufact<R> *lu, SVec<R> *x);
 enum UpdateResult { UPDATE_DONE = 0, UPDATE_UNSTABLE = 6, UPDATE_NO_ROOM = 11 };
 template<class R> int UpdateFactor(lufact<R> *lu, int r, R pivot);
 
-// lu_journal.cpp. After lu_journal_begin (0 or OUT_OF_MEMORY) updates are recorded, until lu_journal_undo brings back the
-// factors as they were then, or a factorisation ends the journal.
+// lu_journal.cpp. After lu_journal_begin (0 or OUT_OF_MEMORY) updates are recorded, until lu_journal_undo brings back
+// the factors as they were then, or a factorisation ends the journal.
 template<class R> [[nodiscard]] int lu_journal_begin(lufact<R> *lu);
 template<class R> void lu_journal_undo(lufact<R> *lu);
 template<class R> void lu_journal_end(lufact<R> *lu); // without undoing

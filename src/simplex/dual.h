@@ -61,8 +61,8 @@ template<class R> void dual_perturb_start(sopt *s, swork<R> *w); // needs Cbar
 template<class R> void dual_perturb_stalled(sopt *s, swork<R> *w);
 template<class R> void dual_perturb_costs(sopt *s, swork<R> *w);
 void dual_remove_perturbation(sopt *s);
-// The same by what single shifts have changed, in DualObj and Cbar too; Rho and the packed row are used. False, and nothing
-// done, if it does not apply. *feasible: the reduced costs that changed keep their signs.
+// The same by what single shifts have changed, in DualObj and Cbar too; Rho and the packed row are used. False, and
+// nothing done, if it does not apply. *feasible: the reduced costs that changed keep their signs.
 template<class R> bool dual_remove_shifts(sopt *s, swork<R> *w, bool *feasible);
 template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 
@@ -70,8 +70,8 @@ template<class R> void dual_shift_cost(sopt *s, swork<R> *w, int j, R new_cbar);
 bool live_crosses(const sopt *s, int j); // its bounds exclude every value
 // Reduced cost of nonbasic column j from the multipliers. That of a fixed column is not kept.
 template<class R> R live_reduced_cost(const sopt *s, const swork<R> *w, int j);
-// Nonbasic j, at `before`, goes to the bound that its reduced cost asks for, or takes status `wish` if that has no sign. The
-// change of its value is added to Work, live_move_values then changes the basic values.
+// Nonbasic j, at `before`, goes to the bound that its reduced cost asks for, or takes status `wish` if that has no
+// sign. The change of its value is added to Work, live_move_values then changes the basic values.
 template<class R>
 void live_move_nonbasic(sopt *s, swork<R> *w, int j, int wish, double before);
 // New bounds of column j in units of the working LP, as live_move_nonbasic. Work has to be empty before the first one.
@@ -86,8 +86,8 @@ bool live_is_near(const sopt *s, const NodeBasis &basis);
 // live_negate.cpp. Column j changes its sign; the LP stays the same.
 template<class R> void live_negate(sopt *s, swork<R> *w, int j);
 // resolve.cpp, also for strong branching
-// Whether reduced costs of the wrong sign within OptTol put the objective visibly above the optimum. OptTol is then reduced,
-// for this and later solves of the record, and the primal simplex has to continue.
+// Whether reduced costs of the wrong sign within OptTol put the objective visibly above the optimum. OptTol is then
+// reduced, for this and later solves of the record, and the primal simplex has to continue.
 template<class R> bool live_tighten_signs(sopt *s, swork<R> *w);
 template<class R>
 void live_begin(sopt *s, swork<R> *w,
@@ -164,8 +164,8 @@ inline double dual_visible_error(const sopt *s)
     const double error = s->SignError + (s->SignOpen > 0 ? s->SignOpen * s->ValueSize : 0);
     return error > dual_error_limit(s) ? error : 0;
 }
-// Rounding errors of a live record's values or reduced costs above this share of the tolerance: they are computed anew before
-// an optimum is reported.
+// Rounding errors of a live record's values or reduced costs above this share of the tolerance: they are computed anew
+// before an optimum is reported.
 constexpr double NOISE_SHARE = 0.01;
 inline bool dual_is_noisy(const sopt *s)
 {

@@ -3,9 +3,9 @@
 // Problem     During a run costs are shifted or perturbed, so that the objective of the basis is not a bound for the
 //             true costs.
 // Method      For any multipliers y the Lagrangian bound  y b + sum_j min { d_j x_j : Lower_j <= x_j <= Upper_j },
-//             d = Cost - y (A I), holds for the true costs. y is that of the basis for the costs in force, read from the
-//             reduced costs of the slacks, or that for the true costs. Where the bound that a reduced cost asks for is
-//             infinite, a reduced cost within OptTol is multiplied by an assumed largest value (OPEN_LEAST,
+//             d = Cost - y (A I), holds for the true costs. y is that of the basis for the costs in force, read from
+//             the reduced costs of the slacks, or that for the true costs. Where the bound that a reduced cost asks
+//             for is infinite, a reduced cost within OptTol is multiplied by an assumed largest value (OPEN_LEAST,
 //             OPEN_SHARE), a larger one by the bound that one of the rows of the column implies. Rounding errors of the
 //             sum are subtracted.
 // Cost        O(nonzeros). The objective in force, which costs nothing (DualObj), tells when it is worth it.
@@ -186,8 +186,8 @@ template<class R> void dual_test_cutoff(sopt *s, swork<R> *w)
         s->Status = SIMPLEX_CUTOFF;
         return;
     }
-    // The objective in force has to rise by what is missing, and by a share of what it already exceeds the cutoff by, so
-    // that perturbed costs do not lead to a test at every pivot. The next refresh tests again in any case.
+    // The objective in force has to rise by what is missing, and by a share of what it already exceeds the cutoff by,
+    // so that perturbed costs do not lead to a test at every pivot. The next refresh tests again in any case.
     const double cutoff = s->Cutoff * s->ObjScale;
     s->CutoffFrom = s->DualObj + std::max({cutoff - bound * s->ObjScale,
                                            TEST_SHARE * (s->DualObj - cutoff),

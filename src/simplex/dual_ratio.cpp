@@ -216,7 +216,8 @@ template<class R> int pick(const dopt<R> *d, int groups, int *flip_end)
     }
     return -1; // not reached: the group with the largest entry qualifies
 }
-// The candidates passed that do not flip, and those that flip before their breakpoint, get reduced costs of the wrong sign.
+// The candidates passed that do not flip, and those that flip before their breakpoint, get reduced costs of the wrong
+// sign.
 template<class R>
 void count_sign_errors(sopt *s, const swork<R> *w, int flip_end, int groups, int best)
 {

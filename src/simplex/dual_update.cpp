@@ -52,9 +52,10 @@ template<class R> void dual_subtract_row(const sopt *s, swork<R> *w, R theta)
     const int *__restrict ind = w->RowInd.data;
     const R *__restrict val = w->RowVal.data;
     for (int k = 0; k < w->RowCount; k++) cbar[ind[k]] -= theta * val[k];
-    // The packed row has no fixed slacks, but their reduced costs are the multipliers of the rows, which bounds and later
-    // re-solves need.
-    for (int k = 0; k < w->Rho.Count && tracks_objective(s); k++) {
+    if (!tracks_objective(s)) return;
+    // The packed row has no fixed slacks, but their reduced costs are the multipliers of the rows, which bounds and
+    // later re-solves need.
+    for (int k = 0; k < w->Rho.Count; k++) {
         const int slack = s->NumCols + w->Rho.Index.data[k];
         if (s->VStat.data[slack] == AT_FIXED)
             cbar[slack] -= theta * w->Rho.Value.data[w->Rho.Index.data[k]];

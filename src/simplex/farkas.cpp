@@ -214,7 +214,8 @@ constexpr double SIMPLE_NOISE = 1e-14;
 // The same of basic variables, whose entries are zero but for the errors of the multipliers, and 1 for the leaving one.
 constexpr double SIMPLE_BASIC_NOISE = 1e-9;
 
-// In user units, as SLACK. Far larger, since the multipliers are not refined; closer cases are left to proves_infeasible.
+// In user units, as SLACK. Far larger, since the multipliers are not refined; closer cases are left to
+// proves_infeasible.
 constexpr double SIMPLE_SLACK = 1e-6;
 
 // Share of the sum of all terms by which the gap has to exceed rounding errors.

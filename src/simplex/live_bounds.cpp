@@ -1,8 +1,8 @@
 // live_bounds.cpp -- variables of a live record follow changes of their bounds
 //
-// Method      A nonbasic variable goes to the bound that its reduced cost asks for; all moves together change the basic values
-//             by one sparse FTRAN. A bound of a basic variable changes one merit. The reduced cost of a variable that was
-//             fixed is computed from the multipliers.
+// Method      A nonbasic variable goes to the bound that its reduced cost asks for; all moves together change the
+//             basic values by one sparse FTRAN. A bound of a basic variable changes one merit. The reduced cost of a
+//             variable that was fixed is computed from the multipliers.
 // Invariant   LIVE_FRESH (resolve.h), once the values have been moved.
 #include "simplex/dual.h"
 #include <cmath>
@@ -14,8 +14,8 @@ bool live_crosses(const sopt *s, int j)
 
 namespace
 {
-// The status of nonbasic j by the sign of its reduced cost. Without a sign it gets `status`; one that was fixed goes to the
-// bound nearest to where it was.
+// The status of nonbasic j by the sign of its reduced cost. Without a sign it gets `status`; one that was fixed goes
+// to the bound nearest to where it was.
 template<class R>
 int place(const sopt *s, const swork<R> *w, int j, int status, double before)
 {

@@ -2,8 +2,8 @@
 //
 // Method      Appended rows come last in both copies of the matrix, and their slacks are the last variables; each slack
 //             is basic in its row, so the factors grow by one row eta per row (lu_append.cpp) and values, reduced costs
-//             and weights of the others do not change. Deleted rows have a basic slack; the rest of the basis is a basis
-//             of the rest of the rows with the same reduced costs and weights, but is factored anew.
+//             and weights of the others do not change. Deleted rows have a basic slack; the rest of the basis is a
+//             basis of the rest of the rows with the same reduced costs and weights, but is factored anew.
 // Cost        O(nonzeros of the matrix), as its columns move, and the solves of lu_append_row; or a factorisation.
 #include "simplex/dual.h"
 #include <algorithm>
@@ -219,6 +219,7 @@ template<class R> int append(sopt *s, swork<R> *w, const LiveRow *rows, int coun
     }
     if (!factored) s->Live = LIVE_STALE;
     s->Status = SIMPLEX_RUNNING;
+    s->Unclean = 0;
     return 0;
 }
 

@@ -1,8 +1,8 @@
 // node_basis.cpp -- saves the basis of a live record for a node, and loads it again
 //
-// Method      Statuses as bytes, weights as floats. A basis that differs from the live one in a few variables is reached
-//             by pivots: each entering variable replaces the one of the leaving variables in whose position its column is
-//             largest. Otherwise, or if the pivots become small, the next solve factors anew.
+// Method      Statuses as bytes, weights as floats. A basis that differs from the live one in a few variables is
+//             reached by pivots: each entering variable replaces the one of the leaving variables in whose position
+//             its column is largest. Otherwise, or if the pivots become small, the next solve factors anew.
 // Cost        O(n + m), and that of the pivots; else a factorisation, and values and reduced costs from the matrix.
 #include "simplex/dual.h"
 #include <algorithm>

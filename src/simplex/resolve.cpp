@@ -6,8 +6,8 @@
 //             was fixed: its reduced cost is computed from the multipliers. The basis stays dual feasible, as a boxed
 //             variable goes to the bound that its reduced cost asks for, so the dual simplex continues. Results need no
 //             fresh factors; those come when updates have become too many. If shifted costs led to a basis that is not
-//             dual feasible for the true costs, or reduced costs of the wrong sign within the tolerance put the objective
-//             too high, the primal simplex continues; numeric trouble leads to SimplexOptimize.
+//             dual feasible for the true costs, or reduced costs of the wrong sign within the tolerance put the
+//             objective too high, the primal simplex continues; numeric trouble leads to SimplexOptimize.
 // Invariant   LIVE_FRESH (resolve.h).
 // Cost        The pivots, one FTRAN, the columns of the changed variables.
 #include "simplex/dual.h"
@@ -17,17 +17,17 @@
 
 namespace
 {
-// Smallest tolerances that double and extended precision support.
-constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
-
-// DualObj is computed anew when more than this multiple of it was added: rounding errors and those of the terms are then
-// within 1e-9 of it.
+// DualObj is computed anew when more than this multiple of it was added: rounding errors and those of the terms are
+// then within 1e-9 of it.
 constexpr double SUM_TRUST = 1000;
 
-// A smaller tolerance aims at this share of the visible error by wrong signs; one step reduces it to LEAST_STEP at most.
+// A smaller tolerance aims at this share of the visible error by wrong signs; one step reduces it to LEAST_STEP at
+// most.
 constexpr double AIM = 0.5, LEAST_STEP = 0.1;
 
 constexpr int SIGN_ROUNDS = 4; // runs of the primal simplex with smaller tolerances
+
+constexpr int CLEAN_ROUNDS = 5; // solves that may follow an unclean point
 } // namespace
 
 template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
@@ -75,8 +75,7 @@ template<class R> bool live_tighten_signs(sopt *s, swork<R> *w)
 {
     if (dual_visible_error(s) == 0) return false; // as last counted, too large at most
     dual_count_signs(s, w);
-    const double error = dual_visible_error(s),
-                 least = s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR;
+    const double error = dual_visible_error(s), least = tolerance_floor(s);
     if (error == 0 || s->OptTol <= least) return false;
     const double share = std::max(LEAST_STEP, AIM * dual_error_limit(s) / error);
     s->OptTol = std::max(least, share * s->OptTol);
@@ -173,8 +172,8 @@ template<class R> double lower_bound(sopt *s, swork<R> *w)
 // *bound: a lower bound known when a limit stops the primal simplex.
 template<class R> int run(sopt *s, swork<R> *w, double *bound)
 {
-    if (s->Live == LIVE_STALE && s->RefacReason == REFAC_NONE)
-        s->RefacReason = REFAC_VALUES;
+    const bool stale = s->Live == LIVE_STALE || dual_is_noisy(s);
+    if (stale && s->RefacReason == REFAC_NONE) s->RefacReason = REFAC_VALUES;
     s->CutoffFrom =
         s->Live == LIVE_FRESH && has_cutoff(s) ? s->Cutoff * s->ObjScale : HUGE_VAL;
     s->Live = LIVE_FRESH;
@@ -204,8 +203,8 @@ template<class R> double optimum(sopt *s, swork<R> *w)
     return s->DualObj / s->ObjScale + s->ObjOffset;
 }
 
-// An optimum above the cutoff is told as CUTOFF if a bound proves it: where a reduced cost has the wrong sign within the
-// tolerance, there are points below the value.
+// An optimum above the cutoff is told as CUTOFF if a bound proves it: where a reduced cost has the wrong sign within
+// the tolerance, there are points below the value.
 template<class R> void judge_cutoff(sopt *s, swork<R> *w, ResolveOutcome *out)
 {
     if (s->Status != SIMPLEX_OPTIMAL || out->Value - s->ObjOffset <= s->Cutoff) return;
@@ -274,7 +273,7 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     return 0;
 }
 
-template<class R> int clean(sopt *s, swork<R> *w, bool *same)
+template<class R> int clean(sopt *s, swork<R> *w, CleanOutcome *outcome)
 {
     const int repairs = s->SingularCount;
     if (w->Lu.NumUpdates > 0 || !has_factor(s, w)) {
@@ -282,21 +281,21 @@ template<class R> int clean(sopt *s, swork<R> *w, bool *same)
         TRY(Refactor(s, w));
         dual_weights_restore(s, w);
     }
-    *same = s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs && has_factor(s, w);
+    bool optimal =
+        s->Status == SIMPLEX_OPTIMAL && s->SingularCount == repairs && has_factor(s, w);
     s->Live = LIVE_STALE;
-    if (!has_factor(s, w)) return 0;
-    finish_values(s, w);
-    const bool again = s->UncleanAge == s->BasisAge && s->UncleanFeasTol == s->FeasTol &&
-                       s->UncleanOptTol == s->OptTol;
-    const Infeasibility inf = measure_infeasibility(s, w);
-    bool primal = false;
-    if (*same && !again)
-        *same = inf.PrimalCount == 0 && inf.DualCount == 0 &&
-                !tighten_tolerances(s, measure_violations(s, w), &primal);
-    s->UncleanAge = *same ? -1 : s->BasisAge;
-    s->UncleanFeasTol = s->FeasTol;
-    s->UncleanOptTol = s->OptTol;
-    if (*same) s->Obj = true_objective(s, w);
+    if (optimal) {
+        finish_values(s, w);
+        const Infeasibility inf = measure_infeasibility(s, w);
+        bool primal = false;
+        optimal = !tighten_tolerances(s, measure_violations(s, w), &primal) &&
+                  inf.PrimalCount == 0 && inf.DualCount == 0;
+        s->Obj = true_objective(s, w);
+    }
+    s->Unclean = optimal ? 0 : s->Unclean + 1;
+    *outcome = optimal                     ? CleanOutcome::OPTIMAL
+               : s->Unclean > CLEAN_ROUNDS ? CleanOutcome::VIOLATED
+                                           : CleanOutcome::SOLVE_AGAIN;
     return 0;
 }
 
@@ -308,7 +307,7 @@ void fit_tolerance(sopt *s)
     for (int j = 0; j < s->NumCols && s->Body->vtypes.size > 0; j++)
         if (s->Body->vtypes.data[j] != 'C') largest = std::max(largest, user_unit(s, j));
     s->FeasTol =
-        std::min(s->FeasTol, std::max(TOLERANCE_FLOOR, s->Env->IntFeasTol / largest));
+        std::min(s->FeasTol, std::max(tolerance_floor(s), s->Env->IntFeasTol / largest));
 }
 } // namespace
 
@@ -326,6 +325,7 @@ int simplex_go_live(sopt *s)
 int simplex_resolve(sopt *s, const ResolveCall &call, ResolveOutcome *outcome)
 {
     assert(s->Live != LIVE_NO);
+    if (call.NumChanges > 0 || call.Basis) s->Unclean = 0;
     if (call.Basis && !live_is_near(s, *call.Basis)) s->Live = LIVE_STALE;
     s->Quad ? apply_changes(s, s->Extended, call) : apply_changes(s, s->Double, call);
     if (call.Basis) TRY(live_load_basis(s, *call.Basis));
@@ -338,11 +338,12 @@ void simplex_change_cost(sopt *s, int j, double cost)
     s->Cost.data[j] = s->WorkCost.data[j] = cost * s->ColScale.data[j] * s->ObjScale;
     s->Live = LIVE_STALE;
     s->Status = SIMPLEX_RUNNING;
+    s->Unclean = 0;
 }
 
-int simplex_clean(sopt *s, bool *same)
+int simplex_clean(sopt *s, CleanOutcome *outcome)
 {
-    return s->Quad ? clean(s, s->Extended, same) : clean(s, s->Double, same);
+    return s->Quad ? clean(s, s->Extended, outcome) : clean(s, s->Double, outcome);
 }
 
 #define INSTANTIATE(R)                                                                     \

@@ -5,10 +5,10 @@
 //
 // LiveState    what it means
 //   LIVE_NO     the record belongs to SimplexOptimize.
-//   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the next
-//               solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, simplex_change_cost, a loaded basis that
-//               differs in many variables, rows or the end of strong branching without factors, and a solve that needed
-//               another method or whose last update failed.
+//   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the
+//               next solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, simplex_change_cost, a loaded
+//               basis that differs in many variables, rows or the end of strong branching without factors, and a solve
+//               that needed another method or whose last update failed.
 //   LIVE_FRESH  All belong together, with true bounds; after CUTOFF and limits costs may be shifted. Set by
 //               simplex_resolve.
 // All functions below but simplex_go_live need a live record. Nothing is written into its environment; of its limits
@@ -16,7 +16,8 @@
 #pragma once
 #include "simplex/simplex.h"
 
-// Makes the record of a solved LP live. It keeps its environment, which should be a quiet one of the search (env_inner).
+// Makes the record of a solved LP live. It keeps its environment, which should be a quiet one of the search
+// (env_inner).
 // 0 or a code.
 [[nodiscard]] int simplex_go_live(sopt *s);
 
@@ -29,8 +30,8 @@ struct NodeBasis;
 struct ResolveCall {
     const BoundChange *Changes = nullptr; // applied before the solve, in order
     int NumChanges = 0;
-    // Start basis, with its weights; null: the live one. If the live basis differs in a few variables only, it is reached by
-    // pivots. Extended precision that numeric trouble asked for ends with it.
+    // Start basis, with its weights; null: the live one. If the live basis differs in a few variables only, it is
+    // reached by pivots. Extended precision that numeric trouble asked for ends with it.
     const NodeBasis *Basis = nullptr;
     double Iterations = 1e100; // limit of this solve
     // As simplex_objective: no objective above this is of interest.
@@ -40,29 +41,35 @@ struct ResolveOutcome {
     // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, ITERATION_LIMIT, TIME_LIMIT, INTERRUPTED, NUMERIC; UNBOUNDED where rows were
     // deleted that bounded the LP, or where reduced costs within the tolerance hid it
     int Status;
-    // As simplex_objective: of OPTIMAL the optimum (above the cutoff it is CUTOFF if a bound proves it); of the others a
-    // lower bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE. Columns without
-    // a bound on the side that a reduced cost within OptTol asks for count as bounded by a large value (dual_bound.cpp).
+    // As simplex_objective: of OPTIMAL the optimum (above the cutoff it is CUTOFF if a bound proves it); of the others
+    // a lower bound that holds in spite of shifted costs, or -UNDEFINED_VALUE. Without meaning for INFEASIBLE. Columns
+    // without a bound on the side that a reduced cost within OptTol asks for count as bounded by a large value
+    // (dual_bound.cpp).
     double Value;
-    // Value, of OPTIMAL less what reduced costs of the wrong sign within the smallest tolerance may add: a lower bound.
+    // A lower bound: Value, of OPTIMAL less what reduced costs of the wrong sign within the smallest tolerance may add.
     double Bound;
     double Iterations;
 };
 // Changes bounds and solves again by the dual simplex. 0 or a code: the record may only be freed then.
 [[nodiscard]] int simplex_resolve(sopt *s, const ResolveCall &call,
                                   ResolveOutcome *outcome);
-// After OPTIMAL: values and reduced costs are computed afresh, with one step of refinement, on fresh factors, for a point
-// that is going to be accepted. *same: the basis is optimal with them, or no better one can be had. Otherwise the LP has to be
-// solved again: the basis was singular and has been repaired, or values violate tolerances, which are then tighter for this
-// record where violations in units of the body ask for it. 0 or a code.
-[[nodiscard]] int simplex_clean(sopt *s, bool *same);
+enum class CleanOutcome {
+    OPTIMAL,
+    // The basis was singular and has been repaired, or values violate tolerances, which are then smaller for this
+    // record where violations in units of the body ask for it.
+    SOLVE_AGAIN,
+    VIOLATED // as before, and solving again several times has not helped
+};
+// After OPTIMAL: values and reduced costs are computed afresh, with one step of refinement, on fresh factors, for a
+// point that is going to be accepted. 0 or a code.
+[[nodiscard]] int simplex_clean(sopt *s, CleanOutcome *outcome);
 
 // New cost of column j, for the body's minimisation. The next solve computes the reduced costs anew.
 void simplex_change_cost(sopt *s, int j, double cost);
 
 // ---- Nodes (node_basis.cpp) ----
-// A basis as a node keeps it. Rows appended since it was saved count as basic when a solve starts from it. Of rows deleted since the
-// caller takes out the status and, as their slacks were basic, the weight.
+// A basis as a node keeps it. Rows appended since it was saved count as basic when a solve starts from it. Of rows
+// deleted since, the caller takes out the status and, as their slacks were basic, the weight.
 struct NodeBasis {
     int NumCols = 0, NumRows = 0;
     Array<char> Statuses; // [NumCols + NumRows] 0 basic, else minus a BasisStatus
@@ -83,12 +90,13 @@ struct LiveRow {
 // Appends rows; their slacks become basic. Factors are extended, nothing else changes. 0 or a code: the record may only
 // be freed then.
 [[nodiscard]] int simplex_append_rows(sopt *s, const LiveRow *rows, int count);
-// Deletes the rows i with drop[i] != 0 [m], all of which must have a basic slack. The others keep their order. Likewise.
+// Deletes the rows i with drop[i] != 0 [m], all of which must have a basic slack. The others keep their order.
+// Likewise.
 [[nodiscard]] int simplex_delete_rows(sopt *s, const char *drop);
 
 // ---- Reading without copies (live_query.cpp) ----
-// Values, reduced costs and multipliers are those of the last solve that ended OPTIMAL, until the next call that changes
-// the record.
+// Values, reduced costs and multipliers are those of the last solve that ended OPTIMAL, until the next call that
+// changes the record.
 int simplex_num_rows(const sopt *s);
 bool simplex_is_basic(const sopt *s, int k);
 // Of variable k (n + i: slack i), in the body's units; of column j < n and row i, for the body's minimisation.
@@ -106,7 +114,8 @@ struct LiveVector {
 // The multipliers y of the rows for which y (A I) has a 1 at the basic variable k and 0 at the other basic ones. Valid
 // until the next call on the record.
 LiveVector simplex_inverse_row(sopt *s, int k);
-// Entries of the tableau in the body's units: Val[p] of variable Var[p], p < Count. Valid until the next call on the record.
+// Entries of the tableau in the body's units: Val[p] of variable Var[p], p < Count. Valid until the next call on the
+// record.
 struct LiveEntries {
     int Count;
     const int *Var;

@@ -18,9 +18,6 @@ constexpr int MAX_SWITCHES = 20; // changes of method before the run ends in num
 
 constexpr int MAX_POLISH = 4; // rounds of tighter tolerances
 
-// Smallest tightened tolerances, in double and extended precision.
-constexpr double TOLERANCE_FLOOR = 1e-9, EXTENDED_FLOOR = 1e-13;
-
 // violations after tightening aim at this share of their limit
 constexpr double POLISH_SHARE = 0.5;
 
@@ -142,7 +139,7 @@ void finish_live(sopt *s)
 // Reduces one tolerance to `wish`. False if it is that low already, or at its floor.
 bool tighten(const sopt *s, double *tol, double wish)
 {
-    wish = std::max(wish, s->Quad ? EXTENDED_FLOOR : TOLERANCE_FLOOR);
+    wish = std::max(wish, tolerance_floor(s));
     if (wish >= *tol) return false;
     *tol = wish;
     return true;

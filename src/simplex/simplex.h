@@ -151,8 +151,8 @@ enum class KappaNorm { ONE, TWO };
 
 // ---- Strong branching on an optimal record with factors (strong_branch.cpp) ----
 // open saves the state; each probe tightens one bound, runs the dual simplex up to a limit, and restores the state;
-// close leaves the record as open has left it. Between open and close the record is used for nothing else. Probes allocate
-// until the records of their pivots have room, and if factors grow beyond their pools.
+// close leaves the record as open has left it. Between open and close the record is used for nothing else. Probes
+// allocate until the records of their pivots have room, and if factors grow beyond their pools.
 struct StrongBranch;
 enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
 struct BranchOutcome {
@@ -167,8 +167,8 @@ inline bool branch_is_closed(const BranchOutcome &outcome)
 {
     return outcome.Status == TVX_INFEASIBLE || outcome.Status == TVX_CUTOFF;
 }
-// 0 or a code: the record may only be freed then. A live record that is not optimal with its rows, or stale, is solved first;
-// *out is null if it is not optimal then. The cutoff is that of the last solve.
+// 0 or a code: the record may only be freed then. A live record that is not optimal with its rows, or stale, is solved
+// first; *out is null if it is not optimal then. The cutoff is that of the last solve.
 [[nodiscard]] int strong_branch_open(sopt *s, StrongBranch **out);
 [[nodiscard]] int strong_branch_probe(StrongBranch *branch, int j, BranchSide side,
                                       double bound, double iteration_limit,

@@ -51,13 +51,12 @@ struct SimplexCounters {
     // Dual simplex with a cutoff, or live: objective for the costs in force, in units of the working LP; value of it
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
-    double DualObjSum =
-        0; // sum of the magnitudes that were added to DualObj since it was computed
+    double DualObjSum = 0; // magnitudes that were added to DualObj since it was computed
     // Rounding errors of large steps in Bbar and Cbar since they were computed.
     double ValueNoise = 0, DualNoise = 0;
     double ValueSize = 0; // no basic value has been larger than this
-    // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError plus
-    // ValueSize times SignOpen, the part of variables whose range is larger.
+    // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError
+    // plus ValueSize times SignOpen, the part of variables whose range is larger.
     double SignError = 0, SignOpen = 0;
     double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)
@@ -164,9 +163,8 @@ struct sopt : SimplexCounters {
     int Quad = 0;                   // 1: extended precision is live
     int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
     int Perturbed = PERTURBED_NONE; // Perturbation
-    // Basis and tolerances that simplex_clean last found wanting.
-    int64_t UncleanAge = -1;
-    double UncleanFeasTol = 0, UncleanOptTol = 0;
+    int Unclean =
+        0; // times in a row that simplex_clean has found the optimum of an unchanged LP wanting
     // With PERTURBED_SINGLE: the variables whose costs are shifted, some twice; more than MOST_SHIFTS are not listed.
     int ShiftCount = 0, Shifted[MOST_SHIFTS] = {};
     int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
@@ -235,6 +233,11 @@ inline double user_unit(const sopt *s, int j)
 {
     return j < s->NumCols ? std::fabs(s->ColScale.data[j])
                           : 1 / s->RowScale.data[j - s->NumCols];
+}
+// Smallest feasibility and optimality tolerance that the precision supports.
+inline double tolerance_floor(const sopt *s)
+{
+    return s->Quad ? 1e-13 : 1e-9;
 }
 // Bounds without a value between them: crossed by more than FeasibilityTol, or infinite on the wrong side.
 inline bool bounds_exclude(const sopt *s, int j, double lower, double upper)
@@ -443,8 +446,8 @@ struct UserViolations {
 template<class R> UserViolations measure_violations(const sopt *s, const swork<R> *w);
 
 // ---- simplex.cpp ----
-// Reduces FeasTol and OptTol so that violations above the parameters' tolerances, or that move the objective visibly, would
-// have counted. False if there are none, or at the smallest tolerances. *primal: FeasTol was reduced.
+// Reduces FeasTol and OptTol so that violations above the parameters' tolerances, or that move the objective visibly,
+// would have counted. False if there are none, or at the smallest tolerances. *primal: FeasTol was reduced.
 bool tighten_tolerances(sopt *s, const UserViolations &v, bool *primal);
 
 // ---- self_check.cpp ----

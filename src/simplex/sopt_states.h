@@ -3,7 +3,8 @@
 // Status: each transition with the functions that make it (file after the name; only one of a name per file)
 //   any -> RUNNING          sopt_refresh: a new call. run_again, take_up (simplex.cpp): polishing, also back to the
 //                           optimum before it. simplex_confirm (simplex_query.cpp): fresh factors show no optimum.
-//                           live_begin, live_run_primal, go_live (resolve.cpp), open (strong_branch.cpp): a re-solve
+//                           live_begin, live_run_primal, go_live (resolve.cpp), open (strong_branch.cpp): a re-solve.
+//                           load (node_basis.cpp), append (live_rows.cpp), simplex_change_cost: another LP or basis
 //   RUNNING -> OPTIMAL      keep_optimal (simplex.cpp): the start basis is optimal. end_phase2 (dual.cpp,
 //                           primal_end.cpp). open, bring_back, strong_branch_close (strong_branch.cpp): the optimum
 //                           before the probe
@@ -13,7 +14,8 @@
 //   RUNNING -> UNBOUNDED    primal_no_row: after proves_unbounded. sopt_check_bounds: an infinite bound on the
 //                           wrong side towards which the cost of the variable improves without limit
 //   RUNNING -> CUTOFF       dual_test_cutoff: a dual bound exceeds Cutoff
-//   OPTIMAL -> CUTOFF       optimize (simplex.cpp), resolve (resolve.cpp): the optimal objective exceeds Cutoff
+//   OPTIMAL -> CUTOFF       optimize (simplex.cpp), judge_cutoff (resolve.cpp): the optimal objective exceeds Cutoff
+//   OPTIMAL -> SWITCH       run (resolve.cpp), solve_branch (strong_branch.cpp), after live_tighten_signs
 //   RUNNING -> limits       limit_reached (simplex_log.cpp): INTERRUPTED, ITERATION_LIMIT, TIME_LIMIT. Called by solve
 //                           (simplex.cpp), dual_pivots, dual_enter_free, exact_weights (dual_weights.cpp), PrimalRun,
 //                           start_norms (primal_price.cpp)
@@ -42,7 +44,7 @@
 //   NONE -> PIVOT, ROOM     UpdateFactor, in apply_step (dual.cpp) and apply_pivot (primal.cpp); PIVOT also
 //                           distrust_factors, for reject_pivot (dual.cpp) and primal_reject_column
 //   NONE -> FILL            apply_step (dual.cpp), apply_pivot (primal.cpp), after wants_refactor
-//   any -> VALUES           run (resolve.cpp): a stale record
+//   any -> VALUES           run (resolve.cpp): a stale record; no_row (dual.cpp): rounding errors of large steps
 //   any -> NONE             refresh (dual.cpp, primal.cpp); live_begin (resolve.cpp). bring_back (strong_branch.cpp)
 //                           restores the value that the record had before strong branching
 // BoxPhase
@@ -52,6 +54,7 @@
 // Perturbed
 //   NONE -> SINGLE          dual_shift_cost, primal_shift_infeasible, primal_shift_blocking
 //   NONE, SINGLE -> ALL     dual_perturb_start, dual_perturb_costs, primal_perturb, sopt_take_up_stop
+//   SINGLE -> NONE          dual_remove_shifts (end_phase2 of dual.cpp)
 //   any -> NONE             dual_remove_perturbation (setup, end_box_phase, end_phase2 of dual.cpp; take_true_lp
 //                           of resolve.cpp, bring_back of strong_branch.cpp), primal_remove_perturbation (setup of
 //                           primal.cpp; end_phase1, end_phase2, primal_no_row of primal_end.cpp), finish_values,

@@ -8,8 +8,8 @@
 //             every dual feasible basis. If the basis at the end is not dual feasible for the true costs, or if reduced
 //             costs of the wrong sign within the tolerance put the objective too high, the primal simplex continues
 //             within the same limit.
-// Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and that
-//             of the positions after a probe that factored.
+// Invariant   Between probes the record is as it was at open, except for the order inside rows of the row copy, and
+//             that of the positions after a probe that factored.
 // Cost        A probe: its iterations, and O(n + m) for the copies; a factorisation if it factored itself.
 // Literature  D. Applegate, R. Bixby, V. Chvatal, W. Cook, "Finding cuts in the TSP", 1995.
 #include "simplex/dual.h"
@@ -92,8 +92,8 @@ template<class R> void restore_row_copy(sopt *s, int branched)
     settle(branched);
 }
 
-// The factors of the kept basis were replaced. A new factorisation may put its variables into other positions, which the
-// kept vectors then follow. 0 or a code.
+// The factors of the kept basis were replaced. A new factorisation may put its variables into other positions, which
+// the kept vectors then follow. 0 or a code.
 template<class R> int factor_again(sopt *s, swork<R> *w, KeptState<R> *k)
 {
     s->Probing = 0; // this is the basis itself
@@ -215,8 +215,8 @@ double at_least_optimum(const StrongBranch *b, double value)
     return std::isfinite(value) ? std::max(b->Optimum, value) : b->Optimum;
 }
 
-// Lower bound of the objective in the branch from the current basis. The dual objective is none where a reduced cost has
-// the wrong sign within the tolerance.
+// Lower bound of the objective in the branch from the current basis. The dual objective is none where a reduced cost
+// has the wrong sign within the tolerance.
 template<class R> double safe_bound(const StrongBranch *b, swork<R> *w)
 {
     sopt *s = b->Record;
@@ -260,9 +260,6 @@ int solve_branch(StrongBranch *b, swork<R> *w, const Tightened &branch, double l
         bound = safe_bound(b, w);
         s->BaseLost = 1; // the primal simplex updates the factors in place
         TRY(live_run_primal(s, w));
-        if (s->Status != SIMPLEX_OPTIMAL || !has_factor(s, w)) break;
-        compute_dual(s, w); // the primal simplex does not keep all reduced costs
-        dual_set_objective(s, w);
         break;
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:

@@ -44,7 +44,8 @@ struct Derived : ModelTest {
     {
         load(periods ? gen_multi_period(dice, 8).lp : gen_planted_optimum(dice, 12).lp);
     }
-    // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than Start.
+    // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than
+    // Start.
     void load_mixed(int start_count)
     {
         const double start[] = {2, 3, 0, 0, 1.5};

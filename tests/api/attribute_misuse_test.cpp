@@ -1,4 +1,5 @@
-// attribute_misuse_test.cpp -- attribute calls used wrongly: each mistake has its code and its text, and changes nothing
+// attribute_misuse_test.cpp -- attribute calls used wrongly: each mistake has its code and its text, and changes
+// nothing
 #include "support/model_test.h"
 #include "support/text_model.h"
 #include <climits>

@@ -1,6 +1,7 @@
 // citizen_test.cpp -- the library in its host: no files and signals of its own, and a point in numbers in any locale
 //
-// That it is silent when asked is looked at in tests/fuzz, threads in cli/solve_test.cpp, exported names in tests/install.
+// That it is silent when asked is looked at in tests/fuzz, threads in cli/solve_test.cpp, exported names in
+// tests/install.
 #include "support/comma_locale.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"

@@ -1,4 +1,5 @@
-// certificate_test.cpp -- proofs of infeasibility and unboundedness: right ones and near misses (exact ones: presolve/claim_test.cpp)
+// certificate_test.cpp -- proofs of infeasibility and unboundedness: right ones and near misses (exact ones:
+// presolve/claim_test.cpp)
 #include "body/certificate.h"
 #include "support/model_test.h"
 #include <cmath>

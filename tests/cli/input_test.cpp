@@ -55,7 +55,8 @@ TEST_F(CliInput, StandardInputThatIsNoModelIsAnError)
     EXPECT_THAT(nowhere.err, HasSubstr("TMPDIR"));
 }
 
-// The command reads on, since its end of the queue is open for writing too, until the copy is there and the signal comes.
+// The command reads on, since its end of the queue is open for writing too, until the copy is there and the signal
+// comes.
 TEST_F(CliInput, ASignalRemovesTheCopyOfStandardInput)
 {
     ASSERT_EQ(system("mkfifo queue"), 0);

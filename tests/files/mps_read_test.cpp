@@ -88,7 +88,8 @@ TEST_F(MpsRead, HeadsRowsAndColumns)
                       other = "; constant 7; X C [0,inf] 3 0:-1; R1 < 0; ",
                       no_rows = "Warning: no constraints.\n",
                       marker = "Warning: marker is wrong.\n         line ";
-    // The last ones: nothing at all, as of an empty model; a column in parts, with two entries of which the later counts.
+    // The last ones: nothing at all, as of an empty model; a column in parts, with two entries of which the later
+    // counts.
     expect(
         {{"OBJSENSE MIN\nNAME     my little  model  \nROWS\n N C\n L R\nCOLUMNS\n"
           " X C 1 R 1\nENDATA\n",

@@ -44,7 +44,8 @@ std::string any_name(Dice *dice, int k, int style)
     return name + (dice->chance(50) ? "" : "_" + std::to_string(number));
 }
 
-// Whether an MPS file can carry all these names: each once, and with blanks in one of them none has more than eight bytes.
+// Whether an MPS file can carry all these names: each once, and with blanks in one of them none has more than eight
+// bytes.
 bool fit_a_file(const std::vector<std::string> &vars, const std::vector<std::string> &rows)
 {
     bool fit = true, blanks = false;

@@ -1,7 +1,8 @@
 // mutation_test.cpp -- damaged files: whatever the bytes are, a reader ends in data or in an error
 //
-// Random edits of the sound files of fuzz/corpus, from a fixed seed, judged as the fuzz targets judge them. TARVEX_MUTATIONS
-// in the environment is how often each file is edited, for long runs; the sanitizers see what a test cannot.
+// Random edits of the sound files of fuzz/corpus, from a fixed seed, judged as the fuzz targets judge them.
+// TARVEX_MUTATIONS in the environment is how often each file is edited, for long runs; the sanitizers see what a test
+// cannot.
 #include "fuzz/fuzz_kind.h"
 #include "support/dice.h"
 #include "support/scratch.h"

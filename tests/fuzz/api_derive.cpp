@@ -31,7 +31,8 @@ double branch_value(LpModel lp, int j, double d, bool down)
     return side.status == LpStatus::OPTIMAL ? side.value.get_d() : lp.sense * LP_INFINITY;
 }
 
-// The best value of a derived model must be that of its source. Its numbers are rounded, so that no exact judge can tell:
+// The best value of a derived model must be that of its source. Its numbers are rounded, so that no exact judge can
+// tell:
 // the library solves it under default parameters.
 std::string same_optimum(TVXmodel *made, const RationalResult *truth)
 {

@@ -1,8 +1,8 @@
 // api_solve.cpp -- a solve of a fuzzed program, and the judgement of its outcome
 //
-// Method      What the solve says must be what the exact judge finds on the reference, and an optimal solution must meet
-//             the optimality conditions. A limit that was set, a cutoff or a callback may end it otherwise, but only in
-//             the way that belongs to it. Parameters must be as they were set.
+// Method      What the solve says must be what the exact judge finds on the reference, and an optimal solution must
+//             meet the optimality conditions. A limit that was set, a cutoff or a callback may end it otherwise, but
+//             only in the way that belongs to it. Parameters must be as they were set.
 #include "fuzz/api_model.h"
 #include "support/model_gen.h"
 #include "support/quality_check.h"

@@ -1,4 +1,5 @@
-// api_watch.cpp -- the callback of a fuzzed program: asks for everything, tries what is forbidden, and may end the solve
+// api_watch.cpp -- the callback of a fuzzed program: asks for everything, tries what is forbidden, and may end the
+// solve
 #include "fuzz/api_model.h"
 #include <cmath>
 #include <cstring>

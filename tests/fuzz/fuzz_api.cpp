@@ -1,8 +1,8 @@
 // fuzz_api.cpp -- the interpreter of API programs
 //
-// Method      Bytes are the choices of a Dice: each move is one draw. Up to three models live at a time, each with a plain
-//             reference that queues and updates as the store must. After every move the model that it concerned must
-//             read as the reference says, and results must be what the exact judge finds.
+// Method      Bytes are the choices of a Dice: each move is one draw. Up to three models live at a time, each with a
+//             plain reference that queues and updates as the store must. After every move the model that it concerned
+//             must read as the reference says, and results must be what the exact judge finds.
 // Ends        With the bytes, or after 60 moves. Models and environment are then freed in an order that the last draw
 //             chooses, and no memory may be left.
 #include "fuzz/api_model.h"

@@ -2,8 +2,8 @@
 //
 // Models      Read, or refused with a code and a message and without a model. What was read is sound, and written and
 //             read again it is the same but for names; from then on names stay too.
-// Other files Are read into a small model that must keep its content, or are refused with a message; what can be written
-//             then can be read back.
+// Other files Are read into a small model that must keep its content, or are refused with a message; what can be
+//             written then can be read back.
 #include "files/files_support.h"
 #include "fuzz/fuzz_kind.h"
 #include "model/model_store.h"

@@ -1,5 +1,5 @@
-// fuzz_target.cpp -- a libFuzzer target of one kind, FUZZ_KIND: "api", or the suffix of files; built by the preset `fuzz`,
-// started by `run` in an empty directory
+// fuzz_target.cpp -- a libFuzzer target of one kind, FUZZ_KIND: "api", or the suffix of files; built by the preset
+// `fuzz`, started by `run` in an empty directory
 #include "fuzz/fuzz_kind.h"
 #include <cstdint>
 #include <cstdio>

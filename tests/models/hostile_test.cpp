@@ -2,9 +2,10 @@
 //
 // TARVEX_HOSTILE_COUNT=n   models a family, of the tall ones half as many (300; a campaign takes thousands)
 // TARVEX_HOSTILE_SEED=s    the first of each family (0)
-// Every fourth model is solved at the defaults, the others under settings_draw. A failing case is printed as MPS with its
-// verdict and settings. Violations that a warning names, and values that the tolerances explain, are no failures. In the
-// wild family only unbounded claims and runs without end count: its numbers leave a double no digit for the rest.
+// Every fourth model is solved at the defaults, the others under settings_draw. A failing case is printed as MPS with
+// its verdict and settings. Violations that a warning names, and values that the tolerances explain, are no failures.
+// In the wild family only unbounded claims and runs without end count: its numbers leave a double no digit for the
+// rest.
 #include "support/hostile_gen.h"
 #include "support/hostile_judge.h"
 #include <algorithm>

@@ -185,8 +185,8 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
     EXPECT_GT(stopped, 0);
 }
 
-// A bound of -9.9e19 leads the first run to a point that misses a row by 10; others are looked for, and a limit may come
-// in between.
+// A bound of -9.9e19 leads the first run to a point that misses a row by 10; others are looked for, and a limit may
+// come in between.
 TEST(Limits, an_unsure_answer_is_not_final)
 {
     LpModel lp;

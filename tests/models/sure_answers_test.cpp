@@ -162,8 +162,8 @@ int hear(TVXmodel *, void *cbdata, int where, void *data)
 }
 } // namespace
 
-// A cost of millions scales the objective down, and with it a reduced cost of -5e-6 into the tolerance. The simplex sees
-// to it by itself, without another way.
+// A cost of millions scales the objective down, and with it a reduced cost of -5e-6 into the tolerance. The simplex
+// sees to it by itself, without another way.
 TEST_F(SureAnswers, violations_count_in_the_units_of_the_model)
 {
     for (const double method : {0, 1}) {

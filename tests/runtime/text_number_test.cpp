@@ -14,8 +14,8 @@ static uint64_t bits(double value)
     return std::bit_cast<uint64_t>(value);
 }
 
-// A text is read as strtod reads it, up to the same place, with an e or a Fortran d before the exponent; without leading
-// blanks, hexadecimal digits and texts behind "nan".
+// A text is read as strtod reads it, up to the same place, with an e or a Fortran d before the exponent; without
+// leading blanks, hexadecimal digits and texts behind "nan".
 static void expect_read(std::string text, const char *letters)
 {
     for (const char *letter = letters; *letter; letter++) {

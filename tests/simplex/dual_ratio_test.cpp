@@ -6,7 +6,8 @@
 
 using DualRatio = ModelTest;
 
-// min c x with the sum of all x at least `need`, x between 0 and 1: the cheapest are taken, and one step passes them all.
+// min c x with the sum of all x at least `need`, x between 0 and 1: the cheapest are taken, and one step passes them
+// all.
 TEST_F(DualRatio, a_step_over_thousands_of_breakpoints_ends_at_the_right_one)
 {
     for (const int values : {2, 50, 1000000}) { // many ties, some, none

@@ -34,8 +34,8 @@ template<class R> struct LiveCheck {
                 tell("row", i, double(sum), s->Rhs.data[i]);
         }
     }
-    // Those of fixed columns are not kept; those of fixed slacks are, as they are the multipliers, by which those of basic
-    // columns are zero.
+    // Those of fixed columns are not kept; those of fixed slacks are, as they are the multipliers, by which those of
+    // basic columns are zero.
     void reduced_costs(bool basic_only)
     {
         for (int j = 0; j < s->NumCols; j++) {

@@ -116,8 +116,8 @@ TEST(Resolve, strong_branching_knows_the_rows_appended_since_the_last_solve)
     strong_branch_close(branch);
 }
 
-// min x + c g    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1, then at 1e7. With z
-// basic, g has the reduced cost c within the tolerance.
+// min x + c g    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1, then at
+// 1e7. With z basic, g has the reduced cost c within the tolerance.
 TEST(Resolve, reduced_costs_within_the_tolerance_do_not_move_the_optimum)
 {
     for (const double c : {-5e-9, -2e-8}) {

@@ -117,10 +117,23 @@ struct Walk {
         ASSERT_EQ(simplex_delete_rows(s, drop.data()), 0);
         saved.clear();
     }
+    // A point to be accepted; in the end there is none better.
+    void clean()
+    {
+        CleanOutcome outcome = CleanOutcome::SOLVE_AGAIN;
+        ResolveOutcome again;
+        for (int k = 0; k < 8 && outcome == CleanOutcome::SOLVE_AGAIN; k++) {
+            ASSERT_EQ(simplex_clean(s, &outcome), 0);
+            if (outcome == CleanOutcome::OPTIMAL) check_point();
+            if (outcome == CleanOutcome::SOLVE_AGAIN) {
+                ASSERT_EQ(simplex_resolve(s, {}, &again), 0);
+            }
+        }
+        EXPECT_NE(outcome, CleanOutcome::SOLVE_AGAIN);
+    }
     void step()
     {
         const int action = dice.range(0, 19);
-        bool same = false;
         start = nullptr;
         if (action == 0) append_rows();
         if (action == 1) delete_rows();
@@ -136,9 +149,7 @@ struct Walk {
             if (dice.chance(50)) s->Env->Quad = -1; // back to double precision
             start = &basis;
         }
-        if (action == 4) {
-            ASSERT_EQ(simplex_clean(s, &same), 0);
-        }
+        if (action == 4) clean();
         if (action == 5) {
             const int j = dice.range(0, lp.num_vars() - 1);
             lp.obj[j] = dice.range(-9, 9);
@@ -146,8 +157,8 @@ struct Walk {
         }
         for (int k = dice.range(0, 3); k > 0; k--) change_bound();
     }
-    // The least value by a fresh solve, with presolve if that tells: 1e100 when infeasible, -1e100 when unbounded, NAN when
-    // there is nothing to compare with.
+    // The least value by a fresh solve, with presolve if that tells: 1e100 when infeasible, -1e100 when unbounded, NAN
+    // when there is nothing to compare with.
     double optimum()
     {
         for (const int presolve : {-1, 0}) {
@@ -279,7 +290,9 @@ struct Walk {
             pi[i] = y.Val[i] * y.Scale[i] * y.Factor * (lp.senses[i] == '>' ? -1 : 1);
             largest = std::max(largest, std::fabs(pi[i]));
         }
-        for (size_t i = 0; i < pi.size(); i++) { // what is rounding does not count
+        for (double &value : pi) // what is rounding does not count
+            if (std::fabs(value) < 1e-12 * largest) value = 0;
+        for (size_t i = 0; i < pi.size(); i++) {
             const bool open = lp.senses[i] != '=' && std::fabs(pi[i]) > 1e-9 * largest;
             const double rhs = lp.rhs[i];
             add(-pi[i], open && lp.senses[i] == '<' ? -NONE : rhs,
@@ -311,13 +324,13 @@ struct Walk {
         ResolveOutcome out;
         BranchOutcome branched;
         StrongBranch *branch = nullptr;
-        bool same = false;
+        CleanOutcome cleaned;
         int code = 0;
         if (kind == PROBES && simplex_status(s) != TVX_OPTIMAL) return false;
         mem_fault_arm(k);
         if (kind == 0) code = simplex_delete_rows(s, drop.data());
         start = kind == 1 ? &basis : nullptr;
-        if (kind == 2) code = simplex_clean(s, &same);
+        if (kind == 2) code = simplex_clean(s, &cleaned);
         if (kind == 2 && !code) code = simplex_append_rows(s, &row, 1);
         if (kind == 3) code = simplex_go_live(s);
         if (kind == PROBES) {

@@ -61,8 +61,8 @@ namespace
 {
 constexpr int VARS = 300, ROWS = 60, ROWS_OF_VAR = 12;
 
-// Rows of sums that are at most 1, over columns that cost nothing, and apart from them min -y with y at most 1: y goes to
-// its upper bound without a pivot, and nothing else has to move.
+// Rows of sums that are at most 1, over columns that cost nothing, and apart from them min -y with y at most 1: y goes
+// to its upper bound without a pivot, and nothing else has to move.
 LpModel packing(double upper)
 {
     LpModel lp;
@@ -87,9 +87,9 @@ double dual_iterations(const LpModel *lp, double optimum)
 }
 } // namespace
 
-// Perturbed costs of basic slacks would give the columns reduced costs below zero: boxed ones would begin at their upper
-// bounds, all rows violated, and others would ask for a phase 1. With sum x + t = 50 and t basic from the start all x
-// cost as much as t, so their reduced costs are zero though their costs are not.
+// Perturbed costs of basic slacks would give the columns reduced costs below zero: boxed ones would begin at their
+// upper bounds, all rows violated, and others would ask for a phase 1. With sum x + t = 50 and t basic from the start
+// all x cost as much as t, so their reduced costs are zero though their costs are not.
 TEST(DualStart, perturbation_goes_by_reduced_costs_and_moves_no_column_to_the_other_bound)
 {
     for (const double upper : {1.0, LP_INFINITY}) {

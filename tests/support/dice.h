@@ -1,8 +1,8 @@
 // dice.h -- Dice, the random choices of the generators
 //
-// One seed, one sequence, on every platform. Or the choices stand in bytes that a fuzzer makes up: one byte for up to 256
-// possibilities, two for up to 65536, else four, low byte first, and the remainder by their number counts. Behind the
-// last byte the choices are those of seed 0.
+// One seed, one sequence, on every platform. Or the choices stand in bytes that a fuzzer makes up: one byte for up to
+// 256 possibilities, two for up to 65536, else four, low byte first, and the remainder by their number counts. Behind
+// the last byte the choices are those of seed 0.
 #pragma once
 #include "runtime/random.h"
 #include <cstddef>

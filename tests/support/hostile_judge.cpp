@@ -230,8 +230,8 @@ static double coefficient_doubt(const LpModel *lp, const std::vector<mpq_class> 
     return doubt.empty() ? 0 : *std::max_element(doubt.begin(), doubt.end());
 }
 
-// Is there a ray but for the rounding of the coefficients? Columns whose ratios differ by the rounding of 0.3 / 0.9 have
-// none in exact arithmetic, and nobody who wrote the model would say so.
+// Is there a ray but for the rounding of the coefficients? Columns whose ratios differ by the rounding of 0.3 / 0.9
+// have none in exact arithmetic, and nobody who wrote the model would say so.
 static bool has_rounded_ray(const LpModel *lp)
 {
     static constexpr double ROUNDING =

@@ -1,5 +1,5 @@
-// reductions_test.cpp -- each reduction alone on random models: the truth stays, postsolve ends in an optimal basis, and
-// it does find what it looks for; a wrong reduction is seen
+// reductions_test.cpp -- each reduction alone on random models: the truth stays, postsolve ends in an optimal basis,
+// and it does find what it looks for; a wrong reduction is seen
 #include "support/hostile_gen.h"
 #include "support/model_gen.h"
 #include "support/presolve_try.h"
