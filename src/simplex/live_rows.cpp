@@ -3,8 +3,10 @@
 // Method      Appended rows come last in both copies of the matrix, and their slacks are the last variables; each slack
 //             is basic in its row, so the factors grow by one row eta per row (lu_append.cpp) and values, reduced costs
 //             and weights of the others do not change. Deleted rows have a basic slack; the rest of the basis is a
-//             basis of the rest of the rows with the same reduced costs and weights, but is factored anew.
-// Cost        O(nonzeros of the matrix), as its columns move, and the solves of lu_append_row; or a factorisation.
+//             basis of the rest of the rows with the same values, reduced costs and weights. The factors shrink with
+//             it (lu_delete.cpp) unless a slack has left its row in the basis and come back in another: then the next
+//             solve factors anew.
+// Cost        O(nonzeros of the matrix and the factors), and the solves of lu_append_row.
 #include "simplex/dual.h"
 #include <algorithm>
 #include <cmath>
@@ -265,6 +267,27 @@ template<class R> void compact_basis(sopt *s, swork<R> *w, const int *number)
     }
 }
 
+// The same of what a fresh record holds besides; each deleted slack is in its row's position.
+template<class R> void compact_values(sopt *s, swork<R> *w, const char *drop)
+{
+    const int m = s->NumRows, n = s->NumCols;
+    const auto row = [=](int i) { return drop[i] == 0; };
+    for (Array<R> *a : {&w->Bbar, &w->Dual->Rows.Merit}) compact(a, 0, m, row);
+    for (Array<double> *a : {&s->BasicLower, &s->BasicUpper}) compact(a, 0, m, row);
+    compact(&w->Dual->RowRejected, 0, m, row);
+    compact(&w->Cbar, n, s->NumVars, [=](int k) { return drop[k - n] == 0; });
+}
+
+// The record can go on without a refresh: a deleted slack has no shifted cost, which would make multipliers of others,
+// and the factors shrink.
+template<class R> bool stays_fresh(const sopt *s, swork<R> *w, const int *number)
+{
+    if (s->Live != LIVE_FRESH || !has_factor(s, w)) return false;
+    for (int i = 0; i < s->NumRows; i++)
+        if (number[i] < 0 && s->WorkCost.data[s->NumCols + i] != 0) return false;
+    return lu_delete_rows(&w->Lu, number);
+}
+
 template<class R> void compact_vectors(sopt *s, swork<R> *w, const char *drop)
 {
     const int m = s->NumRows, n = s->NumCols;
@@ -286,9 +309,9 @@ template<class R> void shrink_work(swork<R> *w, int m)
     }
     price_list_reset(&w->Dual->Rows);
     w->Dual->Rows.Dim = m;
+    w->Dual->WeightAge = -1;
     popt_free(&w->Primal);
     w->Lu.NumRows = m;
-    w->Lu.NeedBasis = 1;
 }
 
 template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
@@ -299,6 +322,8 @@ template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
     int left = 0;
     for (int i = 0; i < m; i++) number.data[i] = drop[i] ? -1 : left++;
     if (left == m) return 0;
+    const bool fresh = stays_fresh(s, w, number.data);
+    if (fresh) compact_values(s, w, drop);
     compact_basis(s, w, number.data);
     compact_vectors(s, w, drop);
     drop_entries(s, number.data);
@@ -308,9 +333,17 @@ template<class R> int remove(sopt *s, swork<R> *w, const char *drop)
     std::fill_n(s->Mark.data, s->NumVars, 0);
     shrink_work(w, left);
     if (s->ShiftCount > 0) s->ShiftCount = MOST_SHIFTS + 1; // the slacks have other numbers
+    s->Status = SIMPLEX_RUNNING;
+    s->Unclean = 0;
+    TRY(row_copy_build(s));
+    if (fresh) {
+        row_copy_partition(s);
+        return 0;
+    }
+    w->Lu.NeedBasis = 1;
     s->BasisAge++;
     s->Live = LIVE_STALE;
-    return row_copy_build(s);
+    return 0;
 }
 } // namespace
 

@@ -6,8 +6,8 @@
 // LiveState    what it means
 //   LIVE_NO     the record belongs to SimplexOptimize.
 //   LIVE_STALE  Basis and bounds stand; values, reduced costs, merits and perhaps factors are to be computed by the
-//               next solve. Set by simplex_go_live, simplex_delete_rows, simplex_clean, simplex_change_cost, a loaded
-//               basis that differs in many variables, rows or the end of strong branching without factors, and a solve
+//               next solve. Set by simplex_go_live, simplex_clean, simplex_change_cost, a loaded basis that differs in
+//               many variables, rows deleted or appended or the end of strong branching without factors, and a solve
 //               that needed another method or whose last update failed.
 //   LIVE_FRESH  All belong together, with true bounds; after CUTOFF and limits costs may be shifted. Set by
 //               simplex_resolve.
@@ -90,8 +90,8 @@ struct LiveRow {
 // Appends rows; their slacks become basic. Factors are extended, nothing else changes. 0 or a code: the record may only
 // be freed then.
 [[nodiscard]] int simplex_append_rows(sopt *s, const LiveRow *rows, int count);
-// Deletes the rows i with drop[i] != 0 [m], all of which must have a basic slack. The others keep their order.
-// Likewise.
+// Deletes the rows i with drop[i] != 0 [m], all of which must have a basic slack. The others keep their order. The
+// factors stay if each of these slacks is basic in its own row, as after a factorisation. 0 or a code, likewise.
 [[nodiscard]] int simplex_delete_rows(sopt *s, const char *drop);
 
 // ---- Reading without copies (live_query.cpp) ----

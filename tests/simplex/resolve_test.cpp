@@ -15,7 +15,9 @@ namespace
 constexpr double SAME = 1e-6;  // relative difference of objectives that counts as none
 constexpr double NONE = 1e100; // no limit, and the value of an infeasible LP
 constexpr int STEPS = 40;      // of a walk
-constexpr int PROBES = 4;      // the kind of refuse() that is strong branching
+#ifdef TVX_DEBUG
+constexpr int PROBES = 4; // the kind of refuse() that is strong branching
+#endif
 
 // The LP as it should be, beside the live record that follows it.
 struct Walk {
@@ -102,11 +104,12 @@ struct Walk {
     {
         std::vector<char> drop;
         std::vector<int> number; // of a row that stays
+        const int share = dice.chance(50) ? 33 : 5;
         LpModel left = lp;
         left.senses.clear();
         left.rhs.clear();
         for (int i = 0; i < lp.num_rows(); i++) {
-            drop.push_back(simplex_is_basic(s, lp.num_vars() + i) && dice.chance(33));
+            drop.push_back(simplex_is_basic(s, lp.num_vars() + i) && dice.chance(share));
             number.push_back(drop[i] ? -1 : lp_add_row(&left, lp.senses[i], lp.rhs[i]));
         }
         for (std::vector<LpEntry> &col : left.cols) {
