@@ -116,19 +116,27 @@ TEST(Resolve, strong_branching_knows_the_rows_appended_since_the_last_solve)
     strong_branch_close(branch);
 }
 
-// min x + c g    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1, then at
-// 1e7. With z basic, g has the reduced cost c within the tolerance.
+// min x + c g + 1e-7 k    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1,
+// then at 1e7, by a solve and by a probe. With z basic, g has the reduced cost c within the tolerance.
 TEST(Resolve, reduced_costs_within_the_tolerance_do_not_move_the_optimum)
 {
     for (const double c : {-5e-9, -2e-8}) {
         Small lp(
-            lp_make({{1, 0, 10}, {0, 0, 1}, {c, 0, LP_INFINITY}, {0, 0, 1e8}, {0, 1, 1}},
+            lp_make({{1, 0, 10}, {0, 0, 1}, {c, 0, LP_INFINITY}, {0, 0, 1e8}, {1e-7, 1, 1}},
                     {{{1, 1}, '>', 4}, {{0, 0, 1, 1, -1}, '=', 0}}),
             0);
         lp.solve({4, 1, 1});
         const NodeBasis basis = lp.exchanged(2, 3, AT_LOWER);
         lp.solve({4, 1, 1}, &basis);
-        EXPECT_NEAR(lp.solve({4, 1e7, 1e7}).Value, 3 + c * 1e7, 1e-6) << c;
+        const double optimum = 3 + (1e-7 + c) * 1e7;
+        StrongBranch *branch = nullptr;
+        lp.solve({4, 1, 1e7});
+        ASSERT_EQ(strong_branch_open(lp.s, &branch), 0);
+        BranchOutcome probe;
+        ASSERT_EQ(strong_branch_probe(branch, 4, BranchSide::UP, 1e7, 1e100, &probe), 0);
+        strong_branch_close(branch);
+        EXPECT_NEAR(probe.Value, optimum, 1e-6) << c;
+        EXPECT_NEAR(lp.solve({4, 1e7, 1e7}).Value, optimum, 1e-6) << c;
     }
 }
 
