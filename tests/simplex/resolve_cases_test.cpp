@@ -15,13 +15,16 @@ struct Small {
     TestEnv env;
     TestModel model;
     sopt *s = nullptr;
-    explicit Small(const LpModel &lp, int scaled = 1, const char *types = "")
+    explicit Small(const LpModel &lp, int scaled = 1, const char *types = "",
+                   int extended = 0)
         : model(lp_load(env.env, &lp))
     {
         const int count = int(strlen(types));
         EXPECT_EQ(TVXsetcharattrarray(model, "VType", 0, count, types), 0);
         EXPECT_EQ(TVXupdatemodel(model), 0);
-        EXPECT_EQ(settings_apply(TVXgetenv(model), {{"ScaleFlag", scaled}}), 0);
+        EXPECT_EQ(settings_apply(TVXgetenv(model),
+                                 {{"ScaleFlag", scaled}, {"Quad", extended ? 1 : -1}}),
+                  0);
         EXPECT_EQ(SimplexOptimize(&s, model.model->body, model.model->env, {}), 0);
         EXPECT_EQ(simplex_go_live(s), 0);
     }
@@ -153,4 +156,30 @@ TEST(Resolve, a_free_variable_of_either_sign_counts)
         lp.s->OptTol = 1e-6; // the first solve has reduced it
         EXPECT_NEAR(lp.solve({0, 0, 10}, &basis).Value, 3 - 0.05, 1e-6) << c;
     }
+}
+
+// min 1e5 x + 2e-6 g    x + y + 5e-10 g >= 4    g + h <= 1e9    0 <= x <= 100, 0 <= y <= 10, 0 <= g <= 1e6; y <= 1 makes
+// x basic, and g is worth its cost then, although its entry is no pivot. Further rows keep the factors for some updates.
+TEST(Resolve, entries_too_small_for_pivots_count_after_a_long_step)
+{
+    LpModel model = lp_make({{1e5, 0, 100}, {0, 0, 10}, {2e-6, 0, 1e6}, {0, 0, 1e9}},
+                            {{{1, 1, 5e-10}, '>', 4}, {{0, 0, 1, 1}, '<', 1e9}});
+    for (int k = 0; k < 200; k++)
+        lp_add_row_entries(&model, {{0, 0.001}, {lp_add_var(&model, 0, 0, 1), 1}}, '<', 5);
+    Small lp(model, 0);
+    lp.solve({1, 0, 10});
+    EXPECT_NEAR(lp.solve({1, 0, 1}).Value, 3e5 - 48, 0.01);
+}
+
+// min x    x - y = 0.3    0 <= y <= 10, in extended precision, then in double precision
+TEST(Resolve, tolerances_of_extended_precision_end_with_it)
+{
+    Small lp(lp_make({{1}, {0, 0, 10}}, {{{1, -1}, '=', 0.3}}), 1, "", 1);
+    NodeBasis basis;
+    ASSERT_EQ(simplex_save_basis(lp.s, &basis), 0);
+    lp.s->OptTol = lp.s->FeasTol = 1e-13; // as wrong signs and clean may leave them
+    lp.s->Env->Quad = -1;
+    EXPECT_EQ(lp.solve({1, 1, 10}, &basis).Status, TVX_OPTIMAL);
+    EXPECT_EQ(lp.s->Quad, 0);
+    EXPECT_GE(std::min(lp.s->OptTol, lp.s->FeasTol), 1e-9);
 }
