@@ -56,7 +56,7 @@ struct SimplexCounters {
     double ValueNoise = 0, DualNoise = 0;
     double ValueSize = 0; // no basic value has been larger than this
     // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError
-    // plus ValueSize times SignOpen, the part of variables whose range is larger.
+    // plus ValueSize times SignOpen, the part of variables whose range is larger (dual_count_sign).
     double SignError = 0, SignOpen = 0;
     double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)

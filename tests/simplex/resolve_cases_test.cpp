@@ -158,6 +158,15 @@ TEST(Resolve, a_free_variable_of_either_sign_counts)
     }
 }
 
+// min x + c g    x + y >= 2    h <= g    0 <= x <= 10, 0 <= y <= 1, 0 <= g <= 1e5, 0 <= h <= 1; c becomes negative
+TEST(Resolve, a_variable_may_cross_its_range_though_no_value_is_that_large)
+{
+    Small lp(lp_make({{1, 0, 10}, {0, 0, 1}, {1, 0, 1e5}, {0, 0, 1}},
+                     {{{1, 1}, '>', 2}, {{0, 0, -1, 1}, '<', 0}}));
+    simplex_change_cost(lp.s, 2, -1.5e-7);
+    EXPECT_NEAR(lp.solve({0, 0, 10}).Value, 1 - 0.015, 1e-6);
+}
+
 // min 1e5 x + 2e-6 g    x + y + 5e-10 g >= 4    g + h <= 1e9    0 <= x <= 100, 0 <= y <= 10, 0 <= g <= 1e6; y <= 1 makes
 // x basic, and g is worth its cost then, although its entry is no pivot. Further rows keep the factors for some updates.
 TEST(Resolve, entries_too_small_for_pivots_count_after_a_long_step)
