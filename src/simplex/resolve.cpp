@@ -222,9 +222,11 @@ int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 {
     const double cutoff = s->Cutoff;
     TRY(recover(s, call.Iterations - s->NPvt, cutoff));
-    if (!is_final(s->Status)) { // perhaps because tolerances were reduced
+    if (!is_final(
+            s->Status)) { // perhaps because tolerances were reduced, or the basis is singular
         s->FeasTol = s->Env->FeasibilityTol;
         s->OptTol = s->Env->OptimalityTol;
+        if (!simplex_has_factor(s)) start_slack_basis(s);
         TRY(recover(s, call.Iterations - s->NPvt, cutoff));
     }
     const int status = is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC;
@@ -272,7 +274,10 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     s->Status = SIMPLEX_RUNNING;
     take_true_lp<R>(s);
     if (!has_factor(s, w)) TRY(Refactor(s, w));
-    dual_weights_start(s, w);
+    if (has_factor(s, w))
+        dual_weights_start(s, w);
+    else // singular, and may not be repaired
+        std::fill_n(w->Dual->Weights.data, s->NumRows, R(1));
     s->StartNorms.size = 0; // they belonged to the start basis of the last run
     return 0;
 }

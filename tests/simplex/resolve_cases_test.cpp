@@ -4,6 +4,7 @@
 #include "support/inside.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -156,6 +157,23 @@ TEST(Resolve, a_free_variable_of_either_sign_counts)
         lp.s->OptTol = 1e-6; // the first solve has reduced it
         EXPECT_NEAR(lp.solve({0, 0, 10}, &basis).Value, 3 - 0.05, 1e-6) << c;
     }
+}
+
+// min x + 2 y    x + y >= 4    x + y <= 8    x + 2 y <= 100    0 <= x, y <= 10; x and y basic with the last slack, in a
+// search that does not repair bases
+TEST(Resolve, a_singular_basis_that_may_not_be_repaired_ends_with_the_solve)
+{
+    Small lp(lp_make({{1, 0, 10}, {2, 0, 10}},
+                     {{{1, 1}, '>', 4}, {{1, 1}, '<', 8}, {{1, 2}, '<', 100}}));
+    ASSERT_EQ(settings_apply(TVXgetenv(lp.model),
+                             {{"TARV_PAR_STMPFIXES", 0}, {"TARV_PAR_EXACTNORM", 1}}),
+              0);
+    NodeBasis basis;
+    ASSERT_EQ(simplex_save_basis(lp.s, &basis), 0);
+    const char statuses[] = {0, 0, 1, 1, 0};
+    std::copy_n(statuses, sizeof statuses, basis.Statuses.data);
+    EXPECT_EQ(lp.solve({0, 0, 10}, &basis).Value, 4);
+    EXPECT_EQ(lp.solve({0, 0, 3}).Value, 5);
 }
 
 // min x + c g    x + y >= 2    h <= g    0 <= x <= 10, 0 <= y <= 1, 0 <= g <= 1e5, 0 <= h <= 1; c becomes negative
