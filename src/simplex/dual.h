@@ -93,8 +93,8 @@ template<class R> bool live_tighten_signs(sopt *s, swork<R> *w);
 template<class R>
 void live_begin(sopt *s, swork<R> *w,
                 double iteration_limit); // counters and guards of a solve
-template<class R>
-[[nodiscard]] int live_run_primal(sopt *s, swork<R> *w); // from SIMPLEX_SWITCH on
+// From SIMPLEX_SWITCH on; after an optimum again, as long as live_tighten_signs asks for it.
+template<class R> [[nodiscard]] int live_run_primal(sopt *s, swork<R> *w);
 
 // dual_free.cpp
 template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar

@@ -52,7 +52,8 @@ struct SimplexCounters {
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
     double DualObjSum = 0; // magnitudes that were added to DualObj since it was computed
-    // Rounding errors of large steps in Bbar and Cbar since they were computed.
+    // Rounding errors of large steps in Bbar and Cbar since they were computed. Wrong signs that entries too small for
+    // the ratio test have caused count as such (dual_ratio.cpp).
     double ValueNoise = 0, DualNoise = 0;
     double ValueSize = 0; // no basic value has been larger than this
     // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError
