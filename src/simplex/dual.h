@@ -25,6 +25,7 @@ template<class R> struct dopt {
     Array<R> CandDual;    // [NumVars] reduced cost, signs turned so that it is >= -OptTol
     Array<R> CandRange;   // [NumVars] decrease of the slope at the breakpoint
     int CandCount = 0;
+    R Ignored = 0;       // largest entry that would block, but is too small for a candidate
     Array<int> GroupEnd; // [NumVars + 1] end of the candidates of group g
     Array<int> Flips;    // [NumVars] variables that flip to their other bound in this step
     int FlipCount = 0;
@@ -92,8 +93,8 @@ template<class R> bool live_tighten_signs(sopt *s, swork<R> *w);
 template<class R>
 void live_begin(sopt *s, swork<R> *w,
                 double iteration_limit); // counters and guards of a solve
-template<class R>
-[[nodiscard]] int live_run_primal(sopt *s, swork<R> *w); // from SIMPLEX_SWITCH on
+// From SIMPLEX_SWITCH on; after an optimum again, as long as live_tighten_signs asks for it.
+template<class R> [[nodiscard]] int live_run_primal(sopt *s, swork<R> *w);
 
 // dual_free.cpp
 template<class R> [[nodiscard]] int dual_enter_free(sopt *s, swork<R> *w); // needs Cbar
@@ -143,12 +144,14 @@ template<class R> double dual_sign_gap(const sopt *s, const swork<R> *w, int j)
         return 0;
     }
 }
-// Counts the gap of one more reduced cost in SignError or SignOpen.
+// Counts the gap of one more reduced cost in SignError or SignOpen. Ranges up to RANGE_COUNTED, in user units, count as
+// they are, since a variable may cross its range though no basic value is that large.
+constexpr double RANGE_COUNTED = 1e6;
 inline void dual_count_sign(sopt *s, int j, double gap)
 {
     if (gap <= 0) return;
     const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
-    if (range <= s->ValueSize)
+    if (range <= s->ValueSize || range * user_unit(s, j) <= RANGE_COUNTED)
         s->SignError += gap * range;
     else
         s->SignOpen += gap;

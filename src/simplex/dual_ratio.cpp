@@ -47,6 +47,7 @@ template<class R> void collect(sopt *s, swork<R> *w, R small)
     int *__restrict place = d->CandPlace.data;
     R *__restrict cand_alpha = d->CandAlpha.data, *__restrict cand_dual = d->CandDual.data;
     int count = 0;
+    R ignored = 0;
     for (int k = 0; k < w->RowCount; k++) {
         const int j = ind[k];
         const R sign = vstat[j] == AT_UPPER ? -side : side;
@@ -55,8 +56,10 @@ template<class R> void collect(sopt *s, swork<R> *w, R small)
         cand_alpha[count] = a;
         cand_dual[count] = sign * side * cbar[j];
         count += a > small;
+        ignored = std::max(ignored, a > small ? R(0) : a);
     }
     d->CandCount = count;
+    d->Ignored = ignored;
 }
 
 // Free variables block in both directions.
@@ -230,6 +233,25 @@ void count_sign_errors(sopt *s, const swork<R> *w, int flip_end, int groups, int
     }
 }
 
+// A long step gives a reduced cost a wrong sign of any size through an entry that is too small for a candidate. It counts
+// as noise, so that a live record computes its reduced costs anew and repairs the signs.
+template<class R> void count_ignored(sopt *s, const swork<R> *w, R small, int best)
+{
+    const dopt<R> *d = w->Dual;
+    const R step = d->CandDual.data[best] / d->CandAlpha.data[best],
+            side = d->Delta < 0 ? R(-1) : R(1);
+    if (d->Ignored * step <= R(NOISE_SHARE * s->OptTol)) return;
+    for (int k = 0; k < w->RowCount; k++) {
+        const int j = w->RowInd.data[k];
+        const R sign = s->VStat.data[j] == AT_UPPER ? -side : side,
+                a = sign * w->RowVal.data[k];
+        if (a <= R(0) || a > small) continue;
+        const double gap = static_cast<double>(step * a - sign * side * w->Cbar.data[j]);
+        dual_count_sign(s, j, gap);
+        s->DualNoise += std::max(gap, 0.0);
+    }
+}
+
 // The variables to flip. With NonDegenFlip only those whose reduced cost changes its sign.
 template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int best)
 {
@@ -266,6 +288,7 @@ template<class R> bool dual_ratio(sopt *s, swork<R> *w, R floor)
     d->PivotCol = w->RowInd.data[d->CandPlace.data[best]];
     d->AlphaRow = w->RowVal.data[d->CandPlace.data[best]];
     if (s->Live) count_sign_errors(s, w, flip_end, groups, best);
+    if (s->Live) count_ignored(s, w, floor, best);
     list_flips(s, w, flip_end, best);
     return true;
 }

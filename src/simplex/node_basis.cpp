@@ -233,6 +233,8 @@ int live_load_basis(sopt *s, const NodeBasis &basis)
     if (s->Quad && s->Env->Quad != 1 && !s->Tuning.Extended) {
         // the trouble that asked for extended precision was that of another basis
         TRY(switch_precision(s, 0));
+        for (double *tol : {&s->FeasTol, &s->OptTol, &s->UsualOptTol})
+            *tol = std::max(*tol, tolerance_floor(s));
         if (!s->Double->Dual) TRY(dopt_create(s, &s->Double->Dual));
     }
     return s->Quad ? load(s, s->Extended, basis) : load(s, s->Double, basis);

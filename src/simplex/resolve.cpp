@@ -25,7 +25,8 @@ constexpr double SUM_TRUST = 1000;
 // most.
 constexpr double AIM = 0.5, LEAST_STEP = 0.1;
 
-constexpr int SIGN_ROUNDS = 4; // runs of the primal simplex with smaller tolerances
+constexpr int SIGN_ROUNDS =
+    4; // further runs of the primal simplex, with smaller tolerances
 
 constexpr int CLEAN_ROUNDS = 5; // solves that may follow an unclean point
 } // namespace
@@ -56,21 +57,6 @@ template<class R> void live_begin(sopt *s, swork<R> *w, double iteration_limit)
     dual_list_reset(s, w);
 }
 
-// The basis of the dual run is not optimal for the true costs: the primal simplex continues, with a popt of its own,
-// since that of the record belongs to the last primal run.
-template<class R> int live_run_primal(sopt *s, swork<R> *w)
-{
-    popt<R> *other = w->Primal;
-    w->Primal = nullptr;
-    s->Status = SIMPLEX_RUNNING;
-    s->Method = METHOD_PRIMAL;
-    s->PerturbAllowed = 1;
-    const int code = PrimalRun(s, w);
-    popt_free(&w->Primal);
-    w->Primal = other;
-    return code;
-}
-
 template<class R> bool live_tighten_signs(sopt *s, swork<R> *w)
 {
     if (dual_visible_error(s) == 0) return false; // as last counted, too large at most
@@ -80,6 +66,29 @@ template<class R> bool live_tighten_signs(sopt *s, swork<R> *w)
     const double share = std::max(LEAST_STEP, AIM * dual_error_limit(s) / error);
     s->OptTol = std::max(least, share * s->OptTol);
     return true;
+}
+
+// The basis of the dual run is not optimal for the true costs: the primal simplex continues, with a popt of its own,
+// since that of the record belongs to the last primal run. It runs again as long as reduced costs of the wrong sign
+// matter.
+template<class R> int live_run_primal(sopt *s, swork<R> *w)
+{
+    popt<R> *other = w->Primal;
+    w->Primal = nullptr;
+    s->Method = METHOD_PRIMAL;
+    s->PerturbAllowed = 1;
+    int code = 0;
+    for (int round = 0; code == 0 && round <= SIGN_ROUNDS; round++) {
+        s->Status = SIMPLEX_RUNNING;
+        code = PrimalRun(s, w);
+        if (code || s->Status != SIMPLEX_OPTIMAL || !has_factor(s, w)) break;
+        compute_dual(s, w); // the primal simplex does not keep all reduced costs
+        dual_set_objective(s, w);
+        if (round == SIGN_ROUNDS || !live_tighten_signs(s, w)) break;
+    }
+    popt_free(&w->Primal);
+    w->Primal = other;
+    return code;
 }
 
 namespace
@@ -181,17 +190,12 @@ template<class R> int run(sopt *s, swork<R> *w, double *bound)
     TRY(dual_pivots(s, w));
     if (s->Status == SIMPLEX_OPTIMAL && live_tighten_signs(s, w))
         s->Status = SIMPLEX_SWITCH;
-    for (int round = 0; s->Status == SIMPLEX_SWITCH; round++) {
-        *bound = lower_bound(s, w);
-        dual_weights_save(s, w); // the primal simplex changes positions
-        TRY(live_run_primal(s, w));
-        dual_weights_restore(s, w);
-        take_true_lp<R>(s);
-        if (s->Status != SIMPLEX_OPTIMAL || !has_factor(s, w)) break;
-        compute_dual(s, w); // the primal simplex does not keep all reduced costs
-        dual_set_objective(s, w);
-        if (round < SIGN_ROUNDS && live_tighten_signs(s, w)) s->Status = SIMPLEX_SWITCH;
-    }
+    if (s->Status != SIMPLEX_SWITCH) return 0;
+    *bound = lower_bound(s, w);
+    dual_weights_save(s, w); // the primal simplex changes positions
+    TRY(live_run_primal(s, w));
+    dual_weights_restore(s, w);
+    take_true_lp<R>(s);
     return 0;
 }
 
@@ -218,9 +222,11 @@ int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 {
     const double cutoff = s->Cutoff;
     TRY(recover(s, call.Iterations - s->NPvt, cutoff));
-    if (!is_final(s->Status)) { // perhaps because tolerances were reduced
+    if (!is_final(
+            s->Status)) { // perhaps because tolerances were reduced, or the basis is singular
         s->FeasTol = s->Env->FeasibilityTol;
         s->OptTol = s->Env->OptimalityTol;
+        if (!simplex_has_factor(s)) start_slack_basis(s);
         TRY(recover(s, call.Iterations - s->NPvt, cutoff));
     }
     const int status = is_final(s->Status) ? s->Status : SIMPLEX_NUMERIC;
@@ -268,7 +274,10 @@ template<class R> int go_live(sopt *s, swork<R> *w)
     s->Status = SIMPLEX_RUNNING;
     take_true_lp<R>(s);
     if (!has_factor(s, w)) TRY(Refactor(s, w));
-    dual_weights_start(s, w);
+    if (has_factor(s, w))
+        dual_weights_start(s, w);
+    else // singular, and may not be repaired
+        std::fill_n(w->Dual->Weights.data, s->NumRows, R(1));
     s->StartNorms.size = 0; // they belonged to the start basis of the last run
     return 0;
 }

@@ -157,8 +157,9 @@ struct StrongBranch;
 enum class BranchSide { DOWN, UP }; // variable <= bound, variable >= bound
 struct BranchOutcome {
     int Status; // SIMPLEX_OPTIMAL, INFEASIBLE, CUTOFF, a limit, or NUMERIC
-    // Objective as simplex_objective, always finite: of SIMPLEX_OPTIMAL the optimum, of limits and NUMERIC a lower
-    // bound; without meaning for INFEASIBLE and CUTOFF.
+    // Objective as simplex_objective, always finite: of SIMPLEX_OPTIMAL the optimum, less what reduced costs of the
+    // wrong sign within the smallest tolerance may add; of limits and NUMERIC a lower bound; without meaning for
+    // INFEASIBLE and CUTOFF.
     double Value;
     double Iterations; // of the probe
 };

@@ -52,11 +52,12 @@ struct SimplexCounters {
     // from which the next test against the cutoff is worth it.
     double DualObj = 0, CutoffFrom = HUGE_VAL;
     double DualObjSum = 0; // magnitudes that were added to DualObj since it was computed
-    // Rounding errors of large steps in Bbar and Cbar since they were computed.
+    // Rounding errors of large steps in Bbar and Cbar since they were computed. Wrong signs that entries too small for
+    // the ratio test have caused count as such (dual_ratio.cpp).
     double ValueNoise = 0, DualNoise = 0;
     double ValueSize = 0; // no basic value has been larger than this
     // Live records: reduced costs with a wrong sign within OptTol put DualObj above the optimum by at most SignError
-    // plus ValueSize times SignOpen, the part of variables whose range is larger.
+    // plus ValueSize times SignOpen, the part of variables whose range is larger (dual_count_sign).
     double SignError = 0, SignOpen = 0;
     double CutoffBound = 0; // SIMPLEX_CUTOFF: the lower bound that exceeded it, as Obj
     int RefacReason = REFAC_NONE; // RefacReason (sopt_states.h)

@@ -44,7 +44,8 @@
 //   NONE -> PIVOT, ROOM     UpdateFactor, in apply_step (dual.cpp) and apply_pivot (primal.cpp); PIVOT also
 //                           distrust_factors, for reject_pivot (dual.cpp) and primal_reject_column
 //   NONE -> FILL            apply_step (dual.cpp), apply_pivot (primal.cpp), after wants_refactor
-//   any -> VALUES           run (resolve.cpp): a stale record; no_row (dual.cpp): rounding errors of large steps
+//   any -> VALUES           run (resolve.cpp): a stale record; no_row (dual.cpp): rounding errors of large steps,
+//                           or wrong signs by entries that the ratio test ignored
 //   any -> NONE             refresh (dual.cpp, primal.cpp); live_begin (resolve.cpp). bring_back (strong_branch.cpp)
 //                           restores the value that the record had before strong branching
 // BoxPhase

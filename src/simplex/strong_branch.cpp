@@ -236,7 +236,7 @@ BranchOutcome conclude(const StrongBranch *b, double value, double bound)
     case SIMPLEX_OPTIMAL:
         if (!std::isfinite(value)) return {SIMPLEX_NUMERIC, bound, s->NPvt};
         return {bound - s->ObjOffset > s->Cutoff ? SIMPLEX_CUTOFF : SIMPLEX_OPTIMAL,
-                at_least_optimum(b, value), s->NPvt};
+                at_least_optimum(b, value - dual_visible_error(s) / s->ObjScale), s->NPvt};
     case SIMPLEX_ITERATION_LIMIT:
     case SIMPLEX_TIME_LIMIT:
     case SIMPLEX_INTERRUPTED:

@@ -4,6 +4,7 @@
 #include "support/inside.h"
 #include "support/lp_tarvex.h"
 #include "support/settings.h"
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -15,13 +16,16 @@ struct Small {
     TestEnv env;
     TestModel model;
     sopt *s = nullptr;
-    explicit Small(const LpModel &lp, int scaled = 1, const char *types = "")
+    explicit Small(const LpModel &lp, int scaled = 1, const char *types = "",
+                   int extended = 0)
         : model(lp_load(env.env, &lp))
     {
         const int count = int(strlen(types));
         EXPECT_EQ(TVXsetcharattrarray(model, "VType", 0, count, types), 0);
         EXPECT_EQ(TVXupdatemodel(model), 0);
-        EXPECT_EQ(settings_apply(TVXgetenv(model), {{"ScaleFlag", scaled}}), 0);
+        EXPECT_EQ(settings_apply(TVXgetenv(model),
+                                 {{"ScaleFlag", scaled}, {"Quad", extended ? 1 : -1}}),
+                  0);
         EXPECT_EQ(SimplexOptimize(&s, model.model->body, model.model->env, {}), 0);
         EXPECT_EQ(simplex_go_live(s), 0);
     }
@@ -116,19 +120,27 @@ TEST(Resolve, strong_branching_knows_the_rows_appended_since_the_last_solve)
     strong_branch_close(branch);
 }
 
-// min x + c g    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1, then at
-// 1e7. With z basic, g has the reduced cost c within the tolerance.
+// min x + c g + 1e-7 k    x + y >= 4    g + z = k    0 <= x <= 10, 0 <= y <= 1, 0 <= g, 0 <= z <= 1e8; k is fixed at 1,
+// then at 1e7, by a solve and by a probe. With z basic, g has the reduced cost c within the tolerance.
 TEST(Resolve, reduced_costs_within_the_tolerance_do_not_move_the_optimum)
 {
     for (const double c : {-5e-9, -2e-8}) {
         Small lp(
-            lp_make({{1, 0, 10}, {0, 0, 1}, {c, 0, LP_INFINITY}, {0, 0, 1e8}, {0, 1, 1}},
+            lp_make({{1, 0, 10}, {0, 0, 1}, {c, 0, LP_INFINITY}, {0, 0, 1e8}, {1e-7, 1, 1}},
                     {{{1, 1}, '>', 4}, {{0, 0, 1, 1, -1}, '=', 0}}),
             0);
         lp.solve({4, 1, 1});
         const NodeBasis basis = lp.exchanged(2, 3, AT_LOWER);
         lp.solve({4, 1, 1}, &basis);
-        EXPECT_NEAR(lp.solve({4, 1e7, 1e7}).Value, 3 + c * 1e7, 1e-6) << c;
+        const double optimum = 3 + (1e-7 + c) * 1e7;
+        StrongBranch *branch = nullptr;
+        lp.solve({4, 1, 1e7});
+        ASSERT_EQ(strong_branch_open(lp.s, &branch), 0);
+        BranchOutcome probe;
+        ASSERT_EQ(strong_branch_probe(branch, 4, BranchSide::UP, 1e7, 1e100, &probe), 0);
+        strong_branch_close(branch);
+        EXPECT_NEAR(probe.Value, optimum, 1e-6) << c;
+        EXPECT_NEAR(lp.solve({4, 1e7, 1e7}).Value, optimum, 1e-6) << c;
     }
 }
 
@@ -145,4 +157,56 @@ TEST(Resolve, a_free_variable_of_either_sign_counts)
         lp.s->OptTol = 1e-6; // the first solve has reduced it
         EXPECT_NEAR(lp.solve({0, 0, 10}, &basis).Value, 3 - 0.05, 1e-6) << c;
     }
+}
+
+// min x + 2 y    x + y >= 4    x + y <= 8    x + 2 y <= 100    0 <= x, y <= 10; x and y basic with the last slack, in a
+// search that does not repair bases
+TEST(Resolve, a_singular_basis_that_may_not_be_repaired_ends_with_the_solve)
+{
+    Small lp(lp_make({{1, 0, 10}, {2, 0, 10}},
+                     {{{1, 1}, '>', 4}, {{1, 1}, '<', 8}, {{1, 2}, '<', 100}}));
+    ASSERT_EQ(settings_apply(TVXgetenv(lp.model),
+                             {{"TARV_PAR_STMPFIXES", 0}, {"TARV_PAR_EXACTNORM", 1}}),
+              0);
+    NodeBasis basis;
+    ASSERT_EQ(simplex_save_basis(lp.s, &basis), 0);
+    const char statuses[] = {0, 0, 1, 1, 0};
+    std::copy_n(statuses, sizeof statuses, basis.Statuses.data);
+    EXPECT_EQ(lp.solve({0, 0, 10}, &basis).Value, 4);
+    EXPECT_EQ(lp.solve({0, 0, 3}).Value, 5);
+}
+
+// min x + c g    x + y >= 2    h <= g    0 <= x <= 10, 0 <= y <= 1, 0 <= g <= 1e5, 0 <= h <= 1; c becomes negative
+TEST(Resolve, a_variable_may_cross_its_range_though_no_value_is_that_large)
+{
+    Small lp(lp_make({{1, 0, 10}, {0, 0, 1}, {1, 0, 1e5}, {0, 0, 1}},
+                     {{{1, 1}, '>', 2}, {{0, 0, -1, 1}, '<', 0}}));
+    simplex_change_cost(lp.s, 2, -1.5e-7);
+    EXPECT_NEAR(lp.solve({0, 0, 10}).Value, 1 - 0.015, 1e-6);
+}
+
+// min 1e5 x + 2e-6 g    x + y + 5e-10 g >= 4    g + h <= 1e9    0 <= x <= 100, 0 <= y <= 10, 0 <= g <= 1e6; y <= 1 makes
+// x basic, and g is worth its cost then, although its entry is no pivot. Further rows keep the factors for some updates.
+TEST(Resolve, entries_too_small_for_pivots_count_after_a_long_step)
+{
+    LpModel model = lp_make({{1e5, 0, 100}, {0, 0, 10}, {2e-6, 0, 1e6}, {0, 0, 1e9}},
+                            {{{1, 1, 5e-10}, '>', 4}, {{0, 0, 1, 1}, '<', 1e9}});
+    for (int k = 0; k < 200; k++)
+        lp_add_row_entries(&model, {{0, 0.001}, {lp_add_var(&model, 0, 0, 1), 1}}, '<', 5);
+    Small lp(model, 0);
+    lp.solve({1, 0, 10});
+    EXPECT_NEAR(lp.solve({1, 0, 1}).Value, 3e5 - 48, 0.01);
+}
+
+// min x    x - y = 0.3    0 <= y <= 10, in extended precision, then in double precision
+TEST(Resolve, tolerances_of_extended_precision_end_with_it)
+{
+    Small lp(lp_make({{1}, {0, 0, 10}}, {{{1, -1}, '=', 0.3}}), 1, "", 1);
+    NodeBasis basis;
+    ASSERT_EQ(simplex_save_basis(lp.s, &basis), 0);
+    lp.s->OptTol = lp.s->FeasTol = 1e-13; // as wrong signs and clean may leave them
+    lp.s->Env->Quad = -1;
+    EXPECT_EQ(lp.solve({1, 1, 10}, &basis).Status, TVX_OPTIMAL);
+    EXPECT_EQ(lp.s->Quad, 0);
+    EXPECT_GE(std::min(lp.s->OptTol, lp.s->FeasTol), 1e-9);
 }
