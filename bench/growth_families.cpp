@@ -134,7 +134,7 @@ void make_singleton_chain(GrowthModel *g, int64_t entries)
     g->reverse_rows();
 }
 
-// The same with a column that all rows share, which is no singleton's business.
+// The same with a column that stands in all rows, and so never becomes a singleton.
 void make_singleton_star(GrowthModel *g, int64_t entries)
 {
     const int n = static_cast<int>(entries / 4);

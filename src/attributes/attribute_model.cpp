@@ -9,8 +9,6 @@
 
 namespace
 {
-constexpr double UNSET_START = 1e101; // entry of a MIP start that was not set
-
 template<class T> T *out(void *values)
 {
     return static_cast<T *>(values);
@@ -141,11 +139,11 @@ int get_start(TVXmodel *model, int, ElementRange range, void *values)
 int set_start(TVXmodel *model, int, ElementRange range, const void *values)
 {
     if (!has_start(model))
-        TRY(array_assign(&model->mip_start, model->body->numvars, UNSET_START));
+        TRY(array_assign(&model->mip_start, model->body->numvars, START_UNSET));
     for (int k = 0; k < range.len; k++) {
         const double value = in<double>(values)[k];
         const bool defined = value > -UNDEFINED_VALUE && value < UNDEFINED_VALUE;
-        model->mip_start[element_at(range, k)] = defined ? value : UNSET_START;
+        model->mip_start[element_at(range, k)] = defined ? value : START_UNSET;
     }
     return 0;
 }

@@ -208,8 +208,8 @@ inline constexpr AttributeText rows[] = {
     {QUALITY, {"Kappa"}, NONE,
      "Condition of the scaled basis matrix in the 1-norm, estimated from below, as a rule within a factor of three: a "
      "number from 1 to 1e100, 1 for a model without constraints, 1e100 where the estimate is no smaller number. A basis "
-     "that proves to be singular when it is factored is mended first, with slacks in place of some variables, and the "
-     "condition is that of the mended one; no value where no factors can be made."},
+     "that proves to be singular when it is factored is repaired first, with slacks in place of some variables, and the "
+     "condition is that of the repaired one; no value where no factors can be made."},
     {QUALITY, {"N2Kappa"}, NONE, "The same as `Kappa` in the 2-norm, as a rule to a few digits."},
 
     {SENSITIVITY, {"SAObjLow", "SAObjUp"}, NONE,

@@ -16,15 +16,14 @@ static constexpr int64_t MODEL_ENTRY_LIMIT = 2000000000;
 // The model in the form that solvers read. Rows with sense '>' are stored negated (coefficients and rhs), so that every
 // inequality is <=; a maximise objective is stored negated.
 struct ModelBody {
-    int sense = 1;      // ModelSense: +1 minimise, -1 maximise
-    int numconstrs = 0; // rows, m
-    int numvars = 0;    // columns, n
-    int numnz = 0;      // matrix entries
-    int numsos = 0;     // SOS constraints
-    int numintvars = 0; // variables whose type is not 'C'
-    int numbinvars = 0; // variables of type 'B'
-    // -1 after any change; solvers test with it whether their record still matches
-    int solve_tag = -1;
+    int sense = 1;        // ModelSense: +1 minimise, -1 maximise
+    int numconstrs = 0;   // rows, m
+    int numvars = 0;      // columns, n
+    int numnz = 0;        // matrix entries
+    int numsos = 0;       // SOS constraints
+    int numintvars = 0;   // variables whose type is not 'C'
+    int numbinvars = 0;   // variables of type 'B'
+    int solve_tag = -1;   // -1 after any change; nothing sets or reads another value yet
     int row_flipped = -1; // +1 if at least one row has sense '>', else -1
 
     double objcon = 0;  // objective constant, negated for a maximise model

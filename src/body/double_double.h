@@ -4,8 +4,7 @@
 //             two-sum, a fused multiply-add for the product); it is kept as the low part.
 // Invariant   |low| is at most half a unit in the last place of high, so that high is the nearest double.
 // Accuracy    The error of a sum of n terms is at most n TWOFOLD_ROUNDING times the sum of their magnitudes. After
-// overflow
-//             the sum stays infinite or NaN.
+//             overflow the sum stays infinite or NaN.
 // Literature  D. E. Knuth, "The Art of Computer Programming 2", section 4.2.2.
 //             T. J. Dekker, "A floating-point technique for extending the available precision", Numer. Math. 18, 1971.
 #pragma once

@@ -2,8 +2,7 @@
 //
 // Senses   '=' and '>'; every other character is stored as given by the caller and counts as '<'.
 // Sides    A right-hand side of magnitude INFINITE_VALUE or more is infinite, as for bounds. In the body's form, where
-// a
-//          row is <= or =: a row <= plus infinity is free; a row <= minus infinity, or = with either, is infeasible.
+//          a row is <= or =: a row <= plus infinity is free; a row <= minus infinity, or = with either, is infeasible.
 #pragma once
 #include "body/body.h"
 

@@ -153,7 +153,7 @@ inline constexpr ParameterText rows[] = {
      "A file that is written after a solve; its ending says what: .sol, .bas, .mst, .mps, .lp, .rew, .rlp or .prm.",
      ""},
     {"Threads", YES, "",
-     "The most threads; the default is the number of processors of the machine. The linear solver uses one thread so far, "
+     "The most threads; the default is the number of processors that the program may use. The linear solver uses one thread so far, "
      "and 1 only keeps PreDual=both from presolving two forms.",
      "1 where no other thread may run."},
     {"Dummy", YES, "",
@@ -196,8 +196,8 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_NETIMPLIED", NOT_YET, ON_OFF, "Whether networks of continuous variables are taken as integer.", ""},
     {"TARV_PAR_PREPROBE", NOT_YET, "off=0", "How hard presolve probes binary variables.", ""},
     {"TARV_PAR_PREPROBE0", NOT_YET, ON_OFF, "Whether presolve probes the simple way.", ""},
-    {"TARV_PAR_PRETWOROWS", YES, "", "From 1 on presolve combines two rows to tighten bounds; Presolve=2 does so always.", ""},
-    {"TARV_PAR_PREBOUND", YES, ON_OFF, "Whether presolve tightens bounds by rows.", ""},
+    {"TARV_PAR_PRETWOROWS", YES, "", "From 1 on presolve adds equations to rows with nearly the same columns, so that entries cancel; Presolve=2 does so always.", ""},
+    {"TARV_PAR_PREBOUND", YES, ON_OFF, "Whether presolve derives bounds from rows: rows that these make redundant go, columns without bounds may get them.", ""},
     {"TARV_PAR_PRECOEFFICIENT", NOT_YET, ON_OFF, "Whether presolve tightens coefficients.", ""},
     {"TARV_PAR_PRECLIQUE", NOT_YET, "off=0", "Whether presolve finds and merges cliques.", ""},
     {"TARV_PAR_PRECLIQSUB", NOT_YET, ON_OFF, "Whether presolve uses cliques to strengthen rows.", ""},

@@ -3,8 +3,9 @@
 // Problem     Write any basis by names, so that it is read back exactly.
 // Form        Lines of a key in columns 2-3 and names. Columns and rows not mentioned have their default status: rows
 //             basic, columns nonbasic at their lower bound, free columns superbasic (nonbasic at 0).
-//               XL, XU  column row    the column is basic, the row is not: a basis has as many of the one as of the
-//               other UL      column        nonbasic at its upper bound
+//               XL, XU  column row    the column is basic, the row is not: there are as many basic columns as
+//                                     nonbasic rows
+//               UL      column        nonbasic at its upper bound
 //               LL      column        nonbasic at its lower bound, said of free columns
 //               SB      column        superbasic, said of columns that are not free
 //             Lines with other keys, and lines that do not begin with a blank, are skipped; E ends the file.

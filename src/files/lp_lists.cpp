@@ -3,8 +3,7 @@
 // Types       Lists of names. Their order means nothing: integer and semi-continuous make semi-integer, binary and
 //             general make binary. A binary variable lies between 0 and 1, or within narrower bounds that a line gives.
 // Sets        "name: S1:: x:1 y:2", the name may be missing. What cannot be understood is an error, not a warning: a
-// set
-//             with fewer members is another model.
+//             set with fewer members is another model.
 #include "files/lp_names.h"
 
 // ---- Types ----

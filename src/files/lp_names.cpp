@@ -109,11 +109,6 @@ const char *const foreign[] = {
     "RANGES",  "RHS",  "INDICATOR",  "INDICATORS",  "PWLOBJ",   "DISCRETE", "CONTINUOUS",
     "SUBJECT", "SUCH", "CONSTRAINT", "CONSTRAINTS", "VARIABLES"};
 
-char capital(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 // One or two characters are wrong, missing, too many, or two neighbours have changed places.
 constexpr int64_t LONG_WORD = 6; // from here on two faults are forgiven, else one
 

@@ -10,8 +10,7 @@
 // Names       The model's own where they are names in this format and different; others by number.
 // Constant    A term on "Constant", which a bound fixes at 1; a plain number when a variable has that name.
 // Bounds      Omitted if they are 0 and infinite, for binary variables 0 and 1. With an upper bound below 0 the lower
-// bound
-//             is always written, since a reader may take a missing one as infinite.
+//             bound is always written, since a reader may take a missing one as infinite.
 #include "files/file_names.h"
 #include "files/file_number.h"
 #include "files/files.h"

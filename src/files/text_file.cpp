@@ -26,11 +26,6 @@ constexpr int64_t COMPRESSION_ESTIMATE = 5;
 
 // First allocation; grows only as data arrive.
 constexpr int64_t LARGEST_ESTIMATE = 1 << 28;
-
-char capital(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 } // namespace
 
 bool span_is_word(TextSpan span, const char *word)

@@ -25,6 +25,11 @@ inline char line_char(char c)
 {
     return static_cast<unsigned char>(c) < ' ' && c != '\t' ? ' ' : c;
 }
+// Of ASCII letters, whatever the locale.
+inline char capital(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 // To the next white space, or end.
 inline const char *skip_word(const char *p, const char *end)
 {

@@ -6,7 +6,7 @@
 
 // States   closed   file.stream is null
 //          open     writes are collected in buffer; the first failure is remembered in `failed`, later writes do
-//          nothing
+//                   nothing
 // text_out_close is the only way out of open.
 struct TextOut {
     FileHandle file;

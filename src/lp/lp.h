@@ -1,4 +1,4 @@
-// lp.h -- the face of this room: LpSolve, the solve of one linear program, and what may be asked of it
+// lp.h -- the interface of this folder: LpSolve, the solve of one linear program, and what may be asked of it
 //
 // LpSolve::status     what it means                                         set by
 //   TVX_LOADED        nothing is solved                                     lp_set_loaded, lp_drop, lp_bound_changed
@@ -18,7 +18,6 @@ struct LpForm;  // lp_form.h
 struct LpClaim; // presolve/presolve.h
 
 struct LpResult {
-    double runtime = 0;   // seconds
     int has_point = 0;    // x holds the point of a solver that leaves no simplex record
     int has_duals = 0;    // and pi its duals
     Array<double> x;      // [numvars]
@@ -35,7 +34,7 @@ struct LpSolve {
     TVXenv *env = nullptr;           // likewise
     int status = 0;
     double work = 0; // deterministic effort of the last solve
-    // of a last solve that ran out of memory, for its closing line
+    // iterations of the last solve if it ran out of memory, for its closing line
     double lost_iterations = 0;
     sopt *simplex = nullptr;    // owned; on the body itself
     LpResult *result = nullptr; // owned; of the last solve
@@ -56,7 +55,7 @@ void lp_drop(LpSolve *lp); // all; status TVX_LOADED
 struct LpGiven {
     const int *statuses = nullptr; // [n + m], or null: none
     const double *norms = nullptr; // [n + m] dual pricing norms, or null
-    // than the last solve, so that it counts more than what that has left
+    // it was set after the last solve, and so counts more than what that has left
     bool newer = false;
 };
 // Solves the body from where the last solve ended, the given basis, or scratch. lp_log_result writes the lines of the

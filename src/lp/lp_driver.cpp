@@ -74,11 +74,10 @@ int open_result(LpSolve *lp)
     return 0;
 }
 
-void publish(LpSolve *lp, double start)
+void publish(LpSolve *lp)
 {
     LpResult *result = lp->result;
     lp->version++;
-    result->runtime = WallClock() - start;
     if (!lp->simplex) return;
     result->objval = turned(lp->body->sense, simplex_objective(lp->simplex));
     result->itercount = simplex_iterations(lp->simplex);
@@ -114,7 +113,6 @@ int solve_from(LpSolve *lp, LpStart *start)
 
 int solve(LpSolve *lp, const LpGiven &given)
 {
-    const double begin = WallClock();
     LpStart start;
     TRY(lp_start_choose(lp, given, &start));
     TRY(open_result(lp));
@@ -125,7 +123,7 @@ int solve(LpSolve *lp, const LpGiven &given)
     } else {
         TRY(solve_from(lp, &start));
     }
-    publish(lp, begin);
+    publish(lp);
     return 0;
 }
 

@@ -1,4 +1,4 @@
-// mip.h -- the face of this room: the solve of one mixed-integer program
+// mip.h -- the interface of this folder: the solve of one mixed-integer program
 #pragma once
 #include "body/body.h"
 #include "body/quality.h"

@@ -34,7 +34,8 @@ static constexpr int STATUS_UNSET = -10; // entry of `statuses` that nobody has 
 struct WarmStart {
     int count = 0; // numvars the arrays were made for; negative: stale
     int kind = WARM_NONE;
-    int repair = 0; // coefficients of basic columns changed: the factor may need mending
+    // coefficients of basic columns changed; nothing reads it yet, as a start is factored anyway
+    int repair = 0;
     // [numvars + numconstrs] >= 0 basic, -1 lower, -2 upper, -3 superbasic
     Array<int> statuses;
     // [numvars + numconstrs] dual pricing norms given by a caller, or empty
@@ -48,7 +49,7 @@ struct TVXmodel {
     int busy = 0;                  // TVXoptimize is running
     uintptr_t callback_thread = 0; // that runs a user callback on this model, or 0
     int signal_set = 0;            // TVXsetsignal was called for this solve
-    double run_time = 0;           // its length
+    double run_time = 0;           // seconds of the last solve
     int64_t size_estimate = 0;     // 13 per variable + 7 per constraint + 23 per nonzero
     ModelBody *body = nullptr;
     TVXenv *env = nullptr;

@@ -9,12 +9,10 @@
 //               boxed                                 A_j y - q_j <= c_j,  q_j >= 0 pays the range of the box
 //             where x_j is measured from its bound, so b' = b - sum of a_j bound_j. Fixed columns only shift b'.
 // Postsolve   The slack of row j (or q_j) is the reduced cost of column j: basic in the dual means nonbasic in the
-// model
-//             and conversely; y_i basic means that the slack of row i is nonbasic.
+//             model and conversely; y_i basic means that the slack of row i is nonbasic.
 // Proofs      A ray of the dual has y <= 0 for inequalities, -A_j y of the sign of the bounds of column j and a
-// positive
-//             b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows that
-//             prove it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
+//             positive b' y - range q: the multipliers -y prove the model infeasible. Multipliers r of the dual's rows
+//             that prove it infeasible have A r <= 0, or = 0, and c r < 0; q_j forbids them for boxed columns: a ray.
 // Literature  V. Chvatal, Linear Programming, 1983, chapter 9.
 #include "presolve/dualise.h"
 #include "body/build.h"

@@ -27,8 +27,8 @@ constexpr int STOP = -1; // the step limit is reached: build the reduced model n
 // Options of a run, resolved.
 struct Plan {
     bool network = false, dual = false, bound = false, parallel = false, aggregate = false;
-    int two_rows = 0, dependent = 0, passes = 0;
-    bool dual_always = false;
+    int dependent = 0, passes = 0;
+    bool two_rows = false, dual_always = false;
 };
 
 using Reduction = int (*)(PresolveWork *);
@@ -135,7 +135,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
     TRY(pre_activity(w));
     const bool dependent_rows = pass == 0 && (plan->dependent & 1),
                dependent_cols = pass == 0 && (plan->dependent & 2) && plan->dual;
-    return run_wanted(w, {{plan->two_rows != 0, pre_two_rows},
+    return run_wanted(w, {{plan->two_rows, pre_two_rows},
                           {dependent_rows, pre_dependent_rows},
                           {dependent_cols, pre_dependent_cols}});
 }

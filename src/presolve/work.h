@@ -3,7 +3,7 @@
 // Matrix      Entries are nodes of one pool, each in a list of its row and a list of its column. A deleted entry has
 //             col == -1 and stays in both lists until they are swept; loops over a list have to skip it.
 // Rows        a x <= b ('<') or a x = b ('=').
-// States of a row      RowCnt >= 0 live with that many entries; ROW_GONE and below: removed
+// States of a row      RowCnt >= 0 live with that many entries; else removed: a RowState
 //           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
 // Contract of a reduction   takes the record, returns a PresolveEnd or OUT_OF_MEMORY; pushes an undo record before it
 //             removes anything that postsolve needs; keeps activities and counts up to date; marks the rows and columns
@@ -15,6 +15,7 @@
 #include "env/limits.h"
 #include "presolve/presolve.h"
 #include "presolve/undo.h"
+#include <cmath>
 
 // activities of longer rows are recomputed later, by sum_stale
 static constexpr int LONG_STALE_ROW = 1000;
@@ -162,6 +163,13 @@ inline bool is_live_col(const PresolveWork *w, int j)
 inline bool is_integer(const PresolveWork *w, int j)
 {
     return w->VType.size > 0 && w->VType.data[j] != 'C';
+}
+
+static constexpr double INTEGRAL =
+    1e-10; // a coefficient this close to an integer counts as one
+inline bool is_integral(double v)
+{
+    return std::fabs(v - std::round(v)) <= INTEGRAL;
 }
 
 // Entries of a row or a column without the deleted ones:

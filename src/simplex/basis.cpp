@@ -232,7 +232,6 @@ template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork
         const double d = static_cast<double>(w->Cbar.data[j]);
         const double gap = status == AT_LOWER ? -d : status == AT_UPPER ? d : std::fabs(d);
         if (gap <= 0) continue;
-        inf.DualMax = std::max(inf.DualMax, gap);
         if (gap > s->OptTol) {
             inf.DualSum += gap;
             inf.DualCount++;

@@ -26,7 +26,7 @@ constexpr double WIDEN = 10; // growth of the step up to which breakpoints are c
 // A pivot is large enough with this share of the largest entry of all groups, or with size GOOD_PIVOT.
 constexpr double GOOD_SHARE = 0.1;
 constexpr double GOOD_PIVOT = 1.0;
-// With NonDegenFlip a reduced cost changes its sign if it becomes more negative than this share of OptTol.
+// With TARV_PAR_NONDEGENFLIP a reduced cost changes its sign if it becomes more negative than this share of OptTol.
 constexpr double NONDEGENERATE_SHARE = 1e-3;
 
 template<class R> void swap_candidates(dopt<R> *d, int a, int b)
@@ -252,7 +252,7 @@ template<class R> void count_ignored(sopt *s, const swork<R> *w, R small, int be
     }
 }
 
-// The variables to flip. With NonDegenFlip only those whose reduced cost changes its sign.
+// The variables to flip. With TARV_PAR_NONDEGENFLIP only those whose reduced cost changes its sign.
 template<class R> void list_flips(const sopt *s, swork<R> *w, int flip_end, int best)
 {
     dopt<R> *d = w->Dual;

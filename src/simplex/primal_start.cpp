@@ -5,8 +5,7 @@
 // Method      Columns replace such slacks where the values follow without a factorisation. Columns are tried in one
 //             order: free ones first, then by cost.
 //             singletons  a column with one entry and no upper bound replaces the slack of its equation, first where
-//             its
-//                         value is within its bounds, then anywhere. It also replaces the slack of a violated
+//                         its value is within its bounds, then anywhere. It also replaces the slack of a violated
 //                         inequality.
 //             triangle    a short column without entries in rows closed in this step enters in an equation that it can
 //                         satisfy with a value within its bounds; of several equations in the one with the fewest

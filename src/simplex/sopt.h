@@ -164,8 +164,8 @@ struct sopt : SimplexCounters {
     int Quad = 0;                   // 1: extended precision is live
     int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
     int Perturbed = PERTURBED_NONE; // Perturbation
-    int Unclean =
-        0; // times in a row that simplex_clean has found the optimum of an unchanged LP wanting
+    // how often in succession simplex_clean has not returned OPTIMAL while the LP did not change
+    int Unclean = 0;
     // With PERTURBED_SINGLE: the variables whose costs are shifted, some twice; more than MOST_SHIFTS are not listed.
     int ShiftCount = 0, Shifted[MOST_SHIFTS] = {};
     int BoxPhase = 0; // the dual simplex solves the box problem of phase 1: Rhs counts as 0
@@ -174,9 +174,9 @@ struct sopt : SimplexCounters {
     // A limit stopped the last run. The next run continues with the same method and the same perturbation: otherwise it
     // could undo the pivots of the last one, and a sequence of short runs might never reach the optimum.
     int Stopped = 0;
-    SimplexMethod AskedMethod = METHOD_PRIMAL,
-                  StoppedMethod = METHOD_PRIMAL; // asked for by the caller; that ran
-    int StoppedPerturb = 0;                      // PerturbAllowed of the stopped run
+    // of the stopped run: the method that the caller asked for, the one that was running at its end
+    SimplexMethod AskedMethod = METHOD_PRIMAL, StoppedMethod = METHOD_PRIMAL;
+    int StoppedPerturb = 0; // PerturbAllowed of the stopped run
     // Empty, or what was added to the costs [NumVars] (dual), or to lower and then upper bounds [2 NumVars] (primal).
     Array<double> StoppedShift;
     // Empty, or [NumVars] nonbasics at their upper bound of the box problem.
@@ -490,7 +490,7 @@ template<class R> void popt_free(popt<R> **p);
 // Sums of infeasibilities against the true bounds and costs, and the true objective (user units, without offset).
 struct Infeasibility {
     double PrimalSum = 0, PrimalMax = 0;
-    double DualSum = 0, DualMax = 0;
+    double DualSum = 0;
     int PrimalCount = 0, DualCount = 0;
 };
 template<class R> Infeasibility measure_infeasibility(const sopt *s, const swork<R> *w);

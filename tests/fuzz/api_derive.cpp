@@ -32,8 +32,7 @@ double branch_value(LpModel lp, int j, double d, bool down)
 }
 
 // The best value of a derived model must be that of its source. Its numbers are rounded, so that no exact judge can
-// tell:
-// the library solves it under default parameters.
+// tell: the library solves it under default parameters.
 std::string same_optimum(TVXmodel *made, const RationalResult *truth)
 {
     LpSolution solution;

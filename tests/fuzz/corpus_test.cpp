@@ -6,7 +6,7 @@
 #include "support/scratch.h"
 #include "support/settings.h"
 
-// No program asks for output, and no file is read aloud that is read by a silent environment.
+// Programs leave OutputFlag at 0 and files are read by a silent environment: nothing may be printed.
 static std::string run_silently(const std::string &kind, const std::string &bytes)
 {
     Output output;

@@ -325,7 +325,7 @@ TEST(Lu, solves_and_updates_satisfy_the_equations)
     check_random_bases<long double>(1e-11); // more accurate
 }
 
-// A deficient basis names as many rows as columns; slacks of those rows in those positions mend it.
+// A deficient basis names as many rows as columns; slacks of those rows in those positions repair it.
 TEST(Lu, singular_basis_is_mended_by_the_slacks_it_names)
 {
     for (uint64_t seed = 1; seed <= 20; seed++) {

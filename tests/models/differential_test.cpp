@@ -2,7 +2,7 @@
 //
 // Models of all generated families. Every optimal answer passes the optimality checker, every planted truth must be
 // found, and where there are two ways to solve one model (methods, reductions, changes against a fresh start, a copy, a
-// basis taken along, a second run, threads side by side) both must agree.
+// second run, threads side by side) both must agree. Given bases are those of fuzz/api_query.cpp and model_update_test.
 //   TARVEX_DIFFERENTIAL_COUNT=n    models per test (104)
 #include "model/model.h"
 #include "models/changes.h"
@@ -52,14 +52,6 @@ static std::string solve_checked(TVXmodel *model, const LpModel *lp, LpSolution 
     if (const int error = lp_solve(model, solution))
         return "error " + std::to_string(error) + ": " + TVXgetmerrormsg(model);
     return solution->status == TVX_OPTIMAL ? judge_optimal(lp, solution) : "";
-}
-
-static std::string solve_fresh(TVXenv *env, const LpModel *lp, const Settings &settings,
-                               LpSolution *solution)
-{
-    const TestModel model(lp_load(env, lp));
-    if (!model || settings_apply(TVXgetenv(model), settings)) return "load failed";
-    return solve_checked(model, lp, solution);
 }
 
 static std::string differs(const LpSolution &a, const LpSolution &b)
@@ -140,25 +132,6 @@ TEST(Differential, solves_after_changes_agree_with_fresh_ones)
         expect_agreement_through_changes(&dice, lp_load(env.env, &s.g.lp),
                                          {{"Presolve", presolve}});
         ASSERT_FALSE(testing::Test::HasFatalFailure());
-    }
-}
-
-// Any other basis finds the truth, too: fuzz/api_query.cpp sets them.
-TEST(Differential, from_an_optimal_basis_no_iteration_is_needed)
-{
-    const TestEnv env;
-    for (int seed = 0; seed < subject_count(); seed++) {
-        Dice dice(seed + 4000000);
-        const Subject s = make_subject(seed, &dice);
-        LpSolution first, second;
-        ASSERT_EQ(solve_fresh(env.env, &s.g.lp, method(1, 0), &first), "") << s.text();
-        if (first.status != TVX_OPTIMAL) continue;
-        const TestModel model(lp_load(env.env, &s.g.lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(model), method(dice.range(0, 1), 0)), 0);
-        ASSERT_EQ(lp_set_basis(model, first.vbasis, first.cbasis), 0);
-        ASSERT_EQ(solve_checked(model, &s.g.lp, &second), "") << s.text();
-        ASSERT_EQ(truth_missed(s.g, second, false), "") << s.text();
-        ASSERT_EQ(second.iterations, 0) << s.text();
     }
 }
 

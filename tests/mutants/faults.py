@@ -221,7 +221,7 @@ FAULTS = [
           "dual_status[row++] = status[j] < 0 && !at_box ? 0 : -1;", "dual_status[row++] = status[j] < 0 ? 0 : -1;"),
     Fault("src/presolve/crush.cpp", "rows of the reduced model get statuses of columns", "Crush.*",
           "full[result->NumCols + i];", "full[i];"),
-    Fault("src/presolve/crush.cpp", "a mended basis lacks a basic variable", "Crush.*",
+    Fault("src/presolve/crush.cpp", "a repaired basis lacks a basic variable", "Crush.*",
           "for (int k = n + m - 1; k >= n && basic < m; k--)", "for (int k = n + m - 1; k >= n && basic < m - 1; k--)"),
     Fault("src/presolve/claim.cpp", "the proof from dependent rows has wrong signs", "Reductions.*",
           "add_row(w, rows[k].line, -sign * rows[k].factor)", "add_row(w, rows[k].line, sign * rows[k].factor)"),

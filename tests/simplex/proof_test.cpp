@@ -98,7 +98,8 @@ TEST_F(Proof, a_ray_gains_and_meets_nothing)
     EXPECT_FALSE(unbounded(far_end(-1, 1, LP_INFINITY))) << "the row blocks x alone";
 }
 
-// The factors are those of other numbers, as after many updates: solving again mends little, and sees much.
+// The factors are those of other numbers, as after many updates: solving again corrects small errors and shows large
+// ones.
 TEST_F(Proof, a_ray_by_wrong_factors_is_mended_or_refused)
 {
     for (const double wrong : {1.0, 1 + 1e-6, 3.0}) {

@@ -1,4 +1,4 @@
-// stall_test.cpp -- the remedies of a run that does not get on: their order, when they come, and that they end
+// stall_test.cpp -- the remedies of a run that makes no progress: their order, when they come, and that they end
 #include "simplex/primal.h"
 #include "support/model_test.h"
 #include <gtest/gtest.h>

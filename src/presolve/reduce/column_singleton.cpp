@@ -8,8 +8,7 @@
 //             The remaining row is brought to '<' and, if |a| < 1, to the units of x_j, so that its tolerance is one of
 //             x_j.
 // Postsolve   x_j = (b - rest) / a. With y' the dual value of the remaining row, y = y' + c_j / a, and the column
-// replaces
-//             the slack of that row: basic if the slack is basic, otherwise at the bound that became the row.
+//             replaces the slack of that row: basic if the slack is basic, otherwise at the bound that became the row.
 // Invariant   Implied bounds are computed from the current bounds of the other columns, which are kept.
 // Cost        O(length of the row) per column removed. Of the slacks of an inequality one is removed; the others are
 //             dominated then.

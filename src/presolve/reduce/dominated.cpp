@@ -3,8 +3,8 @@
 // Method      All rows of the column are inequalities that are relaxed by moving it in one direction. For any values of
 //             the other columns all of them are satisfied if it is moved far enough: rows and column are removed.
 // Postsolve   The column is moved as far as its rows and its bound on the other side require. If a row requires most,
-// its
-//             slack is nonbasic with dual value 0 and the column basic; otherwise the column is nonbasic at its bound.
+//             its slack is nonbasic with dual value 0 and the column basic; otherwise the column is nonbasic at its
+//             bound.
 // Invariant   No row is removed if the entry of the column is tiny relative to the largest of the row, as the value of
 //             the column could become huge.
 // Cost        O(entries of the rows)

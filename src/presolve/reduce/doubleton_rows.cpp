@@ -7,9 +7,9 @@
 //             processed while it is mapped, also those that it gets by a substitution, so that stars and chains of
 //             doubletons are reduced in one pass.
 // Postsolve   The record is below that of the substitution, so x is basic when it is undone. If y is nonbasic at a
-// bound
-//             transferred from x, x is at its own bound: y becomes basic instead of x, and the dual value of the row
-//             takes over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of x.
+//             bound transferred from x, x is at its own bound: y becomes basic instead of x, and the dual value of the
+//             row takes over the reduced cost d of y: y_r += d / b, d_x = -a d / b, whose sign is that of the bound of
+//             x.
 // Cost        O(length of y) per y, O(length of x) per x; O(length of y) if its bounds have changed.
 #include "presolve/claim.h"
 #include "presolve/errors.h"

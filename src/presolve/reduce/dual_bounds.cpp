@@ -6,10 +6,10 @@
 //             propagated like rows. A column whose reduced cost is then bounded away from zero is at its bound in every
 //             optimum, and a row whose dual value is bounded away from zero is tight.
 // Safety      All inequalities are widened by OptTol, which is also the smallest distance of a reduced cost or dual
-// value
-//             to zero: so the conclusions hold for every solution that is dual feasible within the tolerance. Columns
-//             and signs of rows that a conclusion depends on are kept (bound_origins.cpp), and bounds that were counted
-//             as infinite for it are removed from the model. Therefore the conclusions hold for the reduced model.
+//             value to zero: so the conclusions hold for every solution that is dual feasible within the tolerance.
+//             Columns and signs of rows that a conclusion depends on are kept (bound_origins.cpp), and bounds that were
+//             counted as infinite for it are removed from the model. Therefore the conclusions hold for the reduced
+//             model.
 // Postsolve   A fixed column is nonbasic at its bound with a reduced cost of that sign (fix.cpp); a row that became an
 //             equation is tight and has a dual value with the sign of an inequality. No undo record is needed.
 // Cost        O(entries) for each of a few rounds.

@@ -7,8 +7,7 @@
 //             X. Columns of equal price are merged (merged_columns.cpp). An implied bound is removed from the model
 //             first if that allows a column to be fixed: then no other reduction can depend on it.
 // Postsolve   That of fixing and of merging. The difference of the prices gives the reduced cost of the fixed column
-// its
-//             sign.
+//             its sign.
 // Cost        That of finding the classes, and O(class log class).
 #include "presolve/claim.h"
 #include "presolve/errors.h"

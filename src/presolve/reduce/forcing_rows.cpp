@@ -3,8 +3,7 @@
 // Method      If the minimal activity of a x <= b equals b (or the maximal activity of an equation does), every column
 //             is fixed at the bound that gives this activity.
 // Postsolve   All columns are nonbasic. The dual value of the row corrects reduced costs of the wrong sign: the column
-// that
-//             needs the largest one becomes basic, and the slack of the row nonbasic.
+//             that needs the largest one becomes basic, and the slack of the row nonbasic.
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"
 

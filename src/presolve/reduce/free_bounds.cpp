@@ -8,8 +8,7 @@
 //             outwards by a share, so that no feasible point is at it. The primal simplex gets none (9 % more
 //             iterations with them on Netlib); the dual simplex has 6 % fewer on Netlib, Kennington and Meszaros.
 // Postsolve   Such a bound is not active at a feasible point, so that in an optimal basis no column is at it. A proof
-// that
-//             the reduced model is infeasible may use it: then the propagation is repeated to find its origins.
+//             that the reduced model is infeasible may use it: then the propagation is repeated to find its origins.
 // Cost        O(entries) for each of a few rounds.
 // Literature  R. E. Bixby, "Solving real-world linear programs: a decade and more of progress", Operations Research 50,
 //             2002, on boxed columns and the dual simplex.

@@ -3,9 +3,8 @@
 // Method      a_p x_p + a_q x_q = a_p (x_p + f x_q) if a_q = f a_p. The sum replaces x_p; its bounds are the sums of
 //             the bounds.
 // Postsolve   If the sum is at a bound both columns are at theirs. Otherwise one of them is set to a bound such that
-// the
-//             other one, which gets the status of the sum, is within its bounds: possible unless no bound is finite.
-//             Reduced costs are d_q = f d_p.
+//             the other one, which gets the status of the sum, is within its bounds: possible unless no bound is
+//             finite. Reduced costs are d_q = f d_p.
 // Cost        O(entries of q).
 #include "presolve/reduce/merged_columns.h"
 #include "presolve/errors.h"

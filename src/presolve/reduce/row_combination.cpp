@@ -3,9 +3,8 @@
 // Method      The feasible set does not change, since the equation holds. Entries that cancel up to rounding are
 //             deleted.
 // Postsolve   A^T y does not change if factor times the dual value of the other row is added to that of the equation.
-// For
-//             that the slack of the equation must not be basic. If it is, and at most one column of the row is basic,
-//             the column whose reduced cost reaches zero first becomes basic instead.
+//             For that the slack of the equation must not be basic. If it is, and at most one column of the row is
+//             basic, the column whose reduced cost reaches zero first becomes basic instead.
 // Cost        O(entries of both rows).
 #include "presolve/reduce/row_combination.h"
 #include "presolve/errors.h"

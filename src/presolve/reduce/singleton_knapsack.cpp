@@ -19,8 +19,6 @@ constexpr double LARGE_BOUND = 1e10; // a lower bound beyond counts as infinite
 // tolerances by which the relaxation must exceed the need
 constexpr double SPARE = 10;
 
-constexpr double INTEGRAL = 1e-10;
-
 struct Relief {
     double price, amount; // per unit of relief; at most
     int col;
@@ -36,11 +34,6 @@ struct RowNeed {
     bool others_integral = true;
     bool bounded = true;
 };
-
-bool is_integral(double v)
-{
-    return std::fabs(v - std::round(v)) <= INTEGRAL;
-}
 
 bool is_candidate(const PresolveWork *w, int j, double t)
 {

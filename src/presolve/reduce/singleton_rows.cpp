@@ -6,8 +6,7 @@
 //             in the choice of a pivot; one with a tiny entry is kept, as the error of the value would affect other
 //             rows.
 // Postsolve   If the column is nonbasic at the bound that the row gave, the row takes over its reduced cost as dual
-// value,
-//             and the column becomes basic instead of the slack of the row.
+//             value, and the column becomes basic instead of the slack of the row.
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 #include "presolve/postsolve.h"

@@ -5,21 +5,11 @@
 // In          A column without bounds, or whose bounds are implied by the rows and the bounds of other columns. The row
 //             may be an inequality if its dual value will have the right sign at equality.
 // Postsolve   x_j from the row; the dual value of the row is the one that makes the reduced cost of x_j zero; x_j is
-// basic
-//             instead of the slack of the row. Reduced costs of other columns and dual values of other rows do not
-//             change: with y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k already.
+//             basic instead of the slack of the row. Reduced costs of other columns and dual values of other rows do
+//             not change: with y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k
+//             already.
 #include "presolve/postsolve.h"
 #include <cmath>
-
-namespace
-{
-constexpr double INTEGRAL = 1e-10; // off an integer
-
-bool is_integral(double v)
-{
-    return std::fabs(v - std::round(v)) <= INTEGRAL;
-}
-} // namespace
 
 bool keeps_integers(const PresolveWork *w, int p)
 {
