@@ -244,8 +244,8 @@ template<class R> [[nodiscard]] int lu_journal_record(lufact<R> *lu, int r);
 template<class R> [[nodiscard]] int lu_grow(lufact<R> *lu, int num_rows);
 template<class R> [[nodiscard]] int lu_append_row(lufact<R> *lu, int i, SVec<R> *row);
 
-// lu_delete.cpp. Rows and the positions of their slacks leave the basis matrix. number[i]: new number of row i, in the old
-// order, or -1: deleted. False, and nothing is changed, if the factors of the rest do not stand apart.
+// lu_delete.cpp. Rows and the positions of their slacks leave the basis matrix. number[i]: new number of row i, in the
+// old order, or -1: deleted. False, and nothing is changed, if the factors of the rest do not stand apart.
 template<class R> bool lu_delete_rows(lufact<R> *lu, const int *number);
 
 // lu_negate.cpp. The column at position r of the basis matrix changes its sign.

@@ -144,14 +144,12 @@ template<class R> double dual_sign_gap(const sopt *s, const swork<R> *w, int j)
         return 0;
     }
 }
-// Counts the gap of one more reduced cost in SignError or SignOpen. Ranges up to RANGE_COUNTED, in user units, count as
-// they are, since a variable may cross its range though no basic value is that large.
-constexpr double RANGE_COUNTED = 1e6;
+// Counts the gap of one more reduced cost in SignError or SignOpen.
 inline void dual_count_sign(sopt *s, int j, double gap)
 {
     if (gap <= 0) return;
     const double range = s->WorkUpper.data[j] - s->WorkLower.data[j];
-    if (range <= s->ValueSize || range * user_unit(s, j) <= RANGE_COUNTED)
+    if (counts_range(s, j, range, s->ValueSize))
         s->SignError += gap * range;
     else
         s->SignOpen += gap;

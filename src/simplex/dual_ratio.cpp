@@ -233,8 +233,8 @@ void count_sign_errors(sopt *s, const swork<R> *w, int flip_end, int groups, int
     }
 }
 
-// A long step gives a reduced cost a wrong sign of any size through an entry that is too small for a candidate. It counts
-// as noise, so that a live record computes its reduced costs anew and repairs the signs.
+// A long step gives a reduced cost a wrong sign of any size through an entry that is too small for a candidate. It
+// counts as noise, so that a live record computes its reduced costs anew and repairs the signs.
 template<class R> void count_ignored(sopt *s, const swork<R> *w, R small, int best)
 {
     const dopt<R> *d = w->Dual;

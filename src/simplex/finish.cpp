@@ -52,7 +52,8 @@ template<class R> UserViolations measure_violations(const sopt *s, const swork<R
                                                   : std::fabs(d);
         const double gap = std::max(0.0, wrong);
         take_largest(&dual, gap / (user_unit(s, j) * s->ObjScale), gap);
-        dual.ObjectiveError += gap * std::min(value, s->Upper.data[j] - s->Lower.data[j]);
+        const double range = s->Upper.data[j] - s->Lower.data[j];
+        dual.ObjectiveError += gap * (counts_range(s, j, range, value) ? range : value);
     }
     const double objective =
         s->ObjScale * (1 + std::fabs(true_objective(s, w) + s->ObjOffset));

@@ -25,8 +25,7 @@ constexpr double SUM_TRUST = 1000;
 // most.
 constexpr double AIM = 0.5, LEAST_STEP = 0.1;
 
-constexpr int SIGN_ROUNDS =
-    4; // further runs of the primal simplex, with smaller tolerances
+constexpr int SIGN_ROUNDS = 4; // further runs of the primal simplex, tolerances reduced
 
 constexpr int CLEAN_ROUNDS = 5; // solves that may follow an unclean point
 } // namespace
@@ -222,8 +221,8 @@ int solve_with_trouble(sopt *s, const ResolveCall &call, ResolveOutcome *out)
 {
     const double cutoff = s->Cutoff;
     TRY(recover(s, call.Iterations - s->NPvt, cutoff));
-    if (!is_final(
-            s->Status)) { // perhaps because tolerances were reduced, or the basis is singular
+    if (!is_final(s->Status)) {
+        // perhaps because tolerances were reduced, or the basis is singular
         s->FeasTol = s->Env->FeasibilityTol;
         s->OptTol = s->Env->OptimalityTol;
         if (!simplex_has_factor(s)) start_slack_basis(s);

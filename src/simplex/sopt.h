@@ -164,7 +164,7 @@ struct sopt : SimplexCounters {
     int Quad = 0;                   // 1: extended precision is live
     int InfeasCheckNeeded = 1;      // bounds changed since the last test for crossed bounds
     int Perturbed = PERTURBED_NONE; // Perturbation
-    // how often in succession simplex_clean has not returned OPTIMAL while the LP did not change
+    // How often in succession simplex_clean has not returned OPTIMAL while the LP did not change.
     int Unclean = 0;
     // With PERTURBED_SINGLE: the variables whose costs are shifted, some twice; more than MOST_SHIFTS are not listed.
     int ShiftCount = 0, Shifted[MOST_SHIFTS] = {};
@@ -234,6 +234,13 @@ inline double user_unit(const sopt *s, int j)
 {
     return j < s->NumCols ? std::fabs(s->ColScale.data[j])
                           : 1 / s->RowScale.data[j - s->NumCols];
+}
+// How far a nonbasic variable with a reduced cost of the wrong sign may move: across its range, if that is no larger
+// than `value`, the largest basic value, or RANGE_COUNTED in user units; else by `value` as an estimate.
+constexpr double RANGE_COUNTED = 1e6;
+inline bool counts_range(const sopt *s, int j, double range, double value)
+{
+    return range <= value || range * user_unit(s, j) <= RANGE_COUNTED;
 }
 // Smallest feasibility and optimality tolerance that the precision supports.
 inline double tolerance_floor(const sopt *s)

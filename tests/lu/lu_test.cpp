@@ -254,8 +254,8 @@ template<class R> void check_appended(Factored<R> *f, int rows, double limit, Di
     check_updates(f, std::min(old.m, 20), limit, dice);
 }
 
-// Rows whose slacks are basic in them are deleted. Where a slack is basic in another row, the factors refuse; fresh ones
-// have all slacks in their rows.
+// Rows whose slacks are basic in them are deleted. Where a slack is basic in another row, the factors refuse; fresh
+// ones have all slacks in their rows.
 template<class R> void check_deleted(Factored<R> *f, double limit, Dice *dice)
 {
     const Pool old = f->pool;

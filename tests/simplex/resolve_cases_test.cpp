@@ -185,8 +185,9 @@ TEST(Resolve, a_variable_may_cross_its_range_though_no_value_is_that_large)
     EXPECT_NEAR(lp.solve({0, 0, 10}).Value, 1 - 0.015, 1e-6);
 }
 
-// min 1e5 x + 2e-6 g    x + y + 5e-10 g >= 4    g + h <= 1e9    0 <= x <= 100, 0 <= y <= 10, 0 <= g <= 1e6; y <= 1 makes
-// x basic, and g is worth its cost then, although its entry is no pivot. Further rows keep the factors for some updates.
+// min 1e5 x + 2e-6 g    x + y + 5e-10 g >= 4    g + h <= 1e9    0 <= x <= 100, 0 <= y <= 10, 0 <= g <= 1e6; y <= 1
+// makes x basic, and g is worth its cost then, although its entry is no pivot. Further rows keep the factors for some
+// updates.
 TEST(Resolve, entries_too_small_for_pivots_count_after_a_long_step)
 {
     LpModel model = lp_make({{1e5, 0, 100}, {0, 0, 10}, {2e-6, 0, 1e6}, {0, 0, 1e9}},
