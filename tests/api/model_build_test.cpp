@@ -189,8 +189,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     refused(10002, no_vars, add_vars(3, beg, twice, nullptr));
     refused(10003, "Variable 1 has an unknown type (character code 0)",
             TVXaddvars(model, 2, 0, NONE, NONE, NONE, NONE, NONE, NONE, "C", NONE));
-    refused(10006, no_rows,
-            TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE)); // it is no element yet
+    refused(10006, no_rows, TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE)); // not yet
     refused(10018, no_rows, add_rows(twice, val, nullptr));
     refused(10002, no_rows, add_rows(twice, nullptr, nullptr));
     refused(10003, nan, add_rows(twice, val, bad));
@@ -225,8 +224,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
             EXPECT_EQ(code, 0);
     update();
     EXPECT_EQ(model_text(model), before);
-    EXPECT_EQ(TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE),
-              0); // it is an element now
+    EXPECT_EQ(TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE), 0); // but now
 }
 
 TEST_F(ModelBuild, queries_say_which_index_is_wrong)

@@ -105,8 +105,7 @@ TEST_F(CliAnswers, ASolutionFileHoldsValuesPricesAndBasis)
     EXPECT_THAT(file_get("plan.txt"), HasSubstr("\trhs\trhs_low\trhs_up\n"));
     run({"--solution=plan.txt", "--ranging", "Presolve=0", "IterationLimit=0", "plan.mps"});
     EXPECT_THAT(file_get("plan.txt"), HasSubstr("# Status 7 iteration limit\n"));
-    EXPECT_THAT(file_get("plan.txt"),
-                Not(HasSubstr("cost_low"))); // no ranges of such a point
+    EXPECT_THAT(file_get("plan.txt"), Not(HasSubstr("cost_low"))); // has no ranges
     run({"--solution=never.txt", "Presolve=0", "never.mps"});
     EXPECT_EQ(file_get("never.txt"), "# Solution of model never\n# Status 3 infeasible\n");
 }
@@ -118,8 +117,7 @@ TEST_F(CliAnswers, AModelIsConvertedAndTurnedRound)
     ends(0, {"--convert", "--minimize", "plan.mps", "least.lp"});
     EXPECT_THAT(file_get("least.lp"), HasSubstr("Minimize\n + 3 x + 2 y"));
     ends(0, {"--solution", "plan.lp"}, "# Objective value 11\nx 3\ny 1\n");
-    ends(0, {"--solution", "again"},
-         "# Objective value -11\n"); // MPS: minimised, signs turned
+    ends(0, {"--solution", "again"}, "# Objective value -11\n"); // MPS minimises
     ends(0, {"--solution", "--minimise", "plan.mps"}, "# Objective value 0\n");
     ends(0, {"--solution", "--maximize", "plan.mps"}, "# Objective value 11\n");
 }

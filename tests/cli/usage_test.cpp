@@ -104,7 +104,7 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
     std::filesystem::remove("tarvex.env");
     const auto files = std::filesystem::directory_iterator(".");
     EXPECT_EQ(std::distance(begin(files), end(files)),
-              6); // two models, two made above, two streams
+              6); // models, streams, two from above
 }
 
 TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)

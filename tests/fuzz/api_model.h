@@ -12,8 +12,7 @@ struct Watch {
     int at_call = 0;     // the call at which it does so, and tries what is forbidden
     bool queues = false; // at that call it also makes moves of the player
     int calls = 0;
-    bool busy =
-        false; // inside a call: what is logged by calls made there comes as one of its own
+    bool busy = false;  // inside a call: what calls made there log is heard as a call, too
     bool asked = false; // the solve was asked to stop
     std::string wrong;
 };

@@ -19,9 +19,8 @@ namespace
 constexpr double TIE = 1e-6;    // values closer than this to a limit are at it
 constexpr double BEYOND = 0.25; // a visible step for data that are small integers
 constexpr double FAR = 50;      // where a range has no end
-constexpr double NEAR = 1e-6,
-                 SAME = 1e-9;   // relative, of values that should agree, or differ
-constexpr double INSIDE = 1e-8; // ends are rounded, the judge is not
+constexpr double NEAR = 1e-6, SAME = 1e-9; // relative, of values that agree, or differ
+constexpr double INSIDE = 1e-8;            // ends are rounded, the judge is not
 
 // A number of the model that moves, and the line that the value follows.
 struct Mover {

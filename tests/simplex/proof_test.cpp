@@ -58,8 +58,7 @@ TEST_F(Proof, infeasibility_reaches_as_far_as_it_says)
         {0.01, 1e-15, false, false, true, true},   // a point at 1e13
         {0.01, 1e-13, false, false, false, true},  // at 1e11
         {0.01, 1e-10, false, false, false, false}, // at 1e8
-        {1e-6, 0, true, false, true,
-         false}, // shared by row and bound: within the tolerance
+        {1e-6, 0, true, false, true, false},       // row and bound give half of it each
         {4e-6, 0, true, true, true, true},
         {3e-9, 0, true, false, true, false},
         {1.5e-9, 0, false, false, true, false}, // violations below 1e-9 each

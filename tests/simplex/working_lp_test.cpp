@@ -116,8 +116,7 @@ TEST(StartBasis, nonbasics_stand_at_bounds_that_exist)
         const bool spoilt = s->NumRows > 0 && dice.chance(20);
         if (spoilt) *std::find(status.begin(), status.end(), 0) = AT_LOWER;
         std::vector<double> lower(body->lb.begin(), body->lb.end());
-        for (int j = 0; j < s->NumCols;
-             j++) { // reversed columns may get another bound later
+        for (int j = 0; j < s->NumCols; j++) { // bounds of reversed columns may move later
             if (s->ColScale[j] > 0 || dice.chance(50)) continue;
             lower[j] = body->ub[j] - 3;
             s->Upper[j] = lower[j] / s->ColScale[j];

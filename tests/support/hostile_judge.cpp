@@ -5,16 +5,14 @@
 #include <cstdarg>
 #include <cstring>
 
-static constexpr double NEARBY =
-    1e-9; // a point that breaks nothing by more is never refused
-static constexpr double GROSS_FACTOR = 1000;  // of the tolerances
-static constexpr double LOOSE_VALUE = 1e-6;   // relative
-static constexpr double SUM_ROUNDING = 1e-15; // of the terms of what tolerances explain
-static constexpr double RC_ROUNDING =
-    1e-14; // of the terms of c - pi A: what rounding pi and the sum may cost
+static constexpr double NEARBY = 1e-9;          // no point that breaks less is ever refused
+static constexpr double GROSS_FACTOR = 1000;    // of the tolerances
+static constexpr double LOOSE_VALUE = 1e-6;     // relative
+static constexpr double SUM_ROUNDING = 1e-15;   // of the terms of what tolerances explain
+static constexpr double RC_ROUNDING = 1e-14;    // of the terms of c - pi A, pi rounded
 static constexpr double VALUE_ROUNDING = 1e-12; // of the terms of the objective, for ObjVal
 static constexpr double PLACE_RELATIVE =
-    1e-9; // of the numbers behind a distance: the DualVio attribute's rule
+    1e-9; // of the numbers behind a distance, as in DualVio
 
 const char *verdict_name(Verdict verdict)
 {
@@ -169,8 +167,7 @@ static HostileJudgement judge_value(HostileTruth *truth, const Point *p)
     double relax = 0;
     if (truth->relaxed(0).status == LpStatus::INFEASIBLE) relax = tol;
     const RationalResult &best = truth->relaxed(relax);
-    if (best.status != LpStatus::OPTIMAL)
-        return {}; // unbounded: the dual violation is within the tolerance
+    if (best.status != LpStatus::OPTIMAL) return {}; // unbounded within OptimalityTol
     const long double exact = best.value.get_d(), miss = (value - exact) * p->lp->sense;
     if (p->outcome->has_duals && miss > explained(p, best, relax))
         return say(Verdict::OBJECTIVE, "value %.15Lg, exact %.15Lg, explained is %.3Lg",
@@ -221,7 +218,7 @@ static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome
 static double coefficient_doubt(const LpModel *lp, const std::vector<mpq_class> &x)
 {
     static constexpr double SHORT =
-        0x1p20; // multiples of its inverse are meant as they stand
+        0x1p20; // multiples of its inverse are meant as they are
     std::vector<double> doubt(lp->rhs.size(), 0.0);
     for (int j = 0; j < lp->num_vars(); j++)
         for (const LpEntry &e : lp->cols[j])

@@ -30,9 +30,8 @@ struct Shape {
     double largest_activity = 0; // rows beyond are scaled down; 0: none is
 };
 
-constexpr double WILD_ACTIVITY =
-    1e18;                             // right-hand sides stay below what counts as infinite
-constexpr double TALL_ACTIVITY = 5e4; // half a unit in the last place is 3.6e-12
+constexpr double WILD_ACTIVITY = 1e18; // right-hand sides stay below infinite ones
+constexpr double TALL_ACTIVITY = 5e4;  // half a unit in the last place is 3.6e-12
 
 struct Plan {
     const Shape *shape = nullptr;

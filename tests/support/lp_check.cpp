@@ -85,8 +85,7 @@ static void check_value(const LpModel *lp, const LpSolution *s, const LpMeasures
 // ---- The basis ----
 
 static constexpr int MAX_FACTOR_ROWS = 400; // larger bases are not tested for regularity
-static constexpr double SINGULAR =
-    1e-11; // largest entry left, relative to 1: rows and columns are scaled
+static constexpr double SINGULAR = 1e-11;   // largest entry left, lines scaled to 1
 
 Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {

@@ -74,21 +74,18 @@ long double lp_objective(const LpModel *lp, const std::vector<double> &x);
 struct LpAmount {
     long double value = 0, terms = 0;
 };
-// How the multiplier of a column or row fits where it stands.
+// How the multiplier of a column or row fits where it stands; from an equation distances have no sign.
 struct LpPriced {
-    LpAmount
-        force; // turned to a minimisation: above 0 it prices the lower end, below 0 the upper one
-    LpAmount
-        distance; // from that end, negative: beyond; infinite without it; in an equation either way
+    LpAmount force;    // as of a minimisation: > 0 prices the lower end, < 0 the upper one
+    LpAmount distance; // from that end, < 0 beyond it; infinite without one
     long double end = 0; // largest of the numbers behind the distance
 };
 // What a point, and multipliers if there are any, miss of optimality.
 struct LpMeasures {
     LpSums sums;
-    std::vector<LpAmount> bound,
-        constr; // [n], [m] violations, negative: by how much it is kept
-    std::vector<LpPriced> cols, rows; // [n], [m]; none without multipliers
-    double violation() const;         // the largest
+    std::vector<LpAmount> bound, constr; // [n], [m] violations, < 0: by how much kept
+    std::vector<LpPriced> cols, rows;    // [n], [m]; none without multipliers
+    double violation() const;            // the largest
 };
 LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
                       const std::vector<double> &pi);

@@ -21,8 +21,7 @@ struct PresolveTry {
     LpModel reduced;        // as the reductions left it, rows '<' and '=' only, to look at
     int reduced_status = 0; // Status of the reduced model, 0 when nothing is left
     LpSolution solution;    // after postsolve, when there is an optimum
-    std::string
-        faults; // of that solution, or what else went wrong; empty when all is right
+    std::string faults;     // of that solution, or what else went wrong; empty: none
 };
 
 // Runs the reductions in this order, each once, on all rows and columns, with activities summed and lists compressed

@@ -51,8 +51,7 @@ GeneratedLp gen_multi_period(Dice *dice, int size)
             const int make = lp_add_var(&g.lp, dice->range(3, 15), 0,
                                         dice->chance(30) ? 40 : LP_INFINITY);
             const int keep = lp_add_var(&g.lp, dice->range(1, 3), 0, dice->range(20, 60));
-            const int late =
-                lp_add_var(&g.lp, 200, 0, LP_INFINITY); // buying keeps it feasible
+            const int late = lp_add_var(&g.lp, 200, 0, LP_INFINITY); // keeps it feasible
             Terms balance = {{make, 1}, {late, 1}, {keep, -1}};
             if (t > 0) balance.push_back({stock[k], 1});
             lp_add_row_entries(&g.lp, balance, '=', dice->range(0, 25));

@@ -68,8 +68,7 @@ static LpModel contradictory(Dice *dice)
 {
     LpModel lp = gen_tiny(dice, {.max_vars = 5, .max_rows = 5});
     const int m = lp.num_rows(), n = lp.num_vars();
-    if (n > 0 &&
-        dice->chance(10)) { // free columns, and the sum of two of them at less cost
+    if (n > 0 && dice->chance(10)) { // free columns, and the sum of two at less cost
         for (int j = 0; j < n; j++) lp.lb[j] = -LP_INFINITY, lp.ub[j] = LP_INFINITY;
         const int a = dice->range(0, n - 1), b = dice->range(0, n - 1);
         const int sum = lp_add_var(&lp, lp.obj[a] + lp.obj[b] + dice->nonzero(1),
