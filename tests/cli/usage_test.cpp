@@ -103,8 +103,7 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
     ends(2, {"--convert", "plan.mps"});
     std::filesystem::remove("tarvex.env");
     const auto files = std::filesystem::directory_iterator(".");
-    EXPECT_EQ(std::distance(begin(files), end(files)),
-              6); // models, streams, two from above
+    EXPECT_EQ(std::distance(begin(files), end(files)), 6); // models, streams, two above
 }
 
 TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)

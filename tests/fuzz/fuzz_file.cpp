@@ -20,11 +20,7 @@ struct Session {
     TestEnv own;
     TVXenv *env = own.env;
     TVXmodel *model = nullptr;
-
-    Session() = default;
     ~Session() { TVXfreemodel(model); }
-    Session(const Session &) = delete;
-    Session &operator=(const Session &) = delete;
 
     int read(const std::string &name)
     {

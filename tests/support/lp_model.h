@@ -41,7 +41,8 @@ struct LpRow {
     char sense;
     double rhs;
 };
-LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows);
+LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows,
+                int sense = 1);
 
 int lp_add_var(LpModel *lp, double obj, double lb, double ub); // its index
 int lp_add_row(LpModel *lp, char sense, double rhs);           // its index
@@ -90,5 +91,8 @@ struct LpMeasures {
 LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
                       const std::vector<double> &pi);
 
+bool all_finite(const std::vector<double> &values);
+// As printf prints it.
+__attribute__((format(printf, 1, 2))) std::string formatted(const char *format, ...);
 // The model as free MPS, all digits, each line of `comment` behind a star.
 std::string lp_to_mps(const LpModel *lp, const std::string &comment);

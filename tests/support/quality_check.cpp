@@ -45,9 +45,7 @@ struct Priced {
 
 static std::string differs(const std::string &name, double said, double found)
 {
-    char text[200];
-    snprintf(text, sizeof text, "%s is %.17g, found %.17g", name.c_str(), said, found);
-    return text;
+    return formatted("%s is %.17g, found %.17g", name.c_str(), said, found);
 }
 
 static void compare(TVXmodel *model, const std::string &name, const Amounts &amounts,

@@ -5,8 +5,7 @@
 #include "support/settings.h"
 #include <string>
 
-static constexpr double RUNAWAY_ITERATIONS =
-    20000; // no tiny model needs them, but to cycle
+static constexpr double RUNAWAY_ITERATIONS = 20000; // tiny models that take more cycle
 
 // What is wrong with an outcome of a model whose truth the exact judge knows; empty when all is right. With
 // presolve on, status 4 is right for models without optimum (unless the objective is zero: then they can only

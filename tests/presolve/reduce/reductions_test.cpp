@@ -113,8 +113,6 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
         {"singleton_knapsack", {pre_singleton_knapsack}, 104, 0},
         {"implied_bounds", {pre_implied_bounds}, 311, 50},
     };
-    const TestEnv env;
-    ASSERT_EQ(TVXsetintparam(env.env, "AggFill", 1000), 0);
     for (const auto &row : rows) {
         int effect = 0, ends = 0, proofs = 0;
         for (uint64_t seed = 0; seed < 2000; seed++) {
@@ -125,7 +123,7 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
                                                : full_of_multiples(&dice);
             const RationalResult truth = rational_solve(&lp);
             if (truth.crossed >= 0) continue; // such models are not reduced
-            const PresolveTry t = presolve_try(env.env, &lp, row.reductions);
+            const PresolveTry t = reduced_by(lp, row.reductions, {{"AggFill", 1000}});
             effect += t.effect;
             ends += t.status != 0;
             proofs += t.status != 0 && t.proved;
