@@ -34,8 +34,7 @@ struct Callback : ModelTest {
 
     void SetUp() override
     {
-        Dice dice(1);
-        load(gen_assignment(&dice, 20).lp);
+        load(generated(gen_assignment, 20, 1));
         ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
     }
     int solve(int presolve)

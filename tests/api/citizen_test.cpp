@@ -43,8 +43,7 @@ TEST_F(ModelTest, a_solve_makes_no_file_and_takes_no_signal)
 {
     const Scratch scratch;
     setenv("TMPDIR", scratch.path.c_str(), 1);
-    Dice dice(1);
-    load(gen_multi_period(&dice, 12).lp);
+    load(generated(gen_multi_period, 12, 1));
     Inside inside;
     ASSERT_EQ(TVXsetcallbackfunc(model, look, &inside), 0);
     for (const int method : {0, 1}) {

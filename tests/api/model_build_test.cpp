@@ -3,7 +3,6 @@
 // That good calls in any order make the right model is what fuzz/corpus_test.cpp looks at.
 #include "support/model_test.h"
 #include "support/model_text.h"
-#include "support/text_model.h"
 #include <climits>
 #include <cmath>
 
@@ -14,11 +13,7 @@ constexpr std::nullptr_t NONE = nullptr;
 constexpr double INF = HUGE_VAL;
 
 struct ModelBuild : ModelTest {
-    void SetUp() override
-    {
-        model =
-            model_of_text(env.env, "max 5 x + y + 0 z + 3 st x + 2 y >= 3 s: 4 x - z = 5");
-    }
+    void SetUp() override { load("max 5 x + y + 0 z + 3 st x + 2y >= 3 s: 4 x - z = 5"); }
     void made(int n, const double *lb, const double *ub, const char *types, char **names)
     {
         TVXfreemodel(model);
@@ -177,7 +172,6 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     queue();
     update();
     const std::string before = model_text(model);
-    TVXfreemodel(model);
     SetUp();
     queue();
     refused(10018, no_vars, add_vars(3, beg, twice, val));

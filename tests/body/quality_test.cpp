@@ -4,7 +4,6 @@
 // a solve does not come across: factors of a scaling, what is no number, signs of the body, integer models.
 #include "body/quality.h"
 #include "support/model_test.h"
-#include "support/text_model.h"
 #include <cmath>
 
 namespace
@@ -19,9 +18,9 @@ struct QualityOfLp : ModelTest {
 
     void SetUp() override
     {
-        model = model_of_text(env.env, "min x0 + 2 x1 + 0 x2\n"
-                                       "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
-                                       "bounds x0 <= 2 x2 free");
+        load("min x0 + 2 x1 + 0 x2\n"
+             "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
+             "bounds x0 <= 2 x2 free");
     }
     void measure(PointSigns signs = PointSigns::CALLER)
     {
@@ -92,10 +91,10 @@ struct QualityOfMip : ModelTest {
 
     void SetUp() override
     {
-        model = model_of_text(env.env, "min st v + i + b + s + n <= 12\n"
-                                       "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
-                                       "general i n binary b semi-continuous s n\n"
-                                       "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
+        load("min st v + i + b + s + n <= 12\n"
+             "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
+             "general i n binary b semi-continuous s n\n"
+             "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
     }
     // What is printed while the point is measured.
     std::string measure(const std::vector<double> &x)

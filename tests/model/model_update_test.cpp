@@ -22,11 +22,9 @@ constexpr std::nullptr_t NONE = nullptr;
 struct ModelUpdate : ModelTest {
     void SetUp() override
     {
-        LpModel lp =
-            lp_make({{3, 0, 3}, {2}, {1}},
-                    {{{1, 1, 1}, '<', 4}, {{1, 3, 0}, '<', 7}, {{1, 0, -1}, '>', -5}});
-        lp.sense = -1;
-        load(lp);
+        load(lp_make({{3, 0, 3}, {2}, {1}},
+                     {{{1, 1, 1}, '<', 4}, {{1, 3, 0}, '<', 7}, {{1, 0, -1}, '>', -5}},
+                     -1));
     }
     void optimize() { EXPECT_NEAR(objective(), 11, 1e-9); }
     bool live() const { return model->lp.simplex != nullptr; }

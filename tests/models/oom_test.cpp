@@ -12,15 +12,9 @@
 
 #ifdef TVX_DEBUG
 
-static LpModel example(Family family, int size)
-{
-    Dice dice(5);
-    return family(&dice, size).lp;
-}
-
 static void load_example(Scene *scene)
 {
-    scene->lp = example(gen_multi_period, 12);
+    scene->lp = generated(gen_multi_period, 12, 5);
     scene->model = lp_load(scene->env.env, &scene->lp);
     ASSERT_TRUE(scene->model);
 }
@@ -70,7 +64,7 @@ TEST(OutOfMemory, building_and_copying)
                    ASSERT_EQ(build(s), 0);
                    ASSERT_EQ(model_text(s->model), expected);
                }});
-    run_sweep({"load", [](Scene *s) { s->lp = example(gen_multi_period, 12); },
+    run_sweep({"load", [](Scene *s) { s->lp = generated(gen_multi_period, 12, 5); },
                [](Scene *s) { // columns out of order, so that overlaps are looked for
                    const int at[] = {2, 0}, len[] = {1, 2}, ind[] = {0, 1, 1};
                    const double val[] = {1, 2, 3};
@@ -123,7 +117,7 @@ TEST(OutOfMemory, solve)
     for (const Settings &way : ways)
         for (const Family family : {gen_multi_period, gen_planted_infeasible,
                                     gen_planted_unbounded, gen_badly_scaled})
-            sweep_solve(example(family, 10), way);
+            sweep_solve(generated(family, 10, 5), way);
 }
 
 // A solve that fails behind the last pivot has made as many iterations as one that succeeds.

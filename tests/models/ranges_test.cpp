@@ -9,7 +9,6 @@
 #include "support/model_gen.h"
 #include "support/model_test.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <cmath>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -127,11 +126,11 @@ struct Sensitivity : ModelTest {
     // The bakery of the examples: 10 oven, 180 flour, 20 work; 5.82 of cake and 3.27 of bread.
     void bakery(bool solve)
     {
-        LpModel lp = lp_make({{45}, {80}, {30}}, {{{1, 1.5, 0.5}, '<', 10},
-                                                  {{-14, -8, -9}, '>', -180},
-                                                  {{0.6, 2, 0.8}, '<', 20}});
-        lp.sense = -1;
-        load(lp);
+        load(lp_make({{45}, {80}, {30}},
+                     {{{1, 1.5, 0.5}, '<', 10},
+                      {{-14, -8, -9}, '>', -180},
+                      {{0.6, 2, 0.8}, '<', 20}},
+                     -1));
         if (solve) objective();
     }
     void unavailable()
@@ -155,9 +154,8 @@ TEST(SensitivityRanges, hold_up_to_their_ends_and_not_beyond)
         Dice dice(seed);
         Ranges r;
         r.lp = gen_tiny(&dice, TinyLimits{.max_vars = 6, .max_rows = 5});
-        const TestModel model(lp_load(env.env, &r.lp));
         const Settings settings = settings_draw(&dice);
-        ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
+        const TestModel model(lp_load(env.env, &r.lp, settings));
         ASSERT_EQ(lp_solve(model, &r.solution), 0);
         if (r.solution.status != TVX_OPTIMAL) continue;
         solved++;

@@ -70,10 +70,10 @@ TEST(PrimalPricing, every_partial_kind_finds_the_same_answer)
         const TestModel first(lp_load(env.env, &lp));
         solve(first, METHOD_PRIMAL);
         for (const int kind : {1, 2, 3}) {
-            const TestModel other(lp_load(env.env, &lp));
-            TVXgetenv(other)->SimplexPricing = 0;
-            TVXgetenv(other)->TARV_PAR_PRIMALPARTIAL = kind;
-            TVXgetenv(other)->IterationLimit = 50000;
+            const TestModel other(lp_load(env.env, &lp,
+                                          {{"SimplexPricing", 0},
+                                           {"TARV_PAR_PRIMALPARTIAL", kind},
+                                           {"IterationLimit", 50000}}));
             expect_same(solve(other, METHOD_PRIMAL), first.model->lp.simplex);
         }
     }
@@ -150,9 +150,8 @@ TEST(PrimalRatio, a_step_of_phase_1_never_adds_infeasibility)
         Dice dice(seed);
         LpModel lp = dice.pick(all_families()).generate(&dice, 20).lp;
         for (double &cost : lp.obj) cost = 0; // nothing else counts
-        const TestModel model(lp_load(env.env, &lp));
-        TVXgetenv(model)->PerturbValue = 0;
-        TVXgetenv(model)->IterationLimit = 0;
+        const TestModel model(
+            lp_load(env.env, &lp, {{"PerturbValue", 0}, {"IterationLimit", 0}}));
         double before = LP_INFINITY;
         for (int k = 0; k < 40; k++) {
             const sopt *s = solve(model, METHOD_PRIMAL);

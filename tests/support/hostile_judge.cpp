@@ -10,8 +10,7 @@ static constexpr double LOOSE_VALUE = 1e-6;     // relative
 static constexpr double SUM_ROUNDING = 1e-15;   // of the terms of what tolerances explain
 static constexpr double RC_ROUNDING = 1e-14;    // of the terms of c - pi A, pi rounded
 static constexpr double VALUE_ROUNDING = 1e-12; // of the terms of the objective, for ObjVal
-static constexpr double PLACE_RELATIVE =
-    1e-9; // of the numbers behind a distance: DualVio's
+static constexpr double PLACE_RELATIVE = 1e-9;  // of numbers behind a distance: DualVio's
 
 const char *verdict_name(Verdict verdict)
 {
