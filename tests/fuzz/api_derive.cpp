@@ -43,9 +43,9 @@ std::string same_optimum(TVXmodel *made, const RationalResult *truth)
         return "";
     LpModel lp;
     (void)lp_read_back(made, &lp);
-    return "has status " + std::to_string(solution.status) + " value " +
-           std::to_string(solution.objval) + " for " +
-           std::to_string(truth->value.get_d()) + "\n" + lp_to_mps(&lp, "");
+    return formatted("has status %d value %.9g for %.9g\n", solution.status,
+                     solution.objval, truth->value.get_d()) +
+           lp_to_mps(&lp, "");
 }
 
 std::string derive_presolved(ApiModel *a, const RationalResult *truth)
@@ -97,8 +97,8 @@ std::string api_branch(ApiModel *a)
         const double over = lp.sense * (found - exact);
         const double slack = NEAR * (1 + std::fabs(exact));
         if (over > slack || (limit == 1e9 && over < -slack))
-            return "branch of " + std::to_string(j) + " at " + std::to_string(x) + ": " +
-                   std::to_string(found) + ", exact " + std::to_string(exact) + "\n" +
+            return formatted("branch of %d at %.9g: %.9g, exact %.9g\n", j, x, found,
+                             exact) +
                    lp_to_mps(&lp, "");
     }
     return "";

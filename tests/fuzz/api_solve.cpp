@@ -50,11 +50,9 @@ std::string check_available(ApiModel *a)
     const int code = lp_read_point(a->model, &point);
     const bool has = code == 0;
     if ((must && !has) || (has && !may))
-        return "status " + std::to_string(status) + ", the point answers " +
-               std::to_string(code);
+        return formatted("status %d, the point answers %d", status, code);
     for (const auto *list : {&point.x, &point.rc, &point.pi, &point.slack})
-        for (const double v : *list)
-            if (has && !std::isfinite(v)) return "a point that is not finite";
+        if (has && !all_finite(*list)) return "a point that is not finite";
     return "";
 }
 

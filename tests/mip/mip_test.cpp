@@ -11,13 +11,9 @@ struct MipEpilogue : ModelTest {
 
     void SetUp() override
     {
-        const double ub[] = {10, 10};
-        ASSERT_EQ(
-            TVXnewmodel(env.env, &model, nullptr, 2, nullptr, nullptr, ub, "II", nullptr),
-            0);
+        load("min 0 x + 0 y bounds x <= 10 y <= 10 general x y");
         ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-        result = model->mip.result =
-            static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+        result = model->mip.result = record_create<MipResult>();
         model->mip.body = model->body;
         model->mip.env = model->env;
         result->status = TVX_OPTIMAL;

@@ -163,11 +163,11 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
             Legs run(hostile_tall(&dice), way);
             run.anew(NONE);
             if (run.last.status != TVX_OPTIMAL ||
-                run.last.iterations <= run.model.model->lp.result->reduced_itercount)
+                run.last.iterations <= run.model->lp.result->reduced_itercount)
                 continue;
             const bool is_stopped =
                 run.anew(run.whole.iterations - 1) == TVX_ITERATION_LIMIT;
-            stopped += is_stopped && !run.model.model->lp.form;
+            stopped += is_stopped && !run.model->lp.form;
             EXPECT_TRUE(!is_stopped || run.in_legs(1, 50)) << seed;
             ASSERT_EQ(run.last.status, TVX_OPTIMAL) << seed;
             EXPECT_NEAR(run.last.objval, run.whole.objval,
@@ -208,7 +208,7 @@ TEST(Limits, the_next_solve_begins_with_postsolve)
         SCOPED_TRACE(settings_text(way));
         Legs run(generated(gen_multi_period, 30, 5), way);
         run.go_on(5);
-        LpForm *form = run.model.model->lp.form;
+        LpForm *form = run.model->lp.form;
         ASSERT_NE(form, nullptr);
         run.limit(NONE);
         const SimplexCall call = {.Method = METHOD_DUAL, .Iterations = run.last.iterations};

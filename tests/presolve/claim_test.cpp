@@ -59,12 +59,12 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
         LpClaim small, claim;
         const Reduced left(model, &claim);
         if (left.status != PRESOLVE_OK && size == 8) {
-            own.add(claim_proved(model.model->body, &claim));
-            if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+            own.add(claim_proved(model->body, &claim));
+            if (claim_proved(model->body, &claim)) expect_right(&lp, &claim, seed);
         }
         if (!left.body()) continue;
         LpModel reduced;
-        ASSERT_EQ(lp_read_back(BodyView(model.model->env, left.body()), &reduced), 0);
+        ASSERT_EQ(lp_read_back(BodyView(model->env, left.body()), &reduced), 0);
         const RationalResult exact = rational_solve(&reduced);
         if (exact.status == LpStatus::OPTIMAL || exact.crossed >= 0) continue;
         exact_claim(left.body(), exact, &small);
@@ -77,8 +77,8 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
             ASSERT_EQ(postsolve_ray(left.result, small.ray.data, claim.ray.data), 0);
         }
-        back[small.ray.size > 0].add(claim_proved(model.model->body, &claim));
-        if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+        back[small.ray.size > 0].add(claim_proved(model->body, &claim));
+        if (claim_proved(model->body, &claim)) expect_right(&lp, &claim, seed);
     }
     EXPECT_GT(own.holds, 500);
     EXPECT_GT(back[0].holds + back[1].holds, 40);
@@ -96,7 +96,7 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
         if (rational_solve(&lp).crossed >= 0) continue;
         ModelBody *dual = nullptr;
         TVXmodel *out = nullptr;
-        ASSERT_EQ(dualise(model.model->body, TVXgetenv(model), &dual), 0);
+        ASSERT_EQ(dualise(model->body, TVXgetenv(model), &dual), 0);
         ASSERT_EQ(model_of_body(TVXgetenv(model), EnvUse::SHARED, dual, &out), 0);
         const TestModel owner(out);
         LpModel form;
@@ -108,13 +108,13 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
         if (exact.status == LpStatus::UNBOUNDED) {
             infeasible++;
             ASSERT_EQ(array_resize(&claim.farkas, lp.num_rows()), 0);
-            dual_ray_to_farkas(model.model->body, INF, of_dual.ray.data, claim.farkas.data);
+            dual_ray_to_farkas(model->body, INF, of_dual.ray.data, claim.farkas.data);
         } else {
             unbounded++;
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
-            dual_farkas_to_ray(model.model->body, INF, of_dual.farkas.data, claim.ray.data);
+            dual_farkas_to_ray(model->body, INF, of_dual.farkas.data, claim.ray.data);
         }
-        EXPECT_TRUE(claim_proved(model.model->body, &claim)) << seed;
+        EXPECT_TRUE(claim_proved(model->body, &claim)) << seed;
     }
     EXPECT_GT(infeasible, 100);
     EXPECT_GT(unbounded, 100);

@@ -5,7 +5,6 @@
 #include "support/hostile_gen.h"
 #include "support/inside.h"
 #include "support/model_gen.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -18,13 +17,12 @@ struct Working {
     TestModel model;
     sopt *s = nullptr;
     explicit Working(const LpModel &lp, const Settings &settings = {})
-        : model(lp_load(env.env, &lp))
+        : model(lp_load(env.env, &lp, settings))
     {
-        EXPECT_EQ(settings_apply(TVXgetenv(model), settings), 0);
-        EXPECT_EQ(sopt_create(body(), model.model->env, {}, &s), 0);
+        EXPECT_EQ(sopt_create(body(), model->env, {}, &s), 0);
     }
     ~Working() { simplex_free(s); }
-    const ModelBody *body() const { return model.model->body; }
+    const ModelBody *body() const { return model->body; }
 };
 
 LpModel any_model(Dice *dice)
