@@ -3,7 +3,6 @@
 #include "body/certificate.h"
 #include "support/model_test.h"
 #include <cmath>
-#include <gtest/gtest.h>
 
 static constexpr double INF = 1e30;
 

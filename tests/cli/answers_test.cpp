@@ -65,7 +65,6 @@ TEST_F(CliJson, IsValidWhateverNamesAndErrorsSay)
              "NAME a\"b\\c\xff\xc3\xa9\nROWS\n N o\nCOLUMNS\n x o -1\nRHS\nENDATA\n");
     EXPECT_THAT(json({"Presolve=0", "odd.mps"}, 0),
                 HasSubstr("a\\\"b\\\\c\\ufffd\xc3\xa9"));
-    file_put("whole.lp", "min x st c: x >= 1 general x end\n");
     EXPECT_THAT(json({"whole.lp"}, 1), HasSubstr("\"status\": \"error\""));
     file_put("empty.lp", "min 0\nst\nend\n");
     json({"empty.lp"}, 0);

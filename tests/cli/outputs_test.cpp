@@ -83,7 +83,6 @@ TEST_F(CliOutputs, NoSlipOfTheCommandLineCostsAFile)
 TEST_F(CliOutputs, NothingStandsFromAnEarlierCall)
 {
     file_put("wrong.prm", "ResultFile named.sol\nNoSuch 1\n");
-    file_put("broken.mps", "ROWS\n what is this\n");
     for (const Words &last : {Words{"--params", "absent.prm", "plan.mps"},
                               {"--params", "wrong.prm", "plan.mps"},
                               {"absent.mps"},

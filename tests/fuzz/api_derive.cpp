@@ -2,7 +2,6 @@
 #include "files/files_support.h"
 #include "fuzz/api_model.h"
 #include "support/rational_lp.h"
-#include "support/solve_judge.h"
 #include <cmath>
 
 namespace

@@ -2,7 +2,6 @@
 #pragma once
 #include "model/store_player.h"
 #include "support/lp_tarvex.h"
-#include "support/settings.h"
 #include <map>
 
 // What the callback of a model does, and what it has seen. Drawn once for each solve.

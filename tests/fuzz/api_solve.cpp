@@ -4,10 +4,8 @@
 //             meet the optimality conditions. A limit that was set, a cutoff or a callback may end it otherwise, but
 //             only in the way that belongs to it. Parameters must be as they were set.
 #include "fuzz/api_model.h"
-#include "support/model_gen.h"
 #include "support/quality_check.h"
 #include "support/solve_judge.h"
-#include <cmath>
 
 namespace
 {

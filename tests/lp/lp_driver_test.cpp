@@ -1,7 +1,6 @@
 // lp_driver_test.cpp -- the route of a linear program as a caller sees it: log lines, statuses, second solves
 //
 // Values and multipliers are judged in tests/models; what survives an update is in model_update_test.cpp.
-#include "model/model.h"
 #include "support/model_test.h"
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,6 @@
 // model_update_test.cpp -- what an update does inside: which basis survives, what is kept, what is forgotten
 #include "model/model_store.h"
 #include "model/warm_start.h"
-#include "simplex/simplex.h"
 #include "support/model_test.h"
 #include <climits>
 #include <cmath>

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
 
 static constexpr double REFERENCE_TOL = 1e-6; // published values have more digits

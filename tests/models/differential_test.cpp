@@ -9,7 +9,6 @@
 #include "simplex/sopt.h"
 #include "support/structured_gen.h"
 #include <array>
-#include <gtest/gtest.h>
 #include <thread>
 
 namespace

@@ -5,10 +5,7 @@
 #include "support/memory_sweep.h"
 #include "support/model_text.h"
 #include "support/scratch.h"
-#include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cmath>
-#include <gtest/gtest.h>
 
 #ifdef TVX_DEBUG
 
@@ -17,6 +14,12 @@ static void load_example(Scene *scene)
     scene->lp = generated(gen_multi_period, 12, 5);
     scene->model = lp_load(scene->env.env, &scene->lp);
     ASSERT_TRUE(scene->model);
+}
+
+static void solve_example(Scene *scene)
+{
+    load_example(scene);
+    ASSERT_EQ(TVXoptimize(scene->model), 0);
 }
 
 // Random calls that queue, updates with a basis to carry over, queries and a copy; the first code that is not 0.
@@ -179,11 +182,8 @@ TEST(OutOfMemory, queries_and_side_files)
 {
     const Scratch folder;
     file_put("read.mst", "C0 1\nC3 2\n");
-    const auto solve = [](Scene *s) {
-        load_example(s);
-        ASSERT_EQ(TVXoptimize(s->model), 0);
-    };
-    run_sweep({"queries", solve, ask_everything, [](Scene *s, int) { expect_solves(s); }});
+    run_sweep({"queries", solve_example, ask_everything,
+               [](Scene *s, int) { expect_solves(s); }});
 }
 
 // A derived model is there or not; its source stays what it is.
@@ -192,11 +192,7 @@ TEST(OutOfMemory, derived_models)
     using Derive = TVXmodel *(*)(TVXmodel *);
     for (const Derive derive : {TVXpresolvemodel, TVXconverttofixed, TVXfixedmodel,
                                 TVXrelaxmodel, TVXfeasibility})
-        run_sweep({"derive",
-                   [](Scene *s) {
-                       load_example(s);
-                       ASSERT_EQ(TVXoptimize(s->model), 0);
-                   },
+        run_sweep({"derive", solve_example,
                    [&](Scene *s) {
                        const TestModel derived(derive(s->model));
                        if (derived) return 0;

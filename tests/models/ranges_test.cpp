@@ -10,7 +10,6 @@
 #include "support/model_test.h"
 #include "support/rational_lp.h"
 #include <cmath>
-#include <gtest/gtest.h>
 #include <sstream>
 
 namespace

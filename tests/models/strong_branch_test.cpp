@@ -6,7 +6,6 @@
 #include "support/structured_gen.h"
 #include <cfloat>
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -17,14 +16,12 @@ using StrongBranching = ModelTest;
 } // namespace
 
 // The record of the simplex itself, to the last bit: basis, values, reduced costs and weights.
-TEST(StrongBranch, each_probe_brings_the_record_back)
+TEST_F(StrongBranching, brings_the_record_back_after_each_probe)
 {
-    const TestEnv env;
     double iterations = 0;
     for (const FamilyRow &family : all_families()) {
         SCOPED_TRACE(family.name);
-        const LpModel lp = generated(family.generate, 30, 4);
-        const TestModel model(lp_load(env.env, &lp));
+        load(generated(family.generate, 30, 4));
         ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
         sopt *s = model->lp.simplex;
         if (s->Status != SIMPLEX_OPTIMAL || s->Quad) continue;
@@ -43,7 +40,7 @@ TEST(StrongBranch, each_probe_brings_the_record_back)
             return all;
         };
         const std::vector<double> before = record();
-        for (int j = 0; j < lp.num_vars(); j++)
+        for (int j = 0; j < s->NumCols; j++)
             for (const BranchSide side : {BranchSide::DOWN, BranchSide::UP}) {
                 const double x = simplex_place(s, j).Value;
                 BranchOutcome outcome;

@@ -7,7 +7,6 @@
 #include "support/structured_gen.h"
 #include <cmath>
 #include <cstring>
-#include <gtest/gtest.h>
 
 namespace
 {

@@ -2,14 +2,11 @@
 //
 // That answers are the same with presolve under all its settings as without, also where its limit stops it after a few
 // reductions: models/differential_test.cpp.
-#include "model/model.h"
 #include "presolve/work.h"
 #include "support/inside.h"
 #include "support/memory_sweep.h"
 #include "support/model_gen.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
-#include <gtest/gtest.h>
 
 #ifdef TVX_DEBUG
 // Kinds of the records that presolve leaves behind, as bits.

@@ -89,7 +89,7 @@ TEST(PrimalPricing, is_chosen_by_the_shape_and_the_start)
         const LpModel lp = wide_covering(&dice, 8, columns);
         const TestModel model(lp_load(env.env, &lp));
         solve(model, METHOD_PRIMAL);
-        sopt *s = model.model->lp.simplex;
+        sopt *s = model->lp.simplex;
         const auto chosen = [s] {
             primal_choose_pricing(s, s->Double);
             return s->Double->Primal->PricingCur;

@@ -1,7 +1,6 @@
 // proof_test.cpp -- what a method claims at its end, against what is so: multipliers and rays that hold and near misses
 #include "simplex/sopt.h"
 #include "support/model_test.h"
-#include <gtest/gtest.h>
 
 namespace
 {

@@ -1,7 +1,6 @@
 // stall_test.cpp -- the remedies of a run that makes no progress: their order, when they come, and that they end
 #include "simplex/primal.h"
 #include "support/model_test.h"
-#include <gtest/gtest.h>
 
 namespace
 {

@@ -1,7 +1,5 @@
 // hostile_gen.cpp -- the table of families, and what makes a member infeasible or unbounded
 #include "support/hostile_gen.h"
-#include <algorithm>
-#include <cstring>
 
 static constexpr int INFEASIBLE_PERCENT = 20, UNBOUNDED_PERCENT = 20;
 static constexpr double SMALLEST_MARGIN = -9; // power of ten

@@ -23,7 +23,6 @@
 #pragma once
 #include "support/lp_tarvex.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <map>
 #include <string>
 

@@ -7,7 +7,6 @@
 // Method      Small integers throughout, so that the rational truth is that of the model without the multiples. A
 //             quarter of the models has all data in tenths, where the cancellation is that of decimals.
 #include "support/hostile_gen.h"
-#include <algorithm>
 
 namespace
 {

@@ -7,7 +7,6 @@
 //             multipliers of what is tight, so that x is nearly optimal.
 // Invariant   The tall family keeps activities below 5e4 in magnitude: x violates nothing by more than 1e-11.
 #include "support/hostile_gen.h"
-#include <algorithm>
 
 namespace
 {

@@ -1,6 +1,5 @@
 // model_text.cpp -- reading and printing; see the header
 #include "support/model_text.h"
-#include <algorithm>
 #include <sstream>
 
 namespace

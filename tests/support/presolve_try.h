@@ -5,7 +5,6 @@
 #pragma once
 #include "presolve/work.h"
 #include "support/lp_tarvex.h"
-#include "support/settings.h"
 #include <initializer_list>
 #include <string>
 

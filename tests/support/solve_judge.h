@@ -2,7 +2,6 @@
 #pragma once
 #include "support/lp_tarvex.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <string>
 
 static constexpr double RUNAWAY_ITERATIONS = 20000; // tiny models that take more cycle

@@ -5,7 +5,6 @@
 #pragma once
 #include "support/dice.h"
 #include "support/lp_model.h"
-#include <string>
 #include <vector>
 
 enum class Truth {
