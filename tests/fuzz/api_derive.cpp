@@ -125,20 +125,13 @@ std::string api_file(ApiModel *a)
                                                ".sol", ".mst", ".prm", ".ilp"};
     const int kind = a->dice()->range(0, static_cast<int>(std::size(SUFFIXES)) - 1);
     const std::string suffix = SUFFIXES[kind], name = "f" + suffix;
+    if (kind < 4) return round_trip(a->model, name, Names::IGNORE);
     const int code = TVXwrite(a->model, name.c_str());
-    if (code == TVX_ERROR_DATA_NOT_AVAILABLE && kind >= 4) return "";
+    if (code == TVX_ERROR_DATA_NOT_AVAILABLE) return "";
     if (code) return suffix + " not written: " + TVXgetmerrormsg(a->model);
     if (suffix == ".sol") return "";
     if (suffix == ".prm" && // what is read is looked at after the next solve
         (TVXresetparams(a->env()) || TVXsetintparam(a->env(), "OutputFlag", 0)))
         return "the parameters are stubborn";
-    if (kind >= 4)
-        return TVXread(a->model, name.c_str()) ? suffix + " is not read back" : "";
-    TVXmodel *read = nullptr;
-    if (TVXreadmodel(a->env(), name.c_str(), &read))
-        return suffix + " is not read back: " + TVXgetmerrormsg(a->model);
-    const TestModel again(read);
-    const std::string was = stored_text(a->model, Names::IGNORE),
-                      is = stored_text(again, Names::IGNORE);
-    return was == is ? "" : "written\n" + was + "read\n" + is;
+    return TVXread(a->model, name.c_str()) ? suffix + " is not read back" : "";
 }
