@@ -6,7 +6,6 @@
 
 namespace
 {
-
 struct AttributeMisuse : ModelTest {
     int i = 5;
     double d = 5;
@@ -18,7 +17,6 @@ struct AttributeMisuse : ModelTest {
 
     void SetUp() override { load("min x + 2 y st x + y <= 5 bounds x <= 10 y <= 10"); }
 };
-
 } // namespace
 
 TEST_F(AttributeMisuse, names_types_and_shapes_are_checked)

@@ -13,7 +13,6 @@
 
 namespace
 {
-
 struct Callback : ModelTest {
     std::map<int, int> calls; // by where
     std::string log;
@@ -46,7 +45,6 @@ struct Callback : ModelTest {
         return TVXoptimize(model);
     }
 };
-
 } // namespace
 
 TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)

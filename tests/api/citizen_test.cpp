@@ -9,7 +9,6 @@
 
 namespace
 {
-
 // What every signal leads to, and how many files there are.
 std::string seen_from_outside()
 {
@@ -36,7 +35,6 @@ int look(TVXmodel *, void *, int where, void *usrdata)
     inside->changed += seen_from_outside() != inside->before;
     return 0;
 }
-
 } // namespace
 
 TEST_F(ModelTest, a_solve_makes_no_file_and_takes_no_signal)

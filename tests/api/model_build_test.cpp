@@ -8,7 +8,6 @@
 
 namespace
 {
-
 constexpr std::nullptr_t NONE = nullptr;
 constexpr double INF = HUGE_VAL;
 
@@ -290,5 +289,4 @@ TEST_F(ModelBuild, a_copy_leaves_queued_changes_behind_and_warns)
         update();
     }
 }
-
 } // namespace

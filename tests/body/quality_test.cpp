@@ -8,7 +8,6 @@
 
 namespace
 {
-
 // Optimum (0, 1, 3), value 2, Pi = (2, 0, -2), RC = (1, 0, 0), slack of row 1 is 3.
 struct QualityOfLp : ModelTest {
     std::vector<double> x{0, 1, 3}, pi{2, 0, -2}, rc{1, 0, 0};
@@ -47,7 +46,6 @@ std::string text_of(const Quality &q)
         text += testing::PrintToString(std::tuple(v->max, v->sum, v->index));
     return text;
 }
-
 } // namespace
 
 TEST_F(QualityOfLp, the_scaled_measures_use_the_factors)

@@ -6,7 +6,6 @@
 
 namespace
 {
-
 // max x + 2 y  subject to  R0: x + y <= 10,  R1: x - y (sense) (side),  x, y >= 0: y = 10 when R1 asks for nothing.
 struct RowKinds : ModelTest {
     const std::vector<Settings> ways = settings_product(
@@ -28,7 +27,6 @@ struct RowKinds : ModelTest {
         }
     }
 };
-
 } // namespace
 
 TEST_F(RowKinds, an_infinite_side_asks_for_nothing_or_for_what_no_point_has)

@@ -4,7 +4,6 @@
 
 namespace
 {
-
 // A strict reader: numbers as JSON has them, sound UTF-8, no name twice.
 const char *const JUDGE = R"(
 import json, sys
@@ -134,5 +133,4 @@ TEST_F(CliAnswers, AParameterFileSaysWhatItsParametersDo)
     EXPECT_EQ(system("test $(grep -c '^# ' set.prm) = 2"), 0);
     EXPECT_EQ(run({"--params", "set.prm", "plan.mps"}).exit_code, 0);
 }
-
 } // namespace

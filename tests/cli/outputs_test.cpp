@@ -6,7 +6,6 @@ namespace fs = std::filesystem;
 
 namespace
 {
-
 struct CliOutputs : Command {
     void SetUp() override
     {
@@ -157,5 +156,4 @@ TEST_F(CliOutputs, AParameterFileKeepsLinksAndModes)
               0);
     EXPECT_EQ(file_get("got"), "TimeLimit  60\nOutputFlag  0\n");
 }
-
 } // namespace

@@ -6,7 +6,6 @@
 
 namespace
 {
-
 double any_number(Dice *dice)
 {
     const double numbers[] = {
@@ -61,7 +60,6 @@ bool fit_a_file(const std::vector<std::string> &vars, const std::vector<std::str
     }
     return fit && (!blanks || longest <= 8);
 }
-
 } // namespace
 
 struct MpsRoundTrip : Files {

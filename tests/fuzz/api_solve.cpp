@@ -67,7 +67,6 @@ std::string check_parameters(const ApiModel *a)
     }
     return "";
 }
-
 } // namespace
 
 std::string api_solve(ApiModel *a)

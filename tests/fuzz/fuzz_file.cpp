@@ -10,7 +10,6 @@
 
 namespace
 {
-
 constexpr char PLAN[] =
     "max 3 x + 2 y - z + 0 w st c1: x + y <= 4 c2: x - z >= -2 c3: y + w = 3\n"
     "bounds y <= 9 z free general x end";
@@ -78,7 +77,6 @@ bool is_harmless(const std::string &bytes)
         if (c != '_') key += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
     return key.find("logfile") == std::string::npos;
 }
-
 } // namespace
 
 std::string fuzz_file(const std::string &suffix, const std::string &bytes)

@@ -47,7 +47,6 @@ struct LpAuxiliary : ModelTest {
         return lp_auxiliary_start(model->body, model->env, run, done, start);
     }
 };
-
 } // namespace
 
 TEST_F(LpAuxiliary, gives_either_method_a_basis)

@@ -8,7 +8,6 @@
 
 namespace
 {
-
 // min x0 + 2 x1    x0 + x1 + x2 >= 4    x0 - x1 <= 2    x0 + x2 = 3    0 <= x0 <= 2,  0 <= x1,  x2 free
 // Optimum (0, 1, 3), value 2.
 LpModel small_lp()
@@ -57,7 +56,6 @@ struct LpDriver : ModelTest {
         return line;
     }
 };
-
 } // namespace
 
 TEST_F(LpDriver, writes_its_lines_in_order_and_only_the_last_ones_for_what_is_solved)

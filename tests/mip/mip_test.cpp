@@ -5,7 +5,6 @@
 
 namespace
 {
-
 struct MipEpilogue : ModelTest {
     MipResult *result = nullptr;
 
@@ -36,7 +35,6 @@ struct MipEpilogue : ModelTest {
         return text.substr(text.find('\n', threads) + 1);
     }
 };
-
 } // namespace
 
 TEST_F(MipEpilogue, has_a_line_for_every_status)

@@ -8,7 +8,6 @@
 
 namespace
 {
-
 const int A_ROW = 0; // its slack is nonbasic at the optimum
 const int B_ROW = 1; // its slack is basic
 const int Y_VAR = 1; // basic
@@ -305,5 +304,4 @@ TEST_F(ModelUpdate, the_checker_sees_planted_faults)
     sees(body->row_val[0], 9.0, "row-wise copy, column, 0");
 }
 #endif
-
 } // namespace

@@ -18,7 +18,6 @@ static constexpr double POINT_TOL = 1e-6;     // unscaled violations
 
 namespace
 {
-
 struct Instance {
     std::string file;   // full name
     std::string name;   // collection/model
@@ -32,7 +31,6 @@ void PrintTo(const Instance &instance, std::ostream *out)
 {
     *out << instance.name;
 }
-
 } // namespace
 
 static std::string from_environment(const char *name, const char *otherwise)

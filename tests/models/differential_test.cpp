@@ -13,7 +13,6 @@
 
 namespace
 {
-
 struct Subject {
     int seed = 0;
     const char *family = "";
@@ -23,7 +22,6 @@ struct Subject {
         return std::string(family) + " seed " + std::to_string(seed) + "\n";
     }
 };
-
 } // namespace
 
 static int subject_count()

@@ -7,7 +7,6 @@
 
 namespace
 {
-
 constexpr double INF = LP_INFINITY;
 const double SIZES[] = {1e15, 1e19, 1e20, 1e30, 1e99, 1e100, 1e200, 1e300, 1e307};
 
@@ -59,7 +58,6 @@ LpModel two_costs(double a, double b, double ub)
 {
     return lp_make({{a, 0, ub}, {b, 0, ub}}, {{{1, 1}, '>', 3}});
 }
-
 } // namespace
 
 TEST_F(HugeNumbers, an_objective_beyond_any_cutoff_is_an_optimum_unless_a_cutoff_is_set)

@@ -140,7 +140,6 @@ struct Sensitivity : ModelTest {
                     TVXgetdblattrelement(model, name, 0, &d));
     }
 };
-
 } // namespace
 
 TEST(SensitivityRanges, hold_up_to_their_ends_and_not_beyond)

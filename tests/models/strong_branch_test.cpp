@@ -12,7 +12,6 @@ namespace
 constexpr double MANY = 1e9; // iterations
 
 using StrongBranching = ModelTest;
-
 } // namespace
 
 // The record of the simplex itself, to the last bit: basis, values, reduced costs and weights.

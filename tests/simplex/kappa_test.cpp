@@ -36,7 +36,6 @@ double norm2(const Matrix &b) // by many steps of the power method
 }
 
 using Kappa = ModelTest;
-
 } // namespace
 
 TEST_F(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)

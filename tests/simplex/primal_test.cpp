@@ -5,7 +5,6 @@
 
 namespace
 {
-
 // Solves as set up; with `x` from that point.
 const sopt *solve(TVXmodel *model, SimplexMethod method, const double *x = nullptr)
 {
@@ -55,7 +54,6 @@ int superbasics_left(const sopt *s)
     for (int j = 0; j < s->NumVars; j++) count += is_superbasic(s, j);
     return count;
 }
-
 } // namespace
 
 // The other kinds are drawn in models/tiny_lp_test.cpp and models/differential_test.cpp.

@@ -22,7 +22,6 @@ struct DictionaryEnd {
 
 namespace dictionary
 {
-
 inline constexpr int PATIENCE = 3; // pivots per variable before Bland's order
 
 using Number = mpf_class;
@@ -241,7 +240,6 @@ inline int make_optimal(Dictionary *d, int *way)
     }
     return -1;
 }
-
 } // namespace dictionary
 
 // No range may be crossed.

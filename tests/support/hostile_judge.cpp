@@ -74,7 +74,6 @@ HostileOutcome hostile_solve(TVXenv *env, const LpModel *lp, const Settings &set
 
 namespace
 {
-
 struct Point {
     const LpModel *lp = nullptr;
     const HostileOutcome *outcome = nullptr;
@@ -82,7 +81,6 @@ struct Point {
     long double residual = 0; // largest difference of RC from c - pi A that is not rounding
     long double primal = 0, dual = 0; // largest violations, less their rounding
 };
-
 } // namespace
 
 static void measure(Point *p)

@@ -10,7 +10,6 @@
 
 namespace
 {
-
 // The equation sum of terms = rhs.
 struct Equation {
     HostileTerms terms;
@@ -23,7 +22,6 @@ struct Plan {
     int base = 0;          // columns that no equation defines
     std::vector<Equation> equations;
 };
-
 } // namespace
 
 static double large_multiple(Dice *dice)

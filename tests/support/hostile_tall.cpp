@@ -10,7 +10,6 @@
 
 namespace
 {
-
 enum class Columns { MIXED, FREE, NONNEGATIVE, BOXED };
 
 struct Shape {
@@ -37,7 +36,6 @@ struct Plan {
     LpModel lp;
     std::vector<double> x; // [n] the point
 };
-
 } // namespace
 
 static double coefficient(Dice *dice, const Shape *shape)

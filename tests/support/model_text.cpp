@@ -4,7 +4,6 @@
 
 namespace
 {
-
 struct Reader {
     TVXmodel *model;
     std::string unreadable;
@@ -40,7 +39,6 @@ struct Reader {
                 use(static_cast<size_t>(k))->emplace_back(ind[p], val[p]);
     }
 };
-
 } // namespace
 
 ModelContent model_content(TVXmodel *model)
