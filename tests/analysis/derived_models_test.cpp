@@ -6,7 +6,6 @@
 #include "support/model_test.h"
 #include "support/model_text.h"
 #include "support/structured_gen.h"
-#include "support/text_model.h"
 #include <cmath>
 
 namespace
@@ -35,23 +34,19 @@ struct Derived : ModelTest {
         EXPECT_EQ(lp.lb, lb);
         EXPECT_EQ(lp.ub, ub);
     }
-    void load_text(const std::string &text)
+    void load_family(uint64_t seed)
     {
-        TVXfreemodel(model);
-        model = model_of_text(env.env, text);
-    }
-    void load_family(Dice *dice, bool periods)
-    {
-        load(periods ? gen_multi_period(dice, 8).lp : gen_planted_optimum(dice, 12).lp);
+        load(seed % 2 ? generated(gen_multi_period, 8, seed)
+                      : generated(gen_planted_optimum, 12, seed));
     }
     // Two integers, a semi-continuous variable, an SOS of two continuous ones: the optimum is another corner than
     // Start.
     void load_mixed(int start_count)
     {
         const double start[] = {2, 3, 0, 0, 1.5};
-        load_text("min - C0 - C1 + C2 - C3 - 2 C4 st cap: C0 + C1 - C2 + C3 + C4 <= 8\n"
-                  "bounds C0 <= 5 C1 <= 5 2 <= C2 <= 9 C3 <= 4 C4 <= 4\n"
-                  "general C0 C1 semi-continuous C2 sos S1:: C3:1 C4:2");
+        load("min - C0 - C1 + C2 - C3 - 2 C4 st cap: C0 + C1 - C2 + C3 + C4 <= 8\n"
+             "bounds C0 <= 5 C1 <= 5 2 <= C2 <= 9 C3 <= 4 C4 <= 4\n"
+             "general C0 C1 semi-continuous C2 sos S1:: C3:1 C4:2");
         if (start_count == 0) return;
         ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, start_count, start), 0);
     }
@@ -104,15 +99,14 @@ TEST_F(FixedModel, needs_values_that_the_model_allows)
 TEST_F(FixedModel, of_a_linear_model_is_the_set_of_its_optimal_solutions)
 {
     for (uint64_t seed = 0; seed < 40; seed++) {
-        Dice dice(seed);
-        load_family(&dice, seed % 2);
+        load_family(seed);
         none(TVXconverttofixed, "The model has no optimal solution to be fixed at");
         const double best = objective();
         const TestModel face(TVXconverttofixed(model));
         for (const int sense : {1, -1})
             EXPECT_NEAR(optimum(face, sense), best, 1e-6 * (1 + std::fabs(best)));
     }
-    load_text("max x + y st - x - y >= -4 x - y >= -2 bounds x <= 3");
+    load("max x + y st - x - y >= -4 x - y >= -2 bounds x <= 3");
     EXPECT_EQ(objective(), 4);
     const TestModel face(TVXconverttofixed(model));
     const double x_only[] = {1, 0};
@@ -126,8 +120,7 @@ TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
 {
     load_mixed(5);
     none(TVXfixedmodel, "The model has no solution to be fixed at");
-    MipResult *result = model->mip.result =
-        static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+    MipResult *result = model->mip.result = record_create<MipResult>();
     result->has_solution = 1;
     const double x[] = {3 + 2e-5, 4 - 1e-9, 2.5, 1.5, 1e-10};
     ASSERT_EQ(array_copy(&result->x, x, 5), 0);
@@ -135,16 +128,14 @@ TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
     ASSERT_TRUE(fixed);
     expect_bounds(fixed, {3, 4, 2, 0, 0}, {3, 4, 9, 4, 0});
     EXPECT_EQ(optimum(fixed, 1), -3 - 4 + 2 - 3);
-    Dice dice(1); // without integers it is a copy
-    load_family(&dice, true);
+    load_family(1); // without integers it is a copy
     EXPECT_EQ(optimum(TestModel(TVXfixedmodel(model)), 1), objective());
 }
 
 TEST_F(PresolvedModel, is_smaller_has_the_same_value_and_the_names_of_what_is_left)
 {
     for (uint64_t seed = 0; seed < 30; seed++) {
-        Dice dice(seed);
-        load(gen_multi_period(&dice, 12).lp);
+        load(generated(gen_multi_period, 12, seed));
         const double value = value_of(model), iterations = dbl("IterCount");
         const TestModel reduced(TVXpresolvemodel(model));
         EXPECT_EQ(dbl("IterCount"), iterations) << "the source keeps its figures";
@@ -166,7 +157,7 @@ TEST_F(PresolvedModel, is_smaller_has_the_same_value_and_the_names_of_what_is_le
 
 TEST_F(PresolvedModel, may_be_empty_or_not_exist)
 {
-    load_text("max 2 x st c: x <= 3");
+    load("max 2 x st c: x <= 3");
     EXPECT_EQ(value_of(TestModel(TVXpresolvemodel(model))), 6);
     ASSERT_EQ(TVXsetdblattrelement(model, "RHS", 0, -1), 0);
     update();
@@ -177,8 +168,7 @@ TEST_F(PresolvedModel, may_be_empty_or_not_exist)
 
 TEST_F(PresolvedModel, is_stopped_like_a_solve_but_not_by_what_came_before)
 {
-    Dice dice(3);
-    load_family(&dice, true);
+    load_family(3);
     TVXterminate(model); // nothing runs: nothing happens
     EXPECT_TRUE(TestModel(TVXpresolvemodel(model)));
     int refused = 0;
@@ -198,9 +188,9 @@ TEST_F(PresolvedModel, is_stopped_like_a_solve_but_not_by_what_came_before)
 
 TEST_F(RelaxedModel, holds_every_point_of_the_model)
 {
-    load_text("min a + 2 b + 3 c + 4 d + 5 e + 6 f st cover: a + b + c + d + e + f >= 8\n"
-              "bounds 0.5 <= a <= 5.5 b <= 9 2 <= c <= 6 -4 <= d <= -3 3 <= e <= 1\n"
-              "f >= -1 general a d binary b semi-continuous c d e sos S1:: a:1 b:2");
+    load("min a + 2 b + 3 c + 4 d + 5 e + 6 f st cover: a + b + c + d + e + f >= 8\n"
+         "bounds 0.5 <= a <= 5.5 b <= 9 2 <= c <= 6 -4 <= d <= -3 3 <= e <= 1\n"
+         "f >= -1 general a d binary b semi-continuous c d e sos S1:: a:1 b:2");
     const std::string before = model_text(model);
     const TestModel relaxed(TVXrelaxmodel(model));
     ASSERT_TRUE(relaxed);
@@ -212,18 +202,17 @@ TEST_F(RelaxedModel, holds_every_point_of_the_model)
 TEST_F(RelaxedModel, feasibility_is_zero_exactly_for_feasible_models)
 {
     for (uint64_t seed = 0; seed < 20; seed++) {
-        Dice dice(seed);
-        load_family(&dice, seed % 2);
+        load_family(seed);
         ASSERT_EQ(TVXsetdblparam(own(), "Cutoff", -1e9), 0);
         EXPECT_NEAR(value_of(TestModel(TVXfeasibility(model))), 0, 1e-9);
-        load(gen_planted_infeasible(&dice, 12).lp);
+        load(generated(gen_planted_infeasible, 12, seed));
         EXPECT_GT(value_of(TestModel(TVXfeasibility(model))), 1e-6);
     }
 }
 
 TEST_F(RelaxedModel, feasibility_measures_each_side)
 {
-    load_text("max x + y st R0: x + y <= 4 R1: x - y >= 7 R2: x + 2 y = 12 bounds x <= 6");
+    load("max x + y st R0: x + y <= 4 R1: x - y >= 7 R2: x + 2 y = 12 bounds x <= 6");
     const TestModel elastic(TVXfeasibility(model));
     EXPECT_EQ(value_of(elastic), 2 + 1 + 6); // at (6, 0) or beyond
     const double point[] = {6, 0};           // its violations are the new variables
@@ -252,10 +241,8 @@ TEST_F(Derived, models_have_names_and_need_a_source)
         {TVXconverttofixed, "_fixed"},
         {TVXrelaxmodel, "_relaxed"},
         {TVXfeasibility, "_feasibility"}};
-    Dice dice(9);
-    LpModel empty; // all of it is gone after presolve
-    lp_add_var(&empty, 1, 2, 5);
-    for (const LpModel &lp : {gen_multi_period(&dice, 12).lp, empty})
+    const LpModel gone = lp_make({{1, 2, 5}}, {}); // after presolve
+    for (const LpModel &lp : {generated(gen_multi_period, 12, 9), gone})
         for (const char *name : {"", "plan"}) {
             load(lp);
             ASSERT_EQ(TVXsetstrattr(model, "ModelName", name), 0);

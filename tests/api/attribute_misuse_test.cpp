@@ -1,13 +1,11 @@
 // attribute_misuse_test.cpp -- attribute calls used wrongly: each mistake has its code and its text, and changes
 // nothing
 #include "support/model_test.h"
-#include "support/text_model.h"
 #include <climits>
 #include <cmath>
 
 namespace
 {
-
 struct AttributeMisuse : ModelTest {
     int i = 5;
     double d = 5;
@@ -17,12 +15,8 @@ struct AttributeMisuse : ModelTest {
     double two_d[2];
     const int ind[2] = {1, 0};
 
-    void SetUp() override
-    {
-        model = model_of_text(env.env, "min x + 2 y st x + y <= 5 bounds x <= 10 y <= 10");
-    }
+    void SetUp() override { load("min x + 2 y st x + y <= 5 bounds x <= 10 y <= 10"); }
 };
-
 } // namespace
 
 TEST_F(AttributeMisuse, names_types_and_shapes_are_checked)

@@ -13,7 +13,6 @@
 
 namespace
 {
-
 struct Callback : ModelTest {
     std::map<int, int> calls; // by where
     std::string log;
@@ -34,8 +33,7 @@ struct Callback : ModelTest {
 
     void SetUp() override
     {
-        Dice dice(1);
-        load(gen_assignment(&dice, 20).lp);
+        load(generated(gen_assignment, 20, 1));
         ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
     }
     int solve(int presolve)
@@ -47,7 +45,6 @@ struct Callback : ModelTest {
         return TVXoptimize(model);
     }
 };
-
 } // namespace
 
 TEST_F(Callback, is_called_from_everywhere_and_a_silent_one_changes_nothing)

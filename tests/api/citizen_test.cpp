@@ -9,7 +9,6 @@
 
 namespace
 {
-
 // What every signal leads to, and how many files there are.
 std::string seen_from_outside()
 {
@@ -36,15 +35,13 @@ int look(TVXmodel *, void *, int where, void *usrdata)
     inside->changed += seen_from_outside() != inside->before;
     return 0;
 }
-
 } // namespace
 
 TEST_F(ModelTest, a_solve_makes_no_file_and_takes_no_signal)
 {
     const Scratch scratch;
     setenv("TMPDIR", scratch.path.c_str(), 1);
-    Dice dice(1);
-    load(gen_multi_period(&dice, 12).lp);
+    load(generated(gen_multi_period, 12, 1));
     Inside inside;
     ASSERT_EQ(TVXsetcallbackfunc(model, look, &inside), 0);
     for (const int method : {0, 1}) {

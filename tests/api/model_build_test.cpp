@@ -3,22 +3,16 @@
 // That good calls in any order make the right model is what fuzz/corpus_test.cpp looks at.
 #include "support/model_test.h"
 #include "support/model_text.h"
-#include "support/text_model.h"
 #include <climits>
 #include <cmath>
 
 namespace
 {
-
 constexpr std::nullptr_t NONE = nullptr;
 constexpr double INF = HUGE_VAL;
 
 struct ModelBuild : ModelTest {
-    void SetUp() override
-    {
-        model =
-            model_of_text(env.env, "max 5 x + y + 0 z + 3 st x + 2 y >= 3 s: 4 x - z = 5");
-    }
+    void SetUp() override { load("max 5 x + y + 0 z + 3 st x + 2y >= 3 s: 4 x - z = 5"); }
     void made(int n, const double *lb, const double *ub, const char *types, char **names)
     {
         TVXfreemodel(model);
@@ -177,7 +171,6 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     queue();
     update();
     const std::string before = model_text(model);
-    TVXfreemodel(model);
     SetUp();
     queue();
     refused(10018, no_vars, add_vars(3, beg, twice, val));
@@ -189,8 +182,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
     refused(10002, no_vars, add_vars(3, beg, twice, nullptr));
     refused(10003, "Variable 1 has an unknown type (character code 0)",
             TVXaddvars(model, 2, 0, NONE, NONE, NONE, NONE, NONE, NONE, "C", NONE));
-    refused(10006, no_rows,
-            TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE)); // it is no element yet
+    refused(10006, no_rows, TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE)); // not yet
     refused(10018, no_rows, add_rows(twice, val, nullptr));
     refused(10002, no_rows, add_rows(twice, nullptr, nullptr));
     refused(10003, nan, add_rows(twice, val, bad));
@@ -225,8 +217,7 @@ TEST_F(ModelBuild, adds_and_changes_that_fail_queue_nothing_and_say_why)
             EXPECT_EQ(code, 0);
     update();
     EXPECT_EQ(model_text(model), before);
-    EXPECT_EQ(TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE),
-              0); // it is an element now
+    EXPECT_EQ(TVXaddconstr(model, 1, vars + 1, val, '<', 1, NONE), 0); // but now
 }
 
 TEST_F(ModelBuild, queries_say_which_index_is_wrong)
@@ -298,5 +289,4 @@ TEST_F(ModelBuild, a_copy_leaves_queued_changes_behind_and_warns)
         update();
     }
 }
-
 } // namespace

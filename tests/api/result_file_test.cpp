@@ -1,6 +1,5 @@
 // result_file_test.cpp -- ResultFile: the result of this solve or no file, and only for the caller's own model
 #include "support/model_test.h"
-#include "support/text_model.h"
 #include <gmock/gmock.h>
 
 namespace
@@ -11,9 +10,7 @@ struct ResultFile : ModelTest {
     // max x + y, x + 2y <= 4, 3x + y <= limit: infeasible with a limit below 0
     void load_with(int limit, const char *file)
     {
-        TVXfreemodel(model);
-        model = model_of_text(env.env, "max x + y st x + 2 y <= 4\n3 x + y <= " +
-                                           std::to_string(limit));
+        load("max x + y st x + 2 y <= 4\n3 x + y <= " + std::to_string(limit));
         ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", file), 0);
     }
     void expect_log(const std::string &text)
@@ -67,10 +64,8 @@ TEST_F(ResultFile, a_point_that_is_not_optimal_is_called_so)
     ASSERT_EQ(TVXoptimize(model), 0);
     EXPECT_EQ(file_get("x.sol").find('#'), std::string::npos); // no name, and optimal
     ASSERT_EQ(TVXresetmodel(model), 0);
-    ASSERT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
-    ASSERT_EQ(TVXsetdblparam(own(), "IterationLimit", 0), 0);
-    ASSERT_EQ(TVXoptimize(model), 0);
-    ASSERT_EQ(integer("Status"), TVX_ITERATION_LIMIT);
+    ASSERT_EQ(settings_apply(own(), {{"Presolve", 0}, {"IterationLimit", 0}}), 0);
+    ASSERT_EQ(solved(), TVX_ITERATION_LIMIT);
     EXPECT_THAT(
         file_get("x.sol"),
         testing::StartsWith("# Not optimal (iteration limit): violates bounds by 0, "

@@ -3,7 +3,6 @@
 // That what is set is what is read is looked at by fuzz/corpus_test.cpp.
 #include "attributes/attribute_table.h"
 #include "support/model_test.h"
-#include "support/text_model.h"
 #include <cctype>
 #include <fstream>
 #include <set>
@@ -12,9 +11,8 @@
 struct AttributeTableTest : ModelTest {
     void SetUp() override
     {
-        model = model_of_text(env.env,
-                              "max 3 x - y + 7 st x + 2 y <= 8  R1: x - y >= -2  R2: x "
-                              "+ y = 4 bounds y free");
+        load("max 3 x - y + 7 st x + 2 y <= 8  R1: x - y >= -2  R2: x + y = 4 "
+             "bounds y free");
     }
 };
 

@@ -3,7 +3,6 @@
 #include "body/certificate.h"
 #include "support/model_test.h"
 #include <cmath>
-#include <gtest/gtest.h>
 
 static constexpr double INF = 1e30;
 
@@ -36,8 +35,7 @@ TEST_F(Certificate, rows_that_bounds_cannot_meet_are_infeasible)
     EXPECT_FALSE(farkas({1, 1.5})) << "a side without bound";
     for (const double size : {-1.0, 0.0, double{NAN}, HUGE_VAL})
         EXPECT_FALSE(farkas({size, 0})) << size;
-    for (const double above :
-         {0.0, 2.9e-9, 3.1e-9}) { // two bounds and a row, a billionth each
+    for (const double above : {0.0, 2.9e-9, 3.1e-9}) { // 1e-9 for each bound and the row
         load(too_much(2 + above));
         EXPECT_EQ(farkas({1, 0}), above > 3e-9) << above;
     }

@@ -4,12 +4,10 @@
 // a solve does not come across: factors of a scaling, what is no number, signs of the body, integer models.
 #include "body/quality.h"
 #include "support/model_test.h"
-#include "support/text_model.h"
 #include <cmath>
 
 namespace
 {
-
 // Optimum (0, 1, 3), value 2, Pi = (2, 0, -2), RC = (1, 0, 0), slack of row 1 is 3.
 struct QualityOfLp : ModelTest {
     std::vector<double> x{0, 1, 3}, pi{2, 0, -2}, rc{1, 0, 0};
@@ -19,9 +17,9 @@ struct QualityOfLp : ModelTest {
 
     void SetUp() override
     {
-        model = model_of_text(env.env, "min x0 + 2 x1 + 0 x2\n"
-                                       "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
-                                       "bounds x0 <= 2 x2 free");
+        load("min x0 + 2 x1 + 0 x2\n"
+             "st x0 + x1 + x2 >= 4  x0 - x1 <= 2  x0 + x2 = 3\n"
+             "bounds x0 <= 2 x2 free");
     }
     void measure(PointSigns signs = PointSigns::CALLER)
     {
@@ -48,7 +46,6 @@ std::string text_of(const Quality &q)
         text += testing::PrintToString(std::tuple(v->max, v->sum, v->index));
     return text;
 }
-
 } // namespace
 
 TEST_F(QualityOfLp, the_scaled_measures_use_the_factors)
@@ -92,10 +89,10 @@ struct QualityOfMip : ModelTest {
 
     void SetUp() override
     {
-        model = model_of_text(env.env, "min st v + i + b + s + n <= 12\n"
-                                       "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
-                                       "general i n binary b semi-continuous s n\n"
-                                       "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
+        load("min st v + i + b + s + n <= 12\n"
+             "bounds v <= 10 i <= 10 2 <= s <= 5 2 <= n <= 5\n"
+             "general i n binary b semi-continuous s n\n"
+             "sos S1:: v:1 i:2 b:3 S2:: v:1 i:2 b:3 s:4");
     }
     // What is printed while the point is measured.
     std::string measure(const std::vector<double> &x)

@@ -24,7 +24,8 @@ enum class Confine { NO, ONE_THREAD };
 extern const char *const PLAN_MODEL;
 extern const char *const INFEASIBLE_MODEL;
 
-// A test in a folder of its own, which is the current folder of every run; plan.mps and never.mps are there.
+// A test in a folder of its own, which is the current folder of every run. There are plan.mps and never.mps, whole.lp
+// with an integer variable, and broken.mps, which is refused at line 3.
 class Command : public testing::Test
 {
   public:

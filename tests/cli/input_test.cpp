@@ -3,7 +3,6 @@
 
 namespace
 {
-
 static constexpr const char *PLAN_LP =
     "\n\\ a plan\nMAXIMIZE 3x + 2y\nst x + y <= 4\nx + 3y <= 6\n"
     "bounds x <= 3\nend\n";
@@ -74,5 +73,4 @@ TEST_F(CliInput, ASignalRemovesTheCopyOfStandardInput)
         EXPECT_EQ(system((start + end).c_str()), 0) << signal;
     }
 }
-
 } // namespace

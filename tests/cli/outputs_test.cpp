@@ -6,7 +6,6 @@ namespace fs = std::filesystem;
 
 namespace
 {
-
 struct CliOutputs : Command {
     void SetUp() override
     {
@@ -83,7 +82,6 @@ TEST_F(CliOutputs, NoSlipOfTheCommandLineCostsAFile)
 TEST_F(CliOutputs, NothingStandsFromAnEarlierCall)
 {
     file_put("wrong.prm", "ResultFile named.sol\nNoSuch 1\n");
-    file_put("broken.mps", "ROWS\n what is this\n");
     for (const Words &last : {Words{"--params", "absent.prm", "plan.mps"},
                               {"--params", "wrong.prm", "plan.mps"},
                               {"absent.mps"},
@@ -158,5 +156,4 @@ TEST_F(CliOutputs, AParameterFileKeepsLinksAndModes)
               0);
     EXPECT_EQ(file_get("got"), "TimeLimit  60\nOutputFlag  0\n");
 }
-
 } // namespace

@@ -63,7 +63,6 @@ TEST_F(CliSolve, ResultFilesAreThoseOfThisSolve)
     ends(0, {"ResultFile=plan.sol", "Result_File=again.MPS", "plan.mps"});
     EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
     EXPECT_THAT(file_get("again.MPS"), HasSubstr("ENDATA"));
-    file_put("whole.lp", "min x st c: x >= 1 general x end\n");
     for (const char *file : {"x.sol", "x.bas", "x.mst"})
         for (const char *model : {"never.mps", "whole.lp"}) {
             file_put(file, "older\n");
@@ -105,7 +104,6 @@ TEST_F(CliSolve, OutputFlagZeroIsSilentOnBothStreamsAlsoAboutErrors)
 {
     file_put("set.prm", "Presolve 0\n");
     file_put("plan.bas", "NAME plan\nENDATA\n");
-    file_put("broken.mps", "ROWS\n what is this\n");
     file_put("tarvex.env", "OutputFlag 0\nPresolve 0\nNoSuch 1\n");
     const std::pair<Words, int> calls[] = {
         {{"plan.mps", "never.mps"}, 0},

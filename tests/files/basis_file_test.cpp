@@ -1,7 +1,6 @@
 // basis_file_test.cpp -- bases and starts through files: exactly what was written comes back
 #include "files/files.h"
 #include "files/files_support.h"
-#include "support/dice.h"
 
 struct BasisFile : Files {
     std::vector<int> vbasis, cbasis;
@@ -115,10 +114,7 @@ TEST_F(BasisFile, UnknownNamesEndTheReadAndLeaveTheirMessage)
 
 TEST_F(BasisFile, NumberedNamesStandForElementsWithoutName)
 {
-    LpModel lp;
-    for (int j = 0; j < 3; j++) lp_add_var(&lp, 0, 0, LP_INFINITY);
-    for (int i = 0; i < 2; i++) lp_add_row(&lp, '<', 1);
-    take(lp, {}, {});
+    take(lp_make({{}, {}, {}}, {{{}, '<', 1}, {{}, '<', 1}}), {}, {});
     EXPECT_EQ(read_bas(" XL C1 R0000001\n XL C0000002 R0\nENDATA\n"), "");
     EXPECT_EQ(basis(), (std::vector<int>{-1, 0, 0, -1, -1}));
     EXPECT_EQ(read_bas(" XL C3 R0\nENDATA\n"),

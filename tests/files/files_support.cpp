@@ -55,6 +55,18 @@ std::string stored_text(const TVXmodel *model, Names names)
     return text.str();
 }
 
+std::string round_trip(TVXmodel *model, const std::string &name, Names names)
+{
+    TVXmodel *read = nullptr;
+    const bool written = TVXwrite(model, name.c_str()) == 0;
+    if (!written || TVXreadmodel(TVXgetenv(model), name.c_str(), &read))
+        return name + (written ? " is not read back: " : " is not written: ") +
+               TVXgetmerrormsg(model);
+    const TestModel back(read);
+    const std::string was = stored_text(model, names), is = stored_text(back, names);
+    return was == is ? "" : was + "became\n" + is;
+}
+
 void Files::TearDown()
 {
     TVXfreemodel(model);
@@ -134,16 +146,9 @@ void Files::take(const LpModel &lp, std::vector<std::string> vars,
 
 std::string Files::round_trip(const std::string &name, Names names)
 {
-    TVXmodel *back = nullptr;
     Output output;
     remove(name.c_str());
-    if (const int code = TVXwrite(model, name.c_str()))
-        return "write: " + std::to_string(code) + " " + TVXgetmerrormsg(model);
-    if (const int code = TVXreadmodel(env, name.c_str(), &back))
-        return "read: " + std::to_string(code) + " " + message();
-    const std::string was = stored_text(model, names), is = stored_text(back, names);
-    TVXfreemodel(back);
-    return was == is ? "" : was + "became\n" + is;
+    return ::round_trip(model, name, names);
 }
 
 std::string Files::content() const

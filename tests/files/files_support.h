@@ -10,6 +10,8 @@
 enum class Names { COMPARE, IGNORE };
 std::string stored_text(const TVXmodel *model, Names names);
 std::string shown(double value); // infinities as "inf"
+// Writes the model under the name, reads it again, and shows both if they differ; "" if not.
+std::string round_trip(TVXmodel *model, const std::string &name, Names names);
 
 // An environment and an empty current directory.
 struct Files : Env {
@@ -38,9 +40,7 @@ struct Files : Env {
     void take(const LpModel &lp, std::vector<std::string> vars,
               std::vector<std::string> rows);
 
-    // Writes `model` under the name, reads it again, and shows both if they differ; "" if not.
-    std::string round_trip(const std::string &name, Names names);
-
+    std::string round_trip(const std::string &name, Names names); // of `model`, in silence
     std::string warnings() const { return log.substr(0, log.find("Read ")); }
     std::string content() const; // of `model`: stored_text with its names, on one line
     int column(const std::string &name) const; // -1 when there is none

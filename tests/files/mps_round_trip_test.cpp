@@ -6,7 +6,6 @@
 
 namespace
 {
-
 double any_number(Dice *dice)
 {
     const double numbers[] = {
@@ -39,8 +38,7 @@ std::string any_name(Dice *dice, int k, int style)
     std::string name;
     const int count = dice->range(1, style == 2 ? 1 : 3), number = dice->chance(95) ? k : 0;
     for (int c = 0; c < count; c++) name += parts[dice->range(0, std::size(parts) - 1)];
-    if (style == 2)
-        return name.substr(0, 7) + std::to_string(number); // short, often with blanks
+    if (style == 2) return name.substr(0, 7) + std::to_string(number); // often with blanks
     return name + (dice->chance(50) ? "" : "_" + std::to_string(number));
 }
 
@@ -62,7 +60,6 @@ bool fit_a_file(const std::vector<std::string> &vars, const std::vector<std::str
     }
     return fit && (!blanks || longest <= 8);
 }
-
 } // namespace
 
 struct MpsRoundTrip : Files {

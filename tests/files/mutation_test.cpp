@@ -42,8 +42,7 @@ TEST(Mutation, DamagedFilesAreServedOrRefusedAndNothingElse)
 {
     const Scratch scratch;
     Dice dice(20);
-    std::map<std::filesystem::path, std::string>
-        corpus; // in order, whatever the file system says
+    std::map<std::filesystem::path, std::string> corpus; // in the order of names
     for (const auto &entry : std::filesystem::recursive_directory_iterator(
              TARVEX_SOURCE_DIR "/tests/fuzz/corpus"))
         if (entry.is_regular_file() && entry.path().parent_path().filename() != "api")

@@ -39,10 +39,7 @@ TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
         std::string plain;
         for (const std::string &variant : variants) {
             SCOPED_TRACE(name + ": " + variant);
-            LpModel lp;
-            for (int j = 0; j < 2; j++) lp_add_var(&lp, 1, 0, 9);
-            lp_add_row_entries(&lp, {{0, 1}, {1, 1}}, '>', 1);
-            take(lp, {"a", "b"}, {"b"});
+            take(lp_make({{1, 0, 9}, {1, 0, 9}}, {{{1, 1}, '>', 1}}), {"a", "b"}, {"b"});
             file_put(name, variant);
             ASSERT_EQ(
                 (name == "t.lp" || name == "t.mps") ? read_file(name) : read_into(name), 0)

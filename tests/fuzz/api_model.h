@@ -2,7 +2,6 @@
 #pragma once
 #include "model/store_player.h"
 #include "support/lp_tarvex.h"
-#include "support/settings.h"
 #include <map>
 
 // What the callback of a model does, and what it has seen. Drawn once for each solve.
@@ -12,8 +11,7 @@ struct Watch {
     int at_call = 0;     // the call at which it does so, and tries what is forbidden
     bool queues = false; // at that call it also makes moves of the player
     int calls = 0;
-    bool busy =
-        false; // inside a call: what is logged by calls made there comes as one of its own
+    bool busy = false;  // inside a call: what calls made there log is heard as a call, too
     bool asked = false; // the solve was asked to stop
     std::string wrong;
 };

@@ -109,7 +109,6 @@ double draw_value(Dice *dice, const ParameterRow &p)
     if (small >= p.minimum && small <= p.maximum) return small;
     return dice->chance(50) ? p.minimum : p.maximum;
 }
-
 } // namespace
 
 std::string api_query(ApiModel *a)

@@ -4,10 +4,8 @@
 //             meet the optimality conditions. A limit that was set, a cutoff or a callback may end it otherwise, but
 //             only in the way that belongs to it. Parameters must be as they were set.
 #include "fuzz/api_model.h"
-#include "support/model_gen.h"
 #include "support/quality_check.h"
 #include "support/solve_judge.h"
-#include <cmath>
 
 namespace
 {
@@ -50,11 +48,9 @@ std::string check_available(ApiModel *a)
     const int code = lp_read_point(a->model, &point);
     const bool has = code == 0;
     if ((must && !has) || (has && !may))
-        return "status " + std::to_string(status) + ", the point answers " +
-               std::to_string(code);
+        return formatted("status %d, the point answers %d", status, code);
     for (const auto *list : {&point.x, &point.rc, &point.pi, &point.slack})
-        for (const double v : *list)
-            if (has && !std::isfinite(v)) return "a point that is not finite";
+        if (has && !all_finite(*list)) return "a point that is not finite";
     return "";
 }
 
@@ -71,7 +67,6 @@ std::string check_parameters(const ApiModel *a)
     }
     return "";
 }
-
 } // namespace
 
 std::string api_solve(ApiModel *a)

@@ -1,7 +1,6 @@
 // lp_driver_test.cpp -- the route of a linear program as a caller sees it: log lines, statuses, second solves
 //
 // Values and multipliers are judged in tests/models; what survives an update is in model_update_test.cpp.
-#include "model/model.h"
 #include "support/model_test.h"
 #include <algorithm>
 #include <cmath>
@@ -9,14 +8,12 @@
 
 namespace
 {
-
 // min x0 + 2 x1    x0 + x1 + x2 >= 4    x0 - x1 <= 2    x0 + x2 = 3    0 <= x0 <= 2,  0 <= x1,  x2 free
 // Optimum (0, 1, 3), value 2.
 LpModel small_lp()
 {
-    LpModel lp = lp_make({{1, 0, 2}, {2}, {0, -LP_INFINITY}},
-                         {{{1, 1, 1}, '>', 4}, {{1, -1}, '<', 2}, {{1, 0, 1}, '=', 3}});
-    return lp;
+    return lp_make({{1, 0, 2}, {2}, {0, -LP_INFINITY}},
+                   {{{1, 1, 1}, '>', 4}, {{1, -1}, '<', 2}, {{1, 0, 1}, '=', 3}});
 }
 
 struct LpDriver : ModelTest {
@@ -59,7 +56,6 @@ struct LpDriver : ModelTest {
         return line;
     }
 };
-
 } // namespace
 
 TEST_F(LpDriver, writes_its_lines_in_order_and_only_the_last_ones_for_what_is_solved)
@@ -86,12 +82,9 @@ TEST_F(LpDriver, writes_its_lines_in_order_and_only_the_last_ones_for_what_is_so
 
 TEST_F(LpDriver, logs_no_objective_at_bounds_that_do_not_exist)
 {
-    // neither variable has an upper bound, both costs pull upwards
-    LpModel lp = lp_make({{1}, {2}}, {{{1, 1}, '<', 4}});
-    lp.sense = -1;
-    for (const int method : {0, 1}) {
-        load(lp);
-        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+    for (const double method : {0, 1}) {
+        // neither variable has an upper bound, both costs pull upwards
+        load(lp_make({{1}, {2}}, {{{1, 1}, '<', 4}}, -1), {{"LPMethod", method}});
         const std::vector<std::string> lines = solve_log();
         double iterations = -1, objective = LP_INFINITY;
         ASSERT_EQ(sscanf(lines[2].c_str(), "%lf %lf", &iterations, &objective), 2);

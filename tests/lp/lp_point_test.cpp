@@ -5,8 +5,7 @@
 
 TEST_F(ModelTest, a_point_without_simplex_record_has_all_attributes_but_those_of_a_basis)
 {
-    Dice dice(3);
-    const LpModel lp = gen_blending(&dice, 20).lp;
+    const LpModel lp = generated(gen_blending, 20, 3);
     load(lp);
     LpSolution with, without;
     ASSERT_EQ(lp_solve(model, &with), 0);

@@ -3,16 +3,13 @@
 #include "lp/lp_start.h"
 #include "simplex/sopt.h"
 #include "support/model_test.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
 
 struct LpStartTest : ModelTest {
     // Stopped amid the reduced model.
     void SetUp() override
     {
-        Dice dice(5);
-        load(gen_multi_period(&dice, 30).lp);
-        ASSERT_EQ(settings_apply(own(), {{"Presolve", 1}, {"IterationLimit", 5}}), 0);
+        load(generated(gen_multi_period, 30, 5), {{"Presolve", 1}, {"IterationLimit", 5}});
         ASSERT_EQ(TVXoptimize(model), 0);
         ASSERT_NE(model->lp.form, nullptr);
     }

@@ -5,19 +5,14 @@
 
 namespace
 {
-
 struct MipEpilogue : ModelTest {
     MipResult *result = nullptr;
 
     void SetUp() override
     {
-        const double ub[] = {10, 10};
-        ASSERT_EQ(
-            TVXnewmodel(env.env, &model, nullptr, 2, nullptr, nullptr, ub, "II", nullptr),
-            0);
+        load("min 0 x + 0 y bounds x <= 10 y <= 10 general x y");
         ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-        result = model->mip.result =
-            static_cast<MipResult *>(MemAllocZero(1, sizeof(MipResult)));
+        result = model->mip.result = record_create<MipResult>();
         model->mip.body = model->body;
         model->mip.env = model->env;
         result->status = TVX_OPTIMAL;
@@ -40,7 +35,6 @@ struct MipEpilogue : ModelTest {
         return text.substr(text.find('\n', threads) + 1);
     }
 };
-
 } // namespace
 
 TEST_F(MipEpilogue, has_a_line_for_every_status)

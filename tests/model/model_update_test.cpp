@@ -1,7 +1,6 @@
 // model_update_test.cpp -- what an update does inside: which basis survives, what is kept, what is forgotten
 #include "model/model_store.h"
 #include "model/warm_start.h"
-#include "simplex/simplex.h"
 #include "support/model_test.h"
 #include <climits>
 #include <cmath>
@@ -9,7 +8,6 @@
 
 namespace
 {
-
 const int A_ROW = 0; // its slack is nonbasic at the optimum
 const int B_ROW = 1; // its slack is basic
 const int Y_VAR = 1; // basic
@@ -22,11 +20,9 @@ constexpr std::nullptr_t NONE = nullptr;
 struct ModelUpdate : ModelTest {
     void SetUp() override
     {
-        LpModel lp =
-            lp_make({{3, 0, 3}, {2}, {1}},
-                    {{{1, 1, 1}, '<', 4}, {{1, 3, 0}, '<', 7}, {{1, 0, -1}, '>', -5}});
-        lp.sense = -1;
-        load(lp);
+        load(lp_make({{3, 0, 3}, {2}, {1}},
+                     {{{1, 1, 1}, '<', 4}, {{1, 3, 0}, '<', 7}, {{1, 0, -1}, '>', -5}},
+                     -1));
     }
     void optimize() { EXPECT_NEAR(objective(), 11, 1e-9); }
     bool live() const { return model->lp.simplex != nullptr; }
@@ -308,5 +304,4 @@ TEST_F(ModelUpdate, the_checker_sees_planted_faults)
     sees(body->row_val[0], 9.0, "row-wise copy, column, 0");
 }
 #endif
-
 } // namespace

@@ -6,7 +6,6 @@
 
 namespace
 {
-
 // A list of vectors in the form that calls take.
 struct Compressed {
     std::vector<int> beg, ind;
@@ -38,7 +37,6 @@ std::vector<char *> pointers(std::vector<std::string> *texts)
     for (std::string &text : *texts) list.push_back(text.empty() ? nullptr : text.data());
     return list;
 }
-
 } // namespace
 
 void StorePlayer::expect(int code, int returned, int line)

@@ -11,16 +11,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
 
-static constexpr double REFERENCE_TOL =
-    1e-6; // published values are good to more digits than that
-static constexpr double POINT_TOL = 1e-6; // unscaled violations
+static constexpr double REFERENCE_TOL = 1e-6; // published values have more digits
+static constexpr double POINT_TOL = 1e-6;     // unscaled violations
 
 namespace
 {
-
 struct Instance {
     std::string file;   // full name
     std::string name;   // collection/model
@@ -34,7 +31,6 @@ void PrintTo(const Instance &instance, std::ostream *out)
 {
     *out << instance.name;
 }
-
 } // namespace
 
 static std::string from_environment(const char *name, const char *otherwise)
@@ -123,8 +119,7 @@ TEST_P(Collection, is_read_whole_and_written_the_same)
     const TestModel model(read);
     const int ranges = read->body->numvars - instance.cols;
     EXPECT_EQ(read->body->numconstrs, instance.rows);
-    if (instance.name !=
-        "infeasible/gas11.mps.gz") { // twelve tiny ones are not counted there
+    if (instance.name != "infeasible/gas11.mps.gz") { // twelve tiny ones are not counted
         EXPECT_EQ(read->body->numnz - ranges, instance.nonzeros);
     }
     for (const auto &[file, names] :

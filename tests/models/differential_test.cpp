@@ -9,12 +9,10 @@
 #include "simplex/sopt.h"
 #include "support/structured_gen.h"
 #include <array>
-#include <gtest/gtest.h>
 #include <thread>
 
 namespace
 {
-
 struct Subject {
     int seed = 0;
     const char *family = "";
@@ -24,7 +22,6 @@ struct Subject {
         return std::string(family) + " seed " + std::to_string(seed) + "\n";
     }
 };
-
 } // namespace
 
 static int subject_count()
@@ -37,8 +34,7 @@ static Subject make_subject(int seed, Dice *dice)
     const FamilyRow &family =
         all_families()[static_cast<size_t>(seed) % all_families().size()];
     const int size = dice->chance(80) ? dice->range(3, 30) : dice->range(30, 90);
-    Subject s{.seed = seed, .family = family.name, .g = family.generate(dice, size)};
-    return s;
+    return {.seed = seed, .family = family.name, .g = family.generate(dice, size)};
 }
 
 static Settings method(int lp_method, int presolve)
@@ -50,7 +46,7 @@ static Settings method(int lp_method, int presolve)
 static std::string solve_checked(TVXmodel *model, const LpModel *lp, LpSolution *solution)
 {
     if (const int error = lp_solve(model, solution))
-        return "error " + std::to_string(error) + ": " + TVXgetmerrormsg(model);
+        return formatted("error %d: %s", error, TVXgetmerrormsg(model));
     return solution->status == TVX_OPTIMAL ? judge_optimal(lp, solution) : "";
 }
 
@@ -64,12 +60,12 @@ static std::string differs(const LpSolution &a, const LpSolution &b)
 // Empty when the planted truth is found.
 static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool presolve)
 {
-    static constexpr int STATUS[] = {0, TVX_OPTIMAL, TVX_INFEASIBLE,
+    static constexpr int STATUS[] = {TVX_OPTIMAL, TVX_INFEASIBLE,
                                      TVX_UNBOUNDED}; // by Truth
     const int expected = STATUS[static_cast<size_t>(g.truth)];
     const bool either = presolve && expected != TVX_OPTIMAL && s.status == TVX_INF_OR_UNBD;
-    if (expected == 0 || either || s.status == expected) return "";
-    return "status " + std::to_string(s.status) + ", planted " + std::to_string(expected);
+    if (either || s.status == expected) return "";
+    return formatted("status %d, planted %d", s.status, expected);
 }
 
 // Settings of any kind, with presolve in all its parts.
@@ -108,14 +104,13 @@ TEST(Differential, all_methods_and_reductions_find_the_planted_truth)
         for (size_t k = 0; k < ways.size(); k++) {
             SCOPED_TRACE(s.text() + settings_text(ways[k]));
             const bool presolve = k > 1;
-            const TestModel model(lp_load(env.env, &s.g.lp));
+            const TestModel model(lp_load(env.env, &s.g.lp, ways[k]));
             LpSolution solution;
-            ASSERT_EQ(settings_apply(TVXgetenv(model), ways[k]), 0);
             ASSERT_EQ(solve_checked(model, &s.g.lp, &solution), "")
                 << lp_to_mps(&s.g.lp, "");
             ASSERT_EQ(truth_missed(s.g, solution, presolve), "") << lp_to_mps(&s.g.lp, "");
             if (solution.status == TVX_OPTIMAL)
-                (presolve ? clean_up : iterations) += model.model->lp.simplex->NPvt;
+                (presolve ? clean_up : iterations) += model->lp.simplex->NPvt;
         }
     }
     EXPECT_LE(clean_up, 0.002 * iterations + 1);
@@ -139,10 +134,8 @@ TEST(Differential, solves_after_changes_agree_with_fresh_ones)
 static std::string play(TVXenv *env, const LpModel &lp, const Settings &settings,
                         LpSolution outcomes[2])
 {
-    const TestModel model(lp_load(env, &lp)), copy(TVXcopymodel(model));
-    if (!model || !copy || settings_apply(TVXgetenv(model), settings) ||
-        settings_apply(TVXgetenv(copy), settings))
-        return "load failed";
+    const TestModel model(lp_load(env, &lp, settings)), copy(TVXcopymodel(model));
+    if (!model || !copy) return "load failed";
     LpSolution again;
     std::string wrong = solve_checked(model, &lp, &outcomes[0]) +
                         solve_checked(copy, &lp, &again) + differs(outcomes[0], again);

@@ -13,8 +13,7 @@
 
 static constexpr int MAX_FAILURES = 3; // a family
 static constexpr int DEFAULTS_EVERY = 4;
-static constexpr uint64_t SETTINGS_SEED =
-    7000000; // their choices are not those of the model
+static constexpr uint64_t SETTINGS_SEED = 7000000; // not the choices of the model
 
 // Infeasible and unbounded are claims; one that exact arithmetic refutes is wrong whatever the numbers.
 static bool is_failure(const HostileFamily &family, Verdict verdict)

@@ -170,8 +170,7 @@ TEST(HostileJudge, sees_each_planted_fault_of_an_optimum)
         {Verdict::RIGHT, 0.9e-6, [](Outcome *) {}},
         {Verdict::WARNED, 1.1e-6, [](Outcome *o) { o->warned_primal = true; }},
         {Verdict::GROSS, 1.1e-3, [](Outcome *o) { o->warned_primal = true; }},
-        {Verdict::SILENT, 1.1e-6,
-         [](Outcome *o) { o->warned_dual = true; }}, // the other kind does not count
+        {Verdict::SILENT, 1.1e-6, [](Outcome *o) { o->warned_dual = true; }}, // other kind
         {Verdict::SILENT, 0, [](Outcome *o) { o->solution.pi[0] += 1.1e-6; }},
         {Verdict::SILENT, 0, [](Outcome *o) { o->solution.rc[0] += 1.1e-6; }},
         {Verdict::SILENT, 0, [](Outcome *o) { o->solution.x[0] = 1; }}, // not optimal

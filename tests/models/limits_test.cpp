@@ -6,7 +6,6 @@
 #include "support/hostile_gen.h"
 #include "support/model_gen.h"
 #include "support/quality_check.h"
-#include "support/settings.h"
 #include "support/solve_judge.h"
 #include "support/structured_gen.h"
 #include <cmath>
@@ -25,9 +24,8 @@ struct Legs {
     LpSolution whole, last;
 
     Legs(const LpModel &given, const Settings &settings)
-        : lp(given), model(lp_load(env.env, &lp))
+        : lp(given), model(lp_load(env.env, &lp, settings))
     {
-        EXPECT_EQ(settings_apply(own(), settings), 0);
         EXPECT_EQ(lp_solve(model, &whole), 0);
         EXPECT_EQ(TVXresetmodel(model), 0);
     }
@@ -76,12 +74,6 @@ const std::vector<Settings> ways = {
     {{"Presolve", -1}, {"PreDual", 1}, {"LPMethod", 0}},
 };
 
-LpModel example(Family family, int size, uint64_t seed = 42)
-{
-    Dice dice(seed);
-    return family(&dice, size).lp;
-}
-
 // Calls `use` with a run of every family by each of the ways to solve.
 template<class Use> void on_all_ways(const Use &use)
 {
@@ -90,7 +82,7 @@ template<class Use> void on_all_ways(const Use &use)
             for (const Family family :
                  {gen_multi_period, gen_network, gen_blending, gen_planted_optimum}) {
                 SCOPED_TRACE(settings_text(way));
-                Legs run(example(family, 60), way);
+                Legs run(generated(family, 60, 42), way);
                 ASSERT_EQ(judge_optimal(&run.lp, &run.whole), "");
                 use(&run);
                 if (testing::Test::HasFatalFailure()) return;
@@ -154,7 +146,7 @@ TEST(Limits, a_stopped_run_keeps_its_perturbation)
 {
     for (const Settings &way : direct_ways) {
         SCOPED_TRACE(settings_text(way));
-        Legs run(example(gen_assignment, 500, 7), way);
+        Legs run(generated(gen_assignment, 500, 7), way);
         EXPECT_TRUE(run.in_legs(20, static_cast<int>(run.whole.iterations / 10)));
         EXPECT_EQ(run.last.status, TVX_OPTIMAL);
     }
@@ -171,11 +163,11 @@ TEST(Limits, a_limit_in_the_run_behind_presolve_is_gone_on_from)
             Legs run(hostile_tall(&dice), way);
             run.anew(NONE);
             if (run.last.status != TVX_OPTIMAL ||
-                run.last.iterations <= run.model.model->lp.result->reduced_itercount)
+                run.last.iterations <= run.model->lp.result->reduced_itercount)
                 continue;
             const bool is_stopped =
                 run.anew(run.whole.iterations - 1) == TVX_ITERATION_LIMIT;
-            stopped += is_stopped && !run.model.model->lp.form;
+            stopped += is_stopped && !run.model->lp.form;
             EXPECT_TRUE(!is_stopped || run.in_legs(1, 50)) << seed;
             ASSERT_EQ(run.last.status, TVX_OPTIMAL) << seed;
             EXPECT_NEAR(run.last.objval, run.whole.objval,
@@ -214,9 +206,9 @@ TEST(Limits, the_next_solve_begins_with_postsolve)
 {
     for (const Settings &way : ways) {
         SCOPED_TRACE(settings_text(way));
-        Legs run(example(gen_multi_period, 30, 5), way);
+        Legs run(generated(gen_multi_period, 30, 5), way);
         run.go_on(5);
-        LpForm *form = run.model.model->lp.form;
+        LpForm *form = run.model->lp.form;
         ASSERT_NE(form, nullptr);
         run.limit(NONE);
         const SimplexCall call = {.Method = METHOD_DUAL, .Iterations = run.last.iterations};
@@ -233,7 +225,7 @@ TEST(Limits, the_next_solve_begins_with_postsolve)
 TEST(Limits, work_is_that_of_the_last_call)
 {
     for (const double presolve : {0, 1}) {
-        Legs run(example(gen_multi_period, 60), {{"Presolve", presolve}});
+        Legs run(generated(gen_multi_period, 60, 42), {{"Presolve", presolve}});
         double work[3] = {}; // of the whole, and of the two legs
         for (int k = 0; k < 3; k++) {
             k == 1 ? run.anew(run.whole.iterations - 5) : run.go_on(NONE);

@@ -5,24 +5,21 @@
 #include "support/memory_sweep.h"
 #include "support/model_text.h"
 #include "support/scratch.h"
-#include "support/solve_judge.h"
 #include "support/structured_gen.h"
-#include <cmath>
-#include <gtest/gtest.h>
 
 #ifdef TVX_DEBUG
 
-static LpModel example(Family family, int size)
-{
-    Dice dice(5);
-    return family(&dice, size).lp;
-}
-
 static void load_example(Scene *scene)
 {
-    scene->lp = example(gen_multi_period, 12);
+    scene->lp = generated(gen_multi_period, 12, 5);
     scene->model = lp_load(scene->env.env, &scene->lp);
     ASSERT_TRUE(scene->model);
+}
+
+static void solve_example(Scene *scene)
+{
+    load_example(scene);
+    ASSERT_EQ(TVXoptimize(scene->model), 0);
 }
 
 // Random calls that queue, updates with a basis to carry over, queries and a copy; the first code that is not 0.
@@ -70,7 +67,7 @@ TEST(OutOfMemory, building_and_copying)
                    ASSERT_EQ(build(s), 0);
                    ASSERT_EQ(model_text(s->model), expected);
                }});
-    run_sweep({"load", [](Scene *s) { s->lp = example(gen_multi_period, 12); },
+    run_sweep({"load", [](Scene *s) { s->lp = generated(gen_multi_period, 12, 5); },
                [](Scene *s) { // columns out of order, so that overlaps are looked for
                    const int at[] = {2, 0}, len[] = {1, 2}, ind[] = {0, 1, 1};
                    const double val[] = {1, 2, 3};
@@ -123,7 +120,7 @@ TEST(OutOfMemory, solve)
     for (const Settings &way : ways)
         for (const Family family : {gen_multi_period, gen_planted_infeasible,
                                     gen_planted_unbounded, gen_badly_scaled})
-            sweep_solve(example(family, 10), way);
+            sweep_solve(generated(family, 10, 5), way);
 }
 
 // A solve that fails behind the last pivot has made as many iterations as one that succeeds.
@@ -185,11 +182,8 @@ TEST(OutOfMemory, queries_and_side_files)
 {
     const Scratch folder;
     file_put("read.mst", "C0 1\nC3 2\n");
-    const auto solve = [](Scene *s) {
-        load_example(s);
-        ASSERT_EQ(TVXoptimize(s->model), 0);
-    };
-    run_sweep({"queries", solve, ask_everything, [](Scene *s, int) { expect_solves(s); }});
+    run_sweep({"queries", solve_example, ask_everything,
+               [](Scene *s, int) { expect_solves(s); }});
 }
 
 // A derived model is there or not; its source stays what it is.
@@ -198,11 +192,7 @@ TEST(OutOfMemory, derived_models)
     using Derive = TVXmodel *(*)(TVXmodel *);
     for (const Derive derive : {TVXpresolvemodel, TVXconverttofixed, TVXfixedmodel,
                                 TVXrelaxmodel, TVXfeasibility})
-        run_sweep({"derive",
-                   [](Scene *s) {
-                       load_example(s);
-                       ASSERT_EQ(TVXoptimize(s->model), 0);
-                   },
+        run_sweep({"derive", solve_example,
                    [&](Scene *s) {
                        const TestModel derived(derive(s->model));
                        if (derived) return 0;

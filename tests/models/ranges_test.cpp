@@ -9,9 +9,7 @@
 #include "support/model_gen.h"
 #include "support/model_test.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <cmath>
-#include <gtest/gtest.h>
 #include <sstream>
 
 namespace
@@ -19,9 +17,8 @@ namespace
 constexpr double TIE = 1e-6;    // values closer than this to a limit are at it
 constexpr double BEYOND = 0.25; // a visible step for data that are small integers
 constexpr double FAR = 50;      // where a range has no end
-constexpr double NEAR = 1e-6,
-                 SAME = 1e-9;   // relative, of values that should agree, or differ
-constexpr double INSIDE = 1e-8; // ends are rounded, the judge is not
+constexpr double NEAR = 1e-6, SAME = 1e-9; // relative, of values that agree, or differ
+constexpr double INSIDE = 1e-8;            // ends are rounded, the judge is not
 
 // A number of the model that moves, and the line that the value follows.
 struct Mover {
@@ -128,11 +125,11 @@ struct Sensitivity : ModelTest {
     // The bakery of the examples: 10 oven, 180 flour, 20 work; 5.82 of cake and 3.27 of bread.
     void bakery(bool solve)
     {
-        LpModel lp = lp_make({{45}, {80}, {30}}, {{{1, 1.5, 0.5}, '<', 10},
-                                                  {{-14, -8, -9}, '>', -180},
-                                                  {{0.6, 2, 0.8}, '<', 20}});
-        lp.sense = -1;
-        load(lp);
+        load(lp_make({{45}, {80}, {30}},
+                     {{{1, 1.5, 0.5}, '<', 10},
+                      {{-14, -8, -9}, '>', -180},
+                      {{0.6, 2, 0.8}, '<', 20}},
+                     -1));
         if (solve) objective();
     }
     void unavailable()
@@ -143,7 +140,6 @@ struct Sensitivity : ModelTest {
                     TVXgetdblattrelement(model, name, 0, &d));
     }
 };
-
 } // namespace
 
 TEST(SensitivityRanges, hold_up_to_their_ends_and_not_beyond)
@@ -156,9 +152,8 @@ TEST(SensitivityRanges, hold_up_to_their_ends_and_not_beyond)
         Dice dice(seed);
         Ranges r;
         r.lp = gen_tiny(&dice, TinyLimits{.max_vars = 6, .max_rows = 5});
-        const TestModel model(lp_load(env.env, &r.lp));
         const Settings settings = settings_draw(&dice);
-        ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
+        const TestModel model(lp_load(env.env, &r.lp, settings));
         ASSERT_EQ(lp_solve(model, &r.solution), 0);
         if (r.solution.status != TVX_OPTIMAL) continue;
         solved++;

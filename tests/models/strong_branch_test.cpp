@@ -3,32 +3,26 @@
 // Its values are judged by the random programs of fuzz/corpus_test.cpp, exactly, and in simplex/resolve_test.cpp.
 #include "simplex/dual.h"
 #include "support/model_test.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
 #include <cfloat>
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace
 {
 constexpr double MANY = 1e9; // iterations
 
 using StrongBranching = ModelTest;
-
 } // namespace
 
 // The record of the simplex itself, to the last bit: basis, values, reduced costs and weights.
-TEST(StrongBranch, each_probe_brings_the_record_back)
+TEST_F(StrongBranching, brings_the_record_back_after_each_probe)
 {
-    const TestEnv env;
     double iterations = 0;
     for (const FamilyRow &family : all_families()) {
         SCOPED_TRACE(family.name);
-        Dice dice(4);
-        const LpModel lp = family.generate(&dice, 30).lp;
-        const TestModel model(lp_load(env.env, &lp));
+        load(generated(family.generate, 30, 4));
         ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
-        sopt *s = model.model->lp.simplex;
+        sopt *s = model->lp.simplex;
         if (s->Status != SIMPLEX_OPTIMAL || s->Quad) continue;
         ASSERT_EQ(simplex_refactor(s), 0);
         StrongBranch *branch = nullptr;
@@ -45,7 +39,7 @@ TEST(StrongBranch, each_probe_brings_the_record_back)
             return all;
         };
         const std::vector<double> before = record();
-        for (int j = 0; j < lp.num_vars(); j++)
+        for (int j = 0; j < s->NumCols; j++)
             for (const BranchSide side : {BranchSide::DOWN, BranchSide::UP}) {
                 const double x = simplex_place(s, j).Value;
                 BranchOutcome outcome;
@@ -63,9 +57,7 @@ TEST(StrongBranch, each_probe_brings_the_record_back)
 
 TEST_F(StrongBranching, refuses_what_it_cannot_do)
 {
-    LpModel lp = lp_make({{1}}, {{{2}, '<', 7}});
-    lp.sense = -1;
-    load(lp);
+    load(lp_make({{1}}, {{{2}, '<', 7}}, -1));
     const int ind[] = {0, 1};
     double down = -1, up = -1;
     int status = -1;
@@ -102,14 +94,11 @@ TEST_F(StrongBranching, values_as_large_as_the_one_for_no_solution_are_told_apar
     for (const int sense : {1, -1})
         for (const double cost : {1e99, 1e100, 1e101, 1e150}) {
             // cost x >= cost 2.5, x at most 2.75 or 8
-            LpModel lp = lp_make({{sense * cost, 0, 8}}, {{{2}, '>', 5}});
-            lp.sense = sense;
+            LpModel lp = lp_make({{sense * cost, 0, 8}}, {{{2}, '>', 5}}, sense);
             for (const bool open : {true, false}) {
                 lp.ub[0] = open ? 8 : 2.75;
-                load(lp);
-                ASSERT_EQ(settings_apply(own(), {{"Presolve", 0}}), 0);
-                ASSERT_EQ(TVXoptimize(model), 0);
-                ASSERT_EQ(integer("Status"), TVX_OPTIMAL) << cost;
+                load(lp, {{"Presolve", 0}});
+                ASSERT_EQ(solved(), TVX_OPTIMAL) << cost;
                 ASSERT_EQ(TVXstrongbranch(model, 1, ind, MANY, &down, &up, nullptr), 0);
                 const double none = cost < 1e99 * 2.5 ? 1e100 : DBL_MAX;
                 EXPECT_EQ(sense * down, none) << cost;

@@ -7,19 +7,12 @@
 #include "support/structured_gen.h"
 #include <cmath>
 #include <cstring>
-#include <gtest/gtest.h>
 
 namespace
 {
 constexpr double INF = LP_INFINITY;
 
-struct SureAnswers : ModelTest {
-    void load_with(const LpModel &lp, const Settings &settings)
-    {
-        load(lp);
-        ASSERT_EQ(settings_apply(own(), settings), 0);
-    }
-};
+using SureAnswers = ModelTest;
 
 // Either method on the model, a reduced one and its dual form, scaled and not, in both precisions.
 void expect_right(const LpModel &lp, const Settings &more = {})
@@ -85,26 +78,23 @@ TEST_F(SureAnswers,
 {
     for (const double method : {0, 1})
         for (const double scale : {0, 1}) {
-            load_with(lp_make({{1e4, 0, 1 - 5e-7}}, {{{1}, '>', 1}}),
-                      {{"LPMethod", method}, {"ScaleFlag", scale}});
-            ASSERT_EQ(TVXoptimize(model), 0);
-            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+            load(lp_make({{1e4, 0, 1 - 5e-7}}, {{{1}, '>', 1}}),
+                 {{"LPMethod", method}, {"ScaleFlag", scale}});
+            EXPECT_EQ(solved(), TVX_OPTIMAL);
         }
 }
 
 TEST_F(SureAnswers, the_bound_stops_the_dual_at_a_cutoff)
 {
     for (const Family family : {gen_multi_period, gen_network, gen_planted_optimum}) {
-        Dice dice(7);
-        const GeneratedLp lp = family(&dice, 60);
-        load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}});
+        const LpModel lp = generated(family, 60, 7);
+        load(lp, {{"LPMethod", 1}, {"Presolve", 0}});
         const double value = objective(), iterations = dbl("IterCount"),
                      size = std::fabs(value);
         for (const double share : {-100.0, -1e-3, 1e-3}) { // of the value
-            const double cutoff = value + lp.lp.sense * share * (1 + size);
-            load_with(lp.lp, {{"LPMethod", 1}, {"Presolve", 0}, {"Cutoff", cutoff}});
-            ASSERT_EQ(TVXoptimize(model), 0);
-            EXPECT_EQ(integer("Status"), share < 0 ? TVX_CUTOFF : TVX_OPTIMAL);
+            const double cutoff = value + lp.sense * share * (1 + size);
+            load(lp, {{"LPMethod", 1}, {"Presolve", 0}, {"Cutoff", cutoff}});
+            EXPECT_EQ(solved(), share < 0 ? TVX_CUTOFF : TVX_OPTIMAL);
             EXPECT_LE(dbl("IterCount"),
                       share < -1 ? 0.7 * iterations : 2 * iterations + 10);
         }
@@ -115,14 +105,13 @@ TEST_F(SureAnswers, the_dual_form_takes_a_basis)
 {
     for (const double presolve : {-1, 1, 2}) {
         const Settings settings = {{"PreDual", 1}, {"Presolve", presolve}};
-        Dice dice(11);
-        const LpModel lp = gen_multi_period(&dice, 80).lp;
-        load_with(lp, settings);
+        const LpModel lp = generated(gen_multi_period, 80, 11);
+        load(lp, settings);
         const double value = objective(), iterations = dbl("IterCount");
         LpSolution optimum;
         ASSERT_EQ(lp_read_solution(model, &optimum), 0);
 
-        load_with(lp, settings);
+        load(lp, settings);
         ASSERT_EQ(lp_set_basis(model, optimum.vbasis, optimum.cbasis), 0);
         EXPECT_NEAR(objective(), value, 1e-6 * (1 + std::fabs(value)));
         EXPECT_LE(dbl("IterCount"), 0.6 * iterations);
@@ -155,12 +144,11 @@ int hear(TVXmodel *, void *cbdata, int where, void *data)
 TEST_F(SureAnswers, violations_count_in_the_units_of_the_model)
 {
     for (const double method : {0, 1}) {
-        load_with(lp_make({{-5e-6}, {9e6}}, {{{1}, '<', 1}, {{0, 1}, '>', 1}}),
-                  {{"LPMethod", method}, {"Presolve", 0}});
+        load(lp_make({{-5e-6}, {9e6}}, {{{1}, '<', 1}, {{0, 1}, '>', 1}}),
+             {{"LPMethod", method}, {"Presolve", 0}});
         Heard heard;
         ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
-        ASSERT_EQ(TVXoptimize(model), 0);
-        EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+        EXPECT_EQ(solved(), TVX_OPTIMAL);
         EXPECT_FALSE(heard.again) << method;
         EXPECT_LE(dbl("DualVio"), 1e-6);
     }
@@ -171,7 +159,7 @@ TEST_F(SureAnswers, figures_hold_the_iterations_and_the_work_of_all_ways)
     int again = 0;
     for (uint64_t seed = 0; seed < 200; seed++) {
         Dice dice(seed);
-        load_with(hostile_wide(&dice), {{"Presolve", 0}});
+        load(hostile_wide(&dice), {{"Presolve", 0}});
         Heard heard;
         ASSERT_EQ(TVXsetcallbackfunc(model, hear, &heard), 0);
         ASSERT_EQ(TVXoptimize(model), 0);

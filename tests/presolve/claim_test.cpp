@@ -5,13 +5,14 @@
 #include "body/signs.h"
 #include "presolve/claim.h"
 #include "presolve/dualise.h"
-#include "support/inside.h"
 #include "support/model_gen.h"
+#include "support/model_test.h"
 #include "support/presolve_try.h"
 #include "support/rational_lp.h"
-#include <gtest/gtest.h>
 
 static constexpr double INF = 1e30;
+
+using Claim = ModelTest;
 
 struct Score {
     int holds = 0, lost = 0; // lost: none, or a wrong one
@@ -47,24 +48,23 @@ static void exact_claim(const ModelBody *body, const RationalResult &exact, LpCl
 }
 
 // What presolve itself says, and the exact judge's proofs of what it leaves, taken back.
-TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
+TEST_F(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
 {
-    const TestEnv env;
-    Score own, back[2];
+    Score by_presolve, back[2];
     for (uint64_t seed = 0; seed < 6000; seed++) {
         Dice dice(seed);
         const int size = seed % 2 ? 12 : 8;
         const LpModel lp = gen_tiny(&dice, {.max_vars = size, .max_rows = size});
-        const TestModel model(lp_load(env.env, &lp));
+        load(lp);
         LpClaim small, claim;
         const Reduced left(model, &claim);
         if (left.status != PRESOLVE_OK && size == 8) {
-            own.add(claim_proved(model.model->body, &claim));
-            if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+            by_presolve.add(claim_proved(model->body, &claim));
+            if (claim_proved(model->body, &claim)) expect_right(&lp, &claim, seed);
         }
         if (!left.body()) continue;
         LpModel reduced;
-        ASSERT_EQ(lp_read_back(BodyView(model.model->env, left.body()), &reduced), 0);
+        ASSERT_EQ(lp_read_back(BodyView(model->env, left.body()), &reduced), 0);
         const RationalResult exact = rational_solve(&reduced);
         if (exact.status == LpStatus::OPTIMAL || exact.crossed >= 0) continue;
         exact_claim(left.body(), exact, &small);
@@ -77,27 +77,27 @@ TEST(Claim, proofs_by_presolve_and_of_reduced_models_hold_for_the_models)
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
             ASSERT_EQ(postsolve_ray(left.result, small.ray.data, claim.ray.data), 0);
         }
-        back[small.ray.size > 0].add(claim_proved(model.model->body, &claim));
-        if (claim_proved(model.model->body, &claim)) expect_right(&lp, &claim, seed);
+        back[small.ray.size > 0].add(claim_proved(model->body, &claim));
+        if (claim_proved(model->body, &claim)) expect_right(&lp, &claim, seed);
     }
-    EXPECT_GT(own.holds, 500);
+    EXPECT_GT(by_presolve.holds, 500);
     EXPECT_GT(back[0].holds + back[1].holds, 40);
-    for (const Score &score : {own, back[0], back[1]}) EXPECT_LT(score.share(), LOST);
+    for (const Score &score : {by_presolve, back[0], back[1]})
+        EXPECT_LT(score.share(), LOST);
 }
 
-TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
+TEST_F(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
 {
-    const TestEnv env;
     int infeasible = 0, unbounded = 0;
     for (uint64_t seed = 0; seed < 3000; seed++) {
         Dice dice(seed);
         const LpModel lp = gen_tiny(&dice, {});
-        const TestModel model(lp_load(env.env, &lp));
+        load(lp);
         if (rational_solve(&lp).crossed >= 0) continue;
         ModelBody *dual = nullptr;
         TVXmodel *out = nullptr;
-        ASSERT_EQ(dualise(model.model->body, TVXgetenv(model), &dual), 0);
-        ASSERT_EQ(model_of_body(TVXgetenv(model), EnvUse::SHARED, dual, &out), 0);
+        ASSERT_EQ(dualise(model->body, own(), &dual), 0);
+        ASSERT_EQ(model_of_body(own(), EnvUse::SHARED, dual, &out), 0);
         const TestModel owner(out);
         LpModel form;
         ASSERT_EQ(lp_read_back(out, &form), 0);
@@ -108,13 +108,13 @@ TEST(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
         if (exact.status == LpStatus::UNBOUNDED) {
             infeasible++;
             ASSERT_EQ(array_resize(&claim.farkas, lp.num_rows()), 0);
-            dual_ray_to_farkas(model.model->body, INF, of_dual.ray.data, claim.farkas.data);
+            dual_ray_to_farkas(model->body, INF, of_dual.ray.data, claim.farkas.data);
         } else {
             unbounded++;
             ASSERT_EQ(array_resize(&claim.ray, lp.num_vars()), 0);
-            dual_farkas_to_ray(model.model->body, INF, of_dual.farkas.data, claim.ray.data);
+            dual_farkas_to_ray(model->body, INF, of_dual.farkas.data, claim.ray.data);
         }
-        EXPECT_TRUE(claim_proved(model.model->body, &claim)) << seed;
+        EXPECT_TRUE(claim_proved(model->body, &claim)) << seed;
     }
     EXPECT_GT(infeasible, 100);
     EXPECT_GT(unbounded, 100);

@@ -1,19 +1,19 @@
 // crush_test.cpp -- a basis of the model in the reduced model
-#include "support/inside.h"
+#include "support/model_test.h"
 #include "support/structured_gen.h"
-#include <gtest/gtest.h>
+
+using Crush = ModelTest;
 
 // It is one there, what is left keeps its status, and no more than needed enters or leaves.
-TEST(Crush, a_basis_of_the_model_gives_one_of_the_reduced_model)
+TEST_F(Crush, a_basis_of_the_model_gives_one_of_the_reduced_model)
 {
     int compared = 0;
     for (uint64_t seed = 0; seed < 200; seed++) {
         SCOPED_TRACE(seed);
         Dice dice(seed);
         const LpModel lp = dice.pick(all_families()).generate(&dice, 20).lp;
-        const TestEnv env;
-        const TestModel model(lp_load(env.env, &lp));
-        const Reduced reduced(model.model);
+        load(lp);
+        const Reduced reduced(model);
         if (!reduced.body()) continue;
         compared++;
         const int n = lp.num_vars(), m = lp.num_rows();

@@ -1,10 +1,8 @@
 // dualise_test.cpp -- the dual form: its value, and bases that go there and come back
 #include "presolve/dualise.h"
-#include "support/inside.h"
 #include "support/model_gen.h"
-#include "support/settings.h"
+#include "support/model_test.h"
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -23,23 +21,22 @@ std::vector<bool> basics(const std::vector<int> &status)
     for (const int code : status) basic.push_back(code >= 0);
     return basic;
 }
+using Dualise = ModelTest;
 } // namespace
 
 // An optimal basis of the dual form is one of the model: no iteration is left. And it leads back to where it came from.
-TEST(Dualise, has_the_value_of_the_model_and_its_bases_serve)
+TEST_F(Dualise, has_the_value_of_the_model_and_its_bases_serve)
 {
     int compared = 0;
     for (uint64_t seed = 0; seed < 1500; seed++) {
         SCOPED_TRACE(seed);
         Dice dice(seed);
         const LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = 5, .max_rows = 5});
-        const TestEnv env;
-        const TestModel model(lp_load(env.env, &lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(model), {{"Presolve", 0}}), 0);
+        load(lp, {{"Presolve", 0}});
         LpSolution plain;
         ASSERT_EQ(lp_solve(model, &plain), 0);
-        const DualForm form(model.model);
-        const BodyView dual(model.model->env, form.body);
+        const DualForm form(model);
+        const BodyView dual(model->env, form.body);
         ASSERT_EQ(simplex_alone(dual, {.Method = METHOD_PRIMAL}), 0);
         if (plain.status != TVX_OPTIMAL) {
             EXPECT_NE(dual.model->lp.status, TVX_OPTIMAL);
@@ -53,13 +50,13 @@ TEST(Dualise, has_the_value_of_the_model_and_its_bases_serve)
                                            static_cast<size_t>(form.body->numconstrs));
         std::vector<int> back = there;
         simplex_get_basis(dual.model->lp.simplex, there.data());
-        dual_basis_to_primal(model.model->body, INFINITE_BOUND, there.data(), own.data());
-        primal_basis_to_dual(model.model->body, INFINITE_BOUND, own.data(), back.data());
+        dual_basis_to_primal(model->body, INFINITE_BOUND, there.data(), own.data());
+        primal_basis_to_dual(model->body, INFINITE_BOUND, own.data(), back.data());
         if (basics(own).size() != n + m) continue;
         EXPECT_EQ(basics(back), basics(there));
         ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL, .Statuses = own.data()}), 0);
-        EXPECT_EQ(model.model->lp.status, TVX_OPTIMAL);
-        EXPECT_EQ(simplex_iterations(model.model->lp.simplex), 0);
+        EXPECT_EQ(model->lp.status, TVX_OPTIMAL);
+        EXPECT_EQ(simplex_iterations(model->lp.simplex), 0);
         compared++;
     }
     EXPECT_GT(compared, 400);

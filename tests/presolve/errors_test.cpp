@@ -2,21 +2,20 @@
 //
 // Whole models on which this counts are those of support/hostile_gen.h (models/hostile_test.cpp).
 #include "presolve/errors.h"
-#include "support/inside.h"
-#include "support/lp_tarvex.h"
+#include "support/model_test.h"
 #include "support/presolve_try.h"
-#include <gtest/gtest.h>
+
+static constexpr double INF = LP_INFINITY;
+
+using Errors = ModelTest;
 
 // x0 + x1 = 1 after the first row is put into the second, which leaves 1e-9 of x1 and of the right-hand side.
-TEST(Errors, entries_remember_the_size_of_their_terms)
+TEST_F(Errors, entries_remember_the_size_of_their_terms)
 {
-    constexpr double INF = LP_INFINITY;
-    const TestEnv env;
-    const LpModel lp = lp_make({{0, -INF, INF}, {0, -INF, INF}, {0, -INF, INF}},
-                               {{{1, 1.0 / 3, 1}, '=', 1}, {{3, 1 + 1e-9, 3}, '=', 3}});
-    const TestModel model(lp_load(env.env, &lp));
+    load(lp_make({{0, -INF, INF}, {0, -INF, INF}, {0, -INF, INF}},
+                 {{{1, 1.0 / 3, 1}, '=', 1}, {{3, 1 + 1e-9, 3}, '=', 3}}));
     PresolveWork w;
-    ASSERT_EQ(work_load(&w, model.model->body, model.model->env), 0);
+    ASSERT_EQ(work_load(&w, model->body, model->env), 0);
     ASSERT_EQ(mark_everything(&w) + pre_activity(&w) + pre_aggregate(&w), 0);
     int seen = 0;
     for (int p = 0; p < w.Nodes.size; p++) {
@@ -36,9 +35,8 @@ TEST(Errors, entries_remember_the_size_of_their_terms)
     work_free(&w);
 }
 
-TEST(Errors, costs_that_are_rounding_do_not_make_a_model_unbounded)
+TEST_F(Errors, costs_that_are_rounding_do_not_make_a_model_unbounded)
 {
-    constexpr double INF = LP_INFINITY;
     for (const double scale : {1.0, 1e5, 1e9}) { // 0.1 + 0.2 is not 0.3, at this size
         LpModel lp = lp_make(
             {{0.1 * scale, -INF, INF}, {0.2 * scale, -INF, INF}, {-0.3 * scale, -INF, INF}},

@@ -2,14 +2,11 @@
 //
 // That answers are the same with presolve under all its settings as without, also where its limit stops it after a few
 // reductions: models/differential_test.cpp.
-#include "model/model.h"
 #include "presolve/work.h"
 #include "support/inside.h"
 #include "support/memory_sweep.h"
 #include "support/model_gen.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
-#include <gtest/gtest.h>
 
 #ifdef TVX_DEBUG
 // Kinds of the records that presolve leaves behind, as bits.
@@ -27,9 +24,8 @@ static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
 // On small models whose records are of all kinds together, and on larger ones.
 TEST(Presolve, memory_may_end_anywhere)
 {
-    unsigned wanted =
-        (2U << UNDO_ROW_COMBINATION) - (1U << UNDO_FIX); // from the first to the last
-    wanted &= ~(1U << 9);                                // a number without a kind
+    unsigned wanted = (2U << UNDO_ROW_COMBINATION) - (1U << UNDO_FIX); // first to last kind
+    wanted &= ~(1U << 9); // a number without a kind
     const TestEnv env;
     ASSERT_EQ(TVXsetintparam(env.env, "Presolve", 2), 0);
     for (uint64_t seed = 0; seed < 20000 && wanted != 0; seed++) {

@@ -1,9 +1,7 @@
 // kappa_test.cpp -- the condition estimates of a basis against a dense inverse
-#include "support/lp_tarvex.h"
-#include "support/settings.h"
+#include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -37,19 +35,16 @@ double norm2(const Matrix &b) // by many steps of the power method
     return static_cast<double>(length);
 }
 
+using Kappa = ModelTest;
 } // namespace
 
-TEST(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
+TEST_F(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
 {
-    const TestEnv env;
-    ASSERT_EQ(TVXsetintparam(env.env, "ScaleFlag", 0), 0);
     for (const FamilyRow &family : all_families()) {
-        for (const int quad : {0, 1}) {
+        for (const double quad : {0, 1}) {
             SCOPED_TRACE(family.name + std::string(quad ? ", extended" : ""));
-            Dice dice(7);
-            const LpModel lp = family.generate(&dice, 12).lp;
-            const TestModel model(lp_load(env.env, &lp));
-            ASSERT_EQ(TVXsetintparam(TVXgetenv(model), "Quad", quad), 0);
+            const LpModel lp = generated(family.generate, 12, 7);
+            load(lp, {{"ScaleFlag", 0}, {"Quad", quad}});
             LpSolution s;
             ASSERT_EQ(lp_solve(model, &s), 0);
             double kappa = 0, kappa2 = 0;
@@ -64,40 +59,26 @@ TEST(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
             EXPECT_NEAR(kappa2 / truth2, 1, 0.01);
         }
     }
-    LpModel none; // without rows
-    lp_add_var(&none, 1, 0, 1);
-    const TestModel model(lp_load(env.env, &none));
-    double kappa = 0;
+    load(lp_make({{1, 0, 1}}, {})); // without rows
     ASSERT_EQ(TVXoptimize(model), 0);
-    for (const char *name : {"Kappa", "N2Kappa"}) {
-        ASSERT_EQ(TVXgetdblattr(model, name, &kappa), 0);
-        EXPECT_EQ(kappa, 1);
-    }
+    for (const char *name : {"Kappa", "N2Kappa"}) EXPECT_EQ(dbl(name), 1);
 }
 
 // Numbers whose squares, or whose conditions, are no doubles.
-TEST(Kappa, is_a_number_from_one_to_1e100)
+TEST_F(Kappa, is_a_number_from_one_to_1e100)
 {
     struct Case {
         double first, second, kappa;
     };
-    const TestEnv env;
     for (const Case &c : {Case{1e200, 1e200, 1}, Case{1e-200, 1e-200, 1},
                           Case{1e160, 1e150, 1e10}, Case{1e200, 1, 1e100}}) {
-        LpModel lp; // the basis is diagonal, one row a variable
-        for (const double a : {c.first, c.second}) {
-            const int j = lp_add_var(&lp, 1, 0, LP_INFINITY);
-            lp_add_row_entries(&lp, {{j, a}}, '=', 0);
-        }
-        const TestModel model(lp_load(env.env, &lp));
-        ASSERT_EQ(settings_apply(TVXgetenv(model), {{"ScaleFlag", 0}, {"Presolve", 0}}), 0);
+        // The basis is diagonal, one row a variable.
+        load(lp_make({{1}, {1}}, {{{c.first}, '=', 0}, {{0, c.second}, '=', 0}}),
+             {{"ScaleFlag", 0}, {"Presolve", 0}});
         const std::vector<int> basic(2, TVX_BASIC), nonbasic(2, TVX_NONBASIC_LOWER);
         ASSERT_EQ(lp_set_basis(model, basic, nonbasic), 0);
         ASSERT_EQ(TVXoptimize(model), 0);
-        for (const char *name : {"Kappa", "N2Kappa"}) {
-            double kappa = 0;
-            ASSERT_EQ(TVXgetdblattr(model, name, &kappa), 0) << c.first;
-            EXPECT_NEAR(kappa / c.kappa, 1, 0.01) << name << " " << c.first;
-        }
+        for (const char *name : {"Kappa", "N2Kappa"})
+            EXPECT_NEAR(dbl(name) / c.kappa, 1, 0.01) << name << " " << c.first;
     }
 }

@@ -5,7 +5,6 @@
 
 namespace
 {
-
 // Solves as set up; with `x` from that point.
 const sopt *solve(TVXmodel *model, SimplexMethod method, const double *x = nullptr)
 {
@@ -55,7 +54,6 @@ int superbasics_left(const sopt *s)
     for (int j = 0; j < s->NumVars; j++) count += is_superbasic(s, j);
     return count;
 }
-
 } // namespace
 
 // The other kinds are drawn in models/tiny_lp_test.cpp and models/differential_test.cpp.
@@ -70,10 +68,10 @@ TEST(PrimalPricing, every_partial_kind_finds_the_same_answer)
         const TestModel first(lp_load(env.env, &lp));
         solve(first, METHOD_PRIMAL);
         for (const int kind : {1, 2, 3}) {
-            const TestModel other(lp_load(env.env, &lp));
-            TVXgetenv(other)->SimplexPricing = 0;
-            TVXgetenv(other)->TARV_PAR_PRIMALPARTIAL = kind;
-            TVXgetenv(other)->IterationLimit = 50000;
+            const TestModel other(lp_load(env.env, &lp,
+                                          {{"SimplexPricing", 0},
+                                           {"TARV_PAR_PRIMALPARTIAL", kind},
+                                           {"IterationLimit", 50000}}));
             expect_same(solve(other, METHOD_PRIMAL), first.model->lp.simplex);
         }
     }
@@ -89,7 +87,7 @@ TEST(PrimalPricing, is_chosen_by_the_shape_and_the_start)
         const LpModel lp = wide_covering(&dice, 8, columns);
         const TestModel model(lp_load(env.env, &lp));
         solve(model, METHOD_PRIMAL);
-        sopt *s = model.model->lp.simplex;
+        sopt *s = model->lp.simplex;
         const auto chosen = [s] {
             primal_choose_pricing(s, s->Double);
             return s->Double->Primal->PricingCur;
@@ -150,9 +148,8 @@ TEST(PrimalRatio, a_step_of_phase_1_never_adds_infeasibility)
         Dice dice(seed);
         LpModel lp = dice.pick(all_families()).generate(&dice, 20).lp;
         for (double &cost : lp.obj) cost = 0; // nothing else counts
-        const TestModel model(lp_load(env.env, &lp));
-        TVXgetenv(model)->PerturbValue = 0;
-        TVXgetenv(model)->IterationLimit = 0;
+        const TestModel model(
+            lp_load(env.env, &lp, {{"PerturbValue", 0}, {"IterationLimit", 0}}));
         double before = LP_INFINITY;
         for (int k = 0; k < 40; k++) {
             const sopt *s = solve(model, METHOD_PRIMAL);

@@ -12,12 +12,9 @@ struct SelfCheck : ModelTest {
     // Solved by the dual without scaling, factors fresh; checks are on, and heard.
     sopt *solved(const LpModel &lp)
     {
-        load(lp);
-        EXPECT_EQ(TVXsetintparam(own(), "Presolve", 0), 0);
-        EXPECT_EQ(TVXsetintparam(own(), "ScaleFlag", 0), 0);
+        load(lp, {{"Presolve", 0}, {"ScaleFlag", 0}});
         EXPECT_EQ(TVXoptimize(model), 0);
-        EXPECT_EQ(TVXsetintparam(own(), "TARV_PAR_ITEST", 2), 0);
-        EXPECT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        EXPECT_EQ(settings_apply(own(), {{"TARV_PAR_ITEST", 2}, {"OutputFlag", 1}}), 0);
         return model->lp.simplex;
     }
 };
@@ -25,10 +22,8 @@ struct SelfCheck : ModelTest {
 // max x + y within a pentagon: both are basic in the end.
 LpModel pentagon()
 {
-    LpModel lp = lp_make({{3}, {2}, {1}},
-                         {{{1, 1, 2}, '<', 4}, {{1, 0.5, 2}, '<', 3}, {{1}, '<', 9}});
-    lp.sense = -1;
-    return lp;
+    return lp_make({{3}, {2}, {1}},
+                   {{{1, 1, 2}, '<', 4}, {{1, 0.5, 2}, '<', 3}, {{1}, '<', 9}}, -1);
 }
 
 struct Fault {
@@ -63,9 +58,9 @@ TEST_F(SelfCheck, sees_each_planted_fault)
     for (const Fault &fault : faults) {
         sopt *s = solved(pentagon());
         Output sound;
-        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::UPDATED, -1), 0);
-        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::FACTORED, -1), 0);
-        EXPECT_EQ(simplex_self_check(s, s->Double, CheckPoint::FINISHED, -1), 0);
+        for (const CheckPoint point :
+             {CheckPoint::UPDATED, CheckPoint::FACTORED, CheckPoint::FINISHED})
+            EXPECT_EQ(simplex_self_check(s, s->Double, point, -1), 0);
         const std::string silent = sound.text();
         EXPECT_EQ(silent.rfind("Maximum residual = ", 0), 0u) << silent;
         EXPECT_EQ(silent.find("Warning"), std::string::npos) << silent;

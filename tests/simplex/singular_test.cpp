@@ -18,9 +18,8 @@ struct Singular : ModelTest {
     }
     void SetUp() override
     {
-        load(lp_make({{1}, {1}, {3}}, {{{1, 1, 1}, '>', 4}, {{2, 2, 1}, '>', 5}}));
-        ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
-        ASSERT_EQ(TVXsetintparam(own(), "Quad", 0), 0);
+        load(lp_make({{1}, {1}, {3}}, {{{1, 1, 1}, '>', 4}, {{2, 2, 1}, '>', 5}}),
+             {{"OutputFlag", 1}, {"Quad", 0}});
     }
 };
 } // namespace
@@ -35,8 +34,8 @@ TEST_F(Singular, basis_is_repaired_as_often_as_allowed)
     Output refused;
     EXPECT_EQ(solve(both, false), SIMPLEX_NUMERIC);
     EXPECT_EQ(refused.text(), "Temporary fix limit exceeded\n");
-    ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_STMPFIXES", 100), 0);
-    ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_SUBMIP", 1), 0);
+    ASSERT_EQ(settings_apply(own(), {{"TARV_PAR_STMPFIXES", 100}, {"TARV_PAR_SUBMIP", 1}}),
+              0);
     EXPECT_EQ(solve(both, false), SIMPLEX_NUMERIC);
 }
 

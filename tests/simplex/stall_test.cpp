@@ -1,7 +1,6 @@
 // stall_test.cpp -- the remedies of a run that makes no progress: their order, when they come, and that they end
 #include "simplex/primal.h"
 #include "support/model_test.h"
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -11,13 +10,8 @@ struct Stall : ModelTest {
     // A run that has not pivoted yet.
     void begin(SimplexMethod method, int phase1)
     {
-        LpModel lp;
-        lp_add_var(&lp, 1, 0, 9);
-        lp_add_row_entries(&lp, {{0, 1}}, '>', 1);
-        load(lp);
-        for (const char *name : {"Presolve", "ScaleFlag"})
-            ASSERT_EQ(TVXsetintparam(own(), name, 0), 0);
-        ASSERT_EQ(TVXsetintparam(own(), "LPMethod", method), 0);
+        load(lp_make({{1, 0, 9}}, {{{1}, '>', 1}}),
+             {{"Presolve", 0}, {"ScaleFlag", 0}, {"LPMethod", method}});
         ASSERT_EQ(TVXoptimize(model), 0);
         s = model->lp.simplex;
         s->Method = method;

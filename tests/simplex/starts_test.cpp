@@ -1,61 +1,8 @@
 // starts_test.cpp -- where the methods begin: the primal's basis, and variables under the dual's perturbed costs
 #include "simplex/dual.h"
-#include "support/inside.h"
-#include "support/settings.h"
+#include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <cmath>
-#include <gtest/gtest.h>
-
-// ---- The primal: a basis that is one, and no worse than the slacks by orders of magnitude ----
-
-namespace
-{
-// The record of a primal run that ends before its first iteration.
-const sopt *start(const TestModel &model)
-{
-    EXPECT_EQ(settings_apply(TVXgetenv(model), {{"IterationLimit", 0}, {"ScaleFlag", 0}}),
-              0);
-    EXPECT_EQ(simplex_alone(model, {.Method = METHOD_PRIMAL}), 0);
-    return model.model->lp.simplex;
-}
-} // namespace
-
-TEST(PrimalStart, makes_a_basis_that_needs_no_repair)
-{
-    const TestEnv env;
-    int improved = 0;
-    for (uint64_t seed = 0; seed < 60; seed++) {
-        Dice dice(seed + 5);
-        const FamilyRow &family = dice.pick(all_families());
-        const LpModel lp = family.generate(&dice, dice.range(5, 40)).lp;
-        const TestModel model(lp_load(env.env, &lp));
-        const sopt *s = start(model);
-        int basics = 0;
-        for (int j = 0; j < s->NumVars; j++) {
-            if (!is_basic(s, j)) continue;
-            ASSERT_EQ(s->BasisHead.data[s->VStat.data[j]], j) << family.name;
-            basics++;
-        }
-        EXPECT_EQ(basics, s->NumRows);
-        EXPECT_EQ(s->SingularCount, 0) << family.name << " seed " << seed;
-        improved += !is_slack_basis(s);
-    }
-    EXPECT_GT(improved, 10);
-}
-
-TEST(PrimalStart, gives_up_a_basis_whose_values_explode)
-{
-    LpModel lp; // 0.1 x_0 = 1, 0.1 x_i = x_i-1, x_6 <= 5
-    for (int i = 0; i < 7; i++) lp_add_var(&lp, 0, 0, LP_INFINITY);
-    lp_add_row_entries(&lp, {{0, 0.1}}, '=', 1);
-    for (int i = 1; i < 7; i++) lp_add_row_entries(&lp, {{i, 0.1}, {i - 1, -1}}, '=', 0);
-    lp_add_row_entries(&lp, {{6, 1}}, '<', 5);
-    const TestEnv env;
-    const TestModel model(lp_load(env.env, &lp));
-    EXPECT_TRUE(is_slack_basis(start(model)));
-}
-
-// ---- The dual ----
 
 namespace
 {
@@ -75,27 +22,71 @@ LpModel packing(double upper)
     return lp;
 }
 
-double dual_iterations(const LpModel *lp, double optimum)
-{
-    const TestEnv env;
-    const TestModel model(lp_load(env.env, lp));
-    EXPECT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
-    const sopt *s = model.model->lp.simplex;
-    EXPECT_EQ(s->Status, SIMPLEX_OPTIMAL);
-    EXPECT_NEAR(s->Obj, optimum, 1e-9);
-    return s->NPvt;
-}
+struct Starts : ModelTest {
+    sopt *solved_by(SimplexMethod method, const LpModel &lp, const Settings &settings = {})
+    {
+        load(lp, settings);
+        EXPECT_EQ(simplex_alone(model, {.Method = method}), 0);
+        return model->lp.simplex;
+    }
+    // The record of a primal run that ends before its first iteration.
+    const sopt *begun(const LpModel &lp)
+    {
+        return solved_by(METHOD_PRIMAL, lp, {{"IterationLimit", 0}, {"ScaleFlag", 0}});
+    }
+    double dual_iterations(const LpModel &lp, double optimum)
+    {
+        const sopt *s = solved_by(METHOD_DUAL, lp);
+        EXPECT_EQ(s->Status, SIMPLEX_OPTIMAL);
+        EXPECT_NEAR(s->Obj, optimum, 1e-9);
+        return s->NPvt;
+    }
+};
+using PrimalStart = Starts;
+using DualStart = Starts;
 } // namespace
+
+// ---- The primal: a basis that is one, and no worse than the slacks by orders of magnitude ----
+
+TEST_F(PrimalStart, makes_a_basis_that_needs_no_repair)
+{
+    int improved = 0;
+    for (uint64_t seed = 0; seed < 60; seed++) {
+        Dice dice(seed + 5);
+        const FamilyRow &family = dice.pick(all_families());
+        const sopt *s = begun(family.generate(&dice, dice.range(5, 40)).lp);
+        int basics = 0;
+        for (int j = 0; j < s->NumVars; j++) {
+            if (!is_basic(s, j)) continue;
+            ASSERT_EQ(s->BasisHead.data[s->VStat.data[j]], j) << family.name;
+            basics++;
+        }
+        EXPECT_EQ(basics, s->NumRows);
+        EXPECT_EQ(s->SingularCount, 0) << family.name << " seed " << seed;
+        improved += !is_slack_basis(s);
+    }
+    EXPECT_GT(improved, 10);
+}
+
+TEST_F(PrimalStart, gives_up_a_basis_whose_values_explode)
+{
+    LpModel lp; // 0.1 x_0 = 1, 0.1 x_i = x_i-1, x_6 <= 5
+    for (int i = 0; i < 7; i++) lp_add_var(&lp, 0, 0, LP_INFINITY);
+    lp_add_row_entries(&lp, {{0, 0.1}}, '=', 1);
+    for (int i = 1; i < 7; i++) lp_add_row_entries(&lp, {{i, 0.1}, {i - 1, -1}}, '=', 0);
+    lp_add_row_entries(&lp, {{6, 1}}, '<', 5);
+    EXPECT_TRUE(is_slack_basis(begun(lp)));
+}
+
+// ---- The dual ----
 
 // Perturbed costs of basic slacks would give the columns reduced costs below zero: boxed ones would begin at their
 // upper bounds, all rows violated, and others would ask for a phase 1. With sum x + t = 50 and t basic from the start
 // all x cost as much as t, so their reduced costs are zero though their costs are not.
-TEST(DualStart, perturbation_goes_by_reduced_costs_and_moves_no_column_to_the_other_bound)
+TEST_F(DualStart, perturbation_goes_by_reduced_costs_and_moves_no_column_to_the_other_bound)
 {
-    for (const double upper : {1.0, LP_INFINITY}) {
-        const LpModel lp = packing(upper);
-        EXPECT_EQ(dual_iterations(&lp, -1), 0) << "upper bound " << upper;
-    }
+    for (const double upper : {1.0, LP_INFINITY})
+        EXPECT_EQ(dual_iterations(packing(upper), -1), 0) << "upper bound " << upper;
     LpModel lp = packing(1);
     lp_add_row(&lp, '=', 50);
     for (int j = 0; j < VARS; j++) {
@@ -103,17 +94,13 @@ TEST(DualStart, perturbation_goes_by_reduced_costs_and_moves_no_column_to_the_ot
         lp_set_entry(&lp, ROWS, j, 1);
     }
     lp_set_entry(&lp, ROWS, lp_add_var(&lp, -1, 0, LP_INFINITY), 1);
-    EXPECT_EQ(dual_iterations(&lp, -51), 0);
+    EXPECT_EQ(dual_iterations(lp, -51), 0);
 }
 
 // Whenever a run stalls, and each time further.
-TEST(DualStart, perturbation_of_a_stalled_run_moves_reduced_costs_away_from_zero)
+TEST_F(DualStart, perturbation_of_a_stalled_run_moves_reduced_costs_away_from_zero)
 {
-    const LpModel lp = packing(1);
-    const TestEnv env;
-    const TestModel model(lp_load(env.env, &lp));
-    ASSERT_EQ(simplex_alone(model, {.Method = METHOD_DUAL}), 0);
-    sopt *s = model.model->lp.simplex;
+    sopt *s = solved_by(METHOD_DUAL, packing(1));
     int moved = 0;
     for (int j = 0; j < s->NumVars; j++) s->Double->Cbar[j] = 0;
     for (int round = 0; round < 2; round++) {

@@ -5,7 +5,6 @@
 #include "support/hostile_gen.h"
 #include "support/inside.h"
 #include "support/model_gen.h"
-#include "support/settings.h"
 #include "support/structured_gen.h"
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -18,13 +17,12 @@ struct Working {
     TestModel model;
     sopt *s = nullptr;
     explicit Working(const LpModel &lp, const Settings &settings = {})
-        : model(lp_load(env.env, &lp))
+        : model(lp_load(env.env, &lp, settings))
     {
-        EXPECT_EQ(settings_apply(TVXgetenv(model), settings), 0);
-        EXPECT_EQ(sopt_create(body(), model.model->env, {}, &s), 0);
+        EXPECT_EQ(sopt_create(body(), model->env, {}, &s), 0);
     }
     ~Working() { simplex_free(s); }
-    const ModelBody *body() const { return model.model->body; }
+    const ModelBody *body() const { return model->body; }
 };
 
 LpModel any_model(Dice *dice)
@@ -116,8 +114,7 @@ TEST(StartBasis, nonbasics_stand_at_bounds_that_exist)
         const bool spoilt = s->NumRows > 0 && dice.chance(20);
         if (spoilt) *std::find(status.begin(), status.end(), 0) = AT_LOWER;
         std::vector<double> lower(body->lb.begin(), body->lb.end());
-        for (int j = 0; j < s->NumCols;
-             j++) { // reversed columns may get another bound later
+        for (int j = 0; j < s->NumCols; j++) { // bounds of reversed columns may move later
             if (s->ColScale[j] > 0 || dice.chance(50)) continue;
             lower[j] = body->ub[j] - 3;
             s->Upper[j] = lower[j] / s->ColScale[j];

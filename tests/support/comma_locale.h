@@ -28,6 +28,4 @@ struct CommaLocale {
         setlocale(LC_NUMERIC, "C");
         unsetenv("LOCPATH");
     }
-    CommaLocale(const CommaLocale &) = delete;
-    CommaLocale &operator=(const CommaLocale &) = delete;
 };

@@ -15,16 +15,13 @@
 // Where the method stopped. Variables: columns 0 .. n-1, row activities n .. n+m-1.
 struct DictionaryEnd {
     LpStatus status = LpStatus::OPTIMAL;
-    std::vector<int>
-        place; // [n + m] 0 basic, -1 at its lower end, -2 at its upper end, -3 at 0 (no ends)
-    int witness =
-        -1; // INFEASIBLE: a basic variable that nothing repairs; UNBOUNDED: a nonbasic one
+    std::vector<int> place; // [n + m] 0 basic, -1 at the lower end, -2 the upper, -3 no end
+    int witness = -1;  // INFEASIBLE: a basic variable beyond repair; UNBOUNDED: a nonbasic
     int direction = 0; // UNBOUNDED: +1 or -1, where the witness moves
 };
 
 namespace dictionary
 {
-
 inline constexpr int PATIENCE = 3; // pivots per variable before Bland's order
 
 using Number = mpf_class;
@@ -243,7 +240,6 @@ inline int make_optimal(Dictionary *d, int *way)
     }
     return -1;
 }
-
 } // namespace dictionary
 
 // No range may be crossed.

@@ -1,7 +1,5 @@
 // hostile_gen.cpp -- the table of families, and what makes a member infeasible or unbounded
 #include "support/hostile_gen.h"
-#include <algorithm>
-#include <cstring>
 
 static constexpr int INFEASIBLE_PERCENT = 20, UNBOUNDED_PERCENT = 20;
 static constexpr double SMALLEST_MARGIN = -9; // power of ten
@@ -20,7 +18,7 @@ void contradict_rows(Dice *dice, LpModel *lp, double margin)
 {
     const std::vector<HostileTerms> rows = rows_of(lp);
     HostileTerms sum;
-    double right = 0;
+    double right = 0; // what the sum is at most by the rows
     for (int k = dice->range(1, 3); k > 0; k--) {
         const size_t i = static_cast<size_t>(dice->range(0, lp->num_rows() - 1));
         double y = dice->range(1, 3);
@@ -28,8 +26,7 @@ void contradict_rows(Dice *dice, LpModel *lp, double margin)
         for (const auto &[col, value] : rows[i]) sum.push_back({col, y * value});
         right += y * lp->rhs[i];
     }
-    lp_add_row_entries(lp, sum, dice->chance(70) ? '>' : '=',
-                       right + margin); // all ask "<= right"
+    lp_add_row_entries(lp, sum, dice->chance(70) ? '>' : '=', right + margin);
 }
 
 // A row that asks for more than the bounds of its columns allow, by a margin; false when a bound is missing.

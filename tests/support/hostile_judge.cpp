@@ -2,19 +2,15 @@
 #include "support/hostile_judge.h"
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
 #include <cstring>
 
-static constexpr double NEARBY =
-    1e-9; // a point that breaks nothing by more is never refused
-static constexpr double GROSS_FACTOR = 1000;  // of the tolerances
-static constexpr double LOOSE_VALUE = 1e-6;   // relative
-static constexpr double SUM_ROUNDING = 1e-15; // of the terms of what tolerances explain
-static constexpr double RC_ROUNDING =
-    1e-14; // of the terms of c - pi A: what rounding pi and the sum may cost
+static constexpr double NEARBY = 1e-9;          // no point that breaks less is ever refused
+static constexpr double GROSS_FACTOR = 1000;    // of the tolerances
+static constexpr double LOOSE_VALUE = 1e-6;     // relative
+static constexpr double SUM_ROUNDING = 1e-15;   // of the terms of what tolerances explain
+static constexpr double RC_ROUNDING = 1e-14;    // of the terms of c - pi A, pi rounded
 static constexpr double VALUE_ROUNDING = 1e-12; // of the terms of the objective, for ObjVal
-static constexpr double PLACE_RELATIVE =
-    1e-9; // of the numbers behind a distance: the DualVio attribute's rule
+static constexpr double PLACE_RELATIVE = 1e-9;  // of numbers behind a distance: DualVio's
 
 const char *verdict_name(Verdict verdict)
 {
@@ -78,7 +74,6 @@ HostileOutcome hostile_solve(TVXenv *env, const LpModel *lp, const Settings &set
 
 namespace
 {
-
 struct Point {
     const LpModel *lp = nullptr;
     const HostileOutcome *outcome = nullptr;
@@ -86,19 +81,7 @@ struct Point {
     long double residual = 0; // largest difference of RC from c - pi A that is not rounding
     long double primal = 0, dual = 0; // largest violations, less their rounding
 };
-
 } // namespace
-
-__attribute__((format(printf, 2, 3))) static HostileJudgement say(Verdict verdict,
-                                                                  const char *format, ...)
-{
-    char text[300];
-    va_list args;
-    va_start(args, format);
-    vsnprintf(text, sizeof text, format, args);
-    va_end(args);
-    return {verdict, text};
-}
 
 static void measure(Point *p)
 {
@@ -149,9 +132,7 @@ static long double explained(const Point *p, const RationalResult &best, double 
 static bool well_formed(const LpModel *lp, const HostileOutcome *outcome)
 {
     const auto finite = [](const std::vector<double> &values, size_t size) {
-        return values.size() == size &&
-               std::all_of(values.begin(), values.end(),
-                           [](double v) { return std::isfinite(v); });
+        return values.size() == size && all_finite(values);
     };
     const LpSolution *s = &outcome->solution;
     const size_t n = lp->obj.size(), m = lp->rhs.size();
@@ -164,19 +145,19 @@ static HostileJudgement judge_value(HostileTruth *truth, const Point *p)
     const double tol = p->outcome->feasibility, said = p->outcome->solution.objval;
     const long double value = p->measures.sums.objective.value;
     if (std::fabs(said - value) > VALUE_ROUNDING * p->measures.sums.objective.size)
-        return say(Verdict::OBJECTIVE, "ObjVal %.15g, but the point has %.15Lg", said,
-                   value);
+        return {Verdict::OBJECTIVE,
+                formatted("ObjVal %.15g, but the point has %.15Lg", said, value)};
     double relax = 0;
     if (truth->relaxed(0).status == LpStatus::INFEASIBLE) relax = tol;
     const RationalResult &best = truth->relaxed(relax);
-    if (best.status != LpStatus::OPTIMAL)
-        return {}; // unbounded: the dual violation is within the tolerance
+    if (best.status != LpStatus::OPTIMAL) return {}; // unbounded within OptimalityTol
     const long double exact = best.value.get_d(), miss = (value - exact) * p->lp->sense;
     if (p->outcome->has_duals && miss > explained(p, best, relax))
-        return say(Verdict::OBJECTIVE, "value %.15Lg, exact %.15Lg, explained is %.3Lg",
-                   value, exact, explained(p, best, relax));
+        return {Verdict::OBJECTIVE,
+                formatted("value %.15Lg, exact %.15Lg, explained is %.3Lg", value, exact,
+                          explained(p, best, relax))};
     if (relax == 0 && std::fabs(miss) > LOOSE_VALUE * std::max(1.0L, std::fabs(exact)))
-        return say(Verdict::LOOSE, "value %.15Lg, exact %.15Lg", value, exact);
+        return {Verdict::LOOSE, formatted("value %.15Lg, exact %.15Lg", value, exact)};
     return {};
 }
 
@@ -185,26 +166,28 @@ static HostileJudgement judge_point(HostileTruth *truth, const Point *p)
     const HostileOutcome *o = p->outcome;
     const bool primal = p->primal > o->feasibility, dual = p->dual > o->optimality;
     if (primal && truth->relaxed(2 * o->feasibility).status == LpStatus::INFEASIBLE)
-        return say(Verdict::FALSE_OPTIMAL, "optimal, violation %.3Lg; infeasible within %g",
-                   p->primal, 2 * o->feasibility);
+        return {Verdict::FALSE_OPTIMAL,
+                formatted("optimal, violation %.3Lg; infeasible within %g", p->primal,
+                          2 * o->feasibility)};
     if (p->residual > o->optimality)
-        return say(Verdict::SILENT, "RC is %.3Lg from c - pi A", p->residual);
+        return {Verdict::SILENT, formatted("RC is %.3Lg from c - pi A", p->residual)};
     if ((primal && !o->warned_primal) || (dual && !o->warned_dual))
-        return say(Verdict::SILENT, "violation primal %.3Lg%s, dual %.3Lg%s", p->primal,
-                   primal && !o->warned_primal ? " untold" : "", p->dual,
-                   dual && !o->warned_dual ? " untold" : "");
+        return {Verdict::SILENT,
+                formatted("violation primal %.3Lg%s, dual %.3Lg%s", p->primal,
+                          primal && !o->warned_primal ? " untold" : "", p->dual,
+                          dual && !o->warned_dual ? " untold" : "")};
     const bool gross =
         p->primal > GROSS_FACTOR * o->feasibility || p->dual > GROSS_FACTOR * o->optimality;
     if (primal || dual)
-        return say(gross ? Verdict::GROSS : Verdict::WARNED,
-                   "violation primal %.3Lg, dual %.3Lg", p->primal, p->dual);
+        return {gross ? Verdict::GROSS : Verdict::WARNED,
+                formatted("violation primal %.3Lg, dual %.3Lg", p->primal, p->dual)};
     return judge_value(truth, p);
 }
 
 static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome *outcome)
 {
     if (!well_formed(truth->lp, outcome))
-        return say(Verdict::OTHER, "solution incomplete or not finite");
+        return {Verdict::OTHER, "solution incomplete or not finite"};
     const LpSolution *s = &outcome->solution;
     Point p = {truth->lp, outcome, {}, 0, 0, 0};
     p.measures =
@@ -220,8 +203,7 @@ static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome
 // meant: something within their rounding.
 static double coefficient_doubt(const LpModel *lp, const std::vector<mpq_class> &x)
 {
-    static constexpr double SHORT =
-        0x1p20; // multiples of its inverse are meant as they stand
+    static constexpr double SHORT = 0x1p20; // multiples of its inverse are meant as such
     std::vector<double> doubt(lp->rhs.size(), 0.0);
     for (int j = 0; j < lp->num_vars(); j++)
         for (const LpEntry &e : lp->cols[j])
@@ -276,26 +258,26 @@ static HostileJudgement judge_refusal(HostileTruth *truth, int said, double tol,
         if (ray_claimed && status == LpStatus::UNBOUNDED) return {};
         const bool far =
             (ray_claimed && has_rounded_ray(truth->lp)) || !is_near(truth, relax, tol);
-        return say(far ? Verdict::FAR : wrong,
-                   "status %d, but relaxed by %g it is %s with %.12g", said, relax,
-                   lp_status_name(status), truth->relaxed(relax).value.get_d());
+        return {far ? Verdict::FAR : wrong,
+                formatted("status %d, but relaxed by %g it is %s with %.12g", said, relax,
+                          lp_status_name(status), truth->relaxed(relax).value.get_d())};
     }
     if (said != TVX_UNBOUNDED) return {};
-    return say(wrong, "unbounded, but infeasible within %g", tol);
+    return {wrong, formatted("unbounded, but infeasible within %g", tol)};
 }
 
 HostileJudgement hostile_judge(HostileTruth *truth, const HostileOutcome *outcome)
 {
     if (outcome->error)
-        return say(Verdict::OTHER, "error %d: %s", outcome->error,
-                   outcome->message.c_str());
+        return {Verdict::OTHER,
+                formatted("error %d: %s", outcome->error, outcome->message.c_str())};
     const double most = HOSTILE_RUNAWAY * (truth->lp->num_rows() + truth->lp->num_vars());
     const LpSolution *s = &outcome->solution;
     if (outcome->seconds > HOSTILE_SECONDS || s->status == TVX_TIME_LIMIT)
-        return say(Verdict::SLOW, "%.0f iterations in %.1f seconds", s->iterations,
-                   outcome->seconds);
+        return {Verdict::SLOW, formatted("%.0f iterations in %.1f seconds", s->iterations,
+                                         outcome->seconds)};
     if (s->status == TVX_ITERATION_LIMIT || s->iterations > most)
-        return say(Verdict::RUNAWAY, "%.0f iterations", s->iterations);
+        return {Verdict::RUNAWAY, formatted("%.0f iterations", s->iterations)};
     switch (s->status) {
     case TVX_OPTIMAL:
         return judge_solution(truth, outcome);
@@ -308,9 +290,9 @@ HostileJudgement hostile_judge(HostileTruth *truth, const HostileOutcome *outcom
         return judge_refusal(truth, s->status, outcome->feasibility,
                              Verdict::FALSE_UNBOUNDED);
     case TVX_NUMERIC:
-        return say(Verdict::NUMERIC, "numeric error, the model is %s",
-                   lp_status_name(truth->relaxed(0).status));
+        return {Verdict::NUMERIC, formatted("numeric error, the model is %s",
+                                            lp_status_name(truth->relaxed(0).status))};
     default:
-        return say(Verdict::OTHER, "status %d", s->status);
+        return {Verdict::OTHER, formatted("status %d", s->status)};
     }
 }

@@ -23,7 +23,6 @@
 #pragma once
 #include "support/lp_tarvex.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <map>
 #include <string>
 
@@ -70,8 +69,7 @@ struct HostileOutcome {
     bool has_duals = true;
     double seconds = 0;
     double feasibility = 1e-6, optimality = 1e-6; // tolerances of the run
-    double rounding =
-        1e-17; // what the sums of numbers reported may be off by, relative to their terms
+    double rounding = 1e-17; // of sums of numbers reported, relative to their terms
     bool warned_primal = false, warned_dual = false;
 };
 

@@ -7,11 +7,9 @@
 // Method      Small integers throughout, so that the rational truth is that of the model without the multiples. A
 //             quarter of the models has all data in tenths, where the cancellation is that of decimals.
 #include "support/hostile_gen.h"
-#include <algorithm>
 
 namespace
 {
-
 // The equation sum of terms = rhs.
 struct Equation {
     HostileTerms terms;
@@ -24,7 +22,6 @@ struct Plan {
     int base = 0;          // columns that no equation defines
     std::vector<Equation> equations;
 };
-
 } // namespace
 
 static double large_multiple(Dice *dice)

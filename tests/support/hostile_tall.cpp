@@ -7,11 +7,9 @@
 //             multipliers of what is tight, so that x is nearly optimal.
 // Invariant   The tall family keeps activities below 5e4 in magnitude: x violates nothing by more than 1e-11.
 #include "support/hostile_gen.h"
-#include <algorithm>
 
 namespace
 {
-
 enum class Columns { MIXED, FREE, NONNEGATIVE, BOXED };
 
 struct Shape {
@@ -30,16 +28,14 @@ struct Shape {
     double largest_activity = 0; // rows beyond are scaled down; 0: none is
 };
 
-constexpr double WILD_ACTIVITY =
-    1e18;                             // right-hand sides stay below what counts as infinite
-constexpr double TALL_ACTIVITY = 5e4; // half a unit in the last place is 3.6e-12
+constexpr double WILD_ACTIVITY = 1e18; // right-hand sides stay below infinite ones
+constexpr double TALL_ACTIVITY = 5e4;  // half a unit in the last place is 3.6e-12
 
 struct Plan {
     const Shape *shape = nullptr;
     LpModel lp;
     std::vector<double> x; // [n] the point
 };
-
 } // namespace
 
 static double coefficient(Dice *dice, const Shape *shape)

@@ -2,24 +2,12 @@
 #include "support/lp_check.h"
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 
-__attribute__((format(printf, 2, 3))) static void fault(std::vector<std::string> *faults,
-                                                        const char *format, ...)
-{
-    char text[300];
-    va_list args;
-    va_start(args, format);
-    vsnprintf(text, sizeof text, format, args);
-    va_end(args);
-    if (faults->size() < 20) faults->emplace_back(text);
-}
+static constexpr size_t MOST_FAULTS = 20; // are told
 
-static bool all_finite(const std::vector<double> &values)
+static void fault(std::vector<std::string> *faults, const std::string &text)
 {
-    return std::all_of(values.begin(), values.end(),
-                       [](double v) { return std::isfinite(v); });
+    if (faults->size() < MOST_FAULTS) faults->push_back(text);
 }
 
 static bool check_shape(const LpModel *lp, const LpSolution *s,
@@ -39,7 +27,8 @@ static void check_report(const char *name, size_t k, double said, long double fo
                          long double largest, double tol, std::vector<std::string> *faults)
 {
     if (std::fabs(found - said) > tol * std::max(1.0L, largest))
-        fault(faults, "%s %zu is %.12g, but %.12Lg by its sum", name, k, said, found);
+        fault(faults,
+              formatted("%s %zu is %.12g, but %.12Lg by its sum", name, k, said, found));
 }
 
 static void check_violation(const char *name, size_t k, const LpAmount &amount, double from,
@@ -48,7 +37,7 @@ static void check_violation(const char *name, size_t k, const LpAmount &amount, 
     double nearest = std::fabs(from); // an end that is violated is finite
     if (lp_is_infinite(from) || std::fabs(to) < nearest) nearest = std::fabs(to);
     if (amount.value > tol * std::max(1.0, nearest))
-        fault(faults, "%s %zu violated by %.12Lg", name, k, amount.value);
+        fault(faults, formatted("%s %zu violated by %.12Lg", name, k, amount.value));
 }
 
 // A multiplier is 0, or its column or row stands where the multiplier drives it.
@@ -57,8 +46,8 @@ static void check_priced(const char *name, size_t k, const LpPriced &p,
 {
     if (std::fabs(p.force.value) > tol.dual &&
         p.distance.value > tol.primal * std::max(1.0L, p.end))
-        fault(faults, "%s %zu has multiplier %.12Lg, its end is %.12Lg away", name, k,
-              p.force.value, p.distance.value);
+        fault(faults, formatted("%s %zu has multiplier %.12Lg, its end is %.12Lg away",
+                                name, k, p.force.value, p.distance.value));
 }
 
 static void check_value(const LpModel *lp, const LpSolution *s, const LpMeasures &m,
@@ -79,14 +68,14 @@ static void check_value(const LpModel *lp, const LpSolution *s, const LpMeasures
         dual += rc.value * (rc.value * lp->sense > 0 ? lp->lb[j] : lp->ub[j]);
     }
     if (std::fabs(primal.value - dual) > tol.gap * size)
-        fault(faults, "duality gap: primal %.12Lg, dual %.12Lg", primal.value, dual);
+        fault(faults,
+              formatted("duality gap: primal %.12Lg, dual %.12Lg", primal.value, dual));
 }
 
 // ---- The basis ----
 
 static constexpr int MAX_FACTOR_ROWS = 400; // larger bases are not tested for regularity
-static constexpr double SINGULAR =
-    1e-11; // largest entry left, relative to 1: rows and columns are scaled
+static constexpr double SINGULAR = 1e-11;   // largest entry left, lines scaled to 1
 
 Matrix basis_matrix(const LpModel *lp, const LpSolution *s)
 {
@@ -156,8 +145,7 @@ static void check_basis(const LpModel *lp, const LpSolution *solution, double to
         if (status < -1 || status > 0) add('R', i, " has a CBasis that does not exist");
     }
     if (basics != m)
-        faults->push_back(std::to_string(basics) + " basics for " + std::to_string(m) +
-                          " rows");
+        faults->push_back(formatted("%zu basics for %zu rows", basics, m));
     else if (m <= MAX_FACTOR_ROWS && !is_regular(basis_matrix(lp, solution)))
         faults->emplace_back("basis matrix is singular");
 }

@@ -2,13 +2,15 @@
 #include "support/lp_model.h"
 #include <algorithm>
 #include <cmath>
-#include <iomanip>
+#include <cstdarg>
 #include <map>
 #include <sstream>
 
-LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows)
+LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows,
+                int sense)
 {
     LpModel lp;
+    lp.sense = sense;
     for (const LpColumn &c : columns) lp_add_var(&lp, c.obj, c.lb, c.ub);
     for (const LpRow &r : rows) {
         const int i = lp_add_row(&lp, r.sense, r.rhs);
@@ -164,12 +166,26 @@ double LpMeasures::violation() const
     return static_cast<double>(most);
 }
 
+bool all_finite(const std::vector<double> &values)
+{
+    return std::all_of(values.begin(), values.end(),
+                       [](double v) { return std::isfinite(v); });
+}
+
+std::string formatted(const char *format, ...)
+{
+    char text[300];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    return text;
+}
+
 static std::string number(double value)
 {
-    std::ostringstream brief, full;
-    brief << value;
-    full << std::setprecision(17) << value;
-    return strtod(brief.str().c_str(), nullptr) == value ? brief.str() : full.str();
+    const std::string brief = formatted("%g", value);
+    return strtod(brief.c_str(), nullptr) == value ? brief : formatted("%.17g", value);
 }
 
 static void print_bounds(const LpModel *lp, std::ostringstream *out)

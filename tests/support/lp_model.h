@@ -41,7 +41,8 @@ struct LpRow {
     char sense;
     double rhs;
 };
-LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows);
+LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows,
+                int sense = 1);
 
 int lp_add_var(LpModel *lp, double obj, double lb, double ub); // its index
 int lp_add_row(LpModel *lp, char sense, double rhs);           // its index
@@ -74,24 +75,24 @@ long double lp_objective(const LpModel *lp, const std::vector<double> &x);
 struct LpAmount {
     long double value = 0, terms = 0;
 };
-// How the multiplier of a column or row fits where it stands.
+// How the multiplier of a column or row fits where it stands; from an equation distances have no sign.
 struct LpPriced {
-    LpAmount
-        force; // turned to a minimisation: above 0 it prices the lower end, below 0 the upper one
-    LpAmount
-        distance; // from that end, negative: beyond; infinite without it; in an equation either way
+    LpAmount force;    // as of a minimisation: > 0 prices the lower end, < 0 the upper one
+    LpAmount distance; // from that end, < 0 beyond it; infinite without one
     long double end = 0; // largest of the numbers behind the distance
 };
 // What a point, and multipliers if there are any, miss of optimality.
 struct LpMeasures {
     LpSums sums;
-    std::vector<LpAmount> bound,
-        constr; // [n], [m] violations, negative: by how much it is kept
-    std::vector<LpPriced> cols, rows; // [n], [m]; none without multipliers
-    double violation() const;         // the largest
+    std::vector<LpAmount> bound, constr; // [n], [m] violations, < 0: by how much kept
+    std::vector<LpPriced> cols, rows;    // [n], [m]; none without multipliers
+    double violation() const;            // the largest
 };
 LpMeasures lp_measure(const LpModel *lp, const std::vector<double> &x,
                       const std::vector<double> &pi);
 
+bool all_finite(const std::vector<double> &values);
+// As printf prints it.
+__attribute__((format(printf, 1, 2))) std::string formatted(const char *format, ...);
 // The model as free MPS, all digits, each line of `comment` behind a star.
 std::string lp_to_mps(const LpModel *lp, const std::string &comment);

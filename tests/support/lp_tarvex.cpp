@@ -8,7 +8,7 @@ TestEnv::TestEnv()
     if (TVXloadenv(&env, nullptr) || TVXsetintparam(env, "OutputFlag", 0)) abort();
 }
 
-TVXmodel *lp_load(TVXenv *env, const LpModel *lp)
+TVXmodel *lp_load(TVXenv *env, const LpModel *lp, const Settings &settings)
 {
     TVXmodel *model = nullptr;
     std::vector<int> beg, len, ind;
@@ -27,7 +27,9 @@ TVXmodel *lp_load(TVXenv *env, const LpModel *lp)
         env, &model, nullptr, lp->num_vars(), lp->num_rows(), lp->sense, lp->objcon,
         lp->obj.data(), lp->senses.data(), lp->rhs.data(), beg.data(), len.data(),
         ind.data(), val.data(), lp->lb.data(), lp->ub.data(), nullptr, nullptr, nullptr);
-    return error ? nullptr : model;
+    if (error || settings_apply(TVXgetenv(model), settings) == 0) return model;
+    TVXfreemodel(model);
+    return nullptr;
 }
 
 template<class T, class Query>

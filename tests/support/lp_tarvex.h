@@ -1,7 +1,7 @@
 // lp_tarvex.h -- between the test's own models and the library, through the public interface only
 #pragma once
 #include "support/lp_check.h"
-#include "support/lp_model.h"
+#include "support/settings.h"
 #include "tarvex.h"
 #include <utility>
 
@@ -21,10 +21,11 @@ struct TestModel {
     TestModel &operator=(const TestModel &) = delete;
     TestModel(TestModel &&other) noexcept : model(std::exchange(other.model, nullptr)) {}
     operator TVXmodel *() const { return model; }
+    TVXmodel *operator->() const { return model; }
 };
 
-// The model in one call (columns with TVXloadmodel), or null.
-TVXmodel *lp_load(TVXenv *env, const LpModel *lp);
+// The model in one call (columns with TVXloadmodel), under these settings; or null.
+TVXmodel *lp_load(TVXenv *env, const LpModel *lp, const Settings &settings = {});
 // What the library holds, by queries. 0, or a code when some fail.
 int lp_read_back(TVXmodel *model, LpModel *lp);
 

@@ -15,10 +15,7 @@ struct Scene {
     TestEnv env;
     TVXmodel *model = nullptr;
     LpModel lp;
-    Scene() = default;
     ~Scene() { TVXfreemodel(model); }
-    Scene(const Scene &) = delete;
-    Scene &operator=(const Scene &) = delete;
 };
 
 struct Sweep {
@@ -66,9 +63,8 @@ inline void sweep_solve(const LpModel &lp, const Settings &settings)
     run_sweep({"solve",
                [&](Scene *s) {
                    s->lp = lp;
-                   s->model = lp_load(s->env.env, &lp);
+                   s->model = lp_load(s->env.env, &lp, settings);
                    ASSERT_TRUE(s->model);
-                   ASSERT_EQ(settings_apply(TVXgetenv(s->model), settings), 0);
                },
                [](Scene *s) { return TVXoptimize(s->model); },
                [](Scene *s, int code) {

@@ -5,7 +5,6 @@
 
 namespace
 {
-
 // What one model is made with.
 struct Flavour {
     int density = 50;         // percent of entries that are not 0
@@ -14,7 +13,6 @@ struct Flavour {
     bool plant_dual = false;  // objective from multipliers of the right signs
     bool all_tight = false;   // every planted row holds with equality: degenerate
 };
-
 } // namespace
 
 static void add_random_var(Dice *dice, LpModel *lp)

@@ -2,6 +2,7 @@
 #pragma once
 #include "support/inside.h"
 #include "support/scratch.h"
+#include <unistd.h>
 
 struct ModelTest : testing::Test {
     TestEnv env;
@@ -9,11 +10,22 @@ struct ModelTest : testing::Test {
 
     void TearDown() override { TVXfreemodel(model); }
 
-    void load(const LpModel &lp)
+    void load(const LpModel &lp, const Settings &settings = {})
     {
         TVXfreemodel(model);
-        model = lp_load(env.env, &lp);
+        model = lp_load(env.env, &lp, settings);
         ASSERT_NE(model, nullptr);
+    }
+    // The model of an LP text without its end, for tests that do not look at how models are built.
+    void load(const std::string &text)
+    {
+        std::string name = testing::TempDir() + "tarvexXXXXXX.lp";
+        close(mkstemps(name.data(), 3));
+        file_put(name, text + "\nend\n");
+        TVXfreemodel(model);
+        ASSERT_EQ(TVXreadmodel(env.env, name.c_str(), &model), 0)
+            << TVXgeterrormsg(env.env);
+        remove(name.c_str());
     }
     TVXenv *own() { return TVXgetenv(model); }
     void update() { ASSERT_EQ(TVXupdatemodel(model), 0); }
@@ -46,6 +58,11 @@ struct ModelTest : testing::Test {
         char *value = nullptr;
         EXPECT_EQ(TVXgetstrattrelement(model, name, index, &value), 0) << name;
         return value ? value : "(null)";
+    }
+    int solved() // the status
+    {
+        EXPECT_EQ(TVXoptimize(model), 0);
+        return integer("Status");
     }
     double objective()
     {

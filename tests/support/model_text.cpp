@@ -1,11 +1,9 @@
 // model_text.cpp -- reading and printing; see the header
 #include "support/model_text.h"
-#include <algorithm>
 #include <sstream>
 
 namespace
 {
-
 struct Reader {
     TVXmodel *model;
     std::string unreadable;
@@ -41,7 +39,6 @@ struct Reader {
                 use(static_cast<size_t>(k))->emplace_back(ind[p], val[p]);
     }
 };
-
 } // namespace
 
 ModelContent model_content(TVXmodel *model)

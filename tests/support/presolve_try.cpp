@@ -114,35 +114,28 @@ bool claim_proved(const ModelBody *body, const LpClaim *claim)
     return holds;
 }
 
-PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions)
+PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
+                       const Settings &settings)
 {
     PresolveTry out;
     LpClaim claim;
-    const TestModel model(lp_load(env, lp));
+    const TestEnv env;
+    const TestModel model(lp_load(env.env, &lp, settings));
     if (!model) abort();
     PresolveWork work;
     PresolveResult *result = nullptr;
     work.WantsProof = true;
     const int error = reduce(&work, model, reductions, &out, &result);
     if (out.status != 0 && claim_finish(&work, out.status, &claim)) abort();
-    out.proved = claim_proved(model.model->body, &claim);
+    out.proved = claim_proved(model->body, &claim);
     out.infeas_col = work.InfeasCol;
     out.coefs_changed = work.CoefsChanged;
     out.effect = work.RowsRemoved + work.ColsRemoved + work.IneqToEq + work.CoefsChanged +
                  work.BoundsChanged;
     work_free(&work);
-    finish(model, result, lp, error, &out);
+    finish(model, result, &lp, error, &out);
     presolve_free(result);
     return out;
-}
-
-PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
-                       const Settings &settings)
-{
-    const TestEnv env;
-    if (settings_apply(env.env, settings)) abort();
-    return presolve_try(env.env, &lp, reductions);
 }
 
 PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,

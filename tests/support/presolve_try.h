@@ -5,7 +5,6 @@
 #pragma once
 #include "presolve/work.h"
 #include "support/lp_tarvex.h"
-#include "support/settings.h"
 #include <initializer_list>
 #include <string>
 
@@ -21,18 +20,14 @@ struct PresolveTry {
     LpModel reduced;        // as the reductions left it, rows '<' and '=' only, to look at
     int reduced_status = 0; // Status of the reduced model, 0 when nothing is left
     LpSolution solution;    // after postsolve, when there is an optimum
-    std::string
-        faults; // of that solution, or what else went wrong; empty when all is right
+    std::string faults;     // of that solution, or what else went wrong; empty: none
 };
 
 // Runs the reductions in this order, each once, on all rows and columns, with activities summed and lists compressed
-// between them; then solves, postsolves and judges. Parameters are those of `env`.
-PresolveTry presolve_try(TVXenv *env, const LpModel *lp,
-                         std::initializer_list<Reduction> reductions);
-
-// Such a run in an environment of its own. What is left is judged, and counted: -1 stands for any number.
+// between them; then solves, postsolves and judges.
 PresolveTry reduced_by(const LpModel &lp, std::initializer_list<Reduction> reductions,
                        const Settings &settings = {});
+// What is left is judged, and counted: -1 stands for any number.
 PresolveTry expect_left(const LpModel &lp, std::initializer_list<Reduction> reductions,
                         int rows, int cols = -1, const Settings &settings = {});
 // Is there a proof in the claim, and does it hold for the model?

@@ -4,7 +4,6 @@
 
 namespace
 {
-
 constexpr double RELATIVE = 1e-12; // of an amount: conversions to double
 constexpr double ROUNDING = 2e-17; // of the terms of two sums in long double with 64 bits
 constexpr double PLACE_RELATIVE = 1e-9; // of the numbers behind a distance: see the page
@@ -14,7 +13,6 @@ struct Amount {
     double noise = 0; // by how much the library may differ
 };
 using Amounts = std::vector<Amount>;
-
 } // namespace
 
 static Amount positive(const LpAmount &amount)
@@ -45,9 +43,7 @@ struct Priced {
 
 static std::string differs(const std::string &name, double said, double found)
 {
-    char text[200];
-    snprintf(text, sizeof text, "%s is %.17g, found %.17g", name.c_str(), said, found);
-    return text;
+    return formatted("%s is %.17g, found %.17g", name.c_str(), said, found);
 }
 
 static void compare(TVXmodel *model, const std::string &name, const Amounts &amounts,

@@ -13,7 +13,6 @@
 
 namespace
 {
-
 using Vector = std::vector<mpq_class>;
 
 struct Basis {
@@ -22,7 +21,6 @@ struct Basis {
     std::vector<std::vector<mpz_class>> matrix; // [k][2 k] M | 1, in the end 1 | inverse
     mpz_class determinant = 1;                  // by which all that is multiplied
 };
-
 } // namespace
 
 static Basis split_basis(const LpModel *lp, const std::vector<int> &place)

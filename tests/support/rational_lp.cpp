@@ -3,8 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-static constexpr unsigned BITS = 320,
-                          MOST_BITS = 20480; // of the first attempt, and of the last
+static constexpr unsigned BITS = 320, MOST_BITS = 20480; // of the first and last attempt
 
 const char *lp_status_name(LpStatus status)
 {

@@ -22,14 +22,13 @@ const char *lp_status_name(LpStatus status);
 struct RationalResult {
     LpStatus status = LpStatus::OPTIMAL;
     mpq_class value; // OPTIMAL: the objective in the model's own sense, constant included
-    std::vector<mpq_class> x;  // [n] OPTIMAL, UNBOUNDED: a feasible point (optimal)
-    std::vector<mpq_class> pi; // [m] OPTIMAL: change of the value per unit of rhs
-    std::vector<mpq_class>
-        farkas; // [m] INFEASIBLE: row multipliers, all 0 when `crossed` says enough
-    std::vector<mpq_class> ray; // [n] UNBOUNDED: a direction that improves for ever
-    int crossed = -1;           // INFEASIBLE: a column with lb > ub, or -1
-    std::vector<int> vbasis;    // [n] OPTIMAL: 0 basic, -1 at lower, -2 at upper, -3 free
-    std::vector<int> cbasis;    // [m] OPTIMAL: 0 basic, -1 not
+    std::vector<mpq_class> x;      // [n] OPTIMAL, UNBOUNDED: a feasible point (optimal)
+    std::vector<mpq_class> pi;     // [m] OPTIMAL: change of the value per unit of rhs
+    std::vector<mpq_class> farkas; // [m] INFEASIBLE: row multipliers, 0 if `crossed` tells
+    std::vector<mpq_class> ray;    // [n] UNBOUNDED: a direction that improves for ever
+    int crossed = -1;              // INFEASIBLE: a column with lb > ub, or -1
+    std::vector<int> vbasis; // [n] OPTIMAL: 0 basic, -1 at lower, -2 at upper, -3 free
+    std::vector<int> cbasis; // [m] OPTIMAL: 0 basic, -1 not
 };
 
 // A range whose ends may be absent.

@@ -8,7 +8,6 @@
 
 namespace
 {
-
 using Vector = std::vector<mpq_class>;
 
 // An integer vector, and what it was multiplied by.
@@ -120,7 +119,6 @@ std::string verify_ray(const LpModel *lp, const RationalResult *result, double r
         if (meets(activity[i], relaxed_row(lp, i, relax))) return "ray meets a row";
     return gain < 0 ? "" : "ray does not improve";
 }
-
 } // namespace
 
 std::string rational_verify_point(const LpModel *lp, const std::vector<mpq_class> &given,

@@ -4,13 +4,11 @@
 
 namespace
 {
-
 struct Choice {
     const char *name;
     int percent; // how often it is drawn at all
     std::vector<double> values;
 };
-
 } // namespace
 
 static const std::vector<Choice> CHOICES = {

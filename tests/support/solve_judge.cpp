@@ -33,8 +33,7 @@ LpSolution exact_solution(const LpModel *lp, const RationalResult &exact)
 
 static std::string wrong_status(int status, LpStatus expected)
 {
-    return "status " + std::to_string(status) + ", but the model is " +
-           lp_status_name(expected);
+    return formatted("status %d, but the model is %s", status, lp_status_name(expected));
 }
 
 std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool presolve,
@@ -56,8 +55,7 @@ std::string judge_exact(const LpModel *lp, const RationalResult *truth, bool pre
     for (size_t j = 0; j < lp->obj.size(); j++)
         size = std::max(size, std::fabs(lp->obj[j] * truth->x[j].get_d()));
     if (!(std::fabs(solution->objval - value) <= 1e-6 * size))
-        return "value " + std::to_string(solution->objval) + ", but it is " +
-               std::to_string(value);
+        return formatted("value %.9g, but it is %.9g", solution->objval, value);
     return judge_optimal(lp, solution);
 }
 
@@ -91,14 +89,12 @@ std::string judge_outcome(const LpModel *lp, const RationalResult *truth,
 std::string solve_and_judge(TVXenv *env, const LpModel *lp, const RationalResult *truth,
                             const Settings &settings)
 {
-    const TestModel model(lp_load(env, lp));
-    if (!model) return std::string("load failed: ") + TVXgeterrormsg(env);
+    const TestModel model(lp_load(env, lp, settings));
     LpSolution solution;
-    if (settings_apply(TVXgetenv(model), settings) ||
-        TVXsetdblparam(TVXgetenv(model), "IterationLimit", RUNAWAY_ITERATIONS))
-        return std::string("settings refused: ") + TVXgetmerrormsg(model);
-    const int error = lp_solve(model, &solution);
-    if (error) return "error " + std::to_string(error) + ": " + TVXgetmerrormsg(model);
+    if (!model || TVXsetdblparam(TVXgetenv(model), "IterationLimit", RUNAWAY_ITERATIONS))
+        return std::string("not loaded, or settings refused: ") + TVXgeterrormsg(env);
+    if (const int error = lp_solve(model, &solution))
+        return formatted("error %d: %s", error, TVXgetmerrormsg(model));
     return judge_outcome(lp, truth, settings, &solution);
 }
 
@@ -110,11 +106,9 @@ std::string same_outcome(const LpSolution *a, const LpSolution *b)
     const bool compatible = a->status == b->status ||
                             (a->status == TVX_INF_OR_UNBD && open(b->status)) ||
                             (b->status == TVX_INF_OR_UNBD && open(a->status));
-    if (!compatible)
-        return "status " + std::to_string(a->status) + " against " +
-               std::to_string(b->status);
+    if (!compatible) return formatted("status %d against %d", a->status, b->status);
     if (a->status != TVX_OPTIMAL) return "";
     const double size = 1 + std::max(std::fabs(a->objval), std::fabs(b->objval));
     if (std::fabs(a->objval - b->objval) <= 1e-6 * size) return "";
-    return "value " + std::to_string(a->objval) + " against " + std::to_string(b->objval);
+    return formatted("value %.9g against %.9g", a->objval, b->objval);
 }

@@ -2,11 +2,9 @@
 #pragma once
 #include "support/lp_tarvex.h"
 #include "support/rational_lp.h"
-#include "support/settings.h"
 #include <string>
 
-static constexpr double RUNAWAY_ITERATIONS =
-    20000; // for tiny models: nobody needs as many without cycling
+static constexpr double RUNAWAY_ITERATIONS = 20000; // tiny models that take more cycle
 
 // What is wrong with an outcome of a model whose truth the exact judge knows; empty when all is right. With
 // presolve on, status 4 is right for models without optimum (unless the objective is zero: then they can only

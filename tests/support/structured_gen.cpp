@@ -22,9 +22,15 @@ const std::vector<FamilyRow> &all_families()
     return families;
 }
 
+LpModel generated(Family family, int size, uint64_t seed)
+{
+    Dice dice(seed);
+    return family(&dice, size).lp;
+}
+
 GeneratedLp gen_assignment(Dice *dice, int size)
 {
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
+    GeneratedLp g;
     const int k = std::max(2, size / 3);
     g.lp.sense = dice->chance(50) ? 1 : -1;
     std::vector<Terms> row(k), col(k);
@@ -42,7 +48,7 @@ GeneratedLp gen_assignment(Dice *dice, int size)
 
 GeneratedLp gen_multi_period(Dice *dice, int size)
 {
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
+    GeneratedLp g;
     const int items = dice->range(2, 4), periods = std::max(2, size / (items + 1));
     std::vector<int> stock(items, -1);
     for (int t = 0; t < periods; t++) {
@@ -51,8 +57,7 @@ GeneratedLp gen_multi_period(Dice *dice, int size)
             const int make = lp_add_var(&g.lp, dice->range(3, 15), 0,
                                         dice->chance(30) ? 40 : LP_INFINITY);
             const int keep = lp_add_var(&g.lp, dice->range(1, 3), 0, dice->range(20, 60));
-            const int late =
-                lp_add_var(&g.lp, 200, 0, LP_INFINITY); // buying keeps it feasible
+            const int late = lp_add_var(&g.lp, 200, 0, LP_INFINITY); // keeps it feasible
             Terms balance = {{make, 1}, {late, 1}, {keep, -1}};
             if (t > 0) balance.push_back({stock[k], 1});
             lp_add_row_entries(&g.lp, balance, '=', dice->range(0, 25));
@@ -66,7 +71,7 @@ GeneratedLp gen_multi_period(Dice *dice, int size)
 
 GeneratedLp gen_network(Dice *dice, int size)
 {
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
+    GeneratedLp g;
     const int nodes = std::max(3, size), arcs = 3 * nodes;
     std::vector<Terms> balance(nodes);
     std::vector<int> net(nodes, 0);
@@ -89,7 +94,7 @@ GeneratedLp gen_network(Dice *dice, int size)
 
 GeneratedLp gen_blending(Dice *dice, int size)
 {
-    GeneratedLp g{.lp = {}, .truth = Truth::OPTIMAL};
+    GeneratedLp g;
     const int raws = std::max(4, size / 2), qualities = std::max(2, size / 2);
     std::vector<double> point;
     Terms all;
@@ -136,14 +141,12 @@ GeneratedLp gen_planted_optimum(Dice *dice, int size)
 {
     const int cols = dice->range(size / 2 + 1, 2 * size),
               entries = dice->range(2, std::min(6, size));
-    return {.lp = gen_planted(dice, size, cols, density(entries, size), false),
-            .truth = Truth::OPTIMAL};
+    return {gen_planted(dice, size, cols, density(entries, size), false)};
 }
 
 GeneratedLp gen_degenerate_optimum(Dice *dice, int size)
 {
-    return {.lp = gen_planted(dice, size, size, density(3, size), true),
-            .truth = Truth::OPTIMAL};
+    return {gen_planted(dice, size, size, density(3, size), true)};
 }
 
 GeneratedLp gen_badly_scaled(Dice *dice, int size)

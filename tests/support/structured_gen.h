@@ -5,14 +5,17 @@
 #pragma once
 #include "support/dice.h"
 #include "support/lp_model.h"
-#include <string>
 #include <vector>
 
-enum class Truth { UNKNOWN, OPTIMAL, INFEASIBLE, UNBOUNDED };
+enum class Truth {
+    OPTIMAL,
+    INFEASIBLE,
+    UNBOUNDED
+}; // OPTIMAL: at least feasible and bounded
 
 struct GeneratedLp {
     LpModel lp;
-    Truth truth = Truth::UNKNOWN; // OPTIMAL: at least feasible and bounded
+    Truth truth = Truth::OPTIMAL;
 };
 
 using Family = GeneratedLp (*)(Dice *dice, int size);
@@ -21,6 +24,7 @@ struct FamilyRow {
     Family generate;
 };
 const std::vector<FamilyRow> &all_families();
+LpModel generated(Family family, int size, uint64_t seed); // by choices of its own
 
 GeneratedLp gen_assignment(Dice *dice, int size);   // few distinct costs, highly degenerate
 GeneratedLp gen_multi_period(Dice *dice, int size); // production, stock, capacity

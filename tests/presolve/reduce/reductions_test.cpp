@@ -68,8 +68,7 @@ static LpModel contradictory(Dice *dice)
 {
     LpModel lp = gen_tiny(dice, {.max_vars = 5, .max_rows = 5});
     const int m = lp.num_rows(), n = lp.num_vars();
-    if (n > 0 &&
-        dice->chance(10)) { // free columns, and the sum of two of them at less cost
+    if (n > 0 && dice->chance(10)) { // free columns, and the sum of two at less cost
         for (int j = 0; j < n; j++) lp.lb[j] = -LP_INFINITY, lp.ub[j] = LP_INFINITY;
         const int a = dice->range(0, n - 1), b = dice->range(0, n - 1);
         const int sum = lp_add_var(&lp, lp.obj[a] + lp.obj[b] + dice->nonzero(1),
@@ -114,8 +113,6 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
         {"singleton_knapsack", {pre_singleton_knapsack}, 104, 0},
         {"implied_bounds", {pre_implied_bounds}, 311, 50},
     };
-    const TestEnv env;
-    ASSERT_EQ(TVXsetintparam(env.env, "AggFill", 1000), 0);
     for (const auto &row : rows) {
         int effect = 0, ends = 0, proofs = 0;
         for (uint64_t seed = 0; seed < 2000; seed++) {
@@ -126,7 +123,7 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
                                                : full_of_multiples(&dice);
             const RationalResult truth = rational_solve(&lp);
             if (truth.crossed >= 0) continue; // such models are not reduced
-            const PresolveTry t = presolve_try(env.env, &lp, row.reductions);
+            const PresolveTry t = reduced_by(lp, row.reductions, {{"AggFill", 1000}});
             effect += t.effect;
             ends += t.status != 0;
             proofs += t.status != 0 && t.proved;

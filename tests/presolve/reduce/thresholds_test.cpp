@@ -134,8 +134,7 @@ TEST(Columns, leave_unless_they_are_small_in_their_row_or_parameters_keep_them)
     EXPECT_EQ(expect_end(with_singleton(3, 2, 1, 2, '='), {pre_columns}, END_INFEASIBLE)
                   .infeas_col,
               3);
-    for (const double factor :
-         {1.0, 1e7}) { // scales too far apart, or a basis to be crushed
+    for (const double factor : {1.0, 1e7}) { // scales too far apart, or bases to be crushed
         const LpModel parallel =
             lp_make({{3, 0, 2}, {1, 0, 2}, {factor, -1, 4}},
                     {{{1, 1, factor}, '>', 1}, {{-1, 1, factor}, '<', 4}});
