@@ -25,7 +25,6 @@ template<class R> struct dopt {
     Array<R> CandDual;    // [NumVars] reduced cost, signs turned so that it is >= -OptTol
     Array<R> CandRange;   // [NumVars] decrease of the slope at the breakpoint
     int CandCount = 0;
-    R Ignored = 0;       // largest entry that would block, but is too small for a candidate
     Array<int> GroupEnd; // [NumVars + 1] end of the candidates of group g
     Array<int> Flips;    // [NumVars] variables that flip to their other bound in this step
     int FlipCount = 0;

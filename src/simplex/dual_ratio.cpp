@@ -47,7 +47,6 @@ template<class R> void collect(sopt *s, swork<R> *w, R small)
     int *__restrict place = d->CandPlace.data;
     R *__restrict cand_alpha = d->CandAlpha.data, *__restrict cand_dual = d->CandDual.data;
     int count = 0;
-    R ignored = 0;
     for (int k = 0; k < w->RowCount; k++) {
         const int j = ind[k];
         const R sign = vstat[j] == AT_UPPER ? -side : side;
@@ -56,10 +55,8 @@ template<class R> void collect(sopt *s, swork<R> *w, R small)
         cand_alpha[count] = a;
         cand_dual[count] = sign * side * cbar[j];
         count += a > small;
-        ignored = std::max(ignored, a > small ? R(0) : a);
     }
     d->CandCount = count;
-    d->Ignored = ignored;
 }
 
 // Free variables block in both directions.
@@ -240,7 +237,7 @@ template<class R> void count_ignored(sopt *s, const swork<R> *w, R small, int be
     const dopt<R> *d = w->Dual;
     const R step = d->CandDual.data[best] / d->CandAlpha.data[best],
             side = d->Delta < 0 ? R(-1) : R(1);
-    if (d->Ignored * step <= R(NOISE_SHARE * s->OptTol)) return;
+    if (small * step <= R(NOISE_SHARE * s->OptTol)) return;
     for (int k = 0; k < w->RowCount; k++) {
         const int j = w->RowInd.data[k];
         const R sign = s->VStat.data[j] == AT_UPPER ? -side : side,

@@ -103,7 +103,7 @@ FAULTS = [
     Fault("src/simplex/dual_update.cpp", "rounding errors of large steps are not counted", "Resolve.*",
           "s->ValueNoise += UNIT_ROUNDOFF * step;", "s->ValueNoise += 0 * UNIT_ROUNDOFF * step;"),
     Fault("src/simplex/dual_ratio.cpp", "wrong signs by entries that the ratio test ignores are not seen", "Resolve.*",
-          "if (d->Ignored * step <= R(NOISE_SHARE * s->OptTol)) return;", "if (d->Ignored >= R(0)) return;"),
+          "if (small * step <= R(NOISE_SHARE * s->OptTol)) return;", "if (small >= R(0)) return;"),
     Fault("src/simplex/resolve.cpp", "tolerances are reduced once, whatever error is left", "Resolve.*",
           "if (round == SIGN_ROUNDS || !live_tighten_signs(s, w)) break;", "break;"),
     Fault("src/simplex/sopt.h", "a variable is taken to move by no more than the largest basic value", "Resolve.*",
