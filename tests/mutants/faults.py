@@ -3,8 +3,8 @@
 A row: file, what breaks, the filter of the tests that should see it first ("" where only whole solves can), the exact
 text to replace (once in its file, code only), and its replacement.
 
-Last result     2026-11-22, by the first filters alone: those of live records at commit 865ee8e, the others of LU, simplex,
-                presolve, LP, MIP and analysis at 619f15b, those of the other folders at c8534d8: all killed
+Last result     2026-11-23, by the first filters alone: all at commit b880d64, those of LU and of live records again at
+                72ee15b and a27fb37: all killed
 """
 from collections import namedtuple
 
@@ -120,6 +120,8 @@ FAULTS = [
           "dual_subtract_row(s, w, R(-1));", "dual_subtract_row(s, w, R(0));"),
     Fault("src/simplex/node_basis.cpp", "a basis reached by pivots has the old values", "Resolve.*",
           "if (s->Live == LIVE_FRESH) pivot_values(s, w, r, q, status);", ""),
+    Fault("src/simplex/live_query.cpp", "multipliers that are read have the wrong sign", "Resolve.*",
+          "return -minus_multiplier(s, i) * s->RowScale.data[i]", "return minus_multiplier(s, i) * s->RowScale.data[i]"),
     Fault("src/simplex/live_query.cpp", "a column of the tableau has the units of the working LP", "Resolve.*",
           "static_cast<double>(w->Alpha.Value.data[r]) * signed_unit(s, k) / unit;",
           "static_cast<double>(w->Alpha.Value.data[r]) / signed_unit(s, k) / unit;"),

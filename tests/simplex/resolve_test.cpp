@@ -377,7 +377,7 @@ struct Walk {
         strong_branch_close(branch);
         EXPECT_EQ(live_faults(s), "") << "after strong branching";
     }
-    // The point is feasible and has the objective.
+    // The point is feasible and has the objective, the multipliers give the reduced costs.
     void check_point() const
     {
         std::vector<double> x;
@@ -388,6 +388,14 @@ struct Walk {
                 << j;
         EXPECT_NEAR(lp.sense * double(m.sums.objective.value), s->Obj + s->ObjOffset,
                     SAME * (1 + std::fabs(s->Obj)));
+        std::vector<double> pi;
+        for (int i = 0; i < lp.num_rows(); i++)
+            pi.push_back(lp.sense * simplex_pi(s, i) * (lp.senses[i] == '>' ? -1 : 1));
+        const LpSums sums = lp_sums(&lp, x, pi);
+        for (int j = 0; j < lp.num_vars(); j++)
+            EXPECT_NEAR(lp.sense * double(sums.costs[j].value), simplex_reduced_cost(s, j),
+                        SAME * (1 + double(sums.costs[j].size)))
+                << "reduced cost " << j;
     }
 };
 
