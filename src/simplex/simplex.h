@@ -176,6 +176,7 @@ inline bool branch_is_closed(const BranchOutcome &outcome)
                                       BranchOutcome *outcome); // likewise
 void strong_branch_close(StrongBranch *branch);                // null is ignored
 
+// For a record between two runs of SimplexOptimize; a live one gets its bounds with simplex_resolve (resolve.h).
 // The bounds of structural variable j changed in the body. True: the record was changed likewise. False: it could not
 // be (the variable becomes or stops being free, or keeps only an upper bound); the caller then has to free the record.
 [[nodiscard]] bool simplex_change_bound(sopt *s, int j, double lb, double ub);
