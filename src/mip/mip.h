@@ -21,12 +21,23 @@ struct MipResult {
     Quality quality;        // of the best solution, filled on first query
 };
 
+struct MIPState; // mip_state.h
+
+// Parameters on which the tree of a search depends: with other values it is not continued.
+struct SearchBasis {
+    double Cutoff = 0, FeasibilityTol = 0, IntFeasTol = 0, OptimalityTol = 0;
+    int Presolve = 0, DualReduction = 0, Focus = 0;
+    bool operator==(const SearchBasis &) const = default;
+};
+
 // What a model keeps between MIP solves.
 struct MipSolve {
     const ModelBody *body = nullptr; // of the last mip_solve; not owned
     TVXenv *env = nullptr;           // likewise
     // owned; null before the first solve, and after one that left nothing
     MipResult *result = nullptr;
+    MIPState *search = nullptr; // owned; goes on with the next mip_solve
+    SearchBasis basis;          // of `search`
 };
 void mip_drop(MipSolve *mip);
 
