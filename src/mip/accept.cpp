@@ -5,6 +5,7 @@
 //          semi-continuous variables exactly. Nothing else is accepted.
 #include "mip/accept.h"
 #include "body/quality.h"
+#include "mip/search_callback.h"
 #include "mip/search_log.h"
 #include "mip/semi.h"
 #include <algorithm>
@@ -65,8 +66,8 @@ int is_feasible(const MIPState *state, const ModelBody *body, const double *x, b
     Quality quality;
     TRY(MipQuality(state->Env, body, x, &quality, QualityWarnings::NO));
     const double tolerance = state->Env->FeasibilityTol;
-    *feasible = quality.ConstrVio.largest <= tolerance &&
-                quality.BoundVio.largest <= tolerance && quality.IntVio.largest == 0;
+    *feasible = quality.ConstrVio.max <= tolerance &&
+                quality.BoundVio.max <= tolerance && quality.IntVio.max == 0;
     for (int k = 0; k < body->numsos && *feasible; k++)
         *feasible = sos_violation(body, k, x) == 0;
     return 0;
@@ -80,40 +81,16 @@ double objective_of(const ModelBody *body, const double *x)
     return static_cast<double>(sum);
 }
 
-// The point of the caller's body, in a new block. 0 or OUT_OF_MEMORY.
-int map_back(const MIPState *state, const double *x, double **full)
+double *new_vector(int n)
 {
-    const SearchSpace *space = state->Space;
-    double *point = static_cast<double *>(
-        MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, state->Body->numvars))));
-    if (!point) return OUT_OF_MEMORY;
-    std::copy_n(x, state->Body->numvars, point);
-    for (; space->Presolve; space = space->Outer) {
-        const int n = space->Outer->Body->numvars;
-        double *outer = static_cast<double *>(
-            MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
-        if (outer) postsolve_primal(space->Presolve, point, outer);
-        MemFree(point);
-        if (!outer) return OUT_OF_MEMORY;
-        point = outer;
-    }
-    *full = point;
-    return 0;
-}
-
-const ModelBody *callers_body(const MIPState *state)
-{
-    const SearchSpace *space = state->Space;
-    while (space->Outer) space = space->Outer;
-    return space->Body;
+    return static_cast<double *>(MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
 }
 
 int store(MIPState *state, const double *x, double *full, double objective,
           SolutionSource source)
 {
     SolutionPool *pool = &state->Pool;
-    double *own = static_cast<double *>(
-        MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, state->Body->numvars))));
+    double *own = new_vector(state->Body->numvars);
     if (!own) {
         MemFree(full);
         return OUT_OF_MEMORY;
@@ -157,9 +134,10 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     bool feasible = false;
     TRY(is_feasible(state, state->Body, x, &feasible));
     if (!feasible) return 0;
-    double *full = nullptr;
-    TRY(map_back(state, x, &full));
-    const int code = is_feasible(state, callers_body(state), full, &feasible);
+    double *full = new_vector(space_outermost(state->Space)->numvars);
+    if (!full) return OUT_OF_MEMORY;
+    int code = space_map_back(state->Space, x, full);
+    if (!code) code = is_feasible(state, space_outermost(state->Space), full, &feasible);
     if (code || !feasible) {
         MemFree(full);
         *outcome = Acceptance::LOST;

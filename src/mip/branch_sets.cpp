@@ -22,6 +22,16 @@ bool is_binary(const MIPState *state, int j)
            state->Body->ub.data[j] == 1; // whole numbers
 }
 
+int row_length(const MIPState *state, int i)
+{
+    return static_cast<int>(state->Rows->RowBeg.data[i + 1] - state->Rows->RowBeg.data[i]);
+}
+
+const RowEntry *row_entries(const MIPState *state, int i)
+{
+    return state->Rows->Entry.data + state->Rows->RowBeg.data[i];
+}
+
 // Rows of a member besides the set's: exactly SMALL_ROWS of them are short, with rhs 0, binary others, and the member
 // on the side that releases them. They are marked.
 bool drives_small_rows(const MIPState *state, int member, int set_row, Array<char> *touched,
@@ -32,13 +42,12 @@ bool drives_small_rows(const MIPState *state, int member, int set_row, Array<cha
     int small = 0;
     for (int p = body->vbeg.data[member]; p < body->vbeg.data[member + 1]; p++) {
         const int i = body->vind.data[p];
-        const int length = body->row_beg.data[i + 1] - body->row_beg.data[i];
+        const int length = row_length(state, i);
         if (i == set_row || length >= SMALL_ROW || body->rhs.data[i] != 0 ||
             body->vval.data[p] >= 0)
             continue;
         int binaries = 0;
-        for (int q = body->row_beg.data[i]; q < body->row_beg.data[i + 1]; q++)
-            binaries += is_binary(state, body->row_ind.data[q]);
+        for (int q = 0; q < length; q++) binaries += is_binary(state, row_entries(state, i)[q].Col);
         if (binaries != length - 1) continue;
         small++;
         *distinct += !touched->data[i];
@@ -50,21 +59,22 @@ bool drives_small_rows(const MIPState *state, int member, int set_row, Array<cha
 bool is_choice_row(const MIPState *state, int i)
 {
     const ModelBody *body = state->Body;
-    const int beg = body->row_beg.data[i], end = body->row_beg.data[i + 1];
-    if (body->senses.data[i] != '=' || body->rhs.data[i] != 1 || end - beg < LEAST_MEMBERS)
+    const int length = row_length(state, i);
+    const RowEntry *row = row_entries(state, i);
+    if (body->senses.data[i] != '=' || body->rhs.data[i] != 1 || length < LEAST_MEMBERS)
         return false;
-    for (int p = beg; p < end; p++)
-        if (body->row_val.data[p] != 1 || !is_binary(state, body->row_ind.data[p])) return false;
+    for (int p = 0; p < length; p++)
+        if (row[p].Val != 1 || !is_binary(state, row[p].Col)) return false;
     return true;
 }
 
 int add_set(MIPState *state, int i)
 {
-    const ModelBody *body = state->Body;
-    const int beg = body->row_beg.data[i], count = body->row_beg.data[i + 1] - beg;
-    const int at = static_cast<int>(state->SetMembers.size);
+    const int count = row_length(state, i), at = static_cast<int>(state->SetMembers.size);
+    const RowEntry *row = row_entries(state, i);
     TRY(array_grow(&state->SetMembers, at + int64_t{count}));
-    array_append_n(&state->SetMembers, body->row_ind.data + beg, count, 0);
+    for (int p = 0; p < count; p++) array_push(&state->SetMembers, row[p].Col);
+    std::sort(state->SetMembers.begin() + at, state->SetMembers.end());
     return array_append(&state->Sets, {at, at + count});
 }
 
@@ -117,12 +127,12 @@ int find_branch_sets(MIPState *state)
     for (int i = 0; i < body->numconstrs; i++) {
         if (!is_choice_row(state, i)) continue;
         TRY(array_assign(&touched, body->numconstrs, char{0}));
-        const int beg = body->row_beg.data[i], end = body->row_beg.data[i + 1];
+        const int length = row_length(state, i);
         int distinct = 0;
         bool all = true;
-        for (int p = beg; p < end && all; p++)
-            all = drives_small_rows(state, body->row_ind.data[p], i, &touched, &distinct);
-        if (all && distinct == end - beg + 1) TRY(add_set(state, i));
+        for (int p = 0; p < length && all; p++)
+            all = drives_small_rows(state, row_entries(state, i)[p].Col, i, &touched, &distinct);
+        if (all && distinct == length + 1) TRY(add_set(state, i));
     }
     return 0;
 }

@@ -69,6 +69,22 @@ int status_for_model(const MipSolve *mip, int status)
     return objective_is_bounded(mip->env, mip->body) ? TVX_INFEASIBLE : TVX_INF_OR_UNBD;
 }
 
+int mip_status_of(PresolveStatus status)
+{
+    switch (status) {
+    case PRESOLVE_INFEASIBLE:
+        return TVX_INFEASIBLE;
+    case PRESOLVE_UNBOUNDED:
+        return TVX_UNBOUNDED;
+    case PRESOLVE_TIME_LIMIT:
+        return TVX_TIME_LIMIT;
+    case PRESOLVE_INTERRUPTED:
+        return TVX_INTERRUPTED;
+    default:
+        return TVX_INF_OR_UNBD;
+    }
+}
+
 int publish(MipSolve *mip, const MIPState *state)
 {
     MipResult *result = mip->result;
@@ -97,7 +113,7 @@ int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpac
         return OUT_OF_MEMORY;
     }
     outer->Body = mip->body;
-    *space = {presolve_reduced(presolved), presolved, outer};
+    *space = {presolved ? presolve_reduced(presolved) : mip->body, presolved, outer}; // TEMP
     *out = space;
     return 0;
 }
@@ -105,7 +121,7 @@ int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpac
 int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved)
 {
     SearchOrder order;
-    const ModelBody *reduced = presolve_reduced(presolved);
+    const ModelBody *reduced = presolved ? presolve_reduced(presolved) : mip->body; // TEMP
     if (env->Presolve != 0)
         TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n", reduced->numconstrs,
                reduced->numvars, reduced->numnz);
@@ -152,7 +168,7 @@ int presolve_and_search(MipSolve *mip, TVXenv *env)
         mip->result->status = status_for_model(mip, mip_status_of(status));
         return 0;
     }
-    const ModelBody *reduced = presolve_reduced(presolved);
+    const ModelBody *reduced = presolved ? presolve_reduced(presolved) : mip->body; // TEMP
     if (reduced && reduced->numvars > 0) {
         TRY(start_search(mip, env, presolved));
         return publish(mip, mip->search);

@@ -27,6 +27,10 @@ struct SearchSpace {
     SearchSpace *Outer = nullptr;       // owned; null: Body is the caller's
 };
 void space_free(SearchSpace *space); // with all outer ones; null is ignored
+// The caller's body.
+const ModelBody *space_outermost(const SearchSpace *space);
+// Maps a point of the innermost body, x, to the caller's, full. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int space_map_back(const SearchSpace *space, const double *x, double *full);
 
 struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers

@@ -10,6 +10,6 @@
 // The first solve of the LP at all, by the method that parameters ask for; prints its lines. 0 or a code.
 [[nodiscard]] int root_solve_lp(SearchWorker *worker, TreeNode *node);
 // Candidates and violated SOS constraints of the LP solution, which is live. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int node_find_candidates(SearchWorker *worker, TreeNode *node);
+[[nodiscard]] int node_find_candidates(SearchWorker *worker, NodeLPResult *result);
 // The LP solution, which is live: x [columns].
 void node_get_x(const SearchWorker *worker, double *x);

@@ -1,5 +1,6 @@
 // search_create.cpp -- the record of a search, with the structures that it finds in the body
 #include "mip/branch_sets.h"
+#include "mip/node_select.h"
 #include "mip/search.h"
 #include "runtime/clock.h"
 
@@ -84,16 +85,6 @@ void free_nodes(MIPState *state)
 }
 } // namespace
 
-void space_free(SearchSpace *space)
-{
-    while (space) {
-        SearchSpace *outer = space->Outer;
-        presolve_free(space->Presolve);
-        record_free(space);
-        space = outer;
-    }
-}
-
 int search_create(const SearchOrder &order, MIPState **out)
 {
     MIPState *state = record_create<MIPState>();
@@ -124,7 +115,6 @@ void search_free(MIPState *state)
     pool_free(&state->Pool);
     propagation_rows_free(state->Rows);
     clique_table_free(state->Cliques);
-    implication_log_free(state->Implications);
     space_free(state->Space);
     record_free(state);
 }

@@ -1,6 +1,6 @@
 // search_log.cpp -- the lines of a search: nodes, solutions, progress
 #include "mip/search_log.h"
-#include "env/callback.h"
+#include "mip/search_callback.h"
 #include "runtime/clock.h"
 #include "runtime/text_number.h"
 #include <algorithm>

@@ -4,7 +4,6 @@
 
 void node_log_line(MIPState *state, const TreeNode *node); // when one is due
 void heuristic_log_line(MIPState *state); // a solution that no node's LP has given
-void solution_callback(MIPState *state);  // the caller's function hears of a new incumbent
 // Objective bound as it is reported: not above the incumbent, on the grid of objectives if `rounded`.
 double search_bound(const MIPState *state, bool rounded);
 double open_nodes(const MIPState *state);

@@ -82,12 +82,12 @@ void worker_free(SearchWorker *worker)
 int worker_take_globals(SearchWorker *worker, bool *feasible)
 {
     const MIPState *state = worker->State;
-    if (worker->GlobalsSeen < state->GlobalChanges.size) {
-        worker->Path.size = 0;
-        worker->GlobalsSeen = state->GlobalChanges.size;
-        domain_reset(worker->Bounds, state->Lower.data, state->Upper.data);
-        TRY(worker_propagate(worker));
-    }
+    *feasible = true;
+    if (worker->GlobalsSeen == state->GlobalChanges.size) return 0;
+    worker->Path.size = 0;
+    worker->GlobalsSeen = state->GlobalChanges.size;
+    domain_reset(worker->Bounds, state->Lower.data, state->Upper.data);
+    TRY(worker_propagate(worker));
     *feasible = !worker->Bounds->Infeasible;
     return 0;
 }

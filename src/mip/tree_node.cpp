@@ -149,7 +149,7 @@ double node_size(const TreeNode *node, int columns, int rows)
     if (!data) return size;
     size += DATA_BYTES;
     if (data->Basis.Full) size += 4.0 * (double{1} * columns + rows);
-    if (data->Basis.Packed) size += 4.0 * packed_words(columns, rows);
+    if (data->Basis.Packed) size += 4.0 * static_cast<double>(packed_words(columns, rows));
     if (data->LocalLower) size += 16.0 * columns;
     if (data->Result) size += RESULT_BYTES + 16.0 * (double{1} * columns + rows);
     return size;
