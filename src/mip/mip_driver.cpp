@@ -113,7 +113,7 @@ int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpac
         return OUT_OF_MEMORY;
     }
     outer->Body = mip->body;
-    *space = {presolved ? presolve_reduced(presolved) : mip->body, presolved, outer}; // TEMP
+    *space = {presolve_reduced(presolved), presolved, outer};
     *out = space;
     return 0;
 }
@@ -121,7 +121,7 @@ int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpac
 int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved)
 {
     SearchOrder order;
-    const ModelBody *reduced = presolved ? presolve_reduced(presolved) : mip->body; // TEMP
+    const ModelBody *reduced = presolve_reduced(presolved);
     if (env->Presolve != 0)
         TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n", reduced->numconstrs,
                reduced->numvars, reduced->numnz);
@@ -168,7 +168,7 @@ int presolve_and_search(MipSolve *mip, TVXenv *env)
         mip->result->status = status_for_model(mip, mip_status_of(status));
         return 0;
     }
-    const ModelBody *reduced = presolved ? presolve_reduced(presolved) : mip->body; // TEMP
+    const ModelBody *reduced = presolve_reduced(presolved);
     if (reduced && reduced->numvars > 0) {
         TRY(start_search(mip, env, presolved));
         return publish(mip, mip->search);

@@ -88,14 +88,3 @@ int presolved_constr(const PresolveResult *result, int i);
 double presolved_constant(
     const PresolveResult *result); // of the reduced objective, in the caller's sense
 
-// TEMP
-enum class SemiKind : char { ON_AT_ONE, ON_AT_ZERO };
-struct SemiColumn {
-    int col, indicator;
-    double lower, upper;
-    SemiKind kind;
-    bool is_integer;
-};
-inline int presolve_mip(const ModelBody *, TVXenv *, int, PresolveResult **out, PresolveStatus *, double *) { *out = nullptr; return 0; }
-inline void postsolve_primal(const PresolveResult *, const double *, double *) {}
-inline const SemiColumn *presolved_semi(const PresolveResult *, int *count) { *count = 0; return nullptr; }
