@@ -242,11 +242,13 @@ int pre_column_singleton(PresolveWork *w, int j)
 void undo_slack_column(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
-    const double a = undo->factor, y = undo->bound[1] * point->d[i];
+    const double a = undo->factor;
     double left = point->constants * undo->value;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[j] = left / a;
+    if (!point->d) return;
+    const double y = undo->bound[1] * point->d[i];
     point->d[j] = -a * y;
     point->d[i] = y + point->constants * undo->cost / a;
     if (!point->status) return;

@@ -56,6 +56,13 @@ bool is_fit(const DupLine *a, const DupLine *b)
     return factor <= LARGEST_FACTOR && factor >= 1 / LARGEST_FACTOR;
 }
 
+// True if whole steps of column l can be replaced by whole steps of `by`, where that is integer.
+bool steps_fit(const PresolveWork *w, const DupLine *by, const DupLine *l)
+{
+    if (!is_integer(w, by->line)) return true;
+    return is_integer(w, l->line) && std::fmod(l->scale, by->scale) == 0; // exactly
+}
+
 // True if the infinite bound of `by` fixes `l`: the reduced cost of l is at least the difference of prices.
 bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
 {
@@ -64,7 +71,8 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
     const double factor = std::fabs(l->scale / by->scale);
     const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
                         factor * cost_error(w, by->line);
-    return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
+    return steps_fit(w, by, l) &&
+           std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
            std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
