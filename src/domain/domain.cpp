@@ -13,10 +13,6 @@ namespace
 // Larger bounds of integer columns are rounded outwards: the tolerance would be lost in their last digits.
 constexpr double LARGEST_ROUNDED = 1e9;
 
-// Rounding errors of one sum or product of n terms, relative to their size, as a margin: what double-double loses is
-// far below, what a point in doubles cannot avoid is about this.
-constexpr double ROUNDING = 1e-15;
-
 double round_bound(const Domain *d, BoundSide side, double value)
 {
     if (domain_is_infinite(value)) return value;
@@ -29,7 +25,8 @@ double round_bound(const Domain *d, BoundSide side, double value)
 
 double side_limit(const Domain *d, const DirectedRow *row)
 {
-    return row->Side + d->Tol.Feasibility * (1 + row->Soft) + ROUNDING * row->Size;
+    const double tol = d->Tol.Feasibility;
+    return row->Side + tol * (1 + row->Soft) + rounding_margin(row->Size, tol);
 }
 
 // Limit, trigger and activity of directed rows from `first` on, all queued.

@@ -26,7 +26,7 @@ void follow_cliques(Domain *d, int literal)
     const int *list = lists_at(&t->CliquesOf, literal);
     for (int k = 0; k < t->CliquesOf.Size.data[literal]; k++) {
         const int *member = clique_literals(t, list[k]);
-        const int size = t->Dead.data[list[k]] ? 0 : clique_size(t, list[k]);
+        const int size = clique_size(t, list[k]);
         for (int p = 0; p < size; p++)
             if (member[p] != literal) make_false(d, member[p], ReasonKind::CLIQUE, literal);
         d->Effort += size + 1;

@@ -37,6 +37,14 @@ inline double activity_of(const RowState *r)
 }
 
 // ---- domain.cpp ----
+// The rounding error of a computed number as a margin, by the size of its terms: what double-double loses is far below
+// it, what a point in doubles cannot avoid is about this. Errors far below the tolerance do not count, so that simple
+// rows give exact bounds.
+inline double rounding_margin(double size, double tol)
+{
+    constexpr double ROUNDING = 1e-15, COUNTED = 1e-3;
+    return ROUNDING * size > COUNTED * tol ? ROUNDING * size : 0;
+}
 inline void queue_row(Domain *d, int directed)
 {
     if (d->QueueCount == 0) d->QueuedFrom = d->Trail.size;

@@ -24,7 +24,6 @@ namespace
 constexpr double SHARE = 0.3;       // least gain of a continuous bound, of the range
 constexpr double LEAST_GAIN = 1000; // and in feasibility tolerances
 constexpr double LARGEST_NEW = 1e8; // largest value of a bound that was infinite
-constexpr double ROUNDING = 1e-15;  // of a computed bound, relative to its terms
 
 // An integer column moves at least this share of its range, so that two rows cannot walk a large range in steps of 1.
 constexpr double SHARE_OF_INTEGERS = 1e-3;
@@ -64,8 +63,8 @@ double implied_bound(const Domain *d, const Scan *scan, const RowEntry *e, doubl
         return base + direction * std::floor(step + d->Tol.Integrality);
     }
     // The limit allows for a violation of this column's bounds, which the new bound may have too.
-    const double margin = std::min(scan->Margin / size, 2 * d->Tol.Feasibility);
-    const double rounding = ROUNDING * (std::fabs(base) + std::fabs(step));
+    const double tol = d->Tol.Feasibility, margin = std::min(scan->Margin / size, 2 * tol);
+    const double rounding = rounding_margin(std::fabs(base) + std::fabs(step), tol);
     return base + direction * (step - margin + rounding);
 }
 

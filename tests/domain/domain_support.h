@@ -104,14 +104,16 @@ inline System integer_system(Dice *dice)
         s.upper.push_back(dice->chance(60) ? low + 1 : low + dice->range(0, 5));
         s.integer.push_back(1);
     }
+    const bool planted = dice->chance(70); // the lower bounds satisfy all rows
     for (int i = 0; i < m; i++) {
         SystemRow row;
         for (int j = 0; j < n; j++)
             row.a.push_back(dice->chance(60) ? dice->nonzero(dice->chance(20) ? 20 : 4)
                                              : 0);
-        const int side = dice->range(-6, 12);
+        const int sum = static_cast<int>(s.activity(row, s.lower));
+        const int side = planted ? sum + dice->range(0, 4) : dice->range(-6, 12);
         if (!dice->chance(20)) row.high = side;
-        if (dice->chance(40)) row.low = dice->chance(50) ? side : side - dice->range(0, 5);
+        if (dice->chance(40)) row.low = planted ? sum : side - dice->range(0, 5);
         s.rows.push_back(row);
     }
     return s;
