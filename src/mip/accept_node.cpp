@@ -104,6 +104,7 @@ int accept_node(SearchWorker *worker, TreeNode **node)
     TRY(list_inexact(worker, result)); // before the LP moves
     TRY(accept_solution(state, worker->Values.data, SolutionSource::NODE_LP, &outcome));
     if (outcome == Acceptance::INFEASIBLE) TRY(solve_fixed(worker, &outcome));
+    if (outcome == Acceptance::NOT_BETTER) data->Status = NODE_CUTOFF;
     if (data->LowerBound >= state->Pool.PruneValue) return 0; // nothing better is left
     if (result->Candidates.size > 0) {
         data->Status = NODE_FRACTIONAL;

@@ -59,10 +59,13 @@ int work_on_node(SearchWorker *worker, TreeNode **node)
     NodeData *data = (*node)->Data;
     data->Status = settle_by_bound(state, data);
     if (data->Status == NODE_UNSOLVED) TRY(process_node(worker, node));
-    data = (*node)->Data;
-    worker->Current = *node;
-    if (data->Status == NODE_INTEGRAL) TRY(accept_node(worker, node));
-    if (is_open(*node)) TRY(divide(worker, node));
+    // Branching may find bounds with which the LP becomes integral, and a point that is not exact may be branched on.
+    for (bool again = true; again;) {
+        if ((*node)->Data->Status == NODE_INTEGRAL) TRY(accept_node(worker, node));
+        again = is_open(*node);
+        if (again) TRY(divide(worker, node));
+        again = again && (*node)->Children == 0 && (*node)->Data->Status == NODE_INTEGRAL;
+    }
     worker->Current = *node;
     return 0;
 }
