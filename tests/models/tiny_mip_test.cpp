@@ -125,12 +125,19 @@ static void write_models(const std::string &folder, uint64_t first, uint64_t cou
            "note\n";
     for (uint64_t seed = first; seed < first + count; seed++) {
         const Case c(seed);
-        if (c.truth.status == MipStatus::UNKNOWN) continue;
+        if (c.truth.status == MipStatus::UNKNOWN || c.lp.obj.empty()) continue;
         const bool optimal = c.truth.status == MipStatus::OPTIMAL;
+        LpModel lp = c.lp; // to be minimised: not every reader knows OBJSENSE
+        lp.objcon *= lp.sense;
+        for (double &cost : lp.obj) cost = cost * lp.sense + 0.0;
+        lp.sense = 1;
+        std::string text = lp_to_mps(&lp, c.generated.family);
+        text.insert(text.find("NAME TEST") + 9, " FREE"); // some readers ask for that
         const std::string file = formatted("tiny/%07llu.mps", (unsigned long long)seed);
-        std::ofstream(folder + "/" + file) << lp_to_mps(&c.lp, c.generated.family);
+        std::ofstream(folder + "/" + file) << text;
         csv << file << ",mip,,,,," << mip_status_name(c.truth.status) << ","
-            << (optimal ? formatted("%.15g", c.truth.value.get_d() * c.factor) : "")
+            << (optimal ? formatted("%.15g", c.truth.value.get_d() * c.factor * c.lp.sense)
+                        : "")
             << ",exact,0," << c.generated.family << "\n";
     }
 }
