@@ -187,7 +187,7 @@ class Highs(Solver):
         return last(r"version (\S+)", self.said("--version")) or ""
 
     def command(self, model, options, point=None):
-        wanted = {"threads": options.threads, "time_limit": options.time_limit, "mip_rel_gap": options.gap,
+        wanted = {"threads": options.threads, "time_limit": options.time_limit, "mip_rel_gap": options.gap, "log_file": os.devnull,
                   "primal_feasibility_tolerance": 1e-6, "dual_feasibility_tolerance": 1e-6, "mip_feasibility_tolerance": 1e-6}
         if options.presolve != "default":
             wanted["presolve"] = options.presolve
