@@ -75,7 +75,7 @@ std::string Case::solve_in_steps(TVXmodel *model)
 {
     for (const int limit : {dice.range(0, 2), dice.range(3, 30)}) {
         TVXsetdblparam(TVXgetenv(model), "NodeLimit", limit);
-        const std::string wrong = judge(mip_solve(model), {{"NodeLimit", limit}});
+        const std::string wrong = judge(mip_optimize(model), {{"NodeLimit", limit}});
         if (!wrong.empty()) return formatted("at node limit %d: ", limit) + wrong;
     }
     TVXsetdblparam(TVXgetenv(model), "NodeLimit", RUNAWAY_NODES);
@@ -99,9 +99,9 @@ std::string Case::solve(TVXenv *env)
     std::string wrong;
     if (dice.chance(30)) wrong = set_start(model);
     if (wrong.empty() && dice.chance(25)) wrong = solve_in_steps(model);
-    if (wrong.empty()) wrong = judge(mip_solve(model));
+    if (wrong.empty()) wrong = judge(mip_optimize(model));
     if (!wrong.empty() || !dice.chance(20)) return wrong;
-    wrong = judge(mip_solve(model)); // once more, as it stands
+    wrong = judge(mip_optimize(model)); // once more, as it stands
     return wrong.empty() ? "" : "solved again: " + wrong;
 }
 
@@ -146,7 +146,7 @@ static bool there_is_a_search(TVXenv *env)
 {
     const LpModel lp = Case(0).lp;
     const TestModel model(lp_load(env, &lp));
-    const MipAnswer answer = mip_solve(model);
+    const MipAnswer answer = mip_optimize(model);
     return !mip_refused(&answer);
 }
 

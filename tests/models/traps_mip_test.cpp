@@ -73,7 +73,8 @@ const Trap TRAPS[] = {
     {"big_coefficients", "max x+y st 100.4534x+1e12y<=1e12; 100.4534x-1e12y<=0 binary x y",
      1},
     {"large_integers_by_equations",
-     "min 3x+y st 47x+19y=10000000002226; 23x+57y=10000000013254 general x y", 615521855574},
+     "min 3x+y st 47x+19y=10000000002226; 23x+57y=10000000013254 general x y",
+     615521855574},
     // Symmetry
     {"ties_of_symmetric_columns", "min z1 st z1+z2=1 binary z1 z2", 0},
     // Semi-continuous columns and sets
@@ -132,10 +133,11 @@ void negate(LpModel *lp)
 std::string solve_all_ways(TVXenv *env, const LpModel *lp, bool infeasible = false)
 {
     MipTruth truth = mip_truth(lp);
-    if (infeasible) truth.status = MipStatus::INFEASIBLE; // where a proof would take too long
+    if (infeasible)
+        truth.status = MipStatus::INFEASIBLE; // where a proof would take too long
     for (const Settings &way : ways()) {
         const TestModel one(lp_load(env, lp, way));
-        const MipAnswer answer = mip_solve(one);
+        const MipAnswer answer = mip_optimize(one);
         if (mip_refused(&answer)) return NO_SEARCH;
         std::string wrong = mip_judge(lp, &truth, way, &answer);
         if (answer.status == TVX_NODE_LIMIT) wrong += "does not end\n";
@@ -153,7 +155,8 @@ TEST_P(TrapMip, answer_is_right_in_every_form_and_way)
     std::vector<int> place;
     for (const LpModel &form :
          {lp, shuffled(&dice, lp, &place), negated, shuffled(&dice, shifted, &place)}) {
-        const std::string wrong = solve_all_ways(env.env, &form, std::isnan(GetParam().value));
+        const std::string wrong =
+            solve_all_ways(env.env, &form, std::isnan(GetParam().value));
         if (wrong == NO_SEARCH) GTEST_SKIP() << NO_SEARCH;
         EXPECT_EQ(wrong, "");
     }
@@ -237,7 +240,7 @@ TEST_F(TrapSearch, start_that_dual_arguments_exclude_is_accepted_and_not_proved)
         load(std::string(text));
         set("NodeLimit", limit);
         ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, 3, start), 0);
-        const MipAnswer answer = mip_solve(model);
+        const MipAnswer answer = mip_optimize(model);
         ASSERT_EQ(answer.code, 0);
         if (answer.status == TVX_OPTIMAL)
             EXPECT_NEAR(answer.objval, 20, 1e-6);
@@ -268,7 +271,7 @@ TEST_F(TrapSearch, granularity_cuts_nothing_off)
             const Settings cutoff = {{"Cutoff", 7 * step + 0.5 + above * step}};
             const MipTruth truth = mip_truth(&lp);
             load(lp, cutoff);
-            const MipAnswer answer = mip_solve(model);
+            const MipAnswer answer = mip_optimize(model);
             EXPECT_EQ(mip_judge(&lp, &truth, cutoff, &answer), "") << above << " " << step;
         }
 }
@@ -286,12 +289,12 @@ TEST_F(TrapSearch, stopping_and_going_on_keeps_the_optimum)
         load(lp, {{"Symmetry", symmetry}, {"MIPGap", 0}});
         for (const double limit : {0., 1., 10., 100.}) {
             set("NodeLimit", limit);
-            const MipAnswer stopped = mip_solve(model);
+            const MipAnswer stopped = mip_optimize(model);
             EXPECT_EQ(mip_judge(&lp, &truth, {{"NodeLimit", limit}}, &stopped), "")
                 << limit;
         }
         set("NodeLimit", 1e100);
-        const MipAnswer answer = mip_solve(model);
+        const MipAnswer answer = mip_optimize(model);
         EXPECT_EQ(mip_judge(&lp, &truth, {}, &answer), "");
     }
 }
