@@ -236,7 +236,7 @@ static void print_columns(const LpModel *lp, std::ostringstream *out)
     bool between = false; // markers
     const auto mark = [&](bool integers) {
         if (integers != between)
-            *out << " M MARKER 'MARKER' 'INT" << (integers ? "ORG" : "END") << "'\n";
+            *out << " MARKER 'MARKER' 'INT" << (integers ? "ORG" : "END") << "'\n";
         between = integers;
     };
     *out << "COLUMNS\n";

@@ -87,7 +87,7 @@ MipAnswer mip_read(TVXmodel *model)
     return a;
 }
 
-MipAnswer mip_solve(TVXmodel *model)
+MipAnswer mip_optimize(TVXmodel *model)
 {
     const int code = TVXoptimize(model);
     MipAnswer answer = mip_read(model);

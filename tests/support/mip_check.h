@@ -50,7 +50,7 @@ inline bool mip_refused(const MipAnswer *answer)
 inline constexpr const char *NO_SEARCH = "MIPs are not solved: TVXoptimize refuses them";
 
 // TVXoptimize, and everything about its outcome.
-MipAnswer mip_solve(TVXmodel *model);
+MipAnswer mip_optimize(TVXmodel *model);
 MipAnswer mip_read(TVXmodel *model);
 
 std::string mip_check_point(const LpModel *lp, const std::vector<double> &x,

@@ -103,7 +103,7 @@ std::string Judge::run() const
 std::string mip_judge(const LpModel *lp, const MipTruth *truth, const Settings &settings,
                       const MipAnswer *answer, double factor, bool interrupted)
 {
-    const std::string faults = mip_check(lp, answer, mip_tolerances(settings));
+    std::string faults = mip_check(lp, answer, mip_tolerances(settings));
     if (!faults.empty() || (interrupted && answer->status == TVX_INTERRUPTED))
         return faults;
     Judge judge = {lp, truth, settings, answer};
