@@ -67,7 +67,10 @@ int run_mip(TVXmodel *model)
     lp_drop_results(&model->lp);
     lp_set_loaded(&model->lp);
     attributes_clear_solution(model);
-    const int code = mip_solve(mip, model->body, model->env);
+    const double *start = model->mip_start.size == model->body->numvars && model->body->numvars > 0
+                              ? model->mip_start.data
+                              : nullptr;
+    const int code = mip_solve(mip, model->body, model->env, start);
     attributes_clear_solution(model);
     return code;
 }

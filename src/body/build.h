@@ -39,3 +39,11 @@ struct ModelArrays {
     Array<double> soswt;
 };
 [[nodiscard]] int body_adopt(TVXenv *env, ModelArrays *arrays, ModelBody **out);
+
+// A copy with default names, and with other bounds or costs where they are given ([numvars]); integer variables need
+// integral bounds. 0, or as body_adopt; *out is null on failure.
+struct BodyChanges {
+    const double *obj = nullptr, *lb = nullptr, *ub = nullptr;
+};
+[[nodiscard]] int body_copy_changed(const ModelBody *body, TVXenv *env,
+                                    const BodyChanges &changes, ModelBody **out);

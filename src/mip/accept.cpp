@@ -8,30 +8,37 @@
 #include "mip/search_callback.h"
 #include "mip/search_log.h"
 #include "mip/semi.h"
+#include "mip/user_rows.h"
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-// The integers of a point become whole. False if one is too far from that.
-bool round_integers(const MIPState *state, double *x)
+bool is_integer_type(const ModelBody *body, int j)
 {
-    for (int j = 0; j < state->Body->numvars; j++) {
-        if (!state->IsInteger.data[j]) continue;
+    const char type = body->vtypes.size > 0 ? body->vtypes.data[j] : 'C';
+    return type == 'B' || type == 'I' || type == 'N';
+}
+
+// The integers of a point become whole. False if one is too far from that.
+bool round_integers(const MIPState *state, const ModelBody *body, double *x)
+{
+    for (int j = 0; j < body->numvars; j++) {
+        if (!is_integer_type(body, j)) continue;
         const double whole = std::round(x[j]);
-        if (std::fabs(x[j] - whole) > state->Env->IntFeasTol) return false;
+        if (!(std::fabs(x[j] - whole) <= state->Env->IntFeasTol)) return false;
         x[j] = whole;
     }
     return true;
 }
 
 // Continuous values beyond a bound by rounding errors are put on it. False if one is outside by more.
-bool clamp_to_bounds(const MIPState *state, double *x)
+bool clamp_to_bounds(const MIPState *state, const ModelBody *body, double *x)
 {
-    const ModelBody *body = state->Body;
     for (int j = 0; j < body->numvars; j++) {
-        const double inside = std::clamp(x[j], body->lb.data[j], std::max(body->lb.data[j], body->ub.data[j]));
-        if (std::fabs(inside - x[j]) > state->Env->FeasibilityTol) return false;
+        const double lower = body->lb.data[j], upper = std::max(lower, body->ub.data[j]);
+        const double inside = std::clamp(x[j], lower, upper);
+        if (!(std::fabs(inside - x[j]) <= state->Env->FeasibilityTol)) return false;
         x[j] = inside;
     }
     return true;
@@ -45,18 +52,6 @@ bool sets_hold(const MIPState *state, const double *x)
         if (semi_violation(state->Semis[k], x[state->Semis[k].col]) >
             state->Env->FeasibilityTol)
             return false;
-    return true;
-}
-
-bool user_rows_hold(const MIPState *state, const double *x)
-{
-    const RowList *rows = &state->UserRows;
-    for (int i = 0; i < row_count(rows); i++) {
-        double activity = 0;
-        for (int64_t p = rows->Beg.data[i]; p < rows->Beg.data[i + 1]; p++)
-            activity += rows->Val.data[p] * x[rows->Ind.data[p]];
-        if (activity > rows->Rhs.data[i] + state->Env->FeasibilityTol) return false;
-    }
     return true;
 }
 
@@ -86,22 +81,49 @@ double *new_vector(int n)
     return static_cast<double *>(MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
 }
 
-int store(MIPState *state, const double *x, double *full, double objective,
-          SolutionSource source)
+// Takes over both points; x may be null.
+int store(MIPState *state, double *x, double *full, double objective, SolutionSource source)
 {
     SolutionPool *pool = &state->Pool;
-    double *own = new_vector(state->Body->numvars);
-    if (!own) {
-        MemFree(full);
-        return OUT_OF_MEMORY;
-    }
-    std::copy_n(x, state->Body->numvars, own);
-    TRY(pool_insert(pool, {state->Nodes, objective, source, own, full}));
+    TRY(pool_insert(pool, {state->Nodes, objective, source, x, full}));
     pool->Count++;
     pool->Sequence++;
     pool->Incumbent = objective;
     pool->Changed = true;
     return 0;
+}
+
+double *new_copy(const double *x, int n)
+{
+    double *copy = new_vector(n);
+    if (copy) std::copy_n(x, n, copy);
+    return copy;
+}
+
+// The incumbent has changed: PruneValue, the caller, the log.
+int announce(MIPState *state, SolutionSource source)
+{
+    TRY(apply_incumbent(state));
+    solution_callback(state);
+    if (source != SolutionSource::NODE_LP) heuristic_log_line(state);
+    return 0;
+}
+
+// The point of the searched body that stands for a point of the caller's, or null: there is none, or it does not satisfy
+// the body. 0 or OUT_OF_MEMORY.
+int crush(const MIPState *state, const double *full, double **x)
+{
+    bool mapped = true;
+    *x = nullptr;
+    double *point = new_vector(state->Body->numvars);
+    if (!point) return OUT_OF_MEMORY;
+    int code = space_map_in(state->Space, full, point, &mapped);
+    if (!code && mapped) code = is_feasible(state, state->Body, point, &mapped);
+    if (!code && mapped && sets_hold(state, point))
+        *x = point;
+    else
+        MemFree(point);
+    return code;
 }
 } // namespace
 
@@ -123,7 +145,8 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     double *x = state->Candidate.data;
     std::copy_n(given, n, x);
     *outcome = Acceptance::INFEASIBLE;
-    if (!round_integers(state, x) || !clamp_to_bounds(state, x) || !sets_hold(state, x) ||
+    if (!round_integers(state, state->Body, x) ||
+        !clamp_to_bounds(state, state->Body, x) || !sets_hold(state, x) ||
         !user_rows_hold(state, x))
         return 0;
     const double objective = objective_of(state->Body, x);
@@ -143,10 +166,38 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
         *outcome = Acceptance::LOST;
         return code;
     }
+    double *own = new_copy(x, n);
+    if (!own) {
+        MemFree(full);
+        return OUT_OF_MEMORY;
+    }
+    TRY(store(state, own, full, objective, source));
+    *outcome = Acceptance::IMPROVED;
+    return announce(state, source);
+}
+
+int accept_callers_point(MIPState *state, const double *given, SolutionSource source,
+                         Acceptance *outcome)
+{
+    const ModelBody *body = space_outermost(state->Space);
+    *outcome = Acceptance::INFEASIBLE;
+    double *full = new_copy(given, body->numvars), *x = nullptr;
+    if (!full) return OUT_OF_MEMORY;
+    bool feasible = round_integers(state, body, full);
+    int code = feasible ? is_feasible(state, body, full, &feasible) : 0;
+    const double objective = objective_of(body, full);
+    if (!code && feasible && objective >= state->Pool.PruneValue) {
+        *outcome = Acceptance::NOT_BETTER;
+        feasible = false;
+    }
+    if (!code && feasible) code = crush(state, full, &x);
+    if (!code && feasible && x && !user_rows_hold(state, x)) feasible = false;
+    if (code || !feasible) {
+        MemFree(full);
+        MemFree(x);
+        return code;
+    }
     TRY(store(state, x, full, objective, source));
     *outcome = Acceptance::IMPROVED;
-    TRY(apply_incumbent(state));
-    solution_callback(state);
-    if (source != SolutionSource::NODE_LP) heuristic_log_line(state);
-    return 0;
+    return announce(state, source);
 }

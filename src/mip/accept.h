@@ -12,6 +12,9 @@ enum class Acceptance {
 // 0 or a code.
 [[nodiscard]] int accept_solution(MIPState *state, const double *x, SolutionSource source,
                                   Acceptance *outcome);
+// The same for a point of the caller's body [its numvars].
+[[nodiscard]] int accept_callers_point(MIPState *state, const double *full,
+                                       SolutionSource source, Acceptance *outcome);
 // The point where the LP of an integral node has ended: with whole integers, by a solve with these fixed if rounding alone
 // violates rows. The node's status tells what is left of it: nothing, or candidates to branch on. 0 or a code.
 [[nodiscard]] int accept_node(SearchWorker *worker, TreeNode **node);

@@ -7,6 +7,7 @@
 #include "mip/node_lp.h"
 #include "mip/search_bounds.h"
 #include "mip/sos_window.h"
+#include "mip/sub_mip.h"
 #include <algorithm>
 #include <cmath>
 
@@ -121,6 +122,35 @@ int choose(SearchWorker *worker, TreeNode **node, BranchChoice *choice, bool *mo
     return check_choice(worker, node, moved);
 }
 
+// Nothing is left to divide, and the LP cannot tell what the node holds.
+void give_up(MIPState *state, const TreeNode *node)
+{
+    state->LostBound = std::min(state->LostBound, node->Data->LowerBound);
+}
+
+// The LP of the node is unbounded, and SOS constraints do not hold any more: with rational data the model is unbounded if
+// the node has an integer point (Meyer 1974).
+int settle_unbounded(SearchWorker *worker, TreeNode *node)
+{
+    MIPState *state = worker->State;
+    const Domain *bounds = worker->Bounds;
+    Array<double> none;
+    SubMipOutcome found;
+    TRY(array_assign(&none, state->Body->numvars, 0.0));
+    TRY(sub_mip_run({state->Body, bounds->Lower.data, bounds->Upper.data, none.data, state->Env,
+                     state->Env->NodeLimit, UNDEFINED_VALUE},
+                    &found));
+    state->SubNodes += found.Nodes;
+    state->SubIterations += found.Iterations;
+    if (found.Found)
+        state->Status = TVX_UNBOUNDED;
+    else if (found.Complete)
+        node->Data->Status = NODE_INFEASIBLE;
+    else
+        give_up(state, node);
+    return 0;
+}
+
 // A node whose LP has no usable solution: by the variables that are not fixed.
 int choose_unfixed(SearchWorker *worker, TreeNode *node, BranchChoice *choice)
 {
@@ -136,6 +166,7 @@ int choose_unfixed(SearchWorker *worker, TreeNode *node, BranchChoice *choice)
         choice->Sos = k;
         return 0;
     }
+    if (result->Kind == TVX_UNBOUNDED) return settle_unbounded(worker, node);
     int best = -1;
     double width = HUGE_VAL;
     for (int j = 0; j < state->Body->numvars; j++) {
@@ -145,7 +176,10 @@ int choose_unfixed(SearchWorker *worker, TreeNode *node, BranchChoice *choice)
         best = j;
         width = range;
     }
-    if (best < 0) return 0;
+    if (best < 0) {
+        give_up(worker->State, node);
+        return 0;
+    }
     double middle = 0.5 * (bounds->Lower.data[best] + bounds->Upper.data[best]);
     middle = std::clamp(middle, bounds->Lower.data[best], bounds->Upper.data[best]);
     TRY(array_append(&result->Candidates,

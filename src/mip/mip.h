@@ -44,7 +44,10 @@ void mip_drop(MipSolve *mip);
 // Presets of MIPFocus in an environment of its own for one solve (mip_focus.cpp). A preset changes a parameter only
 // where it still has its default, so that what a caller has chosen stands.
 void mip_focus_apply(TVXenv *env);
-// Solves a body with integers, semi-continuous variables or SOS constraints. 0 or a code, with its text recorded.
-[[nodiscard]] int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env);
+// Solves a body with integers, semi-continuous variables or SOS constraints, or continues where a limit has stopped the
+// last solve. `start` [numvars], or null: values to begin with, not given from 1e100 on. 0 or a code, with its text
+// recorded.
+[[nodiscard]] int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env,
+                            const double *start);
 // The closing lines; `error` is the code with which the solve ended. 0 or OUT_OF_MEMORY (mip_log.cpp).
 [[nodiscard]] int mip_log_result(MipSolve *mip, int error);

@@ -10,6 +10,7 @@
 #include "body/signs.h"
 #include "env/callback.h"
 #include "mip/mip_run.h"
+#include "mip/mip_start.h"
 #include "mip/search_log.h"
 #include "runtime/clock.h"
 #include <algorithm>
@@ -118,7 +119,28 @@ int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpac
     return 0;
 }
 
-int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved)
+bool has_entries(const double *start, int n)
+{
+    for (int j = 0; j < n; j++)
+        if (start[j] < START_UNDEFINED) return true;
+    return false;
+}
+
+int load_start(MIPState *state, const double *start)
+{
+    bool accepted = false;
+    const ModelBody *body = space_outermost(state->Space);
+    if (!has_entries(start, body->numvars)) return 0;
+    TRY(offer_start(state, start, SolutionSource::START, &accepted));
+    if (accepted)
+        TVXmsg(state->Env, "\nLoaded MIP start with objective %g\n\n",
+               body->sense * state->Pool.Incumbent);
+    else
+        TVXmsg(state->Env, "\nMIP start did not produce a feasible solution\n\n");
+    return 0;
+}
+
+int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved, const double *start)
 {
     SearchOrder order;
     const ModelBody *reduced = presolve_reduced(presolved);
@@ -129,6 +151,7 @@ int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved)
     order.Env = env;
     order.Cutoff = env->Cutoff < UNDEFINED_VALUE ? mip->body->sense * env->Cutoff : UNDEFINED_VALUE;
     TRY(search_create(order, &mip->search));
+    if (start) TRY(load_start(mip->search, start));
     return mip_run(mip->search);
 }
 
@@ -157,7 +180,7 @@ int take_presolved(MipSolve *mip, const TVXenv *env, const PresolveResult *preso
     return 0;
 }
 
-int presolve_and_search(MipSolve *mip, TVXenv *env)
+int presolve_and_search(MipSolve *mip, TVXenv *env, const double *start)
 {
     PresolveResult *presolved = nullptr;
     PresolveStatus status = PRESOLVE_OK;
@@ -170,7 +193,7 @@ int presolve_and_search(MipSolve *mip, TVXenv *env)
     }
     const ModelBody *reduced = presolve_reduced(presolved);
     if (reduced && reduced->numvars > 0) {
-        TRY(start_search(mip, env, presolved));
+        TRY(start_search(mip, env, presolved, start));
         return publish(mip, mip->search);
     }
     const int code = take_presolved(mip, env, presolved);
@@ -201,19 +224,19 @@ int open_result(MipSolve *mip)
     return mip->result ? 0 : OUT_OF_MEMORY;
 }
 
-int solve(MipSolve *mip, TVXenv *env, bool continued)
+int solve(MipSolve *mip, TVXenv *env, const double *start, bool continued)
 {
     TRY(open_result(mip));
-    if (!continued) return presolve_and_search(mip, env);
+    if (!continued) return presolve_and_search(mip, env, start);
     search_set_env(mip->search, env);
     TRY(mip_run(mip->search));
     return publish(mip, mip->search);
 }
 } // namespace
 
-int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env)
+int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env, const double *start)
 {
-    const double start = WallClock();
+    const double began = WallClock();
     const bool continued = can_continue(mip, body, env);
     if (!continued) mip_drop_search(mip);
     mip->body = body;
@@ -222,11 +245,11 @@ int mip_solve(MipSolve *mip, const ModelBody *body, TVXenv *env)
     TVXenv *own = nullptr;
     TRY(env_variant(&own, env));
     mip_focus_apply(own);
-    const int code = solve(mip, own, continued);
+    const int code = solve(mip, own, start, continued);
     if (code && mip->result) mip->result->status = TVX_INTERRUPTED;
     if (code) mip_drop_search(mip);
     if (mip->search) search_set_env(mip->search, env); // `own` goes
-    if (mip->result) mip->result->run_time = WallClock() - start;
+    if (mip->result) mip->result->run_time = WallClock() - began;
     env_free(own);
     return code;
 }

@@ -31,6 +31,13 @@ void space_free(SearchSpace *space); // with all outer ones; null is ignored
 const ModelBody *space_outermost(const SearchSpace *space);
 // Maps a point of the innermost body, x, to the caller's, full. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int space_map_back(const SearchSpace *space, const double *x, double *full);
+// Maps a point of the caller's body to the innermost one; *mapped is false where reductions have excluded it. 0 or
+// OUT_OF_MEMORY.
+[[nodiscard]] int space_map_in(const SearchSpace *space, const double *full, double *x,
+                               bool *mapped);
+// The same for a row  row x <= *rhs , [columns] of the caller's body, then of the innermost one.
+[[nodiscard]] int space_row_in(const SearchSpace *space, Array<double> *row, double *rhs,
+                               bool *mapped);
 
 struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers
@@ -40,9 +47,8 @@ struct MIPState {
     SearchSpace *Space = nullptr; // owned; its Body is the one that is searched
     const ModelBody *Body = nullptr;
     TVXenv *Env = nullptr; // of the call that runs it: parameters with presets; not owned
-    MIPState *Parent = nullptr; // of a recursive search: the search that has started it; not owned
     int Status = RUNNING;
-    bool Recursive = false;
+    bool Recursive = false; // within another search, or for a start: no lines, no callbacks
     bool QuickDive = false; // TARV_PAR_QUICKDIVE, until the first restart
     int VarBranch = -1;     // the parameter, or what the root has made of it
 
@@ -59,7 +65,8 @@ struct MIPState {
     ImplicationLog *Implications = nullptr; // owned, or null
     Array<int> SetMembers; // of the branch sets
     Array<BranchSet> Sets;
-    RowList UserRows; // rows from callbacks: part of the model from then on
+    bool IncumbentGone = false; // a row from a callback has cut it off: the tree has to begin anew
+    RowList UserRows;  // from callbacks: part of the model from then on
 
     // ---- The tree ----
     TreeNode *Root = nullptr;

@@ -7,6 +7,7 @@
 #include "mip/packed_basis.h"
 #include "mip/semi.h"
 #include "mip/sos_window.h"
+#include "mip/user_rows.h"
 #include <algorithm>
 #include <cmath>
 
@@ -141,7 +142,7 @@ int take_outcome(SearchWorker *worker, TreeNode *node, const ResolveOutcome &out
     case TVX_INTERRUPTED:
         data->Status = NODE_STOPPED;
         return 0;
-    default:
+    default: // TVX_UNBOUNDED too: Kind tells
         data->Status = NODE_FAILED;
         return 0;
     }
@@ -170,6 +171,7 @@ int solve(SearchWorker *worker, const TreeNode *node, ResolveOutcome *outcome)
     const MIPState *state = worker->State;
     sopt *lp = worker->Lp.simplex;
     ResolveCall call;
+    TRY(append_user_rows(worker));
     TRY(start_basis(worker, node, &call.Basis));
     worker_list_changes(worker);
     call.Changes = worker->Changes.data;

@@ -100,9 +100,11 @@ int root_solve_lp(SearchWorker *worker, TreeNode *node)
     data->Result->Iterations += iterations;
     data->Result->Kind = worker->Lp.status;
     data->Status = status_of(worker->Lp.status);
-    if (data->Status != NODE_FRACTIONAL) return 0;
+    const bool unbounded = worker->Lp.status == TVX_UNBOUNDED;
+    if (data->Status != NODE_FRACTIONAL && !unbounded) return 0;
     TRY(go_live(worker));
     state->RootIterations = iterations;
+    if (unbounded) return 0;
     log_root(state, simplex_objective(worker->Lp.simplex), iterations, WallClock() - start);
     return node_solve_lp(worker, node); // without a pivot: with what propagation has found, and the cutoff
 }

@@ -12,7 +12,7 @@
 struct SearchOrder {
     SearchSpace *Space = nullptr;
     TVXenv *Env = nullptr;
-    MIPState *Parent = nullptr; // of a recursive search
+    bool Recursive = false; // a search inside another one, or for a start: silent
     double Cutoff = 1e100;      // minimisation form
 };
 [[nodiscard]] int search_create(const SearchOrder &order, MIPState **out);
@@ -23,5 +23,7 @@ void search_set_env(MIPState *state, TVXenv *env); // for the next call
 [[nodiscard]] int search_root(MIPState *state);
 // Nodes of the tree until the search ends. 0 or a code.
 [[nodiscard]] int search_tree(MIPState *state);
+// Solutions that violate rows from callbacks are dropped, and the tree begins anew at the root. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int search_begin_anew(MIPState *state);
 // The termination test: RUNNING to go on. Stores what it finds.
 int check_status(MIPState *state);

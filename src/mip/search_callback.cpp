@@ -1,12 +1,17 @@
 // search_callback.cpp -- calls of the caller's function during a search, and the answers to its questions
 #include "mip/search_callback.h"
 #include "env/callback.h"
+#include "mip/mip_start.h"
 #include "mip/node_lp.h"
 #include "mip/search_log.h"
+#include "mip/user_rows.h"
 #include <algorithm>
 
 namespace
 {
+// Solves of one node after which its function is no longer called for it.
+constexpr int MOST_ROUNDS = 1000;
+
 // What the caller's function may ask about.
 struct Moment {
     MIPState *State;
@@ -99,9 +104,24 @@ int answer(const void *solver, int what, void *result)
     return answer_counts(state, what, result);
 }
 
+int take_point(const void *solver, const double *x)
+{
+    const Moment *moment = static_cast<const Moment *>(solver);
+    bool accepted = false;
+    return offer_start(moment->State, x, SolutionSource::HEURISTIC, &accepted);
+}
+
+// The incumbent is none, should the row cut it off.
+int take_row(const void *solver, const CallbackRow &row)
+{
+    const Moment *moment = static_cast<const Moment *>(solver);
+    return moment->Node ? add_user_row(moment->State, row) : TVX_ERROR_CALLBACK;
+}
+
 void call(int where, const Moment &moment)
 {
-    callback_poll(moment.State->Env, where, {&moment, answer});
+    if (moment.State->Recursive) return;
+    callback_poll(moment.State->Env, where, {&moment, answer, take_point, take_row});
 }
 } // namespace
 
@@ -117,6 +137,13 @@ void solution_callback(MIPState *state)
 
 int node_callback(SearchWorker *worker, TreeNode *node)
 {
-    call(TVX_WHERE_NODE, {worker->State, worker, node});
+    for (int round = 0; round < MOST_ROUNDS; round++) {
+        const int before = row_count(&worker->State->UserRows);
+        call(TVX_WHERE_NODE, {worker->State, worker, node});
+        if (row_count(&worker->State->UserRows) == before) return 0;
+        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL) return 0;
+        TRY(node_solve_lp(worker, node)); // which takes the new rows first
+        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL) return 0;
+    }
     return 0;
 }

@@ -4,5 +4,6 @@
 
 void log_callback(MIPState *state);      // a line of the log has been printed
 void solution_callback(MIPState *state); // there is a new incumbent
-// A node has been solved; before its point is accepted or branched on, as the function may hand in rows. 0 or a code.
+// A node has been solved; before its point is accepted or branched on, as the function may hand in rows. Then its LP is
+// solved with them. 0 or a code.
 [[nodiscard]] int node_callback(SearchWorker *worker, TreeNode *node);

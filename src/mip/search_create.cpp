@@ -2,7 +2,8 @@
 #include "mip/branch_sets.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
-#include "runtime/clock.h"
+#include "mip/user_rows.h"
+#include <algorithm>
 
 namespace
 {
@@ -96,8 +97,7 @@ int search_create(const SearchOrder &order, MIPState **out)
     state->Space = order.Space;
     state->Body = order.Space->Body;
     state->Env = order.Env;
-    state->Parent = order.Parent;
-    state->Recursive = order.Parent != nullptr;
+    state->Recursive = order.Recursive;
     state->Cutoff = order.Cutoff;
     state->StartTime = state->Env->optimize_start;
     const int code = fill(state);
@@ -129,4 +129,26 @@ void search_set_env(MIPState *state, TVXenv *env)
         worker->LpEnv->TimeLimit = env->TimeLimit;
         worker->LpEnv->optimize_start = env->optimize_start;
     }
+}
+
+int search_begin_anew(MIPState *state)
+{
+    const ModelBody *body = state->Body;
+    state->IncumbentGone = false;
+    free_nodes(state);
+    state->Store = NodeStore{};
+    state->Store.Columns = body->numvars;
+    state->Store.Rows = body->numconstrs;
+    state->Reduced = ReducedCosts{};
+    pool_filter(&state->Pool, [&](const SolutionEntry &entry) {
+        return entry.X && user_rows_hold(state, entry.X);
+    });
+    state->Pool.PruneValue =
+        prune_value(state->Grid, std::min(state->Pool.Incumbent, state->Cutoff));
+    TRY(array_copy(&state->Lower, body->lb.data, body->numvars));
+    TRY(array_copy(&state->Upper, body->ub.data, body->numvars));
+    // Workers see that there is something new, and take all bounds again.
+    TRY(array_append(&state->GlobalChanges, {'<', 0, body->ub.data[0]}));
+    TRY(make_root(state));
+    return activate_node(state->Workers.data[0], state->Root);
 }

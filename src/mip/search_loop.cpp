@@ -6,6 +6,7 @@
 #include "mip/node_process.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
+#include "mip/search_callback.h"
 
 namespace
 {
@@ -59,6 +60,7 @@ int work_on_node(SearchWorker *worker, TreeNode **node)
     NodeData *data = (*node)->Data;
     data->Status = settle_by_bound(state, data);
     if (data->Status == NODE_UNSOLVED) TRY(process_node(worker, node));
+    TRY(node_callback(worker, *node));
     // Branching may find bounds with which the LP becomes integral, and a point that is not exact may be branched on.
     for (bool again = true; again;) {
         if ((*node)->Data->Status == NODE_INTEGRAL) TRY(accept_node(worker, node));
@@ -85,6 +87,7 @@ int search_tree(MIPState *state)
             break;
         }
         TRY(finish_node(worker, node));
+        if (state->IncumbentGone) TRY(search_begin_anew(state));
     }
     return 0;
 }

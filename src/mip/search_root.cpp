@@ -70,18 +70,13 @@ int choose_rule(const SearchWorker *worker)
                : BY_MULTIPLIER;
 }
 
-double estimate_of(const NodeData *data)
-{
-    return data->LPObjective;
-}
-
 // What the first LP says.
 int after_lp(SearchWorker *worker, NodeData *data)
 {
     MIPState *state = worker->State;
     state->RootObjective = state->LastRootObjective = data->LPObjective;
     state->RootFractionals = std::max(0, data->Result->Fractionals);
-    data->Estimate = estimate_of(data);
+    data->Estimate = data->LPObjective;
     if (state->VarBranch < 0) state->VarBranch = choose_rule(worker);
     state->Costs.Budget = strong_branch_budget(state, state->RootIterations);
     TRY(keep_reduced_costs(worker, data->Result->Bound));
@@ -117,6 +112,15 @@ int process_root(SearchWorker *worker, TreeNode **root)
     if ((*root)->Data->Status == NODE_FRACTIONAL) TRY(test_branching(worker, root));
     return 0;
 }
+// A root that the tree cannot begin with.
+void settle(MIPState *state, NodeData *data)
+{
+    if (data->Status == NODE_INFEASIBLE) data->LowerBound = UNDEFINED_VALUE;
+    if (state->RootIterations >= 0 || data->Status == NODE_INFEASIBLE) return;
+    const int kind = data->Result ? data->Result->Kind : TVX_NUMERIC;
+    if (check_status(state) == RUNNING)
+        state->Status = data->Status == NODE_STOPPED ? kind : TVX_NUMERIC;
+}
 } // namespace
 
 // The root stays open: the tree begins with it, and its LP then needs no pivot.
@@ -130,7 +134,7 @@ int search_root(MIPState *state)
     worker->Current = nullptr;
     array_push(&worker->Active, root); // it has been there
     NodeData *data = root->Data;
-    if (data->Status == NODE_INFEASIBLE) data->LowerBound = UNDEFINED_VALUE;
     count_work(worker, data);
+    if (!code) settle(state, data);
     return code;
 }

@@ -41,6 +41,7 @@ struct SearchWorker {
     TVXenv *LpEnv = nullptr; // owned; of Lp
     Array<double> LpLower, LpUpper; // [columns] bounds that the live record has
     Array<int> Dirty;               // columns whose bounds were given to the LP against the Domain
+    int UserRows = 0;               // of MIPState::UserRows, that the LP has
     double LpNode = NO_NODE;        // the node whose final basis is the live one
 
     // ---- Nodes ----

@@ -1,18 +1,15 @@
 // solution_pool.cpp -- the solutions of one search
 #include "mip/solution_pool.h"
 
-namespace
-{
-void free_entry(const SolutionEntry &entry)
+void pool_free_entry(const SolutionEntry &entry)
 {
     MemFree(entry.X);
     MemFree(entry.Full);
 }
-} // namespace
 
 void pool_free(SolutionPool *pool)
 {
-    for (const SolutionEntry &entry : pool->Entries) free_entry(entry);
+    for (const SolutionEntry &entry : pool->Entries) pool_free_entry(entry);
     *pool = SolutionPool{};
 }
 
@@ -20,13 +17,13 @@ int pool_insert(SolutionPool *pool, const SolutionEntry &entry)
 {
     Array<SolutionEntry> *entries = &pool->Entries;
     if (const int code = array_grow(entries, entries->size + 1)) {
-        free_entry(entry);
+        pool_free_entry(entry);
         return code;
     }
     int64_t at = entries->size++;
     for (; at > 0 && entries->data[at - 1].Objective >= entry.Objective; at--)
         entries->data[at] = entries->data[at - 1];
     entries->data[at] = entry;
-    if (entries->size > pool->Maximum) free_entry(entries->data[--entries->size]);
+    if (entries->size > pool->Maximum) pool_free_entry(entries->data[--entries->size]);
     return 0;
 }

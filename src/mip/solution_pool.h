@@ -34,6 +34,20 @@ void pool_free(SolutionPool *pool);
 // Takes over both arrays, also on failure. The entry gets its place by objective; beyond Maximum the worst is dropped.
 // 0 or OUT_OF_MEMORY.
 [[nodiscard]] int pool_insert(SolutionPool *pool, const SolutionEntry &entry);
+// Keeps the entries for which keep(entry) holds.
+void pool_free_entry(const SolutionEntry &entry);
+template<class Keep> void pool_filter(SolutionPool *pool, Keep keep)
+{
+    int64_t kept = 0;
+    for (const SolutionEntry &entry : pool->Entries)
+        if (keep(entry))
+            pool->Entries.data[kept++] = entry;
+        else
+            pool_free_entry(entry);
+    pool->Entries.size = kept;
+    pool->Incumbent = kept > 0 ? pool->Entries.data[0].Objective : 1e100;
+    pool->Changed = true;
+}
 inline const SolutionEntry *pool_best(const SolutionPool *pool)
 {
     return pool->Entries.size > 0 ? &pool->Entries.data[0] : nullptr;

@@ -91,6 +91,11 @@ void postsolve_primal(const PresolveResult *result, const double *x_reduced,
 // when that fails: the reductions have removed the point, or the map is not known. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int presolve_crush_point(const PresolveResult *result, const double *x_full,
                                        double *x_reduced, bool *mapped);
+// Maps the row  row x <= *rhs  (or =) over the model's columns, [its numvars], to `reduced` over those of the reduced model;
+// `row` is used up. *mapped is false when there is no such row: columns in it were merged or removed together with what
+// they satisfied. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int presolve_crush_row(const PresolveResult *result, double *row, double *rhs,
+                                     double *reduced, bool *mapped);
 // The semi-continuous columns of the reduced model, [*count].
 const SemiColumn *presolved_semi(const PresolveResult *result, int *count);
 
