@@ -376,3 +376,7 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_relabel_binaries(PresolveWork *w);
 [[nodiscard]] int pre_sos_fixings(PresolveWork *w);
 [[nodiscard]] int pre_semi_fixings(PresolveWork *w);
+[[nodiscard]] int pre_row_bounds(PresolveWork *w);
+[[nodiscard]] int pre_binary_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_bound_dual(PresolveWork *w);
+[[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);
