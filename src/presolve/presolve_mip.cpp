@@ -65,7 +65,8 @@ int inner_loop(PresolveWork *w, const Plan *plan)
                           {plan->bound, pre_row_bounds},
                           {true, pre_singleton_rows},
                           {true, pre_relabel_binaries},
-                          {plan->coef, pre_binary_coefficients}}));
+                          {plan->coef, pre_binary_coefficients},
+                          {plan->aggregate, pre_binary_equation}}));
         TRY(sweep_marked(w));
         if (cols == w->ColsRemoved && rows == w->RowsRemoved &&
             (coefs == w->CoefsChanged || round >= COEF_ROUNDS) &&
@@ -80,9 +81,12 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
 {
     TRY(run_steps(w, {{true, pre_sos_fixings},
                       {true, pre_semi_fixings},
+                      {plan->coef, pre_scale_int_columns},
+                      {plan->coef, pre_row_integrality},
                       {plan->dual && pass < DUAL_PASSES, pre_dual_bounds},
                       {plan->parallel && plan->dual, pre_duplicate_cols},
-                      {plan->parallel, pre_duplicate_rows}}));
+                      {plan->parallel, pre_duplicate_rows},
+                      {plan->coef, pre_coef_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
     TRY(pre_activity(w));

@@ -1,9 +1,10 @@
-// binary_coefficients.cpp -- coefficients of binary columns in inequalities that one of their values makes redundant
+// coefficients.cpp -- coefficients of integer columns in inequalities that all but their last value make redundant
 //
-// Method      Let M be the largest activity of the row a z + rest <= b without z. If M < b the row is redundant at z = 0,
-//             so that it may be replaced by (a - e) z + rest <= b - e with e = b - M: the same at z = 1, and just
-//             redundant at z = 0. Likewise for a < 0, where z = 1 makes it redundant: a becomes b - M. No integer point
-//             is lost or gained; the relaxation is tighter.
+// Method      Let M be the largest activity of the row a x + rest <= b, and l <= x <= u. If a > 0 and M - a < b, the row is
+//             redundant for x <= u - 1. With d = b - (M - a) it may be replaced by (a - d) x + rest <= b - d u: the same
+//             at x = u, just redundant at u - 1 and redundant below. Likewise for a < 0, where the row is redundant for
+//             x >= l + 1: (a + d) x + rest <= b + d l. No integer point is lost or gained; the relaxation is tighter.
+//             pre_binary_coefficients looks at binary columns, pre_coef_rows at all integer ones.
 // Numbers     The largest activity is summed anew, without the outward rounding of the record, so that integral data stay
 //             integral.
 // Postsolve   None.
@@ -17,9 +18,12 @@ namespace
 constexpr double LEAST_GAIN = 1e-3;  // of the coefficient, relative
 constexpr double LEAST_ENTRY = 1e-6; // smaller coefficients do not arise
 
-bool is_binary(const PresolveWork *w, int j)
+enum class Which { BINARY, INTEGER };
+
+bool is_meant(const PresolveWork *w, int j, Which which)
 {
-    return is_integer(w, j) && w->Lb.data[j] == 0 && w->Ub.data[j] == 1; // integral
+    return is_integer(w, j) &&
+           (which == Which::INTEGER || (w->Lb.data[j] == 0 && w->Ub.data[j] == 1));
 }
 
 // The largest activity minus the side; *size: the largest term.
@@ -41,11 +45,12 @@ void tighten(PresolveWork *w, int p, double excess, double size)
 {
     PresolveNode *node = &w->Nodes.data[p];
     const int i = node->row;
-    const double e = std::fabs(node->value) - excess;
+    const double d = std::fabs(node->value) - excess;
     if (node->value > 0) {
-        w->Rhs.data[i] -= e;
+        w->Rhs.data[i] -= d * w->Ub.data[node->col];
         node->value = excess;
     } else {
+        w->Rhs.data[i] += d * w->Lb.data[node->col];
         node->value = -excess;
     }
     set_entry_size(w, p, size);
@@ -54,14 +59,15 @@ void tighten(PresolveWork *w, int p, double excess, double size)
     mark_col(w, node->col);
 }
 
-void try_row(PresolveWork *w, int i)
+void try_row(PresolveWork *w, int i, Which which)
 {
     const double least = w->FeasTol + rhs_error(w, i);
     if (w->Rmaxcnt.data[i] > 0 || w->RMax.data[i] < least) return;
     double excess = -1, size = 0; // excess not known yet
     for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
         const double a = std::fabs(w->Nodes.data[p].value);
-        if (a <= least + w->RMax.data[i] || !is_binary(w, w->Nodes.data[p].col)) continue;
+        if (a <= least + w->RMax.data[i] || !is_meant(w, w->Nodes.data[p].col, which))
+            continue;
         if (excess < 0) excess = excess_of(w, i, &size);
         if (excess < std::max(least, LEAST_ENTRY)) break;
         if (a - excess > LEAST_GAIN * a) tighten(w, p, excess, size);
@@ -70,17 +76,27 @@ void try_row(PresolveWork *w, int i)
     row_activity(w, i);
     mark_row(w, i);
 }
+
+int try_rows(PresolveWork *w, const int *list, int count, Which which)
+{
+    for (int k = 0; k < count; k++) {
+        const int i = list[k];
+        TRY(check_limits(w, 1 + std::max(0, w->RowCnt.data[i])));
+        w->Work += std::max(0, w->RowCnt.data[i]);
+        if (w->RowCnt.data[i] > 1 && w->Sense.data[i] == '<') try_row(w, i, which);
+    }
+    return 0;
+}
 } // namespace
 
 int pre_binary_coefficients(PresolveWork *w)
 {
     const WorkList *rows = rows_of_phase(w);
-    const int count = rows->PendingCnt;
-    for (int k = 0; k < count; k++) {
-        const int i = rows->List.data[k];
-        TRY(check_limits(w, 1 + std::max(0, w->RowCnt.data[i])));
-        w->Work += std::max(0, w->RowCnt.data[i]);
-        if (w->RowCnt.data[i] > 1 && w->Sense.data[i] == '<') try_row(w, i);
-    }
-    return 0;
+    return try_rows(w, rows->List.data, rows->PendingCnt, Which::BINARY);
+}
+
+int pre_coef_rows(PresolveWork *w)
+{
+    const int count = candidate_rows(w, w->IndexA.data);
+    return try_rows(w, w->IndexA.data, count, Which::INTEGER);
 }
