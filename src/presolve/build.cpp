@@ -43,6 +43,8 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
         r->obj.data[k] = w->Obj.data[j];
         r->lb.data[k] = w->Lb.data[j];
         r->ub.data[k] = w->Ub.data[j];
+        if (w->IsMip && r->lb.data[k] > r->ub.data[k]) // by rounding
+            r->lb.data[k] = r->ub.data[k] = 0.5 * (r->lb.data[k] + r->ub.data[k]);
         r->vbeg.data[k] = at;
         TRY(check_limits(w, 1 + w->ColCnt.data[j]));
         for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {

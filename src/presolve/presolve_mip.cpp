@@ -26,7 +26,7 @@ constexpr double NOTHING = 1e-13; // smaller sides and costs are zero
 
 // Options of a run, resolved.
 struct Plan {
-    bool dual = false, bound = false, parallel = false, aggregate = false;
+    bool dual = false, bound = false, parallel = false, aggregate = false, coef = false;
     bool dependent_rows = false, dependent_cols = false, two_rows = false;
     bool two_rows_at_end = false, thorough = false;
     int passes = 0;
@@ -38,6 +38,7 @@ Plan make_plan(const PresolveWork *w)
     Plan plan;
     plan.dual = env->TARV_PAR_DUALREDUCTION != 0;
     plan.bound = env->TARV_PAR_PREBOUND != 0;
+    plan.coef = env->TARV_PAR_PRECOEFFICIENT != 0;
     plan.parallel = env->TARV_PAR_PREPARALLEL != 0;
     plan.aggregate = env->Aggregate != 0;
     plan.dependent_rows = env->PreDepRow > 0;
@@ -53,7 +54,7 @@ Plan make_plan(const PresolveWork *w)
 }
 
 // The cheap reductions, as long as something changes.
-int inner_loop(PresolveWork *w)
+int inner_loop(PresolveWork *w, const Plan *plan)
 {
     for (int round = 1;; round++) {
         const int cols = w->ColsRemoved, rows = w->RowsRemoved, bounds = w->BoundsChanged,
@@ -61,8 +62,11 @@ int inner_loop(PresolveWork *w)
         presolve_log(w);
         TRY(run_steps(w, {{true, pre_columns},
                           {true, pre_redundant_rows},
+                          {plan->bound, pre_row_bounds},
                           {true, pre_singleton_rows},
-                          {true, pre_relabel_binaries}}));
+                          {true, pre_relabel_binaries},
+                          {plan->coef, pre_binary_coefficients},
+                          {plan->aggregate, pre_binary_equation}}));
         TRY(sweep_marked(w));
         if (cols == w->ColsRemoved && rows == w->RowsRemoved &&
             (coefs == w->CoefsChanged || round >= COEF_ROUNDS) &&
@@ -77,13 +81,17 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
 {
     TRY(run_steps(w, {{true, pre_sos_fixings},
                       {true, pre_semi_fixings},
+                      {plan->coef, pre_scale_int_columns},
+                      {plan->coef, pre_row_integrality},
                       {plan->dual && pass < DUAL_PASSES, pre_dual_bounds},
                       {plan->parallel && plan->dual, pre_duplicate_cols},
-                      {plan->parallel, pre_duplicate_rows}}));
+                      {plan->parallel, pre_duplicate_rows},
+                      {plan->coef, pre_coef_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
     TRY(pre_activity(w));
-    TRY(run_steps(w, {{plan->two_rows, pre_two_rows},
+    TRY(run_steps(w, {{plan->bound && plan->dual, pre_bound_dual},
+                      {plan->two_rows, pre_two_rows},
                       {pass == 0 && plan->dependent_rows, pre_dependent_rows},
                       {pass == 0 && plan->dependent_cols, pre_dependent_cols}}));
     presolve_log(w);
@@ -97,7 +105,7 @@ int passes(PresolveWork *w, const Plan *plan, int round)
         const bool first = pass == 0 && round == 0;
         w->Phase = 2;
         if (!first) rotate(w); // what was touched becomes active
-        TRY(inner_loop(w));
+        TRY(inner_loop(w, plan));
         if (nothing_left(w)) return 0;
         w->Phase = 1;
         if (!first) rotate(w);
@@ -161,7 +169,9 @@ int clear_rounding(PresolveWork *w)
 int close(PresolveWork *w)
 {
     w->Phase = 0;
-    TRY(run_steps(w, {{true, pre_sos_fixings}, {true, pre_semi_fixings}}));
+    TRY(run_steps(w, {{true, pre_sos_fixings},
+                      {true, pre_semi_fixings},
+                      {w->Env->Presolve != 0, pre_tiny_coefficients}}));
     TRY(remove_empty_lines(w));
     return clear_rounding(w);
 }

@@ -1,24 +1,20 @@
 // presolve_mip_test.cpp -- the whole presolve of models with integers, sets and semi-continuous columns
 #include "support/mip_gen.h"
+#include "support/mip_presolve_gen.h"
 #include "support/mip_presolve_try.h"
 #include <gtest/gtest.h>
-
-static LpModel generated(Dice *dice)
-{
-    return gen_mip(dice, 5).lp;
-}
 
 // A model under random settings, every third one scaled.
 static MipTry try_one(Dice *dice, uint64_t seed, std::string *text)
 {
-    LpModel lp = generated(dice);
+    LpModel lp = dice->chance(50) ? gen_mip(dice, 5).lp : gen_mip_with_lines(dice);
     MipQuestion question = mip_question(&lp);
     question.seed = seed;
     // rounded data may stop a ray
     if (dice->chance(33) && question.truth.status != MipStatus::UNBOUNDED)
         question.of_costs = scale_by_tens(dice, &lp);
     for (const char *name : {"TARV_PAR_DUALREDUCTION", "Aggregate", "TARV_PAR_PREPARALLEL",
-                             "TARV_PAR_PREBOUND"})
+                             "TARV_PAR_PREBOUND", "TARV_PAR_PRECOEFFICIENT"})
         if (dice->chance(20)) question.settings.emplace_back(name, 0);
     if (dice->chance(30)) question.settings.emplace_back("Presolve", dice->range(0, 2));
     if (dice->chance(20)) question.settings.emplace_back("PreDepRow", 1);

@@ -163,8 +163,10 @@ void Judge::optimum()
     }
     if (truth.status == MipStatus::UNKNOWN) return;
     out->judged = true;
-    if (truth.status != MipStatus::OPTIMAL)
+    if (truth.status != MipStatus::OPTIMAL) {
+        if (mip_truth(question.lp, NODES).status == truth.status) return; // by scaling
         return fault(formatted("the reduced model is %s", mip_status_name(truth.status)));
+    }
     map_back(doubles_of(loose, truth.x), true);
     random_objectives(loose);
     map_forth();
