@@ -36,7 +36,7 @@ void load_rows(Domain *d, int64_t first)
         const DirectedRow *row = &d->Rows->Directed.data[k];
         RowState *r = &d->State.data[k];
         d->Limit.data[k] = side_limit(d, row);
-        r->Trigger = row->Wide ? -INFINITE_BOUND : d->Limit.data[k] - row->Reach;
+        r->Trigger = d->Limit.data[k] - row->Reach;
         r->Queued = 0;
         activity_compute(d, static_cast<int>(k));
         queue_row(d, static_cast<int>(k));

@@ -13,10 +13,6 @@ namespace
 {
 constexpr double LARGEST_NUMBER = 1e100; // products of two and their sums stay finite
 
-// The sums of a Domain are exact to 2^-102 of their size at each change; beyond this size a million changes may add up
-// to a share of 1e-3 of the usual feasibility tolerance.
-constexpr double WIDE_SIZE = 1e15;
-
 // An infinite bound counts with this size: the largest that propagation gives a variable.
 constexpr double SIZE_OF_INFINITE = 1e8;
 
@@ -69,7 +65,6 @@ void push_directed(PropagationRows *rows, DirectedRow directed, Bounds bounds)
         if (!rows->IsInteger[e.Col]) directed.Soft += std::fabs(e.Val);
     }
     directed.Reach = begin < end ? static_cast<double>(rows->Entry.data[begin].Key) : 0;
-    directed.Wide = directed.Size > WIDE_SIZE;
     array_push(&rows->Directed, directed);
 }
 
@@ -79,10 +74,8 @@ void direct_row(PropagationRows *rows, int i, double low, double high, Bounds bo
     const bool has_high = high<INFINITE_VALUE, has_low = low> - INFINITE_VALUE;
     const int first = static_cast<int>(rows->Directed.size);
     const bool both = has_high && has_low;
-    if (has_high)
-        push_directed(rows, {i, both ? first + 1 : -1, 1, high, 0, 0, 0, false}, bounds);
-    if (has_low)
-        push_directed(rows, {i, both ? first : -1, -1, -low, 0, 0, 0, false}, bounds);
+    if (has_high) push_directed(rows, {i, both ? first + 1 : -1, 1, high, 0, 0, 0}, bounds);
+    if (has_low) push_directed(rows, {i, both ? first : -1, -1, -low, 0, 0, 0}, bounds);
 }
 
 // Rows of the source behind the others; there is room.

@@ -35,7 +35,6 @@ struct DirectedRow {
     double Soft; // sum of |a| of continuous columns: what violated bounds of size 1 add
     double Size; // |Side| plus the sum of the largest |a x| within the bounds at build time
     double Reach; // largest key: no column moves the activity by more
-    bool Wide;    // Size is so large that sums are always taken anew
 };
 
 // Entries of column j with a positive coefficient: Entry[Beg[2 j] .. Beg[2 j + 1]), negative: from there to

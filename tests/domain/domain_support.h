@@ -119,6 +119,15 @@ inline System integer_system(Dice *dice)
     return s;
 }
 
+// Some bounds away.
+inline void open_bounds(System *s, Dice *dice)
+{
+    for (int j = 0; j < s->n(); j++) {
+        if (dice->chance(15)) s->lower[j] = -INFINITE_BOUND;
+        if (dice->chance(15)) s->upper[j] = INFINITE_BOUND;
+    }
+}
+
 // All points of the box of an integer system, one call of `visit` each.
 template<class Visit> void each_point(const System &s, Visit visit)
 {
