@@ -65,7 +65,7 @@ int check_trail(const Domain *d)
         for (int at = d->Newest[k]; at >= 0; at = d->Trail[at].Before) {
             const TrailEntry e = d->Trail[at];
             wrong += e.New != value || at >= last || at >= d->Trail.size; // stored values
-            wrong += e.Col != k / 2 || (e.Side == BoundSide::UPPER) != (k & 1);
+            wrong += bound_number(e.Col, e.Side) != k;
             value = e.Old;
             last = at;
             reached++;

@@ -145,7 +145,7 @@ int build_all(PropagationRows *rows, const ColumnSource *cols, const RowSource *
     copy_rows(rows, source, {cols->Lower, cols->Upper});
     rows->NumModelRows = rows->NumRows;
     rows->NumModelDirected = static_cast<int>(rows->Directed.size);
-    return build_block(rows, 0, &rows->Block[0]);
+    return build_block(rows, 0, &rows->ModelCols);
 }
 
 // ---- From a body ----
@@ -247,7 +247,7 @@ int propagation_rows_append(PropagationRows *rows, const RowSource *source,
         rows->RowBeg.size = rows->FirstDirected.size = old_rows + 1;
         return error;
     }
-    rows->Block[1] = static_cast<ColumnBlock &&>(block);
+    rows->AppendedCols = static_cast<ColumnBlock &&>(block);
     return 0;
 }
 
@@ -258,7 +258,7 @@ void propagation_rows_drop_appended(PropagationRows *rows)
     rows->RowBeg.size = rows->FirstDirected.size = rows->NumRows + 1;
     rows->Entry.size = rows->RowBeg[rows->NumRows];
     rows->Directed.size = rows->NumModelDirected;
-    rows->Block[1] = ColumnBlock{};
+    rows->AppendedCols = ColumnBlock{};
 }
 
 #ifdef TVX_DEBUG
@@ -278,7 +278,7 @@ int propagation_rows_check(const PropagationRows *rows)
             wrong += rows->Entry[p].Key > rows->Entry[p - 1].Key;
         wrong += row.Sibling >= 0 && rows->Directed[row.Sibling].Row != row.Row;
     }
-    wrong += entries != rows->Block[0].Entry.size + rows->Block[1].Entry.size;
+    wrong += entries != rows->ModelCols.Entry.size + rows->AppendedCols.Entry.size;
     return wrong;
 }
 #endif
