@@ -13,6 +13,11 @@ inline bool domain_is_infinite(double bound)
 
 enum class BoundSide : char { LOWER, UPPER };
 
+inline int bound_number(int col, BoundSide side)
+{
+    return 2 * col + (side == BoundSide::UPPER);
+}
+
 inline int literal_of(int col, int value) // true when x_col = value, which is 0 or 1
 {
     return 2 * col + (value == 0);

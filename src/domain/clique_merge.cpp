@@ -54,7 +54,7 @@ int degree(const CliqueTable *t, int u)
     return t->Neighbours.Size.data[u] + t->CliquesOf.Size.data[u];
 }
 
-// Literals adjacent to the member that has the fewest cliques, without members and their negations.
+// Literals adjacent to the member that has the fewest cliques, without members.
 void find_candidates(Merge *m)
 {
     int rarest = m->Members[0];
@@ -72,7 +72,6 @@ void find_candidates(Merge *m)
 
 bool fits(Merge *m, int v)
 {
-    if (m->Mark.data[literal_not(v)]) return false;
     for (const int u : m->Members)
         if (!clique_adjacent(m->t, u, v, &m->Effort)) return false;
     return true;

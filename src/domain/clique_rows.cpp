@@ -90,9 +90,8 @@ int add_cliques(CliqueTable *t, const Knapsack *sack)
     for (int k = base; k < n && left > 0; k++) {
         const int prefix = prefix_with(items, base, items[k].Weight, sack->Room);
         if (prefix == 0) break;
-        literals[prefix] = items[k].Literal; // rebuilt below
+        literals[prefix] = items[k].Literal; // later prefixes are not longer
         TRY(clique_table_add(t, literals.data, prefix + 1));
-        literals[prefix] = items[prefix].Literal;
         left -= prefix + 1;
     }
     return 0;

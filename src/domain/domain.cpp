@@ -36,7 +36,7 @@ void load_rows(Domain *d, int64_t first)
         const DirectedRow *row = &d->Rows->Directed.data[k];
         RowState *r = &d->State.data[k];
         d->Limit.data[k] = side_limit(d, row);
-        r->Trigger = row->Wide ? -INFINITE_BOUND : d->Limit.data[k] - row->Reach;
+        r->Trigger = d->Limit.data[k] - row->Reach;
         r->Queued = 0;
         activity_compute(d, static_cast<int>(k));
         queue_row(d, static_cast<int>(k));
@@ -85,7 +85,7 @@ int allocate(Domain *d)
 bool record_change(Domain *d, int j, BoundSide side, double from, double to,
                    BoundReason why)
 {
-    int *newest = &d->Newest.data[2 * int64_t{j} + (side == BoundSide::UPPER)];
+    int *newest = &d->Newest.data[bound_number(j, side)];
     if (d->Trail.size == INT32_MAX ||
         array_append(&d->Trail, {from, to, j, *newest, why, side})) {
         d->Error = OUT_OF_MEMORY;
@@ -225,7 +225,7 @@ void domain_undo(Domain *d, int64_t mark)
     if (mark <= d->QueuedFrom) clear_queue(d); // all of it comes from changes that go
     while (d->Trail.size > mark) {
         const TrailEntry e = d->Trail.data[--d->Trail.size];
-        d->Newest.data[2 * int64_t{e.Col} + (e.Side == BoundSide::UPPER)] = e.Before;
+        d->Newest.data[bound_number(e.Col, e.Side)] = e.Before;
         set_bound(d, e.Col, e.Side, e.New, e.Old, RowsMay::NOT);
     }
     if (mark <= d->InfeasibleAt) d->Infeasible = false;

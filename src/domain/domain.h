@@ -14,8 +14,8 @@
 // Trail    Each change of a bound is recorded with its old value and its reason. domain_mark gives a position,
 //          domain_undo restores everything to it, at the cost of what was changed since.
 // Activity Per directed row the least activity in double-double, with the count of infinite terms. Undo subtracts
-//          exactly what was added: no drift beyond double-double rounding. It is computed anew before a row is held to
-//          be infeasible, and whenever it is used in a row with very large terms.
+//          exactly what was added: no drift beyond double-double rounding, for which sides are relaxed, too. It is
+//          computed anew before a row is held to be infeasible.
 // Memory   Everything is allocated at creation; only the trail may have to grow. When it cannot, Error is OUT_OF_MEMORY
 //          and no bound changes any more, but what is there stays right: propagation misses something, no more.
 #pragma once

@@ -61,27 +61,29 @@ inline void replace_terms(Domain *d, const DirectedEntry *__restrict e, int64_t 
         queue_if_it_acts(d, r, e[k].Directed, act);
     }
 }
+// The same for the rows of a block; `list` is the place in ColumnBlock::Beg.
+void change_in_block(Domain *d, const ColumnBlock *block, int64_t list, double from,
+                     double to, RowsMay act)
+{
+    const int64_t begin = block->Beg.data[list];
+    const int64_t count = block->Beg.data[list + 1] - begin;
+    const DirectedEntry *entry = block->Entry.data + begin;
+    if (domain_is_infinite(from))
+        replace_terms(d, entry, count, to, -1, act);
+    else if (domain_is_infinite(to))
+        replace_terms(d, entry, count, from, 1, act);
+    else
+        shift_terms(d, entry, count, from, to, act);
+    d->Effort += count;
+}
 } // namespace
 
 void activity_change(Domain *d, int j, BoundSide side, double from, double to, RowsMay act)
 {
-    const bool was_infinite = domain_is_infinite(from),
-               is_infinite = domain_is_infinite(to);
-    if (was_infinite && is_infinite) return;
-    const int64_t list = 2 * int64_t{j} + (side == BoundSide::UPPER);
-    for (int b = 0; b < (d->Appended ? 2 : 1); b++) {
-        const ColumnBlock *block = &d->Rows->Block[b];
-        const int64_t begin = block->Beg.data[list];
-        const int64_t count = block->Beg.data[list + 1] - begin;
-        const DirectedEntry *entry = block->Entry.data + begin;
-        if (!was_infinite && !is_infinite)
-            shift_terms(d, entry, count, from, to, act);
-        else if (was_infinite)
-            replace_terms(d, entry, count, to, -1, act);
-        else
-            replace_terms(d, entry, count, from, 1, act);
-        d->Effort += count;
-    }
+    if (domain_is_infinite(from) && domain_is_infinite(to)) return;
+    const int64_t list = bound_number(j, side);
+    change_in_block(d, &d->Rows->ModelCols, list, from, to, act);
+    if (d->Appended) change_in_block(d, &d->Rows->AppendedCols, list, from, to, act);
 }
 
 void activity_compute(Domain *d, int directed)

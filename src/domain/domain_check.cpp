@@ -39,7 +39,7 @@ int check_activities(const Domain *d)
         wrong += plain.Infinite != r->Infinite;
         const long double sum = static_cast<long double>(r->High) + r->Low;
         const long double room = 1e-17L * plain.Size + 1e-25L * row->Size + 1e-300L;
-        wrong += !row->Wide && fabsl(plain.Sum - sum) > room;
+        wrong += fabsl(plain.Sum - sum) > room;
     }
     return wrong;
 }
@@ -57,6 +57,7 @@ int check_queue(const Domain *d)
 int check_trail(const Domain *d)
 {
     int wrong = 0;
+    int64_t reached = 0;
     for (int64_t k = 0; k < d->Newest.size; k++) {
         const double bound = (k & 1 ? d->Upper : d->Lower)[k / 2];
         double value = bound;
@@ -64,12 +65,13 @@ int check_trail(const Domain *d)
         for (int at = d->Newest[k]; at >= 0; at = d->Trail[at].Before) {
             const TrailEntry e = d->Trail[at];
             wrong += e.New != value || at >= last || at >= d->Trail.size; // stored values
-            wrong += e.Col != k / 2 || (e.Side == BoundSide::UPPER) != (k & 1);
+            wrong += bound_number(e.Col, e.Side) != k;
             value = e.Old;
             last = at;
+            reached++;
         }
     }
-    return wrong;
+    return wrong + (reached != d->Trail.size);
 }
 
 int check_columns(const Domain *d)

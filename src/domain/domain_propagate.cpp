@@ -87,7 +87,7 @@ void scan_finite(Domain *d, const Scan *scan)
     const RowEntry *const begin = e;
     const RowEntry *const end = rows->Entry.data + rows->RowBeg.data[scan->Row->Row + 1];
     const double *lower = d->Lower.data, *upper = d->Upper.data;
-    for (; e<end &&static_cast<double>(e->Key)> scan->Slack; e++) {
+    for (; e < end && scan->Slack < static_cast<double>(e->Key); e++) {
         const double l = lower[e->Col], u = upper[e->Col];
         if (std::fabs(e->Val) * (u - l) <= scan->Slack) continue;
         try_entry(d, scan, e, scan->Row->Sign * e->Val > 0 ? l : u);
@@ -116,8 +116,7 @@ void scan_infinite(Domain *d, const Scan *scan)
 // No column can move the activity beyond the slack: the distance of least and largest activity is too small.
 bool is_idle(const Domain *d, const Scan *scan, const RowState *state)
 {
-    if (scan->Row->Sibling < 0 || scan->Row->Wide) return false;
-    if (d->Rows->Directed.data[scan->Row->Sibling].Wide) return false;
+    if (scan->Row->Sibling < 0) return false;
     const RowState *other = &d->State.data[scan->Row->Sibling];
     return other->Infinite == 0 && scan->Slack >= -activity_of(state) - activity_of(other);
 }
@@ -135,7 +134,6 @@ void look_at_row(Domain *d, int directed)
     const RowState *state = &d->State.data[directed];
     Scan scan = {&d->Rows->Directed.data[directed], 0, 0};
     d->Effort++;
-    if (scan.Row->Wide) activity_compute(d, directed);
     if (state->Infinite > 1) return;
     const double limit = d->Limit.data[directed];
     scan.Slack = (limit - state->High) - state->Low;

@@ -68,7 +68,7 @@ double row_least(const Domain *d, int i, double sign)
 {
     for (int k = d->Rows->FirstDirected[i]; k < d->Rows->FirstDirected[i + 1]; k++) {
         const DirectedRow *row = &d->Rows->Directed[k];
-        if (k >= d->State.size || row->Sign != sign || row->Wide) continue;
+        if (k >= d->State.size || row->Sign != sign) continue;
         return d->State[k].Infinite ? -INFINITE_BOUND : activity_of(&d->State[k]);
     }
     return scan_least(d, i, sign);

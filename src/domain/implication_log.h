@@ -32,11 +32,6 @@ struct ColumnMap {
     double Scale, Offset;
 };
 
-inline int bound_number(int col, BoundSide side)
-{
-    return 2 * col + (side == BoundSide::UPPER);
-}
-
 // An empty log. 0 or OUT_OF_MEMORY; *out is null then.
 [[nodiscard]] int implication_log_create(ImplicationLog **out, int n_cols);
 void implication_log_free(ImplicationLog *log); // null is ignored

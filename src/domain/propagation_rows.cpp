@@ -13,10 +13,6 @@ namespace
 {
 constexpr double LARGEST_NUMBER = 1e100; // products of two and their sums stay finite
 
-// The sums of a Domain are exact to 2^-102 of their size at each change; beyond this size a million changes may add up
-// to a share of 1e-3 of the usual feasibility tolerance.
-constexpr double WIDE_SIZE = 1e15;
-
 // An infinite bound counts with this size: the largest that propagation gives a variable.
 constexpr double SIZE_OF_INFINITE = 1e8;
 
@@ -69,7 +65,6 @@ void push_directed(PropagationRows *rows, DirectedRow directed, Bounds bounds)
         if (!rows->IsInteger[e.Col]) directed.Soft += std::fabs(e.Val);
     }
     directed.Reach = begin < end ? static_cast<double>(rows->Entry.data[begin].Key) : 0;
-    directed.Wide = directed.Size > WIDE_SIZE;
     array_push(&rows->Directed, directed);
 }
 
@@ -79,10 +74,8 @@ void direct_row(PropagationRows *rows, int i, double low, double high, Bounds bo
     const bool has_high = high<INFINITE_VALUE, has_low = low> - INFINITE_VALUE;
     const int first = static_cast<int>(rows->Directed.size);
     const bool both = has_high && has_low;
-    if (has_high)
-        push_directed(rows, {i, both ? first + 1 : -1, 1, high, 0, 0, 0, false}, bounds);
-    if (has_low)
-        push_directed(rows, {i, both ? first : -1, -1, -low, 0, 0, 0, false}, bounds);
+    if (has_high) push_directed(rows, {i, both ? first + 1 : -1, 1, high, 0, 0, 0}, bounds);
+    if (has_low) push_directed(rows, {i, both ? first : -1, -1, -low, 0, 0, 0}, bounds);
 }
 
 // Rows of the source behind the others; there is room.
@@ -152,7 +145,7 @@ int build_all(PropagationRows *rows, const ColumnSource *cols, const RowSource *
     copy_rows(rows, source, {cols->Lower, cols->Upper});
     rows->NumModelRows = rows->NumRows;
     rows->NumModelDirected = static_cast<int>(rows->Directed.size);
-    return build_block(rows, 0, &rows->Block[0]);
+    return build_block(rows, 0, &rows->ModelCols);
 }
 
 // ---- From a body ----
@@ -254,7 +247,7 @@ int propagation_rows_append(PropagationRows *rows, const RowSource *source,
         rows->RowBeg.size = rows->FirstDirected.size = old_rows + 1;
         return error;
     }
-    rows->Block[1] = static_cast<ColumnBlock &&>(block);
+    rows->AppendedCols = static_cast<ColumnBlock &&>(block);
     return 0;
 }
 
@@ -265,7 +258,7 @@ void propagation_rows_drop_appended(PropagationRows *rows)
     rows->RowBeg.size = rows->FirstDirected.size = rows->NumRows + 1;
     rows->Entry.size = rows->RowBeg[rows->NumRows];
     rows->Directed.size = rows->NumModelDirected;
-    rows->Block[1] = ColumnBlock{};
+    rows->AppendedCols = ColumnBlock{};
 }
 
 #ifdef TVX_DEBUG
@@ -285,7 +278,7 @@ int propagation_rows_check(const PropagationRows *rows)
             wrong += rows->Entry[p].Key > rows->Entry[p - 1].Key;
         wrong += row.Sibling >= 0 && rows->Directed[row.Sibling].Row != row.Row;
     }
-    wrong += entries != rows->Block[0].Entry.size + rows->Block[1].Entry.size;
+    wrong += entries != rows->ModelCols.Entry.size + rows->AppendedCols.Entry.size;
     return wrong;
 }
 #endif

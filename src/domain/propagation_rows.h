@@ -8,8 +8,8 @@
 //          first: a scan for columns that can move ends at the first key that is not above the slack. Bounds of a
 //          Domain that are wider than those at build time are allowed; some propagation is missed then.
 // Columns  Per column the directed rows in which its coefficient is positive (its lower bound is in their least
-//          activity), and those where it is negative (its upper bound is). Block 0 has the rows of the model, block 1
-//          those appended later, so that appending costs no pass over the model.
+//          activity), and those where it is negative (its upper bound is). The rows of the model and those
+//          appended later have a block each, so that appending costs no pass over the model.
 // Left out Rows that bound nothing, and rows with numbers beyond LARGEST_NUMBER, whose sums could overflow.
 #pragma once
 #include "body/body.h"
@@ -35,7 +35,6 @@ struct DirectedRow {
     double Soft; // sum of |a| of continuous columns: what violated bounds of size 1 add
     double Size; // |Side| plus the sum of the largest |a x| within the bounds at build time
     double Reach; // largest key: no column moves the activity by more
-    bool Wide;    // Size is so large that sums are always taken anew
 };
 
 // Entries of column j with a positive coefficient: Entry[Beg[2 j] .. Beg[2 j + 1]), negative: from there to
@@ -48,7 +47,7 @@ struct ColumnBlock {
 struct PropagationRows {
     int NumCols = 0;
     int NumRows = 0;      // with those appended
-    int NumModelRows = 0; // rows of block 0
+    int NumModelRows = 0; // without them
     int NumModelDirected = 0;
     int Impossible = -1;      // a row that no point satisfies, whatever the bounds, or -1
     Array<char> IsInteger;    // [NumCols]
@@ -56,7 +55,8 @@ struct PropagationRows {
     Array<RowEntry> Entry;    // by row, then by descending Key, then by column
     Array<int> FirstDirected; // [NumRows + 1] the directed rows of a row: 0, 1 or 2
     Array<DirectedRow> Directed;
-    ColumnBlock Block[2]; // of the model, of appended rows
+    ColumnBlock ModelCols;    // columns of the rows of the model
+    ColumnBlock AppendedCols; // and of those appended
 };
 
 // Rows for a build: low <= a x <= high, sides of size INFINITE_VALUE and above are infinite. Zeros are left out. No

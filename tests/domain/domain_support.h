@@ -91,9 +91,27 @@ inline DomainPtr build_domain(const System &s, const PropagationRows *rows,
     return DomainPtr(d);
 }
 
+// Broken invariants of a Domain and its rows, where they can be counted.
+inline int is_sound(const Domain *d)
+{
+#ifdef TVX_DEBUG
+    return domain_check(d) + propagation_rows_check(d->Rows);
+#else
+    (void)d;
+    return 0;
+#endif
+}
+
 constexpr BoundReason DECIDED = {ReasonKind::DECISION, -1};
 
-// Fewer integers of small range and small coefficients: everything about it is exact.
+// Columns of one kind; rows come later.
+inline System system_of(std::vector<double> lower, std::vector<double> upper, char integer)
+{
+    const size_t n = lower.size();
+    return {std::move(lower), std::move(upper), std::vector<char>(n, integer), {}};
+}
+
+// Few integers of small range with small coefficients: everything about it is exact.
 inline System integer_system(Dice *dice)
 {
     System s;
@@ -117,6 +135,15 @@ inline System integer_system(Dice *dice)
         s.rows.push_back(row);
     }
     return s;
+}
+
+// Some bounds away.
+inline void open_bounds(System *s, Dice *dice)
+{
+    for (int j = 0; j < s->n(); j++) {
+        if (dice->chance(15)) s->lower[j] = -INFINITE_BOUND;
+        if (dice->chance(15)) s->upper[j] = INFINITE_BOUND;
+    }
 }
 
 // All points of the box of an integer system, one call of `visit` each.

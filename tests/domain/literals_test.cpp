@@ -122,6 +122,9 @@ TEST(DomainLiterals, CliquesAndImplicationsAreFollowedAndLoseNoPoint)
         const Knowledge all = learn(s, points, &dice);
         ASSERT_EQ(is_sound(all.log.get()), 0);
         const RowsPtr rows = build_rows(s, s.rows.size());
+        ASSERT_EQ(clique_table_add_rows(all.cliques.get(), rows.get(), s.lower.data(),
+                                        s.upper.data()),
+                  0);
         const DomainPtr d = build_domain(s, rows.get(), all.cliques.get(), all.log.get());
         const std::vector<double> &x = dice.pick(points);
         for (int round = 0; round < 4; round++) {
