@@ -125,7 +125,7 @@ static void write_models(const std::string &folder, uint64_t first, uint64_t cou
            "note\n";
     for (uint64_t seed = first; seed < first + count; seed++) {
         const Case c(seed);
-        if (c.truth.status == MipStatus::UNKNOWN || c.lp.obj.empty()) continue;
+        if (c.truth.status == MipStatus::UNKNOWN) continue;
         const bool optimal = c.truth.status == MipStatus::OPTIMAL;
         LpModel lp = c.lp; // to be minimised: not every reader knows OBJSENSE
         lp.objcon *= lp.sense;

@@ -285,11 +285,24 @@ static void vary_objective(Dice *dice, LpModel *lp)
     for (double &c : lp->obj) c = -c + 0.0; // no -0
 }
 
+// What has come out linear gets an integer column.
+static void make_mip(LpModel *lp)
+{
+    const bool linear =
+        lp->sets.empty() && std::count(lp->types.begin(), lp->types.end(), 'C') ==
+                                static_cast<int64_t>(lp->types.size());
+    if (!linear) return;
+    if (lp->obj.empty()) lp_add_var(lp, -1, 0, 3.5, 'I');
+    lp->types.resize(lp->obj.size(), 'C');
+    lp->types.back() = 'I';
+}
+
 GeneratedMip gen_mip(Dice *dice, int most_size)
 {
     const MipFamily &family = dice->pick(mip_families());
     LpModel lp;
     family.add(dice, most_size, &lp);
+    make_mip(&lp);
     vary_objective(dice, &lp);
     std::vector<int> place;
     return {family.name, dice->chance(70) ? lp : shuffled(dice, lp, &place)};
