@@ -67,7 +67,7 @@ FAULTS = [
     Fault("src/domain/clique_add.cpp", "a literal adjacent to another and its negation stays", "CliqueTable.*",
           "if (w != z && t->Mark.data[w]) error = clique_table_fix(t, w);", ""),
     Fault("src/domain/implication_log.cpp", "an implication derived under a tighter bound stays", "ImplicationLog.*",
-          "is_tighter(e->Side, known, now) ||", ""),
+          "is_tighter(e->Side, known, now) ||", "is_tighter(e->Side, known, known) ||"),
     Fault("src/simplex/dual_weights.cpp", "steepest-edge weights of the dual drift from the norms", "DualWeights.*",
           "ratio * (ratio * norm - 2 * tau[i])", "ratio * (ratio * norm - tau[i])"),
     Fault("src/simplex/dual_weights.cpp", "the weight of the pivot row stays", "DualWeights.*",
