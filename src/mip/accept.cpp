@@ -130,8 +130,7 @@ int crush(const MIPState *state, const double *full, double **x)
 int apply_incumbent(MIPState *state)
 {
     SolutionPool *pool = &state->Pool;
-    const double value = std::min(pool->Incumbent, state->Cutoff);
-    const double prune = prune_value(state->Grid, value);
+    const double prune = search_prune_value(state);
     if (prune >= pool->PruneValue) return 0;
     pool->PruneValue = prune;
     store_prune(&state->Store, &state->Root, prune);

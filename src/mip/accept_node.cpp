@@ -14,6 +14,7 @@
 
 namespace
 {
+constexpr int CLEAN_ROUNDS = 5;
 constexpr double EXACT = 1e-12; // an integer this near is whole by its own rounding error
 
 double lp_value(const SearchWorker *worker, int j)
@@ -94,8 +95,26 @@ int list_inexact(SearchWorker *worker, NodeLPResult *result)
 }
 } // namespace
 
+namespace
+{
+// The values of the LP are computed afresh; where they violate the model in its own units the LP is solved on.
+int clean_point(SearchWorker *worker, TreeNode *node)
+{
+    for (int round = 0; round < CLEAN_ROUNDS; round++) {
+        CleanOutcome outcome = CleanOutcome::OPTIMAL;
+        TRY(simplex_clean(worker->Lp.simplex, &outcome));
+        if (outcome != CleanOutcome::SOLVE_AGAIN) return 0;
+        TRY(node_solve_lp(worker, node));
+        if (node->Data->Status != NODE_INTEGRAL) return 0;
+    }
+    return 0;
+}
+} // namespace
+
 int accept_node(SearchWorker *worker, TreeNode **node)
 {
+    TRY(clean_point(worker, *node));
+    if ((*node)->Data->Status != NODE_INTEGRAL) return 0;
     MIPState *state = worker->State;
     NodeData *data = (*node)->Data;
     NodeLPResult *result = data->Result;

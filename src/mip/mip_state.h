@@ -99,5 +99,12 @@ struct MIPState {
     double StartTime = 0; // of the call that runs it
 };
 
+// The value from which nodes are cut off, by incumbent and cutoff.
+inline double search_prune_value(const MIPState *state)
+{
+    const double incumbent = prune_value_of_incumbent(state->Grid, state->Pool.Incumbent),
+                 cutoff = prune_value_of_cutoff(state->Grid, state->Cutoff);
+    return incumbent < cutoff ? incumbent : cutoff;
+}
 // Deterministic work of all phases.
 double search_work(const MIPState *state);

@@ -13,7 +13,8 @@ namespace
 constexpr double NO_COST = 1e-10;
 constexpr double BOUND_ROUNDING = 1e-8;  // of a bound before it is rounded up
 constexpr double PRUNE_ROUNDING = 1e-10; // relative, of objectives that count as equal
-constexpr double PRUNE_MARGIN = 1e4;     // of these, below the next value of the grid
+constexpr double PRUNE_MARGIN = 1e4;     // of these, above a value of the grid
+constexpr double GRID_ROUNDING = 1e-9;   // steps: a cutoff this near a value of the grid counts as on it
 
 // Denominators and multiples beyond these are not looked for: the values then have no common step by intention.
 constexpr int64_t LARGEST_DENOMINATOR = 100000;
@@ -96,13 +97,31 @@ ObjectiveGrid objective_grid(const ModelBody *body)
     return grid;
 }
 
-double prune_value(const ObjectiveGrid &grid, double value)
+namespace
 {
-    if (value >= UNDEFINED_VALUE) return UNDEFINED_VALUE;
-    const double rounding = (std::fabs(value) + 1) * PRUNE_ROUNDING, below = value - rounding;
-    if (grid.Step <= 0) return below;
-    const double steps = std::floor((value - grid.Constant - 0.5 * grid.Step) / grid.Step);
-    return std::min(grid.Constant + PRUNE_MARGIN * rounding + steps * grid.Step, below);
+// The largest value of the grid below `value`, by rule `steps`, with a margin; never `value` itself.
+double prune_from(const ObjectiveGrid &grid, double value, double steps)
+{
+    const double rounding = (std::fabs(value) + 1) * PRUNE_ROUNDING;
+    if (grid.Step <= 0) return value - rounding;
+    return std::min(grid.Constant + PRUNE_MARGIN * rounding + steps * grid.Step,
+                    value - rounding);
+}
+} // namespace
+
+double prune_value_of_incumbent(const ObjectiveGrid &grid, double incumbent)
+{
+    if (incumbent >= UNDEFINED_VALUE) return UNDEFINED_VALUE;
+    return prune_from(
+        grid, incumbent,
+        std::floor((incumbent - grid.Constant - 0.5 * grid.Step) / grid.Step));
+}
+
+double prune_value_of_cutoff(const ObjectiveGrid &grid, double cutoff)
+{
+    if (cutoff >= UNDEFINED_VALUE) return UNDEFINED_VALUE;
+    const double place = (cutoff - grid.Constant) / grid.Step;
+    return prune_from(grid, cutoff, std::ceil(place - GRID_ROUNDING) - 1);
 }
 
 double rounded_bound(const ObjectiveGrid &grid, double bound)

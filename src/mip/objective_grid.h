@@ -12,8 +12,10 @@ struct ObjectiveGrid {
     double Constant = 0; // of the objective, minimisation form
 };
 ObjectiveGrid objective_grid(const ModelBody *body);
-// The value from which a bound cuts a node off, for a best known objective `value` (no cutoff: UNDEFINED_VALUE).
-double prune_value(const ObjectiveGrid &grid, double value);
+// The value from which a bound cuts a node off: for an incumbent, and for a cutoff, which need not be a value of the grid.
+// UNDEFINED_VALUE: none.
+double prune_value_of_incumbent(const ObjectiveGrid &grid, double incumbent);
+double prune_value_of_cutoff(const ObjectiveGrid &grid, double cutoff);
 // A valid lower bound as it is reported: the next value that the objective can have.
 double rounded_bound(const ObjectiveGrid &grid, double bound);
 // The greatest step of which all values are multiples within their rounding; 0: none of a sensible size.

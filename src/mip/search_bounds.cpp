@@ -37,6 +37,7 @@ int settle_root_bounds(SearchWorker *worker)
     for (int64_t k = 0; k < bounds->Trail.size; k++) {
         const TrailEntry &entry = bounds->Trail.data[k];
         const bool lower = entry.Side == BoundSide::LOWER;
+        if (!worker->State->IsInteger.data[entry.Col]) continue; // wider by tolerances than what the rows say
         TRY(search_tighten(worker->State, {lower ? '>' : '<', entry.Col,
                                            lower ? bounds->Lower.data[entry.Col]
                                                  : bounds->Upper.data[entry.Col]}));

@@ -3,7 +3,6 @@
 #include "mip/node_select.h"
 #include "mip/search.h"
 #include "mip/user_rows.h"
-#include <algorithm>
 
 namespace
 {
@@ -67,7 +66,7 @@ int fill(MIPState *state)
     TRY(find_branch_sets(state));
     state->Grid = objective_grid(body);
     log_structures(state);
-    state->Pool.PruneValue = prune_value(state->Grid, state->Cutoff);
+    state->Pool.PruneValue = search_prune_value(state);
     TRY(make_worker(state, 0));
     TRY(make_root(state));
     return activate_node(state->Workers.data[0], state->Root);
@@ -143,8 +142,7 @@ int search_begin_anew(MIPState *state)
     pool_filter(&state->Pool, [&](const SolutionEntry &entry) {
         return entry.X && user_rows_hold(state, entry.X);
     });
-    state->Pool.PruneValue =
-        prune_value(state->Grid, std::min(state->Pool.Incumbent, state->Cutoff));
+    state->Pool.PruneValue = search_prune_value(state);
     TRY(array_copy(&state->Lower, body->lb.data, body->numvars));
     TRY(array_copy(&state->Upper, body->ub.data, body->numvars));
     // Workers see that there is something new, and take all bounds again.

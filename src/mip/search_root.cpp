@@ -127,7 +127,9 @@ void settle(MIPState *state, NodeData *data)
 int search_root(MIPState *state)
 {
     SearchWorker *worker = state->Workers.data[0];
-    TreeNode *root = worker->Active.data[--worker->Active.size];
+    // After a call that a limit has stopped before the tree the root waits in the heap.
+    TreeNode *root = worker->Active.size > 0 ? worker->Active.data[--worker->Active.size]
+                                             : store_pop(&state->Store);
     worker->Current = root;
     const int code = process_root(worker, &root);
     state->Root = root;

@@ -135,12 +135,29 @@ int worker_propagate(SearchWorker *worker)
 
 namespace
 {
-// Continuous columns follow from the rows, but for those that branching fixes.
+// The tightest bound of a continuous column that branching has set: what propagation finds is wider by tolerances, and
+// follows from the rows in the LP anyway.
+double decided_bound(const SearchWorker *worker, int j, BoundSide side)
+{
+    const MIPState *state = worker->State;
+    const Domain *bounds = worker->Bounds;
+    int64_t at = bounds->Newest.data[bound_number(j, side)];
+    for (; at >= 0; at = bounds->Trail.data[at].Before)
+        if (bounds->Trail.data[at].Reason.Kind == ReasonKind::DECISION)
+            return bounds->Trail.data[at].New;
+    return side == BoundSide::LOWER ? state->Lower.data[j] : state->Upper.data[j];
+}
+
 void list_column(SearchWorker *worker, int j)
 {
+    const MIPState *state = worker->State;
     const Domain *bounds = worker->Bounds;
-    if (!worker->State->InLp.data[j]) return;
-    const double lower = bounds->Lower.data[j], upper = bounds->Upper.data[j];
+    if (!state->InLp.data[j]) return;
+    const bool whole = state->IsInteger.data[j];
+    const double lower =
+                     whole ? bounds->Lower.data[j] : decided_bound(worker, j, BoundSide::LOWER),
+                 upper =
+                     whole ? bounds->Upper.data[j] : decided_bound(worker, j, BoundSide::UPPER);
     if (lower == worker->LpLower.data[j] && upper == worker->LpUpper.data[j])
         return; // copies
     array_push(&worker->Changes, {j, lower, upper});
