@@ -67,6 +67,7 @@ int run_mip(TVXmodel *model)
     lp_drop_results(&model->lp);
     lp_set_loaded(&model->lp);
     attributes_clear_solution(model);
+    mip->write_reduced = write_reduced;
     const double *start = model->mip_start.size == model->body->numvars && model->body->numvars > 0
                               ? model->mip_start.data
                               : nullptr;

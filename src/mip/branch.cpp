@@ -138,7 +138,7 @@ int settle_unbounded(SearchWorker *worker, TreeNode *node)
     SubMipOutcome found;
     TRY(array_assign(&none, state->Body->numvars, 0.0));
     TRY(sub_mip_run({state->Body, bounds->Lower.data, bounds->Upper.data, none.data, state->Env,
-                     state->Env->NodeLimit, UNDEFINED_VALUE},
+                     std::max(0.0, state->Env->NodeLimit - state->Nodes), UNDEFINED_VALUE},
                     &found));
     state->SubNodes += found.Nodes;
     state->SubIterations += found.Iterations;
@@ -146,7 +146,10 @@ int settle_unbounded(SearchWorker *worker, TreeNode *node)
         state->Status = TVX_UNBOUNDED;
     else if (found.Complete)
         node->Data->Status = NODE_INFEASIBLE;
-    else
+    else if (is_limit(found.Status) || found.Status == TVX_NODE_LIMIT) {
+        state->Status = found.Status;
+        node->Data->Status = NODE_STOPPED;
+    } else
         give_up(state, node);
     return 0;
 }

@@ -134,12 +134,15 @@ int branch_by_probes(SearchWorker *worker, TreeNode **node, int first, int count
 
 void estimate_sides(SearchWorker *worker, double bound, BranchCandidate *candidate)
 {
+    const MIPState *state = worker->State;
     sopt *lp = worker->Lp.simplex;
     if (!simplex_is_basic(lp, candidate->Var)) return;
-    const double below =
-        std::max(0.0, candidate->Value - branch_floor(worker->State, candidate->Value));
-    const StepGains gain =
-        simplex_step_gains(lp, candidate->Var, below, std::max(0.0, 1 - below));
-    candidate->Down = std::max(candidate->Down, bound + gain.Down);
-    candidate->Up = std::max(candidate->Up, bound + gain.Up);
+    // Of an integer that is whole within the tolerance, Value is not the value in the LP.
+    const double x = simplex_value(lp, candidate->Var),
+                 floor = branch_floor(state, candidate->Value),
+                 least = state->Env->IntFeasTol; // a step within it is none
+    const StepGains gain = simplex_step_gains(lp, candidate->Var, std::max(0.0, x - floor),
+                                              std::max(0.0, floor + 1 - x));
+    if (x - floor > least) candidate->Down = std::max(candidate->Down, bound + gain.Down);
+    if (floor + 1 - x > least) candidate->Up = std::max(candidate->Up, bound + gain.Up);
 }

@@ -38,6 +38,8 @@ struct MipSolve {
     MipResult *result = nullptr;
     MIPState *search = nullptr; // owned; goes on with the next mip_solve
     SearchBasis basis;          // of `search`
+    // Gets the reduced model before the search when TARV_PAR_WRITEPREMODEL asks for it; or null. May not change anything.
+    void (*write_reduced)(const ModelBody *reduced, TVXenv *env) = nullptr;
 };
 void mip_drop(MipSolve *mip);
 

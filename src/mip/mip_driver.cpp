@@ -144,6 +144,7 @@ int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved, const do
 {
     SearchOrder order;
     const ModelBody *reduced = presolve_reduced(presolved);
+    if (env->TARV_PAR_WRITEPREMODEL && mip->write_reduced) mip->write_reduced(reduced, mip->env);
     if (env->Presolve != 0)
         TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n", reduced->numconstrs,
                reduced->numvars, reduced->numnz);

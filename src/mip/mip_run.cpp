@@ -35,6 +35,7 @@ int final_status(const MIPState *state)
 
 int run(MIPState *state)
 {
+    if (!state->Root) return 0; // nothing is left
     if (state->RootIterations < 0) TRY(search_root(state));
     return state->Status == RUNNING ? search_tree(state) : 0;
 }
@@ -49,6 +50,7 @@ int close_lists(MIPState *state)
 
 int mip_run(MIPState *state)
 {
+    if (state->Status == TVX_UNBOUNDED) return 0; // known, whatever the limits
     const bool resumed = state->RootIterations >= 0;
     state->Status = RUNNING;
     state->StartTime = state->Env->optimize_start;

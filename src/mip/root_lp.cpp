@@ -45,13 +45,16 @@ int run(SearchWorker *worker, double *iterations)
     return 0;
 }
 
-// Numeric trouble may end with another form of the LP.
+// Numeric trouble may end with another form of the LP. An LP without an optimum is solved on the body itself, for a
+// record with a basis.
 int solve(SearchWorker *worker, double *iterations)
 {
     TRY(run(worker, iterations));
-    if (worker->Lp.status != TVX_NUMERIC) return 0;
+    const int status = worker->Lp.status;
+    const bool open = status == TVX_INF_OR_UNBD || (status == TVX_UNBOUNDED && !worker->Lp.simplex);
+    if (status != TVX_NUMERIC && !open) return 0;
     lp_drop(&worker->Lp);
-    worker->LpEnv->Presolve = LP_PRESOLVE;
+    worker->LpEnv->Presolve = open ? LP_NO_PRESOLVE : LP_PRESOLVE;
     return run(worker, iterations);
 }
 

@@ -76,6 +76,7 @@ int search(const SubMipOrder &order, const ModelBody *body, TVXenv *env,
     const SolutionEntry *best = pool_best(&state->Pool);
     if (!code && best) code = array_copy(&outcome->X, best->Full, body->numvars);
     outcome->Found = !code && best;
+    outcome->Status = state->Status;
     outcome->Complete = state->Status == TVX_OPTIMAL || state->Status == TVX_INFEASIBLE ||
                         state->Status == TVX_CUTOFF;
     search_free(state);
@@ -99,7 +100,9 @@ int presolve_and_search(const SubMipOrder &order, const ModelBody *body, TVXenv 
     PresolveStatus status = PRESOLVE_OK;
     double work = 0;
     TRY(presolve_mip(body, env, env->TARV_PAR_PREPROBE, &presolved, &status, &work));
-    outcome->Complete = status == PRESOLVE_INFEASIBLE;
+    outcome->Complete =
+        status == PRESOLVE_INFEASIBLE ||
+        (status == PRESOLVE_INF_OR_UNBD && objective_is_bounded(env, body));
     if (status != PRESOLVE_OK) return 0;
     const ModelBody *reduced = presolve_reduced(presolved);
     if (!reduced || reduced->numvars == 0) return take_presolved(body, presolved, outcome);

@@ -13,6 +13,7 @@ struct SubMipOrder {
 struct SubMipOutcome {
     bool Found = false;
     bool Complete = false; // it is known that there is nothing better, or nothing at all
+    int Status = 0;        // with which the search has ended, 0: presolve has decided
     Array<double> X; // [numvars] the best solution
     double Nodes = 0, Iterations = 0;
 };
