@@ -29,6 +29,7 @@ static const Row ROWS[] = {
     {"row_integrality", {pre_row_integrality}, 50},
     {"scale_int_columns", {pre_scale_int_columns}, 10},
     {"binary_equation", {pre_binary_equation}, 20},
+    {"dominated_columns", {pre_dominated_columns}, 20},
     {"bound_dual", {pre_bound_dual}, 10},
     {"tiny_coefficients", {pre_tiny_coefficients}, 0},
     {"sets and semi-continuous",
