@@ -97,8 +97,8 @@ struct Judge {
     // True if rounding of scaled data has changed the optimum by more than the judge forgives.
     bool moved_by_scaling() const
     {
-        const MipTruth own = mip_truth(question.lp, NODES);
-        if (own.status == MipStatus::INFEASIBLE) return false; // equations do not hold
+        const LpModel loose = loosened(*question.lp); // else no equation might hold
+        const MipTruth own = mip_truth(&loose, NODES);
         return own.status != MipStatus::OPTIMAL ||
                differ(question.lp->sense * own.value.get_d(), wanted(), 0);
     }
