@@ -1,5 +1,6 @@
 // build.cpp -- creates the reduced model and the data for postsolve from the presolve record
 #include "body/build.h"
+#include "presolve/errors.h"
 #include "presolve/presolve.h"
 #include "presolve/semi_expand.h"
 #include <utility>
@@ -27,6 +28,18 @@ int collect_rows(PresolveWork *w, const PresolveResult *result, int m, ModelArra
     return check_limits(w, w->NumRows);
 }
 
+// Bounds that are crossed by rounding meet; others have not been looked at before the step limit.
+int close_crossed(PresolveWork *w, int j, double *lb, double *ub)
+{
+    if (*lb <= *ub) return 0;
+    if (*lb - *ub > 2 * w->FeasTol + bound_error(w, j)) {
+        w->InfeasCol = j;
+        return END_INFEASIBLE;
+    }
+    *lb = *ub = 0.5 * (*lb + *ub);
+    return 0;
+}
+
 int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
 {
     int64_t entries = 0;
@@ -43,8 +56,7 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
         r->obj.data[k] = w->Obj.data[j];
         r->lb.data[k] = w->Lb.data[j];
         r->ub.data[k] = w->Ub.data[j];
-        if (w->IsMip && r->lb.data[k] > r->ub.data[k]) // by rounding
-            r->lb.data[k] = r->ub.data[k] = 0.5 * (r->lb.data[k] + r->ub.data[k]);
+        if (w->IsMip) TRY(close_crossed(w, j, &r->lb.data[k], &r->ub.data[k]));
         r->vbeg.data[k] = at;
         TRY(check_limits(w, 1 + w->ColCnt.data[j]));
         for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {

@@ -86,6 +86,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                       {plan->dual && pass < DUAL_PASSES, pre_dual_bounds},
                       {plan->parallel && plan->dual, pre_duplicate_cols},
                       {plan->parallel, pre_duplicate_rows},
+                      {plan->dual, pre_dominated_columns},
                       {plan->coef, pre_coef_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));

@@ -29,6 +29,7 @@ static const Row ROWS[] = {
     {"row_integrality", {pre_row_integrality}, 50},
     {"scale_int_columns", {pre_scale_int_columns}, 10},
     {"binary_equation", {pre_binary_equation}, 20},
+    {"dominated_columns", {pre_dominated_columns}, 20},
     {"bound_dual", {pre_bound_dual}, 10},
     {"tiny_coefficients", {pre_tiny_coefficients}, 0},
     {"sets and semi-continuous",
@@ -73,3 +74,14 @@ INSTANTIATE_TEST_SUITE_P(All, IntegerReduction, testing::ValuesIn(ROWS),
                                  if (!isalnum(c)) c = '_';
                              return name;
                          });
+
+TEST(PresolveCrush, a_point_of_two_columns_is_one_of_the_merged_column)
+{
+    // max x + y + z / 2 with x + y + z <= 6.5: both columns at 3
+    LpModel lp = lp_make({{1, 0, 3}, {1, 0, 3}, {.5, 0, 9}}, {{{1, 1, 1}, '<', 6.5}}, -1);
+    lp.types = {'I', 'I', 'C'};
+    const MipTry t = mip_reduced_by(mip_question(&lp), {pre_duplicate_cols});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.reduced.num_vars(), 2);
+    EXPECT_TRUE(t.crushed);
+}

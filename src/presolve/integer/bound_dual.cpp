@@ -17,11 +17,13 @@ namespace
 constexpr double LARGEST_BOUND = 1e8; // larger ones are of no use
 constexpr double LEAST_GAIN = 1000;   // tolerances
 constexpr double LEAST_ENTRY = 1e-3;  // smaller entries ask for inaccurate values
-constexpr double SPARE =
-    1e-7; // share by which the bound of a continuous column is moved outwards
+// Share by which the bound of a continuous column is moved outwards.
+constexpr double SPARE = 1e-6;
+// Above an integer by no more than this share, a demand is that integer.
+constexpr double ROUNDING = 1e-9;
 
-// How far the row of entry p can ask its column to move: upwards (sign 1) or downwards. False if there is no limit.
-bool demand(const PresolveWork *w, int p, int sign, double *t)
+// How far the row of entry p can ask its column to move. False if there is no limit.
+bool demand(const PresolveWork *w, int p, double *t)
 {
     const PresolveNode &node = w->Nodes.data[p];
     const int i = node.row, j = node.col;
@@ -29,8 +31,7 @@ bool demand(const PresolveWork *w, int p, int sign, double *t)
     const bool absent = std::fabs(own) >= w->INF;
     if (w->Rmaxcnt.data[i] != (absent ? 1 : 0) || std::fabs(node.value) < LEAST_ENTRY)
         return false;
-    const double error = (w->FeasTol + rhs_error(w, i)) / std::fabs(node.value);
-    *t = (absent ? 0 : own) - w->RMax.data[i] / node.value + sign * error;
+    *t = (absent ? 0 : own) - w->RMax.data[i] / node.value;
     return std::fabs(*t) < LARGEST_BOUND;
 }
 
@@ -45,11 +46,11 @@ bool largest_demand(const PresolveWork *w, int j, int sign, double *value)
         double t = 0;
         if (w->Sense.data[node.row] == '=') return false;
         if (sign * node.value > 0) continue; // moving back relaxes the row
-        if (!demand(w, p, sign, &t)) return false;
+        if (!demand(w, p, &t)) return false;
         *value = sign > 0 ? std::max(*value, t) : std::min(*value, t);
     }
     if (is_integer(w, j))
-        *value = sign * std::ceil(sign * *value - ROUNDING_UNIT * std::fabs(*value)) + 0.0;
+        *value = sign * std::ceil(sign * *value - ROUNDING * (1 + std::fabs(*value))) + 0.0;
     else
         *value += sign * SPARE * (1 + std::fabs(*value));
     return true;

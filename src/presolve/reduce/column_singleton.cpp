@@ -83,7 +83,8 @@ bool may_leave(const PresolveWork *w, const Singleton *s)
     if (w->Sense.data[s->row] == '=') return s->free_below || s->free_above;
     // The dual value of the inequality must not be positive, and on the side on which the row bounds x_j its own bound
     // must be infinite or implied.
-    return s->cost * s->a <= NO_COST * s->a * s->a &&
+    const double none = w->IsMip ? 0 : NO_COST;
+    return s->cost * s->a <= none * s->a * s->a &&
            (s->a > 0 ? s->free_above : s->free_below);
 }
 

@@ -5,7 +5,8 @@
 //             bounds allow. So if X of a cheaper column has no upper bound, all more expensive columns are at their
 //             smallest X, and if X of a more expensive column has no lower bound, all cheaper ones are at their largest
 //             X. Columns of equal price are merged (merged_columns.cpp). An implied bound is removed from the model
-//             first if that allows a column to be fixed: then no other reduction can depend on it.
+//             first if that allows a column to be fixed: then no other reduction can depend on it. With integers steps of
+//             one column have to be whole steps of the other; bounds stay, and equal prices suffice.
 // Postsolve   That of fixing and of merging. The difference of the prices gives the reduced cost of the fixed column
 //             its sign.
 // Cost        That of finding the classes, and O(class log class).
@@ -76,6 +77,14 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
            std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
 }
 
+// True if column l can be fixed because of `by`, the cheaper one. Of equal ones too with integers, as no dual values are
+// needed.
+bool replaces(const PresolveWork *w, const DupLine *by, const DupLine *l, int side)
+{
+    if (is_strict(w, by, l)) return true;
+    return w->IsMip && steps_fit(w, by, l) && is_fit(by, l) && is_bounded(w, l, -side);
+}
+
 // Fixes column l at the bound of its X on this side, as `by` can replace it. Unbounded if it has none.
 int send(PresolveWork *w, const DupLine *by, const DupLine *l, int side)
 {
@@ -96,7 +105,7 @@ int first_open(PresolveWork *w, const DupLine *members, int count, int side, int
         TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
         if (!is_bounded(w, &members[k], side) ||
-            (is_strict(w, &members[k], &members[count - 1]) &&
+            (replaces(w, &members[k], &members[count - 1], side) &&
              is_implied(w, &members[k], side))) {
             *open = k;
             break;
@@ -113,8 +122,9 @@ int dominate(PresolveWork *w, const DupLine *members, int count, int side)
     for (int k = count - 1; k > best; k--) {
         TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
-        if (!is_strict(w, &members[best], &members[k])) continue;
-        if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
+        if (!replaces(w, &members[best], &members[k], side)) continue;
+        if (!w->IsMip && is_bounded(w, &members[best], side))
+            take_bound_away(w, &members[best], side);
         TRY(send(w, &members[best], &members[k], -side));
     }
     return 0;
