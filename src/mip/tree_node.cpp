@@ -1,6 +1,6 @@
 // tree_node.cpp -- creates and releases nodes of the search tree, and keeps their bound changes
 #include "mip/tree_node.h"
-#include "mip/node_store.h"
+#include "mip/mip_state.h"
 #include "mip/packed_basis.h"
 #include <algorithm>
 #include <cmath>
@@ -117,6 +117,7 @@ int node_add_deltas(TreeNode **place, const BoundDelta *deltas, int count)
                                      node->BoundChanges + changes)));
     if (!node) return OUT_OF_MEMORY;
     *place = node;
+    if (!node->Parent && node->Data->Owner) node->Data->Owner->Root = node;
     int *old_ones = const_cast<int *>(node_ones(node)),
         *old_zeros = const_cast<int *>(node_zeros(node));
     BoundDelta *next = const_cast<BoundDelta *>(node_changes(node)) + node->BoundChanges;

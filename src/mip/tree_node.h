@@ -101,7 +101,7 @@ inline const int *node_ones(const TreeNode *node)
 
 // A node below `parent` (null: the root) with that number; null without memory.
 [[nodiscard]] TreeNode *node_create(MIPState *owner, TreeNode *parent, double number);
-// Adds changes. The node may move: *node is its new place. 0 or OUT_OF_MEMORY, with the node as before.
+// Adds changes. The node may move: *node is its new place, and so is the root pointer of its owner. 0 or OUT_OF_MEMORY, with the node as before.
 [[nodiscard]] int node_add_deltas(TreeNode **node, const BoundDelta *deltas, int count);
 // Bytes by which the size of the tree is counted; columns and rows of the model that is searched.
 double node_size(const TreeNode *node, int columns, int rows);

@@ -11,6 +11,7 @@
 // Cost        O(entries of the rows touched)
 // Literature  H. Crowder, E. L. Johnson, M. Padberg, "Solving large-scale zero-one linear programming problems", OR 31,
 //             1983. M. W. P. Savelsbergh, ORSA J. Computing 6, 1994.
+#include "body/double_double.h"
 #include "presolve/errors.h"
 
 namespace
@@ -26,33 +27,34 @@ bool is_meant(const PresolveWork *w, int j, Which which)
            (which == Which::INTEGER || (w->Lb.data[j] == 0 && w->Ub.data[j] == 1));
 }
 
-// The largest activity minus the side; *size: the largest term.
-double excess_of(const PresolveWork *w, int i, double *size)
+// The largest activity minus the side; *size: the largest term. Large terms may cancel, so that doubles do not do.
+Twofold excess_of(const PresolveWork *w, int i, double *size)
 {
-    long double sum = -w->Rhs.data[i];
+    Twofold sum = {-w->Rhs.data[i], 0};
     *size = std::fabs(w->Rhs.data[i]);
     for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
         const PresolveNode &node = w->Nodes.data[p];
         const double bound = node.value > 0 ? w->Ub.data[node.col] : w->Lb.data[node.col];
-        sum += static_cast<long double>(node.value) * bound;
-        *size = std::max(*size, std::fabs(node.value * bound));
+        const Twofold term = two_product(node.value, bound);
+        twofold_add(&sum, term);
+        *size = std::max(*size, std::fabs(term.high));
     }
-    return static_cast<double>(sum);
+    return sum;
 }
 
-// excess: the largest activity minus the side, which does not change.
-void tighten(PresolveWork *w, int p, double excess, double size)
+// excess: the largest activity minus the side, which does not change. With the coefficient a and the bound u that it
+// meets in the largest activity, the new side is b - a u + a' u.
+void tighten(PresolveWork *w, int p, const Twofold &excess, double size)
 {
     PresolveNode *node = &w->Nodes.data[p];
     const int i = node->row;
-    const double d = std::fabs(node->value) - excess;
-    if (node->value > 0) {
-        w->Rhs.data[i] -= d * w->Ub.data[node->col];
-        node->value = excess;
-    } else {
-        w->Rhs.data[i] += d * w->Lb.data[node->col];
-        node->value = -excess;
-    }
+    const double u = node->value > 0 ? w->Ub.data[node->col] : w->Lb.data[node->col],
+                 sign = node->value > 0 ? 1 : -1;
+    Twofold side = two_product(-node->value, u);
+    twofold_add(&side, {w->Rhs.data[i], 0});
+    twofold_add(&side, twofold_times(excess, sign * u));
+    w->Rhs.data[i] = side.high;
+    node->value = sign * excess.high;
     set_entry_size(w, p, size);
     add_to_rhs_error(w, i, size, 0);
     w->CoefsChanged++;
@@ -63,16 +65,17 @@ void try_row(PresolveWork *w, int i, Which which)
 {
     const double least = w->FeasTol + rhs_error(w, i);
     if (w->Rmaxcnt.data[i] > 0 || w->RMax.data[i] < least) return;
-    double excess = -1, size = 0; // excess not known yet
+    Twofold excess = {-1, 0}; // not known yet
+    double size = 0;
     for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
         const double a = std::fabs(w->Nodes.data[p].value);
         if (a <= least + w->RMax.data[i] || !is_meant(w, w->Nodes.data[p].col, which))
             continue;
-        if (excess < 0) excess = excess_of(w, i, &size);
-        if (excess < std::max(least, LEAST_ENTRY)) break;
-        if (a - excess > LEAST_GAIN * a) tighten(w, p, excess, size);
+        if (excess.high < 0) excess = excess_of(w, i, &size);
+        if (excess.high < std::max(least, LEAST_ENTRY)) break;
+        if (a - excess.high > LEAST_GAIN * a) tighten(w, p, excess, size);
     }
-    if (excess < 0) return;
+    if (excess.high < 0) return;
     row_activity(w, i);
     mark_row(w, i);
 }
