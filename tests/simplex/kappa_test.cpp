@@ -13,7 +13,7 @@ double norm1(const Matrix &b)
         for (const auto &row : b) sum += std::fabs(row[c]);
         norm = std::max(norm, sum);
     }
-    return static_cast<double>(norm);
+    return double(norm);
 }
 
 double norm2(const Matrix &b) // by many steps of the power method
@@ -32,7 +32,7 @@ double norm2(const Matrix &b) // by many steps of the power method
         length = std::sqrt(length);
         for (size_t i = 0; i < m; i++) x[i] = y[i] / length;
     }
-    return static_cast<double>(length);
+    return double(length);
 }
 
 using Kappa = ModelTest;

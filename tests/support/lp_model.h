@@ -28,8 +28,8 @@ struct LpModel {
     std::vector<char> senses;               // [m] '<' '>' '='
     std::vector<double> rhs;                // [m]
 
-    int num_vars() const { return static_cast<int>(obj.size()); }
-    int num_rows() const { return static_cast<int>(rhs.size()); }
+    int num_vars() const { return int(obj.size()); }
+    int num_rows() const { return int(rhs.size()); }
 };
 
 // A small model as a list of columns and one of dense rows; coefficients behind the last one given are 0.
