@@ -63,7 +63,8 @@ void StoreReference::add_sos(Sos set)
     const auto down = [](const auto &a, const auto &b) { return a.second > b.second; };
     if (!std::is_sorted(members.begin(), members.end(), up) &&
         !std::is_sorted(members.begin(), members.end(), down)) {
-        std::stable_sort(members.begin(), members.end(), up);
+        for (auto m = members.begin(); m != members.end(); m++) // ties keep their order
+            std::rotate(std::upper_bound(members.begin(), m, *m, up), m, m + 1);
         std::set<double> weights;
         for (const auto &[j, weight] : members) weights.insert(weight);
         double gap = 1e10;
