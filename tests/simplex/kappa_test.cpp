@@ -42,7 +42,7 @@ TEST_F(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
 {
     for (const FamilyRow &family : all_families()) {
         for (const double quad : {0, 1}) {
-            SCOPED_TRACE(family.name + std::string(quad ? ", extended" : ""));
+            SCOPED_TRACE(family.name + std::string(quad > 0 ? ", extended" : ""));
             const LpModel lp = generated(family.generate, 12, 7);
             load(lp, {{"ScaleFlag", 0}, {"Quad", quad}});
             LpSolution s;

@@ -125,11 +125,11 @@ TEST_F(DualRatio, a_step_over_thousands_of_breakpoints_ends_at_the_right_one)
 {
     for (const int values : {2, 50, 1000000}) { // many ties, some, none
         Dice dice(values);
-        constexpr int VARS = 5000, NEED = 3000;
+        constexpr int COSTS = 5000, NEED = 3000;
         LpModel lp;
         std::vector<double> cost;
         std::vector<std::pair<int, double>> row;
-        for (int j = 0; j < VARS; j++) {
+        for (int j = 0; j < COSTS; j++) {
             cost.push_back(dice.range(1, values));
             row.push_back({lp_add_var(&lp, cost.back(), 0, 1), 1});
         }
