@@ -97,8 +97,8 @@ TEST_F(ModelBuild, loaded_columns_may_lie_anywhere_but_are_guarded_and_arrays_mu
     // clang-format on
     for (const auto &[code, text, l] : cases) {
         TVXmodel *out = model; // must be overwritten
-        const auto given = [&l = l](char letter, auto *array) {
-            return l.absent.find(letter) == std::string::npos ? array : nullptr;
+        const auto given = [&absent = l.absent](char letter, auto *array) {
+            return absent.find(letter) == std::string::npos ? array : nullptr;
         };
         EXPECT_EQ(TVXloadmodel(env.env, &out, NONE, l.numvars, l.numconstrs, 1, l.objcon,
                                NONE, given('s', "<>"), l.rhs.data(),
