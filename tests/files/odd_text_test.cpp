@@ -21,9 +21,9 @@ TEST_F(OddText, LineEndsMarksAndMissingNewlinesMakeNoDifference)
         {"t.mst", "# start\na 1.5\nb -2\n"},
         {"t.prm", "# cuts\nCuts 2\n"}};
     for (const auto &[name, text] : files) {
-        const auto with_end = [&text = text](const std::string &end) {
+        const auto with_end = [&lines = text](const std::string &end) {
             std::string other;
-            for (const char c : text) other += c == '\n' ? end : std::string(1, c);
+            for (const char c : lines) other += c == '\n' ? end : std::string(1, c);
             return other;
         };
         const std::string variants[] = {text,
