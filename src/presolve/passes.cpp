@@ -108,7 +108,7 @@ namespace
 PresolveStatus final_status(const PresolveWork *w, int status)
 {
     if (status == END_UNBOUNDED) return PRESOLVE_INF_OR_UNBD;
-    if (status == END_INFEASIBLE && w->Env->TARV_PAR_DUALREDUCTION)
+    if (status == END_INFEASIBLE && w->Env->Presolve != 0 && w->Env->TARV_PAR_DUALREDUCTION)
         return PRESOLVE_INF_OR_UNBD;
     return presolve_status_of(status);
 }

@@ -48,19 +48,14 @@ TEST_F(FileCalls, WhatCannotBeReadSaysSo)
         const char *name;
         int code;
         std::string text;
-    } into[] = {{"t.mps", 10012, import + "t.mps' into a model"},
-                {"x.sol", 10012, import + "x.sol' into a model"},
-                {"x.txt", 10012, unknown + "x.txt'"},
-                {"none.bas", 10003, open + "none.bas" + input},
+        // clang-format off
+    } into[] = {{"t.mps", 10012, import + "t.mps' into a model"}, {"x.sol", 10012, import + "x.sol' into a model"},
+                {"x.txt", 10012, unknown + "x.txt'"}, {"none.bas", 10003, open + "none.bas" + input},
                 {nullptr, 10003, none}},
-      alone[] = {{"none.mps", 10003, open + "none.mps" + input},
-                 {long_name.c_str(), 10003, open + "xxxx"},
-                 {"x.txt", 10012, unknown + "x.txt'"},
-                 {"x.sol", 10012, ""},
-                 {"x.mps ", 10012, unknown},
-                 {"x.mps.zip", 10012, unknown},
-                 {".gz", 10012, unknown},
-                 {nullptr, 10003, none}};
+      alone[] = {{"none.mps", 10003, open + "none.mps" + input}, {long_name.c_str(), 10003, open + "xxxx"},
+                 {"x.txt", 10012, unknown + "x.txt'"}, {"x.sol", 10012, ""}, {"x.mps ", 10012, unknown},
+                 {"x.mps.zip", 10012, unknown}, {".gz", 10012, unknown}, {nullptr, 10003, none}};
+    // clang-format on
     for (const auto &one : into) {
         EXPECT_EQ(TVXread(model, one.name), one.code);
         EXPECT_EQ(TVXgetmerrormsg(model), one.text);

@@ -62,79 +62,59 @@ TEST_F(ModelBuild, new_models_with_bad_arguments_are_refused)
 
 // A model to load: two rows, two columns.
 struct Load {
+    std::string absent = ""; // the first letters of arrays that are not there
     std::vector<int> vbeg{0, 2}, vlen{2, 1}, vind{0, 1, 1};
     std::vector<double> vval{5, 6, 7}, rhs{3, 4};
-    int numconstrs = 2;
+    int numconstrs = 2, numvars = 2;
     double objcon = 0;
 };
 
-TEST_F(ModelBuild, loaded_columns_may_lie_anywhere_but_are_fully_guarded)
+TEST_F(ModelBuild, loaded_columns_may_lie_anywhere_but_are_guarded_and_arrays_must_be_there)
 {
     const std::string nan = "Element 1 of a double array is Nan or Inf.",
                       column = "Invalid start or length of column ",
-                      invalid = "Invalid argument value for required parameter";
+                      invalid = "Invalid argument value for required parameter",
+                      missing = "NULL argument for required parameter";
     const struct {
         int code;
         std::string text;
         Load l;
-    } cases[] = {
-        {0,
-         "",
-         {.vbeg = {2, 0}, // gaps that hold anything, and any order
-          .vind = {1, 77, 0, 1, -5},
-          .vval = {7, NAN, 5, 6, INF}}},
-        {0, "", {.vbeg = {0, INT_MAX}, .vlen = {2, 0}}}, // an empty column
+        // clang-format off
+    } cases[] = { // gaps that hold anything, and any order; an empty column
+        {0, "", {.vbeg = {2, 0}, .vind = {1, 77, 0, 1, -5}, .vval = {7, NAN, 5, 6, INF}}},
+        {0, "", {.vbeg = {0, INT_MAX}, .vlen = {2, 0}}},
         {10006, "Row index 2 out of range in column 0", {.vind = {0, 2, 1}}},
         {10006, "Row index -1 out of range in column 1", {.vind = {0, 1, -1}}},
         {10018, "Row index 1 appears twice in column 0", {.vind = {1, 1, 1}}},
-        {10006, column + "0", {.vlen = {3, 1}}}, // runs into column 1
-        {10006, column + "1", {.vlen = {2, -1}}},
-        {10006, column + "0", {.vbeg = {-1, 2}}},
-        {10006, column + "1", {.vbeg = {0, INT_MAX}}},
+        {10006, column + "0", {.vlen = {3, 1}}}, {10006, column + "1", {.vlen = {2, -1}}}, // the first runs into column 1
+        {10006, column + "0", {.vbeg = {-1, 2}}}, {10006, column + "1", {.vbeg = {0, INT_MAX}}},
         {10006, column + "1", {.vbeg = {1, 0}, .vlen = {1, 2}}}, // shared entry
-        {10003, "Double value is Nan or Inf.", {.objcon = NAN}},
-        {10003, nan, {.rhs = {1, -INF}}},
-        {10003, nan, {.vval = {1, NAN, 1}}},
-        {10003, invalid, {.numconstrs = -1}},
-    };
+        {10003, "Double value is Nan or Inf.", {.objcon = NAN}}, {10003, nan, {.rhs = {1, -INF}}},
+        {10003, nan, {.vval = {1, NAN, 1}}}, {10003, invalid, {.numconstrs = -1}},
+        {10002, missing, {.absent = "s"}}, {10002, missing, {.absent = "b"}}, {10002, missing, {.absent = "i"}},
+        {10002, missing, {.absent = "v"}}, {0, "", {.absent = "biv", .numvars = 0}},
+        {0, "", {.absent = "sbiv", .numconstrs = 0, .numvars = 0}}};
+    // clang-format on
     for (const auto &[code, text, l] : cases) {
         TVXmodel *out = model; // must be overwritten
-        EXPECT_EQ(TVXloadmodel(env.env, &out, NONE, 2, l.numconstrs, 1, l.objcon, NONE,
-                               "<>", l.rhs.data(), l.vbeg.data(), l.vlen.data(),
-                               l.vind.data(), l.vval.data(), NONE, NONE, NONE, NONE, NONE),
+        const auto given = [&absent = l.absent](char letter, auto *array) {
+            return absent.find(letter) == std::string::npos ? array : nullptr;
+        };
+        EXPECT_EQ(TVXloadmodel(env.env, &out, NONE, l.numvars, l.numconstrs, 1, l.objcon,
+                               NONE, given('s', "<>"), l.rhs.data(),
+                               given('b', l.vbeg.data()), l.vlen.data(),
+                               given('i', l.vind.data()), given('v', l.vval.data()), NONE,
+                               NONE, NONE, NONE, NONE),
                   code);
         EXPECT_EQ(TVXgeterrormsg(env.env), text);
         const TestModel loaded(out);
         EXPECT_EQ(out == nullptr, code != 0);
         const double expected[] = {5, 6, 0, l.vlen[1] ? 7.0 : 0.0};
-        for (int k = 0; out && k < 4; k++) {
+        for (int k = 0; out && k < 2 * l.numvars; k++) {
             double value = -1;
             EXPECT_EQ(TVXgetcoeff(out, k % 2, k / 2, &value), 0);
             EXPECT_EQ(value, expected[k]);
         }
-    }
-}
-
-TEST_F(ModelBuild, loading_requires_arrays_where_something_stands_in_them)
-{
-    const double rhs[] = {0};
-    const int beg[] = {0};
-    const struct {
-        int code, n, m;
-        const char *sense;
-        const int *vbeg, *vind;
-        const double *vval;
-    } cases[] = {{10002, 1, 1, nullptr, beg, beg, rhs}, {10002, 1, 1, "<", NONE, beg, rhs},
-                 {10002, 1, 1, "<", beg, NONE, rhs},    {10002, 1, 1, "<", beg, beg, NONE},
-                 {0, 1, 1, "<", beg, beg, rhs},         {0, 0, 1, "=", NONE, NONE, NONE},
-                 {0, 0, 0, nullptr, NONE, NONE, NONE}};
-    for (const auto &c : cases) {
-        TVXmodel *out = nullptr;
-        EXPECT_EQ(TVXloadmodel(env.env, &out, NONE, c.n, c.m, 1, 0, NONE, c.sense, rhs,
-                               c.vbeg, c.vbeg, c.vind, c.vval, NONE, NONE, NONE, NONE,
-                               NONE),
-                  c.code);
-        TVXfreemodel(out);
     }
 }
 

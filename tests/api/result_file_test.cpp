@@ -75,12 +75,13 @@ TEST_F(ResultFile, a_point_that_is_not_optimal_is_called_so)
     EXPECT_EQ(dbl("Start", 1), dbl("X", 1));
 }
 
-TEST_F(ResultFile, derived_models_do_not_write_over_it)
+TEST_F(ResultFile, is_written_or_not_with_a_warning_and_derived_models_leave_it_alone)
 {
     load_with(6, "x.sol");
     ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_DUMP", 1), 0);
-    ASSERT_EQ(TVXoptimize(model), 0);
+    expect_log("\n\nWrote requested result file 'x.sol'\n\n");
     const char *const files[] = {"x.sol", "tarvex.rew", "tarvex.prm"};
+    for (const char *file : files) EXPECT_TRUE(std::filesystem::exists(file)) << file;
     for (const auto make : {TVXfixedmodel, TVXconverttofixed, TVXrelaxmodel, TVXfeasibility,
                             TVXpresolvemodel}) {
         for (const char *file : files) file_put(file, OLD);
@@ -91,4 +92,7 @@ TEST_F(ResultFile, derived_models_do_not_write_over_it)
         EXPECT_STREQ(TVXgetenv(derived)->ResultFile, "");
     }
     EXPECT_STREQ(own()->ResultFile, "x.sol");
+    load_with(6, "no/such/x.sol");
+    expect_log("WARNING: unable to write requested result file 'no/such/x.sol'\n");
+    EXPECT_STREQ(TVXgetmerrormsg(model), "");
 }

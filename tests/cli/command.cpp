@@ -9,38 +9,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-const char *const PLAN_MODEL = R"(NAME plan
-OBJSENSE
-    MAX
-ROWS
- N  gain
- L  hours
- L  metal
-COLUMNS
-    x  gain  3  hours  1
-    x  metal  1
-    y  gain  2  hours  1
-    y  metal  3
-    z  hours  1
-RHS
-    RHS  hours  4  metal  6
-BOUNDS
- UP BND  x  3
-ENDATA
-)";
+const char *const PLAN_MODEL =
+    "NAME plan\nOBJSENSE MAX\nROWS\n N gain\n L hours\n L metal\n"
+    "COLUMNS\n x gain 3 hours 1\n x metal 1\n y gain 2 hours 1\n y metal 3\n z hours 1\n"
+    "RHS\n RHS hours 4 metal 6\nBOUNDS\n UP BND x 3\nENDATA\n";
 
-const char *const INFEASIBLE_MODEL = R"(NAME never
-ROWS
- N  cost
- G  many
-COLUMNS
-    x  cost  1  many  1
-RHS
-    RHS  many  5
-BOUNDS
- UP BND  x  1
-ENDATA
-)";
+const char *const INFEASIBLE_MODEL =
+    "NAME never\nROWS\n N cost\n G many\nCOLUMNS\n x cost 1 many 1\n"
+    "RHS\n RHS many 5\nBOUNDS\n UP BND x 1\nENDATA\n";
 
 // From here on a thread or a process cannot be started: the kernel kills whoever tries.
 static void forbid_threads()

@@ -37,31 +37,22 @@ TEST_F(CliOutputs, NoSlipOfTheCommandLineCostsAFile)
     file_put("result.prm", "ResultFile ./plan.bas\n");
     file_put("other.txt", "text\n");
     fs::create_symlink("new.txt", "to_new.txt");
+    // clang-format off
     const Words calls[] = {
         {"--json", "plan.mps", "other.mps"}, // the file to write is missing
-        {"--json=other.mps", "plan.mps"},
-        {"--json", "x.prm", "plan.mps"},
-        {"--json", "x.mst", "plan.mps"},
-        {"--solution=plan.mps", "plan.mps"},
-        {"--solution-file", "other.mps", "plan.mps"},
-        {"--log-file", "plan.mps", "other.mps"},
-        {"LogFile=set.txt", "--params", "set.prm", "plan.mps"},
+        {"--json=other.mps", "plan.mps"}, {"--json", "x.prm", "plan.mps"}, {"--json", "x.mst", "plan.mps"},
+        {"--solution=plan.mps", "plan.mps"}, {"--solution-file", "other.mps", "plan.mps"},
+        {"--log-file", "plan.mps", "other.mps"}, {"LogFile=set.txt", "--params", "set.prm", "plan.mps"},
         {"--start", "plan.bas", "--json", "plan.bas", "plan.mps"},
         {"--start", "plan.bas", "ResultFile=./plan.bas", "plan.mps"},
-        {"--params", "set.prm", "--json", "set.txt", "plan.mps"},
-        {"ResultFile=plan.mps", "plan"}, // completed
-        {"--json", "tarvex.env", "plan.mps"},
-        {"--json", "link.txt", "plan.mps"},
-        {"--solution=hard.txt", "plan.mps"},
+        {"--params", "set.prm", "--json", "set.txt", "plan.mps"}, {"ResultFile=plan.mps", "plan"}, // completed
+        {"--json", "tarvex.env", "plan.mps"}, {"--json", "link.txt", "plan.mps"}, {"--solution=hard.txt", "plan.mps"},
         {"--json", "../" + fs::current_path().filename().string() + "/hard.txt", "plan"},
-        {"--convert", "plan.mps", "./plan.mps"},
-        {"--json", "new.txt", "--solution=./new.txt", "plan.mps"},
-        {"--json", "new.txt", "LogFile=to_new.txt", "plan.mps"},
-        {"ResultFile=a.sol", "ResultFile=./a.sol", "plan.mps"},
-        {"--params", "log.prm", "--solution=other.txt", "plan.mps"},
-        {"--params", "log_model.prm", "plan.mps"},
-        {"--params", "result.prm", "--start", "plan.bas", "plan.mps"},
-    };
+        {"--convert", "plan.mps", "./plan.mps"}, {"--json", "new.txt", "--solution=./new.txt", "plan.mps"},
+        {"--json", "new.txt", "LogFile=to_new.txt", "plan.mps"}, {"ResultFile=a.sol", "ResultFile=./a.sol", "plan.mps"},
+        {"--params", "log.prm", "--solution=other.txt", "plan.mps"}, {"--params", "log_model.prm", "plan.mps"},
+        {"--params", "result.prm", "--start", "plan.bas", "plan.mps"}};
+    // clang-format on
     for (const Words &words : calls) {
         const std::string before = folder();
         EXPECT_EQ(run(words).exit_code, 2) << text_of(words);

@@ -105,21 +105,15 @@ TEST_F(CliSolve, OutputFlagZeroIsSilentOnBothStreamsAlsoAboutErrors)
     file_put("set.prm", "Presolve 0\n");
     file_put("plan.bas", "NAME plan\nENDATA\n");
     file_put("tarvex.env", "OutputFlag 0\nPresolve 0\nNoSuch 1\n");
+    // clang-format off
     const std::pair<Words, int> calls[] = {
         {{"plan.mps", "never.mps"}, 0},
-        {{"LogFile=run.log", "ResultFile=plan.sol", "--params", "set.prm", "--start",
-          "plan.bas", "plan.mps"},
-         0},
-        {{"broken.mps"}, 1},
-        {{"LogFile=no/such/folder/log", "plan.mps"}, 1},
-        {{"--params", "absent.prm", "plan.mps"}, 1},
-        {{"ResultFile=no/such/folder/plan.sol", "plan.mps"}, 1},
-        {{"--start", "absent.bas", "plan.mps"}, 1},
-        {{"--quiet", "plan.mps"}, 0},
-        {{}, 2},
-        {{"--no-such-option", "plan.mps"}, 2},
-        {{"NoSuchParameter=1", "plan.mps"}, 2},
-    };
+        {{"LogFile=run.log", "ResultFile=plan.sol", "--params", "set.prm", "--start", "plan.bas", "plan.mps"}, 0},
+        {{"broken.mps"}, 1}, {{"LogFile=no/such/folder/log", "plan.mps"}, 1},
+        {{"--params", "absent.prm", "plan.mps"}, 1}, {{"ResultFile=no/such/folder/plan.sol", "plan.mps"}, 1},
+        {{"--start", "absent.bas", "plan.mps"}, 1}, {{"--quiet", "plan.mps"}, 0}, {{}, 2},
+        {{"--no-such-option", "plan.mps"}, 2}, {{"NoSuchParameter=1", "plan.mps"}, 2}};
+    // clang-format on
     for (const auto &[words, code] : calls) {
         Words call = words;
         call.push_back("Output_Flag=0");

@@ -41,54 +41,36 @@ TEST_F(CliUsage, WrongUsageIsRefusedInOneLineAndNothingIsSolved)
 {
     file_put("plan.bas", "ENDATA\n");
     file_put("TimeLimit=5", PLAN_MODEL); // a parameter, whatever stands in the folder
+    // clang-format off
     const Case cases[] = {
-        {"--help", {}},
-        {"no model", {"TimeLimit=5"}},
-        {"--nonsense", {"--nonsense", "plan.mps"}},
-        {"'NoSuchThing'", {"NoSuchThing=5", "plan.mps"}},
-        {"--start", {"=5", "--start"}},
+        {"--help", {}}, {"no model", {"TimeLimit=5"}}, {"--nonsense", {"--nonsense", "plan.mps"}},
+        {"'NoSuchThing'", {"NoSuchThing=5", "plan.mps"}}, {"--start", {"=5", "--start"}},
         {"'--solution=' needs a value", {"--solution=", "plan.mps"}},
-        {"'--time-limit' needs a value", {"--time-limit", "--presolve", "plan.mps"}},
-        {"'-x'", {"-x", "plan.mps"}},
-        {"", {"", "plan.mps"}},
-        {"'soon'", {"TimeLimit=soon", "plan.mps"}},
-        {"a number", {"TimeLimit=", "plan.mps"}},
-        {"'10s'", {"TimeLimit=10s", "plan.mps"}},
-        {"'nan'", {"TimeLimit=nan", "plan.mps"}},
-        {"TimeLimit", {"TimeLimit=-1", "plan.mps"}},
-        {"whole number", {"Threads=1.5", "plan.mps"}},
-        {"whole number", {"Threads=1e300", "plan.mps"}},
-        {"maximum is 3", {"MIPFocus=9", "plan.mps"}},
-        {"primal, dual, barrier", {"--method", "dul", "plan.mps"}},
-        {".bas", {"--start", "plan.mps", "plan.mps"}},
-        {".sol", {"ResultFile=plan.xyz", "plan.mps"}},
-        {"one at a time", {"ResultFile=a.sol", "plan.mps", "plan.mps"}},
-        {"", {"--solution=a.txt", "plan.mps", "never.mps"}},
-        {"", {"ResultFile=c.ilp", "never.mps"}},
-        {"", {"--ranging", "plan.mps"}},
-        {"", {"--ranging=1", "plan.mps"}},
-        {"", {"--json", "-", "--solution", "plan.mps"}},
-        {"", {"--maximise=false", "plan.mps"}},
-        {"", {"--minimise", "--maximise", "plan.mps"}},
-        {"", {"--convert", "plan.mps"}},
-        {"", {"--convert=no", "plan.mps", "x.lp"}},
-        {"", {"--convert", "plan.mps", "plan.sol"}},
-        {"", {"--convert", "plan.mps", "c.ilp"}},
-        {"", {"--convert", "--solution", "plan.mps", "x.lp"}},
-        {"once", {"-", "-"}},
-        {"mps or lp", {"--format", "xls", "-"}},
+        {"'--time-limit' needs a value", {"--time-limit", "--presolve", "plan.mps"}}, {"'-x'", {"-x", "plan.mps"}},
+        {"", {"", "plan.mps"}}, {"'soon'", {"TimeLimit=soon", "plan.mps"}}, {"a number", {"TimeLimit=", "plan.mps"}},
+        {"'10s'", {"TimeLimit=10s", "plan.mps"}}, {"'nan'", {"TimeLimit=nan", "plan.mps"}},
+        {"TimeLimit", {"TimeLimit=-1", "plan.mps"}}, {"whole number", {"Threads=1.5", "plan.mps"}},
+        {"whole number", {"Threads=1e300", "plan.mps"}}, {"maximum is 3", {"MIPFocus=9", "plan.mps"}},
+        {"primal, dual, barrier", {"--method", "dul", "plan.mps"}}, {".bas", {"--start", "plan.mps", "plan.mps"}},
+        {".sol", {"ResultFile=plan.xyz", "plan.mps"}}, {"one at a time", {"ResultFile=a.sol", "plan.mps", "plan.mps"}},
+        {"", {"--solution=a.txt", "plan.mps", "never.mps"}}, {"", {"ResultFile=c.ilp", "never.mps"}},
+        {"", {"--ranging", "plan.mps"}}, {"", {"--ranging=1", "plan.mps"}},
+        {"", {"--json", "-", "--solution", "plan.mps"}}, {"", {"--maximise=false", "plan.mps"}},
+        {"", {"--minimise", "--maximise", "plan.mps"}}, {"", {"--convert", "plan.mps"}},
+        {"", {"--convert=no", "plan.mps", "x.lp"}}, {"", {"--convert", "plan.mps", "plan.sol"}},
+        {"", {"--convert", "plan.mps", "c.ilp"}}, {"", {"--convert", "--solution", "plan.mps", "x.lp"}},
+        {"once", {"-", "-"}}, {"mps or lp", {"--format", "xls", "-"}},
         {"standard input", {"--format", "mps", "plan.mps"}},
         {"did you mean '--time-limit'", {"--tme-limit", "5", "plan.mps"}},
         {"did you mean '--solution'", {"--solutoin", "plan.mps"}},
         {"did you mean 'TimeLimit'", {"TimLimit=5", "plan.mps"}},
-        {"did you mean 'Presolve'", {"--parameters", "Pressolve"}},
-        {"did you mean 'Kappa'", {"--attributes", "Kapa"}},
+        {"did you mean 'Presolve'", {"--parameters", "Pressolve"}}, {"did you mean 'Kappa'", {"--attributes", "Kapa"}},
         {"excludes", {"--attributes", "--parameters"}},
         {"take names, not '--convert'", {"--attributes", "Pi", "--convert"}},
         {"take names, not '--json'", {"--parameters", "--json", "-"}},
         {"take names, not 'Cuts=2'", {"--parameters", "Cuts=2"}},
-        {"'plan.mps' was taken for the value of TimeLimit", {"--time-limit", "plan.mps"}},
-    };
+        {"'plan.mps' was taken for the value of TimeLimit", {"--time-limit", "plan.mps"}}};
+    // clang-format on
     for (const auto &one : cases) ends(2, one.words, one.said);
     for (const char *option : {"--json", "--start", "--params", "--solution-file",
                                "--log-file", "--time-limit", "--method", "--format"}) {
@@ -111,23 +93,19 @@ TEST_F(CliUsage, WhatFailsBeforeTheSolveIsToldInOneLine)
     file_put("plan.txt", PLAN_MODEL);
     file_put("other.bas", "NAME other\n XL stranger  hours\nENDATA\n");
     std::filesystem::create_directory("folder.mps");
+    // clang-format off
     const Case cases[] = {
-        {"absent.mps", {"absent.mps"}},
-        {"folder.mps", {"folder.mps"}},
+        {"absent.mps", {"absent.mps"}}, {"folder.mps", {"folder.mps"}},
         {"tarvex: cannot read 'broken.mps': MPS read error at line 3: Q  row; a "
          "row type is N, L, G or E\n",
          {"broken.mps"}},
-        {"none with .mps", {"afiro"}},
-        {"tarvex - <FILE", {"plan.txt"}},
-        {"whole.lp", {"whole.lp"}},
+        {"none with .mps", {"afiro"}}, {"tarvex - <FILE", {"plan.txt"}}, {"whole.lp", {"whole.lp"}},
         {"'missing'", {"ResultFile=missing/plan.sol", "plan.mps"}},
-        {"missing/run.log", {"LogFile=missing/run.log", "plan.mps"}},
-        {"", {"--json", "missing/x.json", "plan.mps"}},
-        {"", {"--convert", "plan.mps", "missing/x.lp"}},
-        {"", {"--convert", "absent.mps", "x.lp"}},
-        {"absent.prm", {"--params", "absent.prm", "plan.mps"}},
-        {"stranger", {"--start", "other.bas", "plan.mps"}},
+        {"missing/run.log", {"LogFile=missing/run.log", "plan.mps"}}, {"", {"--json", "missing/x.json", "plan.mps"}},
+        {"", {"--convert", "plan.mps", "missing/x.lp"}}, {"", {"--convert", "absent.mps", "x.lp"}},
+        {"absent.prm", {"--params", "absent.prm", "plan.mps"}}, {"stranger", {"--start", "other.bas", "plan.mps"}},
         {"absent.bas", {"--start", "absent.bas", "plan.mps"}}};
+    // clang-format on
     for (const auto &one : cases)
         EXPECT_THAT(ends(1, one.words, one.said).out, Not(HasSubstr("Optimal objective")));
     EXPECT_FALSE(std::filesystem::exists("x.lp"));

@@ -11,8 +11,7 @@ struct ParameterRow {
 
     int set(TVXenv *env, double to) const
     {
-        return is_int ? TVXsetintparam(env, name, static_cast<int>(to))
-                      : TVXsetdblparam(env, name, to);
+        return is_int ? TVXsetintparam(env, name, int(to)) : TVXsetdblparam(env, name, to);
     }
 };
 

@@ -107,7 +107,7 @@ void Files::give_solution(const std::vector<double> &x)
     ASSERT_NE(result, nullptr);
     result->status = TVX_OPTIMAL;
     result->has_solution = result->sol_count = 1;
-    ASSERT_EQ(array_resize(&result->x, static_cast<int64_t>(x.size())), 0);
+    ASSERT_EQ(array_resize(&result->x, int64_t(x.size())), 0);
     std::copy(x.begin(), x.end(), result->x.data);
 }
 
@@ -133,9 +133,8 @@ void Files::take(const LpModel &lp, std::vector<std::string> vars,
     const auto name = [this](const char *attribute, std::vector<std::string> &names) {
         std::vector<char *> pointers;
         for (std::string &text : names) pointers.push_back(text.data());
-        EXPECT_EQ(TVXsetstrattrarray(model, attribute, 0, static_cast<int>(names.size()),
-                                     pointers.data()),
-                  0);
+        EXPECT_EQ(
+            TVXsetstrattrarray(model, attribute, 0, int(names.size()), pointers.data()), 0);
     };
     TVXfreemodel(model);
     model = lp_load(env, &lp);

@@ -164,40 +164,35 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
 {
     const struct {
         std::string text, place;
+        // clang-format off
     } cases[] = {
         {"", "line 1, column 1: the end of the file: the file must begin with"},
         {"min x + 3", "no constraints and no End"},
         {"min x + y\nbinary\n  y\n whole\n  x\nend", "line 4, "}, // left of the names
-        {"min x + bin\ngeneral\n x\n bin\nend", "line 4, "},      // a variable, too
+        {"min x + bin\ngeneral\n x\n bin\nend", "line 4, "}, // a variable, too
         {"subject to", "line 1, column 1: 'subject to'"},
         {"min x\nmax y", "line 2, column 1: 'max': this section must stand before"},
         {"min x\nbounds\nst\nc: x >= 1", "line 3, column 1: 'st'"},
         {"min x y", "column 7: 'y': this cannot stand here"},
-        {"min 3 * x * y", "column 13: 'y': a product of two variables"},
-        {"min x^2", "column 6: '^': quadratic"},
-        {"min x + [ x * y ] / 2", "column 9: '[': quadratic"},
-        {"min 2\u00a0x", "a blank or dash that is not"},
+        {"min 3 * x * y", "column 13: 'y': a product of two variables"}, {"min x^2", "column 6: '^': quadratic"},
+        {"min x + [ x * y ] / 2", "column 9: '[': quadratic"}, {"min 2\u00a0x", "a blank or dash that is not"},
         {"min 2 x \u2212 y", "column 9: '\u2212': a blank or dash that is not"},
-        {"min 3 (x + y)", "column 7: '(x': brackets"},
-        {"max: 3x+2y;", "column 10: 'y;'"},
+        {"min 3 (x + y)", "column 7: '(x': brackets"}, {"max: 3x+2y;", "column 10: 'y;'"},
         {"min x\nst\n \xc3\xa9: x +\n <= 2", "line 4, column 2: '<=': a number or a name"},
         {"min x\nst\n \xc3\xa9\xc3\xa9: ^", "line 3, column 6: '^'"},
         {"min x st c: x >=\nend", "line 2, column 1: 'end': a number or a name"},
         {"min x st c: x", "column 14: the end of the file: <=, >= or ="},
         {"min x st c1: x <= 1 <= 2", "column 21: '<=': a chain"},
         {"min x st 1 <= x >= 2", "column 17: '>=': the comparisons"},
-        {"min x st 1 = x = 1", "column 16: '=': the comparisons"},
-        {"min x st 1 <= x <= y", "column 17: '<=': a chain"},
+        {"min x st 1 = x = 1", "column 16: '=': the comparisons"}, {"min x st 1 <= x <= y", "column 17: '<=': a chain"},
         {"min x st x <= y\n- z >= 2", "line 2, column 1: '-': name the constraints"},
-        {"min x st x + inf <= 3", "column 12: '+': infinity"},
-        {"min inf", "column 5: 'inf': infinity"},
+        {"min x st x + inf <= 3", "column 12: '+': infinity"}, {"min inf", "column 5: 'inf': infinity"},
         {"min x st inf = x", "column 10: 'inf': infinity"},
         {"min x st inf <= x <= 5", "column 10: 'inf': the sides of the range exclude"},
         {"min 1e400 x", "column 5: '1e400': the number is too large"},
         {"min 1e308 x + 1e308 x", "column 13: '+': the sum of these terms is too large"},
         {"min x st c: x + 1e308 > -1e308", "column 10: 'c': the sum of the numbers"},
-        {"min 1,5 x", "column 6: ',5': this is no name"},
-        {"min x bounds 2 x <= 4", "column 16: 'x': <=, >= or ="},
+        {"min 1,5 x", "column 6: ',5': this is no name"}, {"min x bounds 2 x <= 4", "column 16: 'x': <=, >= or ="},
         {"min x bounds x <= y", "column 19: 'y': a number is missing"},
         {"min x bounds x <= 2 <= 4", "column 21: '<=': a number is missing"},
         {"min x bounds 1 <= x >= 4", "column 21: '>=': the comparisons"},
@@ -207,23 +202,20 @@ TEST_F(LpFormat, RefusesWhatHasNoOrTwoMeaningsAndSaysWhere)
         {"min x st c: x <= 1 000\n y >= 2", "column 20: '000': a number cannot follow"},
         {"min x st x <= 1e5e3", "column 18: 'e3': this is no variable so far"},
         {"min x st\nc: x >= 1\nbounds:\nx <= 5", "line 3, column 1: 'bounds': the word"},
-        {"min x st\nc: x >= 1\nlazy\n+ x <= 5",
-         "line 3, column 1: 'lazy': this is neither"},
+        {"min x st\nc: x >= 1\nlazy\n+ x <= 5", "line 3, column 1: 'lazy': this is neither"},
         {"min x + end st\nend + x >= 2\nx <= 1", "line 2, column 1: 'end': this ends"},
         {"min x bounds x <= -inf", "column 19: '-': the bound is infinite"},
         {"min x bounds inf <= x", "column 14: 'inf': the bound is infinite"},
         {"min x + 2 bin\nst\n", "column 11: 'bin': this could be a section"},
         {"min x + 2 end\nst\n", "line 1, column 11: 'end': this ends"},
         {"min e1 st x + 2e1 <= 4", "column 15: '2e1': this could be a number, or"},
-        {"min x gen 3", "column 11: '3': only names"},
-        {"min x sos x:1", "column 11: 'x': S1:: or S2:: must begin"},
+        {"min x gen 3", "column 11: '3': only names"}, {"min x sos x:1", "column 11: 'x': S1:: or S2:: must begin"},
         {"min x sos S1:: y:1", "column 16: 'y': the set's member"},
         {"min x sos S1:: x:1 x:2", "column 20: 'x': the variable is in this set"},
         {"min x sos S1:: x", "column 16: 'x'"},
-        {std::string("min x\n st \0 c: x>=1", 20),
-         "line 2, column 5: the end of the file: a control"},
-        {"min x \\ \x01\n", "control character"},
-    };
+        {std::string("min x\n st \0 c: x>=1", 20), "line 2, column 5: the end of the file: a control"},
+        {"min x \\ \x01\n", "control character"}};
+    // clang-format on
     for (const auto &one : cases) {
         EXPECT_EQ(read(one.text, "t.lp"), TVX_ERROR_FILE_READ) << one.text;
         EXPECT_EQ(message().find("Trouble reading file t.lp at line "), 0u) << message();

@@ -24,26 +24,21 @@ TEST_F(MpsRead, FixedFormGivesNamesWithBlanksAndBlankFields)
     const std::string both = "NAME\nROWS\n N  COST\n L  R1\n L  R2\nCOLUMNS\n"
                              "    A R1 3    R2               5\n";
     expect({
-        {"NAME          BLANKS\n"
-         "ROWS\n"
+        {"NAME          BLANKS\nROWS\n"
          " N  COST ROW  $ what it costs\n"
          " G  DEMAND 1  $ demand          lbs\n"
          " L  CAP  ONE                                                            "
-         "00000001\n"
-         "COLUMNS\n"
+         "00000001\nCOLUMNS\n"
          "    PLANT A   COST ROW             1   DEMAND 1             1           "
          "00000002\n"
          "              CAP  ONE             1\n" // the column's name stands once
          "    A 1 2     COST ROW             2   DEMAND 1           -.5\n"
-         "    B         CAP  ONE  1.2345678901234567e+20 \n"
-         "RHS\n"
+         "    B         CAP  ONE  1.2345678901234567e+20 \nRHS\n"
          "    MY RHS    DEMAND 1             4\n"
-         "              CAP  ONE             3\n"
-         "BOUNDS\n"
+         "              CAP  ONE             3\nBOUNDS\n"
          " UP BND       A 1 2               10\n"
          " UP           B                   9.\n" // the set's name is missing
-         " FR BND       PLANT A\n"
-         "ENDATA\n",
+         " FR BND       PLANT A\nENDATA\n",
          "BLANKS; constant 0; PLANT A C [-inf,inf] 1 0:-1 1:1; A 1 2 C [0,10] 2 0:0.5; B C "
          "[0,9] 0 1:1.2345678901234567e+20; DEMAND 1 < -4; CAP  ONE < 3; ",
          ""},
@@ -192,45 +187,29 @@ TEST_F(MpsRead, BoundLinesFollowTheTable)
     const struct {
         const char *lines;
         const char *continuous, *integer; // domains of X outside and between markers
+        // clang-format off
     } cases[] = {
-        {"", "C [0,inf]", "I [0,1]"},
-        {" LO B X 2\n", "C [2,inf]", "I [2,inf]"},
-        {" LO B X 0\n", "C [0,inf]", "I [0,inf]"},
-        {" UP B X 5\n", "C [0,5]", "I [0,5]"},
-        {" UP B X 0\n", "C [0,0]", "I [0,0]"},
-        {" UP B X -2\n", "C [-inf,-2]", "I [-inf,-2]"},
-        {" LO B X 0\n UP B X -2\n", "C [0,-2]", "I [0,-2]"},
-        {" LO B X -5\n UP B X -2\n", "C [-5,-2]", "I [-5,-2]"},
-        {" UP B X 3\n LO B X 5\n", "C [5,3]", "I [5,3]"},
-        {" FX B X 3\n", "C [3,3]", "I [3,3]"},
-        {" FR B X\n UP B X 4\n", "C [-inf,4]", "I [-inf,4]"},
-        {" MI B X\n", "C [-inf,inf]", "I [-inf,1]"},
-        {" MI B X\n UP B X 4\n", "C [-inf,4]", "I [-inf,4]"},
-        {" PL B X\n", "C [0,inf]", "I [0,inf]"},
-        {" BV B X\n", "B [0,1]", "B [0,1]"},
-        {" BV B X\n FX B X 1\n", "B [1,1]", "B [1,1]"},
-        {" UP B X 1\n BV B X\n", "B [0,1]", "B [0,1]"},
-        {" LI B X 2\n", "I [2,inf]", "I [2,inf]"},
-        {" LI B X 2\n UI B X 7\n", "I [2,7]", "I [2,7]"},
-        {" SC B X 9\n LO B X 2\n", "S [2,9]", "N [2,9]"},
-        {" SC B X 1e30\n", "S [0,inf]", "N [0,inf]"},
-        {" SC B X\n", "S [0,inf]", "N [0,inf]"},
-        {" SC B X Inf\n LO B X -3\n", "S [-3,inf]", "N [-3,inf]"},
-        {" SI B X 9\n", "N [0,9]", "N [0,9]"},
+        {"", "C [0,inf]", "I [0,1]"}, {" LO B X 2\n", "C [2,inf]", "I [2,inf]"},
+        {" LO B X 0\n", "C [0,inf]", "I [0,inf]"}, {" UP B X 5\n", "C [0,5]", "I [0,5]"},
+        {" UP B X 0\n", "C [0,0]", "I [0,0]"}, {" UP B X -2\n", "C [-inf,-2]", "I [-inf,-2]"},
+        {" LO B X 0\n UP B X -2\n", "C [0,-2]", "I [0,-2]"}, {" LO B X -5\n UP B X -2\n", "C [-5,-2]", "I [-5,-2]"},
+        {" UP B X 3\n LO B X 5\n", "C [5,3]", "I [5,3]"}, {" FX B X 3\n", "C [3,3]", "I [3,3]"},
+        {" FR B X\n UP B X 4\n", "C [-inf,4]", "I [-inf,4]"}, {" MI B X\n", "C [-inf,inf]", "I [-inf,1]"},
+        {" MI B X\n UP B X 4\n", "C [-inf,4]", "I [-inf,4]"}, {" PL B X\n", "C [0,inf]", "I [0,inf]"},
+        {" BV B X\n", "B [0,1]", "B [0,1]"}, {" BV B X\n FX B X 1\n", "B [1,1]", "B [1,1]"},
+        {" UP B X 1\n BV B X\n", "B [0,1]", "B [0,1]"}, {" LI B X 2\n", "I [2,inf]", "I [2,inf]"},
+        {" LI B X 2\n UI B X 7\n", "I [2,7]", "I [2,7]"}, {" SC B X 9\n LO B X 2\n", "S [2,9]", "N [2,9]"},
+        {" SC B X 1e30\n", "S [0,inf]", "N [0,inf]"}, {" SC B X\n", "S [0,inf]", "N [0,inf]"},
+        {" SC B X Inf\n LO B X -3\n", "S [-3,inf]", "N [-3,inf]"}, {" SI B X 9\n", "N [0,9]", "N [0,9]"},
         {" SC B X 9\n LI B X 1\n", "N [1,9]", "N [1,9]"},
         {" LO B X -1e30\n UP B X 1e30\n", "C [-inf,inf]", "I [-inf,inf]"},
         {" LO B X -Infinity\n UP B X inf\n", "C [-inf,inf]", "I [-inf,inf]"},
-        {" LO B X 1.5D+1\n", "C [15,inf]", "I [15,inf]"},
-        {" UP B X 7\n UP B X 3\n", "C [0,7]", "I [0,7]"},
-        {" UP B X 7\n FX B X 3\n", "C [0,7]", "I [0,7]"},
-        {" UP B X 4\n FR B X\n", "C [0,4]", "I [0,4]"},
-        {" UP B X 4\n PL B X\n", "C [0,4]", "I [0,4]"},
-        {" FR B X 0\n", "C [-inf,inf]", "I [-inf,inf]"},
-        {" FR X\n", "C [-inf,inf]", "I [-inf,inf]"},
-        {" FR X 0\n", "C [-inf,inf]", "I [-inf,inf]"},
-        {" UP X 4\n LO X 1\n", "C [1,4]", "I [1,4]"},
-        {" up B X 4\n", "C [0,4]", "I [0,4]"},
-    };
+        {" LO B X 1.5D+1\n", "C [15,inf]", "I [15,inf]"}, {" UP B X 7\n UP B X 3\n", "C [0,7]", "I [0,7]"},
+        {" UP B X 7\n FX B X 3\n", "C [0,7]", "I [0,7]"}, {" UP B X 4\n FR B X\n", "C [0,4]", "I [0,4]"},
+        {" UP B X 4\n PL B X\n", "C [0,4]", "I [0,4]"}, {" FR B X 0\n", "C [-inf,inf]", "I [-inf,inf]"},
+        {" FR X\n", "C [-inf,inf]", "I [-inf,inf]"}, {" FR X 0\n", "C [-inf,inf]", "I [-inf,inf]"},
+        {" UP X 4\n LO X 1\n", "C [1,4]", "I [1,4]"}, {" up B X 4\n", "C [0,4]", "I [0,4]"}};
+    // clang-format on
     for (const auto &one : cases) {
         const std::string lines = one.lines, tail = "RHS\nBOUNDS\n" + lines + "ENDATA\n";
         good("ROWS\n N C\nCOLUMNS\n X C 1\n" + tail);

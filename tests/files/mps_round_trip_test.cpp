@@ -100,7 +100,7 @@ struct MpsRoundTrip : Files {
                     members.push_back(j);
                     weights.push_back(dice->chance(50) ? j : dice->nonzero(50) / 3.0);
                 }
-            ASSERT_EQ(TVXaddsos(model, 1, static_cast<int>(members.size()), &type, &begin,
+            ASSERT_EQ(TVXaddsos(model, 1, int(members.size()), &type, &begin,
                                 members.data(), weights.data()),
                       0);
         }
@@ -148,38 +148,26 @@ TEST_F(MpsRoundTrip, TheFileHasTheStoredForm)
                    "SOS\n S2 a\n X 1\n Z 2\nENDATA\n"),
               0);
     ASSERT_EQ(round_trip("w.mps", Names::IGNORE), "");
-    EXPECT_EQ(file_get("w.mps"), "NAME plan with objcon=          -4\n"
-                                 "* Max problem is converted into Min one\n"
-                                 "* All the >= constraints are converted into <= ones\n"
-                                 "ROWS\n"
-                                 " N  OBJ\n"
-                                 " L  R1      \n"
-                                 " E  R2      \n"
-                                 " E  R3      \n"
-                                 "COLUMNS\n"
-                                 "    X         OBJ       -3\n"
-                                 "    X         R1        -2\n"
-                                 "    X         R3        0.1\n"
-                                 "    MARKER    'MARKER'                 'INTORG'\n"
-                                 "    Y         R2        1e-07\n"
-                                 "    Y         R1        -1\n"
-                                 "    MARKER    'MARKER'                 'INTEND'\n"
-                                 "    Z         R3        3.3333333333333331e-01\n"
-                                 "    RgR2      R2        1\n"
-                                 "RHS\n"
-                                 "    RHS1      OBJ       4\n"
-                                 "    RHS1      R1        -5\n"
-                                 "    RHS1      R2        6\n"
-                                 "BOUNDS\n"
-                                 " LI BND1      Y         -3\n"
-                                 " UP BND1      Y         9\n"
-                                 " FR BND1      Z       \n"
-                                 " UP BND1      RgR2      2\n"
-                                 "SOS\n"
-                                 " S2 s0\n"
-                                 "    X            1\n"
-                                 "    Z            2\n"
-                                 "ENDATA\n");
+    EXPECT_EQ(file_get("w.mps"),
+              "NAME plan with objcon=          -4\n"
+              "* Max problem is converted into Min one\n"
+              "* All the >= constraints are converted into <= ones\n"
+              "ROWS\n N  OBJ\n L  R1      \n E  R2      \n E  R3      \n"
+              "COLUMNS\n"
+              "    X         OBJ       -3\n    X         R1        -2\n"
+              "    X         R3        0.1\n"
+              "    MARKER    'MARKER'                 'INTORG'\n"
+              "    Y         R2        1e-07\n    Y         R1        -1\n"
+              "    MARKER    'MARKER'                 'INTEND'\n"
+              "    Z         R3        3.3333333333333331e-01\n"
+              "    RgR2      R2        1\n"
+              "RHS\n"
+              "    RHS1      OBJ       4\n    RHS1      R1        -5\n"
+              "    RHS1      R2        6\n"
+              "BOUNDS\n"
+              " LI BND1      Y         -3\n UP BND1      Y         9\n"
+              " FR BND1      Z       \n UP BND1      RgR2      2\n"
+              "SOS\n S2 s0\n    X            1\n    Z            2\nENDATA\n");
 }
 
 TEST_F(MpsRoundTrip, NamesThatCannotBeCarriedAreNumberedAndPendingChangesAreWarnedOf)

@@ -123,7 +123,7 @@ std::string api_file(ApiModel *a)
 {
     static constexpr const char *SUFFIXES[] = {".mps", ".lp",  ".rew", ".rlp", ".bas",
                                                ".sol", ".mst", ".prm", ".ilp"};
-    const int kind = a->dice()->range(0, static_cast<int>(std::size(SUFFIXES)) - 1);
+    const int kind = a->dice()->range(0, int(std::size(SUFFIXES)) - 1);
     const std::string suffix = SUFFIXES[kind], name = "f" + suffix;
     if (kind < 4) return round_trip(a->model, name, Names::IGNORE);
     const int code = TVXwrite(a->model, name.c_str());

@@ -54,12 +54,11 @@ bool ApiModel::from_lp(const LpModel &lp)
         var.vtype = lp.type(j);
         for (const LpEntry &e : lp.cols[j]) var.column.emplace_back(e.row, e.value);
         r->vars.push_back(var);
-        failures += TVXsetstrattrelement(model, "VarName", static_cast<int>(j),
-                                         var.name.c_str()) != 0;
+        failures += TVXsetstrattrelement(model, "VarName", int(j), var.name.c_str()) != 0;
     }
     for (size_t i = 0; i < lp.rhs.size(); i++) {
         r->constrs.push_back({"r" + std::to_string(i), lp.senses[i], lp.rhs[i] + 0.0, {}});
-        failures += TVXsetstrattrelement(model, "ConstrName", static_cast<int>(i),
+        failures += TVXsetstrattrelement(model, "ConstrName", int(i),
                                          r->constrs[i].name.c_str()) != 0;
     }
     for (const LpSet &set : lp.sets) {

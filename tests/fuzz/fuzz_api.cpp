@@ -141,7 +141,7 @@ std::string Program::run()
 {
     std::string wrong = make_model();
     for (int k = 0; k < MOST_MOVES && wrong.empty() && !dice.used_up(); k++) {
-        const int count = static_cast<int>(models.size());
+        const int count = int(models.size());
         const int which = dice.range(0, count - 1);
         story += " " + std::to_string(which);
         wrong = move(models[which].get());
@@ -152,9 +152,9 @@ std::string Program::run()
 // The models that outlive their environment refuse everything, and are freed all the same.
 std::string Program::free_all()
 {
-    const int before = dice.range(0, static_cast<int>(models.size()));
+    const int before = dice.range(0, int(models.size()));
     if (!dice.chance(15)) models.clear();
-    while (static_cast<int>(models.size()) > before) models.pop_back();
+    while (int(models.size()) > before) models.pop_back();
     TVXfreeenv(env);
     std::string wrong;
     for (const auto &a : models)

@@ -74,7 +74,7 @@ bool is_harmless(const std::string &bytes)
 {
     std::string key;
     for (const char c : bytes)
-        if (c != '_') key += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+        if (c != '_') key += char(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
     return key.find("logfile") == std::string::npos;
 }
 } // namespace

@@ -141,23 +141,6 @@ TEST_F(LpDriver, tells_bounds_that_cross_by_little_in_full_and_that_there_is_no_
               1);
 }
 
-TEST_F(LpDriver, writes_the_result_file_or_says_that_it_cannot_and_dumps_when_asked)
-{
-    ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", "result.sol"), 0);
-    ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_DUMP", 1), 0);
-    std::vector<std::string> lines = solve_log();
-    EXPECT_EQ(
-        std::vector<std::string>(lines.end() - 3, lines.end()),
-        (std::vector<std::string>{"", "Wrote requested result file 'result.sol'", ""}));
-    for (const char *file : {"result.sol", "tarvex.rew", "tarvex.prm"})
-        EXPECT_TRUE(std::filesystem::exists(file)) << file;
-    ASSERT_EQ(TVXsetstrparam(own(), "ResultFile", "no/such/folder/result.sol"), 0);
-    lines = solve_log();
-    EXPECT_EQ(lines[lines.size() - 2],
-              "WARNING: unable to write requested result file 'no/such/folder/result.sol'");
-    EXPECT_STREQ(TVXgetmerrormsg(model), "");
-}
-
 TEST_F(LpDriver, refuses_what_needs_a_search_and_solves_it_once_it_is_continuous)
 {
     ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'I'), 0);

@@ -26,7 +26,7 @@ Pool random_pool(int m, int n, int extra_percent, uint64_t seed)
         };
         put(j % m, 1.5);
         while (dice.chance(extra_percent)) put(dice.range(0, m - 1), dice.real(-1, 1));
-        pool.beg.push_back(static_cast<int>(pool.ind.size()));
+        pool.beg.push_back(int(pool.ind.size()));
     }
     return pool;
 }
@@ -68,7 +68,7 @@ template<class R> struct Factored {
         for (int k = 0; k < pool.m; k++) {
             column(head[k], &col);
             for (int i = 0; i < pool.m; i++)
-                rest[forward ? i : k] -= col.Value.data[i] * x.Value.data[forward ? k : i];
+                rest[forward ? i : k] -= col.Value[i] * x.Value[forward ? k : i];
         }
         double most = 0;
         for (const R r : rest) most = std::max(most, double(std::abs(r)));
@@ -77,7 +77,7 @@ template<class R> struct Factored {
     bool tidy(const SVec<R> &x) const // the list holds exactly the nonzeros
     {
         int nonzeros = 0;
-        for (int i = 0; i < pool.m; i++) nonzeros += x.Value.data[i] != R(0);
+        for (int i = 0; i < pool.m; i++) nonzeros += x.Value[i] != R(0);
         return nonzeros == x.Count;
     }
 };
@@ -132,8 +132,7 @@ template<class R> void check_joint(Factored<R> *f, Dice *dice)
         EXPECT_EQ(spike, f->lu.SpikeCount);
         for (int k = 0; k < count; k++) {
             for (int i = 0; i < m; i++)
-                ASSERT_EQ(alone[k].Value.data[i], joint[k].Value.data[i])
-                    << round << " " << k;
+                ASSERT_EQ(alone[k].Value[i], joint[k].Value[i]) << round << " " << k;
             EXPECT_TRUE(keeps[k] == Keep::VALUES || f->tidy(joint[k]));
         }
     }
@@ -155,13 +154,12 @@ template<class R> int exchange(Factored<R> *f, int updates, Dice *dice)
         Ftran(&f->lu, &alpha, SOLVE_COLUMN, Keep::YES);
         int r = -1; // a pivot of fair size
         for (int k = 0; k < alpha.Count; k++)
-            if (std::abs(alpha.Value.data[alpha.Index.data[k]]) > R(0.1) &&
-                dice->chance(67))
-                r = alpha.Index.data[k];
+            if (std::abs(alpha.Value[alpha.Index[k]]) > R(0.1) && dice->chance(67))
+                r = alpha.Index[k];
         if (r < 0) continue;
         svec_unit(&rho, r, R(1));
         Btran(&f->lu, &rho, SOLVE_ROW, Keep::YES);
-        if (UpdateFactor(&f->lu, r, alpha.Value.data[r]) !=
+        if (UpdateFactor(&f->lu, r, alpha.Value[r]) !=
             UPDATE_DONE) { // the old basis stands
             EXPECT_EQ(0, f->factor());
             continue;
@@ -186,14 +184,14 @@ template<class R> std::vector<R> upper_of(const lufact<R> *lu)
     std::vector<R> all(lu->UDiag.data, lu->UDiag.data + lu->NumRows);
     const auto add = [&](const auto &ind, const auto &val, int from, int count) {
         for (int p = from; p < from + count; p++)
-            all.insert(all.end(), {R(ind.data[p]), val.data[p]});
+            all.insert(all.end(), {R(ind[p]), val[p]});
     };
     all.insert(all.end(), lu->Order.data, lu->Order.data + lu->NumPos);
     for (const auto *list : {&lu->PosOfRow, &lu->FirstEta})
         all.insert(all.end(), list->data, list->data + lu->NumRows);
     for (int i = 0; i < lu->NumRows; i++) {
-        add(lu->UColInd, lu->UColVal, lu->UColBeg.data[i], lu->UColLen.data[i]);
-        add(lu->URowInd, lu->URowVal, lu->URowBeg.data[i], lu->URowLen.data[i]);
+        add(lu->UColInd, lu->UColVal, lu->UColBeg[i], lu->UColLen[i]);
+        add(lu->URowInd, lu->URowVal, lu->URowBeg[i], lu->URowLen[i]);
     }
     return all;
 }
@@ -356,7 +354,7 @@ TEST(Lu, update_refuses_a_vanishing_pivot_and_leaves_the_factors)
     Ftran(&f.lu, &alpha, SOLVE_COLUMN, Keep::YES);
     svec_unit(&rho, 5, 1.0);
     Btran(&f.lu, &rho, SOLVE_ROW, Keep::YES);
-    EXPECT_EQ(UPDATE_UNSTABLE, UpdateFactor(&f.lu, 5, alpha.Value.data[5]));
+    EXPECT_EQ(UPDATE_UNSTABLE, UpdateFactor(&f.lu, 5, alpha.Value[5]));
     EXPECT_EQ(1, f.lu.NeedBasis) << "the caller's basis is another one";
     EXPECT_EQ(0, f.lu.NumUpdates);
     check_solves(&f, 1e-8, &dice);

@@ -12,18 +12,18 @@ struct Compressed {
     std::vector<double> val;
     void push(const Entries &entries)
     {
-        beg.push_back(static_cast<int>(ind.size()));
+        beg.push_back(int(ind.size()));
         for (const auto &[k, value] : entries) {
             ind.push_back(k);
             val.push_back(value);
         }
     }
-    int size() const { return static_cast<int>(ind.size()); }
+    int size() const { return int(ind.size()); }
 };
 
 char upper(char vtype)
 {
-    return static_cast<char>(toupper(vtype));
+    return char(toupper(vtype));
 }
 char symbol(char sense)
 {
@@ -54,7 +54,7 @@ int StorePlayer::room(bool of_vars) const
     const StoreReference::Queue &queue = reference.queue;
     const size_t used =
         of_vars ? reference.vars.size() + queue.vars.size() : reference.constrs.size();
-    return most_elements - static_cast<int>(used + queue.constrs.size());
+    return most_elements - int(used + queue.constrs.size());
 }
 
 // ---- Random things ----
@@ -224,8 +224,8 @@ void StorePlayer::set_bounds()
         reference.set(
             [=](auto *r) { (lower ? r->vars[j].lb : r->vars[j].ub) = bounded(value); });
     }
-    expect(0, TVXsetdblattrlist(model, lower ? "LB" : "UB", static_cast<int>(list.size()),
-                                list.data(), values.data()));
+    expect(0, TVXsetdblattrlist(model, lower ? "LB" : "UB", int(list.size()), list.data(),
+                                values.data()));
 }
 
 void StorePlayer::set_names()
@@ -274,8 +274,8 @@ void StorePlayer::change_coeffs()
         values.push_back(dice->chance(5) ? 1e-14 : number());
         reference.queue.coefs.push_back({rows.back(), columns.back(), values.back()});
     }
-    expect(0, TVXchgcoeffs(model, static_cast<int>(rows.size()), rows.data(),
-                           columns.data(), values.data()));
+    expect(0, TVXchgcoeffs(model, int(rows.size()), rows.data(), columns.data(),
+                           values.data()));
 }
 
 void StorePlayer::remove()
@@ -292,7 +292,7 @@ void StorePlayer::remove()
     if (kind.n == 0) return;
     std::vector<int> list;
     for (int k = dice->range(1, 3); k > 0; k--) list.push_back(dice->range(0, kind.n - 1));
-    expect(0, kind.call(model, static_cast<int>(list.size()), list.data()));
+    expect(0, kind.call(model, int(list.size()), list.data()));
     kind.gone->insert(list.begin(), list.end());
 }
 

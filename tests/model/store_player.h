@@ -22,9 +22,9 @@ struct StorePlayer {
 
     void step(); // one move
 
-    int n_vars() const { return static_cast<int>(reference.vars.size()); }
-    int n_constrs() const { return static_cast<int>(reference.constrs.size()); }
-    int n_sos() const { return static_cast<int>(reference.sos.size()); }
+    int n_vars() const { return int(reference.vars.size()); }
+    int n_constrs() const { return int(reference.constrs.size()); }
+    int n_sos() const { return int(reference.sos.size()); }
 
   private:
     enum class Side { LOWER, UPPER };

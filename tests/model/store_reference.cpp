@@ -30,7 +30,7 @@ double bounded(double value)
 void StoreReference::add_var(Var var)
 {
     if (var.name.empty()) {
-        const int number = std::max(next_var_name, static_cast<int>(vars.size()));
+        const int number = std::max(next_var_name, int(vars.size()));
         var.name = "C" + std::to_string(number);
         next_var_name = number + 1;
     }
@@ -42,7 +42,7 @@ void StoreReference::add_var(Var var)
 void StoreReference::add_constr(NewConstr added)
 {
     if (added.constr.name.empty()) {
-        const int number = std::max(next_constr_name, static_cast<int>(constrs.size()));
+        const int number = std::max(next_constr_name, int(constrs.size()));
         added.constr.name = "R" + std::to_string(number);
         next_constr_name = number + 1;
     }
@@ -63,7 +63,8 @@ void StoreReference::add_sos(Sos set)
     const auto down = [](const auto &a, const auto &b) { return a.second > b.second; };
     if (!std::is_sorted(members.begin(), members.end(), up) &&
         !std::is_sorted(members.begin(), members.end(), down)) {
-        std::stable_sort(members.begin(), members.end(), up);
+        for (auto m = members.begin(); m != members.end(); m++) // ties keep their order
+            std::rotate(std::upper_bound(members.begin(), m, *m, up), m, m + 1);
         std::set<double> weights;
         for (const auto &[j, weight] : members) weights.insert(weight);
         double gap = 1e10;
@@ -71,7 +72,7 @@ void StoreReference::add_sos(Sos set)
             gap = std::min(gap, *std::next(w) - *w);
         double position = 0;
         if (weights.size() < members.size()) {
-            const double step = gap / (2.0 * static_cast<double>(members.size()));
+            const double step = gap / (2.0 * double(members.size()));
             for (auto &[j, weight] : members) weight += step * position++;
         }
     }
@@ -106,8 +107,7 @@ static std::vector<int> numbering(size_t n, const std::set<int> &gone)
 {
     std::vector<int> map;
     int next = 0;
-    for (size_t k = 0; k < n; k++)
-        map.push_back(gone.count(static_cast<int>(k)) ? -1 : next++);
+    for (size_t k = 0; k < n; k++) map.push_back(gone.count(int(k)) ? -1 : next++);
     return map;
 }
 
@@ -141,7 +141,7 @@ void StoreReference::update_additions()
     for (const Var &var : queue.vars) vars.push_back(var);
     std::vector<Var> ranges;
     for (const NewConstr &added : queue.constrs) {
-        const int i = static_cast<int>(constrs.size());
+        const int i = int(constrs.size());
         for (const auto &[j, value] : added.constr.row)
             vars[j].column.emplace_back(i, value);
         constrs.push_back(added.constr);
@@ -177,8 +177,8 @@ static ModelContent shown(const StoreReference &r)
         StoreReference::Var *var = &c.vars[j];
         show_bounds(var);
         for (const auto &[i, value] : var->column)
-            c.constrs[i].row.emplace_back(static_cast<int>(j), value);
-        numnz += static_cast<int>(var->column.size());
+            c.constrs[i].row.emplace_back(int(j), value);
+        numnz += int(var->column.size());
         integers += var->vtype != 'C';
         binaries += var->vtype == 'B';
     }
@@ -193,7 +193,7 @@ std::string compare(TVXmodel *model, const StoreReference &r)
     for (size_t j = 0; j < r.vars.size(); j++)
         for (const auto &[i, value] : r.vars[j].column) {
             double coeff = NAN;
-            if (TVXgetcoeff(model, i, static_cast<int>(j), &coeff) || coeff != value)
+            if (TVXgetcoeff(model, i, int(j), &coeff) || coeff != value)
                 wrong +=
                     "coefficient " + std::to_string(i) + " " + std::to_string(j) + "\n";
         }

@@ -31,8 +31,7 @@ static int subject_count()
 
 static Subject make_subject(int seed, Dice *dice)
 {
-    const FamilyRow &family =
-        all_families()[static_cast<size_t>(seed) % all_families().size()];
+    const FamilyRow &family = all_families()[size_t(seed) % all_families().size()];
     const int size = dice->chance(80) ? dice->range(3, 30) : dice->range(30, 90);
     return {.seed = seed, .family = family.name, .g = family.generate(dice, size)};
 }
@@ -62,7 +61,7 @@ static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool 
 {
     static constexpr int STATUS[] = {TVX_OPTIMAL, TVX_INFEASIBLE,
                                      TVX_UNBOUNDED}; // by Truth
-    const int expected = STATUS[static_cast<size_t>(g.truth)];
+    const int expected = STATUS[size_t(g.truth)];
     const bool either = presolve && expected != TVX_OPTIMAL && s.status == TVX_INF_OR_UNBD;
     if (either || s.status == expected) return "";
     return formatted("status %d, planted %d", s.status, expected);
@@ -71,18 +70,13 @@ static std::string truth_missed(const GeneratedLp &g, const LpSolution &s, bool 
 // Settings of any kind, with presolve in all its parts.
 static Settings draw_settings(Dice *dice)
 {
+    // clang-format off
     const std::pair<const char *, std::vector<double>> table[] = {
-        {"Presolve", {-1, 1, 2}},
-        {"Aggregate", {0, 1, 1}},
-        {"PrePasses", {0, 1, -1, -1}},
-        {"TARV_PAR_PRELIMIT", {2e9, 2e9, double(dice->range(0, 40))}},
-        {"TARV_PAR_PREBOUND", {0, 1, 1}},
-        {"TARV_PAR_PREPARALLEL", {0, 1, 1}},
-        {"PreDepRow", {-1, -1, 0, 1}},
-        {"PreDual", {-1, -1, 0, 1, 2}},
-        {"TARV_PAR_PRETWOROWS", {-1, 0, 1, 2}},
-        {"TARV_PAR_PRESINGLECOL", {-1, -1, 0, 1}},
-    };
+        {"Presolve", {-1, 1, 2}}, {"Aggregate", {0, 1, 1}}, {"PrePasses", {0, 1, -1, -1}},
+        {"TARV_PAR_PRELIMIT", {2e9, 2e9, double(dice->range(0, 40))}}, {"TARV_PAR_PREBOUND", {0, 1, 1}},
+        {"TARV_PAR_PREPARALLEL", {0, 1, 1}}, {"PreDepRow", {-1, -1, 0, 1}}, {"PreDual", {-1, -1, 0, 1, 2}},
+        {"TARV_PAR_PRETWOROWS", {-1, 0, 1, 2}}, {"TARV_PAR_PRESINGLECOL", {-1, -1, 0, 1}}};
+    // clang-format on
     Settings settings = settings_draw(dice);
     for (const auto &[name, values] : table)
         settings.emplace_back(name, dice->pick(values));
@@ -150,7 +144,7 @@ static std::string play(TVXenv *env, const LpModel &lp, const Settings &settings
 TEST(Differential, copies_second_runs_and_threads_do_exactly_the_same)
 {
     constexpr size_t THREADS = 3;
-    const size_t count = static_cast<size_t>(subject_count());
+    const size_t count = size_t(subject_count());
     std::vector<std::array<LpSolution, 2>> outcomes[THREADS];
     std::string wrong[THREADS];
     const auto run = [&](size_t t) {
@@ -159,7 +153,7 @@ TEST(Differential, copies_second_runs_and_threads_do_exactly_the_same)
         for (size_t k = 0; k < count; k++) {
             const size_t number = (k + 7 * t) % count;
             Dice dice(number + 8000000);
-            const Subject s = make_subject(static_cast<int>(number), &dice);
+            const Subject s = make_subject(int(number), &dice);
             const Settings settings = settings_draw(&dice);
             const std::string told =
                 play(env.env, s.g.lp, settings, outcomes[t][number].data());

@@ -134,7 +134,7 @@ TEST(HostileGen, families_have_every_verdict_and_keep_their_word)
         int seen[3] = {0, 0, 0};
         for (uint64_t seed = 0; seed < 60; seed++) {
             const HostileModel h = hostile_generate(family, seed);
-            seen[static_cast<int>(rational_solve(&h.lp, 1e-9).status)]++;
+            seen[int(rational_solve(&h.lp, 1e-9).status)]++;
             if (h.kind != HostileKind::PLAIN || family.generate != hostile_tall) continue;
             EXPECT_NE(rational_solve(&h.lp, 1e-11).status, LpStatus::INFEASIBLE) << seed;
         }

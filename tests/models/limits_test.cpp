@@ -77,16 +77,17 @@ const std::vector<Settings> ways = {
 // Calls `use` with a run of every family by each of the ways to solve.
 template<class Use> void on_all_ways(const Use &use)
 {
-    for (const std::vector<Settings> &list : {direct_ways, ways})
-        for (const Settings &way : list)
-            for (const Family family :
-                 {gen_multi_period, gen_network, gen_blending, gen_planted_optimum}) {
-                SCOPED_TRACE(settings_text(way));
-                Legs run(generated(family, 60, 42), way);
-                ASSERT_EQ(judge_optimal(&run.lp, &run.whole), "");
-                use(&run);
-                if (testing::Test::HasFatalFailure()) return;
-            }
+    std::vector<Settings> all = direct_ways;
+    all.insert(all.end(), ways.begin(), ways.end());
+    for (const Settings &way : all)
+        for (const Family family :
+             {gen_multi_period, gen_network, gen_blending, gen_planted_optimum}) {
+            SCOPED_TRACE(settings_text(way));
+            Legs run(generated(family, 60, 42), way);
+            ASSERT_EQ(judge_optimal(&run.lp, &run.whole), "");
+            use(&run);
+            if (testing::Test::HasFatalFailure()) return;
+        }
 }
 
 void expect_basic_point(const Legs &run)
@@ -97,7 +98,7 @@ void expect_basic_point(const Legs &run)
     for (const auto *list : {&point.vbasis, &point.cbasis})
         for (const int code : *list) basics += code >= 0;
     EXPECT_EQ(basics, run.lp.num_rows());
-    const double value = static_cast<double>(lp_objective(&run.lp, point.x));
+    const double value = double(lp_objective(&run.lp, point.x));
     EXPECT_NEAR(point.objval, value, 1e-9 * (1 + std::fabs(value)));
     EXPECT_EQ(check_quality(run.model, &run.lp, &point), std::vector<std::string>{});
 }
@@ -147,7 +148,7 @@ TEST(Limits, a_stopped_run_keeps_its_perturbation)
     for (const Settings &way : direct_ways) {
         SCOPED_TRACE(settings_text(way));
         Legs run(generated(gen_assignment, 500, 7), way);
-        EXPECT_TRUE(run.in_legs(20, static_cast<int>(run.whole.iterations / 10)));
+        EXPECT_TRUE(run.in_legs(20, int(run.whole.iterations / 10)));
         EXPECT_EQ(run.last.status, TVX_OPTIMAL);
     }
 }

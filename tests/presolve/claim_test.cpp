@@ -9,6 +9,7 @@
 #include "support/model_test.h"
 #include "support/presolve_try.h"
 #include "support/rational_lp.h"
+#include <memory>
 
 static constexpr double INF = 1e30;
 
@@ -95,12 +96,10 @@ TEST_F(Claim, proofs_of_the_dual_form_are_proofs_of_the_model)
         load(lp);
         if (rational_solve(&lp).crossed >= 0) continue;
         ModelBody *dual = nullptr;
-        TVXmodel *out = nullptr;
         ASSERT_EQ(dualise(model->body, own(), &dual), 0);
-        ASSERT_EQ(model_of_body(own(), EnvUse::SHARED, dual, &out), 0);
-        const TestModel owner(out);
+        const std::unique_ptr<ModelBody, void (*)(ModelBody *)> owner(dual, body_free);
         LpModel form;
-        ASSERT_EQ(lp_read_back(out, &form), 0);
+        ASSERT_EQ(lp_read_back(BodyView(own(), dual), &form), 0);
         const RationalResult exact = rational_solve(&form);
         if (exact.status == LpStatus::OPTIMAL) continue;
         LpClaim of_dual, claim;

@@ -17,7 +17,7 @@ TEST(TextPool, BlocksOfAllSizesKeepTheirContent)
         for (int k = 0; k < 2000; k++) {
             const bool large = k == 0 ? large_first : dice.chance(5);
             const int length = large ? dice.range(90, 5000) : dice.range(0, 40);
-            const std::string text(length, static_cast<char>('a' + dice.range(0, 25)));
+            const std::string text(length, char('a' + dice.range(0, 25)));
             blocks.emplace_back(PoolCopy(pool, text.data(), text.size()), text);
         }
         EXPECT_EQ(PoolAlloc(pool, SIZE_MAX - 4), nullptr);
@@ -34,10 +34,9 @@ static std::string random_name(Dice *dice)
     if (dice->chance(50))
         return "x" + std::to_string(dice->range(0, 300)) + "_" +
                std::to_string(dice->range(0, 9));
-    std::string name(static_cast<size_t>(dice->range(0, dice->chance(1) ? 600 : 24)), 'a');
+    std::string name(size_t(dice->range(0, dice->chance(1) ? 600 : 24)), 'a');
     for (char &c : name)
-        c = static_cast<char>(dice->chance(90) ? 'a' + dice->range(0, 1)
-                                               : dice->range(-128, 127));
+        c = char(dice->chance(90) ? 'a' + dice->range(0, 1) : dice->range(-128, 127));
     return name;
 }
 
@@ -68,9 +67,9 @@ TEST(NameTable, AgreesWithAMap)
     NameTable table;
     for (int k = 0; k < 20000; k++) {
         const auto [known, is_new] =
-            reference.try_emplace(random_name(&dice), static_cast<int>(table.entries.size));
+            reference.try_emplace(random_name(&dice), int(table.entries.size));
         const char *name = known->first.data();
-        const int64_t length = static_cast<int64_t>(known->first.size());
+        const int64_t length = int64_t(known->first.size());
         ASSERT_EQ(name_table_find(&table, name, length),
                   is_new ? NAME_ABSENT : known->second);
         if (is_new) {
@@ -89,7 +88,7 @@ TEST(NameIndex, RegularlyNumberedNamesAreFoundQuickly)
         const int i = k % N;
         const int length =
             snprintf(name, sizeof name, "x%05dy%05dz%05d", i / 2500, i / 50 % 50, i % 50);
-        const size_t n = static_cast<size_t>(length);
+        const size_t n = size_t(length);
         const int outcome = k < N ? name_index_insert_n(index, name, n, i)
                                   : name_index_find_n(index, name, n) - i;
         ASSERT_EQ(outcome, 0);

@@ -132,7 +132,7 @@ TEST(File, NoDescriptorIsLeftOpen)
     getrlimit(RLIMIT_NOFILE, &limit);
     rlimit tight = limit; // descriptors run out at every step of opening a pipe
     for (int spare = 0; spare < 4; spare++) {
-        tight.rlim_cur = static_cast<rlim_t>(before - 1 + spare); // one was for counting
+        tight.rlim_cur = rlim_t(before - 1 + spare); // one was for counting
         setrlimit(RLIMIT_NOFILE, &tight);
         read_text("a.gz", &back);
         write_text("b.gz", "x");

@@ -43,8 +43,8 @@ static double random_double(Dice *dice)
         return dice->range(-2000000000, 2000000000) / std::pow(10, dice->range(0, 9));
     double value = 0;
     do {
-        const uint64_t high = static_cast<uint64_t>(dice->range(0, 0x3fffffff));
-        const uint64_t low = static_cast<uint64_t>(dice->range(0, 0x3fffffff));
+        const uint64_t high = uint64_t(dice->range(0, 0x3fffffff));
+        const uint64_t low = uint64_t(dice->range(0, 0x3fffffff));
         value = std::bit_cast<double>((high << 34) ^ (low << 10) ^ high);
     } while (!std::isfinite(value));
     return value;
@@ -63,7 +63,7 @@ TEST(TextNumber, PrintsAsPrintfAndReadsAsStrtodOnRandomNumbers)
                                    : number_scientific(ours, value, digits);
         snprintf(theirs, sizeof theirs, general ? "%.*g" : "%.*e", digits, value);
         ASSERT_STREQ(ours, theirs);
-        ASSERT_EQ(length, static_cast<int>(strlen(theirs)));
+        ASSERT_EQ(length, int(strlen(theirs)));
         expect_read(ours, dice.chance(50) ? "eD" : "ed");
         number_shortest(ours, value);
         ASSERT_EQ(bits(strtod(ours, nullptr)), bits(value)) << ours;

@@ -13,7 +13,7 @@ double norm1(const Matrix &b)
         for (const auto &row : b) sum += std::fabs(row[c]);
         norm = std::max(norm, sum);
     }
-    return static_cast<double>(norm);
+    return double(norm);
 }
 
 double norm2(const Matrix &b) // by many steps of the power method
@@ -32,7 +32,7 @@ double norm2(const Matrix &b) // by many steps of the power method
         length = std::sqrt(length);
         for (size_t i = 0; i < m; i++) x[i] = y[i] / length;
     }
-    return static_cast<double>(length);
+    return double(length);
 }
 
 using Kappa = ModelTest;
@@ -42,7 +42,7 @@ TEST_F(Kappa, is_near_the_condition_of_the_basis_and_not_above_it)
 {
     for (const FamilyRow &family : all_families()) {
         for (const double quad : {0, 1}) {
-            SCOPED_TRACE(family.name + std::string(quad ? ", extended" : ""));
+            SCOPED_TRACE(family.name + std::string(quad > 0 ? ", extended" : ""));
             const LpModel lp = generated(family.generate, 12, 7);
             load(lp, {{"ScaleFlag", 0}, {"Quad", quad}});
             LpSolution s;

@@ -56,7 +56,7 @@ int superbasics_left(const sopt *s)
 }
 } // namespace
 
-// The other kinds are drawn in models/tiny_lp_test.cpp and models/differential_test.cpp.
+// The other kinds are drawn in models/exact_test.cpp and models/differential_test.cpp.
 TEST(PrimalPricing, every_partial_kind_finds_the_same_answer)
 {
     const TestEnv env;

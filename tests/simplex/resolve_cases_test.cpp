@@ -30,8 +30,6 @@ struct Small {
         EXPECT_EQ(simplex_go_live(s), 0);
     }
     ~Small() { simplex_free(s); }
-    Small(const Small &) = delete;
-    Small &operator=(const Small &) = delete;
     ResolveOutcome solve(const BoundChange &change, const NodeBasis *basis = nullptr)
     {
         ResolveOutcome out;
@@ -43,8 +41,8 @@ struct Small {
     {
         NodeBasis basis;
         EXPECT_EQ(simplex_save_basis(s, &basis), 0);
-        basis.Statuses.data[out] = char(-status);
-        basis.Statuses.data[in] = 0;
+        basis.Statuses[out] = char(-status);
+        basis.Statuses[in] = 0;
         return basis;
     }
 };

@@ -51,8 +51,6 @@ struct Walk {
         return lp;
     }
     ~Walk() { simplex_free(s); }
-    Walk(const Walk &) = delete;
-    Walk &operator=(const Walk &) = delete;
 
     bool begin()
     {
@@ -148,7 +146,7 @@ struct Walk {
             NodeBasis &basis = saved[dice.range(0, int(saved.size()) - 1)];
             // one that does not fit, as after rows were deleted carelessly
             if (dice.chance(20))
-                basis.Statuses.data[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
+                basis.Statuses[dice.range(0, int(basis.Statuses.size) - 1)] = 1;
             if (dice.chance(50)) s->Env->Quad = -1; // back to double precision
             start = &basis;
         }
@@ -269,7 +267,7 @@ struct Walk {
         for (int p = 0; p < column.Count; p++) add(column.Var[p], -column.Val[p]);
         for (size_t i = 0; i < left.size(); i++)
             EXPECT_LE(std::fabs(left[i]), 1e-7 * (1 + size[i])) << "row " << i;
-        if (column.Count == 0 || s->VStat.data[j] == AT_FIXED) return;
+        if (column.Count == 0 || s->VStat[j] == AT_FIXED) return;
         const int chosen = dice.range(0, column.Count - 1);
         const double entry = column.Val[chosen];
         const LiveEntries row = simplex_tableau_row(s, column.Var[chosen]);
@@ -317,7 +315,7 @@ struct Walk {
     bool refuse(int kind, int64_t k, const NodeBasis &basis)
     {
         const int n = lp.num_vars();
-        std::vector<int> ind(static_cast<size_t>(n));
+        std::vector<int> ind(n);
         std::iota(ind.begin(), ind.end(), 0);
         const std::vector<double> val(ind.size(), 1.0);
         const LiveRow row = {n, ind.data(), val.data(), '<', 1e6};

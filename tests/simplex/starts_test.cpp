@@ -1,8 +1,10 @@
-// starts_test.cpp -- where the methods begin: the primal's basis, and variables under the dual's perturbed costs
+// starts_test.cpp -- where the methods begin: the primal's basis, and variables under the dual's perturbed costs; and
+// long steps of the dual
 #include "simplex/dual.h"
 #include "support/model_test.h"
 #include "support/structured_gen.h"
 #include <cmath>
+#include <numeric>
 
 namespace
 {
@@ -44,6 +46,7 @@ struct Starts : ModelTest {
 };
 using PrimalStart = Starts;
 using DualStart = Starts;
+using DualRatio = ModelTest;
 } // namespace
 
 // ---- The primal: a basis that is one, and no worse than the slacks by orders of magnitude ----
@@ -58,7 +61,7 @@ TEST_F(PrimalStart, makes_a_basis_that_needs_no_repair)
         int basics = 0;
         for (int j = 0; j < s->NumVars; j++) {
             if (!is_basic(s, j)) continue;
-            ASSERT_EQ(s->BasisHead.data[s->VStat.data[j]], j) << family.name;
+            ASSERT_EQ(s->BasisHead[s->VStat[j]], j) << family.name;
             basics++;
         }
         EXPECT_EQ(basics, s->NumRows);
@@ -90,7 +93,7 @@ TEST_F(DualStart, perturbation_goes_by_reduced_costs_and_moves_no_column_to_the_
     LpModel lp = packing(1);
     lp_add_row(&lp, '=', 50);
     for (int j = 0; j < VARS; j++) {
-        lp.obj[static_cast<size_t>(j)] = -1;
+        lp.obj[j] = -1;
         lp_set_entry(&lp, ROWS, j, 1);
     }
     lp_set_entry(&lp, ROWS, lp_add_var(&lp, -1, 0, LP_INFINITY), 1);
@@ -114,4 +117,26 @@ TEST_F(DualStart, perturbation_of_a_stalled_run_moves_reduced_costs_away_from_ze
         }
     }
     EXPECT_GT(moved, VARS);
+}
+
+// min c x with the sum of all x at least `need`, x between 0 and 1: the cheapest are taken, and one step passes them
+// all.
+TEST_F(DualRatio, a_step_over_thousands_of_breakpoints_ends_at_the_right_one)
+{
+    for (const int values : {2, 50, 1000000}) { // many ties, some, none
+        Dice dice(values);
+        constexpr int COSTS = 5000, NEED = 3000;
+        LpModel lp;
+        std::vector<double> cost;
+        std::vector<std::pair<int, double>> row;
+        for (int j = 0; j < COSTS; j++) {
+            cost.push_back(dice.range(1, values));
+            row.push_back({lp_add_var(&lp, cost.back(), 0, 1), 1});
+        }
+        lp_add_row_entries(&lp, row, '>', NEED);
+        load(lp, {{"Presolve", 0}});
+        std::sort(cost.begin(), cost.end());
+        EXPECT_EQ(objective(), std::accumulate(cost.begin(), cost.begin() + NEED, 0.0));
+        EXPECT_LE(dbl("IterCount"), 10);
+    }
 }

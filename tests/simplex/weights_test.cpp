@@ -1,4 +1,5 @@
-// weights_test.cpp -- pricing weights of both methods against the lengths that they stand for, by a dense inverse
+// weights_test.cpp -- pricing weights of both methods against the lengths that they stand for, by a dense inverse; and
+// the best of many against a plain search
 #include "simplex/dual.h"
 #include "simplex/primal.h"
 #include "support/inside.h"
@@ -21,7 +22,7 @@ std::vector<long double> column(const sopt *s, const Matrix &inverse, int j)
 
 Matrix basis_inverse(const sopt *s)
 {
-    const size_t m = static_cast<size_t>(s->NumRows);
+    const size_t m = size_t(s->NumRows);
     Matrix b(m, std::vector<long double>(m)), unit = b;
     for (size_t i = 0; i < m; i++) unit[i][i] = 1;
     for (int k = 0; k < s->NumRows; k++) {
@@ -40,7 +41,7 @@ struct Compare {
     {
         seen++;
         if (exact) {
-            EXPECT_NEAR(weight / static_cast<double>(length), 1, DRIFT);
+            EXPECT_NEAR(weight / double(length), 1, DRIFT);
             return;
         }
         EXPECT_LE(weight, (1 + DRIFT) * std::max(length, 1.0L));
@@ -192,5 +193,29 @@ TEST(PrimalPrice, merits_belong_to_columns_that_improve)
         p->ColRejected[0] = 0;
         primal_set_merit(s, s->Double, 0);
         EXPECT_EQ(p->Columns.Merit[0], c.improves ? 0.5 : 0) << c.status << " " << c.cost;
+    }
+}
+
+TEST(PriceList, finds_the_best_of_all_whatever_has_changed)
+{
+    for (uint64_t seed = 0; seed < 40; seed++) {
+        SCOPED_TRACE(seed);
+        Dice dice(seed);
+        const int dim = dice.pick<int>({1, 5, 50, 1000});
+        PriceList<double> list;
+        ASSERT_EQ(price_list_alloc(&list, dim), 0);
+        std::vector<double> merit(dim);
+        for (int step = 0; step < 400; step++) {
+            for (int k = dice.range(0, std::min(dim, 20)); k >= 0; k--) {
+                const int i = dice.range(0, dim - 1);
+                merit[i] = dice.chance(40) ? 0 : std::pow(10, dice.real(-12, 3));
+                price_list_set(&list, i, merit[i]);
+            }
+            if (dice.chance(3)) price_list_reset(&list);
+            const double most = *std::max_element(merit.begin(), merit.end());
+            const int best = price_list_best(&list);
+            ASSERT_EQ(best < 0 ? 0 : merit[best], most) << "step " << step;
+            if (best >= 0 && dice.chance(50)) price_list_set(&list, best, merit[best] = 0);
+        }
     }
 }

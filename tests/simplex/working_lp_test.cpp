@@ -107,7 +107,7 @@ TEST(StartBasis, nonbasics_stand_at_bounds_that_exist)
         const Working w(any_model(&dice));
         sopt *s = w.s;
         const ModelBody *body = w.body();
-        std::vector<int> status(static_cast<size_t>(s->NumVars));
+        std::vector<int> status(s->NumVars);
         for (int k = 0; k < s->NumVars; k++) status[k] = k < s->NumRows ? 0 : -1;
         dice.shuffle(&status);
         for (int &code : status) code = code < 0 ? dice.range(AT_FREE, AT_LOWER) : code;

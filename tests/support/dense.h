@@ -27,6 +27,6 @@ inline Matrix inverse(Matrix b, long double least = 0)
             for (size_t c = 0; c < 2 * m; c++) b[i][c] -= factor * b[k][c];
         }
     }
-    for (auto &row : b) row.erase(row.begin(), row.begin() + static_cast<long>(m));
+    for (auto &row : b) row.erase(row.begin(), row.begin() + long(m));
     return b;
 }

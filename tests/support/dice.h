@@ -31,7 +31,7 @@ struct Dice {
     }
     int range(int low, int high) // uniform in low .. high
     {
-        return static_cast<int>(low + draw(int64_t{high} - low + 1));
+        return int(low + draw(int64_t{high} - low + 1));
     }
     bool chance(int percent) { return range(1, 100) <= percent; }
     int nonzero(int limit) // uniform in -limit .. limit without 0
@@ -41,16 +41,15 @@ struct Dice {
     }
     double real(double low, double high)
     {
-        return low + (high - low) *
-                         (static_cast<double>(draw(int64_t{RANDOM_MAX} + 1)) / RANDOM_MAX);
+        return low + (high - low) * (double(draw(int64_t{RANDOM_MAX} + 1)) / RANDOM_MAX);
     }
     template<class T> const T &pick(const std::vector<T> &list)
     {
-        return list[static_cast<size_t>(range(0, static_cast<int>(list.size()) - 1))];
+        return list[range(0, int(list.size()) - 1)];
     }
     template<class T> void shuffle(std::vector<T> *list)
     {
-        for (int k = static_cast<int>(list->size()) - 1; k > 0; k--)
+        for (int k = int(list->size()) - 1; k > 0; k--)
             std::swap((*list)[k], (*list)[range(0, k)]);
     }
 };

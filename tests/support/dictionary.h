@@ -31,7 +31,7 @@ inline int sign(const Number &v)
 {
     long power = 0;
     (void)mpf_get_d_2exp(&power, v.get_mpf_t());
-    return 2 * power < -static_cast<long>(mpf_get_default_prec()) ? 0 : sgn(v);
+    return 2 * power < -long(mpf_get_default_prec()) ? 0 : sgn(v);
 }
 
 struct Bound {
@@ -45,42 +45,38 @@ struct Dictionary {
     std::vector<int> basic, nonbasic;
     std::vector<std::vector<Number>> coef; // [rows][nonbasics]
     std::vector<Number> cost;              // [nonbasics]
-    std::vector<Bound> lower, upper;       // [n + m]
+    std::vector<Bound> ends[2];            // [n + m] lower, upper
     std::vector<Number> value;             // [n + m] current values
     int pivots_to_bland = 0;               // so many pivots by size before Bland's order
 };
 
-inline void set_range(Dictionary *d, size_t v, const RationalRange &range)
+inline void add_range(Dictionary *d, const RationalRange &range)
 {
-    d->lower[v] = {range.has_low, Number(range.low)};
-    d->upper[v] = {range.has_high, Number(range.high)};
+    d->ends[0].push_back({range.has_low, Number(range.low)});
+    d->ends[1].push_back({range.has_high, Number(range.high)});
 }
 
 inline Dictionary build(const LpModel *lp, double relax)
 {
     const size_t n = lp->obj.size(), m = lp->rhs.size();
     Dictionary d;
-    d.lower.resize(n + m);
-    d.upper.resize(n + m);
     d.value.resize(n + m);
     d.coef.assign(m, std::vector<Number>(n));
-    d.pivots_to_bland = PATIENCE * static_cast<int>(n + m);
+    d.pivots_to_bland = PATIENCE * int(n + m);
     for (size_t j = 0; j < n; j++) {
-        d.nonbasic.push_back(static_cast<int>(j));
+        d.nonbasic.push_back(int(j));
         d.cost.emplace_back(lp->obj[j] * lp->sense);
-        set_range(&d, j, relaxed_column(lp, j, relax));
-        if (d.lower[j].finite)
-            d.value[j] = d.lower[j].value;
-        else if (d.upper[j].finite)
-            d.value[j] = d.upper[j].value;
+        add_range(&d, relaxed_column(lp, j, relax));
+        const Bound &start = d.ends[d.ends[0][j].finite ? 0 : 1][j];
+        if (start.finite) d.value[j] = start.value;
         for (const LpEntry &e : lp->cols[j]) {
             d.coef[e.row][j] = e.value;
-            d.value[n + static_cast<size_t>(e.row)] += e.value * d.value[j];
+            d.value[n + size_t(e.row)] += e.value * d.value[j];
         }
     }
     for (size_t i = 0; i < m; i++) {
-        d.basic.push_back(static_cast<int>(n + i));
-        set_range(&d, n + i, relaxed_row(lp, i, relax));
+        d.basic.push_back(int(n + i));
+        add_range(&d, relaxed_row(lp, i, relax));
     }
     return d;
 }
@@ -116,7 +112,7 @@ inline void pivot(Dictionary *d, int r, int k)
     for (Number &a : *row)
         if (sgn(a) != 0) a *= -inverse;
     (*row)[k] = inverse;
-    for (int q = 0; q < static_cast<int>(d->coef.size()); q++)
+    for (int q = 0; q < int(d->coef.size()); q++)
         if (q != r) substitute(*row, k, &d->coef[q]);
     substitute(*row, k, &d->cost);
     std::swap(d->basic[r], d->nonbasic[k]);
@@ -126,7 +122,7 @@ inline void pivot(Dictionary *d, int r, int k)
 // The bound in a direction: +1 up, -1 down.
 inline const Bound &bound_of(const Dictionary *d, int variable, int way)
 {
-    return (way > 0 ? d->upper : d->lower)[variable];
+    return d->ends[way > 0][variable];
 }
 
 // How far a variable can go in its direction before its bound; false when there is none.
@@ -176,7 +172,7 @@ inline int make_feasible(Dictionary *d)
         Choice leaving, entering;
         for (size_t r = 0; r < d->basic.size(); r++) {
             const Number out = excess(d, d->basic[r]);
-            if (sgn(out) != 0) leaving.offer(d, abs(out), static_cast<int>(r), d->basic[r]);
+            if (sgn(out) != 0) leaving.offer(d, abs(out), int(r), d->basic[r]);
         }
         if (leaving.place < 0) return -1;
         const int r = leaving.place;
@@ -184,7 +180,7 @@ inline int make_feasible(Dictionary *d)
         for (size_t k = 0; k < d->nonbasic.size(); k++) {
             const int way = sgn(d->coef[r][k]) * sgn(gap);
             if (way == 0 || !can_move(d, d->nonbasic[k], way)) continue;
-            entering.offer(d, abs(d->coef[r][k]), static_cast<int>(k), d->nonbasic[k]);
+            entering.offer(d, abs(d->coef[r][k]), int(k), d->nonbasic[k]);
         }
         const int k = entering.place;
         if (k < 0) return r;
@@ -200,8 +196,7 @@ inline int choose_improving(const Dictionary *d, int *way_out)
     for (size_t k = 0; k < d->nonbasic.size(); k++) {
         const int way = -sgn(d->cost[k]);
         if (way == 0 || !can_move(d, d->nonbasic[k], way)) continue;
-        if (best.offer(d, abs(d->cost[k]), static_cast<int>(k), d->nonbasic[k]))
-            *way_out = way;
+        if (best.offer(d, abs(d->cost[k]), int(k), d->nonbasic[k])) *way_out = way;
     }
     return best.place;
 }
@@ -221,7 +216,7 @@ inline bool ratio_test(const Dictionary *d, int k, int way, Number *step, int *l
         const int order = limited ? sign(Number(room - *step)) : -1;
         if (order > 0) continue;
         if (order < 0) best = Choice{};
-        if (best.offer(d, size, static_cast<int>(r), d->basic[r])) *step = room;
+        if (best.offer(d, size, int(r), d->basic[r])) *step = room;
         limited = true;
     }
     *leaving = best.place;
@@ -257,8 +252,8 @@ inline DictionaryEnd dictionary_solve(const LpModel *lp, double relax)
     }
     end.place.assign(d.value.size(), 0);
     for (const int variable : d.nonbasic) {
-        const bool low = d.lower[variable].finite && !can_move(&d, variable, -1);
-        end.place[variable] = low ? -1 : d.upper[variable].finite ? -2 : -3;
+        const bool low = d.ends[0][variable].finite && !can_move(&d, variable, -1);
+        end.place[variable] = low ? -1 : d.ends[1][variable].finite ? -2 : -3;
     }
     return end;
 }

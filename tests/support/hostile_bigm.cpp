@@ -81,12 +81,8 @@ static void add_penalties(Dice *dice, LpModel *lp)
         terms.push_back({lp_add_var(lp, lp->sense * big, 0, LP_INFINITY), 1});
         if (dice->chance(70))
             terms.push_back({lp_add_var(lp, lp->sense * big, 0, LP_INFINITY), -1});
-        const int kind = dice->range(0, 2);
-        lp_add_row_entries(lp, terms,
-                           kind == 0   ? '<'
-                           : kind == 1 ? '>'
-                                       : '=',
-                           dice->range(-20, 30));
+        const char sense = "<>="[dice->range(0, 2)];
+        lp_add_row_entries(lp, terms, sense, dice->range(-20, 30));
     }
 }
 

@@ -20,7 +20,7 @@ void contradict_rows(Dice *dice, LpModel *lp, double margin)
     HostileTerms sum;
     double right = 0; // what the sum is at most by the rows
     for (int k = dice->range(1, 3); k > 0; k--) {
-        const size_t i = static_cast<size_t>(dice->range(0, lp->num_rows() - 1));
+        const int i = dice->range(0, lp->num_rows() - 1);
         double y = dice->range(1, 3);
         if (lp->senses[i] == '>') y = -y;
         for (const auto &[col, value] : rows[i]) sum.push_back({col, y * value});
@@ -41,7 +41,7 @@ static bool exceed_bounds(Dice *dice, LpModel *lp, double margin)
         most += static_cast<long double>(value) * bound;
     }
     if (terms.empty()) return false;
-    lp_add_row_entries(lp, terms, '>', static_cast<double>(most + margin));
+    lp_add_row_entries(lp, terms, '>', double(most + margin));
     return true;
 }
 
@@ -61,12 +61,9 @@ void add_cancelling_pair(Dice *dice, LpModel *lp, double gain)
         if (rows[i].empty() || !dice->chance(30)) continue;
         const double a = dice->pick(rows[i]).second * dice->range(1, 3);
         const double harmless = dice->chance(30) ? std::fabs(a) * dice->range(1, 4) : 0;
-        const char sense = lp->senses[i];
+        const int way = lp->senses[i] - '='; // -1 where less is asked for, 1 where more
         lp_set_entry(lp, i, u, a);
-        lp_set_entry(lp, i, v,
-                     sense == '='   ? -a
-                     : sense == '<' ? -a - harmless
-                                    : -a + harmless);
+        lp_set_entry(lp, i, v, -a + way * harmless);
     }
 }
 
@@ -95,8 +92,7 @@ static void make_unbounded(Dice *dice, LpModel *lp)
 HostileModel hostile_generate(const HostileFamily &family, uint64_t seed)
 {
     uint64_t start = seed; // families do not share their choices
-    for (const char *c = family.name; *c; c++)
-        start = start * 31 + static_cast<uint64_t>(*c);
+    for (const char *c = family.name; *c; c++) start = start * 31 + uint64_t(*c);
     Dice dice(start);
     const int ticket = dice.range(1, 100);
     HostileModel h;

@@ -72,7 +72,6 @@ inline std::vector<HostileTerms> rows_of(const LpModel *lp)
 {
     std::vector<HostileTerms> rows(lp->rhs.size());
     for (size_t j = 0; j < lp->cols.size(); j++)
-        for (const LpEntry &e : lp->cols[j])
-            rows[e.row].push_back({static_cast<int>(j), e.value});
+        for (const LpEntry &e : lp->cols[j]) rows[e.row].push_back({int(j), e.value});
     return rows;
 }

@@ -18,8 +18,8 @@ const char *verdict_name(Verdict verdict)
         "right",     "loose",          "warned",          "gross",         "far",
         "refused",   "refused_either", "false_unbounded", "false_optimal", "silent",
         "objective", "numeric",        "runaway",         "slow",          "other"};
-    static_assert(sizeof NAMES / sizeof *NAMES == static_cast<size_t>(Verdict::COUNT));
-    return NAMES[static_cast<size_t>(verdict)];
+    static_assert(sizeof NAMES / sizeof *NAMES == size_t(Verdict::COUNT));
+    return NAMES[size_t(verdict)];
 }
 
 const RationalResult &HostileTruth::relaxed(double relax)
@@ -194,8 +194,8 @@ static HostileJudgement judge_solution(HostileTruth *truth, const HostileOutcome
         lp_measure(truth->lp, s->x, outcome->has_duals ? s->pi : std::vector<double>{});
     measure(&p);
     HostileJudgement j = judge_point(truth, &p);
-    j.primal_vio = static_cast<double>(p.primal);
-    j.dual_vio = static_cast<double>(p.dual);
+    j.primal_vio = double(p.primal);
+    j.dual_vio = double(p.dual);
     return j;
 }
 

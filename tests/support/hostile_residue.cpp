@@ -35,7 +35,7 @@ static double activity_of(const Plan *plan, const HostileTerms &terms)
     long double sum = 0;
     for (const auto &[col, value] : terms)
         sum += static_cast<long double>(value) * plan->x[col];
-    return static_cast<double>(sum);
+    return double(sum);
 }
 
 // Columns that are not defined by an equation.

@@ -122,8 +122,7 @@ static HostileTerms choose_row(Dice *dice, const Plan *plan,
         terms.insert(terms.end(), other.begin(), other.end());
         return terms;
     }
-    auto &moved =
-        terms[static_cast<size_t>(dice->range(0, static_cast<int>(terms.size()) - 1))];
+    auto &moved = terms[dice->range(0, int(terms.size()) - 1)];
     moved.second *= 1 + signed_log_uniform(dice, -10, -3);
     return terms;
 }
@@ -146,11 +145,7 @@ static void add_rows(Dice *dice, Plan *plan)
             stretch(&terms, 1.0 / 16);
         before.push_back(terms);
         const int ticket = dice->range(1, 100);
-        lp_add_row_entries(&plan->lp, terms,
-                           ticket <= 45   ? '<'
-                           : ticket <= 92 ? '>'
-                                          : '=',
-                           0);
+        lp_add_row_entries(&plan->lp, terms, "<>="[(ticket > 45) + (ticket > 92)], 0);
     }
     const std::vector<long double> activity = lp_activity(&plan->lp, plan->x);
     for (size_t i = 0; i < plan->lp.rhs.size(); i++) {
@@ -160,7 +155,7 @@ static void add_rows(Dice *dice, Plan *plan)
             const double room = log_uniform(dice, -9, 1);
             rhs += sense == '<' ? room : -room;
         }
-        plan->lp.rhs[i] = static_cast<double>(rhs);
+        plan->lp.rhs[i] = double(rhs);
     }
 }
 
@@ -182,7 +177,7 @@ static void plant_costs(Dice *dice, Plan *plan)
         long double cost = d * lp->sense;
         for (const LpEntry &e : lp->cols[j])
             cost += static_cast<long double>(y[e.row]) * e.value;
-        lp->obj[j] = static_cast<double>(cost);
+        lp->obj[j] = double(cost);
     }
 }
 

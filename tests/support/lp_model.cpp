@@ -15,7 +15,7 @@ LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &
     for (const LpRow &r : rows) {
         const int i = lp_add_row(&lp, r.sense, r.rhs);
         for (size_t j = 0; j < r.coefs.size(); j++)
-            lp_set_entry(&lp, i, static_cast<int>(j), r.coefs[j]);
+            lp_set_entry(&lp, i, int(j), r.coefs[j]);
     }
     return lp;
 }
@@ -167,7 +167,7 @@ double LpMeasures::violation() const
     long double most = 0;
     for (const std::vector<LpAmount> *list : {&bound, &constr})
         for (const LpAmount &a : *list) most = std::max(most, a.value);
-    return static_cast<double>(most);
+    return double(most);
 }
 
 bool all_finite(const std::vector<double> &values)
@@ -258,12 +258,9 @@ std::string lp_to_mps(const LpModel *lp, const std::string &comment)
     out << "NAME TEST\n";
     if (lp->sense < 0) out << "OBJSENSE\n    MAX\n";
     out << "ROWS\n N OBJ\n";
-    for (size_t i = 0; i < lp->rhs.size(); i++)
+    for (size_t i = 0; i < lp->rhs.size(); i++) // the senses are neighbours in ASCII
         out << " "
-            << (lp->senses[i] == '<'   ? 'L'
-                : lp->senses[i] == '>' ? 'G'
-                                       : 'E')
-            << " R" << i << "\n";
+            << "LEG"[lp->senses[i] - '<'] << " R" << i << "\n";
     print_columns(lp, &out);
     out << "RHS\n";
     if (lp->objcon != 0) out << " RHS OBJ " << number(-lp->objcon) << "\n";

@@ -38,8 +38,8 @@ struct LpModel {
         types; // [n] 'C' 'B' 'I' 'S' 'N' as the library knows them, or none: all 'C'
     std::vector<LpSet> sets;
 
-    int num_vars() const { return static_cast<int>(obj.size()); }
-    int num_rows() const { return static_cast<int>(rhs.size()); }
+    int num_vars() const { return int(obj.size()); }
+    int num_rows() const { return int(rhs.size()); }
     char type(size_t j) const { return types.empty() ? 'C' : types[j]; }
 };
 

@@ -3,6 +3,7 @@
 #include "support/model_text.h"
 #include <cstdlib>
 #include <numeric>
+#include <tuple>
 
 TestEnv::TestEnv()
 {
@@ -28,8 +29,8 @@ TVXmodel *lp_load(TVXenv *env, const LpModel *lp, const Settings &settings)
     std::vector<int> beg, len, ind;
     std::vector<double> val;
     for (const std::vector<LpEntry> &col : lp->cols) {
-        beg.push_back(static_cast<int>(ind.size()));
-        len.push_back(static_cast<int>(col.size()));
+        beg.push_back(int(ind.size()));
+        len.push_back(int(col.size()));
         for (const LpEntry &e : col) {
             ind.push_back(e.row);
             val.push_back(e.value);
@@ -57,12 +58,6 @@ static int read_array(Query query, TVXmodel *model, const char *name, int count,
     return count > 0 ? query(model, name, 0, count, values->data()) : 0;
 }
 
-static int read_doubles(TVXmodel *model, const char *name, int count,
-                        std::vector<double> *values)
-{
-    return read_array(TVXgetdblattrarray, model, name, count, values);
-}
-
 int lp_read_back(TVXmodel *model, LpModel *lp)
 {
     const ModelContent content = model_content(model);
@@ -87,14 +82,14 @@ int lp_read_point(TVXmodel *model, LpSolution *solution)
     int error = TVXgetintattr(model, "NumVars", &n);
     if (!error) error = TVXgetintattr(model, "NumConstrs", &m);
     if (!error) error = TVXgetdblattr(model, "ObjVal", &solution->objval);
-    if (!error) error = read_doubles(model, "X", n, &solution->x);
-    if (!error) error = read_doubles(model, "RC", n, &solution->rc);
-    if (!error) error = read_doubles(model, "Pi", m, &solution->pi);
-    if (!error) error = read_doubles(model, "Slack", m, &solution->slack);
-    if (!error)
-        error = read_array(TVXgetintattrarray, model, "VBasis", n, &solution->vbasis);
-    if (!error)
-        error = read_array(TVXgetintattrarray, model, "CBasis", m, &solution->cbasis);
+    for (const auto &[name, count, values] : {std::tuple{"X", n, &solution->x},
+                                              {"RC", n, &solution->rc},
+                                              {"Pi", m, &solution->pi},
+                                              {"Slack", m, &solution->slack}})
+        if (!error) error = read_array(TVXgetdblattrarray, model, name, count, values);
+    for (const auto &[name, count, values] :
+         {std::tuple{"VBasis", n, &solution->vbasis}, {"CBasis", m, &solution->cbasis}})
+        if (!error) error = read_array(TVXgetintattrarray, model, name, count, values);
     solution->has_basis = !error;
     return error;
 }
@@ -119,10 +114,8 @@ int lp_set_basis(TVXmodel *model, const std::vector<int> &vbasis,
 {
     int error = 0;
     if (!vbasis.empty())
-        error = TVXsetintattrarray(model, "VBasis", 0, static_cast<int>(vbasis.size()),
-                                   vbasis.data());
+        error = TVXsetintattrarray(model, "VBasis", 0, int(vbasis.size()), vbasis.data());
     if (!error && !cbasis.empty())
-        error = TVXsetintattrarray(model, "CBasis", 0, static_cast<int>(cbasis.size()),
-                                   cbasis.data());
+        error = TVXsetintattrarray(model, "CBasis", 0, int(cbasis.size()), cbasis.data());
     return error;
 }

@@ -17,8 +17,6 @@ struct TestModel {
     TVXmodel *model = nullptr;
     explicit TestModel(TVXmodel *given) : model(given) {}
     ~TestModel() { TVXfreemodel(model); }
-    TestModel(const TestModel &) = delete;
-    TestModel &operator=(const TestModel &) = delete;
     TestModel(TestModel &&other) noexcept : model(std::exchange(other.model, nullptr)) {}
     operator TVXmodel *() const { return model; }
     TVXmodel *operator->() const { return model; }

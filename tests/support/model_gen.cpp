@@ -74,8 +74,7 @@ static void add_random_row(Dice *dice, const Flavour &flavour, LpModel *lp)
 // A row that repeats an earlier one, a multiple of it perhaps, perhaps with another sense or right-hand side.
 static void add_parallel_row(Dice *dice, LpModel *lp)
 {
-    const int old = dice->range(0, lp->num_rows() - 1);
-    const size_t from = static_cast<size_t>(old);
+    const int from = dice->range(0, lp->num_rows() - 1);
     const double factor = dice->chance(50) ? 1 : dice->nonzero(2);
     char sense = lp->senses[from];
     if (factor < 0 && sense != '=') sense = sense == '<' ? '>' : '<';
@@ -84,13 +83,13 @@ static void add_parallel_row(Dice *dice, LpModel *lp)
     if (dice->chance(40)) rhs += dice->range(-3, 3);
     const int row = lp_add_row(lp, sense, rhs);
     for (int j = 0; j < lp->num_vars(); j++)
-        lp_set_entry(lp, row, j, factor * lp_get_entry(lp, old, j));
+        lp_set_entry(lp, row, j, factor * lp_get_entry(lp, from, j));
 }
 
 static void copy_column(Dice *dice, LpModel *lp)
 {
-    const size_t from = static_cast<size_t>(dice->range(0, lp->num_vars() - 1));
-    const size_t to = static_cast<size_t>(dice->range(0, lp->num_vars() - 1));
+    const int from = dice->range(0, lp->num_vars() - 1);
+    const int to = dice->range(0, lp->num_vars() - 1);
     lp->cols[to] = lp->cols[from];
     if (dice->chance(60)) lp->obj[to] = lp->obj[from];
 }
@@ -100,7 +99,7 @@ static void plant_point(Dice *dice, const Flavour &flavour, LpModel *lp)
     const std::vector<long double> activity = lp_activity(lp, random_point(dice, lp));
     for (size_t i = 0; i < lp->rhs.size(); i++) {
         const int slack = flavour.all_tight || dice->chance(40) ? 0 : dice->range(1, 5);
-        lp->rhs[i] = static_cast<double>(activity[i]);
+        lp->rhs[i] = double(activity[i]);
         if (lp->senses[i] == '<') lp->rhs[i] += slack;
         if (lp->senses[i] == '>') lp->rhs[i] -= slack;
     }
@@ -147,7 +146,7 @@ LpModel gen_planted(Dice *dice, int rows, int cols, int density, bool all_tight)
     LpModel lp;
     lp.sense = dice->chance(50) ? 1 : -1;
     lp.objcon = dice->range(-50, 50);
-    for (size_t j = 0; j < static_cast<size_t>(cols); j++) {
+    for (int j = 0; j < cols; j++) {
         add_random_var(dice, &lp);
         if (lp.lb[j] > lp.ub[j]) std::swap(lp.lb[j], lp.ub[j]);
     }

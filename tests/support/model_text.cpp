@@ -23,7 +23,7 @@ struct Reader {
         std::vector<T> values(n);
         if (n > 0 && query(model, attribute, 0, n, values.data()))
             unreadable += std::string(" ") + attribute;
-        for (int k = 0; k < n; k++) use(static_cast<size_t>(k), values[k]);
+        for (int k = 0; k < n; k++) use(size_t(k), values[k]);
     }
     template<class Query, class Use> void vectors(const Query &query, int n, const Use &use)
     {
@@ -36,7 +36,7 @@ struct Reader {
         beg[n] = count;
         for (int k = 0; k < n; k++)
             for (int p = beg[k]; p < beg[k + 1]; p++)
-                use(static_cast<size_t>(k))->emplace_back(ind[p], val[p]);
+                use(size_t(k))->emplace_back(ind[p], val[p]);
     }
 };
 } // namespace

@@ -78,7 +78,7 @@ static LpSolution as_caller_sees(const TVXmodel *model, const LpModel *lp,
         s.slack.push_back(row_sign(body, i) * point->x[n + i]);
         s.cbasis.push_back(point->status[n + i] >= 0 ? 0 : -1);
     }
-    s.objval = static_cast<double>(lp_objective(lp, s.x));
+    s.objval = double(lp_objective(lp, s.x));
     return s;
 }
 

@@ -17,8 +17,8 @@ using Amounts = std::vector<Amount>;
 
 static Amount positive(const LpAmount &amount)
 {
-    const double value = static_cast<double>(std::max(amount.value, 0.0L));
-    return {value, RELATIVE * value + ROUNDING * static_cast<double>(amount.terms)};
+    const double value = double(std::max(amount.value, 0.0L));
+    return {value, RELATIVE * value + ROUNDING * double(amount.terms)};
 }
 
 static Amount size_of(const LpAmount &amount)
@@ -69,7 +69,7 @@ static void compare(TVXmodel *model, const std::string &name, const Amounts &amo
     if (std::fabs(said_sum - sum) > sum_noise)
         faults->push_back(differs(name + "Sum", said_sum, sum));
     const bool none = place == -1;
-    if (none ? max > max_noise : place < 0 || place >= static_cast<int>(amounts.size()))
+    if (none ? max > max_noise : place < 0 || place >= int(amounts.size()))
         faults->push_back(differs(name + "Index", place, max));
     else if (!none && amounts[place].value < max - 2 * max_noise)
         faults->push_back(differs(name + " at its place", max, amounts[place].value));
@@ -99,14 +99,11 @@ std::vector<std::string> check_quality(TVXmodel *model, const LpModel *lp,
         priced.judge(p, tol);
     }
     const Amounts none;
+    // clang-format off
     const std::pair<const char *, const Amounts &> rows[] = {
-        {"BoundVio", bound},
-        {"ConstrVio", constr},
-        {"ConstrResidual", residual},
-        {"DualVio", priced.dual},
-        {"DualResidual", dual_residual},
-        {"ComplVio", priced.complementarity},
-        {"IntVio", none}};
+        {"BoundVio", bound}, {"ConstrVio", constr}, {"ConstrResidual", residual}, {"DualVio", priced.dual},
+        {"DualResidual", dual_residual}, {"ComplVio", priced.complementarity}, {"IntVio", none}};
+    // clang-format on
     std::vector<std::string> faults;
     for (const auto &[name, amounts] : rows) compare(model, name, amounts, &faults);
     return faults;

@@ -36,8 +36,7 @@ static Basis split_basis(const LpModel *lp, const std::vector<int> &place)
         Vector row;
         mpz_class factor = 1;
         for (const size_t j : basis.cols) {
-            row.emplace_back(
-                lp_get_entry(lp, static_cast<int>(basis.rows[t]), static_cast<int>(j)));
+            row.emplace_back(lp_get_entry(lp, int(basis.rows[t]), int(j)));
             factor = lcm(factor, row.back().get_den());
         }
         std::vector<mpz_class> integers(2 * k);

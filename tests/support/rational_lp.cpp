@@ -8,7 +8,7 @@ static constexpr unsigned BITS = 320, MOST_BITS = 20480; // of the first and las
 const char *lp_status_name(LpStatus status)
 {
     static constexpr const char *NAMES[] = {"optimal", "infeasible", "unbounded"};
-    return NAMES[static_cast<size_t>(status)];
+    return NAMES[size_t(status)];
 }
 
 static RationalRange relax_range(double low, double high, double relax)
@@ -40,7 +40,7 @@ static bool find_crossed(const LpModel *lp, double relax, RationalResult *result
         const RationalRange range = relaxed_column(lp, j, relax);
         if (!range.has_low || !range.has_high || range.low <= range.high) continue;
         result->status = LpStatus::INFEASIBLE;
-        result->crossed = static_cast<int>(j);
+        result->crossed = int(j);
         result->farkas.assign(lp->rhs.size(), 0);
         return true;
     }

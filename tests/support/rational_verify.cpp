@@ -140,8 +140,7 @@ std::string rational_verify(const LpModel *lp, const RationalResult *result, dou
 {
     if (result->status == LpStatus::INFEASIBLE) {
         if (result->crossed < 0) return verify_farkas(lp, result->farkas, relax);
-        const RationalRange r =
-            relaxed_column(lp, static_cast<size_t>(result->crossed), relax);
+        const RationalRange r = relaxed_column(lp, size_t(result->crossed), relax);
         return r.has_low && r.has_high && r.low > r.high
                    ? ""
                    : "bounds said to be crossed are not";

@@ -11,34 +11,20 @@ struct Choice {
 };
 } // namespace
 
+// clang-format off
 static const std::vector<Choice> CHOICES = {
-    {"LPMethod", 100, {0, 1}},
-    {"Presolve", 50, {-1, 0, 0, 0, 1, 2}},
-    {"SimplexPricing", 35, {-1, 0, 1, 2, 3}},
-    {"NormAdjust", 20, {-1, 0, 1, 2, 3}},
-    {"ScaleFlag", 30, {0, 1}},
-    {"ObjScale", 25, {-1, -0.5, 0, 1, 8, 1000}},
-    {"PerturbValue", 30, {0, 0, 1e-5, 0.0002, 0.01}},
-    {"Quad", 15, {-1, 0, 1}},
-    {"PreDual", 25, {-1, 0, 0, 1}},
-    {"TARV_PAR_DUALREDUCTION", 15, {0}},
-    {"FeasibilityTol", 10, {1e-9, 1e-7}},
-    {"OptimalityTol", 10, {1e-9, 1e-7}},
-    {"MarkowitzTol", 10, {0.0001, 0.1, 0.9}},
-    {"TARV_PAR_SIMPLEXPWRATIO", 25, {0, 1}},
-    {"TARV_PAR_PRIMALPARTIAL", 25, {0, 1, 2, 3}},
-    {"TARV_PAR_EXACTNORM", 25, {-1, 0, 1}},
-    {"TARV_PAR_NONDEGENFLIP", 25, {0, 1}},
-    {"TARV_PAR_ALTSCALE", 15, {0, 1}},
-    {"TARV_PAR_PRIMDUALSWITCH", 15, {-1, 0, 1}},
-    {"TARV_PAR_STMPFIXES", 10, {0, 1, 100}},
-    {"TARV_PAR_UNSCALEDVIO", 15, {-2, -1, 0, 1}},
-    {"TARV_PAR_SIMPLEXENDFAC", 10, {0, 1}},
-    {"TARV_PAR_WARMBASIS", 10, {-1, 0, 1, 2, 3}},
-    {"TARV_PAR_SIMPLEXALLOCS", 10, {1, 5}},
-    {"TARV_PAR_INTBASIS", 10, {0, 1, 2, 3}},
-    {"TARV_PAR_SDISPINTERVAL", 10, {0, 1, 10}},
-};
+    {"LPMethod", 100, {0, 1}}, {"Presolve", 50, {-1, 0, 0, 0, 1, 2}}, {"SimplexPricing", 35, {-1, 0, 1, 2, 3}},
+    {"NormAdjust", 20, {-1, 0, 1, 2, 3}}, {"ScaleFlag", 30, {0, 1}}, {"ObjScale", 25, {-1, -0.5, 0, 1, 8, 1000}},
+    {"PerturbValue", 30, {0, 0, 1e-5, 0.0002, 0.01}}, {"Quad", 15, {-1, 0, 1}}, {"PreDual", 25, {-1, 0, 0, 1}},
+    {"TARV_PAR_DUALREDUCTION", 15, {0}}, {"FeasibilityTol", 10, {1e-9, 1e-7}}, {"OptimalityTol", 10, {1e-9, 1e-7}},
+    {"MarkowitzTol", 10, {0.0001, 0.1, 0.9}}, {"TARV_PAR_SIMPLEXPWRATIO", 25, {0, 1}},
+    {"TARV_PAR_PRIMALPARTIAL", 25, {0, 1, 2, 3}}, {"TARV_PAR_EXACTNORM", 25, {-1, 0, 1}},
+    {"TARV_PAR_NONDEGENFLIP", 25, {0, 1}}, {"TARV_PAR_ALTSCALE", 15, {0, 1}},
+    {"TARV_PAR_PRIMDUALSWITCH", 15, {-1, 0, 1}}, {"TARV_PAR_STMPFIXES", 10, {0, 1, 100}},
+    {"TARV_PAR_UNSCALEDVIO", 15, {-2, -1, 0, 1}}, {"TARV_PAR_SIMPLEXENDFAC", 10, {0, 1}},
+    {"TARV_PAR_WARMBASIS", 10, {-1, 0, 1, 2, 3}}, {"TARV_PAR_SIMPLEXALLOCS", 10, {1, 5}},
+    {"TARV_PAR_INTBASIS", 10, {0, 1, 2, 3}}, {"TARV_PAR_SDISPINTERVAL", 10, {0, 1, 10}}};
+// clang-format on
 
 static const std::vector<Choice> MIP_CHOICES = {
     {"Presolve", 60, {-1, 0, 0, 1, 2}},
@@ -118,9 +104,8 @@ int settings_apply(TVXenv *env, const Settings &settings)
 {
     for (const auto &[name, value] : settings) {
         const bool is_int = TVXgetparamtype(env, name.c_str()) == 1;
-        const int error = is_int
-                              ? TVXsetintparam(env, name.c_str(), static_cast<int>(value))
-                              : TVXsetdblparam(env, name.c_str(), value);
+        const int error = is_int ? TVXsetintparam(env, name.c_str(), int(value))
+                                 : TVXsetdblparam(env, name.c_str(), value);
         if (error) return error;
     }
     return 0;

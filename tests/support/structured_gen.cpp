@@ -8,17 +8,13 @@ using Terms = std::vector<std::pair<int, double>>;
 
 const std::vector<FamilyRow> &all_families()
 {
+    // clang-format off
     static const std::vector<FamilyRow> families = {
-        {"assignment", gen_assignment},
-        {"multi_period", gen_multi_period},
-        {"network", gen_network},
-        {"blending", gen_blending},
-        {"planted_optimum", gen_planted_optimum},
-        {"badly_scaled", gen_badly_scaled},
-        {"degenerate_optimum", gen_degenerate_optimum},
-        {"planted_infeasible", gen_planted_infeasible},
-        {"planted_unbounded", gen_planted_unbounded},
-    };
+        {"assignment", gen_assignment}, {"multi_period", gen_multi_period}, {"network", gen_network},
+        {"blending", gen_blending}, {"planted_optimum", gen_planted_optimum}, {"badly_scaled", gen_badly_scaled},
+        {"degenerate_optimum", gen_degenerate_optimum}, {"planted_infeasible", gen_planted_infeasible},
+        {"planted_unbounded", gen_planted_unbounded}};
+    // clang-format on
     return families;
 }
 

@@ -11,7 +11,7 @@ enum class Truth {
     OPTIMAL,
     INFEASIBLE,
     UNBOUNDED
-}; // OPTIMAL: at least feasible and bounded
+}; // OPTIMAL: feasible and bounded at least
 
 struct GeneratedLp {
     LpModel lp;

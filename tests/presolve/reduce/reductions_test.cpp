@@ -20,10 +20,10 @@ static LpModel full_of_multiples(Dice *dice)
     }
     for (int more = dice->range(0, 4); more > 0; more--) {
         const int j = dice->range(0, lp.num_vars() - 1), f = dice->nonzero(2);
-        const double cost = f * lp.obj[static_cast<size_t>(j)];
+        const double cost = f * lp.obj[j];
         const int k = lp_add_var(&lp, cost + (dice->chance(50) ? dice->range(-2, 2) : 0), 0,
                                  LP_INFINITY);
-        for (const LpEntry &e : std::vector<LpEntry>(lp.cols[static_cast<size_t>(j)]))
+        for (const LpEntry &e : std::vector<LpEntry>(lp.cols[j]))
             lp_set_entry(&lp, e.row, k, f * e.value);
     }
     for (int more = dice->range(0, 4); more > 0; more--) {
@@ -45,7 +45,7 @@ static LpModel full_of_multiples(Dice *dice)
     const std::vector<long double> activity = lp_activity(&lp, x);
     for (size_t i = 0; i < lp.rhs.size(); i++) {
         lp.senses[i] = dice->pick(std::vector<char>{'<', '>', '=', '='});
-        lp.rhs[i] = static_cast<double>(activity[i]) + (dice->chance(3) ? 1 : 0);
+        lp.rhs[i] = double(activity[i]) + (dice->chance(3) ? 1 : 0);
     }
     return lp;
 }
@@ -96,23 +96,18 @@ TEST(Reductions, keep_the_truth_and_find_what_they_look_for)
         std::initializer_list<Reduction> reductions;
         int effect; // on all models: what it is today, but for 0.5 %
         int claims; // at least
+        // clang-format off
     } rows[] = {
         {"singleton_rows", {pre_singleton_rows, pre_redundant_rows}, 3217, 50},
-        {"forcing_rows", {pre_forcing_rows}, 228, 0},
-        {"redundant_rows", {pre_redundant_rows}, 1290, 0},
+        {"forcing_rows", {pre_forcing_rows}, 228, 0}, {"redundant_rows", {pre_redundant_rows}, 1290, 0},
         {"aggregate", {pre_aggregate, pre_aggregate, pre_redundant_rows}, 5153, 50},
         {"duplicate_rows", {pre_duplicate_rows, pre_aggregate}, 4024, 50},
-        {"dependent_rows", {pre_dependent_rows}, 252, 30},
-        {"dependent_cols", {pre_dependent_cols}, 17, 10},
-        {"two_rows", {pre_two_rows}, 5097, 0},
-        {"ineq_to_eq", {pre_ineq_to_eq, pre_columns}, 3892, 0},
-        {"columns", {pre_columns, pre_ineq_to_eq, pre_columns}, 3623, 50},
-        {"fix_empty", {pre_fix_empty}, 1490, 20},
-        {"dual_bounds", {pre_dual_bounds}, 1072, 50},
-        {"duplicate_cols", {pre_duplicate_cols}, 1406, 20},
-        {"singleton_knapsack", {pre_singleton_knapsack}, 104, 0},
-        {"implied_bounds", {pre_implied_bounds}, 311, 50},
-    };
+        {"dependent_rows", {pre_dependent_rows}, 252, 30}, {"dependent_cols", {pre_dependent_cols}, 17, 10},
+        {"two_rows", {pre_two_rows}, 5097, 0}, {"ineq_to_eq", {pre_ineq_to_eq, pre_columns}, 3892, 0},
+        {"columns", {pre_columns, pre_ineq_to_eq, pre_columns}, 3623, 50}, {"fix_empty", {pre_fix_empty}, 1490, 20},
+        {"dual_bounds", {pre_dual_bounds}, 1072, 50}, {"duplicate_cols", {pre_duplicate_cols}, 1406, 20},
+        {"singleton_knapsack", {pre_singleton_knapsack}, 104, 0}, {"implied_bounds", {pre_implied_bounds}, 311, 50}};
+    // clang-format on
     for (const auto &row : rows) {
         int effect = 0, ends = 0, proofs = 0;
         for (uint64_t seed = 0; seed < 2000; seed++) {

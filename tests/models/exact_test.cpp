@@ -1,19 +1,60 @@
-// hostile_test.cpp -- LPs on which floating point goes wrong, under drawn settings, against exact arithmetic
+// exact_test.cpp -- tiny LPs, and LPs on which floating point goes wrong, under drawn settings, against exact arithmetic
 //
+// TARVEX_TINY_COUNT=n      how many tiny models (20000; a campaign takes some 100000)
+// TARVEX_TINY_SEED=s       the first of them (0)
+// TARVEX_TINY_SIZE=n       the most rows and columns (8)
 // TARVEX_HOSTILE_COUNT=n   models a family, of the tall ones half as many (300; a campaign takes thousands)
 // TARVEX_HOSTILE_SEED=s    the first of each family (0)
-// Every fourth model is solved at the defaults, the others under settings_draw. A failing case is printed as MPS with
-// its verdict and settings. Violations that a warning names, and values that the tolerances explain, are no failures.
-// In the wild family only unbounded claims and runs without end count: its numbers leave a double no digit for the
-// rest.
+// A third of the tiny ones has a cutoff near the optimum, which ends the solve only when no point is better; models that
+// change are those of fuzz/corpus_test.cpp. Every fourth hostile model is solved at the defaults, the others under
+// settings_draw. A failing case is printed as MPS with what is wrong and its settings. Violations that a warning names,
+// and values that the tolerances explain, are no failures; in the wild family only unbounded claims and runs without end
+// count: its numbers leave a double no digit for the rest.
 #include "support/hostile_gen.h"
 #include "support/hostile_judge.h"
+#include "support/model_gen.h"
+#include "support/solve_judge.h"
 #include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 
-static constexpr int MAX_FAILURES = 3; // a family
+static constexpr int MAX_FAILURES = 3; // of the tiny ones, and of a family
+static constexpr int CUTOFF_PERCENT = 33;
 static constexpr int DEFAULTS_EVERY = 4;
 static constexpr uint64_t SETTINGS_SEED = 7000000; // not the choices of the model
+
+// One case; the text of a failure, or empty.
+static std::string try_seed(TVXenv *env, uint64_t seed)
+{
+    Dice dice(seed);
+    const int size = campaign("TARVEX_TINY_SIZE", 8);
+    const LpModel lp = gen_tiny(&dice, TinyLimits{.max_vars = size, .max_rows = size});
+    const RationalResult truth = rational_solve(&lp);
+    Settings settings = settings_draw(&dice);
+    if (dice.chance(CUTOFF_PERCENT)) {
+        const double optimum =
+            truth.status == LpStatus::OPTIMAL ? truth.value.get_d() : dice.range(-9, 9);
+        const double step = dice.pick<double>({-1, -1e-3, 0, 1e-3, 1});
+        settings.emplace_back("Cutoff", optimum + step * (1 + std::fabs(optimum)));
+    }
+    const std::string wrong = solve_and_judge(env, &lp, &truth, settings);
+    if (wrong.empty()) return "";
+    return wrong + "\nTARVEX_TINY_SEED=" + std::to_string(seed) + "\n" +
+           lp_to_mps(&lp, settings_text(settings));
+}
+
+TEST(TinyLp, status_and_value_are_right_under_any_settings)
+{
+    const TestEnv env;
+    const uint64_t first = campaign("TARVEX_TINY_SEED", 0),
+                   count = campaign("TARVEX_TINY_COUNT", 20000);
+    int failures = 0;
+    for (uint64_t seed = first; seed < first + count && failures < MAX_FAILURES; seed++) {
+        const std::string wrong = try_seed(env.env, seed);
+        failures += !wrong.empty();
+        EXPECT_EQ(wrong, "");
+    }
+}
 
 // Infeasible and unbounded are claims; one that exact arithmetic refutes is wrong whatever the numbers.
 static bool is_failure(const HostileFamily &family, Verdict verdict)

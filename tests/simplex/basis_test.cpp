@@ -1,6 +1,8 @@
-// singular_test.cpp -- a singular start basis, and the banner of a root relaxation
+// basis_test.cpp -- a singular start basis, slacks of equations that leave an optimal one, and the banner of a root
+// relaxation
 #include "simplex/sopt.h"
 #include "support/model_test.h"
+#include <algorithm>
 
 namespace
 {
@@ -22,6 +24,7 @@ struct Singular : ModelTest {
              {{"OutputFlag", 1}, {"Quad", 0}});
     }
 };
+using ReleaseSlacks = ModelTest;
 } // namespace
 
 TEST_F(Singular, basis_is_repaired_as_often_as_allowed)
@@ -50,4 +53,28 @@ TEST_F(Singular, root_of_a_search_writes_its_lines_late_and_under_a_banner)
     Output output;
     log_iteration(model->lp.simplex, 1, 2, 3);
     EXPECT_EQ(output.text().find("\nRoot simplex log...\n\nIteration    Objective "), 0U);
+}
+
+TEST_F(ReleaseSlacks, equations_at_zero_get_the_dual_that_keeps_the_basis_optimal)
+{
+    // The second equation follows from the first.
+    load(lp_make({{3, 0, 4}, {1, 0, 4}, {2, 0, 4}},
+                 {{{2, -1}, '=', 0}, {{4, -2}, '=', 0}, {{0, 1, 1}, '<', 5}}),
+         {{"Presolve", 0}});
+    ASSERT_EQ(TVXoptimize(model), 0);
+    int status[6];
+    simplex_get_basis(model->lp.simplex, status);
+    ASSERT_TRUE(status[3] >= 0 && status[4] >= 0); // or there is nothing to do
+    ASSERT_EQ(simplex_release_slacks(model->lp.simplex, "\1\1\1"), 0);
+    simplex_get_basis(model->lp.simplex, status);
+    EXPECT_EQ((status[3] >= 0) + (status[4] >= 0), 1); // one is all that can leave
+    EXPECT_GE(status[5], 0);                           // not an equation's
+    EXPECT_EQ(std::count_if(status, status + 6, [](int s) { return s >= 0; }), 3);
+    double x[3], pi[3], rc[3];
+    simplex_get_primal(model->lp.simplex, x);
+    simplex_get_dual(model->lp.simplex, pi, rc);
+    for (int j = 0; j < 3; j++) {
+        EXPECT_EQ(x[j], 0);
+        EXPECT_GE(rc[j], 0);
+    }
 }
