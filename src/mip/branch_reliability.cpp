@@ -57,10 +57,9 @@ int unreliable_first(MIPState *state, const TreeNode *node)
 {
     Array<BranchCandidate> *list = &node->Data->Result->Candidates;
     const int needed = reliability(state);
-    BranchCandidate *middle =
-        std::stable_partition(list->begin(), list->end(), [&](const BranchCandidate &c) {
-            return !is_reliable(state, node, c.Var, needed);
-        });
+    BranchCandidate *middle = std::partition(list->begin(), list->end(), [&](const BranchCandidate &c) {
+        return !is_reliable(state, node, c.Var, needed);
+    });
     int count = static_cast<int>(middle - list->begin());
     const bool cheap = state->Costs.Iterations < CHEAP_SO_FAR * all_iterations(state);
     if (count < MOST_TOPPED_UP && cheap && list->size > MOST_TOPPED_UP) {
@@ -75,10 +74,11 @@ int unreliable_first(MIPState *state, const TreeNode *node)
         for (int added = 0; added < MOST_TOPPED_UP && count < list->size; added++, count++)
             if (pseudo_observations(&state->Costs, list->data[count].Var) >= TOP_UP_BELOW) break;
     }
-    std::stable_sort(list->begin(), list->begin() + count,
-                     [&](const BranchCandidate &a, const BranchCandidate &b) {
-                         return estimated_score(state, a) > estimated_score(state, b);
-                     });
+    std::sort(list->begin(), list->begin() + count,
+              [&](const BranchCandidate &a, const BranchCandidate &b) {
+                  const double score_a = estimated_score(state, a), score_b = estimated_score(state, b);
+                  return score_a != score_b ? score_a > score_b : a.Var < b.Var;
+              });
     return count;
 }
 
