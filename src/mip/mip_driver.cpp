@@ -34,6 +34,17 @@ bool can_continue(const MipSolve *mip, const ModelBody *body, const TVXenv *env)
 
 // ---- Results ----
 
+int open_result(MipSolve *mip)
+{
+    record_free(mip->result);
+    mip->result = record_create<MipResult>();
+    if (!mip->result) return OUT_OF_MEMORY;
+    mip->result->objval = turned(mip->body->sense, UNDEFINED_VALUE);
+    mip->result->objbound = -mip->result->objval;
+    return 0;
+}
+
+
 int copy_best(const MipSolve *mip, const SolutionPool *pool)
 {
     MipResult *result = mip->result;
@@ -175,8 +186,8 @@ int take_presolved(MipSolve *mip, const TVXenv *env, const PresolveResult *preso
     result->status = TVX_OPTIMAL;
     const double cutoff = body->sense * env->Cutoff;
     if (env->Cutoff < UNDEFINED_VALUE && body->sense * result->objval >= cutoff) {
-        *result = MipResult{};
-        result->status = TVX_CUTOFF;
+        TRY(open_result(mip));
+        mip->result->status = TVX_CUTOFF;
     }
     return 0;
 }
@@ -218,13 +229,6 @@ void mip_drop(MipSolve *mip)
 
 namespace
 {
-int open_result(MipSolve *mip)
-{
-    record_free(mip->result);
-    mip->result = record_create<MipResult>();
-    return mip->result ? 0 : OUT_OF_MEMORY;
-}
-
 int solve(MipSolve *mip, TVXenv *env, const double *start, bool continued)
 {
     TRY(open_result(mip));

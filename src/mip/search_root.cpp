@@ -17,13 +17,6 @@ namespace
 {
 constexpr int TEST_ROUNDS = 100;
 
-// A reduced cost above this multiple of OptimalityTol is not zero; and of columns and rows together, one in so many of
-// them makes pseudo-costs the better rule.
-constexpr double ZERO_COST = 10;
-constexpr int PART_WITH_COSTS = 5;
-
-enum VarBranchRule { BY_PSEUDO_COST = 0, BY_MULTIPLIER = 1 };
-
 // ---- The budget of strong branching ----
 constexpr int ONE_STEP = 1;       // iterations: the first step only
 constexpr int MANY = 1000, SOME = 501, FEW = 100; // fractional variables
@@ -57,19 +50,6 @@ int strong_branch_budget(const MIPState *state, double root_iterations)
     return ratio > LARGE_RATIO ? NO_BUDGET : static_cast<int>(ratio);
 }
 
-int choose_rule(const SearchWorker *worker)
-{
-    const MIPState *state = worker->State;
-    const ModelBody *body = state->Body;
-    int count = 0;
-    for (int j = 0; j < body->numvars; j++)
-        count += std::fabs(simplex_reduced_cost(worker->Lp.simplex, j)) >
-                 ZERO_COST * state->Env->OptimalityTol;
-    return PART_WITH_COSTS * int64_t{count} > int64_t{body->numvars} + body->numconstrs
-               ? BY_PSEUDO_COST
-               : BY_MULTIPLIER;
-}
-
 // What the first LP says.
 int after_lp(SearchWorker *worker, NodeData *data)
 {
@@ -77,7 +57,6 @@ int after_lp(SearchWorker *worker, NodeData *data)
     state->RootObjective = state->LastRootObjective = data->LPObjective;
     state->RootFractionals = std::max(0, data->Result->Fractionals);
     data->Estimate = data->LPObjective;
-    if (state->VarBranch < 0) state->VarBranch = choose_rule(worker);
     state->Costs.Budget = strong_branch_budget(state, state->RootIterations);
     TRY(keep_reduced_costs(worker, data->Result->Bound));
     return fix_by_reduced_costs(state);
