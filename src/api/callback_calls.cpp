@@ -198,8 +198,8 @@ int TVXcbsolution(void *cbdata, const double *solution)
     return finish_model(record->model, code);
 }
 
-int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval, char cutsense,
-             double cutrhs)
+int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval,
+             char cutsense, double cutrhs)
 {
     const CallbackRecord *record = record_of(cbdata);
     if (!record) return TVX_ERROR_CALLBACK;

@@ -56,13 +56,14 @@ bool sets_hold(const MIPState *state, const double *x)
 }
 
 // Violations of rows and bounds of a body, with exact sets.
-int is_feasible(const MIPState *state, const ModelBody *body, const double *x, bool *feasible)
+int is_feasible(const MIPState *state, const ModelBody *body, const double *x,
+                bool *feasible)
 {
     Quality quality;
     TRY(MipQuality(state->Env, body, x, &quality, QualityWarnings::NO));
     const double tolerance = state->Env->FeasibilityTol;
-    *feasible = quality.ConstrVio.max <= tolerance &&
-                quality.BoundVio.max <= tolerance && quality.IntVio.max == 0;
+    *feasible = quality.ConstrVio.max <= tolerance && quality.BoundVio.max <= tolerance &&
+                quality.IntVio.max == 0;
     for (int k = 0; k < body->numsos && *feasible; k++)
         *feasible = sos_violation(body, k, x) == 0;
     return 0;
@@ -78,7 +79,8 @@ double objective_of(const ModelBody *body, const double *x)
 
 double *new_vector(int n)
 {
-    return static_cast<double *>(MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
+    return static_cast<double *>(
+        MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
 }
 
 // Takes over both points; x may be null.
@@ -144,9 +146,8 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     double *x = state->Candidate.data;
     std::copy_n(given, n, x);
     *outcome = Acceptance::INFEASIBLE;
-    if (!round_integers(state, state->Body, x) ||
-        !clamp_to_bounds(state, state->Body, x) || !sets_hold(state, x) ||
-        !user_rows_hold(state, x))
+    if (!round_integers(state, state->Body, x) || !clamp_to_bounds(state, state->Body, x) ||
+        !sets_hold(state, x) || !user_rows_hold(state, x))
         return 0;
     const double objective = objective_of(state->Body, x);
     if (objective >= state->Pool.PruneValue) {

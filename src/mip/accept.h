@@ -6,7 +6,7 @@ enum class Acceptance {
     IMPROVED,   // it is the new incumbent
     NOT_BETTER, // its objective is not below PruneValue
     INFEASIBLE, // it violates the model
-    LOST        // feasible for the searched body, but what postsolve makes of it is not for the caller's
+    LOST // feasible for the searched body, but what postsolve makes of it is not for the caller's
 };
 // Checks a point of the searched body [columns], with integer columns rounded, and makes it the incumbent if it is one.
 // 0 or a code.

@@ -55,7 +55,8 @@ int list_fixings(SearchWorker *worker)
     for (int k = 0; k < state->NumSemis; k++) {
         const SemiColumn &semi = state->Semis[k];
         const double x = lp_value(worker, semi.col);
-        const bool off = std::fabs(x) < std::fabs(x - std::clamp(x, semi.lower, semi.upper));
+        const bool off =
+            std::fabs(x) < std::fabs(x - std::clamp(x, semi.lower, semi.upper));
         if (off && !is_listed(worker, semi.col)) TRY(fix(worker, semi.col, 0));
     }
     return 0;
@@ -76,7 +77,8 @@ int solve_fixed(SearchWorker *worker, Acceptance *outcome)
     *outcome = lp.Status == TVX_CUTOFF ? Acceptance::NOT_BETTER : Acceptance::INFEASIBLE;
     if (lp.Status != TVX_OPTIMAL) return 0;
     node_get_x(worker, worker->Values.data);
-    return accept_solution(worker->State, worker->Values.data, SolutionSource::NODE_LP, outcome);
+    return accept_solution(worker->State, worker->Values.data, SolutionSource::NODE_LP,
+                           outcome);
 }
 
 // Integers of the LP solution that are not exactly whole become candidates.

@@ -13,7 +13,13 @@
 
 namespace
 {
-enum VarBranchRule { RULE_AUTOMATIC = -1, RULE_PSEUDO_COST, RULE_MULTIPLIER, RULE_FRACTION, RULE_STRONG };
+enum VarBranchRule {
+    RULE_AUTOMATIC = -1,
+    RULE_PSEUDO_COST,
+    RULE_MULTIPLIER,
+    RULE_FRACTION,
+    RULE_STRONG
+};
 
 constexpr int MOST_ROUNDS = 20; // of closed sides at one node
 
@@ -91,8 +97,8 @@ int check_choice(SearchWorker *worker, TreeNode **node, bool *moved)
     if (!down && !up) return 0;
     const double floor = branch_floor(state, c->Value);
     worker->Deltas.size = 0;
-    TRY(array_append(&worker->Deltas,
-                     down ? BoundDelta{'>', c->Var, floor + 1} : BoundDelta{'<', c->Var, floor}));
+    TRY(array_append(&worker->Deltas, down ? BoundDelta{'>', c->Var, floor + 1}
+                                           : BoundDelta{'<', c->Var, floor}));
     *moved = true;
     return tighten_node_bounds(worker, node);
 }
@@ -108,7 +114,8 @@ int choose(SearchWorker *worker, TreeNode **node, BranchChoice *choice, bool *mo
     if (rule == RULE_PSEUDO_COST)
         TRY(branch_by_reliability(worker, node, choice, moved));
     else if (rule == RULE_STRONG && result->Candidates.size > 1)
-        TRY(branch_by_probes(worker, node, 0, static_cast<int>(result->Candidates.size), moved));
+        TRY(branch_by_probes(worker, node, 0, static_cast<int>(result->Candidates.size),
+                             moved));
     data = (*node)->Data;
     if (*moved || data->Status != NODE_FRACTIONAL || choice->Sos >= 0 || choice->Set >= 0)
         return 0;
@@ -116,8 +123,10 @@ int choose(SearchWorker *worker, TreeNode **node, BranchChoice *choice, bool *mo
         choice->Sos = result->Sos.data[0];
         return 0;
     }
-    if (rule == RULE_STRONG) keep_best_probe(result, data->LPObjective);
-    else apply_filters(worker, result, rule);
+    if (rule == RULE_STRONG)
+        keep_best_probe(result, data->LPObjective);
+    else
+        apply_filters(worker, result, rule);
     choice->Candidate = 0;
     return check_choice(worker, node, moved);
 }
@@ -137,8 +146,9 @@ int settle_unbounded(SearchWorker *worker, TreeNode *node)
     Array<double> none;
     SubMipOutcome found;
     TRY(array_assign(&none, state->Body->numvars, 0.0));
-    TRY(sub_mip_run({state->Body, bounds->Lower.data, bounds->Upper.data, none.data, state->Env,
-                     std::max(0.0, state->Env->NodeLimit - state->Nodes), UNDEFINED_VALUE},
+    TRY(sub_mip_run({state->Body, bounds->Lower.data, bounds->Upper.data, none.data,
+                     state->Env, std::max(0.0, state->Env->NodeLimit - state->Nodes),
+                     UNDEFINED_VALUE},
                     &found));
     state->SubNodes += found.Nodes;
     state->SubIterations += found.Iterations;

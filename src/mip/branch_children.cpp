@@ -43,9 +43,9 @@ void set_child_values(const MIPState *state, TreeNode *child,
     data->BranchValue = candidate.Value;
     data->BranchSense = sense;
     data->LowerBound = std::max(parent->LowerBound, down ? candidate.Down : candidate.Up);
-    data->Estimate = std::max(down ? gain.Down : gain.Up,
-                              data->LowerBound - parent->LPObjective) +
-                     parent->Estimate - std::min(gain.Down, gain.Up);
+    data->Estimate =
+        std::max(down ? gain.Down : gain.Up, data->LowerBound - parent->LPObjective) +
+        parent->Estimate - std::min(gain.Down, gain.Up);
     data->HeapKey = data->LowerBound;
 }
 
@@ -93,19 +93,20 @@ int make_sos_children(SearchWorker *worker, TreeNode *node, int sos, Children *c
     const bool has_point = node->Data->Status == NODE_FRACTIONAL && node->Data->Result &&
                            node->Data->Result->Kind == TVX_OPTIMAL;
     const SosWindow window =
-        has_point ? sos_window(state, sos,
-                               [&](int j) { return simplex_value(worker->Lp.simplex, j); })
-                  : sos_window(state, sos, [&](int j) {
-                        return bounds->Lower.data[j] < 0 || bounds->Upper.data[j] > 0 ? 1.0
-                                                                                      : 0.0;
-                    });
+        has_point
+            ? sos_window(state, sos,
+                         [&](int j) { return simplex_value(worker->Lp.simplex, j); })
+            : sos_window(state, sos, [&](int j) {
+                  return bounds->Lower.data[j] < 0 || bounds->Upper.data[j] > 0 ? 1.0 : 0.0;
+              });
     const bool pair = body->sostype.data[sos] == 2;
     // Strictly behind the first one, and not behind the last one.
     const int split = (window.First + window.Last + (pair ? 0 : 1)) / 2;
     const int beg = body->sosbeg.data[sos], end = body->sosbeg.data[sos + 1];
     const int *members = body->sosind.data;
     TRY(add_zero_child(worker, node, members + beg, split - beg, children));
-    return add_zero_child(worker, node, members + split + pair, end - split - pair, children);
+    return add_zero_child(worker, node, members + split + pair, end - split - pair,
+                          children);
 }
 
 int make_set_children(SearchWorker *worker, TreeNode *node, int set, Children *children)
@@ -113,6 +114,7 @@ int make_set_children(SearchWorker *worker, TreeNode *node, int set, Children *c
     const BranchSet members = worker->State->Sets.data[set];
     const int *columns = worker->State->SetMembers.data;
     const int middle = (members.Beg + members.End) / 2;
-    TRY(add_zero_child(worker, node, columns + members.Beg, middle - members.Beg, children));
+    TRY(add_zero_child(worker, node, columns + members.Beg, middle - members.Beg,
+                       children));
     return add_zero_child(worker, node, columns + middle, members.End - middle, children);
 }

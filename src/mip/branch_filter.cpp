@@ -46,7 +46,8 @@ int filter_by_multipliers(SearchWorker *worker, NodeLPResult *result, int count)
 {
     double best = 0;
     const auto score = [&](const BranchCandidate &c) { return multiplier_sum(worker, c); };
-    for (int k = 0; k < count; k++) best = std::max(best, score(result->Candidates.data[k]));
+    for (int k = 0; k < count; k++)
+        best = std::max(best, score(result->Candidates.data[k]));
     return keep_from(result, count, NEAR_BEST * best, score);
 }
 
@@ -57,13 +58,15 @@ int filter_by_implications(SearchWorker *worker, NodeLPResult *result, int count
     const auto score = [&](const BranchCandidate &c) {
         const int j = c.Var;
         if (bounds->Lower.data[j] > bounds->Upper.data[j] - 0.5) return FIXED_SCORE;
-        if (state->Body->vtypes.data[j] != 'B' || pseudo_observations(&state->Costs, j) == 0)
+        if (state->Body->vtypes.data[j] != 'B' ||
+            pseudo_observations(&state->Costs, j) == 0)
             return 0.0;
         const GainEstimate gain =
             pseudo_estimate(&state->Costs, j, branch_fraction(state, c.Value));
         return gain.Down * gain.Up;
     };
     double best = 0;
-    for (int k = 0; k < count; k++) best = std::max(best, score(result->Candidates.data[k]));
+    for (int k = 0; k < count; k++)
+        best = std::max(best, score(result->Candidates.data[k]));
     return best > 0 ? keep_from(result, count, best - NEAR_SCORE, score) : count;
 }

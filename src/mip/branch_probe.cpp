@@ -67,8 +67,7 @@ int probe_side(SearchWorker *worker, StrongBranch *branch, const BranchCandidate
                             side.Value, limit, &outcome));
     state->Costs.Iterations += outcome.Iterations;
     worker->ProbeIterations += outcome.Iterations;
-    result->Closed =
-        branch_is_closed(outcome) || outcome.Value >= state->Pool.PruneValue;
+    result->Closed = branch_is_closed(outcome) || outcome.Value >= state->Pool.PruneValue;
     result->Objective = result->Closed ? UNDEFINED_VALUE : outcome.Value;
     return 0;
 }
@@ -120,7 +119,8 @@ int apply_closed(SearchWorker *worker, TreeNode **node, bool *moved)
 }
 } // namespace
 
-int branch_by_probes(SearchWorker *worker, TreeNode **node, int first, int count, bool *moved)
+int branch_by_probes(SearchWorker *worker, TreeNode **node, int first, int count,
+                     bool *moved)
 {
     StrongBranch *branch = nullptr;
     TRY(strong_branch_open(worker->Lp.simplex, &branch));

@@ -12,7 +12,9 @@
 
 namespace
 {
-constexpr int MOST_TOPPED_UP = 20, TOP_UP_BELOW = 100; // candidates probed although they are trusted, and observations
+constexpr int MOST_TOPPED_UP = 20,
+              TOP_UP_BELOW =
+                  100; // candidates probed although they are trusted, and observations
 constexpr double CHEAP_SO_FAR = 1e-5; // share of all iterations below which that is done
 
 // Trusted less than that often, gains decide only if both ways have some that are a share of the gap.
@@ -57,9 +59,10 @@ int unreliable_first(MIPState *state, const TreeNode *node)
 {
     Array<BranchCandidate> *list = &node->Data->Result->Candidates;
     const int needed = reliability(state);
-    BranchCandidate *middle = std::partition(list->begin(), list->end(), [&](const BranchCandidate &c) {
-        return !is_reliable(state, node, c.Var, needed);
-    });
+    BranchCandidate *middle =
+        std::partition(list->begin(), list->end(), [&](const BranchCandidate &c) {
+            return !is_reliable(state, node, c.Var, needed);
+        });
     int count = static_cast<int>(middle - list->begin());
     const bool cheap = state->Costs.Iterations < CHEAP_SO_FAR * all_iterations(state);
     if (count < MOST_TOPPED_UP && cheap && list->size > MOST_TOPPED_UP) {
@@ -67,16 +70,19 @@ int unreliable_first(MIPState *state, const TreeNode *node)
             const int in_a = pseudo_observations(&state->Costs, a.Var),
                       in_b = pseudo_observations(&state->Costs, b.Var);
             if (in_a != in_b) return in_a < in_b;
-            const double score_a = estimated_score(state, a), score_b = estimated_score(state, b);
+            const double score_a = estimated_score(state, a),
+                         score_b = estimated_score(state, b);
             return score_a != score_b ? score_a > score_b : a.Var < b.Var;
         };
         std::sort(middle, list->end(), fewer);
         for (int added = 0; added < MOST_TOPPED_UP && count < list->size; added++, count++)
-            if (pseudo_observations(&state->Costs, list->data[count].Var) >= TOP_UP_BELOW) break;
+            if (pseudo_observations(&state->Costs, list->data[count].Var) >= TOP_UP_BELOW)
+                break;
     }
     std::sort(list->begin(), list->begin() + count,
               [&](const BranchCandidate &a, const BranchCandidate &b) {
-                  const double score_a = estimated_score(state, a), score_b = estimated_score(state, b);
+                  const double score_a = estimated_score(state, a),
+                               score_b = estimated_score(state, b);
                   return score_a != score_b ? score_a > score_b : a.Var < b.Var;
               });
     return count;
@@ -135,6 +141,7 @@ int branch_by_reliability(SearchWorker *worker, TreeNode **node, BranchChoice *c
     choose_set(worker, data->Result, best, choice);
     if (choice->Sos >= 0 || choice->Set >= 0 || at < 0) return 0;
     const int needed = reliability(state);
-    if (needed >= TRUSTED || gains_are_significant(state, data)) drop_worse(data->Result, at);
+    if (needed >= TRUSTED || gains_are_significant(state, data))
+        drop_worse(data->Result, at);
     return 0;
 }

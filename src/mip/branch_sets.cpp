@@ -13,8 +13,8 @@ namespace
 {
 constexpr int LEAST_MEMBERS = 10, MOST_ROWS = 6, SMALL_ROW = 4, SMALL_ROWS = 2;
 
-constexpr double HALF = 0.5;          // fraction at which gains of SOS members are taken
-constexpr double SOS_WEIGHT = 2;      // of the score of an SOS constraint
+constexpr double HALF = 0.5;     // fraction at which gains of SOS members are taken
+constexpr double SOS_WEIGHT = 2; // of the score of an SOS constraint
 
 bool is_binary(const MIPState *state, int j)
 {
@@ -47,7 +47,8 @@ bool drives_small_rows(const MIPState *state, int member, int set_row, Array<cha
             body->vval.data[p] >= 0)
             continue;
         int binaries = 0;
-        for (int q = 0; q < length; q++) binaries += is_binary(state, row_entries(state, i)[q].Col);
+        for (int q = 0; q < length; q++)
+            binaries += is_binary(state, row_entries(state, i)[q].Col);
         if (binaries != length - 1) continue;
         small++;
         *distinct += !touched->data[i];
@@ -131,7 +132,8 @@ int find_branch_sets(MIPState *state)
         int distinct = 0;
         bool all = true;
         for (int p = 0; p < length && all; p++)
-            all = drives_small_rows(state, row_entries(state, i)[p].Col, i, &touched, &distinct);
+            all = drives_small_rows(state, row_entries(state, i)[p].Col, i, &touched,
+                                    &distinct);
         if (all && distinct == length + 1) TRY(add_set(state, i));
     }
     return 0;

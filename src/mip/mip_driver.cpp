@@ -44,7 +44,6 @@ int open_result(MipSolve *mip)
     return 0;
 }
 
-
 int copy_best(const MipSolve *mip, const SolutionPool *pool)
 {
     MipResult *result = mip->result;
@@ -117,7 +116,8 @@ int publish(MipSolve *mip, const MIPState *state)
 int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpace **out)
 {
     (void)env;
-    SearchSpace *outer = record_create<SearchSpace>(), *space = record_create<SearchSpace>();
+    SearchSpace *outer = record_create<SearchSpace>(),
+                *space = record_create<SearchSpace>();
     if (!outer || !space) {
         record_free(outer);
         record_free(space);
@@ -155,13 +155,15 @@ int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved, const do
 {
     SearchOrder order;
     const ModelBody *reduced = presolve_reduced(presolved);
-    if (env->TARV_PAR_WRITEPREMODEL && mip->write_reduced) mip->write_reduced(reduced, mip->env);
+    if (env->TARV_PAR_WRITEPREMODEL && mip->write_reduced)
+        mip->write_reduced(reduced, mip->env);
     if (env->Presolve != 0)
         TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n", reduced->numconstrs,
                reduced->numvars, reduced->numnz);
     TRY(make_space(mip, env, presolved, &order.Space));
     order.Env = env;
-    order.Cutoff = env->Cutoff < UNDEFINED_VALUE ? mip->body->sense * env->Cutoff : UNDEFINED_VALUE;
+    order.Cutoff =
+        env->Cutoff < UNDEFINED_VALUE ? mip->body->sense * env->Cutoff : UNDEFINED_VALUE;
     TRY(search_create(order, &mip->search));
     if (start) TRY(load_start(mip->search, start));
     return mip_run(mip->search);

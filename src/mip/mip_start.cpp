@@ -37,7 +37,8 @@ void fix_given(const ModelBody *body, const double *start, double *lower, double
         const char type = body->vtypes.size > 0 ? body->vtypes.data[j] : 'C';
         if (!is_given(value)) continue;
         const bool off = may_be_zero(body, j) && std::fabs(value) <= IN_BOUNDS;
-        if (!off && (value < lower[j] - IN_BOUNDS || value > upper[j] + IN_BOUNDS)) continue;
+        if (!off && (value < lower[j] - IN_BOUNDS || value > upper[j] + IN_BOUNDS))
+            continue;
         const bool integral = type == 'B' || type == 'I' || type == 'N';
         if (integral && std::fabs(value - std::round(value)) > WHOLE) continue;
         const double kept = off ? 0 : integral ? std::round(value) : value;

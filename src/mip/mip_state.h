@@ -23,8 +23,9 @@ static constexpr int RUNNING = 1; // of MIPState::Status
 // A body that stands for another one: its solutions are mapped back by postsolve.
 struct SearchSpace {
     const ModelBody *Body = nullptr;
-    PresolveResult *Presolve = nullptr; // owned; maps to Outer. Null: the bodies are the same
-    SearchSpace *Outer = nullptr;       // owned; null: Body is the caller's
+    PresolveResult *Presolve =
+        nullptr;                  // owned; maps to Outer. Null: the bodies are the same
+    SearchSpace *Outer = nullptr; // owned; null: Body is the caller's
 };
 void space_free(SearchSpace *space); // with all outer ones; null is ignored
 // The caller's body.
@@ -53,20 +54,22 @@ struct MIPState {
     int VarBranch = -1;     // the parameter, or what the root has made of it
 
     // ---- The problem ----
-    Array<char> IsInteger;      // [columns]
-    Array<char> InLp;           // [columns] the LP gets its bounds: integers, and what branching fixes
+    Array<char> IsInteger; // [columns]
+    Array<char>
+        InLp; // [columns] the LP gets its bounds: integers, and what branching fixes
     const SemiColumn *Semis = nullptr; // [NumSemis] of the body; not owned
     int NumSemis = 0;
-    Array<double> Lower, Upper; // [columns] valid for the whole search
+    Array<double> Lower, Upper;      // [columns] valid for the whole search
     Array<BoundDelta> GlobalChanges; // tightenings of them, in order
     ObjectiveGrid Grid;
-    PropagationRows *Rows = nullptr; // owned
-    CliqueTable *Cliques = nullptr;  // owned, or null
+    PropagationRows *Rows = nullptr;        // owned
+    CliqueTable *Cliques = nullptr;         // owned, or null
     ImplicationLog *Implications = nullptr; // owned, or null
-    Array<int> SetMembers; // of the branch sets
+    Array<int> SetMembers;                  // of the branch sets
     Array<BranchSet> Sets;
-    bool IncumbentGone = false; // a row from a callback has cut it off: the tree has to begin anew
-    RowList UserRows;  // from callbacks: part of the model from then on
+    bool IncumbentGone =
+        false;        // a row from a callback has cut it off: the tree has to begin anew
+    RowList UserRows; // from callbacks: part of the model from then on
 
     // ---- The tree ----
     TreeNode *Root = nullptr;
@@ -77,13 +80,13 @@ struct MIPState {
     Array<double> Candidate; // [columns] scratch of accept_solution
     PseudoCostTable Costs;
     Array<SearchWorker *> Workers; // owned
-    ReducedCosts Reduced; // of the root, for fixing
+    ReducedCosts Reduced;          // of the root, for fixing
 
     // ---- Statistics ----
     double Nodes = 0;      // explored
     double Iterations = 0; // simplex
     double BarIterations = 0;
-    double RootIterations = -1; // of the root LP; -1: it has not been solved
+    double RootIterations = -1;        // of the root LP; -1: it has not been solved
     double RootObjective = -1e100;     // LP objective of the first pass
     double LastRootObjective = -1e100; // of the last pass
     int RootFractionals = 0;           // least number at the root

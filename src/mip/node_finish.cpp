@@ -28,8 +28,8 @@ double gain_of(MIPState *state, const NodeData *data)
 void learn(MIPState *state, const TreeNode *node)
 {
     const NodeData *data = node->Data;
-    const bool solved =
-        data->Status == NODE_INTEGRAL || data->Status == NODE_FRACTIONAL || is_closed(data->Status);
+    const bool solved = data->Status == NODE_INTEGRAL || data->Status == NODE_FRACTIONAL ||
+                        is_closed(data->Status);
     if (data->BranchVar < 0 || !solved || data->ParentObjective <= -UNDEFINED_VALUE) return;
     const double x = data->BranchValue;
     const double step = data->BranchSense == '<' ? std::floor(x) - x : std::ceil(x) - x;

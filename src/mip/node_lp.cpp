@@ -94,8 +94,9 @@ int find_sos(const SearchWorker *worker, NodeLPResult *result)
     const MIPState *state = worker->State;
     result->Sos.size = 0;
     for (int k = 0; k < state->Body->numsos; k++) {
-        if (sos_window(state, k, [&](int j) { return simplex_value(worker->Lp.simplex, j); })
-                .fits(state->Body->sostype.data[k]))
+        if (sos_window(state, k, [&](int j) {
+                return simplex_value(worker->Lp.simplex, j);
+            }).fits(state->Body->sostype.data[k]))
             continue;
         TRY(array_append(&result->Sos, k));
     }
@@ -105,7 +106,8 @@ int find_sos(const SearchWorker *worker, NodeLPResult *result)
 
 NodeStatus status_of(const NodeLPResult *result)
 {
-    return result->Candidates.size == 0 && result->Sos.size == 0 && result->SemiViolated == 0
+    return result->Candidates.size == 0 && result->Sos.size == 0 &&
+                   result->SemiViolated == 0
                ? NODE_INTEGRAL
                : NODE_FRACTIONAL;
 }
@@ -153,8 +155,9 @@ int node_find_candidates(SearchWorker *worker, NodeLPResult *result)
 {
     TRY(find_fractionals(worker, result));
     TRY(find_semis(worker, result));
-    std::sort(result->Candidates.begin(), result->Candidates.end(),
-              [](const BranchCandidate &a, const BranchCandidate &b) { return a.Var < b.Var; });
+    std::sort(
+        result->Candidates.begin(), result->Candidates.end(),
+        [](const BranchCandidate &a, const BranchCandidate &b) { return a.Var < b.Var; });
     return find_sos(worker, result);
 }
 

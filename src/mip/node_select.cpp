@@ -20,9 +20,10 @@ enum Rule {
     ESTIMATE_NEAR = 6
 };
 
-constexpr double FIRST_SHALLOW = 3, FIRST_ESTIMATE = 6; // nodes until which a search starts so
-constexpr double ESTIMATE_SHARE = 1e-8;                 // of an estimate against a level of depth
-constexpr double ROUNDING_SHARE = 0.01;                 // of a value against a level, likewise
+constexpr double FIRST_SHALLOW = 3,
+                 FIRST_ESTIMATE = 6;    // nodes until which a search starts so
+constexpr double ESTIMATE_SHARE = 1e-8; // of an estimate against a level of depth
+constexpr double ROUNDING_SHARE = 0.01; // of a value against a level, likewise
 
 // Every so many nodes, the rule of that row.
 struct Turn {

@@ -35,7 +35,8 @@ void sift_down(NodeStore *store, int64_t at)
     for (;;) {
         int64_t below = 2 * at + 1;
         if (below >= store->Heap.size) break;
-        if (below + 1 < store->Heap.size && key(heap[below + 1]) < key(heap[below])) below++;
+        if (below + 1 < store->Heap.size && key(heap[below + 1]) < key(heap[below]))
+            below++;
         if (key(heap[below]) >= key(node)) break;
         heap[at] = heap[below];
         at = below;

@@ -11,7 +11,7 @@ struct NodeStore {
     double TreeBytes = 0;      // of nodes that have been branched on
     double HeapBytes = 0;
     Array<TreeNode *> Heap;
-    double HeapBound = 1e100;   // key of the top; 1e100: empty
+    double HeapBound = 1e100;    // key of the top; 1e100: empty
     double GlobalBound = -1e100; // no solution is better; only raised
 };
 inline double store_size(const NodeStore *store, const TreeNode *node)
@@ -20,7 +20,8 @@ inline double store_size(const NodeStore *store, const TreeNode *node)
 }
 // 0 or OUT_OF_MEMORY: the node is not in the heap then.
 [[nodiscard]] int store_push(NodeStore *store, TreeNode *node);
-TreeNode *store_pop(NodeStore *store); // the top, marked as taken from the heap; null: empty
+TreeNode *
+store_pop(NodeStore *store); // the top, marked as taken from the heap; null: empty
 // Takes out and releases every node whose lower bound is not below `limit`.
 void store_prune(NodeStore *store, TreeNode **root, double limit);
 // Raises the global bound, if `bound` is higher.

@@ -14,7 +14,8 @@ constexpr double NO_COST = 1e-10;
 constexpr double BOUND_ROUNDING = 1e-8;  // of a bound before it is rounded up
 constexpr double PRUNE_ROUNDING = 1e-10; // relative, of objectives that count as equal
 constexpr double PRUNE_MARGIN = 1e4;     // of these, above a value of the grid
-constexpr double GRID_ROUNDING = 1e-9;   // steps: a cutoff this near a value of the grid counts as on it
+constexpr double GRID_ROUNDING =
+    1e-9; // steps: a cutoff this near a value of the grid counts as on it
 
 // Denominators and multiples beyond these are not looked for: the values then have no common step by intention.
 constexpr int64_t LARGEST_DENOMINATOR = 100000;
@@ -78,7 +79,8 @@ double common_step(const double *values, int count)
 ObjectiveGrid objective_grid(const ModelBody *body)
 {
     ObjectiveGrid grid = {0, body->objcon};
-    Array<double> costs; // of each size once would do; a failed allocation costs only the grid
+    Array<double>
+        costs; // of each size once would do; a failed allocation costs only the grid
     int count = 0;
     for (int j = 0; j < body->numvars; j++) {
         if (std::fabs(body->obj.data[j]) <= NO_COST) continue;

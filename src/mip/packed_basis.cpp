@@ -24,8 +24,8 @@ int basis_pack(const NodeBasis *full, uint32_t **packed)
     const int64_t words = packed_words(n, m);
     *packed = nullptr;
     if (words == 0) return 0;
-    uint32_t *block = static_cast<uint32_t *>(
-        MemAllocZero(static_cast<size_t>(words), sizeof(uint32_t)));
+    uint32_t *block =
+        static_cast<uint32_t *>(MemAllocZero(static_cast<size_t>(words), sizeof(uint32_t)));
     if (!block) return OUT_OF_MEMORY;
     for (int j = 0; j < n; j++) {
         const int status = full->Statuses.data[j];

@@ -11,7 +11,8 @@ struct PseudoCostTable {
     // [columns] by way: observations, and sum of the gains per unit
     Array<int> Count[2];
     Array<double> Sum[2];
-    int Reliability = -8; // observations a way from which a cost is trusted; -r: automatic, at most r
+    int Reliability =
+        -8; // observations a way from which a cost is trusted; -r: automatic, at most r
     // Simplex iterations of one side of strong branching; NO_BUDGET: strong branching sets its own limit; 1: a step of
     // the dual ratio test only
     int Budget = 1;

@@ -25,7 +25,8 @@ int keep_reduced_costs(SearchWorker *worker, double bound)
         const double d = simplex_reduced_cost(lp, j);
         if (std::fabs(d) <= LEAST_COST) continue;
         const double x = simplex_value(lp, j);
-        if (d > 0 ? x > state->Lower.data[j] + STEP_MARGIN : x < state->Upper.data[j] - STEP_MARGIN)
+        if (d > 0 ? x > state->Lower.data[j] + STEP_MARGIN
+                  : x < state->Upper.data[j] - STEP_MARGIN)
             continue;
         TRY(array_append(&reduced->Entries, {j, d, x}));
     }

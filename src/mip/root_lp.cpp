@@ -7,7 +7,8 @@
 
 namespace
 {
-constexpr int MANY_ROWS = 5; // times the columns: the LP driver then looks for a better form
+constexpr int MANY_ROWS =
+    5; // times the columns: the LP driver then looks for a better form
 
 constexpr int LP_AUTOMATIC = -1, LP_NO_PRESOLVE = 0, LP_PRESOLVE = 1; // values of Presolve
 
@@ -51,7 +52,8 @@ int solve(SearchWorker *worker, double *iterations)
 {
     TRY(run(worker, iterations));
     const int status = worker->Lp.status;
-    const bool open = status == TVX_INF_OR_UNBD || (status == TVX_UNBOUNDED && !worker->Lp.simplex);
+    const bool open =
+        status == TVX_INF_OR_UNBD || (status == TVX_UNBOUNDED && !worker->Lp.simplex);
     if (status != TVX_NUMERIC && !open) return 0;
     lp_drop(&worker->Lp);
     worker->LpEnv->Presolve = open ? LP_NO_PRESOLVE : LP_PRESOLVE;
@@ -109,5 +111,6 @@ int root_solve_lp(SearchWorker *worker, TreeNode *node)
     state->RootIterations = iterations;
     if (unbounded) return 0;
     log_root(state, simplex_objective(worker->Lp.simplex), iterations, WallClock() - start);
-    return node_solve_lp(worker, node); // without a pivot: with what propagation has found, and the cutoff
+    return node_solve_lp(
+        worker, node); // without a pivot: with what propagation has found, and the cutoff
 }

@@ -13,10 +13,10 @@ struct SearchOrder {
     SearchSpace *Space = nullptr;
     TVXenv *Env = nullptr;
     bool Recursive = false; // a search inside another one, or for a start: silent
-    double Cutoff = 1e100;      // minimisation form
+    double Cutoff = 1e100;  // minimisation form
 };
 [[nodiscard]] int search_create(const SearchOrder &order, MIPState **out);
-void search_free(MIPState *state); // null is ignored
+void search_free(MIPState *state);                 // null is ignored
 void search_set_env(MIPState *state, TVXenv *env); // for the next call
 
 // The root node: LP, bounds, first branching decisions; it is open afterwards, or closed. 0 or a code.

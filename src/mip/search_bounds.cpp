@@ -8,8 +8,8 @@ constexpr double MEANINGFUL = 1e-6; // a smaller step is none
 
 int search_tighten(MIPState *state, const BoundDelta &delta)
 {
-    double *bound = delta.Sense == '<' ? &state->Upper.data[delta.Var]
-                                       : &state->Lower.data[delta.Var];
+    double *bound =
+        delta.Sense == '<' ? &state->Upper.data[delta.Var] : &state->Lower.data[delta.Var];
     const double gain = delta.Sense == '<' ? *bound - delta.Value : delta.Value - *bound;
     if (gain <= MEANINGFUL) return 0;
     *bound = delta.Value;
@@ -37,7 +37,8 @@ int settle_root_bounds(SearchWorker *worker)
     for (int64_t k = 0; k < bounds->Trail.size; k++) {
         const TrailEntry &entry = bounds->Trail.data[k];
         const bool lower = entry.Side == BoundSide::LOWER;
-        if (!worker->State->IsInteger.data[entry.Col]) continue; // wider by tolerances than what the rows say
+        if (!worker->State->IsInteger.data[entry.Col])
+            continue; // wider by tolerances than what the rows say
         TRY(search_tighten(worker->State, {lower ? '>' : '<', entry.Col,
                                            lower ? bounds->Lower.data[entry.Col]
                                                  : bounds->Upper.data[entry.Col]}));

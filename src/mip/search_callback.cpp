@@ -47,7 +47,8 @@ int relaxation_status(const NodeData *data)
 int node_values(const Moment *moment, double *result)
 {
     const NodeData *data = moment->Node->Data;
-    if (!data->Result || data->Result->Kind != TVX_OPTIMAL) return TVX_ERROR_DATA_NOT_AVAILABLE;
+    if (!data->Result || data->Result->Kind != TVX_OPTIMAL)
+        return TVX_ERROR_DATA_NOT_AVAILABLE;
     Array<double> x;
     TRY(array_resize(&x, moment->State->Body->numvars));
     node_get_x(moment->Worker, x.data);
@@ -92,7 +93,8 @@ int answer(const void *solver, int what, void *result)
     if (what == TVX_CB_SOLUTION_VALUES) {
         const SolutionEntry *best = pool_best(&state->Pool);
         if (!best) return TVX_ERROR_DATA_NOT_AVAILABLE;
-        std::copy_n(best->Full, space_outermost(state->Space)->numvars, static_cast<double *>(result));
+        std::copy_n(best->Full, space_outermost(state->Space)->numvars,
+                    static_cast<double *>(result));
         return 0;
     }
     if (what == TVX_CB_NODE_STATUS)
@@ -141,9 +143,11 @@ int node_callback(SearchWorker *worker, TreeNode *node)
         const int before = row_count(&worker->State->UserRows);
         call(TVX_WHERE_NODE, {worker->State, worker, node});
         if (row_count(&worker->State->UserRows) == before) return 0;
-        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL) return 0;
+        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL)
+            return 0;
         TRY(node_solve_lp(worker, node)); // which takes the new rows first
-        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL) return 0;
+        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL)
+            return 0;
     }
     return 0;
 }

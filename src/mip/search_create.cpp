@@ -14,7 +14,8 @@ int copy_columns(MIPState *state)
     TRY(array_copy(&state->Upper, body->ub.data, n));
     TRY(array_resize(&state->Candidate, n));
     TRY(array_assign(&state->IsInteger, n, char{0}));
-    for (int j = 0; j < body->vtypes.size; j++) state->IsInteger.data[j] = body->vtypes.data[j] != 'C';
+    for (int j = 0; j < body->vtypes.size; j++)
+        state->IsInteger.data[j] = body->vtypes.data[j] != 'C';
     TRY(array_copy(&state->InLp, state->IsInteger.data, n));
     for (const int j : body->sosind) state->InLp.data[j] = 1;
     return 0;

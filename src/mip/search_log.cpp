@@ -106,8 +106,11 @@ void print_header(MIPState *state)
 {
     if (state->HeaderPrinted) return;
     state->HeaderPrinted = true;
-    TVXmsg(state->Env, "\n    Nodes    |    Current Node    |     Objective Bounds      |     Work\n");
-    TVXmsg(state->Env, " Expl Unexpl |  Obj  Depth IntInf | Incumbent    BestBd   Gap | It/Node Time\n\n");
+    TVXmsg(state->Env,
+           "\n    Nodes    |    Current Node    |     Objective Bounds      |     Work\n");
+    TVXmsg(
+        state->Env,
+        " Expl Unexpl |  Obj  Depth IntInf | Incumbent    BestBd   Gap | It/Node Time\n\n");
 }
 
 // The last five columns, which all lines share.
@@ -130,13 +133,15 @@ void print_node(MIPState *state, const TreeNode *node)
     const int depth = data->Depth + state->DepthOffset;
     if (data->Status == NODE_INTEGRAL) {
         TVXmsg(state->Env, "*%5.0f %5.0f %10s %4d    %12s %10s %6s %5s %5s\n", state->Nodes,
-               open_nodes(state), "", depth, incumbent_text(state, WIDE_COLUMN, t.Incumbent),
-               bound_text(state, t.Bound), gap_text(state, t.Gap),
-               iterations_text(state, t.Iterations), time_text(state, t.Time));
+               open_nodes(state), "", depth,
+               incumbent_text(state, WIDE_COLUMN, t.Incumbent), bound_text(state, t.Bound),
+               gap_text(state, t.Gap), iterations_text(state, t.Iterations),
+               time_text(state, t.Time));
         return;
     }
     if (data->Status == NODE_FRACTIONAL && data->Result)
-        text_format(fractional, FIELD, "%3d", data->Result->Fractionals + data->Result->SosViolated);
+        text_format(fractional, FIELD, "%3d",
+                    data->Result->Fractionals + data->Result->SosViolated);
     TVXmsg(state->Env, " %5.0f %5.0f %10s %4d %4s %10s %10s %6s %5s %5s\n", state->Nodes,
            open_nodes(state), objective_text(state, data, objective), depth, fractional,
            incumbent_text(state, COLUMN, t.Incumbent), bound_text(state, t.Bound),
@@ -148,7 +153,8 @@ void print_node(MIPState *state, const TreeNode *node)
 double search_bound(const MIPState *state, bool rounded)
 {
     const double bound = std::min(state->Store.GlobalBound, state->Pool.Incumbent);
-    return rounded ? std::min(rounded_bound(state->Grid, bound), state->Pool.Incumbent) : bound;
+    return rounded ? std::min(rounded_bound(state->Grid, bound), state->Pool.Incumbent)
+                   : bound;
 }
 
 double open_nodes(const MIPState *state)
@@ -178,8 +184,8 @@ void heuristic_log_line(MIPState *state)
         return;
     }
     print_header(state);
-    TVXmsg(state->Env, "H%5.0f %5.0f                    %12s %10s %6s %5s %5s\n", state->Nodes,
-           open_nodes(state), incumbent_text(state, WIDE_COLUMN, t.Incumbent),
+    TVXmsg(state->Env, "H%5.0f %5.0f                    %12s %10s %6s %5s %5s\n",
+           state->Nodes, open_nodes(state), incumbent_text(state, WIDE_COLUMN, t.Incumbent),
            bound_text(state, t.Bound), gap_text(state, t.Gap),
            iterations_text(state, t.Iterations), time_text(state, t.Time));
     log_callback(state);

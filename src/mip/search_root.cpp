@@ -18,7 +18,7 @@ namespace
 constexpr int TEST_ROUNDS = 100;
 
 // ---- The budget of strong branching ----
-constexpr int ONE_STEP = 1;       // iterations: the first step only
+constexpr int ONE_STEP = 1;                       // iterations: the first step only
 constexpr int MANY = 1000, SOME = 501, FEW = 100; // fractional variables
 constexpr int SMALL_RATIO = 5, MEDIUM_RATIO = 10, LARGE_RATIO = 30;
 constexpr int ROWS_PER_ITERATION = 10, EXTRA_ITERATIONS = 10;
@@ -41,8 +41,8 @@ int strong_branch_budget(const MIPState *state, double root_iterations)
 {
     const int v = fractionals_for_budget(state);
     const double ratio =
-        std::trunc((std::trunc(state->Body->numconstrs / ROWS_PER_ITERATION) + root_iterations +
-                    EXTRA_ITERATIONS) /
+        std::trunc((std::trunc(state->Body->numconstrs / ROWS_PER_ITERATION) +
+                    root_iterations + EXTRA_ITERATIONS) /
                    (v + 1));
     if (v > MANY) return ONE_STEP;
     if (v < FEW) return NO_BUDGET;
@@ -67,7 +67,8 @@ int test_branching(SearchWorker *worker, TreeNode **root)
 {
     MIPState *state = worker->State;
     for (int round = 0; round < TEST_ROUNDS; round++) {
-        if ((*root)->Data->Status != NODE_FRACTIONAL || check_status(state) != RUNNING) break;
+        if ((*root)->Data->Status != NODE_FRACTIONAL || check_status(state) != RUNNING)
+            break;
         const int64_t before = state->GlobalChanges.size;
         TRY(branch_node(worker, root, BranchMode::TEST, nullptr));
         if (state->GlobalChanges.size == before) break;

@@ -154,10 +154,10 @@ void list_column(SearchWorker *worker, int j)
     const Domain *bounds = worker->Bounds;
     if (!state->InLp.data[j]) return;
     const bool whole = state->IsInteger.data[j];
-    const double lower =
-                     whole ? bounds->Lower.data[j] : decided_bound(worker, j, BoundSide::LOWER),
-                 upper =
-                     whole ? bounds->Upper.data[j] : decided_bound(worker, j, BoundSide::UPPER);
+    const double lower = whole ? bounds->Lower.data[j]
+                               : decided_bound(worker, j, BoundSide::LOWER),
+                 upper = whole ? bounds->Upper.data[j]
+                               : decided_bound(worker, j, BoundSide::UPPER);
     if (lower == worker->LpLower.data[j] && upper == worker->LpUpper.data[j])
         return; // copies
     array_push(&worker->Changes, {j, lower, upper});

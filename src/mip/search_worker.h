@@ -40,14 +40,14 @@ struct SearchWorker {
     LpSolve Lp;              // of the body; its simplex record is live after the root
     TVXenv *LpEnv = nullptr; // owned; of Lp
     Array<double> LpLower, LpUpper; // [columns] bounds that the live record has
-    Array<int> Dirty;               // columns whose bounds were given to the LP against the Domain
-    int UserRows = 0;               // of MIPState::UserRows, that the LP has
-    double LpNode = NO_NODE;        // the node whose final basis is the live one
+    Array<int> Dirty;        // columns whose bounds were given to the LP against the Domain
+    int UserRows = 0;        // of MIPState::UserRows, that the LP has
+    double LpNode = NO_NODE; // the node whose final basis is the live one
 
     // ---- Nodes ----
     TreeNode *Current = nullptr; // that is being processed, or null
     Array<TreeNode *> Active;    // near the current one
-    double Sequence = 0;         // nodes processed by all workers when the current one was chosen
+    double Sequence = 0; // nodes processed by all workers when the current one was chosen
 
     double ProbeIterations = 0;    // of strong branching since a node was last finished
     NodeLPResult *Spare = nullptr; // owned; of a finished node, for the next one
@@ -67,7 +67,8 @@ struct SearchWorker {
 [[nodiscard]] int worker_create(MIPState *state, int index, SearchWorker **out);
 void worker_free(SearchWorker *worker); // null is ignored
 // Bounds become those of the node, propagated. *feasible: false when they exclude every solution. 0 or OUT_OF_MEMORY.
-[[nodiscard]] int worker_move_to(SearchWorker *worker, const TreeNode *node, bool *feasible);
+[[nodiscard]] int worker_move_to(SearchWorker *worker, const TreeNode *node,
+                                 bool *feasible);
 // Global bounds that are new enter the Domain, which then is at the root. False: nothing is feasible any more.
 // 0 or OUT_OF_MEMORY.
 [[nodiscard]] int worker_take_globals(SearchWorker *worker, bool *feasible);

@@ -47,7 +47,8 @@ int make_env(const SubMipOrder &order, TVXenv **out)
 
 int make_space(const ModelBody *body, PresolveResult *presolved, SearchSpace **out)
 {
-    SearchSpace *outer = record_create<SearchSpace>(), *inner = record_create<SearchSpace>();
+    SearchSpace *outer = record_create<SearchSpace>(),
+                *inner = record_create<SearchSpace>();
     if (!outer || !inner) {
         record_free(outer);
         record_free(inner);
@@ -100,9 +101,8 @@ int presolve_and_search(const SubMipOrder &order, const ModelBody *body, TVXenv 
     PresolveStatus status = PRESOLVE_OK;
     double work = 0;
     TRY(presolve_mip(body, env, env->TARV_PAR_PREPROBE, &presolved, &status, &work));
-    outcome->Complete =
-        status == PRESOLVE_INFEASIBLE ||
-        (status == PRESOLVE_INF_OR_UNBD && objective_is_bounded(env, body));
+    outcome->Complete = status == PRESOLVE_INFEASIBLE ||
+                        (status == PRESOLVE_INF_OR_UNBD && objective_is_bounded(env, body));
     if (status != PRESOLVE_OK) return 0;
     const ModelBody *reduced = presolve_reduced(presolved);
     if (!reduced || reduced->numvars == 0) return take_presolved(body, presolved, outcome);
@@ -130,7 +130,8 @@ int sub_mip_run(const SubMipOrder &order, SubMipOutcome *outcome)
     ModelBody *body = nullptr;
     *outcome = SubMipOutcome{};
     TRY(make_env(order, &env));
-    int code = body_copy_changed(order.Body, env, {order.Costs, order.Lower, order.Upper}, &body);
+    int code =
+        body_copy_changed(order.Body, env, {order.Costs, order.Lower, order.Upper}, &body);
     if (!code) code = presolve_and_search(order, body, env, outcome);
     body_free(body);
     env_free(env);
@@ -142,10 +143,10 @@ int RunSubMip(MIPState *state, const double *lower, const double *upper, double 
 {
     *objective = UNDEFINED_VALUE;
     const double incumbent = state->Pool.Incumbent;
-    if (least_objective(state->Body, lower, upper) > incumbent - SMALL_IMPROVEMENT) return 0;
-    SubMipOrder order = {state->Body, lower,      upper,
-                         nullptr,     state->Env, node_limit,
-                         state->Pool.PruneValue};
+    if (least_objective(state->Body, lower, upper) > incumbent - SMALL_IMPROVEMENT)
+        return 0;
+    SubMipOrder order = {
+        state->Body, lower, upper, nullptr, state->Env, node_limit, state->Pool.PruneValue};
     if (incumbent < UNDEFINED_VALUE)
         order.Cutoff = std::min(order.Cutoff, incumbent + CUTOFF_MARGIN);
     SubMipOutcome found;

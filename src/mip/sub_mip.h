@@ -4,7 +4,9 @@
 
 struct SubMipOrder {
     const ModelBody *Body = nullptr;
-    const double *Lower = nullptr, *Upper = nullptr; // [numvars], integral for integers; or null: those of the body
+    const double
+        *Lower = nullptr,
+        *Upper = nullptr; // [numvars], integral for integers; or null: those of the body
     const double *Costs = nullptr; // [numvars], or null: those of the body
     TVXenv *Env = nullptr;         // of the search that asks
     double NodeLimit = 0;
@@ -14,7 +16,7 @@ struct SubMipOutcome {
     bool Found = false;
     bool Complete = false; // it is known that there is nothing better, or nothing at all
     int Status = 0;        // with which the search has ended, 0: presolve has decided
-    Array<double> X; // [numvars] the best solution
+    Array<double> X;       // [numvars] the best solution
     double Nodes = 0, Iterations = 0;
 };
 // Presolves and searches. What goes wrong in it is no solution. 0 or OUT_OF_MEMORY.

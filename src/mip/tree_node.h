@@ -48,8 +48,9 @@ struct BoundDelta {
 // The basis in which a node's LP ended: with its weights as long as the search stays near, packed when it may be long
 // until a child needs it. Both null: none.
 struct NodeBases {
-    NodeBasis *Full;  // owned
-    uint32_t *Packed; // owned; 2 bits a column, 1 bit a row, in whole words (packed_basis.h)
+    NodeBasis *Full; // owned
+    uint32_t
+        *Packed; // owned; 2 bits a column, 1 bit a row, in whole words (packed_basis.h)
 };
 
 // Plain words and pointers: made and freed with its node.
@@ -66,9 +67,9 @@ struct NodeData {
     double LowerBound;
     double Estimate; // of the best integer objective below it
     double ParentObjective;
-    int Level;           // ReleaseLevel
-    int PayloadChildren; // children that have a NodeData
-    int Golden;          // its bounds contain the reference solution
+    int Level;                       // ReleaseLevel
+    int PayloadChildren;             // children that have a NodeData
+    int Golden;                      // its bounds contain the reference solution
     double *LocalLower, *LocalUpper; // one block, or null: bounds are those of a Domain
     int LPRows;                      // rows that the basis covers
     NodeBases Basis;
@@ -109,6 +110,7 @@ double node_size(const TreeNode *node, int columns, int rows);
 const TreeNode *node_ancestor(const TreeNode *node, int depth);
 // Gives up what `level` says, and what nobody needs any more of the path to the root. Sizes and the number of nodes are
 // counted in the store, if there is one. *root becomes null with the root. 0, or OUT_OF_MEMORY for RELEASE_OPEN_RESULT.
-[[nodiscard]] int node_release(TreeNode *node, NodeStore *store, TreeNode **root, int level);
+[[nodiscard]] int node_release(TreeNode *node, NodeStore *store, TreeNode **root,
+                               int level);
 // Replaces the full basis by the packed one. 0 or OUT_OF_MEMORY, with the full basis still there.
 [[nodiscard]] int node_pack_basis(TreeNode *node, NodeStore *store);

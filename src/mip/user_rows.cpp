@@ -5,7 +5,8 @@
 
 namespace
 {
-constexpr double NO_ENTRY = 1e-13; // a smaller coefficient left by presolve's substitutions is rounding
+constexpr double NO_ENTRY =
+    1e-13; // a smaller coefficient left by presolve's substitutions is rounding
 
 int spread(const ModelBody *body, const CallbackRow &row, Array<double> *dense)
 {
@@ -61,8 +62,9 @@ int append_user_rows(SearchWorker *worker)
     for (; worker->UserRows < row_count(rows); worker->UserRows++) {
         const int i = worker->UserRows;
         const int64_t beg = rows->Beg.data[i];
-        const LiveRow row = {static_cast<int>(rows->Beg.data[i + 1] - beg), rows->Ind.data + beg,
-                             rows->Val.data + beg, '<', rows->Rhs.data[i]};
+        const LiveRow row = {static_cast<int>(rows->Beg.data[i + 1] - beg),
+                             rows->Ind.data + beg, rows->Val.data + beg, '<',
+                             rows->Rhs.data[i]};
         TRY(simplex_append_rows(worker->Lp.simplex, &row, 1));
     }
     return 0;

@@ -15,7 +15,8 @@ void replace(const UndoRecord *undo, int count, double *row, double *rhs)
 {
     const double times = row[undo->col] / undo->factor;
     *rhs -= times * undo->value;
-    for (int k = 0; k < count; k++) row[undo->entry[k].index] -= times * undo->entry[k].value;
+    for (int k = 0; k < count; k++)
+        row[undo->entry[k].index] -= times * undo->entry[k].value;
 }
 
 // False if the row has no counterpart.
