@@ -2,13 +2,6 @@
 #include "fuzz/api_model.h"
 #include "support/solve_judge.h"
 
-// Until the public header has them; null while the library has none.
-extern "C" {
-int TVXcbsolution(void *cbdata, const double *solution) __attribute__((weak));
-int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval,
-             char cutsense, double cutrhs) __attribute__((weak));
-}
-
 namespace
 {
 constexpr double UNDEFINED = 1e100; // a value that the search is to find
@@ -86,7 +79,7 @@ std::string propose_solution(ApiModel *a, void *cbdata)
 std::string api_propose(ApiModel *a, void *cbdata, int where)
 {
     const Watch &w = a->watch;
-    if (!w.proposes || !w.mip || !TVXcbcut || !TVXcbsolution) return "";
+    if (!w.proposes || !w.mip) return "";
     if (where < TVX_WHERE_MIP || where > TVX_WHERE_NODE) return "";
     return a->dice()->chance(60) ? propose_cut(a, cbdata, where)
                                  : propose_solution(a, cbdata);

@@ -9,8 +9,7 @@
 
 namespace
 {
-constexpr int MIP_LATER = TVX_ERROR_NOT_FOR_MIP; // until there is a search
-constexpr int ORACLE_NODES = 300;                // a solve of a program
+constexpr int ORACLE_NODES = 300; // a solve of a program
 
 // May the solve end with this status, whatever the model is?
 bool stopped_rightly(const ApiModel *a, int status)
@@ -91,7 +90,6 @@ std::string api_solve(ApiModel *a)
     const int code = TVXoptimize(a->model);
     if (!a->watch.wrong.empty()) return a->watch.wrong;
     if (std::string wrong = check_parameters(a); !wrong.empty()) return wrong;
-    if (mip && code == MIP_LATER) return "";
     const bool stopped = a->watch.asked && a->watch.end == Watch::End::CODE;
     if (code != (stopped ? WATCH_CODE : 0))
         return "optimize: " + std::to_string(code) + " " + TVXgetmerrormsg(a->model);

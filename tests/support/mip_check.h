@@ -42,13 +42,6 @@ double setting_value(const Settings &settings, const char *wanted, double otherw
 // The bounds that count; types and sets stay.
 LpModel mip_rounded(const LpModel *lp);
 
-// Until there is a search the library refuses MIPs, and tests of whole solves skip.
-inline bool mip_refused(const MipAnswer *answer)
-{
-    return answer->code == TVX_ERROR_NOT_FOR_MIP;
-}
-inline constexpr const char *NO_SEARCH = "MIPs are not solved: TVXoptimize refuses them";
-
 // TVXoptimize, and everything about its outcome.
 MipAnswer mip_optimize(TVXmodel *model);
 MipAnswer mip_read(TVXmodel *model);
