@@ -33,5 +33,9 @@ struct ModelArrays {
     Array<double> obj, lb, ub, rhs, vval;
     Array<char> senses;
     Array<int> vbeg, vind;
+    // as in a body: types with integral bounds, or empty; sets with their members in weight order
+    Array<char> vtypes;
+    Array<int> sostype, sosbeg, sosind;
+    Array<double> soswt;
 };
 [[nodiscard]] int body_adopt(TVXenv *env, ModelArrays *arrays, ModelBody **out);

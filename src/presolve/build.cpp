@@ -1,7 +1,8 @@
 // build.cpp -- creates the reduced model and the data for postsolve from the presolve record
 #include "body/build.h"
+#include "presolve/errors.h"
 #include "presolve/presolve.h"
-#include "presolve/work.h"
+#include "presolve/semi_expand.h"
 #include <utility>
 
 namespace
@@ -27,6 +28,18 @@ int collect_rows(PresolveWork *w, const PresolveResult *result, int m, ModelArra
     return check_limits(w, w->NumRows);
 }
 
+// Bounds that are crossed by rounding meet; others have not been looked at before the step limit.
+int close_crossed(PresolveWork *w, int j, double *lb, double *ub)
+{
+    if (*lb <= *ub) return 0;
+    if (*lb - *ub > 2 * w->FeasTol + bound_error(w, j)) {
+        w->InfeasCol = j;
+        return END_INFEASIBLE;
+    }
+    *lb = *ub = 0.5 * (*lb + *ub);
+    return 0;
+}
+
 int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
 {
     int64_t entries = 0;
@@ -43,6 +56,7 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
         r->obj.data[k] = w->Obj.data[j];
         r->lb.data[k] = w->Lb.data[j];
         r->ub.data[k] = w->Ub.data[j];
+        if (w->IsMip) TRY(close_crossed(w, j, &r->lb.data[k], &r->ub.data[k]));
         r->vbeg.data[k] = at;
         TRY(check_limits(w, 1 + w->ColCnt.data[j]));
         for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
@@ -52,6 +66,46 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
     }
     r->vbeg.data[n] = at;
     return presolve_check(w);
+}
+
+// Types, and sets with the members that are left.
+int collect_types(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
+{
+    TRY(array_resize(&r->vtypes, n));
+    for (int j = 0; j < w->NumCols; j++) {
+        const int k = result->ColMap.data[j];
+        if (k < 0) continue;
+        const bool binary = w->Lb.data[j] == 0 && w->Ub.data[j] == 1; // integral
+        r->vtypes.data[k] = is_integer(w, j) ? (binary ? 'B' : 'I') : 'C';
+    }
+    for (int s = 0; s < w->NumSos; s++) {
+        if (w->SosType.data[s] == 0) continue;
+        TRY(array_append(&r->sostype, w->SosType.data[s]));
+        TRY(array_append(&r->sosbeg, static_cast<int>(r->sosind.size)));
+        TRY(check_limits(w, w->SosEnd.data[s] - w->SosBeg.data[s]));
+        for (int k = w->SosBeg.data[s]; k < w->SosEnd.data[s]; k++) {
+            TRY(array_append(&r->sosind, result->ColMap.data[w->SosInd.data[k]]));
+            TRY(array_append(&r->soswt, w->SosWeight.data[k]));
+        }
+    }
+    return 0;
+}
+
+int build_body(PresolveWork *w, PresolveResult *result, int m, int n)
+{
+    ModelArrays arrays;
+    arrays.sense = w->Body->sense;
+    arrays.objcon = w->ObjCon;
+    TRY(collect_rows(w, result, m, &arrays));
+    TRY(collect_cols(w, result, n, &arrays));
+    if (w->IsMip) {
+        TRY(collect_types(w, result, n, &arrays));
+        TRY(expand_semi(w, result, &arrays));
+        if (arrays.sostype.size > 0)
+            TRY(array_append(&arrays.sosbeg, static_cast<int>(arrays.sosind.size)));
+    }
+    const int code = body_adopt(w->Env, &arrays, &result->Reduced);
+    return code == TVX_ERROR_INVALID_ARGUMENT ? int{END_OVERGROWN} : code;
 }
 
 int fill_result(PresolveWork *w, PresolveResult *result)
@@ -65,16 +119,7 @@ int fill_result(PresolveWork *w, PresolveResult *result)
     result->ObjCon = w->Body->sense * w->ObjCon;
     TRY(number_live(w->RowCnt.data, w->NumRows, &result->RowMap, &m));
     TRY(number_live(w->ColCnt.data, w->NumCols, &result->ColMap, &n));
-    if (n > 0 || m > 0) {
-        ModelArrays arrays;
-        arrays.sense = w->Body->sense;
-        arrays.objcon = w->ObjCon;
-        TRY(collect_rows(w, result, m, &arrays));
-        TRY(collect_cols(w, result, n, &arrays));
-        const int code = body_adopt(w->Env, &arrays, &result->Reduced);
-        if (code == TVX_ERROR_INVALID_ARGUMENT) return END_OVERGROWN;
-        TRY(code);
-    }
+    if (n > 0 || m > 0) TRY(build_body(w, result, m, n));
     result->GivenBounds = static_cast<Array<char> &&>(w->GivenBounds);
     result->Undo = w->Undo; // the result owns the stack from now on
     w->Undo = UndoStack{};
@@ -126,6 +171,12 @@ int presolved_var(const PresolveResult *result, int j)
 int presolved_constr(const PresolveResult *result, int i)
 {
     return result->RowMap.data[i];
+}
+
+const SemiColumn *presolved_semi(const PresolveResult *result, int *count)
+{
+    *count = static_cast<int>(result->Semi.size);
+    return result->Semi.data;
 }
 
 double presolved_constant(const PresolveResult *result)

@@ -11,6 +11,7 @@ namespace
 constexpr double TINY_ENTRY = 1e-13;
 // DataErr, the violation that rounding of the data may cause in a feasible model.
 constexpr double DATA_ERROR = 1e-9, DATA_ERROR_SHARE = 1e-3; // of the tolerance, at most
+constexpr double SOS_ROW_SIDE = 1; // of the row sum of members <= 1
 constexpr int64_t SPARE_LEAST = 10000;
 constexpr int SPARE_SHARE = 10;        // entries per spare node
 constexpr int LONG_COLUMN = 5;         // of the class with unit entries
@@ -18,15 +19,17 @@ constexpr double SMALLEST_CLASS = 0.5; // share of equations in it
 
 int copy_vectors(PresolveWork *w, const ModelBody *body)
 {
-    const int n = w->NumCols, m = w->NumRows;
+    const int n = w->NumCols, m = w->OrigRows;
     TRY(array_copy(&w->Obj, body->obj.data, n));
     TRY(presolve_check(w));
     TRY(array_copy(&w->Lb, body->lb.data, n));
     TRY(presolve_check(w));
     TRY(array_copy(&w->Ub, body->ub.data, n));
     TRY(presolve_check(w));
+    TRY(array_reserve(&w->Rhs, w->NumRows));
     TRY(array_copy(&w->Rhs, body->rhs.data, m));
     TRY(presolve_check(w));
+    TRY(array_reserve(&w->Sense, w->NumRows));
     TRY(array_resize(&w->Sense, m));
     for (int j = 0; j < n; j++) {
         if (w->Lb.data[j] <= -w->INF) w->Lb.data[j] = -w->INF;
@@ -73,7 +76,7 @@ int allocate_lines(PresolveWork *w)
     for (Array<int> *a : {&w->RowCnt, &w->RowMark}) TRY(assign_checked(w, a, m, 0));
     for (Array<int> *a : {&w->ColCnt, &w->ColMark, &w->ColFlags})
         TRY(assign_checked(w, a, n, 0));
-    return 0;
+    return w->IsMip ? load_flags(w) : 0;
 }
 
 int allocate_scratch(PresolveWork *w)
@@ -88,7 +91,7 @@ int allocate_scratch(PresolveWork *w)
 // From the last entry to the first, each at the head of its lists.
 int link_entries(PresolveWork *w, const ModelBody *body, int *used_out)
 {
-    int used = 0;
+    int used = *used_out;
     for (int j = w->NumCols - 1; j >= 0; j--) {
         TRY(check_limits(w, 1.0 + body->vbeg.data[j + 1] - body->vbeg.data[j]));
         for (int p = body->vbeg.data[j + 1] - 1; p >= body->vbeg.data[j]; p--) {
@@ -140,7 +143,7 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     w->Env = env;
     w->Watch = {env};
     w->NumCols = body->numvars;
-    w->NumRows = body->numconstrs;
+    w->OrigRows = w->NumRows = body->numconstrs;
     w->StartTime = w->LastLogTime = WallClock();
     w->INF = infinite_bound(env);
     w->FeasTol = env->FeasibilityTol;
@@ -152,10 +155,13 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     w->ObjCon = body->objcon;
     w->Undo.block_size =
         int64_t{body->numnz} / 5 * static_cast<int64_t>(sizeof(UndoEntry)) + 4096;
-    const int64_t spare =
-        std::max({int64_t{w->NumRows}, SPARE_LEAST, int64_t{body->numnz} / SPARE_SHARE});
+    if (w->IsMip) TRY(load_types(w));
+    const int64_t spare = std::max({int64_t{w->NumRows}, SPARE_LEAST,
+                                    int64_t{body->numnz} / SPARE_SHARE, w->SosInd.size});
     if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
     TRY(copy_vectors(w, body));
+    TRY(array_extend(&w->Rhs, w->NumRows, SOS_ROW_SIDE));
+    TRY(array_extend(&w->Sense, w->NumRows, '<'));
     TRY(set_errors(w));
     TRY(array_resize(&w->Nodes, body->numnz + spare));
     TRY(array_assign(&w->EntrySize, w->Nodes.size, 0.0));
@@ -163,6 +169,7 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));
     int used = 0;
+    if (w->IsMip) load_sos_rows(w, &used);
     TRY(link_entries(w, body, &used));
     w->NumNz = used;
     TRY(presolve_check(w));

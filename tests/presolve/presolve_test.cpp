@@ -25,7 +25,7 @@ static unsigned undo_kinds(TVXenv *env, const LpModel *lp)
 TEST(Presolve, memory_may_end_anywhere)
 {
     unsigned wanted = (2U << UNDO_ROW_COMBINATION) - (1U << UNDO_FIX); // first to last kind
-    wanted &= ~(1U << 9); // a number without a kind
+    wanted &= ~(1U << 9); // models with integers only
     const TestEnv env;
     ASSERT_EQ(TVXsetintparam(env.env, "Presolve", 2), 0);
     for (uint64_t seed = 0; seed < 20000 && wanted != 0; seed++) {

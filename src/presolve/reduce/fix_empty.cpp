@@ -15,8 +15,9 @@ int fix_empty_column(PresolveWork *w, int j)
         w->InfeasCol = j;
         return claim_unbounded(w, {{j, cost > 0 ? -1.0 : 1.0}});
     }
-    if (cost > w->OptTol && has_lb(w, j)) return fix_at_lower(w, j);
-    if (cost < -w->OptTol && has_ub(w, j)) return fix_at_upper(w, j);
+    const double none = w->IsMip ? 0 : w->OptTol;
+    if (cost > none && has_lb(w, j)) return fix_at_lower(w, j);
+    if (cost < -none && has_ub(w, j)) return fix_at_upper(w, j);
     if (has_lb(w, j)) return fix_at_lower(w, j);
     return has_ub(w, j) ? fix_at_upper(w, j) : fix_column(w, j, 0, -3);
 }
