@@ -33,6 +33,8 @@ constexpr int64_t LEAST_FACTS =
 
 constexpr double LARGEST_BOUND = 1e8; // larger bounds are of no use
 constexpr double LARGE_GAIN = 0.3;    // share of the range of a continuous column
+// Tolerances: propagation relaxes bounds by about one, so that a smaller range could be empty in fact.
+constexpr double LEAST_RANGE = 1000;
 
 int prepare(Probing *probing, PresolveWork *w, const Limits &limits)
 {
@@ -173,7 +175,8 @@ bool is_worth_taking(const PresolveWork *w, int j, double lower, double upper)
     if (is_integer(w, j))
         return (lower > lb && lower > -LARGEST_BOUND) ||
                (upper < ub && upper < LARGEST_BOUND);
-    return has_lb(w, j) && has_ub(w, j) && upper - lower < (1 - LARGE_GAIN) * (ub - lb);
+    return has_lb(w, j) && has_ub(w, j) && upper - lower < (1 - LARGE_GAIN) * (ub - lb) &&
+           upper - lower > LEAST_RANGE * w->FeasTol;
 }
 
 int take_bounds(PresolveWork *w, const Domain *d)
