@@ -198,7 +198,7 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_PREPROBE0", NOT_YET, ON_OFF, "Whether presolve probes the simple way.", ""},
     {"TARV_PAR_PRETWOROWS", YES, "", "From 1 on presolve adds equations to rows with nearly the same columns, so that entries cancel; Presolve=2 does so always.", ""},
     {"TARV_PAR_PREBOUND", YES, ON_OFF, "Whether presolve derives bounds from rows: rows that these make redundant go, columns without bounds may get them.", ""},
-    {"TARV_PAR_PRECOEFFICIENT", NOT_YET, ON_OFF, "Whether presolve tightens coefficients.", ""},
+    {"TARV_PAR_PRECOEFFICIENT", YES, ON_OFF, "Whether presolve tightens coefficients.", ""},
     {"TARV_PAR_PRECLIQUE", NOT_YET, "off=0", "Whether presolve finds and merges cliques.", ""},
     {"TARV_PAR_PRECLIQSUB", NOT_YET, ON_OFF, "Whether presolve uses cliques to strengthen rows.", ""},
     {"TARV_PAR_PREDUALSLACK", NOT_YET, ON_OFF, "Whether presolve fixes slacks by dual arguments.", ""},

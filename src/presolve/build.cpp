@@ -5,6 +5,7 @@
 #include "presolve/errors.h"
 #include "presolve/presolve.h"
 #include "presolve/semi_expand.h"
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -42,11 +43,26 @@ int close_crossed(PresolveWork *w, int j, double *lb, double *ub)
     return 0;
 }
 
-int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
+int64_t count_entries(const PresolveWork *w)
 {
     int64_t entries = 0;
-    for (int j = 0; j < w->NumCols; j++)
-        if (is_live_col(w, j)) entries += w->ColCnt.data[j];
+    for (int j = 0; j < w->NumCols; j++) entries += std::max(0, w->ColCnt.data[j]);
+    return entries;
+}
+
+// Entries of column j from place *at on.
+void collect_entries(const PresolveWork *w, const PresolveResult *result, int j,
+                     ModelArrays *r, int *at)
+{
+    for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
+        r->vind.data[*at] = result->RowMap.data[w->Nodes.data[p].row];
+        r->vval.data[(*at)++] = w->Nodes.data[p].value;
+    }
+}
+
+int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
+{
+    const int64_t entries = count_entries(w);
     for (Array<double> *a : {&r->obj, &r->lb, &r->ub}) TRY(array_resize(a, n));
     TRY(array_resize(&r->vbeg, int64_t{n} + 1));
     TRY(array_resize(&r->vind, entries));
@@ -61,17 +77,14 @@ int collect_cols(PresolveWork *w, const PresolveResult *result, int n, ModelArra
         if (w->IsMip) TRY(close_crossed(w, j, &r->lb.data[k], &r->ub.data[k]));
         r->vbeg.data[k] = at;
         TRY(check_limits(w, 1 + w->ColCnt.data[j]));
-        for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p)) {
-            r->vind.data[at] = result->RowMap.data[w->Nodes.data[p].row];
-            r->vval.data[at++] = w->Nodes.data[p].value;
-        }
+        collect_entries(w, result, j, r, &at);
     }
     r->vbeg.data[n] = at;
     return presolve_check(w);
 }
 
-// Types, and sets with the members that are left.
-int collect_types(PresolveWork *w, const PresolveResult *result, int n, ModelArrays *r)
+int collect_types(const PresolveWork *w, const PresolveResult *result, int n,
+                  ModelArrays *r)
 {
     TRY(array_resize(&r->vtypes, n));
     for (int j = 0; j < w->NumCols; j++) {
@@ -80,14 +93,24 @@ int collect_types(PresolveWork *w, const PresolveResult *result, int n, ModelArr
         const bool binary = w->Lb.data[j] == 0 && w->Ub.data[j] == 1; // integral
         r->vtypes.data[k] = is_integer(w, j) ? (binary ? 'B' : 'I') : 'C';
     }
+    return 0;
+}
+
+// The sets with the members that are left. sosbeg lacks its last entry, since more sets may follow.
+int collect_sets(PresolveWork *w, const PresolveResult *result, ModelArrays *r)
+{
     for (int s = 0; s < w->NumSos; s++) {
         if (w->SosType.data[s] == 0) continue;
+        const int begin = w->SosBeg.data[s], end = w->SosEnd.data[s];
+        TRY(check_limits(w, end - begin));
         TRY(array_append(&r->sostype, w->SosType.data[s]));
         TRY(array_append(&r->sosbeg, static_cast<int>(r->sosind.size)));
-        TRY(check_limits(w, w->SosEnd.data[s] - w->SosBeg.data[s]));
-        for (int k = w->SosBeg.data[s]; k < w->SosEnd.data[s]; k++) {
-            TRY(array_append(&r->sosind, result->ColMap.data[w->SosInd.data[k]]));
-            TRY(array_append(&r->soswt, w->SosWeight.data[k]));
+        const int64_t size = r->sosind.size;
+        TRY(array_extend(&r->sosind, size + end - begin, 0));
+        TRY(array_extend(&r->soswt, size + end - begin, 0.0));
+        for (int k = begin; k < end; k++) {
+            r->sosind.data[size + k - begin] = result->ColMap.data[w->SosInd.data[k]];
+            r->soswt.data[size + k - begin] = w->SosWeight.data[k];
         }
     }
     return 0;
@@ -102,6 +125,7 @@ int build_body(PresolveWork *w, PresolveResult *result, int m, int n)
     TRY(collect_cols(w, result, n, &arrays));
     if (w->IsMip) {
         TRY(collect_types(w, result, n, &arrays));
+        TRY(collect_sets(w, result, &arrays));
         TRY(expand_semi(w, result, &arrays));
         if (arrays.sostype.size > 0)
             TRY(array_append(&arrays.sosbeg, static_cast<int>(arrays.sosind.size)));

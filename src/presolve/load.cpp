@@ -10,6 +10,7 @@
 namespace
 {
 constexpr double TINY_ENTRY = 1e-13;
+constexpr double LITTLE_TERM = 1e-3; // tolerances
 // DataErr, the violation that rounding of the data may cause in a feasible model.
 constexpr double DATA_ERROR = 1e-9, DATA_ERROR_SHARE = 1e-3; // of the tolerance, at most
 constexpr double SOS_ROW_SIDE = 1; // of the row sum of members <= 1
@@ -89,6 +90,15 @@ int allocate_scratch(PresolveWork *w)
     return assign_checked(w, &w->Flag, most, char(0));
 }
 
+// Tiny entries are left out; with integers only where the bounds of the column make their terms negligible, as nothing
+// repairs the point that would break the row.
+bool is_left_out(const PresolveWork *w, int j, double value)
+{
+    if (std::fabs(value) > TINY_ENTRY) return false;
+    const double largest = std::max(std::fabs(w->Lb.data[j]), std::fabs(w->Ub.data[j]));
+    return !w->IsMip || std::fabs(value) * largest <= LITTLE_TERM * w->FeasTol;
+}
+
 // From the last entry to the first, each at the head of its lists.
 int link_entries(PresolveWork *w, const ModelBody *body, int *used_out)
 {
@@ -97,7 +107,7 @@ int link_entries(PresolveWork *w, const ModelBody *body, int *used_out)
         TRY(check_limits(w, 1.0 + body->vbeg.data[j + 1] - body->vbeg.data[j]));
         for (int p = body->vbeg.data[j + 1] - 1; p >= body->vbeg.data[j]; p--) {
             const double value = body->vval.data[p];
-            if (std::fabs(value) <= TINY_ENTRY) continue;
+            if (is_left_out(w, j, value)) continue;
             const int i = body->vind.data[p];
             w->Nodes.data[used] = {value, i, j, w->RowHead.data[i], w->ColHead.data[j]};
             w->RowHead.data[i] = w->ColHead.data[j] = used++;

@@ -95,8 +95,8 @@ int postsolve_equations(const PresolveResult *result, char *rows);
 // get integral values, those of the reduced model by rounding. Allocates nothing.
 void postsolve_primal(const PresolveResult *result, const double *x_reduced,
                       double *x_full);
-// Maps a feasible point of the model to a feasible point of its reduced model, with the same objective. *mapped is false
-// when that fails: the reductions have removed the point, or the map is not known. 0 or OUT_OF_MEMORY.
+// Maps a feasible point of the model to a feasible point of its reduced model, not worse. *mapped is false when that
+// fails: the reductions have removed the point, or the map is not known. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int presolve_crush_point(const PresolveResult *result, const double *x_full,
                                        double *x_reduced, bool *mapped);
 // The semi-continuous columns of the reduced model, [*count].

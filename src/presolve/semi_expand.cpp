@@ -118,22 +118,29 @@ int add_set(const SemiColumn &semi, ModelArrays *r)
     TRY(array_append(&r->soswt, 1.0));
     return array_append(&r->soswt, 2.0);
 }
-} // namespace
 
-int expand_semi(PresolveWork *w, PresolveResult *result, ModelArrays *arrays)
+// All semi-continuous columns that are left, with the places of what they get.
+int list_semi(const PresolveWork *w, PresolveResult *result, int64_t rows, int64_t cols,
+              Array<Expansion> *list)
 {
-    Array<Expansion> list;
-    int64_t rows = arrays->rhs.size, cols = arrays->obj.size;
     for (int k = 0; k < w->NumSemi; k++) {
         if (w->SemiCols.data[k] < 0) continue;
         Expansion e = {describe(w, result, k), static_cast<int>(rows)};
         e.semi.indicator = static_cast<int>(cols++);
         rows += count_rows(e.semi);
-        TRY(array_append(&list, e));
+        if (rows + cols > MODEL_SIZE_LIMIT) return OUT_OF_MEMORY;
+        TRY(array_append(list, e));
         TRY(array_append(&result->Semi, e.semi));
     }
+    return 0;
+}
+} // namespace
+
+int expand_semi(PresolveWork *w, PresolveResult *result, ModelArrays *arrays)
+{
+    Array<Expansion> list;
+    TRY(list_semi(w, result, arrays->rhs.size, arrays->obj.size, &list));
     if (list.size == 0) return 0;
-    if (rows + cols > MODEL_SIZE_LIMIT) return OUT_OF_MEMORY;
     TRY(add_entries_of_x(list, arrays));
     for (const Expansion &e : list) {
         TRY(add_rows(e.semi, arrays));

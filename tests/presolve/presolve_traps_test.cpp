@@ -85,6 +85,8 @@ static const std::vector<Trap> TRAPS = {
     {"a column that its row pushes up", "IC",
      lp_make({{0}, {1, 0, 3.3}}, {{{-1, 1}, '<', .1}}, -1), 3.3},
     {"a small cost of a large column", "I", lp_make({{-5e-7, 0, 1e6}}, {}), -.5},
+    {"a tiny entry that alone bounds its column", "C",
+     lp_make({{-1}}, {{{1e-14}, '<', 1e-13}}), -10},
     {"a set of fractions", "CC",
      with_sets(lp_make({{1, 0, 1}, {1, 0, 1}}, {{{5}, '<', 3}, {{0, 5}, '<', 3}}, -1),
                {{1, {0, 1}}}),

@@ -105,7 +105,8 @@ bool set_integer_row(PresolveWork *w, int i, const IntegerRow *row, int64_t divi
     int k = 0;
     for (int p = first_in_row(w, i); p >= 0; p = next_in_row(w, p)) {
         PresolveNode *node = &w->Nodes.data[p];
-        const double value = static_cast<double>(row->coef.data[k++] / divisor);
+        const int64_t quotient = row->coef.data[k++] / divisor; // exact
+        const double value = static_cast<double>(quotient);
         if (node->value == value) continue;
         node->value = value;
         set_entry_size(w, p, std::fabs(value));

@@ -27,6 +27,7 @@ int make_row_integral(PresolveWork *w, int i, IntegerRow *row)
     TRY(integer_row(w, i, row, &found));
     if (!found) return 0;
     const int64_t g = divisor_of(row);
+    if (g == 0) return 0; // no entries
     if (w->Sense.data[i] == '=' &&
         (std::fabs(row->rest) > row->play || row->side % g != 0)) {
         w->InfeasRow = i;
