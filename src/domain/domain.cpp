@@ -34,7 +34,7 @@ void load_rows(Domain *d, int64_t first)
 {
     for (int64_t k = first; k < d->State.size; k++) {
         const DirectedRow *row = &d->Rows->Directed.data[k];
-        RowState *r = &d->State.data[k];
+        DirectedState *r = &d->State.data[k];
         d->Limit.data[k] = side_limit(d, row);
         r->Trigger = d->Limit.data[k] - row->Reach;
         r->Queued = 0;

@@ -57,7 +57,7 @@ struct DomainTolerances {
 };
 
 // Least activity of a directed row, and what decides whether it is queued.
-struct RowState {
+struct DirectedState {
     double High = 0, Low = 0; // the sum of the finite terms is High + Low
     double Trigger = 0;       // with an activity up to it the row implies nothing
     int Infinite = 0;         // infinite terms
@@ -81,7 +81,7 @@ struct Domain {
     int64_t Effort = 0;           // entries looked at so far, deterministic
 
     // Inside.
-    Array<RowState>
+    Array<DirectedState>
         State; // [directed rows of Rows, or of its model only when Appended is false]
     Array<double> Limit;   // likewise: side, relaxed by the tolerance
     bool Appended = false; // State covers the appended rows

@@ -10,7 +10,7 @@
 
 namespace
 {
-inline void add_term(RowState *r, Twofold term)
+inline void add_term(DirectedState *r, Twofold term)
 {
     const Twofold sum = two_sum(r->High, term.high);
     const double low = sum.low + (r->Low + term.low);
@@ -18,7 +18,7 @@ inline void add_term(RowState *r, Twofold term)
     r->Low = low - (r->High - sum.high);
 }
 
-inline void queue_if_it_acts(Domain *d, RowState *r, int directed, RowsMay act)
+inline void queue_if_it_acts(Domain *d, DirectedState *r, int directed, RowsMay act)
 {
     if (act == RowsMay::NOT || r->Queued || r->Infinite > 1 || r->High <= r->Trigger)
         return;
@@ -29,13 +29,13 @@ inline void queue_if_it_acts(Domain *d, RowState *r, int directed, RowsMay act)
 inline void shift_terms(Domain *d, const DirectedEntry *__restrict e, int64_t count,
                         double from, double to, RowsMay act)
 {
-    RowState *state = d->State.data;
+    DirectedState *state = d->State.data;
     const Twofold step = two_sum(to, -from);
     const SplitNumber part = split_number(step.high);
     const bool exact =
         part.Low == 0 && step.low == 0 && std::fabs(step.high) == 1; // assigned
     for (int64_t k = 0; k < count; k++) {
-        RowState *r = &state[e[k].Directed];
+        DirectedState *r = &state[e[k].Directed];
         const double a = e[k].Val;
         Twofold term = {a * step.high, 0};
         if (!exact) {
@@ -51,11 +51,11 @@ inline void shift_terms(Domain *d, const DirectedEntry *__restrict e, int64_t co
 inline void replace_terms(Domain *d, const DirectedEntry *__restrict e, int64_t count,
                           double bound, int infinite_more, RowsMay act)
 {
-    RowState *state = d->State.data;
+    DirectedState *state = d->State.data;
     const double sign = infinite_more > 0 ? -1 : 1;
     const SplitNumber part = split_number(bound);
     for (int64_t k = 0; k < count; k++) {
-        RowState *r = &state[e[k].Directed];
+        DirectedState *r = &state[e[k].Directed];
         add_term(r, split_product(sign * e[k].Val, bound, part));
         r->Infinite += infinite_more;
         queue_if_it_acts(d, r, e[k].Directed, act);
@@ -91,7 +91,7 @@ void activity_compute(Domain *d, int directed)
     const DirectedRow *row = &d->Rows->Directed.data[directed];
     const int64_t begin = d->Rows->RowBeg.data[row->Row];
     const int64_t end = d->Rows->RowBeg.data[row->Row + 1];
-    RowState *r = &d->State.data[directed];
+    DirectedState *r = &d->State.data[directed];
     r->High = r->Low = 0;
     r->Infinite = 0;
     Twofold sum;

@@ -34,7 +34,7 @@ int check_activities(const Domain *d)
     int wrong = 0;
     for (int64_t k = 0; k < d->State.size; k++) {
         const DirectedRow *row = &d->Rows->Directed[k];
-        const RowState *r = &d->State[k];
+        const DirectedState *r = &d->State[k];
         const PlainActivity plain = plain_activity(d, row);
         wrong += plain.Infinite != r->Infinite;
         const long double sum = static_cast<long double>(r->High) + r->Low;

@@ -31,7 +31,7 @@ void activity_change(Domain *d, int j, BoundSide side, double from, double to, R
 // Activity, count and limit of a directed row from the bounds alone. Cost: the length of the row
 void activity_compute(Domain *d, int directed);
 
-inline double activity_of(const RowState *r)
+inline double activity_of(const DirectedState *r)
 {
     return r->High + r->Low;
 }

@@ -114,10 +114,10 @@ void scan_infinite(Domain *d, const Scan *scan)
 }
 
 // No column can move the activity beyond the slack: the distance of least and largest activity is too small.
-bool is_idle(const Domain *d, const Scan *scan, const RowState *state)
+bool is_idle(const Domain *d, const Scan *scan, const DirectedState *state)
 {
     if (scan->Row->Sibling < 0) return false;
-    const RowState *other = &d->State.data[scan->Row->Sibling];
+    const DirectedState *other = &d->State.data[scan->Row->Sibling];
     return other->Infinite == 0 && scan->Slack >= -activity_of(state) - activity_of(other);
 }
 
@@ -131,7 +131,7 @@ void refuse_row(Domain *d, const DirectedRow *row)
 
 void look_at_row(Domain *d, int directed)
 {
-    const RowState *state = &d->State.data[directed];
+    const DirectedState *state = &d->State.data[directed];
     Scan scan = {&d->Rows->Directed.data[directed], 0, 0};
     d->Effort++;
     if (state->Infinite > 1) return;

@@ -21,10 +21,13 @@ int copy_columns(MIPState *state)
     return 0;
 }
 
-int find_semis(MIPState *state)
+// What presolve knows beside the body.
+int take_structures(MIPState *state)
 {
     if (!state->Space->Presolve) return 0;
     state->Semis = presolved_semi(state->Space->Presolve, &state->NumSemis);
+    state->Cliques = presolve_take_cliques(state->Space->Presolve);
+    state->Implications = presolve_take_implications(state->Space->Presolve);
     for (int k = 0; k < state->NumSemis; k++) state->InLp.data[state->Semis[k].col] = 1;
     return 0;
 }
@@ -61,7 +64,7 @@ int fill(MIPState *state)
     state->Store.Columns = body->numvars;
     state->Store.Rows = body->numconstrs;
     TRY(copy_columns(state));
-    TRY(find_semis(state));
+    TRY(take_structures(state));
     TRY(pseudo_alloc(&state->Costs, body->numvars));
     TRY(propagation_rows_of_body(&state->Rows, body));
     TRY(find_branch_sets(state));
@@ -115,6 +118,7 @@ void search_free(MIPState *state)
     pool_free(&state->Pool);
     propagation_rows_free(state->Rows);
     clique_table_free(state->Cliques);
+    implication_log_free(state->Implications);
     space_free(state->Space);
     record_free(state);
 }

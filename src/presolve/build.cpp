@@ -1,5 +1,7 @@
 // build.cpp -- creates the reduced model and the data for postsolve from the presolve record
 #include "body/build.h"
+#include "domain/clique_table.h"
+#include "domain/implication_log.h"
 #include "presolve/errors.h"
 #include "presolve/presolve.h"
 #include "presolve/semi_expand.h"
@@ -168,6 +170,8 @@ void presolve_free(PresolveResult *result)
 {
     if (!result) return;
     undo_free(&result->Undo);
+    clique_table_free(result->Cliques);
+    implication_log_free(result->Implications);
     body_free(result->Reduced);
     record_free(result);
 }
@@ -185,6 +189,16 @@ const ModelBody *presolve_reduced(const PresolveResult *result)
 ModelBody *presolve_take_reduced(PresolveResult *result)
 {
     return std::exchange(result->Reduced, nullptr);
+}
+
+CliqueTable *presolve_take_cliques(PresolveResult *result)
+{
+    return std::exchange(result->Cliques, nullptr);
+}
+
+ImplicationLog *presolve_take_implications(PresolveResult *result)
+{
+    return std::exchange(result->Implications, nullptr);
 }
 
 int presolved_var(const PresolveResult *result, int j)

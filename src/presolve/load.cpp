@@ -4,6 +4,7 @@
 //             order. Entries that count as zero are left out. Spare nodes give room for fill.
 #include "body/row_kind.h"
 #include "presolve/errors.h"
+#include "presolve/integer/facts.h"
 #include "runtime/clock.h"
 
 namespace
@@ -192,5 +193,6 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
 void work_free(PresolveWork *w)
 {
     undo_free(&w->Undo);
+    facts_free(w->Facts);
     *w = PresolveWork{};
 }

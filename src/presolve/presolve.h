@@ -44,6 +44,9 @@ struct SemiColumn {
     bool is_integer;
 };
 
+struct CliqueTable;    // domain/clique_table.h
+struct ImplicationLog; // domain/implication_log.h
+
 // The reduced model and the data for postsolve. It keeps the address of the body that was reduced.
 struct PresolveResult;
 
@@ -62,6 +65,11 @@ void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits post
 // Of the result, or null when nothing is left to solve.
 const ModelBody *presolve_reduced(const PresolveResult *result);
 ModelBody *presolve_take_reduced(PresolveResult *result); // it changes hands
+
+// Cliques and implications over the columns of the reduced model of presolve_mip, valid in all its points; or null. They
+// change hands.
+CliqueTable *presolve_take_cliques(PresolveResult *result);
+ImplicationLog *presolve_take_implications(PresolveResult *result);
 
 // A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,
 // -3 free or superbasic); the slack of row i is b_i - a_i x.

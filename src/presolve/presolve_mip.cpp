@@ -5,6 +5,7 @@
 //             reductions over the whole model close the round. The rounds end when one gains little. With parameter
 //             Presolve 0 the model is only brought into the form that the search reads.
 // Out         The reduced model with the data for postsolve, or a final status.
+#include "presolve/integer/facts.h"
 #include "presolve/passes.h"
 #include "runtime/clock.h"
 #include <cmath>
@@ -29,6 +30,7 @@ struct Plan {
     bool dual = false, bound = false, parallel = false, aggregate = false, coef = false;
     bool dependent_rows = false, dependent_cols = false, two_rows = false;
     bool two_rows_at_end = false, thorough = false;
+    bool probe_simple = false, probe = false, cliques = false, clique_rows = false;
     int passes = 0;
 };
 
@@ -45,6 +47,10 @@ Plan make_plan(const PresolveWork *w)
     plan.dependent_cols = env->PreDepRow != 0 && plan.dual;
     plan.two_rows = env->TARV_PAR_PRETWOROWS != 0 && env->Presolve != 1;
     plan.two_rows_at_end = env->TARV_PAR_PRETWOROWS == 2;
+    plan.probe_simple = env->TARV_PAR_PREPROBE0 != 0;
+    plan.probe = w->ProbeLevel > 0;
+    plan.cliques = env->TARV_PAR_PRECLIQUE != 0;
+    plan.clique_rows = env->TARV_PAR_PRECLIQSUB != 0;
     plan.thorough = env->Presolve == 2 || w->ProbeLevel >= 2;
     plan.passes = env->PrePasses >= 0  ? env->PrePasses
                   : env->Presolve == 2 ? UNLIMITED
@@ -87,11 +93,14 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                       {plan->parallel && plan->dual, pre_duplicate_cols},
                       {plan->parallel, pre_duplicate_rows},
                       {plan->dual, pre_dominated_columns},
-                      {plan->coef, pre_coef_rows}}));
+                      {plan->coef, pre_coef_rows},
+                      {plan->clique_rows, pre_clique_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
     TRY(pre_activity(w));
     TRY(run_steps(w, {{plan->bound && plan->dual, pre_bound_dual},
+                      {plan->cliques, pre_cliques},
+                      {plan->cliques, pre_clique_merge},
                       {plan->two_rows, pre_two_rows},
                       {pass == 0 && plan->dependent_rows, pre_dependent_rows},
                       {pass == 0 && plan->dependent_cols, pre_dependent_cols}}));
@@ -123,6 +132,9 @@ int close_round(PresolveWork *w, const Plan *plan)
 {
     w->Phase = 0;
     return run_steps(w, {{plan->bound && plan->dual, pre_singleton_knapsack},
+                         {plan->probe_simple, pre_probe_simple},
+                         {plan->probe, pre_probe},
+                         {plan->clique_rows, pre_clique_rows},
                          {plan->two_rows_at_end, pre_two_rows}});
 }
 
@@ -155,6 +167,7 @@ int rounds(PresolveWork *w, const Plan *plan)
         TRY(close_round(w, plan));
         if (gain_since(w, before) < least) break;
     }
+    if (w->ProbeLevel >= 2) TRY(run_reduction(w, pre_probe_quick));
     return 0;
 }
 
@@ -220,7 +233,8 @@ int presolve_mip(const ModelBody *body, TVXenv *env, int probe_level, PresolveRe
     work.Method = static_cast<LpMethod>(env->LPMethod);
     work.IsMip = 1;
     work.ProbeLevel = probe_level;
-    const int end = load_and_reduce(&work, body, env, reduce, out);
+    int end = load_and_reduce(&work, body, env, reduce, out);
+    if (*out && end == 0) end = facts_to_result(&work, *out);
     if (*out) log_result(&work);
     return presolve_end(&work, end, out, status, effort);
 }

@@ -65,6 +65,7 @@ struct WorkList {
     Array<int> List;    // room for all
 };
 
+struct MipFacts; // integer/facts.h
 struct PresolveWork {
     const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
@@ -147,6 +148,7 @@ struct PresolveWork {
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
     int NumNoted = 0; // rows with notes of pre_columns in Flag
+    MipFacts *Facts = nullptr; // cliques and implications of presolve_mip, or null
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -164,6 +166,9 @@ struct PresolveResult {
     double ObjCon = 0; // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
     Array<SemiColumn> Semi; // semi-continuous columns of the reduced model
+    // of the columns of the reduced model, or null; owned
+    CliqueTable *Cliques = nullptr;
+    ImplicationLog *Implications = nullptr;
 };
 
 inline bool has_lb(const PresolveWork *w, int j)
@@ -385,3 +390,9 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_dominated_columns(PresolveWork *w);
 [[nodiscard]] int pre_bound_dual(PresolveWork *w);
 [[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_probe_simple(PresolveWork *w);
+[[nodiscard]] int pre_probe(PresolveWork *w);       // by ProbeLevel
+[[nodiscard]] int pre_probe_quick(PresolveWork *w); // as with level 1
+[[nodiscard]] int pre_cliques(PresolveWork *w);
+[[nodiscard]] int pre_clique_merge(PresolveWork *w);
+[[nodiscard]] int pre_clique_rows(PresolveWork *w);

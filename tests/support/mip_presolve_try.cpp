@@ -1,6 +1,8 @@
 // mip_presolve_try.cpp -- see the header
 #include "support/mip_presolve_try.h"
+#include "presolve/integer/facts.h"
 #include "support/dice.h"
+#include "support/facts_judge.h"
 #include "support/inside.h"
 #include <cmath>
 #include <cstdlib>
@@ -233,6 +235,19 @@ static void judge(const MipQuestion &question, PresolveResult *result, MipTry *o
         judge.no_optimum();
 }
 
+// What presolve tells the search of the reduced model.
+static void judge_learned(PresolveResult *result, MipTry *out)
+{
+    CliqueTable *cliques = presolve_take_cliques(result);
+    ImplicationLog *log = presolve_take_implications(result);
+    const FactsJudged judged = judge_facts(out->reduced, cliques, log);
+    out->faults += judged.faults;
+    out->pairs = judged.pairs;
+    out->bounds = judged.bounds;
+    clique_table_free(cliques);
+    implication_log_free(log);
+}
+
 MipTry mip_presolved(const MipQuestion &question)
 {
     MipTry out;
@@ -245,6 +260,7 @@ MipTry mip_presolved(const MipQuestion &question)
                      &out.status, &work))
         abort();
     judge(question, result, &out);
+    if (result) judge_learned(result, &out);
     presolve_free(result);
     return out;
 }
@@ -268,7 +284,8 @@ static int reduce(PresolveWork *w, TVXmodel *model,
     }
     TRY(pre_sos_fixings(w));
     TRY(pre_semi_fixings(w));
-    return build_reduced(w, result);
+    TRY(build_reduced(w, result));
+    return facts_to_result(w, *result);
 }
 
 MipTry mip_reduced_by(const MipQuestion &question,
@@ -288,6 +305,7 @@ MipTry mip_reduced_by(const MipQuestion &question,
                  work.BoundsChanged;
     work_free(&work);
     judge(question, result, &out);
+    if (result) judge_learned(result, &out);
     presolve_free(result);
     return out;
 }

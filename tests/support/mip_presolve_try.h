@@ -22,9 +22,10 @@ struct MipTry {
     std::vector<SemiColumn> semi;
     int effect =
         0; // rows, columns, coefficients, bounds and senses changed, by chosen reductions
-    std::string faults;   // empty: none
-    bool judged = false;  // the exact judge knew both answers
-    bool crushed = false; // the optimum was mapped to the reduced model
+    std::string faults;        // empty: none
+    bool judged = false;       // the exact judge knew both answers
+    bool crushed = false;      // the optimum was mapped to the reduced model
+    int pairs = 0, bounds = 0; // facts for the search found to be true (facts_judge.h)
 };
 
 struct MipQuestion {
