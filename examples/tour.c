@@ -93,11 +93,11 @@ static int build(TVXenv *env, TVXmodel **model)
     return error;
 }
 
-/* Cuts that do not follow from the model need all its columns, and all its solutions, also behind presolve. */
+/* Cuts that do not follow from the model need all its columns and all its solutions: no presolve. */
 static int prepare(TVXmodel *model, int *cuts)
 {
     TVXenv *env = TVXgetenv(model);
-    int error = TVXsetintparam(env, "PreCrush", 1);
+    int error = TVXsetintparam(env, "Presolve", 0);
 
     if (!error) error = TVXsetintparam(env, "TARV_PAR_DUALREDUCTION", 0);
     if (!error)

@@ -713,8 +713,9 @@ TVX_API int TVXcbsolution(void *cbdata, const double *solution);
  * rounding has found is accepted without a call at a node, and only announced at TVX_WHERE_SOLUTION, where no cuts can be
  * handed in. A row that the next node hands in still takes it away if it violates the row.
  * Presolve works on the model as it was given. PreCrush=1 keeps the columns that a cut may need; without it a cut over a
- * column that presolve has removed may be refused. TARV_PAR_DUALREDUCTION=0 is needed for cuts that do not follow from
- * the model: presolve might otherwise keep only such optimal solutions as the cut excludes.
+ * column that presolve has removed may be refused. Rows that do not follow from the model (lazy constraints) need both
+ * Presolve=0 and TARV_PAR_DUALREDUCTION=0: presolve might otherwise keep only such solutions as the row excludes, or
+ * solve the model without a node at which the function could be asked.
  * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null and cutlen is not 0; TVX_ERROR_INVALID_ARGUMENT a value is NaN
  * or infinite; TVX_ERROR_CALLBACK not at a node, cutlen is negative, a variable is out of range, the cut cannot be
  * stated for the presolved model ("Presolve has removed columns of the cut: set parameter PreCrush"), or cbdata is not

@@ -71,6 +71,27 @@ TEST_F(MipCallback, a_row_handed_in_is_a_constraint_from_then_on)
             }
 }
 
+// What no row of the model holds may still be held by rows to come: z is in none, and once there are no rows at all.
+TEST_F(MipCallback, a_row_holds_variables_that_are_in_no_row_of_the_model)
+{
+    const int z = 2;
+    const double one = 1;
+    for (const char *text :
+         {"max 5x+4y+3z st\n2x+3y<=5\n4x+y<=11\n3x+4y<=8\nbounds x<=9 y<=9 z<=9 general x "
+          "y z",
+          "max 5x+0y+3z st\nx+y<=30\nbounds x<=2 y<=9 z<=9 general x y z"})
+        for (const int presolve : {0, -1}) {
+            open(text, presolve);
+            act = [&](void *data, int where) {
+                const bool first = where == TVX_WHERE_NODE && calls[where] == 1;
+                return first ? TVXcbcut(data, 1, &z, &one, '<', 1) : 0;
+            };
+            ASSERT_EQ(TVXoptimize(model), 0);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+            EXPECT_NEAR(dbl("ObjVal"), 13, 1e-6) << presolve;
+        }
+}
+
 TEST_F(MipCallback, rows_that_leave_no_point_make_the_model_infeasible)
 {
     const int ind[] = {0, 1, 2};
