@@ -12,7 +12,7 @@
 namespace
 {
 constexpr const char *DESCRIPTION =
-    "Solves linear programs.\n"
+    "Solves linear and mixed-integer programs.\n"
     "\n"
     "MODEL is a file in MPS (.mps, .rew) or LP format (.lp, .rlp, .ilp), also compressed "
     "(.gz,\n.bz2), or - for standard input. Several models are solved in turn.\n"

@@ -542,10 +542,13 @@ TVX_API int TVXsetstrattrlist(TVXmodel *model, const char *name, int len, const 
  * like any other: the call returns 0 and the Status attribute tells. A linear program is solved by
  * the method of LPMethod; solved again without a change it is not solved anew, and after a limit
  * or an interruption it goes on from where it stopped. A basis set through VBasis and CBasis
- * since the last solve is its start.
+ * since the last solve is its start. A model with integer or semi-continuous variables or SOS
+ * constraints (a MIP) is solved by branch and bound, up to MIPGap or MIPGapAbs between ObjVal and
+ * ObjBound; after a limit or an interruption the search goes on from where it stopped, as long as
+ * model, tolerances, Cutoff, Presolve, TARV_PAR_DUALREDUCTION and MIPFocus stay. Values of the
+ * attribute Start, all or some, are a first solution, or what one is sought around.
  *   model   in, out
- * Codes: 0; TVX_ERROR_NOT_FOR_MIP for a model with integer or semi-continuous variables or SOS
- *   constraints; TVX_ERROR_OPTIMIZATION_IN_PROGRESS also when called from inside a callback;
+ * Codes: 0; TVX_ERROR_OPTIMIZATION_IN_PROGRESS also when called from inside a callback;
  *   TVX_ERROR_OUT_OF_MEMORY, with "Optimization exhausted available memory" when nothing more
  *   specific is known: Status is then TVX_LOADED and the model as usable as before; any code that
  *   a callback returned.
@@ -603,13 +606,14 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_WHERE_POLLING 0  /* now and then, nothing to report */
 #define TVX_WHERE_PRESOLVE 1 /* between and within reductions */
 #define TVX_WHERE_SIMPLEX 2  /* every iteration */
-#define TVX_WHERE_MIP 3      /* a line of the MIP log */
+#define TVX_WHERE_MIP 3      /* a line of the MIP log: a node, or a solution of a start or of the caller's */
 #define TVX_WHERE_SOLUTION 4 /* a new MIP solution */
-#define TVX_WHERE_NODE 5     /* a MIP node was solved */
+#define TVX_WHERE_NODE 5     /* a MIP node was solved; again after cuts were handed in */
 #define TVX_WHERE_MESSAGE 6  /* a line is logged, also outside a solve, printed or not */
 #define TVX_WHERE_BARRIER 7  /* an iteration of the barrier method */
 
-/* What it may ask for: int, unless told otherwise. The MIP search and the barrier have no moments yet. */
+/* What it may ask for: int, unless told otherwise. The barrier has no moments yet. Objectives and bounds
+ * are in the sense of the model; without a solution the best objective is 1e100, of a maximise model -1e100. */
 #define TVX_CB_PRESOLVE_COLUMNS 1000      /* columns removed */
 #define TVX_CB_PRESOLVE_ROWS 1001         /* rows removed */
 #define TVX_CB_PRESOLVE_EQUATIONS 1002    /* inequalities turned into equations */
@@ -627,7 +631,7 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_CB_MIP_BOUND 3001          /* double: best bound */
 #define TVX_CB_MIP_NODES 3002          /* double: nodes explored */
 #define TVX_CB_MIP_SOLUTIONS 3003      /* solutions found */
-#define TVX_CB_MIP_CUTS 3004           /* cuts in use */
+#define TVX_CB_MIP_CUTS 3004           /* cuts in use: so far those handed in */
 #define TVX_CB_MIP_OPEN_NODES 3005     /* double: nodes still open */
 #define TVX_CB_MIP_ITERATIONS 3006     /* double: simplex iterations */
 #define TVX_CB_SOLUTION_VALUES 4001    /* double [NumVars]: the new solution */
@@ -636,7 +640,7 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_CB_SOLUTION_BOUND 4004     /* double: best bound */
 #define TVX_CB_SOLUTION_NODES 4005     /* double: nodes explored */
 #define TVX_CB_SOLUTION_COUNT 4006     /* solutions found */
-#define TVX_CB_NODE_STATUS 5001        /* status of the node relaxation */
+#define TVX_CB_NODE_STATUS 5001        /* of the node relaxation: 2 optimal, 3 infeasible, 6 cut off, 1 not known */
 #define TVX_CB_NODE_VALUES 5002        /* double [NumVars]: its solution */
 #define TVX_CB_NODE_BEST 5003          /* double: best objective */
 #define TVX_CB_NODE_BOUND 5004         /* double: best bound */
@@ -653,7 +657,7 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 
 /* The caller's function.
  *   model    in  whose solve it is
- *   cbdata   in  for TVXcbget, valid during the call
+ *   cbdata   in  for the calls below, valid during the call
  *   where    in  TVX_WHERE_POLLING ... TVX_WHERE_BARRIER
  *   usrdata  in  as given to TVXsetcallbackfunc */
 typedef int (*TVXcallback)(TVXmodel *model, void *cbdata, int where, void *usrdata);
@@ -681,6 +685,43 @@ TVX_API int TVXcbget(void *cbdata, int where, int what, void *result_out);
  * Returns 0; TVX_ERROR_NULL_ARGUMENT an out argument is null; TVX_ERROR_CALLBACK no such code, or cbdata is not
  * valid. */
 TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_out);
+
+/* Inside the function, at TVX_WHERE_MIP, TVX_WHERE_SOLUTION and TVX_WHERE_NODE: hands a point to the search.
+ *   cbdata    in  as the function got it
+ *   solution  in  [NumVars] the values; 1e100 or more where one is not known. What is not known, outside the bounds or
+ *                 not whole where it should be is sought, in a search of at most SubMIPNodes nodes
+ * The point becomes the best solution if it satisfies the model, and all cuts handed in, and is better than the best one
+ * so far; else nothing happens: read TVX_CB_MIP_SOLUTIONS, or its like, to know. The function is called with
+ * TVX_WHERE_SOLUTION for it, from inside this call.
+ * Returns 0, also for a point that is not taken; TVX_ERROR_NULL_ARGUMENT solution is null;
+ * TVX_ERROR_INVALID_ARGUMENT a value is NaN; TVX_ERROR_CALLBACK no search is at work here, or cbdata is not valid;
+ * TVX_ERROR_OUT_OF_MEMORY. */
+TVX_API int TVXcbsolution(void *cbdata, const double *solution);
+
+/* Inside the function, at TVX_WHERE_NODE: hands in a row  sum of cutval x <= cutrhs,  or >=. From then on, until the end
+ * of the search, it is a constraint of the model: it may cut off the solution of the node's relaxation, solutions of the
+ * integer model too (a lazy constraint), and the best solution so far, which is then dropped. After the function has
+ * returned the relaxation of the node is solved again, and the function called again, until it hands in nothing more: so
+ * hand in only what the node's solution violates. No later point that violates a row handed in is accepted.
+ *   cbdata    in  as the function got it
+ *   cutlen    in  entries, 0 or more
+ *   cutind    in  [cutlen] variables; one may be named twice, the values are added then
+ *   cutval    in  [cutlen] coefficients
+ *   cutsense  in  '<' or '>'; any other sense counts as '<'
+ *   cutrhs    in
+ * Points that need lazy constraints have to be seen at nodes: a solution that a start, TVXcbsolution or the search's own
+ * rounding has found is accepted without a call at a node, and only announced at TVX_WHERE_SOLUTION, where no cuts can be
+ * handed in. A row that the next node hands in still takes it away if it violates the row.
+ * Presolve works on the model as it was given. PreCrush=1 keeps the columns that a cut may need; without it a cut over a
+ * column that presolve has removed may be refused. Rows that do not follow from the model (lazy constraints) need both
+ * Presolve=0 and TARV_PAR_DUALREDUCTION=0: presolve might otherwise keep only such solutions as the row excludes, or
+ * solve the model without a node at which the function could be asked.
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null and cutlen is not 0; TVX_ERROR_INVALID_ARGUMENT a value is NaN
+ * or infinite; TVX_ERROR_CALLBACK not at a node, cutlen is negative, a variable is out of range, the cut cannot be
+ * stated for the presolved model ("Presolve has removed columns of the cut: set parameter PreCrush"), or cbdata is not
+ * valid; TVX_ERROR_OUT_OF_MEMORY. */
+TVX_API int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval,
+                     char cutsense, double cutrhs);
 
 /* ---- Files ----
  *

@@ -27,6 +27,8 @@ def main():
     wanted = json.loads(sys.argv[2])
     try:
         lp = mps.read(sys.argv[1])
+        if lp.sets:
+            raise mps.Unsupported("sets")
     except mps.Unsupported as reason:
         print(json.dumps({"status": "unsupported", "reason": str(reason)}))
         return

@@ -9,6 +9,9 @@ import tempfile
 import threading
 import time
 
+from . import points
+
+GAP_OF_REFERENCE = 1e-4  # relative; references of MIPs are as good as the default gap
 GRACE = 1.5  # a program is killed after this many time limits, plus GRACE_SECONDS
 GRACE_SECONDS = 20
 LOG_LIMIT = 1 << 20  # bytes of a log that are looked at, from its end
@@ -55,12 +58,17 @@ def run(command, threads, time_limit):
 
 
 def solve(solver, model, options):
-    """The record of one run, ready to be written as a line of JSON; None when the solver does not take the model."""
-    command = solver.command(model, options)
-    if command is None:
-        return None
+    """The record of one run, ready to be written as a line of JSON; None when the solver does not take the model.
+    Of a MIP the solver writes its solution, which is checked."""
     record = {"type": "run", "model": model.name, "class": model.kind, "solver": solver.label}
-    times, text = run(command, options.threads, options.time_limit)
+    with tempfile.TemporaryDirectory(prefix="tarvex-bench-") as folder:
+        point = os.path.join(folder, "point.sol") if model.kind == "mip" and solver.points else None
+        command = solver.command(model, options, point)
+        if command is None:
+            return None
+        times, text = run(command, options.threads, options.time_limit)
+        if point:
+            record.update(points.check(solver.points, point, model))
     record.update(times)
     if times["killed"]:
         record["status"] = "limit"
@@ -77,20 +85,46 @@ def solve(solver, model, options):
     return record
 
 
-def judge(record, model, options):
-    """right, wrong, unchecked (no reference), or the status of a run that gave no answer."""
-    status = record["status"]
-    if status not in ("optimal", "infeasible", "unbounded", "inf_or_unbd"):
-        return status
+def value_of(record):
+    """The objective of the log, or that of the point when the log tells none."""
+    said = record.get("objective")
+    return record.get("point_objective") if said is None else said
+
+
+def too_good(record, model, options):
+    """Whether a point or a bound of a MIP, wherever the run ended, is beyond the optimum of the reference."""
     known = model.reference
+    if model.kind != "mip" or not known or known["status"] != "optimal" or not known["objective"] or not model.content():
+        return False
+    truth, sign = float(known["objective"]), model.content().sign
+    allowed = (options.tolerance + GAP_OF_REFERENCE) * max(1.0, abs(truth))
+    best = value_of(record)
+    bound = record.get("bound")
+    return (best is not None and sign * (truth - best) > allowed) or (bound is not None and sign * (bound - truth) > allowed)
+
+
+def judge(record, model, options):
+    """right, wrong, violated (right, but for a point that violates the model), unchecked (no reference), or the status of a
+    run that gave no answer."""
+    status = record["status"]
+    if status not in ("optimal", "infeasible", "unbounded", "inf_or_unbd", "limit"):
+        return status
+    if status in ("optimal", "limit") and "violation" in record and not points.holds(record):
+        return "violated"
+    if too_good(record, model, options):
+        return "wrong"
+    known = model.reference
+    if status == "limit":
+        return status
     if not known or known["status"] not in ("optimal", "infeasible", "unbounded"):
         return "unchecked"
     if known["status"] != "optimal":
         return "right" if status in (known["status"], "inf_or_unbd") else "wrong"
-    if status != "optimal" or record.get("objective") is None:
+    objective = value_of(record)
+    if status != "optimal" or objective is None:
         return "wrong"
     if not known["objective"]:
         return "unchecked"
     truth = float(known["objective"])
     allowed = options.tolerance + (options.gap if model.kind == "mip" else 0)
-    return "right" if abs(record["objective"] - truth) <= allowed * max(1.0, abs(truth)) else "wrong"
+    return "right" if abs(objective - truth) <= allowed * max(1.0, abs(truth)) else "wrong"

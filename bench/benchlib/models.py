@@ -27,6 +27,16 @@ class Model:
         self.plain = None  # unpacked file, once there is one
         self.kind = None  # lp or mip
         self.fixed_form = None  # keeps to the columns of fixed MPS; known once unpacked
+        self.read = None  # what our own reader makes of the unpacked file
+
+    def content(self):
+        """The model as our own reader reads it, or None when it cannot."""
+        if self.read is None:
+            try:
+                self.read = mps.read(self.plain)
+            except (mps.Unsupported, ValueError, LookupError):
+                self.read = False
+        return self.read or None
 
 
 def instances_root():
@@ -93,6 +103,7 @@ class Workshop:
 
     def discard(self, model):
         """Gives the room of an unpacked copy back."""
+        model.read = None
         if model.plain and model.plain.startswith(self.folder):
             os.remove(model.plain)
             model.plain = None

@@ -1,7 +1,7 @@
 """A small MPS reader, for peers that take arrays instead of files.
 
 Reads free MPS, and fixed MPS when a name holds blanks. Knows NAME, OBJSENSE, OBJNAME, ROWS, COLUMNS with integer
-markers, RHS, RANGES, BOUNDS and ENDATA; any other section raises Unsupported.
+markers, RHS, RANGES, BOUNDS, SOS (SETS) and ENDATA; any other section raises Unsupported.
 """
 
 from array import array
@@ -28,6 +28,7 @@ class Lp:
         self.begin, self.index, self.value = [0], array("i"), array("d")
         self.lower, self.upper = [], []
         self.row_lower, self.row_upper = [], []
+        self.sets = []  # (type, columns in the order of their weights)
 
 
 def has_blank_names(lines):
@@ -97,7 +98,7 @@ class Reader:
         section = words[0].upper()
         if section == "OBJSENSE" and len(words) > 1:
             self.read_objsense(words[1:])
-        if section not in ("NAME", "OBJSENSE", "OBJNAME", "ROWS", "COLUMNS", "RHS", "RANGES", "BOUNDS", "ENDATA"):
+        if section not in ("NAME", "OBJSENSE", "OBJNAME", "ROWS", "COLUMNS", "RHS", "RANGES", "BOUNDS", "SOS", "SETS", "ENDATA"):
             raise Unsupported("section " + section)
         return section
 
@@ -180,6 +181,15 @@ class Reader:
             else:
                 lp.row_upper[i] = lp.row_lower[i] + abs(value)
 
+    def read_sos(self, fields):
+        if fields[0].upper() in ("S1", "S2"):
+            self.lp.sets.append((int(fields[0][1]), []))
+        else:
+            name, weight = fields[-1].split(":") if ":" in fields[-1] else fields[-2:]
+            self.lp.sets[-1][1].append((float(weight), self.lp.columns[name]))
+
+    read_sets = read_sos
+
     def bound_fields(self, fields):
         """Type, column, value of a bound whose set name may be missing."""
         kind = fields[0].upper()
@@ -200,15 +210,17 @@ class Reader:
         self.bounded.add(j)
         if kind in ("LI", "UI", "BV"):
             lp.kind[j] = INTEGER
+        if kind == "SI":
+            lp.kind[j] = SEMI_INTEGER
         if kind == "SC":
             lp.kind[j] = SEMI_INTEGER if lp.kind[j] == INTEGER else SEMI_CONTINUOUS
         if kind == "BV":
             lp.lower[j], lp.upper[j] = 0.0, 1.0
         if kind in ("LO", "LI", "FX"):
             lp.lower[j] = value
-        if kind in ("UP", "UI", "FX", "SC"):
+        if kind in ("UP", "UI", "FX", "SC", "SI"):
             lp.upper[j] = value
-            if value < 0 and lp.lower[j] == 0 and kind != "FX":
+            if value < 0 and lp.lower[j] == 0 and kind not in ("FX", "SC", "SI"):
                 lp.lower[j] = -inf
         if kind in ("FR", "MI"):
             lp.lower[j] = -inf
@@ -224,6 +236,7 @@ class Reader:
             for k, value in enumerate(bounds):
                 if abs(value) >= INFINITE:
                     bounds[k] = inf if value > 0 else -inf
+        lp.sets = [(kind, [j for _, j in sorted(members)]) for kind, members in lp.sets]
 
 
 def read(path):

@@ -11,6 +11,8 @@ from math import exp, log
 from statistics import median
 
 SMALL = 1.0
+SHIFT_NODES = 100.0
+ENOUGH_NODES = 100  # for a rate that means something
 SHIFT_SMALL, SHIFT_LARGE = 0.01, 1.0
 WORST = 5
 MEASURES = {
@@ -22,7 +24,7 @@ MEASURES = {
 
 def seconds(record, measure):
     """The time of one run under a measure, or None when the program does not tell."""
-    if record["solver"] == "highs":  # its process is mostly Python and our slow reader
+    if record["solver"] == "highs-scipy":  # its process is mostly Python and our slow reader
         return record.get("solve_wall" if measure == "wall" else "solve_cpu")
     if measure == "cpu":
         return record["user"] + record["sys"]
@@ -38,12 +40,18 @@ class Table:
         self.limit = limit
         self.solvers = list(dict.fromkeys(run["solver"] for run in runs))
         self.models = list(dict.fromkeys(run["model"] for run in runs))
+        self.mip = any(run["class"] == "mip" for run in runs)
         grouped = {}
         for run in runs:
             grouped.setdefault((run["model"], run["solver"]), []).append(run)
-        self.time, self.verdict, self.memory = {}, {}, {}
+        self.time, self.verdict, self.memory, self.nodes, self.rate = {}, {}, {}, {}, {}
         for key, group in grouped.items():
             self.memory[key] = max(run["memory"] for run in group)
+            counts = [run["nodes"] for run in group if run.get("nodes") is not None]
+            if counts:
+                self.nodes[key] = median(counts)
+                spent = median([seconds(run, measure) or 0.0 for run in group])
+                self.rate[key] = self.nodes[key] / spent if self.nodes[key] >= ENOUGH_NODES and spent > 0 else None
             bad = next((run["verdict"] for run in group if run["verdict"] not in ("right", "unchecked")), None)
             self.verdict[key] = bad or group[0]["verdict"]
             times = [seconds(run, measure) for run in group]
@@ -59,7 +67,7 @@ class Table:
         return [m for m in self.models if all(self.time.get((m, s)) is not None for s in solvers)]
 
     def small(self, model, solvers):
-        return all(self.time[model, s] < SMALL for s in solvers)
+        return not self.mip and all(self.time[model, s] < SMALL for s in solvers)
 
 
 def shifted_mean(times, shift):
@@ -80,13 +88,13 @@ def cell(value, form="{:.3f}"):
 
 
 def counts(table, out):
-    names = ["right", "unchecked", "limit", "wrong", "error", "crash", "unsupported"]
+    names = ["right", "unchecked", "limit", "wrong", "violated", "error", "crash", "unsupported"]
     out(f"{'solver':<14}{'models':>8}" + "".join(f"{n:>12}" for n in names))
     for s in table.solvers:
         verdicts = [table.verdict[m, s] for m in table.models if (m, s) in table.verdict]
         out(f"{s:<14}{len(verdicts):>8}" + "".join(f"{verdicts.count(n):>12}" for n in names))
     for (m, s), verdict in table.verdict.items():
-        if verdict in ("wrong", "crash"):
+        if verdict in ("wrong", "violated", "crash"):
             out(f"  {verdict}: {s} on {m}")
 
 
@@ -106,6 +114,18 @@ def means(table, out):
         memory = [table.memory[m, s] for m in models]
         out(f"{s:<14}" + "".join(f"{cell(v, '{:.4f}'):>26}" for v in row)
             + f"{shifted_mean(memory, 0):>18.1f}{max(memory):>10.1f}")
+
+
+def trees(table, out):
+    """Nodes, and nodes a second."""
+    solvers = [s for s in table.solvers if any(solver == s for _, solver in table.nodes)]
+    solved = [m for m in table.models if all(table.verdict.get((m, s)) == "right" and (m, s) in table.nodes for s in solvers)]
+    out(f"\nshifted geometric means: nodes (shift {SHIFT_NODES:g}) over the {len(solved)} models that all of these solved;"
+        f" nodes a second of the time compared, over the models with {ENOUGH_NODES} nodes or more")
+    for s in solvers:
+        rates = [rate for (_, solver), rate in table.rate.items() if solver == s and rate]
+        out(f"{s:<14}{cell(shifted_mean([table.nodes[m, s] for m in solved], SHIFT_NODES), '{:.1f}'):>14} nodes"
+            f"{cell(shifted_mean(rates, 0), '{:.0f}'):>14} nodes/s over {len(rates)} models")
 
 
 def pairs(table, out):
@@ -135,8 +155,8 @@ def pairs(table, out):
 
 def print_report(head, runs, measure, out=print):
     out(f"compared: {MEASURES[measure]}")
-    if any(run["solver"] == "highs" for run in runs):
-        out("highs: only its solve is measured, not its process, whatever is compared")
+    if any(run["solver"] == "highs-scipy" for run in runs):
+        out("highs-scipy: only its solve is measured, not its process, whatever is compared")
     parts = dict.fromkeys((run["class"], collection(run["model"])) for run in runs)
     for kind, name in sorted(parts):
         section(kind, name, [run for run in runs if (run["class"], collection(run["model"])) == (kind, name)], head, measure, out)
@@ -154,4 +174,6 @@ def section(kind, name, runs, head, measure, out):
     out(f"\n== {name} ({kind}): {len(table.models)} models ==\n")
     counts(table, out)
     means(table, out)
+    if table.nodes:
+        trees(table, out)
     pairs(table, out)

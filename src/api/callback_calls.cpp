@@ -2,6 +2,7 @@
 #include "env/callback.h"
 #include "model/model.h"
 #include "runtime/clock.h"
+#include <cmath>
 
 namespace
 {
@@ -155,5 +156,55 @@ int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_out)
         *type_out = row->type;
         *size_out = row->array;
     }
+    return finish_model(record->model, code);
+}
+
+namespace
+{
+int take_solution(const CallbackRecord *record, const double *solution)
+{
+    const CallbackSource &source = record->source;
+    if (!source.take_point) return TVX_ERROR_CALLBACK;
+    TVXmodel *model = record->model;
+    for (int j = 0; j < model->body->numvars; j++)
+        if (std::isnan(solution[j])) return check_value(model->env, solution[j]);
+    return source.take_point(source.solver, solution);
+}
+
+// Rows with sense '>' are negated on the way in.
+int take_cut(const CallbackRecord *record, const CallbackRow &row, char sense)
+{
+    const CallbackSource &source = record->source;
+    TVXmodel *model = record->model;
+    if (!source.take_row || row.count < 0) return TVX_ERROR_CALLBACK;
+    for (int k = 0; k < row.count; k++)
+        if (row.ind[k] < 0 || row.ind[k] >= model->body->numvars) return TVX_ERROR_CALLBACK;
+    TRY(check_values(model->env, row.count, row.val));
+    TRY(check_value(model->env, row.rhs));
+    if (normal_sense(sense) != '>') return source.take_row(source.solver, row);
+    Array<double> negated;
+    TRY(array_resize(&negated, row.count));
+    for (int k = 0; k < row.count; k++) negated.data[k] = -row.val[k];
+    return source.take_row(source.solver, {row.count, row.ind, negated.data, -row.rhs});
+}
+} // namespace
+
+int TVXcbsolution(void *cbdata, const double *solution)
+{
+    const CallbackRecord *record = record_of(cbdata);
+    if (!record) return TVX_ERROR_CALLBACK;
+    int code = TVXcheckmodel(record->model);
+    if (!code) code = solution ? take_solution(record, solution) : TVX_ERROR_NULL_ARGUMENT;
+    return finish_model(record->model, code);
+}
+
+int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval,
+             char cutsense, double cutrhs)
+{
+    const CallbackRecord *record = record_of(cbdata);
+    if (!record) return TVX_ERROR_CALLBACK;
+    int code = TVXcheckmodel(record->model);
+    if (!code && cutlen > 0 && (!cutind || !cutval)) code = TVX_ERROR_NULL_ARGUMENT;
+    if (!code) code = take_cut(record, {cutlen, cutind, cutval, cutrhs}, cutsense);
     return finish_model(record->model, code);
 }

@@ -67,7 +67,12 @@ int run_mip(TVXmodel *model)
     lp_drop_results(&model->lp);
     lp_set_loaded(&model->lp);
     attributes_clear_solution(model);
-    const int code = mip_solve(mip, model->body, model->env);
+    mip->write_reduced = write_reduced;
+    const double *start =
+        model->mip_start.size == model->body->numvars && model->body->numvars > 0
+            ? model->mip_start.data
+            : nullptr;
+    const int code = mip_solve(mip, model->body, model->env, start);
     attributes_clear_solution(model);
     return code;
 }
@@ -97,6 +102,7 @@ int close_run(TVXmodel *model, int code)
         const int epilogue = mip_log_result(&model->mip, code);
         if (!code) code = epilogue;
     }
+    if (!code) code = callback_code(env); // returned at one of the closing lines
     interrupt_end(model);
     flag_store(&model->busy, 0);
     if (code == OUT_OF_MEMORY) // says more than the closing report, which is left out

@@ -251,10 +251,24 @@ namespace
 {
 int check_adopted(TVXenv *env, const ModelArrays *arrays)
 {
-    for (const Array<double> *a :
-         {&arrays->obj, &arrays->lb, &arrays->ub, &arrays->rhs, &arrays->vval})
+    for (const Array<double> *a : {&arrays->obj, &arrays->lb, &arrays->ub, &arrays->rhs,
+                                   &arrays->vval, &arrays->soswt})
         TRY(check_values(env, a->size, a->data));
     return check_value(env, arrays->objcon);
+}
+
+int adopt_types(ModelBody *body, ModelArrays *arrays)
+{
+    body->numsos = static_cast<int>(arrays->sostype.size);
+    body->sos_sorted = body->numsos > 0;
+    body->sostype = static_cast<Array<int> &&>(arrays->sostype);
+    body->sosbeg = static_cast<Array<int> &&>(arrays->sosbeg);
+    body->sosind = static_cast<Array<int> &&>(arrays->sosind);
+    body->soswt = static_cast<Array<double> &&>(arrays->soswt);
+    body->vtypes = static_cast<Array<char> &&>(arrays->vtypes);
+    if (body->vtypes.size == 0) return 0;
+    TRY(array_copy(&body->given_lb, body->lb.data, body->numvars));
+    return array_copy(&body->given_ub, body->ub.data, body->numvars);
 }
 
 int adopt_arrays(ModelBody *body, ModelArrays *arrays, double infinite)
@@ -282,6 +296,7 @@ int adopt_arrays(ModelBody *body, ModelArrays *arrays, double infinite)
         body->ub[j] = stored_bound(body->ub[j]);
         body->bound_kind[j] = bound_kind_of(body->lb[j], body->ub[j], body->kind_infinity);
     }
+    TRY(adopt_types(body, arrays));
     body_count_types(body);
     body_find_flipped(body);
     return 0;

@@ -33,5 +33,17 @@ struct ModelArrays {
     Array<double> obj, lb, ub, rhs, vval;
     Array<char> senses;
     Array<int> vbeg, vind;
+    // as in a body: types with integral bounds, or empty; sets with their members in weight order
+    Array<char> vtypes;
+    Array<int> sostype, sosbeg, sosind;
+    Array<double> soswt;
 };
 [[nodiscard]] int body_adopt(TVXenv *env, ModelArrays *arrays, ModelBody **out);
+
+// A copy with default names, and with other bounds or costs where they are given ([numvars]); integer variables need
+// integral bounds. 0, or as body_adopt; *out is null on failure.
+struct BodyChanges {
+    const double *obj = nullptr, *lb = nullptr, *ub = nullptr;
+};
+[[nodiscard]] int body_copy_changed(const ModelBody *body, TVXenv *env,
+                                    const BodyChanges &changes, ModelBody **out);

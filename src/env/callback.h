@@ -10,11 +10,21 @@
 
 static constexpr uint32_t CALLBACK_MAGIC = 0x28bf7dc5;
 
+// A row that the function hands in: sum of val x <= rhs over the caller's variables.
+struct CallbackRow {
+    int count;
+    const int *ind;
+    const double *val;
+    double rhs;
+};
+
 // The solver at work when the function is called answers its questions: sets *result and returns 0, or
-// TVX_ERROR_CALLBACK. Both null where there is nothing to ask.
+// TVX_ERROR_CALLBACK; and takes points and rows from it. Null where there is nothing to ask, or to take.
 struct CallbackSource {
     const void *solver = nullptr;
     int (*answer)(const void *solver, int what, void *result) = nullptr;
+    int (*take_point)(const void *solver, const double *x) = nullptr;
+    int (*take_row)(const void *solver, const CallbackRow &row) = nullptr;
 };
 
 struct CallbackRecord {

@@ -12,6 +12,7 @@ int lp_run(LpSolve *lp, const LpTarget &target, const LpStart &start)
     SimplexCall call;
     call.Method = start.method;
     call.Cutoff = target.cutoff;
+    call.Root = start.root;
     if (start.statuses.size > 0) {
         call.Statuses = start.statuses.data;
         if (start.norms.size > 0) call.Norms = start.norms.data;

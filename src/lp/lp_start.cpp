@@ -107,5 +107,6 @@ int lp_start_choose(LpSolve *lp, const LpGiven &given, LpStart *start)
     choose_method(lp->env, start);
     TRY(choose_place(lp, given, start));
     start->presolve = wants_presolve(lp, start);
+    start->root = given.root;
     return 0;
 }

@@ -16,6 +16,7 @@ struct LpStart {
     SimplexMethod resolved = METHOD_DUAL; // the simplex method that stands for it
     SimplexMethod method = METHOD_DUAL; // of the next run: METHOD_BY_START behind presolve
     bool presolve = false; // presolve runs first; not with FORM, where it has run
+    bool root = false;     // LpGiven::root
     // [n + m], or empty. With FORM: for a run on the model, should the form fail
     Array<int> statuses;
     Array<double> norms; // [n + m] dual pricing norms of it, or empty

@@ -38,6 +38,12 @@ inline double cost_error(const PresolveWork *w, int j)
 {
     return ERROR_MARGIN * w->ObjErr.data[j];
 }
+// Costs up to this count as zero: `little`, or with integers, whose solutions are not improved after postsolve, none but
+// errors.
+inline double no_cost(const PresolveWork *w, int j, double little)
+{
+    return (w->IsMip ? 0 : little) + cost_error(w, j);
+}
 inline double bound_error(const PresolveWork *w, int j)
 {
     return ERROR_MARGIN * w->BoundErr.data[j];

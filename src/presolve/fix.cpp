@@ -36,7 +36,8 @@ void fix_term(PresolveWork *w, int p, double v)
 
 int fix_column(PresolveWork *w, int j, double v, int status)
 {
-    TRY(record_fix(w, j, v, status));
+    const bool stays = w->ColFlags.data[j] != 0;
+    if (!stays) TRY(record_fix(w, j, v, status));
     w->ObjCon += w->Obj.data[j] * v;
     for (int p = first_in_col(w, j); p >= 0;) {
         const int next = next_in_col(w, p);
@@ -45,6 +46,11 @@ int fix_column(PresolveWork *w, int j, double v, int status)
     }
     w->ColHead.data[j] = -1;
     w->Obj.data[j] = 0;
+    if (stays) {
+        w->Lb.data[j] = w->Ub.data[j] = v;
+        mark_col(w, j);
+        return 0;
+    }
     w->ColCnt.data[j] = COL_FIXED;
     w->ColsRemoved++;
     return 0;
@@ -68,6 +74,7 @@ int fix_by_range(PresolveWork *w, int j)
         w->InfeasCol = j;
         return END_INFEASIBLE;
     }
+    if (w->ColFlags.data[j] && w->ColCnt.data[j] == 0) return 0; // nothing to remove
     double largest = 0;
     for (int p = first_in_col(w, j); p >= 0; p = next_in_col(w, p))
         largest = std::max(largest, std::fabs(w->Nodes.data[p].value));
@@ -76,16 +83,18 @@ int fix_by_range(PresolveWork *w, int j)
     if (WORTHLESS * w->FeasTol <= std::fabs(range * cost) &&
         std::fabs(cost) > cost_error(w, j))
         v = cost > 0 ? lb : ub;
+    if (w->ColFlags.data[j] && lb <= 0 && ub >= 0) v = 0; // a value that SOS allow
     return fix_column(w, j, v, STATUS_BY_SIGN);
 }
 
 void undo_fix(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col;
+    point->x[j] = point->constants * undo->value;
+    if (!point->d) return;
     double d = point->constants * undo->cost;
     for (int k = 0; k < undo->count; k++)
         d -= point->d[point->n + undo->entry[k].index] * undo->entry[k].value;
-    point->x[j] = point->constants * undo->value;
     point->d[j] = d;
     if (!point->status) return;
     point->status[j] = undo->mode != STATUS_BY_SIGN ? undo->mode : d >= 0 ? -1 : -2;

@@ -4,13 +4,16 @@
 //             order. Entries that count as zero are left out. Spare nodes give room for fill.
 #include "body/row_kind.h"
 #include "presolve/errors.h"
+#include "presolve/integer/facts.h"
 #include "runtime/clock.h"
 
 namespace
 {
 constexpr double TINY_ENTRY = 1e-13;
+constexpr double LITTLE_TERM = 1e-3; // tolerances
 // DataErr, the violation that rounding of the data may cause in a feasible model.
 constexpr double DATA_ERROR = 1e-9, DATA_ERROR_SHARE = 1e-3; // of the tolerance, at most
+constexpr double SOS_ROW_SIDE = 1; // of the row sum of members <= 1
 constexpr int64_t SPARE_LEAST = 10000;
 constexpr int SPARE_SHARE = 10;        // entries per spare node
 constexpr int LONG_COLUMN = 5;         // of the class with unit entries
@@ -18,15 +21,17 @@ constexpr double SMALLEST_CLASS = 0.5; // share of equations in it
 
 int copy_vectors(PresolveWork *w, const ModelBody *body)
 {
-    const int n = w->NumCols, m = w->NumRows;
+    const int n = w->NumCols, m = w->OrigRows;
     TRY(array_copy(&w->Obj, body->obj.data, n));
     TRY(presolve_check(w));
     TRY(array_copy(&w->Lb, body->lb.data, n));
     TRY(presolve_check(w));
     TRY(array_copy(&w->Ub, body->ub.data, n));
     TRY(presolve_check(w));
+    TRY(array_reserve(&w->Rhs, w->NumRows));
     TRY(array_copy(&w->Rhs, body->rhs.data, m));
     TRY(presolve_check(w));
+    TRY(array_reserve(&w->Sense, w->NumRows));
     TRY(array_resize(&w->Sense, m));
     for (int j = 0; j < n; j++) {
         if (w->Lb.data[j] <= -w->INF) w->Lb.data[j] = -w->INF;
@@ -73,7 +78,7 @@ int allocate_lines(PresolveWork *w)
     for (Array<int> *a : {&w->RowCnt, &w->RowMark}) TRY(assign_checked(w, a, m, 0));
     for (Array<int> *a : {&w->ColCnt, &w->ColMark, &w->ColFlags})
         TRY(assign_checked(w, a, n, 0));
-    return 0;
+    return w->IsMip ? load_flags(w) : 0;
 }
 
 int allocate_scratch(PresolveWork *w)
@@ -85,15 +90,24 @@ int allocate_scratch(PresolveWork *w)
     return assign_checked(w, &w->Flag, most, char(0));
 }
 
+// Tiny entries are left out; with integers only where the bounds of the column make their terms negligible, as nothing
+// repairs the point that would break the row.
+bool is_left_out(const PresolveWork *w, int j, double value)
+{
+    if (std::fabs(value) > TINY_ENTRY) return false;
+    const double largest = std::max(std::fabs(w->Lb.data[j]), std::fabs(w->Ub.data[j]));
+    return !w->IsMip || std::fabs(value) * largest <= LITTLE_TERM * w->FeasTol;
+}
+
 // From the last entry to the first, each at the head of its lists.
 int link_entries(PresolveWork *w, const ModelBody *body, int *used_out)
 {
-    int used = 0;
+    int used = *used_out;
     for (int j = w->NumCols - 1; j >= 0; j--) {
         TRY(check_limits(w, 1.0 + body->vbeg.data[j + 1] - body->vbeg.data[j]));
         for (int p = body->vbeg.data[j + 1] - 1; p >= body->vbeg.data[j]; p--) {
             const double value = body->vval.data[p];
-            if (std::fabs(value) <= TINY_ENTRY) continue;
+            if (is_left_out(w, j, value)) continue;
             const int i = body->vind.data[p];
             w->Nodes.data[used] = {value, i, j, w->RowHead.data[i], w->ColHead.data[j]};
             w->RowHead.data[i] = w->ColHead.data[j] = used++;
@@ -140,7 +154,7 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     w->Env = env;
     w->Watch = {env};
     w->NumCols = body->numvars;
-    w->NumRows = body->numconstrs;
+    w->OrigRows = w->NumRows = body->numconstrs;
     w->StartTime = w->LastLogTime = WallClock();
     w->INF = infinite_bound(env);
     w->FeasTol = env->FeasibilityTol;
@@ -152,10 +166,13 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     w->ObjCon = body->objcon;
     w->Undo.block_size =
         int64_t{body->numnz} / 5 * static_cast<int64_t>(sizeof(UndoEntry)) + 4096;
-    const int64_t spare =
-        std::max({int64_t{w->NumRows}, SPARE_LEAST, int64_t{body->numnz} / SPARE_SHARE});
+    if (w->IsMip) TRY(load_types(w));
+    const int64_t spare = std::max({int64_t{w->NumRows}, SPARE_LEAST,
+                                    int64_t{body->numnz} / SPARE_SHARE, w->SosInd.size});
     if (body->numnz + spare > INT32_MAX) return OUT_OF_MEMORY;
     TRY(copy_vectors(w, body));
+    TRY(array_extend(&w->Rhs, w->NumRows, SOS_ROW_SIDE));
+    TRY(array_extend(&w->Sense, w->NumRows, '<'));
     TRY(set_errors(w));
     TRY(array_resize(&w->Nodes, body->numnz + spare));
     TRY(array_assign(&w->EntrySize, w->Nodes.size, 0.0));
@@ -163,6 +180,7 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
     TRY(allocate_lines(w));
     TRY(allocate_scratch(w));
     int used = 0;
+    if (w->IsMip) load_sos_rows(w, &used);
     TRY(link_entries(w, body, &used));
     w->NumNz = used;
     TRY(presolve_check(w));
@@ -175,5 +193,6 @@ int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env)
 void work_free(PresolveWork *w)
 {
     undo_free(&w->Undo);
+    facts_free(w->Facts);
     *w = PresolveWork{};
 }

@@ -8,6 +8,7 @@
 // Literature  E. D. Andersen and K. D. Andersen, "Presolving in linear programming", Math. Prog. 71, 1995.
 #include "presolve/postsolve.h"
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -39,7 +40,8 @@ void scatter(const PresolveResult *result, const LpPoint *reduced, PostPoint *po
     }
 }
 
-void undo_record(const UndoRecord *undo, PostPoint *point)
+// Kinds that determine values of columns.
+void undo_values(const UndoRecord *undo, PostPoint *point)
 {
     switch (undo->kind) {
     case UNDO_FIX:
@@ -52,6 +54,18 @@ void undo_record(const UndoRecord *undo, PostPoint *point)
         return undo_dominated(undo, point);
     case UNDO_MERGE_COLS:
         return undo_merge_cols(undo, point);
+    case UNDO_COLUMN_SHIFT:
+        return undo_column_shift(undo, point);
+    case UNDO_FREE_TO_SLACK:
+        return undo_free_to_slack(undo, point);
+    default:
+        return;
+    }
+}
+
+void undo_record(const UndoRecord *undo, PostPoint *point)
+{
+    switch (undo->kind) {
     case UNDO_PARALLEL_ROWS:
         return undo_parallel_rows(undo, point);
     case UNDO_BOUND_TRANSFER:
@@ -60,12 +74,10 @@ void undo_record(const UndoRecord *undo, PostPoint *point)
         return undo_singleton_row(undo, point);
     case UNDO_FORCING_ROW:
         return undo_forcing_row(undo, point);
-    case UNDO_FREE_TO_SLACK:
-        return undo_free_to_slack(undo, point);
     case UNDO_ROW_COMBINATION:
         return undo_row_combination(undo, point);
     default:
-        return;
+        return undo_values(undo, point);
     }
 }
 
@@ -126,6 +138,33 @@ int postsolve_equations(const PresolveResult *result, char *rows)
         count++;
     }
     return count;
+}
+
+namespace
+{
+void make_integral(const ModelBody *body, int j, double *x)
+{
+    if (j < 0 || body->vtypes.size == 0) return;
+    const char type = body->vtypes.data[j];
+    if (type != 'C' && type != 'S') x[j] = std::round(x[j]) + 0.0; // no negative zero
+}
+} // namespace
+
+void postsolve_primal(const PresolveResult *result, const double *x_reduced, double *x_full)
+{
+    const ModelBody *body = result->Full;
+    PostPoint point = {body->numvars, body->numconstrs, x_full,
+                       nullptr,       nullptr,          result->INF};
+    for (int j = 0; j < body->numvars; j++) {
+        const int k = result->ColMap.data[j];
+        x_full[j] = k >= 0 ? x_reduced[k] : 0;
+        make_integral(body, j, x_full);
+    }
+    for (const UndoRecord *undo = result->Undo.head; undo; undo = undo->next) {
+        undo_values(undo, &point);
+        make_integral(body, undo->col, x_full);
+        if (undo->kind == UNDO_MERGE_COLS) make_integral(body, undo->other, x_full);
+    }
 }
 
 int postsolve_lp(const PresolveResult *result, const LpPoint *reduced, LpPoint *full,

@@ -9,8 +9,9 @@
 // undefined then. A ray of points has no dual values. Neither has statuses.
 struct PostPoint {
     int n, m;
-    double *x;   // [n + m] values; slacks of rows are only valid where a record says so
-    double *d;   // [n + m] reduced costs, then duals
+    double *
+        x; // [n + m] values; slacks of rows are only valid where a record says so. Without d [n]
+    double *d;   // [n + m] reduced costs, then duals; null: values of columns only
     int *status; // [n + m] >= 0 basic, -1 lower, -2 upper, -3 free; null without a basis
     double INF;
     double constants = 1; // factor on all constants: 1 for a point, 0 for a ray
@@ -36,3 +37,4 @@ void undo_singleton_row(const UndoRecord *undo, PostPoint *point);   // singleto
 void undo_forcing_row(const UndoRecord *undo, PostPoint *point);     // forcing_rows.cpp
 void undo_free_to_slack(const UndoRecord *undo, PostPoint *point);   // free_to_slack.cpp
 void undo_row_combination(const UndoRecord *undo, PostPoint *point); // row_combination.cpp
+void undo_column_shift(const UndoRecord *undo, PostPoint *point);    // column_shift.cpp

@@ -83,6 +83,22 @@ void check_errors(const PresolveWork *w, Checker *c)
     for (int p = 0; p < w->EntrySize.size; p++)
         c->expect(w->EntrySize.data[p] >= 0, "EntrySize", p, w->EntrySize.data[p], 0);
 }
+
+void check_integers(const PresolveWork *w, Checker *c)
+{
+    for (int j = 0; j < w->NumCols; j++) {
+        const double lb = w->Lb.data[j], ub = w->Ub.data[j];
+        if (!is_live_col(w, j) || !is_integer(w, j)) continue;
+        c->expect(lb == std::floor(lb) && ub == std::floor(ub), "integral bounds", j, lb,
+                  ub);
+    }
+    for (int s = 0; s < w->NumSos; s++)
+        for (int k = w->SosBeg.data[s]; w->SosType.data[s] && k < w->SosEnd.data[s]; k++) {
+            const int j = w->SosInd.data[k];
+            c->expect(is_live_col(w, j) && (w->ColFlags.data[j] & COL_IN_SOS), "SOS member",
+                      j, w->ColFlags.data[j], COL_IN_SOS);
+        }
+}
 } // namespace
 
 int presolve_verify(const PresolveWork *w)
@@ -93,6 +109,7 @@ int presolve_verify(const PresolveWork *w)
     for (int i = 0; i < w->NumRows; i++)
         if (is_live_row(w, i)) check_activity(w, i, &c);
     check_errors(w, &c);
+    check_integers(w, &c);
     for (int k = 0; k < w->Flag.size; k++)
         c.expect(w->Flag.data[k] == 0 && w->Scratch.data[k] == 0 &&
                      w->ScratchB.data[k] == 0 && w->ScratchC.data[k] == 0,

@@ -15,6 +15,7 @@ enum UndoKind {
     UNDO_BOUND_TRANSFER = 6,
     UNDO_SINGLETON_ROW = 7, // row became a bound
     UNDO_FORCING_ROW = 8,   // row fixed all its columns
+    UNDO_COLUMN_SHIFT = 9,  // x = offset + factor * column that took its place
     // free column substituted out through an inequality, whose slack replaced it
     UNDO_FREE_TO_SLACK = 10,
     // column was the slack of an equation, which became an inequality

@@ -3,6 +3,8 @@
 // Matrix      Entries are nodes of one pool, each in a list of its row and a list of its column. A deleted entry has
 //             col == -1 and stays in both lists until they are swept; loops over a list have to skip it.
 // Rows        a x <= b ('<') or a x = b ('=').
+// Integers    A live integer column has integral bounds wherever they are finite. A column with ColFlags is never
+//             removed: fixed, it stays with equal bounds and without entries.
 // States of a row      RowCnt >= 0 live with that many entries; else removed: a RowState
 //           a column   ColCnt >= 0 live; COL_EMPTY, COL_FIXED, or -3 - r: substituted out through row r
 // Contract of a reduction   takes the record, returns a PresolveEnd or OUT_OF_MEMORY; pushes an undo record before it
@@ -35,6 +37,11 @@ struct PresolveNode {
     int next_in_row, next_in_col; // -1 at the end
 };
 
+enum ColFlag {
+    COL_IN_SOS = 1, // member of a set that is not dissolved
+    COL_IS_SEMI = 2 // semi-continuous or semi-integer: 0, or between SemiLb and SemiUb
+};
+
 enum RowState { ROW_EMPTY = -1, ROW_REDUNDANT = -2, ROW_PIVOT = -3 };
 enum ColState { COL_EMPTY = -1, COL_FIXED = -2 };
 inline int col_substituted(int row)
@@ -58,16 +65,19 @@ struct WorkList {
     Array<int> List;    // room for all
 };
 
+struct MipFacts; // integer/facts.h
 struct PresolveWork {
     const ModelBody *Body = nullptr; // the body that is reduced
     TVXenv *Env = nullptr;
     LpMethod Method = LP_DUAL_SIMPLEX; // that will solve the reduced model
     int MatrixClass = 0;               // MATRIX_GENERAL, ...
     int NumCols = 0, NumRows = 0;
+    int OrigRows = 0;  // rows of the body; the rows of dissolved SOS follow
     int64_t NumNz = 0; // entries at the start
     // Integers keep their meaning: for the presolve of a mixed-integer program. Not set by presolve_lp, which sees a
     // continuous model or relaxation.
     int IsMip = 0;
+    int ProbeLevel = 0; // of presolve_mip: 0 no probing, 1 short, 2 or 3 full
     double StartTime = 0, LastLogTime = 0;
     double INF = 1e30; // TARV_PAR_INFBOUND: bounds of this size are absent
     double FeasTol = 1e-6, OptTol = 1e-6, ZeroTol = 1e-13, IntTol = 1e-5;
@@ -76,9 +86,21 @@ struct PresolveWork {
     Array<double> Obj, Lb, Ub; // [NumCols]
     Array<double> Rhs;         // [NumRows]
     Array<char> Sense;         // [NumRows] '<' or '='
-    Array<char> VType;         // [NumCols], or empty: all continuous
-    // [NumCols] 1 SOS member, 2 semi-continuous: most reductions leave such a column alone
-    Array<int> ColFlags;
+    Array<char> VType;         // [NumCols] 'C', 'B' or 'I'; or empty: all continuous
+    Array<int>
+        ColFlags; // [NumCols] bits ColFlag: most reductions leave such a column alone
+
+    // Special ordered sets, in weight order. A member that can only be zero is left out unless it separates others.
+    int NumSos = 0;
+    Array<int> SosType;        // [NumSos] 1 or 2; 0: dissolved
+    Array<int> SosBeg, SosEnd; // [NumSos] members SosInd[SosBeg .. SosEnd)
+    Array<int> SosInd;         // [members] columns
+    Array<double> SosWeight;   // [members]
+    Array<int> SosCount;       // [NumCols] sets of the column; or empty
+    // Semi-continuous columns: their working bounds include 0.
+    int NumSemi = 0;
+    Array<int> SemiCols;          // [NumSemi] column; -1: no longer one
+    Array<double> SemiLb, SemiUb; // [NumSemi] range of values other than 0
 
     // violation of the original rows that counts as a rounding error
     double DataErr = 0;
@@ -126,6 +148,7 @@ struct PresolveWork {
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
     int NumNoted = 0; // rows with notes of pre_columns in Flag
+    MipFacts *Facts = nullptr; // cliques and implications of presolve_mip, or null
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -142,6 +165,10 @@ struct PresolveResult {
     Array<char> GivenBounds;
     double ObjCon = 0; // constant of the reduced objective, in the caller's sense
     double INF = 1e30;
+    Array<SemiColumn> Semi; // semi-continuous columns of the reduced model
+    // of the columns of the reduced model, or null; owned
+    CliqueTable *Cliques = nullptr;
+    ImplicationLog *Implications = nullptr;
 };
 
 inline bool has_lb(const PresolveWork *w, int j)
@@ -202,8 +229,17 @@ inline int next_in_col(const PresolveWork *w, int p)
 }
 
 // ---- load.cpp ----
+// With IsMip also types, SOS and semi-continuous columns. A PresolveEnd or OUT_OF_MEMORY.
 [[nodiscard]] int work_load(PresolveWork *w, const ModelBody *body, TVXenv *env);
 void work_free(PresolveWork *w);
+
+// ---- load_mip.cpp ----
+// Types and SOS; an SOS1 of binary columns is dissolved into a row, which NumRows counts. Before everything else.
+[[nodiscard]] int load_types(PresolveWork *w);
+// Right-hand sides and entries of these rows. *used: nodes in use.
+void load_sos_rows(PresolveWork *w, int *used);
+// Flags, and the working bounds of semi-continuous columns.
+[[nodiscard]] int load_flags(PresolveWork *w);
 
 // ---- lists.cpp: worklists and candidates ----
 void mark_row(PresolveWork *w, int i);
@@ -268,7 +304,8 @@ void change_bounds(PresolveWork *w, int j, double lb, double ub);
 [[nodiscard]] bool settle_term(PresolveWork *w, int p, double v);
 
 // ---- fix.cpp ----
-// Fixes live column j at v: updates right-hand sides, activities, objective, deletes its entries. 0 or OUT_OF_MEMORY.
+// Fixes live column j at v: updates right-hand sides, activities, objective, deletes its entries. A column with
+// ColFlags stays, with both bounds at v. 0 or OUT_OF_MEMORY.
 // status: nonbasic status after postsolve (-1, -2), STATUS_BY_SIGN to let the sign of the reduced cost decide, or -3.
 static constexpr int STATUS_BY_SIGN = -4;
 [[nodiscard]] int fix_column(PresolveWork *w, int j, double v, int status);
@@ -338,3 +375,24 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_two_rows(PresolveWork *w);
 [[nodiscard]] int pre_dependent_rows(PresolveWork *w);
 [[nodiscard]] int pre_dependent_cols(PresolveWork *w); // free ones
+
+// ---- those of presolve_mip only ----
+[[nodiscard]] int pre_round_int_bounds(PresolveWork *w); // before activities are summed
+[[nodiscard]] int pre_relabel_binaries(PresolveWork *w);
+[[nodiscard]] int pre_sos_fixings(PresolveWork *w);
+[[nodiscard]] int pre_semi_fixings(PresolveWork *w);
+[[nodiscard]] int pre_row_bounds(PresolveWork *w);
+[[nodiscard]] int pre_binary_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_coef_rows(PresolveWork *w);
+[[nodiscard]] int pre_binary_equation(PresolveWork *w);
+[[nodiscard]] int pre_scale_int_columns(PresolveWork *w);
+[[nodiscard]] int pre_row_integrality(PresolveWork *w);
+[[nodiscard]] int pre_dominated_columns(PresolveWork *w);
+[[nodiscard]] int pre_bound_dual(PresolveWork *w);
+[[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_probe_simple(PresolveWork *w);
+[[nodiscard]] int pre_probe(PresolveWork *w);       // by ProbeLevel
+[[nodiscard]] int pre_probe_quick(PresolveWork *w); // as with level 1
+[[nodiscard]] int pre_cliques(PresolveWork *w);
+[[nodiscard]] int pre_clique_merge(PresolveWork *w);
+[[nodiscard]] int pre_clique_rows(PresolveWork *w);

@@ -1,5 +1,7 @@
 // live_query.cpp -- results of a live record, in the units of the body, read without copies
 #include "simplex/dual.h"
+#include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -25,6 +27,11 @@ double minus_multiplier(const sopt *s, int i)
 int simplex_num_rows(const sopt *s)
 {
     return s->NumRows;
+}
+
+int simplex_basic(const sopt *s, int r)
+{
+    return s->BasisHead.data[r];
 }
 
 bool simplex_is_basic(const sopt *s, int k)
@@ -136,6 +143,43 @@ LiveVector simplex_inverse_row(sopt *s, int k)
 {
     assert(is_basic(s, k));
     return s->Quad ? inverse_row(s, s->Extended, k) : inverse_row(s, s->Double, k);
+}
+
+namespace
+{
+// The variables that let basic variable k fall or rise, and the least ratio of reduced cost to entry among them.
+template<class R> StepGains step_gains(sopt *s, swork<R> *w, int k, double down, double up)
+{
+    svec_unit(&w->Rho, s->VStat.data[k], R(1));
+    Btran(&w->Lu, &w->Rho, SOLVE_ROW, Keep::NO);
+    s->Proof = PROOF_NONE; // its multipliers were in Rho
+    compute_row(s, w);
+    R ratio_fall = HUGE_VAL, ratio_rise = HUGE_VAL; // of the working variable
+    for (int p = 0; p < w->RowCount; p++) {
+        const int j = w->RowInd.data[p], status = s->VStat.data[j];
+        const bool rises = status != AT_UPPER, falls = status != AT_LOWER;
+        const R alpha = w->RowVal.data[p], d = w->Cbar.data[j],
+                right = rises ? d : -d, // of a wrong sign within the tolerance: 0
+            ratio = std::max(R(0), right) / std::abs(alpha);
+        if (alpha > 0 ? rises : falls) ratio_fall = std::min(ratio_fall, ratio);
+        if (alpha > 0 ? falls : rises) ratio_rise = std::min(ratio_rise, ratio);
+    }
+    const double unit = signed_unit(s, k);
+    if (unit < 0) std::swap(ratio_fall, ratio_rise);
+    const double per_step = 1 / (std::fabs(unit) * s->ObjScale);
+    const auto gain = [&](R ratio, double step) {
+        return ratio < R(HUGE_VAL) ? static_cast<double>(ratio) * step * per_step
+                                   : UNDEFINED_VALUE;
+    };
+    return {gain(ratio_fall, down), gain(ratio_rise, up)};
+}
+} // namespace
+
+StepGains simplex_step_gains(sopt *s, int k, double step_down, double step_up)
+{
+    assert(is_basic(s, k));
+    return s->Quad ? step_gains(s, s->Extended, k, step_down, step_up)
+                   : step_gains(s, s->Double, k, step_down, step_up);
 }
 
 LiveEntries simplex_tableau_row(sopt *s, int k)

@@ -98,6 +98,7 @@ struct LiveRow {
 // Values, reduced costs and multipliers are those of the last solve that ended OPTIMAL, until the next call that
 // changes the record.
 int simplex_num_rows(const sopt *s);
+int simplex_basic(const sopt *s, int r); // the basic variable at position r < simplex_num_rows
 bool simplex_is_basic(const sopt *s, int k);
 // Of variable k (n + i: slack i), in the body's units; of column j < n and row i, for the body's minimisation.
 double simplex_value(const sopt *s, int k);
@@ -123,6 +124,12 @@ struct LiveEntries {
 };
 // Row of basic variable k: x_k + sum of Val times Var is constant, over the nonbasic variables that are not fixed.
 LiveEntries simplex_tableau_row(sopt *s, int k);
+// By how much the objective rises at least when basic variable k is moved by `step_down` down, or by `step_up` up, in the
+// body's units: by the first step of the dual simplex. UNDEFINED_VALUE: no point is there.
+struct StepGains {
+    double Down, Up;
+};
+StepGains simplex_step_gains(sopt *s, int k, double step_down, double step_up);
 // Column of nonbasic variable j: by how much each basic variable falls per unit of j.
 LiveEntries simplex_tableau_column(sopt *s, int j);
 // After INFEASIBLE: row multipliers y for which no point within the bounds satisfies y (A I) x = y b. Count 0 if there

@@ -115,7 +115,7 @@ TEST_F(FixedModel, of_a_linear_model_is_the_set_of_its_optimal_solutions)
     EXPECT_EQ(optimum(face, 1), 1);
 }
 
-// There is no search yet: the solution is put into the model by hand, with rounding errors as of one that was computed.
+// The solution is put into the model by hand, with rounding errors that those of a search do not have.
 TEST_F(FixedModel, of_a_solution_rounds_it_and_does_not_look_at_start)
 {
     load_mixed(5);

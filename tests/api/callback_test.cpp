@@ -163,6 +163,26 @@ TEST_F(Callback, hears_iterations_and_objective_up_to_those_of_the_result)
         }
 }
 
+TEST_F(Callback, ends_the_solve_with_its_code_whichever_call_returns_it)
+{
+    for (const char *text :
+         {"max x+y st\n2x+2y<=3\n2x-y<=1\nbounds x<=3 y<=3",
+          "max x+y st\n2x+2y<=3\n2x-y<=1\nbounds x<=3 y<=3 general x y"}) {
+        load(std::string(text));
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
+        int count = 0, at = 0;
+        act = [&](void *, int) { return ++count == at ? 77 : 0; };
+        ASSERT_EQ(solve(0), 0);
+        const int all = count;
+        ASSERT_GT(all, 5);
+        for (at = 1; at <= all; at++) {
+            count = 0;
+            EXPECT_EQ(solve(0), 77) << "call " << at << " of " << all;
+            EXPECT_EQ(TVXsetintparam(own(), "Presolve", -1), 0);
+        }
+    }
+}
+
 TEST_F(Callback, misuse_is_told)
 {
     int type = 0, size = 0, garbage = 5;

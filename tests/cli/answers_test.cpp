@@ -56,6 +56,18 @@ TEST_F(CliJson, TellsHowASolveEnded)
                 HasSubstr("\"status\": \"iteration_limit\", \"status_number\": 7"));
 }
 
+TEST_F(CliJson, TellsBoundAndGapOfAModelWithIntegers)
+{
+    const std::string whole = json({"whole.lp"}, 0);
+    for (const char *part :
+         {"\"integer_variables\": 1", "\"status\": \"optimal\"",
+          "\"objective\": 2, \"bound\": 2, \"gap\": 0,", "\"error\": null"})
+        EXPECT_THAT(whole, HasSubstr(part));
+    const std::string never = json({"Presolve=0", "never_whole.lp"}, 0);
+    EXPECT_THAT(never, HasSubstr("\"status\": \"infeasible\""));
+    EXPECT_THAT(never, HasSubstr("\"objective\": null"));
+}
+
 TEST_F(CliJson, IsValidWhateverNamesAndErrorsSay)
 {
     EXPECT_THAT(json({"absent\"\\\xff\xc3\x28\xed\xa0\x80\n\x7f.mps"}, 1),
@@ -64,7 +76,7 @@ TEST_F(CliJson, IsValidWhateverNamesAndErrorsSay)
              "NAME a\"b\\c\xff\xc3\xa9\nROWS\n N o\nCOLUMNS\n x o -1\nRHS\nENDATA\n");
     EXPECT_THAT(json({"Presolve=0", "odd.mps"}, 0),
                 HasSubstr("a\\\"b\\\\c\\ufffd\xc3\xa9"));
-    EXPECT_THAT(json({"whole.lp"}, 1), HasSubstr("\"status\": \"error\""));
+    EXPECT_THAT(json({"broken.mps"}, 1), HasSubstr("\"status\": \"error\""));
     file_put("empty.lp", "min 0\nst\nend\n");
     json({"empty.lp"}, 0);
     const std::string several = json({"plan.mps", "absent.mps", "never.mps"}, 1);

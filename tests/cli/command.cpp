@@ -64,7 +64,8 @@ Command::Command()
 {
     file_put("plan.mps", PLAN_MODEL);
     file_put("never.mps", INFEASIBLE_MODEL);
-    file_put("whole.lp", "min x st c: x >= 1 general x end\n");
+    file_put("whole.lp", "min x st c: 2 x >= 3 general x end\n");
+    file_put("never_whole.lp", "min x st c: 2 x = 3 general x end\n");
     file_put("broken.mps", "ROWS\n N cost\n Q  row\n");
 }
 

@@ -25,7 +25,7 @@ extern const char *const PLAN_MODEL;
 extern const char *const INFEASIBLE_MODEL;
 
 // A test in a folder of its own, which is the current folder of every run. There are plan.mps and never.mps, whole.lp
-// with an integer variable, and broken.mps, which is refused at line 3.
+// and never_whole.lp with an integer variable, and broken.mps, which is refused at line 3.
 class Command : public testing::Test
 {
   public:

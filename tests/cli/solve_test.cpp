@@ -64,12 +64,16 @@ TEST_F(CliSolve, ResultFilesAreThoseOfThisSolve)
     EXPECT_THAT(file_get("plan.sol"), HasSubstr("x 3\ny 1\n"));
     EXPECT_THAT(file_get("again.MPS"), HasSubstr("ENDATA"));
     for (const char *file : {"x.sol", "x.bas", "x.mst"})
-        for (const char *model : {"never.mps", "whole.lp"}) {
+        for (const char *model : {"never.mps", "never_whole.lp"}) {
             file_put(file, "older\n");
-            ends(*model == 'w', {std::string("ResultFile=") + file, "Presolve=1", model},
-                 *model == 'w' ? "" : "There is nothing to write: infeasible");
+            ends(0, {std::string("ResultFile=") + file, "Presolve=1", model},
+                 "There is nothing to write: infeasible");
             EXPECT_FALSE(fs::exists(file)) << file;
         }
+    ends(0, {"ResultFile=whole.sol", "ResultFile=whole.mst", "whole.lp"});
+    EXPECT_THAT(file_get("whole.sol"), HasSubstr("x 2\n"));
+    ends(0, {"--start", "whole.mst", "Presolve=0", "whole.lp"},
+         "Loaded MIP start with objective 2");
     ends(0, {"Presolve=0", "ResultFile=plan.bas", "plan.mps"});
     const char *const none = "Solved in 0 iterations";
     EXPECT_THAT(ends(0, {"Presolve=0", "plan.mps"}).out, Not(HasSubstr(none)));

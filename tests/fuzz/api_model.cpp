@@ -28,9 +28,13 @@ bool ApiModel::to_lp(LpModel *lp) const
         clear = clear && !lp_is_infinite(row.rhs);
     }
     for (const StoreReference::Var &var : r.vars) {
-        const int j = lp_add_var(lp, var.obj, var.lb, var.ub);
+        const int j = lp_add_var(lp, var.obj, var.lb, var.ub, var.vtype);
         for (const auto &[i, value] : var.column) lp_set_entry(lp, i, j, value);
         clear = clear && var.lb < 1e20 && var.ub > -1e20;
+    }
+    for (const StoreReference::Sos &sos : r.sos) {
+        LpSet *set = &lp->sets.emplace_back(LpSet{sos.type, {}});
+        for (const auto &[j, weight] : sos.members) set->members.push_back(j);
     }
     return clear;
 }
@@ -47,6 +51,7 @@ bool ApiModel::from_lp(const LpModel &lp)
         var.obj = lp.obj[j] + 0.0; // no -0
         var.lb = bounded(lp.lb[j]);
         var.ub = bounded(lp.ub[j]);
+        var.vtype = lp.type(j);
         for (const LpEntry &e : lp.cols[j]) var.column.emplace_back(e.row, e.value);
         r->vars.push_back(var);
         failures += TVXsetstrattrelement(model, "VarName", int(j), var.name.c_str()) != 0;
@@ -55,6 +60,11 @@ bool ApiModel::from_lp(const LpModel &lp)
         r->constrs.push_back({"r" + std::to_string(i), lp.senses[i], lp.rhs[i] + 0.0, {}});
         failures += TVXsetstrattrelement(model, "ConstrName", int(i),
                                          r->constrs[i].name.c_str()) != 0;
+    }
+    for (const LpSet &set : lp.sets) {
+        StoreReference::Sos *sos = &r->sos.emplace_back(StoreReference::Sos{set.type, {}});
+        for (const int j : set.members)
+            sos->members.emplace_back(j, static_cast<double>(sos->members.size() + 1));
     }
     return TVXupdatemodel(model) == 0 && failures == 0;
 }

@@ -1,7 +1,7 @@
 // api_model.h -- ApiModel, one model of a fuzzed program with all that is known about it besides the library
 #pragma once
 #include "model/store_player.h"
-#include "support/lp_tarvex.h"
+#include "support/mip_judge.h"
 #include <map>
 
 // What the callback of a model does, and what it has seen. Drawn once for each solve.
@@ -14,9 +14,13 @@ struct Watch {
     bool busy = false;  // inside a call: what calls made there log is heard as a call, too
     bool asked = false; // the solve was asked to stop
     std::string wrong;
+    bool proposes = false;        // hands in cuts and solutions, of the model below
+    const LpModel *mip = nullptr; // what is being solved, when it is a MIP that is clear
+    const MipTruth *truth = nullptr;
 };
 
-static constexpr int WATCH_CODE = 777; // End::CODE
+static constexpr int WATCH_CODE = 777;         // End::CODE
+static constexpr double RUNAWAY_NODES = 20000; // no model of a program needs so many
 
 struct ApiModel {
     TVXmodel *model = nullptr;
@@ -44,12 +48,17 @@ struct ApiModel {
     }
     std::string settings() const; // as text, for messages
     bool is_mip() const;
-    // The reference as an LP without its types; false when a side is infinite on the wrong side, so that no one can say
+    // The reference as the judges see it; false when a side is infinite on the wrong side, so that no one can say
     // what the model means.
     bool to_lp(LpModel *lp) const;
     // The reference of a model that lp_load made; names everything, since default names follow the index.
     bool from_lp(const LpModel &lp);
 };
+
+// From inside the callback: cuts that no solution breaks, and solutions, right, partial and wrong.
+std::string api_propose(ApiModel *a, void *cbdata, int where);
+// The outcome of a MIP solve, judged exactly.
+std::string api_judge_mip(ApiModel *a, const LpModel *lp, const MipTruth *truth);
 
 int api_callback(TVXmodel *model, void *cbdata, int where, void *usrdata);
 

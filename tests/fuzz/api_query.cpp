@@ -88,7 +88,8 @@ constexpr const char *LEFT_ALONE[] = {"OutputFlag", "Threads", "TARV_PAR_DUMP",
 // Doubles take values under which the answer stays the same, or a limit that tells itself.
 // clang-format off
 const std::map<std::string, std::vector<double>> doubles = {
-    {"IterationLimit", {0, 1, 2, 5, 20}}, {"TimeLimit", {0}}, {"Cutoff", {-5, 0, 3}}, {"FeasibilityTol", {1e-9, 1e-8}},
+    {"IterationLimit", {0, 1, 2, 5, 20}}, {"TimeLimit", {0}}, {"NodeLimit", {0, 1, 3}}, {"Heuristics", {0, 0.05, 0.5}},
+    {"MIPGap", {0, 1e-4, 0.1}}, {"MIPGapAbs", {0, 0.5}}, {"IntFeasTol", {1e-9, 1e-5}}, {"Cutoff", {-5, 0, 3}}, {"FeasibilityTol", {1e-9, 1e-8}},
     {"OptimalityTol", {1e-9, 1e-8}}, {"MarkowitzTol", {1e-4, 0.1, 0.999}}, {"PerturbValue", {0, 1e-5, 0.01}},
     {"ObjScale", {-1, -0.5, 1, 1000}}, {"TARV_PAR_PIVOTTOL", {1e-10, 1e-6}}, {"TARV_PAR_BIGTOL", {1e-9, 1e-4}},
     {"TARV_PAR_BIGM", {1e4, 1e13}}, {"TARV_PAR_ASPIRE", {0, 0.2}}};

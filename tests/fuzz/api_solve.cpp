@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr int MIP_LATER = TVX_ERROR_NOT_FOR_MIP; // until there is a search
+constexpr int ORACLE_NODES = 300; // a solve of a program
 
 // May the solve end with this status, whatever the model is?
 bool stopped_rightly(const ApiModel *a, int status)
@@ -79,17 +79,26 @@ std::string api_solve(ApiModel *a)
         a->watch.queues = a->dice()->chance(30);
     }
     a->player.reference.update(); // what the callback queues waits
+    LpModel lp;
+    const bool clear = a->to_lp(&lp), mip = a->is_mip();
+    const MipTruth truth = clear && mip ? mip_truth(&lp, ORACLE_NODES) : MipTruth{};
+    if (clear && mip) {
+        a->watch.mip = &lp;
+        a->watch.truth = &truth;
+        a->watch.proposes = a->dice()->chance(50);
+    }
     const int code = TVXoptimize(a->model);
     if (!a->watch.wrong.empty()) return a->watch.wrong;
     if (std::string wrong = check_parameters(a); !wrong.empty()) return wrong;
-    if (a->is_mip()) return code == MIP_LATER ? "" : "a MIP: " + std::to_string(code);
     const bool stopped = a->watch.asked && a->watch.end == Watch::End::CODE;
     if (code != (stopped ? WATCH_CODE : 0))
         return "optimize: " + std::to_string(code) + " " + TVXgetmerrormsg(a->model);
-    LpModel lp;
+    if (mip) {
+        const std::string wrong = clear && !code ? api_judge_mip(a, &lp, &truth) : "";
+        return wrong.empty() ? "" : wrong + "\n" + lp_to_mps(&lp, a->settings());
+    }
     if (lp_read_solution(a->model, &a->solution)) return "the solution cannot be read";
     std::string wrong = check_available(a);
-    const bool clear = a->to_lp(&lp);
     if (wrong.empty() && clear) wrong = judge(a, &lp);
     const bool measured = clear && !lp.obj.empty() && a->dice()->chance(50);
     if (wrong.empty() && measured && !lp_read_point(a->model, &a->solution)) {

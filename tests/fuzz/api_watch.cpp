@@ -7,33 +7,35 @@
 namespace
 {
 // What a code answers when the caller says that the moment is `named`.
-std::string ask(void *cbdata, int what, int named, int where)
+std::string ask(ApiModel *a, void *cbdata, int what, int named, int where)
 {
     int type = 0, is_array = 0;
-    union {
+    union Result {
         double number;
         int integer;
         const char *text;
-    } result = {0};
+    };
+    std::vector<Result> result(static_cast<size_t>(a->player.n_vars()) + 1, Result{0});
     const bool fits =
         !TVXgetcbwhatinfo(cbdata, what, &type, &is_array) && what / 1000 == named;
     int expected = fits && named == where ? 0 : TVX_ERROR_CALLBACK;
-    if (fits && is_array) expected = TVX_ERROR_DATA_NOT_AVAILABLE; // there is no search
+    if (fits && is_array && named != where) expected = TVX_ERROR_DATA_NOT_AVAILABLE;
     if (what == TVX_CB_SECONDS) expected = 0;
-    const int code = TVXcbget(cbdata, named, what, &result);
-    if (code != expected)
+    const int code = TVXcbget(cbdata, named, what, result.data());
+    const bool no_array = is_array && code == TVX_ERROR_DATA_NOT_AVAILABLE && fits;
+    if (code != expected && !no_array) // a node may have no solution of its relaxation
         return "code " + std::to_string(what) + " answers " + std::to_string(code);
-    const bool is_fine = code || type != 2 || std::isfinite(result.number);
+    const bool is_fine = code || type != 2 || std::isfinite(result[0].number);
     return is_fine ? "" : "code " + std::to_string(what) + " is not finite";
 }
 
 // Each code answers where it belongs, and nowhere else.
-std::string ask_all(void *cbdata, int where)
+std::string ask_all(ApiModel *a, void *cbdata, int where)
 {
     std::string wrong;
     for (int what = 999; what <= 7007 && wrong.empty(); what += what % 1000 == 7 ? 992 : 1)
         for (int named = 0; named < 8 && wrong.empty(); named++)
-            wrong = ask(cbdata, what, named, where);
+            wrong = ask(a, cbdata, what, named, where);
     return wrong;
 }
 
@@ -80,11 +82,12 @@ int api_callback(TVXmodel *model, void *cbdata, int where, void *usrdata)
     if (where == TVX_WHERE_MESSAGE)
         (void)TVXcbget(cbdata, where, TVX_CB_MESSAGE_TEXT, &line);
     if (strstr(line, "Warning in ")) w->wrong = line; // checks of debug builds
-    if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask_all(cbdata, where);
+    if (w->wrong.empty() && w->calls % 8 == 1) w->wrong = ask_all(a, cbdata, where);
     const bool now = w->calls == w->at_call;
+    if (w->wrong.empty()) w->wrong = api_propose(a, cbdata, where);
     if (w->wrong.empty() && now) w->wrong = try_forbidden(a, where);
     if (now) TVXmsg(a->env(), "a line"); // a call within this call
-    if (w->wrong.empty() && now) w->wrong = ask_all(cbdata, where);
+    if (w->wrong.empty() && now) w->wrong = ask_all(a, cbdata, where);
     w->busy = false;
     if (!now || w->end == Watch::End::NEVER) return 0;
     w->asked = true;

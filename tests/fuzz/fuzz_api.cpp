@@ -8,6 +8,7 @@
 #include "fuzz/api_model.h"
 #include "fuzz/fuzz_kind.h"
 #include "runtime/memory.h"
+#include "support/mip_gen.h"
 #include "support/model_gen.h"
 #include "support/solve_judge.h"
 #include <memory>
@@ -17,6 +18,7 @@ namespace
 constexpr int MOST_MOVES = 60; // each may take a solve
 constexpr size_t MOST_MODELS = 3;
 constexpr int MOST_ELEMENTS = 12;
+constexpr int MOST_INTEGERS = 5; // about, of a generated MIP
 
 struct Program {
     Dice dice;
@@ -45,19 +47,21 @@ ApiModel *Program::adopt(TVXmodel *model)
     ApiModel *a = models.back().get();
     a->player.most_elements = MOST_ELEMENTS;
     TVXsetdblparam(a->env(), "IterationLimit", RUNAWAY_ITERATIONS);
+    TVXsetdblparam(a->env(), "NodeLimit", RUNAWAY_NODES);
     return a;
 }
 
 std::string Program::make_model()
 {
-    const LpModel lp = dice.chance(80)
-                           ? gen_tiny(&dice, TinyLimits{.max_vars = MOST_ELEMENTS,
-                                                        .max_rows = MOST_ELEMENTS})
-                           : LpModel{};
+    LpModel lp = dice.chance(80) ? gen_tiny(&dice, TinyLimits{.max_vars = MOST_ELEMENTS,
+                                                              .max_rows = MOST_ELEMENTS})
+                                 : LpModel{};
+    const bool linear = dice.chance(80);
+    if (!linear && dice.chance(70)) lp = gen_mip(&dice, MOST_INTEGERS).lp;
     TVXmodel *made = lp_load(env, &lp);
     if (!made) return std::string("not loaded: ") + TVXgeterrormsg(env);
     ApiModel *a = adopt(made);
-    a->player.linear = dice.chance(80);
+    a->player.linear = linear;
     if (!a->from_lp(lp)) return "names are refused";
     return compare(made, a->player.reference);
 }
@@ -73,8 +77,9 @@ std::string Program::copy_model(const ApiModel *a)
     copy->player.reference = a->player.reference;
     copy->player.reference.queue = {};
     copy->player.reference.name = a->player.reference.name.value_or("(null)") + "_copy";
-    if (const auto limit = a->values.find("IterationLimit"); limit != a->values.end())
-        TVXsetdblparam(copy->env(), "IterationLimit", limit->second);
+    for (const char *name : {"IterationLimit", "NodeLimit"})
+        if (const auto limit = a->values.find(name); limit != a->values.end())
+            TVXsetdblparam(copy->env(), name, limit->second);
     return compare(made, copy->player.reference);
 }
 

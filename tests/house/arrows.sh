@@ -9,6 +9,7 @@ objects=$2
 layers='runtime
 env lu
 body
+domain
 simplex presolve files
 barrier
 lp
@@ -22,6 +23,7 @@ public='runtime *
 env env callback limits
 lu lufact
 body body build row_kind signs row_activity quality certificate double_double
+domain domain propagation_rows clique_table implication_log bounds
 simplex simplex resolve
 presolve presolve dualise
 files files draft

@@ -10,10 +10,11 @@ diff <("$2" --uses | cut -d' ' -f1) \
     <(grep -oE '^ +(INT|DBL|STR)\(\w+' src/env/parameter_table.h | sed 's/.*(//') ||
     complain "parameter_texts.h and parameter_table.h name different parameters"
 
-# Where the value of a parameter is read. The presets of MIPFocus hand values on to a search that is not there, and a line
-# that only prints a value is no use of it.
-reads=$(grep -rhoE --include=*.cpp --include=*.h --exclude=mip_focus.cpp '^.*([eE]nv->|TVXenv::|TVXenv, )[A-Z]\w+' src |
-    grep -vE '^ *//|TVXmsg\(' | grep -oE '([eE]nv->|TVXenv::|TVXenv, )[A-Z]\w+' | sed -E 's/.*[^A-Za-z0-9_]//' | sort -u)
+# Where the value of a parameter is read. Presets of MIPFocus, values assigned to an inner solve and lines that only print
+# a value are no use of it.
+read_of='([eE]nv->|TVXenv::|TVXenv, )[A-Z]\w+'
+reads=$(grep -rhE --include=*.cpp --include=*.h --exclude=mip_focus.cpp "$read_of" src | grep -vE '^ *//|TVXmsg\(' |
+    sed -E 's/[eE]nv->\w+ = //g' | grep -oE "$read_of" | sed -E 's/.*[^A-Za-z0-9_]//' | sort -u)
 while read -r name use; do
     found=unused
     grep -qxF "$name" <<<"$reads" && found=used

@@ -141,16 +141,19 @@ TEST_F(LpDriver, tells_bounds_that_cross_by_little_in_full_and_that_there_is_no_
               1);
 }
 
-TEST_F(LpDriver, refuses_what_needs_a_search_and_solves_it_once_it_is_continuous)
+TEST_F(LpDriver, solves_a_model_with_integers_once_it_is_continuous)
 {
+    ASSERT_EQ(TVXsetdblattrelement(model, "UB", 0, 0.5), 0);
+    ASSERT_EQ(TVXsetdblattrelement(model, "Obj", 0, -1),
+              0); // optimum (0.5, 1, 2.5), value 1.5
     ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'I'), 0);
-    refused(10016,
-            "Only continuous models can be solved: this one has 1 integer or "
-            "semi-continuous variables and 0 SOS constraints",
-            TVXoptimize(model));
-    EXPECT_EQ(status(), TVX_LOADED);
+    EXPECT_EQ(objective(), 2); // (0, 1, 3)
+    EXPECT_EQ(integer("IsMIP"), 1);
     double value = 0;
-    EXPECT_EQ(TVXgetdblattr(model, "ObjVal", &value), 10005);
+    EXPECT_EQ(TVXgetdblattrelement(model, "Pi", 0, &value), 10005)
+        << "multipliers of a MIP";
     ASSERT_EQ(TVXsetcharattrelement(model, "VType", 0, 'C'), 0);
-    EXPECT_EQ(objective(), 2);
+    EXPECT_EQ(objective(), 1.5);
+    EXPECT_EQ(integer("IsMIP"), 0);
+    EXPECT_EQ(TVXgetdblattrelement(model, "Pi", 0, &value), 0);
 }

@@ -1,11 +1,15 @@
-// collection_test.cpp -- published LPs against their reference values
+// collection_test.cpp -- published models against their reference values
 //
 // TARVEX_INSTANCES=folder       with reference.csv and one folder per collection; without it nothing runs
-// TARVEX_COLLECTIONS=a,b        collections to run (netlib,infeasible)
+// TARVEX_COLLECTIONS=a,b        collections to run (LPs: netlib,infeasible; MIPs: miplib3,sossc)
 // TARVEX_SETTINGS=a=1,b=2       parameters to set
 // TARVEX_COLLECTION_SEED=s      of the random changes (1)
+// TARVEX_MIP_NODES=n            where the search of a MIP is stopped (20)
+// TARVEX_MIP_NONZEROS=n         of the largest MIPs (20000)
+// A MIP need not be solved: whatever is said of it when it is stopped must be true.
 #include "files/files_support.h"
 #include "models/changes.h"
+#include "support/mip_check.h"
 #include "support/quality_check.h"
 #include <algorithm>
 #include <cmath>
@@ -15,14 +19,17 @@
 
 static constexpr double REFERENCE_TOL = 1e-6; // published values have more digits
 static constexpr double POINT_TOL = 1e-6;     // unscaled violations
+static constexpr double MIP_REFERENCE_TOL =
+    2e-4;                                       // references are as good as the default gap
+static constexpr double MIP_ITERATIONS = 50000; // so that a root comes to an end, too
 
 namespace
 {
 struct Instance {
-    std::string file;   // full name
-    std::string name;   // collection/model
-    std::string status; // optimal, infeasible, unbounded
-    double value = 0;
+    std::string file;                     // full name
+    std::string name;                     // collection/model
+    std::string status;                   // optimal, infeasible, unbounded
+    double value = 0;                     // NaN: not known
     int rows = 0, cols = 0, nonzeros = 0; // ranges are no columns there
 };
 
@@ -58,21 +65,23 @@ static Settings wanted_settings()
 }
 
 // reference.csv: file, class, rows, cols, nonzeros, integers, status, objective, ...
-static std::vector<Instance> collection_instances()
+static std::vector<Instance> collection_instances(const std::string &kind,
+                                                  const char *collections)
 {
     std::vector<Instance> all;
     const std::string folder = from_environment("TARVEX_INSTANCES", "");
     const std::vector<std::string> wanted =
-        split(from_environment("TARVEX_COLLECTIONS", "netlib,infeasible"));
+        split(from_environment("TARVEX_COLLECTIONS", collections));
     std::ifstream csv(folder + "/reference.csv");
     for (std::string line; std::getline(csv, line);) {
         const std::vector<std::string> fields = split(line);
-        if (fields.size() < 8 || fields[1] != "lp" || fields[6] == "open") continue;
+        if (fields.size() < 8 || fields[1] != kind || fields[6] == "open") continue;
         const std::string collection = fields[0].substr(0, fields[0].find('/'));
         if (std::find(wanted.begin(), wanted.end(), collection) == wanted.end()) continue;
         all.push_back({folder + "/" + fields[0], fields[0], fields[6],
-                       atof(fields[7].c_str()), atoi(fields[2].c_str()),
-                       atoi(fields[3].c_str()), atoi(fields[4].c_str())});
+                       fields[7].empty() ? NAN : atof(fields[7].c_str()),
+                       atoi(fields[2].c_str()), atoi(fields[3].c_str()),
+                       atoi(fields[4].c_str())});
     }
     return all;
 }
@@ -162,6 +171,55 @@ TEST_P(Collection, solves_after_changes_agree_with_fresh_ones)
     expect_agreement_through_changes(&dice, read, {});
 }
 
+// ---- MIPs ----
+
+static std::vector<Instance> mip_instances()
+{
+    std::vector<Instance> all = collection_instances("mip", "miplib3,sossc");
+    const int most = campaign("TARVEX_MIP_NONZEROS", 20000);
+    std::erase_if(all, [most](const Instance &one) { return one.nonzeros > most; });
+    return all;
+}
+
+class MipCollection : public testing::TestWithParam<Instance>
+{
+};
+
+// What the answer says against the reference, wherever the search has ended.
+static void expect_not_wrong(const Instance &instance, const LpModel *lp,
+                             const MipAnswer *answer)
+{
+    const bool none = answer->status >= TVX_INFEASIBLE && answer->status <= TVX_UNBOUNDED;
+    ASSERT_EQ(none, none && instance.status != "optimal") << answer->status;
+    ASSERT_TRUE(instance.status == "optimal" || answer->sol_count == 0);
+    if (instance.status != "optimal" || std::isnan(instance.value)) return;
+    const double allowed = MIP_REFERENCE_TOL * std::max(1.0, std::fabs(instance.value)),
+                 dearer = lp->sense * (answer->objval - instance.value);
+    EXPECT_LE(lp->sense * (answer->objbound - instance.value), allowed);
+    EXPECT_TRUE(answer->sol_count == 0 || dearer >= -allowed) << answer->objval;
+    EXPECT_TRUE(answer->status != TVX_OPTIMAL || dearer <= allowed) << answer->objval;
+}
+
+TEST_P(MipCollection, what_is_said_when_the_search_is_stopped_is_true)
+{
+    const TestEnv env;
+    TVXmodel *read = nullptr;
+    ASSERT_EQ(TVXreadmodel(env.env, GetParam().file.c_str(), &read), 0);
+    const TestModel model(read);
+    Settings settings = {{"NodeLimit", campaign("TARVEX_MIP_NODES", 20)},
+                         {"IterationLimit", MIP_ITERATIONS}};
+    const Settings wanted = wanted_settings();
+    settings.insert(settings.end(), wanted.begin(), wanted.end());
+    LpModel lp;
+    ASSERT_EQ(settings_apply(TVXgetenv(model), settings), 0);
+    ASSERT_EQ(lp_read_back(model, &lp), 0);
+    const MipAnswer answer = mip_optimize(model);
+    MipTolerances tolerances = mip_tolerances(settings);
+    tolerances.report = 1e-7; // sums of many terms of very different size
+    ASSERT_EQ(mip_check(&lp, &answer, tolerances), "");
+    expect_not_wrong(GetParam(), &lp, &answer);
+}
+
 static std::string instance_name(const testing::TestParamInfo<Instance> &info)
 {
     std::string name = info.param.name.substr(0, info.param.name.find(".mps"));
@@ -172,12 +230,16 @@ static std::string instance_name(const testing::TestParamInfo<Instance> &info)
 
 TEST(CollectionList, is_at_hand)
 {
-    if (collection_instances().empty())
+    if (collection_instances("lp", "netlib,infeasible").empty())
         GTEST_SKIP() << "published models are not solved: no reference.csv in the folder "
                         "TARVEX_INSTANCES='"
                      << from_environment("TARVEX_INSTANCES", "") << "'";
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Collection);
-INSTANTIATE_TEST_SUITE_P(Lp, Collection, testing::ValuesIn(collection_instances()),
+INSTANTIATE_TEST_SUITE_P(Lp, Collection,
+                         testing::ValuesIn(collection_instances("lp", "netlib,infeasible")),
+                         instance_name);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MipCollection);
+INSTANTIATE_TEST_SUITE_P(Mip, MipCollection, testing::ValuesIn(mip_instances()),
                          instance_name);

@@ -20,8 +20,12 @@ LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &
     return lp;
 }
 
-int lp_add_var(LpModel *lp, double obj, double lb, double ub)
+int lp_add_var(LpModel *lp, double obj, double lb, double ub, char type)
 {
+    if (type != 'C' || !lp->types.empty()) {
+        lp->types.resize(lp->obj.size(), 'C');
+        lp->types.push_back(type);
+    }
     lp->obj.push_back(obj);
     lp->lb.push_back(lb);
     lp->ub.push_back(ub);
@@ -188,17 +192,62 @@ static std::string number(double value)
     return strtod(brief.c_str(), nullptr) == value ? brief : formatted("%.17g", value);
 }
 
+static bool is_integer(char type)
+{
+    return type == 'B' || type == 'I' || type == 'N';
+}
+
+// Every bound of a column that is not continuous is written: readers differ in the defaults of such columns.
 static void print_bounds(const LpModel *lp, std::ostringstream *out)
 {
     *out << "BOUNDS\n";
     for (size_t j = 0; j < lp->obj.size(); j++) {
-        const double lb = lp->lb[j], ub = lp->ub[j];
+        const char type = lp->type(j);
+        const bool binary = type == 'B', semi = type == 'S' || type == 'N';
+        const double lb = binary ? std::max(lp->lb[j], 0.0) : lp->lb[j],
+                     ub = binary ? std::min(lp->ub[j], 1.0) : lp->ub[j];
         if (lp_is_infinite(lb))
             *out << " MI BND C" << j << "\n";
-        else if (lb != 0 || ub < 0)
+        else if (lb != 0 || ub < 0 || type != 'C')
             *out << " LO BND C" << j << " " << number(lb) << "\n";
-        if (!lp_is_infinite(ub)) *out << " UP BND C" << j << " " << number(ub) << "\n";
+        if (semi)
+            *out << " SC BND C" << j << " " << number(lp_is_infinite(ub) ? 1e30 : ub)
+                 << "\n";
+        else if (!lp_is_infinite(ub))
+            *out << " UP BND C" << j << " " << number(ub) << "\n";
+        else if (type != 'C')
+            *out << " PL BND C" << j << "\n";
     }
+}
+
+static void print_sets(const LpModel *lp, std::ostringstream *out)
+{
+    if (!lp->sets.empty()) *out << "SOS\n";
+    for (size_t k = 0; k < lp->sets.size(); k++) {
+        *out << " S" << lp->sets[k].type << " SOS SET" << k << "\n";
+        int weight = 0;
+        for (const int j : lp->sets[k].members)
+            *out << "    C" << j << " " << ++weight << "\n";
+    }
+}
+
+static void print_columns(const LpModel *lp, std::ostringstream *out)
+{
+    bool between = false; // markers
+    const auto mark = [&](bool integers) {
+        if (integers != between)
+            *out << " MARKER 'MARKER' 'INT" << (integers ? "ORG" : "END") << "'\n";
+        between = integers;
+    };
+    *out << "COLUMNS\n";
+    for (size_t j = 0; j < lp->obj.size(); j++) {
+        mark(is_integer(lp->type(j)));
+        if (lp->obj[j] != 0 || lp->cols[j].empty())
+            *out << " C" << j << " OBJ " << number(lp->obj[j]) << "\n";
+        for (const LpEntry &e : lp->cols[j])
+            *out << " C" << j << " R" << e.row << " " << number(e.value) << "\n";
+    }
+    mark(false);
 }
 
 std::string lp_to_mps(const LpModel *lp, const std::string &comment)
@@ -212,18 +261,13 @@ std::string lp_to_mps(const LpModel *lp, const std::string &comment)
     for (size_t i = 0; i < lp->rhs.size(); i++) // the senses are neighbours in ASCII
         out << " "
             << "LEG"[lp->senses[i] - '<'] << " R" << i << "\n";
-    out << "COLUMNS\n";
-    for (size_t j = 0; j < lp->obj.size(); j++) {
-        if (lp->obj[j] != 0 || lp->cols[j].empty())
-            out << " C" << j << " OBJ " << number(lp->obj[j]) << "\n";
-        for (const LpEntry &e : lp->cols[j])
-            out << " C" << j << " R" << e.row << " " << number(e.value) << "\n";
-    }
+    print_columns(lp, &out);
     out << "RHS\n";
     if (lp->objcon != 0) out << " RHS OBJ " << number(-lp->objcon) << "\n";
     for (size_t i = 0; i < lp->rhs.size(); i++)
         if (lp->rhs[i] != 0) out << " RHS R" << i << " " << number(lp->rhs[i]) << "\n";
     print_bounds(lp, &out);
+    print_sets(lp, &out);
     out << "ENDATA\n";
     return out.str();
 }

@@ -1,8 +1,9 @@
-// lp_model.h -- LpModel, an LP as a test writes it down
+// lp_model.h -- LpModel, a linear or mixed-integer model as a test writes it down
 //
 //   min or max  objcon + obj x    subject to    a_i x  sense_i  rhs_i,    lb <= x <= ub
 //
-// The test's own copy of a model: the judges look at this, never at what the library holds.
+// The test's own copy of a model: the judges look at this, never at what the library holds. Judges of LPs see the
+// relaxation of a model with types and sets; mip_check.h and mip_oracle.h judge the model itself.
 #pragma once
 #include <string>
 #include <utility>
@@ -19,6 +20,12 @@ struct LpEntry {
     double value;
 };
 
+// A special ordered set: at most one member (type 1), or two neighbours (type 2), may differ from 0.
+struct LpSet {
+    int type = 1;
+    std::vector<int> members; // columns, in their order
+};
+
 struct LpModel {
     int sense = 1;                          // +1 minimise, -1 maximise
     double objcon = 0;                      // constant of the objective
@@ -27,9 +34,13 @@ struct LpModel {
     std::vector<std::vector<LpEntry>> cols; // [n] entries, each row at most once per column
     std::vector<char> senses;               // [m] '<' '>' '='
     std::vector<double> rhs;                // [m]
+    std::vector<char>
+        types; // [n] 'C' 'B' 'I' 'S' 'N' as the library knows them, or none: all 'C'
+    std::vector<LpSet> sets;
 
     int num_vars() const { return int(obj.size()); }
     int num_rows() const { return int(rhs.size()); }
+    char type(size_t j) const { return types.empty() ? 'C' : types[j]; }
 };
 
 // A small model as a list of columns and one of dense rows; coefficients behind the last one given are 0.
@@ -44,8 +55,9 @@ struct LpRow {
 LpModel lp_make(const std::vector<LpColumn> &columns, const std::vector<LpRow> &rows,
                 int sense = 1);
 
-int lp_add_var(LpModel *lp, double obj, double lb, double ub); // its index
-int lp_add_row(LpModel *lp, char sense, double rhs);           // its index
+// Their indices.
+int lp_add_var(LpModel *lp, double obj, double lb, double ub, char type = 'C');
+int lp_add_row(LpModel *lp, char sense, double rhs);
 // A row with its entries (column, value); columns named twice are added up, zeros are left out.
 int lp_add_row_entries(LpModel *lp, const std::vector<std::pair<int, double>> &entries,
                        char sense, double rhs);

@@ -2,11 +2,25 @@
 #include "support/lp_tarvex.h"
 #include "support/model_text.h"
 #include <cstdlib>
+#include <numeric>
 #include <tuple>
 
 TestEnv::TestEnv()
 {
     if (TVXloadenv(&env, nullptr) || TVXsetintparam(env, "OutputFlag", 0)) abort();
+}
+
+static bool add_sets(const LpModel *lp, TVXmodel *model)
+{
+    for (const LpSet &set : lp->sets) {
+        const int count = static_cast<int>(set.members.size()), begin = 0;
+        std::vector<double> weights(set.members.size());
+        std::iota(weights.begin(), weights.end(), 1);
+        if (TVXaddsos(model, 1, count, &set.type, &begin, set.members.data(),
+                      weights.data()))
+            return false;
+    }
+    return lp->sets.empty() || TVXupdatemodel(model) == 0;
 }
 
 TVXmodel *lp_load(TVXenv *env, const LpModel *lp, const Settings &settings)
@@ -27,8 +41,11 @@ TVXmodel *lp_load(TVXenv *env, const LpModel *lp, const Settings &settings)
     const int error = TVXloadmodel(
         env, &model, nullptr, lp->num_vars(), lp->num_rows(), lp->sense, lp->objcon,
         lp->obj.data(), lp->senses.data(), lp->rhs.data(), beg.data(), len.data(),
-        ind.data(), val.data(), lp->lb.data(), lp->ub.data(), nullptr, nullptr, nullptr);
-    if (error || settings_apply(TVXgetenv(model), settings) == 0) return model;
+        ind.data(), val.data(), lp->lb.data(), lp->ub.data(),
+        lp->types.empty() ? nullptr : lp->types.data(), nullptr, nullptr);
+    if (error) return nullptr;
+    if (add_sets(lp, model) && settings_apply(TVXgetenv(model), settings) == 0)
+        return model;
     TVXfreemodel(model);
     return nullptr;
 }
@@ -49,8 +66,12 @@ int lp_read_back(TVXmodel *model, LpModel *lp)
     lp->objcon = content.objcon;
     for (const ModelContent::Constr &c : content.constrs) lp_add_row(lp, c.sense, c.rhs);
     for (const ModelContent::Var &v : content.vars) {
-        lp_add_var(lp, v.obj, v.lb, v.ub);
+        lp_add_var(lp, v.obj, v.lb, v.ub, v.vtype);
         for (const auto &[row, value] : v.column) lp->cols.back().push_back({row, value});
+    }
+    for (const ModelContent::Sos &s : content.sos) {
+        LpSet *set = &lp->sets.emplace_back(LpSet{s.type, {}});
+        for (const auto &[col, weight] : s.members) set->members.push_back(col);
     }
     return content.unreadable.empty() ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE;
 }

@@ -26,14 +26,63 @@ static const std::vector<Choice> CHOICES = {
     {"TARV_PAR_INTBASIS", 10, {0, 1, 2, 3}}, {"TARV_PAR_SDISPINTERVAL", 10, {0, 1, 10}}};
 // clang-format on
 
-Settings settings_draw(Dice *dice)
+static const std::vector<Choice> MIP_CHOICES = {
+    {"Presolve", 60, {-1, 0, 0, 1, 2}},
+    {"TARV_PAR_DUALREDUCTION", 15, {0}},
+    {"TARV_PAR_PREPROBE", 20, {0, 1, 2}},
+    {"TARV_PAR_PRECLIQUE", 15, {0, 1, 2}},
+    {"TARV_PAR_PREDUALSLACK", 15, {0, 1}},
+    {"TARV_PAR_PRETWOROWS", 15, {-1, 0, 1, 2}},
+    {"TARV_PAR_PRESUBROW", 15, {0, 1}},
+    {"TARV_PAR_PRECOEFFICIENT", 15, {0, 1}},
+    {"TARV_PAR_PREPARALLEL", 10, {0, 1}},
+    {"TARV_PAR_IMPLIEDINT", 15, {0, 1}},
+    {"TARV_PAR_DISJOINT", 15, {0, 1}},
+    {"Aggregate", 15, {0, 1}},
+    {"PrePasses", 15, {0, 1, 3}},
+    {"VarBranch", 40, {-1, 0, 1, 2, 3}},
+    {"MIPFocus", 25, {0, 1, 2, 3}},
+    {"TARV_PAR_NODEPRE", 40, {0, 1, 2}},
+    {"TARV_PAR_INFPROP", 15, {0, 1}},
+    {"Symmetry", 30, {-1, 0, 1, 2}},
+    {"TARV_PAR_MIPLIM", 50, {0, 1, 2, 5, 20}}, // restarts happen in small trees
+    {"Cuts", 50, {-1, 0, 1, 2, 3}},
+    {"TARV_PAR_CUTPASS", 15, {0, 1, 10}},
+    {"GomoryPasses", 15, {0, 1, 5}},
+    {"Heuristics", 50, {0, 0.05, 0.5}},
+    {"RINS", 15, {0, 1, 10}},
+    {"PumpPasses", 15, {1, 5}},
+    {"SubMIPNodes", 10, {0, 1, 50}},
+    {"RootMethod", 20, {0, 1, 2}},
+    {"Threads", 25, {1, 2, 4}},
+    {"IntFeasTol", 20, {1e-9, 1e-7, 1e-5}},
+    {"FeasibilityTol", 10, {1e-9, 1e-7}},
+    {"MIPGap", 40, {0, 0, 1e-4, 0.05}},
+    {"MIPGapAbs", 20, {0, 0.5}},
+    {"NodefileStart", 5, {0}},
+    {"Quad", 5, {0, 1}},
+    {"ScaleFlag", 10, {0}},
+    {"ObjScale", 10, {-0.5, 1}},
+};
+
+static Settings draw(Dice *dice, const std::vector<Choice> &choices)
 {
     Settings settings;
     if (dice->chance(15)) return settings; // the defaults
-    for (const Choice &choice : CHOICES)
+    for (const Choice &choice : choices)
         if (dice->chance(choice.percent))
             settings.emplace_back(choice.name, dice->pick(choice.values));
     return settings;
+}
+
+Settings settings_draw(Dice *dice)
+{
+    return draw(dice, CHOICES);
+}
+
+Settings mip_settings_draw(Dice *dice)
+{
+    return draw(dice, MIP_CHOICES);
 }
 
 std::vector<Settings>

@@ -11,6 +11,8 @@ using Settings = std::vector<std::pair<std::string, double>>; // name, value
 
 // Settings an LP solve must give the same answer under; most parameters stay at their default.
 Settings settings_draw(Dice *dice);
+// The same for a MIP solve: presolve, branching, cuts, heuristics, restarts, tolerances and gaps. No limits.
+Settings mip_settings_draw(Dice *dice);
 // Every combination of these values, in front of those in `more`.
 std::vector<Settings>
 settings_product(const std::vector<std::pair<const char *, std::vector<double>>> &choices,

@@ -83,7 +83,8 @@ bool may_leave(const PresolveWork *w, const Singleton *s)
     if (w->Sense.data[s->row] == '=') return s->free_below || s->free_above;
     // The dual value of the inequality must not be positive, and on the side on which the row bounds x_j its own bound
     // must be infinite or implied.
-    return s->cost * s->a <= NO_COST * s->a * s->a &&
+    const double none = w->IsMip ? 0 : NO_COST;
+    return s->cost * s->a <= none * s->a * s->a &&
            (s->a > 0 ? s->free_above : s->free_below);
 }
 
@@ -242,11 +243,13 @@ int pre_column_singleton(PresolveWork *w, int j)
 void undo_slack_column(const UndoRecord *undo, PostPoint *point)
 {
     const int j = undo->col, i = point->n + undo->row;
-    const double a = undo->factor, y = undo->bound[1] * point->d[i];
+    const double a = undo->factor;
     double left = point->constants * undo->value;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
     point->x[j] = left / a;
+    if (!point->d) return;
+    const double y = undo->bound[1] * point->d[i];
     point->d[j] = -a * y;
     point->d[i] = y + point->constants * undo->cost / a;
     if (!point->status) return;

@@ -23,8 +23,8 @@ struct Ways {
 
 Ways free_ways(const PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j], none = NO_COST + cost_error(w, j);
-    Ways ways = {cost<none, cost> - none};
+    const double cost = w->Obj.data[j], none = no_cost(w, j, NO_COST);
+    Ways ways = {cost <= none, cost >= -none};
     for (int p = first_in_col(w, j); p >= 0 && (ways.up || ways.down);
          p = next_in_col(w, p)) {
         if (w->Sense.data[w->Nodes.data[p].row] == '=') return {false, false};
@@ -43,7 +43,7 @@ int run_away(PresolveWork *w, int j, int sign)
         w->InfeasCol = j;
         return claim_unbounded(w, {{j, static_cast<double>(sign)}});
     }
-    const bool costs = std::fabs(w->Obj.data[j]) > NO_COST + cost_error(w, j);
+    const bool costs = std::fabs(w->Obj.data[j]) > no_cost(w, j, NO_COST);
     return costs || w->KeepCrush ? 0 : pre_dominated(w, j, sign);
 }
 

@@ -104,8 +104,9 @@ int judge_col(PresolveWork *w, int j, const LineTerm *terms, int count)
         w->InfeasCol = j;
         return claim_col_sum(w, j, terms, count, r.gap > 0 ? -1 : 1);
     }
-    return gap <= std::min(SAME * (1 + r.size), 0.1 * w->OptTol) ? fix_column(w, j, 0, -3)
-                                                                 : 0;
+    const double same =
+        w->IsMip ? ERROR_MARGIN * r.error : std::min(SAME * (1 + r.size), 0.1 * w->OptTol);
+    return gap <= same ? fix_column(w, j, 0, -3) : 0;
 }
 
 double work_limit(const PresolveWork *w)

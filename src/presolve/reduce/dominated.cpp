@@ -109,6 +109,7 @@ void undo_dominated(const UndoRecord *undo, PostPoint *point)
         deciding = i;
     }
     point->x[j] = undo->other ? sign * std::ceil(sign * x) : x;
+    if (!point->d) return;
     point->d[j] = point->constants * undo->cost;
     if (!point->status) return;
     point->status[j] = deciding >= 0 ? 0 : sign > 0 ? -1 : -2;

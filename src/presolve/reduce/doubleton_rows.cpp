@@ -12,7 +12,7 @@
 //             x.
 // Cost        O(length of y) per y, O(length of x) per x; O(length of y) if its bounds have changed.
 #include "presolve/claim.h"
-#include "presolve/errors.h"
+#include "presolve/integral.h"
 #include "presolve/postsolve.h"
 #include "presolve/reduce/aggregate.h"
 
@@ -48,11 +48,13 @@ struct Step {
 };
 
 // Transfers the bound of x at `bound` to y. False if the result is too large to count as finite.
-bool move_bound(Step *s, double c, double bound, bool is_upper)
+bool move_bound(const PresolveWork *w, Step *s, double bound, bool is_upper)
 {
-    const double t = (c - s->a * bound) / s->b;
+    const int i = w->Nodes.data[s->q].row, y = w->Nodes.data[s->q].col;
+    double t = (w->Rhs.data[i] - s->a * bound) / s->b;
     if (std::fabs(t) > MOST_BOUND) return false;
     const bool gives_lower = is_upper == (s->a / s->b > 0);
+    t = gives_lower ? lower_from_row(w, i, y, s->b, t) : upper_from_row(w, i, y, s->b, t);
     if (gives_lower && t > s->lb + TIGHTER) {
         s->lb = t;
         s->mode |= LOWER;
@@ -79,7 +81,7 @@ Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
     const PresolveNode &px = w->Nodes.data[p], &py = w->Nodes.data[q];
     const int x = px.col, y = py.col;
     Step s = {p, q, px.value, py.value, w->Lb.data[y], w->Ub.data[y], 0, {0, 0}, false};
-    const double c = w->Rhs.data[px.row], ratio = std::fabs(s.b / s.a);
+    const double ratio = std::fabs(s.b / s.a);
     if (y == kept->col) {
         s.lb = kept->lb;
         s.ub = kept->ub;
@@ -92,8 +94,9 @@ Step plan(const PresolveWork *w, int p, int q, const Kept *kept)
         (ratio > MOST_RATIO || ratio < 1 / MOST_RATIO || w->ColFlags.data[y] != 0))
         return s;
     s.possible =
-        (!(matters & LOWER_MATTERS) || move_bound(&s, c, w->Lb.data[x], false)) &&
-        (!(matters & UPPER_MATTERS) || move_bound(&s, c, w->Ub.data[x], true)) &&
+        (!(matters & LOWER_MATTERS) || move_bound(w, &s, w->Lb.data[x], false)) &&
+        (!(matters & UPPER_MATTERS) || move_bound(w, &s, w->Ub.data[x], true)) &&
+        (s.lb <= s.ub || !is_integer(w, y) || rounding_is_certain(w, px.row, s.b)) &&
         errors_allow(w, p, largest_in_col(w, x), std::max(std::fabs(s.a), std::fabs(s.b)));
     return s;
 }

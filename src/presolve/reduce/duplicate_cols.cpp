@@ -5,7 +5,8 @@
 //             bounds allow. So if X of a cheaper column has no upper bound, all more expensive columns are at their
 //             smallest X, and if X of a more expensive column has no lower bound, all cheaper ones are at their largest
 //             X. Columns of equal price are merged (merged_columns.cpp). An implied bound is removed from the model
-//             first if that allows a column to be fixed: then no other reduction can depend on it.
+//             first if that allows a column to be fixed: then no other reduction can depend on it. With integers steps of
+//             one column have to be whole steps of the other; bounds stay, and equal prices suffice.
 // Postsolve   That of fixing and of merging. The difference of the prices gives the reduced cost of the fixed column
 //             its sign.
 // Cost        That of finding the classes, and O(class log class).
@@ -56,6 +57,13 @@ bool is_fit(const DupLine *a, const DupLine *b)
     return factor <= LARGEST_FACTOR && factor >= 1 / LARGEST_FACTOR;
 }
 
+// True if whole steps of column l can be replaced by whole steps of `by`, where that is integer.
+bool steps_fit(const PresolveWork *w, const DupLine *by, const DupLine *l)
+{
+    if (!is_integer(w, by->line)) return true;
+    return is_integer(w, l->line) && std::fmod(l->scale, by->scale) == 0; // exactly
+}
+
 // True if the infinite bound of `by` fixes `l`: the reduced cost of l is at least the difference of prices.
 bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
 {
@@ -64,8 +72,17 @@ bool is_strict(const PresolveWork *w, const DupLine *by, const DupLine *l)
     const double factor = std::fabs(l->scale / by->scale);
     const double zero = w->OptTol * (1 + factor) + cost_error(w, l->line) +
                         factor * cost_error(w, by->line);
-    return std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
+    return steps_fit(w, by, l) &&
+           std::fabs(a - b) > SAME_PRICE * std::max(std::fabs(a), std::fabs(b)) &&
            std::fabs(a - b) * std::fabs(l->scale) > zero && is_fit(by, l);
+}
+
+// True if column l can be fixed because of `by`, the cheaper one. Of equal ones too with integers, as no dual values are
+// needed.
+bool replaces(const PresolveWork *w, const DupLine *by, const DupLine *l, int side)
+{
+    if (is_strict(w, by, l)) return true;
+    return w->IsMip && steps_fit(w, by, l) && is_fit(by, l) && is_bounded(w, l, -side);
 }
 
 // Fixes column l at the bound of its X on this side, as `by` can replace it. Unbounded if it has none.
@@ -88,7 +105,7 @@ int first_open(PresolveWork *w, const DupLine *members, int count, int side, int
         TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
         if (!is_bounded(w, &members[k], side) ||
-            (is_strict(w, &members[k], &members[count - 1]) &&
+            (replaces(w, &members[k], &members[count - 1], side) &&
              is_implied(w, &members[k], side))) {
             *open = k;
             break;
@@ -105,8 +122,9 @@ int dominate(PresolveWork *w, const DupLine *members, int count, int side)
     for (int k = count - 1; k > best; k--) {
         TRY(check_limits(w, members[k].length));
         if (!is_live_col(w, members[k].line)) continue;
-        if (!is_strict(w, &members[best], &members[k])) continue;
-        if (is_bounded(w, &members[best], side)) take_bound_away(w, &members[best], side);
+        if (!replaces(w, &members[best], &members[k], side)) continue;
+        if (!w->IsMip && is_bounded(w, &members[best], side))
+            take_bound_away(w, &members[best], side);
         TRY(send(w, &members[best], &members[k], -side));
     }
     return 0;

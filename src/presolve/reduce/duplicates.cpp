@@ -4,7 +4,7 @@
 //             equal first keys by a second key computed from their values divided by the largest. Lines with close keys
 //             are then compared entry by entry with the first of them, which gives classes.
 // Invariant   Members of a class agree with its first member within SAME_VALUE of the largest entry and within
-//             SAME_SHARE of each entry.
+//             SAME_SHARE of each entry; with integers, only rounding is allowed.
 // Cost        O(entries + lines) as long as close keys mean parallel lines; MAX_CLASSES limits the rest.
 // Literature  J. A. Tomlin and J. S. Welch, "Finding duplicate rows in a linear programming model", OR Letters 5, 1986.
 #include "presolve/reduce/duplicates.h"
@@ -15,6 +15,8 @@
 namespace
 {
 constexpr double SAME_KEY = 1e-10, SAME_VALUE = 1e-11, SAME_SHARE = 1e-10;
+// With integers, solutions are not repaired after postsolve: equal up to rounding.
+constexpr double SAME_VALUE_MIP = 4e-16, SAME_SHARE_MIP = 4e-16;
 
 constexpr int MAX_CLASSES = 16; // classes that are searched among lines with close keys
 
@@ -52,10 +54,12 @@ void set_values(const PresolveWork *w, Axis axis, DupLine *l)
     l->values = sum / l->scale;
 }
 
-bool equal(double a, double b)
+bool equal(const PresolveWork *w, double a, double b)
 {
     const double size = std::max(std::fabs(a), std::fabs(b));
-    return std::fabs(a - b) <= std::min(SAME_VALUE, SAME_SHARE * size);
+    const double value = w->IsMip ? SAME_VALUE_MIP : SAME_VALUE,
+                 share = w->IsMip ? SAME_SHARE_MIP : SAME_SHARE;
+    return std::fabs(a - b) <= std::min(value, share * size);
 }
 
 // Writes the entries of a line divided by its scale, or zeros, to Scratch.
@@ -72,7 +76,7 @@ bool parallel(const PresolveWork *w, Axis axis, const DupLine *l)
     for (int p = first_of(w, axis, l->line); p >= 0; p = next_of(w, axis, p)) {
         if (p == l->skip) continue;
         const double v = w->Scratch.data[place_of(w, axis, p)];
-        if (!equal(v, w->Nodes.data[p].value / l->scale)) return false;
+        if (!equal(w, v, w->Nodes.data[p].value / l->scale)) return false;
     }
     return true;
 }

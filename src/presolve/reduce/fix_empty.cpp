@@ -1,6 +1,8 @@
 // fix_empty.cpp -- columns without entries are fixed at the bound that their cost asks for
 //
-// A cost within its error counts as zero, so that it neither determines the bound nor makes the model unbounded.
+// A cost within its error counts as zero, so that it neither determines the bound nor makes the model unbounded. That no
+// row holds the column is a dual argument: a callback of a search may hand in rows that do. With
+// TARV_PAR_DUALREDUCTION 0 the columns of a model with integers stay.
 #include "presolve/claim.h"
 #include "presolve/errors.h"
 
@@ -15,8 +17,9 @@ int fix_empty_column(PresolveWork *w, int j)
         w->InfeasCol = j;
         return claim_unbounded(w, {{j, cost > 0 ? -1.0 : 1.0}});
     }
-    if (cost > w->OptTol && has_lb(w, j)) return fix_at_lower(w, j);
-    if (cost < -w->OptTol && has_ub(w, j)) return fix_at_upper(w, j);
+    const double none = w->IsMip ? 0 : w->OptTol;
+    if (cost > none && has_lb(w, j)) return fix_at_lower(w, j);
+    if (cost < -none && has_ub(w, j)) return fix_at_upper(w, j);
     if (has_lb(w, j)) return fix_at_lower(w, j);
     return has_ub(w, j) ? fix_at_upper(w, j) : fix_column(w, j, 0, -3);
 }
@@ -24,6 +27,7 @@ int fix_empty_column(PresolveWork *w, int j)
 
 int fix_column_if_empty(PresolveWork *w, int j)
 {
+    if (w->IsMip && !w->Env->TARV_PAR_DUALREDUCTION) return 0;
     return w->ColCnt.data[j] == 0 && w->ColFlags.data[j] == 0 ? fix_empty_column(w, j) : 0;
 }
 

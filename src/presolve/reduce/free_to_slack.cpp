@@ -131,8 +131,9 @@ void undo_free_to_slack(const UndoRecord *undo, PostPoint *point)
     double left = point->constants * undo->value - slack;
     for (int k = 0; k < undo->count; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
-    point->x[i] = slack;
     point->x[j] = left / undo->factor;
+    if (!point->d) return;
+    point->x[i] = slack;
     point->d[i] = -point->d[j];
     point->d[j] = 0;
     if (!point->status) return;

@@ -36,7 +36,7 @@ void count_block(int *block, int p)
 
 Blocks find_blocks(const PresolveWork *w, int j)
 {
-    const double cost = w->Obj.data[j], none = NO_COST + cost_error(w, j);
+    const double cost = w->Obj.data[j], none = no_cost(w, j, NO_COST);
     Blocks b = {cost > none ? MANY : NONE, cost < -none ? MANY : NONE};
     for (int p = first_in_col(w, j); p >= 0 && (b.up != MANY || b.down != MANY);
          p = next_in_col(w, p)) {

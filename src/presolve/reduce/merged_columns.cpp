@@ -67,6 +67,7 @@ int merge_columns(PresolveWork *w, int p, int q, double f)
     raise_to(&w->BoundErr.data[p], std::fabs(f) * w->BoundErr.data[q]);
     raise_to(&w->ObjErr.data[p], w->ObjErr.data[q] / std::fabs(f));
     change_bounds(w, p, lb, ub);
+    if (is_integer(w, p)) w->VType.data[p] = lb == 0 && ub == 1 ? 'B' : 'I'; // integral
     mark_col(w, p);
     return 0;
 }
@@ -136,6 +137,7 @@ void undo_merge_cols(const UndoRecord *undo, PostPoint *point)
     const Split split = split_merged_columns(&pair, point->INF, sum, &x_p, &x_q);
     point->x[p] = x_p;
     point->x[q] = x_q;
+    if (!point->d) return;
     point->d[q] = pair.f * point->d[p];
     if (!point->status) return;
     const int status = point->status[p];

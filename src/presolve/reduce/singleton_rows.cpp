@@ -8,7 +8,7 @@
 // Postsolve   If the column is nonbasic at the bound that the row gave, the row takes over its reduced cost as dual
 //             value, and the column becomes basic instead of the slack of the row.
 #include "presolve/claim.h"
-#include "presolve/errors.h"
+#include "presolve/integral.h"
 #include "presolve/postsolve.h"
 
 namespace
@@ -40,25 +40,41 @@ bool judge(const PresolveWork *w, int i, double a, int j, double t, int *mode)
     return *mode == REDUNDANT || t <= ub + tol;
 }
 
-// New bounds, rounded for an integer column. False if they cross.
-bool new_bounds(const PresolveWork *w, int j, int mode, double t, double *lb, double *ub)
+// New bounds, rounded for an integer column.
+void new_bounds(const PresolveWork *w, int i, int p, int mode, double t, double *lb,
+                double *ub)
 {
+    const int j = w->Nodes.data[p].col;
+    const double a = w->Nodes.data[p].value;
     const bool integer = is_integer(w, j);
     *lb = w->Lb.data[j];
     *ub = w->Ub.data[j];
-    if (mode & LOWER) *lb = integer ? std::fmax(*lb, std::ceil(t - w->IntTol)) : t;
-    if (mode & UPPER) *ub = integer ? std::fmin(*ub, std::floor(t + w->IntTol)) : t;
-    return *lb <= *ub || !integer;
+    const double low = lower_from_row(w, i, j, a, t), high = upper_from_row(w, i, j, a, t);
+    if (mode & LOWER) *lb = integer ? std::fmax(*lb, low) : t;
+    if (mode & UPPER) *ub = integer ? std::fmin(*ub, high) : t;
+}
+
+// The bounds of an integer column that the row leaves are crossed: infeasible if the nearest integers violate the row.
+int judge_crossed(PresolveWork *w, int i, int p, double t)
+{
+    const int j = w->Nodes.data[p].col;
+    const double a = w->Nodes.data[p].value, lb = w->Lb.data[j], ub = w->Ub.data[j];
+    for (const double x : {std::floor(t), std::ceil(t)}) {
+        const double nearest = std::fmin(std::fmax(x, lb), ub);
+        double out = a * (nearest - t); // of the row, above its side
+        if (w->Sense.data[i] == '=') out = std::fabs(out);
+        if (out <= w->FeasTol + rhs_error(w, i)) return 0; // the row stays as it is
+    }
+    w->InfeasRow = i;
+    return END_INFEASIBLE;
 }
 
 int make_bound(PresolveWork *w, int i, int p, int mode, double t)
 {
     const int j = w->Nodes.data[p].col;
     double lb = 0, ub = 0;
-    if (!new_bounds(w, j, mode, t, &lb, &ub)) {
-        w->InfeasRow = i;
-        return END_INFEASIBLE;
-    }
+    new_bounds(w, i, p, mode, t, &lb, &ub);
+    if (lb > ub && is_integer(w, j)) return judge_crossed(w, i, p, t);
     UndoRecord *undo = undo_push(&w->Undo, UNDO_SINGLETON_ROW, 0);
     if (!undo) return OUT_OF_MEMORY;
     undo->col = j;
@@ -77,7 +93,8 @@ int make_bound(PresolveWork *w, int i, int p, int mode, double t)
     mark_col(w, j);
     w->Work += 10.0 * w->ColCnt.data[j];
     TRY(check_limits(w, 2.0 * w->ColCnt.data[j]));
-    return mode == BOTH ? fix_column(w, j, t, STATUS_BY_SIGN) : 0;
+    if (mode != BOTH) return 0;
+    return fix_column(w, j, is_integer(w, j) ? lb : t, STATUS_BY_SIGN);
 }
 
 int try_row(PresolveWork *w, int i)
@@ -90,6 +107,7 @@ int try_row(PresolveWork *w, int i)
     const double t = w->Rhs.data[i] / a;
     int mode = REDUNDANT;
     if (!judge(w, i, a, j, t, &mode)) {
+        if (is_integer(w, j)) return judge_crossed(w, i, p, t);
         w->InfeasRow = i;
         // against the upper bound the multiplier has the sign of a, and the reduced cost the other one
         const double factor = t > w->Ub.data[j] ? 1 / a : -1 / a;

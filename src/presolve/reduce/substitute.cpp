@@ -9,18 +9,48 @@
 //             not change: with y_r = (c_j - sum y_i a_ij) / a the substituted cost of column k is c_k - y_r a_k
 //             already.
 #include "presolve/postsolve.h"
+#include <algorithm>
 #include <cmath>
+
+namespace
+{
+// Size assumed for an integer column without a bound.
+constexpr double UNBOUNDED_SIZE = 1e7;
+// Largest distance to an integer of a value computed from integers, in tolerances of the rows of the column.
+constexpr double MOST_DRIFT = 0.1;
+
+double largest_value(const PresolveWork *w, int j)
+{
+    const double lb = has_lb(w, j) ? std::fabs(w->Lb.data[j]) : UNBOUNDED_SIZE,
+                 ub = has_ub(w, j) ? std::fabs(w->Ub.data[j]) : UNBOUNDED_SIZE;
+    return std::max(lb, ub);
+}
+
+// Distance of a quotient to the nearest integer. A product that gives the dividend exactly counts as exact: 0.3 / 0.1.
+double distance_to_integer(double dividend, double divisor)
+{
+    const double quotient = std::round(dividend / divisor);
+    return std::fabs(std::fma(-quotient, divisor, dividend) / divisor);
+}
+} // namespace
 
 bool keeps_integers(const PresolveWork *w, int p)
 {
     const PresolveNode &own = w->Nodes.data[p];
     if (!is_integer(w, own.col)) return true;
-    if (!is_integral(w->Rhs.data[own.row] / own.value)) return false;
+    double drift = distance_to_integer(w->Rhs.data[own.row], own.value);
+    if (drift > INTEGRAL) return false;
     for (int q = first_in_row(w, own.row); q >= 0; q = next_in_row(w, q)) {
         const PresolveNode &node = w->Nodes.data[q];
-        if (!is_integer(w, node.col) || !is_integral(node.value / own.value)) return false;
+        if (!is_integer(w, node.col)) return false;
+        const double off = distance_to_integer(node.value, own.value);
+        if (off > INTEGRAL) return false;
+        drift += off * largest_value(w, node.col);
     }
-    return true;
+    double largest = 1;
+    for (int q = first_in_col(w, own.col); q >= 0; q = next_in_col(w, q))
+        largest = std::max(largest, std::fabs(w->Nodes.data[q].value));
+    return drift * largest <= MOST_DRIFT * w->FeasTol;
 }
 
 int push_substitution(PresolveWork *w, int p)
@@ -49,9 +79,10 @@ void undo_substitute(const UndoRecord *undo, PostPoint *point)
     double left = point->constants * undo->value, cost = point->constants * undo->cost;
     for (int k = 0; k < undo->split; k++)
         left -= undo->entry[k].value * point->x[undo->entry[k].index];
+    point->x[j] = left / undo->factor;
+    if (!point->d) return;
     for (int k = undo->split; k < undo->count; k++)
         cost -= undo->entry[k].value * point->d[point->n + undo->entry[k].index];
-    point->x[j] = left / undo->factor;
     point->d[j] = 0;
     point->d[i] = cost / undo->factor;
     if (!point->status) return;

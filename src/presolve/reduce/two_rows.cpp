@@ -31,6 +31,9 @@ constexpr double SAME_RATIO = 1e-12; // relative
 // A sum smaller than this share of the larger term would be inaccurate.
 constexpr double NEAR_CANCEL = 1e-4;
 
+// With integers, cancelled sums have at most this share of the tolerance as effect; size of a column without a bound.
+constexpr double LITTLE = 1e-3, UNBOUNDED_SIZE = 1e7;
+
 constexpr double LARGEST_FACTOR = 100;
 
 constexpr double WORK_PER_ENTRY = 10; // limit of the effort
@@ -95,6 +98,14 @@ int common_ratio(double *ratio, int count, double *common)
     return best;
 }
 
+// Largest effect of a sum that is near zero, but not zero.
+bool matters(const PresolveWork *w, int j, double sum)
+{
+    const double lb = has_lb(w, j) ? std::fabs(w->Lb.data[j]) : UNBOUNDED_SIZE,
+                 ub = has_ub(w, j) ? std::fabs(w->Ub.data[j]) : UNBOUNDED_SIZE;
+    return sum * std::max(lb, ub) > LITTLE * w->FeasTol;
+}
+
 // True if every entry of row - ratio * equation (in Scratch) is zero or not small relative to its terms.
 bool is_accurate(const PresolveWork *w, int row, double ratio)
 {
@@ -104,6 +115,9 @@ bool is_accurate(const PresolveWork *w, int row, double ratio)
         const double size = std::max(std::fabs(a), std::fabs(term)),
                      sum = std::fabs(a - term);
         if (term != 0 && sum > 2 * SAME_RATIO * size && sum < NEAR_CANCEL * size)
+            return false;
+        if (w->IsMip && term != 0 && sum <= 2 * SAME_RATIO * size && // scattered
+            matters(w, w->Nodes.data[p].col, sum))
             return false;
     }
     return true;

@@ -1,0 +1,203 @@
+// accept.cpp -- solutions of a search: how a point becomes the incumbent
+//
+// Method   Integers are rounded to whole numbers, then the point is checked against the searched body, and, mapped back
+//          by postsolve, against the caller's: rows and bounds within FeasibilityTol, integers, SOS constraints and
+//          semi-continuous variables exactly. Nothing else is accepted.
+#include "mip/accept.h"
+#include "body/quality.h"
+#include "mip/search_callback.h"
+#include "mip/search_log.h"
+#include "mip/semi.h"
+#include "mip/user_rows.h"
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+bool is_integer_type(const ModelBody *body, int j)
+{
+    const char type = body->vtypes.size > 0 ? body->vtypes.data[j] : 'C';
+    return type == 'B' || type == 'I' || type == 'N';
+}
+
+// The integers of a point become whole. False if one is too far from that.
+bool round_integers(const MIPState *state, const ModelBody *body, double *x)
+{
+    for (int j = 0; j < body->numvars; j++) {
+        if (!is_integer_type(body, j)) continue;
+        const double whole = std::round(x[j]);
+        if (!(std::fabs(x[j] - whole) <= state->Env->IntFeasTol)) return false;
+        x[j] = whole;
+    }
+    return true;
+}
+
+// Continuous values beyond a bound by rounding errors are put on it. False if one is outside by more.
+bool clamp_to_bounds(const MIPState *state, const ModelBody *body, double *x)
+{
+    for (int j = 0; j < body->numvars; j++) {
+        const double lower = body->lb.data[j], upper = std::max(lower, body->ub.data[j]);
+        const double inside = std::clamp(x[j], lower, upper);
+        if (!(std::fabs(inside - x[j]) <= state->Env->FeasibilityTol)) return false;
+        x[j] = inside;
+    }
+    return true;
+}
+
+bool sets_hold(const MIPState *state, const double *x)
+{
+    for (int k = 0; k < state->Body->numsos; k++)
+        if (sos_violation(state->Body, k, x) > 0) return false;
+    for (int k = 0; k < state->NumSemis; k++)
+        if (semi_violation(state->Semis[k], x[state->Semis[k].col]) >
+            state->Env->FeasibilityTol)
+            return false;
+    return true;
+}
+
+// Violations of rows and bounds of a body, with exact sets.
+int is_feasible(const MIPState *state, const ModelBody *body, const double *x,
+                bool *feasible)
+{
+    Quality quality;
+    TRY(MipQuality(state->Env, body, x, &quality, QualityWarnings::NO));
+    const double tolerance = state->Env->FeasibilityTol;
+    *feasible = quality.ConstrVio.max <= tolerance && quality.BoundVio.max <= tolerance &&
+                quality.IntVio.max == 0;
+    for (int k = 0; k < body->numsos && *feasible; k++)
+        *feasible = sos_violation(body, k, x) == 0;
+    return 0;
+}
+
+double objective_of(const ModelBody *body, const double *x)
+{
+    long double sum = body->objcon;
+    for (int j = 0; j < body->numvars; j++)
+        sum += static_cast<long double>(body->obj.data[j]) * x[j];
+    return static_cast<double>(sum);
+}
+
+double *new_vector(int n)
+{
+    return static_cast<double *>(
+        MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
+}
+
+// Takes over both points; x may be null.
+int store(MIPState *state, double *x, double *full, double objective, SolutionSource source)
+{
+    SolutionPool *pool = &state->Pool;
+    TRY(pool_insert(pool, {state->Nodes, objective, source, x, full}));
+    pool->Count++;
+    pool->Sequence++;
+    pool->Incumbent = objective;
+    pool->Changed = true;
+    return 0;
+}
+
+double *new_copy(const double *x, int n)
+{
+    double *copy = new_vector(n);
+    if (copy) std::copy_n(x, n, copy);
+    return copy;
+}
+
+// The incumbent has changed: PruneValue, the caller, the log.
+int announce(MIPState *state, SolutionSource source)
+{
+    TRY(apply_incumbent(state));
+    solution_callback(state);
+    if (source != SolutionSource::NODE_LP) heuristic_log_line(state);
+    return 0;
+}
+
+// The point of the searched body that stands for a point of the caller's, or null: there is none, or it does not satisfy
+// the body. 0 or OUT_OF_MEMORY.
+int crush(const MIPState *state, const double *full, double **x)
+{
+    bool mapped = true;
+    *x = nullptr;
+    double *point = new_vector(state->Body->numvars);
+    if (!point) return OUT_OF_MEMORY;
+    int code = space_map_in(state->Space, full, point, &mapped);
+    if (!code && mapped) code = is_feasible(state, state->Body, point, &mapped);
+    if (!code && mapped && sets_hold(state, point))
+        *x = point;
+    else
+        MemFree(point);
+    return code;
+}
+} // namespace
+
+int apply_incumbent(MIPState *state)
+{
+    SolutionPool *pool = &state->Pool;
+    const double prune = search_prune_value(state);
+    if (prune >= pool->PruneValue) return 0;
+    pool->PruneValue = prune;
+    store_prune(&state->Store, &state->Root, prune);
+    return fix_by_reduced_costs(state);
+}
+
+int accept_solution(MIPState *state, const double *given, SolutionSource source,
+                    Acceptance *outcome)
+{
+    const int n = state->Body->numvars;
+    double *x = state->Candidate.data;
+    std::copy_n(given, n, x);
+    *outcome = Acceptance::INFEASIBLE;
+    if (!round_integers(state, state->Body, x) || !clamp_to_bounds(state, state->Body, x) ||
+        !sets_hold(state, x) || !user_rows_hold(state, x))
+        return 0;
+    const double objective = objective_of(state->Body, x);
+    if (objective >= state->Pool.PruneValue) {
+        *outcome = Acceptance::NOT_BETTER;
+        return 0;
+    }
+    bool feasible = false;
+    TRY(is_feasible(state, state->Body, x, &feasible));
+    if (!feasible) return 0;
+    double *full = new_vector(space_outermost(state->Space)->numvars);
+    if (!full) return OUT_OF_MEMORY;
+    int code = space_map_back(state->Space, x, full);
+    if (!code) code = is_feasible(state, space_outermost(state->Space), full, &feasible);
+    if (code || !feasible) {
+        MemFree(full);
+        *outcome = Acceptance::LOST;
+        return code;
+    }
+    double *own = new_copy(x, n);
+    if (!own) {
+        MemFree(full);
+        return OUT_OF_MEMORY;
+    }
+    TRY(store(state, own, full, objective, source));
+    *outcome = Acceptance::IMPROVED;
+    return announce(state, source);
+}
+
+int accept_callers_point(MIPState *state, const double *given, SolutionSource source,
+                         Acceptance *outcome)
+{
+    const ModelBody *body = space_outermost(state->Space);
+    *outcome = Acceptance::INFEASIBLE;
+    double *full = new_copy(given, body->numvars), *x = nullptr;
+    if (!full) return OUT_OF_MEMORY;
+    bool feasible = round_integers(state, body, full);
+    int code = feasible ? is_feasible(state, body, full, &feasible) : 0;
+    const double objective = objective_of(body, full);
+    if (!code && feasible && objective >= state->Pool.PruneValue) {
+        *outcome = Acceptance::NOT_BETTER;
+        feasible = false;
+    }
+    if (!code && feasible) code = crush(state, full, &x);
+    if (!code && feasible && x && !user_rows_hold(state, x)) feasible = false;
+    if (code || !feasible) {
+        MemFree(full);
+        MemFree(x);
+        return code;
+    }
+    TRY(store(state, x, full, objective, source));
+    *outcome = Acceptance::IMPROVED;
+    return announce(state, source);
+}

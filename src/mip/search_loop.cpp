@@ -1,0 +1,93 @@
+// search_loop.cpp -- the tree, node by node
+//
+// Method   Choose a node, process it, branch, finish it, test for the end. One worker runs here on the caller's thread.
+#include "mip/accept.h"
+#include "mip/branch.h"
+#include "mip/node_process.h"
+#include "mip/node_select.h"
+#include "mip/search.h"
+#include "mip/search_callback.h"
+
+namespace
+{
+// Bounds decide before anything is solved.
+int settle_by_bound(const MIPState *state, NodeData *data)
+{
+    if (data->LowerBound >= UNDEFINED_VALUE) return NODE_INFEASIBLE;
+    return data->LowerBound >= state->Pool.PruneValue ? NODE_CUTOFF : NODE_UNSOLVED;
+}
+
+// The basis in which the node's LP has ended is what its children start from.
+int save_basis(SearchWorker *worker, TreeNode *node)
+{
+    NodeData *data = node->Data;
+    if (data->Basis.Full || worker->LpNode != node->Number) return 0; // assigned alike
+    data->Basis.Full = record_create<NodeBasis>();
+    if (!data->Basis.Full) return OUT_OF_MEMORY;
+    data->LPRows = simplex_num_rows(worker->Lp.simplex);
+    return simplex_save_basis(worker->Lp.simplex, data->Basis.Full);
+}
+
+int divide(SearchWorker *worker, TreeNode **node)
+{
+    Children children;
+    const int code = branch_node(worker, node, BranchMode::DIVIDE, &children);
+    for (int k = 0; k < children.Count; k++) TRY(activate_node(worker, children.Node[k]));
+    TRY(code);
+    return children.Count > 0 ? save_basis(worker, *node) : 0;
+}
+
+bool is_open(const TreeNode *node)
+{
+    return node->Data->Status == NODE_FRACTIONAL || node->Data->Status == NODE_FAILED;
+}
+
+// A node that a limit has stopped is processed again by the next call.
+int put_back(SearchWorker *worker, TreeNode *node)
+{
+    node->Data->Status = NODE_UNSOLVED;
+    worker->Current = nullptr;
+    count_work(worker, node->Data);
+    return activate_node(worker, node);
+}
+} // namespace
+
+namespace
+{
+int work_on_node(SearchWorker *worker, TreeNode **node)
+{
+    MIPState *state = worker->State;
+    NodeData *data = (*node)->Data;
+    data->Status = settle_by_bound(state, data);
+    if (data->Status == NODE_UNSOLVED) TRY(process_node(worker, node));
+    TRY(node_callback(worker, *node));
+    // Branching may find bounds with which the LP becomes integral, and a point that is not exact may be branched on.
+    for (bool again = true; again;) {
+        if ((*node)->Data->Status == NODE_INTEGRAL) TRY(accept_node(worker, node));
+        again = is_open(*node);
+        if (again) TRY(divide(worker, node));
+        again = again && (*node)->Children == 0 && (*node)->Data->Status == NODE_INTEGRAL;
+    }
+    worker->Current = *node;
+    return 0;
+}
+} // namespace
+
+int search_tree(MIPState *state)
+{
+    SearchWorker *worker = state->Workers.data[0];
+    while (check_status(state) == RUNNING) {
+        TreeNode *node = nullptr;
+        TRY(select_node(worker, &node));
+        if (!node) break;
+        TRY(work_on_node(worker, &node));
+        if (node->Data->Status == NODE_STOPPED) {
+            TRY(put_back(worker, node));
+            if (check_status(state) == RUNNING) continue; // of this node's LP only
+            break;
+        }
+        TRY(finish_node(worker, node));
+        if (state->IncumbentGone) TRY(search_begin_anew(state));
+    }
+    return 0;
+}

@@ -1,0 +1,172 @@
+// callback_mip_test.cpp -- points and cuts that the caller's function hands to a search
+//
+// That valid cuts and any points never make an answer wrong is looked at in fuzz/api_mip.cpp.
+#include "support/model_test.h"
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+
+namespace
+{
+constexpr double UNKNOWN = 1e100, NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
+
+// max 5x + 4y + 3z    2x + 3y + z <= 5    4x + y + 2z <= 11    3x + 4y + 2z <= 8    integers from 0 to 9
+// Optimum (2, 0, 1), value 13; with x <= 1 it is (0, 0, 4), value 12.
+constexpr const char *PLAN =
+    "max 5x+4y+3z st\n2x+3y+z<=5\n4x+y+2z<=11\n3x+4y+2z<=8\nbounds x<=9 y<=9 z<=9 general "
+    "x y z";
+
+struct MipCallback : ModelTest {
+    std::map<int, int> calls; // by where
+    std::function<int(void *, int)> act = [](void *, int) { return 0; };
+
+    static int enter(TVXmodel *, void *cbdata, int where, void *usrdata)
+    {
+        MipCallback *test = static_cast<MipCallback *>(usrdata);
+        test->calls[where]++;
+        return test->act(cbdata, where);
+    }
+    void open(const char *text, int presolve)
+    {
+        load(std::string(text));
+        ASSERT_EQ(TVXsetcallbackfunc(model, enter, this), 0);
+        for (const auto &[name, value] : {std::pair{"Presolve", presolve},
+                                          {"PreCrush", 1},
+                                          {"TARV_PAR_DUALREDUCTION", 0}})
+            ASSERT_EQ(TVXsetintparam(own(), name, value), 0);
+        calls.clear();
+    }
+};
+} // namespace
+
+// Rows that the model does not know: they hold for every point of the answer, whether the search, a start or the caller
+// has found it.
+TEST_F(MipCallback, a_row_handed_in_is_a_constraint_from_then_on)
+{
+    const int x = 0;
+    const double one = 1, minus = -1, optimum[3] = {2, 0, 1};
+    for (const int presolve : {0, -1})
+        for (const bool greater : {false, true})
+            for (const bool start : {false, true}) {
+                open(PLAN, presolve);
+                if (start) {
+                    ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, 3, optimum), 0);
+                }
+                bool done = false;
+                act = [&](void *data, int where) {
+                    if (where != TVX_WHERE_NODE || done) return 0;
+                    done = true;
+                    EXPECT_EQ(TVXcbcut(data, 1, &x, greater ? &minus : &one,
+                                       greater ? '>' : '<', greater ? -1 : 1),
+                              0);
+                    EXPECT_EQ(TVXcbsolution(data, optimum), 0); // is not taken any more
+                    return 0;
+                };
+                ASSERT_EQ(TVXoptimize(model), 0);
+                EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+                EXPECT_NEAR(dbl("ObjVal"), 12, 1e-6) << presolve << greater << start;
+                EXPECT_LE(dbl("ObjBound"), 12 + 1e-2);
+                EXPECT_EQ(minus, -1);
+            }
+}
+
+// What no row of the model holds may still be held by rows to come: z is in none, and once there are no rows at all.
+TEST_F(MipCallback, a_row_holds_variables_that_are_in_no_row_of_the_model)
+{
+    const int z = 2;
+    const double one = 1;
+    for (const char *text :
+         {"max 5x+4y+3z st\n2x+3y<=5\n4x+y<=11\n3x+4y<=8\nbounds x<=9 y<=9 z<=9 general x "
+          "y z",
+          "max 5x+0y+3z st\nx+y<=30\nbounds x<=2 y<=9 z<=9 general x y z"})
+        for (const int presolve : {0, -1}) {
+            open(text, presolve);
+            act = [&](void *data, int where) {
+                const bool first = where == TVX_WHERE_NODE && calls[where] == 1;
+                return first ? TVXcbcut(data, 1, &z, &one, '<', 1) : 0;
+            };
+            ASSERT_EQ(TVXoptimize(model), 0);
+            EXPECT_EQ(integer("Status"), TVX_OPTIMAL);
+            EXPECT_NEAR(dbl("ObjVal"), 13, 1e-6) << presolve;
+        }
+}
+
+TEST_F(MipCallback, rows_that_leave_no_point_make_the_model_infeasible)
+{
+    const int ind[] = {0, 1, 2};
+    const double ones[] = {1, 1, 1};
+    for (const int presolve : {0, -1}) {
+        open(PLAN, presolve);
+        act = [&](void *data, int where) {
+            const bool first = where == TVX_WHERE_NODE && calls[where] == 1;
+            return first ? TVXcbcut(data, 3, ind, ones, '>', 20) : 0;
+        };
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_EQ(integer("Status"), TVX_INFEASIBLE);
+        EXPECT_EQ(integer("SolCount"), 0);
+    }
+}
+
+// Each call is made where nothing better is known yet; a point in part is completed.
+TEST_F(MipCallback, a_point_handed_in_is_taken_if_it_is_feasible_and_better)
+{
+    const struct {
+        double point[3];
+        int taken;
+    } cases[] = {{{2, 0, 1}, 1},
+                 {{UNKNOWN, 0, 1}, 1},
+                 {{1, 1, 0}, 1},
+                 {{1.5, 0, 0}, 1},
+                 {{9, 9, 9}, 0}};
+    for (const auto &one : cases) {
+        open(PLAN, 0);
+        bool done = false;
+        act = [&](void *data, int where) {
+            if (where != TVX_WHERE_NODE || done) return 0;
+            done = true;
+            int before = -1, after = -1;
+            EXPECT_EQ(TVXcbget(data, where, TVX_CB_NODE_SOLUTIONS, &before), 0);
+            EXPECT_EQ(TVXcbsolution(data, one.point), 0);
+            EXPECT_EQ(TVXcbget(data, where, TVX_CB_NODE_SOLUTIONS, &after), 0);
+            EXPECT_EQ(before, 0);
+            EXPECT_EQ(after, one.taken) << one.point[0];
+            return 0;
+        };
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_TRUE(done);
+        EXPECT_GT(calls[TVX_WHERE_SOLUTION], 0);
+        EXPECT_NEAR(dbl("ObjVal"), 13, 1e-6);
+    }
+}
+
+TEST_F(MipCallback, points_and_cuts_that_cannot_be_are_refused)
+{
+    const int ind[] = {0, 3};
+    const double val[] = {1, NAN_VALUE}, point[] = {0, NAN_VALUE, 0};
+    int garbage = 5;
+    for (int *data : {static_cast<int *>(nullptr), &garbage}) {
+        EXPECT_EQ(TVXcbsolution(data, point), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', 1), TVX_ERROR_CALLBACK);
+    }
+    open(PLAN, 0);
+    act = [&](void *data, int where) {
+        const bool search = where >= TVX_WHERE_MIP && where <= TVX_WHERE_NODE;
+        EXPECT_EQ(TVXcbsolution(data, nullptr), TVX_ERROR_NULL_ARGUMENT);
+        EXPECT_EQ(TVXcbsolution(data, point),
+                  search ? TVX_ERROR_INVALID_ARGUMENT : TVX_ERROR_CALLBACK);
+        if (where != TVX_WHERE_NODE) {
+            EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', 1), TVX_ERROR_CALLBACK) << where;
+            return 0;
+        }
+        EXPECT_EQ(TVXcbcut(data, -1, ind, val, '<', 1), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXcbcut(data, 2, ind, val, '<', 1), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXcbcut(data, 1, nullptr, val, '<', 1), TVX_ERROR_NULL_ARGUMENT);
+        EXPECT_EQ(TVXcbcut(data, 1, ind, val + 1, '<', 1), TVX_ERROR_INVALID_ARGUMENT);
+        EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', NAN_VALUE), TVX_ERROR_INVALID_ARGUMENT);
+        return 0;
+    };
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_GT(calls[TVX_WHERE_NODE], 0);
+    EXPECT_NEAR(dbl("ObjVal"), 13, 1e-6);
+}
