@@ -234,6 +234,13 @@ TEST(PresolveProbing, a_clique_makes_a_row_redundant_and_tightens_another)
     EXPECT_EQ(t.reduced.rhs[1], 4);
 }
 
+// z = 0 implies x <= 2, which is not true of x + y.
+TEST(PresolveProbing, what_is_known_of_a_merged_column_goes)
+{
+    reduced(lp_make({{1, 0, 1}, {-1, 1, 9}, {-1, 1, 9}}, {{{-9, 1, 1}, '<', 3}}), "BII",
+            {pre_probe, pre_duplicate_cols});
+}
+
 // The row must not be removed because of the clique that only it implies.
 TEST(PresolveProbing, a_row_is_no_reason_to_remove_itself)
 {

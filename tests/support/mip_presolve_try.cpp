@@ -241,7 +241,9 @@ static void judge_learned(PresolveResult *result, MipTry *out)
     CliqueTable *cliques = presolve_take_cliques(result);
     ImplicationLog *log = presolve_take_implications(result);
     const FactsJudged judged = judge_facts(out->reduced, cliques, log);
-    out->faults += judged.faults;
+    CliqueTable *found = presolve_take_found_cliques(result);
+    out->faults += judged.faults + judge_facts(out->reduced, found, nullptr).faults;
+    clique_table_free(found);
     out->pairs = judged.pairs;
     out->bounds = judged.bounds;
     clique_table_free(cliques);

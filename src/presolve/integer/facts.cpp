@@ -164,12 +164,20 @@ int add_rows(CliqueTable *t, const ModelBody *body)
     return code;
 }
 
-int give_cliques(CliqueTable *t, PresolveResult *result)
+bool is_empty(const CliqueTable *t)
 {
-    result->Cliques = t;
-    TRY(add_rows(t, result->Reduced));
-    if (!t->Infeasible && (t->NumEdges > 0 || clique_count(t) > 0)) return 0;
-    clique_table_free(std::exchange(result->Cliques, nullptr));
+    return t->Infeasible || (t->NumEdges == 0 && clique_count(t) == 0);
+}
+
+// The table that probing has filled, and one with the cliques of the rows, too.
+int give_cliques(const CliqueTable *found, const Array<int> &image, PresolveResult *result)
+{
+    const int n = result->Reduced->numvars;
+    TRY(clique_table_remap(found, image.data, n, &result->Found));
+    TRY(clique_table_remap(found, image.data, n, &result->Cliques));
+    TRY(add_rows(result->Cliques, result->Reduced));
+    for (CliqueTable **t : {&result->Found, &result->Cliques})
+        if (is_empty(*t)) clique_table_free(std::exchange(*t, nullptr));
     return 0;
 }
 
@@ -213,10 +221,8 @@ int facts_to_result(PresolveWork *w, PresolveResult *result)
     Array<int> image;
     TRY(map_columns(w, result->Undo.head, facts->Mark, &map));
     TRY(make_images(w, &map, result->ColMap.data, &image));
-    CliqueTable *cliques = nullptr;
     ImplicationLog *log = nullptr;
-    TRY(clique_table_remap(facts->Found, image.data, n, &cliques));
-    TRY(give_cliques(cliques, result));
+    TRY(give_cliques(facts->Found, image, result));
     TRY(implication_log_remap(facts->Log, image.data, map.data, n, &log));
     return give_implications(log, result);
 }
