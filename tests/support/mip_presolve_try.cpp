@@ -191,7 +191,8 @@ void Judge::no_optimum()
     out->judged = truth.status != MipStatus::UNKNOWN;
     if (!out->judged || truth.status == question.truth.status) return;
     if (unbounded && truth.status == MipStatus::INFEASIBLE && dual()) return;
-    if (mip_truth(question.lp, NODES).status == truth.status) return; // by scaling
+    const MipStatus own = mip_truth(question.lp, NODES).status; // scaled
+    if (own == truth.status || own == MipStatus::UNKNOWN) return;
     const LpModel loose = loosened(out->reduced);
     if (unbounded && mip_truth(&loose, NODES).status == MipStatus::UNBOUNDED) return;
     fault(formatted("the reduced model is %s", mip_status_name(truth.status)));

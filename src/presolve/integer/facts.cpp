@@ -14,7 +14,8 @@ namespace
 {
 constexpr int64_t LIMIT_MORE =
     1000000; // literals of the table, beyond twice the entries of the model
-constexpr double SAME = 1e-6; // distance of values of a binary column
+constexpr double WORTH_LOOKING = 0.02; // share of the model that has changed
+constexpr double SAME = 1e-6;          // distance of values of a binary column
 
 // An older column in terms of the present ones: Scale x_Col + Offset, a constant (AT_VALUE), or not known.
 constexpr int AT_VALUE = -1, NOT_KNOWN = -2;
@@ -191,6 +192,21 @@ int give_implications(ImplicationLog *log, PresolveResult *result)
     return 0;
 }
 } // namespace
+
+ChangeCounts counts_now(const PresolveWork *w)
+{
+    return {w->RowsRemoved, w->ColsRemoved, w->CoefsChanged};
+}
+
+bool is_much_the_same(const PresolveWork *w, const ChangeCounts &then)
+{
+    const ChangeCounts now = counts_now(w);
+    const double rows = 1.0 + w->NumRows - now.Rows, cols = 1.0 + w->NumCols - now.Cols,
+                 entries = 1.0 + static_cast<double>(w->NumNz);
+    return (now.Rows - then.Rows) / rows + (now.Cols - then.Cols) / cols +
+               (now.Coefs - then.Coefs) / entries <
+           WORTH_LOOKING;
+}
 
 int64_t facts_limit(const PresolveWork *w)
 {

@@ -5,7 +5,8 @@
 //             At the end the bounds found become those of the record, and columns are replaced.
 // Safety      Propagation loses no point that satisfies the rows within their tolerance (domain.h). Bounds of continuous
 //             columns are taken over if they gain much, as they stop other reductions.
-// Limits      Entries looked at; probes in a row without gain; the number of probes in the quick form.
+// Limits      Entries looked at; probes in a row without gain; the number of probes in the quick form. After a call that
+//             has found nothing the model has to change first.
 // Postsolve   That of fixing and of column_replace.cpp
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems", ORSA J.
 //             Computing 6, 1994. T. Achterberg et al., "Presolve reductions in mixed integer programming", INFORMS J.
@@ -235,11 +236,16 @@ int probe(Probing *probing, PresolveWork *w, const Limits &limits)
 int run(PresolveWork *w, const Limits &limits)
 {
     TRY(facts_refresh(w));
-    if (!w->Facts->OfRows) TRY(facts_build_table(w));
+    MipFacts *facts = w->Facts;
+    if (facts->WasIdle && is_much_the_same(w, facts->Probed)) return 0;
+    if (!facts->OfRows) TRY(facts_build_table(w));
+    const int cols = w->ColsRemoved, bounds = w->BoundsChanged;
     Probing probing;
     const int code = probe(&probing, w, limits);
     if (probing.Bounds)
         w->Work += static_cast<double>(probing.Bounds->Effort + probing.Tests);
+    facts->WasIdle = cols == w->ColsRemoved && bounds == w->BoundsChanged;
+    facts->Probed = counts_now(w);
     domain_free(probing.Bounds);
     propagation_view_free(&probing.View);
     return code;
