@@ -234,6 +234,14 @@ TEST(PresolveProbing, a_clique_makes_a_row_redundant_and_tightens_another)
     EXPECT_EQ(t.reduced.rhs[1], 4);
 }
 
+TEST(PresolveProbing, a_row_that_two_literals_satisfy_with_equality_is_no_clique)
+{
+    const MipTry t =
+        reduced(binaries({-3, -2, -1, -9}, {{{3, 3, 4}, '<', 6}, {{1, 1, 1, 2}, '<', 3}}),
+                "BBBB", {pre_clique_rows});
+    EXPECT_EQ(t.reduced.num_rows(), 2);
+}
+
 // z = 0 implies x <= 2, which is not true of x + y.
 TEST(PresolveProbing, what_is_known_of_a_merged_column_goes)
 {

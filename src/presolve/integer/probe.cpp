@@ -200,20 +200,13 @@ int take_bounds(PresolveWork *w, const Domain *d)
     return 0;
 }
 
-// Bounds that have been found later may exclude one of the two values.
-bool is_still_right(const PresolveWork *w, const ColumnReplacement &r)
-{
-    const double v0 = r.offset, v1 = r.offset + r.factor;
-    return is_live_col(w, r.col) && is_binary_now(w, r.by) &&
-           std::min(v0, v1) >= w->Lb.data[r.col] && std::max(v0, v1) <= w->Ub.data[r.col];
-}
-
+// Bounds of a replaced column that were found after it are lost; the rows that gave them still imply them.
 int replace_columns(Probing *probing)
 {
     PresolveWork *w = probing->w;
     for (const ColumnReplacement &r : probing->Replacements) {
         bool there = false;
-        if (!is_still_right(w, r)) continue;
+        if (!is_live_col(w, r.col) || !is_binary_now(w, r.by)) continue; // fixed since
         TRY(room_for_fill(w, w->ColCnt.data[r.col], &there));
         if (there) TRY(replace_column(w, r));
         TRY(check_limits(w, 1 + w->ColCnt.data[r.by]));
