@@ -223,6 +223,19 @@ TEST(PresolveProbing, rows_of_two_become_one_clique)
     EXPECT_EQ(t.reduced.num_rows(), 2);
 }
 
+// a + b <= 1 could become a + b + c + d + e <= 1, but only a + c <= 1 would go for it.
+TEST(PresolveProbing, a_row_that_is_not_extended_does_not_replace_others)
+{
+    const MipTry t =
+        reduced(binaries({-5, -1, -5, -1, -1, -1}, {{{1, 1}, '<', 1},
+                                                    {{1, 0, 1}, '<', 1},
+                                                    {{0, 2, 2, 2, 2, 1}, '<', 3},
+                                                    {{2, 0, 0, 2, 0, 1}, '<', 3},
+                                                    {{2, 0, 0, 0, 2, 1}, '<', 3}}),
+                "BBBBBB", {pre_cliques, pre_clique_merge});
+    EXPECT_EQ(t.reduced.num_rows(), 5);
+}
+
 TEST(PresolveProbing, a_clique_makes_a_row_redundant_and_tightens_another)
 {
     const MipTry t = reduced(
