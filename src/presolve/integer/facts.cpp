@@ -6,7 +6,6 @@
 // Cost        O(columns + new undo records + entries of the tables), when there are new records
 #include "presolve/integer/facts.h"
 #include "domain/propagation_rows.h"
-#include "presolve/errors.h"
 #include "runtime/record.h"
 #include <utility>
 
