@@ -21,7 +21,7 @@ enum VarBranchRule {
     RULE_STRONG
 };
 
-constexpr int MOST_ROUNDS = 20; // of closed sides at one node
+constexpr int MOST_ROUNDS = 20; // of closed sides at one node; then no side is looked at
 
 int var_branch(const MIPState *state)
 {
@@ -103,6 +103,18 @@ int check_choice(SearchWorker *worker, TreeNode **node, bool *moved)
     return tighten_node_bounds(worker, node);
 }
 
+// A choice by what is known already.
+void choose_without_probes(SearchWorker *worker, NodeLPResult *result, BranchChoice *choice)
+{
+    *choice = BranchChoice{};
+    if (result->Candidates.size == 0) {
+        if (result->Sos.size > 0) choice->Sos = result->Sos.data[0];
+        return;
+    }
+    apply_filters(worker, result, var_branch(worker->State));
+    choice->Candidate = 0;
+}
+
 // One round: a choice, or a tighter node (*moved), or another status.
 int choose(SearchWorker *worker, TreeNode **node, BranchChoice *choice, bool *moved)
 {
@@ -120,7 +132,7 @@ int choose(SearchWorker *worker, TreeNode **node, BranchChoice *choice, bool *mo
     if (*moved || data->Status != NODE_FRACTIONAL || choice->Sos >= 0 || choice->Set >= 0)
         return 0;
     if (result->Candidates.size == 0) {
-        choice->Sos = result->Sos.data[0];
+        if (result->Sos.size > 0) choice->Sos = result->Sos.data[0];
         return 0;
     }
     if (rule == RULE_STRONG)
@@ -216,12 +228,13 @@ double branch_fraction(const MIPState *state, double x)
 int branch_node(SearchWorker *worker, TreeNode **node, BranchMode mode, Children *children)
 {
     BranchChoice choice;
-    bool moved = true;
-    for (int round = 0; moved && (*node)->Data->Status == NODE_FRACTIONAL; round++) {
-        moved = false;
-        TRY(choose(worker, node, &choice, &moved));
+    for (int round = 0; (*node)->Data->Status == NODE_FRACTIONAL; round++) {
+        bool moved = false;
+        if (round < MOST_ROUNDS)
+            TRY(choose(worker, node, &choice, &moved));
+        else
+            choose_without_probes(worker, (*node)->Data->Result, &choice);
         if (!moved || (*node)->Data->Status != NODE_FRACTIONAL) break;
-        if (round == MOST_ROUNDS) break;
         TRY(node_solve_lp(worker, *node));
     }
     const NodeData *data = (*node)->Data;

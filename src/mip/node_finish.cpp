@@ -37,6 +37,14 @@ void learn(MIPState *state, const TreeNode *node)
     pseudo_update(&state->Costs, data->BranchVar, step, gain_of(state, data));
 }
 
+// A fractional node without children: cut off by now, or nothing was found to divide it by, and its bound stays.
+void close_undivided(MIPState *state, NodeData *data)
+{
+    if (data->LowerBound < state->Pool.PruneValue)
+        state->LostBound = std::min(state->LostBound, data->LowerBound);
+    data->Status = NODE_CUTOFF;
+}
+
 // The record of results goes to the next node.
 void keep_result(SearchWorker *worker, NodeData *data)
 {
@@ -66,7 +74,7 @@ int finish_node(SearchWorker *worker, TreeNode *node)
     MIPState *state = worker->State;
     NodeData *data = node->Data;
     const bool branched = node->Children > 0;
-    if (!branched && data->Status == NODE_FRACTIONAL) data->Status = NODE_CUTOFF;
+    if (!branched && data->Status == NODE_FRACTIONAL) close_undivided(state, data);
     count_work(worker, data);
     worker->Current = nullptr;
     update_global_bound(state);

@@ -171,6 +171,7 @@ void presolve_free(PresolveResult *result)
     if (!result) return;
     undo_free(&result->Undo);
     clique_table_free(result->Cliques);
+    clique_table_free(result->Found);
     implication_log_free(result->Implications);
     body_free(result->Reduced);
     record_free(result);
@@ -194,6 +195,11 @@ ModelBody *presolve_take_reduced(PresolveResult *result)
 CliqueTable *presolve_take_cliques(PresolveResult *result)
 {
     return std::exchange(result->Cliques, nullptr);
+}
+
+CliqueTable *presolve_take_found_cliques(PresolveResult *result)
+{
+    return std::exchange(result->Found, nullptr);
 }
 
 ImplicationLog *presolve_take_implications(PresolveResult *result)

@@ -69,6 +69,8 @@ ModelBody *presolve_take_reduced(PresolveResult *result); // it changes hands
 // Cliques and implications over the columns of the reduced model of presolve_mip, valid in all its points; or null. They
 // change hands.
 CliqueTable *presolve_take_cliques(PresolveResult *result);
+// The cliques among them that propagation over the rows does not find: for a Domain, where the others cost time only.
+CliqueTable *presolve_take_found_cliques(PresolveResult *result);
 ImplicationLog *presolve_take_implications(PresolveResult *result);
 
 // A basic solution: variables first, then rows. Statuses are those of warm starts (>= 0 basic, -1 lower, -2 upper,

@@ -168,6 +168,7 @@ struct PresolveResult {
     Array<SemiColumn> Semi; // semi-continuous columns of the reduced model
     // of the columns of the reduced model, or null; owned
     CliqueTable *Cliques = nullptr;
+    CliqueTable *Found = nullptr; // those that no row says
     ImplicationLog *Implications = nullptr;
 };
 

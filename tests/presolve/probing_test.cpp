@@ -223,6 +223,19 @@ TEST(PresolveProbing, rows_of_two_become_one_clique)
     EXPECT_EQ(t.reduced.num_rows(), 2);
 }
 
+// a + b <= 1 could become a + b + c + d + e <= 1, but only a + c <= 1 would go for it.
+TEST(PresolveProbing, a_row_that_is_not_extended_does_not_replace_others)
+{
+    const MipTry t =
+        reduced(binaries({-5, -1, -5, -1, -1, -1}, {{{1, 1}, '<', 1},
+                                                    {{1, 0, 1}, '<', 1},
+                                                    {{0, 2, 2, 2, 2, 1}, '<', 3},
+                                                    {{2, 0, 0, 2, 0, 1}, '<', 3},
+                                                    {{2, 0, 0, 0, 2, 1}, '<', 3}}),
+                "BBBBBB", {pre_cliques, pre_clique_merge});
+    EXPECT_EQ(t.reduced.num_rows(), 5);
+}
+
 TEST(PresolveProbing, a_clique_makes_a_row_redundant_and_tightens_another)
 {
     const MipTry t = reduced(
@@ -232,6 +245,21 @@ TEST(PresolveProbing, a_clique_makes_a_row_redundant_and_tightens_another)
     EXPECT_EQ(t.reduced.num_rows(), 2);
     EXPECT_EQ(lp_get_entry(&t.reduced, 1, 3), 3);
     EXPECT_EQ(t.reduced.rhs[1], 4);
+}
+
+TEST(PresolveProbing, a_row_that_two_literals_satisfy_with_equality_is_no_clique)
+{
+    const MipTry t =
+        reduced(binaries({-3, -2, -1, -9}, {{{3, 3, 4}, '<', 6}, {{1, 1, 1, 2}, '<', 3}}),
+                "BBBB", {pre_clique_rows});
+    EXPECT_EQ(t.reduced.num_rows(), 2);
+}
+
+// z = 0 implies x <= 2, which is not true of x + y.
+TEST(PresolveProbing, what_is_known_of_a_merged_column_goes)
+{
+    reduced(lp_make({{1, 0, 1}, {-1, 1, 9}, {-1, 1, 9}}, {{{-9, 1, 1}, '<', 3}}), "BII",
+            {pre_probe, pre_duplicate_cols});
 }
 
 // The row must not be removed because of the clique that only it implies.

@@ -191,7 +191,8 @@ void Judge::no_optimum()
     out->judged = truth.status != MipStatus::UNKNOWN;
     if (!out->judged || truth.status == question.truth.status) return;
     if (unbounded && truth.status == MipStatus::INFEASIBLE && dual()) return;
-    if (mip_truth(question.lp, NODES).status == truth.status) return; // by scaling
+    const MipStatus own = mip_truth(question.lp, NODES).status; // scaled
+    if (own == truth.status || own == MipStatus::UNKNOWN) return;
     const LpModel loose = loosened(out->reduced);
     if (unbounded && mip_truth(&loose, NODES).status == MipStatus::UNBOUNDED) return;
     fault(formatted("the reduced model is %s", mip_status_name(truth.status)));
@@ -241,7 +242,9 @@ static void judge_learned(PresolveResult *result, MipTry *out)
     CliqueTable *cliques = presolve_take_cliques(result);
     ImplicationLog *log = presolve_take_implications(result);
     const FactsJudged judged = judge_facts(out->reduced, cliques, log);
-    out->faults += judged.faults;
+    CliqueTable *found = presolve_take_found_cliques(result);
+    out->faults += judged.faults + judge_facts(out->reduced, found, nullptr).faults;
+    clique_table_free(found);
     out->pairs = judged.pairs;
     out->bounds = judged.bounds;
     clique_table_free(cliques);

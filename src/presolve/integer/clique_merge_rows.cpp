@@ -13,6 +13,7 @@
 #include "presolve/integer/facts.h"
 #include "presolve/reduce/aggregate.h"
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -42,12 +43,10 @@ int group_by_end(MergeRows *m)
     TRY(array_assign(&m->Begin, int64_t{count} + 1, 0));
     TRY(array_assign(&m->Inside, count, 0));
     for (int s = 0; s < count; s++) {
-        int end = s, next = s;
+        int end = s;
         while (m->InsideOf.data[end] >= 0) end = m->InsideOf.data[end];
-        for (int at = s; at != end; at = next) { // shortens the way of the next ones
-            next = m->InsideOf.data[at];
-            m->InsideOf.data[at] = end;
-        }
+        for (int at = s; at != end;) // shortens the way of the next ones
+            at = std::exchange(m->InsideOf.data[at], end);
         if (end != s) m->Begin.data[end + 1]++;
     }
     for (int s = 0; s < count; s++) m->Begin.data[s + 1] += m->Begin.data[s];

@@ -184,25 +184,34 @@ int fill_table(CliqueActivity *c, const RowCliques *cliques)
     return check_limits(c->w, static_cast<double>(c->Table->Effort));
 }
 
+int allocate(CliqueActivity *c)
+{
+    TRY(array_reserve(&c->Items, LONGEST_ROW));
+    for (Array<int> *a : {&c->Literals, &c->GroupOf}) TRY(array_resize(a, LONGEST_ROW));
+    TRY(array_resize(&c->Groups, LONGEST_ROW));
+    return array_assign(&c->Place, 2 * int64_t{c->w->NumCols}, 0);
+}
+
+bool is_candidate(const PresolveWork *w, const RowCliques *cliques, int i)
+{
+    return w->RowCnt.data[i] >= 2 && w->RowCnt.data[i] <= LONGEST_ROW &&
+           w->Sense.data[i] == '<' && cliques->SetOf.data[i] < 0;
+}
+
 int try_rows(CliqueActivity *c, const RowCliques *cliques)
 {
     PresolveWork *w = c->w;
     const double limit = WORK_PER_ENTRY * static_cast<double>(w->NumNz);
     TRY(fill_table(c, cliques));
-    TRY(array_reserve(&c->Items, LONGEST_ROW));
-    for (Array<int> *a : {&c->Literals, &c->GroupOf}) TRY(array_resize(a, LONGEST_ROW));
-    TRY(array_resize(&c->Groups, LONGEST_ROW));
-    TRY(array_assign(&c->Place, 2 * int64_t{w->NumCols}, 0));
+    TRY(allocate(c));
     const int count = candidate_rows(w, w->IndexA.data);
     for (int k = 0; k < count && static_cast<double>(c->Effort) < limit; k++) {
         const int i = w->IndexA.data[k];
-        if (w->RowCnt.data[i] < 2 || w->RowCnt.data[i] > LONGEST_ROW ||
-            w->Sense.data[i] != '<' || cliques->SetOf.data[i] >= 0)
-            continue;
+        if (!is_candidate(w, cliques, i)) continue;
         const int64_t before = c->Effort;
+        c->Effort += 3 * int64_t{w->RowCnt.data[i]};
         TRY(try_row(c, i));
-        c->Effort += 3 * int64_t{std::max(0, w->RowCnt.data[i])};
-        TRY(check_limits(w, 1.0 + static_cast<double>(c->Effort - before)));
+        TRY(check_limits(w, static_cast<double>(c->Effort - before)));
     }
     return 0;
 }

@@ -9,19 +9,6 @@
 
 namespace
 {
-constexpr double WORTH_BUILDING =
-    0.02; // share of rows, columns and coefficients that has changed
-
-double changed_since(const PresolveWork *w, const MipFacts *facts)
-{
-    const double rows = 1.0 + w->NumRows - w->RowsRemoved,
-                 cols = 1.0 + w->NumCols - w->ColsRemoved,
-                 entries = 1.0 + static_cast<double>(w->NumNz);
-    return (w->RowsRemoved - facts->RowsThen) / rows +
-           (w->ColsRemoved - facts->ColsThen) / cols +
-           (w->CoefsChanged - facts->CoefsThen) / entries;
-}
-
 // The edges that probing has found.
 int add_found(CliqueTable *t, const CliqueTable *found)
 {
@@ -58,9 +45,7 @@ int facts_build_table(PresolveWork *w)
     clique_table_free(facts->OfRows);
     facts->OfRows = nullptr;
     TRY(clique_table_create(&facts->OfRows, w->NumCols, facts_limit(w)));
-    facts->RowsThen = w->RowsRemoved;
-    facts->ColsThen = w->ColsRemoved;
-    facts->CoefsThen = w->CoefsChanged;
+    facts->Built = counts_now(w);
     facts->IsNew = true;
     return fill_table(w, facts->OfRows);
 }
@@ -69,7 +54,7 @@ int pre_cliques(PresolveWork *w)
 {
     TRY(facts_refresh(w));
     MipFacts *facts = w->Facts;
-    if (facts->OfRows && changed_since(w, facts) < WORTH_BUILDING) return 0;
+    if (facts->OfRows && is_much_the_same(w, facts->Built)) return 0;
     TRY(facts_build_table(w));
     return apply_clique_facts(w, facts->OfRows);
 }

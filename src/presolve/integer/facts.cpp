@@ -6,7 +6,6 @@
 // Cost        O(columns + new undo records + entries of the tables), when there are new records
 #include "presolve/integer/facts.h"
 #include "domain/propagation_rows.h"
-#include "presolve/errors.h"
 #include "runtime/record.h"
 #include <utility>
 
@@ -14,7 +13,8 @@ namespace
 {
 constexpr int64_t LIMIT_MORE =
     1000000; // literals of the table, beyond twice the entries of the model
-constexpr double SAME = 1e-6; // distance of values of a binary column
+constexpr double WORTH_LOOKING = 0.02; // share of the model that has changed
+constexpr double SAME = 1e-6;          // distance of values of a binary column
 
 // An older column in terms of the present ones: Scale x_Col + Offset, a constant (AT_VALUE), or not known.
 constexpr int AT_VALUE = -1, NOT_KNOWN = -2;
@@ -164,12 +164,20 @@ int add_rows(CliqueTable *t, const ModelBody *body)
     return code;
 }
 
-int give_cliques(CliqueTable *t, PresolveResult *result)
+bool is_empty(const CliqueTable *t)
 {
-    result->Cliques = t;
-    TRY(add_rows(t, result->Reduced));
-    if (!t->Infeasible && (t->NumEdges > 0 || clique_count(t) > 0)) return 0;
-    clique_table_free(std::exchange(result->Cliques, nullptr));
+    return t->Infeasible || (t->NumEdges == 0 && clique_count(t) == 0);
+}
+
+// The table that probing has filled, and one with the cliques of the rows, too.
+int give_cliques(const CliqueTable *found, const Array<int> &image, PresolveResult *result)
+{
+    const int n = result->Reduced->numvars;
+    TRY(clique_table_remap(found, image.data, n, &result->Found));
+    TRY(clique_table_remap(found, image.data, n, &result->Cliques));
+    TRY(add_rows(result->Cliques, result->Reduced));
+    for (CliqueTable **t : {&result->Found, &result->Cliques})
+        if (is_empty(*t)) clique_table_free(std::exchange(*t, nullptr));
     return 0;
 }
 
@@ -183,6 +191,21 @@ int give_implications(ImplicationLog *log, PresolveResult *result)
     return 0;
 }
 } // namespace
+
+ChangeCounts counts_now(const PresolveWork *w)
+{
+    return {w->RowsRemoved, w->ColsRemoved, w->CoefsChanged};
+}
+
+bool is_much_the_same(const PresolveWork *w, const ChangeCounts &then)
+{
+    const ChangeCounts now = counts_now(w);
+    const double rows = 1.0 + w->NumRows - now.Rows, cols = 1.0 + w->NumCols - now.Cols,
+                 entries = 1.0 + static_cast<double>(w->NumNz);
+    return (now.Rows - then.Rows) / rows + (now.Cols - then.Cols) / cols +
+               (now.Coefs - then.Coefs) / entries <
+           WORTH_LOOKING;
+}
 
 int64_t facts_limit(const PresolveWork *w)
 {
@@ -213,10 +236,8 @@ int facts_to_result(PresolveWork *w, PresolveResult *result)
     Array<int> image;
     TRY(map_columns(w, result->Undo.head, facts->Mark, &map));
     TRY(make_images(w, &map, result->ColMap.data, &image));
-    CliqueTable *cliques = nullptr;
     ImplicationLog *log = nullptr;
-    TRY(clique_table_remap(facts->Found, image.data, n, &cliques));
-    TRY(give_cliques(cliques, result));
+    TRY(give_cliques(facts->Found, image, result));
     TRY(implication_log_remap(facts->Log, image.data, map.data, n, &log));
     return give_implications(log, result);
 }

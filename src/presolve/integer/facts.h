@@ -9,17 +9,23 @@
 #include "domain/implication_log.h"
 #include "presolve/work.h"
 
+// Counts of the record at some time.
+struct ChangeCounts {
+    int Rows = 0, Cols = 0, Coefs = 0; // removed, removed, changed
+};
+
 struct MipFacts {
     CliqueTable *Found = nullptr; // edges found by probing that no row says
     CliqueTable *OfRows =
         nullptr; // those and the cliques of the rows, when last built; or null
     ImplicationLog *Log = nullptr; // found by probing
     const UndoRecord *Mark =
-        nullptr;       // top of the undo stack for which columns they are stated
-    Array<int> Probes; // [NumCols] how often a column was probed
-    // Counts of the record when OfRows was built.
-    int RowsThen = 0, ColsThen = 0, CoefsThen = 0;
-    bool IsNew = false; // OfRows was built and its cliques not merged yet
+        nullptr;          // top of the undo stack for which columns they are stated
+    Array<int> Probes;    // [NumCols] how often a column was probed
+    ChangeCounts Built;   // when OfRows was built
+    ChangeCounts Probed;  // at the end of the last probing,
+    bool WasIdle = false; // which found nothing
+    bool IsNew = false;   // OfRows was built and its cliques not merged yet
 };
 
 // ---- facts.cpp ----
@@ -27,6 +33,9 @@ struct MipFacts {
 [[nodiscard]] int facts_refresh(PresolveWork *w);
 void facts_free(MipFacts *facts);           // null is ignored
 int64_t facts_limit(const PresolveWork *w); // of literals in a table
+ChangeCounts counts_now(const PresolveWork *w);
+// Has less of the model changed since than what makes it worth to look again? Share of rows, columns and coefficients.
+bool is_much_the_same(const PresolveWork *w, const ChangeCounts &then);
 // Is this column binary under its present bounds?
 inline bool is_binary_now(const PresolveWork *w, int j)
 {

@@ -5,7 +5,8 @@
 //             At the end the bounds found become those of the record, and columns are replaced.
 // Safety      Propagation loses no point that satisfies the rows within their tolerance (domain.h). Bounds of continuous
 //             columns are taken over if they gain much, as they stop other reductions.
-// Limits      Entries looked at; probes in a row without gain; the number of probes in the quick form.
+// Limits      Entries looked at; probes in a row without gain; the number of probes in the quick form. After a call that
+//             has found nothing the model has to change first.
 // Postsolve   That of fixing and of column_replace.cpp
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems", ORSA J.
 //             Computing 6, 1994. T. Achterberg et al., "Presolve reductions in mixed integer programming", INFORMS J.
@@ -199,20 +200,13 @@ int take_bounds(PresolveWork *w, const Domain *d)
     return 0;
 }
 
-// Bounds that have been found later may exclude one of the two values.
-bool is_still_right(const PresolveWork *w, const ColumnReplacement &r)
-{
-    const double v0 = r.offset, v1 = r.offset + r.factor;
-    return is_live_col(w, r.col) && is_binary_now(w, r.by) &&
-           std::min(v0, v1) >= w->Lb.data[r.col] && std::max(v0, v1) <= w->Ub.data[r.col];
-}
-
+// Bounds of a replaced column that were found after it are lost; the rows that gave them still imply them.
 int replace_columns(Probing *probing)
 {
     PresolveWork *w = probing->w;
     for (const ColumnReplacement &r : probing->Replacements) {
         bool there = false;
-        if (!is_still_right(w, r)) continue;
+        if (!is_live_col(w, r.col) || !is_binary_now(w, r.by)) continue; // fixed since
         TRY(room_for_fill(w, w->ColCnt.data[r.col], &there));
         if (there) TRY(replace_column(w, r));
         TRY(check_limits(w, 1 + w->ColCnt.data[r.by]));
@@ -235,11 +229,16 @@ int probe(Probing *probing, PresolveWork *w, const Limits &limits)
 int run(PresolveWork *w, const Limits &limits)
 {
     TRY(facts_refresh(w));
-    if (!w->Facts->OfRows) TRY(facts_build_table(w));
+    MipFacts *facts = w->Facts;
+    if (facts->WasIdle && is_much_the_same(w, facts->Probed)) return 0;
+    if (!facts->OfRows) TRY(facts_build_table(w));
+    const int cols = w->ColsRemoved, bounds = w->BoundsChanged;
     Probing probing;
     const int code = probe(&probing, w, limits);
     if (probing.Bounds)
         w->Work += static_cast<double>(probing.Bounds->Effort + probing.Tests);
+    facts->WasIdle = cols == w->ColsRemoved && bounds == w->BoundsChanged;
+    facts->Probed = counts_now(w);
     domain_free(probing.Bounds);
     propagation_view_free(&probing.View);
     return code;
