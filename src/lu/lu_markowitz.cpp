@@ -18,7 +18,7 @@ namespace
 {
 constexpr int SEARCH_LINES = 4; // lines searched for a pivot, after Suhl and Suhl
 
-constexpr int DENSE_LINES = 50; // with fewer active lines the dense tail is not faster
+constexpr int DENSE_LINES = 4; // with fewer active lines nothing is gained
 
 // Share of nonzeros in the active matrix from which dense elimination is faster.
 constexpr double DENSE_SHARE = 0.33;

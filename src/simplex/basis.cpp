@@ -185,7 +185,9 @@ void swap_basis(sopt *s, int r, int q, int status)
     s->BasicUpper.data[r] = s->WorkUpper.data[q];
 }
 
-// True if the update limit is reached, or if the fill by updates makes solves slower than a refactorisation is worth.
+// True if the update limit is reached, or if the fill by updates makes solves slower than a refactorisation is worth. A
+// live record could go on without it, so the reduced costs, which are computed anew with it, count as its cost, too: the
+// fill of u updates has cost u / 2 times its entries in the solves of each of the u iterations.
 template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
 {
     const lufact<R> *lu = &w->Lu;
@@ -196,7 +198,8 @@ template<class R> bool wants_refactor(const sopt *s, const swork<R> *w)
         static_cast<double>(lu->UNonzeros + lu->LNonzeros) - FILL_FACTORS * m;
     const double spikes = static_cast<double>(lu->SpikeNnz),
                  etas = static_cast<double>(lu->EtaInd.size);
-    const double limit = std::min(s->MinUpdates * 4.0 * m * m, factors * factors);
+    const double refresh = s->Live == LIVE_NO ? 0 : 2 * m * s->ColBeg.data[s->NumCols] / u;
+    const double limit = std::min(s->MinUpdates * 4.0 * m * m, factors * factors) + refresh;
     return (FILL_SPIKES * spikes + FILL_ETAS * etas) * m > limit;
 }
 
