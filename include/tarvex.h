@@ -715,7 +715,8 @@ TVX_API int TVXcbsolution(void *cbdata, const double *solution);
  * Presolve works on the model as it was given. PreCrush=1 keeps the columns that a cut may need; without it a cut over a
  * column that presolve has removed may be refused. Rows that do not follow from the model (lazy constraints) need both
  * Presolve=0 and TARV_PAR_DUALREDUCTION=0: presolve might otherwise keep only such solutions as the row excludes, or
- * solve the model without a node at which the function could be asked.
+ * solve the model without a node at which the function could be asked. A warning is printed when a row excludes an
+ * integer solution while they are on.
  * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null and cutlen is not 0; TVX_ERROR_INVALID_ARGUMENT a value is NaN
  * or infinite; TVX_ERROR_CALLBACK not at a node, cutlen is negative, a variable is out of range, the cut cannot be
  * stated for the presolved model ("Presolve has removed columns of the cut: set parameter PreCrush"), or cbdata is not

@@ -161,6 +161,7 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     if (!full) return OUT_OF_MEMORY;
     int code = space_map_back(state->Space, x, full);
     if (!code) code = is_feasible(state, space_outermost(state->Space), full, &feasible);
+    feasible = feasible && callers_rows_hold(state, full);
     if (code || !feasible) {
         MemFree(full);
         *outcome = Acceptance::LOST;
@@ -183,7 +184,7 @@ int accept_callers_point(MIPState *state, const double *given, SolutionSource so
     *outcome = Acceptance::INFEASIBLE;
     double *full = new_copy(given, body->numvars), *x = nullptr;
     if (!full) return OUT_OF_MEMORY;
-    bool feasible = round_integers(state, body, full);
+    bool feasible = round_integers(state, body, full) && callers_rows_hold(state, full);
     int code = feasible ? is_feasible(state, body, full, &feasible) : 0;
     const double objective = objective_of(body, full);
     if (!code && feasible && objective >= state->Pool.PruneValue) {
@@ -191,7 +192,6 @@ int accept_callers_point(MIPState *state, const double *given, SolutionSource so
         feasible = false;
     }
     if (!code && feasible) code = crush(state, full, &x);
-    if (!code && feasible && x && !user_rows_hold(state, x)) feasible = false;
     if (code || !feasible) {
         MemFree(full);
         MemFree(x);

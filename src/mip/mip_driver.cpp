@@ -11,6 +11,7 @@
 #include "env/callback.h"
 #include "mip/mip_run.h"
 #include "mip/mip_start.h"
+#include "mip/search_callback.h"
 #include "mip/search_log.h"
 #include "runtime/clock.h"
 #include <algorithm>
@@ -190,7 +191,9 @@ int take_presolved(MipSolve *mip, const TVXenv *env, const PresolveResult *preso
     if (env->Cutoff < UNDEFINED_VALUE && body->sense * result->objval >= cutoff) {
         TRY(open_result(mip));
         mip->result->status = TVX_CUTOFF;
+        return 0;
     }
+    presolved_callback(mip->env, result, body);
     return 0;
 }
 

@@ -68,8 +68,11 @@ struct MIPState {
     Array<int> SetMembers;                  // of the branch sets
     Array<BranchSet> Sets;
     bool IncumbentGone =
-        false;        // a row from a callback has cut it off: the tree has to begin anew
-    RowList UserRows; // from callbacks: part of the model from then on
+        false;          // a row from a callback has cut it off: the tree has to begin anew
+    RowList UserRows;   // from callbacks: part of the model from then on
+    RowList CallerRows; // the same over the caller's variables: what points are judged by
+    bool LazyWarned =
+        false; // that presolve may have lost solutions which lazy constraints need
 
     // ---- The tree ----
     TreeNode *Root = nullptr;

@@ -1,6 +1,7 @@
 // search_callback.cpp -- calls of the caller's function during a search, and the answers to its questions
 #include "mip/search_callback.h"
 #include "env/callback.h"
+#include "env/limits.h"
 #include "mip/mip_start.h"
 #include "mip/node_lp.h"
 #include "mip/search_log.h"
@@ -9,9 +10,6 @@
 
 namespace
 {
-// Solves of one node after which its function is no longer called for it.
-constexpr int MOST_ROUNDS = 1000;
-
 // What the caller's function may ask about.
 struct Moment {
     MIPState *State;
@@ -106,6 +104,36 @@ int answer(const void *solver, int what, void *result)
     return answer_counts(state, what, result);
 }
 
+// A solution that presolve alone has found: no search is there to be asked.
+struct Presolved {
+    const MipResult *Result;
+    const ModelBody *Body;
+};
+
+int answer_presolved(const void *solver, int what, void *result)
+{
+    const Presolved *moment = static_cast<const Presolved *>(solver);
+    const double none = moment->Body->sense * UNDEFINED_VALUE;
+    switch (what) {
+    case TVX_CB_SOLUTION_VALUES:
+        std::copy_n(moment->Result->x.data, moment->Body->numvars,
+                    static_cast<double *>(result));
+        return 0;
+    case TVX_CB_SOLUTION_OBJECTIVE:
+        return put(result, moment->Result->objval);
+    case TVX_CB_SOLUTION_BEST:
+        return put(result, -none);
+    case TVX_CB_SOLUTION_BOUND:
+        return put(result, none);
+    case TVX_CB_SOLUTION_NODES:
+        return put(result, 0.0);
+    case TVX_CB_SOLUTION_COUNT:
+        return put(result, 1);
+    default:
+        return TVX_ERROR_CALLBACK;
+    }
+}
+
 int take_point(const void *solver, const double *x)
 {
     const Moment *moment = static_cast<const Moment *>(solver);
@@ -137,17 +165,46 @@ void solution_callback(MIPState *state)
     call(TVX_WHERE_SOLUTION, {state, nullptr, nullptr});
 }
 
+namespace
+{
+bool has_point(const TreeNode *node)
+{
+    return node->Data->Status == NODE_INTEGRAL || node->Data->Status == NODE_FRACTIONAL;
+}
+
+// A row that excludes a point with all integers whole is no consequence of the model, but a part of it that presolve has
+// not seen.
+void warn_of_lazy_row(MIPState *state)
+{
+    const TVXenv *env = state->Env;
+    if (state->LazyWarned || (env->Presolve == 0 && !env->TARV_PAR_DUALREDUCTION)) return;
+    state->LazyWarned = true;
+    TVXmsg(state->Env, "Warning: a cut excludes an integer solution of the model; for lazy "
+                       "constraints set Presolve=0 and TARV_PAR_DUALREDUCTION=0\n");
+}
+} // namespace
+
+void presolved_callback(TVXenv *env, const MipResult *result, const ModelBody *body)
+{
+    const Presolved moment = {result, body};
+    callback_poll(env, TVX_WHERE_SOLUTION, {&moment, answer_presolved, nullptr, nullptr});
+}
+
+// No number of rounds ends this: a point that the function has not let pass must not be accepted. Each round cuts off the
+// point of the last one, and limits stop it.
 int node_callback(SearchWorker *worker, TreeNode *node)
 {
-    for (int round = 0; round < MOST_ROUNDS; round++) {
+    for (;;) {
         const int before = row_count(&worker->State->UserRows);
         call(TVX_WHERE_NODE, {worker->State, worker, node});
-        if (row_count(&worker->State->UserRows) == before) return 0;
-        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL)
-            return 0;
+        if (row_count(&worker->State->UserRows) == before || !has_point(node)) return 0;
+        if (new_rows_hold(worker, before)) return 0;
+        if (node->Data->Status == NODE_INTEGRAL) warn_of_lazy_row(worker->State);
         TRY(node_solve_lp(worker, node)); // which takes the new rows first
-        if (node->Data->Status != NODE_INTEGRAL && node->Data->Status != NODE_FRACTIONAL)
+        if (!has_point(node)) return 0;
+        if (limits_reached(worker->State->Env)) {
+            node->Data->Status = NODE_STOPPED;
             return 0;
+        }
     }
-    return 0;
 }

@@ -145,7 +145,7 @@ int search_begin_anew(MIPState *state)
     state->Store.Rows = body->numconstrs;
     state->Reduced = ReducedCosts{};
     pool_filter(&state->Pool, [&](const SolutionEntry &entry) {
-        return entry.X && user_rows_hold(state, entry.X);
+        return callers_rows_hold(state, entry.Full);
     });
     state->Pool.PruneValue = search_prune_value(state);
     TRY(array_copy(&state->Lower, body->lb.data, body->numvars));

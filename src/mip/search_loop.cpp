@@ -81,12 +81,8 @@ int search_tree(MIPState *state)
         TRY(select_node(worker, &node));
         if (!node) break;
         TRY(work_on_node(worker, &node));
-        if (node->Data->Status == NODE_STOPPED) {
-            TRY(put_back(worker, node));
-            if (check_status(state) == RUNNING) continue; // of this node's LP only
-            break;
-        }
-        TRY(finish_node(worker, node));
+        const bool stopped = node->Data->Status == NODE_STOPPED;
+        TRY(stopped ? put_back(worker, node) : finish_node(worker, node));
         if (state->IncumbentGone) TRY(search_begin_anew(state));
     }
     return 0;

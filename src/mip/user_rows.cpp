@@ -38,22 +38,44 @@ int add_user_row(MIPState *state, const CallbackRow &row)
         return fail(state->Env, TVX_ERROR_CALLBACK, Report::KEEP_FIRST,
                     "Presolve has removed columns of the cut: set parameter PreCrush");
     TRY(gather(&dense, &ind, &val));
+    TRY(row_append(&state->CallerRows, row.count, row.ind, row.val, row.rhs));
     TRY(row_append(&state->UserRows, static_cast<int>(ind.size), ind.data, val.data, rhs));
     const SolutionEntry *best = pool_best(&state->Pool);
-    if (best && !(best->X && user_rows_hold(state, best->X))) state->IncumbentGone = true;
+    if (best && !callers_rows_hold(state, best->Full)) state->IncumbentGone = true;
     return 0;
 }
 
-bool user_rows_hold(const MIPState *state, const double *x)
+namespace
 {
-    const RowList *rows = &state->UserRows;
-    for (int i = 0; i < row_count(rows); i++) {
+// value(j): of column j.
+template<class Value>
+bool rows_hold(const MIPState *state, const RowList *rows, int first, Value value)
+{
+    for (int i = first; i < row_count(rows); i++) {
         double activity = 0;
         for (int64_t p = rows->Beg.data[i]; p < rows->Beg.data[i + 1]; p++)
-            activity += rows->Val.data[p] * x[rows->Ind.data[p]];
+            activity += rows->Val.data[p] * value(rows->Ind.data[p]);
         if (activity > rows->Rhs.data[i] + state->Env->FeasibilityTol) return false;
     }
     return true;
+}
+} // namespace
+
+bool user_rows_hold(const MIPState *state, const double *x)
+{
+    return rows_hold(state, &state->UserRows, 0, [x](int j) { return x[j]; });
+}
+
+bool callers_rows_hold(const MIPState *state, const double *full)
+{
+    return rows_hold(state, &state->CallerRows, 0, [full](int j) { return full[j]; });
+}
+
+bool new_rows_hold(const SearchWorker *worker, int first)
+{
+    const sopt *lp = worker->Lp.simplex;
+    return rows_hold(worker->State, &worker->State->UserRows, first,
+                     [lp](int j) { return simplex_value(lp, j); });
 }
 
 int append_user_rows(SearchWorker *worker)

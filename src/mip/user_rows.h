@@ -11,5 +11,8 @@
 [[nodiscard]] int add_user_row(MIPState *state, const CallbackRow &row);
 // Rows that the worker's LP does not have yet. 0 or a code.
 [[nodiscard]] int append_user_rows(SearchWorker *worker);
-// True if a point of the searched body [columns] satisfies all rows from callbacks.
+// True if a point satisfies all rows from callbacks: x [columns] of the searched body, full of the caller's.
 bool user_rows_hold(const MIPState *state, const double *x);
+bool callers_rows_hold(const MIPState *state, const double *full);
+// True if the point [columns of the searched body] satisfies the rows from `first` on.
+bool new_rows_hold(const SearchWorker *worker, int first);

@@ -170,3 +170,88 @@ TEST_F(MipCallback, points_and_cuts_that_cannot_be_are_refused)
     EXPECT_GT(calls[TVX_WHERE_NODE], 0);
     EXPECT_NEAR(dbl("ObjVal"), 13, 1e-6);
 }
+
+// w is at the bound that its cost asks for: presolve removes it, and no point of the reduced model stands for one with
+// another value.
+TEST_F(MipCallback, a_point_that_presolve_has_excluded_has_to_satisfy_rows_handed_in)
+{
+    const int x = 0;
+    const double one = 1, point[] = {2, 0, 1, 1};
+    for (const int dual : {0, 1}) {
+        open("max 5x+4y+3z-.1w st\n2x+3y+z<=5\n4x+y+2z<=11\n3x+4y+2z<=8\nbounds x<=9 y<=9 "
+             "z<=9 w<=1 general x y z",
+             -1);
+        ASSERT_EQ(TVXsetintparam(own(), "TARV_PAR_DUALREDUCTION", dual), 0);
+        act = [&](void *data, int where) {
+            if (where != TVX_WHERE_NODE || calls[where] > 1) return 0;
+            EXPECT_EQ(TVXcbcut(data, 1, &x, &one, '<', 1), 0);
+            EXPECT_EQ(TVXcbsolution(data, point), 0);
+            return 0;
+        };
+        ASSERT_EQ(TVXoptimize(model), 0);
+        EXPECT_NEAR(dbl("ObjVal"), 12, 1e-6) << dual;
+    }
+}
+
+// The function lets no point of x + y = 3000 pass but the last one, by one row after the other at one node.
+TEST_F(MipCallback, rounds_at_a_node_end_only_when_no_row_is_violated)
+{
+    const int x = 0;
+    const double one = 1;
+    open("min x+2y st x+y=3000 bounds x<=3000 general x y", 0);
+    act = [&](void *data, int where) {
+        double point[2] = {};
+        if (where != TVX_WHERE_NODE || TVXcbget(data, where, TVX_CB_NODE_VALUES, point))
+            return 0;
+        return point[0] > .5 ? TVXcbcut(data, 1, &x, &one, '<', point[0] - 1) : 0;
+    };
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_NEAR(dbl("ObjVal"), 6000, 1e-6);
+    EXPECT_EQ(dbl("NodeCount"), 1);
+    EXPECT_EQ(calls[TVX_WHERE_NODE], 3001);
+}
+
+TEST_F(MipCallback, a_row_that_presolve_should_have_known_brings_a_warning)
+{
+    const int x = 0;
+    const double one = 1;
+    for (const int presolve : {0, -1}) {
+        open("max 3x+2y st\n2x+2y<=9\n3x+y<=11\nbounds x<=4 y<=4 general x y", presolve);
+        ASSERT_EQ(TVXsetintparam(own(), "OutputFlag", 1), 0);
+        Output output;
+        act = [&](void *data, int where) {
+            double point[2] = {};
+            if (where != TVX_WHERE_NODE || TVXcbget(data, where, TVX_CB_NODE_VALUES, point))
+                return 0;
+            return point[0] > 1.5 ? TVXcbcut(data, 1, &x, &one, '<', 1) : 0;
+        };
+        ASSERT_EQ(TVXoptimize(model), 0);
+        const bool warned = output.text().find("Warning: a cut excludes an integer "
+                                               "solution") != std::string::npos;
+        EXPECT_EQ(warned, presolve != 0);
+    }
+}
+
+TEST_F(MipCallback, a_solution_of_presolve_alone_is_announced_without_a_search)
+{
+    open("max x+y st x<=3 y<=4 general x y", -1);
+    act = [&](void *data, int where) {
+        if (where != TVX_WHERE_SOLUTION) return 0;
+        double point[2] = {}, objective = 0, best = 0, bound = 0;
+        int count = 0;
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SOLUTION_VALUES, point), 0);
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SOLUTION_OBJECTIVE, &objective), 0);
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SOLUTION_BEST, &best), 0);
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SOLUTION_BOUND, &bound), 0);
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_SOLUTION_COUNT, &count), 0);
+        EXPECT_EQ(point[0] + point[1], 7);
+        EXPECT_EQ(objective, 7);
+        EXPECT_EQ(count, 1);
+        EXPECT_EQ(best, UNKNOWN); // sense -1
+        EXPECT_EQ(bound, -UNKNOWN);
+        EXPECT_EQ(TVXcbsolution(data, point), TVX_ERROR_CALLBACK);
+        return 0;
+    };
+    ASSERT_EQ(TVXoptimize(model), 0);
+    EXPECT_EQ(calls[TVX_WHERE_SOLUTION], 1);
+}
