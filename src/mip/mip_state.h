@@ -63,7 +63,8 @@ struct MIPState {
     Array<BoundDelta> GlobalChanges; // tightenings of them, in order
     ObjectiveGrid Grid;
     PropagationRows *Rows = nullptr;        // owned
-    CliqueTable *Cliques = nullptr;         // owned, or null
+    // Owned, or null: the cliques that propagation over the rows does not find.
+    CliqueTable *Cliques = nullptr;
     ImplicationLog *Implications = nullptr; // owned, or null
     Array<int> SetMembers;                  // of the branch sets
     Array<BranchSet> Sets;

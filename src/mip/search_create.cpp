@@ -26,7 +26,7 @@ int take_structures(MIPState *state)
 {
     if (!state->Space->Presolve) return 0;
     state->Semis = presolved_semi(state->Space->Presolve, &state->NumSemis);
-    state->Cliques = presolve_take_cliques(state->Space->Presolve);
+    state->Cliques = presolve_take_found_cliques(state->Space->Presolve);
     state->Implications = presolve_take_implications(state->Space->Presolve);
     for (int k = 0; k < state->NumSemis; k++) state->InLp.data[state->Semis[k].col] = 1;
     return 0;
