@@ -2,7 +2,8 @@
 //
 // Method   Integers are rounded to whole numbers, then the point is checked against the searched body, and, mapped back
 //          by postsolve, against the caller's: rows and bounds within FeasibilityTol, integers, SOS constraints and
-//          semi-continuous variables exactly. Nothing else is accepted.
+//          semi-continuous variables exactly. Nothing else is accepted. The caller's body decides: presolve may have added
+//          up rows to terms so large that their rounding errors alone exceed the tolerance.
 #include "mip/accept.h"
 #include "body/quality.h"
 #include "mip/search_callback.h"
@@ -14,6 +15,12 @@
 
 namespace
 {
+// Times the tolerance, up to which a point of the searched body is mapped back to be judged.
+constexpr double NEARLY = 1000;
+
+// Of the gap, by which an incumbent is taken to have reduced it.
+constexpr double NO_GAP = 1e-10, LEAST_SHARE = 0.05, MOST_SHARE = 0.95;
+
 bool is_integer_type(const ModelBody *body, int j)
 {
     const char type = body->vtypes.size > 0 ? body->vtypes.data[j] : 'C';
@@ -55,13 +62,12 @@ bool sets_hold(const MIPState *state, const double *x)
     return true;
 }
 
-// Violations of rows and bounds of a body, with exact sets.
+// Rows and bounds of a body within the tolerance, sets and integers exactly.
 int is_feasible(const MIPState *state, const ModelBody *body, const double *x,
-                bool *feasible)
+                double tolerance, bool *feasible)
 {
     Quality quality;
     TRY(MipQuality(state->Env, body, x, &quality, QualityWarnings::NO));
-    const double tolerance = state->Env->FeasibilityTol;
     *feasible = quality.ConstrVio.max <= tolerance && quality.BoundVio.max <= tolerance &&
                 quality.IntVio.max == 0;
     for (int k = 0; k < body->numsos && *feasible; k++)
@@ -83,10 +89,20 @@ double *new_vector(int n)
         MemAlloc(sizeof(double) * static_cast<size_t>(std::max(1, n))));
 }
 
+// A better incumbent makes the tree smaller that the last restart has given up.
+void expect_fewer_nodes(MIPState *state, double objective)
+{
+    if (state->Pool.Incumbent >= UNDEFINED_VALUE) return;
+    const double distance = state->Pool.Incumbent - state->Store.GlobalBound,
+                 share = (state->Pool.Incumbent - objective) / std::max(distance, NO_GAP);
+    state->Restart.Open *= 1 - std::clamp(share, LEAST_SHARE, MOST_SHARE);
+}
+
 // Takes over both points; x may be null.
 int store(MIPState *state, double *x, double *full, double objective, SolutionSource source)
 {
     SolutionPool *pool = &state->Pool;
+    if (objective < pool->Incumbent) expect_fewer_nodes(state, objective);
     TRY(pool_insert(pool, {state->Nodes, objective, source, x, full}));
     pool->Count++;
     pool->Sequence++;
@@ -111,23 +127,23 @@ int announce(MIPState *state, SolutionSource source)
     return 0;
 }
 
-// The point of the searched body that stands for a point of the caller's, or null: there is none, or it does not satisfy
-// the body. 0 or OUT_OF_MEMORY.
-int crush(const MIPState *state, const double *full, double **x)
+} // namespace
+
+int crush_point(const MIPState *state, const double *full, double **x)
 {
     bool mapped = true;
     *x = nullptr;
     double *point = new_vector(state->Body->numvars);
     if (!point) return OUT_OF_MEMORY;
     int code = space_map_in(state->Space, full, point, &mapped);
-    if (!code && mapped) code = is_feasible(state, state->Body, point, &mapped);
+    if (!code && mapped)
+        code = is_feasible(state, state->Body, point, state->Env->FeasibilityTol, &mapped);
     if (!code && mapped && sets_hold(state, point))
         *x = point;
     else
         MemFree(point);
     return code;
 }
-} // namespace
 
 int apply_incumbent(MIPState *state)
 {
@@ -154,17 +170,21 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
         *outcome = Acceptance::NOT_BETTER;
         return 0;
     }
-    bool feasible = false;
-    TRY(is_feasible(state, state->Body, x, &feasible));
+    const double tolerance = state->Env->FeasibilityTol;
+    bool feasible = false, exact = false;
+    TRY(is_feasible(state, state->Body, x, NEARLY * tolerance, &feasible));
     if (!feasible) return 0;
+    TRY(is_feasible(state, state->Body, x, tolerance, &exact));
     double *full = new_vector(space_outermost(state->Space)->numvars);
     if (!full) return OUT_OF_MEMORY;
     int code = space_map_back(state->Space, x, full);
-    if (!code) code = is_feasible(state, space_outermost(state->Space), full, &feasible);
+    if (!code)
+        code =
+            is_feasible(state, space_outermost(state->Space), full, tolerance, &feasible);
     feasible = feasible && callers_rows_hold(state, full);
     if (code || !feasible) {
         MemFree(full);
-        *outcome = Acceptance::LOST;
+        *outcome = exact ? Acceptance::LOST : Acceptance::INFEASIBLE;
         return code;
     }
     double *own = new_copy(x, n);
@@ -185,13 +205,14 @@ int accept_callers_point(MIPState *state, const double *given, SolutionSource so
     double *full = new_copy(given, body->numvars), *x = nullptr;
     if (!full) return OUT_OF_MEMORY;
     bool feasible = round_integers(state, body, full) && callers_rows_hold(state, full);
-    int code = feasible ? is_feasible(state, body, full, &feasible) : 0;
+    const double tolerance = state->Env->FeasibilityTol;
+    int code = feasible ? is_feasible(state, body, full, tolerance, &feasible) : 0;
     const double objective = objective_of(body, full);
     if (!code && feasible && objective >= state->Pool.PruneValue) {
         *outcome = Acceptance::NOT_BETTER;
         feasible = false;
     }
-    if (!code && feasible) code = crush(state, full, &x);
+    if (!code && feasible) code = crush_point(state, full, &x);
     if (code || !feasible) {
         MemFree(full);
         MemFree(x);

@@ -15,6 +15,9 @@ enum class Acceptance {
 // The same for a point of the caller's body [its numvars].
 [[nodiscard]] int accept_callers_point(MIPState *state, const double *full,
                                        SolutionSource source, Acceptance *outcome);
+// The point of the searched body that stands for a point of the caller's, owned by the caller of this function; or null:
+// there is none, or it does not satisfy the body. 0 or OUT_OF_MEMORY.
+[[nodiscard]] int crush_point(const MIPState *state, const double *full, double **x);
 // The point where the LP of an integral node has ended: with whole integers, by a solve with these fixed if rounding alone
 // violates rows. The node's status tells what is left of it: nothing, or candidates to branch on. 0 or a code.
 [[nodiscard]] int accept_node(SearchWorker *worker, TreeNode **node);

@@ -114,23 +114,6 @@ int publish(MipSolve *mip, const MIPState *state)
 
 // ---- The search ----
 
-int make_space(MipSolve *mip, TVXenv *env, PresolveResult *presolved, SearchSpace **out)
-{
-    (void)env;
-    SearchSpace *outer = record_create<SearchSpace>(),
-                *space = record_create<SearchSpace>();
-    if (!outer || !space) {
-        record_free(outer);
-        record_free(space);
-        presolve_free(presolved);
-        return OUT_OF_MEMORY;
-    }
-    outer->Body = mip->body;
-    *space = {presolve_reduced(presolved), presolved, outer};
-    *out = space;
-    return 0;
-}
-
 bool has_entries(const double *start, int n)
 {
     for (int j = 0; j < n; j++)
@@ -161,13 +144,13 @@ int start_search(MipSolve *mip, TVXenv *env, PresolveResult *presolved, const do
     if (env->Presolve != 0)
         TVXmsg(env, "Presolved: %d rows, %d columns, %d nonzeros\n", reduced->numconstrs,
                reduced->numvars, reduced->numnz);
-    TRY(make_space(mip, env, presolved, &order.Space));
+    TRY(space_create(mip->body, presolved, &order.Space));
     order.Env = env;
     order.Cutoff =
         env->Cutoff < UNDEFINED_VALUE ? mip->body->sense * env->Cutoff : UNDEFINED_VALUE;
     TRY(search_create(order, &mip->search));
     if (start) TRY(load_start(mip->search, start));
-    return mip_run(mip->search);
+    return mip_run(&mip->search);
 }
 
 // Presolve has left nothing: its solution is the only candidate.
@@ -239,7 +222,7 @@ int solve(MipSolve *mip, TVXenv *env, const double *start, bool continued)
     TRY(open_result(mip));
     if (!continued) return presolve_and_search(mip, env, start);
     search_set_env(mip->search, env);
-    TRY(mip_run(mip->search));
+    TRY(mip_run(&mip->search));
     return publish(mip, mip->search);
 }
 } // namespace

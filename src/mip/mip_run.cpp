@@ -33,11 +33,16 @@ int final_status(const MIPState *state)
     return status;
 }
 
-int run(MIPState *state)
+int run(MIPState **search)
 {
-    if (!state->Root) return 0; // nothing is left
-    if (state->RootIterations < 0) TRY(search_root(state));
-    return state->Status == RUNNING ? search_tree(state) : 0;
+    for (;;) {
+        MIPState *state = *search;
+        if (!state->Root) return 0; // nothing is left
+        if (state->RootIterations < 0) TRY(search_root(state));
+        if (state->Status == RUNNING) TRY(search_tree(state));
+        if (!state->Restart.Wanted) return 0;
+        TRY(search_restart(search));
+    }
 }
 
 int close_lists(MIPState *state)
@@ -48,14 +53,16 @@ int close_lists(MIPState *state)
 }
 } // namespace
 
-int mip_run(MIPState *state)
+int mip_run(MIPState **search)
 {
+    MIPState *state = *search;
     if (state->Status == TVX_UNBOUNDED) return 0; // known, whatever the limits
     const bool resumed = state->RootIterations >= 0;
     state->Status = RUNNING;
     state->StartTime = state->Env->optimize_start;
     if (resumed && !state->Recursive) log_continuation(state);
-    int code = run(state);
+    int code = run(search);
+    state = *search;
     if (!code) code = close_lists(state);
     if (code && state->Status == RUNNING) state->Status = TVX_INTERRUPTED;
     if (!code) state->Status = final_status(state);

@@ -2,6 +2,6 @@
 #pragma once
 #include "mip/search.h"
 
-// Begins or continues the search; its status tells how it ends. 0 or a code: the status is TVX_INTERRUPTED then, and the
-// search can only be freed.
-[[nodiscard]] int mip_run(MIPState *state);
+// Begins or continues the search, for which another one stands after a restart; its status tells how it ends. 0 or a code:
+// the status is TVX_INTERRUPTED then, and the search can only be freed.
+[[nodiscard]] int mip_run(MIPState **search);

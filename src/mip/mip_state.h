@@ -24,9 +24,18 @@ static constexpr int RUNNING = 1; // of MIPState::Status
 struct SearchSpace {
     const ModelBody *Body = nullptr;
     PresolveResult *Presolve =
-        nullptr;                  // owned; maps to Outer. Null: the bodies are the same
+        nullptr; // owned; maps to Outer. Null: the bodies are the same
+    // Owned: the copy of Outer's body, with the bounds of a search, that Presolve has reduced; null: that body itself.
+    ModelBody *Copy = nullptr;
     SearchSpace *Outer = nullptr; // owned; null: Body is the caller's
 };
+// The space of the reduced body that presolve has made of the body. It takes over the result of presolve, also on failure.
+// 0 or OUT_OF_MEMORY.
+[[nodiscard]] int space_create(const ModelBody *body, PresolveResult *presolved,
+                               SearchSpace **out);
+// The same within another space, of whose body `copy` is a copy with other bounds; it changes hands like the result.
+[[nodiscard]] int space_extend(SearchSpace *outer, ModelBody *copy,
+                               PresolveResult *presolved, SearchSpace **out);
 void space_free(SearchSpace *space); // with all outer ones; null is ignored
 // The caller's body.
 const ModelBody *space_outermost(const SearchSpace *space);
@@ -44,12 +53,30 @@ struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers
 };
 
+// What restarts leave behind, and what decides about the next one (search_restart.cpp).
+struct RestartRecord {
+    bool Wanted = false; // the tree has stopped for one
+    int Count = 0;       // restarts so far
+    bool InTree = false; // one of them after the root
+    bool OneStep =
+        false; // one of them since bound and incumbent were one step of the grid apart
+    double RootIterations = 0; // of all roots before
+    // At the last restart in the tree: open nodes, which are shown as long as the new tree is smaller (falling with each
+    // better incumbent), nodes explored, incumbent and bound of the root.
+    double Open = 0, Nodes = 0, Incumbent = 1e100, RootBound = -1e100;
+    double MarkedNodes = 0, MarkedOpen = 0; // every hundred nodes: explored, open
+    // Columns fixed by the search, as counted when there were so many GlobalChanges; -1: not yet.
+    double Fixed = 0;
+    int64_t ChangesSeen = -1;
+};
+
 struct MIPState {
     SearchSpace *Space = nullptr; // owned; its Body is the one that is searched
     const ModelBody *Body = nullptr;
     TVXenv *Env = nullptr; // of the call that runs it: parameters with presets; not owned
     int Status = RUNNING;
     bool Recursive = false; // within another search, or for a start: no lines, no callbacks
+    bool Again = false;     // after a restart
     bool QuickDive = false; // TARV_PAR_QUICKDIVE, until the first restart
     int VarBranch = -1;     // the parameter, or what the root has made of it
 
@@ -62,7 +89,7 @@ struct MIPState {
     Array<double> Lower, Upper;      // [columns] valid for the whole search
     Array<BoundDelta> GlobalChanges; // tightenings of them, in order
     ObjectiveGrid Grid;
-    PropagationRows *Rows = nullptr;        // owned
+    PropagationRows *Rows = nullptr; // owned
     // Owned, or null: the cliques that propagation over the rows does not find.
     CliqueTable *Cliques = nullptr;
     ImplicationLog *Implications = nullptr; // owned, or null
@@ -98,6 +125,8 @@ struct MIPState {
     double SubNodes = 0, SubIterations = 0; // of recursive searches
     // Lower bound of what was given up because its LP could not be solved: the bound of the search cannot exceed it.
     double LostBound = 1e100;
+
+    RestartRecord Restart;
 
     // ---- Log ----
     bool HeaderPrinted = false;

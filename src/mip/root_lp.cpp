@@ -32,7 +32,7 @@ int make_env(SearchWorker *worker)
     env->LPMethod = state->Env->RootMethod;
     env->Cutoff = UNDEFINED_VALUE;
     env->TARV_PAR_WRITEPREMODEL = 0;
-    if (state->Recursive) env->OutputFlag = 0;
+    if (state->Recursive || state->Again) env->OutputFlag = 0;
     return 0;
 }
 
@@ -88,7 +88,7 @@ int go_live(SearchWorker *worker)
 
 void log_root(const MIPState *state, double objective, double iterations, double seconds)
 {
-    if (state->Recursive) return;
+    if (state->Recursive || state->Again) return;
     TVXmsg(state->Env, "\nRoot relaxation: objective %.6e, %.0f iterations, %.2f seconds\n",
            state->Body->sense * objective, iterations, seconds);
 }
@@ -108,7 +108,7 @@ int root_solve_lp(SearchWorker *worker, TreeNode *node)
     const bool unbounded = worker->Lp.status == TVX_UNBOUNDED;
     if (data->Status != NODE_FRACTIONAL && !unbounded) return 0;
     TRY(go_live(worker));
-    state->RootIterations = iterations;
+    state->RootIterations = state->Restart.RootIterations + iterations;
     if (unbounded) return 0;
     log_root(state, simplex_objective(worker->Lp.simplex), iterations, WallClock() - start);
     return node_solve_lp(

@@ -3,6 +3,7 @@
 // search_create.cpp   the record, its structures, its workers
 // search_root.cpp     the root node
 // search_loop.cpp     the tree, node by node
+// search_restart.cpp  a search that goes on with a smaller body
 // search_check.cpp    when a search ends
 #pragma once
 #include "mip/mip_state.h"
@@ -13,6 +14,7 @@ struct SearchOrder {
     SearchSpace *Space = nullptr;
     TVXenv *Env = nullptr;
     bool Recursive = false; // a search inside another one, or for a start: silent
+    bool Again = false;     // after a restart: what the log has told is not told again
     double Cutoff = 1e100;  // minimisation form
 };
 [[nodiscard]] int search_create(const SearchOrder &order, MIPState **out);
@@ -25,5 +27,10 @@ void search_set_env(MIPState *state, TVXenv *env); // for the next call
 [[nodiscard]] int search_tree(MIPState *state);
 // Solutions that violate rows from callbacks are dropped, and the tree begins anew at the root. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int search_begin_anew(MIPState *state);
+// Nothing better than the incumbent is left: all nodes go.
+void search_close(MIPState *state);
+// True when the search should go on with a smaller body; then that. 0 or a code: *search can only be freed then.
+bool restart_is_due(MIPState *state);
+[[nodiscard]] int search_restart(MIPState **search);
 // The termination test: RUNNING to go on. Stores what it finds.
 int check_status(MIPState *state);

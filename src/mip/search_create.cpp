@@ -52,7 +52,7 @@ int make_worker(MIPState *state, int index)
 
 void log_structures(const MIPState *state)
 {
-    if (state->Grid.Step <= 0 || state->Recursive) return;
+    if (state->Grid.Step <= 0 || state->Recursive || state->Again) return;
     TVXmsg(state->Env, "Objective GCD is %g\n", state->Grid.Step);
 }
 
@@ -101,6 +101,7 @@ int search_create(const SearchOrder &order, MIPState **out)
     state->Body = order.Space->Body;
     state->Env = order.Env;
     state->Recursive = order.Recursive;
+    state->Again = order.Again;
     state->Cutoff = order.Cutoff;
     state->StartTime = state->Env->optimize_start;
     const int code = fill(state);
@@ -133,6 +134,14 @@ void search_set_env(MIPState *state, TVXenv *env)
         worker->LpEnv->TimeLimit = env->TimeLimit;
         worker->LpEnv->optimize_start = env->optimize_start;
     }
+}
+
+void search_close(MIPState *state)
+{
+    free_nodes(state);
+    state->Store.Heap.size = 0;
+    state->Store.HeapBound = UNDEFINED_VALUE;
+    store_raise_bound(&state->Store, UNDEFINED_VALUE);
 }
 
 int search_begin_anew(MIPState *state)

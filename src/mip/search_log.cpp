@@ -11,7 +11,9 @@ namespace
 constexpr int COLUMN = 10, WIDE_COLUMN = 12; // characters of a number
 constexpr int FIELD = 40;                    // bytes for one, with the longest number
 constexpr double SAME_VALUE = 1e-10;         // incumbent and bound that meet
-constexpr double NO_RELATIVE_GAP = 1e-6;     // incumbent too close to 0 for a percentage
+constexpr double NODES_PER_OPEN =
+    3; // explored, until an open node of before counts no more
+constexpr double NO_RELATIVE_GAP = 1e-6; // incumbent too close to 0 for a percentage
 
 double elapsed(const MIPState *state)
 {
@@ -125,6 +127,16 @@ bool is_due(const MIPState *state, const TreeNode *node)
            node->Data->Status == NODE_INTEGRAL || tick(state) != state->LastTick;
 }
 
+// Open nodes. After a restart in the tree those that were given up count too, as many fewer as nodes have been explored
+// since: the column does not fall to nothing and rise again.
+double shown_open_nodes(const MIPState *state)
+{
+    const RestartRecord *last = &state->Restart;
+    const double since = state->Nodes - last->Nodes, open = open_nodes(state);
+    if (last->Open <= 0 || since >= NODES_PER_OPEN * last->Open) return open;
+    return std::trunc(open + last->Open - std::trunc(since / NODES_PER_OPEN));
+}
+
 void print_node(MIPState *state, const TreeNode *node)
 {
     const NodeData *data = node->Data;
@@ -133,7 +145,7 @@ void print_node(MIPState *state, const TreeNode *node)
     const int depth = data->Depth + state->DepthOffset;
     if (data->Status == NODE_INTEGRAL) {
         TVXmsg(state->Env, "*%5.0f %5.0f %10s %4d    %12s %10s %6s %5s %5s\n", state->Nodes,
-               open_nodes(state), "", depth,
+               shown_open_nodes(state), "", depth,
                incumbent_text(state, WIDE_COLUMN, t.Incumbent), bound_text(state, t.Bound),
                gap_text(state, t.Gap), iterations_text(state, t.Iterations),
                time_text(state, t.Time));
@@ -143,10 +155,10 @@ void print_node(MIPState *state, const TreeNode *node)
         text_format(fractional, FIELD, "%3d",
                     data->Result->Fractionals + data->Result->SosViolated);
     TVXmsg(state->Env, " %5.0f %5.0f %10s %4d %4s %10s %10s %6s %5s %5s\n", state->Nodes,
-           open_nodes(state), objective_text(state, data, objective), depth, fractional,
-           incumbent_text(state, COLUMN, t.Incumbent), bound_text(state, t.Bound),
-           gap_text(state, t.Gap), iterations_text(state, t.Iterations),
-           time_text(state, t.Time));
+           shown_open_nodes(state), objective_text(state, data, objective), depth,
+           fractional, incumbent_text(state, COLUMN, t.Incumbent),
+           bound_text(state, t.Bound), gap_text(state, t.Gap),
+           iterations_text(state, t.Iterations), time_text(state, t.Time));
 }
 } // namespace
 
@@ -185,8 +197,9 @@ void heuristic_log_line(MIPState *state)
     }
     print_header(state);
     TVXmsg(state->Env, "H%5.0f %5.0f                    %12s %10s %6s %5s %5s\n",
-           state->Nodes, open_nodes(state), incumbent_text(state, WIDE_COLUMN, t.Incumbent),
-           bound_text(state, t.Bound), gap_text(state, t.Gap),
-           iterations_text(state, t.Iterations), time_text(state, t.Time));
+           state->Nodes, shown_open_nodes(state),
+           incumbent_text(state, WIDE_COLUMN, t.Incumbent), bound_text(state, t.Bound),
+           gap_text(state, t.Gap), iterations_text(state, t.Iterations),
+           time_text(state, t.Time));
     log_callback(state);
 }

@@ -77,6 +77,10 @@ int search_tree(MIPState *state)
 {
     SearchWorker *worker = state->Workers.data[0];
     while (check_status(state) == RUNNING) {
+        if (restart_is_due(state)) {
+            state->Restart.Wanted = true;
+            return 0;
+        }
         TreeNode *node = nullptr;
         TRY(select_node(worker, &node));
         if (!node) break;

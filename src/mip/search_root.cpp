@@ -57,7 +57,8 @@ int after_lp(SearchWorker *worker, NodeData *data)
     state->RootObjective = state->LastRootObjective = data->LPObjective;
     state->RootFractionals = std::max(0, data->Result->Fractionals);
     data->Estimate = data->LPObjective;
-    state->Costs.Budget = strong_branch_budget(state, state->RootIterations);
+    state->Costs.Budget =
+        strong_branch_budget(state, state->RootIterations - state->Restart.RootIterations);
     TRY(keep_reduced_costs(worker, data->Result->Bound));
     return fix_by_reduced_costs(state);
 }

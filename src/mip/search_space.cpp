@@ -2,11 +2,38 @@
 #include "mip/mip_state.h"
 #include <algorithm>
 
+int space_extend(SearchSpace *outer, ModelBody *copy, PresolveResult *presolved,
+                 SearchSpace **out)
+{
+    *out = record_create<SearchSpace>();
+    if (*out) {
+        **out = {presolve_reduced(presolved), presolved, copy, outer};
+        return 0;
+    }
+    presolve_free(presolved);
+    body_free(copy);
+    return OUT_OF_MEMORY;
+}
+
+int space_create(const ModelBody *body, PresolveResult *presolved, SearchSpace **out)
+{
+    SearchSpace *outer = record_create<SearchSpace>();
+    if (!outer) {
+        presolve_free(presolved);
+        return OUT_OF_MEMORY;
+    }
+    outer->Body = body;
+    const int code = space_extend(outer, nullptr, presolved, out);
+    if (code) record_free(outer);
+    return code;
+}
+
 void space_free(SearchSpace *space)
 {
     while (space) {
         SearchSpace *outer = space->Outer;
         presolve_free(space->Presolve);
+        body_free(space->Copy);
         record_free(space);
         space = outer;
     }

@@ -45,33 +45,17 @@ int make_env(const SubMipOrder &order, TVXenv **out)
     return 0;
 }
 
-int make_space(const ModelBody *body, PresolveResult *presolved, SearchSpace **out)
-{
-    SearchSpace *outer = record_create<SearchSpace>(),
-                *inner = record_create<SearchSpace>();
-    if (!outer || !inner) {
-        record_free(outer);
-        record_free(inner);
-        presolve_free(presolved);
-        return OUT_OF_MEMORY;
-    }
-    outer->Body = body;
-    *inner = {presolve_reduced(presolved), presolved, outer};
-    *out = inner;
-    return 0;
-}
-
 int search(const SubMipOrder &order, const ModelBody *body, TVXenv *env,
            PresolveResult *presolved, SubMipOutcome *outcome)
 {
     SearchOrder inner;
-    TRY(make_space(body, presolved, &inner.Space));
+    TRY(space_create(body, presolved, &inner.Space));
     inner.Env = env;
     inner.Recursive = true;
     inner.Cutoff = order.Cutoff;
     MIPState *state = nullptr;
     TRY(search_create(inner, &state));
-    int code = mip_run(state);
+    int code = mip_run(&state);
     outcome->Nodes = state->Nodes;
     outcome->Iterations = state->Iterations;
     const SolutionEntry *best = pool_best(&state->Pool);
