@@ -3,6 +3,7 @@
 #include "body/row_activity.h"
 #include "body/signs.h"
 #include "mip/node_select.h"
+#include "mip/search_bounds.h"
 #include "mip/search_log.h"
 #include <algorithm>
 
@@ -33,12 +34,22 @@ int final_status(const MIPState *state)
     return status;
 }
 
+void log_fixed_variables(const MIPState *state)
+{
+    const int fixed = state->Recursive ? 0 : fixed_columns(state);
+    if (fixed > 0)
+        TVXmsg(state->Env, "Fixed variables: %d of %d\n", fixed, state->Body->numvars);
+}
+
 int run(MIPState **search)
 {
     for (;;) {
         MIPState *state = *search;
         if (!state->Root) return 0; // nothing is left
-        if (state->RootIterations < 0) TRY(search_root(state));
+        if (state->RootIterations < 0) {
+            TRY(search_root(state));
+            log_fixed_variables(state);
+        }
         if (state->Status == RUNNING) TRY(search_tree(state));
         if (!state->Restart.Wanted) return 0;
         TRY(search_restart(search));

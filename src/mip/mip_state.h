@@ -53,6 +53,13 @@ struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers
 };
 
+// An open node of the tree that a restart has given up, for the log.
+struct OpenSample {
+    int Depth;
+    double Bound;
+};
+static constexpr int OPEN_SAMPLE = 20; // kept at most
+
 // What restarts leave behind, and what decides about the next one (search_restart.cpp).
 struct RestartRecord {
     bool Wanted = false; // the tree has stopped for one
@@ -64,6 +71,8 @@ struct RestartRecord {
     // At the last restart in the tree: open nodes, which are shown as long as the new tree is smaller (falling with each
     // better incumbent), nodes explored, incumbent and bound of the root.
     double Open = 0, Nodes = 0, Incumbent = 1e100, RootBound = -1e100;
+    OpenSample Sample[OPEN_SAMPLE]; // of the open nodes
+    int SampleSize = 0;
     double MarkedNodes = 0, MarkedOpen = 0; // every hundred nodes: explored, open
     // Columns fixed by the search, as counted when there were so many GlobalChanges; -1: not yet.
     double Fixed = 0;

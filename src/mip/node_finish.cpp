@@ -9,6 +9,7 @@ namespace
 {
 constexpr double KNOWN_PRUNE_VALUE = 5e99; // beyond it there is no cutoff
 constexpr double VISIBLE_GAIN = 1e-10;
+constexpr double LARGEST_DISCOUNT = 0.5, LEAST_DISCOUNT = 0.001; // of pseudo-costs
 
 bool is_closed(int status)
 {
@@ -25,6 +26,21 @@ double gain_of(MIPState *state, const NodeData *data)
     return gain;
 }
 
+// What a node gains is owed to the branchings above it, too: the gains that these have promised count a little less, by
+// half as much at each level.
+void discount_ancestors(PseudoCostTable *costs, const TreeNode *node)
+{
+    double share = LARGEST_DISCOUNT;
+    for (node = node->Parent; node && share > LEAST_DISCOUNT; node = node->Parent) {
+        share /= 2;
+        const NodeData *data = node->Data;
+        if (!data || data->BranchVar < 0) continue;
+        const int way = data->BranchSense == '>';
+        costs->Sum[way].data[data->BranchVar] *=
+            1 - share / (costs->Count[way].data[data->BranchVar] + 1);
+    }
+}
+
 void learn(MIPState *state, const TreeNode *node)
 {
     const NodeData *data = node->Data;
@@ -34,7 +50,10 @@ void learn(MIPState *state, const TreeNode *node)
     const double x = data->BranchValue;
     const double step = data->BranchSense == '<' ? std::floor(x) - x : std::ceil(x) - x;
     if (std::fabs(step) < state->Env->IntFeasTol) return; // says nothing about a unit
-    pseudo_update(&state->Costs, data->BranchVar, step, gain_of(state, data));
+    const double gain = gain_of(state, data);
+    pseudo_update(&state->Costs, data->BranchVar, step, gain);
+    if (gain > (is_closed(data->Status) ? 0 : VISIBLE_GAIN))
+        discount_ancestors(&state->Costs, node);
 }
 
 // A fractional node without children: cut off by now, or nothing was found to divide it by, and its bound stays.

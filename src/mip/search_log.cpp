@@ -11,8 +11,9 @@ namespace
 constexpr int COLUMN = 10, WIDE_COLUMN = 12; // characters of a number
 constexpr int FIELD = 40;                    // bytes for one, with the longest number
 constexpr double SAME_VALUE = 1e-10;         // incumbent and bound that meet
-constexpr double NODES_PER_OPEN =
-    3; // explored, until an open node of before counts no more
+// Nodes explored after a restart until an open node of before counts no more.
+constexpr double NODES_PER_OPEN = 3;
+constexpr int NO_SAMPLE_DEPTH = 9;       // shown where no open node is known
 constexpr double NO_RELATIVE_GAP = 1e-6; // incumbent too close to 0 for a percentage
 
 double elapsed(const MIPState *state)
@@ -182,6 +183,30 @@ void node_log_line(MIPState *state, const TreeNode *node)
     if (state->Recursive || !is_due(state, node)) return;
     print_header(state);
     print_node(state, node);
+    state->LastTick = tick(state);
+    log_callback(state);
+}
+
+void periodic_log_line(MIPState *state)
+{
+    if (state->Recursive || state->Nodes == 0 || tick(state) == state->LastTick) return;
+    const double bound = search_bound(state, false);
+    OpenSample shown = {NO_SAMPLE_DEPTH, bound};
+    if (state->Restart.SampleSize > 0) {
+        Random chance;
+        random_seed(&chance, static_cast<uint64_t>(state->Nodes));
+        shown = state->Restart.Sample[random_next(&chance) % state->Restart.SampleSize];
+    }
+    const double objective =
+        std::clamp(shown.Bound, bound, std::max(bound, state->Pool.Incumbent));
+    Tail t;
+    char text[FIELD];
+    print_header(state);
+    TVXmsg(state->Env, " %5.0f %5.0f %10s %4d %4s %10s %10s %6s %5s %5s\n", state->Nodes,
+           shown_open_nodes(state), number(state->Body->sense * objective, COLUMN, text),
+           shown.Depth, "", incumbent_text(state, COLUMN, t.Incumbent),
+           bound_text(state, t.Bound), gap_text(state, t.Gap),
+           iterations_text(state, t.Iterations), time_text(state, t.Time));
     state->LastTick = tick(state);
     log_callback(state);
 }

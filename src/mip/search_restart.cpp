@@ -4,8 +4,8 @@
 //             and presolve finds more, when these are removed.
 // Method      The body with the bounds of the search is presolved again, and a new search for what is left takes the place
 //             of the old one: its solutions are mapped, pseudo-costs are taken over as first estimates, statistics go on.
-//             The tree is given up. It pays while that is small: at the root, when a fifth of the columns is fixed; later
-//             seldom, and not as long as the last restart has not been paid back.
+//             The tree is given up: at the root, when a fifth of the columns is fixed; once more when the tree has several
+//             hundred nodes and grows, since presolve may probe harder then and pseudo-costs are known; later seldom.
 // Literature  T. Achterberg, "Constraint Integer Programming", 2007, section 10.9.
 #include "body/build.h"
 #include "mip/accept.h"
@@ -67,9 +67,9 @@ bool is_due_in_tree(MIPState *state)
                  marked = record->MarkedNodes + MARK_NODES;
     if (least > marked || marked > state->Nodes) return false;
     if (open_nodes(state) < record->MarkedOpen + MARK_OPEN) return false;
+    if (!record->InTree) return true;
     const double fixed = fixed_count(state),
                  columns = static_cast<double>(state->Body->numvars);
-    if (!record->InTree) return fixed > std::max(ROOT_SHARE * columns, LEAST_FIXED);
     const double gap = state->Pool.Incumbent - state->Store.GlobalBound;
     if (fixed >= 1 && state->Pool.Incumbent < UNDEFINED_VALUE &&
         record->Incumbent - record->RootBound > GAP_HALVED * gap)
@@ -141,6 +141,17 @@ void take_pseudo_costs(PseudoCostTable *to, const PseudoCostTable *from,
     to->MeanGain = from->MeanGain;
 }
 
+// Nodes from all over the heap, the first ones of which are those with the best bounds.
+void take_sample(RestartRecord *record, const NodeStore *store)
+{
+    const int64_t step = 1 + store->Heap.size / OPEN_SAMPLE;
+    record->SampleSize = 0;
+    for (int64_t k = 0; k < store->Heap.size; k += step) {
+        const NodeData *data = store->Heap.data[k]->Data;
+        record->Sample[record->SampleSize++] = {data->Depth, data->LowerBound};
+    }
+}
+
 void take_statistics(MIPState *to, const MIPState *from)
 {
     to->Nodes = from->Nodes;
@@ -162,6 +173,7 @@ void take_statistics(MIPState *to, const MIPState *from)
     const bool many = from->Nodes > MANY_PER_OPEN * open;
     if (from->Env->VarBranch < 0 && (from->Grid.Step >= 0 || many)) to->VarBranch = 0;
     to->Restart.InTree = true;
+    take_sample(&to->Restart, &from->Store);
     to->Restart.Open = open;
     to->Restart.Nodes = from->Nodes;
     to->Restart.Incumbent = from->Pool.Incumbent;

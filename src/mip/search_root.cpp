@@ -70,6 +70,7 @@ int test_branching(SearchWorker *worker, TreeNode **root)
     for (int round = 0; round < TEST_ROUNDS; round++) {
         if ((*root)->Data->Status != NODE_FRACTIONAL || check_status(state) != RUNNING)
             break;
+        periodic_log_line(state);
         const int64_t before = state->GlobalChanges.size;
         TRY(branch_node(worker, root, BranchMode::TEST, nullptr));
         if (state->GlobalChanges.size == before) break;
