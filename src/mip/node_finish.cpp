@@ -8,7 +8,6 @@
 namespace
 {
 constexpr double KNOWN_PRUNE_VALUE = 5e99; // beyond it there is no cutoff
-constexpr double VISIBLE_GAIN = 1e-10;
 
 bool is_closed(int status)
 {

@@ -158,6 +158,11 @@ TEST_F(Search, limits_end_it_in_time_and_the_next_call_goes_on)
         EXPECT_EQ(answer.status, TVX_OPTIMAL);
         EXPECT_EQ(mip_judge(&lp, &truth, {}, &answer), "") << row.limit;
     }
+    // A tree that a cutoff has shaped does not go on without it.
+    load(lp, {{"Cutoff", truth.value.get_d()}, {"NodeLimit", 3}, {"Presolve", 0}});
+    EXPECT_EQ(solved(), TVX_NODE_LIMIT);
+    ASSERT_EQ(settings_apply(own(), {{"Cutoff", 1e100}, {"NodeLimit", 1e100}}), 0);
+    EXPECT_NEAR(objective(), truth.value.get_d(), 1e-6);
     load(lp, {{"Cutoff", truth.value.get_d()}});
     EXPECT_EQ(solved(), TVX_CUTOFF);
     EXPECT_EQ(integer("SolCount"), 0);
