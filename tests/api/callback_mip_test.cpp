@@ -158,11 +158,8 @@ TEST_F(MipCallback, a_point_handed_in_is_taken_if_it_is_feasible_and_better)
     const struct {
         double point[3];
         int taken;
-    } cases[] = {{{2, 0, 1}, 1},
-                 {{UNKNOWN, 0, 1}, 1},
-                 {{1, 1, 0}, 1},
-                 {{1.5, 0, 0}, 1},
-                 {{9, 9, 9}, 0}};
+    } cases[] = {{{2, 0, 1}, 1},   {{UNKNOWN, 0, 1}, 1}, {{1, 1, 0}, 1},
+                 {{1.5, 0, 0}, 1}, {{-5, 0, 1}, 1},      {{9, 9, 9}, 0}};
     for (const auto &one : cases) {
         open(PLAN, 0);
         bool done = false;

@@ -83,7 +83,7 @@ struct Forest {
         state.Store.NodeCount++;
         NodeData *data = node->Data;
         data->LowerBound = data->HeapKey =
-            (parent ? data->LowerBound : 0) + dice.range(0, 3);
+            (parent ? data->LowerBound : 0) + dice.range(0, 9);
         data->Estimate = data->LowerBound + dice.range(0, 9);
         data->BranchVar = dice.range(-1, COLUMNS - 1);
         data->BranchValue = dice.range(0, 8) * 0.25;
@@ -96,7 +96,7 @@ struct Forest {
     {
         if (dice.chance(70)) node->Data->Basis.Full = random_basis(&dice);
         node->Data->Result = record_create<NodeLPResult>();
-        for (int k = dice.range(1, 2); k > 0; k--)
+        for (int k = dice.range(1, 3); k > 0; k--)
             ASSERT_EQ(activate_node(&worker, make(node)), 0);
         release(node, RELEASE_BRANCHED);
     }
@@ -121,6 +121,12 @@ struct Forest {
         EXPECT_EQ(node->Data->FromHeap, node->Parent ? 1 : 0);
         ASSERT_EQ(activate_node(&worker, node), 0);
     }
+    double any_key()
+    {
+        const Array<TreeNode *> &heap = state.Store.Heap;
+        if (heap.size == 0) return 0;
+        return heap.data[dice.range(0, static_cast<int>(heap.size) - 1)]->Data->LowerBound;
+    }
     void prune(double limit)
     {
         std::set<double> expected, kept;
@@ -135,14 +141,14 @@ struct Forest {
         const int ticket = dice.range(0, 99);
         if (hand().size == 0 || ticket < 12)
             pop();
-        else if (ticket < 50)
+        else if (ticket < 55)
             branch(take());
-        else if (ticket < 75)
+        else if (ticket < 85)
             wait(take());
-        else if (ticket < 97)
+        else if (ticket < 96)
             release(take(), RELEASE_FREE);
         else
-            prune(state.Store.HeapBound + dice.range(0, 3));
+            prune(any_key());
     }
     std::string check() const;
 };
@@ -227,9 +233,9 @@ TEST(Tree, changes_payloads_counts_and_bytes_are_those_of_a_plain_tree)
 #ifdef TVX_DEBUG
     const int64_t before = mem_blocks_held();
 #endif
-    for (uint64_t seed = 0; seed < 300; seed++) {
+    for (uint64_t seed = 0; seed < 150; seed++) {
         Forest forest(seed);
-        for (int k = 0; k < 80; k++) {
+        for (int k = 0; k < 120; k++) {
             forest.move();
             ASSERT_EQ(forest.check(), "") << seed << " " << k;
             ASSERT_FALSE(HasFatalFailure());

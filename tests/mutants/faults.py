@@ -3,8 +3,8 @@
 A row: file, what breaks, the filter of the tests that should see it first ("" where only whole solves can), the exact
 text to replace (once in its file, code only), and its replacement.
 
-Last result     2026-11-23, all 111 at commit f394d62: all killed, each by its first filter; those of domain and of the
-                presolve with integers by hand since
+Last result     2026-11-23, all 111 at commit f394d62: all killed, each by its first filter; those of domain, of the
+                presolve with integers and of mip by hand since
 """
 from collections import namedtuple
 
