@@ -694,8 +694,7 @@ TVX_API int TVXgetcbwhatinfo(void *cbdata, int what, int *type_out, int *size_ou
  * so far; else nothing happens: read TVX_CB_MIP_SOLUTIONS, or its like, to know. The function is called with
  * TVX_WHERE_SOLUTION for it, from inside this call.
  * Returns 0, also for a point that is not taken; TVX_ERROR_NULL_ARGUMENT solution is null;
- * TVX_ERROR_INVALID_ARGUMENT a value is NaN; TVX_ERROR_CALLBACK no search is at work here, or cbdata is not valid;
- * TVX_ERROR_OUT_OF_MEMORY. */
+ * TVX_ERROR_CALLBACK a value is NaN, no search is at work here, or cbdata is not valid; TVX_ERROR_OUT_OF_MEMORY. */
 TVX_API int TVXcbsolution(void *cbdata, const double *solution);
 
 /* Inside the function, at TVX_WHERE_NODE: hands in a row  sum of cutval x <= cutrhs,  or >=. From then on, until the end
@@ -717,10 +716,9 @@ TVX_API int TVXcbsolution(void *cbdata, const double *solution);
  * Presolve=0 and TARV_PAR_DUALREDUCTION=0: presolve might otherwise keep only such solutions as the row excludes, or
  * solve the model without a node at which the function could be asked. A warning is printed when a row excludes an
  * integer solution while they are on.
- * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null and cutlen is not 0; TVX_ERROR_INVALID_ARGUMENT a value is NaN
- * or infinite; TVX_ERROR_CALLBACK not at a node, cutlen is negative, a variable is out of range, the cut cannot be
- * stated for the presolved model ("Presolve has removed columns of the cut: set parameter PreCrush"), or cbdata is not
- * valid; TVX_ERROR_OUT_OF_MEMORY. */
+ * Returns 0; TVX_ERROR_NULL_ARGUMENT an array is null and cutlen is not 0; TVX_ERROR_CALLBACK not at a node, cutlen is
+ * negative, a variable is out of range, a value is NaN or infinite, the cut cannot be stated for the presolved model
+ * ("Presolve has removed columns of the cut: set parameter PreCrush"), or cbdata is not valid; TVX_ERROR_OUT_OF_MEMORY. */
 TVX_API int TVXcbcut(void *cbdata, int cutlen, const int *cutind, const double *cutval,
                      char cutsense, double cutrhs);
 

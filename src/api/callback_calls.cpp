@@ -167,7 +167,7 @@ int take_solution(const CallbackRecord *record, const double *solution)
     if (!source.take_point) return TVX_ERROR_CALLBACK;
     TVXmodel *model = record->model;
     for (int j = 0; j < model->body->numvars; j++)
-        if (std::isnan(solution[j])) return check_value(model->env, solution[j]);
+        if (std::isnan(solution[j])) return TVX_ERROR_CALLBACK;
     return source.take_point(source.solver, solution);
 }
 
@@ -178,9 +178,10 @@ int take_cut(const CallbackRecord *record, const CallbackRow &row, char sense)
     TVXmodel *model = record->model;
     if (!source.take_row || row.count < 0) return TVX_ERROR_CALLBACK;
     for (int k = 0; k < row.count; k++)
-        if (row.ind[k] < 0 || row.ind[k] >= model->body->numvars) return TVX_ERROR_CALLBACK;
-    TRY(check_values(model->env, row.count, row.val));
-    TRY(check_value(model->env, row.rhs));
+        if (row.ind[k] < 0 || row.ind[k] >= model->body->numvars ||
+            !std::isfinite(row.val[k]))
+            return TVX_ERROR_CALLBACK;
+    if (!std::isfinite(row.rhs)) return TVX_ERROR_CALLBACK;
     if (normal_sense(sense) != '>') return source.take_row(source.solver, row);
     Array<double> negated;
     TRY(array_resize(&negated, row.count));

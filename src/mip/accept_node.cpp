@@ -4,7 +4,8 @@
 //          y <= 1e6 z and y >= 0.9, z = 9e-7 counts as 0.
 // Method   First the integers are rounded. Where this violates the model, the LP is solved with all integers fixed at their
 //          rounded values, and members of SOS constraints and semi-continuous columns at 0. If the point that is accepted
-//          is worse than the LP of the node, or none is, integers that have moved are branched on like fractional ones.
+//          is worse than the LP of the node, or none is, integers that have moved are branched on like fractional ones, and
+//          SOS constraints like violated ones.
 #include "mip/accept.h"
 #include "mip/node_lp.h"
 #include "mip/semi.h"
@@ -81,7 +82,8 @@ int solve_fixed(SearchWorker *worker, Acceptance *outcome)
                            outcome);
 }
 
-// Integers of the LP solution that are not exactly whole become candidates.
+// Integers of the LP solution that are not exactly whole become candidates, and so do SOS constraints that hold within the
+// tolerance only.
 int list_inexact(SearchWorker *worker, NodeLPResult *result)
 {
     const MIPState *state = worker->State;
@@ -90,9 +92,18 @@ int list_inexact(SearchWorker *worker, NodeLPResult *result)
         if (!state->IsInteger.data[j] || domain_is_fixed(worker->Bounds, j)) continue;
         const double x = lp_value(worker, j);
         if (std::fabs(x - std::round(x)) <= EXACT) continue;
-        TRY(array_append(&result->Candidates,
-                         {j, near_integer(x), 0, 0, 0, 0, false, false}));
+        TRY(array_append(
+            &result->Candidates,
+            {j,
+             near_integer(x, worker->Bounds->Lower.data[j], worker->Bounds->Upper.data[j]),
+             0, 0, 0, 0, false, false}));
     }
+    result->Sos.size = 0;
+    for (int k = 0; k < state->Body->numsos; k++)
+        if (!sos_branch_window(state, k, [&](int j) {
+                 return lp_value(worker, j);
+             }).fits(state->Body->sostype.data[k]))
+            TRY(array_append(&result->Sos, k));
     return 0;
 }
 } // namespace
@@ -127,7 +138,7 @@ int accept_node(SearchWorker *worker, TreeNode **node)
     if (outcome == Acceptance::INFEASIBLE) TRY(solve_fixed(worker, &outcome));
     if (outcome == Acceptance::NOT_BETTER) data->Status = NODE_CUTOFF;
     if (data->LowerBound >= state->Pool.PruneValue) return 0; // nothing better is left
-    if (result->Candidates.size > 0) {
+    if (result->Candidates.size > 0 || result->Sos.size > 0) {
         data->Status = NODE_FRACTIONAL;
         if (worker->LpNode == NO_NODE) TRY(node_restore_lp(worker, *node));
     } else if (outcome == Acceptance::LOST || outcome == Acceptance::INFEASIBLE) {

@@ -104,9 +104,11 @@ int check_choice(SearchWorker *worker, TreeNode **node, bool *moved)
 }
 
 // A choice by what is known already.
-void choose_without_probes(SearchWorker *worker, NodeLPResult *result, BranchChoice *choice)
+void choose_without_probes(SearchWorker *worker, NodeData *data, BranchChoice *choice)
 {
+    NodeLPResult *result = data->Result;
     *choice = BranchChoice{};
+    open_candidates(data);
     if (result->Candidates.size == 0) {
         if (result->Sos.size > 0) choice->Sos = result->Sos.data[0];
         return;
@@ -233,7 +235,7 @@ int branch_node(SearchWorker *worker, TreeNode **node, BranchMode mode, Children
         if (round < MOST_ROUNDS)
             TRY(choose(worker, node, &choice, &moved));
         else
-            choose_without_probes(worker, (*node)->Data->Result, &choice);
+            choose_without_probes(worker, (*node)->Data, &choice);
         if (!moved || (*node)->Data->Status != NODE_FRACTIONAL) break;
         TRY(node_solve_lp(worker, *node));
     }

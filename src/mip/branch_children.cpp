@@ -92,14 +92,17 @@ int make_sos_children(SearchWorker *worker, TreeNode *node, int sos, Children *c
     const Domain *bounds = worker->Bounds;
     const bool has_point = node->Data->Status == NODE_FRACTIONAL && node->Data->Result &&
                            node->Data->Result->Kind == TVX_OPTIMAL;
-    const SosWindow window =
-        has_point
-            ? sos_window(state, sos,
-                         [&](int j) { return simplex_value(worker->Lp.simplex, j); })
-            : sos_window(state, sos, [&](int j) {
-                  return bounds->Lower.data[j] < 0 || bounds->Upper.data[j] > 0 ? 1.0 : 0.0;
-              });
-    const bool pair = body->sostype.data[sos] == 2;
+    const int type = body->sostype.data[sos];
+    SosWindow window;
+    if (has_point)
+        window = sos_branch_window(
+            state, sos, [&](int j) { return simplex_value(worker->Lp.simplex, j); });
+    if (window.fits(type))
+        window = sos_window(state, sos, [&](int j) {
+            return bounds->Lower.data[j] < 0 || bounds->Upper.data[j] > 0 ? 1.0 : 0.0;
+        });
+    if (window.fits(type)) return 0; // nothing to divide
+    const bool pair = type == 2;
     // Strictly behind the first one, and not behind the last one.
     const int split = (window.First + window.Last + (pair ? 0 : 1)) / 2;
     const int beg = body->sosbeg.data[sos], end = body->sosbeg.data[sos + 1];

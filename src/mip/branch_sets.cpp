@@ -154,7 +154,9 @@ void choose_set(const SearchWorker *worker, const NodeLPResult *result, double b
     }
     for (const int k : result->Sos) {
         const int type = state->Body->sostype.data[k];
-        const Parts parts = sos_parts(state, sos_window(state, k, value), type, value);
+        const SosWindow window = sos_branch_window(state, k, value);
+        if (window.fits(type)) continue;
+        const Parts parts = sos_parts(state, window, type, value);
         const double score =
             SOS_WEIGHT * parts.Left * parts.Right * state->Env->TARV_PAR_SOSBRRAT;
         if (score <= best) continue;

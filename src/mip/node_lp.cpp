@@ -60,7 +60,11 @@ int find_fractionals(SearchWorker *worker, NodeLPResult *result)
     for (int r = 0; r < m; r++) {
         const int j = simplex_basic(lp, r);
         if (j >= state->Body->numvars || !state->IsInteger.data[j]) continue;
-        const double x = simplex_value(lp, j);
+        const double value = simplex_value(lp, j);
+        if (!is_fractional(state, value)) continue;
+        // Beyond a bound by the tolerance of the LP there is nothing to divide.
+        const double x =
+            std::clamp(value, worker->Bounds->Lower.data[j], worker->Bounds->Upper.data[j]);
         if (!is_fractional(state, x)) continue;
         TRY(array_grow(&result->Candidates, result->Candidates.size + 1));
         add_candidate(result, j, x);
@@ -84,7 +88,7 @@ int find_semis(SearchWorker *worker, NodeLPResult *result)
         if (is_fractional(state, z) || domain_is_fixed(worker->Bounds, semi.indicator))
             continue; // a candidate already, or decided
         TRY(array_grow(&result->Candidates, result->Candidates.size + 1));
-        add_candidate(result, semi.indicator, near_integer(z));
+        add_candidate(result, semi.indicator, near_integer(z, 0, 1));
     }
     return 0;
 }

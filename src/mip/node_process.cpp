@@ -78,7 +78,7 @@ int tighten_node(SearchWorker *worker, TreeNode **node)
     if (state->Pool.PruneValue >= UNDEFINED_VALUE || !state->Env->TARV_PAR_DUALREDUCTION)
         return 0;
     const int64_t mark = domain_mark(worker->Bounds);
-    if (tighten_by_costs(worker, data->LowerBound) == 0) return 0;
+    if (tighten_by_costs(worker, data->Result->Bound) == 0) return 0;
     TRY(worker_propagate(worker));
     if (worker->Bounds->Infeasible) {
         data->Status = NODE_CUTOFF;
@@ -96,6 +96,7 @@ int node_open_result(SearchWorker *worker, TreeNode *node)
     if (!data->Result && worker->Spare) {
         data->Result = worker->Spare;
         worker->Spare = nullptr;
+        data->Result->Kind = 0; // what the last node has left is not true of this one
         data->Result->Iterations = 0;
         data->Result->GainsValid = false;
     }

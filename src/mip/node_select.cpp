@@ -203,7 +203,7 @@ void update_global_bound(MIPState *state)
 
 int put_back_nodes(SearchWorker *worker)
 {
-    while (worker->Active.size > 0)
-        TRY(dismiss(worker, worker->Active.data[--worker->Active.size]));
+    for (; worker->Active.size > 0; worker->Active.size--)
+        TRY(dismiss(worker, worker->Active.data[worker->Active.size - 1]));
     return 0;
 }

@@ -31,8 +31,9 @@ int save_basis(SearchWorker *worker, TreeNode *node)
 int divide(SearchWorker *worker, TreeNode **node)
 {
     Children children;
+    TRY(array_grow(&worker->Active, worker->Active.size + 2)); // nothing may lose a child
     const int code = branch_node(worker, node, BranchMode::DIVIDE, &children);
-    for (int k = 0; k < children.Count; k++) TRY(activate_node(worker, children.Node[k]));
+    for (int k = 0; k < children.Count; k++) array_push(&worker->Active, children.Node[k]);
     TRY(code);
     return children.Count > 0 ? save_basis(worker, *node) : 0;
 }
@@ -71,22 +72,43 @@ int work_on_node(SearchWorker *worker, TreeNode **node)
     worker->Current = *node;
     return 0;
 }
+
+// After an error. A node with children goes with the last of them.
+void abandon(SearchWorker *worker, TreeNode *node)
+{
+    MIPState *state = worker->State;
+    worker->Current = nullptr;
+    if (node->Children == 0)
+        (void)node_release(node, &state->Store, &state->Root, RELEASE_FREE); // cannot fail
+}
+
+// The next node, or *none.
+int process_next(SearchWorker *worker, bool *none)
+{
+    TreeNode *node = nullptr;
+    int code = select_node(worker, &node);
+    *none = !node;
+    if (!node) return code;
+    if (!code) code = work_on_node(worker, &node);
+    if (code) {
+        abandon(worker, node);
+        return code;
+    }
+    return node->Data->Status == NODE_STOPPED ? put_back(worker, node)
+                                              : finish_node(worker, node);
+}
 } // namespace
 
 int search_tree(MIPState *state)
 {
-    SearchWorker *worker = state->Workers.data[0];
     while (check_status(state) == RUNNING) {
         if (restart_is_due(state)) {
             state->Restart.Wanted = true;
             return 0;
         }
-        TreeNode *node = nullptr;
-        TRY(select_node(worker, &node));
-        if (!node) break;
-        TRY(work_on_node(worker, &node));
-        const bool stopped = node->Data->Status == NODE_STOPPED;
-        TRY(stopped ? put_back(worker, node) : finish_node(worker, node));
+        bool none = false;
+        TRY(process_next(state->Workers.data[0], &none));
+        if (none) break;
         if (state->IncumbentGone) TRY(search_begin_anew(state));
     }
     return 0;

@@ -12,9 +12,10 @@ inline double semi_violation(const SemiColumn &semi, double x)
 }
 
 // For a branch on a variable whose value is whole within the tolerance: a value in the middle of the integers around it,
-// so that the two sides exclude the values between them.
-inline double near_integer(double x)
+// so that the two sides exclude the values between them. It lies between the bounds, whole ones that differ, as x may be
+// beyond one by the tolerance of the LP: a branch there would leave the node as it is.
+inline double near_integer(double x, double lower, double upper)
 {
     const double whole = std::round(x);
-    return x < whole ? whole - 0.5 : whole + 0.5;
+    return std::clamp(x < whole ? whole - 0.5 : whole + 0.5, lower + 0.5, upper - 0.5);
 }

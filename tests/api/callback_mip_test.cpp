@@ -71,6 +71,50 @@ TEST_F(MipCallback, a_row_handed_in_is_a_constraint_from_then_on)
             }
 }
 
+// Stopped in the solve that follows, too: the solution that the row excludes is not told any more, and the next call goes
+// on.
+TEST_F(MipCallback, a_row_takes_the_best_solution_away_though_the_search_is_stopped)
+{
+    const int x = 0;
+    const double one = 1, optimum[3] = {2, 0, 1};
+    for (int limit = 0; limit <= 12; limit++) {
+        open(PLAN, 0);
+        ASSERT_EQ(settings_apply(own(), {{"IterationLimit", limit}}), 0);
+        ASSERT_EQ(TVXsetdblattrarray(model, "Start", 0, 3, optimum), 0);
+        act = [&](void *data, int where) {
+            const bool first = where == TVX_WHERE_NODE && calls[where] == 1;
+            return first ? TVXcbcut(data, 1, &x, &one, '<', 1) : 0;
+        };
+        ASSERT_EQ(TVXoptimize(model), 0);
+        const bool told = calls[TVX_WHERE_NODE] > 0 && integer("SolCount") > 0;
+        EXPECT_LE(told ? dbl("X", 0) : 0, 1) << limit;
+        ASSERT_EQ(settings_apply(own(), {{"IterationLimit", UNKNOWN}}), 0);
+        EXPECT_EQ(solved(), TVX_OPTIMAL);
+        EXPECT_NEAR(dbl("ObjVal"), 12, 1e-6) << limit;
+    }
+}
+
+// Nodes that propagation closes have no relaxation; none of the nodes before them lends its own.
+TEST_F(MipCallback, a_node_shows_its_own_relaxation_only)
+{
+    open("min x1+2x2+3x3+4x4+5x5 st\n2x1+2x2+2x3+2x4+2x5=5\nbinary x1 x2 x3 x4 x5", 0);
+    ASSERT_EQ(settings_apply(own(), {{"VarBranch", 2}, {"TARV_PAR_NODEPRE", 1}}), 0);
+    std::map<int, int> seen; // by status
+    act = [&](void *data, int where) {
+        int status = 0;
+        double x[5];
+        if (where != TVX_WHERE_NODE) return 0;
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_NODE_STATUS, &status), 0);
+        seen[status]++;
+        EXPECT_EQ(TVXcbget(data, where, TVX_CB_NODE_VALUES, x),
+                  status == TVX_OPTIMAL ? 0 : TVX_ERROR_DATA_NOT_AVAILABLE);
+        return 0;
+    };
+    EXPECT_EQ(solved(), TVX_INFEASIBLE);
+    EXPECT_GT(seen[TVX_OPTIMAL], 0);
+    EXPECT_GT(seen[TVX_INFEASIBLE], 0);
+}
+
 // What no row of the model holds may still be held by rows to come: z is in none, and once there are no rows at all.
 TEST_F(MipCallback, a_row_holds_variables_that_are_in_no_row_of_the_model)
 {
@@ -114,11 +158,8 @@ TEST_F(MipCallback, a_point_handed_in_is_taken_if_it_is_feasible_and_better)
     const struct {
         double point[3];
         int taken;
-    } cases[] = {{{2, 0, 1}, 1},
-                 {{UNKNOWN, 0, 1}, 1},
-                 {{1, 1, 0}, 1},
-                 {{1.5, 0, 0}, 1},
-                 {{9, 9, 9}, 0}};
+    } cases[] = {{{2, 0, 1}, 1},   {{UNKNOWN, 0, 1}, 1}, {{1, 1, 0}, 1},
+                 {{1.5, 0, 0}, 1}, {{-5, 0, 1}, 1},      {{9, 9, 9}, 0}};
     for (const auto &one : cases) {
         open(PLAN, 0);
         bool done = false;
@@ -151,10 +192,8 @@ TEST_F(MipCallback, points_and_cuts_that_cannot_be_are_refused)
     }
     open(PLAN, 0);
     act = [&](void *data, int where) {
-        const bool search = where >= TVX_WHERE_MIP && where <= TVX_WHERE_NODE;
         EXPECT_EQ(TVXcbsolution(data, nullptr), TVX_ERROR_NULL_ARGUMENT);
-        EXPECT_EQ(TVXcbsolution(data, point),
-                  search ? TVX_ERROR_INVALID_ARGUMENT : TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXcbsolution(data, point), TVX_ERROR_CALLBACK);
         if (where != TVX_WHERE_NODE) {
             EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', 1), TVX_ERROR_CALLBACK) << where;
             return 0;
@@ -162,8 +201,8 @@ TEST_F(MipCallback, points_and_cuts_that_cannot_be_are_refused)
         EXPECT_EQ(TVXcbcut(data, -1, ind, val, '<', 1), TVX_ERROR_CALLBACK);
         EXPECT_EQ(TVXcbcut(data, 2, ind, val, '<', 1), TVX_ERROR_CALLBACK);
         EXPECT_EQ(TVXcbcut(data, 1, nullptr, val, '<', 1), TVX_ERROR_NULL_ARGUMENT);
-        EXPECT_EQ(TVXcbcut(data, 1, ind, val + 1, '<', 1), TVX_ERROR_INVALID_ARGUMENT);
-        EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', NAN_VALUE), TVX_ERROR_INVALID_ARGUMENT);
+        EXPECT_EQ(TVXcbcut(data, 1, ind, val + 1, '<', 1), TVX_ERROR_CALLBACK);
+        EXPECT_EQ(TVXcbcut(data, 1, ind, val, '<', NAN_VALUE), TVX_ERROR_CALLBACK);
         return 0;
     };
     ASSERT_EQ(TVXoptimize(model), 0);

@@ -85,6 +85,8 @@ const Trap TRAPS[] = {
      "min x st 9x+7i>=13 x-i-j=0 bounds -inf<=i<=1 j free 1<=x<=3 general i j semi x", 1},
     {"set_without_bounds", "max x1+x2 st c1:x1<=3 c2:x2<=4 x1+x2<=10 sos s:S1::x1:1 x2:2",
      4},
+    {"set_of_tiny_members",
+     "max 1000000x+y st c:x+y<=100 bounds x<=.000009 y<=5 sos s:S1::x:1 y:2", 9},
     {"set_with_negative_bounds",
      "min x1+x2 st x1-x2<=9 bounds -3<=x1<=5 -2<=x2<=1 sos s:S1::x1:1 x2:2", -3},
     {"sets_that_share",

@@ -291,6 +291,26 @@ static int reduce(PresolveWork *w, TVXmodel *model,
     return facts_to_result(w, *result);
 }
 
+std::string mip_trap_faults(const PresolveTrap &trap, const std::vector<Settings> &ways)
+{
+    LpModel lp = trap.lp;
+    lp.types.assign(trap.types.begin(), trap.types.end());
+    lp.types.resize(lp.obj.size(), 'C');
+    MipQuestion question = mip_question(&lp);
+    const double value = question.truth.value.get_d();
+    const bool optimal = question.truth.status == MipStatus::OPTIMAL;
+    if (optimal ? !(std::fabs(value - trap.optimum) <= 1e-6) : !std::isnan(trap.optimum))
+        return formatted("%s: the optimum is %g\n", trap.name, optimal ? value : NAN);
+    std::string faults;
+    for (const Settings &settings : ways) {
+        question.settings = settings;
+        const std::string found = mip_presolved(question).faults;
+        if (!found.empty())
+            faults += trap.name + std::string("\n") + settings_text(settings) + found;
+    }
+    return faults;
+}
+
 MipTry mip_reduced_by(const MipQuestion &question,
                       std::initializer_list<Reduction> reductions)
 {

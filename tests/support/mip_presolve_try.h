@@ -39,6 +39,15 @@ MipQuestion mip_question(const LpModel *lp, const Settings &settings = {});
 
 // The whole presolve.
 MipTry mip_presolved(const MipQuestion &question);
+// A model on which a plausible reduction is wrong.
+struct PresolveTrap {
+    const char *name;
+    std::string types; // of the columns in front; the others are continuous
+    LpModel lp;
+    double optimum; // NAN: infeasible
+};
+// What is wrong with the whole presolve under any of these settings, or with the optimum as it is listed; or "".
+std::string mip_trap_faults(const PresolveTrap &trap, const std::vector<Settings> &ways);
 // These reductions alone, each once on all rows and columns.
 MipTry mip_reduced_by(const MipQuestion &question,
                       std::initializer_list<Reduction> reductions);
