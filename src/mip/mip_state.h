@@ -40,6 +40,7 @@ const ModelBody *space_outermost(const SearchSpace *space);
 [[nodiscard]] int space_row_in(const SearchSpace *space, Array<double> *row, double *rhs,
                                bool *mapped);
 
+struct HeurState; // heur/heur.h
 struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers
 };
@@ -81,6 +82,7 @@ struct MIPState {
     PseudoCostTable Costs;
     Array<SearchWorker *> Workers; // owned
     ReducedCosts Reduced;          // of the root, for fixing
+    HeurState *Heur = nullptr;     // owned, or null: no heuristic has run
 
     // ---- Statistics ----
     double Nodes = 0;      // explored

@@ -1,4 +1,5 @@
 // search_create.cpp -- the record of a search, with the structures that it finds in the body
+#include "heur/heur.h"
 #include "mip/branch_sets.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
@@ -115,6 +116,7 @@ void search_free(MIPState *state)
     if (!state) return;
     free_nodes(state);
     for (SearchWorker *worker : state->Workers) worker_free(worker);
+    heur_free(state->Heur);
     pool_free(&state->Pool);
     propagation_rows_free(state->Rows);
     clique_table_free(state->Cliques);
