@@ -25,7 +25,8 @@ struct HeurSearch {
     void *Owner = nullptr; // their first argument
     // Offers a point [columns] of the model. *improved: it is the new incumbent.
     int (*Try)(void *owner, const double *x, bool *improved) = nullptr;
-    bool (*GoOn)(void *owner) = nullptr; // asked between two steps; false: a limit, or an end
+    bool (*GoOn)(void *owner) =
+        nullptr; // asked between two steps; false: a limit, or an end
 };
 // The node: its LP is solved and its solution is fractional.
 enum class HeurStage {
@@ -35,17 +36,18 @@ enum class HeurStage {
 };
 struct HeurCall {
     HeurStage Stage = HeurStage::NODE;
-    double Nodes = 0;                   // explored so far
-    const double *X = nullptr;          // [columns] the LP solution
-    double Objective = 0;               // of it
-    Domain *Bounds = nullptr;           // of the node; as before when the call returns
-    const double *PruneValue = nullptr; // only points below it are of use; falls when one is found
-    const double *Incumbent = nullptr;  // objective of the best point, or 1e100
-    double Share = 0;                   // of the work that heuristics may take: Heuristics
-    double GapClosed = 0;               // share of the gap of the root that the bound has closed
-    double SearchWork = 0;              // of the search so far
-    double HeurWork = 0;                // of heuristics before this call
-    TVXenv *Env = nullptr;              // for LPs of its own
+    double Nodes = 0;          // explored so far
+    const double *X = nullptr; // [columns] the LP solution
+    double Objective = 0;      // of it
+    Domain *Bounds = nullptr;  // of the node; as before when the call returns
+    const double *PruneValue =
+        nullptr; // only points below it are of use; falls when one is found
+    const double *Incumbent = nullptr; // objective of the best point, or 1e100
+    double Share = 0;                  // of the work that heuristics may take: Heuristics
+    double GapClosed = 0;  // share of the gap of the root that the bound has closed
+    double SearchWork = 0; // of the search so far
+    double HeurWork = 0;   // of heuristics before this call
+    TVXenv *Env = nullptr; // for LPs of its own
     HeurSearch Search;
 };
 

@@ -15,12 +15,12 @@
 
 namespace
 {
-constexpr double NO_INCUMBENT = 5e99;       // an objective above it
-constexpr double LARGE_MODEL = 1000000;     // entries from which other inputs are not tried
-constexpr double EARLY_NODES = 1000;        // up to here repairs run at every REPAIR_EVERY-th node
-constexpr double REPAIR_EVERY = 91;         // prime to the numbers of other heuristics
-constexpr double LARGE_SHARE = 0.25;        // of Heuristics
-constexpr double LATE_NODES = 10000;        // the second share shrinks behind them
+constexpr double NO_INCUMBENT = 5e99;   // an objective above it
+constexpr double LARGE_MODEL = 1000000; // entries from which other inputs are not tried
+constexpr double EARLY_NODES = 1000; // up to here repairs run at every REPAIR_EVERY-th node
+constexpr double REPAIR_EVERY = 91;  // prime to the numbers of other heuristics
+constexpr double LARGE_SHARE = 0.25; // of Heuristics
+constexpr double LATE_NODES = 10000; // the second share shrinks behind them
 constexpr double LATE_BONUS = 0.05;
 
 struct Budget {

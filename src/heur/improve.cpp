@@ -13,8 +13,9 @@
 
 namespace
 {
-constexpr double FULL_UNIT = 1 - 1e-9; // of a step, before it is rounded down: rounding errors cost no unit
-constexpr double LARGEST_STEP = 1e9;   // of one column: beyond it the point is no real one
+constexpr double FULL_UNIT =
+    1 - 1e-9; // of a step, before it is rounded down: rounding errors cost no unit
+constexpr double LARGEST_STEP = 1e9; // of one column: beyond it the point is no real one
 
 // Units that a column can move in this direction before row i is violated.
 double room_in_row(HeurState *h, int i, double a, double direction)
@@ -31,8 +32,8 @@ double room(HeurState *h, int j, double direction, double range)
     double units = std::min(range, LARGEST_STEP);
     for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1] && units >= FULL_UNIT; p++)
         if (body->vval.data[p] != 0)
-            units = std::min(units, room_in_row(h, body->vind.data[p], body->vval.data[p],
-                                                direction));
+            units = std::min(
+                units, room_in_row(h, body->vind.data[p], body->vval.data[p], direction));
     h->Work += body->vbeg.data[j + 1] - body->vbeg.data[j];
     return std::floor(units + (1 - FULL_UNIT));
 }
@@ -60,7 +61,8 @@ const double *heur_improve(HeurState *h, const double *lower, const double *uppe
     const int count = list_columns(h);
     for (int k = 0; k < count; k++) {
         const int j = h->Order.data[k];
-        const double direction = h->Model.Body->obj.data[j] > 0 ? -1 : 1, at = h->Polished.X.data[j];
+        const double direction = h->Model.Body->obj.data[j] > 0 ? -1 : 1,
+                     at = h->Polished.X.data[j];
         const double range = direction < 0 ? at - lower[j] : upper[j] - at;
         const double units = range < FULL_UNIT ? 0 : room(h, j, direction, range);
         if (units < 1 || units >= LARGEST_STEP) continue;

@@ -90,10 +90,8 @@ int add_column(HeurState *h, const HeurCall &call, int j, ModelArrays *arrays)
     const ModelBody *body = h->Model.Body;
     const double at = h->At.X.data[j];
     TRY(array_append(&arrays->obj, body->obj.data[j]));
-    TRY(array_append(&arrays->lb,
-                     std::min(0.0, step_bound(DomLower(call.Bounds, j), at))));
-    TRY(array_append(&arrays->ub,
-                     std::max(0.0, step_bound(DomUpper(call.Bounds, j), at))));
+    TRY(array_append(&arrays->lb, std::min(0.0, step_bound(DomLower(call.Bounds, j), at))));
+    TRY(array_append(&arrays->ub, std::max(0.0, step_bound(DomUpper(call.Bounds, j), at))));
     for (int p = body->vbeg.data[j]; p < body->vbeg.data[j + 1]; p++) {
         TRY(array_append(&arrays->vind, h->RowPlace.data[body->vind.data[p]]));
         TRY(array_append(&arrays->vval, body->vval.data[p]));

@@ -14,14 +14,18 @@
 
 namespace
 {
-constexpr double SAME = 1e-9; // nearer than this to an integer: no row needs to be looked at
+constexpr double SAME =
+    1e-9; // nearer than this to an integer: no row needs to be looked at
 constexpr double NO_RANGE = 1e-10;
-constexpr double NEARLY_ENOUGH = 1e-6; // of a unit: the rest of a need that no unit is spent on
+constexpr double NEARLY_ENOUGH =
+    1e-6; // of a unit: the rest of a need that no unit is spent on
 
-constexpr int MOST_IDLE = 50;              // moves that leave no fewer rows violated
-constexpr double WORK_PER_ENTRY = 2;       // limit of the work of one repair, in sizes of the model
-constexpr double OTHER_INTEGER = 10;       // how much less an integer column attracts that was whole
-constexpr double REPEATED = 2;             // the same for each earlier move of a column
+constexpr int MOST_IDLE = 50; // moves that leave no fewer rows violated
+constexpr double WORK_PER_ENTRY =
+    2; // limit of the work of one repair, in sizes of the model
+constexpr double OTHER_INTEGER =
+    10;                        // how much less an integer column attracts that was whole
+constexpr double REPEATED = 2; // the same for each earlier move of a column
 
 double nearest_within(const HeurCall &call, int j, double value)
 {
@@ -76,8 +80,8 @@ double target(const HeurState *h, const HeurCall &call, int j, double a, double 
 double score(const HeurState *h, const HeurCall &call, int j, double step, double share)
 {
     const int locks = step < 0 ? h->DownLocks.data[j] : h->UpLocks.data[j];
-    const bool whole = h->Model.IsInteger[j] &&
-                       std::fabs(call.X[j] - std::round(call.X[j])) <= SAME;
+    const bool whole =
+        h->Model.IsInteger[j] && std::fabs(call.X[j] - std::round(call.X[j])) <= SAME;
     return locks * (1 + REPEATED * h->Shifts.data[j]) * (whole ? OTHER_INTEGER : 1) / share;
 }
 
@@ -91,8 +95,7 @@ Move best_move(HeurState *h, const HeurCall &call, int i)
         const int j = rows->Entry.data[p].Col;
         const double a = rows->Entry.data[p].Val;
         if (h->Frozen.data[j]) continue;
-        const double value = target(h, call, j, a, excess),
-                     step = value - h->At.X.data[j];
+        const double value = target(h, call, j, a, excess), step = value - h->At.X.data[j];
         // Bounds may lie on the wrong side of a point that is outside by rounding errors.
         if (std::fabs(step) <= NO_RANGE || (step < 0) != (excess / a > 0)) continue;
         const double share = std::min(1.0, std::fabs(a * step / excess));

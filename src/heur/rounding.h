@@ -7,7 +7,7 @@
 [[nodiscard]] int lp_rounding(HeurState *h, const HeurCall &call);
 
 enum class ShiftKind {
-    MOVES,  // kind 0: columns of violated rows move one by one
+    MOVES, // kind 0: columns of violated rows move one by one
     REPAIR, // kind 1: and where rows stay violated, an LP over their continuous columns is solved
 };
 // Repairs the working point as a rounding has left it, and offers it. 0 or a code.

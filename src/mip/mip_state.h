@@ -62,6 +62,7 @@ struct MIPState {
     int NumSemis = 0;
     Array<double> Lower, Upper;      // [columns] valid for the whole search
     Array<BoundDelta> GlobalChanges; // tightenings of them, in order
+    Array<char> Implied; // [columns] continuous ones that are integral (implied_integers.h)
     ObjectiveGrid Grid;
     PropagationRows *Rows = nullptr;        // owned
     CliqueTable *Cliques = nullptr;         // owned, or null

@@ -2,6 +2,7 @@
 #include "mip/node_heuristics.h"
 #include "mip/accept.h"
 #include "mip/node_lp.h"
+#include "mip/node_select.h"
 #include "mip/search.h"
 #include "mip/search_log.h"
 #include "mip/sub_mip.h"
@@ -10,8 +11,9 @@
 
 namespace
 {
-constexpr double ROOT_SHARE = 0.025; // of Heuristics, above which they run after the first LP
-constexpr double LOOKED_FOR = 1e-6;  // largest violation of a row that they leave
+constexpr double ROOT_SHARE =
+    0.025; // of Heuristics, above which they run after the first LP
+constexpr double LOOKED_FOR = 1e-6; // largest violation of a row that they leave
 
 // Made when first needed, as many searches need none.
 int make_state(MIPState *state)
@@ -105,6 +107,7 @@ int node_heuristics(SearchWorker *worker, TreeNode *node, HeurStage stage)
         !is_due(state, data, stage))
         return 0;
     TRY(make_state(state));
+    if (stage != HeurStage::NODE) update_global_bound(state); // for the log
     node_get_x(worker, worker->Values.data);
     const HeurCall call = call_of(worker, data, stage);
     const int code = stage == HeurStage::NODE ? HeurNode(state->Heur, call)

@@ -1,6 +1,7 @@
 // search_create.cpp -- the record of a search, with the structures that it finds in the body
 #include "heur/heur.h"
 #include "mip/branch_sets.h"
+#include "mip/implied_integers.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
 #include "mip/user_rows.h"
@@ -69,7 +70,8 @@ int fill(MIPState *state)
     TRY(pseudo_alloc(&state->Costs, body->numvars));
     TRY(propagation_rows_of_body(&state->Rows, body));
     TRY(find_branch_sets(state));
-    state->Grid = objective_grid(body);
+    TRY(find_implied_integers(state));
+    state->Grid = objective_grid(body, state->Implied.data);
     log_structures(state);
     state->Pool.PruneValue = search_prune_value(state);
     TRY(make_worker(state, 0));

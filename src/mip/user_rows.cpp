@@ -1,5 +1,6 @@
 // user_rows.cpp -- rows that the caller's function hands in at nodes
 #include "mip/user_rows.h"
+#include "mip/implied_integers.h"
 #include "simplex/resolve.h"
 #include <cmath>
 
@@ -39,6 +40,7 @@ int add_user_row(MIPState *state, const CallbackRow &row)
                     "Presolve has removed columns of the cut: set parameter PreCrush");
     TRY(gather(&dense, &ind, &val));
     TRY(row_append(&state->UserRows, static_cast<int>(ind.size), ind.data, val.data, rhs));
+    drop_optimal_implied(state);
     const SolutionEntry *best = pool_best(&state->Pool);
     if (best && !(best->X && user_rows_hold(state, best->X))) state->IncumbentGone = true;
     return 0;
