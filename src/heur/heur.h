@@ -25,6 +25,12 @@ struct HeurSearch {
     void *Owner = nullptr; // their first argument
     // Offers a point [columns] of the model. *improved: it is the new incumbent.
     int (*Try)(void *owner, const double *x, bool *improved) = nullptr;
+    // Searches the model with these bounds [columns] and offers the best point. *work: what that has cost. Null: a search
+    // inside another one runs none itself.
+    int (*SubMip)(void *owner, const double *lower, const double *upper, bool *improved,
+                  double *work) = nullptr;
+    // By how much the gains of the two ways to branch on a column differ, as far as is known.
+    double (*BranchDifference)(void *owner, int j) = nullptr;
     bool (*GoOn)(void *owner) =
         nullptr; // asked between two steps; false: a limit, or an end
 };

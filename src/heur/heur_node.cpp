@@ -5,10 +5,12 @@
 //            2  shifted rounding by moves
 //            3  shifted rounding with repair: at the root, and at few nodes
 //          Between two steps the search is asked whether to go on. At the root 1 to 3 run once more from other inputs, as
-//          long as there is no incumbent and the model is not too large.
+//          long as there is no incumbent and the model is not too large. At its end most columns are fixed, and the rest
+//          is searched (fix_dive.cpp).
 // Budget   Two shares of the work, for heuristics that search (3) and for others. They grow with the parameter, and while
 //          the bound makes little progress. In the tree steps 1 and 2 keep to the second share, too: they are cheap, but on
 //          a model where a node costs a few pivots they would still be felt.
+#include "heur/fix_dive.h"
 #include "heur/rounding.h"
 #include <algorithm>
 #include <cmath>
@@ -19,8 +21,9 @@ constexpr double NO_INCUMBENT = 5e99;   // an objective above it
 constexpr double LARGE_MODEL = 1000000; // entries from which other inputs are not tried
 constexpr double EARLY_NODES = 1000; // up to here repairs run at every REPAIR_EVERY-th node
 constexpr double REPAIR_EVERY = 91;  // prime to the numbers of other heuristics
-constexpr double LARGE_SHARE = 0.25; // of Heuristics
-constexpr double LATE_NODES = 10000; // the second share shrinks behind them
+constexpr double FIXED_AT_ROOT = 0.9; // of the integer columns, before the rest is searched
+constexpr double LARGE_SHARE = 0.25;  // of Heuristics
+constexpr double LATE_NODES = 10000;  // the second share shrinks behind them
 constexpr double LATE_BONUS = 0.05;
 
 struct Budget {
@@ -104,5 +107,7 @@ int HeurNode(HeurState *h, const HeurCall &call)
 int HeurRoot(HeurState *h, const HeurCall &call)
 {
     TRY(HeurNode(h, call));
-    return other_inputs(h, call);
+    TRY(other_inputs(h, call));
+    if (call.Stage != HeurStage::ROOT_END || !goes_on(call)) return 0;
+    return FixPropagate(h, call, FIXED_AT_ROOT);
 }

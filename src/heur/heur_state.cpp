@@ -41,6 +41,7 @@ int alloc(HeurState *h)
     TRY(array_assign(&h->Shifts, n, 0));
     TRY(array_reserve(&h->Shifted, n));
     TRY(array_assign(&h->Order, n, 0));
+    TRY(array_assign(&h->Keys, n, 0.0));
     TRY(array_assign(&h->ColPlace, n, -1));
     return array_assign(&h->RowPlace, m, -1);
 }

@@ -19,6 +19,7 @@ struct HeurState {
 
     // Scratch; the places are all -1 between two calls.
     Array<int> Order;              // [columns]
+    Array<double> Keys;            // [columns] by which Order is sorted
     Array<int> ColPlace, RowPlace; // [columns], [rows] in a list, or -1
 
     double Work = 0; // beside that of the points, since it was last taken

@@ -13,6 +13,8 @@ namespace
 {
 constexpr double ROOT_SHARE =
     0.025; // of Heuristics, above which they run after the first LP
+// Of the work so far, for a search inside; and what it may always take, some hundredths of a second.
+constexpr double SHARE_WITH_INCUMBENT = 0.5, SMALL_WORK = 1e6;
 constexpr double LOOKED_FOR = 1e-6; // largest violation of a row that they leave
 
 // Made when first needed, as many searches need none.
@@ -43,16 +45,40 @@ int try_point(void *owner, const double *x, bool *improved)
     return code;
 }
 
-bool goes_on(void *owner)
-{
-    return check_status(state_of(owner)) == RUNNING;
-}
-
 double sum(const double *work)
 {
     double total = 0;
     for (int phase = 0; phase < WORK_PHASES; phase++) total += work[phase];
     return total;
+}
+
+// As much work as the search has done so far, half of that with an incumbent, within what is left of the limit.
+int search_inside(void *owner, const double *lower, const double *upper, bool *improved,
+                  double *work)
+{
+    const SearchWorker *worker = static_cast<SearchWorker *>(owner);
+    MIPState *state = worker->State;
+    const double done = search_work(state) + sum(worker->Work);
+    const double share = state->Pool.Incumbent < UNDEFINED_VALUE ? SHARE_WITH_INCUMBENT : 1;
+    const double left = std::max(0.0, state->Env->TARV_PAR_VTIMELIMIT - done);
+    const SubMipLimits limits = {1.0 * state->Env->SubMIPNodes,
+                                 std::min(left, std::max(SMALL_WORK, share * done))};
+    SubMipResult result;
+    const int code = RunSubMip(state, lower, upper, limits, &result);
+    *improved = result.Objective < UNDEFINED_VALUE;
+    *work = result.Work;
+    return code;
+}
+
+double branch_difference(void *owner, int j)
+{
+    const GainEstimate gains = pseudo_estimate(&state_of(owner)->Costs, j, 0.5);
+    return std::fabs(gains.Down - gains.Up);
+}
+
+bool goes_on(void *owner)
+{
+    return check_status(state_of(owner)) == RUNNING;
 }
 
 double gap_closed(const MIPState *state)
@@ -78,7 +104,9 @@ HeurCall call_of(SearchWorker *worker, const NodeData *data, HeurStage stage)
     call.SearchWork = search_work(state) + sum(worker->Work);
     call.HeurWork = state->Work[WORK_HEURISTICS] + worker->Work[WORK_HEURISTICS];
     call.Env = state->Env;
-    call.Search = {worker, try_point, goes_on};
+    const bool inside = state->Env->TARV_PAR_SUBMIP != 0;
+    call.Search = {worker, try_point, inside ? nullptr : search_inside, branch_difference,
+                   goes_on};
     return call;
 }
 
