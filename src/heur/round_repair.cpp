@@ -1,7 +1,7 @@
 // round_repair.cpp -- continuous values for a point whose integers are settled, where rows are violated
 //
-// Problem  Some rows are violated at the working point. Find new values of the continuous columns in these rows, and in the
-//          rows that these columns touch, so that all rows hold.
+// Problem  Some rows are violated at the working point. Find new values of the continuous columns in these rows, and of
+//          those that these are tied to, so that all rows hold.
 // Method   An LP in the steps of these columns: rows are all that they touch, sides the residuals, bounds what the bounds
 //          of the node leave, costs those of the model. Its solution is added to the point.
 // Cost     An LP, of limited size and iterations; memory of its own. Due at few nodes.
@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr int MOST_COLUMNS = 5000;       // a larger problem is no repair
+constexpr int MOST_COLUMNS = 2000;       // from which on the problem does not grow any more
 constexpr double MOST_ITERATIONS = 2000; // of its LP
 
 struct Repair {
@@ -69,15 +69,17 @@ int add_rows(HeurState *h, Repair *repair, int64_t first)
     return 0;
 }
 
-// Columns of violated rows, those that share a row with them, and the rows of all these.
+// Columns of violated rows, then those that share a row with them, and so on up to the limit; and the rows of all these.
 int collect(HeurState *h, const HeurCall &call, Repair *repair)
 {
+    int64_t done = 0;
     for (const int i : h->At.Violated) TRY(add_columns_of(h, call, repair, i));
-    const int64_t near = repair->Cols.size;
-    TRY(add_rows(h, repair, 0));
-    for (int64_t k = 0; k < repair->Rows.size && repair->Cols.size <= MOST_COLUMNS; k++)
+    for (int64_t k = 0;; k++) {
+        TRY(add_rows(h, repair, done));
+        done = repair->Cols.size;
+        if (k >= repair->Rows.size || done > MOST_COLUMNS) return 0;
         TRY(add_columns_of(h, call, repair, repair->Rows.data[k]));
-    return add_rows(h, repair, near);
+    }
 }
 
 double step_bound(double bound, double at)
@@ -135,7 +137,7 @@ int solve(HeurState *h, Repair *repair)
 int run(HeurState *h, const HeurCall &call, Repair *repair)
 {
     TRY(collect(h, call, repair));
-    if (repair->Cols.size == 0 || repair->Cols.size > MOST_COLUMNS) return 0;
+    if (repair->Cols.size == 0) return 0;
     for (const int i : h->At.Violated)
         if (h->RowPlace.data[i] < 0) return 0; // no continuous column can help it
     TRY(build(h, call, repair));
