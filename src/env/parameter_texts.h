@@ -98,7 +98,7 @@ inline constexpr ParameterText rows[] = {
     {"CrossoverBasis", NOT_YET, "", "How the crossover builds its first basis.", ""},
     {"Heuristics", YES, "off=0",
      "Share of the work of a search over integer variables that goes into heuristics.",
-     "Larger when good solutions are more important than a proof; off when none but the caller's are needed."},
+     "Larger when good solutions are more important than a proof; off with lazy constraints from a callback."},
     {"PumpPasses", NOT_YET, "off=0", "Passes of the feasibility pump at the root, when no other heuristic has found a solution.", ""},
     {"RINS", NOT_YET, "auto=-1 off=0", "Every how many nodes the neighbourhood of solution and relaxation is searched.", ""},
     {"SubMIPNodes", YES, "", "The most nodes of a search inside the search: for the rest of a start that was given in part.",

@@ -6,6 +6,7 @@
 #include "mip/accept.h"
 #include "body/quality.h"
 #include "mip/node_heuristics.h"
+#include "mip/search.h"
 #include "mip/search_callback.h"
 #include "mip/search_log.h"
 #include "mip/semi.h"
@@ -109,7 +110,7 @@ double *new_copy(const double *x, int n)
 int improve(MIPState *state, SolutionSource source)
 {
     const double objective = state->Pool.Incumbent, bound = search_bound(state, true);
-    if (source == SolutionSource::IMPROVED ||
+    if (source == SolutionSource::IMPROVED || check_status(state) != RUNNING ||
         objective - bound <= (std::fabs(objective) + 1) * CLOSED_GAP)
         return 0;
     const double *better = nullptr;
