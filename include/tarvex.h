@@ -708,9 +708,10 @@ TVX_API int TVXcbsolution(void *cbdata, const double *solution);
  *   cutval    in  [cutlen] coefficients
  *   cutsense  in  '<' or '>'; any other sense counts as '<'
  *   cutrhs    in
- * Points that need lazy constraints have to be seen at nodes: a solution that a start, TVXcbsolution or the search's own
- * rounding has found is accepted without a call at a node, and only announced at TVX_WHERE_SOLUTION, where no cuts can be
- * handed in. A row that the next node hands in still takes it away if it violates the row.
+ * Points that need lazy constraints have to be seen at nodes: a solution that a start, TVXcbsolution or a heuristic of the
+ * search has found is accepted without a call at a node, and only announced at TVX_WHERE_SOLUTION, where no cuts can be
+ * handed in. A row that the next node hands in still takes it away if it violates the row. Heuristics=0 lets all
+ * solutions of the search come from nodes.
  * Presolve works on the model as it was given. PreCrush=1 keeps the columns that a cut may need; without it a cut over a
  * column that presolve has removed may be refused. Rows that do not follow from the model (lazy constraints) need both
  * Presolve=0 and TARV_PAR_DUALREDUCTION=0: presolve might otherwise keep only such solutions as the row excludes, or

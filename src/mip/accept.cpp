@@ -8,6 +8,8 @@
 #include "body/quality.h"
 #include "body/row_activity.h"
 #include "body/row_kind.h"
+#include "mip/node_heuristics.h"
+#include "mip/search.h"
 #include "mip/search_callback.h"
 #include "mip/search_log.h"
 #include "mip/semi.h"
@@ -22,6 +24,7 @@ constexpr double NEARLY = 1000;
 
 // Of the gap, by which an incumbent is taken to have reduced it.
 constexpr double NO_GAP = 1e-10, LEAST_SHARE = 0.05, MOST_SHARE = 0.95;
+constexpr double CLOSED_GAP = 1e-10; // relative, that leaves nothing to improve
 
 bool is_integer_type(const ModelBody *body, int j)
 {
@@ -137,6 +140,19 @@ double *new_copy(const double *x, int n)
     return copy;
 }
 
+// A better point next to x, the new incumbent in Candidate, which is offered in turn.
+int improve(MIPState *state, SolutionSource source)
+{
+    const double objective = state->Pool.Incumbent, bound = search_bound(state, true);
+    if (source == SolutionSource::IMPROVED || check_status(state) != RUNNING ||
+        objective - bound <= (std::fabs(objective) + 1) * CLOSED_GAP)
+        return 0;
+    const double *better = nullptr;
+    Acceptance outcome = Acceptance::INFEASIBLE;
+    TRY(search_improve(state, state->Candidate.data, &better));
+    return better ? accept_solution(state, better, SolutionSource::IMPROVED, &outcome) : 0;
+}
+
 // The incumbent has changed: PruneValue, the caller, the log.
 int announce(MIPState *state, SolutionSource source)
 {
@@ -213,7 +229,8 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     }
     TRY(store(state, own, full, objective, source));
     *outcome = Acceptance::IMPROVED;
-    return announce(state, source);
+    TRY(announce(state, source));
+    return improve(state, source);
 }
 
 int accept_callers_point(MIPState *state, const double *given, SolutionSource source,

@@ -49,6 +49,7 @@ const ModelBody *space_outermost(const SearchSpace *space);
 [[nodiscard]] int space_row_in(const SearchSpace *space, Array<double> *row, double *rhs,
                                bool *mapped);
 
+struct HeurState; // heur/heur.h
 struct BranchSet {
     int Beg, End; // members in MIPState::SetMembers
 };
@@ -97,6 +98,7 @@ struct MIPState {
     int NumSemis = 0;
     Array<double> Lower, Upper;      // [columns] valid for the whole search
     Array<BoundDelta> GlobalChanges; // tightenings of them, in order
+    Array<char> Implied; // [columns] continuous ones that are integral (implied_integers.h)
     ObjectiveGrid Grid;
     PropagationRows *Rows = nullptr; // owned
     // Owned, or null: the cliques that propagation over the rows does not find.
@@ -121,6 +123,7 @@ struct MIPState {
     PseudoCostTable Costs;
     Array<SearchWorker *> Workers; // owned
     ReducedCosts Reduced;          // of the root, for fixing
+    HeurState *Heur = nullptr;     // owned, or null: no heuristic has run
 
     // ---- Statistics ----
     double Nodes = 0;      // explored

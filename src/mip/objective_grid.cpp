@@ -4,6 +4,7 @@
 //          with a small q, and the step is the first value divided by the least common multiple of the q, times the
 //          greatest common divisor of the numerators. All values have to be multiples of the step to within rounding.
 #include "mip/objective_grid.h"
+#include "mip/implied_integers.h"
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -76,16 +77,18 @@ double common_step(const double *values, int count)
     return step;
 }
 
-ObjectiveGrid objective_grid(const ModelBody *body)
+ObjectiveGrid objective_grid(const ModelBody *body, const char *implied)
 {
-    ObjectiveGrid grid = {0, body->objcon};
+    ObjectiveGrid grid;
+    grid.Constant = body->objcon;
     Array<double>
         costs; // of each size once would do; a failed allocation costs only the grid
     int count = 0;
     for (int j = 0; j < body->numvars; j++) {
         if (std::fabs(body->obj.data[j]) <= NO_COST) continue;
         const char type = body->vtypes.size > 0 ? body->vtypes.data[j] : 'C';
-        if (type != 'B' && type != 'I') return grid;
+        if (type != 'B' && type != 'I' && !implied[j]) return grid;
+        if (implied[j] == IMPLIED_OPTIMAL) grid.Loose = true;
         count++;
     }
     if (count == 0) {
@@ -113,6 +116,8 @@ double prune_from(const ObjectiveGrid &grid, double value, double steps)
 
 double prune_value_of_incumbent(const ObjectiveGrid &grid, double incumbent)
 {
+    if (grid.Loose)
+        return prune_value_of_cutoff(grid, incumbent); // it may lie between them
     if (incumbent >= UNDEFINED_VALUE) return UNDEFINED_VALUE;
     return prune_from(
         grid, incumbent,

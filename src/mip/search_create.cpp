@@ -1,5 +1,7 @@
 // search_create.cpp -- the record of a search, with the structures that it finds in the body
+#include "heur/heur.h"
 #include "mip/branch_sets.h"
+#include "mip/implied_integers.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
 #include "mip/user_rows.h"
@@ -68,7 +70,8 @@ int fill(MIPState *state)
     TRY(pseudo_alloc(&state->Costs, body->numvars));
     TRY(propagation_rows_of_body(&state->Rows, body));
     TRY(find_branch_sets(state));
-    state->Grid = objective_grid(body);
+    TRY(find_implied_integers(state));
+    state->Grid = objective_grid(body, state->Implied.data);
     log_structures(state);
     state->Pool.PruneValue = search_prune_value(state);
     TRY(make_worker(state, 0));
@@ -116,6 +119,7 @@ void search_free(MIPState *state)
     if (!state) return;
     free_nodes(state);
     for (SearchWorker *worker : state->Workers) worker_free(worker);
+    heur_free(state->Heur);
     pool_free(&state->Pool);
     propagation_rows_free(state->Rows);
     clique_table_free(state->Cliques);

@@ -3,6 +3,7 @@
 // Method   Choose a node, process it, branch, finish it, test for the end. One worker runs here on the caller's thread.
 #include "mip/accept.h"
 #include "mip/branch.h"
+#include "mip/node_heuristics.h"
 #include "mip/node_process.h"
 #include "mip/node_select.h"
 #include "mip/search.h"
@@ -62,6 +63,7 @@ int work_on_node(SearchWorker *worker, TreeNode **node)
     data->Status = settle_by_bound(state, data);
     if (data->Status == NODE_UNSOLVED) TRY(process_node(worker, node));
     TRY(node_callback(worker, *node));
+    if ((*node)->Parent) TRY(node_heuristics(worker, *node, HeurStage::NODE)); // root: done
     // Branching may find bounds with which the LP becomes integral, and a point that is not exact may be branched on.
     for (bool again = true; again;) {
         if ((*node)->Data->Status == NODE_INTEGRAL) TRY(accept_node(worker, node));

@@ -5,6 +5,7 @@
 //          closes tighten bounds of the whole search, and the LP is solved again, until that changes nothing.
 #include "mip/accept.h"
 #include "mip/branch.h"
+#include "mip/node_heuristics.h"
 #include "mip/node_lp.h"
 #include "mip/node_process.h"
 #include "mip/search.h"
@@ -91,8 +92,9 @@ int process_root(SearchWorker *worker, TreeNode **root)
     TRY(root_solve_lp(worker, *root));
     if ((*root)->Data->Status == NODE_FRACTIONAL || (*root)->Data->Status == NODE_INTEGRAL)
         TRY(after_lp(worker, (*root)->Data));
+    TRY(node_heuristics(worker, *root, HeurStage::ROOT_PASS));
     if ((*root)->Data->Status == NODE_FRACTIONAL) TRY(test_branching(worker, root));
-    return 0;
+    return node_heuristics(worker, *root, HeurStage::ROOT_END);
 }
 // A root that the tree cannot begin with.
 void settle(MIPState *state, NodeData *data)

@@ -8,7 +8,8 @@ enum class SolutionSource : char {
     HEURISTIC, // a heuristic, or the caller's callback
     START,     // the caller's start
     BEFORE,    // the search before a restart
-    SUB_MIP
+    SUB_MIP,
+    IMPROVED // made of the one before it
 };
 
 struct SolutionEntry {

@@ -23,6 +23,7 @@ int make_env(const SubMipOrder &order, TVXenv **out)
     TVXenv *env = *out;
     env->outer = nullptr; // a callback that asks for this search is not called by it
     env->NodeLimit = order.NodeLimit;
+    env->TARV_PAR_VTIMELIMIT = std::min(env->TARV_PAR_VTIMELIMIT, order.WorkLimit);
     env->Cutoff = UNDEFINED_VALUE; // is an argument
     env->Heuristics = HEURISTICS;
     env->MIPGap = GAP;
@@ -58,6 +59,7 @@ int search(const SubMipOrder &order, const ModelBody *body, TVXenv *env,
     int code = mip_run(&state);
     outcome->Nodes = state->Nodes;
     outcome->Iterations = state->Iterations;
+    outcome->Work += search_work(state);
     const SolutionEntry *best = pool_best(&state->Pool);
     if (!code && best) code = array_copy(&outcome->X, best->Full, body->numvars);
     outcome->Found = !code && best;
@@ -85,6 +87,7 @@ int presolve_and_search(const SubMipOrder &order, const ModelBody *body, TVXenv 
     PresolveStatus status = PRESOLVE_OK;
     double work = 0;
     TRY(presolve_mip(body, env, env->TARV_PAR_PREPROBE, &presolved, &status, &work));
+    outcome->Work += work;
     outcome->Complete = status == PRESOLVE_INFEASIBLE ||
                         (status == PRESOLVE_INF_OR_UNBD && objective_is_bounded(env, body));
     if (status != PRESOLVE_OK) return 0;
@@ -122,24 +125,31 @@ int sub_mip_run(const SubMipOrder &order, SubMipOutcome *outcome)
     return code == OUT_OF_MEMORY ? code : 0;
 }
 
-int RunSubMip(MIPState *state, const double *lower, const double *upper, double node_limit,
-              double *objective)
+int RunSubMip(MIPState *state, const double *lower, const double *upper,
+              SubMipLimits limits, SubMipResult *result)
 {
-    *objective = UNDEFINED_VALUE;
+    *result = SubMipResult{};
     const double incumbent = state->Pool.Incumbent;
     if (least_objective(state->Body, lower, upper) > incumbent - SMALL_IMPROVEMENT)
         return 0;
-    SubMipOrder order = {
-        state->Body, lower, upper, nullptr, state->Env, node_limit, state->Pool.PruneValue};
+    SubMipOrder order = {state->Body,
+                         lower,
+                         upper,
+                         nullptr,
+                         state->Env,
+                         limits.Nodes,
+                         state->Pool.PruneValue,
+                         limits.Work};
     if (incumbent < UNDEFINED_VALUE)
         order.Cutoff = std::min(order.Cutoff, incumbent + CUTOFF_MARGIN);
     SubMipOutcome found;
     TRY(sub_mip_run(order, &found));
     state->SubNodes += found.Nodes;
     state->SubIterations += found.Iterations;
+    result->Work = found.Work;
     if (!found.Found) return 0;
     Acceptance outcome = Acceptance::INFEASIBLE;
     TRY(accept_solution(state, found.X.data, SolutionSource::SUB_MIP, &outcome));
-    if (outcome == Acceptance::IMPROVED) *objective = state->Pool.Incumbent;
+    if (outcome == Acceptance::IMPROVED) result->Objective = state->Pool.Incumbent;
     return 0;
 }

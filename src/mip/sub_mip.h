@@ -10,19 +10,27 @@ struct SubMipOrder {
     const double *Costs = nullptr; // [numvars], or null: those of the body
     TVXenv *Env = nullptr;         // of the search that asks
     double NodeLimit = 0;
-    double Cutoff = 1e100; // minimisation form
+    double Cutoff = 1e100;    // minimisation form
+    double WorkLimit = 1e100; // deterministic
 };
 struct SubMipOutcome {
     bool Found = false;
     bool Complete = false; // it is known that there is nothing better, or nothing at all
     int Status = 0;        // with which the search has ended, 0: presolve has decided
     Array<double> X;       // [numvars] the best solution
-    double Nodes = 0, Iterations = 0;
+    double Nodes = 0, Iterations = 0, Work = 0;
 };
 // Presolves and searches. What goes wrong in it is no solution. 0 or OUT_OF_MEMORY.
 [[nodiscard]] int sub_mip_run(const SubMipOrder &order, SubMipOutcome *outcome);
 
 // Fixes columns of the searched body by these bounds [columns], and offers what the recursive search finds.
-// *objective: of the solution, or 1e100. 0 or a code.
+// 0 or a code.
+struct SubMipLimits {
+    double Nodes, Work;
+};
+struct SubMipResult {
+    double Objective = 1e100; // of the new incumbent, or 1e100
+    double Work = 0;          // that the search inside has taken
+};
 [[nodiscard]] int RunSubMip(MIPState *state, const double *lower, const double *upper,
-                            double node_limit, double *objective);
+                            SubMipLimits limits, SubMipResult *result);

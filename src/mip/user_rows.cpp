@@ -1,5 +1,6 @@
 // user_rows.cpp -- rows that the caller's function hands in at nodes
 #include "mip/user_rows.h"
+#include "mip/implied_integers.h"
 #include "simplex/resolve.h"
 #include <cmath>
 
@@ -40,6 +41,7 @@ int add_user_row(MIPState *state, const CallbackRow &row)
     TRY(gather(&dense, &ind, &val));
     TRY(row_append(&state->CallerRows, row.count, row.ind, row.val, row.rhs));
     TRY(row_append(&state->UserRows, static_cast<int>(ind.size), ind.data, val.data, rhs));
+    drop_optimal_implied(state);
     const SolutionEntry *best = pool_best(&state->Pool);
     if (best && !callers_rows_hold(state, best->Full)) state->IncumbentGone = true;
     return 0;

@@ -28,6 +28,7 @@ simplex simplex resolve
 presolve presolve dualise
 files files draft
 lp lp
+heur heur
 mip mip
 model model solution attribute_cache pending warm_start
 attributes sensitivity'

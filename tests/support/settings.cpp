@@ -37,6 +37,7 @@ static const std::vector<Choice> MIP_CHOICES = {
     {"TARV_PAR_PRECOEFFICIENT", 15, {0, 1}},
     {"TARV_PAR_PREPARALLEL", 10, {0, 1}},
     {"TARV_PAR_IMPLIEDINT", 15, {0, 1}},
+    {"TARV_PAR_NETIMPLIED", 40, {1}},
     {"TARV_PAR_DISJOINT", 15, {0, 1}},
     {"Aggregate", 15, {0, 1}},
     {"PrePasses", 15, {0, 1, 3}},
