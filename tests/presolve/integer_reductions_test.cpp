@@ -75,6 +75,25 @@ INSTANTIATE_TEST_SUITE_P(All, IntegerReduction, testing::ValuesIn(ROWS),
                              return name;
                          });
 
+TEST(PresolveJudge, tells_a_ray_from_the_rounding_of_costs)
+{
+    // x2 follows x3 and x4 at no cost; as the slack of the second row it costs -1 / 10000, which is rounded.
+    LpModel lp =
+        lp_make({{.3, 0, 1}, {-.01}, {.03, 0, 3}, {.01}, {.01}},
+                {{{-2000, 100, 0, -100, -100}, '<', 0}, {{0, 100, 100, -100}, '>', 1400}});
+    lp.types = {'I', 'C', 'I', 'I', 'C'};
+    const Settings fill = {{"AggFill", 100}};
+    const MipTry right = mip_reduced_by(mip_question(&lp, fill), {pre_aggregate});
+    EXPECT_EQ(right.faults, "");
+    EXPECT_TRUE(right.judged);
+    EXPECT_EQ(mip_truth(&right.reduced).status, MipStatus::UNBOUNDED);
+    const auto spoil = [](PresolveWork *w) { // the last column earns a trifle
+        w->Obj.data[4] -= 1e-6;
+        return 0;
+    };
+    EXPECT_NE(mip_reduced_by(mip_question(&lp, fill), {pre_aggregate, spoil}).faults, "");
+}
+
 TEST(PresolveCrush, a_point_of_two_columns_is_one_of_the_merged_column)
 {
     // max x + y + z / 2 with x + y + z <= 6.5: both columns at 3

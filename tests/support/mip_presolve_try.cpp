@@ -11,6 +11,8 @@ static constexpr double LOOSE = 1e-10, ROUNDING = 1e-14;
 static constexpr int OBJECTIVES = 2; // random ones, per model
 static constexpr int NODES = 400;    // of the exact judge
 static constexpr double SAME = 1e-5; // relative difference of equal objectives
+static constexpr double FAR =
+    1e8; // beyond all optima; a rounded cost of 1e-16 is not worth SAME there
 
 MipQuestion mip_question(const LpModel *lp, const Settings &settings)
 {
@@ -63,6 +65,15 @@ static LpModel loosened(const LpModel &lp)
     return loose;
 }
 
+// Numbers without a bound get a far one.
+static LpModel enclosed(const LpModel &lp)
+{
+    LpModel box = lp;
+    for (double &lb : box.lb) lb = std::max(lb, -FAR);
+    for (double &ub : box.ub) ub = std::min(ub, FAR);
+    return box;
+}
+
 static std::vector<double> doubles_of(const LpModel &lp, const std::vector<mpq_class> &x)
 {
     std::vector<double> values;
@@ -103,6 +114,14 @@ struct Judge {
         const MipTruth own = mip_truth(&loose, NODES);
         return own.status != MipStatus::OPTIMAL ||
                differ(question.lp->sense * own.value.get_d(), wanted(), 0);
+    }
+    // True if the reduced model is unbounded only because its costs are rounded: with far bounds its optimum is right.
+    bool unbounded_by_rounding() const
+    {
+        const LpModel box = enclosed(out->reduced);
+        const MipTruth truth = mip_truth(&box, NODES);
+        return truth.status == MipStatus::OPTIMAL &&
+               !differ(truth.value.get_d(), wanted(), 0);
     }
     void map_back(const std::vector<double> &x, bool is_optimum);
     void map_forth();
@@ -173,6 +192,7 @@ void Judge::optimum()
     }
     if (truth.status == MipStatus::UNKNOWN) return;
     out->judged = true;
+    if (truth.status == MipStatus::UNBOUNDED && unbounded_by_rounding()) return;
     if (truth.status != MipStatus::OPTIMAL) {
         if (mip_truth(question.lp, NODES).status == truth.status) return; // by scaling
         return fault(formatted("the reduced model is %s", mip_status_name(truth.status)));
