@@ -19,6 +19,10 @@ constexpr int COEF_ROUNDS = 9, BOUND_ROUNDS = 5;
 
 constexpr int DUAL_PASSES = 3; // passes with dual_bounds
 
+// Effort, per entry and at least, after which a pass of a round has to gain this share to be followed by another one:
+// where each pass makes a few steps of a long chain, time would grow faster than the model.
+constexpr double PATIENCE = 50, PATIENCE_LEAST = 5e7, PASS_GAIN = 0.005;
+
 constexpr int ROUNDS = 5;
 // Share of rows, columns and coefficients that a round has to change to be followed by another one, and with more effort.
 constexpr double GAIN = 0.05, SMALL_GAIN = 0.01;
@@ -108,37 +112,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
     return 0;
 }
 
-// The passes of one round.
-int passes(PresolveWork *w, const Plan *plan, int round)
-{
-    for (int pass = 0; pass < plan->passes; pass++) {
-        const bool first = pass == 0 && round == 0;
-        w->Phase = 2;
-        if (!first) rotate(w); // what was touched becomes active
-        TRY(inner_loop(w, plan));
-        if (nothing_left(w)) return 0;
-        w->Phase = 1;
-        if (!first) rotate(w);
-        const int cols = w->ColsRemoved, rows = w->RowsRemoved, equations = w->IneqToEq;
-        TRY(outer_part(w, plan, pass));
-        if (cols == w->ColsRemoved && rows == w->RowsRemoved && equations == w->IneqToEq)
-            return 0;
-    }
-    return 0;
-}
-
-// The reductions over the whole model at the end of a round.
-int close_round(PresolveWork *w, const Plan *plan)
-{
-    w->Phase = 0;
-    return run_steps(w, {{plan->bound && plan->dual, pre_singleton_knapsack},
-                         {plan->probe_simple, pre_probe_simple},
-                         {plan->probe, pre_probe},
-                         {plan->clique_rows, pre_clique_rows},
-                         {plan->two_rows_at_end, pre_two_rows}});
-}
-
-// What stood at the beginning of a round.
+// What stood at the beginning of a round or a pass.
 struct Standing {
     int rows, cols, coefs;
 };
@@ -156,6 +130,40 @@ double gain_since(const PresolveWork *w, const Standing &before)
     return static_cast<double>(now.coefs - before.coefs) / static_cast<double>(w->NumNz) +
            static_cast<double>(before.rows - now.rows) / before.rows +
            static_cast<double>(before.cols - now.cols) / before.cols;
+}
+
+// The passes of one round.
+int passes(PresolveWork *w, const Plan *plan, int round)
+{
+    const double patience =
+        w->Work + PATIENCE * static_cast<double>(w->NumNz) + PATIENCE_LEAST;
+    for (int pass = 0; pass < plan->passes; pass++) {
+        const Standing before = standing(w);
+        const bool first = pass == 0 && round == 0;
+        w->Phase = 2;
+        if (!first) rotate(w); // what was touched becomes active
+        TRY(inner_loop(w, plan));
+        if (nothing_left(w)) return 0;
+        w->Phase = 1;
+        if (!first) rotate(w);
+        const int cols = w->ColsRemoved, rows = w->RowsRemoved, equations = w->IneqToEq;
+        TRY(outer_part(w, plan, pass));
+        if (cols == w->ColsRemoved && rows == w->RowsRemoved && equations == w->IneqToEq)
+            return 0;
+        if (w->Work > patience && gain_since(w, before) < PASS_GAIN) return 0;
+    }
+    return 0;
+}
+
+// The reductions over the whole model at the end of a round.
+int close_round(PresolveWork *w, const Plan *plan)
+{
+    w->Phase = 0;
+    return run_steps(w, {{plan->bound && plan->dual, pre_singleton_knapsack},
+                         {plan->probe_simple, pre_probe_simple},
+                         {plan->probe, pre_probe},
+                         {plan->clique_rows, pre_clique_rows},
+                         {plan->two_rows_at_end, pre_two_rows}});
 }
 
 int rounds(PresolveWork *w, const Plan *plan)
