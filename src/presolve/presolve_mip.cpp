@@ -21,7 +21,7 @@ constexpr int DUAL_PASSES = 3; // passes with dual_bounds
 
 // Effort, per entry and at least, after which a pass of a round has to gain this share to be followed by another one:
 // where each pass makes a few steps of a long chain, time would grow faster than the model.
-constexpr double PATIENCE = 50, PATIENCE_LEAST = 5e7, PASS_GAIN = 0.005;
+constexpr double PATIENCE = 20, PATIENCE_LEAST = 5e7, PASS_GAIN = 0.005;
 
 constexpr int ROUNDS = 5;
 // Share of rows, columns and coefficients that a round has to change to be followed by another one, and with more effort.
@@ -33,7 +33,7 @@ constexpr double NOTHING = 1e-13; // smaller sides and costs are zero
 struct Plan {
     bool dual = false, bound = false, parallel = false, aggregate = false, coef = false;
     bool dependent_rows = false, dependent_cols = false, two_rows = false;
-    bool two_rows_at_end = false, thorough = false;
+    bool two_rows_at_end = false, subset_rows = false, thorough = false;
     bool probe_simple = false, probe = false, cliques = false, clique_rows = false;
     int passes = 0;
 };
@@ -55,6 +55,7 @@ Plan make_plan(const PresolveWork *w)
     plan.probe = w->ProbeLevel > 0;
     plan.cliques = env->TARV_PAR_PRECLIQUE != 0;
     plan.clique_rows = env->TARV_PAR_PRECLIQSUB != 0;
+    plan.subset_rows = env->TARV_PAR_PRESUBROW != 0;
     plan.thorough = env->Presolve == 2 || w->ProbeLevel >= 2;
     plan.passes = env->PrePasses >= 0  ? env->PrePasses
                   : env->Presolve == 2 ? UNLIMITED
@@ -98,6 +99,8 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                       {plan->parallel, pre_duplicate_rows},
                       {plan->dual, pre_dominated_columns},
                       {plan->coef, pre_coef_rows},
+                      {plan->coef, pre_subset_coefs},
+                      {plan->subset_rows, pre_subset_rows},
                       {plan->clique_rows, pre_clique_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));

@@ -385,6 +385,8 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_row_bounds(PresolveWork *w);
 [[nodiscard]] int pre_binary_coefficients(PresolveWork *w);
 [[nodiscard]] int pre_coef_rows(PresolveWork *w);
+[[nodiscard]] int pre_subset_coefs(PresolveWork *w);
+[[nodiscard]] int pre_subset_rows(PresolveWork *w);
 [[nodiscard]] int pre_binary_equation(PresolveWork *w);
 [[nodiscard]] int pre_scale_int_columns(PresolveWork *w);
 [[nodiscard]] int pre_row_integrality(PresolveWork *w);

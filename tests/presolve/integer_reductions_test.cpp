@@ -26,6 +26,8 @@ static const Row ROWS[] = {
     {"row_bounds", {pre_row_bounds}, 100},
     {"binary_coefficients", {pre_binary_coefficients}, 3},
     {"coef_rows", {pre_coef_rows}, 5},
+    {"subset_coefs", {pre_subset_coefs}, 3},
+    {"subset_rows", {pre_subset_rows}, 15},
     {"row_integrality", {pre_row_integrality}, 50},
     {"scale_int_columns", {pre_scale_int_columns}, 10},
     {"binary_equation", {pre_binary_equation}, 20},
