@@ -33,7 +33,7 @@ constexpr double NOTHING = 1e-13; // smaller sides and costs are zero
 struct Plan {
     bool dual = false, bound = false, parallel = false, aggregate = false, coef = false;
     bool dependent_rows = false, dependent_cols = false, two_rows = false;
-    bool two_rows_at_end = false, subset_rows = false, thorough = false;
+    bool two_rows_at_end = false, subset_rows = false, dual_slack = false, thorough = false;
     bool probe_simple = false, probe = false, cliques = false, clique_rows = false;
     int passes = 0;
 };
@@ -56,6 +56,7 @@ Plan make_plan(const PresolveWork *w)
     plan.cliques = env->TARV_PAR_PRECLIQUE != 0;
     plan.clique_rows = env->TARV_PAR_PRECLIQSUB != 0;
     plan.subset_rows = env->TARV_PAR_PRESUBROW != 0;
+    plan.dual_slack = env->TARV_PAR_PREDUALSLACK != 0 && plan.dual;
     plan.thorough = env->Presolve == 2 || w->ProbeLevel >= 2;
     plan.passes = env->PrePasses >= 0  ? env->PrePasses
                   : env->Presolve == 2 ? UNLIMITED
@@ -95,6 +96,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                       {plan->coef, pre_scale_int_columns},
                       {plan->coef, pre_row_integrality},
                       {plan->dual && pass < DUAL_PASSES, pre_dual_bounds},
+                      {plan->dual_slack, pre_dual_slack},
                       {plan->parallel && plan->dual, pre_duplicate_cols},
                       {plan->parallel, pre_duplicate_rows},
                       {plan->dual, pre_dominated_columns},

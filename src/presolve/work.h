@@ -390,6 +390,7 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_binary_equation(PresolveWork *w);
 [[nodiscard]] int pre_scale_int_columns(PresolveWork *w);
 [[nodiscard]] int pre_row_integrality(PresolveWork *w);
+[[nodiscard]] int pre_dual_slack(PresolveWork *w);
 [[nodiscard]] int pre_dominated_columns(PresolveWork *w);
 [[nodiscard]] int pre_bound_dual(PresolveWork *w);
 [[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);

@@ -22,6 +22,8 @@ static const Row ROWS[] = {
     {"singleton_knapsack", {pre_singleton_knapsack}, 2},
     {"ineq_to_eq", {pre_ineq_to_eq, pre_aggregate}, 30},
     {"two_rows", {pre_two_rows}, 5},
+    {"dual_slack", {pre_dual_slack}, 8},
+    {"dual_slack and aggregate", {pre_dual_slack, pre_aggregate}, 60},
     {"dependent", {pre_dependent_rows, pre_dependent_cols}, 5},
     {"row_bounds", {pre_row_bounds}, 100},
     {"binary_coefficients", {pre_binary_coefficients}, 3},
