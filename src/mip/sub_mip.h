@@ -11,6 +11,7 @@ struct SubMipOrder {
     TVXenv *Env = nullptr;         // of the search that asks
     double NodeLimit = 0;
     double Cutoff = 1e100; // minimisation form
+    double Gap = 1e-4;     // relative gap at which the search may end
 };
 struct SubMipOutcome {
     bool Found = false;

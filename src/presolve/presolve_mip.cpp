@@ -193,13 +193,17 @@ int clear_rounding(PresolveWork *w)
     return presolve_check(w);
 }
 
-int close(PresolveWork *w)
+int close(PresolveWork *w, const Plan *plan)
 {
     w->Phase = 0;
     TRY(run_steps(w, {{true, pre_sos_fixings},
                       {true, pre_semi_fixings},
                       {w->Env->Presolve != 0, pre_tiny_coefficients}}));
     TRY(remove_empty_lines(w));
+    if (plan->dual && w->Env->Presolve != 0 && w->Components) {
+        TRY(run_reduction(w, pre_components));
+        TRY(remove_empty_lines(w));
+    }
     return clear_rounding(w);
 }
 
@@ -215,7 +219,7 @@ int reduce_steps(PresolveWork *w)
         if (plan.bound) TRY(run_reduction(w, pre_singleton_knapsack));
         TRY(rounds(w, &plan));
     }
-    return close(w);
+    return close(w, &plan);
 }
 
 // Sets and semi-continuous columns are also settled where the step limit has stopped everything else: the form of the
@@ -240,9 +244,10 @@ void log_result(const PresolveWork *w)
 } // namespace
 
 int presolve_mip(const ModelBody *body, TVXenv *env, int probe_level, PresolveResult **out,
-                 PresolveStatus *status, double *effort)
+                 PresolveStatus *status, double *effort, const ComponentSolver *components)
 {
     PresolveWork work;
+    work.Components = components;
     work.Method = static_cast<LpMethod>(env->LPMethod);
     work.IsMip = 1;
     work.ProbeLevel = probe_level;

@@ -148,7 +148,8 @@ struct PresolveWork {
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
     int NumNoted = 0; // rows with notes of pre_columns in Flag
-    MipFacts *Facts = nullptr; // cliques and implications of presolve_mip, or null
+    const ComponentSolver *Components = nullptr; // for pre_components, or null; not owned
+    MipFacts *Facts = nullptr;                   // cliques and implications of presolve_mip, or null
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
@@ -394,6 +395,7 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_dominated_columns(PresolveWork *w);
 [[nodiscard]] int pre_bound_dual(PresolveWork *w);
 [[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_components(PresolveWork *w);
 [[nodiscard]] int pre_probe_simple(PresolveWork *w);
 [[nodiscard]] int pre_probe(PresolveWork *w);       // by ProbeLevel
 [[nodiscard]] int pre_probe_quick(PresolveWork *w); // as with level 1

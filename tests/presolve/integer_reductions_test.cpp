@@ -35,6 +35,7 @@ static const Row ROWS[] = {
     {"binary_equation", {pre_binary_equation}, 20},
     {"dominated_columns", {pre_dominated_columns}, 20},
     {"bound_dual", {pre_bound_dual}, 10},
+    {"components", {pre_components}, 3},
     {"tiny_coefficients", {pre_tiny_coefficients}, 0},
     {"sets and semi-continuous",
      {pre_singleton_rows, pre_sos_fixings, pre_semi_fixings},

@@ -4,6 +4,7 @@
 #include "support/dice.h"
 #include "support/facts_judge.h"
 #include "support/inside.h"
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -288,10 +289,22 @@ MipTry mip_presolved(const MipQuestion &question)
     return out;
 }
 
+// ComponentSolver: the exact judge.
+static int solve_exactly(void *, const ModelBody *body, double *x, bool *solved)
+{
+    const LpModel lp = model_of_body(body);
+    const MipTruth truth = mip_truth(&lp, NODES);
+    *solved = truth.status == MipStatus::OPTIMAL;
+    if (*solved) std::ranges::copy(doubles_of(lp, truth.x), x);
+    return 0;
+}
+static const ComponentSolver EXACT = {solve_exactly, nullptr};
+
 static int reduce(PresolveWork *w, TVXmodel *model,
                   std::initializer_list<Reduction> reductions, PresolveResult **result)
 {
     w->IsMip = 1;
+    w->Components = &EXACT;
     TRY(work_load(w, model->body, model->env));
     TRY(pre_round_int_bounds(w));
     TRY(mark_everything(w));
