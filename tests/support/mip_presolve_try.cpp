@@ -272,23 +272,6 @@ static void judge_learned(PresolveResult *result, MipTry *out)
     implication_log_free(log);
 }
 
-MipTry mip_presolved(const MipQuestion &question)
-{
-    MipTry out;
-    const TestEnv env;
-    const TestModel model(lp_load(env.env, question.lp, question.settings));
-    if (!model) abort();
-    PresolveResult *result = nullptr;
-    double work = 0;
-    if (presolve_mip(model->body, model->env, model->env->TARV_PAR_PREPROBE, &result,
-                     &out.status, &work))
-        abort();
-    judge(question, result, &out);
-    if (result) judge_learned(result, &out);
-    presolve_free(result);
-    return out;
-}
-
 // ComponentSolver: the exact judge.
 static int solve_exactly(void *, const ModelBody *body, double *x, bool *solved)
 {
@@ -299,6 +282,23 @@ static int solve_exactly(void *, const ModelBody *body, double *x, bool *solved)
     return 0;
 }
 static const ComponentSolver EXACT = {solve_exactly, nullptr};
+
+MipTry mip_presolved(const MipQuestion &question)
+{
+    MipTry out;
+    const TestEnv env;
+    const TestModel model(lp_load(env.env, question.lp, question.settings));
+    if (!model) abort();
+    PresolveResult *result = nullptr;
+    double work = 0;
+    if (presolve_mip(model->body, model->env, model->env->TARV_PAR_PREPROBE, &result,
+                     &out.status, &work, &EXACT))
+        abort();
+    judge(question, result, &out);
+    if (result) judge_learned(result, &out);
+    presolve_free(result);
+    return out;
+}
 
 static int reduce(PresolveWork *w, TVXmodel *model,
                   std::initializer_list<Reduction> reductions, PresolveResult **result)
