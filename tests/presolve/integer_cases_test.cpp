@@ -118,6 +118,13 @@ TEST(IntegerCases, columns_that_together_use_up_a_slack_make_an_equation)
     const MipTry two = mip_reduced_by(mip_question(&lp), {pre_dual_slack});
     EXPECT_EQ(two.faults, "");
     EXPECT_EQ(two.reduced.senses[0], '=');
+    // Columns that earn do not use it up.
+    const LpModel earning = with_types(lp_make({{-1, 0, .8}, {-1, 0, .8}, {1, 0, 4}},
+                                               {{{1, 1}, '>', 1}, {{1, 1, 1}, '<', 3}}),
+                                       "CCI");
+    const MipTry kept = mip_reduced_by(mip_question(&earning), {pre_dual_slack});
+    EXPECT_EQ(kept.faults, "");
+    EXPECT_EQ(kept.reduced.senses[0], '<');
     // With integers the slack of 2.5 x + ... may be a fraction of a step.
     const LpModel coarse = with_types(lp_make({{2, 0, 8}, {3, 0, 5}, {0, 0, 4}},
                                               {{{2, 3, 1}, '>', 6}, {{0, 0, 1}, '>', 1}}),
@@ -125,4 +132,17 @@ TEST(IntegerCases, columns_that_together_use_up_a_slack_make_an_equation)
     const MipTry none = mip_reduced_by(mip_question(&coarse), {pre_dual_slack});
     EXPECT_EQ(none.faults, "");
     EXPECT_EQ(none.reduced.senses[0], '<');
+}
+
+TEST(IntegerCases, a_part_with_a_set_stays)
+{
+    // The first part is the larger one; in the second one of two columns is zero.
+    LpModel lp =
+        with_types(lp_make({{1, 0, 1}, {1, 0, 1}, {1, 0, 1}, {-1, 0, 2}, {-1, 0, 2}},
+                           {{{1, 1, 1}, '>', 1}, {{0, 0, 0, 1, 1}, '<', 3}}),
+                   "BBBCC");
+    lp.sets = {{1, {3, 4}}};
+    const MipTry t = mip_reduced_by(mip_question(&lp), {pre_components});
+    EXPECT_EQ(t.faults, "");
+    EXPECT_EQ(t.reduced.num_vars(), 5);
 }
