@@ -205,7 +205,7 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_DEGENMOVES", NOT_YET, "off=0", "Moves on the optimal face of the root towards a vertex with fewer fractions.", ""},
     {"TARV_PAR_IMPLIEDINT", NOT_YET, ON_OFF, "Whether implied integer variables are sought.", ""},
     {"TARV_PAR_NETIMPLIED", NOT_YET, ON_OFF, "Whether networks of continuous variables are taken as integer.", ""},
-    {"TARV_PAR_PREPROBE", NOT_YET, "off=0", "How hard presolve probes binary variables.", ""},
+    {"TARV_PAR_PREPROBE", YES, "off=0", "How hard presolve probes binary variables.", ""},
     {"TARV_PAR_PREPROBE0", YES, ON_OFF, "Whether presolve probes the simple way.", ""},
     {"TARV_PAR_PRETWOROWS", YES, "", "From 1 on presolve adds equations to rows with nearly the same columns, so that entries cancel; Presolve=2 does so always.", ""},
     {"TARV_PAR_PREBOUND", YES, ON_OFF, "Whether presolve derives bounds from rows: rows that these make redundant go, columns without bounds may get them.", ""},

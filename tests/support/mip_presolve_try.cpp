@@ -173,7 +173,11 @@ void Judge::random_objectives(const LpModel &loose)
         LpModel other = loose;
         for (double &c : other.obj) c = dice.range(-5, 5);
         const MipTruth best = mip_truth(&other, NODES);
-        if (best.status == MipStatus::OPTIMAL) map_back(doubles_of(loose, best.x), false);
+        if (best.status != MipStatus::OPTIMAL) continue;
+        const std::vector<double> x = doubles_of(loose, best.x);
+        // Where rays meet by the rounding of entries, a vertex may be too far away to have digits left.
+        if (std::ranges::all_of(x, [](double v) { return std::fabs(v) <= FAR; }))
+            map_back(x, false);
     }
 }
 
