@@ -139,4 +139,3 @@ int presolved_var(const PresolveResult *result, int j);
 int presolved_constr(const PresolveResult *result, int i);
 double presolved_constant(
     const PresolveResult *result); // of the reduced objective, in the caller's sense
-

@@ -147,9 +147,9 @@ struct PresolveWork {
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
-    int NumNoted = 0; // rows with notes of pre_columns in Flag
+    int NumNoted = 0;                            // rows with notes of pre_columns in Flag
     const ComponentSolver *Components = nullptr; // for pre_components, or null; not owned
-    MipFacts *Facts = nullptr;                   // cliques and implications of presolve_mip, or null
+    MipFacts *Facts = nullptr; // cliques and implications of presolve_mip, or null
 };
 
 enum MatrixClass { MATRIX_GENERAL = 0, MATRIX_UNIT_EQUATIONS = 1, MATRIX_NETWORK = 2 };
