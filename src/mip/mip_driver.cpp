@@ -13,6 +13,7 @@
 #include "mip/mip_start.h"
 #include "mip/search_callback.h"
 #include "mip/search_log.h"
+#include "mip/sub_mip.h"
 #include "runtime/clock.h"
 #include <algorithm>
 #include <cmath>
@@ -180,13 +181,31 @@ int take_presolved(MipSolve *mip, const TVXenv *env, const PresolveResult *preso
     return 0;
 }
 
+constexpr double COMPONENT_NODES = 500;
+
+// A part of the model that presolve has found to be separate (ComponentSolver).
+int solve_component(void *context, const ModelBody *body, double *x, bool *solved)
+{
+    SubMipOrder order;
+    order.Body = body;
+    order.Env = static_cast<TVXenv *>(context);
+    order.NodeLimit = COMPONENT_NODES;
+    order.Gap = 0;
+    SubMipOutcome outcome;
+    TRY(sub_mip_run(order, &outcome));
+    *solved = outcome.Found && outcome.Complete;
+    if (*solved) std::copy_n(outcome.X.data, body->numvars, x);
+    return 0;
+}
+
 int presolve_and_search(MipSolve *mip, TVXenv *env, const double *start)
 {
     PresolveResult *presolved = nullptr;
     PresolveStatus status = PRESOLVE_OK;
     double work = 0;
     const int level = mip->env->Presolve == 2 ? PROBING_MUCH : env->TARV_PAR_PREPROBE;
-    TRY(presolve_mip(mip->body, env, level, &presolved, &status, &work));
+    const ComponentSolver components = {solve_component, env};
+    TRY(presolve_mip(mip->body, env, level, &presolved, &status, &work, &components));
     if (status != PRESOLVE_OK) {
         mip->result->status = status_for_model(mip, mip_status_of(status));
         return 0;

@@ -14,7 +14,7 @@ namespace
 {
 constexpr double SMALL_IMPROVEMENT = 1e-10; // less than this is none
 constexpr double CUTOFF_MARGIN = 1e-6;      // above the incumbent
-constexpr double GAP = 1e-4, GAP_ABS = 1e-10, HEURISTICS = 0.05;
+constexpr double GAP_ABS = 1e-10, HEURISTICS = 0.05;
 constexpr int ALWAYS = 2, AT_ROOT = 1; // levels of cuts
 
 int make_env(const SubMipOrder &order, TVXenv **out)
@@ -26,7 +26,7 @@ int make_env(const SubMipOrder &order, TVXenv **out)
     env->TARV_PAR_VTIMELIMIT = std::min(env->TARV_PAR_VTIMELIMIT, order.WorkLimit);
     env->Cutoff = UNDEFINED_VALUE; // is an argument
     env->Heuristics = HEURISTICS;
-    env->MIPGap = GAP;
+    env->MIPGap = order.Gap;
     env->MIPGapAbs = GAP_ABS;
     env->TARV_PAR_ASPIRE = 1;
     env->Threads = 1;

@@ -12,6 +12,7 @@ struct SubMipOrder {
     double NodeLimit = 0;
     double Cutoff = 1e100;    // minimisation form
     double WorkLimit = 1e100; // deterministic
+    double Gap = 1e-4;        // relative gap at which the search may end
 };
 struct SubMipOutcome {
     bool Found = false;

@@ -56,10 +56,18 @@ struct PresolveResult;
 [[nodiscard]] int presolve_lp(const ModelBody *body, TVXenv *env, LpMethod method,
                               PresolveResult **out, PresolveStatus *status, double *work,
                               LpClaim *claim = nullptr);
+// How presolve_mip gets a small part of the model solved that shares no row with the rest.
+struct ComponentSolver {
+    // x [numvars of body] gets an optimal point, if *solved. 0 or OUT_OF_MEMORY.
+    int (*Solve)(void *context, const ModelBody *body, double *x, bool *solved);
+    void *Context;
+};
 // The same for a model with integers, SOS or semi-continuous columns. The reduced body holds the types C, B and I and
-// SOS only; with parameter Presolve 0 it is the model in this form. probe_level: as parameter TARV_PAR_PREPROBE.
+// SOS only; with parameter Presolve 0 it is the model in this form. probe_level: as parameter TARV_PAR_PREPROBE. Without
+// `components` all parts of the model stay in it.
 [[nodiscard]] int presolve_mip(const ModelBody *body, TVXenv *env, int probe_level,
-                               PresolveResult **out, PresolveStatus *status, double *work);
+                               PresolveResult **out, PresolveStatus *status, double *work,
+                               const ComponentSolver *components = nullptr);
 void presolve_free(PresolveResult *result);                 // null is ignored
 void presolve_set_env(PresolveResult *result, TVXenv *env); // whose limits postsolve obeys
 // Of the result, or null when nothing is left to solve.
@@ -131,4 +139,3 @@ int presolved_var(const PresolveResult *result, int j);
 int presolved_constr(const PresolveResult *result, int i);
 double presolved_constant(
     const PresolveResult *result); // of the reduced objective, in the caller's sense
-

@@ -19,6 +19,10 @@ constexpr int COEF_ROUNDS = 9, BOUND_ROUNDS = 5;
 
 constexpr int DUAL_PASSES = 3; // passes with dual_bounds
 
+// Effort, per entry and at least, after which a pass of a round has to gain this share to be followed by another one:
+// where each pass makes a few steps of a long chain, time would grow faster than the model.
+constexpr double PATIENCE = 20, PATIENCE_LEAST = 5e7, PASS_GAIN = 0.005;
+
 constexpr int ROUNDS = 5;
 // Share of rows, columns and coefficients that a round has to change to be followed by another one, and with more effort.
 constexpr double GAIN = 0.05, SMALL_GAIN = 0.01;
@@ -29,7 +33,7 @@ constexpr double NOTHING = 1e-13; // smaller sides and costs are zero
 struct Plan {
     bool dual = false, bound = false, parallel = false, aggregate = false, coef = false;
     bool dependent_rows = false, dependent_cols = false, two_rows = false;
-    bool two_rows_at_end = false, thorough = false;
+    bool two_rows_at_end = false, subset_rows = false, dual_slack = false, thorough = false;
     bool probe_simple = false, probe = false, cliques = false, clique_rows = false;
     int passes = 0;
 };
@@ -51,6 +55,8 @@ Plan make_plan(const PresolveWork *w)
     plan.probe = w->ProbeLevel > 0;
     plan.cliques = env->TARV_PAR_PRECLIQUE != 0;
     plan.clique_rows = env->TARV_PAR_PRECLIQSUB != 0;
+    plan.subset_rows = env->TARV_PAR_PRESUBROW != 0;
+    plan.dual_slack = env->TARV_PAR_PREDUALSLACK != 0 && plan.dual;
     plan.thorough = env->Presolve == 2 || w->ProbeLevel >= 2;
     plan.passes = env->PrePasses >= 0  ? env->PrePasses
                   : env->Presolve == 2 ? UNLIMITED
@@ -90,10 +96,13 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
                       {plan->coef, pre_scale_int_columns},
                       {plan->coef, pre_row_integrality},
                       {plan->dual && pass < DUAL_PASSES, pre_dual_bounds},
+                      {plan->dual_slack, pre_dual_slack},
                       {plan->parallel && plan->dual, pre_duplicate_cols},
                       {plan->parallel, pre_duplicate_rows},
                       {plan->dual, pre_dominated_columns},
                       {plan->coef, pre_coef_rows},
+                      {plan->coef, pre_subset_coefs},
+                      {plan->subset_rows, pre_subset_rows},
                       {plan->clique_rows, pre_clique_rows}}));
     TRY(compress(w));
     TRY(run_steps(w, {{plan->dual, pre_ineq_to_eq}, {plan->aggregate, pre_aggregate}}));
@@ -108,37 +117,7 @@ int outer_part(PresolveWork *w, const Plan *plan, int pass)
     return 0;
 }
 
-// The passes of one round.
-int passes(PresolveWork *w, const Plan *plan, int round)
-{
-    for (int pass = 0; pass < plan->passes; pass++) {
-        const bool first = pass == 0 && round == 0;
-        w->Phase = 2;
-        if (!first) rotate(w); // what was touched becomes active
-        TRY(inner_loop(w, plan));
-        if (nothing_left(w)) return 0;
-        w->Phase = 1;
-        if (!first) rotate(w);
-        const int cols = w->ColsRemoved, rows = w->RowsRemoved, equations = w->IneqToEq;
-        TRY(outer_part(w, plan, pass));
-        if (cols == w->ColsRemoved && rows == w->RowsRemoved && equations == w->IneqToEq)
-            return 0;
-    }
-    return 0;
-}
-
-// The reductions over the whole model at the end of a round.
-int close_round(PresolveWork *w, const Plan *plan)
-{
-    w->Phase = 0;
-    return run_steps(w, {{plan->bound && plan->dual, pre_singleton_knapsack},
-                         {plan->probe_simple, pre_probe_simple},
-                         {plan->probe, pre_probe},
-                         {plan->clique_rows, pre_clique_rows},
-                         {plan->two_rows_at_end, pre_two_rows}});
-}
-
-// What stood at the beginning of a round.
+// What stood at the beginning of a round or a pass.
 struct Standing {
     int rows, cols, coefs;
 };
@@ -156,6 +135,40 @@ double gain_since(const PresolveWork *w, const Standing &before)
     return static_cast<double>(now.coefs - before.coefs) / static_cast<double>(w->NumNz) +
            static_cast<double>(before.rows - now.rows) / before.rows +
            static_cast<double>(before.cols - now.cols) / before.cols;
+}
+
+// The passes of one round.
+int passes(PresolveWork *w, const Plan *plan, int round)
+{
+    const double patience =
+        w->Work + PATIENCE * static_cast<double>(w->NumNz) + PATIENCE_LEAST;
+    for (int pass = 0; pass < plan->passes; pass++) {
+        const Standing before = standing(w);
+        const bool first = pass == 0 && round == 0;
+        w->Phase = 2;
+        if (!first) rotate(w); // what was touched becomes active
+        TRY(inner_loop(w, plan));
+        if (nothing_left(w)) return 0;
+        w->Phase = 1;
+        if (!first) rotate(w);
+        const int cols = w->ColsRemoved, rows = w->RowsRemoved, equations = w->IneqToEq;
+        TRY(outer_part(w, plan, pass));
+        if (cols == w->ColsRemoved && rows == w->RowsRemoved && equations == w->IneqToEq)
+            return 0;
+        if (w->Work > patience && gain_since(w, before) < PASS_GAIN) return 0;
+    }
+    return 0;
+}
+
+// The reductions over the whole model at the end of a round.
+int close_round(PresolveWork *w, const Plan *plan)
+{
+    w->Phase = 0;
+    return run_steps(w, {{plan->bound && plan->dual, pre_singleton_knapsack},
+                         {plan->probe_simple, pre_probe_simple},
+                         {plan->probe, pre_probe},
+                         {plan->clique_rows, pre_clique_rows},
+                         {plan->two_rows_at_end, pre_two_rows}});
 }
 
 int rounds(PresolveWork *w, const Plan *plan)
@@ -180,13 +193,17 @@ int clear_rounding(PresolveWork *w)
     return presolve_check(w);
 }
 
-int close(PresolveWork *w)
+int close(PresolveWork *w, const Plan *plan)
 {
     w->Phase = 0;
     TRY(run_steps(w, {{true, pre_sos_fixings},
                       {true, pre_semi_fixings},
                       {w->Env->Presolve != 0, pre_tiny_coefficients}}));
     TRY(remove_empty_lines(w));
+    if (plan->dual && w->Env->Presolve != 0 && w->Components) {
+        TRY(run_reduction(w, pre_components));
+        TRY(remove_empty_lines(w));
+    }
     return clear_rounding(w);
 }
 
@@ -202,7 +219,7 @@ int reduce_steps(PresolveWork *w)
         if (plan.bound) TRY(run_reduction(w, pre_singleton_knapsack));
         TRY(rounds(w, &plan));
     }
-    return close(w);
+    return close(w, &plan);
 }
 
 // Sets and semi-continuous columns are also settled where the step limit has stopped everything else: the form of the
@@ -227,9 +244,10 @@ void log_result(const PresolveWork *w)
 } // namespace
 
 int presolve_mip(const ModelBody *body, TVXenv *env, int probe_level, PresolveResult **out,
-                 PresolveStatus *status, double *effort)
+                 PresolveStatus *status, double *effort, const ComponentSolver *components)
 {
     PresolveWork work;
+    work.Components = components;
     work.Method = static_cast<LpMethod>(env->LPMethod);
     work.IsMip = 1;
     work.ProbeLevel = probe_level;

@@ -147,7 +147,8 @@ struct PresolveWork {
     Array<char> Flag;                          // [max(NumRows, NumCols)] zero between uses
     // [NumCols] bits 1 << Side: bounds that pre_free_bounds has given, or empty
     Array<char> GivenBounds;
-    int NumNoted = 0; // rows with notes of pre_columns in Flag
+    int NumNoted = 0;                            // rows with notes of pre_columns in Flag
+    const ComponentSolver *Components = nullptr; // for pre_components, or null; not owned
     MipFacts *Facts = nullptr; // cliques and implications of presolve_mip, or null
 };
 
@@ -385,12 +386,16 @@ int presolve_verify(const PresolveWork *w);
 [[nodiscard]] int pre_row_bounds(PresolveWork *w);
 [[nodiscard]] int pre_binary_coefficients(PresolveWork *w);
 [[nodiscard]] int pre_coef_rows(PresolveWork *w);
+[[nodiscard]] int pre_subset_coefs(PresolveWork *w);
+[[nodiscard]] int pre_subset_rows(PresolveWork *w);
 [[nodiscard]] int pre_binary_equation(PresolveWork *w);
 [[nodiscard]] int pre_scale_int_columns(PresolveWork *w);
 [[nodiscard]] int pre_row_integrality(PresolveWork *w);
+[[nodiscard]] int pre_dual_slack(PresolveWork *w);
 [[nodiscard]] int pre_dominated_columns(PresolveWork *w);
 [[nodiscard]] int pre_bound_dual(PresolveWork *w);
 [[nodiscard]] int pre_tiny_coefficients(PresolveWork *w);
+[[nodiscard]] int pre_components(PresolveWork *w);
 [[nodiscard]] int pre_probe_simple(PresolveWork *w);
 [[nodiscard]] int pre_probe(PresolveWork *w);       // by ProbeLevel
 [[nodiscard]] int pre_probe_quick(PresolveWork *w); // as with level 1

@@ -22,15 +22,20 @@ static const Row ROWS[] = {
     {"singleton_knapsack", {pre_singleton_knapsack}, 2},
     {"ineq_to_eq", {pre_ineq_to_eq, pre_aggregate}, 30},
     {"two_rows", {pre_two_rows}, 5},
+    {"dual_slack", {pre_dual_slack}, 8},
+    {"dual_slack and aggregate", {pre_dual_slack, pre_aggregate}, 60},
     {"dependent", {pre_dependent_rows, pre_dependent_cols}, 5},
     {"row_bounds", {pre_row_bounds}, 100},
     {"binary_coefficients", {pre_binary_coefficients}, 3},
     {"coef_rows", {pre_coef_rows}, 5},
+    {"subset_coefs", {pre_subset_coefs}, 3},
+    {"subset_rows", {pre_subset_rows}, 15},
     {"row_integrality", {pre_row_integrality}, 50},
     {"scale_int_columns", {pre_scale_int_columns}, 10},
     {"binary_equation", {pre_binary_equation}, 20},
     {"dominated_columns", {pre_dominated_columns}, 20},
     {"bound_dual", {pre_bound_dual}, 10},
+    {"components", {pre_components}, 3},
     {"tiny_coefficients", {pre_tiny_coefficients}, 0},
     {"sets and semi-continuous",
      {pre_singleton_rows, pre_sos_fixings, pre_semi_fixings},
@@ -74,6 +79,25 @@ INSTANTIATE_TEST_SUITE_P(All, IntegerReduction, testing::ValuesIn(ROWS),
                                  if (!isalnum(c)) c = '_';
                              return name;
                          });
+
+TEST(PresolveJudge, tells_a_ray_from_the_rounding_of_costs)
+{
+    // x2 follows x3 and x4 at no cost; as the slack of the second row it costs -1 / 10000, which is rounded.
+    LpModel lp =
+        lp_make({{.3, 0, 1}, {-.01}, {.03, 0, 3}, {.01}, {.01}},
+                {{{-2000, 100, 0, -100, -100}, '<', 0}, {{0, 100, 100, -100}, '>', 1400}});
+    lp.types = {'I', 'C', 'I', 'I', 'C'};
+    const Settings fill = {{"AggFill", 100}};
+    const MipTry right = mip_reduced_by(mip_question(&lp, fill), {pre_aggregate});
+    EXPECT_EQ(right.faults, "");
+    EXPECT_TRUE(right.judged);
+    EXPECT_EQ(mip_truth(&right.reduced).status, MipStatus::UNBOUNDED);
+    const auto spoil = [](PresolveWork *w) { // the last column earns a trifle
+        w->Obj.data[4] -= 1e-6;
+        return 0;
+    };
+    EXPECT_NE(mip_reduced_by(mip_question(&lp, fill), {pre_aggregate, spoil}).faults, "");
+}
 
 TEST(PresolveCrush, a_point_of_two_columns_is_one_of_the_merged_column)
 {

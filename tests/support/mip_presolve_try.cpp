@@ -4,6 +4,7 @@
 #include "support/dice.h"
 #include "support/facts_judge.h"
 #include "support/inside.h"
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -11,6 +12,8 @@ static constexpr double LOOSE = 1e-10, ROUNDING = 1e-14;
 static constexpr int OBJECTIVES = 2; // random ones, per model
 static constexpr int NODES = 400;    // of the exact judge
 static constexpr double SAME = 1e-5; // relative difference of equal objectives
+static constexpr double FAR =
+    1e8; // beyond all optima; a rounded cost of 1e-16 is not worth SAME there
 
 MipQuestion mip_question(const LpModel *lp, const Settings &settings)
 {
@@ -63,6 +66,15 @@ static LpModel loosened(const LpModel &lp)
     return loose;
 }
 
+// Numbers without a bound get a far one.
+static LpModel enclosed(const LpModel &lp)
+{
+    LpModel box = lp;
+    for (double &lb : box.lb) lb = std::max(lb, -FAR);
+    for (double &ub : box.ub) ub = std::min(ub, FAR);
+    return box;
+}
+
 static std::vector<double> doubles_of(const LpModel &lp, const std::vector<mpq_class> &x)
 {
     std::vector<double> values;
@@ -103,6 +115,14 @@ struct Judge {
         const MipTruth own = mip_truth(&loose, NODES);
         return own.status != MipStatus::OPTIMAL ||
                differ(question.lp->sense * own.value.get_d(), wanted(), 0);
+    }
+    // True if the reduced model is unbounded only because its costs are rounded: with far bounds its optimum is right.
+    bool unbounded_by_rounding() const
+    {
+        const LpModel box = enclosed(out->reduced);
+        const MipTruth truth = mip_truth(&box, NODES);
+        return truth.status == MipStatus::OPTIMAL &&
+               !differ(truth.value.get_d(), wanted(), 0);
     }
     void map_back(const std::vector<double> &x, bool is_optimum);
     void map_forth();
@@ -153,7 +173,11 @@ void Judge::random_objectives(const LpModel &loose)
         LpModel other = loose;
         for (double &c : other.obj) c = dice.range(-5, 5);
         const MipTruth best = mip_truth(&other, NODES);
-        if (best.status == MipStatus::OPTIMAL) map_back(doubles_of(loose, best.x), false);
+        if (best.status != MipStatus::OPTIMAL) continue;
+        const std::vector<double> x = doubles_of(loose, best.x);
+        // Where rays meet by the rounding of entries, a vertex may be too far away to have digits left.
+        if (std::ranges::all_of(x, [](double v) { return std::fabs(v) <= FAR; }))
+            map_back(x, false);
     }
 }
 
@@ -173,6 +197,7 @@ void Judge::optimum()
     }
     if (truth.status == MipStatus::UNKNOWN) return;
     out->judged = true;
+    if (truth.status == MipStatus::UNBOUNDED && unbounded_by_rounding()) return;
     if (truth.status != MipStatus::OPTIMAL) {
         if (mip_truth(question.lp, NODES).status == truth.status) return; // by scaling
         return fault(formatted("the reduced model is %s", mip_status_name(truth.status)));
@@ -251,6 +276,17 @@ static void judge_learned(PresolveResult *result, MipTry *out)
     implication_log_free(log);
 }
 
+// ComponentSolver: the exact judge.
+static int solve_exactly(void *, const ModelBody *body, double *x, bool *solved)
+{
+    const LpModel lp = model_of_body(body);
+    const MipTruth truth = mip_truth(&lp, NODES);
+    *solved = truth.status == MipStatus::OPTIMAL;
+    if (*solved) std::ranges::copy(doubles_of(lp, truth.x), x);
+    return 0;
+}
+static const ComponentSolver EXACT = {solve_exactly, nullptr};
+
 MipTry mip_presolved(const MipQuestion &question)
 {
     MipTry out;
@@ -260,7 +296,7 @@ MipTry mip_presolved(const MipQuestion &question)
     PresolveResult *result = nullptr;
     double work = 0;
     if (presolve_mip(model->body, model->env, model->env->TARV_PAR_PREPROBE, &result,
-                     &out.status, &work))
+                     &out.status, &work, &EXACT))
         abort();
     judge(question, result, &out);
     if (result) judge_learned(result, &out);
@@ -272,6 +308,7 @@ static int reduce(PresolveWork *w, TVXmodel *model,
                   std::initializer_list<Reduction> reductions, PresolveResult **result)
 {
     w->IsMip = 1;
+    w->Components = &EXACT;
     TRY(work_load(w, model->body, model->env));
     TRY(pre_round_int_bounds(w));
     TRY(mark_everything(w));

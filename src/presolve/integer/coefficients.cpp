@@ -11,8 +11,7 @@
 // Cost        O(entries of the rows touched)
 // Literature  H. Crowder, E. L. Johnson, M. Padberg, "Solving large-scale zero-one linear programming problems", OR 31,
 //             1983. M. W. P. Savelsbergh, ORSA J. Computing 6, 1994.
-#include "body/double_double.h"
-#include "presolve/errors.h"
+#include "presolve/integer/coefficients.h"
 
 namespace
 {
@@ -42,25 +41,6 @@ Twofold excess_of(const PresolveWork *w, int i, double *size)
     return sum;
 }
 
-// excess: the largest activity minus the side, which does not change. With the coefficient a and the bound u that it
-// meets in the largest activity, the new side is b - a u + a' u.
-void tighten(PresolveWork *w, int p, const Twofold &excess, double size)
-{
-    PresolveNode *node = &w->Nodes.data[p];
-    const int i = node->row;
-    const double u = node->value > 0 ? w->Ub.data[node->col] : w->Lb.data[node->col],
-                 sign = node->value > 0 ? 1 : -1;
-    Twofold side = two_product(-node->value, u);
-    twofold_add(&side, {w->Rhs.data[i], 0});
-    twofold_add(&side, twofold_times(excess, sign * u));
-    w->Rhs.data[i] = side.high;
-    node->value = sign * excess.high;
-    set_entry_size(w, p, size);
-    add_to_rhs_error(w, i, size, 0);
-    w->CoefsChanged++;
-    mark_col(w, node->col);
-}
-
 void try_row(PresolveWork *w, int i, Which which)
 {
     const double least = w->FeasTol + rhs_error(w, i);
@@ -72,8 +52,7 @@ void try_row(PresolveWork *w, int i, Which which)
         if (a <= least + w->RMax.data[i] || !is_meant(w, w->Nodes.data[p].col, which))
             continue;
         if (excess.high < 0) excess = excess_of(w, i, &size);
-        if (excess.high < std::max(least, LEAST_ENTRY)) break;
-        if (a - excess.high > LEAST_GAIN * a) tighten(w, p, excess, size);
+        tighten_coefficient(w, p, excess, size);
     }
     if (excess.high < 0) return;
     row_activity(w, i);
@@ -91,6 +70,28 @@ int try_rows(PresolveWork *w, const int *list, int count, Which which)
     return 0;
 }
 } // namespace
+
+// With the coefficient a and the bound u that it meets in the largest activity, the new side is b - a u + a' u.
+bool tighten_coefficient(PresolveWork *w, int p, const Twofold &excess, double size)
+{
+    PresolveNode *node = &w->Nodes.data[p];
+    const int i = node->row;
+    const double a = std::fabs(node->value), sign = node->value > 0 ? 1 : -1;
+    if (excess.high < std::max(w->FeasTol + rhs_error(w, i), LEAST_ENTRY) ||
+        a - excess.high <= LEAST_GAIN * a)
+        return false;
+    const double u = node->value > 0 ? w->Ub.data[node->col] : w->Lb.data[node->col];
+    Twofold side = two_product(-node->value, u);
+    twofold_add(&side, {w->Rhs.data[i], 0});
+    twofold_add(&side, twofold_times(excess, sign * u));
+    w->Rhs.data[i] = side.high;
+    node->value = sign * excess.high;
+    set_entry_size(w, p, size);
+    add_to_rhs_error(w, i, size, 0);
+    w->CoefsChanged++;
+    mark_col(w, node->col);
+    return true;
+}
 
 int pre_binary_coefficients(PresolveWork *w)
 {

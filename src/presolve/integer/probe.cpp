@@ -5,8 +5,8 @@
 //             At the end the bounds found become those of the record, and columns are replaced.
 // Safety      Propagation loses no point that satisfies the rows within their tolerance (domain.h). Bounds of continuous
 //             columns are taken over if they gain much, as they stop other reductions.
-// Limits      Entries looked at; probes in a row without gain; the number of probes in the quick form. After a call that
-//             has found nothing the model has to change first.
+// Limits      Entries looked at; probes without gain, in a row and, in the quick form, in all. After a call that has found
+//             nothing the model has to change first.
 // Postsolve   That of fixing and of column_replace.cpp
 // Literature  M. W. P. Savelsbergh, "Preprocessing and probing techniques for mixed integer programming problems", ORSA J.
 //             Computing 6, 1994. T. Achterberg et al., "Presolve reductions in mixed integer programming", INFORMS J.
@@ -22,12 +22,12 @@ constexpr BoundReason DECIDED = {ReasonKind::DECISION, -1},
                       FOUND = {ReasonKind::GLOBAL, -1};
 
 struct Limits {
-    int probes;       // of a call
+    int probes;       // of a call, those with gain not counted
     int useless;      // in a row
     double per_entry; // effort per entry of the model
     int64_t least;    // effort that is always allowed
 };
-constexpr Limits QUICK = {1000, 200, 10, 500000}, FULL = {INT32_MAX, 1000, 50, 5000000};
+constexpr Limits QUICK = {4000, 500, 20, 5000000}, FULL = {INT32_MAX, 1000, 50, 5000000};
 
 constexpr int64_t LEAST_FACTS =
     10000; // edges and implications of a call, beyond the entries
@@ -160,9 +160,9 @@ int probe_columns(Probing *probing, const Array<int> &order, const Limits &limit
             probing->Useless >= limits.useless)
             return 0;
         if (domain_is_fixed(d, z) || probing->IsReplaced.data[z]) continue;
-        probes++;
         const int64_t before = d->Effort + probing->Tests;
         TRY(probe_column(probing, z));
+        probes += probing->Useless > 0;
         TRY(check_limits(probing->w,
                          static_cast<double>(d->Effort + probing->Tests - before)));
     }

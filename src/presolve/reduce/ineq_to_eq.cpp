@@ -6,8 +6,9 @@
 // Postsolve   No undo record is needed: the column has no upper bound, or is never at it, so its reduced cost
 //             c_j - y_r a - (other rows, not negative) is not negative, hence y_r <= 0. The other rows count as
 //             inequalities even if they become equations later, since postsolve restores their signs first.
-// Invariant   The bound of the column may be ignored if the row stops the column before it by more than the tolerance.
-//             Bounds do not change, so that no other reduction can depend on this.
+//             A model with integers has no dual values to be restored, so that the column may also end at its bound.
+// Invariant   The bound of the column may be ignored if the row stops the column before it, in an LP by more than the
+//             tolerance. Bounds do not change, so that no other reduction can depend on this.
 // Cost        O(entries of the columns and of the converted rows)
 #include "presolve/errors.h"
 
@@ -18,6 +19,8 @@ constexpr double CLOSED = 1e-10;
 constexpr double NO_COST = 1e-10;
 
 constexpr double AWAY = 10; // tolerances of the row between the column and its bound
+constexpr double IMPLIED =
+    1e-9; // in a model with integers, by which the row may stop the column too late
 
 // Smallest entry relative to the largest of the row; with a smaller one the value of the column could become huge.
 constexpr double SMALL_RATIO = 1e-3;
@@ -46,13 +49,14 @@ Blocks find_blocks(const PresolveWork *w, int j)
     return b;
 }
 
-// True if the row of entry p blocks its column well before the column's own bound.
+// True if the row of entry p blocks its column before the column's own bound; well before it if dual values matter.
 bool stops_first(const PresolveWork *w, int p, const ImpliedBounds *implied)
 {
     const int j = w->Nodes.data[p].col;
     const double a = w->Nodes.data[p].value;
     if (a > 0 ? !has_ub(w, j) : !has_lb(w, j)) return true;
     const double away = a > 0 ? w->Ub.data[j] - implied->ub : implied->lb - w->Lb.data[j];
+    if (w->IsMip) return away > -IMPLIED;
     return std::fabs(a) * away > AWAY * w->FeasTol && away > AWAY * w->FeasTol;
 }
 

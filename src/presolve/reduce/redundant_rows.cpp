@@ -1,6 +1,7 @@
 // redundant_rows.cpp -- removes redundant rows, and entries too small to matter
 #include "presolve/claim.h"
 #include "presolve/errors.h"
+#include <algorithm>
 
 namespace
 {
@@ -43,11 +44,24 @@ void drop_tiny(PresolveWork *w, int i)
     w->CoefsChanged += dropped;
 }
 
+bool is_short_list(const PresolveWork *w, int count)
+{
+    return count < SHARE_SCANNED * w->NumRows;
+}
+
+void clear_flags(PresolveWork *w, const int *list, int count)
+{
+    if (is_short_list(w, count))
+        for (int k = 0; k < count; k++) w->Flag.data[list[k]] = 0;
+    else
+        std::fill_n(w->Flag.data, w->NumRows, char(0));
+}
+
 // Flags the rows that may have such an entry, so that the others need not be read.
 int flag_tiny(PresolveWork *w, const int *list, int count)
 {
     const double most = TINY_SHARE * w->FeasTol / LEAST_RANGE;
-    if (count < SHARE_SCANNED * w->NumRows) {
+    if (is_short_list(w, count)) {
         for (int k = 0; k < count; k++) w->Flag.data[list[k]] = 1;
         return 0;
     }
@@ -88,6 +102,6 @@ int pre_redundant_rows(PresolveWork *w)
         else if (w->RowCnt.data[i] > 0 && is_redundant(w, i))
             remove_row(w, i, ROW_REDUNDANT);
     }
-    for (int i = 0; i < w->NumRows; i++) w->Flag.data[i] = 0;
+    clear_flags(w, list, count);
     return 0;
 }
