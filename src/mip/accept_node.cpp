@@ -90,8 +90,11 @@ int list_inexact(SearchWorker *worker, NodeLPResult *result)
         if (!state->IsInteger.data[j] || domain_is_fixed(worker->Bounds, j)) continue;
         const double x = lp_value(worker, j);
         if (std::fabs(x - std::round(x)) <= EXACT) continue;
-        TRY(array_append(&result->Candidates,
-                         {j, near_integer(x), 0, 0, 0, 0, false, false}));
+        TRY(array_append(
+            &result->Candidates,
+            {j,
+             near_integer(x, worker->Bounds->Lower.data[j], worker->Bounds->Upper.data[j]),
+             0, 0, 0, 0, false, false}));
     }
     return 0;
 }

@@ -84,7 +84,7 @@ int find_semis(SearchWorker *worker, NodeLPResult *result)
         if (is_fractional(state, z) || domain_is_fixed(worker->Bounds, semi.indicator))
             continue; // a candidate already, or decided
         TRY(array_grow(&result->Candidates, result->Candidates.size + 1));
-        add_candidate(result, semi.indicator, near_integer(z));
+        add_candidate(result, semi.indicator, near_integer(z, 0, 1));
     }
     return 0;
 }

@@ -12,9 +12,10 @@ inline double semi_violation(const SemiColumn &semi, double x)
 }
 
 // For a branch on a variable whose value is whole within the tolerance: a value in the middle of the integers around it,
-// so that the two sides exclude the values between them.
-inline double near_integer(double x)
+// so that the two sides exclude the values between them. A value that rounding errors have put beyond a bound of the
+// variable (lower < upper) gets one within the bounds: else one side would be empty, and the other one all there is.
+inline double near_integer(double x, double lower, double upper)
 {
-    const double whole = std::round(x);
-    return x < whole ? whole - 0.5 : whole + 0.5;
+    const double whole = std::round(x), middle = x < whole ? whole - 0.5 : whole + 0.5;
+    return std::clamp(middle, lower + 0.5, upper - 0.5);
 }

@@ -1,5 +1,6 @@
 // implied_integers_test.cpp -- continuous columns that are integral anyway, and the grid of objectives that they allow
 #include "mip/implied_integers.h"
+#include "mip/semi.h"
 #include "support/dice.h"
 #include "support/mip_oracle.h"
 #include "support/model_test.h"
@@ -141,6 +142,16 @@ TEST_F(ImpliedIntegers, an_incumbent_between_two_values_leaves_the_next_one)
     EXPECT_GT(prune_value_of_incumbent(grid, 2.4), 2);
     EXPECT_LT(prune_value_of_incumbent(grid, 2.4), 2.1);
     EXPECT_EQ(prune_value_of_incumbent(grid, 1e100), 1e100);
+}
+
+// A value beyond its bound by a rounding error has nothing on its other side.
+TEST(NearInteger, is_branched_on_within_its_bounds)
+{
+    EXPECT_EQ(near_integer(2 + 1e-7, 0, 5), 2.5);
+    EXPECT_EQ(near_integer(2 - 1e-7, 0, 5), 1.5);
+    EXPECT_EQ(near_integer(1 + 1e-10, 0, 1), 0.5);
+    EXPECT_EQ(near_integer(-1e-10, 0, 1), 0.5);
+    EXPECT_EQ(near_integer(3 + 1e-9, -1e30, 3), 2.5);
 }
 
 // The start is 4, the grid makes 3 next, and a row that comes at the first node leaves 3.4.
