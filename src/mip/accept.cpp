@@ -97,6 +97,17 @@ int is_feasible(const MIPState *state, const ModelBody *body, const double *x,
     return 0;
 }
 
+// Putting values on their bounds may move rows with large coefficients by more than the tolerance: the continuous values
+// as they are given then, which are within the tolerance of their bounds.
+int is_feasible_unclamped(const MIPState *state, const double *given, double *x,
+                          double tolerance, bool *feasible)
+{
+    for (int j = 0; j < state->Body->numvars; j++)
+        if (!is_integer_type(state->Body, j)) x[j] = given[j];
+    *feasible = sets_hold(state, x) && user_rows_hold(state, x);
+    return *feasible ? is_feasible(state, state->Body, x, tolerance, feasible) : 0;
+}
+
 double objective_of(const ModelBody *body, const double *x)
 {
     long double sum = body->objcon;
@@ -200,16 +211,19 @@ int accept_solution(MIPState *state, const double *given, SolutionSource source,
     if (!round_integers(state, state->Body, x) || !clamp_to_bounds(state, state->Body, x) ||
         !sets_hold(state, x) || !user_rows_hold(state, x))
         return 0;
-    const double objective = objective_of(state->Body, x);
+    double objective = objective_of(state->Body, x);
     if (objective >= state->Pool.PruneValue) {
         *outcome = Acceptance::NOT_BETTER;
         return 0;
     }
     const double tolerance = state->Env->FeasibilityTol;
-    bool feasible = false, exact = false;
-    TRY(is_feasible(state, state->Body, x, NEARLY * tolerance, &feasible));
-    if (!feasible) return 0;
+    bool exact = false;
     TRY(is_feasible(state, state->Body, x, tolerance, &exact));
+    if (!exact) TRY(is_feasible_unclamped(state, given, x, tolerance, &exact));
+    bool feasible = exact;
+    if (!exact) TRY(is_feasible(state, state->Body, x, NEARLY * tolerance, &feasible));
+    if (!feasible) return 0;
+    objective = objective_of(state->Body, x);
     double *full = new_vector(space_outermost(state->Space)->numvars);
     if (!full) return OUT_OF_MEMORY;
     int code = space_map_back(state->Space, x, full);
