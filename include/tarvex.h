@@ -606,7 +606,8 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_WHERE_POLLING 0  /* now and then, nothing to report */
 #define TVX_WHERE_PRESOLVE 1 /* between and within reductions */
 #define TVX_WHERE_SIMPLEX 2  /* every iteration */
-#define TVX_WHERE_MIP 3      /* a line of the MIP log: a node, or a solution of a start or of the caller's */
+#define TVX_WHERE_MIP                                                                      \
+    3 /* a line of the MIP log: a node, or a solution of a start or of the caller's */
 #define TVX_WHERE_SOLUTION 4 /* a new MIP solution */
 #define TVX_WHERE_NODE 5     /* a MIP node was solved; again after cuts were handed in */
 #define TVX_WHERE_MESSAGE 6  /* a line is logged, also outside a solve, printed or not */
@@ -640,13 +641,14 @@ TVX_API int TVXstrongbranch(TVXmodel *model, int numcands, const int *ind,
 #define TVX_CB_SOLUTION_BOUND 4004     /* double: best bound */
 #define TVX_CB_SOLUTION_NODES 4005     /* double: nodes explored */
 #define TVX_CB_SOLUTION_COUNT 4006     /* solutions found */
-#define TVX_CB_NODE_STATUS 5001        /* of the node relaxation: 2 optimal, 3 infeasible, 6 cut off, 1 not known */
-#define TVX_CB_NODE_VALUES 5002        /* double [NumVars]: its solution */
-#define TVX_CB_NODE_BEST 5003          /* double: best objective */
-#define TVX_CB_NODE_BOUND 5004         /* double: best bound */
-#define TVX_CB_NODE_NODES 5005         /* double: nodes explored */
-#define TVX_CB_NODE_SOLUTIONS 5006     /* solutions found */
-#define TVX_CB_MESSAGE_TEXT 6001       /* const char *: the line, valid during the call */
+#define TVX_CB_NODE_STATUS                                                                 \
+    5001 /* of the node relaxation: 2 optimal, 3 infeasible, 6 cut off, 1 not known */
+#define TVX_CB_NODE_VALUES 5002    /* double [NumVars]: its solution */
+#define TVX_CB_NODE_BEST 5003      /* double: best objective */
+#define TVX_CB_NODE_BOUND 5004     /* double: best bound */
+#define TVX_CB_NODE_NODES 5005     /* double: nodes explored */
+#define TVX_CB_NODE_SOLUTIONS 5006 /* solutions found */
+#define TVX_CB_MESSAGE_TEXT 6001   /* const char *: the line, valid during the call */
 #define TVX_CB_SECONDS 6002 /* double: seconds since TVXoptimize began; from anywhere */
 #define TVX_CB_BARRIER_ITERATIONS 7001           /* iterations */
 #define TVX_CB_BARRIER_PRIMAL_OBJECTIVE 7002     /* double: primal objective */

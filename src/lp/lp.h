@@ -57,7 +57,8 @@ struct LpGiven {
     const double *norms = nullptr; // [n + m] dual pricing norms, or null
     // it was set after the last solve, and so counts more than what that has left
     bool newer = false;
-    bool root = false; // the LP is the root relaxation of a search: its log has a banner of its own
+    bool root =
+        false; // the LP is the root relaxation of a search: its log has a banner of its own
 };
 // Solves the body from where the last solve ended, the given basis, or scratch. lp_log_result writes the lines of the
 // result. 0 or OUT_OF_MEMORY: everything is dropped then. When a callback asks for a stop by a code of its

@@ -98,7 +98,8 @@ struct LiveRow {
 // Values, reduced costs and multipliers are those of the last solve that ended OPTIMAL, until the next call that
 // changes the record.
 int simplex_num_rows(const sopt *s);
-int simplex_basic(const sopt *s, int r); // the basic variable at position r < simplex_num_rows
+int simplex_basic(const sopt *s,
+                  int r); // the basic variable at position r < simplex_num_rows
 bool simplex_is_basic(const sopt *s, int k);
 // Of variable k (n + i: slack i), in the body's units; of column j < n and row i, for the body's minimisation.
 double simplex_value(const sopt *s, int k);
