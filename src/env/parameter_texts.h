@@ -199,7 +199,7 @@ inline constexpr ParameterText rows[] = {
     {"TARV_PAR_EXACTNORM", YES, AUTO_ON_OFF, "Whether the dual simplex computes the norms of its start basis.", ""},
     {"TARV_PAR_WARMBASIS", YES, "", "0: a basis that a change of coefficients touches is dropped instead of repaired.", ""},
     {"TARV_PAR_SUBMIP", YES, "", "Marks a search inside a heuristic: it ends at a singular basis.", ""},
-    {"TARV_PAR_MIPLIM", NOT_YET, "off=0", "Nodes from which a search may start again from its root.", ""},
+    {"TARV_PAR_MIPLIM", YES, "off=0", "Nodes from which a search may start again from its root.", ""},
     {"TARV_PAR_NODEPRE", YES, "off=0", "Whether bounds are propagated at nodes.", ""},
     {"TARV_PAR_CUTPASS", NOT_YET, "auto=-1", "The most passes of cuts at the root.", ""},
     {"TARV_PAR_CUTGROWTH", NOT_YET, "", "By which factor cuts may add rows.", ""},

@@ -78,7 +78,8 @@ TEST(ObjectiveGrid, is_that_of_a_body_whose_costs_are_on_integers_only)
         for (size_t j = 0; j < costs.size(); j++) lp_add_var(&lp, costs[j], 0, 1, types[j]);
         lp.objcon = 2;
         const TestModel model(lp_load(env.env, &lp));
-        const ObjectiveGrid grid = objective_grid(model->body, nullptr);
+        const std::vector<char> none(costs.size(), 0);
+        const ObjectiveGrid grid = objective_grid(model->body, none.data());
         EXPECT_EQ(grid.Constant, 2);
         return grid.Step;
     };

@@ -67,6 +67,8 @@ const Trap TRAPS[] = {
     {"upper_bound_with_fraction", "max x st x+y<=100 bounds x<=4.5 general x", 4},
     {"no_integers_on_a_line",
      "min w st 4y-w=0; 8x+w=-19 bounds w free x free y free general w x y", INFEASIBLE},
+    // y may fall with x only in whole units, which may lead it below its bound
+    {"whole_units_of_relief", "min 0x st y-x=2 bounds -2<=x<=0 .5<=y<=5.5 general x", 0},
     // Big numbers
     {"huge_cost_on_a_tiny_column",
      "max 10000000000x+n st .0001x<=1 n+x<=1.5 bounds x<=.000000001 general n", 11},

@@ -33,6 +33,8 @@ struct RowNeed {
     int candidates = 0, integers = 0;
     bool others_integral = true;
     bool bounded = true;
+    bool whole = false,
+         divisible = false; // integer, continuous candidates, those with s a > 0 too
 };
 
 bool is_candidate(const PresolveWork *w, int j, double t)
@@ -47,6 +49,7 @@ void add_candidate(const PresolveWork *w, int j, double t, RowNeed *row)
     const double term = t * w->Lb.data[j];
     row->need += term;
     row->size = std::max(row->size, std::fabs(term));
+    (is_integer(w, j) ? row->whole : row->divisible) = true;
     if (t > 0) return;
     row->candidates++;
     row->integers += is_integer(w, j);
@@ -77,6 +80,8 @@ bool judge_row(const PresolveWork *w, int i, double sign, RowNeed *row)
     }
     if (!row->bounded || row->candidates < 1) return false;
     row->need += SPARE * w->FeasTol + INTEGRAL * row->size;
+    // In an equation candidates on both sides fall together, which one in whole units and one that is not cannot.
+    if (w->Sense.data[i] == '=' && row->whole && row->divisible) return false;
     // Relaxations by integer columns can be exchanged in whole units only.
     if (row->integers > 0 && (!row->others_integral || row->integers < row->candidates))
         return false;
